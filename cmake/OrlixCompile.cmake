@@ -1,0 +1,32 @@
+# Compiler settings that every target of the project shares.
+
+# Results are the same bits on every build: SSE2 arithmetic on 32-bit too, no fused multiply-add.
+add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror -ffp-contract=off)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    add_compile_options(-msse2 -mfpmath=sse)
+endif()
+if(ORLIX_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(WIN32)
+    # Self-contained binaries: the compiler's runtime is linked in.
+    add_link_options(-static)
+    add_compile_definitions(UNICODE _UNICODE NOMINMAX _WIN32_WINNT=0x0601)
+    set(ZLIB_USE_STATIC_LIBS ON)
+    find_program(ORLIX_WIDL NAMES i686-w64-mingw32-widl x86_64-w64-mingw32-widl REQUIRED)
+endif()
+find_package(ZLIB REQUIRED)
+
+# The suffix of a file name selects the instruction set, and nothing else does.
+function(orlix_instruction_sets)
+    foreach(file IN LISTS ARGN)
+        if(file MATCHES "_avx2\\.cpp$")
+            set_source_files_properties(${file} PROPERTIES COMPILE_OPTIONS "-mavx2;-mbmi;-mbmi2;-mpopcnt")
+        elseif(file MATCHES "_avx512\\.cpp$")
+            # VBMI and GFNI came with the processors that the variant is chosen on (Ice Lake, Zen 4 and later).
+            set_source_files_properties(${file} PROPERTIES COMPILE_OPTIONS
+                "-mavx512f;-mavx512bw;-mavx512vl;-mavx512dq;-mavx512vbmi;-mgfni;-mavx2;-mbmi;-mbmi2;-mpopcnt;-mprefer-vector-width=512")
+        endif()
+    endforeach()
+endfunction()

@@ -1,0 +1,15 @@
+# Cross build for Windows. The prefix comes from the preset: i686-w64-mingw32 or x86_64-w64-mingw32.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ORLIX_MINGW)
+if(NOT ORLIX_MINGW)
+    set(ORLIX_MINGW i686-w64-mingw32)
+endif()
+# The posix thread model: the default one has no std::mutex.
+set(CMAKE_C_COMPILER ${ORLIX_MINGW}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${ORLIX_MINGW}-g++-posix)
+set(CMAKE_RC_COMPILER ${ORLIX_MINGW}-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/${ORLIX_MINGW})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)

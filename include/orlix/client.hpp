@@ -1,0 +1,273 @@
+// For clients in C++: create objects, call them, get failures as exceptions, walk over pixels.
+//
+//     using namespace orlix;
+//     auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+//     Check(image->CreateFromFile(Text("surface.png")), image);
+//     auto process = Cast<IImageProcess>(image);
+//     ComPtr<IHistogram> histogram;
+//     Check(process->get_Histogram(histogram.Out()), process);
+//
+// Strings are UTF-8 here and UTF-16 (BSTR) in the interfaces; Text converts.
+#ifndef ORLIX_CLIENT_HPP
+#define ORLIX_CLIENT_HPP
+
+#include <orlix/com_ptr.hpp>
+#include <orlix/orlix.h>
+
+#include <cstdint>
+#include <iterator>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace orlix {
+
+// -------------------------------------------------------------------------------------------------------------- strings
+
+// Malformed input becomes U+FFFD.
+std::basic_string<OLECHAR> ToUtf16(std::string_view utf8);
+std::string ToUtf8(std::basic_string_view<OLECHAR> utf16);
+
+// Owns a BSTR.
+class Text {
+   public:
+    Text() noexcept = default;
+    explicit Text(std::string_view utf8);
+    Text(Text&& other) noexcept : bstr_(std::exchange(other.bstr_, nullptr)) {}
+    Text& operator=(Text&& other) noexcept {
+        std::swap(bstr_, other.bstr_);
+        return *this;
+    }
+    ~Text() { SysFreeString(bstr_); }
+
+    operator BSTR() const noexcept { return bstr_; }
+    // Where a method writes a string; what was held is freed first.
+    BSTR* Out() noexcept {
+        SysFreeString(std::exchange(bstr_, nullptr));
+        return &bstr_;
+    }
+    std::string Utf8() const { return ToUtf8({bstr_ ? bstr_ : OLESTR(""), SysStringLen(bstr_)}); }
+
+   private:
+    BSTR bstr_ = nullptr;
+};
+
+// --------------------------------------------------------------------------------------------------------------- failures
+
+// A failed call: its result, and the text and source (ProgID) that the object reported, both empty when it reported none.
+class Error : public std::runtime_error {
+   public:
+    Error(HRESULT result, const std::string& message, std::string source);
+    HRESULT result() const noexcept { return result_; }
+    const std::string& message() const noexcept { return message_; }
+    const std::string& source() const noexcept { return source_; }
+
+   private:
+    HRESULT result_;
+    std::string message_;
+    std::string source_;
+};
+
+[[noreturn]] void ThrowError(HRESULT result, IUnknown* object, REFIID iid);
+
+// Passes S_OK and S_FALSE on and throws Error for a failure. The reported text is taken when the object (the one that was
+// called) says that it reports for the interface.
+inline HRESULT Check(HRESULT result) {
+    if (FAILED(result)) ThrowError(result, nullptr, GUID_NULL);
+    return result;
+}
+template <class I>
+HRESULT Check(HRESULT result, const ComPtr<I>& object) {
+    if (FAILED(result)) ThrowError(result, object.get(), __uuidof(I));
+    return result;
+}
+
+// --------------------------------------------------------------------------------------------------------------- creation
+
+CLSID ClassOf(std::string_view progId);  // Error when nothing of that name is registered
+
+template <class I>
+ComPtr<I> CreateObject(const CLSID& clsid) {
+    ComPtr<I> object;
+    Check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(I), object.OutVoid()));
+    return object;
+}
+template <class I>
+ComPtr<I> CreateObject(std::string_view progId) {
+    return CreateObject<I>(ClassOf(progId));
+}
+
+// Another interface of the same object, or Error.
+template <class I, class From>
+ComPtr<I> Cast(const ComPtr<From>& object) {
+    ComPtr<I> other;
+    if (!object) throw Error(E_POINTER, {}, {});
+    Check(object->QueryInterface(__uuidof(I), other.OutVoid()));
+    return other;
+}
+
+// ----------------------------------------------------------------------------------------------------------------- pixels
+
+// The rows of one band, for images whose columns lie side by side (all that this library makes):
+//
+//     for (std::span<uint8_t> row : Rows<uint8_t>(image, 0))
+//         for (uint8_t& pixel : row) ...
+//
+// The image must hold pixels of the given size and stay as it is meanwhile.
+template <class Pixel>
+class Rows {
+   public:
+    template <class I>
+    explicit Rows(const ComPtr<I>& image, LONG band = 0) {
+        LONG bands = 0;
+        LONG type = 0;
+        Check(image->Dimensions(&bands, &width_, &height_), image);
+        Check(image->DataType(band, &type), image);
+        void* base = nullptr;
+        if (Check(image->VPA(band, &base, &table_), image) != S_OK) height_ = 0;
+        base_ = static_cast<Pixel*>(base);
+        if (static_cast<size_t>((type & 0x1ff) / 8) != sizeof(Pixel))
+            throw Error(E_INVALIDARG, "Rows: the image has another pixel type.", {});
+    }
+
+    LONG width() const { return width_; }
+    LONG height() const { return height_; }
+    std::span<Pixel> operator[](LONG y) const {
+        return {base_ + table_[0].XEntry + table_[y].YEntry, static_cast<size_t>(width_)};
+    }
+
+    class Iterator {
+       public:
+        using difference_type = std::ptrdiff_t;
+        using value_type = std::span<Pixel>;
+        Iterator() = default;
+        Iterator(const Rows* rows, LONG y) : rows_(rows), y_(y) {}
+        std::span<Pixel> operator*() const { return (*rows_)[y_]; }
+        Iterator& operator++() {
+            ++y_;
+            return *this;
+        }
+        Iterator operator++(int) {
+            const Iterator old = *this;
+            ++y_;
+            return old;
+        }
+        bool operator==(const Iterator& other) const { return y_ == other.y_; }
+
+       private:
+        const Rows* rows_ = nullptr;
+        LONG y_ = 0;
+    };
+    Iterator begin() const { return {this, 0}; }
+    Iterator end() const { return {this, height_}; }
+
+   private:
+    Pixel* base_ = nullptr;
+    VPAEntry* table_ = nullptr;
+    LONG width_ = 0;
+    LONG height_ = 0;
+};
+
+// ---------------------------------------------------------------------------------------------------------- implementation
+
+inline std::basic_string<OLECHAR> ToUtf16(std::string_view utf8) {
+    std::basic_string<OLECHAR> out;
+    out.reserve(utf8.size());
+    for (size_t i = 0; i < utf8.size();) {
+        const auto at = [&](size_t k) { return k < utf8.size() ? static_cast<unsigned char>(utf8[k]) : 0u; };
+        const uint32_t first = at(i);
+        const int more = first < 0x80 ? 0 : first >= 0xf0 ? 3 : first >= 0xe0 ? 2 : first >= 0xc2 ? 1 : -1;
+        uint32_t c = more > 0 ? first & (0x3fu >> more) : first;
+        bool valid = more >= 0 && first < 0xf5;
+        for (int k = 1; valid && k <= more; ++k) {
+            valid = (at(i + static_cast<size_t>(k)) & 0xc0) == 0x80;
+            c = c << 6 | (at(i + static_cast<size_t>(k)) & 0x3f);
+        }
+        valid = valid && c <= 0x10ffff && (c < 0xd800 || c > 0xdfff) &&
+                (more < 2 || c >= (more == 2 ? 0x800u : 0x10000u));
+        i += valid ? static_cast<size_t>(more) + 1 : 1;
+        if (!valid) c = 0xfffd;
+        if (c >= 0x10000) {
+            out.push_back(static_cast<OLECHAR>(0xd800 + ((c - 0x10000) >> 10)));
+            c = 0xdc00 + ((c - 0x10000) & 0x3ff);
+        }
+        out.push_back(static_cast<OLECHAR>(c));
+    }
+    return out;
+}
+
+inline std::string ToUtf8(std::basic_string_view<OLECHAR> utf16) {
+    std::string out;
+    out.reserve(utf16.size());
+    for (size_t i = 0; i < utf16.size(); ++i) {
+        uint32_t c = static_cast<uint16_t>(utf16[i]);
+        const uint32_t next = i + 1 < utf16.size() ? static_cast<uint16_t>(utf16[i + 1]) : 0u;
+        if (c >= 0xd800 && c < 0xdc00 && next >= 0xdc00 && next < 0xe000) {
+            c = 0x10000 + ((c - 0xd800) << 10) + (next - 0xdc00);
+            ++i;
+        } else if (c >= 0xd800 && c < 0xe000) {
+            c = 0xfffd;
+        }
+        const auto put = [&](uint32_t byte) { out.push_back(static_cast<char>(byte)); };
+        if (c < 0x80) {
+            put(c);
+        } else if (c < 0x800) {
+            put(0xc0 | c >> 6);
+            put(0x80 | (c & 0x3f));
+        } else if (c < 0x10000) {
+            put(0xe0 | c >> 12);
+            put(0x80 | (c >> 6 & 0x3f));
+            put(0x80 | (c & 0x3f));
+        } else {
+            put(0xf0 | c >> 18);
+            put(0x80 | (c >> 12 & 0x3f));
+            put(0x80 | (c >> 6 & 0x3f));
+            put(0x80 | (c & 0x3f));
+        }
+    }
+    return out;
+}
+
+inline Text::Text(std::string_view utf8) {
+    const auto wide = ToUtf16(utf8);
+    bstr_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (!bstr_) throw std::bad_alloc();
+}
+
+inline Error::Error(HRESULT result, const std::string& message, std::string source)
+    : std::runtime_error(!message.empty() ? message : [&] {
+          constexpr char digits[] = "0123456789abcdef";
+          std::string text = "failed with result 0x";
+          for (int shift = 28; shift >= 0; shift -= 4) text += digits[(static_cast<uint32_t>(result) >> shift) & 15];
+          return text;
+      }()),
+      result_(result),
+      message_(message),
+      source_(std::move(source)) {}
+
+inline void ThrowError(HRESULT result, IUnknown* object, REFIID iid) {
+    Text message;
+    Text source;
+    ComPtr<ISupportErrorInfo> support;
+    if (object && SUCCEEDED(object->QueryInterface(__uuidof(ISupportErrorInfo), support.OutVoid())) &&
+        support->InterfaceSupportsErrorInfo(iid) == S_OK) {
+        ComPtr<IErrorInfo> info;
+        if (GetErrorInfo(0, info.Out()) == S_OK) {
+            info->GetDescription(message.Out());
+            info->GetSource(source.Out());
+        }
+    }
+    throw Error(result, message.Utf8(), source.Utf8());
+}
+
+inline CLSID ClassOf(std::string_view progId) {
+    CLSID clsid = {};
+    const HRESULT result = CLSIDFromProgID(ToUtf16(progId).c_str(), &clsid);
+    if (FAILED(result)) throw Error(result, "no class is registered as " + std::string(progId), {});
+    return clsid;
+}
+
+}  // namespace orlix
+
+#endif

@@ -1,0 +1,247 @@
+// The component object model's binary conventions, off Windows: just what the contract and its clients need, with the
+// system's own names, values and layouts. On Windows this folder is not on the include path.
+//
+// Strings (BSTR) are UTF-16, preceded by their length in bytes. The current error information is kept per thread.
+// Creation by class or ProgID goes to the library itself: there is no system-wide registry, but a store of the process
+// that the library's registration scripts fill.
+#ifndef ORLIX_PLATFORM_COMPONENT_ABI_H
+#define ORLIX_PLATFORM_COMPONENT_ABI_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifndef __cplusplus
+#error "the component interface off Windows is for C++ clients"
+#endif
+
+// ---------------------------------------------------------------------------------------------------- calling convention
+
+#define interface struct
+#define STDMETHODCALLTYPE
+#define WINAPI
+#define EXTERN_C extern "C"
+#define ORLIX_API __attribute__((visibility("default")))
+#define STDMETHODIMP HRESULT STDMETHODCALLTYPE
+#define STDMETHODIMP_(type) type STDMETHODCALLTYPE
+#define STDAPI extern "C" ORLIX_API HRESULT
+#define BEGIN_INTERFACE
+#define END_INTERFACE
+#define __RPC_FAR
+#define __RPC_USER
+#define __RPC_STUB
+#define DECLSPEC_UUID(uuid)
+#define DECLSPEC_NOVTABLE
+#define MIDL_INTERFACE(uuid) struct
+
+// ------------------------------------------------------------------------------------------------------------ basic types
+
+typedef unsigned char BYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD;
+typedef int32_t LONG;
+typedef uint32_t ULONG;
+typedef int32_t INT;
+typedef uint32_t UINT;
+typedef int32_t BOOL;
+typedef int64_t LONGLONG;
+typedef uint64_t ULONGLONG;
+typedef float FLOAT;
+typedef double DOUBLE;
+typedef int16_t SHORT;
+typedef int16_t VARIANT_BOOL;
+typedef LONG HRESULT;
+typedef LONG SCODE;
+typedef LONG DISPID;
+typedef DWORD LCID;
+typedef DWORD OLE_COLOR;
+typedef char16_t OLECHAR;
+typedef OLECHAR* LPOLESTR;
+typedef const OLECHAR* LPCOLESTR;
+typedef OLECHAR* BSTR;
+
+static_assert(sizeof(LONG) == 4 && sizeof(OLECHAR) == 2);
+
+#define OLESTR(text) u##text
+#define TRUE 1
+#define FALSE 0
+
+typedef struct tagRECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+} RECT;
+
+typedef struct tagBITMAP {
+    LONG bmType;
+    LONG bmWidth;
+    LONG bmHeight;
+    LONG bmWidthBytes;
+    WORD bmPlanes;
+    WORD bmBitsPixel;
+    void* bmBits;
+} BITMAP;
+
+typedef union _ULARGE_INTEGER {
+    ULONGLONG QuadPart;
+} ULARGE_INTEGER;
+
+typedef union _LARGE_INTEGER {
+    LONGLONG QuadPart;
+} LARGE_INTEGER;
+
+// ------------------------------------------------------------------------------------------------------------ identifiers
+
+typedef struct _GUID {
+    uint32_t Data1;
+    uint16_t Data2;
+    uint16_t Data3;
+    uint8_t Data4[8];
+} GUID;
+static_assert(sizeof(GUID) == 16);
+
+typedef GUID IID;
+typedef GUID CLSID;
+typedef const GUID& REFGUID;
+typedef const IID& REFIID;
+typedef const CLSID& REFCLSID;
+
+constexpr bool operator==(const GUID& a, const GUID& b) {
+    if (a.Data1 != b.Data1 || a.Data2 != b.Data2 || a.Data3 != b.Data3) return false;
+    for (int i = 0; i < 8; ++i)
+        if (a.Data4[i] != b.Data4[i]) return false;
+    return true;
+}
+constexpr bool operator!=(const GUID& a, const GUID& b) { return !(a == b); }
+inline bool IsEqualGUID(REFGUID a, REFGUID b) { return a == b; }
+inline bool IsEqualIID(REFIID a, REFIID b) { return a == b; }
+inline bool IsEqualCLSID(REFCLSID a, REFCLSID b) { return a == b; }
+
+#define DEFINE_GUID(name, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8) \
+    inline constexpr GUID name = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}
+
+inline constexpr GUID GUID_NULL = {};
+
+// __uuidof(T) names the identifier that the interface description gives to the interface or class T.
+template <class T>
+struct OrlixUuidOf;
+#define __CRT_UUID_DECL(type, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8)                \
+    extern "C++" {                                                                      \
+    template <>                                                                         \
+    struct OrlixUuidOf<type> {                                                          \
+        static constexpr GUID value = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}};    \
+    };                                                                                  \
+    }
+#define __uuidof(type) (OrlixUuidOf<type>::value)
+
+// ---------------------------------------------------------------------------------------------------------------- results
+
+#define S_OK ((HRESULT)0)
+#define S_FALSE ((HRESULT)1)
+#define E_NOTIMPL ((HRESULT)0x80004001)
+#define E_NOINTERFACE ((HRESULT)0x80004002)
+#define E_POINTER ((HRESULT)0x80004003)
+#define E_FAIL ((HRESULT)0x80004005)
+#define E_UNEXPECTED ((HRESULT)0x8000FFFF)
+#define E_OUTOFMEMORY ((HRESULT)0x8007000E)
+#define E_INVALIDARG ((HRESULT)0x80070057)
+#define DISP_E_EXCEPTION ((HRESULT)0x80020009)
+#define CLASS_E_NOAGGREGATION ((HRESULT)0x80040110)
+#define CLASS_E_CLASSNOTAVAILABLE ((HRESULT)0x80040111)
+#define REGDB_E_CLASSNOTREG ((HRESULT)0x80040154)
+#define CO_E_CLASSSTRING ((HRESULT)0x800401F3)
+#define SUCCEEDED(result) ((HRESULT)(result) >= 0)
+#define FAILED(result) ((HRESULT)(result) < 0)
+
+// ------------------------------------------------------------------------------------------------------------- interfaces
+
+struct IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppvObject) = 0;
+    virtual ULONG STDMETHODCALLTYPE AddRef() = 0;
+    virtual ULONG STDMETHODCALLTYPE Release() = 0;
+};
+DEFINE_GUID(IID_IUnknown, 0x00000000, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
+__CRT_UUID_DECL(IUnknown, 0x00000000, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
+struct IClassFactory : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* pUnkOuter, REFIID riid, void** ppvObject) = 0;
+    virtual HRESULT STDMETHODCALLTYPE LockServer(BOOL fLock) = 0;
+};
+DEFINE_GUID(IID_IClassFactory, 0x00000001, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
+__CRT_UUID_DECL(IClassFactory, 0x00000001, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
+struct IErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetGUID(GUID* pGUID) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetSource(BSTR* pBstrSource) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetDescription(BSTR* pBstrDescription) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetHelpFile(BSTR* pBstrHelpFile) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetHelpContext(DWORD* pdwHelpContext) = 0;
+};
+DEFINE_GUID(IID_IErrorInfo, 0x1cf2b120, 0x547d, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19);
+__CRT_UUID_DECL(IErrorInfo, 0x1cf2b120, 0x547d, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19)
+
+struct ICreateErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE SetGUID(REFGUID rguid) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetSource(LPOLESTR szSource) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetDescription(LPOLESTR szDescription) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetHelpFile(LPOLESTR szHelpFile) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetHelpContext(DWORD dwHelpContext) = 0;
+};
+DEFINE_GUID(IID_ICreateErrorInfo, 0x22f03340, 0x547d, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19);
+__CRT_UUID_DECL(ICreateErrorInfo, 0x22f03340, 0x547d, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19)
+
+struct ISupportErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) = 0;
+};
+DEFINE_GUID(IID_ISupportErrorInfo, 0xdf0b3d60, 0x548f, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19);
+__CRT_UUID_DECL(ISupportErrorInfo, 0xdf0b3d60, 0x548f, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19)
+
+// Named by two event interfaces of the contract; the library answers it nowhere off Windows.
+struct DISPPARAMS;
+struct EXCEPINFO;
+struct ITypeInfo;
+struct VARIANT;
+struct IDispatch : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* pctinfo) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT iTInfo, LCID lcid, ITypeInfo** ppTInfo) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* rgszNames, UINT cNames, LCID lcid,
+                                                    DISPID* rgDispId) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD wFlags,
+                                             DISPPARAMS* pDispParams, VARIANT* pVarResult, EXCEPINFO* pExcepInfo,
+                                             UINT* puArgErr) = 0;
+};
+DEFINE_GUID(IID_IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
+__CRT_UUID_DECL(IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
+// -------------------------------------------------------------------------------------------------------------- functions
+
+extern "C" {
+
+// A copy of a zero-terminated string, or of the first `length` units (text may be null: the units are then not set).
+// Null for a null text, for lengths that no address space holds and when memory is short.
+ORLIX_API BSTR SysAllocString(const OLECHAR* text);
+ORLIX_API BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
+ORLIX_API void SysFreeString(BSTR text);
+ORLIX_API UINT SysStringLen(BSTR text);  // in UTF-16 units; 0 for null
+
+// The thread's current error information. GetErrorInfo hands it over and clears it: S_FALSE and null when there is none.
+ORLIX_API HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
+ORLIX_API HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
+ORLIX_API HRESULT CreateErrorInfo(ICreateErrorInfo** info);
+
+// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}", upper case; the buffer takes 39 units with the terminator.
+ORLIX_API int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity);
+ORLIX_API HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid);
+
+// Look-ups in what is registered in this process. The text of ProgIDFromCLSID is freed with CoTaskMemFree.
+ORLIX_API HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* clsid);
+ORLIX_API HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progid);
+ORLIX_API void* CoTaskMemAlloc(size_t size);
+ORLIX_API void CoTaskMemFree(void* memory);
+
+#define CLSCTX_INPROC_SERVER 1
+ORLIX_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid, void** object);
+ORLIX_API HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* reserved, REFIID riid, void** object);
+}
+
+#endif

@@ -1,0 +1,43 @@
+// What logic and objects raise. Guarded() (guard.hpp) is the one place that turns it into a result.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <exception>
+
+namespace orlix {
+
+// A failure with the text that the client is to see. The text is a literal at the place of the failure.
+class Failure : public std::exception {
+   public:
+    explicit Failure(const char* message, HRESULT result = E_FAIL) noexcept : message_(message), result_(result) {}
+    const char* what() const noexcept override { return message_; }
+    HRESULT result() const noexcept { return result_; }
+
+   private:
+    const char* message_;
+    HRESULT result_;
+};
+
+// A result without a text: a failing call on somebody's interface is passed through, a null pointer gives E_POINTER.
+class FailedResult : public std::exception {
+   public:
+    explicit FailedResult(HRESULT result) noexcept : result_(result) {}
+    const char* what() const noexcept override { return "failed result"; }
+    HRESULT result() const noexcept { return result_; }
+
+   private:
+    HRESULT result_;
+};
+
+inline void Require(const void* pointer) {
+    if (!pointer) throw FailedResult(E_POINTER);
+}
+
+// For calls on interfaces: S_OK and S_FALSE are returned, a failure is raised.
+inline HRESULT PassOn(HRESULT result) {
+    if (FAILED(result)) throw FailedResult(result);
+    return result;
+}
+
+}  // namespace orlix

@@ -1,0 +1,33 @@
+// The boundary between the library's code, which throws, and interface methods, which return results.
+#pragma once
+
+#include <type_traits>
+
+#include "component/failure.hpp"
+#include "platform/floating_point.hpp"
+
+namespace orlix {
+
+// Inside a handler: reports what was thrown in the name of the class and gives the method's result. A Failure is reported
+// with its text; anything but Failure and FailedResult (no memory, ...) is a bare E_FAIL.
+HRESULT ResultOfCurrentException(const CLSID& clsid) noexcept;
+
+// Runs the body of an interface method. The thread's error information is cleared first, so that after a failure it holds
+// this method's text or none. The body returns an HRESULT, or nothing for S_OK.
+template <class Body>
+HRESULT Guarded(const CLSID& clsid, Body&& body) noexcept {
+    const FloatingPointScope arithmetic;
+    SetErrorInfo(0, nullptr);
+    try {
+        if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+            body();
+            return S_OK;
+        } else {
+            return body();
+        }
+    } catch (...) {
+        return ResultOfCurrentException(clsid);
+    }
+}
+
+}  // namespace orlix

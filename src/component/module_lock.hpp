@@ -1,0 +1,10 @@
+// The module's one lock count: live objects plus locks on class factories.
+#pragma once
+
+namespace orlix {
+
+void LockModule() noexcept;
+void UnlockModule() noexcept;
+bool ModuleIsLocked() noexcept;
+
+}  // namespace orlix

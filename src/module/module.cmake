@@ -1,0 +1,1 @@
+# Resources of the module: registration scripts, type library, version.
