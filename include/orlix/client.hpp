@@ -11,8 +11,8 @@
 #ifndef ORLIX_CLIENT_HPP
 #define ORLIX_CLIENT_HPP
 
-#include <orlix/com_ptr.hpp>
 #include <orlix/orlix.h>
+#include <orlix/com_ptr.hpp>
 
 #include <cstdint>
 #include <iterator>
@@ -31,7 +31,7 @@ std::string ToUtf8(std::basic_string_view<OLECHAR> utf16);
 
 // Owns a BSTR.
 class Text {
-   public:
+public:
     Text() noexcept = default;
     explicit Text(std::string_view utf8);
     Text(Text&& other) noexcept : bstr_(std::exchange(other.bstr_, nullptr)) {}
@@ -49,7 +49,7 @@ class Text {
     }
     std::string Utf8() const { return ToUtf8({bstr_ ? bstr_ : OLESTR(""), SysStringLen(bstr_)}); }
 
-   private:
+private:
     BSTR bstr_ = nullptr;
 };
 
@@ -57,13 +57,13 @@ class Text {
 
 // A failed call: its result, and the text and source (ProgID) that the object reported, both empty when it reported none.
 class Error : public std::runtime_error {
-   public:
+public:
     Error(HRESULT result, const std::string& message, std::string source);
     HRESULT result() const noexcept { return result_; }
     const std::string& message() const noexcept { return message_; }
     const std::string& source() const noexcept { return source_; }
 
-   private:
+private:
     HRESULT result_;
     std::string message_;
     std::string source_;
@@ -117,7 +117,7 @@ ComPtr<I> Cast(const ComPtr<From>& object) {
 // The image must hold pixels of the given size and stay as it is meanwhile.
 template <class Pixel>
 class Rows {
-   public:
+public:
     template <class I>
     explicit Rows(const ComPtr<I>& image, LONG band = 0) {
         LONG bands = 0;
@@ -138,7 +138,7 @@ class Rows {
     }
 
     class Iterator {
-       public:
+    public:
         using difference_type = std::ptrdiff_t;
         using value_type = std::span<Pixel>;
         Iterator() = default;
@@ -155,14 +155,14 @@ class Rows {
         }
         bool operator==(const Iterator& other) const { return y_ == other.y_; }
 
-       private:
+    private:
         const Rows* rows_ = nullptr;
         LONG y_ = 0;
     };
     Iterator begin() const { return {this, 0}; }
     Iterator end() const { return {this, height_}; }
 
-   private:
+private:
     Pixel* base_ = nullptr;
     VPAEntry* table_ = nullptr;
     LONG width_ = 0;
@@ -184,8 +184,8 @@ inline std::basic_string<OLECHAR> ToUtf16(std::string_view utf8) {
             valid = (at(i + static_cast<size_t>(k)) & 0xc0) == 0x80;
             c = c << 6 | (at(i + static_cast<size_t>(k)) & 0x3f);
         }
-        valid = valid && c <= 0x10ffff && (c < 0xd800 || c > 0xdfff) &&
-                (more < 2 || c >= (more == 2 ? 0x800u : 0x10000u));
+        valid =
+            valid && c <= 0x10ffff && (c < 0xd800 || c > 0xdfff) && (more < 2 || c >= (more == 2 ? 0x800u : 0x10000u));
         i += valid ? static_cast<size_t>(more) + 1 : 1;
         if (!valid) c = 0xfffd;
         if (c >= 0x10000) {

@@ -11,7 +11,7 @@ namespace orlix {
 
 template <class I>
 class ComPtr {
-   public:
+public:
     ComPtr() noexcept = default;
     ComPtr(std::nullptr_t) noexcept {}
     // Shares: adds a reference.
@@ -57,7 +57,7 @@ class ComPtr {
     I& operator*() const noexcept { return *pointer_; }
     explicit operator bool() const noexcept { return pointer_ != nullptr; }
 
-   private:
+private:
     I* pointer_ = nullptr;
 };
 

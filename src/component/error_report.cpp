@@ -30,7 +30,11 @@ void Widen(const char* text, OLECHAR* to, size_t) {
     const auto* in = reinterpret_cast<const unsigned char*>(text);
     while (*in) {
         uint32_t c = *in++;
-        int more = c < 0x80 ? 0 : c >= 0xc2 && c < 0xe0 ? 1 : c >= 0xe0 && c < 0xf0 ? 2 : c >= 0xf0 && c < 0xf5 ? 3 : -1;
+        int more = c < 0x80                ? 0
+                   : c >= 0xc2 && c < 0xe0 ? 1
+                   : c >= 0xe0 && c < 0xf0 ? 2
+                   : c >= 0xf0 && c < 0xf5 ? 3
+                                           : -1;
         if (more > 0) {
             uint32_t value = c & (0x3fu >> more);
             int taken = 0;
@@ -56,7 +60,7 @@ void Widen(const char* text, OLECHAR* to, size_t) {
 
 // A text in UTF-16: on the stack while it needs at most 1024 bytes.
 class WideText {
-   public:
+public:
     explicit WideText(const char* text) noexcept {
         const size_t units = std::strlen(text) + 1;
         if (units * sizeof(OLECHAR) > sizeof near_) {
@@ -70,7 +74,7 @@ class WideText {
     }
     OLECHAR* get() const noexcept { return units_; }  // null when memory was short
 
-   private:
+private:
     OLECHAR near_[512];
     std::unique_ptr<OLECHAR[]> far_;
     OLECHAR* units_ = nullptr;

@@ -13,7 +13,6 @@ HRESULT ReportError(const CLSID& clsid, const char* message, const IID& iid = GU
 
 // The same with a text of the module's string table, "Unknown Error" where the table has none; a result of 0 becomes
 // 0x80040000 | resource.
-HRESULT ReportErrorResource(const CLSID& clsid, WORD resource, const IID& iid = GUID_NULL,
-                            HRESULT result = 0) noexcept;
+HRESULT ReportErrorResource(const CLSID& clsid, WORD resource, const IID& iid = GUID_NULL, HRESULT result = 0) noexcept;
 
 }  // namespace orlix

@@ -9,24 +9,24 @@ namespace orlix {
 
 // A failure with the text that the client is to see. The text is a literal at the place of the failure.
 class Failure : public std::exception {
-   public:
+public:
     explicit Failure(const char* message, HRESULT result = E_FAIL) noexcept : message_(message), result_(result) {}
     const char* what() const noexcept override { return message_; }
     HRESULT result() const noexcept { return result_; }
 
-   private:
+private:
     const char* message_;
     HRESULT result_;
 };
 
 // A result without a text: a failing call on somebody's interface is passed through, a null pointer gives E_POINTER.
 class FailedResult : public std::exception {
-   public:
+public:
     explicit FailedResult(HRESULT result) noexcept : result_(result) {}
     const char* what() const noexcept override { return "failed result"; }
     HRESULT result() const noexcept { return result_; }
 
-   private:
+private:
     HRESULT result_;
 };
 

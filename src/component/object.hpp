@@ -35,7 +35,7 @@ struct InterfaceEntry<Answers<I, Parents...>> {
 
 template <class Class, class... Entries>
 class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErrorInfo {
-   public:
+public:
     // As a class factory does it: with an outer object only IUnknown may be asked for, and what is handed out is the
     // inner object's own IUnknown.
     static HRESULT CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept {
@@ -72,7 +72,7 @@ class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErro
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
 
-   protected:
+protected:
     Object() noexcept : inner_(*this) { LockModule(); }
     ~Object() { UnlockModule(); }
 
@@ -88,10 +88,10 @@ class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErro
                identity.get() == Identity().get();
     }
 
-   private:
+private:
     // The object's own IUnknown: counts the references, and answers the interfaces without asking an outer object.
     class Inner final : public IUnknown {
-       public:
+    public:
         explicit Inner(Object& owner) noexcept : owner_(owner) {}
         STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
             if (!object) return E_POINTER;
@@ -100,9 +100,7 @@ class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErro
             static_cast<IUnknown*>(*object)->AddRef();
             return S_OK;
         }
-        STDMETHODIMP_(ULONG) AddRef() noexcept override {
-            return count_.fetch_add(1, std::memory_order_relaxed) + 1;
-        }
+        STDMETHODIMP_(ULONG) AddRef() noexcept override { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
         STDMETHODIMP_(ULONG) Release() noexcept override {
             const ULONG left = count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
             if (left == 0) {
@@ -112,7 +110,7 @@ class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErro
             return left;
         }
 
-       private:
+    private:
         Object& owner_;
         std::atomic<ULONG> count_{1};
     };

@@ -15,7 +15,7 @@ namespace orlix {
 //      road of the kernels.
 template <class Pixel>
 class PixelView {
-   public:
+public:
     PixelView() = default;
     PixelView(Pixel* base, const VPAEntry* table, int32_t width, int32_t height)
         : base_(base), table_(table), width_(width), height_(height) {}
@@ -25,9 +25,7 @@ class PixelView {
     Pixel* base() const { return base_; }
     const VPAEntry* table() const { return table_; }
 
-    Pixel& at(int32_t x, int32_t y) const {
-        return base_[static_cast<ptrdiff_t>(table_[x].XEntry) + table_[y].YEntry];
-    }
+    Pixel& at(int32_t x, int32_t y) const { return base_[static_cast<ptrdiff_t>(table_[x].XEntry) + table_[y].YEntry]; }
 
     // Column 0 of row y where the view is contiguous.
     Pixel* row(int32_t y) const { return base_ + (static_cast<ptrdiff_t>(table_[0].XEntry) + table_[y].YEntry); }
@@ -39,7 +37,7 @@ class PixelView {
         return true;
     }
 
-   private:
+private:
     Pixel* base_ = nullptr;
     const VPAEntry* table_ = nullptr;
     int32_t width_ = 0;

@@ -5,8 +5,8 @@
 
 namespace orlix {
 
-double Log(double x);  // natural logarithm: -inf at 0, NaN below 0, inf at inf
-double Exp(double x);  // 0 and inf beyond the range of double
+double Log(double x);        // natural logarithm: -inf at 0, NaN below 0, inf at inf
+double Exp(double x);        // 0 and inf beyond the range of double
 double Sin(double radians);  // NaN for infinities
 double Cos(double radians);
 

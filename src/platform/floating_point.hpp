@@ -9,7 +9,7 @@
 namespace orlix {
 
 class FloatingPointScope {
-   public:
+public:
     FloatingPointScope() noexcept : sse_(_mm_getcsr()) {
         if ((sse_ & ~kSseStatus) != kSseDefault) _mm_setcsr(kSseDefault);
 #if defined(__i386__)
@@ -30,7 +30,7 @@ class FloatingPointScope {
     FloatingPointScope(const FloatingPointScope&) = delete;
     FloatingPointScope& operator=(const FloatingPointScope&) = delete;
 
-   private:
+private:
     static constexpr unsigned kSseStatus = 0x3f;
     static constexpr unsigned kSseDefault = 0x1f80;
     unsigned sse_;

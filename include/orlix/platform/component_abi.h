@@ -125,12 +125,12 @@ inline constexpr GUID GUID_NULL = {};
 // __uuidof(T) names the identifier that the interface description gives to the interface or class T.
 template <class T>
 struct OrlixUuidOf;
-#define __CRT_UUID_DECL(type, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8)                \
-    extern "C++" {                                                                      \
-    template <>                                                                         \
-    struct OrlixUuidOf<type> {                                                          \
-        static constexpr GUID value = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}};    \
-    };                                                                                  \
+#define __CRT_UUID_DECL(type, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8)             \
+    extern "C++" {                                                                   \
+    template <>                                                                      \
+    struct OrlixUuidOf<type> {                                                       \
+        static constexpr GUID value = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}; \
+    };                                                                               \
     }
 #define __uuidof(type) (OrlixUuidOf<type>::value)
 

@@ -8,7 +8,7 @@ namespace {
 
 // The plain error information object: what is put into it can be read from it.
 class ErrorInfo final : public IErrorInfo, public ICreateErrorInfo {
-   public:
+public:
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
         if (!object) return E_POINTER;
         *object = nullptr;
@@ -53,7 +53,7 @@ class ErrorInfo final : public IErrorInfo, public ICreateErrorInfo {
         return S_OK;
     }
 
-   private:
+private:
     ~ErrorInfo() = default;
 
     static HRESULT Copy(const std::u16string& from, BSTR* to) noexcept {

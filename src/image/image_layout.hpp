@@ -1,0 +1,44 @@
+// Geometry of an image's storage.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace orlix {
+
+// Margin of the offset table on each side, in entries. Neighbourhood operations count on it.
+inline constexpr int32_t kTableMargin = 200;
+
+// Bytes that a sample takes: the bits of the type code (its low nine bits), rounded up to whole bytes; 3
+// becomes 4, and 5 to 7 become 8. More than 64 bits raise FailedResult(E_FAIL). For codes of fewer than 8
+// bits the result is 1 or 0: callers refuse them first.
+int32_t BytesPerSample(LONG dataType);
+
+// Planar storage: bands one after the other, rows top-down within a band, samples side by side within a row.
+// Each row is padded to a multiple of 4 bytes. All sizes are in bytes.
+struct ImageLayout {
+    int32_t width = 0;
+    int32_t height = 0;
+    int32_t bands = 0;
+    int32_t bytesPerSample = 1;
+    int64_t rowStride = 0;
+    size_t bandSize = 0;   // height rows
+    size_t totalSize = 0;  // all bands
+
+    friend bool operator==(const ImageLayout&, const ImageLayout&) = default;
+};
+
+// Width, height and bands are positive. Raises FailedResult(E_FAIL) where the offsets of the rows leave 32
+// bits or the storage exceeds the address space.
+ImageLayout MakeLayout(int32_t width, int32_t height, int32_t bands, LONG dataType);
+
+// The offset table, for index -kTableMargin to max(width, height) + kTableMargin - 1; entry 0 is element
+// kTableMargin. Indices outside an axis of length n mirror without repeating the edge: i -> |i| mod 2(n - 1),
+// and what then exceeds n - 1 -> 2(n - 1) - i; all 0 when n is 1. Entries of the shorter axis beyond n +
+// kTableMargin - 1 hold 0.
+std::vector<VPAEntry> MakeOffsetTable(const ImageLayout& layout);
+
+}  // namespace orlix

@@ -1,0 +1,84 @@
+#include "image/image_store.hpp"
+
+#include <cstring>
+#include <utility>
+
+#include "platform/memory_probe.hpp"
+
+namespace orlix {
+
+void ImageStore::Create(LONG width, LONG height, LONG bands, LONG dataType, bool zero) {
+    if (width <= 0) throw Failure("IImageVPAEx::Create: Width must be positive.", DISP_E_EXCEPTION);
+    if (height <= 0) throw Failure("IImageVPAEx::Create: Height must be positive.", DISP_E_EXCEPTION);
+    if (bands <= 0) throw Failure("IImageVPAEx::Create: Bands must be positive.", DISP_E_EXCEPTION);
+    if ((dataType & 0x1ff) < 8)
+        throw Failure("ImageVPAExPlus::Create: DataType must specify at least one byte per pixel");
+
+    const ImageLayout layout = MakeLayout(width, height, bands, dataType);
+    const bool rebuild = layout != content_.layout;
+    std::vector<VPAEntry> table = rebuild ? MakeOffsetTable(layout) : std::move(content_.table);
+    try {
+        content_.owned.Resize(layout.totalSize);
+    } catch (...) {
+        if (!rebuild) content_.table = std::move(table);
+        throw;
+    }
+    Reset(layout, std::move(table));
+    content_.data = content_.owned.data();
+    if (zero) std::memset(content_.data, 0, layout.totalSize);
+}
+
+void ImageStore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero) {
+    if (width <= 0) throw Failure("IImageVPAEx::AttachBuffer: Width must be positive.", DISP_E_EXCEPTION);
+    if (height <= 0) throw Failure("IImageVPAEx::AttachBuffer: Height must be positive.", DISP_E_EXCEPTION);
+    if (bands <= 0) throw Failure("IImageVPAEx::AttachBuffer: Bands must be positive.", DISP_E_EXCEPTION);
+    if ((dataType & 0x1ff) < 8)
+        throw Failure("ImageVPAEx::AttachBuffer: DataType must specify at least one byte per pixel");
+
+    const ImageLayout layout = MakeLayout(width, height, bands, dataType);
+    Reset(layout, layout != content_.layout ? MakeOffsetTable(layout) : std::move(content_.table));
+    content_.owned = PixelBuffer();
+    content_.data = static_cast<uint8_t*>(buffer);
+    content_.refused = true;
+    // Sample (x, y) of a client's buffer is read as a whole pixel, so its address must be one that a pixel
+    // may have.
+    if (reinterpret_cast<uintptr_t>(buffer) % static_cast<uintptr_t>(layout.bytesPerSample) != 0 ||
+        !IsReadable(buffer, layout.totalSize))
+        throw Failure(
+            "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for "
+            "reading.");
+    if (!IsWritable(buffer, layout.totalSize))
+        throw Failure(
+            "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for "
+            "writing.");
+    content_.refused = false;
+    if (zero) std::memset(buffer, 0, layout.totalSize);
+}
+
+ImageContent ImageStore::MakeContent(LONG width, LONG height, LONG bands) const {
+    if (width <= 0) throw Failure("IImageVPAEx::Create: Width must be positive.", DISP_E_EXCEPTION);
+    if (height <= 0) throw Failure("IImageVPAEx::Create: Height must be positive.", DISP_E_EXCEPTION);
+    if (bands <= 0) throw Failure("IImageVPAEx::Create: Bands must be positive.", DISP_E_EXCEPTION);
+    ImageContent content;
+    content.layout = MakeLayout(width, height, bands, dataType_);
+    content.table = MakeOffsetTable(content.layout);
+    content.owned.Resize(content.layout.totalSize);
+    content.data = content.owned.data();
+    return content;
+}
+
+void ImageStore::Replace(ImageContent&& content) noexcept {
+    content_ = std::move(content);
+    modified_ = true;
+}
+
+void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table) {
+    content_.layout = layout;
+    content_.table = std::move(table);
+    content_.refused = false;
+    content_.coordinates = kIdentityMap;
+    content_.properties = ImageProperties();
+    modified_ = true;
+}
+
+}  // namespace orlix

@@ -1,0 +1,109 @@
+// What an image holds, whatever its pixel type: storage, offset table, coordinate map, description, file
+// properties.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <string>
+#include <vector>
+
+#include "component/failure.hpp"
+#include "image/image_layout.hpp"
+#include "image/pixel_buffer.hpp"
+#include "image/pixel_view.hpp"
+
+namespace orlix {
+
+using WideString = std::basic_string<OLECHAR>;
+
+// Frame outside the image that coordinates relate to; see TCoordinateMap in the interface description.
+inline constexpr TCoordinateMap kIdentityMap = {0, 0, {1, 0, 0, 1}};
+
+struct TextEntry {
+    WideString keyword;
+    WideString text;
+};
+
+// What files keep beside the pixels.
+struct ImageProperties {
+    WideString description;
+    bool hasDescription = false;  // an empty description is not the same as none
+    double micronsX = 0;          // size of a pixel; both 0 when unknown
+    double micronsY = 0;
+    std::vector<TextEntry> texts;
+};
+
+// The content that a creation replaces. Notes:
+//  (1) data points into owned, or to a client's buffer of layout.totalSize bytes; null while the image is
+//  empty; (2) a refused buffer is one that the operating system would not let us read and write: nothing may
+//  touch it.
+struct ImageContent {
+    ImageLayout layout;
+    PixelBuffer owned;
+    uint8_t* data = nullptr;
+    bool refused = false;
+    std::vector<VPAEntry> table;
+    TCoordinateMap coordinates = kIdentityMap;
+    ImageProperties properties;
+};
+
+class ImageStore {
+public:
+    explicit ImageStore(LONG dataType) : dataType_(dataType) {}
+
+    LONG dataType() const { return dataType_; }
+    const ImageLayout& layout() const { return content_.layout; }
+    bool empty() const { return !content_.data; }
+    bool refused() const { return content_.refused; }
+    TCoordinateMap& coordinates() { return content_.coordinates; }
+    ImageProperties& properties() { return content_.properties; }
+
+    // Set by every creation and every operation that writes pixels; the display side clears it.
+    bool modified() const { return modified_; }
+    void SetModified(bool modified) { modified_ = modified; }
+
+    // IImageVPAExPlus::Create for an image of this type: checks, texts and what stays as documented there. A
+    // failure leaves the image as it was.
+    void Create(LONG width, LONG height, LONG bands, LONG dataType, bool zero);
+
+    // IImageVPAExPlus::AttachBuffer: buffer is not null. Where the buffer is refused (Failure) it stays
+    // attached.
+    void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
+
+    // A content of its own, to be filled and then put in the place of the old one: a copy or a load that
+    // fails on the way leaves the image as it was, and the source may lie in the old content.
+    ImageContent MakeContent(LONG width, LONG height, LONG bands) const;
+    void Replace(ImageContent&& content) noexcept;
+
+    // Base address of a band, 0 <= band < bands, and the table's entry 0.
+    uint8_t* base(int32_t band) const { return content_.data + static_cast<size_t>(band) * content_.layout.bandSize; }
+    VPAEntry* table() { return content_.table.data() + kTableMargin; }
+
+protected:
+    const ImageContent& content() const { return content_; }
+
+private:
+    void Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table);
+
+    LONG dataType_;
+    bool modified_ = false;
+    ImageContent content_;
+};
+
+// An image of one pixel type. The accumulators are the types in which sums of a neighbourhood (Accumulator)
+// and products of such sums (BigAccumulator) of these pixels are formed without overflow.
+template <class PixelType, class AccumulatorType, class BigAccumulatorType>
+class CImageBase : public ImageStore {
+public:
+    using Pixel = PixelType;
+    using Accumulator = AccumulatorType;
+    using BigAccumulator = BigAccumulatorType;
+
+    using ImageStore::ImageStore;
+
+    PixelView<Pixel> view(int32_t band) {
+        return {reinterpret_cast<Pixel*>(base(band)), table(), layout().width, layout().height};
+    }
+};
+
+}  // namespace orlix

@@ -1,0 +1,54 @@
+// The bytes of an image.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace orlix {
+
+// Bytes aligned for the widest vectors, that is to 64. Resizing keeps the bytes that were there and zeroes
+// new ones; when memory is short it raises std::bad_alloc and nothing has changed.
+class PixelBuffer {
+public:
+    PixelBuffer() = default;
+    PixelBuffer(PixelBuffer&& other) noexcept { Swap(other); }
+    PixelBuffer& operator=(PixelBuffer&& other) noexcept {
+        Swap(other);
+        return *this;
+    }
+    ~PixelBuffer() { ::operator delete(bytes_, kAlignment); }
+
+    uint8_t* data() const { return bytes_; }
+    size_t size() const { return size_; }
+
+    void Resize(size_t size) {
+        if (size > capacity_) {
+            auto* const bytes = static_cast<uint8_t*>(::operator new(size, kAlignment));
+            if (size_) std::memcpy(bytes, bytes_, size_);
+            ::operator delete(bytes_, kAlignment);
+            bytes_ = bytes;
+            capacity_ = size;
+        }
+        if (size > size_) std::memset(bytes_ + size_, 0, size - size_);
+        size_ = size;
+    }
+
+private:
+    static constexpr std::align_val_t kAlignment{64};
+
+    void Swap(PixelBuffer& other) noexcept {
+        std::swap(bytes_, other.bytes_);
+        std::swap(size_, other.size_);
+        std::swap(capacity_, other.capacity_);
+    }
+
+    uint8_t* bytes_ = nullptr;
+    size_t size_ = 0;
+    size_t capacity_ = 0;
+};
+
+}  // namespace orlix

@@ -1,0 +1,64 @@
+// An image that a client hands in: any implementation of IImageVPA, believed only as far as it can be
+// checked.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include "image/image_store.hpp"
+#include "image/pixel_view.hpp"
+
+namespace orlix {
+
+// Bands first..last, both included.
+struct BandRange {
+    int32_t first;
+    int32_t last;
+    int32_t count() const { return last - first + 1; }
+};
+
+// BI_AllBands gives all bands, any other value just that band, which is not checked.
+BandRange BandsOf(LONG band, int32_t bands);
+
+// Notes:
+//  (1) failing calls are passed on (FailedResult); sizes below 1, null pointers and an image without pixels
+//  are E_FAIL; (2) the size is asked for again after the pointers were handed out, and one that has changed
+//  is E_FAIL; (3) pixels are read in the type that the caller has found in type().
+class SourceImage {
+public:
+    // image is not null.
+    explicit SourceImage(IImageVPA* image);
+
+    int32_t width() const { return width_; }
+    int32_t height() const { return height_; }
+    int32_t bands() const { return bands_; }
+    LONG type() const { return type_; }
+    TCoordinateMap Coordinates() const;
+    // Calibration, where the image answers IImageFile; zeros otherwise.
+    void GetMicronsPerPixel(double& x, double& y) const;
+
+    // A band that does not exist fails as the image itself reports it.
+    template <class Pixel>
+    PixelView<const Pixel> view(int32_t band) const {
+        const Address address = Locate(band);
+        return {static_cast<const Pixel*>(address.base), address.table, width_, height_};
+    }
+
+private:
+    struct Address {
+        const void* base;
+        const VPAEntry* table;
+    };
+    Address Locate(int32_t band) const;
+
+    IImageVPA* image_;
+    LONG width_ = 0;
+    LONG height_ = 0;
+    LONG bands_ = 0;
+    LONG type_ = 0;
+};
+
+// Copies the rectangle of destination.width x destination.height whose top left is (left, top) of the source.
+// It must not leave the source by more than the table's margin.
+void CopySamples(const SourceImage& source, BandRange bands, int32_t left, int32_t top, ImageContent& destination);
+
+}  // namespace orlix
