@@ -1,0 +1,77 @@
+// The pixels that an operation visits: the one place where processing code consumes a region.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "geometry/run.hpp"
+#include "geometry/shape_region.hpp"
+
+namespace orlix {
+
+// Rows top..bottom and the runs of each, for an image of the given size; a null region stands for the whole image.
+//
+//     const RegionRows region(regionOfInterest, width, height);       // everything that can fail happens here
+//     for (int32_t y = region.top(); y <= region.bottom(); ++y)
+//         for (const Run run : region.row(y)) Kernel(view.row(y) + run.start, run.length());
+//
+//  (1) The rows are those of the region's bounding box that lie in the image. Runs are clipped to the image, empty and
+//      reversed ones left out, the others in order; runs that overlap or touch are joined.
+//  (2) It is a snapshot: the region is asked in the constructor only and may change or go away afterwards, so an operation
+//      that has a RegionRows in its hands cannot be stopped half-way by a region.
+//  (3) The constructor calls the region, which may be anybody's code: it may even change the image. Whoever took the
+//      image's size before asks for it again afterwards.
+//  (4) No region, and regions of this module's OrlixShapeRegionOfInterest, cost no allocation and about nothing a row. Any
+//      other region is read out once into one list of runs.
+//
+// The constructor raises FailedResult with the region's own result when the region fails; FailedResult(E_FAIL) for a row of
+// more than width + 1 runs or runs at an address no record can have; std::bad_alloc. Null or reversed run lists and S_FALSE
+// mean a row without runs. width and height below 1 give no rows.
+class RegionRows {
+public:
+    RegionRows(IRegionOfInterest* region, int32_t width, int32_t height);
+
+    // Both included; bottom() < top() when there are no rows.
+    int32_t top() const { return top_; }
+    int32_t bottom() const { return bottom_; }
+
+    // The runs of a row, none for a row outside top()..bottom(). Valid until the next call.
+    std::span<const Run> row(int32_t y) const {
+        if (y < top_ || y > bottom_) return {};
+        if (source_ == Source::Image) return {buffer_.data(), 1};
+        if (source_ == Source::Shape) return ShapeRow(y);
+        const size_t i = static_cast<size_t>(y - top_);
+        return {runs_.data() + ends_[i], ends_[i + 1] - ends_[i]};
+    }
+
+    // Whether it is every pixel of the image.
+    bool whole() const { return whole_; }
+    // How many pixels it is. Walks the rows.
+    int64_t pixels() const;
+
+private:
+    enum class Source { Image, Shape, Gathered };
+
+    std::span<const Run> ShapeRow(int32_t y) const;
+    void Gather(IRegionOfInterest& region);
+    void GatherRow(const SRun* begin, const SRun* end);
+    bool CoversImage() const;
+
+    int32_t width_;
+    int32_t height_;
+    int32_t top_ = 0;
+    int32_t bottom_ = -1;
+    Source source_ = Source::Image;
+    bool whole_ = false;
+    ShapeRegion shape_;                       // shares its rows with the region it was taken from
+    std::vector<Run> runs_;                   // Gathered: of all rows
+    std::vector<size_t> ends_;                // Gathered: row top + i holds runs ends_[i] .. ends_[i + 1] - 1
+    mutable std::array<Run, 2> buffer_ = {};  // Image: the one run. Shape: the runs of the row asked for last
+};
+
+}  // namespace orlix
