@@ -1,0 +1,22 @@
+// Which instruction sets kernels may use in this process.
+#pragma once
+
+#include <cstdint>
+
+namespace orlix {
+
+// In ascending order: a processor that offers one offers all before it.
+//   Any     what the build's baseline guarantees (SSE2 arithmetic in 32-bit builds too)
+//   Sse2    the same processors; names variants that are written with SSE2 vectors
+//   Avx2    AVX2, BMI1, BMI2, POPCNT, and an operating system that saves 256-bit registers
+//   Avx512  AVX-512 F, BW, VL, DQ, VBMI and GFNI (Ice Lake, Zen 4 and later), and a system that saves 512-bit registers
+enum class Cpu : uint8_t { Any, Sse2, Avx2, Avx512 };
+
+// What this machine offers.
+Cpu CpuOfThisMachine() noexcept;
+
+// What dispatch goes by: CpuOfThisMachine(), or less when the environment variable ORLIX_VARIANT is scalar, sse2, avx2 or
+// avx512 at the first call. Any other value, and one beyond the machine, changes nothing.
+Cpu CpuInUse() noexcept;
+
+}  // namespace orlix

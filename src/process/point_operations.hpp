@@ -1,0 +1,60 @@
+// Operations that replace each pixel by a function of itself.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orlix {
+
+template <class T>
+struct PointParameters;  // point_kernels.hpp
+
+// A point operation made ready: parameters examined and the processor variant chosen once, then applied in place to any
+// number of runs. T is uint8_t, uint16_t, uint32_t or float. Notes:
+//  (1) A clamp to [lower, upper] tests lower first, also when lower > upper: v < lower gives lower, else v > upper gives
+//      upper. NaN passes a clamp unchanged.
+//  (2) All variants give the same bits.
+//  (3) Copies share nothing; an operation may be used from several threads.
+template <class T>
+class PointOperation {
+public:
+    // upper - p + lower without overflow, clamped to [lower, upper]. float: lower + upper is summed first, in double, so
+    // that the full range of float inverts to -p; one rounding to float at the end.
+    static PointOperation Invert(T lower, T upper);
+
+    // s = p + value in double, clamped to [lower, upper], else floor(s + 0.5) (float: rounded to float). A NaN value gives
+    // lower for every pixel; infinities give lower or upper (float: infinity of the other sign gives NaN).
+    static PointOperation Add(double value, T lower, T upper);
+
+    // Integers, value = 2^k exactly: p >> k (0 from k = 32 on); for negative k, p >> (k modulo 32). "Exactly" is decided on
+    // the bits of value; a quotient of logarithms, taken in floating point, would miss some powers and catch neighbours.
+    // Every other value, and float: q = p / value in double, clamped to the type's range, then floor(q + 0.5) (float:
+    // rounded to float, the range being all finite floats). An integer result of NaN (value NaN, or 0 / 0) is 0.
+    static PointOperation Divide(double value);
+
+    // Every pixel becomes value.
+    static PointOperation Fill(T value);
+
+    // table[p] for p in 0..255. Larger integers stay. float: table[trunc(p)] for 0 <= p < 256, others and NaN stay.
+    static PointOperation LookUp(const T (&table)[256]);
+
+    PointOperation(const PointOperation& other);
+    PointOperation& operator=(const PointOperation&) = delete;
+    ~PointOperation();
+
+    void operator()(T* pixels, size_t n) const { apply_(pixels, n, *parameters_); }
+
+private:
+    using Fn = void (*)(T* pixels, size_t n, const PointParameters<T>& parameters);
+    PointOperation(Fn apply, const PointParameters<T>& parameters);
+
+    Fn apply_;
+    const PointParameters<T>* parameters_;
+};
+
+extern template class PointOperation<uint8_t>;
+extern template class PointOperation<uint16_t>;
+extern template class PointOperation<uint32_t>;
+extern template class PointOperation<float>;
+
+}  // namespace orlix

@@ -1,0 +1,46 @@
+// Pixels to bits.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "geometry/run.hpp"
+
+namespace orlix {
+
+// Sets the bit of each pixel with lo <= p <= hi (inside), or with p < lo or p > hi (outside). T is uint8_t, uint16_t,
+// uint32_t or float. Notes:
+//  (1) Bit of column x: 0x80 >> (x % 8) of byte x / 8 of the row of bits. Bits are set, never cleared; bits of columns
+//      outside the run stay, and no byte without a column of the run is written.
+//  (2) No pixel outside the run is read. row points at column 0.
+//  (3) lo > hi: nothing is inside, all integers are outside. NaN pixels are never set. To compare float pixels with bounds
+//      in double, pass the smallest float not below the lower and the largest not above the upper.
+template <class T>
+class ThresholdOperation {
+public:
+    ThresholdOperation(T lo, T hi, bool inside);
+
+    void operator()(const T* row, Run run, uint8_t* bitRow) const {
+        Apply(row + run.start, static_cast<size_t>(run.stop) - static_cast<size_t>(run.start) + 1,
+              bitRow + run.start / 8, static_cast<unsigned>(run.start) % 8);
+    }
+
+    // The same for pixels that lie elsewhere: pixel i goes to bit (firstBit + i), counted from the first bit of bits;
+    // firstBit < 8.
+    void Apply(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit) const;
+
+private:
+    // Whole bytes of bits from 8 * bytes pixels.
+    using Fn = void (*)(const T* pixels, size_t bytes, uint8_t* bits, T lo, T hi, bool inside);
+    Fn wholeBytes_;
+    T lo_;
+    T hi_;
+    bool inside_;
+};
+
+extern template class ThresholdOperation<uint8_t>;
+extern template class ThresholdOperation<uint16_t>;
+extern template class ThresholdOperation<uint32_t>;
+extern template class ThresholdOperation<float>;
+
+}  // namespace orlix
