@@ -1,0 +1,71 @@
+#include "binary/bitmap_store.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "component/failure.hpp"
+
+namespace orlix {
+namespace {
+
+void RequireSize(int32_t width, int32_t height) {
+    if (width < 1) throw Failure("CBITMAP::Create: width must be positive");
+    if (height < 1) throw Failure("CBITMAP::Create: height must be positive");
+}
+
+}  // namespace
+
+void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
+    RequireSize(width, height);
+    const int32_t rowBytes = RowBytes(width);
+    const uint64_t total = static_cast<uint64_t>(rowBytes) * static_cast<uint64_t>(height);
+    if (total > static_cast<uint64_t>(PTRDIFF_MAX)) throw std::bad_alloc();
+    const size_t size = static_cast<size_t>(total);
+
+    const uint64_t entries = static_cast<uint64_t>(std::max(rowBytes, height)) + 2 * kMargin;
+    if (entries > PTRDIFF_MAX / sizeof(IndexEntry)) throw std::bad_alloc();
+    std::vector<IndexEntry> index(static_cast<size_t>(entries));
+    std::vector<RowRecord> rows(static_cast<size_t>(height));
+    for (size_t k = 0; k < index.size(); ++k) {
+        const int64_t i = static_cast<int64_t>(k) - kMargin;
+        index[k].column = static_cast<int32_t>(std::clamp<int64_t>(i, 0, rowBytes - 1));
+        index[k].offset = static_cast<ptrdiff_t>(rowBytes * std::clamp<int64_t>(i, 0, height - 1));
+    }
+
+    // The last step that can fail. Memory that is to be cleared needs not be carried over.
+    if (zero && size > bytes_.capacity()) bytes_ = std::vector<uint8_t>(size);
+    bytes_.reserve(size);
+    bytes_.resize(size);
+    if (zero) Fill(0);
+
+    index_ = std::move(index);
+    rows_ = std::move(rows);
+    record_ = {};
+    record_.bmWidth = width;
+    record_.bmHeight = height;
+    record_.bmWidthBytes = rowBytes;
+    record_.bmPlanes = 1;
+    record_.bmBitsPixel = 1;
+    record_.bmBits = bytes_.data();
+}
+
+void BitmapStore::CopyFrom(const BITMAP& source) {
+    RequireSize(source.bmWidth, source.bmHeight);
+    const int32_t needed = source.bmWidth / 8 + (source.bmWidth % 8 != 0);
+    if (!source.bmBits || source.bmPlanes != 1 || source.bmBitsPixel != 1 || source.bmWidthBytes < needed)
+        throw FailedResult(E_FAIL);
+
+    BitmapStore copy;
+    copy.Create(source.bmWidth, source.bmHeight, false);
+    const size_t bytes = static_cast<size_t>(std::min<int32_t>(source.bmWidthBytes, copy.record_.bmWidthBytes));
+    const auto* from = static_cast<const uint8_t*>(source.bmBits);
+    for (int32_t y = 0; y < copy.height(); ++y)
+        std::memcpy(copy.WriteRow(y), from + static_cast<ptrdiff_t>(source.bmWidthBytes) * y, bytes);
+    *this = std::move(copy);
+}
+
+void BitmapStore::Fill(uint8_t value) { std::fill(bytes_.begin(), bytes_.end(), value); }
+
+}  // namespace orlix

@@ -1,0 +1,83 @@
+// The memory of a binary image.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace orlix {
+
+// One bit per pixel, as the system's monochrome bitmaps have it:
+//  (1) rows lie top-down, RowBytes(width) bytes each, a multiple of 2;
+//  (2) pixel x is the bit 0x80 >> (x mod 8) of byte x / 8 of its row; 1 is foreground;
+//  (3) bits beyond the width hold anything, and nobody may count or read them.
+// A store starts without pixels (width and height 0). Row pointers stay valid until the next Create or CopyFrom.
+class BitmapStore {
+public:
+    // Reads up to this many bytes or rows beyond an edge find the nearest one in the index table.
+    static constexpr int32_t kMargin = 200;
+
+    struct IndexEntry {
+        int32_t column;    // in bytes
+        ptrdiff_t offset;  // of a row, in bytes from the first
+    };
+
+    BitmapStore() = default;
+    BitmapStore(BitmapStore&&) = default;
+    BitmapStore& operator=(BitmapStore&&) = default;
+
+    static int32_t RowBytes(int32_t width) { return (width / 8 + (width % 8 != 0) + 1) / 2 * 2; }
+
+    // Bytes that the store already had keep their values under the new geometry, added ones are 0; zero clears them all.
+    // All rows become modified. "CBITMAP::Create: width must be positive", "CBITMAP::Create: height must be positive"; after
+    // these and std::bad_alloc the store is as it was.
+    void Create(int32_t width, int32_t height, bool zero);
+
+    // Becomes a copy of the bitmap that a record describes, which may lie in this store's memory. Its rows may be longer or
+    // shorter than here; bytes it does not have are 0. Fails as Create does, and with FailedResult(E_FAIL) for a record that
+    // has no bits, not one bit a pixel or rows too short for its width.
+    void CopyFrom(const BITMAP& source);
+
+    // All bytes, padding included. Marks no row.
+    void Fill(uint8_t value);
+
+    int32_t width() const { return record_.bmWidth; }
+    int32_t height() const { return record_.bmHeight; }
+    ptrdiff_t rowBytes() const { return record_.bmWidthBytes; }
+    const BITMAP& record() const { return record_; }
+
+    bool ContainsRow(int32_t y) const { return y >= 0 && y < height(); }
+    bool Contains(int32_t x, int32_t y) const { return x >= 0 && x < width() && ContainsRow(y); }
+
+    // The first byte of row 0 <= y < height. WriteRow marks the row.
+    const uint8_t* Row(int32_t y) const { return bytes_.data() + y * rowBytes(); }
+    uint8_t* WriteRow(int32_t y) {
+        MarkModified(y);
+        return bytes_.data() + y * rowBytes();
+    }
+
+    static uint8_t MaskOf(int32_t x) { return static_cast<uint8_t>(0x80 >> (x % 8)); }
+
+    // Whoever keeps something derived from a row makes it anew when the row is marked, and takes the mark away.
+    bool Modified(int32_t y) const { return rows_[static_cast<size_t>(y)].modified; }
+    void MarkModified(int32_t y) { rows_[static_cast<size_t>(y)].modified = true; }
+    void ClearModified(int32_t y) { rows_[static_cast<size_t>(y)].modified = false; }
+
+    // Byte column and row offset for an index from -kMargin to max(rowBytes, height) + kMargin - 1, each held inside.
+    const IndexEntry& Index(int32_t i) const { return index_[static_cast<size_t>(int64_t{i} + kMargin)]; }
+    size_t IndexEntries() const { return index_.size(); }
+
+private:
+    struct RowRecord {
+        bool modified = true;
+    };
+
+    BITMAP record_ = {};
+    std::vector<uint8_t> bytes_;
+    std::vector<RowRecord> rows_;
+    std::vector<IndexEntry> index_;
+};
+
+}  // namespace orlix
