@@ -11,8 +11,8 @@ namespace orlix {
 // Sample (x, y) is base[table[x].XEntry + table[y].YEntry], offsets in samples. Notes:
 //  (1) table points at entry 0 and is readable from -200 to the larger of width and height + 199;
 //  (2) entries of columns beyond width + 199 and of rows beyond height + 199 are not defined: nothing reads them;
-//  (3) an image of another component may hand out any table. Contiguous() says whether x maps to XEntry[0] + x, the fast
-//      road of the kernels.
+//  (3) an image of another component may hand out any table (interleaved, flipped, sub-sampled). Kernels need columns that
+//      lie side by side: AdjacentColumns() says how far that goes, and what lies beyond is read through the table.
 template <class Pixel>
 class PixelView {
 public:
@@ -27,14 +27,15 @@ public:
 
     Pixel& at(int32_t x, int32_t y) const { return base_[static_cast<ptrdiff_t>(table_[x].XEntry) + table_[y].YEntry]; }
 
-    // Column 0 of row y where the view is contiguous.
+    // Column 0 of row y; row(y)[x] is sample (x, y) for the first AdjacentColumns() columns.
     Pixel* row(int32_t y) const { return base_ + (static_cast<ptrdiff_t>(table_[0].XEntry) + table_[y].YEntry); }
 
-    bool Contiguous() const {
+    // How many columns from 0 on lie side by side: at least 1, at most the width.
+    int32_t AdjacentColumns() const {
         const int64_t first = table_[0].XEntry;
-        for (int32_t x = 1; x < width_; ++x)
-            if (table_[x].XEntry != first + x) return false;
-        return true;
+        int32_t x = 1;
+        while (x < width_ && table_[x].XEntry == first + x) ++x;
+        return x;
     }
 
 private:

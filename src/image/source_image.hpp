@@ -37,6 +37,7 @@ public:
     void GetMicronsPerPixel(double& x, double& y) const;
 
     // A band that does not exist fails as the image itself reports it.
+    void RequireBand(int32_t band) const { Locate(band); }
     template <class Pixel>
     PixelView<const Pixel> view(int32_t band) const {
         const Address address = Locate(band);

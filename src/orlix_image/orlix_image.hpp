@@ -1,0 +1,123 @@
+// The image object: owns one typed image and forwards to it.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <functional>
+#include <memory>
+
+#include "component/object.hpp"
+#include "process/typed_image.hpp"
+
+// Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
+// orlix_image_process.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
+class OrlixImage final
+    : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
+                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IModuleInformation> {
+public:
+    // IImageVPA
+    STDMETHODIMP Dimensions(LONG* bands, LONG* width, LONG* height) noexcept override;
+    STDMETHODIMP DataType(LONG bandIndex, LONG* dataType) noexcept override;
+    STDMETHODIMP VPA(LONG bandIndex, void** base, VPAEntry** table) noexcept override;
+    STDMETHODIMP GetCoords(TCoordinateMap* coordinateMap) noexcept override;
+    STDMETHODIMP SetCoords(TCoordinateMap coordinateMap) noexcept override;
+
+    // IImageVPAExPlus
+    STDMETHODIMP get_Description(BSTR* description) noexcept override;
+    STDMETHODIMP put_Description(BSTR description) noexcept override;
+    STDMETHODIMP Create(LONG width, LONG height, LONG bands, LONG dataType, LONG zero) noexcept override;
+    STDMETHODIMP CreateFromImage(IImageVPA* image, LONG bandIndex) noexcept override;
+    STDMETHODIMP CreateFromSubImage(IImageVPA* image, LONG bandIndex, LONG left, LONG top, LONG right,
+                                    LONG bottom) noexcept override;
+    STDMETHODIMP CreateFromFile(BSTR fileName) noexcept override;
+    STDMETHODIMP AttachBuffer(void* buffer, LONG width, LONG height, LONG bands, LONG dataType,
+                              LONG zero) noexcept override;
+
+    // IImageFile
+    STDMETHODIMP SaveToFile(BSTR fileName, ImageFileFormat format) noexcept override;
+    STDMETHODIMP GetMicronsPerPixel(double* x, double* y) noexcept override;
+    STDMETHODIMP PutMicronsPerPixel(double x, double y) noexcept override;
+    STDMETHODIMP get_NumberOfTextEntries(LONG* number) noexcept override;
+    STDMETHODIMP GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept override;
+    STDMETHODIMP PutTextEntry(BSTR keyword, BSTR text) noexcept override;
+
+    // IImageProcessBase
+    STDMETHODIMP get_BandToProcess(LONG* band) noexcept override;
+    STDMETHODIMP put_BandToProcess(LONG band) noexcept override;
+    STDMETHODIMP get_RegionOfInterest(IRegionOfInterest** region) noexcept override;
+    STDMETHODIMP put_RegionOfInterest(IRegionOfInterest* region) noexcept override;
+    STDMETHODIMP GetLuminanceRange(double* lower, double* upper) noexcept override;
+    STDMETHODIMP get_NumberOfBins(LONG* bins) noexcept override;
+    STDMETHODIMP Threshold(double lower, double upper, LONG inside, IBitmap** bitmap) noexcept override;
+    STDMETHODIMP get_Histogram(IHistogram** histogram) noexcept override;
+    STDMETHODIMP get_GrayMeasurements(GrayExtractMeasurementType desired, SGrayMeasurements* measure) noexcept override;
+
+    // IImageProcess
+    STDMETHODIMP put_NumberOfBins(LONG bins) noexcept override;
+    STDMETHODIMP PutLuminanceRange(double lower, double upper) noexcept override;
+    STDMETHODIMP SnapLuminanceRange(double trimLower, double trimUpper, LONG roundOut) noexcept override;
+    STDMETHODIMP get_LocalMaxima(IBitmap** bitmap) noexcept override;
+    STDMETHODIMP get_LocalMinima(IBitmap** bitmap) noexcept override;
+    STDMETHODIMP get_Table(LONG entry, double* value) noexcept override;
+    STDMETHODIMP put_Table(LONG entry, double value) noexcept override;
+    STDMETHODIMP EqualizeTable(EqualizationType type) noexcept override;
+    STDMETHODIMP LUT() noexcept override;
+    STDMETHODIMP Invert() noexcept override;
+    STDMETHODIMP LocalBackgroundCorrect() noexcept override;
+    STDMETHODIMP ScalarEquals(double value) noexcept override;
+    STDMETHODIMP ScalarDivideEquals(double value) noexcept override;
+    STDMETHODIMP ScalarPlusEquals(double value) noexcept override;
+    STDMETHODIMP CastEquals(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP PlusEquals(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP Sobel(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP Laplacian(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP SharpenLow(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP SharpenMedium(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP Gaussian3x3(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP Gaussian5x5(IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) noexcept override;
+    STDMETHODIMP Median3x3(IImageVPA* source, LONG band) noexcept override;
+
+    // IOrlixImageProcess
+    STDMETHODIMP get_RobustPlanarFit(double probability, SPlanarFit* fit) noexcept override;
+    STDMETHODIMP get_PlanarFit(SPlanarFit* fit) noexcept override;
+    STDMETHODIMP CorrectPlanar(SPlanarFit* fit) noexcept override;
+    STDMETHODIMP RobustCorrectPlanar(double probability) noexcept override;
+    STDMETHODIMP get_RobustBiquadraticFit(double probability, SBiquadraticFit* fit) noexcept override;
+    STDMETHODIMP get_BiquadraticFit(SBiquadraticFit* fit) noexcept override;
+    STDMETHODIMP CorrectBiquadratic(SBiquadraticFit* fit) noexcept override;
+    STDMETHODIMP RobustCorrectBiquadratic(double probability) noexcept override;
+    STDMETHODIMP get_RobustBicubicFit(double probability, SBicubicFit* fit) noexcept override;
+    STDMETHODIMP get_BicubicFit(SBicubicFit* fit) noexcept override;
+    STDMETHODIMP CorrectBicubic(SBicubicFit* fit) noexcept override;
+    STDMETHODIMP RobustCorrectBicubic(double probability) noexcept override;
+    STDMETHODIMP get_RobustHemisphereFit(double probability, SHemisphereFit* fit) noexcept override;
+    STDMETHODIMP get_HemisphereFit(SHemisphereFit* fit) noexcept override;
+    STDMETHODIMP CorrectHemisphere(SHemisphereFit* fit) noexcept override;
+    STDMETHODIMP RobustCorrectHemisphere(double probability) noexcept override;
+    STDMETHODIMP get_RobustAngledHemisphereFit(double probability, SAngledHemisphereFit* fit) noexcept override;
+    STDMETHODIMP get_AngledHemisphereFit(SAngledHemisphereFit* fit) noexcept override;
+    STDMETHODIMP CorrectAngledHemisphere(SAngledHemisphereFit* fit) noexcept override;
+    STDMETHODIMP RobustCorrectAngledHemisphere(double probability) noexcept override;
+
+    // IModuleInformation
+    STDMETHODIMP get_Version(BSTR* version) noexcept override;
+    STDMETHODIMP get_ModulePath(BSTR* path) noexcept override;
+    STDMETHODIMP get_NumberOfKernels(LONG* number) noexcept override;
+    STDMETHODIMP GetKernel(LONG index, BSTR* kernel, BSTR* variant) noexcept override;
+
+private:
+    // The typed image, or E_FAIL without a text when there is none. Shared: a client's region or source may call back and
+    // make this object take another typed image while the one it had is at work.
+    std::shared_ptr<orlix::TypedImage> Typed();
+
+    // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A failure
+    // with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without (no memory)
+    // leaves the old image.
+    void CreateTyped(LONG dataType, const std::function<void(orlix::ImageStore&)>& creation);
+
+    // Puts a copy of a rectangle of the source in the place of the image.
+    void Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle);
+
+    std::shared_ptr<orlix::TypedImage> typed_;
+};

@@ -1,0 +1,157 @@
+#include <algorithm>
+#include <cmath>
+
+#include "component/strings.hpp"
+#include "files/image_file.hpp"
+#include "orlix_image/orlix_image.hpp"
+
+using namespace orlix;
+
+namespace {
+
+constexpr OLECHAR kDescriptionKeyword[] = OLESTR("Description");
+
+// Collects what a file holds, as the content of an image of the type that the file decides.
+class ContentSink final : public PixelSink {
+public:
+    void Begin(const FileProperties& file) override {
+        type_ = file.bits == 16 ? DT_WORD : DT_BYTE;
+        content_ = ImageStore(type_).MakeContent(file.width, file.height, file.bands);
+        ImageProperties& properties = content_.properties;
+        properties.micronsX = file.micronsX;
+        properties.micronsY = file.micronsY;
+        for (const FileText& entry : file.texts) {
+            if (entry.keyword != kDescriptionKeyword || properties.hasDescription) {
+                properties.texts.push_back({entry.keyword, entry.text});
+            } else {
+                properties.description = entry.text;
+                properties.hasDescription = true;
+            }
+        }
+    }
+    void* Row(int32_t band, int32_t y) override {
+        return content_.data + static_cast<size_t>(band) * content_.layout.bandSize +
+               static_cast<size_t>(y) * static_cast<size_t>(content_.layout.rowStride);
+    }
+
+    LONG type() const { return type_; }
+    ImageContent& content() { return content_; }
+
+private:
+    LONG type_ = DT_BYTE;
+    ImageContent content_;
+};
+
+class StoreSource final : public PixelSource {
+public:
+    explicit StoreSource(const ImageStore& store) : store_(store) {}
+    const void* Row(int32_t band, int32_t y) override {
+        return store_.base(band) + static_cast<size_t>(y) * static_cast<size_t>(store_.layout().rowStride);
+    }
+
+private:
+    const ImageStore& store_;
+};
+
+int32_t BitsOf(LONG type) { return type == DT_BYTE ? 8 : type == DT_WORD ? 16 : 32; }
+
+}  // namespace
+
+STDMETHODIMP OrlixImage::CreateFromFile(BSTR fileName) noexcept {
+    return Guarded([&] {
+        ContentSink sink;
+        LoadImageFile(ToView(fileName), sink);
+        CreateTyped(sink.type(), [&](ImageStore& store) { store.Replace(std::move(sink.content())); });
+    });
+}
+
+STDMETHODIMP OrlixImage::SaveToFile(BSTR fileName, ImageFileFormat format) noexcept {
+    return Guarded([&] {
+        if (!typed_ || typed_->store().empty()) throw Failure("IImageFile::SaveToFile: no image.");
+        ImageStore& store = typed_->store();
+        if (store.refused()) throw FailedResult(E_FAIL);
+        const ImageProperties& properties = store.properties();
+        FileProperties file;
+        file.width = store.layout().width;
+        file.height = store.layout().height;
+        file.bands = store.layout().bands;
+        file.bits = BitsOf(store.dataType());
+        file.micronsX = properties.micronsX;
+        file.micronsY = properties.micronsY;
+        if (properties.hasDescription) file.texts.push_back({kDescriptionKeyword, properties.description});
+        for (const TextEntry& entry : properties.texts) file.texts.push_back({entry.keyword, entry.text});
+        StoreSource source(store);
+        SaveImageFile(ToView(fileName), format, file, source);
+    });
+}
+
+STDMETHODIMP OrlixImage::GetMicronsPerPixel(double* x, double* y) noexcept {
+    return Guarded([&] {
+        Require(x), Require(y);
+        const ImageProperties& properties = Typed()->store().properties();
+        *x = properties.micronsX;
+        *y = properties.micronsY;
+        return properties.micronsX > 0 ? S_OK : S_FALSE;
+    });
+}
+
+STDMETHODIMP OrlixImage::PutMicronsPerPixel(double x, double y) noexcept {
+    return Guarded([&] {
+        ImageProperties& properties = Typed()->store().properties();
+        const bool unknown = x == 0 && y == 0;
+        if (!unknown && !(x > 0 && y > 0 && std::isfinite(x) && std::isfinite(y)))
+            throw Failure("IImageFile::PutMicronsPerPixel: the pixel size must be positive.");
+        properties.micronsX = unknown ? 0 : x;
+        properties.micronsY = unknown ? 0 : y;
+    });
+}
+
+STDMETHODIMP OrlixImage::get_NumberOfTextEntries(LONG* number) noexcept {
+    return Guarded([&] {
+        Require(number);
+        *number = static_cast<LONG>(Typed()->store().properties().texts.size());
+    });
+}
+
+STDMETHODIMP OrlixImage::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept {
+    return Guarded([&] {
+        Require(keyword), Require(text);
+        *keyword = nullptr;
+        *text = nullptr;
+        const std::vector<TextEntry>& texts = Typed()->store().properties().texts;
+        if (index < 0 || static_cast<size_t>(index) >= texts.size())
+            throw Failure("IImageFile::GetTextEntry: Index is out of range.");
+        const TextEntry& entry = texts[static_cast<size_t>(index)];
+        BSTR copy = CopyToBstr(entry.keyword);
+        try {
+            *text = CopyToBstr(entry.text);
+        } catch (...) {
+            SysFreeString(copy);
+            throw;
+        }
+        *keyword = copy;
+    });
+}
+
+STDMETHODIMP OrlixImage::PutTextEntry(BSTR keyword, BSTR text) noexcept {
+    return Guarded([&] {
+        ImageProperties& properties = Typed()->store().properties();
+        const WideString key(ToView(keyword));
+        const WideString value(ToView(text));
+        if (!IsFileKeyword(key)) throw Failure("IImageFile::PutTextEntry: invalid keyword.");
+        if (key == kDescriptionKeyword) {
+            properties.description = value;
+            properties.hasDescription = !value.empty();
+            return;
+        }
+        std::vector<TextEntry>& texts = properties.texts;
+        const auto isKey = [&](const TextEntry& entry) { return entry.keyword == key; };
+        const auto found = std::find_if(texts.begin(), texts.end(), isKey);
+        if (value.empty())
+            texts.erase(std::remove_if(found, texts.end(), isKey), texts.end());
+        else if (found != texts.end())
+            found->text = value;
+        else
+            texts.push_back({key, value});
+    });
+}

@@ -1,0 +1,333 @@
+// The processing frame of one pixel type. Only typed_image.cpp includes this.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <vector>
+
+#include "image/source_image.hpp"
+#include "process/casting.hpp"
+#include "process/counting.hpp"
+#include "process/extremes.hpp"
+#include "process/measuring.hpp"
+#include "process/pixel_conversion.hpp"
+#include "process/point_operations.hpp"
+#include "process/table_look_up.hpp"
+#include "process/threshold.hpp"
+#include "process/typed_image.hpp"
+
+namespace orlix {
+
+template <class Image>
+class Frame final : public TypedImage {
+public:
+    using Pixel = typename Image::Pixel;
+
+    explicit Frame(LONG dataType) : image_(dataType) {}
+
+    ImageStore& store() override { return image_; }
+
+    void PutNumberOfBins(LONG bins) override {
+        if constexpr (kIsByte) {
+            if (bins != 256)
+                throw Failure(
+                    "IImageProcess::put_NumberOfBins: number of bins cannot be changed from 256 for byte images.");
+        } else {
+            if (bins <= 1) throw Failure("IImageProcess::put_NumberOfBins: there must be more than one bin.");
+            if (bins != numberOfBins()) table_.clear();
+        }
+        SetNumberOfBins(bins);
+    }
+
+    void GetLuminanceRange(double& lower, double& upper) const override {
+        lower = lower_;
+        upper = upper_;
+    }
+
+    void PutLuminanceRange(double lower, double upper) override {
+        lower_ = TruncateToPixel<Pixel>(lower);
+        upper_ = TruncateToPixel<Pixel>(upper);
+    }
+
+    HRESULT SnapLuminanceRange(double trimLower, double trimUpper, bool roundOut) override {
+        const Selection selection = Select();
+        Extremes<Pixel> extremes;
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { extremes(pixels, n); });
+        if (!extremes.Any()) return S_FALSE;
+
+        const double least = extremes.Min();
+        const double greatest = extremes.Max();
+        double left = 0;
+        double right = 0;
+        const ComPtr<OrlixHistogram> histogram = HistogramOver(selection, extremes.Min(), extremes.Max());
+        PassOn(histogram->AutoThresholdTrim(trimLower, &left, trimUpper, &right));
+        PutLuminanceRange(trimLower == 0.0 ? least : left, trimUpper == 0.0 ? greatest : right);
+        if (kIsByte && roundOut) PutLuminanceRange(0.0, 255.0);
+        return S_OK;
+    }
+
+    ComPtr<OrlixBitmap> Threshold(double lower, double upper, bool inside) override {
+        const int32_t band = SingleBand("IImageProcess::Threshold: multiband thresholding is not supported.");
+        RequirePixels();
+        const auto bitmap = OrlixBitmap::Make();
+        PassOn(bitmap->Create(image_.layout().width, image_.layout().height, 1));
+        if (!(lower <= upper)) throw Failure("IImageProcess::Threshold: Lower cannot be larger than Upper.");
+
+        const ThresholdOperation<Pixel> threshold(CeilToPixel<Pixel>(lower), FloorToPixel<Pixel>(upper), inside);
+        const Selection selection = Select();
+        const PixelView<Pixel> view = image_.view(band);
+        BitmapStore& bits = bitmap->store();
+        for (int32_t y = selection.rows.top(); y <= selection.rows.bottom(); ++y) {
+            const std::span<const Run> runs = selection.rows.row(y);
+            if (runs.empty()) continue;
+            uint8_t* const bitRow = bits.WriteRow(y);
+            for (const Run run : runs) threshold(view.row(y), run, bitRow);
+        }
+        return bitmap;
+    }
+
+    ComPtr<OrlixHistogram> Histogram() override { return HistogramOver(Select(), lower_, upper_); }
+
+    SGrayMeasurements GrayMeasurements(LONG desired) override {
+        SingleBand("IImageProcessBase::get_GrayMeasurements: multiband measurement is not supported.");
+        Measurer<Pixel> measurer((desired & GEMT_GrayLocation) != 0, (desired & GEMT_GrayStatistics) != 0);
+        ForEachRun(Select(), [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { measurer(pixels, n, x, y); });
+        const GrayMeasures measures = measurer.Finish();
+        return {sizeof(SGrayMeasurements),
+                static_cast<LONG>(std::min<uint64_t>(measures.count, std::numeric_limits<LONG>::max())),
+                measures.xCentroid,
+                measures.yCentroid,
+                measures.average,
+                measures.standardDeviation};
+    }
+
+    double GetTable(LONG entry) const override {
+        if (entry < 0 || entry >= numberOfBins()) throw Failure("IImageProcess::get_Table: Entry is out of range.");
+        return table_.empty() ? DefaultEntry(entry) : table_[static_cast<size_t>(entry)];
+    }
+
+    void PutTable(LONG entry, double value) override {
+        if (entry < 0 || entry >= numberOfBins()) throw Failure("IImageProcess::put_Table: Entry is out of range.");
+        FillTable();
+        table_[static_cast<size_t>(entry)] = ToPixel<Pixel>(value);
+    }
+
+    void EqualizeTable(LONG type) override {
+        const ComPtr<OrlixHistogram> histogram = Histogram();
+        LONG* bins = nullptr;
+        LONG count = 0;
+        PassOn(histogram->get_Bins(&bins));
+        PassOn(histogram->get_NumberOfBins(&count));
+        const std::span<const LONG> counts(bins, static_cast<size_t>(count));
+        int64_t total = 0;
+        for (const LONG c : counts) total += c;
+        if (total < 1) throw Failure("IImageProcess::EqualizeTable: empty histogram");
+        if (type != ET_Uniform && type != ET_UpperTriangular) return;
+
+        FillTable();
+        const double range = static_cast<double>(upper_) - static_cast<double>(lower_);
+        int64_t cumulative = 0;
+        for (size_t i = 0; i < counts.size(); ++i) {
+            cumulative += counts[i];
+            const auto c = static_cast<double>(cumulative);
+            const auto t = static_cast<double>(total);
+            table_[i] = ToPixel<Pixel>(static_cast<double>(lower_) +
+                                       (type == ET_Uniform ? range * c / t : range * std::sqrt(c / t)));
+        }
+    }
+
+    void LookUp() override {
+        if constexpr (kIsByte) {
+            FillTable();
+            Pixel entries[256];
+            std::copy(table_.begin(), table_.end(), entries);
+            Apply(PointOperation<Pixel>::LookUp(entries));
+        } else {
+            const HistogramShape shape = ShapeOfHistogram(lower_, upper_, numberOfBins());
+            Apply(TableLookUp<Pixel>(lower_, upper_, shape.bins, table_));
+        }
+    }
+
+    void Invert() override { Apply(PointOperation<Pixel>::Invert(lower_, upper_)); }
+    void ScalarEquals(double value) override { Apply(PointOperation<Pixel>::Fill(ToPixel<Pixel>(value))); }
+    void ScalarPlusEquals(double value) override { Apply(PointOperation<Pixel>::Add(value, lower_, upper_)); }
+    void ScalarDivideEquals(double value) override {
+        if (value == 0.0) throw Failure("IImageProcess::ScalarDivideEquals: cannot divide by zero.");
+        Apply(PointOperation<Pixel>::Divide(value));
+    }
+
+    void CastEquals(IImageVPA* source, LONG band) override {
+        static constexpr SourceTexts kTexts = {
+            "IImageProcess::CastEquals: unsupported DataType.",
+            "IImageProcess::CastEquals: mismatch in the number of bands to process."};
+        Combine<CastOperation>(source, band, kTexts);
+    }
+
+    void PlusEquals(IImageVPA* source, LONG band) override {
+        static constexpr SourceTexts kTexts = {
+            "IImageProcess::PlusEquals: unsupported DataType.",
+            "IImageProcess::PlusEquals: mismatch in the number of bands to process."};
+        Combine<PlusOperation>(source, band, kTexts);
+    }
+
+private:
+    static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
+
+    // The pixels that an operation visits.
+    struct Selection {
+        int32_t width;  // of the image when it was asked
+        int32_t height;
+        BandRange bands;
+        RegionRows rows;
+    };
+
+    struct SourceTexts {
+        const char* unsupportedType;
+        const char* bandMismatch;
+    };
+
+    void RequirePixels() const {
+        if (image_.empty() || image_.refused()) throw FailedResult(E_FAIL);
+    }
+
+    Selection Select() {
+        RequirePixels();
+        const int32_t width = image_.layout().width;
+        const int32_t height = image_.layout().height;
+        const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
+        const ComPtr<IRegionOfInterest> region = this->region();
+        Selection selection{width, height, bands, {region.get(), width, height}};
+        RequireUnchanged(selection);
+        return selection;
+    }
+
+    // After a call of a client's region or source, which may have called this image: whether the pixels are still there.
+    void RequireUnchanged(const Selection& selection) const {
+        RequirePixels();
+        const ImageLayout& layout = image_.layout();
+        if (layout.width != selection.width || layout.height != selection.height ||
+            layout.bands <= selection.bands.last)
+            throw FailedResult(E_FAIL);
+    }
+
+    int32_t SingleBand(const char* message) const {
+        const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
+        if (bands.count() > 1) throw Failure(message);
+        return bands.first;
+    }
+
+    // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right.
+    template <class Visit>
+    void ForEachRun(const Selection& selection, Visit&& visit) {
+        for (int32_t band = selection.bands.first; band <= selection.bands.last; ++band) {
+            const PixelView<Pixel> view = image_.view(band);
+            for (int32_t y = selection.rows.top(); y <= selection.rows.bottom(); ++y)
+                for (const Run run : selection.rows.row(y))
+                    visit(view.row(y) + run.start, static_cast<size_t>(run.length()), run.start, y);
+        }
+    }
+
+    template <class Operation>
+    void Apply(const Operation& operation) {
+        ForEachRun(Select(), [&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
+        image_.SetModified(true);
+    }
+
+    ComPtr<OrlixHistogram> HistogramOver(const Selection& selection, Pixel lower, Pixel upper) {
+        const uint64_t expected =
+            static_cast<uint64_t>(selection.rows.pixels()) * static_cast<uint64_t>(selection.bands.count());
+        Counter<Pixel> counter(lower, upper, numberOfBins(), expected);
+        const auto histogram = OrlixHistogram::Make();
+        const HistogramShape& shape = counter.shape();
+        PassOn(histogram->Create(shape.bins, shape.left, shape.right));
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { counter(pixels, n); });
+        LONG* bins = nullptr;
+        PassOn(histogram->get_Bins(&bins));
+        counter.Histogram({bins, static_cast<size_t>(shape.bins)});
+        return histogram;
+    }
+
+    // Entry of a table that nothing was put into: the location of the bin, so that looking up changes little or nothing.
+    double DefaultEntry(LONG entry) const {
+        if (kIsByte) return entry;
+        const HistogramShape shape = ShapeOfHistogram(lower_, upper_, numberOfBins());
+        const double width = shape.right - shape.left;
+        const bool values = !kIsFloat<Pixel> && width + 1 == shape.bins;
+        return ToPixel<Pixel>(values ? shape.left + entry : shape.left + width * (entry + 0.5) / shape.bins);
+    }
+
+    void FillTable() {
+        if (!table_.empty()) return;
+        std::vector<Pixel> table(static_cast<size_t>(numberOfBins()));
+        for (size_t i = 0; i < table.size(); ++i) table[i] = static_cast<Pixel>(DefaultEntry(static_cast<LONG>(i)));
+        table_ = std::move(table);
+    }
+
+    template <template <class, class> class Operation>
+    void Combine(IImageVPA* image, LONG band, const SourceTexts& texts) {
+        RequirePixels();
+        const SourceImage source(image);
+        switch (source.type()) {
+            case DT_BYTE:
+                return CombineFrom<BYTE>(Operation<Pixel, BYTE>(), source, band, texts);
+            case DT_WORD:
+                return CombineFrom<WORD>(Operation<Pixel, WORD>(), source, band, texts);
+            case DT_DWORD:
+                return CombineFrom<uint32_t>(Operation<Pixel, uint32_t>(), source, band, texts);
+            case DT_Float:
+                return CombineFrom<float>(Operation<Pixel, float>(), source, band, texts);
+            default:
+                throw Failure(texts.unsupportedType);
+        }
+    }
+
+    template <class From, class Operation>
+    void CombineFrom(const Operation& operation, const SourceImage& source, LONG sourceBand, const SourceTexts& texts) {
+        const BandRange from = BandsOf(sourceBand, source.bands());
+        if (from.count() != BandsOf(bandToProcess(), image_.layout().bands).count()) throw Failure(texts.bandMismatch);
+        const Selection selection = Select();
+        std::vector<PixelView<const From>> views;
+        for (int32_t band = from.first; band <= from.last; ++band) views.push_back(source.view<From>(band));
+        RequireUnchanged(selection);
+
+        for (size_t k = 0; k < views.size(); ++k) {
+            const PixelView<Pixel> to = image_.view(selection.bands.first + static_cast<int32_t>(k));
+            const int32_t adjacent = views[k].AdjacentColumns();
+            const int32_t bottom = static_cast<int32_t>(
+                std::min<int64_t>(selection.rows.bottom(), int64_t{source.height()} + kTableMargin - 1));
+            for (int32_t y = selection.rows.top(); y <= bottom; ++y)
+                for (const Run run : selection.rows.row(y))
+                    CombineRun(operation, views[k], adjacent, to.row(y), run, y);
+        }
+        image_.SetModified(true);
+    }
+
+    // Where the source's columns lie side by side its pixels are read where they are, elsewhere through the table into a
+    // short buffer. Pixels beyond the source's margin stay as they are.
+    template <class From, class Operation>
+    static void CombineRun(const Operation& operation, PixelView<const From> from, int32_t adjacent, Pixel* row,
+                           Run run, int32_t y) {
+        int64_t x = run.start;
+        const int64_t stop = std::min(int64_t{run.stop} + 1, int64_t{from.width()} + kTableMargin);
+        if (const int64_t direct = std::min<int64_t>(stop, adjacent); x < direct) {
+            operation(row + x, from.row(y) + x, static_cast<size_t>(direct - x));
+            x = direct;
+        }
+        From buffer[256];
+        while (x < stop) {
+            const int64_t n = std::min<int64_t>(stop - x, 256);
+            for (int64_t i = 0; i < n; ++i) buffer[i] = from.at(static_cast<int32_t>(x + i), y);
+            operation(row + x, buffer, static_cast<size_t>(n));
+            x += n;
+        }
+    }
+
+    Image image_;
+    Pixel lower_ = kTypeMinimum<Pixel>;
+    Pixel upper_ = kTypeMaximum<Pixel>;
+    std::vector<Pixel> table_;  // of numberOfBins() entries, or empty while it holds the default
+};
+
+}  // namespace orlix

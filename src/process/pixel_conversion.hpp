@@ -1,0 +1,66 @@
+// Conversions of doubles to pixels. All are total: NaN, infinities and values beyond any integer have a defined result.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace orlix {
+
+template <class Pixel>
+inline constexpr bool kIsFloat = std::is_floating_point_v<Pixel>;
+
+template <class Pixel>
+inline constexpr Pixel kTypeMinimum = std::numeric_limits<Pixel>::lowest();
+template <class Pixel>
+inline constexpr Pixel kTypeMaximum = std::numeric_limits<Pixel>::max();
+
+// Below the type's minimum gives the minimum, above its maximum the maximum, else floor(v + 0.5), for float pixels the
+// nearest float. NaN gives the minimum of an integer type and stays NaN in a float.
+template <class Pixel>
+Pixel ToPixel(double v) {
+    if (v < static_cast<double>(kTypeMinimum<Pixel>)) return kTypeMinimum<Pixel>;
+    if (v > static_cast<double>(kTypeMaximum<Pixel>)) return kTypeMaximum<Pixel>;
+    if constexpr (kIsFloat<Pixel>) return static_cast<Pixel>(v);
+    if (std::isnan(v)) return kTypeMinimum<Pixel>;
+    return static_cast<Pixel>(std::floor(v + 0.5));
+}
+
+// Truncated toward zero, then the low-order bits: 12.9 gives 12, and 256 gives 0 for bytes. NaN, infinities and magnitudes
+// of 2^63 and more give 0. Float pixels take the nearest float, as ToPixel does.
+template <class Pixel>
+Pixel TruncateToPixel(double v) {
+    if constexpr (kIsFloat<Pixel>) return ToPixel<Pixel>(v);
+    if (!(std::fabs(v) < 0x1p63)) return 0;
+    return static_cast<Pixel>(static_cast<uint64_t>(static_cast<int64_t>(v)));
+}
+
+// Threshold bounds: clamped to the type's range, then rounded up or down; float pixels compare with the bound's nearest
+// float on the inner side, so that p >= v holds for the float p just when it holds for the bound. v is not NaN.
+template <class Pixel>
+Pixel CeilToPixel(double v) {
+    if (v <= static_cast<double>(kTypeMinimum<Pixel>)) return kTypeMinimum<Pixel>;
+    if (v >= static_cast<double>(kTypeMaximum<Pixel>)) return kTypeMaximum<Pixel>;
+    if constexpr (kIsFloat<Pixel>) {
+        const auto nearest = static_cast<Pixel>(v);
+        return static_cast<double>(nearest) < v ? std::nextafter(nearest, std::numeric_limits<Pixel>::infinity())
+                                                : nearest;
+    } else {
+        return static_cast<Pixel>(std::ceil(v));
+    }
+}
+template <class Pixel>
+Pixel FloorToPixel(double v) {
+    if (v <= static_cast<double>(kTypeMinimum<Pixel>)) return kTypeMinimum<Pixel>;
+    if (v >= static_cast<double>(kTypeMaximum<Pixel>)) return kTypeMaximum<Pixel>;
+    if constexpr (kIsFloat<Pixel>) {
+        const auto nearest = static_cast<Pixel>(v);
+        return static_cast<double>(nearest) > v ? std::nextafter(nearest, -std::numeric_limits<Pixel>::infinity())
+                                                : nearest;
+    } else {
+        return static_cast<Pixel>(std::floor(v));
+    }
+}
+
+}  // namespace orlix

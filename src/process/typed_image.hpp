@@ -1,0 +1,70 @@
+// One typed image with its processing frame: what OrlixImage forwards to.
+#pragma once
+
+#include <orlix/orlix.h>
+#include <orlix/com_ptr.hpp>
+
+#include <memory>
+
+#include "binary/orlix_bitmap.hpp"
+#include "geometry/region_rows.hpp"
+#include "histogram/orlix_histogram.hpp"
+#include "image/image_store.hpp"
+
+namespace orlix {
+
+// Everything that a client can set stays while the pixel type stays: region, luminance range, number of bins, table. Only
+// the band to process is set anew by a creation. The operations are those of IImageProcessBase and IImageProcess, which
+// document them; failures are raised, and an image without pixels (or with a refused buffer) raises FailedResult(E_FAIL).
+class TypedImage {
+public:
+    // Null for a type that OrlixImage does not create.
+    static std::unique_ptr<TypedImage> Make(LONG dataType);
+
+    virtual ~TypedImage() = default;
+    TypedImage(const TypedImage&) = delete;
+    TypedImage& operator=(const TypedImage&) = delete;
+
+    virtual ImageStore& store() = 0;
+
+    // To be called after every creation: the band to process is 0 for an image of one band, all bands for several.
+    void ContentReplaced();
+
+    LONG bandToProcess() const { return bandToProcess_; }
+    void PutBandToProcess(LONG band);
+    const ComPtr<IRegionOfInterest>& region() const { return region_; }
+    void PutRegion(IRegionOfInterest* region) { region_ = ComPtr<IRegionOfInterest>(region); }
+    LONG numberOfBins() const { return numberOfBins_; }
+
+    virtual void PutNumberOfBins(LONG bins) = 0;
+    virtual void GetLuminanceRange(double& lower, double& upper) const = 0;
+    virtual void PutLuminanceRange(double lower, double upper) = 0;
+    virtual HRESULT SnapLuminanceRange(double trimLower, double trimUpper, bool roundOut) = 0;
+
+    virtual ComPtr<OrlixBitmap> Threshold(double lower, double upper, bool inside) = 0;
+    virtual ComPtr<OrlixHistogram> Histogram() = 0;
+    virtual SGrayMeasurements GrayMeasurements(LONG desired) = 0;
+
+    virtual double GetTable(LONG entry) const = 0;
+    virtual void PutTable(LONG entry, double value) = 0;
+    virtual void EqualizeTable(LONG type) = 0;
+    virtual void LookUp() = 0;
+    virtual void Invert() = 0;
+    virtual void ScalarEquals(double value) = 0;
+    virtual void ScalarDivideEquals(double value) = 0;
+    virtual void ScalarPlusEquals(double value) = 0;
+    virtual void CastEquals(IImageVPA* source, LONG band) = 0;
+    virtual void PlusEquals(IImageVPA* source, LONG band) = 0;
+
+protected:
+    TypedImage() = default;
+
+    void SetNumberOfBins(LONG bins) { numberOfBins_ = bins; }
+
+private:
+    LONG bandToProcess_ = 0;
+    LONG numberOfBins_ = 256;
+    ComPtr<IRegionOfInterest> region_;
+};
+
+}  // namespace orlix
