@@ -25,6 +25,15 @@ struct HistogramShape {
 template <class T>
 HistogramShape ShapeOfHistogram(T lower, T upper, int32_t numberOfBins);
 
+// Which bin a pixel belongs to; bins itself stands for "left out".
+template <class T>
+struct BinRule {
+    T lower;
+    T upper;
+    uint32_t bins;
+    bool onePerValue;  // integers: bin p - lower
+};
+
 // Counts the pixels of any number of runs into the bins of ShapeOfHistogram(lower, upper, numberOfBins). T is uint8_t,
 // uint16_t, uint32_t or float. With n bins over the interval the pixel p is counted in bin
 //   8 bits           p
@@ -32,7 +41,7 @@ HistogramShape ShapeOfHistogram(T lower, T upper, int32_t numberOfBins);
 //   others           floor((p - lower) n / (upper - lower)), p = upper in bin n - 1; integers exactly, float with the three
 //                    operations in double, in this order
 // Pixels outside [lower, upper] and NaN are left out; all when lower > upper. Counts saturate at 2^31 - 1, however many
-// pixels come. Memory: 4 bytes a bin, and up to 512 KiB. Allocation failures throw std::bad_alloc from the constructor.
+// pixels come. Memory: 4 bytes a bin, and up to 513 KiB. Allocation failures throw std::bad_alloc from the constructor.
 template <class T>
 class Counter {
 public:
@@ -45,16 +54,16 @@ public:
     // Writes the counts; out.size() == shape().bins. Counting may go on afterwards.
     void Histogram(std::span<LONG> out);
 
-private:
-    using Fn = void (*)(const T* pixels, size_t n, uint32_t* counts, const Counter& counter);
-    friend struct CountKernels;
+   private:
+    using Fn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
+    void Add(const T* pixels, size_t n);
     void Settle();
 
     HistogramShape shape_;
-    T lower_;
-    T upper_;
-    Fn count_;
-    uint64_t unsettled_ = 0;  // pixels since counts were last clamped to 2^31 - 1; stays below 2^31
+    BinRule<T> rule_;
+    Fn binsOf_ = nullptr;
+    size_t tables_ = 1;       // tables of counts side by side, the sum of which is meant
+    uint64_t unsettled_ = 0;  // pixels since counts were last clamped to 2^31 - 1; at most 2^31
     std::vector<uint32_t> counts_;
 };
 

@@ -6,15 +6,23 @@
 
 namespace orlix {
 
+// What the kernels of point operations take (point_kernels.hpp); each uses a part of it.
 template <class T>
-struct PointParameters;  // point_kernels.hpp
+struct PointParameters {
+    double value = 0;                   // summand or divisor
+    bool falling = false;               // value - p, offset - p instead of value + p, offset + p
+    T lower = 0, upper = 0;             // clamp of the result
+    T first = 0, last = 0, offset = 0;  // clamp of the pixel, first <= last, then the offset, modulo 2^bits
+    unsigned shift = 0;                 // below 32
+    T table[256] = {};
+};
 
 // A point operation made ready: parameters examined and the processor variant chosen once, then applied in place to any
 // number of runs. T is uint8_t, uint16_t, uint32_t or float. Notes:
 //  (1) A clamp to [lower, upper] tests lower first, also when lower > upper: v < lower gives lower, else v > upper gives
 //      upper. NaN passes a clamp unchanged.
 //  (2) All variants give the same bits.
-//  (3) Copies share nothing; an operation may be used from several threads.
+//  (3) An operation may be copied, and used from several threads.
 template <class T>
 class PointOperation {
 public:
@@ -38,18 +46,16 @@ public:
     // table[p] for p in 0..255. Larger integers stay. float: table[trunc(p)] for 0 <= p < 256, others and NaN stay.
     static PointOperation LookUp(const T (&table)[256]);
 
-    PointOperation(const PointOperation& other);
-    PointOperation& operator=(const PointOperation&) = delete;
-    ~PointOperation();
-
-    void operator()(T* pixels, size_t n) const { apply_(pixels, n, *parameters_); }
+    void operator()(T* pixels, size_t n) const { apply_(pixels, n, parameters_); }
 
 private:
     using Fn = void (*)(T* pixels, size_t n, const PointParameters<T>& parameters);
-    PointOperation(Fn apply, const PointParameters<T>& parameters);
+    PointOperation(Fn apply, const PointParameters<T>& parameters) : apply_(apply), parameters_(parameters) {}
+    static PointOperation Sum(const PointParameters<T>& parameters);
+    static PointOperation Tabulated(Fn definition, PointParameters<T> parameters);
 
     Fn apply_;
-    const PointParameters<T>* parameters_;
+    PointParameters<T> parameters_;
 };
 
 extern template class PointOperation<uint8_t>;

@@ -1,0 +1,226 @@
+#include "process/counting.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+#include "process/counting_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr uint32_t kMostCounts = 0x7fffffff;
+constexpr uint64_t kSettleAfter = uint64_t{1} << 31;
+
+// From here on pairs of bytes are worth their table of 256 KiB (it is cleared once and read once).
+constexpr uint64_t kPairsFrom = 1 << 18;
+
+template <class T>
+constexpr bool kCountsValues = std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t>;
+
+uint32_t Saturated(uint64_t count) { return static_cast<uint32_t>(std::min<uint64_t>(count, kMostCounts)); }
+
+}  // namespace
+
+template <class T>
+HistogramShape ShapeOfHistogram(T lower, T upper, int32_t numberOfBins) {
+    if constexpr (std::is_same_v<T, uint8_t>) {
+        return {256, 0.0, 255.0};
+    } else {
+        HistogramShape shape{numberOfBins, static_cast<double>(lower), static_cast<double>(upper)};
+        if constexpr (!std::is_same_v<T, float>) {
+            const int64_t values = int64_t{upper} - int64_t{lower} + 1;
+            if (values >= 2 && values <= numberOfBins) shape.bins = static_cast<int32_t>(values);
+        }
+        return shape;
+    }
+}
+
+template <class T>
+void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins) {
+    for (size_t i = 0; i < n; ++i) {
+        const T p = pixels[i];
+        if (!(p >= rule.lower && p <= rule.upper)) {
+            bins[i] = rule.bins;
+        } else if (p == rule.upper) {
+            bins[i] = rule.bins - 1;
+        } else if constexpr (std::is_same_v<T, float>) {
+            const double above = static_cast<double>(p) - static_cast<double>(rule.lower);
+            const double width = static_cast<double>(rule.upper) - static_cast<double>(rule.lower);
+            const double bin = above * rule.bins / width;
+            // Not below for a pixel that rounding carries past the last bin, and for an infinite interval.
+            bins[i] = bin < rule.bins ? static_cast<uint32_t>(bin) : rule.bins - 1;
+        } else if (rule.onePerValue) {
+            bins[i] = p - rule.lower;
+        } else {
+            const uint64_t above = p - rule.lower;
+            bins[i] = static_cast<uint32_t>(above * rule.bins / (rule.upper - rule.lower));
+        }
+    }
+}
+
+void CountBytes(const uint8_t* pixels, size_t n, uint32_t* counts) {
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t word;
+        std::memcpy(&word, pixels + i, 8);
+        for (unsigned table = 0; table < kByteTables; ++table) ++counts[256 * table + (word >> 8 * table & 0xff)];
+    }
+    for (; i < n; ++i) ++counts[pixels[i]];
+}
+
+void CountBytePairs(const uint8_t* pixels, size_t n, uint32_t* counts) {
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t word;
+        std::memcpy(&word, pixels + i, 8);
+        if (word == (word >> 16 | word << 48)) {
+            // Four equal pairs (flat areas): one update, as four would wait for one another.
+            counts[word & 0xffff] += 4;
+            continue;
+        }
+        for (unsigned pair = 0; pair < 4; ++pair) ++counts[word >> 16 * pair & 0xffff];
+    }
+    for (; i < n; ++i) ++counts[65536 + pixels[i]];
+}
+
+void CountWords(const uint16_t* pixels, size_t n, uint32_t* counts) {
+    size_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        uint64_t word;
+        std::memcpy(&word, pixels + i, 8);
+        const uint64_t first = word & 0xffff;
+        if (word == first * 0x0001000100010001) {
+            counts[first] += 4;
+            continue;
+        }
+        ++counts[first];
+        ++counts[65536 + (word >> 16 & 0xffff)];
+        ++counts[word >> 32 & 0xffff];
+        ++counts[65536 + (word >> 48)];
+    }
+    for (; i < n; ++i) ++counts[pixels[i]];
+}
+
+template <class T>
+Counter<T>::Counter(T lower, T upper, int32_t numberOfBins, [[maybe_unused]] uint64_t expectedPixels)
+    : shape_(ShapeOfHistogram(lower, upper, numberOfBins)),
+      rule_{lower, upper, static_cast<uint32_t>(shape_.bins), false} {
+    if constexpr (!std::is_same_v<T, float>) {
+        const int64_t values = int64_t{upper} - int64_t{lower} + 1;
+        rule_.onePerValue = values == shape_.bins;
+    }
+    if constexpr (std::is_same_v<T, uint8_t>) {
+        const bool pairs = expectedPixels >= kPairsFrom;
+        tables_ = pairs ? 1 : kByteTables;
+        counts_.resize(pairs ? kPairSize : kByteTables * 256);
+    } else if constexpr (std::is_same_v<T, uint16_t>) {
+        tables_ = kWordTables;
+        counts_.resize(kWordTables * 65536);
+    } else {
+        binsOf_ = Choose(kBins<T>);
+        // One more than there are bins, for pixels left out; several tables while they stay in the first-level cache.
+        tables_ = rule_.bins < 1024 ? 4 : 1;
+        counts_.resize(tables_ * (size_t{rule_.bins} + 1));
+    }
+}
+
+template <class T>
+void Counter<T>::operator()(const T* pixels, size_t n) {
+    while (n > 0) {
+        const size_t part = static_cast<size_t>(std::min<uint64_t>(n, kSettleAfter - unsettled_));
+        Add(pixels, part);
+        unsettled_ += part;
+        if (unsettled_ == kSettleAfter) Settle();
+        pixels += part;
+        n -= part;
+    }
+}
+
+template <class T>
+void Counter<T>::Add(const T* pixels, size_t n) {
+    if constexpr (std::is_same_v<T, uint8_t>) {
+        if (tables_ == 1)
+            CountBytePairs(pixels, n, counts_.data());
+        else
+            CountBytes(pixels, n, counts_.data());
+    } else if constexpr (std::is_same_v<T, uint16_t>) {
+        CountWords(pixels, n, counts_.data());
+    } else {
+        constexpr size_t kBlock = 512;
+        uint32_t bins[kBlock];
+        const size_t stride = counts_.size() / tables_;
+        uint32_t* const counts = counts_.data();
+        while (n > 0) {
+            const size_t part = std::min(n, kBlock);
+            binsOf_(pixels, part, rule_, bins);
+            if (tables_ == 4)
+                for (size_t i = 0; i < part; ++i) ++counts[i % 4 * stride + bins[i]];
+            else
+                for (size_t i = 0; i < part; ++i) ++counts[bins[i]];
+            pixels += part;
+            n -= part;
+        }
+    }
+}
+
+// A count that has reached 2^31 - 1 stays there in the end, so it may be cut to that: 2^31 more pixels then fit 32 bits.
+template <class T>
+void Counter<T>::Settle() {
+    for (uint32_t& count : counts_) count = std::min(count, kMostCounts);
+    unsettled_ = 0;
+}
+
+template <class T>
+void Counter<T>::Histogram(std::span<LONG> out) {
+    std::fill(out.begin(), out.end(), 0);
+    if constexpr (kCountsValues<T>) {
+        const auto countOf = [&](size_t value) {
+            uint64_t count = 0;
+            if (std::is_same_v<T, uint8_t> && tables_ == 1) {
+                count = counts_[65536 + value];
+                for (size_t other = 0; other < 256; ++other)
+                    count += uint64_t{counts_[value | other << 8]} + counts_[other | value << 8];
+            } else {
+                const size_t size = counts_.size() / tables_;
+                for (size_t table = 0; table < tables_; ++table) count += counts_[table * size + value];
+            }
+            return count;
+        };
+        // floor((value - lower) bins / width) for ascending values, by steps: bins <= width unless bins are values.
+        const uint32_t width = static_cast<uint32_t>(rule_.upper) - rule_.lower;
+        uint32_t bin = std::is_same_v<T, uint8_t> ? rule_.lower : 0;
+        uint32_t remainder = 0;
+        for (uint32_t value = rule_.lower; value <= rule_.upper; ++value) {
+            if (value == rule_.upper && !std::is_same_v<T, uint8_t>) bin = rule_.bins - 1;
+            out[bin] = static_cast<LONG>(Saturated(static_cast<uint64_t>(out[bin]) + countOf(value)));
+            if (std::is_same_v<T, uint8_t> || rule_.onePerValue) {
+                ++bin;
+            } else if (remainder += rule_.bins; remainder >= width) {
+                remainder -= width;
+                ++bin;
+            }
+        }
+    } else {
+        const size_t size = counts_.size() / tables_;
+        for (size_t bin = 0; bin < out.size(); ++bin) {
+            uint64_t count = 0;
+            for (size_t table = 0; table < tables_; ++table) count += counts_[table * size + bin];
+            out[bin] = static_cast<LONG>(Saturated(count));
+        }
+    }
+}
+
+template HistogramShape ShapeOfHistogram(uint8_t, uint8_t, int32_t);
+template HistogramShape ShapeOfHistogram(uint16_t, uint16_t, int32_t);
+template HistogramShape ShapeOfHistogram(uint32_t, uint32_t, int32_t);
+template HistogramShape ShapeOfHistogram(float, float, int32_t);
+template void Bins_scalar(const uint32_t*, size_t, const BinRule<uint32_t>&, uint32_t*);
+template void Bins_scalar(const float*, size_t, const BinRule<float>&, uint32_t*);
+template class Counter<uint8_t>;
+template class Counter<uint16_t>;
+template class Counter<uint32_t>;
+template class Counter<float>;
+
+}  // namespace orlix

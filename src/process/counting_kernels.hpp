@@ -1,0 +1,29 @@
+// Kernels of the histograms and their variants.
+#pragma once
+
+#include "process/counting.hpp"
+#include "process/variants.hpp"
+
+namespace orlix {
+
+// The bin of each pixel, rule.bins for those left out.
+template <class T>
+using BinsFn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
+
+template <class T>
+void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
+
+template <class T>
+inline constexpr Variant<BinsFn<T>> kBins[] = {{"scalar", Cpu::Any, &Bins_scalar}};
+
+// Ways of counting values, in plain C++: one store a clock is the limit whatever the instruction set, and a load that waits
+// for the store just made to the same counter is the danger. "Pairs" makes one update for two pixels.
+constexpr size_t kByteTables = 8;
+void CountBytes(const uint8_t* pixels, size_t n, uint32_t* counts);  // 8 tables of 256, pixel i in any of them
+constexpr size_t kPairSize = 65536 + 256;
+void CountBytePairs(const uint8_t* pixels, size_t n,
+                    uint32_t* counts);  // [first | second << 8], then 256 of single bytes
+constexpr size_t kWordTables = 2;
+void CountWords(const uint16_t* pixels, size_t n, uint32_t* counts);  // 2 tables of 65536
+
+}  // namespace orlix

@@ -1,0 +1,48 @@
+#include <iterator>
+
+#include "process/casting_kernels.hpp"
+#include "process/counting_kernels.hpp"
+#include "process/extremes_kernels.hpp"
+#include "process/measuring_kernels.hpp"
+#include "process/point_kernels.hpp"
+#include "process/threshold_kernels.hpp"
+#include "process/variants.hpp"
+
+namespace orlix {
+
+std::span<const KernelInUse> KernelsInUse() {
+    static const KernelInUse kernels[] = {
+        {"invert and add, 8 bits", ChosenVariant(kRamp<uint8_t>).name},
+        {"invert and add, 16 bits", ChosenVariant(kRamp<uint16_t>).name},
+        {"invert and add, 32 bits", ChosenVariant(kRamp<uint32_t>).name},
+        {"invert and add, float", ChosenVariant(kSum<float>).name},
+        {"divide, 16 bits", ChosenVariant(kQuotient<uint16_t>).name},
+        {"divide, 32 bits", ChosenVariant(kQuotient<uint32_t>).name},
+        {"divide, float", ChosenVariant(kQuotient<float>).name},
+        {"look-up table, 8 bits", ChosenVariant(kLookUp<uint8_t>).name},
+        {"threshold, 8 bits", ChosenVariant(kThreshold<uint8_t>).name},
+        {"threshold, 16 bits", ChosenVariant(kThreshold<uint16_t>).name},
+        {"threshold, 32 bits", ChosenVariant(kThreshold<uint32_t>).name},
+        {"threshold, float", ChosenVariant(kThreshold<float>).name},
+        {"histogram, 32 bits", ChosenVariant(kBins<uint32_t>).name},
+        {"histogram, float", ChosenVariant(kBins<float>).name},
+        {"gray measurements, 8 bits", ChosenVariant(kSums<uint8_t>).name},
+        {"gray measurements, 16 bits", ChosenVariant(kSums<uint16_t>).name},
+        {"gray measurements, 32 bits", ChosenVariant(kSums<uint32_t>).name},
+        {"gray measurements, float", ChosenVariant(kSums<float>).name},
+        {"extremes, 8 bits", ChosenVariant(kExtremes<uint8_t>).name},
+        {"extremes, 16 bits", ChosenVariant(kExtremes<uint16_t>).name},
+        {"extremes, 32 bits", ChosenVariant(kExtremes<uint32_t>).name},
+        {"extremes, float", ChosenVariant(kExtremes<float>).name},
+        {"cast, 16 bits to 8", ChosenVariant(kCast<uint8_t, uint16_t>).name},
+        {"cast, float to 8 bits", ChosenVariant(kCast<uint8_t, float>).name},
+        {"cast, 8 bits to 16", ChosenVariant(kCast<uint16_t, uint8_t>).name},
+        {"cast, 8 bits to float", ChosenVariant(kCast<float, uint8_t>).name},
+        {"add image, 8 bits", ChosenVariant(kPlus<uint8_t, uint8_t>).name},
+        {"add image, 16 bits", ChosenVariant(kPlus<uint16_t, uint16_t>).name},
+        {"add image, float", ChosenVariant(kPlus<float, float>).name},
+    };
+    return kernels;
+}
+
+}  // namespace orlix

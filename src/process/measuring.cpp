@@ -1,0 +1,205 @@
+#include "process/measuring.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <type_traits>
+
+#include "process/measuring_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr size_t kMostPixels = 65536;  // of one call of a kernel
+
+// An unsigned number of 256 bits, low limbs first.
+struct Wide {
+    uint32_t limb[8] = {};
+};
+
+Wide Product(const WideSum& a, const WideSum& b) {
+    const auto limbs = [](const WideSum& sum, uint32_t(&out)[4]) {
+        out[0] = static_cast<uint32_t>(sum.low);
+        out[1] = static_cast<uint32_t>(sum.low >> 32);
+        out[2] = static_cast<uint32_t>(sum.high);
+        out[3] = static_cast<uint32_t>(sum.high >> 32);
+    };
+    uint32_t x[4], y[4];
+    limbs(a, x);
+    limbs(b, y);
+    Wide product;
+    for (size_t i = 0; i < 4; ++i) {
+        uint64_t carry = 0;
+        for (size_t j = 0; j < 4; ++j) {
+            carry += uint64_t{x[i]} * y[j] + product.limb[i + j];
+            product.limb[i + j] = static_cast<uint32_t>(carry);
+            carry >>= 32;
+        }
+        product.limb[i + 4] = static_cast<uint32_t>(carry);
+    }
+    return product;
+}
+
+// a - b for a >= b.
+Wide Difference(const Wide& a, const Wide& b) {
+    Wide difference;
+    uint64_t borrow = 0;
+    for (size_t i = 0; i < 8; ++i) {
+        const uint64_t d = uint64_t{a.limb[i]} - b.limb[i] - borrow;
+        difference.limb[i] = static_cast<uint32_t>(d);
+        borrow = d >> 63;
+    }
+    return difference;
+}
+
+// The nearest double, ties to even.
+double ToDouble(const Wide& value) {
+    int top = 7;
+    while (top > 1 && value.limb[top] == 0) --top;
+    // The three highest limbs hold at least 65 significant bits unless they hold all; what is below can only break a tie.
+    const int low = std::max(top - 2, 0);
+    uint32_t limbs[3] = {value.limb[low], value.limb[low + 1], value.limb[low + 2]};
+    for (int i = 0; i < low; ++i)
+        if (value.limb[i] != 0) limbs[0] |= 1;
+    // 96 bits to the 64 that start at the highest one set, with the rest gathered in the last of them; then one rounding.
+    uint64_t high = uint64_t{limbs[2]} << 32 | limbs[1];
+    uint32_t rest = limbs[0];
+    int exponent = 32 + 32 * low;
+    if (high == 0) return std::ldexp(static_cast<double>(rest), 32 * low);
+    while (high >> 63 == 0) {
+        high = high << 1 | rest >> 31;
+        rest <<= 1;
+        --exponent;
+    }
+    if (rest != 0) high |= 1;
+    const double nearest = static_cast<double>(static_cast<uint32_t>(high >> 32)) * 0x1p32 +
+                           static_cast<double>(static_cast<uint32_t>(high));
+    return std::ldexp(nearest, exponent);
+}
+
+double ToDouble(const WideSum& sum) { return ToDouble(Product(sum, {1, 0})); }
+
+}  // namespace
+
+void WideSum::Add(uint64_t a, uint64_t b) {
+    const uint64_t aLow = static_cast<uint32_t>(a), aHigh = a >> 32;
+    const uint64_t bLow = static_cast<uint32_t>(b), bHigh = b >> 32;
+    const uint64_t lowest = aLow * bLow;
+    const uint64_t middle = aHigh * bLow + (lowest >> 32);
+    const uint64_t other = aLow * bHigh + static_cast<uint32_t>(middle);
+    high += aHigh * bHigh + (middle >> 32) + (other >> 32);
+    Add(other << 32 | static_cast<uint32_t>(lowest));
+}
+
+template <class T>
+void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums) {
+    sums = {};
+    for (size_t i = 0; i < n; ++i) {
+        if constexpr (std::is_same_v<T, float>) {
+            const double p = static_cast<double>(pixels[i]);
+            const double d = p - origin;
+            sums.s[i % 8] += p;
+            sums.q[i % 8] += d * d;
+            sums.w[i % 8] += static_cast<double>(i) * p;
+        } else {
+            const uint64_t p = pixels[i];
+            sums.s += p;
+            sums.w += i * p;
+            if constexpr (std::is_same_v<T, uint32_t>) {
+                sums.q += static_cast<uint32_t>(p * p);
+                sums.qHigh += p * p >> 32;
+            } else {
+                sums.q += p * p;
+            }
+        }
+    }
+}
+
+template <class T>
+Measurer<T>::Measurer(bool location, bool statistics)
+    : sum_(Choose(kSums<T>)), location_(location), statistics_(statistics) {}
+
+template <class T>
+void Measurer<T>::operator()(const T* pixels, size_t n, int32_t x, int32_t y) {
+    count_ += n;
+    if (!statistics_) return;
+    for (size_t done = 0; done < n;) {
+        const size_t part = std::min(n - done, kMostPixels);
+        PixelSums<T> sums;
+        sum_(pixels + done, part, 0.0, sums);
+        s_.Add(sums.s);
+        q_.Add(sums.q);
+        if constexpr (std::is_same_v<T, uint32_t>) q_.Add(sums.qHigh, uint64_t{1} << 32);
+        x_.Add(sums.w);
+        x_.Add(sums.s, static_cast<uint64_t>(x) + done);
+        y_.Add(sums.s, static_cast<uint64_t>(y));
+        done += part;
+    }
+}
+
+template <class T>
+GrayMeasures Measurer<T>::Finish() const {
+    GrayMeasures measures;
+    measures.count = count_;
+    if (count_ == 0 || !statistics_) return measures;
+    const double s = ToDouble(s_);
+    const double n = static_cast<double>(count_);
+    if (location_ && s > 0) {
+        measures.xCentroid = ToDouble(x_) / s;
+        measures.yCentroid = ToDouble(y_) / s;
+    }
+    measures.average = s / n;
+    measures.standardDeviation = std::sqrt(ToDouble(Difference(Product({count_, 0}, q_), Product(s_, s_)))) / n;
+    return measures;
+}
+
+Measurer<float>::Measurer(bool location, bool statistics)
+    : sum_(Choose(kSums<float>)), location_(location), statistics_(statistics) {}
+
+void Measurer<float>::operator()(const float* pixels, size_t n, int32_t x, int32_t y) {
+    if (n > 0 && count_ == 0 && std::isfinite(pixels[0])) origin_ = static_cast<double>(pixels[0]);
+    count_ += n;
+    if (!statistics_) return;
+    for (size_t done = 0; done < n;) {
+        const size_t part = std::min(n - done, kMostPixels);
+        PixelSums<float> sums;
+        sum_(pixels + done, part, origin_, sums);
+        const double left = static_cast<double>(x) + static_cast<double>(done);
+        for (size_t lane = 0; lane < 8; ++lane) {
+            s_[lane] += sums.s[lane];
+            q_[lane] += sums.q[lane];
+            x_[lane] += left * sums.s[lane] + sums.w[lane];
+            y_[lane] += static_cast<double>(y) * sums.s[lane];
+        }
+        done += part;
+    }
+}
+
+GrayMeasures Measurer<float>::Finish() const {
+    GrayMeasures measures;
+    measures.count = count_;
+    if (count_ == 0 || !statistics_) return measures;
+    const auto total = [](const double(&lanes)[8]) {
+        return ((lanes[0] + lanes[1]) + (lanes[2] + lanes[3])) + ((lanes[4] + lanes[5]) + (lanes[6] + lanes[7]));
+    };
+    const double n = static_cast<double>(count_);
+    const double s = total(s_);
+    if (location_ && s != 0) {
+        measures.xCentroid = total(x_) / s;
+        measures.yCentroid = total(y_) / s;
+    }
+    measures.average = s / n;
+    const double offset = measures.average - origin_;
+    const double variance = total(q_) / n - offset * offset;
+    measures.standardDeviation = variance > 0 ? std::sqrt(variance) : 0.0;
+    return measures;
+}
+
+template void Sums_scalar(const uint8_t*, size_t, double, PixelSums<uint8_t>&);
+template void Sums_scalar(const uint16_t*, size_t, double, PixelSums<uint16_t>&);
+template void Sums_scalar(const uint32_t*, size_t, double, PixelSums<uint32_t>&);
+template void Sums_scalar(const float*, size_t, double, PixelSums<float>&);
+template class Measurer<uint8_t>;
+template class Measurer<uint16_t>;
+template class Measurer<uint32_t>;
+
+}  // namespace orlix

@@ -1,0 +1,83 @@
+// The definitions of the point kernels.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+#include "process/pixel_conversion.hpp"
+#include "process/point_kernels.hpp"
+
+namespace orlix {
+
+template <class T>
+void Sum_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    const double lower = static_cast<double>(parameters.lower);
+    const double upper = static_cast<double>(parameters.upper);
+    for (size_t i = 0; i < n; ++i) {
+        const double p = static_cast<double>(pixels[i]);
+        const double s = parameters.falling ? parameters.value - p : p + parameters.value;
+        const double clamped = s < lower ? lower : s > upper ? upper : s;
+        pixels[i] = static_cast<T>(kIsFloat<T> ? clamped : std::floor(clamped + 0.5));
+    }
+}
+
+template <class T>
+void Ramp_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    for (size_t i = 0; i < n; ++i) {
+        const T q = std::clamp(pixels[i], parameters.first, parameters.last);
+        pixels[i] = static_cast<T>(parameters.falling ? parameters.offset - q : parameters.offset + q);
+    }
+}
+
+template <class T>
+void Quotient_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    for (size_t i = 0; i < n; ++i) pixels[i] = ToPixel<T>(static_cast<double>(pixels[i]) / parameters.value);
+}
+
+template <class T>
+void Shift_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    const unsigned shift = parameters.shift;
+    for (size_t i = 0; i < n; ++i)
+        pixels[i] = shift < 32 ? static_cast<T>(static_cast<uint32_t>(pixels[i]) >> shift) : T{0};
+}
+
+template <class T>
+void LookUp_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    for (size_t i = 0; i < n; ++i) {
+        const T p = pixels[i];
+        if constexpr (std::is_same_v<T, uint8_t>)
+            pixels[i] = parameters.table[p];
+        else if (p >= T{0} && p < T{256})
+            pixels[i] = parameters.table[static_cast<size_t>(p)];
+    }
+}
+
+template <class T>
+void Fill_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    std::fill_n(pixels, n, parameters.offset);
+}
+
+template void Sum_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
+template void Sum_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
+template void Sum_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
+template void Sum_scalar(float*, size_t, const PointParameters<float>&);
+template void Ramp_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
+template void Ramp_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
+template void Ramp_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
+template void Quotient_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
+template void Quotient_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
+template void Quotient_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
+template void Quotient_scalar(float*, size_t, const PointParameters<float>&);
+template void Shift_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
+template void Shift_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
+template void Shift_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
+template void LookUp_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
+template void LookUp_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
+template void LookUp_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
+template void LookUp_scalar(float*, size_t, const PointParameters<float>&);
+template void Fill_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
+template void Fill_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
+template void Fill_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
+template void Fill_scalar(float*, size_t, const PointParameters<float>&);
+
+}  // namespace orlix
