@@ -35,10 +35,13 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
     }
 
     // The last step that can fail. Memory that is to be cleared needs not be carried over.
-    if (zero && size > bytes_.capacity()) bytes_ = std::vector<uint8_t>(size);
-    bytes_.reserve(size);
-    bytes_.resize(size);
-    if (zero) Fill(0);
+    if (zero && size > bytes_.capacity()) {
+        bytes_ = std::vector<uint8_t>(size);
+    } else {
+        bytes_.reserve(size);
+        bytes_.resize(size);
+        if (zero) Fill(0);
+    }
 
     index_ = std::move(index);
     rows_ = std::move(rows);

@@ -2,8 +2,8 @@
 
 #include <atomic>
 #include <cstring>
-#include <new>
 
+#include "component/strings.hpp"
 #include "platform/elementary.hpp"
 
 using namespace orlix;
@@ -133,17 +133,10 @@ STDMETHODIMP OrlixShapeRegionOfInterest::get_Description(BSTR* hVal) noexcept {
     return Guarded([&] {
         Require(hVal);
         *hVal = nullptr;
-        if (description_.empty()) return;
-        *hVal = SysAllocStringLen(description_.data(), static_cast<UINT>(description_.size()));
-        if (!*hVal) throw std::bad_alloc();
+        if (!description_.empty()) *hVal = CopyToBstr(description_);
     });
 }
 
 STDMETHODIMP OrlixShapeRegionOfInterest::put_Description(BSTR newVal) noexcept {
-    return Guarded([&] {
-        if (newVal)
-            description_.assign(newVal, SysStringLen(newVal));
-        else
-            description_.clear();
-    });
+    return Guarded([&] { description_ = ToView(newVal); });
 }
