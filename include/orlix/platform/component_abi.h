@@ -242,6 +242,14 @@ ORLIX_API void CoTaskMemFree(void* memory);
 #define CLSCTX_INPROC_SERVER 1
 ORLIX_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid, void** object);
 ORLIX_API HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* reserved, REFIID riid, void** object);
+
+// The module's own entry points. The first look-up by class or ProgID registers the module in the store of the process,
+// unless the client has called one of the two registering functions by then.
+ORLIX_API HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory);
+ORLIX_API HRESULT DllCanUnloadNow();
+ORLIX_API HRESULT DllRegisterServer();
+ORLIX_API HRESULT DllUnregisterServer();
+ORLIX_API int NeedGdiPlus();
 }
 
 #endif

@@ -1,0 +1,30 @@
+#include "module/class_table.hpp"
+
+#include "binary/orlix_bitmap.hpp"
+#include "geometry/orlix_shape_region_of_interest.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr ClassRow kClasses[kNumberOfClasses] = {
+    {&__uuidof(OrlixPolygon), 101, nullptr},
+    {&__uuidof(OrlixHistogram), 102, nullptr},
+    {&__uuidof(OrlixBitmap), 103, &OrlixBitmap::CreateInstance},
+    {&__uuidof(OrlixImage), 104, nullptr},
+    {&__uuidof(OrlixStructuringElement), 105, nullptr},
+    {&__uuidof(OrlixLineGraphicOverlay), 106, nullptr},
+    {&__uuidof(OrlixCircleGraphicOverlay), 109, nullptr},
+    {&__uuidof(OrlixBuffer), 110, nullptr},
+    {&__uuidof(OrlixSplineImage), 111, nullptr},
+    {&__uuidof(OrlixShapeRegionOfInterest), 113, &OrlixShapeRegionOfInterest::CreateInstance},
+    {&__uuidof(OrlixVBHelper), 114, nullptr},
+    {&__uuidof(OrlixImageView), 116, nullptr},
+    {&__uuidof(OrlixTextGraphicOverlay), 117, nullptr},
+    {&__uuidof(OrlixHistogramDialog), 120, nullptr},
+};
+
+}  // namespace
+
+std::span<const ClassRow, kNumberOfClasses> ClassTable() noexcept { return kClasses; }
+
+}  // namespace orlix

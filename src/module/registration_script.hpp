@@ -1,0 +1,86 @@
+// Registration scripts: the keys and values that a class needs, as text, to be added to a registry and removed from it.
+//
+//     HKCR                                                     a root: HKCR, HKLM or HKCU
+//     {
+//         Orlix.Polygon.1 = s 'Polygon Class'                  a key with its default value
+//         {
+//             CLSID = s '{E0AF5E0B-FB80-4687-B204-943EBC39CFF8}'
+//         }
+//         NoRemove CLSID
+//         {
+//             ForceRemove {E0AF5E0B-FB80-4687-B204-943EBC39CFF8} = s 'Polygon Class'
+//             {
+//                 InprocServer32 = s '%MODULE%'
+//                 {
+//                     val ThreadingModel = s 'Apartment'       a named value
+//                 }
+//             }
+//         }
+//     }
+//
+// Words are separated by blanks and line ends. A word in single quotes may hold blanks and is never a keyword or a brace;
+// '' in it is one quote. Keywords and roots are read in any case. Values are texts (s) and numbers (d, decimal or 0x...,
+// below 2^32). %MODULE% stands for the module's path and %% for one percent sign, in every word that is not a keyword.
+// Scripts are ASCII. No key name holds a backslash.
+//
+//                 adding                                        removing
+//     (plain)     creates the key                               deletes it once nothing is left in it
+//     NoRemove    creates the key                               keeps it; what the script put below it goes
+//     ForceRemove deletes the key with all below it, creates it deletes it with all below it
+//     Delete      deletes the key with all below it             nothing
+//     val         writes the value                              deletes it
+//     NoRemove val    writes the value                          keeps it
+#pragma once
+
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include "module/registry_store.hpp"
+
+namespace orlix {
+
+// A script that cannot be read. what() names the line, counted from 1.
+class ScriptError : public std::runtime_error {
+public:
+    ScriptError(int line, const char* what);
+    int line() const noexcept { return line_; }
+
+private:
+    int line_;
+};
+
+class RegistrationScript {
+public:
+    // Reads the whole script before anything is written. ScriptError.
+    RegistrationScript(std::string_view script, const RegistryText& modulePath);
+
+    // FailedResult with what the store answered, at the first failure.
+    void Add(RegistryStore& store) const;
+    // Goes on after a failure, so that as much as possible goes, and raises the first one at the end.
+    void Remove(RegistryStore& store) const;
+
+    struct Value {
+        RegistryText name;
+        bool isNumber = false;
+        RegistryText text;
+        uint32_t number = 0;
+        bool keep = false;  // NoRemove
+    };
+    enum class Rule { Plain, NoRemove, ForceRemove, Delete };
+    struct Key {
+        RegistryText name;
+        Rule rule = Rule::Plain;
+        std::vector<Value> values;
+        std::vector<Key> keys;
+    };
+    struct Root {
+        RegistryRoot root;
+        std::vector<Key> keys;
+    };
+
+private:
+    std::vector<Root> roots_;
+};
+
+}  // namespace orlix

@@ -1,0 +1,129 @@
+#include "platform/process_registry.hpp"
+
+#include <algorithm>
+#include <new>
+
+namespace orlix {
+namespace {
+
+constexpr OLECHAR Folded(OLECHAR c) { return c >= u'a' && c <= u'z' ? static_cast<OLECHAR>(c - u'a' + u'A') : c; }
+
+bool LiesBelow(ProcessRegistry::TextView path, ProcessRegistry::TextView key) {
+    return path.size() > key.size() && path[key.size()] == u'\\' &&
+           std::equal(key.begin(), key.end(), path.begin(),
+                      [](OLECHAR a, OLECHAR b) { return Folded(a) == Folded(b); });
+}
+
+ProcessRegistry::Text Below(ProcessRegistry::TextView key) { return ProcessRegistry::Text(key) + u'\\'; }
+
+}  // namespace
+
+bool ProcessRegistry::IgnoringCase::operator()(TextView a, TextView b) const noexcept {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [](OLECHAR x, OLECHAR y) { return Folded(x) < Folded(y); });
+}
+
+ProcessRegistry& ProcessRegistry::OfThisProcess() {
+    // Never destroyed: objects that outlive the program's own static objects may still report.
+    static ProcessRegistry& registry = *new ProcessRegistry;
+    return registry;
+}
+
+ProcessRegistry::Keys::iterator ProcessRegistry::Create(TextView key) {
+    if (const auto found = keys_.find(key); found != keys_.end()) return found;
+    if (const size_t parent = key.rfind(u'\\'); parent != TextView::npos) Create(key.substr(0, parent));
+    return keys_.emplace(key, Values{}).first;
+}
+
+void ProcessRegistry::CreateKey(TextView key) {
+    const std::lock_guard lock(mutex_);
+    Create(key);
+}
+
+void ProcessRegistry::SetValue(TextView key, TextView name, Value value) {
+    const std::lock_guard lock(mutex_);
+    Values& values = Create(key)->second;
+    const auto found = values.find(name);
+    if (found != values.end())
+        found->second = std::move(value);
+    else
+        values.emplace(name, std::move(value));
+}
+
+bool ProcessRegistry::HasKey(TextView key) const {
+    const std::lock_guard lock(mutex_);
+    return keys_.contains(key);
+}
+
+std::optional<ProcessRegistry::Text> ProcessRegistry::FindText(TextView key, TextView name) const {
+    const std::lock_guard lock(mutex_);
+    const auto found = keys_.find(key);
+    if (found == keys_.end()) return std::nullopt;
+    const auto value = found->second.find(name);
+    if (value == found->second.end()) return std::nullopt;
+    const auto* text = std::get_if<Text>(&value->second);
+    return text ? std::optional(*text) : std::nullopt;
+}
+
+bool ProcessRegistry::DeleteValue(TextView key, TextView name) {
+    const std::lock_guard lock(mutex_);
+    const auto found = keys_.find(key);
+    if (found == keys_.end()) return false;
+    const auto value = found->second.find(name);
+    if (value == found->second.end()) return false;
+    found->second.erase(value);
+    return true;
+}
+
+// Paths that begin with the same units lie side by side in the map.
+ProcessRegistry::Keys::iterator ProcessRegistry::EndOfTree(Keys::iterator below, TextView key) {
+    while (below != keys_.end() && LiesBelow(below->first, key)) ++below;
+    return below;
+}
+
+bool ProcessRegistry::DeleteTree(TextView key) {
+    const std::lock_guard lock(mutex_);
+    const auto found = keys_.find(key);
+    if (found == keys_.end()) return false;
+    const auto below = keys_.lower_bound(Below(key));
+    keys_.erase(below, EndOfTree(below, key));
+    keys_.erase(found);
+    return true;
+}
+
+bool ProcessRegistry::DeleteIfEmpty(TextView key) {
+    const std::lock_guard lock(mutex_);
+    const auto found = keys_.find(key);
+    if (found == keys_.end() || !found->second.empty()) return false;
+    const auto below = keys_.lower_bound(Below(key));
+    if (below != EndOfTree(below, key)) return false;
+    keys_.erase(found);
+    return true;
+}
+
+ProcessRegistry::Keys ProcessRegistry::Snapshot() const {
+    const std::lock_guard lock(mutex_);
+    return keys_;
+}
+
+}  // namespace orlix
+
+HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progid) {
+    using namespace orlix;
+    if (!progid) return E_INVALIDARG;
+    *progid = nullptr;
+    OLECHAR identifier[39];
+    StringFromGUID2(clsid, identifier, 39);
+    try {
+        const auto found = ProcessRegistry::OfThisProcess().FindText(
+            ProcessRegistry::Text(u"HKCR\\CLSID\\") + identifier + u"\\ProgID", u"");
+        if (!found) return REGDB_E_CLASSNOTREG;
+        auto* text = static_cast<OLECHAR*>(CoTaskMemAlloc((found->size() + 1) * sizeof(OLECHAR)));
+        if (!text) return E_OUTOFMEMORY;
+        std::copy_n(found->c_str(), found->size() + 1, text);
+        *progid = text;
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
+}
