@@ -1,13 +1,17 @@
 // Elementary functions with the same bits on every build. The C library's differ between platforms in the last place, and
-// thresholds and runs must not. Arithmetic is IEEE double with round to nearest; errors stay below one unit in the last
-// place (for Sin and Cos: for |x| up to 1e5, beyond which they are still defined, for every finite x).
+// thresholds and runs must not. Arithmetic is IEEE double with round to nearest, without fused operations.
+//
+// Accuracy: every finite argument, the largest included, gives a result less than 0.53 units in the last place from the
+// true value, that is the nearest double or, in one case of some hundreds, its neighbour; 0.76 units where Exp gives a
+// subnormal number. Exact: Log(1) = 0, Exp(0) = 1, Sin(+-0) = +-0, Cos(0) = 1. Log and Exp take some 3 ns, Sin and Cos 5 to 10 ns (50 ns beyond
+// 2e5). NaN gives NaN.
 #pragma once
 
 namespace orlix {
 
 double Log(double x);        // natural logarithm: -inf at 0, NaN below 0, inf at inf
 double Exp(double x);        // 0 and inf beyond the range of double
-double Sin(double radians);  // NaN for infinities
-double Cos(double radians);
+double Sin(double radians);  // odd, bit for bit; NaN for infinities
+double Cos(double radians);  // even, bit for bit; NaN for infinities
 
 }  // namespace orlix
