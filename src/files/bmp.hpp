@@ -1,0 +1,18 @@
+// Windows and OS/2 bitmaps of 8 bits, see image_file.hpp.
+#pragma once
+
+#include "files/image_file.hpp"
+
+namespace orlix {
+
+bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept;
+
+// Failures, in the order in which they are looked for:
+//   "IImageVPAEx::CreateFromBmp: problems reading bmp header": cut off, an unknown header, no width or height
+//   "IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported."
+//   "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported."
+//   "IImageVPAEx::CreateFromBmp: the file is too short for its image."
+//   "IImageVPAEx::CreateFromBmp: a pixel is outside the palette."
+FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink);
+
+}  // namespace orlix

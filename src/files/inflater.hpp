@@ -1,0 +1,42 @@
+// Decompression of a zlib stream that lies in several pieces.
+#pragma once
+
+#include <zlib.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace orlix {
+
+// A deflate stream of n bytes holds at most this times n: a match of 258 bytes takes two bits.
+constexpr uint64_t kLargestExpansion = 1032;
+
+class Inflater {
+public:
+    // The pieces must outlive this object. Throws std::bad_alloc.
+    explicit Inflater(std::span<const std::span<const uint8_t>> pieces);
+    Inflater(const Inflater&) = delete;
+    Inflater& operator=(const Inflater&) = delete;
+    ~Inflater() { ::inflateEnd(&stream_); }
+
+    // Fills the output and returns its size, or less where the stream ends or is damaged.
+    size_t Read(std::span<uint8_t> output);
+
+    // Whether the stream ends here, with the right checksum. What lies behind its end is not looked at.
+    bool AtEnd();
+
+private:
+    void Step();
+
+    z_stream stream_{};
+    std::span<const std::span<const uint8_t>> pieces_;
+    std::span<const uint8_t> piece_;  // what zlib has not been given yet of the current piece
+    int state_ = Z_OK;                // anything else: the end, or damage
+};
+
+// Decompresses a whole stream; false where it is damaged or holds more than `maximum` bytes.
+bool InflateWhole(std::span<const uint8_t> compressed, size_t maximum, std::vector<uint8_t>& output);
+
+}  // namespace orlix

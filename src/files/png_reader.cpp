@@ -1,0 +1,379 @@
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "component/failure.hpp"
+#include "files/byte_order.hpp"
+#include "files/inflater.hpp"
+#include "files/palette.hpp"
+#include "files/png.hpp"
+#include "files/png_filter.hpp"
+#include "files/png_format.hpp"
+#include "files/png_text.hpp"
+
+namespace orlix {
+namespace {
+
+using namespace png;
+
+[[noreturn]] void Fail(const char* text) { throw Failure(text, DISP_E_EXCEPTION); }
+[[noreturn]] void BadHeader() { Fail("IImageVPAEx::CreateFromPng: problems reading png header"); }
+[[noreturn]] void BadOrder() { Fail("IImageVPAEx::CreateFromPng: chunks are missing or out of order."); }
+[[noreturn]] void BadPalette() { Fail("IImageVPAEx::CreateFromPng: problems reading png palette"); }
+[[noreturn]] void BadPixels() { Fail("IImageVPAEx::CreateFromPng: problems reading png pixels"); }
+
+// ------------------------------------------------------------------------------------------------------------- structure
+
+struct PngHeader {
+    uint32_t width = 0, height = 0;
+    uint8_t depth = 0;  // bits of a sample, or of a palette index
+    uint8_t colourType = kGrey;
+    bool interlaced = false;
+
+    // Of a pixel as stored; an index counts as one.
+    int32_t Samples() const {
+        switch (colourType) {
+            case kColour:
+                return 3;
+            case kGreyAlpha:
+                return 2;
+            case kColourAlpha:
+                return 4;
+            default:
+                return 1;
+        }
+    }
+    bool HasColour() const { return colourType == kColour || colourType == kColourAlpha; }
+    uint64_t RowBytes(uint64_t pixels) const { return (pixels * static_cast<uint64_t>(Samples()) * depth + 7) / 8; }
+    size_t PixelBytes() const { return std::max<size_t>(1, static_cast<size_t>(Samples()) * depth / 8); }
+};
+
+struct PngFile {
+    PngHeader header;
+    Palette palette;
+    std::vector<std::span<const uint8_t>> pixels;  // the compressed stream, in pieces
+    uint64_t compressedSize = 0;
+    double micronsX = 0.0, micronsY = 0.0;
+    std::vector<FileText> texts;
+};
+
+bool IsDepth(uint8_t colourType, uint8_t depth) {
+    switch (colourType) {
+        case kGrey:
+            return depth == 1 || depth == 2 || depth == 4 || depth == 8 || depth == 16;
+        case kIndexed:
+            return depth == 1 || depth == 2 || depth == 4 || depth == 8;
+        case kColour:
+        case kGreyAlpha:
+        case kColourAlpha:
+            return depth == 8 || depth == 16;
+        default:
+            return false;
+    }
+}
+
+PngHeader ParseHeader(std::span<const uint8_t> data) {
+    if (data.size() != kHeaderSize) BadHeader();
+    PngHeader header;
+    header.width = BigEndian32(data.data());
+    header.height = BigEndian32(data.data() + 4);
+    header.depth = data[8];
+    header.colourType = data[9];
+    const uint8_t compression = data[10], filterMethod = data[11], interlace = data[12];
+    header.interlaced = interlace == 1;
+    if (header.width == 0 || header.width > kLargestNumber || header.height == 0 || header.height > kLargestNumber ||
+        !IsDepth(header.colourType, header.depth) || compression != 0 || filterMethod != 0 || interlace > 1)
+        BadHeader();
+    return header;
+}
+
+Palette ParsePalette(std::span<const uint8_t> data, const PngHeader& header) {
+    const size_t count = data.size() / 3;
+    if (data.size() % 3 != 0 || count == 0 || count > 256 || header.colourType == kGrey ||
+        header.colourType == kGreyAlpha)
+        BadPalette();
+    if (header.colourType == kIndexed && count > size_t{1} << header.depth) BadPalette();
+    Palette palette;
+    palette.count = static_cast<int32_t>(count);
+    for (size_t i = 0; i < count; ++i)
+        for (size_t colour = 0; colour < 3; ++colour) palette.level[colour][i] = data[3 * i + colour];
+    return palette;
+}
+
+void ParsePixelSize(std::span<const uint8_t> data, PngFile& file) {
+    if (data.size() != kPixelSizeSize || data[8] != kMetre) return;
+    const uint32_t perMetreX = BigEndian32(data.data()), perMetreY = BigEndian32(data.data() + 4);
+    if (perMetreX == 0 || perMetreX > kLargestNumber || perMetreY == 0 || perMetreY > kLargestNumber) return;
+    file.micronsX = 1e6 / perMetreX;
+    file.micronsY = 1e6 / perMetreY;
+}
+
+struct Chunk {
+    uint32_t type = 0;
+    std::span<const uint8_t> data;
+};
+
+// Takes the next chunk off the front.
+Chunk TakeChunk(std::span<const uint8_t>& bytes) {
+    if (bytes.size() < kChunkFrame) Fail("IImageVPAEx::CreateFromPng: the file is truncated.");
+    const size_t length = BigEndian32(bytes.data());
+    if (length > bytes.size() - kChunkFrame) Fail("IImageVPAEx::CreateFromPng: the file is truncated.");
+    const auto checked = bytes.subspan(4, 4 + length);
+    const uint32_t checksum = BigEndian32(bytes.data() + 8 + length);
+    bytes = bytes.subspan(kChunkFrame + length);
+    if (::crc32_z(0, checked.data(), checked.size()) != checksum)
+        Fail("IImageVPAEx::CreateFromPng: a checksum is wrong.");
+    return {BigEndian32(checked.data()), checked.subspan(4)};
+}
+
+PngFile ParseFile(std::span<const uint8_t> bytes) {
+    if (bytes.size() < kSignature.size() || !std::equal(kSignature.begin(), kSignature.end(), bytes.begin()))
+        BadHeader();
+    bytes = bytes.subspan(kSignature.size());
+
+    PngFile file;
+    const Chunk first = TakeChunk(bytes);
+    if (first.type != kHeader) BadHeader();
+    file.header = ParseHeader(first.data);
+    size_t textBudget = kTextBudget;
+    for (uint32_t previous = kHeader;;) {
+        const auto [type, data] = TakeChunk(bytes);
+        switch (type) {
+            case kHeader:
+                BadOrder();
+            case kPalette:
+                if (file.palette.count != 0 || !file.pixels.empty()) BadOrder();
+                file.palette = ParsePalette(data, file.header);
+                break;
+            case kPixels:
+                if (!file.pixels.empty() && previous != kPixels) BadOrder();
+                file.pixels.push_back(data);
+                file.compressedSize += data.size();
+                break;
+            case kEnd:
+                if (file.pixels.empty()) BadOrder();
+                if (file.header.colourType == kIndexed && file.palette.count == 0) BadPalette();
+                return file;
+            case kPixelSize:
+                ParsePixelSize(data, file);
+                break;
+            case kText:
+            case kCompressedText:
+            case kInternationalText:
+                if (auto text = ReadText(type, data, textBudget)) file.texts.push_back(std::move(*text));
+                break;
+            default:
+                if (!IsOptional(type))
+                    Fail("IImageVPAEx::CreateFromPng: the file needs a chunk that is not supported.");
+        }
+        previous = type;
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------- passes
+
+// The pixels of a pass: columns x0, x0 + dx, ... of rows y0, y0 + dy, ...
+struct Pass {
+    uint32_t x0, y0, dx, dy;
+
+    uint32_t Width(const PngHeader& header) const { return header.width > x0 ? (header.width - x0 + dx - 1) / dx : 0; }
+    uint32_t Height(const PngHeader& header) const {
+        return header.height > y0 ? (header.height - y0 + dy - 1) / dy : 0;
+    }
+};
+constexpr Pass kWholeImage[] = {{0, 0, 1, 1}};
+constexpr Pass kInterlaced[] = {{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4},
+                                {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}};
+
+std::span<const Pass> PassesOf(const PngHeader& header) {
+    if (header.interlaced) return kInterlaced;
+    return kWholeImage;
+}
+
+// Every row is stored behind a byte that names its filter. Compared by division: the product may reach 2^65.
+void RequireEnoughBytes(const PngFile& file) {
+    const uint64_t most = file.compressedSize * kLargestExpansion;
+    uint64_t total = 0;
+    for (const Pass& pass : PassesOf(file.header)) {
+        const uint64_t width = pass.Width(file.header), height = pass.Height(file.header);
+        if (width == 0 || height == 0) continue;
+        const uint64_t rowBytes = 1 + file.header.RowBytes(width);
+        if (rowBytes > most / height || rowBytes * height > most - total)
+            Fail("IImageVPAEx::CreateFromPng: the file is too short for its image.");
+        total += rowBytes * height;
+    }
+}
+
+// Decompresses and unfilters all rows, calling row(pass, y in the image, pixels of the row, bytes). The bytes may be changed.
+template <class RowFunction>
+void DecodeRows(const PngFile& file, RowFunction&& row) {
+    // Rows are decompressed many at a time, which is faster, into a block that stays in the cache.
+    constexpr uint64_t kBlock = 128 * 1024;
+    const uint64_t longest = 1 + file.header.RowBytes(file.header.width);
+    const uint64_t blockRows = std::max<uint64_t>(1, kBlock / longest);
+    if (longest * (blockRows + 1) > std::numeric_limits<size_t>::max() / 2) throw std::bad_alloc();
+    const auto memory = std::make_unique_for_overwrite<uint8_t[]>(static_cast<size_t>(longest * (blockRows + 1)));
+
+    Inflater inflater(file.pixels);
+    const size_t pixelBytes = file.header.PixelBytes();
+    for (const Pass& pass : PassesOf(file.header)) {
+        const uint32_t width = pass.Width(file.header), height = pass.Height(file.header);
+        if (width == 0 || height == 0) continue;
+        const auto rowBytes = static_cast<size_t>(file.header.RowBytes(width));
+        uint8_t* const above = memory.get();  // the last row of the block before
+        uint8_t* const block = above + rowBytes;
+        std::memset(above, 0, rowBytes);
+        for (uint32_t done = 0; done < height;) {
+            const auto rows = static_cast<uint32_t>(std::min<uint64_t>(blockRows, height - done));
+            const size_t wanted = (1 + rowBytes) * rows;
+            if (inflater.Read({block, wanted}) != wanted) BadPixels();
+            const uint8_t* previous = above;
+            uint8_t* stored = block;
+            for (uint32_t i = 0; i < rows; ++i, stored += 1 + rowBytes) {
+                if (!Unfilter(stored[0], stored + 1, previous, rowBytes, pixelBytes)) BadPixels();
+                row(pass, pass.y0 + (done + i) * pass.dy, width, static_cast<const uint8_t*>(stored + 1));
+                previous = stored + 1;
+            }
+            std::memcpy(above, previous, rowBytes);
+            done += rows;
+        }
+    }
+    if (!inflater.AtEnd()) BadPixels();
+}
+
+// --------------------------------------------------------------------------------------------------------------- samples
+
+// Calls use(x, index) for every pixel of a row whose samples have depth bits, the first in the high bits.
+template <class Use>
+void ForEachIndex(const uint8_t* bytes, uint32_t width, uint8_t depth, Use&& use) {
+    if (depth == 8) {
+        for (uint32_t x = 0; x < width; ++x) use(x, bytes[x]);
+        return;
+    }
+    const uint32_t mask = (1u << depth) - 1;
+    for (uint32_t x = 0; x < width; ++x) {
+        const uint64_t bit = uint64_t{x} * depth;
+        use(x, static_cast<uint8_t>(bytes[bit / 8] >> (8 - depth - bit % 8) & mask));
+    }
+}
+
+template <class Sample>
+Sample SampleAt(const uint8_t* bytes) {
+    if constexpr (sizeof(Sample) == 1)
+        return *bytes;
+    else
+        return BigEndian16(bytes);
+}
+
+// The first kBands of every kSamples samples go into the rows, at x0, x0 + dx, ...
+template <class Sample, size_t kSamples, size_t kBands>
+void Separate(const uint8_t* bytes, uint32_t width, const Pass& pass, const std::array<void*, 3>& rows) {
+    std::array<Sample*, kBands> out;
+    for (size_t band = 0; band < kBands; ++band) out[band] = static_cast<Sample*>(rows[band]) + pass.x0;
+    const auto copy = [&](size_t step) {
+        for (size_t x = 0; x < width; ++x)
+            for (size_t band = 0; band < kBands; ++band)
+                out[band][x * step] = SampleAt<Sample>(bytes + (x * kSamples + band) * sizeof(Sample));
+    };
+    if (sizeof(Sample) == 1 && kSamples == 1 && pass.dx == 1)
+        std::memcpy(out[0], bytes, width);
+    else if (pass.dx == 1)
+        copy(1);
+    else
+        copy(pass.dx);
+}
+
+template <class Sample>
+void SeparateRow(const PngHeader& header, const uint8_t* bytes, uint32_t width, const Pass& pass,
+                 const std::array<void*, 3>& rows) {
+    switch (header.colourType) {
+        case kGreyAlpha:
+            return Separate<Sample, 2, 1>(bytes, width, pass, rows);
+        case kColour:
+            return Separate<Sample, 3, 3>(bytes, width, pass, rows);
+        case kColourAlpha:
+            return Separate<Sample, 4, 3>(bytes, width, pass, rows);
+        default:
+            return Separate<Sample, 1, 1>(bytes, width, pass, rows);
+    }
+}
+
+void ReadSamples(const PngFile& file, int32_t bands, PixelSink& sink) {
+    DecodeRows(file, [&](const Pass& pass, uint32_t y, uint32_t width, const uint8_t* bytes) {
+        std::array<void*, 3> rows{};
+        for (int32_t band = 0; band < bands; ++band)
+            rows[static_cast<size_t>(band)] = sink.Row(band, static_cast<int32_t>(y));
+        file.header.depth == 16 ? SeparateRow<uint16_t>(file.header, bytes, width, pass, rows)
+                                : SeparateRow<uint8_t>(file.header, bytes, width, pass, rows);
+    });
+}
+
+// Indices through a palette whose entries cover all of them.
+void ReadIndices(const PngFile& file, const Palette& palette, int32_t bands, PixelSink& sink) {
+    DecodeRows(file, [&](const Pass& pass, uint32_t y, uint32_t width, const uint8_t* bytes) {
+        for (int32_t band = 0; band < bands; ++band) {
+            auto* out = static_cast<uint8_t*>(sink.Row(band, static_cast<int32_t>(y))) + pass.x0;
+            const auto& level = palette.level[static_cast<size_t>(band)];
+            ForEachIndex(bytes, width, file.header.depth,
+                         [&](size_t x, uint8_t index) { out[x * pass.dx] = level[index]; });
+        }
+    });
+}
+
+// Grey of fewer than 8 bits as indices of a palette, which scales it to 0..255.
+Palette GreyLevels(uint8_t depth) {
+    Palette levels;
+    levels.count = 1 << depth;
+    for (int32_t i = 0; i < levels.count; ++i)
+        levels.level[0][static_cast<size_t>(i)] = static_cast<uint8_t>(255 * i / (levels.count - 1));
+    return levels;
+}
+
+UsedIndices FindUsed(const PngFile& file) {
+    UsedIndices used{};
+    DecodeRows(file, [&](const Pass&, uint32_t, uint32_t width, const uint8_t* bytes) {
+        ForEachIndex(bytes, width, file.header.depth, [&](size_t, uint8_t index) { used[index] = true; });
+    });
+    return used;
+}
+
+}  // namespace
+
+bool LooksLikePng(std::span<const uint8_t> bytes) noexcept {
+    return bytes.size() >= 4 && std::equal(kSignature.begin(), kSignature.begin() + 4, bytes.begin());
+}
+
+FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink) {
+    const PngFile file = ParseFile(bytes);
+    RequireEnoughBytes(file);
+
+    FileProperties properties;
+    properties.width = static_cast<int32_t>(file.header.width);
+    properties.height = static_cast<int32_t>(file.header.height);
+    properties.bits = file.header.depth == 16 ? 16 : 8;
+    properties.micronsX = file.micronsX;
+    properties.micronsY = file.micronsY;
+    properties.texts = file.texts;
+    if (file.header.colourType == kIndexed) {
+        // Decoded once more, for the number of bands depends on the entries in use. Files with palettes are small.
+        const UsedIndices used = FindUsed(file);
+        if (!Covers(file.palette, used)) Fail("IImageVPAEx::CreateFromPng: a pixel is outside the palette.");
+        properties.bands = IsGrey(file.palette, used) ? 1 : 3;
+        sink.Begin(properties);
+        ReadIndices(file, file.palette, properties.bands, sink);
+    } else {
+        properties.bands = file.header.HasColour() ? 3 : 1;
+        sink.Begin(properties);
+        if (file.header.depth < 8)
+            ReadIndices(file, GreyLevels(file.header.depth), properties.bands, sink);
+        else
+            ReadSamples(file, properties.bands, sink);
+    }
+    return properties;
+}
+
+}  // namespace orlix

@@ -1,0 +1,86 @@
+#include "files/png_text.hpp"
+
+#include <algorithm>
+
+#include "files/inflater.hpp"
+#include "files/png_format.hpp"
+#include "files/text_encoding.hpp"
+
+namespace orlix::png {
+namespace {
+
+constexpr size_t kLargestText = size_t{1} << 20;
+
+using Bytes = std::span<const uint8_t>;
+
+// Takes the bytes up to the next 0 off the front, and the 0; nothing where there is none.
+std::optional<Bytes> TakeString(Bytes& data) {
+    const auto zero = std::find(data.begin(), data.end(), uint8_t{0});
+    if (zero == data.end()) return std::nullopt;
+    const auto length = static_cast<size_t>(zero - data.begin());
+    const Bytes string = data.first(length);
+    data = data.subspan(length + 1);
+    return string;
+}
+
+std::optional<uint8_t> TakeByte(Bytes& data) {
+    if (data.empty()) return std::nullopt;
+    const uint8_t byte = data.front();
+    data = data.subspan(1);
+    return byte;
+}
+
+bool Decompress(Bytes compressed, size_t& budget, std::vector<uint8_t>& text) {
+    const bool whole = InflateWhole(compressed, std::min(kLargestText, budget), text);
+    budget -= text.size();
+    return whole;
+}
+
+// A text that a PNG file may hold in Latin-1.
+bool IsPlain(FileStringView text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](OLECHAR c) { return c == '\n' || (c >= 32 && c < 127) || (c >= 160 && c < 256); });
+}
+
+}  // namespace
+
+std::optional<FileText> ReadText(uint32_t type, Bytes data, size_t& budget) {
+    const auto keyword = TakeString(data);
+    if (!keyword) return std::nullopt;
+    FileText entry{FromLatin1(*keyword), {}};
+    if (!IsFileKeyword(entry.keyword)) return std::nullopt;
+
+    bool compressed = type == kCompressedText;
+    if (type == kInternationalText) {
+        const auto flag = TakeByte(data);
+        if (!flag || *flag > 1) return std::nullopt;
+        compressed = *flag == 1;
+    }
+    if (type != kText) {
+        const auto method = TakeByte(data);  // of compression; it means nothing where there is none
+        if (!method || (compressed && *method != 0)) return std::nullopt;
+    }
+    if (type == kInternationalText && (!TakeString(data) || !TakeString(data)))  // language, translated keyword
+        return std::nullopt;
+
+    std::vector<uint8_t> decompressed;
+    if (compressed) {
+        if (!Decompress(data, budget, decompressed)) return std::nullopt;
+        data = decompressed;
+    }
+    if (data.empty()) return std::nullopt;
+    entry.text = type == kInternationalText ? FromUtf8(data) : FromLatin1(data);
+    return entry;
+}
+
+std::optional<TextChunk> WriteText(const FileText& entry) {
+    FileStringView text = entry.text;
+    text = text.substr(0, text.find(OLECHAR{0}));
+    if (text.empty() || !IsFileKeyword(entry.keyword)) return std::nullopt;
+    const std::string keyword = ToLatin1(entry.keyword) + '\0';
+    if (IsPlain(text)) return TextChunk{kText, keyword + ToLatin1(text)};
+    // Not compressed, no language, no translated keyword.
+    return TextChunk{kInternationalText, keyword + std::string(4, '\0') + ToUtf8Bytes(text)};
+}
+
+}  // namespace orlix::png
