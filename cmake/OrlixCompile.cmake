@@ -1,9 +1,9 @@
-# Compiler settings that every target of the project shares.
+# Compiler settings that every target of the project shares. (Resources are compiled without them.)
 
 # Results are the same bits on every build: SSE2 arithmetic on 32-bit too, no fused multiply-add.
-add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Werror -ffp-contract=off)
+add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wconversion;-Wshadow;-Werror;-ffp-contract=off>")
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    add_compile_options(-msse2 -mfpmath=sse)
+    add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-msse2;-mfpmath=sse>")
 endif()
 if(ORLIX_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -5,9 +5,9 @@
 
 #include <orlix/com_ptr.hpp>
 
-#include "component/failure.hpp"
 #include "module/class_factory.hpp"
 #include "module/registration.hpp"
+#include "module/result_of.hpp"
 #include "platform/module_file.hpp"
 #include "platform/process_registry.hpp"
 
@@ -15,20 +15,6 @@ namespace orlix {
 namespace {
 
 std::once_flag registered;
-
-template <class Body>
-HRESULT ResultOf(Body&& body) noexcept {
-    try {
-        body();
-        return S_OK;
-    } catch (const FailedResult& failed) {
-        return failed.result();
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    } catch (...) {
-        return E_FAIL;
-    }
-}
 
 // The store of the process starts empty. The first look-up fills it, unless the client has registered or unregistered the
 // module itself by then.

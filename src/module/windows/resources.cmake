@@ -1,0 +1,38 @@
+# The resources of orlix.dll: type library, registration scripts, toolbox bitmap, version. And its exported names.
+set(idl ${PROJECT_SOURCE_DIR}/idl/orlix.idl)
+set(ORLIX_TYPE_LIBRARY ${CMAKE_CURRENT_BINARY_DIR}/orlix.tlb)
+
+# What the interface description imports comes with Wine: its descriptions of the system's interfaces, and stdole2.tlb,
+# one file for both bit widths.
+find_path(ORLIX_IDL_IMPORTS oaidl.idl
+    PATHS /usr/include/wine/wine/windows /usr/include/wine/windows /usr/include/wine-development/wine/windows
+    NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+file(GLOB stdole /usr/lib/*/wine/*/stdole2.tlb /usr/lib/wine/*/stdole2.tlb /usr/lib/*/wine/stdole2.tlb)
+list(TRANSFORM stdole REPLACE "/stdole2.tlb$" "")
+find_path(ORLIX_TYPE_LIBRARY_IMPORTS stdole2.tlb
+    PATHS ${stdole} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+
+math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
+set(widl ${ORLIX_WIDL} -m${bits} -I ${ORLIX_IDL_IMPORTS} -L ${ORLIX_TYPE_LIBRARY_IMPORTS}
+    -t -o ${ORLIX_TYPE_LIBRARY} ${idl})
+add_custom_command(OUTPUT ${ORLIX_TYPE_LIBRARY}
+    COMMAND ${CMAKE_COMMAND} "-DCOMMAND=${widl}" -DOUTPUT=${ORLIX_TYPE_LIBRARY}
+            -P ${PROJECT_SOURCE_DIR}/cmake/RunWidl.cmake
+    DEPENDS ${idl} ${PROJECT_SOURCE_DIR}/cmake/RunWidl.cmake
+    COMMENT "Type library" VERBATIM)
+
+set(ORLIX_SCRIPT_RESOURCES "")
+foreach(script IN LISTS registration_scripts)
+    get_filename_component(name ${script} NAME)
+    string(REGEX MATCH "^[0-9]+" number ${name})
+    string(APPEND ORLIX_SCRIPT_RESOURCES "${number} REGISTRY \"${script}\"\n")
+endforeach()
+configure_file(${CMAKE_CURRENT_SOURCE_DIR}/module/windows/orlix.rc.in ${CMAKE_CURRENT_BINARY_DIR}/orlix.rc @ONLY)
+set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/orlix.rc PROPERTIES
+    OBJECT_DEPENDS "${ORLIX_TYPE_LIBRARY};${registration_scripts}")
+
+enable_language(RC)
+target_sources(orlix PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/orlix.rc ${CMAKE_CURRENT_SOURCE_DIR}/module/windows/orlix.def)
+# Callers look for the plain names; the 32-bit compiler decorates them.
+target_link_options(orlix PRIVATE -Wl,--enable-stdcall-fixup)
+set_target_properties(orlix PROPERTIES PREFIX "" OUTPUT_NAME orlix)
