@@ -1,0 +1,215 @@
+// Loading and saving as clients do it: what survives, what is reported, and that failures leave image and file as they were.
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "contract/support.hpp"
+
+namespace orlix::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+constexpr const char* kSource = "Orlix.Image.1";
+
+// A folder of the test's own, with characters beyond Latin-1 in its name.
+class ImageFiles : public ::testing::Test {
+protected:
+    void SetUp() override {
+        folder_ = std::filesystem::temp_directory_path() / std::filesystem::path(u8"orlix \u00B5m \u9762 \U0001F52C");
+        std::filesystem::remove_all(folder_);
+        std::filesystem::create_directories(folder_);
+    }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
+
+    std::string Path(const char* name) const {
+        const std::u8string path = (folder_ / name).u8string();
+        return {path.begin(), path.end()};
+    }
+    void Write(const char* name, const std::string& bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary) << bytes;
+    }
+    std::string Read(const char* name) const {
+        std::ifstream file(folder_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    size_t Files() const {
+        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
+    }
+    ComPtr<IImageVPAExPlus> Load(const char* name) const {
+        auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+        Check(image->CreateFromFile(Text(Path(name))), image);
+        return image;
+    }
+
+    std::filesystem::path folder_;
+};
+
+HRESULT Save(const ComPtr<IImageVPAExPlus>& image, const std::string& path, ImageFileFormat format = IFF_ByExtension) {
+    return Cast<IImageFile>(image)->SaveToFile(Text(path), format);
+}
+
+TEST_F(ImageFiles, PngKeepsPixelsCalibrationAndTexts) {
+    const auto image = ImageOf<uint16_t>(3, {0, 1, 256, 4095, 65534, 65535});
+    const auto file = Cast<IImageFile>(image);
+    ASSERT_EQ(S_OK, file->PutMicronsPerPixel(0.25, 0.5));
+    ASSERT_EQ(S_OK, image->put_Description(Text("polished steel")));
+    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Author"), Text("caf\xC3\xA9")));
+    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Comment"), Text("\xE9\x9D\xA2")));
+    ASSERT_EQ(S_OK, file->SaveToFile(Text(Path("a.PNG")), IFF_ByExtension));
+
+    const auto loaded = Load("a.PNG");
+    EXPECT_THAT(PixelsOf<uint16_t>(loaded), ElementsAre(0, 1, 256, 4095, 65534, 65535));
+    const auto read = Cast<IImageFile>(loaded);
+    double x = 0, y = 0;
+    EXPECT_EQ(S_OK, read->GetMicronsPerPixel(&x, &y));
+    EXPECT_DOUBLE_EQ(0.25, x);
+    EXPECT_DOUBLE_EQ(0.5, y);
+    Text description;
+    ASSERT_EQ(S_OK, loaded->get_Description(description.Out()));
+    EXPECT_EQ("polished steel", description.Utf8());
+    LONG entries = 0;
+    ASSERT_EQ(S_OK, read->get_NumberOfTextEntries(&entries));
+    ASSERT_EQ(2, entries);
+    for (const auto& [index, keyword, text] :
+         {std::tuple{0, "Author", "caf\xC3\xA9"}, {1, "Comment", "\xE9\x9D\xA2"}}) {
+        Text gotKeyword, gotText;
+        ASSERT_EQ(S_OK, read->GetTextEntry(index, gotKeyword.Out(), gotText.Out()));
+        EXPECT_EQ(keyword, gotKeyword.Utf8());
+        EXPECT_EQ(text, gotText.Utf8());
+    }
+    ASSERT_EQ(S_OK, read->SaveToFile(Text(Path("b.png")), IFF_PNG));
+    EXPECT_EQ(Read("a.PNG"), Read("b.png"));
+    EXPECT_EQ(2u, Files());
+}
+
+TEST_F(ImageFiles, EachFormatGivesBackWhatItHolds) {
+    const auto grey = ImageOf<uint8_t>(2, {1, 2, 3, 255});
+    const auto colour = NewImage<uint16_t>(1, 2, 3);
+    for (LONG band = 0; band < 3; ++band) Rows<uint16_t>(colour, band)[1].front() = static_cast<uint16_t>(1000 + band);
+    for (const char* const name : {"g.png", "g.pgm", "c.png", "c.ppm"}) {
+        const bool isGrey = name[0] == 'g';
+        ASSERT_EQ(S_OK, Save(isGrey ? grey : colour, Path(name))) << name;
+        const auto loaded = Load(name);
+        if (isGrey)
+            EXPECT_THAT(PixelsOf<uint8_t>(loaded), ElementsAre(1, 2, 3, 255)) << name;
+        else
+            EXPECT_THAT(PixelsOf<uint16_t>(loaded, 2), ElementsAre(0, 1002)) << name;
+    }
+    ASSERT_EQ(S_OK, Save(grey, Path("plain.txt"), IFF_PlainPGM));  // content decides on loading
+    EXPECT_THAT(PixelsOf<uint8_t>(Load("plain.txt")), ElementsAre(1, 2, 3, 255));
+}
+
+TEST_F(ImageFiles, FailedLoadsLeaveTheImageAsItWas) {
+    const auto image = ImageOf<uint16_t>(2, {5, 6});
+    ASSERT_EQ(S_OK, Save(image, Path("whole.png")));
+    const std::string whole = Read("whole.png");
+    Write("cut.png", whole.substr(0, whole.size() - 20));
+    Write("header.pgm", "P5\nten 10\n255\n");
+    Write("header.ppm", "P6\n10\n");
+    Write("unknown.png", "GIF89a and more");
+    Write("empty.png", "");
+    std::string bmp = "BM" + std::string(52, '\0');
+    bmp[14] = 40, bmp[18] = 1, bmp[22] = 1, bmp[26] = 1, bmp[28] = 24;
+    Write("deep.bmp", bmp);
+    bmp[28] = 8, bmp[30] = 1;
+    Write("packed.bmp", bmp);
+    struct Case {
+        const char* name;
+        const char* text;
+    };
+    for (const Case& c :
+         {Case{"missing.png", "IImageVPAEx::CreateFromFile: failed to open file."},
+          Case{".", "IImageVPAEx::CreateFromFile: failed to open file."},
+          Case{"header.pgm", "IImageVPAEx::CreateFromFile: problems reading pgm header"},
+          Case{"header.ppm", "IImageVPAEx::CreateFromFile: problems reading ppm header"},
+          Case{"unknown.png", "IImageVPAEx::CreateFromFile: unknown file format."},
+          Case{"empty.png", "IImageVPAEx::CreateFromFile: unknown file format."},
+          Case{"deep.bmp",
+               "IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported."},
+          Case{"packed.bmp", "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported."}})
+        EXPECT_TRUE(Fails(image->CreateFromFile(Text(Path(c.name))), c.text, kSource, DISP_E_EXCEPTION)) << c.name;
+    EXPECT_EQ(DISP_E_EXCEPTION, image->CreateFromFile(Text(Path("cut.png"))));
+    EXPECT_NE("", TakeReported().text);
+    EXPECT_EQ(DISP_E_EXCEPTION, image->CreateFromFile(nullptr));
+    EXPECT_THAT(PixelsOf<uint16_t>(image), ElementsAre(5, 6));
+}
+
+TEST_F(ImageFiles, RefusedSavesLeaveTheOldFileAsItWas) {
+    Write("old.png", "the old content");
+    struct Case {
+        ComPtr<IImageVPAExPlus> image;
+        const char* name;
+        ImageFileFormat format;
+        const char* text;
+    };
+    const Case cases[] = {
+        {CreateObject<IImageVPAExPlus>("Orlix.Image"), "old.png", IFF_PNG, "IImageFile::SaveToFile: no image."},
+        {NewImage<uint8_t>(1, 1), "old.jpeg", IFF_ByExtension, "IImageFile::SaveToFile: unknown file format."},
+        {NewImage<uint8_t>(1, 1), "old.png", IFF_BMP, "IImageFile::SaveToFile: unknown file format."},
+        {NewImage<float>(1, 1), "old.png", IFF_PNG,
+         "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."},
+        {NewImage<uint32_t>(1, 1), "old.png", IFF_PGM,
+         "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."},
+        {NewImage<uint8_t>(1, 1, 2), "old.png", IFF_PNG,
+         "IImageFile::SaveToFile: the format does not hold this number of bands."},
+        {NewImage<uint8_t>(1, 1, 3), "old.png", IFF_PGM,
+         "IImageFile::SaveToFile: the format does not hold this number of bands."},
+        {NewImage<uint8_t>(1, 1), "no/such/folder.png", IFF_PNG, "IImageFile::SaveToFile: failed to write file."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_TRUE(Fails(Cast<IImageFile>(c.image)->SaveToFile(Text(Path(c.name)), c.format), c.text, kSource));
+        EXPECT_EQ("the old content", Read("old.png"));
+    }
+    EXPECT_EQ(1u, Files());
+}
+
+TEST(ImageFileProperties, AreChecked) {
+    const auto image = NewImage<uint8_t>(1, 1);
+    const auto file = Cast<IImageFile>(image);
+    double x = 9, y = 9;
+    EXPECT_EQ(S_FALSE, file->GetMicronsPerPixel(&x, &y));
+    EXPECT_EQ(0, x);
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const auto& [badX, badY] : {std::pair{0.0, 1.0}, {-1.0, 1.0}, {1.0, infinity}, {infinity - infinity, 1.0}})
+        EXPECT_TRUE(Fails(file->PutMicronsPerPixel(badX, badY),
+                          "IImageFile::PutMicronsPerPixel: the pixel size must be positive.", kSource));
+    ASSERT_EQ(S_OK, file->PutMicronsPerPixel(2, 3));
+    const auto part = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    ASSERT_EQ(S_OK, part->CreateFromSubImage(image.get(), 0, 0, 0, 0, 0));
+    EXPECT_EQ(S_OK, Cast<IImageFile>(part)->GetMicronsPerPixel(&x, &y));
+    EXPECT_EQ(3, y);
+    ASSERT_EQ(S_OK, file->PutMicronsPerPixel(0, 0));
+    EXPECT_EQ(S_FALSE, file->GetMicronsPerPixel(&x, &y));
+
+    for (const char* const bad : {"", " a", "a ", "a  b", "a\tb", "\xE9\x9D\xA2"})
+        EXPECT_TRUE(
+            Fails(file->PutTextEntry(Text(bad), Text("x")), "IImageFile::PutTextEntry: invalid keyword.", kSource));
+    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Lens"), Text("50x")));
+    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Lens"), Text("100x")));
+    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Description"), Text("seen")));
+    LONG entries = 0;
+    ASSERT_EQ(S_OK, file->get_NumberOfTextEntries(&entries));
+    EXPECT_EQ(1, entries);
+    Text description, keyword, text;
+    ASSERT_EQ(S_OK, image->get_Description(description.Out()));
+    EXPECT_EQ("seen", description.Utf8());
+    for (const LONG index : {LONG{-1}, LONG{1}})
+        EXPECT_TRUE(Fails(file->GetTextEntry(index, keyword.Out(), text.Out()),
+                          "IImageFile::GetTextEntry: Index is out of range.", kSource));
+    ASSERT_EQ(S_OK, file->GetTextEntry(0, keyword.Out(), text.Out()));
+    EXPECT_EQ("100x", text.Utf8());
+    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Lens"), nullptr));
+    ASSERT_EQ(S_OK, file->get_NumberOfTextEntries(&entries));
+    EXPECT_EQ(0, entries);
+    EXPECT_EQ(E_POINTER, file->GetMicronsPerPixel(&x, nullptr));
+    EXPECT_EQ(E_POINTER, file->get_NumberOfTextEntries(nullptr));
+    EXPECT_EQ(E_POINTER, file->GetTextEntry(0, nullptr, text.Out()));
+}
+
+}  // namespace
+}  // namespace orlix::testing

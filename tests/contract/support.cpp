@@ -1,0 +1,96 @@
+#include "contract/support.hpp"
+
+#include <cstdlib>
+
+namespace orlix::testing {
+namespace {
+[[maybe_unused]] ::testing::Environment* const apartment = ::testing::AddGlobalTestEnvironment(new Apartment);
+}
+
+void Apartment::SetUp() {
+#ifdef _WIN32
+    ASSERT_EQ(S_OK, CoInitialize(nullptr));
+#endif
+}
+
+void Apartment::TearDown() {
+#ifdef _WIN32
+    CoUninitialize();
+#endif
+}
+
+Reported TakeReported() {
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Out()) != S_OK) return {};
+    Text text;
+    Text source;
+    info->GetDescription(text.Out());
+    info->GetSource(source.Out());
+    return {text.Utf8(), source.Utf8()};
+}
+
+::testing::AssertionResult Fails(HRESULT result, const char* text, const char* source, HRESULT expected) {
+    const Reported reported = TakeReported();
+    if (result == expected && reported.text == text && reported.source == source) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "result 0x" << std::hex << static_cast<uint32_t>(result) << ", text \""
+                                         << reported.text << "\", source \"" << reported.source << "\"";
+}
+
+::testing::AssertionResult FailsSilently(HRESULT result, HRESULT expected) { return Fails(result, "", "", expected); }
+
+ULONG ReferencesOf(IUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+void ForeignImage::SetOffsets(const std::function<LONG(LONG)>& column, const std::function<LONG(LONG)>& row) {
+    const auto inside = [](LONG i, LONG length) {
+        if (length == 1) return LONG{0};
+        const LONG folded = std::abs(i) % (2 * (length - 1));
+        return std::min(folded, 2 * (length - 1) - folded);
+    };
+    const LONG longer = std::max(width, height);
+    table.clear();
+    for (LONG i = -200; i < longer + 200; ++i) table.push_back({column(inside(i, width)), row(inside(i, height))});
+}
+
+HRESULT ForeignImage::QueryInterface(REFIID iid, void** object) noexcept {
+    *object = nullptr;
+    if (iid != __uuidof(IUnknown) && iid != __uuidof(IImageVPA)) return E_NOINTERFACE;
+    *object = static_cast<IImageVPA*>(this);
+    AddRef();
+    return S_OK;
+}
+
+ULONG ForeignImage::Release() noexcept {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+}
+
+HRESULT ForeignImage::Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight) noexcept {
+    *outBands = bands;
+    *outWidth = width;
+    *outHeight = height;
+    return dimensionsResult;
+}
+
+HRESULT ForeignImage::DataType(LONG, LONG* outType) noexcept {
+    *outType = type;
+    return typeResult;
+}
+
+HRESULT ForeignImage::VPA(LONG, void** outBase, VPAEntry** outTable) noexcept {
+    *outBase = base;
+    *outTable = nullTable || table.empty() ? nullptr : table.data() + 200;
+    height += growAfterVpa;
+    if (onVpa) onVpa();
+    return vpaResult;
+}
+
+HRESULT ForeignImage::GetCoords(TCoordinateMap* map) noexcept {
+    *map = {7, 8, {1, 2, 3, 4}};
+    return coordsResult;
+}
+
+}  // namespace orlix::testing

@@ -1,0 +1,105 @@
+// What client tests share: creation of the objects under their registered names, reported texts, images of other
+// components.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <orlix/client.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orlix::testing {
+
+// Initialises the component runtime for the thread of the tests (Windows).
+class Apartment : public ::testing::Environment {
+public:
+    void SetUp() override;
+    void TearDown() override;
+};
+
+// Takes the thread's error information: its text, and where it came from. Both empty when there is none.
+struct Reported {
+    std::string text;
+    std::string source;
+};
+Reported TakeReported();
+
+// The call failed with the result and reported the text in the name of the source.
+::testing::AssertionResult Fails(HRESULT result, const char* text, const char* source, HRESULT expected = E_FAIL);
+// The call failed with the result and reported nothing.
+::testing::AssertionResult FailsSilently(HRESULT result, HRESULT expected = E_FAIL);
+
+ULONG ReferencesOf(IUnknown* object);
+
+template <class Pixel>
+constexpr LONG kTypeOf = 0;
+template <>
+inline constexpr LONG kTypeOf<uint8_t> = DT_BYTE;
+template <>
+inline constexpr LONG kTypeOf<uint16_t> = DT_WORD;
+template <>
+inline constexpr LONG kTypeOf<uint32_t> = DT_DWORD;
+template <>
+inline constexpr LONG kTypeOf<float> = DT_Float;
+
+// A cleared image.
+template <class Pixel>
+ComPtr<IImageVPAExPlus> NewImage(LONG width, LONG height, LONG bands = 1) {
+    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    Check(image->Create(width, height, bands, kTypeOf<Pixel>, 1), image);
+    return image;
+}
+
+// An image of one row, or of several: the pixels row by row.
+template <class Pixel>
+ComPtr<IImageVPAExPlus> ImageOf(LONG width, const std::vector<Pixel>& pixels) {
+    auto image = NewImage<Pixel>(width, static_cast<LONG>(pixels.size()) / width);
+    size_t i = 0;
+    for (const auto row : Rows<Pixel>(image))
+        for (Pixel& pixel : row) pixel = pixels[i++];
+    return image;
+}
+
+template <class Pixel, class I>
+std::vector<Pixel> PixelsOf(const ComPtr<I>& image, LONG band = 0) {
+    std::vector<Pixel> pixels;
+    for (const auto row : Rows<Pixel>(image, band)) pixels.insert(pixels.end(), row.begin(), row.end());
+    return pixels;
+}
+
+// An image of another component: what each method does can be changed. The sample offsets need not be those of this
+// library, see Interleaved().
+class ForeignImage final : public IImageVPA {
+public:
+    static ComPtr<ForeignImage> Make() { return ComPtr<ForeignImage>::Attach(new ForeignImage); }
+
+    LONG bands = 1, width = 1, height = 1, type = DT_BYTE;
+    void* base = nullptr;
+    std::vector<VPAEntry> table;  // margin included
+    HRESULT dimensionsResult = S_OK, typeResult = S_OK, vpaResult = S_OK, coordsResult = S_OK;
+    bool nullTable = false;
+    LONG growAfterVpa = 0;  // added to the height once VPA was called
+    std::function<void()> onVpa;
+
+    // Offsets of a table of the size, from the given functions of the in-range column and row.
+    void SetOffsets(const std::function<LONG(LONG)>& column, const std::function<LONG(LONG)>& row);
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() noexcept override;
+    STDMETHODIMP Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight) noexcept override;
+    STDMETHODIMP DataType(LONG, LONG* outType) noexcept override;
+    STDMETHODIMP VPA(LONG band, void** outBase, VPAEntry** outTable) noexcept override;
+    STDMETHODIMP GetCoords(TCoordinateMap* map) noexcept override;
+    STDMETHODIMP SetCoords(TCoordinateMap) noexcept override { return S_OK; }
+
+private:
+    ForeignImage() = default;
+    ~ForeignImage() = default;
+    ULONG references_ = 1;
+};
+
+}  // namespace orlix::testing
