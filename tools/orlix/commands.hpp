@@ -1,0 +1,21 @@
+// The commands of the program. Each adds itself to the parser and runs when it was named.
+#pragma once
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace tool {
+
+// Returns the program's exit code; may throw UsageError, orlix::Error or std::exception, which the caller reports.
+using Command = std::function<int()>;
+
+Command AddMeasure(CLI::App& program);
+Command AddInfo(CLI::App& program);
+Command AddConvert(CLI::App& program);
+Command AddSpecimen(CLI::App& program);
+Command AddDoctor(CLI::App& program);
+
+}  // namespace tool

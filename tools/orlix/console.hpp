@@ -1,0 +1,61 @@
+// The world outside: arguments, files, the terminal. Text is UTF-8 throughout, file names too, on every platform.
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+enum ExitCode {
+    kDone = 0,
+    kFailed = 1,   // a file could not be read, measured or written; the others of the batch were
+    kUsage = 2,    // the command line is wrong; nothing was done
+    kNoModule = 3  // the library's objects cannot be created
+};
+
+// The command line asks for something that cannot be meant.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// The arguments without the program's name. On Windows they come as UTF-16 from the system, and * and ? in the last part of
+// a path stand for the files that match, as no shell has done it there.
+std::vector<std::string> Arguments(int argc, char** argv);
+
+// For the life of the program: starts the component library of the system where there is one, and makes standard output take
+// bytes as they are.
+class Session {
+public:
+    Session();
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+};
+
+std::filesystem::path Path(std::string_view utf8);
+std::string Utf8(const std::filesystem::path& path);  // with / between the parts
+
+std::string ReadFile(const std::filesystem::path& path);                      // throws std::runtime_error
+void WriteFile(const std::filesystem::path& path, std::string_view content);  // as well
+
+// "3 of 20 [=====>     ] name" on standard error while it lasts; nothing unless that is a terminal and there are several.
+class Progress {
+public:
+    explicit Progress(size_t total);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    void Next(std::string_view name);
+    void Say(std::string_view line);  // a line of its own on standard error, in any case
+
+private:
+    void Clear();
+    size_t total_;
+    size_t done_ = 0;
+    bool shown_;
+};
+
+}  // namespace tool

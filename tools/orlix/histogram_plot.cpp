@@ -1,0 +1,183 @@
+#include "histogram_plot.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+constexpr double kWidth = 960, kLeft = 64, kPlotHeight = 260, kRow = 20,
+                 kCharacter = 7.2;  // at 12.5 units of font size
+
+struct Mark {
+    double x = 0;  // grey level
+    std::string label;
+    bool chosen = false;
+    double at = 0;  // across the drawing
+    int row = 0;    // above the plot, 0 the lowest
+    double Width() const { return static_cast<double>(label.size()) * kCharacter + 10; }
+};
+
+std::string Level(double value) { return Rounded(value, value == std::floor(value) ? 0 : 1); }
+
+std::vector<Mark> Marks(const Json& measurement, double low, double high) {
+    std::vector<Mark> marks;
+    const auto add = [&](double x, const std::string& label, bool chosen) {
+        if (x >= low && x <= high) marks.push_back({x, label + " " + Level(x), chosen, 0, 0});
+    };
+    for (const Json& entry : measurement["thresholds"]) {
+        const std::string label = entry["label"];
+        const bool chosen = entry["chosen"];
+        add(NumberAt(entry, "threshold"), label, chosen);
+        add(NumberAt(entry, "left"), label + " left", chosen);
+        add(NumberAt(entry, "right"), label + " right", chosen);
+    }
+    if (measurement["phase"]["method"] == "levels") {
+        const Json& luminance = measurement["luminance"];
+        const double lower = NumberAt(measurement, "phase.lower"), upper = NumberAt(measurement, "phase.upper");
+        if (lower > NumberAt(luminance, "lower")) add(lower, "from", true);
+        if (upper < NumberAt(luminance, "upper")) add(upper, "to", true);
+    }
+    std::stable_sort(marks.begin(), marks.end(), [](const Mark& a, const Mark& b) { return a.x < b.x; });
+    return marks;
+}
+
+// A label stands to the right of its line. So that no line on its way down runs through another's label, a label whose text
+// reaches over the next lines stands above theirs: rows fall from left to right. Returns how far the last label sticks out.
+double Arrange(std::vector<Mark>& marks, double low, double high, double width) {
+    double over = 0;
+    for (size_t i = marks.size(); i-- > 0;) {
+        Mark& mark = marks[i];
+        mark.at = kLeft + (mark.x - low) / (high - low) * width;
+        mark.row = 0;
+        for (size_t k = i + 1; k < marks.size() && marks[k].at < mark.at + mark.Width(); ++k)
+            mark.row = std::max(mark.row, marks[k].row + 1);
+        over = std::max(over, mark.at + mark.Width() - kWidth);
+    }
+    return over;
+}
+
+// 1, 2 or 5 times a power of ten, so that about `wanted` steps cover the range.
+double TickStep(double range, double wanted) {
+    double step = 1;
+    while (step * 10 <= range / wanted) step *= 10;
+    while (step > range / wanted && step > 1e-12) step /= 10;
+    for (const double factor : {5.0, 2.0})
+        if (step * factor <= range / wanted) return step * factor;
+    return step;
+}
+
+std::string Coordinate(double value) { return Rounded(value, 1); }
+
+std::string Line(double x1, double y1, double x2, double y2, const std::string& style) {
+    return "<line x1='" + Coordinate(x1) + "' y1='" + Coordinate(y1) + "' x2='" + Coordinate(x2) + "' y2='" +
+           Coordinate(y2) + "' " + style + "/>\n";
+}
+
+std::string Label(double x, double y, const std::string& style, const std::string& text) {
+    return "<text x='" + Coordinate(x) + "' y='" + Coordinate(y) + "' " + style + ">" + Escaped(text) + "</text>\n";
+}
+
+}  // namespace
+
+std::string HistogramPlot(const Json& measurement) {
+    const Json& histogram = measurement["histogram"];
+    const auto counts = histogram["counts"].get<std::vector<double>>();
+    const double first = histogram["firstBin"], step = histogram["binWidth"];
+    double low = first - step / 2, high = low + step * static_cast<double>(counts.size());
+    if (!(high > low)) high = low + 1;
+
+    std::vector<Mark> marks = Marks(measurement, low, high);
+    double width = kWidth - kLeft - 20;
+    for (double over = Arrange(marks, low, high, width); over > 0.5; over = Arrange(marks, low, high, width))
+        width -= over;
+    int rows = 0;
+    for (const Mark& mark : marks) rows = std::max(rows, mark.row + 1);
+    const double top = 14 + rows * kRow, bottom = top + kPlotHeight, right = kLeft + width;
+    const auto across = [&](double grey) { return kLeft + std::clamp((grey - low) / (high - low), 0.0, 1.0) * width; };
+
+    // One column a unit of the drawing is enough: neighbouring bins share it and show their largest count.
+    const size_t columns = std::min(counts.size(), static_cast<size_t>(width));
+    std::vector<double> heights(columns, 0);
+    for (size_t i = 0; i < counts.size(); ++i) {
+        double& height = heights[i * columns / counts.size()];
+        height = std::max(height, counts[i]);
+    }
+    std::vector<double> sorted = heights;
+    std::sort(sorted.begin(), sorted.end());
+    const double peak = sorted.back(), second = sorted.size() > 1 ? sorted[sorted.size() - 2] : peak;
+    const bool cut = second > 0 && peak > 2.5 * second;
+    const double full = std::max(cut ? 1.25 * second : 1.04 * peak, 1.0);
+    const auto up = [&](double count) { return bottom - std::min(count / full, 1.0) * kPlotHeight; };
+    const auto upLogarithmic = [&](double count) {
+        return bottom - (count > 0 ? std::log(count + 1) / std::log(peak + 1) : 0.0) * kPlotHeight;
+    };
+    const auto column = [&](size_t i) {
+        return Coordinate(kLeft + width * static_cast<double>(i) / static_cast<double>(columns));
+    };
+    const auto outline = [&](const auto& height) {
+        std::string path = "M" + Coordinate(kLeft) + " " + Coordinate(bottom);
+        for (size_t i = 0; i < columns; ++i) path += "V" + Coordinate(height(heights[i])) + "H" + column(i + 1);
+        return path + "V" + Coordinate(bottom) + "Z";
+    };
+
+    std::string svg = "<svg class='histogram' viewBox='0 0 " + Coordinate(kWidth) + " " + Coordinate(bottom + 46) +
+                      "' role='img' aria-label='Histogram with thresholds'>\n";
+
+    // The side of the phase: everything of the plot between its levels.
+    const double lower = NumberAt(measurement, "phase.lower"), upper = NumberAt(measurement, "phase.upper");
+    const bool whole = measurement["type"] != "float";
+    const double phaseLeft = across(std::isnan(lower) ? low : whole ? lower - 0.5 : lower);
+    const double phaseRight = across(std::isnan(upper) ? high : whole ? upper + 0.5 : upper);
+    if (phaseRight > phaseLeft) {
+        svg += "<rect x='" + Coordinate(phaseLeft) + "' y='" + Coordinate(top) + "' width='" +
+               Coordinate(phaseRight - phaseLeft) + "' height='" + Coordinate(kPlotHeight) +
+               "' fill='var(--phase)' opacity='0.13'/>\n";
+        svg += "<clipPath id='phase'><rect x='" + Coordinate(phaseLeft) + "' y='0' width='" +
+               Coordinate(phaseRight - phaseLeft) + "' height='" + Coordinate(bottom) + "'/></clipPath>\n";
+    }
+
+    const double yStep = std::max(TickStep(full, 4), 1.0);
+    for (double tick = 0; tick <= full; tick += yStep) {
+        svg += Line(kLeft, up(tick), right, up(tick), "stroke='var(--grid)'");
+        svg += Label(kLeft - 8, up(tick) + 4, "text-anchor='end' class='tick'", Rounded(tick, 0));
+    }
+    const std::string linear = outline(up);
+    svg += "<path d='" + outline(upLogarithmic) + "' fill='var(--fill)' opacity='0.22'/>\n";
+    svg += "<path d='" + linear + "' fill='var(--fill)'/>\n";
+    if (phaseRight > phaseLeft) svg += "<path d='" + linear + "' fill='var(--phase)' clip-path='url(#phase)'/>\n";
+    if (cut) {
+        const size_t at = static_cast<size_t>(std::max_element(heights.begin(), heights.end()) - heights.begin());
+        const double x = kLeft + width * (static_cast<double>(at) + 0.5) / static_cast<double>(columns);
+        const bool leftward = x > kLeft + width / 2;
+        svg += Label(x + (leftward ? -8 : 8), top + 14, leftward ? "text-anchor='end' class='tick'" : "class='tick'",
+                     "peak of " + Rounded(peak, 0) + " cut off");
+    }
+
+    svg += Line(kLeft, bottom, right, bottom, "stroke='var(--muted)'");
+    const double xStep = TickStep(high - low, 8);
+    const int digits = xStep >= 1 ? 0 : static_cast<int>(std::ceil(-std::log10(xStep)));
+    for (double k = std::ceil(low / xStep); k * xStep <= high; k += 1) {
+        const double tick = k * xStep;
+        svg += Line(across(tick), bottom, across(tick), bottom + 5, "stroke='var(--muted)'");
+        svg += Label(across(tick), bottom + 20, "text-anchor='middle' class='tick'", Rounded(tick, digits));
+    }
+    svg += Label(kLeft + width / 2, bottom + 40, "text-anchor='middle' class='axis'", "grey level");
+    svg += "<text transform='translate(13 " + Coordinate((top + bottom) / 2) +
+           ") rotate(-90)' text-anchor='middle' class='axis'>pixels</text>\n";
+
+    for (const Mark& mark : marks) {
+        const double y = top - 6 - mark.row * kRow;
+        const std::string colour = mark.chosen ? "var(--accent)" : "var(--ink)";
+        svg += Line(
+            mark.at, y - 11, mark.at, bottom,
+            "stroke='" + colour + (mark.chosen ? "' stroke-width='2.2'" : "' stroke-width='1' stroke-dasharray='4 3'"));
+        svg += Label(mark.at + 5, y, mark.chosen ? "class='mark chosen'" : "class='mark'", mark.label);
+    }
+    return svg + "</svg>\n";
+}
+
+}  // namespace tool

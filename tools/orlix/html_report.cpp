@@ -1,0 +1,281 @@
+#include "html_report.hpp"
+
+#include "histogram_plot.hpp"
+
+#include <cmath>
+
+namespace tool {
+
+namespace {
+
+constexpr char kStyle[] = R"(
+:root{color-scheme:light dark;--page:#f4f5f7;--card:#fff;--ink:#1c2430;--muted:#66707f;--grid:#e3e6eb;--fill:#8793a5;
+--phase:#f06400;--accent:#c24d00;--line:#e3e6eb;--soft:#fff4ec;--region:#00a3d4}
+@media(prefers-color-scheme:dark){:root{--page:#14171c;--card:#1d2229;--ink:#e6e9ee;--muted:#98a2b1;--grid:#2f3640;
+--fill:#7b8798;--phase:#ff7a1f;--accent:#ff9447;--line:#2f3640;--soft:#2b2420;--region:#2cc4f2}}
+*{box-sizing:border-box}
+body{margin:0;background:var(--page);color:var(--ink);font:15px/1.5 system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",
+Arial,"Liberation Sans",sans-serif}
+main{max-width:1120px;margin:0 auto;padding:28px 24px 48px}
+header{display:flex;flex-wrap:wrap;gap:4px 24px;align-items:baseline;justify-content:space-between;margin-bottom:16px}
+h1{font-size:25px;line-height:1.25;margin:0;font-weight:650;overflow-wrap:anywhere}
+h2{font-size:16px;margin:0 0 12px;font-weight:650}
+.sub{color:var(--muted)}
+.cards{display:grid;grid-template-columns:repeat(auto-fit,minmax(210px,1fr));gap:14px;margin:0 0 16px}
+.card,section{background:var(--card);border:1px solid var(--line);border-radius:10px}
+.card{padding:13px 16px}
+.card b{display:block;font-size:25px;line-height:1.3;font-weight:650;font-variant-numeric:tabular-nums}
+.card span{color:var(--muted);font-size:13px}
+.card.main{border-color:var(--phase);background:var(--soft)}
+.card.main b{color:var(--accent)}
+section{padding:18px 20px;margin:0 0 16px}
+.pictures{display:grid;grid-template-columns:1fr 1fr;gap:16px}
+figure{margin:0}
+figure img{display:block;width:100%;height:auto;border-radius:6px;border:1px solid var(--line);background:#000}
+figcaption{color:var(--muted);font-size:13px;margin-top:7px}
+.key{display:inline-block;width:11px;height:11px;border-radius:3px;margin-right:6px;vertical-align:-1px}
+svg.histogram{display:block;width:100%;height:auto}
+svg text{font:12.5px system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",Arial,"Liberation Sans",sans-serif;fill:var(--ink)}
+svg .tick,svg .axis{fill:var(--muted);font-size:12px}
+svg .chosen{fill:var(--accent);font-weight:700}
+table{border-collapse:collapse;width:100%;font-variant-numeric:tabular-nums}
+th,td{padding:6px 10px;border-bottom:1px solid var(--line);text-align:left;vertical-align:top}
+th{color:var(--muted);font-size:13px;font-weight:600}
+tr:last-child td,tr:last-child th[scope=row]{border-bottom:0}
+td.n,th.n{text-align:right;white-space:nowrap}
+tr.chosen td{background:var(--soft);font-weight:650}
+tr.chosen td:first-child{box-shadow:inset 3px 0 var(--phase)}
+td small{color:var(--muted);font-weight:400;font-size:13px}
+.two{display:grid;grid-template-columns:1fr 1fr;gap:0 40px}
+.two th{width:50%}
+.bar{position:relative;height:8px;border-radius:4px;background:var(--grid);min-width:90px;margin-top:8px;overflow:hidden}
+.bar i{position:absolute;inset:0 auto 0 0;background:var(--phase)}
+.thumb img{width:132px;border-radius:4px;display:block}
+.error{color:#c62828}
+a{color:var(--accent)}
+footer{color:var(--muted);font-size:13px}
+.scroll{overflow-x:auto}
+@media(max-width:760px){.pictures,.two{grid-template-columns:1fr}main{padding:18px 12px}}
+@media print{:root{--page:#fff;--card:#fff;--ink:#000;--muted:#444;--grid:#ddd;--fill:#8a8f98;--phase:#f06400;--accent:#a64200;
+--line:#ccc;--soft:#fff;color-scheme:light}body{font-size:11px;print-color-adjust:exact;-webkit-print-color-adjust:exact}
+main{max-width:none;padding:0}section,.card,figure,tr{break-inside:avoid}section{padding:10px 12px;margin-bottom:10px}
+.card b{font-size:18px}h1{font-size:19px}@page{margin:14mm}}
+)";
+
+std::string Page(const std::string& title, const std::string& body, const std::string& version) {
+    return "<!DOCTYPE html>\n<html lang='en'>\n<head>\n<meta charset='utf-8'>\n"
+           "<meta name='viewport' content='width=device-width,initial-scale=1'>\n<title>" +
+           Escaped(title) + "</title>\n<style>" + kStyle + "</style>\n</head>\n<body>\n<main>\n" + body +
+           "<footer>Measured with Orlix " + Escaped(version) + "</footer>\n</main>\n</body>\n</html>\n";
+}
+
+// Five significant digits or so, never more than whole numbers need.
+std::string Significant(double value) {
+    const double size = std::fabs(value);
+    if (size != 0 && (size < 1e-4 || size >= 1e12)) return Number(value);
+    return Rounded(value, size >= 10000 || size == 0 ? (value == std::floor(value) ? 0 : 1)
+                          : size >= 100              ? 2
+                          : size >= 1                ? 3
+                                                     : 5);
+}
+
+std::string Plain(double value) { return value == std::floor(value) ? Rounded(value, 0) : Significant(value); }
+
+// 1 234 567: narrow blanks between groups of three.
+std::string Grouped(const std::string& digits) {
+    const size_t end = std::min(digits.find('.'), digits.size());
+    std::string out = digits.substr(end);
+    for (size_t i = end; i > 0; i -= std::min<size_t>(i, 3)) {
+        const size_t start = i > 3 ? i - 3 : 0;
+        out = digits.substr(start, i - start) + (out.empty() || i == end ? "" : "\u202f") + out;
+    }
+    return out;
+}
+
+std::string Percent(double fraction) { return Rounded(100 * fraction, 2) + "\u202f%"; }
+
+std::string SquareMicrons(double area) {
+    return area >= 1e6 ? Significant(area / 1e6) + " mm²" : Grouped(Significant(area)) + " µm²";
+}
+
+std::string Card(const std::string& value, const std::string& caption, bool main = false) {
+    return std::string("<div class='card") + (main ? " main" : "") + "'><b>" + value + "</b><span>" + caption +
+           "</span></div>\n";
+}
+
+std::string Row(const std::string& name, const std::string& value) {
+    return "<tr><th scope='row'>" + name + "</th><td class='n'>" + value + "</td></tr>\n";
+}
+
+std::string Calibration(const Json& m) {
+    if (Member(m, "micronsPerPixel").is_null()) return "not calibrated";
+    const double x = NumberAt(m, "micronsPerPixel.x"), y = NumberAt(m, "micronsPerPixel.y");
+    return Significant(x) + (x == y ? std::string() : " × " + Significant(y)) + " µm per pixel";
+}
+
+std::string PhaseLevels(const Json& m) {
+    const double lower = NumberAt(m, "phase.lower"), upper = NumberAt(m, "phase.upper");
+    if (lower > upper) return "no grey level";
+    return "grey " + (std::isnan(lower) ? std::string("…") : Plain(lower)) + " to " +
+           (std::isnan(upper) ? std::string("…") : Plain(upper));
+}
+
+std::string MethodLabel(const Json& m) {
+    for (const Json& entry : m["thresholds"])
+        if (entry["chosen"] == true) return entry["label"];
+    return "given levels";
+}
+
+std::string RegionText(const Json& m) {
+    const std::string shape = Member(m, "region.shape"), polarity = Member(m, "region.polarity");
+    return Escaped(shape) + (polarity == "inside" ? "" : ", " + polarity);
+}
+
+std::string Centroid(const Json& m, const std::string& group) {
+    const double x = NumberAt(m, group + ".xCentroid"), y = NumberAt(m, group + ".yCentroid");
+    return std::isnan(x) ? "–" : Rounded(x, 2) + ", " + Rounded(y, 2);
+}
+
+std::string ThresholdTable(const Json& m) {
+    std::string out =
+        "<div class='scroll'><table>\n<tr><th>Method</th><th class='n'>Threshold</th><th class='n'>Dark side</th>"
+        "<th class='n'>Bright side</th><th>Parameters</th></tr>\n";
+    for (const Json& entry : m["thresholds"]) {
+        out += entry["chosen"] == true ? "<tr class='chosen'>" : "<tr>";
+        out += "<td>" + Escaped(entry["label"].get<std::string>()) + " <small>" +
+               Escaped(entry["method"].get<std::string>()) + "</small></td>";
+        if (entry.contains("message")) {
+            out += "<td colspan='3' class='error'>" + Escaped(entry["message"].get<std::string>()) + "</td>";
+        } else {
+            const bool pair = entry.contains("left");
+            out += "<td class='n'>" +
+                   (pair ? Plain(NumberAt(entry, "left")) + " | " + Plain(NumberAt(entry, "right"))
+                         : Plain(NumberAt(entry, "threshold"))) +
+                   "</td><td class='n'>" + Percent(NumberAt(entry, "darkFraction")) + "</td><td class='n'>" +
+                   Percent(NumberAt(entry, "brightFraction")) + "</td>";
+        }
+        out += "<td><small>";
+        bool first = true;
+        for (const auto& [name, value] : entry["parameters"].items()) {
+            out += (first ? "" : ", ") + name + " " + Number(value.get<double>());
+            first = false;
+        }
+        if (entry.contains("note")) out += "; " + Escaped(entry["note"].get<std::string>());
+        out += "</small></td></tr>\n";
+    }
+    return out + "</table></div>\n";
+}
+
+std::string Values(const Json& m) {
+    const auto value = [&](const char* path) { return Plain(NumberAt(m, path)); };
+    std::string out = "<div class='two'><table>\n";
+    out += Row("Mean", value("grey.mean"));
+    out += Row("Standard deviation", value("grey.standardDeviation"));
+    out += Row("Minimum", value("grey.minimum"));
+    out += Row("Maximum", value("grey.maximum"));
+    out += Row("Median", value("grey.median"));
+    out += Row("Mode", value("grey.mode"));
+    out += Row("Skew", value("grey.skew"));
+    out += Row("Kurtosis", value("grey.kurtosis"));
+    out += Row("Entropy, nats", value("grey.entropy"));
+    out += Row("Centroid by grey, x, y", Centroid(m, "grey"));
+    out += "</table><table>\n";
+    out += Row("Size", value("width") + " × " + value("height") + " pixels");
+    out += Row("Type", Escaped(Member(m, "type").get<std::string>()));
+    out += Row("Band measured", value("band") + " of 0 to " + Rounded(NumberAt(m, "bands") - 1, 0));
+    out += Row("Calibration", Calibration(m));
+    out += Row("Region", RegionText(m));
+    out += Row("Pixels of the region", Grouped(value("region.pixels")));
+    if (Member(m, "region.areaSquareMicrons").is_number())
+        out += Row("Area of the region", SquareMicrons(NumberAt(m, "region.areaSquareMicrons")));
+    out += Row("Luminance range", value("luminance.lower") + " to " + value("luminance.upper"));
+    out += Row("Pixels outside that range", Grouped(value("histogram.pixelsOutside")));
+    out += Row("Histogram", value("histogram.bins") + " bins of " + value("histogram.binWidth"));
+    out += "</table></div>\n";
+    return out;
+}
+
+}  // namespace
+
+std::string ImageReport(const Json& m, const std::string& version, const std::string& imageUri,
+                        const std::string& overlayUri) {
+    const std::string name = m["file"];
+    const std::string polarity = Member(m, "phase.polarity");
+    std::string body = "<header><h1>" + Escaped(name) + "</h1><div class='sub'>" + Plain(NumberAt(m, "width")) + " × " +
+                       Plain(NumberAt(m, "height")) + " pixels, " + Escaped(m["type"].get<std::string>()) + ", " +
+                       Calibration(m) + "</div></header>\n";
+    body += "<div class='cards'>\n";
+    body += Card(Percent(NumberAt(m, "phase.areaFraction")),
+                 "area fraction, " + (polarity == "between" ? "chosen" : polarity) + " phase", true);
+    const bool calibrated = Member(m, "phase.areaSquareMicrons").is_number();
+    if (calibrated) body += Card(SquareMicrons(NumberAt(m, "phase.areaSquareMicrons")), "area of the phase");
+    body += Card(Grouped(Plain(NumberAt(m, "phase.pixels"))),
+                 "pixels of " + Grouped(Plain(NumberAt(m, "region.pixels"))) + " in the region");
+    body += Card(MethodLabel(m), PhaseLevels(m));
+    body += Card(Centroid(m, "phase"), "centroid of the phase, x, y in pixels");
+    body += "</div>\n";
+
+    body += "<section><div class='pictures'><figure><img alt='Image' src='" + imageUri +
+            "'><figcaption>Image, stretched for display</figcaption></figure><figure><img alt='Overlay' src='" +
+            overlayUri + "'><figcaption><span class='key' style='background:var(--phase)'></span>" +
+            (polarity == "between"  ? "Chosen"
+             : polarity == "bright" ? "Bright"
+                                    : "Dark") +
+            " phase";
+    if (Member(m, "region.shape") != "whole image")
+        body += " &nbsp; <span class='key' style='background:var(--region)'></span>Region " + RegionText(m);
+    body += "</figcaption></figure></div></section>\n";
+
+    body += "<section><h2>Histogram and thresholds</h2>\n" + HistogramPlot(m) +
+            "<div class='sub' style='font-size:13px'><span class='key' style='background:var(--phase)'></span>grey "
+            "levels of "
+            "the phase &nbsp; <span class='key' style='background:var(--fill);opacity:.35'></span>the same counts on a "
+            "logarithmic scale</div></section>\n";
+    body += "<section><h2>Automatic thresholds</h2>\n" + ThresholdTable(m) + "</section>\n";
+    body += "<section><h2>Grey levels and image</h2>\n" + Values(m) + "</section>\n";
+    return Page(name, body, version);
+}
+
+std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summary, const std::string& version) {
+    std::string body = "<header><h1>Area fraction of " + Rounded(NumberAt(summary, "measured"), 0) +
+                       " images</h1><div class='sub'>" + Rounded(NumberAt(summary, "failed"), 0) +
+                       " failed</div></header>\n";
+    if (summary.contains("areaFraction")) {
+        body += "<div class='cards'>\n";
+        body += Card(Percent(NumberAt(summary, "areaFraction.mean")), "mean area fraction", true);
+        body += Card(Percent(NumberAt(summary, "areaFraction.standardDeviation")), "standard deviation between images");
+        body += Card("± " + Percent(NumberAt(summary, "areaFraction.confidence95")), "95 % confidence of the mean");
+        body += Card(Percent(NumberAt(summary, "areaFraction.minimum")) + " – " +
+                         Percent(NumberAt(summary, "areaFraction.maximum")),
+                     "smallest and largest");
+        body += "</div>\n";
+    }
+    body +=
+        "<section class='scroll'><table>\n<tr><th>Overlay</th><th>Image</th><th class='n'>Area fraction</th>"
+        "<th class='n'>Area</th><th>Phase</th><th class='n'>Mean grey</th></tr>\n";
+    for (const BatchEntry& entry : entries) {
+        const Json& m = entry.measurement;
+        const std::string name = Escaped(m["file"].get<std::string>());
+        if (m.contains("error")) {
+            body += "<tr><td></td><td>" + name + "</td><td colspan='4' class='error'>" +
+                    Escaped(m["error"].get<std::string>()) + "</td></tr>\n";
+            continue;
+        }
+        const double fraction = NumberAt(m, "phase.areaFraction");
+        body += "<tr><td class='thumb'><img alt='' src='" + entry.overlayUri + "'></td><td>";
+        body += entry.reportName.empty() ? name : "<a href='" + Escaped(entry.reportName) + "'>" + name + "</a>";
+        body += "<br><small class='sub'>" + Plain(NumberAt(m, "width")) + " × " + Plain(NumberAt(m, "height")) + ", " +
+                m["type"].get<std::string>() + ", " + Calibration(m) + "</small></td><td class='n'>" +
+                Percent(fraction) + "<div class='bar'><i style='width:" + Rounded(100 * fraction, 1) +
+                "%'></i></div></td><td class='n'>" +
+                (Member(m, "phase.areaSquareMicrons").is_number()
+                     ? SquareMicrons(NumberAt(m, "phase.areaSquareMicrons"))
+                     : Grouped(Plain(NumberAt(m, "phase.pixels"))) + " pixels") +
+                "</td><td>" + MethodLabel(m) + "<br><small class='sub'>" + PhaseLevels(m) +
+                "</small></td><td class='n'>" + Plain(NumberAt(m, "grey.mean")) + "</td></tr>\n";
+    }
+    body += "</table></section>\n";
+    return Page("Area fractions", body, version);
+}
+
+}  // namespace tool

@@ -1,0 +1,100 @@
+// orlix info
+#include "commands.hpp"
+#include "console.hpp"
+#include "document.hpp"
+#include "measurement.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <orlix/client.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace tool {
+
+namespace {
+
+constexpr char kFooter[] = R"(
+Says how large each image is, of which type, how it is calibrated and which texts it carries.
+With --json: an array with an object for each image, in the order given.
+
+Examples:
+  orlix info section.png
+  orlix info --json *.png)";
+
+Json InfoOf(const std::string& file) {
+    auto image = orlix::CreateObject<IImageVPAExPlus>("Orlix.Image");
+    orlix::Check(image->CreateFromFile(orlix::Text(file)), image);
+    Json out;
+    out["file"] = Utf8(Path(file).filename());
+    LONG bands = 0, width = 0, height = 0, type = 0;
+    orlix::Check(image->Dimensions(&bands, &width, &height), image);
+    orlix::Check(image->DataType(0, &type), image);
+    out["width"] = width;
+    out["height"] = height;
+    out["bands"] = bands;
+    out["type"] = TypeName(type);
+
+    const auto imageFile = orlix::Cast<IImageFile>(image);
+    double x = 0, y = 0;
+    Json& size = out["micronsPerPixel"];
+    if (orlix::Check(imageFile->GetMicronsPerPixel(&x, &y), imageFile) == S_OK) {
+        size["x"] = x;
+        size["y"] = y;
+    }
+    Json& texts = out["texts"] = Json::object();
+    LONG count = 0;
+    orlix::Check(imageFile->get_NumberOfTextEntries(&count), imageFile);
+    for (LONG i = 0; i < count; ++i) {
+        orlix::Text keyword, text;
+        orlix::Check(imageFile->GetTextEntry(i, keyword.Out(), text.Out()), imageFile);
+        texts[keyword.Utf8()] = text.Utf8();
+    }
+    return out;
+}
+
+std::string TextOf(const Json& info) {
+    std::string out = info["file"].get<std::string>() + "\n  " + info["width"].dump() + " x " + info["height"].dump() +
+                      " pixels, " + info["type"].get<std::string>() + ", " + info["bands"].dump() +
+                      (info["bands"] == 1 ? " band" : " bands");
+    const Json& size = info["micronsPerPixel"];
+    if (size.is_null())
+        out += ", not calibrated\n";
+    else
+        out += ", " + Number(size["x"]) + " x " + Number(size["y"]) + " µm per pixel\n";
+    for (const auto& [keyword, text] : info["texts"].items())
+        out += "  " + keyword + ": " + text.get<std::string>() + "\n";
+    return out;
+}
+
+}  // namespace
+
+Command AddInfo(CLI::App& program) {
+    struct Options {
+        std::vector<std::string> files;
+        bool json = false;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = *program.add_subcommand("info", "Say what image files hold");
+    command.footer(kFooter);
+    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
+    command.add_flag("--json", options->json, "As JSON");
+    return [options] {
+        Json all = Json::array();
+        int code = kDone;
+        for (const std::string& file : options->files) try {
+                all.push_back(InfoOf(file));
+                if (!options->json) std::cout << TextOf(all.back());
+            } catch (const orlix::Error& error) {
+                if (error.result() == REGDB_E_CLASSNOTREG || error.result() == CO_E_CLASSSTRING) throw;
+                std::cerr << "orlix: " << file << ": " << error.what() << std::endl;
+                all.push_back({{"file", Utf8(Path(file).filename())}, {"error", error.what()}});
+                code = kFailed;
+            }
+        if (options->json) std::cout << Print(all);
+        return code;
+    };
+}
+
+}  // namespace tool

@@ -1,0 +1,348 @@
+#include "measurement.hpp"
+
+#include "console.hpp"
+
+#include <orlix/client.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace tool {
+
+using namespace orlix;
+
+namespace {
+
+constexpr LONG kFineBins = 65536;  // every value of a 16-bit image has its bin
+
+double TypeMinimum(LONG type) { return type == DT_Float ? -std::numeric_limits<double>::infinity() : 0; }
+double TypeMaximum(LONG type) {
+    return type == DT_Float ? std::numeric_limits<double>::infinity() : std::ldexp(1.0, static_cast<int>(type)) - 1;
+}
+
+template <class Method>
+double Property(const ComPtr<IHistogram>& histogram, Method method) {
+    double value = 0;
+    Check((histogram.get()->*method)(&value), histogram);
+    return value;
+}
+
+std::span<LONG> BinsOf(const ComPtr<IHistogram>& histogram) {
+    LONG count = 0;
+    LONG* bins = nullptr;
+    Check(histogram->get_NumberOfBins(&count), histogram);
+    Check(histogram->get_Bins(&bins), histogram);
+    return {bins, bins ? static_cast<size_t>(count) : 0};
+}
+
+// Neighbouring bins added up until at most `most` are left. An equal number goes into each, so that no comb appears in the
+// counts as it does when the width of a bin is not a whole number of grey levels.
+ComPtr<IHistogram> Grouped(const ComPtr<IHistogram>& fine, LONG most) {
+    const std::span<LONG> bins = BinsOf(fine);
+    const size_t group = (bins.size() + static_cast<size_t>(most) - 1) / static_cast<size_t>(most);
+    auto coarse = CreateObject<IHistogram>("Orlix.Histogram");
+    if (group <= 1) {
+        Check(coarse->CreateFromHistogram(fine.get()), coarse);
+        return coarse;
+    }
+    const size_t count = (bins.size() + group - 1) / group;
+    double left = 0, right = 0;
+    Check(fine->BinToLocation(-0.5, &left), fine);
+    Check(fine->BinToLocation(static_cast<double>(count * group) - 0.5, &right), fine);
+    Check(coarse->Create(static_cast<LONG>(count), left, right), coarse);
+    const std::span<LONG> sums = BinsOf(coarse);
+    for (size_t i = 0; i < bins.size(); ++i) {
+        LONG& sum = sums[i / group];
+        sum = static_cast<LONG>(std::min<int64_t>(int64_t{sum} + bins[i], std::numeric_limits<LONG>::max()));
+    }
+    return coarse;
+}
+
+void Smooth(const ComPtr<IHistogram>& histogram, LONG weights) {
+    if (weights == 3) Check(histogram->Smooth3(), histogram);
+    if (weights == 5) Check(histogram->Smooth5(), histogram);
+    if (weights == 7) Check(histogram->Smooth7(), histogram);
+    if (weights == 9) Check(histogram->Smooth9(), histogram);
+}
+
+class Measuring {
+public:
+    Measuring(ComPtr<IImageVPAExPlus> image, const MeasureSettings& settings) : settings_(settings) {
+        result_.image = std::move(image);
+        process_ = Cast<IImageProcess>(result_.image);
+    }
+
+    Measurement Run(const std::string& shownName) {
+        result_.document["file"] = shownName;
+        Geometry();
+        Calibration();
+        Region();
+        Luminance();
+        Grey();
+        Histograms();
+        Thresholds();
+        Phase();
+        return std::move(result_);
+    }
+
+private:
+    void Geometry() {
+        LONG bands = 0;
+        Check(result_.image->Dimensions(&bands, &width_, &height_), result_.image);
+        Check(result_.image->DataType(0, &type_), result_.image);
+        if (settings_.band >= bands)
+            throw std::runtime_error("the image has " + std::to_string(bands) + (bands == 1 ? " band" : " bands") +
+                                     ", so there is no band " + std::to_string(settings_.band));
+        Check(process_->put_BandToProcess(settings_.band), process_);
+        Json& out = result_.document;
+        out["width"] = width_;
+        out["height"] = height_;
+        out["bands"] = bands;
+        out["type"] = TypeName(type_);
+        out["band"] = settings_.band;
+    }
+
+    void Calibration() {
+        const auto file = Cast<IImageFile>(result_.image);
+        double x = 0, y = 0;
+        const bool known = Check(file->GetMicronsPerPixel(&x, &y), file) == S_OK;
+        if (settings_.pixelSize) {
+            x = y = *settings_.pixelSize;
+            Check(file->PutMicronsPerPixel(x, y), file);  // so that pictures of the result carry it
+        }
+        Json& out = result_.document["micronsPerPixel"];
+        if (!known && !settings_.pixelSize) return;
+        squareMicrons_ = x * y;
+        out["x"] = x;
+        out["y"] = y;
+        out["source"] = settings_.pixelSize ? "given" : "file";
+    }
+
+    Json Area(int64_t pixels) const {
+        return squareMicrons_ > 0 ? Json(static_cast<double>(pixels) * squareMicrons_) : Json(nullptr);
+    }
+
+    void Region() {
+        if (settings_.region) result_.region = MakeRegion(*settings_.region, width_, height_);
+        Check(process_->put_RegionOfInterest(result_.region.get()), process_);
+        Check(process_->get_GrayMeasurements(
+                  static_cast<GrayExtractMeasurementType>(GEMT_GrayLocation | GEMT_GrayStatistics), &grey_),
+              process_);
+        if (grey_.m_lPixelCount < 1) throw std::runtime_error("the region holds no pixel of the image");
+        Json& out = result_.document["region"];
+        out["shape"] = settings_.region ? settings_.region->text : "whole image";
+        out["polarity"] = settings_.region ? PolarityName(settings_.region->polarity) : "inside";
+        out["pixels"] = grey_.m_lPixelCount;
+        out["areaSquareMicrons"] = Area(grey_.m_lPixelCount);
+    }
+
+    void Luminance() {
+        const char* source = "type";
+        if (settings_.luminance) {
+            const auto [lower, upper] = *settings_.luminance;
+            if (lower < TypeMinimum(type_) || upper > TypeMaximum(type_))
+                throw std::runtime_error("the luminance range does not lie within the grey levels of a " +
+                                         std::string(TypeName(type_)) + " image");
+            Check(process_->PutLuminanceRange(lower, upper), process_);
+            source = "given";
+        } else if (type_ != DT_BYTE) {
+            Check(process_->SnapLuminanceRange(0, 0, 0), process_);
+            source = "data";
+        }
+        if (type_ != DT_BYTE) Check(process_->put_NumberOfBins(kFineBins), process_);
+        double lower = 0, upper = 0;
+        Check(process_->GetLuminanceRange(&lower, &upper), process_);
+        Json& out = result_.document["luminance"];
+        out["lower"] = Finite(lower);
+        out["upper"] = Finite(upper);
+        out["source"] = source;
+    }
+
+    void Grey() {
+        Check(process_->get_Histogram(fine_.Out()), process_);
+        int64_t inside = 0;
+        for (const LONG count : BinsOf(fine_)) inside += count;
+        outside_ = grey_.m_lPixelCount - inside;
+        if (inside < 1) throw std::runtime_error("no pixel lies in the luminance range");
+        Json& out = result_.document["grey"];
+        out["count"] = grey_.m_lPixelCount;
+        out["mean"] = Finite(grey_.m_dGrayAverage);
+        out["standardDeviation"] = Finite(grey_.m_dGrayStandardDeviation);
+        out["minimum"] = Finite(Property(fine_, &IHistogram::get_Minimum));
+        out["maximum"] = Finite(Property(fine_, &IHistogram::get_Maximum));
+        out["median"] = Finite(Property(fine_, &IHistogram::get_Median));
+        out["mode"] = Finite(Property(fine_, &IHistogram::get_Mode));
+        out["skew"] = Finite(Property(fine_, &IHistogram::get_Skew));
+        out["kurtosis"] = Finite(Property(fine_, &IHistogram::get_Kurtosis));
+        out["entropy"] = Finite(Property(fine_, &IHistogram::get_Entropy));
+        out["xCentroid"] = Finite(grey_.m_dGrayXCentroid);
+        out["yCentroid"] = Finite(grey_.m_dGrayYCentroid);
+    }
+
+    void Histograms() {
+        histogram_ = Grouped(fine_, settings_.bins);
+        Json counts = Json::array();
+        for (const LONG count : BinsOf(histogram_)) counts.push_back(count);
+        double step = 1, origin = 0;
+        Check(histogram_->GetBinToLocationMapping(&step, &origin), histogram_);
+        Smooth(histogram_, settings_.smoothing);
+        Json& out = result_.document["histogram"];
+        out["bins"] = counts.size();
+        out["left"] = Property(histogram_, &IHistogram::get_Left);
+        out["right"] = Property(histogram_, &IHistogram::get_Right);
+        out["firstBin"] = origin;
+        out["binWidth"] = step;
+        out["smoothing"] = settings_.smoothing;
+        out["pixelsOutside"] = outside_;
+        out["counts"] = std::move(counts);
+    }
+
+    // Pixels of at most the cut, or those above it.
+    ComPtr<IBitmap> Side(double cut, bool bright) const {
+        const double least = TypeMinimum(type_);
+        ComPtr<IBitmap> bits;
+        if (!(cut >= least))  // below every pixel: all are above it
+            Check(process_->Threshold(least, TypeMaximum(type_), bright, bits.Out()), process_);
+        else
+            Check(process_->Threshold(least, cut, !bright, bits.Out()), process_);
+        return bits;
+    }
+
+    double Fraction(int64_t pixels) const {
+        return static_cast<double>(pixels) / static_cast<double>(grey_.m_lPixelCount);
+    }
+
+    void Thresholds() {
+        Json& list = result_.document["thresholds"] = Json::array();
+        for (const ThresholdMethod& method : ThresholdMethods()) {
+            const bool chosen = settings_.threshold.method == &method;
+            const ThresholdResult found =
+                FindThreshold(histogram_, method, chosen ? settings_.threshold.parameters : method.defaults);
+            if (chosen) chosen_ = found;
+            Json entry;
+            entry["method"] = method.id;
+            entry["label"] = method.label;
+            entry["chosen"] = chosen;
+            for (size_t i = 0; i < 2; ++i)
+                if (*method.parameters[i]) entry["parameters"][method.parameters[i]] = found.parameters[i];
+            if (found.message.empty()) {
+                if (found.locations.size() == 2) {
+                    entry["left"] = Finite(found.locations[0]);
+                    entry["right"] = Finite(found.locations[1]);
+                } else {
+                    entry["threshold"] = Finite(found.locations[0]);
+                }
+                entry["darkFraction"] = Fraction(CountBits(Side(found.darkCut, false)).pixels);
+                entry["brightFraction"] = Fraction(CountBits(Side(found.brightCut, true)).pixels);
+                if (!found.note.empty()) entry["note"] = found.note;
+            } else {
+                entry["message"] = found.message;
+            }
+            list.push_back(std::move(entry));
+        }
+    }
+
+    void Phase() {
+        const ThresholdChoice& choice = settings_.threshold;
+        const bool integer = type_ != DT_Float;
+        double lower = TypeMinimum(type_), upper = TypeMaximum(type_);
+        if (!choice.method) {
+            if (!std::isnan(choice.levels[0])) lower = integer ? std::ceil(choice.levels[0]) : choice.levels[0];
+            if (!std::isnan(choice.levels[1])) upper = integer ? std::floor(choice.levels[1]) : choice.levels[1];
+            const bool none = lower > upper || lower > TypeMaximum(type_) || upper < TypeMinimum(type_);
+            Check(none ? process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out())
+                       : process_->Threshold(lower, upper, 1, result_.phase.Out()),
+                  process_);
+        } else {
+            if (!chosen_.message.empty()) throw std::runtime_error(chosen_.message);
+            const double cut = settings_.bright ? chosen_.brightCut : chosen_.darkCut;
+            result_.phase = Side(cut, settings_.bright);
+            if (settings_.bright)
+                lower = integer ? std::max(lower, std::floor(cut) + 1) : cut;
+            else
+                upper = integer ? std::min(upper, std::floor(cut)) : cut;
+        }
+        const BitCount bits = CountBits(result_.phase);
+        Json& out = result_.document["phase"];
+        out["polarity"] = !choice.method ? "between" : settings_.bright ? "bright" : "dark";
+        out["method"] = choice.method ? choice.method->id : "levels";
+        out["lower"] = Finite(lower);  // the grey levels of the phase, both included; lower > upper: none
+        out["upper"] = Finite(upper);
+        out["pixels"] = bits.pixels;
+        out["areaFraction"] = Fraction(bits.pixels);
+        out["areaSquareMicrons"] = Area(bits.pixels);
+        out["xCentroid"] = bits.pixels ? Json(bits.xCentroid) : Json(nullptr);
+        out["yCentroid"] = bits.pixels ? Json(bits.yCentroid) : Json(nullptr);
+    }
+
+    const MeasureSettings& settings_;
+    Measurement result_;
+    ComPtr<IImageProcess> process_;
+    LONG width_ = 0, height_ = 0, type_ = 0;
+    double squareMicrons_ = 0;  // of a pixel; 0: not known
+    SGrayMeasurements grey_ = {};
+    ComPtr<IHistogram> fine_;       // as fine as the image gives it: for the statistics
+    ComPtr<IHistogram> histogram_;  // of few enough bins, smoothed if wanted: for the thresholds
+    int64_t outside_ = 0;
+    ThresholdResult chosen_;
+};
+
+}  // namespace
+
+const char* TypeName(LONG dataType) {
+    switch (dataType) {
+        case DT_BYTE:
+            return "8-bit";
+        case DT_WORD:
+            return "16-bit";
+        case DT_DWORD:
+            return "32-bit";
+        case DT_Float:
+            return "float";
+        default:
+            return "unknown";
+    }
+}
+
+BitCount CountBits(const ComPtr<IBitmap>& bitmap) {
+    LONG width = 0, height = 0;
+    Check(bitmap->get_Width(&width), bitmap);
+    Check(bitmap->get_Height(&height), bitmap);
+    BitCount count;
+    uint64_t xSum = 0, ySum = 0;
+    const LONG bytes = (width + 7) / 8;
+    for (LONG y = 0; y < height; ++y) {
+        BYTE* row = nullptr;
+        Check(bitmap->GetRowPtr(y, &row), bitmap);
+        uint64_t inRow = 0;
+        for (LONG i = 0; i < bytes; ++i) {
+            uint32_t byte = row[i];
+            if (i == bytes - 1 && width % 8) byte &= 0xff00u >> (width % 8) & 0xffu;  // padding holds anything
+            if (byte == 0) continue;
+            inRow += static_cast<uint64_t>(std::popcount(byte));
+            for (; byte; byte &= byte - 1)  // bit 7 is the leftmost pixel
+                xSum += static_cast<uint64_t>(8 * i + 7 - std::countr_zero(byte));
+        }
+        count.pixels += static_cast<int64_t>(inRow);
+        ySum += inRow * static_cast<uint64_t>(y);
+    }
+    if (count.pixels > 0) {
+        count.xCentroid = static_cast<double>(xSum) / static_cast<double>(count.pixels);
+        count.yCentroid = static_cast<double>(ySum) / static_cast<double>(count.pixels);
+    }
+    return count;
+}
+
+Measurement MeasureImage(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const MeasureSettings& settings) {
+    return Measuring(std::move(image), settings).Run(shownName);
+}
+
+Measurement MeasureFile(const std::string& file, const std::string& shownName, const MeasureSettings& settings) {
+    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    Check(image->CreateFromFile(Text(file)), image);
+    return MeasureImage(std::move(image), shownName, settings);
+}
+
+}  // namespace tool

@@ -1,0 +1,194 @@
+#include "pictures.hpp"
+
+#include "console.hpp"
+
+#include <orlix/client.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tool {
+
+using namespace orlix;
+
+namespace {
+
+using Colour = std::array<uint8_t, 3>;
+constexpr Colour kPhase = {255, 106, 0};  // orange: far from grey for every kind of colour vision
+constexpr Colour kRegion = {0, 200, 255};
+
+size_t Size(int32_t a, int32_t b) { return static_cast<size_t>(a) * static_cast<size_t>(b); }
+
+template <class Pixel>
+void Stretch(const Measurement& measurement, LONG band, double lower, double upper, Picture& picture) {
+    const double scale = upper > lower ? 255 / (upper - lower) : 0;
+    const Rows<Pixel> rows(measurement.image, band);
+    uint8_t* out = picture.samples.data();
+    for (const std::span<Pixel> row : rows)
+        for (const Pixel pixel : row) {
+            const double level = scale == 0 ? 128 : (static_cast<double>(pixel) - lower) * scale + 0.5;
+            *out++ = static_cast<uint8_t>(level > 0 ? std::min(level, 255.0) : 0);  // not a number: black
+        }
+}
+
+// 1 where the bit is set.
+std::vector<uint8_t> Unpacked(const ComPtr<IBitmap>& bitmap) {
+    LONG width = 0, height = 0;
+    Check(bitmap->get_Width(&width), bitmap);
+    Check(bitmap->get_Height(&height), bitmap);
+    std::vector<uint8_t> out;
+    out.reserve(Size(width, height));
+    for (LONG y = 0; y < height; ++y) {
+        BYTE* row = nullptr;
+        Check(bitmap->GetRowPtr(y, &row), bitmap);
+        for (LONG x = 0; x < width; ++x) out.push_back(row[x / 8] >> (7 - x % 8) & 1);
+    }
+    return out;
+}
+
+// Members of the set with a pixel outside it within the given distance in rows or columns. The image's border is no edge.
+std::vector<uint8_t> EdgeOf(const std::vector<uint8_t>& set, int32_t width, int32_t height, int32_t distance) {
+    std::vector<uint8_t> edge(set.size(), 0);
+    for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x) {
+            const size_t at = Size(y, width) + static_cast<size_t>(x);
+            if (!set[at]) continue;
+            for (int32_t d = 1; d <= distance && !edge[at]; ++d) {
+                const auto column = static_cast<size_t>(d), row = Size(d, width);
+                edge[at] = (x >= d && !set[at - column]) || (x + d < width && !set[at + column]) ||
+                           (y >= d && !set[at - row]) || (y + d < height && !set[at + row]);
+            }
+        }
+    return edge;
+}
+
+std::string Base64(std::string_view bytes) {
+    constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string out;
+    out.reserve((bytes.size() + 2) / 3 * 4);
+    for (size_t i = 0; i < bytes.size(); i += 3) {
+        uint32_t group = 0;
+        for (size_t k = 0; k < 3; ++k)
+            group = group << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k]) : 0u);
+        for (size_t k = 0; k < 4; ++k) out += i + k > bytes.size() ? '=' : kDigits[group >> (18 - 6 * k) & 63];
+    }
+    return out;
+}
+
+}  // namespace
+
+Picture DisplayPicture(const Measurement& measurement) {
+    const Json& document = measurement.document;
+    Picture picture;
+    picture.width = document["width"];
+    picture.height = document["height"];
+    picture.samples.resize(Size(picture.width, picture.height));
+    const LONG band = document["band"];
+
+    const auto process = Cast<IImageProcess>(measurement.image);
+    ComPtr<IHistogram> histogram;
+    double lower = 0, upper = 0;
+    Check(process->get_Histogram(histogram.Out()), process);
+    Check(histogram->AutoThresholdTrim(0.001, &lower, 0.001, &upper), histogram);
+
+    LONG type = 0;
+    Check(measurement.image->DataType(band, &type), measurement.image);
+    if (type == DT_BYTE)
+        Stretch<uint8_t>(measurement, band, lower, upper, picture);
+    else if (type == DT_WORD)
+        Stretch<uint16_t>(measurement, band, lower, upper, picture);
+    else if (type == DT_DWORD)
+        Stretch<uint32_t>(measurement, band, lower, upper, picture);
+    else
+        Stretch<float>(measurement, band, lower, upper, picture);
+    return picture;
+}
+
+Picture OverlayPicture(const Measurement& measurement, const Picture& display) {
+    const int32_t width = display.width, height = display.height;
+    const std::vector<uint8_t> phase = Unpacked(measurement.phase);
+    const std::vector<uint8_t> inside = RegionMask(measurement.region, width, height);
+    const std::vector<uint8_t> outline = EdgeOf(phase, width, height, 1);
+    // Two pixels at a usual size; wide enough to be seen in a large image that is looked at as a whole.
+    const std::vector<uint8_t> border = EdgeOf(inside, width, height, 1 + std::max(width, height) / 800);
+
+    Picture picture = {width, height, 3, {}};
+    picture.samples.reserve(3 * display.samples.size());
+    for (size_t i = 0; i < display.samples.size(); ++i) {
+        const uint32_t grey = display.samples[i];
+        for (size_t channel = 0; channel < 3; ++channel) {
+            uint32_t value = grey;
+            if (border[i])
+                value = kRegion[channel];
+            else if (outline[i])
+                value = kPhase[channel];
+            else if (phase[i])
+                value = (grey * 6 + kPhase[channel] * 4u) / 10;
+            else if (!inside[i])
+                value = grey * 6 / 10;
+            picture.samples.push_back(static_cast<uint8_t>(value));
+        }
+    }
+    return picture;
+}
+
+Picture PhasePicture(const ComPtr<IBitmap>& phase) {
+    Picture picture;
+    LONG width = 0, height = 0;
+    Check(phase->get_Width(&width), phase);
+    Check(phase->get_Height(&height), phase);
+    picture.width = width;
+    picture.height = height;
+    picture.samples = Unpacked(phase);
+    for (uint8_t& sample : picture.samples) sample = sample ? 255 : 0;
+    return picture;
+}
+
+Picture Reduced(const Picture& picture, int32_t largest) {
+    const int32_t factor = (std::max(picture.width, picture.height) + largest - 1) / largest;
+    if (factor <= 1) return picture;
+    Picture reduced = {
+        (picture.width + factor - 1) / factor, (picture.height + factor - 1) / factor, picture.channels, {}};
+    reduced.samples.reserve(Size(reduced.width, reduced.height) * static_cast<size_t>(picture.channels));
+    for (int32_t y = 0; y < reduced.height; ++y)
+        for (int32_t x = 0; x < reduced.width; ++x)
+            for (int32_t channel = 0; channel < picture.channels; ++channel) {
+                uint64_t sum = 0, count = 0;
+                for (int32_t v = y * factor; v < std::min((y + 1) * factor, picture.height); ++v)
+                    for (int32_t u = x * factor; u < std::min((x + 1) * factor, picture.width); ++u, ++count)
+                        sum += picture.samples[(Size(v, picture.width) + static_cast<size_t>(u)) *
+                                                   static_cast<size_t>(picture.channels) +
+                                               static_cast<size_t>(channel)];
+                reduced.samples.push_back(static_cast<uint8_t>((sum + count / 2) / count));
+            }
+    return reduced;
+}
+
+void SavePng(const Picture& picture, const Measurement& measurement, double scale, const std::filesystem::path& path) {
+    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    Check(image->Create(picture.width, picture.height, picture.channels, DT_BYTE, 0), image);
+    for (int32_t channel = 0; channel < picture.channels; ++channel) {
+        const uint8_t* in = picture.samples.data() + channel;
+        for (const std::span<uint8_t> row : Rows<uint8_t>(image, channel))
+            for (uint8_t& sample : row) {
+                sample = *in;
+                in += picture.channels;
+            }
+    }
+    const auto file = Cast<IImageFile>(image);
+    const Json& size = measurement.document["micronsPerPixel"];
+    if (!size.is_null())
+        Check(file->PutMicronsPerPixel(size["x"].get<double>() * scale, size["y"].get<double>() * scale), file);
+    Check(file->SaveToFile(Text(Utf8(path)), IFF_PNG), file);
+}
+
+std::string DataUri(const Picture& picture, const Measurement& measurement, const std::filesystem::path& folder) {
+    const std::filesystem::path temporary = folder / "report_picture.tmp.png";
+    SavePng(picture, measurement, 1, temporary);
+    const std::string bytes = ReadFile(temporary);
+    std::filesystem::remove(temporary);
+    return "data:image/png;base64," + Base64(bytes);
+}
+
+}  // namespace tool

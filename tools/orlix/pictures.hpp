@@ -1,0 +1,42 @@
+// Pictures of a measurement: the image stretched for display, the phase tinted over it, the phase as black and white.
+#pragma once
+
+#include "measurement.hpp"
+
+#include <orlix/com_ptr.hpp>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// One or three 8-bit samples a pixel, interleaved, rows from the top.
+struct Picture {
+    int32_t width = 0;
+    int32_t height = 0;
+    int32_t channels = 1;
+    std::vector<uint8_t> samples;
+};
+
+// The measured band, its grey levels between the limits that leave out 0.1 % of the region's pixels at either end (not
+// outside the luminance range) spread over black to white.
+Picture DisplayPicture(const Measurement& measurement);
+
+// The phase tinted, with its outline in the full colour; what lies outside the region darkened and the region outlined.
+Picture OverlayPicture(const Measurement& measurement, const Picture& display);
+
+// White phase on black.
+Picture PhasePicture(const orlix::ComPtr<IBitmap>& phase);
+
+// Averages over squares so that neither side exceeds `largest`; as it is when it is small enough.
+Picture Reduced(const Picture& picture, int32_t largest);
+
+// A PNG file with the pixel size of the measurement (times the scale), where one is known.
+void SavePng(const Picture& picture, const Measurement& measurement, double scale, const std::filesystem::path& path);
+
+// "data:image/png;base64,..." of the picture. It is made through a file in the given folder, which is removed again.
+std::string DataUri(const Picture& picture, const Measurement& measurement, const std::filesystem::path& folder);
+
+}  // namespace tool

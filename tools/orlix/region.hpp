@@ -1,0 +1,37 @@
+// Regions of interest as the command line names them.
+#pragma once
+
+#include <orlix/com_ptr.hpp>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+struct RegionShape {
+    enum class Kind { Rectangle, OrientedRectangle, Circle };
+    Kind kind = Kind::Rectangle;
+    std::array<double, 5> values = {};
+    PolarityType polarity = PT_Inside;
+    std::string text;  // as given
+};
+
+// "rect:L,T,R,B" (whole pixels, both ends included), "oriented:W,H,ANGLE,XC,YC" or "circle:XC,YC,R"; UsageError otherwise.
+RegionShape ParseRegion(std::string_view text);
+// "inside", "outside" or "frame".
+PolarityType ParsePolarity(std::string_view text);
+const char* PolarityName(PolarityType polarity);
+
+// Numbers with commas between them, all finite; an empty one is allowed where asked for and becomes NaN. UsageError names
+// the whole text.
+std::vector<double> ParseNumbers(std::string_view list, std::string_view whole, bool allowEmpty = false);
+
+orlix::ComPtr<IShapeRegionOfInterest> MakeRegion(const RegionShape& shape, LONG width, LONG height);
+
+// One byte a pixel, rows from the top: 1 inside. Without a region all are.
+std::vector<uint8_t> RegionMask(const orlix::ComPtr<IShapeRegionOfInterest>& region, LONG width, LONG height);
+
+}  // namespace tool

@@ -1,0 +1,90 @@
+// orlix specimen
+#include "commands.hpp"
+#include "console.hpp"
+#include "specimen_image.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <orlix/client.hpp>
+
+#include <memory>
+
+namespace tool {
+
+using namespace orlix;
+
+namespace {
+
+constexpr char kFooter[] = R"(
+Writes an image of a polished surface under uneven light, with particles, scratches, pits and
+noise, and OUT.json beside it with the truth: number, area and centroid of the particles, the
+background's coefficients, noise and contrasts in the grey levels of the image.
+The same settings give the same pixels on every platform. Grey levels are given as those of an
+8-bit image; 16-bit images have 257 times as many.
+
+Examples:
+  orlix specimen test.png
+  orlix specimen large.png --seed 3 --width 2048 --height 2048 --particles 600 --background domed
+  orlix specimen clean16.png --bits 16 --scratches 0 --pits 0 --noise 0 --background flat
+  orlix specimen bright.png --matrix 60 --contrast 110)";
+
+struct Options {
+    std::string out, background = "tilted";
+    samples::SpecimenSettings settings;
+    double pixelSize = 0;
+};
+
+int WriteSpecimen(Options& options) {
+    using samples::Background;
+    options.settings.background = options.background == "flat"     ? Background::Flat
+                                  : options.background == "tilted" ? Background::Tilted
+                                                                   : Background::Domed;
+    samples::Specimen specimen;
+    try {
+        specimen = samples::MakeSpecimen(options.settings);
+    } catch (const std::invalid_argument& error) {
+        throw UsageError(error.what());
+    }
+    const auto image = ImageOf(specimen);
+    const auto file = Cast<IImageFile>(image);
+    if (options.pixelSize != 0) Check(file->PutMicronsPerPixel(options.pixelSize, options.pixelSize), file);
+    Check(file->SaveToFile(Text(options.out), IFF_ByExtension), file);
+    std::filesystem::path truth = Path(options.out);
+    WriteFile(truth.replace_extension(".json"), Print(TruthOf(specimen)));
+    return kDone;
+}
+
+}  // namespace
+
+Command AddSpecimen(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    auto& s = options->settings;
+    CLI::App& command = *program.add_subcommand("specimen", "Make a synthetic specimen with known truth");
+    command.footer(kFooter);
+    command.add_option("OUT", options->out, "Image to write: .png or .pgm")->required();
+    const auto add = [&](const char* name, auto& value, const char* description) {
+        command.add_option(name, value, description)->capture_default_str();
+    };
+    add("--seed", s.seed, "Start of the random numbers");
+    add("--width", s.width, "Pixels");
+    add("--height", s.height, "Pixels");
+    add("--bits", s.bits, "8 or 16");
+    add("--particles", s.particles, "Number of particles");
+    add("--min-radius", s.minimumRadius, "Of the particles, in pixels");
+    add("--max-radius", s.maximumRadius, "Of the particles, in pixels");
+    add("--ragged", s.raggedShare, "Share of ragged particles, 0 to 1");
+    add("--matrix", s.matrixGrey, "Grey level of the surface, about");
+    add("--contrast", s.particleContrast, "Grey levels of the particles against the surface; above 0: bright ones");
+    command.add_option("--background", options->background, "flat, tilted or domed")
+        ->check(CLI::IsMember({"flat", "tilted", "domed"}))
+        ->capture_default_str();
+    add("--span", s.backgroundSpan, "Grey levels between the darkest and brightest place of the background");
+    add("--scratches", s.scratches, "Number of scratches");
+    add("--pits", s.pits, "Number of pits");
+    add("--noise", s.noise, "Standard deviation in grey levels");
+    command.add_option("--pixel-size", options->pixelSize, "Microns per pixel to write into the file")
+        ->check(CLI::PositiveNumber);
+    return [options] { return WriteSpecimen(*options); };
+}
+
+}  // namespace tool
