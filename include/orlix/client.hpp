@@ -1,6 +1,7 @@
 // For clients in C++: create objects, call them, get failures as exceptions, walk over pixels.
 //
 //     using namespace orlix;
+//     const Apartment apartment;
 //     auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
 //     Check(image->CreateFromFile(Text("surface.png")), image);
 //     auto process = Cast<IImageProcess>(image);
@@ -84,6 +85,20 @@ HRESULT Check(HRESULT result, const ComPtr<I>& object) {
 }
 
 // --------------------------------------------------------------------------------------------------------------- creation
+
+// Makes the thread an apartment of the component runtime (Windows) while it lives; does nothing elsewhere.
+class Apartment {
+public:
+#ifdef _WIN32
+    Apartment() { Check(CoInitialize(nullptr)); }
+    ~Apartment() { CoUninitialize(); }
+#else
+    Apartment() noexcept {}
+    ~Apartment() {}
+#endif
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+};
 
 CLSID ClassOf(std::string_view progId);  // Error when nothing of that name is registered
 

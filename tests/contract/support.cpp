@@ -1,23 +1,23 @@
 #include "contract/support.hpp"
 
 #include <cstdlib>
+#include <optional>
 
 namespace orlix::testing {
 namespace {
-[[maybe_unused]] ::testing::Environment* const apartment = ::testing::AddGlobalTestEnvironment(new Apartment);
-}
 
-void Apartment::SetUp() {
-#ifdef _WIN32
-    ASSERT_EQ(S_OK, CoInitialize(nullptr));
-#endif
-}
+// The thread of the tests is an apartment from the first test to the last.
+class TestApartment : public ::testing::Environment {
+public:
+    void SetUp() override { apartment_.emplace(); }
+    void TearDown() override { apartment_.reset(); }
 
-void Apartment::TearDown() {
-#ifdef _WIN32
-    CoUninitialize();
-#endif
-}
+private:
+    std::optional<Apartment> apartment_;
+};
+[[maybe_unused]] ::testing::Environment* const environment = ::testing::AddGlobalTestEnvironment(new TestApartment);
+
+}  // namespace
 
 Reported TakeReported() {
     ComPtr<IErrorInfo> info;

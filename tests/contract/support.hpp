@@ -13,13 +13,6 @@
 
 namespace orlix::testing {
 
-// Initialises the component runtime for the thread of the tests (Windows).
-class Apartment : public ::testing::Environment {
-public:
-    void SetUp() override;
-    void TearDown() override;
-};
-
 // Takes the thread's error information: its text, and where it came from. Both empty when there is none.
 struct Reported {
     std::string text;
