@@ -10,6 +10,9 @@
 namespace orlix {
 namespace {
 
+// More than a process can address: refused without asking for it.
+constexpr uint64_t kMostBytes = std::min<uint64_t>(PTRDIFF_MAX, uint64_t{1} << 46);
+
 void RequireSize(int32_t width, int32_t height) {
     if (width < 1) throw Failure("CBITMAP::Create: width must be positive");
     if (height < 1) throw Failure("CBITMAP::Create: height must be positive");
@@ -21,28 +24,30 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
     RequireSize(width, height);
     const int32_t rowBytes = RowBytes(width);
     const uint64_t total = static_cast<uint64_t>(rowBytes) * static_cast<uint64_t>(height);
-    if (total > static_cast<uint64_t>(PTRDIFF_MAX)) throw std::bad_alloc();
+    if (total > kMostBytes) throw std::bad_alloc();
     const size_t size = static_cast<size_t>(total);
 
-    const uint64_t entries = static_cast<uint64_t>(std::max(rowBytes, height)) + 2 * kMargin;
-    if (entries > PTRDIFF_MAX / sizeof(IndexEntry)) throw std::bad_alloc();
-    std::vector<IndexEntry> index(static_cast<size_t>(entries));
+    // What can fail comes first: the bytes, the largest piece, before the others.
+    std::vector<uint8_t> moved;
+    const bool move = size > bytes_.capacity();
+    if (move) moved.reserve(size);
     std::vector<RowRecord> rows(static_cast<size_t>(height));
-    for (size_t k = 0; k < index.size(); ++k) {
-        const int64_t i = static_cast<int64_t>(k) - kMargin;
-        index[k].column = static_cast<int32_t>(std::clamp<int64_t>(i, 0, rowBytes - 1));
-        index[k].offset = static_cast<ptrdiff_t>(rowBytes * std::clamp<int64_t>(i, 0, height - 1));
+    const int64_t entries = int64_t{std::max(rowBytes, height)} + 2 * kMargin;
+    if (static_cast<uint64_t>(entries) > kMostBytes / sizeof(IndexEntry)) throw std::bad_alloc();
+    std::vector<IndexEntry> index(static_cast<size_t>(entries));
+    for (int64_t k = 0; k < entries; ++k) {
+        IndexEntry& entry = index[static_cast<size_t>(k)];
+        entry.column = static_cast<int32_t>(std::clamp<int64_t>(k - kMargin, 0, rowBytes - 1));
+        entry.offset = static_cast<ptrdiff_t>(rowBytes * std::clamp<int64_t>(k - kMargin, 0, height - 1));
     }
 
-    // The last step that can fail. Memory that is to be cleared needs not be carried over.
-    if (zero && size > bytes_.capacity()) {
-        bytes_ = std::vector<uint8_t>(size);
-    } else {
-        bytes_.reserve(size);
-        bytes_.resize(size);
-        if (zero) Fill(0);
+    // From here on nothing fails: bytes are added within what is reserved.
+    if (zero) bytes_.clear();
+    if (move) {
+        moved.assign(bytes_.begin(), bytes_.end());
+        bytes_ = std::move(moved);
     }
-
+    bytes_.resize(size);
     index_ = std::move(index);
     rows_ = std::move(rows);
     record_ = {};

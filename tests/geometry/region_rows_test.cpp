@@ -1,0 +1,316 @@
+#include "geometry/region_rows.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <random>
+#include <vector>
+
+#include "component/failure.hpp"
+#include "geometry/foreign_region.hpp"
+#include "geometry/orlix_shape_region_of_interest.hpp"
+
+namespace orlix {
+
+void PrintTo(const Run& run, std::ostream* out) { *out << run.start << ".." << run.stop; }
+
+namespace {
+
+constexpr LONG kMost = std::numeric_limits<LONG>::max();
+constexpr LONG kLeast = std::numeric_limits<LONG>::min();
+
+auto Is(std::vector<Run> runs) { return testing::ElementsAreArray(runs); }
+
+ComPtr<IShapeRegionOfInterest> MakeShape() {
+    ComPtr<IShapeRegionOfInterest> shape;
+    EXPECT_EQ(S_OK,
+              OrlixShapeRegionOfInterest::CreateInstance(nullptr, __uuidof(IShapeRegionOfInterest), shape.OutVoid()));
+    return shape;
+}
+
+HRESULT ResultOf(IRegionOfInterest& region, int32_t width, int32_t height) {
+    try {
+        const RegionRows rows(&region, width, height);
+        return S_OK;
+    } catch (const FailedResult& failed) {
+        return failed.result();
+    }
+}
+
+std::vector<bool> Mask(const RegionRows& rows, int32_t width, int32_t height) {
+    std::vector<bool> mask(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (int32_t y = rows.top(); y <= rows.bottom(); ++y)
+        for (const Run run : rows.row(y))
+            for (int32_t x = run.start; x <= run.stop; ++x) mask[static_cast<size_t>(y * width + x)] = true;
+    return mask;
+}
+
+// What the interface hands out, pixel by pixel: in a row of the box, covered by a run.
+std::vector<bool> MaskByInterface(IRegionOfInterest& region, int32_t width, int32_t height) {
+    std::vector<bool> mask(static_cast<size_t>(width) * static_cast<size_t>(height));
+    RECT box;
+    EXPECT_EQ(S_OK, region.get_BoundingBox(&box));
+    for (LONG y = 0; y < height; ++y) {
+        SRun* begin = nullptr;
+        SRun* end = nullptr;
+        if (y < box.top || y > box.bottom || region.GetRowRuns(y, &begin, &end) != S_OK) continue;
+        for (; begin != end; ++begin)
+            for (LONG x = 0; x < width; ++x)
+                if (begin->m_lStart <= x && x <= begin->m_lStop) mask[static_cast<size_t>(y * width + x)] = true;
+    }
+    return mask;
+}
+
+void ExpectCanonical(const RegionRows& rows, int32_t width, int32_t height) {
+    int64_t pixels = 0;
+    for (int32_t y = -1; y <= height; ++y) {
+        if (y < rows.top() || y > rows.bottom()) {
+            EXPECT_TRUE(rows.row(y).empty());
+            continue;
+        }
+        int32_t free = 0;
+        for (const Run run : rows.row(y)) {
+            ASSERT_GE(run.start, free);
+            ASSERT_LE(run.start, run.stop);
+            ASSERT_LT(run.stop, width);
+            free = run.stop + 2;  // at least one column between two runs
+            pixels += run.length();
+        }
+    }
+    EXPECT_EQ(pixels, rows.pixels());
+    EXPECT_EQ(pixels == int64_t{width} * height, rows.whole());
+}
+
+TEST(RegionRows, NoRegionIsOneWholeRunInEveryRow) {
+    const RegionRows rows(nullptr, 7, 3);
+    EXPECT_EQ(0, rows.top());
+    EXPECT_EQ(2, rows.bottom());
+    for (int32_t y = 0; y < 3; ++y) EXPECT_THAT(rows.row(y), Is({{0, 6}}));
+    EXPECT_TRUE(rows.row(-1).empty());
+    EXPECT_TRUE(rows.row(3).empty());
+    EXPECT_TRUE(rows.whole());
+    EXPECT_EQ(21, rows.pixels());
+    EXPECT_EQ(int64_t{kMost} * kMost, RegionRows(nullptr, kMost, kMost).pixels());
+}
+
+TEST(RegionRows, AnEmptyImageHasNoRows) {
+    ForeignRegion foreign;
+    for (IRegionOfInterest* region :
+         {static_cast<IRegionOfInterest*>(nullptr), static_cast<IRegionOfInterest*>(&foreign)})
+        for (const int32_t size : {0, -1, static_cast<int32_t>(kLeast)}) {
+            const RegionRows rows(region, size, 5);
+            EXPECT_LT(rows.bottom(), rows.top());
+            EXPECT_EQ(0, rows.pixels());
+            EXPECT_FALSE(rows.whole());
+            EXPECT_LT(RegionRows(region, 5, size).bottom(), 0);
+        }
+    EXPECT_EQ(0, foreign.rowsAsked);
+}
+
+TEST(RegionRows, EqualsWhatTheInterfaceHandsOutForEveryShapePolarityAndImageSize) {
+    const auto shape = MakeShape();
+    std::mt19937 random(11);
+    const auto any = [&](double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); };
+    for (int i = 0; i < 400; ++i) {
+        const LONG regionWidth = 1 + static_cast<LONG>(random() % 40);
+        const LONG regionHeight = 1 + static_cast<LONG>(random() % 30);
+        if (i % 4 == 0) {
+            const LONG left = static_cast<LONG>(random() % 60) - 20;
+            const LONG top = static_cast<LONG>(random() % 50) - 20;
+            ASSERT_EQ(S_OK, shape->CreateRectangle(regionWidth, regionHeight, left, top,
+                                                   left + static_cast<LONG>(random() % 40),
+                                                   top + static_cast<LONG>(random() % 40)));
+        } else if (i % 4 == 1) {
+            ASSERT_EQ(S_OK, shape->CreateCircle(regionWidth, regionHeight, any(-10, 50), any(-10, 40), any(-1, 25)));
+        } else {
+            ASSERT_EQ(S_OK, shape->CreateOrientedRectangleFromCenterLine(regionWidth, regionHeight, any(-20, 60),
+                                                                         any(-20, 50), any(-20, 60), any(-20, 50),
+                                                                         any(0, 9)));
+        }
+        if (i % 29 == 0) shape->CreateRectangle(regionWidth, regionHeight / 2 + 1, 5, 5, 4, 4);  // fails half-way
+        for (const PolarityType polarity : {PT_Inside, PT_Outside, PT_Frame})
+            for (const int32_t width : {1, 20, static_cast<int32_t>(regionWidth), 55}) {
+                const int32_t height = width == 1 ? 33 : static_cast<int32_t>(regionHeight);
+                ASSERT_EQ(S_OK, shape->put_Polarity(polarity));
+                const RegionRows rows(shape.get(), width, height);
+                ASSERT_EQ(MaskByInterface(*shape, width, height), Mask(rows, width, height)) << i << ' ' << polarity;
+                ExpectCanonical(rows, width, height);
+            }
+    }
+}
+
+TEST(RegionRows, FramePixelsAreVisitedOnceWhereTheTwoRunsMeet) {
+    const auto shape = MakeShape();
+    shape->CreateRectangle(20, 20, 5, 5, 6, 10);  // two columns: the runs touch
+    shape->put_Polarity(PT_Frame);
+    EXPECT_THAT(RegionRows(shape.get(), 20, 20).row(7), Is({{5, 6}}));
+    shape->CreateRectangle(20, 20, 5, 5, 5, 10);  // one column: they coincide
+    EXPECT_THAT(RegionRows(shape.get(), 20, 20).row(7), Is({{5, 5}}));
+    shape->CreateRectangle(20, 20, 5, 5, 7, 10);
+    EXPECT_THAT(RegionRows(shape.get(), 20, 20).row(7), Is({{5, 5}, {7, 7}}));
+}
+
+TEST(RegionRows, ARegionForALargerImageIsClippedInColumnsAndRows) {
+    const auto shape = MakeShape();
+    shape->CreateRectangle(1000, 1000, 5, 6, 900, 901);
+    const RegionRows rows(shape.get(), 10, 8);
+    EXPECT_EQ(6, rows.top());
+    EXPECT_EQ(7, rows.bottom());
+    EXPECT_THAT(rows.row(7), Is({{5, 9}}));
+    EXPECT_EQ(10, rows.pixels());
+}
+
+TEST(RegionRows, KeepsTheRegionAsItWasWhenAsked) {
+    auto shape = MakeShape();
+    shape->CreateCircle(100, 100, 50, 50, 2);
+    const RegionRows rows(shape.get(), 100, 100);
+    shape->CreateRectangle(100, 100, 0, 0, 1, 1);
+    shape->put_Polarity(PT_Outside);
+    shape = nullptr;
+    EXPECT_EQ(48, rows.top());
+    EXPECT_THAT(rows.row(49), Is({{49, 51}}));
+    EXPECT_EQ(13, rows.pixels());
+    const RegionRows copy = rows;
+    EXPECT_THAT(copy.row(50), Is({{48, 52}}));
+}
+
+TEST(RegionRows, NoReferenceToARegionIsKept) {
+    const auto shape = MakeShape();
+    shape->CreateRectangle(10, 10, 1, 1, 2, 2);
+    ForeignRegion foreign;
+    foreign.box = {0, 0, 9, 9};
+    {
+        const RegionRows own(shape.get(), 10, 10);
+        const RegionRows other(&foreign, 10, 10);
+        shape->AddRef();
+        EXPECT_EQ(1u, shape->Release());
+        EXPECT_EQ(1u, foreign.references);
+    }
+    EXPECT_EQ(1u, foreign.references);
+}
+
+// A component may aggregate a shape and answer the region itself, in its own way: then it is asked.
+TEST(RegionRows, ARegionThatContainsAShapeIsAskedItself) {
+    const auto shape = MakeShape();
+    shape->CreateRectangle(10, 10, 0, 0, 9, 9);
+    ForeignRegion around;
+    around.box = {0, 2, 9, 2};
+    around.rows[2] = {MakeRun(3, 4)};
+    ASSERT_EQ(nullptr, OrlixShapeRegionOfInterest::ShapeOf(&around));
+    EXPECT_NE(nullptr, OrlixShapeRegionOfInterest::ShapeOf(shape.get()));
+    EXPECT_EQ(nullptr, OrlixShapeRegionOfInterest::ShapeOf(nullptr));
+    EXPECT_EQ(2, RegionRows(&around, 10, 10).pixels());
+}
+
+TEST(RegionRows, ForeignRunsAreSortedClippedJoinedAndEmptyOnesDropped) {
+    ForeignRegion region;
+    region.box = {-5, 1, 500, 4};
+    region.rows[1] = {MakeRun(-3, 2), MakeRun(4, 3), MakeRun(5, 5), MakeRun(18, 40)};
+    region.rows[2] = {MakeRun(10, 12), MakeRun(0, 3), MakeRun(4, 5), MakeRun(2, 2), MakeRun(11, 15)};
+    region.rows[3] = {MakeRun(kLeast, kMost), MakeRun(kMost, kLeast), MakeRun(-9, -1), MakeRun(20, 25)};
+    const RegionRows rows(&region, 20, 10);
+    EXPECT_EQ(1, rows.top());
+    EXPECT_EQ(4, rows.bottom());
+    EXPECT_THAT(rows.row(1), Is({{0, 2}, {5, 5}, {18, 19}}));
+    EXPECT_THAT(rows.row(2), Is({{0, 5}, {10, 15}}));
+    EXPECT_THAT(rows.row(3), Is({{0, 19}}));
+    EXPECT_TRUE(rows.row(4).empty());
+    EXPECT_EQ(6 + 12 + 20, rows.pixels());
+    ExpectCanonical(rows, 20, 10);
+}
+
+TEST(RegionRows, RandomForeignRunsGiveThePixelsTheyCover) {
+    std::mt19937 random(5);
+    for (int i = 0; i < 200; ++i) {
+        ForeignRegion region;
+        region.box = {0, static_cast<LONG>(random() % 4), 0, static_cast<LONG>(random() % 12)};
+        for (LONG y = 0; y < 10; ++y)
+            for (unsigned n = random() % 8; n > 0; --n) {
+                const LONG start = static_cast<LONG>(random() % 50) - 10;
+                region.rows[y].push_back(MakeRun(start, start + static_cast<LONG>(random() % 12) - 3));
+            }
+        const RegionRows rows(&region, 30, 10);
+        EXPECT_EQ(MaskByInterface(region, 30, 10), Mask(rows, 30, 10));
+        ExpectCanonical(rows, 30, 10);
+    }
+}
+
+TEST(RegionRows, NonsenseBoxesAreClippedAndReversedOnesHaveNoRows) {
+    ForeignRegion region;
+    region.box = {kLeast, kLeast, kMost, kMost};
+    EXPECT_EQ(9, RegionRows(&region, 20, 10).bottom());
+    EXPECT_EQ(10, region.rowsAsked);
+    for (const RECT box : {RECT{0, 5, 9, 4}, RECT{0, kMost, 9, kLeast}, RECT{0, 10, 9, 20}, RECT{0, -9, 9, -1}}) {
+        region.box = box;
+        region.rowsAsked = 0;
+        const RegionRows rows(&region, 20, 10);
+        EXPECT_LT(rows.bottom(), rows.top());
+        EXPECT_EQ(0, rows.pixels());
+        EXPECT_EQ(0, region.rowsAsked);
+    }
+}
+
+TEST(RegionRows, AFailureOfTheRegionIsPassedOn) {
+    ForeignRegion region;
+    region.box = {0, 0, 9, 9};
+    region.boxResult = E_OUTOFMEMORY;
+    EXPECT_EQ(E_OUTOFMEMORY, ResultOf(region, 10, 10));
+    EXPECT_EQ(0, region.rowsAsked);
+    region.boxResult = S_OK;
+    region.answer = [](LONG row, SRun**, SRun**) { return row == 7 ? DISP_E_EXCEPTION : S_OK; };
+    EXPECT_EQ(DISP_E_EXCEPTION, ResultOf(region, 10, 10));
+    EXPECT_EQ(8, region.rowsAsked);
+    EXPECT_EQ(S_OK, ResultOf(region, 10, 7));  // row 7 is not in the image
+    EXPECT_EQ(1u, region.references);
+}
+
+TEST(RegionRows, OddRunListsAreRowsWithoutRuns) {
+    static SRun runs[3] = {MakeRun(1, 2), MakeRun(4, 5), MakeRun(7, 8)};
+    ForeignRegion region;
+    region.box = {0, 0, 9, 4};
+    region.answer = [](LONG row, SRun** begin, SRun** end) {
+        *begin = row == 0 ? nullptr : row == 1 ? runs : runs + 2;
+        *end = row == 0 ? runs + 3 : row == 1 ? nullptr : row == 2 ? runs : row == 3 ? runs + 2 : runs + 3;
+        return S_OK;
+    };
+    const RegionRows rows(&region, 10, 5);
+    for (int32_t y = 0; y < 4; ++y) EXPECT_TRUE(rows.row(y).empty()) << y;
+    EXPECT_THAT(rows.row(4), Is({{7, 8}}));
+
+    region.answer = [](LONG, SRun** begin, SRun** end) {
+        *begin = runs;
+        *end = runs + 3;
+        return S_FALSE;
+    };
+    EXPECT_EQ(0, RegionRows(&region, 10, 5).pixels());
+    region.answer = [](LONG, SRun**, SRun**) { return S_OK; };  // writes nothing
+    EXPECT_EQ(0, RegionRows(&region, 10, 5).pixels());
+}
+
+TEST(RegionRows, MoreRunsThanARowCanHoldFailAtOnce) {
+    ForeignRegion region;
+    region.box = {0, 0, 9, 0};
+    region.rows[0] = std::vector<SRun>(11, MakeRun(0, 0));
+    EXPECT_EQ(S_OK, ResultOf(region, 10, 1));
+    region.rows[0].push_back(MakeRun(1, 1));
+    EXPECT_EQ(E_FAIL, ResultOf(region, 10, 1));
+    // A million million runs that are not there: nothing is read.
+    region.answer = [](LONG, SRun** begin, SRun** end) {
+        *begin = reinterpret_cast<SRun*>(alignof(SRun));
+        *end = reinterpret_cast<SRun*>(static_cast<uintptr_t>(-1) / 2);
+        return S_OK;
+    };
+    EXPECT_EQ(E_FAIL, ResultOf(region, 10, 1));
+    region.answer = [](LONG, SRun** begin, SRun** end) {
+        *begin = reinterpret_cast<SRun*>(uintptr_t{1});
+        *end = reinterpret_cast<SRun*>(1 + sizeof(SRun));
+        return S_OK;
+    };
+    EXPECT_EQ(E_FAIL, ResultOf(region, 10, 1));
+}
+
+}  // namespace
+}  // namespace orlix

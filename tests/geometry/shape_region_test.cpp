@@ -1,0 +1,416 @@
+#include "geometry/shape_region.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <ostream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "component/failure.hpp"
+#include "geometry/rounding.hpp"
+
+namespace orlix {
+
+void PrintTo(const RawRun& run, std::ostream* out) { *out << run.start << ".." << run.stop; }
+void PrintTo(const Box& b, std::ostream* out) {
+    *out << '(' << b.left << ' ' << b.top << ' ' << b.right << ' ' << b.bottom << ')';
+}
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
+constexpr int32_t kLeast = std::numeric_limits<int32_t>::min();
+
+std::vector<RawRun> Runs(const ShapeRegion& shape, int32_t y) {
+    const auto row = shape.Row(y);
+    return {row.runs.begin(), row.runs.begin() + row.count};
+}
+
+auto Is(std::vector<RawRun> runs) { return testing::ElementsAreArray(runs); }
+
+ShapeRegion Rectangle(int32_t width, int32_t height, int32_t left, int32_t top, int32_t right, int32_t bottom) {
+    ShapeRegion shape;
+    shape.CreateRectangle(width, height, left, top, right, bottom);
+    return shape;
+}
+ShapeRegion Circle(int32_t width, int32_t height, double x, double y, double radius) {
+    ShapeRegion shape;
+    shape.CreateCircle(width, height, x, y, radius);
+    return shape;
+}
+ShapeRegion Oriented(int32_t width, int32_t height, double x1, double y1, double x2, double y2, double across) {
+    ShapeRegion shape;
+    shape.CreateOrientedRectangle(width, height, x1, y1, x2, y2, across);
+    return shape;
+}
+
+template <class Action>
+std::string FailureOf(Action action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(E_FAIL, failure.result());
+        return failure.what();
+    }
+    return "";
+}
+
+// ------------------------------------------------------------------------------------------------------------ rectangles
+
+TEST(ShapeRegion, ARectangleIsOneRunInEachRowOfItsBox) {
+    const ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 4), Is({}));
+    for (int32_t y = 5; y <= 8; ++y) EXPECT_THAT(Runs(shape, y), Is({{10, 20}}));
+    EXPECT_THAT(Runs(shape, 9), Is({}));
+}
+
+TEST(ShapeRegion, TheOutsideIsLeftAndRightOfTheShapeAndTheBoxIsTheImage) {
+    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    shape.set_polarity(PT_Outside);
+    EXPECT_EQ((Box{0, 0, 99, 49}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 6), Is({{0, 9}, {21, 99}}));
+    EXPECT_THAT(Runs(shape, 4), Is({{0, 99}}));
+    shape.CreateRectangle(100, 50, 0, 0, 99, 49);  // the polarity stays
+    EXPECT_THAT(Runs(shape, 10), Is({{0, -1}, {100, 99}}));
+}
+
+TEST(ShapeRegion, TheFrameOfARectangleIsOnePixelThick) {
+    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    shape.set_polarity(PT_Frame);
+    EXPECT_THAT(Runs(shape, 5), Is({{10, 20}}));
+    EXPECT_THAT(Runs(shape, 6), Is({{10, 10}, {20, 20}}));
+    EXPECT_THAT(Runs(shape, 7), Is({{10, 10}, {20, 20}}));
+    EXPECT_THAT(Runs(shape, 8), Is({{10, 20}}));
+    EXPECT_THAT(Runs(shape, 9), Is({}));
+}
+
+TEST(ShapeRegion, ARectangleBesideTheImageHasReversedRunsOrNoRows) {
+    EXPECT_EQ((Box{0, 2, -5, 4}), Rectangle(100, 50, -10, 2, -5, 4).BoundingBox());
+    EXPECT_THAT(Runs(Rectangle(100, 50, -10, 2, -5, 4), 3), Is({{0, -5}}));
+    EXPECT_THAT(Runs(Rectangle(100, 50, 200, 2, 300, 4), 3), Is({{200, 99}}));
+    const ShapeRegion below = Rectangle(100, 50, 1, 60, 2, 70);
+    EXPECT_EQ((Box{1, 60, 2, 49}), below.BoundingBox());
+    EXPECT_THAT(Runs(below, 49), Is({}));
+}
+
+TEST(ShapeRegion, TheLargestRectangleNeedsNoMemory) {
+    ShapeRegion shape = Rectangle(kMost, kMost, kLeast, kLeast, kMost, kMost);
+    EXPECT_THAT(Runs(shape, kMost - 1), Is({{0, kMost - 1}}));
+    shape.set_polarity(PT_Frame);
+    EXPECT_THAT(Runs(shape, 1000), Is({{0, 0}, {kMost - 1, kMost - 1}}));
+    shape.set_polarity(PT_Outside);
+    EXPECT_THAT(Runs(shape, 1000), Is({{0, -1}, {kMost, kMost - 1}}));
+}
+
+// ---------------------------------------------------------------------------------------------------------------- circles
+
+TEST(ShapeRegion, ACircleHoldsThePixelCentresWithinItsRadius) {
+    const ShapeRegion shape = Circle(100, 100, 50, 50, 2);
+    EXPECT_EQ((Box{48, 48, 52, 52}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 47), Is({}));
+    EXPECT_THAT(Runs(shape, 48), Is({{50, 50}}));
+    EXPECT_THAT(Runs(shape, 49), Is({{49, 51}}));
+    EXPECT_THAT(Runs(shape, 50), Is({{48, 52}}));
+    EXPECT_THAT(Runs(shape, 51), Is({{49, 51}}));
+    EXPECT_THAT(Runs(shape, 52), Is({{50, 50}}));
+}
+
+TEST(ShapeRegion, ACircleAtTheEdgeIsNotClippedToTheColumns) {
+    const ShapeRegion shape = Circle(100, 100, 1, 50, 5);
+    EXPECT_EQ((Box{0, 45, 6, 55}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 50), Is({{-4, 6}}));
+}
+
+TEST(ShapeRegion, ACircleRowWithoutPixelsLeavesItsOutsideWhole) {
+    ShapeRegion shape = Circle(100, 100, 5.5, 5.5, 0.5);
+    EXPECT_EQ((Box{5, 5, 6, 6}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 5), Is({{6, 5}}));
+    shape.set_polarity(PT_Outside);
+    EXPECT_THAT(Runs(shape, 5), Is({{0, 5}, {6, 99}}));
+}
+
+// In eighths of a pixel everything is a whole number, and membership is (8x - cx)^2 + (8y - cy)^2 <= r^2.
+TEST(ShapeRegion, CirclesHoldExactlyThePixelsWithinTheRadius) {
+    constexpr int32_t kSize = 24;
+    for (int64_t cx : {-9, 0, 60, 64, 67, 100, 191})
+        for (int64_t cy : {-20, 0, 61, 68, 96, 190})
+            for (int64_t r = 0; r <= 130; ++r) {
+                const ShapeRegion shape = Circle(kSize, kSize, double(cx) / 8, double(cy) / 8, double(r) / 8);
+                for (int32_t y = 0; y < kSize; ++y) {
+                    const auto runs = Runs(shape, y);
+                    for (int32_t x = 0; x < kSize; ++x) {
+                        const int64_t dx = 8 * x - cx;
+                        const int64_t dy = 8 * y - cy;
+                        const bool in = !runs.empty() && runs[0].start <= x && x <= runs[0].stop;
+                        ASSERT_EQ(dx * dx + dy * dy <= r * r, in)
+                            << x << ' ' << y << " of " << cx << ' ' << cy << ' ' << r;
+                    }
+                }
+            }
+}
+
+// (y - 0.1)^2 for y = 0.1 + 1.1 - 1 is not the rounded square of the radius: the root of what is left may be that of -1e-16.
+TEST(ShapeRegion, RoundingAtTheLastRowDoesNotLoseIt) {
+    int onCentre = 0;
+    for (int i = 1; i < 2000; ++i) {
+        const double y = 20 + i / 1999.0;
+        const double radius = y - 10;  // row 10 is the first
+        const ShapeRegion shape = Circle(50, 50, 25, y, radius);
+        const auto run = shape.Row(shape.BoundingBox().top).runs[0];
+        if (shape.BoundingBox().top != 10) continue;  // y - radius came out above 10
+        EXPECT_LE(run.start, 25);
+        EXPECT_GE(run.stop, 25);
+        ++onCentre;
+    }
+    EXPECT_GT(onCentre, 1000);
+}
+
+TEST(ShapeRegion, CirclesOfAnySizeAreDefined) {
+    EXPECT_THAT(Runs(Circle(100, 100, 50, 50, kInf), 0), Is({{kLeast, kMost}}));
+    EXPECT_EQ((Box{0, 0, 99, 99}), Circle(100, 100, 50, 50, 1e300).BoundingBox());
+    EXPECT_THAT(Runs(Circle(100, 100, 50, 50, 1e300), 99), Is({{kLeast, kMost}}));
+    EXPECT_THAT(Runs(Circle(100, 100, 50, 50, -3), 50), Is({}));
+    EXPECT_THAT(Runs(Circle(100, 100, 50, 50, 0), 50), Is({{50, 50}}));
+    // A half-plane: the edge of a huge disk, tangent at column 10. Rows of the image see it straight.
+    EXPECT_THAT(Runs(Circle(100, 100, 1e12 + 10, 50, 1e12), 50), Is({{10, kMost}}));
+    for (const double bad : {kNaN, kInf, -kInf})
+        for (const double radius : {1.0, kInf, kNaN}) {
+            for (const PolarityType polarity : {PT_Inside, PT_Frame, PT_Outside}) {
+                ShapeRegion shape = Circle(20, 20, bad, 5, radius);
+                shape.set_polarity(polarity);
+                for (int32_t y = 0; y < 20; ++y) {
+                    int32_t pixels = 0;
+                    for (const RawRun& run : Runs(shape, y))
+                        pixels += std::max(std::min(run.stop, 19) - std::max(run.start, 0) + 1, 0);
+                    EXPECT_EQ(polarity == PT_Outside ? 20 : 0, pixels) << bad << ' ' << radius;
+                }
+            }
+        }
+}
+
+// ---------------------------------------------------------------------------------------------------- oriented rectangles
+
+TEST(ShapeRegion, AnUprightOrientedRectangleIncludesItsBorder) {
+    const ShapeRegion shape = Oriented(100, 100, 55, 50, 45, 50, 4);
+    EXPECT_EQ((Box{45, 48, 55, 52}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 47), Is({}));
+    for (int32_t y = 48; y <= 52; ++y) EXPECT_THAT(Runs(shape, y), Is({{45, 55}}));
+    EXPECT_THAT(Runs(shape, 53), Is({}));
+}
+
+TEST(ShapeRegion, ADiamondIsScannedBetweenItsEdges) {
+    // Centre (10, 10), all corners a little less than 5 away, straight up, down, left and right.
+    const ShapeRegion shape =
+        Oriented(21, 21, 7.5 + 1e-9, 7.5 + 1e-9, 12.5 - 1e-9, 12.5 - 1e-9, std::sqrt(50.0) - 1e-9);
+    EXPECT_EQ((Box{6, 6, 14, 14}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 6), Is({{10, 10}}));
+    EXPECT_THAT(Runs(shape, 8), Is({{8, 12}}));
+    EXPECT_THAT(Runs(shape, 10), Is({{6, 14}}));
+    EXPECT_THAT(Runs(shape, 14), Is({{10, 10}}));
+}
+
+// Coordinates along and across the centre line decide, without edges and rows. Pixels within 1e-9 of the border, which
+// rounding may put on either side, are left out.
+TEST(ShapeRegion, OrientedRectanglesHoldThePixelsBetweenTheirSides) {
+    constexpr int32_t kSize = 60;
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> inside(18, 42);
+    std::uniform_real_distribution<double> width(1, 22);
+    int64_t compared = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const double x1 = inside(random), y1 = inside(random), x2 = inside(random), y2 = inside(random);
+        const double across = width(random);
+        const double length = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
+        const ShapeRegion shape = Oriented(kSize, kSize, x1, y1, x2, y2, across);
+        for (int32_t y = 0; y < kSize; ++y) {
+            const auto runs = Runs(shape, y);
+            for (int32_t x = 0; x < kSize; ++x) {
+                const double along = ((x - x1) * (x2 - x1) + (y - y1) * (y2 - y1)) / length;
+                const double aside = ((x - x1) * (y2 - y1) - (y - y1) * (x2 - x1)) / length;
+                const double depth = std::min(std::min(along, length - along), across / 2 - std::abs(aside));
+                if (std::abs(depth) < 1e-9) continue;
+                const bool in = !runs.empty() && runs[0].start <= x && x <= runs[0].stop;
+                ASSERT_EQ(depth > 0, in) << x << ' ' << y << " in " << x1 << ' ' << y1 << ' ' << x2 << ' ' << y2 << ' '
+                                         << across;
+                ++compared;
+            }
+        }
+    }
+    EXPECT_GT(compared, int64_t{2000} * kSize * kSize - 1000);
+}
+
+TEST(ShapeRegion, ARectangleBesideTheImageHasThePixelAtTheNearEnd) {
+    const ShapeRegion left = Oriented(100, 50, -30, 10, -20, 10, 6);
+    EXPECT_EQ((Box{0, 7, 0, 13}), left.BoundingBox());
+    EXPECT_THAT(Runs(left, 10), Is({{0, 0}}));
+    const ShapeRegion right = Oriented(100, 50, 130, 10, 120, 10, 6);
+    EXPECT_EQ((Box{99, 7, 99, 13}), right.BoundingBox());
+    EXPECT_THAT(Runs(right, 10), Is({{99, 99}}));
+    // Above the image there are no rows: the box stays as the search began.
+    EXPECT_EQ((Box{99, 49, 0, 0}), Oriented(100, 50, 10, -20, 20, -20, 6).BoundingBox());
+}
+
+TEST(ShapeRegion, ARowBetweenTwoPixelCentresIsNotInTheBox) {
+    // Half a pixel long about column 10.5: no pixel centre lies in it.
+    const ShapeRegion shape = Oriented(100, 50, 10.25, 10, 10.75, 10, 2);
+    EXPECT_EQ((Box{99, 49, 0, 0}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 10), Is({}));
+}
+
+TEST(ShapeRegion, BelowAWidthOfOneItIsTheOnePixelLine) {
+    const ShapeRegion shape = Oriented(100, 50, 1.6, 2.4, 8.4, 3.5, 0.5);  // (2, 2) to (8, 4)
+    EXPECT_EQ((Box{2, 2, 8, 4}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 2), Is({{2, 3}}));
+    EXPECT_THAT(Runs(shape, 3), Is({{4, 6}}));
+    EXPECT_THAT(Runs(shape, 4), Is({{7, 8}}));
+    // A width of -3 is below 1 too; what lies outside the image is left out.
+    const ShapeRegion across = Oriented(10, 10, -1e9, -1e9, 1e9, 1e9, -3);
+    EXPECT_EQ((Box{0, 0, 9, 9}), across.BoundingBox());
+    for (int32_t y = 0; y < 10; ++y) EXPECT_THAT(Runs(across, y), Is({{y, y}}));
+    EXPECT_EQ((Box{9, 9, 0, 0}), Oriented(10, 10, 20, 20, 30, 30, 0).BoundingBox());
+}
+
+TEST(ShapeRegion, InAnImageOnePixelWideTheEmptyRunReadsAsColumnZero) {
+    // Nothing of the line is in the image; the box that the search began with is its one pixel.
+    const ShapeRegion shape = Oriented(1, 1, 20, 20, 30, 30, 0);
+    EXPECT_EQ((Box{0, 0, 0, 0}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 0), Is({{0, 0}}));
+    EXPECT_THAT(Runs(Oriented(2, 1, 20, 20, 30, 30, 0), 0), Is({{1, 0}}));
+}
+
+TEST(ShapeRegion, CentreLinesOfAnyLengthAreDefined) {
+    const std::string none = "IShapeRegionOfInterest::CreateOrientedRectangle: no rectangle center line.";
+    ShapeRegion shape;
+    EXPECT_EQ(none, FailureOf([&] { shape.CreateOrientedRectangle(10, 10, 3, 4, 3, 4, 2); }));
+    EXPECT_EQ(none, FailureOf([&] { shape.CreateOrientedRectangle(10, 10, kNaN, 4, 3, 4, 2); }));
+    EXPECT_EQ(none, FailureOf([&] { shape.CreateOrientedRectangle(10, 10, kInf, 4, kInf, 4, 2); }));
+    // The squares of these lengths overflow and underflow; the lengths do not.
+    EXPECT_EQ((Box{0, 4, 9, 6}), Oriented(10, 10, -1e200, 5, 1e200, 5, 2).BoundingBox());
+    EXPECT_EQ((Box{5, 4, 5, 6}), Oriented(10, 10, 5, 5, std::nextafter(5.0, 6.0), 5, 2).BoundingBox());
+    EXPECT_EQ((Box{0, 0, 0, 1}), Oriented(10, 10, 0, 0, 5e-324, 0, 2).BoundingBox());
+    for (const double odd : {kInf, -kInf, 1e308, kNaN}) {
+        Oriented(10, 10, 0, 0, 1, 1, odd);
+        if (!std::isnan(odd)) Oriented(10, 10, 0, 0, odd, 3, 2);
+        if (!std::isnan(odd)) Oriented(10, 10, -odd, odd, odd, -odd, 1e308);
+    }
+    EXPECT_THAT(Runs(Oriented(10, 10, 0, 0, 9, 9, kNaN), 5), Is({}));
+}
+
+// -------------------------------------------------------------------------------------------------------------- the frame
+
+// A pixel of the shape belongs to the frame unless it lies between the ends of its run, in a row between the first and the
+// last, and the rows above and below cover it.
+TEST(ShapeRegion, FramesHoldThePixelsThatTheirNeighboursDoNotCover) {
+    std::vector<ShapeRegion> shapes;
+    for (const double radius : {0.0, 0.5, 1.0, 1.5, 3.3, 7.0, 12.9, 30.0, 80.0}) {
+        shapes.push_back(Circle(40, 40, 20, 20, radius));
+        shapes.push_back(Circle(40, 40, 5.5, 31.5, radius));
+        shapes.push_back(Oriented(40, 40, 20 - radius, 20 - radius / 2, 21 + radius, 20 + radius, 5));
+        shapes.push_back(Oriented(40, 40, 3, 3, 30 - radius / 3, 35, 0.5));
+    }
+    for (const ShapeRegion& shape : shapes) {
+        ShapeRegion frame = shape;
+        frame.set_polarity(PT_Frame);
+        const Box box = shape.BoundingBox();
+        const auto covers = [&](int32_t x, int32_t y) {
+            const auto runs = Runs(shape, y);
+            return !runs.empty() && runs[0].start <= x && x <= runs[0].stop;
+        };
+        for (int32_t y = 0; y < 40; ++y)
+            for (int32_t x = -60; x < 100; ++x) {
+                bool want = covers(x, y);
+                if (want && y != box.top && y != box.bottom)
+                    want = !covers(x - 1, y) || !covers(x + 1, y) || !covers(x, y - 1) || !covers(x, y + 1);
+                bool got = false;
+                for (const RawRun& run : Runs(frame, y)) got = got || (run.start <= x && x <= run.stop);
+                ASSERT_EQ(want, got) << x << ' ' << y;
+            }
+    }
+}
+
+TEST(ShapeRegion, OtherPolaritiesCountAsInside) {
+    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    shape.set_polarity(static_cast<PolarityType>(3));
+    EXPECT_EQ(3, static_cast<int>(shape.polarity()));
+    EXPECT_THAT(Runs(shape, 6), Is({{10, 20}}));
+    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());
+}
+
+// ---------------------------------------------------------------------------------------------------------------- failures
+
+TEST(ShapeRegion, EachCreationTestsWidthThenHeightAndThenChangesNothing) {
+    const std::string prefix = "IShapeRegionOfInterest::";
+    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    const auto expect = [&](const std::string& method, auto create) {
+        for (const int32_t bad : {0, -1, kLeast}) {
+            EXPECT_EQ(prefix + method + ": width must be positive.", FailureOf([&] { create(bad, bad); }));
+            EXPECT_EQ(prefix + method + ": height must be positive.", FailureOf([&] { create(7, bad); }));
+        }
+        EXPECT_EQ(100, shape.width());
+        EXPECT_THAT(Runs(shape, 6), Is({{10, 20}}));
+    };
+    expect("CreateRectangle", [&](int32_t w, int32_t h) { shape.CreateRectangle(w, h, 9, 9, 1, 1); });
+    expect("CreateCircle", [&](int32_t w, int32_t h) { shape.CreateCircle(w, h, 1, 1, kNaN); });
+    expect("CreateOrientedRectangle",
+           [&](int32_t w, int32_t h) { shape.CreateOrientedRectangle(w, h, 1, 1, 1, 1, 1); });
+}
+
+TEST(ShapeRegion, AFailureAfterTheSizeLeavesTheNewSizeAndNoPixels) {
+    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    EXPECT_EQ("IShapeRegionOfInterest::CreateRectangle: left cannot be greater than right.",
+              FailureOf([&] { shape.CreateRectangle(30, 7, 2, 3, 1, 2); }));
+    EXPECT_EQ(30, shape.width());
+    EXPECT_EQ(7, shape.height());
+    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());  // of rows that the image no longer has
+    EXPECT_THAT(Runs(shape, 5), Is({{29, 0}}));
+    shape.set_polarity(PT_Frame);
+    EXPECT_THAT(Runs(shape, 6), Is({{29, 0}, {29, 0}}));
+    shape.set_polarity(PT_Outside);
+    EXPECT_THAT(Runs(shape, 5), Is({{0, 28}, {1, 29}}));
+
+    shape.CreateCircle(40, 40, 20, 20, 5);
+    EXPECT_EQ("IShapeRegionOfInterest::CreateRectangle: top cannot be below bottom.",
+              FailureOf([&] { shape.CreateRectangle(8, 9, 1, 3, 1, 2); }));
+    EXPECT_EQ(8, shape.width());
+    shape.CreateCircle(40, 40, 20, 20, 5);
+    FailureOf([&] { shape.CreateOrientedRectangle(11, 12, 1, 1, 1, 1, 1); });
+    EXPECT_EQ(11, shape.width());
+    EXPECT_EQ(12, shape.height());
+}
+
+TEST(ShapeRegion, ANewOneHasNoSizeAndNoPixels) {
+    const ShapeRegion shape;
+    EXPECT_EQ(0, shape.width());
+    EXPECT_EQ(0, shape.height());
+    EXPECT_EQ(PT_Inside, shape.polarity());
+    EXPECT_EQ((Box{0, 0, -1, -1}), shape.BoundingBox());
+}
+
+TEST(Rounding, EveryDoubleBecomesAWholeNumberOf32Bits) {
+    for (const auto convert : {&TruncateToInt32, &FloorToInt32, &CeilToInt32, &RoundToInt32}) {
+        EXPECT_EQ(0, convert(kNaN));
+        EXPECT_EQ(kMost, convert(kInf));
+        EXPECT_EQ(kLeast, convert(-kInf));
+        EXPECT_EQ(kMost, convert(2147483648.0));
+        EXPECT_EQ(kLeast, convert(-2147483650.0));
+        EXPECT_EQ(-7, convert(-7.0));
+    }
+    EXPECT_EQ(-2, FloorToInt32(-1.5));
+    EXPECT_EQ(-1, CeilToInt32(-1.5));
+    EXPECT_EQ(-1, RoundToInt32(-1.5));
+    EXPECT_EQ(2, RoundToInt32(1.5));
+    EXPECT_EQ(-1, TruncateToInt32(-1.9));
+}
+
+}  // namespace
+}  // namespace orlix
