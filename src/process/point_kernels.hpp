@@ -35,16 +35,86 @@ void LookUp_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 template <class T>
 void Fill_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 
+void Ramp_sse2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+void Ramp_sse2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
+void Ramp_sse2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
+void Ramp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+void Ramp_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
+void Ramp_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
+void Ramp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+void Ramp_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
+void Ramp_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
+
+// Where value is a float, float arithmetic gives the bits of double arithmetic rounded to float: a double has more than twice
+// the digits, so rounding twice cannot go astray in a sum or a quotient of floats.
+void Sum_sse2(float* pixels, size_t n, const PointParameters<float>& parameters);
+void Sum_avx2(float* pixels, size_t n, const PointParameters<float>& parameters);
+void Sum_avx512(float* pixels, size_t n, const PointParameters<float>& parameters);
+void Quotient_sse2(float* pixels, size_t n, const PointParameters<float>& parameters);
+void Quotient_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
+void Quotient_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
+void Quotient_avx2(float* pixels, size_t n, const PointParameters<float>& parameters);
+void Quotient_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
+void Quotient_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
+void Quotient_avx512(float* pixels, size_t n, const PointParameters<float>& parameters);
+
+void LookUp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+void LookUp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+
+namespace {  // used in files of every instruction set: each keeps its own copy
+
+constexpr float kMostFloat = 0x1.fffffep127f;
+
+[[gnu::always_inline]] inline bool IsExact(float narrow, double value) {
+    return !(static_cast<double>(narrow) < value) && !(static_cast<double>(narrow) > value) && value == value;
+}
+
+}  // namespace
+
+template <class T>
+inline constexpr Variant<PointFn<T>> kRamp[] = {
+    {"avx512", Cpu::Avx512, &Ramp_avx512},
+    {"avx2", Cpu::Avx2, &Ramp_avx2},
+    {"sse2", Cpu::Sse2, &Ramp_sse2},
+    {"scalar", Cpu::Any, &Ramp_scalar},
+};
+
 template <class T>
 inline constexpr Variant<PointFn<T>> kSum[] = {{"scalar", Cpu::Any, &Sum_scalar}};
+template <>
+inline constexpr Variant<PointFn<float>> kSum<float>[] = {
+    {"avx512", Cpu::Avx512, &Sum_avx512},
+    {"avx2", Cpu::Avx2, &Sum_avx2},
+    {"sse2", Cpu::Sse2, &Sum_sse2},
+    {"scalar", Cpu::Any, &Sum_scalar},
+};
+
 template <class T>
-inline constexpr Variant<PointFn<T>> kRamp[] = {{"scalar", Cpu::Any, &Ramp_scalar}};
-template <class T>
-inline constexpr Variant<PointFn<T>> kQuotient[] = {{"scalar", Cpu::Any, &Quotient_scalar}};
-template <class T>
-inline constexpr Variant<PointFn<T>> kShift[] = {{"scalar", Cpu::Any, &Shift_scalar}};
+inline constexpr Variant<PointFn<T>> kQuotient[] = {
+    {"avx512", Cpu::Avx512, &Quotient_avx512},
+    {"avx2", Cpu::Avx2, &Quotient_avx2},
+    {"scalar", Cpu::Any, &Quotient_scalar},
+};
+template <>
+inline constexpr Variant<PointFn<float>> kQuotient<float>[] = {
+    {"avx512", Cpu::Avx512, &Quotient_avx512},
+    {"avx2", Cpu::Avx2, &Quotient_avx2},
+    {"sse2", Cpu::Sse2, &Quotient_sse2},
+    {"scalar", Cpu::Any, &Quotient_scalar},
+};
+
 template <class T>
 inline constexpr Variant<PointFn<T>> kLookUp[] = {{"scalar", Cpu::Any, &LookUp_scalar}};
+template <>
+inline constexpr Variant<PointFn<uint8_t>> kLookUp<uint8_t>[] = {
+    {"avx512", Cpu::Avx512, &LookUp_avx512},
+    {"avx2", Cpu::Avx2, &LookUp_avx2},
+    {"scalar", Cpu::Any, &LookUp_scalar},
+};
+
+// The compiler's own vectors reach the limit of memory in these.
+template <class T>
+inline constexpr Variant<PointFn<T>> kShift[] = {{"scalar", Cpu::Any, &Shift_scalar}};
 template <class T>
 inline constexpr Variant<PointFn<T>> kFill[] = {{"scalar", Cpu::Any, &Fill_scalar}};
 

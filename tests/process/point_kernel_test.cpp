@@ -1,0 +1,282 @@
+#include <cmath>
+
+#include "kernel_testing.hpp"
+#include "process/point_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr float kLargest = std::numeric_limits<float>::max();
+
+template <class T>
+T Applied(const PointOperation<T>& operation, T pixel) {
+    operation(&pixel, 1);
+    return pixel;
+}
+
+template <class T, class Table>
+void ExpectVariantsEqualScalar(const Table& table, const PointParameters<T>& parameters) {
+    for (const auto& variant : SupportedOnThisCpu(table))
+        for (const size_t n : kAwkwardSizes)
+            for (const size_t offset : {0, 1, 3}) {
+                const std::vector<T> noise = Noise<T>(n, static_cast<uint32_t>(n + offset));
+                Guarded<T> want(noise, offset);
+                Guarded<T> got(noise, offset);
+                table[std::size(table) - 1].fn(want.data(), n, parameters);
+                variant.fn(got.data(), n, parameters);
+                ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name << ", offset " << offset;
+                ASSERT_TRUE(got.GuardsIntact()) << variant.name << ", " << n << " pixels, offset " << offset;
+            }
+}
+
+template <class T>
+class IntegerPoint : public testing::Test {};
+using IntegerTypes = testing::Types<uint8_t, uint16_t, uint32_t>;
+TYPED_TEST_SUITE(IntegerPoint, IntegerTypes, );
+
+TYPED_TEST(IntegerPoint, EveryVariantOfTheRampEqualsTheDefinition) {
+    using T = TypeParam;
+    constexpr T kMost = std::numeric_limits<T>::max();
+    const struct {
+        T first, last, offset;
+    } ramps[] = {{0, kMost, 0},
+                 {0, kMost, kMost},
+                 {10, 200, 210},
+                 {0, 0, 77},
+                 {kMost, kMost, 1},
+                 {T(kMost / 2), T(kMost / 2 + 1), T(kMost / 3)},
+                 {1, T(kMost - 1), T(kMost / 2 + 1)}};
+    for (const auto& ramp : ramps)
+        for (const bool falling : {false, true}) {
+            PointParameters<T> parameters;
+            parameters.first = ramp.first;
+            parameters.last = ramp.last;
+            parameters.offset = ramp.offset;
+            parameters.falling = falling;
+            ExpectVariantsEqualScalar<T>(kRamp<T>, parameters);
+        }
+}
+
+TYPED_TEST(IntegerPoint, EveryVariantOfTheQuotientEqualsTheDefinition) {
+    for (const double value :
+         {3.0, 0.3, 1.0, 255.5, 1e-300, -4.0, 1e300, kInfinity, -kInfinity, kNan, 65536.5, 0.99999999, 5e-324}) {
+        PointParameters<TypeParam> parameters;
+        parameters.value = value;
+        if constexpr (!std::is_same_v<TypeParam, uint8_t>)
+            ExpectVariantsEqualScalar<TypeParam>(kQuotient<TypeParam>, parameters);
+    }
+}
+
+TEST(FloatPoint, EveryVariantOfSumAndQuotientEqualsTheDefinition) {
+    for (const double value : {0.0, -0.0, 1.0, -17.25, 0.1, 3.0, 1e-300, 1e300, 1e-45, 3.4e38, kInfinity, -kInfinity}) {
+        PointParameters<float> parameters;
+        parameters.value = value;
+        ExpectVariantsEqualScalar<float>(kQuotient<float>, parameters);
+        const struct { float lower, upper; } ranges[] = {{-kLargest, kLargest}, {0, 100}, {100, 0}, {-0.1f, -0.1f}};
+        for (const auto& range : ranges)
+            for (const bool falling : {false, true}) {
+                parameters.lower = range.lower;
+                parameters.upper = range.upper;
+                parameters.falling = falling;
+                ExpectVariantsEqualScalar<float>(kSum<float>, parameters);
+            }
+    }
+    PointParameters<float> parameters;
+    parameters.value = kNan;
+    ExpectVariantsEqualScalar<float>(kQuotient<float>, parameters);
+}
+
+TEST(BytePoint, EveryVariantOfTheTableEqualsTheDefinition) {
+    PointParameters<uint8_t> parameters;
+    for (uint32_t seed : {1, 2, 3}) {
+        std::mt19937 random(seed);
+        for (uint8_t& entry : parameters.table) entry = static_cast<uint8_t>(random());
+        ExpectVariantsEqualScalar<uint8_t>(kLookUp<uint8_t>, parameters);
+        std::vector<uint8_t> all = AllValues<uint8_t>();
+        for (const auto& variant : SupportedOnThisCpu(kLookUp<uint8_t>)) {
+            std::vector<uint8_t> pixels = all;
+            variant.fn(pixels.data(), pixels.size(), parameters);
+            EXPECT_TRUE(SameBits(parameters.table, pixels.data(), 256)) << variant.name;
+        }
+    }
+}
+
+// Every operation on integer pixels against the rules as the interface states them, taken literally.
+template <class T>
+std::vector<T> ManyValues() {
+    if constexpr (sizeof(T) < 4) {
+        return AllValues<T>();
+    } else {
+        std::vector<T> values = Noise<T>(20000, 5);
+        for (uint32_t i = 0; i < 300; ++i) {
+            values.push_back(i);
+            values.push_back(~i);
+            values.push_back(0x80000000 - 150 + i);
+        }
+        return values;
+    }
+}
+
+template <class T, class Rule>
+void ExpectRule(const PointOperation<T>& operation, const Rule& rule, const std::string& what) {
+    const std::vector<T> before = ManyValues<T>();
+    std::vector<T> after = before;
+    operation(after.data(), after.size());
+    for (size_t i = 0; i < before.size(); ++i) ASSERT_EQ(rule(before[i]), after[i]) << what << " of " << +before[i];
+}
+
+template <class T>
+std::vector<std::pair<T, T>> Ranges() {
+    constexpr T kMost = std::numeric_limits<T>::max();
+    return {{0, kMost}, {10, 200}, {200, 10}, {0, 0}, {kMost, kMost}, {kMost, 0}, {T(kMost - 3), T(kMost - 1)}, {5, 6}};
+}
+
+TYPED_TEST(IntegerPoint, InvertIsUpperLessPixelPlusLowerClampedFromBelowFirst) {
+    using T = TypeParam;
+    for (const auto& [lower, upper] : Ranges<T>())
+        ExpectRule<T>(
+            PointOperation<T>::Invert(lower, upper),
+            [&, lower = lower, upper = upper](T p) {
+                const int64_t v = int64_t{upper} - p + lower;
+                return v < lower ? lower : v > upper ? upper : static_cast<T>(v);
+            },
+            "Invert(" + std::to_string(lower) + ", " + std::to_string(upper) + ")");
+}
+
+TYPED_TEST(IntegerPoint, AddIsTheRoundedClampedSumInDouble) {
+    using T = TypeParam;
+    const double most = std::numeric_limits<T>::max();
+    for (const double value : {0.0,
+                               1.0,
+                               -1.0,
+                               0.5,
+                               -0.5,
+                               10.5,
+                               0.49999999999999994,
+                               -0.49999999999999994,
+                               0.50000001,
+                               0.4999999,
+                               0.3,
+                               -7.7,
+                               300.0,
+                               -300.0,
+                               most,
+                               -most,
+                               most + 0.5,
+                               -most - 0.5,
+                               most - 0.4,
+                               2 * most,
+                               1e18,
+                               -1e18,
+                               1e300,
+                               kInfinity,
+                               -kInfinity,
+                               123.4995,
+                               123.5005,
+                               0.5 + 0x1p-17,
+                               0.5 - 0x1p-40,
+                               0x1p-1074})
+        for (const auto& [lower, upper] : Ranges<T>())
+            ExpectRule<T>(
+                PointOperation<T>::Add(value, lower, upper),
+                [&, lower = lower, upper = upper](T p) {
+                    const double s = static_cast<double>(p) + value;
+                    return s < lower ? lower : s > upper ? upper : static_cast<T>(std::floor(s + 0.5));
+                },
+                "Add(" + std::to_string(value) + ", " + std::to_string(lower) + ", " + std::to_string(upper) + ")");
+}
+
+TYPED_TEST(IntegerPoint, DivideShiftsByPowersOfTwoAndRoundsOtherwise) {
+    using T = TypeParam;
+    const double most = std::numeric_limits<T>::max();
+    for (int k = -1074; k <= 1023; ++k) {
+        if (k > 40 && k < 1020) continue;
+        const int shift = k < 0 ? (k % 32 + 32) % 32 : k;
+        ExpectRule<T>(
+            PointOperation<T>::Divide(std::ldexp(1.0, k)),
+            [&](T p) { return shift > 31 ? T{0} : static_cast<T>(uint64_t{p} >> shift); }, "2^" + std::to_string(k));
+        if (k < -40) k += 37;
+    }
+    for (const double value : {3.0, 7.0, 0.1, 255.0, 1e-300, 1e300, 6.5, 3.9999999999999996, 4.000000000000001})
+        ExpectRule<T>(
+            PointOperation<T>::Divide(value),
+            [&](T p) {
+                const double q = static_cast<double>(p) / value;
+                return q > most ? static_cast<T>(most) : static_cast<T>(std::floor(q + 0.5));
+            },
+            "Divide(" + std::to_string(value) + ")");
+    for (const double value : {-1.0, -0.25, -kInfinity, kInfinity, kNan})
+        ExpectRule<T>(
+            PointOperation<T>::Divide(value), [](T) { return T{0}; }, "Divide(" + std::to_string(value) + ")");
+}
+
+TYPED_TEST(IntegerPoint, LookUpTakesTheFirst256ValuesAndLeavesTheOthers) {
+    using T = TypeParam;
+    T table[256];
+    for (size_t i = 0; i < 256; ++i) table[i] = static_cast<T>((i * 167 + 13) * 0x01010101u);
+    ExpectRule<T>(
+        PointOperation<T>::LookUp(table), [&](T p) { return p < 256u ? table[p] : p; }, "LookUp");
+    for (size_t i = 0; i < 256; ++i) table[i] = static_cast<T>(i);
+    ExpectRule<T>(
+        PointOperation<T>::LookUp(table), [](T p) { return p; }, "identity");
+}
+
+TEST(BytePoint, TablesThatAreNearlyRampsStayTables) {
+    // One wrong entry at either end of the slope, or a step of two, must not be taken for a ramp.
+    for (int changed = 0; changed < 256; ++changed)
+        for (const bool falling : {false, true}) {
+            uint8_t table[256];
+            for (int i = 0; i < 256; ++i) {
+                const int v = std::clamp(falling ? 230 - i : i - 20, 5, 190);
+                table[i] = static_cast<uint8_t>(i == changed ? v + 1 : v);
+            }
+            ExpectRule<uint8_t>(
+                PointOperation<uint8_t>::LookUp(table), [&](uint8_t p) { return table[p]; }, "table");
+        }
+}
+
+TEST(Point, KnownAnswers) {
+    using Byte = PointOperation<uint8_t>;
+    EXPECT_EQ(155, Applied<uint8_t>(Byte::Invert(0, 255), 100));
+    EXPECT_EQ(200, Applied<uint8_t>(Byte::Invert(10, 200), 5));   // 205, clamped
+    EXPECT_EQ(11, Applied<uint8_t>(Byte::Add(0.5, 0, 255), 10));  // half up
+    EXPECT_EQ(7, Applied<uint8_t>(Byte::Add(-300, 7, 255), 10));
+    EXPECT_EQ(9, Applied<uint8_t>(Byte::Add(kNan, 9, 255), 10));
+    EXPECT_EQ(63, Applied<uint8_t>(Byte::Divide(4), 255));
+    EXPECT_EQ(85, Applied<uint8_t>(Byte::Divide(3), 255));
+    EXPECT_EQ(3, Applied<uint8_t>(Byte::Divide(3), 10));
+    EXPECT_EQ(0, Applied<uint8_t>(Byte::Divide(0.5), 255));
+    EXPECT_EQ(255, Applied<uint8_t>(Byte::Divide(1e-300), 1));
+    EXPECT_EQ(0, Applied<uint8_t>(Byte::Divide(1e-300), 0));
+    EXPECT_EQ(77, Applied<uint8_t>(Byte::Fill(77), 0));
+    EXPECT_EQ(1u, Applied<uint32_t>(PointOperation<uint32_t>::Divide(0.5), 0x80000000u));  // shift by 31
+    EXPECT_EQ(0u, Applied<uint32_t>(PointOperation<uint32_t>::Divide(0x1p40), 0xffffffffu));
+    EXPECT_EQ(0xffffffffu, Applied<uint32_t>(PointOperation<uint32_t>::Divide(0.99), 0xffffffffu));
+}
+
+TEST(FloatPoint, KnownAnswers) {
+    using Float = PointOperation<float>;
+    EXPECT_EQ(-100.25f, Applied(Float::Invert(-kLargest, kLargest), 100.25f));
+    EXPECT_EQ(0.75f, Applied(Float::Invert(0, 1), 0.25f));
+    EXPECT_EQ(1.0f, Applied(Float::Invert(0, 1), -3.0f));
+    EXPECT_EQ(0.25f, Applied(Float::Add(0.25, -kLargest, kLargest), 0.0f));  // not rounded to whole numbers
+    EXPECT_EQ(kLargest, Applied(Float::Add(1e300, -kLargest, kLargest), 1.0f));
+    EXPECT_EQ(-2.0f, Applied(Float::Add(kNan, -2, 2), 1.0f));
+    EXPECT_EQ(0.5f, Applied(Float::Divide(2), 1.0f));  // no shift
+    EXPECT_EQ(-kLargest, Applied(Float::Divide(1e-300), -1.0f));
+    EXPECT_TRUE(std::isnan(Applied(Float::Divide(kNan), 1.0f)));
+    EXPECT_TRUE(std::isnan(Applied(Float::Add(1, 0, 10), std::numeric_limits<float>::quiet_NaN())));
+    float table[256] = {};
+    for (size_t i = 0; i < 256; ++i) table[i] = static_cast<float>(i) + 0.5f;
+    EXPECT_EQ(3.5f, Applied(Float::LookUp(table), 3.99f));
+    EXPECT_EQ(0.5f, Applied(Float::LookUp(table), -0.0f));
+    EXPECT_EQ(255.5f, Applied(Float::LookUp(table), 255.99998f));
+    EXPECT_EQ(256.0f, Applied(Float::LookUp(table), 256.0f));
+    EXPECT_EQ(-0.25f, Applied(Float::LookUp(table), -0.25f));
+    EXPECT_TRUE(std::isnan(Applied(Float::LookUp(table), std::numeric_limits<float>::quiet_NaN())));
+}
+
+}  // namespace
+}  // namespace orlix
