@@ -1,0 +1,101 @@
+#include <emmintrin.h>
+
+#include "process/threshold_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+// 0xff for each of 16 pixels inside, in order. Integers: nothing is left of p - hi and lo - p when they saturate at 0.
+struct Inside {
+    template <class T>
+    static __m128i Load(const T* p) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    }
+    static __m128i Of(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
+        const __m128i p = Load(pixels);
+        const __m128i above = _mm_subs_epu8(p, _mm_set1_epi8(static_cast<char>(hi)));
+        const __m128i below = _mm_subs_epu8(_mm_set1_epi8(static_cast<char>(lo)), p);
+        return _mm_cmpeq_epi8(_mm_or_si128(above, below), _mm_setzero_si128());
+    }
+    static __m128i Of(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
+        const auto eight = [&](const uint16_t* at) {
+            const __m128i p = Load(at);
+            const __m128i above = _mm_subs_epu16(p, _mm_set1_epi16(static_cast<short>(hi)));
+            const __m128i below = _mm_subs_epu16(_mm_set1_epi16(static_cast<short>(lo)), p);
+            return _mm_cmpeq_epi16(_mm_or_si128(above, below), _mm_setzero_si128());
+        };
+        return _mm_packs_epi16(eight(pixels), eight(pixels + 8));
+    }
+    template <class Four>
+    static __m128i Packed(const Four& four) {
+        return _mm_packs_epi16(_mm_packs_epi32(four(0), four(4)), _mm_packs_epi32(four(8), four(12)));
+    }
+    static __m128i Of(const uint32_t* pixels, uint32_t lo, uint32_t hi) {
+        const __m128i sign = _mm_set1_epi32(static_cast<int>(0x80000000u));
+        const __m128i low = _mm_set1_epi32(static_cast<int>(lo ^ 0x80000000u));
+        const __m128i high = _mm_set1_epi32(static_cast<int>(hi ^ 0x80000000u));
+        const __m128i outside = Packed([&](int first) {
+            const __m128i p = _mm_xor_si128(Load(pixels + first), sign);
+            return _mm_or_si128(_mm_cmpgt_epi32(low, p), _mm_cmpgt_epi32(p, high));
+        });
+        return _mm_cmpeq_epi8(outside, _mm_setzero_si128());
+    }
+};
+
+uint64_t WithReversedBytes(uint64_t bits) {
+    bits = (bits & 0x5555555555555555) << 1 | (bits >> 1 & 0x5555555555555555);
+    bits = (bits & 0x3333333333333333) << 2 | (bits >> 2 & 0x3333333333333333);
+    return (bits & 0x0f0f0f0f0f0f0f0f) << 4 | (bits >> 4 & 0x0f0f0f0f0f0f0f0f);
+}
+
+// mask(i) gives 0xff for each set pixel of the 16 from i.
+template <class Mask>
+size_t SetBits(size_t bytes, uint8_t* bits, const Mask& mask) {
+    size_t done = 0;
+    for (; done + 8 <= bytes; done += 8) {
+        uint64_t word = 0;
+        for (unsigned part = 0; part < 4; ++part)
+            word |= static_cast<uint64_t>(_mm_movemask_epi8(mask(8 * done + 16 * part))) << 16 * part;
+        word = WithReversedBytes(word);
+        uint64_t old;
+        __builtin_memcpy(&old, bits + done, 8);
+        word |= old;
+        __builtin_memcpy(bits + done, &word, 8);
+    }
+    return done;
+}
+
+template <class T>
+void Integers(const T* pixels, size_t bytes, uint8_t* bits, T lo, T hi, bool inside) {
+    const __m128i flip = _mm_set1_epi8(inside ? 0 : -1);
+    const size_t done =
+        SetBits(bytes, bits, [&](size_t i) { return _mm_xor_si128(Inside::Of(pixels + i, lo, hi), flip); });
+    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
+}
+
+}  // namespace
+
+void Threshold_sse2(const uint8_t* pixels, size_t bytes, uint8_t* bits, uint8_t lo, uint8_t hi, bool inside) {
+    Integers(pixels, bytes, bits, lo, hi, inside);
+}
+void Threshold_sse2(const uint16_t* pixels, size_t bytes, uint8_t* bits, uint16_t lo, uint16_t hi, bool inside) {
+    Integers(pixels, bytes, bits, lo, hi, inside);
+}
+void Threshold_sse2(const uint32_t* pixels, size_t bytes, uint8_t* bits, uint32_t lo, uint32_t hi, bool inside) {
+    Integers(pixels, bytes, bits, lo, hi, inside);
+}
+
+void Threshold_sse2(const float* pixels, size_t bytes, uint8_t* bits, float lo, float hi, bool inside) {
+    const __m128 low = _mm_set1_ps(lo), high = _mm_set1_ps(hi);
+    // Comparisons with NaN fail, so outside is not the complement of inside.
+    const size_t done = SetBits(bytes, bits, [&](size_t i) {
+        return Inside::Packed([&](int first) {
+            const __m128 p = _mm_loadu_ps(pixels + i + first);
+            return _mm_castps_si128(inside ? _mm_and_ps(_mm_cmpge_ps(p, low), _mm_cmple_ps(p, high))
+                                           : _mm_or_ps(_mm_cmplt_ps(p, low), _mm_cmpgt_ps(p, high)));
+        });
+    });
+    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
+}
+
+}  // namespace orlix

@@ -1,0 +1,100 @@
+#include <algorithm>
+
+#include "kernel_testing.hpp"
+#include "process/threshold_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+template <class T>
+class ThresholdKernel : public testing::Test {};
+using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
+TYPED_TEST_SUITE(ThresholdKernel, PixelTypes, );
+
+template <class T>
+std::vector<std::pair<T, T>> Bounds() {
+    if constexpr (std::is_same_v<T, float>) {
+        constexpr float kInfinity = std::numeric_limits<float>::infinity();
+        return {{-1000, 1000}, {1000, -1000}, {0, 0}, {-kInfinity, kInfinity}, {12.5f, kInfinity}, {-1e-45f, 3e38f}};
+    } else {
+        constexpr T kMost = std::numeric_limits<T>::max();
+        return {{0, kMost},
+                {kMost, 0},
+                {0, 0},
+                {kMost, kMost},
+                {5, 4},
+                {T(kMost / 4), T(kMost / 2)},
+                {1, T(kMost - 1)},
+                {T(kMost / 2), T(kMost / 2)}};
+    }
+}
+
+TYPED_TEST(ThresholdKernel, EveryVariantEqualsTheDefinition) {
+    using T = TypeParam;
+    for (const auto& variant : SupportedOnThisCpu(kThreshold<T>))
+        for (const size_t bytes : {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 40})
+            for (const size_t offset : {0, 1, 5})
+                for (const auto& [lo, hi] : Bounds<T>())
+                    for (const bool inside : {false, true}) {
+                        Guarded<T> pixels(Noise<T>(8 * bytes, static_cast<uint32_t>(bytes + offset)), offset);
+                        // Some bits are set before: bits are only ever added.
+                        const std::vector<uint8_t> before = Noise<uint8_t>(bytes, 9);
+                        Guarded<uint8_t> want(before, offset), got(before, offset);
+                        Threshold_scalar(pixels.data(), bytes, want.data(), lo, hi, inside);
+                        variant.fn(pixels.data(), bytes, got.data(), lo, hi, inside);
+                        ASSERT_TRUE(SameBits(want.data(), got.data(), bytes)) << variant.name << " " << lo << " " << hi;
+                        ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+                    }
+}
+
+// Against the rule, bit by bit, for runs that start and end anywhere in a byte.
+TYPED_TEST(ThresholdKernel, SetsExactlyTheBitsOfTheRun) {
+    using T = TypeParam;
+    constexpr int32_t kWidth = 300;
+    const std::vector<T> row = Noise<T>(kWidth, 3);
+    for (const auto& [lo, hi] : Bounds<T>())
+        for (const bool inside : {false, true}) {
+            const ThresholdOperation<T> operation(lo, hi, inside);
+            for (const int32_t start : {0, 1, 7, 8, 13, 64, 295, 299})
+                for (const int32_t length : {1, 2, 5, 7, 8, 9, 16, 63, 64, 65, 130, 287, 300}) {
+                    const Run run{start, std::min(start + length, kWidth) - 1};
+                    std::vector<uint8_t> want((kWidth + 7) / 8, 0);
+                    // Pixels lie between unreadable ones under the sanitizer: a copy of just the run.
+                    const std::vector<T> pixels(row.begin() + run.start, row.begin() + run.stop + 1);
+                    for (int32_t x = run.start; x <= run.stop; ++x) {
+                        const T p = row[static_cast<size_t>(x)];
+                        const bool set = inside ? lo <= p && p <= hi : p < lo || p > hi;
+                        if (set) want[static_cast<size_t>(x / 8)] |= static_cast<uint8_t>(0x80 >> x % 8);
+                    }
+                    Guarded<uint8_t> got(std::vector<uint8_t>(want.size(), 0), 0);
+                    operation.Apply(pixels.data(), pixels.size(), got.data() + run.start / 8,
+                                    static_cast<unsigned>(run.start % 8));
+                    ASSERT_TRUE(SameBits(want.data(), got.data(), want.size())) << run.start << " to " << run.stop;
+                    ASSERT_TRUE(got.GuardsIntact());
+                    std::vector<uint8_t> again(want.size(), 0);
+                    operation(row.data(), run, again.data());
+                    ASSERT_EQ(want, again);
+                }
+        }
+}
+
+TEST(Threshold, KnownAnswers) {
+    const uint8_t row[10] = {10, 11, 20, 21, 0, 255, 15, 9, 11, 12};
+    uint8_t bits[2] = {};
+    ThresholdOperation<uint8_t>(11, 20, true)(row, {0, 9}, bits);
+    EXPECT_EQ(0b01100010, bits[0]);
+    EXPECT_EQ(0b11000000, bits[1]);
+    uint8_t none[2] = {};
+    ThresholdOperation<uint8_t>(0, 255, false)(row, {0, 9}, none);
+    EXPECT_EQ(0, none[0] | none[1]);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float values[3] = {nan, 1.0f, nan};
+    for (const bool inside : {false, true}) {
+        uint8_t byte = 0;
+        ThresholdOperation<float>(0.5f, 2.0f, inside)(values, {0, 2}, &byte);
+        EXPECT_EQ(inside ? 0x40 : 0, byte);
+    }
+}
+
+}  // namespace
+}  // namespace orlix
