@@ -1,0 +1,125 @@
+#include "process/intrinsics_avx512.hpp"
+
+#include "process/casting_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr size_t kLanes = 16;
+
+// All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads pixels as
+// integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
+[[gnu::always_inline]] inline __m512i Integers(const uint8_t* p) {
+    return _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+}
+[[gnu::always_inline]] inline __m512i Integers(const uint16_t* p) {
+    return _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
+}
+[[gnu::always_inline]] inline __m512i Integers(const uint32_t* p) { return _mm512_loadu_si512(p); }
+[[gnu::always_inline]] inline __m512i Integers(const float* p) {
+    const __m512i converted = _mm512_cvttps_epi32(_mm512_loadu_ps(p));
+    // -2^31 stands for everything that does not fit 32 bits: rare, and left to the definition.
+    if (_mm512_cmpeq_epi32_mask(converted, _mm512_set1_epi32(static_cast<int>(0x80000000u))) == 0) return converted;
+    uint32_t bits[kLanes];
+    Cast_scalar(bits, p, kLanes);
+    return Integers(bits);
+}
+
+[[gnu::always_inline]] inline void Write(uint8_t* p, const __m512i& v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
+}
+[[gnu::always_inline]] inline void Write(uint16_t* p, const __m512i& v) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_cvtepi32_epi16(v));
+}
+[[gnu::always_inline]] inline void Write(uint32_t* p, const __m512i& v) { _mm512_storeu_si512(p, v); }
+
+template <class From>
+[[gnu::always_inline]] inline __m512 Floats(const From* p) {
+    return _mm512_cvtepu32_ps(Integers(p));
+}
+[[gnu::always_inline]] inline __m512 Floats(const float* p) { return _mm512_loadu_ps(p); }
+
+template <class To, class From>
+void Cast(To* to, const From* from, size_t n) {
+    size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) Write(to + i, Integers(from + i));
+    Cast_scalar(to + i, from + i, n - i);
+}
+template <class From>
+void Cast(float* to, const From* from, size_t n) {
+    size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) _mm512_storeu_ps(to + i, Floats(from + i));
+    Cast_scalar(to + i, from + i, n - i);
+}
+void Cast(uint16_t* to, const uint8_t* from, size_t n) {
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32)
+        _mm512_storeu_si512(to + i,
+                            _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + i))));
+    Cast_scalar(to + i, from + i, n - i);
+}
+void Cast(uint8_t* to, const uint16_t* from, size_t n) {
+    size_t i = 0;
+    // Every second byte of two vectors.
+    uint8_t order[64];
+    for (int k = 0; k < 64; ++k) order[k] = static_cast<uint8_t>(2 * k);
+    const __m512i even = _mm512_loadu_si512(order);
+    for (; i + 64 <= n; i += 64)
+        _mm512_storeu_si512(
+            to + i, _mm512_permutex2var_epi8(_mm512_loadu_si512(from + i), even, _mm512_loadu_si512(from + i + 32)));
+    Cast_scalar(to + i, from + i, n - i);
+}
+
+template <class To, class From>
+void Plus(To* to, const From* from, size_t n) {
+    size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) Write(to + i, _mm512_add_epi32(Integers(to + i), Integers(from + i)));
+    Plus_scalar(to + i, from + i, n - i);
+}
+template <class From>
+void Plus(float* to, const From* from, size_t n) {
+    size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes)
+        _mm512_storeu_ps(to + i, _mm512_add_ps(_mm512_loadu_ps(to + i), Floats(from + i)));
+    Plus_scalar(to + i, from + i, n - i);
+}
+void Plus(uint8_t* to, const uint8_t* from, size_t n) {
+    size_t i = 0;
+    for (; i + 64 <= n; i += 64)
+        _mm512_storeu_si512(to + i, _mm512_add_epi8(_mm512_loadu_si512(to + i), _mm512_loadu_si512(from + i)));
+    Plus_scalar(to + i, from + i, n - i);
+}
+void Plus(uint16_t* to, const uint16_t* from, size_t n) {
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32)
+        _mm512_storeu_si512(to + i, _mm512_add_epi16(_mm512_loadu_si512(to + i), _mm512_loadu_si512(from + i)));
+    Plus_scalar(to + i, from + i, n - i);
+}
+
+}  // namespace
+
+template <class To, class From>
+void Cast_avx512(To* to, const From* from, size_t n) {
+    Cast(to, from, n);
+}
+template <class To, class From>
+void Plus_avx512(To* to, const From* from, size_t n) {
+    Plus(to, from, n);
+}
+
+#define ORLIX_PAIR(To, From)                                  \
+    template void Cast_avx512(To* to, const From*, size_t n); \
+    template void Plus_avx512(To* to, const From*, size_t n);
+#define ORLIX_PAIRS(To)      \
+    ORLIX_PAIR(To, uint8_t)  \
+    ORLIX_PAIR(To, uint16_t) \
+    ORLIX_PAIR(To, uint32_t) \
+    ORLIX_PAIR(To, float)
+ORLIX_PAIRS(uint8_t)
+ORLIX_PAIRS(uint16_t)
+ORLIX_PAIRS(uint32_t)
+ORLIX_PAIRS(float)
+#undef ORLIX_PAIRS
+#undef ORLIX_PAIR
+
+}  // namespace orlix
