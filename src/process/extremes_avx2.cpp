@@ -56,8 +56,10 @@ void Scan(const T* pixels, size_t n, T& min, T& max) {
         }
         Lanes::Store(least, Lanes::Min(low, low2));
         Lanes::Store(most, Lanes::Max(high, high2));
-        Extremes_scalar(least, kLanes, min, max);
-        Extremes_scalar(most, kLanes, min, max);
+        for (size_t lane = 0; lane < kLanes; ++lane) {
+            min = least[lane] < min ? least[lane] : min;
+            max = most[lane] > max ? most[lane] : max;
+        }
     }
     Extremes_scalar(pixels + i, n - i, min, max);
 }
