@@ -9,7 +9,6 @@
 
 #include <fcntl.h>
 #include <io.h>
-#include <objbase.h>
 #include <shellapi.h>
 #else
 #include <unistd.h>
@@ -50,13 +49,10 @@ std::vector<std::string> Arguments(int, char**) {
     return out;
 }
 
-Session::Session() {
-    CoInitialize(nullptr);
+void PrepareConsole() {
     SetConsoleOutputCP(CP_UTF8);
     _setmode(_fileno(stdout), _O_BINARY);
 }
-
-Session::~Session() { CoUninitialize(); }
 
 #else
 
@@ -68,8 +64,7 @@ bool StderrIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
 std::vector<std::string> Arguments(int argc, char** argv) { return {argv + (argc > 0 ? 1 : 0), argv + argc}; }
 
-Session::Session() = default;
-Session::~Session() = default;
+void PrepareConsole() {}
 
 #endif
 

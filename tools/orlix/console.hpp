@@ -25,15 +25,8 @@ struct UsageError : std::runtime_error {
 // a path stand for the files that match, as no shell has done it there.
 std::vector<std::string> Arguments(int argc, char** argv);
 
-// For the life of the program: starts the component library of the system where there is one, and makes standard output take
-// bytes as they are.
-class Session {
-public:
-    Session();
-    ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-};
+// Makes standard output take bytes as they are, and a Windows console read them as UTF-8.
+void PrepareConsole();
 
 std::filesystem::path Path(std::string_view utf8);
 std::string Utf8(const std::filesystem::path& path);  // with / between the parts
