@@ -2,15 +2,17 @@
 
 #include "binary/orlix_bitmap.hpp"
 #include "geometry/orlix_shape_region_of_interest.hpp"
+#include "histogram/orlix_histogram.hpp"
+#include "orlix_image/orlix_image.hpp"
 
 namespace orlix {
 namespace {
 
 constexpr ClassRow kClasses[kNumberOfClasses] = {
     {&__uuidof(OrlixPolygon), 101, nullptr},
-    {&__uuidof(OrlixHistogram), 102, nullptr},
+    {&__uuidof(OrlixHistogram), 102, &OrlixHistogram::CreateInstance},
     {&__uuidof(OrlixBitmap), 103, &OrlixBitmap::CreateInstance},
-    {&__uuidof(OrlixImage), 104, nullptr},
+    {&__uuidof(OrlixImage), 104, &OrlixImage::CreateInstance},
     {&__uuidof(OrlixStructuringElement), 105, nullptr},
     {&__uuidof(OrlixLineGraphicOverlay), 106, nullptr},
     {&__uuidof(OrlixCircleGraphicOverlay), 109, nullptr},

@@ -1,0 +1,94 @@
+#include "module/class_table.hpp"
+
+#include <gtest/gtest.h>
+
+#include <orlix/client.hpp>
+
+#include "component/module_lock.hpp"
+#include "module/class_factory.hpp"
+#include "module/class_rows.hpp"
+
+namespace orlix {
+namespace {
+
+using testing::ClassFacts;
+using testing::kClassFacts;
+
+CLSID ClsidOf(const ClassFacts& facts) {
+    CLSID clsid = {};
+    EXPECT_EQ(S_OK, CLSIDFromString(ToUtf16(facts.clsid).c_str(), &clsid));
+    return clsid;
+}
+
+TEST(ClassTable, HasItsRowsInTheOrderOfTheTypeLibrary) {
+    ASSERT_EQ(std::size(kClassFacts), ClassTable().size());
+    for (size_t i = 0; i < ClassTable().size(); ++i) {
+        SCOPED_TRACE(kClassFacts[i].coclass);
+        EXPECT_TRUE(ClsidOf(kClassFacts[i]) == *ClassTable()[i].clsid);
+        EXPECT_EQ(kClassFacts[i].script, ClassTable()[i].script);
+        EXPECT_EQ(kClassFacts[i].built, ClassTable()[i].create != nullptr);
+    }
+}
+
+TEST(ClassFactories, AnswerForTheClassesThatAreBuiltAndRefuseTheOthers) {
+    for (const ClassFacts& facts : kClassFacts) {
+        SCOPED_TRACE(facts.coclass);
+        void* factory = &factory;
+        EXPECT_EQ(facts.built ? S_OK : CLASS_E_CLASSNOTAVAILABLE,
+                  GetClassFactory(ClsidOf(facts), __uuidof(IClassFactory), &factory));
+        EXPECT_EQ(facts.built, factory != nullptr);
+    }
+    void* factory = &factory;
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, GetClassFactory(GUID_NULL, __uuidof(IClassFactory), &factory));
+    EXPECT_EQ(nullptr, factory);
+}
+
+TEST(ClassFactories, AreOneObjectForEachClassWithTwoInterfaces) {
+    ComPtr<IClassFactory> first;
+    ComPtr<IClassFactory> second;
+    ComPtr<IUnknown> identity;
+    void* other = &other;
+    ASSERT_EQ(S_OK, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IClassFactory), first.OutVoid()));
+    ASSERT_EQ(S_OK, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IClassFactory), second.OutVoid()));
+    ASSERT_EQ(S_OK, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IUnknown), identity.OutVoid()));
+    EXPECT_EQ(first.get(), second.get());
+    EXPECT_EQ(identity.get(), first.As<IUnknown>().get());
+    EXPECT_EQ(E_NOINTERFACE, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IBitmap), &other));
+    EXPECT_EQ(nullptr, other);
+    EXPECT_EQ(E_POINTER, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IClassFactory), nullptr));
+    EXPECT_EQ(E_POINTER, first->QueryInterface(__uuidof(IUnknown), nullptr));
+}
+
+TEST(ClassFactories, KeepTheModuleByLocksAndObjectsButNotByReferences) {
+    ASSERT_FALSE(ModuleIsLocked());
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(S_OK, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IClassFactory), factory.OutVoid()));
+    EXPECT_FALSE(ModuleIsLocked());
+
+    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
+    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
+    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
+    EXPECT_TRUE(ModuleIsLocked());
+    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
+    EXPECT_FALSE(ModuleIsLocked());
+
+    ComPtr<IBitmap> bitmap;
+    ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, __uuidof(IBitmap), bitmap.OutVoid()));
+    EXPECT_TRUE(ModuleIsLocked());
+    bitmap = nullptr;
+    EXPECT_FALSE(ModuleIsLocked());
+}
+
+TEST(ClassFactories, AnUnlockTooManyIsRefusedAndDoesNotUnlockForOthers) {
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(S_OK, GetClassFactory(__uuidof(OrlixBitmap), __uuidof(IClassFactory), factory.OutVoid()));
+    ComPtr<IBitmap> bitmap;
+    ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, __uuidof(IBitmap), bitmap.OutVoid()));
+    EXPECT_EQ(E_UNEXPECTED, factory->LockServer(FALSE));
+    EXPECT_TRUE(ModuleIsLocked());
+    bitmap = nullptr;
+    EXPECT_FALSE(ModuleIsLocked());
+}
+
+}  // namespace
+}  // namespace orlix

@@ -1,0 +1,331 @@
+#include "module/registration_script.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "component/failure.hpp"
+#include "module/registry_listing.hpp"
+
+namespace orlix {
+namespace {
+
+using testing::ListRegistry;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Lines = std::vector<std::string>;
+
+const RegistryKey kHome = {RegistryRoot::CurrentUser, OLESTR("Software\\Registration script test")};
+const RegistryText kModule = OLESTR("C:\\Program Files\\It's\\100% orlix.dll");
+
+RegistryKey Below(const RegistryText& path) { return {kHome.root, kHome.path + OLESTR('\\') + path}; }
+
+// Scripts below one key of the current user.
+std::string At(const std::string& keys) {
+    return "HKCU { NoRemove Software { NoRemove 'Registration script test' {\n" + keys + "\n} } }";
+}
+
+class RegistrationScripts : public ::testing::Test {
+   protected:
+    void SetUp() override { store->DeleteTree(kHome); }
+    void TearDown() override { store->DeleteTree(kHome); }
+
+    void Add(const std::string& keys) { RegistrationScript(At(keys), kModule).Add(*store); }
+    void Remove(const std::string& keys) { RegistrationScript(At(keys), kModule).Remove(*store); }
+    Lines Left() const { return ListRegistry(kHome); }
+
+    std::unique_ptr<RegistryStore> store = OpenRegistry();
+};
+
+TEST_F(RegistrationScripts, AddingWritesKeysDefaultValuesAndNamedValues) {
+    Add(R"(Shape = s 'A shape'
+           {
+               val Sides = d 3
+               val Limit = d 4294967295
+               val Mask = d 0x1F
+               val 'Full name' = s 'A plane shape'
+               Corner { Angle = s '60' }
+               Empty
+           })");
+    EXPECT_THAT(Left(), ElementsAre("Shape", "Shape : Full name = A plane shape", "Shape : Limit = #4294967295",
+                                    "Shape : Mask = #31", "Shape : Sides = #3", "Shape = A shape", "Shape\\Corner",
+                                    "Shape\\Corner\\Angle", "Shape\\Corner\\Angle = 60", "Shape\\Empty"));
+}
+
+TEST_F(RegistrationScripts, WordsMayBeQuotedAndPlaceholdersStandForTheModule) {
+    Add(R"('Two words' = s 'it''s %module%, 115'
+           '{' = s ''
+           'val' = s 'NoRemove'
+           Rate%% = s '50 %%')");
+    EXPECT_THAT(Left(), ElementsAre("Rate%", "Rate% = 50 %", "Two words",
+                                    "Two words = it's C:\\Program Files\\It's\\100% orlix.dll, 115", "val",
+                                    "val = NoRemove", "{", "{ = "));
+}
+
+TEST_F(RegistrationScripts, KeywordsAndRootsAreReadInAnyCase) {
+    RegistrationScript("hkcu { noremove Software { NOREMOVE 'Registration script test' { A = S 'x' { VAL b = D 7 } } } }",
+                       kModule)
+        .Add(*store);
+    EXPECT_THAT(Left(), ElementsAre("A", "A : b = #7", "A = x"));
+}
+
+TEST_F(RegistrationScripts, AddingTwiceIsAddingOnce) {
+    const std::string keys = "A = s 'x' { val v = s 'y' ForceRemove B { C } }";
+    Add(keys);
+    const Lines once = Left();
+    Add(keys);
+    EXPECT_EQ(once, Left());
+}
+
+TEST_F(RegistrationScripts, AddingOverwritesValuesAndKeepsWhatItDoesNotName) {
+    Add("A = s 'old' { val v = s 'old' val other = s 'other' Foreign }");
+    Add("A = s 'new' { val v = d 1 }");
+    EXPECT_THAT(Left(), ElementsAre("A", "A : other = other", "A : v = #1", "A = new", "A\\Foreign"));
+}
+
+TEST_F(RegistrationScripts, ForceRemoveAddsItsKeyAnew) {
+    Add("A { Stale { Deep = s 'x' } val stale = s 'y' }");
+    Add("ForceRemove A = s 'fresh' { New }");
+    EXPECT_THAT(Left(), ElementsAre("A", "A = fresh", "A\\New"));
+}
+
+TEST_F(RegistrationScripts, DeleteRemovesATreeWhenAddingAndDoesNothingWhenRemoving) {
+    Add("A { B { C } } D");
+    Add("Delete A");
+    EXPECT_THAT(Left(), ElementsAre("D"));
+    Remove("Delete D");
+    EXPECT_THAT(Left(), ElementsAre("D"));
+}
+
+TEST_F(RegistrationScripts, RemovingTakesAwayWhatAddingWrote) {
+    for (const char* keys : {
+             "A",
+             "A = s 'x'",
+             "A { val v = s 'x' val n = d 1 }",
+             "A = s 'x' { B = s 'y' { C { D = s 'z' } } E }",
+             "ForceRemove A { B { C } val v = s 'x' }",
+             "A = s 'x' B = s 'y' { val v = s 'z' }",
+             "A { B } A { C }",
+         }) {
+        SCOPED_TRACE(keys);
+        Add(keys);
+        EXPECT_THAT(Left(), ::testing::Not(IsEmpty()));
+        Remove(keys);
+        EXPECT_THAT(Left(), IsEmpty());
+    }
+}
+
+TEST_F(RegistrationScripts, RemovingLeavesEverythingForeign) {
+    Add(R"(Before
+           A { Foreign { Deep = s 'x' } }
+           B { val foreign = s 'y' }
+           C = s 'foreign default'
+           After)");
+    const Lines before = Left();
+    const char* keys = "A = s 'mine' { Own } B { Own { val own = s 'z' } } C { Own }";
+    Add(keys);
+    Remove(keys);
+    EXPECT_EQ(before, Left());
+}
+
+TEST_F(RegistrationScripts, RemovingATreeByForceTakesForeignKeysBelowItToo) {
+    Add("ForceRemove A { Own }");
+    Add("A { Foreign { Deep } }");
+    Remove("ForceRemove A { Own }");
+    EXPECT_THAT(Left(), IsEmpty());
+}
+
+TEST_F(RegistrationScripts, RemovingKeepsKeysAndValuesMarkedSoButNotWhatIsBelowThem) {
+    const char* keys = R"(NoRemove Shared = s 'text'
+                          {
+                              NoRemove val kept = s 'x'
+                              val own = s 'y'
+                              Own = s 'z'
+                          })";
+    Add(keys);
+    Remove(keys);
+    EXPECT_THAT(Left(), ElementsAre("Shared", "Shared : kept = x", "Shared = text"));
+}
+
+TEST_F(RegistrationScripts, AKeyWithAKeptValueStays) {
+    const char* keys = "A { NoRemove val kept = d 5 }";
+    Add(keys);
+    Remove(keys);
+    EXPECT_THAT(Left(), ElementsAre("A", "A : kept = #5"));
+}
+
+TEST_F(RegistrationScripts, RemovingWhatIsNotThereSucceeds) {
+    Remove("A = s 'x' { B { val v = s 'y' } } ForceRemove C { D }");
+    EXPECT_THAT(Left(), IsEmpty());
+}
+
+TEST_F(RegistrationScripts, RemovingIgnoresTheCaseOfNames) {
+    Add("Orlix.Shape.1 { CLSID = s 'x' }");
+    Remove("orlix.shape.1 { clsid = s 'x' }");
+    EXPECT_THAT(Left(), IsEmpty());
+}
+
+TEST_F(RegistrationScripts, NamesThatBeginAlikeAreKeptApart) {
+    Add("A { B } 'A B' { C } AB 'A-' { D }");
+    Remove("ForceRemove A");
+    EXPECT_THAT(Left(), ElementsAre("A B", "A B\\C", "A-", "A-\\D", "AB"));
+}
+
+TEST_F(RegistrationScripts, AScriptMayUseSeveralRootsAndMayBeEmpty) {
+    RegistrationScript(At("A") + "\n" + At("B"), kModule).Add(*store);
+    EXPECT_THAT(Left(), ElementsAre("A", "B"));
+    for (const char* empty : {"", " \r\n\t ", "HKCR { }"}) {
+        const RegistrationScript script(empty, kModule);
+        script.Add(*store);
+        script.Remove(*store);
+    }
+    EXPECT_THAT(Left(), ElementsAre("A", "B"));
+}
+
+TEST_F(RegistrationScripts, AnErrorNamesItsLineAndNothingIsWritten) {
+    std::string deep = "HKCU\n{";
+    for (int i = 0; i < 5000; ++i) deep += " a {";
+    const struct {
+        std::string script;
+        int line;
+        const char* what;
+    } cases[] = {
+        {"HKXX { }", 1, "a root is missing"},
+        {"'HKCR' { }", 1, "a root is missing"},
+        {"\n\nHKCR", 3, "an opening brace is missing"},
+        {"HKCR A", 1, "an opening brace is missing"},
+        {"HKCR\n{\n A\n", 4, "a closing brace is missing"},
+        {"HKCR { } }", 1, "a root is missing"},
+        {"HKCR {\n A = }", 2, "the type of a value is neither s nor d"},
+        {"HKCR {\n A = b 'x' }", 2, "the type of a value is neither s nor d"},
+        {"HKCR {\n A = s", 2, "a value is missing"},
+        {"HKCR {\n A = d x }", 2, "a number is not one below 2^32"},
+        {"HKCR {\n A = d 4294967296 }", 2, "a number is not one below 2^32"},
+        {"HKCR {\n A = d -1 }", 2, "a number is not one below 2^32"},
+        {"HKCR {\n A = d 0x }", 2, "a number is not one below 2^32"},
+        {"HKCR {\n A = d '' }", 2, "a number is not one below 2^32"},
+        {"HKCR {\n A = d", 2, "a number is missing"},
+        {"HKCR {\n\n val v = s 'x' }", 3, "a root takes no values"},
+        {"HKCR { A {\n val = s 'x' } }", 2, "the name of a value is missing"},
+        {"HKCR { A {\n val v s 'x' } }", 2, "an equals sign is missing"},
+        {"HKCR { A {\n ForceRemove val v = s 'x' } }", 2, "the name of a key is missing"},
+        {"HKCR { NoRemove\n ForceRemove A }", 2, "the name of a key is missing"},
+        {"HKCR { Delete\n }", 2, "the name of a key is missing"},
+        {"HKCR { Delete A\n { B } }", 2, "the name of a key is missing"},
+        {"HKCR { Delete A\n = s 'x' }", 2, "the name of a key is missing"},
+        {"HKCR {\n {", 2, "the name of a key is missing"},
+        {"HKCR {\n '' = s 'x' }", 2, "the name of a key is empty"},
+        {"HKCR {\n A\\B }", 2, "the name of a key holds a backslash"},
+        {"HKCR { %MODULE% }", 1, "the name of a key holds a backslash"},
+        {"HKCR {\n A = s 'open\n }", 2, "a quote is not closed"},
+        {"HKCR {\n A = s 'x'y }", 2, "no blank after a quote"},
+        {"HKCR { A =\n s '%MODULES%' }", 2, "a placeholder is unknown"},
+        {"HKCR {\n A = s '50 %' }", 2, "a percent sign is not closed"},
+        {"HKCR {\n M\xC3\xBCller }", 2, "a character is not ASCII"},
+        {std::string("HKCR {\n A\0 }", 12), 2, "a character is not ASCII"},
+        {deep, 2, "too many braces are open"},
+    };
+    const Lines before = ListRegistry({RegistryRoot::CurrentUser, {}});
+    for (const auto& [script, line, what] : cases) {
+        SCOPED_TRACE(script.substr(0, 60));
+        try {
+            RegistrationScript(script, kModule).Add(*store);
+            ADD_FAILURE() << "no error";
+        } catch (const ScriptError& error) {
+            EXPECT_EQ(line, error.line());
+            EXPECT_EQ("line " + std::to_string(line) + ": " + what, error.what());
+        }
+    }
+    EXPECT_EQ(before, ListRegistry({RegistryRoot::CurrentUser, {}}));
+}
+
+TEST_F(RegistrationScripts, ThePositionOfAScriptThatEndsEarlyIsItsLastLine) {
+    const std::string whole = "HKCU\n{\n A = s 'x'\n {\n  val v = d 1\n }\n}";
+    for (size_t length = 1; length < whole.size(); ++length) {
+        const std::string_view part = std::string_view(whole).substr(0, length);
+        try {
+            const RegistrationScript script(part, kModule);
+            ADD_FAILURE() << "no error for " << part;
+        } catch (const ScriptError& error) {
+            EXPECT_LE(1, error.line());
+            EXPECT_GE(1 + std::count(part.begin(), part.end(), '\n'), error.line());
+        }
+    }
+}
+
+// Answers the n-th call with a failure and passes the others on.
+class FailingStore final : public RegistryStore {
+   public:
+    FailingStore(RegistryStore& store, int failingCall) : store_(store), left_(failingCall) {}
+    static constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
+
+    HRESULT CreateKey(const RegistryKey& key) override { return Fails() ? kAccessDenied : store_.CreateKey(key); }
+    HRESULT SetText(const RegistryKey& key, const RegistryText& name, const RegistryText& text) override {
+        return Fails() ? kAccessDenied : store_.SetText(key, name, text);
+    }
+    HRESULT SetNumber(const RegistryKey& key, const RegistryText& name, uint32_t number) override {
+        return Fails() ? kAccessDenied : store_.SetNumber(key, name, number);
+    }
+    HRESULT DeleteValue(const RegistryKey& key, const RegistryText& name) override {
+        return Fails() ? kAccessDenied : store_.DeleteValue(key, name);
+    }
+    HRESULT DeleteTree(const RegistryKey& key) override { return Fails() ? kAccessDenied : store_.DeleteTree(key); }
+    HRESULT DeleteIfEmpty(const RegistryKey& key) override {
+        return Fails() ? kAccessDenied : store_.DeleteIfEmpty(key);
+    }
+
+   private:
+    bool Fails() { return --left_ == 0; }
+    RegistryStore& store_;
+    int left_;
+};
+
+TEST_F(RegistrationScripts, AFailureOfTheStoreComesBackAsItsResult) {
+    const RegistrationScript script(At("A = s 'x' { val n = d 1 ForceRemove B }"), kModule);
+    constexpr int kCallsOfAdding = 7;  // Software, test key, A, its text, its number, B's tree, B
+    for (int call = 1; call <= kCallsOfAdding; ++call) {
+        SCOPED_TRACE(call);
+        FailingStore failing(*store, call);
+        try {
+            script.Add(failing);
+            ADD_FAILURE() << "no failure";
+        } catch (const FailedResult& failed) {
+            EXPECT_EQ(FailingStore::kAccessDenied, failed.result());
+        }
+    }
+    FailingStore working(*store, kCallsOfAdding + 1);
+    EXPECT_NO_THROW(script.Add(working));
+}
+
+TEST_F(RegistrationScripts, RemovingGoesOnAfterAFailureAndRaisesItAtTheEnd) {
+    const std::string keys = "A { val v = s 'x' } B { val v = s 'y' }";
+    Add(keys);
+    FailingStore failing(*store, 1);  // the value of B, which is removed first
+    try {
+        RegistrationScript(At(keys), kModule).Remove(failing);
+        ADD_FAILURE() << "no failure";
+    } catch (const FailedResult& failed) {
+        EXPECT_EQ(FailingStore::kAccessDenied, failed.result());
+    }
+    EXPECT_THAT(Left(), ElementsAre("B", "B : v = y"));
+}
+
+TEST_F(RegistrationScripts, TheStoreTellsWhetherThereWasSomethingToDelete) {
+    EXPECT_EQ(S_FALSE, store->DeleteTree(Below(OLESTR("A"))));
+    EXPECT_EQ(S_FALSE, store->DeleteIfEmpty(Below(OLESTR("A"))));
+    EXPECT_EQ(S_FALSE, store->DeleteValue(Below(OLESTR("A")), OLESTR("v")));
+    EXPECT_EQ(S_OK, store->SetText(Below(OLESTR("A\\B")), OLESTR("v"), OLESTR("x")));
+    EXPECT_EQ(S_FALSE, store->DeleteIfEmpty(Below(OLESTR("A"))));
+    EXPECT_EQ(S_FALSE, store->DeleteIfEmpty(Below(OLESTR("A\\B"))));
+    EXPECT_EQ(S_FALSE, store->DeleteValue(Below(OLESTR("A\\B")), OLESTR("w")));
+    EXPECT_EQ(S_OK, store->DeleteValue(Below(OLESTR("a\\b")), OLESTR("V")));
+    EXPECT_EQ(S_OK, store->DeleteIfEmpty(Below(OLESTR("A\\B"))));
+    EXPECT_EQ(S_OK, store->DeleteTree(Below(OLESTR("A"))));
+    EXPECT_EQ(S_OK, store->CreateKey(Below(OLESTR("A"))));
+    EXPECT_EQ(S_OK, store->CreateKey(Below(OLESTR("a"))));
+    EXPECT_THAT(Left(), ElementsAre("A"));
+}
+
+}  // namespace
+}  // namespace orlix
