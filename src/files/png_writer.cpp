@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "files/byte_order.hpp"
+#include "files/interleave.hpp"
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
 #include "files/png_format.hpp"
@@ -103,21 +104,6 @@ private:
     z_stream stream_{};
 };
 
-// Rows as the format stores them: samples interleaved, 16 bits big-endian.
-template <class Sample>
-void Interleave(PixelSource& source, int32_t bands, int32_t y, size_t width, uint8_t* out) {
-    for (int32_t band = 0; band < bands; ++band) {
-        const auto* in = static_cast<const Sample*>(source.Row(band, y));
-        uint8_t* at = out + static_cast<size_t>(band) * sizeof(Sample);
-        const size_t step = static_cast<size_t>(bands) * sizeof(Sample);
-        for (size_t x = 0; x < width; ++x, at += step)
-            if constexpr (sizeof(Sample) == 1)
-                *at = in[x];
-            else
-                PutBigEndian16(at, in[x]);
-    }
-}
-
 // How rows are filtered and compressed. Measured on micrographs: with the best filter for each row, noise leaves nothing
 // but runs to be matched, and looking for longer matches makes the file larger and takes five times as long. Label images
 // and drawings repeat themselves, which filters hide. Some height maps use few of their levels: one filter for all rows
@@ -136,9 +122,7 @@ constexpr Method kMethods[] = {
 class RowWriter {
 public:
     RowWriter(const FileProperties& properties, PixelSource& source)
-        : properties_(properties),
-          source_(source),
-          pixelBytes_(static_cast<size_t>(properties.bands) * (properties.bits == 16 ? 2 : 1)) {
+        : properties_(properties), source_(source), pixelBytes_(PixelBytes(properties)) {
         const uint64_t rowBytes = static_cast<uint64_t>(properties.width) * pixelBytes_;
         if (rowBytes > std::numeric_limits<size_t>::max() / 16) throw std::bad_alloc();
         rowBytes_ = static_cast<size_t>(rowBytes);
@@ -153,9 +137,7 @@ public:
         Compressor compressor(bytes, method.level, method.strategy);
         std::fill(above_.begin(), above_.end(), uint8_t{0});
         for (int32_t y = first; y < end; ++y) {
-            const auto width = static_cast<size_t>(properties_.width);
-            properties_.bits == 16 ? Interleave<uint16_t>(source_, properties_.bands, y, width, row_.data())
-                                   : Interleave<uint8_t>(source_, properties_.bands, y, width, row_.data());
+            InterleaveRow(source_, properties_, y, row_.data());
             method.filter == kBestFilter ? FilterBest() : (void)FilterInto(best_, static_cast<uint8_t>(method.filter));
             compressor.Append(best_);
             above_.swap(row_);

@@ -30,7 +30,9 @@ constexpr bool IsBlank(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r');
 constexpr bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
 constexpr bool IsLineEnd(uint8_t c) { return c == '\n' || c == '\r'; }
 
-constexpr uint32_t kNoNumber = std::numeric_limits<uint32_t>::max();
+constexpr uint32_t kLargestNumber = std::numeric_limits<int32_t>::max();
+constexpr uint32_t kTooLarge = kLargestNumber + 1;
+constexpr uint32_t kNoNumber = kLargestNumber + 2;
 
 class Scanner {
 public:
@@ -39,15 +41,13 @@ public:
     std::span<const uint8_t> Rest() const { return bytes_.subspan(position_); }
     bool AtEnd() const { return position_ == bytes_.size(); }
 
-    // A decimal number up to 2^31 - 1 behind any separators; kNoNumber where there is none, or a larger one.
+    // A decimal number behind any separators; kTooLarge for all above 2^31 - 1; kNoNumber where there is none.
     uint32_t Number() {
         SkipSeparators();
         if (AtEnd() || !IsDigit(bytes_[position_])) return kNoNumber;
         uint64_t number = 0;
-        while (!AtEnd() && IsDigit(bytes_[position_])) {
-            number = number * 10 + (bytes_[position_++] - uint32_t{'0'});
-            if (number > std::numeric_limits<int32_t>::max()) return kNoNumber;
-        }
+        for (; !AtEnd() && IsDigit(bytes_[position_]); ++position_)
+            number = std::min<uint64_t>(number * 10 + (bytes_[position_] - uint32_t{'0'}), kTooLarge);
         return static_cast<uint32_t>(number);
     }
 
@@ -89,7 +89,7 @@ PnmHeader ReadHeader(std::span<const uint8_t> bytes, Scanner& scanner, const Pnm
     const uint32_t width = scanner.Number();
     const uint32_t height = scanner.AtSeparator() ? scanner.Number() : kNoNumber;
     header.maximum = scanner.AtSeparator() ? scanner.Number() : kNoNumber;
-    if (width == 0 || width == kNoNumber || height == 0 || height == kNoNumber) Fail(texts.header);
+    if (width == 0 || width > kLargestNumber || height == 0 || height > kLargestNumber) Fail(texts.header);
     if (header.maximum == 0 || header.maximum > 65535 || !scanner.OneSeparator()) Fail(texts.header);
     header.properties.width = static_cast<int32_t>(width);
     header.properties.height = static_cast<int32_t>(height);

@@ -1,0 +1,31 @@
+// Rows as PNG and raw PNM files store them.
+#pragma once
+
+#include "files/byte_order.hpp"
+#include "files/image_file.hpp"
+
+namespace orlix {
+
+constexpr size_t SampleBytes(const FileProperties& properties) { return properties.bits == 16 ? 2 : 1; }
+constexpr size_t PixelBytes(const FileProperties& properties) {
+    return static_cast<size_t>(properties.bands) * SampleBytes(properties);
+}
+
+// The samples of each pixel one after the other, 16 bits big-endian: width * PixelBytes() bytes.
+inline void InterleaveRow(PixelSource& source, const FileProperties& properties, int32_t y, uint8_t* out) {
+    const auto width = static_cast<size_t>(properties.width);
+    const size_t step = PixelBytes(properties);
+    for (int32_t band = 0; band < properties.bands; ++band) {
+        const void* row = source.Row(band, y);
+        uint8_t* at = out + static_cast<size_t>(band) * SampleBytes(properties);
+        if (properties.bits == 16) {
+            const auto* in = static_cast<const uint16_t*>(row);
+            for (size_t x = 0; x < width; ++x) PutBigEndian16(at + x * step, in[x]);
+        } else {
+            const auto* in = static_cast<const uint8_t*>(row);
+            for (size_t x = 0; x < width; ++x) at[x * step] = in[x];
+        }
+    }
+}
+
+}  // namespace orlix

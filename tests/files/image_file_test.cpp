@@ -1,0 +1,233 @@
+#include "files/image_file.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "files/hand_made.hpp"
+#include "files/memory_image.hpp"
+#include "platform/file_io.hpp"
+
+namespace orlix::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder of its own, removed with what is in it.
+class ImageFile : public testing::Test {
+protected:
+    void SetUp() override {
+        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        folder_ = fs::temp_directory_path() / (std::string("orlix-") + info->name() + "-" + std::to_string(now));
+        fs::create_directories(folder_);
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
+    FileString PathOf(const FileString& name) const { return AsString(folder_ / fs::path(name)); }
+    static FileString AsString(const fs::path& path) {
+        FileString text = path.string<OLECHAR>();
+        return text;
+    }
+    size_t FilesInFolder() const {
+        return static_cast<size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+    }
+    static Bytes Content(const FileString& path) {
+        FileContent content;
+        EXPECT_EQ(ReadStatus::Done, ReadWholeFile(path, content));
+        return {content.bytes().begin(), content.bytes().end()};
+    }
+
+    fs::path folder_;
+};
+
+MemoryImage Ramp(int32_t bands, int32_t bits) {
+    MemoryImage image(6, 4, bands, bits);
+    for (int32_t band = 0; band < bands; ++band)
+        for (int32_t y = 0; y < 4; ++y)
+            for (int32_t x = 0; x < 6; ++x) image.set(band, x, y, static_cast<uint32_t>(x + 10 * y + 100 * band));
+    return image;
+}
+
+void Save(const FileString& path, ImageFileFormat format, MemoryImage& image) {
+    FleetingSource source(image);
+    SaveImageFile(path, format, image.properties, source);
+}
+Bytes Written(ImageFileFormat format, MemoryImage& image) {
+    FleetingSource source(image);
+    return WriteImageFile(format, image.properties, source);
+}
+
+std::string FailureOf(const std::function<void()>& action, HRESULT result) {
+    try {
+        action();
+        return "";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(result, failure.result());
+        return failure.what();
+    }
+}
+
+TEST_F(ImageFile, SavedImagesLoadAgainUnderAnyNameAndExtension) {
+    for (const FileString& name :
+         {FileString(OLESTR("a.png")), FileString(OLESTR("B.PNG")), FileString(OLESTR("c.pgm")),
+          FileString(OLESTR("d.Pgm")), FileString(OLESTR("\u00B5-\u0416-\u4E2D\u6587-\U0001F52C.png"))}) {
+        MemoryImage image = Ramp(1, 16), back;
+        Save(PathOf(name), IFF_ByExtension, image);
+        LoadImageFile(PathOf(name), back);
+        EXPECT_TRUE(back.SamePixels(image));
+    }
+    MemoryImage colour = Ramp(3, 8), back;
+    Save(PathOf(OLESTR("e.ppm")), IFF_ByExtension, colour);
+    LoadImageFile(PathOf(OLESTR("e.ppm")), back);
+    EXPECT_TRUE(back.SamePixels(colour));
+
+    MemoryImage other;
+    Save(PathOf(OLESTR("f.pgm")), IFF_PNG, colour);
+    LoadImageFile(PathOf(OLESTR("f.pgm")), other);
+    EXPECT_TRUE(other.SamePixels(colour)) << "the content tells the format, not the name";
+}
+
+TEST_F(ImageFile, PathsLongerThanTheClassicalLimitWork) {
+    FileString path = AsString(folder_);
+    for (int i = 0; i < 6; ++i) path += OLECHAR{fs::path::preferred_separator} + FileString(60, OLECHAR{'d'});
+#ifdef _WIN32
+    fs::create_directories(fs::path(L"\\\\?\\" + path));
+#else
+    fs::create_directories(fs::path(path));
+#endif
+    path += OLECHAR{fs::path::preferred_separator} + FileString(OLESTR("image.png"));
+    ASSERT_GT(path.size(), 260u);
+    MemoryImage image = Ramp(1, 8), back;
+    Save(path, IFF_PNG, image);
+    LoadImageFile(path, back);
+    EXPECT_TRUE(back.SamePixels(image));
+}
+
+TEST_F(ImageFile, WhatCannotBeOpenedIsSaidSo) {
+    constexpr auto kText = "IImageVPAEx::CreateFromFile: failed to open file.";
+    const FileString here = PathOf(OLESTR("a.png"));
+    MemoryImage image = Ramp(1, 8);
+    Save(here, IFF_PNG, image);
+    const FileString half = {0xD800};
+    for (const FileString& path : {FileString(), PathOf(OLESTR("missing.png")), AsString(folder_),
+                                   here + FileString(1, 0) + FileString(OLESTR("x")), PathOf(OLESTR("no folder/a.png")),
+                                   FileString(OLESTR("/dev/zero")), FileString(OLESTR("/dev/null")),
+                                   AsString(folder_ / "x") + half, FileString(OLESTR("NUL"))}) {
+        MemoryImage none;
+        EXPECT_EQ(kText, FailureOf([&] { LoadImageFile(path, none); }, DISP_E_EXCEPTION));
+        EXPECT_FALSE(none.begun);
+    }
+}
+
+TEST_F(ImageFile, AFileThatIsNoImageIsOfUnknownFormat) {
+    for (const char* content : {"", "B", "P", "hello, world", "GIF89a..."}) {
+        const FileString path = PathOf(OLESTR("a.png"));
+        ASSERT_TRUE(WriteWholeFile(path, FromText(content)));
+        MemoryImage none;
+        EXPECT_EQ("IImageVPAEx::CreateFromFile: unknown file format.",
+                  FailureOf([&] { LoadImageFile(path, none); }, DISP_E_EXCEPTION));
+    }
+}
+
+TEST_F(ImageFile, SavingChecksTheImageThenTheFormatThenBitsThenBands) {
+    const auto save = [&](int format, int32_t width, int32_t bits, int32_t bands) {
+        MemoryImage image(1, 1, 1, 8);
+        FleetingSource source(image);
+        FileProperties properties = image.properties;
+        properties.width = width;
+        properties.bits = bits;
+        properties.bands = bands;
+        return FailureOf([&] { WriteImageFile(static_cast<ImageFileFormat>(format), properties, source); }, E_FAIL);
+    };
+    constexpr auto kNoImage = "IImageFile::SaveToFile: no image.";
+    constexpr auto kFormat = "IImageFile::SaveToFile: unknown file format.";
+    constexpr auto kBits = "IImageFile::SaveToFile: the format holds 8- and 16-bit images only.";
+    constexpr auto kBands = "IImageFile::SaveToFile: the format does not hold this number of bands.";
+    EXPECT_EQ(kNoImage, save(IFF_BMP, 0, 32, 2));
+    for (const int format : {0, 6, 7, -1, 1000}) EXPECT_EQ(kFormat, save(format, 1, 32, 2));
+    for (const int bits : {0, 1, 32, -8}) EXPECT_EQ(kBits, save(IFF_PNG, 1, bits, 2));
+    for (const int bands : {0, 2, 4}) EXPECT_EQ(kBands, save(IFF_PNG, 1, 8, bands));
+    EXPECT_EQ(kBands, save(IFF_PGM, 1, 8, 3));
+    EXPECT_EQ(kBands, save(IFF_PlainPGM, 1, 8, 3));
+    EXPECT_EQ(kBands, save(IFF_PPM, 1, 8, 1));
+    EXPECT_EQ(kBands, save(IFF_PlainPPM, 1, 8, 1));
+
+    MemoryImage image = Ramp(1, 8);
+    for (const auto* name : {OLESTR("a.bmp"), OLESTR("a"), OLESTR("png"), OLESTR("a.png.tif")})
+        EXPECT_EQ(kFormat, FailureOf([&] { Save(PathOf(name), IFF_ByExtension, image); }, E_FAIL));
+    EXPECT_EQ(0u, FilesInFolder());
+}
+
+TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
+    const FileString path = PathOf(OLESTR("a.png"));
+    ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
+    MemoryImage image = Ramp(1, 8);
+
+    class FailingSource final : public PixelSource {
+        const void* Row(int32_t, int32_t) override { throw std::bad_alloc(); }
+    } failing;
+    EXPECT_THROW(SaveImageFile(path, IFF_PNG, image.properties, failing), std::bad_alloc);
+    EXPECT_EQ(FromText("old"), Content(path));
+
+    constexpr auto kText = "IImageFile::SaveToFile: failed to write file.";
+    fs::create_directories(folder_ / "folder.png");
+    for (const FileString& bad : {PathOf(OLESTR("folder.png")), PathOf(OLESTR("missing/a.png")), FileString(),
+                                  path + FileString(1, 0), FileString(OLESTR("/dev/null"))})
+        EXPECT_EQ(kText, FailureOf([&] { Save(bad, IFF_PNG, image); }, E_FAIL));
+    EXPECT_EQ(2u, FilesInFolder());
+    EXPECT_TRUE(fs::is_directory(folder_ / "folder.png"));
+    EXPECT_EQ(FromText("old"), Content(path));
+}
+
+TEST_F(ImageFile, SavingReplacesALongerFileWhole) {
+    const FileString path = PathOf(OLESTR("a.pgm"));
+    ASSERT_TRUE(WriteWholeFile(path, Bytes(100000, 1)));
+    MemoryImage image = Ramp(1, 8);
+    Save(path, IFF_PGM, image);
+    EXPECT_EQ(Written(IFF_PGM, image), Content(path));
+    EXPECT_EQ(1u, FilesInFolder());
+}
+
+TEST_F(ImageFile, AnEmptyFileAndTheStartOfALongOneAreRead) {
+    const FileString path = PathOf(OLESTR("a"));
+    ASSERT_TRUE(WriteWholeFile(path, {}));
+    EXPECT_TRUE(Content(path).empty());
+    ASSERT_TRUE(WriteWholeFile(path, FromText("0123456789")));
+    FileContent content;
+    EXPECT_EQ(ReadStatus::Done, ReadWholeFile(path, content, 4));
+    EXPECT_EQ(FromText("0123"), Bytes(content.bytes().begin(), content.bytes().end()));
+}
+
+#ifndef _WIN32
+TEST_F(ImageFile, ALinkStaysAndTheFileItLeadsToIsReplaced) {
+    const FileString path = PathOf(OLESTR("a.pgm"));
+    ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink(path, folder_ / "link");
+    ASSERT_TRUE(WriteWholeFile(PathOf(OLESTR("link")), FromText("new")));
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+    EXPECT_EQ(FromText("new"), Content(path));
+    EXPECT_EQ(fs::perms::owner_read | fs::perms::owner_write, fs::status(path).permissions());
+}
+#endif
+
+TEST(FileKeyword, HasOneToSeventyNinePrintableLatinCharactersWithoutSpareBlanks) {
+    for (const FileString& good : {FileString(OLESTR("Title")), FileString(OLESTR("Creation Time")),
+                                   FileString(OLESTR("\u00C5\u00FF!~")), FileString(79, OLECHAR{'x'})})
+        EXPECT_TRUE(IsFileKeyword(good));
+    for (const FileString& bad :
+         {FileString(), FileString(80, OLECHAR{'x'}), FileString(OLESTR(" a")), FileString(OLESTR("a ")),
+          FileString(OLESTR("a  b")), FileString(OLESTR("a\tb")), FileString(OLESTR("\u0100")),
+          FileString(OLESTR("\u00A0")), FileString(OLESTR("\u007F")), FileString(OLESTR("a\0b"), 3),
+          FileString(1, OLECHAR{' '})})
+        EXPECT_FALSE(IsFileKeyword(bad));
+}
+
+}  // namespace
+}  // namespace orlix::test

@@ -1,0 +1,95 @@
+// A picture in memory that readers fill and writers take from.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "component/failure.hpp"
+#include "files/image_file.hpp"
+
+namespace orlix::test {
+
+class MemoryImage final : public PixelSink {
+public:
+    MemoryImage() = default;
+    MemoryImage(int32_t width, int32_t height, int32_t bands, int32_t bits) { Allocate(width, height, bands, bits); }
+
+    void Begin(const FileProperties& given) override {
+        if (begun) throw std::logic_error("begun twice");
+        begun = true;
+        Allocate(given.width, given.height, given.bands, given.bits);
+        properties = given;
+    }
+    void* Row(int32_t band, int32_t y) override {
+        if (band < 0 || band >= properties.bands || y < 0 || y >= properties.height)
+            throw std::logic_error("row outside the image");
+        const size_t index =
+            (static_cast<size_t>(band) * static_cast<size_t>(properties.height) + static_cast<size_t>(y)) *
+            static_cast<size_t>(properties.width);
+        return properties.bits == 8 ? static_cast<void*>(&bytes[index]) : static_cast<void*>(&words[index]);
+    }
+    uint32_t at(int32_t band, int32_t x, int32_t y) {
+        const void* row = Row(band, y);
+        return properties.bits == 8 ? static_cast<const uint8_t*>(row)[x] : static_cast<const uint16_t*>(row)[x];
+    }
+    void set(int32_t band, int32_t x, int32_t y, uint32_t value) {
+        if (properties.bits == 8)
+            static_cast<uint8_t*>(Row(band, y))[x] = static_cast<uint8_t>(value);
+        else
+            static_cast<uint16_t*>(Row(band, y))[x] = static_cast<uint16_t>(value);
+    }
+    bool SamePixels(const MemoryImage& other) const {
+        return properties.width == other.properties.width && properties.height == other.properties.height &&
+               properties.bands == other.properties.bands && properties.bits == other.properties.bits &&
+               bytes == other.bytes && words == other.words;
+    }
+
+    FileProperties properties;
+    bool begun = false;
+    std::vector<uint8_t> bytes;   // of an 8-bit image
+    std::vector<uint16_t> words;  // of a 16-bit image
+
+private:
+    void Allocate(int32_t width, int32_t height, int32_t bands, int32_t bits) {
+        properties.width = width;
+        properties.height = height;
+        properties.bands = bands;
+        properties.bits = bits;
+        const size_t samples = static_cast<size_t>(width) * static_cast<size_t>(height) * static_cast<size_t>(bands);
+        bits == 8 ? bytes.resize(samples) : words.resize(samples);
+    }
+};
+
+// A writer must not need more of its source than the interface promises: each row is valid until the next call only.
+class FleetingSource final : public PixelSource {
+public:
+    explicit FleetingSource(MemoryImage& image) : image_(image) {}
+    const void* Row(int32_t band, int32_t y) override {
+        const auto width = static_cast<size_t>(image_.properties.width);
+        const size_t size = width * static_cast<size_t>(image_.properties.bits / 8);
+        const auto* row = static_cast<const uint8_t*>(image_.Row(band, y));
+        row_.assign((size + 1) / 2, 0xDEAD);
+        std::copy(row, row + size, reinterpret_cast<uint8_t*>(row_.data()));
+        return row_.data();
+    }
+
+private:
+    MemoryImage& image_;
+    std::vector<uint16_t> row_;
+};
+
+// The text of the failure that reading these bytes gives, "" when they can be read.
+inline std::string FailureOfReading(std::span<const uint8_t> bytes, MemoryImage& image) {
+    try {
+        ReadImageFile(bytes, image);
+        return "";
+    } catch (const Failure& failure) {
+        if (failure.result() != DISP_E_EXCEPTION) return std::string("wrong result: ") + failure.what();
+        return failure.what();
+    }
+}
+
+}  // namespace orlix::test
