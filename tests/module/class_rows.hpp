@@ -41,12 +41,12 @@ inline constexpr ClassFacts kClassFacts[] = {
      "ShapeRegionOfInterest Class", "ShapeRegionOfInterest Class", 113, "IShapeRegionOfInterest", "", true},
     {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", "VBHelper Class", "VBHelper Class",
      114, "IVBHelper", "", false},
-    {"OrlixImageView", "{C35E3781-66F8-4DEE-B487-451882355339}", "Orlix.ImageView", "ImageView", "ImageView Class",
-     116, "IImageViewDisp", "IImageViewEventsDisp", false},
+    {"OrlixImageView", "{C35E3781-66F8-4DEE-B487-451882355339}", "Orlix.ImageView", "ImageView", "ImageView Class", 116,
+     "IImageViewDisp", "IImageViewEventsDisp", false},
     {"OrlixTextGraphicOverlay", "{D51CC6A3-98FA-44AE-9505-778148FED93C}", "Orlix.TextGraphicOverlay",
      "TextGraphicOverlay Class", "TextGraphicOverlay Class", 117, "ITextGraphicOverlay", "", false},
-    {"OrlixHistogramDialog", "{BC6A61F4-18F5-48FE-BA43-C9B34EB702B0}", "Orlix.HistogramDialog",
-     "HistogramDialog Class", "HistogramDialog Class", 120, "IHistogramDialog", "IHistogramDialogEvents", false},
+    {"OrlixHistogramDialog", "{BC6A61F4-18F5-48FE-BA43-C9B34EB702B0}", "Orlix.HistogramDialog", "HistogramDialog Class",
+     "HistogramDialog Class", 120, "IHistogramDialog", "IHistogramDialogEvents", false},
 };
 
 inline constexpr const char* kTypeLibraryId = "{9DE17042-4E68-4807-B2EE-9607EC37664C}";

@@ -9,7 +9,7 @@ namespace {
 
 // Each step may be told to fail or to throw.
 class FakeLibrary final : public GraphicsLibrary {
-   public:
+public:
     bool loads = true, hasEntryPoints = true;
     int status = 0;
     uintptr_t token = 42;
@@ -38,7 +38,7 @@ class FakeLibrary final : public GraphicsLibrary {
     }
     void Unload() noexcept override { ++unloaded; }
 
-   private:
+private:
     void ThrowAt(Step step) const {
         if (throwsAt == step) throw std::runtime_error("inside the library");
     }

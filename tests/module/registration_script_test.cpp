@@ -11,9 +11,9 @@
 namespace orlix {
 namespace {
 
-using testing::ListRegistry;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using testing::ListRegistry;
 using Lines = std::vector<std::string>;
 
 const RegistryKey kHome = {RegistryRoot::CurrentUser, OLESTR("Software\\Registration script test")};
@@ -27,7 +27,7 @@ std::string At(const std::string& keys) {
 }
 
 class RegistrationScripts : public ::testing::Test {
-   protected:
+protected:
     void SetUp() override { store->DeleteTree(kHome); }
     void TearDown() override { store->DeleteTree(kHome); }
 
@@ -64,8 +64,8 @@ TEST_F(RegistrationScripts, WordsMayBeQuotedAndPlaceholdersStandForTheModule) {
 }
 
 TEST_F(RegistrationScripts, KeywordsAndRootsAreReadInAnyCase) {
-    RegistrationScript("hkcu { noremove Software { NOREMOVE 'Registration script test' { A = S 'x' { VAL b = D 7 } } } }",
-                       kModule)
+    RegistrationScript(
+        "hkcu { noremove Software { NOREMOVE 'Registration script test' { A = S 'x' { VAL b = D 7 } } } }", kModule)
         .Add(*store);
     EXPECT_THAT(Left(), ElementsAre("A", "A : b = #7", "A = x"));
 }
@@ -256,7 +256,7 @@ TEST_F(RegistrationScripts, ThePositionOfAScriptThatEndsEarlyIsItsLastLine) {
 
 // Answers the n-th call with a failure and passes the others on.
 class FailingStore final : public RegistryStore {
-   public:
+public:
     FailingStore(RegistryStore& store, int failingCall) : store_(store), left_(failingCall) {}
     static constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
 
@@ -275,7 +275,7 @@ class FailingStore final : public RegistryStore {
         return Fails() ? kAccessDenied : store_.DeleteIfEmpty(key);
     }
 
-   private:
+private:
     bool Fails() { return --left_ == 0; }
     RegistryStore& store_;
     int left_;

@@ -36,7 +36,7 @@ Lines AllLines() {
 }
 
 class Registration : public ::testing::Test {
-   protected:
+protected:
     void SetUp() override { ProcessRegistry::OfThisProcess().DeleteTree(u"HKCR"); }
     void TearDown() override { ProcessRegistry::OfThisProcess().DeleteTree(u"HKCR"); }
     std::unique_ptr<RegistryStore> store = OpenRegistry();
@@ -80,7 +80,7 @@ TEST_F(Registration, TheStructuringElementKeepsItsLowerCaseName) {
 
 // A registry that takes a number of new keys and then none.
 class FullStore final : public RegistryStore {
-   public:
+public:
     FullStore(RegistryStore& store, int keys) : store_(store), left_(keys) {}
     static constexpr HRESULT kDiskFull = static_cast<HRESULT>(0x80070070);
     HRESULT CreateKey(const RegistryKey& key) override { return left_-- > 0 ? store_.CreateKey(key) : kDiskFull; }
@@ -96,7 +96,7 @@ class FullStore final : public RegistryStore {
     HRESULT DeleteTree(const RegistryKey& key) override { return store_.DeleteTree(key); }
     HRESULT DeleteIfEmpty(const RegistryKey& key) override { return store_.DeleteIfEmpty(key); }
 
-   private:
+private:
     RegistryStore& store_;
     int left_;
 };

@@ -15,6 +15,12 @@ std::string Line(const std::string& key, const RegistryText& name, const std::st
     return key + (name.empty() ? "" : " : " + ToUtf8(name)) + " = " + value;
 }
 
+std::string Number(uint32_t number) {
+    std::string text = "#";
+    text += std::to_string(number);
+    return text;
+}
+
 #ifdef _WIN32
 
 void List(HKEY key, const std::string& path, std::vector<std::string>& lines) {
@@ -26,7 +32,7 @@ void List(HKEY key, const std::string& path, std::vector<std::string>& lines) {
         DWORD type = 0;
         if (RegEnumValueW(key, i, name, &units, nullptr, &type, data, &bytes) != ERROR_SUCCESS) break;
         if (type == REG_DWORD)
-            lines.push_back(Line(path, name, "#" + std::to_string(*reinterpret_cast<const uint32_t*>(data))));
+            lines.push_back(Line(path, name, Number(*reinterpret_cast<const uint32_t*>(data))));
         else
             lines.push_back(Line(path, name, ToUtf8(reinterpret_cast<const wchar_t*>(data))));
     }
@@ -69,7 +75,7 @@ std::vector<std::string> ListRegistry(const RegistryKey& key) {
         if (!relative.empty()) lines.push_back(relative);
         for (const auto& [name, value] : values) {
             const auto* text = std::get_if<ProcessRegistry::Text>(&value);
-            lines.push_back(Line(relative, name, text ? ToUtf8(*text) : "#" + std::to_string(std::get<uint32_t>(value))));
+            lines.push_back(Line(relative, name, text ? ToUtf8(*text) : Number(std::get<uint32_t>(value))));
         }
     }
 #endif
