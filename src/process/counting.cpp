@@ -176,25 +176,29 @@ template <class T>
 void Counter<T>::Histogram(std::span<LONG> out) {
     std::fill(out.begin(), out.end(), 0);
     if constexpr (kCountsValues<T>) {
-        const auto countOf = [&](size_t value) {
-            uint64_t count = 0;
-            if (std::is_same_v<T, uint8_t> && tables_ == 1) {
-                count = counts_[65536 + value];
-                for (size_t other = 0; other < 256; ++other)
-                    count += uint64_t{counts_[value | other << 8]} + counts_[other | value << 8];
-            } else {
-                const size_t size = counts_.size() / tables_;
-                for (size_t table = 0; table < tables_; ++table) count += counts_[table * size + value];
+        constexpr size_t kValues = size_t{1} << 8 * sizeof(T);
+        std::vector<uint64_t> counts(kValues);
+        if (std::is_same_v<T, uint8_t> && tables_ == 1) {
+            for (size_t second = 0; second < 256; ++second) {
+                const uint32_t* const row = counts_.data() + (second << 8);
+                uint64_t total = 0;
+                for (size_t first = 0; first < 256; ++first) {
+                    counts[first] += row[first];
+                    total += row[first];
+                }
+                counts[second] += total + counts_[65536 + second];
             }
-            return count;
-        };
+        } else {
+            for (size_t table = 0; table < tables_; ++table)
+                for (size_t value = 0; value < kValues; ++value) counts[value] += counts_[table * kValues + value];
+        }
         // floor((value - lower) bins / width) for ascending values, by steps: bins <= width unless bins are values.
         const uint32_t width = static_cast<uint32_t>(rule_.upper) - rule_.lower;
         uint32_t bin = std::is_same_v<T, uint8_t> ? rule_.lower : 0;
         uint32_t remainder = 0;
         for (uint32_t value = rule_.lower; value <= rule_.upper; ++value) {
             if (value == rule_.upper && !std::is_same_v<T, uint8_t>) bin = rule_.bins - 1;
-            out[bin] = static_cast<LONG>(Saturated(static_cast<uint64_t>(out[bin]) + countOf(value)));
+            out[bin] = static_cast<LONG>(Saturated(static_cast<uint64_t>(out[bin]) + counts[value]));
             if (std::is_same_v<T, uint8_t> || rule_.onePerValue) {
                 ++bin;
             } else if (remainder += rule_.bins; remainder >= width) {

@@ -13,8 +13,17 @@ using BinsFn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint3
 template <class T>
 void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
 
+void Bins_avx2(const float* pixels, size_t n, const BinRule<float>& rule, uint32_t* bins);
+void Bins_avx512(const float* pixels, size_t n, const BinRule<float>& rule, uint32_t* bins);
+
 template <class T>
 inline constexpr Variant<BinsFn<T>> kBins[] = {{"scalar", Cpu::Any, &Bins_scalar}};
+template <>
+inline constexpr Variant<BinsFn<float>> kBins<float>[] = {
+    {"avx512", Cpu::Avx512, &Bins_avx512},
+    {"avx2", Cpu::Avx2, &Bins_avx2},
+    {"scalar", Cpu::Any, &Bins_scalar},
+};
 
 // Ways of counting values, in plain C++: one store a clock is the limit whatever the instruction set, and a load that waits
 // for the store just made to the same counter is the danger. "Pairs" makes one update for two pixels.

@@ -78,6 +78,25 @@ double ToDouble(const Wide& value) {
 
 double ToDouble(const WideSum& sum) { return ToDouble(Product(sum, {1, 0})); }
 
+// a / b for b > 0 and a / b < 2^52, from exact integers: rounded once where both are doubles, else exact where the quotient is
+// a whole number, and otherwise within a unit in the last place.
+double Quotient(const WideSum& a, const WideSum& b) {
+    constexpr uint64_t kExact = uint64_t{1} << 53;
+    const double estimate = ToDouble(a) / ToDouble(b);
+    if (a.high == 0 && a.low <= kExact && b.high == 0 && b.low <= kExact) return estimate;
+    auto whole = static_cast<uint64_t>(estimate);
+    // The estimate may have been rounded up to the next whole number.
+    const auto exceeds = [&](uint64_t q) {
+        const Wide product = Product(b, {q, 0}), limit = Product(a, {1, 0});
+        for (size_t i = 8; i-- > 0;)
+            if (product.limb[i] != limit.limb[i]) return product.limb[i] > limit.limb[i];
+        return false;
+    };
+    if (exceeds(whole)) --whole;
+    const Wide rest = Difference(Product(a, {1, 0}), Product(b, {whole, 0}));
+    return static_cast<double>(whole) + ToDouble(rest) / ToDouble(b);
+}
+
 }  // namespace
 
 void WideSum::Add(uint64_t a, uint64_t b) {
@@ -91,16 +110,12 @@ void WideSum::Add(uint64_t a, uint64_t b) {
 }
 
 template <class T>
-void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums) {
+void Sums_scalar(const T* pixels, size_t n, [[maybe_unused]] double origin, PixelSums<T>& sums) {
     sums = {};
-    for (size_t i = 0; i < n; ++i) {
-        if constexpr (std::is_same_v<T, float>) {
-            const double p = static_cast<double>(pixels[i]);
-            const double d = p - origin;
-            sums.s[i % 8] += p;
-            sums.q[i % 8] += d * d;
-            sums.w[i % 8] += static_cast<double>(i) * p;
-        } else {
+    if constexpr (std::is_same_v<T, float>) {
+        AddRest(pixels, 0, n, origin, sums);
+    } else {
+        for (size_t i = 0; i < n; ++i) {
             const uint64_t p = pixels[i];
             sums.s += p;
             sums.w += i * p;
@@ -111,6 +126,16 @@ void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums) {
                 sums.q += p * p;
             }
         }
+    }
+}
+
+void AddRest(const float* pixels, size_t first, size_t n, double origin, PixelSums<float>& sums) {
+    for (size_t i = first; i < n; ++i) {
+        const double p = static_cast<double>(pixels[i]);
+        const double d = p - origin;
+        sums.s[i % 8] += p;
+        sums.q[i % 8] += d * d;
+        sums.w[i % 8] += static_cast<double>(i) * p;
     }
 }
 
@@ -141,14 +166,13 @@ GrayMeasures Measurer<T>::Finish() const {
     GrayMeasures measures;
     measures.count = count_;
     if (count_ == 0 || !statistics_) return measures;
-    const double s = ToDouble(s_);
-    const double n = static_cast<double>(count_);
-    if (location_ && s > 0) {
-        measures.xCentroid = ToDouble(x_) / s;
-        measures.yCentroid = ToDouble(y_) / s;
+    const WideSum count{count_, 0};
+    if (location_ && (s_.low | s_.high) != 0) {
+        measures.xCentroid = Quotient(x_, s_);
+        measures.yCentroid = Quotient(y_, s_);
     }
-    measures.average = s / n;
-    measures.standardDeviation = std::sqrt(ToDouble(Difference(Product({count_, 0}, q_), Product(s_, s_)))) / n;
+    measures.average = Quotient(s_, count);
+    measures.standardDeviation = std::sqrt(ToDouble(Difference(Product(count, q_), Product(s_, s_)))) / ToDouble(count);
     return measures;
 }
 

@@ -13,7 +13,32 @@ using SumsFn = void (*)(const T* pixels, size_t n, double origin, PixelSums<T>& 
 template <class T>
 void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums);
 
+// Adds the pixels first..n-1 to sums, the definition's way.
+void AddRest(const float* pixels, size_t first, size_t n, double origin, PixelSums<float>& sums);
+
+void Sums_sse2(const uint8_t* pixels, size_t n, double origin, PixelSums<uint8_t>& sums);
+void Sums_sse2(const float* pixels, size_t n, double origin, PixelSums<float>& sums);
+void Sums_avx2(const uint8_t* pixels, size_t n, double origin, PixelSums<uint8_t>& sums);
+void Sums_avx2(const uint16_t* pixels, size_t n, double origin, PixelSums<uint16_t>& sums);
+void Sums_avx2(const float* pixels, size_t n, double origin, PixelSums<float>& sums);
+void Sums_avx512(const uint8_t* pixels, size_t n, double origin, PixelSums<uint8_t>& sums);
+void Sums_avx512(const uint16_t* pixels, size_t n, double origin, PixelSums<uint16_t>& sums);
+void Sums_avx512(const float* pixels, size_t n, double origin, PixelSums<float>& sums);
+
 template <class T>
-inline constexpr Variant<SumsFn<T>> kSums[] = {{"scalar", Cpu::Any, &Sums_scalar}};
+inline constexpr Variant<SumsFn<T>> kSums[] = {
+    {"avx512", Cpu::Avx512, &Sums_avx512},
+    {"avx2", Cpu::Avx2, &Sums_avx2},
+    {"sse2", Cpu::Sse2, &Sums_sse2},
+    {"scalar", Cpu::Any, &Sums_scalar},
+};
+template <>
+inline constexpr Variant<SumsFn<uint16_t>> kSums<uint16_t>[] = {
+    {"avx512", Cpu::Avx512, &Sums_avx512},
+    {"avx2", Cpu::Avx2, &Sums_avx2},
+    {"scalar", Cpu::Any, &Sums_scalar},
+};
+template <>
+inline constexpr Variant<SumsFn<uint32_t>> kSums<uint32_t>[] = {{"scalar", Cpu::Any, &Sums_scalar}};
 
 }  // namespace orlix
