@@ -22,7 +22,13 @@ void CombineWhole(uint8_t* bytes, ptrdiff_t count, DrawType how) {
         std::memset(bytes, how == DT_On ? 0xff : 0x00, static_cast<size_t>(count));
         return;
     }
-    for (ptrdiff_t i = 0; i < count; ++i) bytes[i] = static_cast<uint8_t>(~bytes[i]);
+    for (; count >= 8; count -= 8, bytes += 8) {
+        uint64_t eight;
+        std::memcpy(&eight, bytes, 8);
+        eight = ~eight;
+        std::memcpy(bytes, &eight, 8);
+    }
+    for (; count > 0; --count, ++bytes) *bytes = static_cast<uint8_t>(~*bytes);
 }
 
 // Columns 0 <= left <= right < width.

@@ -93,6 +93,17 @@ TEST(DrawRow, DrawsEverySpanOfEveryWidthAndNothingElse) {
                     [&](int32_t x, int32_t y) { return y == 1 && left <= x && x <= right; });
 }
 
+TEST(DrawRow, LongSpansBeginAndEndAnywhere) {
+    for (const int32_t left : {0, 5, 8, 13, 64, 130})
+        for (const int32_t right : {191, 192, 199, 200, 204, 263, 264})
+            ExpectDrawn(
+                265, 1,
+                [&](BitmapStore& bitmap, DrawType how) {
+                    DrawRow(bitmap, 0, {left, right}, how);
+                },
+                [&](int32_t x, int32_t) { return left <= x && x <= right; });
+}
+
 TEST(DrawRow, ASpanBesideTheBitmapMisses) {
     BitmapStore bitmap = Bitmap(10, 3);
     for (int32_t y = 0; y < 3; ++y) bitmap.ClearModified(y);
