@@ -1,0 +1,488 @@
+"""The parts of scripts/test, which describes them."""
+
+import argparse
+import concurrent.futures
+import json
+import os
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+BUILD = ROOT / "build"
+CORES = os.cpu_count() or 1
+BUILD_SECONDS = 3000
+PROGRAM_SECONDS = {"native": 300, "asan": 900, "win32": 600, "win64": 600}
+
+verbose = False
+
+
+class Unavailable(Exception):
+    """What a part needs and this machine has not."""
+
+
+class BuildFailed(Exception):
+    """Already reported."""
+
+
+class Tally:
+    def __init__(self, name):
+        self.name = name
+        self.passed = self.failed = self.skipped = 0
+
+    def add(self, other):
+        self.passed += other.passed
+        self.failed += other.failed
+        self.skipped += other.skipped
+
+    def check(self, what, problem):
+        """One check: an empty problem is a success, anything else is shown."""
+        if problem:
+            self.failed += 1
+            say(f"FAILED  {self.name}: {what}\n{indent(problem)}")
+        else:
+            self.passed += 1
+            if verbose:
+                say(f"ok      {self.name}: {what}")
+
+    def __str__(self):
+        return f"{self.passed} passed, {self.failed} failed, {self.skipped} skipped"
+
+
+def say(text):
+    print(text, flush=True)
+
+
+def indent(text):
+    return "\n".join("    " + line for line in text.rstrip().splitlines())
+
+
+# ------------------------------------------------------------------------------------------------------------- processes
+
+
+class Outcome:
+    def __init__(self, status, output, timed_out):
+        self.status = status
+        self.output = output
+        self.timed_out = timed_out
+
+    def ending(self, seconds):
+        if self.timed_out:
+            return f"stopped after {seconds} s"
+        if self.status < 0:
+            return f"ended by {signal.Signals(-self.status).name}"
+        return f"ended with status {self.status}"
+
+
+def run(command, seconds=120, cwd=ROOT, env=None):
+    """Runs a program with nothing to read, in a process group of its own that is ended with it when the time is up."""
+    process = subprocess.Popen(
+        [str(word) for word in command], cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT, start_new_session=True, env={**os.environ, **(env or {})})
+    timed_out = False
+    try:
+        output, _ = process.communicate(timeout=seconds)
+    except subprocess.TimeoutExpired:
+        timed_out = True
+        os.killpg(process.pid, signal.SIGKILL)
+        output, _ = process.communicate()
+    return Outcome(process.returncode, output.decode("utf-8", "replace").replace("\r\n", "\n"), timed_out)
+
+
+def problem_of(command, seconds=120, cwd=ROOT, env=None):
+    outcome = run(command, seconds, cwd, env)
+    if outcome.status == 0:
+        return ""
+    return f"{' '.join(map(str, command))}\n{outcome.output}\n{outcome.ending(seconds)}"
+
+
+# ----------------------------------------------------------------------------------------------------------------- builds
+
+built = {}
+
+
+def build(preset):
+    """Configures and builds a preset once; raises BuildFailed when it does not build, now or earlier."""
+    if preset not in built:
+        configure = ["cmake", "--preset", preset]
+        if not (BUILD / preset / "CMakeCache.txt").exists() and shutil.which("ninja"):
+            configure += ["-G", "Ninja"]
+        started = time.monotonic()
+        problem = problem_of(configure, 300)
+        if not problem:
+            problem = problem_of(["cmake", "--build", "--preset", preset, "-j", CORES], BUILD_SECONDS)
+        built[preset] = not problem
+        if problem:
+            say(f"FAILED  {preset}: the build\n{indent(problem)}")
+        elif verbose:
+            say(f"ok      {preset}: built in {time.monotonic() - started:.0f} s")
+    if not built[preset]:
+        raise BuildFailed
+
+
+def tests_of(preset):
+    """(name, command, folder, environment) of every test that the build registered."""
+    outcome = run(["ctest", "--test-dir", BUILD / preset, "--show-only=json-v1"])
+    for test in json.loads(outcome.output)["tests"]:
+        properties = {entry["name"]: entry["value"] for entry in test.get("properties", [])}
+        environment = dict(entry.split("=", 1) for entry in properties.get("ENVIRONMENT", []))
+        yield test["name"], test.get("command", []), properties.get("WORKING_DIRECTORY", BUILD / preset), environment
+
+
+# ------------------------------------------------------------------------------------------------------------------ tests
+
+
+def without_successes(output):
+    """A GoogleTest log less the tests that passed and said nothing."""
+    lines = []
+    for line in output.splitlines():
+        if line.startswith("[       OK ]") and lines and lines[-1].startswith("[ RUN      ]"):
+            lines.pop()
+        else:
+            lines.append(line)
+    return "\n".join(lines)
+
+
+def count(tally, name, outcome, seconds):
+    """Counts the tests of one program. A program that did not come to its regular end has failed, whatever it printed."""
+
+    def closing(word):
+        found = re.findall(rf"^\[  {word} \] (\d+) tests?[.,]", outcome.output, re.M)
+        return int(found[-1]) if found else 0
+
+    problem = ""
+    if re.search(r"^\[==========\] Running \d+ tests?", outcome.output, re.M):
+        ended = re.search(r"^\[==========\] (\d+) tests? .*ran\.", outcome.output, re.M)
+        if ended:
+            passed, failed, skipped = closing("PASSED "), closing("FAILED "), closing("SKIPPED")
+            if passed + failed + skipped != int(ended.group(1)):
+                problem = "its counts do not add up"
+        else:
+            passed = len(re.findall(r"^\[       OK \]", outcome.output, re.M))
+            failed = len(re.findall(r"^\[  FAILED  \] .*\(\d+ ms\)", outcome.output, re.M))
+            skipped = len(re.findall(r"^\[  SKIPPED \] .*\(\d+ ms\)", outcome.output, re.M))
+            problem = "it did not come to its end"
+        if not passed + failed + skipped:
+            problem = "it ran no test"
+        if outcome.timed_out or (outcome.status != 0 and not failed):
+            problem = problem or "no test of it failed"
+        if problem:
+            failed += 1
+    else:  # a test of another kind: one program, one result
+        passed, failed, skipped = (1, 0, 0) if outcome.status == 0 else (0, 1, 0)
+    tally.passed += passed
+    tally.failed += failed
+    tally.skipped += skipped
+    if failed:
+        reason = f"{problem + '; ' if problem else ''}{outcome.ending(seconds)}"
+        say(f"FAILED  {tally.name}: {name}\n{indent(without_successes(outcome.output))}\n    {reason}")
+    elif skipped or verbose:
+        for test in dict.fromkeys(re.findall(r"^\[  SKIPPED \] (\S+\.\S+)$", outcome.output, re.M)):
+            say(f"skipped {tally.name}: {test}")
+        if verbose:
+            say(f"ok      {tally.name}: {name}: {passed} passed, {skipped} skipped")
+
+
+def run_tests(tally, preset, launcher=()):
+    seconds = PROGRAM_SECONDS[preset]
+
+    def one(test):
+        name, command, folder, environment = test
+        # Scratch files of different programs stay apart.
+        scratch = BUILD / preset / "scratch" / name
+        shutil.rmtree(scratch, ignore_errors=True)
+        scratch.mkdir(parents=True)
+        for variable in ("TMPDIR", "TEST_TMPDIR"):
+            environment.setdefault(variable, str(scratch))
+        if not command or not Path(command[0]).exists() and not shutil.which(command[0]):
+            return name, Outcome(127, f"{command} was not built", False)
+        words = [*launcher, *command] if command[0].endswith(".exe") else command
+        return name, run(words, seconds, folder, environment)
+
+    tests = list(tests_of(preset))
+    if not tests:
+        tally.check("the build registers tests", "there is none")
+    with concurrent.futures.ThreadPoolExecutor(CORES) as pool:
+        for name, outcome in pool.map(one, tests):
+            count(tally, name, outcome, seconds)
+
+
+def native(tally):
+    build("native")
+    run_tests(tally, "native")
+
+
+def asan(tally):
+    build("asan")
+    os.environ.setdefault("ASAN_OPTIONS", "detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1")
+    os.environ.setdefault("UBSAN_OPTIONS", "print_stacktrace=1")
+    run_tests(tally, "asan")
+
+
+# ---------------------------------------------------------------------------------------------------------------- Windows
+
+COMPILER = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def build_windows(bits):
+    compiler = f"{COMPILER[bits]}-g++-posix"
+    for tool in (compiler, "i686-w64-mingw32-widl"):
+        if not shutil.which(tool):
+            raise Unavailable(f"there is no {tool}")
+    build(f"win{bits}")
+    return library_in(BUILD / f"win{bits}")
+
+
+def library_in(folder):
+    found = sorted(folder.rglob("orlix.dll"))
+    if not found:
+        raise FileNotFoundError(f"no orlix.dll in {folder}")
+    return found[0]
+
+
+class Wine:
+    """A Wine environment, running."""
+
+    def __init__(self, bits):
+        self.bits = bits
+        self.command = [str(ROOT / "scripts" / "wine"), str(bits)]
+
+    def __enter__(self):
+        outcome = run([*self.command, "start"], 240)
+        if outcome.status == 127:
+            raise Unavailable(outcome.output.strip())
+        if outcome.status != 0:
+            raise RuntimeError(f"{self.bits}-bit Wine does not start\n{outcome.output}\n{outcome.ending(240)}")
+        return self
+
+    def __exit__(self, *_):
+        run([*self.command, "stop"], 90)
+
+    def register(self, library, *options):
+        return problem_of([*self.command, "regsvr32", "/s", *options, windows_path(library)])
+
+    def registry(self):
+        """All classes known, of the machine and of the user, as text."""
+        texts = []
+        for hive in ("HKEY_LOCAL_MACHINE", "HKEY_CURRENT_USER"):
+            file = BUILD / f"registry{self.bits}.reg"
+            file.unlink(missing_ok=True)
+            run([*self.command, "regedit", "/e", windows_path(file), hive + "\\Software\\Classes"])
+            texts.append(file.read_bytes().decode("utf-16", "replace") if file.exists() else "")
+        return "\n".join(texts)
+
+
+def check_registration(tally, wine, library):
+    """Registering twice is like once, and unregistering takes all of it away and nothing else."""
+    wine.register(library, "/u")  # whatever an interrupted run left
+    before = wine.registry()
+    tally.check("regsvr32 registers orlix.dll", wine.register(library))
+    once = wine.registry()
+    tally.check("the registry names the class and where its code is",
+                "" if "Orlix.Histogram" in once and "orlix.dll" in once else "Orlix.Histogram or orlix.dll is not in it")
+    wine.register(library)
+    tally.check("registering again changes nothing", difference(once, wine.registry()))
+    tally.check("regsvr32 unregisters orlix.dll", wine.register(library, "/u"))
+    tally.check("unregistering leaves the registry as it was", difference(before, wine.registry()))
+
+
+def difference(before, after):
+    before, after = set(before.splitlines()), set(after.splitlines())
+    return "\n".join([f"- {line}" for line in sorted(before - after)] + [f"+ {line}" for line in sorted(after - before)])
+
+
+def windows(tally, bits):
+    library = build_windows(bits)
+    with Wine(bits) as wine:
+        check_registration(tally, wine, library)
+        tally.check("orlix.dll is registered for the tests", wine.register(library))
+        try:
+            run_tests(tally, f"win{bits}", wine.command)
+        finally:
+            wine.register(library, "/u")
+
+
+def win32(tally):
+    windows(tally, 32)
+
+
+def win64(tally):
+    windows(tally, 64)
+
+
+# ----------------------------------------------------------------------------------------------------------------- checks
+
+
+def checks(tally):
+    command = [sys.executable, ROOT / "tests" / "checks" / "run.py"]
+    build("native")
+    command += ["--native", BUILD / "native"]
+    for bits in (32, 64):
+        try:
+            build_windows(bits)
+            command += [f"--win{bits}", BUILD / f"win{bits}"]
+        except Unavailable as reason:
+            tally.skipped += 1
+            say(f"skipped {tally.name}: contents of the {bits}-bit orlix.dll: {reason}")
+    run_checks(tally, command, 900)
+
+
+def tidy(tally):
+    if not shutil.which("clang-tidy"):
+        raise Unavailable("there is no clang-tidy")
+    problem = problem_of(["cmake", "--preset", "native"], 300)
+    if problem:
+        tally.check("the configuration", problem)
+        return
+    run_checks(tally, [sys.executable, ROOT / "tests" / "checks" / "run.py", "--tidy", BUILD / "native"], 3000)
+
+
+def run_checks(tally, command, seconds):
+    """The checks print their own lines, a failure with its details, and a sum at the end."""
+    outcome = run(command, seconds)
+    found = re.search(r"^(\d+) passed, (\d+) failed, (\d+) skipped$\s*\Z", outcome.output, re.M)
+    if not found:
+        tally.check("the checks come to their end", outcome.output + "\n" + outcome.ending(seconds))
+        return
+    passed, failed, skipped = map(int, found.groups())
+    if outcome.status != 0 and not failed:
+        failed = 1
+    tally.passed += passed
+    tally.failed += failed
+    tally.skipped += skipped
+    for line in outcome.output[:found.start()].splitlines():
+        if verbose or not line.startswith("ok "):
+            say(line)
+
+
+# --------------------------------------------------------------------------------------------------------------- consumer
+
+
+def readme_program():
+    """The first C++ block of README.md, as a file; None when there is none."""
+    readme = ROOT / "README.md"
+    found = re.search(r"^```cpp\n(.*?)^```", readme.read_text("utf-8"), re.M | re.S) if readme.exists() else None
+    if not found:
+        return None
+    file = BUILD / "consumer" / "readme.cpp"
+    file.parent.mkdir(parents=True, exist_ok=True)
+    file.write_text(found.group(1), "utf-8")
+    return file
+
+
+def install(tally, preset):
+    stage = BUILD / "stage" / preset
+    shutil.rmtree(stage, ignore_errors=True)
+    tally.check(f"{preset}: installs", problem_of(["cmake", "--install", BUILD / preset, "--prefix", stage]))
+    return stage
+
+
+def build_consumer(tally, preset, stage, program):
+    """The consumer project by find_package; gives the folder of its programs."""
+    folder = BUILD / "consumer" / preset
+    shutil.rmtree(folder, ignore_errors=True)
+    configure = ["cmake", "-S", ROOT / "tests" / "consumer", "-B", folder, "-DCMAKE_BUILD_TYPE=Release",
+                 f"-Dorlix_DIR={stage}/lib/cmake/orlix"]
+    if program:
+        configure.append(f"-DREADME_PROGRAM={program}")
+    if preset != "native":
+        configure += [f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw.cmake", f"-DORLIX_MINGW={COMPILER[int(preset[3:])]}"]
+    problem = problem_of(configure) or problem_of(["cmake", "--build", folder], 300)
+    tally.check(f"{preset}: a project builds with find_package(orlix)", problem)
+    return folder
+
+
+def consumer(tally):
+    build("native")
+    program = readme_program()
+    tally.check("README.md shows a program", "" if program else "README.md has no block of C++")
+    specimen = BUILD / "consumer" / "specimen.png"
+    specimen.parent.mkdir(parents=True, exist_ok=True)
+    specimen.unlink(missing_ok=True)
+
+    stage = install(tally, "native")
+    tally.check("native: the installed tool writes a specimen", problem_of([stage / "bin/orlix", "specimen", specimen]))
+    folder = build_consumer(tally, "native", stage, program)
+    tally.check("native: the project's program runs", problem_of([folder / "consumer"]))
+    if program:
+        tally.check("native: README's program runs", problem_of([folder / "readme", specimen]))
+    consumer_by_pkg_config(tally, stage)
+
+    try:
+        build_windows(32)
+        with Wine(32) as wine:
+            stage = install(tally, "win32")
+            library = library_in(stage)
+            folder = build_consumer(tally, "win32", stage, program)
+            tally.check("win32: the installed orlix.dll registers", wine.register(library))
+            tally.check("win32: the project's program runs", problem_of([*wine.command, folder / "consumer.exe"]))
+            if program:
+                tally.check("win32: README's program runs",
+                            problem_of([*wine.command, folder / "readme.exe", windows_path(specimen)]))
+            wine.register(library, "/u")
+        tally.check("scripts/demo: both platforms measure the same",
+                    problem_of([ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen], 600))
+    except Unavailable as reason:
+        tally.skipped += 1
+        say(f"skipped {tally.name}: the programs on Windows: {reason}")
+
+
+def consumer_by_pkg_config(tally, stage):
+    if not shutil.which("pkg-config"):
+        tally.skipped += 1
+        say(f"skipped {tally.name}: there is no pkg-config")
+        return
+    environment = {"PKG_CONFIG_PATH": str(stage / "lib/pkgconfig"), "LD_LIBRARY_PATH": str(stage / "lib")}
+    flags = run(["pkg-config", "--cflags", "--libs", "orlix"], env=environment)
+    result = BUILD / "consumer" / "by_pkg_config"
+    problem = flags.output if flags.status else problem_of(
+        ["g++", "-std=c++20", "-Wall", "-Wextra", "-Werror", ROOT / "tests/consumer/main.cpp", "-o", result,
+         *flags.output.split()])
+    tally.check("native: a program builds with pkg-config", problem)
+    tally.check("native: the program built with pkg-config runs", problem_of([result], env=environment))
+
+
+# ------------------------------------------------------------------------------------------------------------------- main
+
+PARTS = {part.__name__: part for part in (native, asan, win32, win64, checks, consumer, tidy)}
+
+
+def main():
+    global verbose
+    parser = argparse.ArgumentParser(prog="scripts/test")
+    parser.add_argument("-v", "--verbose", action="store_true")
+    parser.add_argument("parts", nargs="*", metavar="PART", help=", ".join(PARTS))
+    arguments = parser.parse_args()
+    verbose = arguments.verbose
+    unknown = [part for part in arguments.parts if part not in PARTS]
+    if unknown:
+        parser.error(f"no such part: {', '.join(unknown)}")
+
+    total = Tally("total")
+    for name in arguments.parts or [part for part in PARTS if part != "tidy"]:
+        tally = Tally(name)
+        started = time.monotonic()
+        try:
+            PARTS[name](tally)
+        except Unavailable as reason:
+            tally.skipped += 1
+            say(f"skipped {name}: {reason}")
+        except BuildFailed:
+            tally.failed += 1
+        except Exception as error:  # a part that breaks down has failed; the others still run
+            tally.check("the part comes to its end", f"{type(error).__name__}: {error}")
+        say(f"{name + ':':10}{tally} ({time.monotonic() - started:.0f} s)")
+        total.add(tally)
+    say(str(total))
+    return 1 if total.failed or not total.passed else 0
+
+
+sys.exit(main())
