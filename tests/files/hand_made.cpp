@@ -20,8 +20,6 @@ Bytes Little32(uint32_t v) { return Little16(v) + Little16(v >> 16); }
 
 // ------------------------------------------------------------------------------------------------------------------- PNG
 
-namespace {
-
 // Bit by bit: the remainder of the reflected polynomial 0xEDB88320.
 uint32_t Crc32(const Bytes& data) {
     uint32_t crc = 0xFFFFFFFFu;
@@ -31,6 +29,8 @@ uint32_t Crc32(const Bytes& data) {
     }
     return ~crc;
 }
+
+namespace {
 
 uint32_t Adler32(const Bytes& data) {
     uint32_t a = 1, b = 0;

@@ -35,6 +35,7 @@ private:
 // ------------------------------------------------------------------------------------------------------------------- PNG
 
 Bytes PngSignature();
+uint32_t Crc32(const Bytes& data);
 Bytes PngChunk(std::string_view type, const Bytes& data);
 Bytes PngHeader(uint32_t width, uint32_t height, uint32_t depth, uint32_t colourType, uint32_t interlace = 0);
 Bytes PngEnd();

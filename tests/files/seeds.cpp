@@ -1,0 +1,112 @@
+#include "files/seeds.hpp"
+
+#include "files/memory_image.hpp"
+
+namespace orlix::test {
+namespace {
+
+uint32_t Pattern(uint32_t x, uint32_t y, uint32_t sample) { return 37 * x + 11 * y * y + 91 * sample; }
+
+void AddPng(std::vector<Seed>& seeds) {
+    const auto add = [&](std::string name, const Bytes& bytes) { seeds.push_back({"png-" + name, bytes}); };
+    Bytes palette;
+    for (int i = 0; i < 256; ++i)
+        palette = palette + Bytes{static_cast<uint8_t>(i), static_cast<uint8_t>(i / 2), static_cast<uint8_t>(255 - i)};
+    for (const uint32_t colourType : {0u, 2u, 3u, 4u, 6u})
+        for (const uint32_t depth : {1u, 2u, 4u, 8u, 16u}) {
+            if (depth < 8 && colourType != 0 && colourType != 3) continue;
+            if (depth == 16 && colourType == 3) continue;
+            for (const bool interlaced : {false, true}) {
+                const PngPicture picture{9,
+                                         6,
+                                         depth,
+                                         colourType,
+                                         interlaced,
+                                         [=](uint32_t x, uint32_t y, uint32_t s) {
+                                             return Pattern(x, y, s) & ((1u << depth) - 1); }};
+                const Bytes chunk =
+                    PngChunk("PLTE", Bytes(palette.begin(), palette.begin() + (3 << std::min(depth, 8u))));
+                add(std::to_string(colourType) + "-" + std::to_string(depth) + (interlaced ? "-interlaced" : ""),
+                    MakePng(picture, colourType == 3 ? chunk : Bytes{}));
+            }
+        }
+    const auto text = [](std::string_view type, const Bytes& rest) {
+        return PngChunk(type, FromText("Title") + Bytes{0} + rest);
+    };
+    add("chunks", PngSignature() + PngHeader(3, 1, 8, 0) + PngChunk("pHYs", Big32(1000) + Big32(2000) + Bytes{1}) +
+                      PngChunk("gAMA", Big32(45455)) + text("tEXt", FromText("text")) +
+                      text("zTXt", Bytes{0} + RunStream(Bytes(600, 'x'))) +
+                      text("iTXt", Bytes{0, 0, 0, 0, 0xC3, 0xA9}) +
+                      text("iTXt", Bytes{1, 0, 'e', 'n', 0, 't', 0} + StoredStream({0xE2, 0x82, 0xAC})) +
+                      PngChunk("IDAT", {0x78}) + PngChunk("IDAT", {}) +
+                      PngChunk("IDAT",
+                               [] {
+                                   const Bytes stream = StoredStream({0, 1, 2, 3}, 2);
+                                   return Bytes(stream.begin() + 1, stream.end());
+                               }()) +
+                      PngEnd() + FromText("behind"));
+    Bytes flat(80 * 81);
+    add("flat", PngSignature() + PngHeader(80, 80, 8, 0) + PngChunk("IDAT", RunStream(flat)) + PngEnd());
+}
+
+void AddBmp(std::vector<Seed>& seeds) {
+    for (const uint32_t headerSize : {12u, 40u, 108u, 124u})
+        for (const int32_t height : {3, -3}) {
+            if (headerSize == 12 && height < 0) continue;
+            BmpFile file;
+            file.headerSize = headerSize;
+            file.width = 5;
+            file.height = height;
+            file.perMetreX = file.perMetreY = 2000000;
+            file.coloursUsed = 16;
+            file.palette = GreyRampPalette(headerSize == 12 ? 3 : 4);
+            file.palette.resize(16 * (headerSize == 12 ? 3 : 4));
+            for (uint32_t i = 0; i < 24; ++i) file.rows.push_back(static_cast<uint8_t>(i % 16));
+            const std::string name = "bmp-" + std::to_string(headerSize) + (height < 0 ? "-down" : "");
+            seeds.push_back({name, MakeBmp(file)});
+            file.palette[1] = 99;
+            seeds.push_back({name + "-colour", MakeBmp(file)});
+        }
+}
+
+void AddPnm(std::vector<Seed>& seeds) {
+    using namespace std::string_view_literals;
+    int number = 0;
+    for (const std::string_view text :
+         {"P2\n# c\n3 2\n255\n1 2 3\n4 5 255\n"sv, "P2 2 1 65535 1 65535"sv, "P3 1 2 15 1 2 3 4 5 15"sv,
+          "P5 3 2 255\nabcdef"sv, "P5#c\n2 1\n1023\n\x03\xFF\x00\x01"sv, "P6 2 1 255\nabcdef"sv,
+          "P6 1 1 65535\n\x01\x02\x03\x04\x05\x06"sv, "P2 1 1 255 5 P2 1 1 255 6"sv})
+        seeds.push_back({"pnm-" + std::to_string(number++), FromText(text)});
+}
+
+void AddWritten(std::vector<Seed>& seeds) {
+    for (const int32_t bands : {1, 3})
+        for (const int32_t bits : {8, 16}) {
+            MemoryImage image(12, 10, bands, bits);
+            for (int32_t band = 0; band < bands; ++band)
+                for (int32_t y = 0; y < 10; ++y)
+                    for (int32_t x = 0; x < 12; ++x)
+                        image.set(band, x, y, static_cast<uint32_t>(20 * x + 3 * y * y + 5 * band));
+            image.properties.micronsX = image.properties.micronsY = 0.25;
+            image.properties.texts = {{OLESTR("Title"), OLESTR("a\u00B5")}, {OLESTR("Other"), OLESTR("\u4E2D")}};
+            FleetingSource source(image);
+            const std::string name = std::to_string(bands) + "-" + std::to_string(bits);
+            const auto write = [&](ImageFileFormat format) { return WriteImageFile(format, image.properties, source); };
+            seeds.push_back({"png-written-" + name, write(IFF_PNG)});
+            seeds.push_back({"pnm-raw-" + name, write(bands == 3 ? IFF_PPM : IFF_PGM)});
+            seeds.push_back({"pnm-plain-" + name, write(bands == 3 ? IFF_PlainPPM : IFF_PlainPGM)});
+        }
+}
+
+}  // namespace
+
+std::vector<Seed> MakeSeeds() {
+    std::vector<Seed> seeds;
+    AddPng(seeds);
+    AddBmp(seeds);
+    AddPnm(seeds);
+    AddWritten(seeds);
+    return seeds;
+}
+
+}  // namespace orlix::test
