@@ -46,12 +46,10 @@ std::span<const Run> RegionRows::ShapeRow(int32_t y) const {
     for (int i = 0; i < raw.count; ++i)
         if (Clip(raw.runs[static_cast<size_t>(i)].start, raw.runs[static_cast<size_t>(i)].stop, width_, buffer_[count]))
             ++count;
-    if (count == 2) {
-        if (buffer_[1].start < buffer_[0].start) std::swap(buffer_[0], buffer_[1]);
-        if (Touches(buffer_[0], buffer_[1])) {
-            buffer_[0].stop = std::max(buffer_[0].stop, buffer_[1].stop);
-            count = 1;
-        }
+    // A shape's second run never begins before its first.
+    if (count == 2 && Touches(buffer_[0], buffer_[1])) {
+        buffer_[0].stop = std::max(buffer_[0].stop, buffer_[1].stop);
+        count = 1;
     }
     return {buffer_.data(), count};
 }

@@ -159,26 +159,28 @@ TEST(ShapeRegion, CirclesHoldExactlyThePixelsWithinTheRadius) {
             }
 }
 
-// (y - 0.1)^2 for y = 0.1 + 1.1 - 1 is not the rounded square of the radius: the root of what is left may be that of -1e-16.
-TEST(ShapeRegion, RoundingAtTheLastRowDoesNotLoseIt) {
-    int onCentre = 0;
-    for (int i = 1; i < 2000; ++i) {
-        const double y = 20 + i / 1999.0;
-        const double radius = y - 10;  // row 10 is the first
+// A circle that reaches row 10 as exactly as its centre and radius can say: there radius^2 - d^2 may come out as -1e-15.
+TEST(ShapeRegion, RoundingAtTheFirstRowDoesNotLoseIt) {
+    int reached = 0;
+    int negative = 0;
+    for (int i = 1; i < 5000; ++i) {
+        const double radius = i / 997.0;
+        const double y = 10 + radius;
         const ShapeRegion shape = Circle(50, 50, 25, y, radius);
-        const auto run = shape.Row(shape.BoundingBox().top).runs[0];
         if (shape.BoundingBox().top != 10) continue;  // y - radius came out above 10
-        EXPECT_LE(run.start, 25);
-        EXPECT_GE(run.stop, 25);
-        ++onCentre;
+        EXPECT_THAT(Runs(shape, 10), Is({{25, 25}})) << radius;
+        ++reached;
+        negative += radius * radius - (10 - y) * (10 - y) < 0;
     }
-    EXPECT_GT(onCentre, 1000);
+    EXPECT_GT(reached, 1000);
+    EXPECT_GT(negative, 100);
 }
 
 TEST(ShapeRegion, CirclesOfAnySizeAreDefined) {
     EXPECT_THAT(Runs(Circle(100, 100, 50, 50, kInf), 0), Is({{kLeast, kMost}}));
     EXPECT_EQ((Box{0, 0, 99, 99}), Circle(100, 100, 50, 50, 1e300).BoundingBox());
     EXPECT_THAT(Runs(Circle(100, 100, 50, 50, 1e300), 99), Is({{kLeast, kMost}}));
+    EXPECT_THAT(Runs(Circle(100, 100, 50, 1e200, 2e200), 99), Is({{kLeast, kMost}}));  // both squares overflow
     EXPECT_THAT(Runs(Circle(100, 100, 50, 50, -3), 50), Is({}));
     EXPECT_THAT(Runs(Circle(100, 100, 50, 50, 0), 50), Is({{50, 50}}));
     // A half-plane: the edge of a huge disk, tangent at column 10. Rows of the image see it straight.
@@ -265,6 +267,19 @@ TEST(ShapeRegion, ARowBetweenTwoPixelCentresIsNotInTheBox) {
     const ShapeRegion shape = Oriented(100, 50, 10.25, 10, 10.75, 10, 2);
     EXPECT_EQ((Box{99, 49, 0, 0}), shape.BoundingBox());
     EXPECT_THAT(Runs(shape, 10), Is({}));
+}
+
+// The upper edge from A (0.5, 5 +- a little) to B (10.5, 5 -+ a little) counts as horizontal: in row 5 it stands for the end
+// nearer to the row, and the right side adds column 10.5.
+TEST(ShapeRegion, AnEdgeThatIsAllButHorizontalStandsForItsNearerEnd) {
+    // A 2e-5 below the row, B 3e-5 above it: from A on.
+    const ShapeRegion fromA = Oriented(30, 30, 5.5, 4.999995, 5.50005, 14.999995, 10);
+    EXPECT_EQ(5, fromA.BoundingBox().top);
+    EXPECT_THAT(Runs(fromA, 5), Is({{1, 10}}));
+    // A 3e-5 below, B 2e-5 above: both edges meet the row at B, between two columns.
+    const ShapeRegion fromB = Oriented(30, 30, 5.5, 5.000005, 5.50005, 15.000005, 10);
+    EXPECT_EQ(6, fromB.BoundingBox().top);
+    EXPECT_THAT(Runs(fromB, 6), Is({{1, 10}}));
 }
 
 TEST(ShapeRegion, BelowAWidthOfOneItIsTheOnePixelLine) {
