@@ -85,7 +85,8 @@ std::string Label(double x, double y, const std::string& style, const std::strin
 
 std::string HistogramPlot(const Json& measurement) {
     const Json& histogram = measurement["histogram"];
-    const auto counts = histogram["counts"].get<std::vector<double>>();
+    auto counts = histogram["counts"].get<std::vector<double>>();
+    if (counts.empty()) counts.push_back(0);
     const double first = histogram["firstBin"], step = histogram["binWidth"];
     double low = first - step / 2, high = low + step * static_cast<double>(counts.size());
     if (!(high > low)) high = low + 1;

@@ -46,11 +46,12 @@ td.n,th.n{text-align:right;white-space:nowrap}
 tr.chosen td{background:var(--soft);font-weight:650}
 tr.chosen td:first-child{box-shadow:inset 3px 0 var(--phase)}
 td small{color:var(--muted);font-weight:400;font-size:13px}
-.two{display:grid;grid-template-columns:1fr 1fr;gap:0 40px}
+.two{display:grid;grid-template-columns:1fr 1fr;gap:0 40px;align-items:start}
 .two th{width:50%}
 .bar{position:relative;height:8px;border-radius:4px;background:var(--grid);min-width:90px;margin-top:8px;overflow:hidden}
 .bar i{position:absolute;inset:0 auto 0 0;background:var(--phase)}
-.thumb img{width:132px;border-radius:4px;display:block}
+.thumb img{width:96px;border-radius:4px;display:block}
+.batch td{vertical-align:middle}
 .error{color:#c62828}
 a{color:var(--accent)}
 footer{color:var(--muted);font-size:13px}
@@ -182,7 +183,7 @@ std::string Values(const Json& m) {
     out += "</table><table>\n";
     out += Row("Size", value("width") + " × " + value("height") + " pixels");
     out += Row("Type", Escaped(Member(m, "type").get<std::string>()));
-    out += Row("Band measured", value("band") + " of 0 to " + Rounded(NumberAt(m, "bands") - 1, 0));
+    out += Row("Bands", value("bands") + (NumberAt(m, "bands") > 1 ? ", measured: " + value("band") : ""));
     out += Row("Calibration", Calibration(m));
     out += Row("Region", RegionText(m));
     out += Row("Pixels of the region", Grouped(value("region.pixels")));
@@ -211,7 +212,7 @@ std::string ImageReport(const Json& m, const std::string& version, const std::st
     if (calibrated) body += Card(SquareMicrons(NumberAt(m, "phase.areaSquareMicrons")), "area of the phase");
     body += Card(Grouped(Plain(NumberAt(m, "phase.pixels"))),
                  "pixels of " + Grouped(Plain(NumberAt(m, "region.pixels"))) + " in the region");
-    body += Card(MethodLabel(m), PhaseLevels(m));
+    body += Card(MethodLabel(m), "threshold; phase: " + PhaseLevels(m));
     body += Card(Centroid(m, "phase"), "centroid of the phase, x, y in pixels");
     body += "</div>\n";
 
@@ -245,13 +246,14 @@ std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summ
         body += Card(Percent(NumberAt(summary, "areaFraction.mean")), "mean area fraction", true);
         body += Card(Percent(NumberAt(summary, "areaFraction.standardDeviation")), "standard deviation between images");
         body += Card("± " + Percent(NumberAt(summary, "areaFraction.confidence95")), "95 % confidence of the mean");
-        body += Card(Percent(NumberAt(summary, "areaFraction.minimum")) + " – " +
+        body += Card(Rounded(100 * NumberAt(summary, "areaFraction.minimum"), 2) + " – " +
                          Percent(NumberAt(summary, "areaFraction.maximum")),
                      "smallest and largest");
         body += "</div>\n";
     }
     body +=
-        "<section class='scroll'><table>\n<tr><th>Overlay</th><th>Image</th><th class='n'>Area fraction</th>"
+        "<section class='scroll'><table class='batch'>\n<tr><th>Overlay</th><th>Image</th><th class='n'>Area "
+        "fraction</th>"
         "<th class='n'>Area</th><th>Phase</th><th class='n'>Mean grey</th></tr>\n";
     for (const BatchEntry& entry : entries) {
         const Json& m = entry.measurement;

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -64,17 +65,16 @@ struct Options {
     MeasureSettings settings;
 };
 
-// The last part of each path; more of it where that alone names two images.
+// The last part of each path, with its folder where that alone names two images.
 std::vector<std::string> ShownNames(const std::vector<std::string>& files) {
+    std::map<std::string, int> uses;
+    for (const std::string& file : files) ++uses[Utf8(Path(file).filename())];
     std::vector<std::string> names;
     for (const std::string& file : files) {
         const std::filesystem::path path = Path(file);
-        const auto sameName = [&](const std::string& other) {
-            return &other != &file && Path(other).filename() == path.filename();
-        };
-        const bool unique = std::none_of(files.begin(), files.end(), sameName);
-        names.push_back(Utf8(unique || !path.has_parent_path() ? path.filename()
-                                                               : path.parent_path().filename() / path.filename()));
+        const std::string name = Utf8(path.filename());
+        const std::string folder = Utf8(path.parent_path().filename());
+        names.push_back(uses[name] == 1 || folder.empty() ? name : folder + "/" + name);
     }
     return names;
 }
@@ -301,14 +301,15 @@ public:
 
         const Picture display = DisplayPicture(measurement);
         const Picture overlay = OverlayPicture(measurement, display);
+        const std::filesystem::path temporary = folder_ / Path(name + "_report.tmp.png");
         const std::string report = single_ ? "report.html" : name + "_report.html";
-        SavePng(PhasePicture(measurement.phase), measurement, 1, folder_ / Path(name + "_bitmap.png"));
-        SavePng(overlay, measurement, 1, folder_ / Path(name + "_overlay.png"));
-        WriteFile(folder_ / Path(report), ImageReport(measurement.document, ORLIX_TOOL_VERSION,
-                                                      DataUri(Reduced(display, kLargest), measurement, folder_),
-                                                      DataUri(Reduced(overlay, kLargest), measurement, folder_)));
-        if (!single_)
-            entries_.push_back({measurement.document, report, DataUri(Reduced(overlay, 280), measurement, folder_)});
+        const Json& calibration = measurement.document["micronsPerPixel"];
+        SavePng(PhasePicture(measurement.phase), calibration, folder_ / Path(name + "_bitmap.png"));
+        SavePng(overlay, calibration, folder_ / Path(name + "_overlay.png"));
+        WriteFile(folder_ / Path(report),
+                  ImageReport(measurement.document, ORLIX_TOOL_VERSION, DataUri(Reduced(display, kLargest), temporary),
+                              DataUri(Reduced(overlay, kLargest), temporary)));
+        if (!single_) entries_.push_back({measurement.document, report, DataUri(Reduced(overlay, 280), temporary)});
         Json& outputs = measurement.document["outputs"];
         outputs["bitmap"] = name + "_bitmap.png";
         outputs["overlay"] = name + "_overlay.png";
@@ -325,7 +326,7 @@ private:
     static constexpr int32_t kLargest = 1400;  // pixels, of the pictures in a report; the files beside it are whole
     std::filesystem::path folder_;
     bool single_;
-    std::set<std::string> used_ = {"report"};
+    std::set<std::string> used_;
     std::vector<BatchEntry> entries_;
 };
 

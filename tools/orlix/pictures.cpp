@@ -165,7 +165,7 @@ Picture Reduced(const Picture& picture, int32_t largest) {
     return reduced;
 }
 
-void SavePng(const Picture& picture, const Measurement& measurement, double scale, const std::filesystem::path& path) {
+void SavePng(const Picture& picture, const Json& micronsPerPixel, const std::filesystem::path& path) {
     auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
     Check(image->Create(picture.width, picture.height, picture.channels, DT_BYTE, 0), image);
     for (int32_t channel = 0; channel < picture.channels; ++channel) {
@@ -177,15 +177,12 @@ void SavePng(const Picture& picture, const Measurement& measurement, double scal
             }
     }
     const auto file = Cast<IImageFile>(image);
-    const Json& size = measurement.document["micronsPerPixel"];
-    if (!size.is_null())
-        Check(file->PutMicronsPerPixel(size["x"].get<double>() * scale, size["y"].get<double>() * scale), file);
+    if (!micronsPerPixel.is_null()) Check(file->PutMicronsPerPixel(micronsPerPixel["x"], micronsPerPixel["y"]), file);
     Check(file->SaveToFile(Text(Utf8(path)), IFF_PNG), file);
 }
 
-std::string DataUri(const Picture& picture, const Measurement& measurement, const std::filesystem::path& folder) {
-    const std::filesystem::path temporary = folder / "report_picture.tmp.png";
-    SavePng(picture, measurement, 1, temporary);
+std::string DataUri(const Picture& picture, const std::filesystem::path& temporary) {
+    SavePng(picture, nullptr, temporary);
     const std::string bytes = ReadFile(temporary);
     std::filesystem::remove(temporary);
     return "data:image/png;base64," + Base64(bytes);

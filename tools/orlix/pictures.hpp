@@ -33,10 +33,10 @@ Picture PhasePicture(const orlix::ComPtr<IBitmap>& phase);
 // Averages over squares so that neither side exceeds `largest`; as it is when it is small enough.
 Picture Reduced(const Picture& picture, int32_t largest);
 
-// A PNG file with the pixel size of the measurement (times the scale), where one is known.
-void SavePng(const Picture& picture, const Measurement& measurement, double scale, const std::filesystem::path& path);
+// A PNG file, calibrated where micronsPerPixel {x, y} is not null.
+void SavePng(const Picture& picture, const Json& micronsPerPixel, const std::filesystem::path& path);
 
-// "data:image/png;base64,..." of the picture. It is made through a file in the given folder, which is removed again.
-std::string DataUri(const Picture& picture, const Measurement& measurement, const std::filesystem::path& folder);
+// "data:image/png;base64,..." of the picture. It is made through the given file, which is removed again.
+std::string DataUri(const Picture& picture, const std::filesystem::path& temporary);
 
 }  // namespace tool
