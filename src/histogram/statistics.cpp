@@ -19,9 +19,6 @@ LONG Saturated(int64_t value) {
         std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
 
-int64_t Size(std::span<const LONG> counts) { return static_cast<int64_t>(counts.size()); }
-int64_t At(std::span<const LONG> counts, int64_t bin) { return counts[static_cast<size_t>(bin)]; }
-
 // p ln p for p = count / total, 0 < count. Near p = 1 the logarithm is taken of the exact complement.
 double Information(int64_t count, int64_t total) {
     const auto whole = static_cast<double>(total);
@@ -43,11 +40,11 @@ struct Trimmed {
 };
 
 Trimmed WithoutTails(std::span<const LONG> counts, double fraction) {
-    const int64_t n = Size(counts);
+    const int64_t n = NumberOfBins(counts);
     Trimmed t{CountsOfFraction(TotalCount(counts), fraction), 0, 0, 0, 0, true};
     int64_t sum = 0;
     for (int64_t i = 0; i < n; ++i) {
-        sum += At(counts, i);
+        sum += CountAt(counts, i);
         if (sum > t.removed) {
             t.low = i;
             t.atLow = sum - t.removed;
@@ -58,7 +55,7 @@ Trimmed WithoutTails(std::span<const LONG> counts, double fraction) {
     if (t.nothing) return t;
     sum = 0;
     for (int64_t i = n - 1; i >= t.low; --i) {
-        sum += i == t.low ? t.atLow : At(counts, i);
+        sum += i == t.low ? t.atLow : CountAt(counts, i);
         if (sum > t.removed) {
             t.high = i;
             t.atHigh = sum - t.removed;
@@ -120,21 +117,21 @@ double MeanBin(std::span<const LONG> counts) { return MeanOf(PowerSums<1>(counts
 int64_t MedianBin(std::span<const LONG> counts) {
     const int64_t total = TotalCount(counts);
     int64_t sum = 0;
-    for (int64_t i = 0; i < Size(counts); ++i) {
-        sum += At(counts, i);
+    for (int64_t i = 0; i < NumberOfBins(counts); ++i) {
+        sum += CountAt(counts, i);
         if (2 * sum >= total) return i;
     }
     return 0;
 }
 
 MedianStatistics MedianAndDeviation(std::span<const LONG> counts) {
-    const int64_t n = Size(counts);
+    const int64_t n = NumberOfBins(counts);
     const int64_t total = TotalCount(counts);
     const int64_t m = MedianBin(counts);
-    int64_t sum = At(counts, m);
+    int64_t sum = CountAt(counts, m);
     for (int64_t d = 1; d < n; ++d) {
-        if (m - d >= 0) sum += At(counts, m - d);
-        if (m + d < n) sum += At(counts, m + d);
+        if (m - d >= 0) sum += CountAt(counts, m - d);
+        if (m + d < n) sum += CountAt(counts, m + d);
         if (2 * sum >= total) return {m, d};
     }
     return {m, 0};
@@ -151,15 +148,15 @@ LONG LargestCount(std::span<const LONG> counts) {
 }
 
 int64_t LowestOccupiedBin(std::span<const LONG> counts) {
-    const int64_t n = Size(counts);
+    const int64_t n = NumberOfBins(counts);
     for (int64_t i = 0; i < n; ++i)
-        if (At(counts, i) > 0) return i;
+        if (CountAt(counts, i) > 0) return i;
     return n - 1;
 }
 
 int64_t HighestOccupiedBin(std::span<const LONG> counts) {
-    for (int64_t i = Size(counts) - 1; i >= 0; --i)
-        if (At(counts, i) > 0) return i;
+    for (int64_t i = NumberOfBins(counts) - 1; i >= 0; --i)
+        if (CountAt(counts, i) > 0) return i;
     return 0;
 }
 
@@ -194,10 +191,9 @@ double EntropyOfBins(std::span<const LONG> counts) {
 }
 
 int64_t CountsOfFraction(int64_t total, double fraction) {
-    constexpr double kLimit = 0x1p62;
     const double counts = static_cast<double>(total) * fraction + 0.5;
     if (std::isnan(counts)) return 0;
-    return static_cast<int64_t>(std::clamp(counts, -kLimit, kLimit));
+    return static_cast<int64_t>(std::clamp(counts, -0x1p61, 0x1p62));
 }
 
 void TrimTails(std::span<LONG> counts, double fraction) {

@@ -9,6 +9,7 @@
 
 #include <orlix/orlix.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -29,6 +30,9 @@ struct BinMapping {
 // i is the middle of the i-th of n equal intervals. Without bins, and for a range of one whole number: a = 1, b = 0. Ends
 // that are not finite make a range of the second kind.
 BinMapping MapBins(int64_t n, double left, double right);
+
+inline int64_t NumberOfBins(std::span<const LONG> counts) { return static_cast<int64_t>(counts.size()); }
+inline int64_t CountAt(std::span<const LONG> counts, int64_t bin) { return counts[static_cast<size_t>(bin)]; }
 
 int64_t TotalCount(std::span<const LONG> counts);
 
@@ -62,8 +66,8 @@ double KurtosisOfBins(std::span<const LONG> counts);
 // -sum(p ln p) over the bins with p = c / N > 0, in nats. N >= 1.
 double EntropyOfBins(std::span<const LONG> counts);
 
-// trunc(total fraction + 0.5), the number of counts that a fraction stands for; NaN stands for none, and 2^62 is the limit in
-// both directions.
+// trunc(total fraction + 0.5), the number of counts that a fraction stands for; NaN stands for none. Limited to -2^61 (what
+// it is then taken from, twice, stays within 64 bits) and 2^62 (more than any total).
 int64_t CountsOfFraction(int64_t total, double fraction);
 
 // Removes k = CountsOfFraction(N, fraction) counts from each end: bins are emptied until the counts so far exceed k, and that

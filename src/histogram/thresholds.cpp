@@ -14,9 +14,6 @@
 namespace orlix {
 namespace {
 
-int64_t Size(std::span<const LONG> counts) { return static_cast<int64_t>(counts.size()); }
-int64_t At(std::span<const LONG> counts, int64_t bin) { return counts[static_cast<size_t>(bin)]; }
-
 // To an integer; beyond 2^62, far outside of any histogram, that. NaN gives 0.
 int64_t Floor(double v) {
     if (std::isnan(v)) return 0;
@@ -111,12 +108,33 @@ template <class BinOf>
 int64_t LastWithin(std::span<const LONG> counts, int64_t limit, BinOf binOf) {
     int64_t sum = 0;
     int64_t i = 0;
-    for (; i < Size(counts); ++i) {
-        sum += At(counts, binOf(i));
+    for (; i < NumberOfBins(counts); ++i) {
+        sum += CountAt(counts, binOf(i));
         if (sum > limit) break;
     }
     return binOf(i > 0 ? i - 1 : 0);
 }
+
+// ------------------------------------------------------------------------------------------------- class entropy
+
+// ln P - sum(p ln p) / P of a class that grows bin by bin. With masses m = |N| p, whole numbers, and C their sum this is
+// ln C - sum(m ln m) / C: N drops out. A class of one bin has exactly 0, and two classes of the same bins, grown from
+// opposite ends, have the same entropy: thresholds at the two outermost bins tie.
+class ClassEntropy {
+public:
+    void Add(int64_t mass, double information) {  // information: m ln m
+        mass_ += mass;
+        information_.Add(information);
+        const auto whole = static_cast<double>(mass_);
+        value_ = mass_ == mass ? 0.0 : Log(whole) - information_.Value() / whole;
+    }
+    double Value() const { return value_; }  // 0 without bins
+
+private:
+    int64_t mass_ = 0;
+    CompensatedSum information_;
+    double value_ = 0.0;
+};
 
 }  // namespace
 
@@ -128,14 +146,14 @@ TailCut CutTails(std::span<const LONG> counts, double trimLeft, double trimRight
     if (!(trimLeft + trimRight < 1.0))
         throw Failure("IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0.");
 
-    const int64_t n = Size(counts);
+    const int64_t n = NumberOfBins(counts);
     const int64_t total = TotalCount(counts);
     TailCut cut{0, n - 1};
     const int64_t fromLeft = CountsOfFraction(total, trimLeft);
     const int64_t fromRight = CountsOfFraction(total, trimRight);
     int64_t sum = 0;
     for (int64_t i = 0; i < n; ++i) {
-        sum += At(counts, i);
+        sum += CountAt(counts, i);
         if (sum > fromLeft) {
             cut.left = i;
             break;
@@ -143,7 +161,7 @@ TailCut CutTails(std::span<const LONG> counts, double trimLeft, double trimRight
     }
     sum = 0;
     for (int64_t i = n - 1; i >= 0; --i) {
-        sum += At(counts, i);
+        sum += CountAt(counts, i);
         if (sum > fromRight) {
             cut.right = i;
             break;
@@ -163,8 +181,8 @@ int64_t BinOfGreatestSeparation(std::span<const LONG> counts, double leftProbabi
     Separation::Estimate bestEstimate;
     int64_t first = 0;
     int64_t last = -1;  // of the best run; below first: none yet
-    for (int64_t t = 0; t < Size(counts); ++t) {
-        const int64_t count = At(counts, t);
+    for (int64_t t = 0; t < NumberOfBins(counts); ++t) {
+        const int64_t count = CountAt(counts, t);
         if (count == 0 && last >= first && last == t - 1) {  // the classes of the bin before
             last = t;
             continue;
@@ -207,8 +225,8 @@ std::optional<int64_t> BinOfMinimum(std::span<const LONG> counts, TailCut cut) {
     int64_t bin = start;
     int64_t least = std::numeric_limits<int32_t>::max();
     const auto visit = [&](int64_t i) {
-        if (At(counts, i) < least) {
-            least = At(counts, i);
+        if (CountAt(counts, i) < least) {
+            least = CountAt(counts, i);
             bin = i;
         }
     };
@@ -219,7 +237,7 @@ std::optional<int64_t> BinOfMinimum(std::span<const LONG> counts, TailCut cut) {
 
 std::optional<int64_t> BinOfBestClassification(std::span<const LONG> counts, double leftProbability,
                                                double rightProbability) {
-    const int64_t n = Size(counts);
+    const int64_t n = NumberOfBins(counts);
     const int64_t total = TotalCount(counts);
     const PowerSums<2> sums(counts);
     const auto whole = static_cast<double>(total);
@@ -235,7 +253,7 @@ std::optional<int64_t> BinOfBestClassification(std::span<const LONG> counts, dou
     CompensatedSum sum1;
     CompensatedSum sum2;
     for (int64_t t = 0; t <= high; ++t) {
-        const int64_t count = At(counts, t);
+        const int64_t count = CountAt(counts, t);
         const auto x = static_cast<double>(t);
         const double weighted = static_cast<double>(count) * x;
         below += count;
@@ -274,62 +292,37 @@ std::optional<int64_t> BinOfBestClassification(std::span<const LONG> counts, dou
 
 int64_t BinOfGreatestEntropy(std::span<const LONG> counts, double leftProbability, double rightProbability,
                              std::vector<double>& scratch) {
-    // With m the counts of sign N and C their sum, ln P - sum(p ln p) / P = ln C - sum(m ln m) / C: N drops out.
-    const int64_t n = Size(counts);
     const int64_t total = TotalCount(counts);
     const int64_t sign = total < 0 ? -1 : 1;
-    const auto size = static_cast<size_t>(n);
-    scratch.resize(2 * size);
-    const std::span<double> terms(scratch.data(), size);         // m ln m
-    const std::span<double> above(scratch.data() + size, size);  // their sum over i..n-1
-    int64_t massAbove = 0;
-    CompensatedSum sum;
-    for (size_t i = size; i-- > 0;) {
-        const int64_t m = sign * counts[i];
-        terms[i] = 0.0;
-        if (m > 0) {
-            massAbove += m;
-            terms[i] = static_cast<double>(m) * Log(static_cast<double>(m));
-            sum.Add(terms[i]);
+    const size_t n = counts.size();
+    scratch.resize(2 * n);
+    const std::span<double> informations(scratch.data(), n);
+    const std::span<double> entropiesAbove(scratch.data() + n, n);  // of the bins i..n-1
+
+    ClassEntropy above;
+    for (size_t i = n; i-- > 0;) {
+        const int64_t mass = sign * counts[i];
+        if (mass > 0) {
+            informations[i] = static_cast<double>(mass) * Log(static_cast<double>(mass));
+            above.Add(mass, informations[i]);
         }
-        above[i] = sum.Value();
+        entropiesAbove[i] = above.Value();
     }
 
     int64_t best = 0;
     double bestValue = std::numeric_limits<double>::lowest();
     int64_t running = 0;
-    int64_t massBelow = 0;
-    sum = CompensatedSum();
-    for (int64_t i = 0; i < n; ++i) {
-        const int64_t count = At(counts, i);
-        if (i > 0 && count == 0 && At(counts, i - 1) == 0) continue;  // the value of the bin before
-        const int64_t m = sign * count;
-        running += count;
-        if (m > 0) {
-            massBelow += m;
-            sum.Add(terms[static_cast<size_t>(i)]);
-        }
+    ClassEntropy below;
+    for (size_t i = 0; i < n; ++i) {
+        running += counts[i];
+        if (sign * counts[i] > 0) below.Add(sign * counts[i], informations[i]);
         const double probability = static_cast<double>(running) / static_cast<double>(total);
-        if (!(probability < leftProbability || 1.0 - probability < rightProbability)) {
-            // One logarithm for both classes. A class without counts has the entropy 0.
-            double masses = 1.0;
-            double means = 0.0;
-            if (massBelow > 0) {
-                masses = static_cast<double>(massBelow);
-                means = sum.Value() / masses;
-            }
-            if (massAbove > 0) {
-                const auto mass = static_cast<double>(massAbove);
-                masses *= mass;
-                means += above[static_cast<size_t>(i)] / mass;
-            }
-            const double value = Log(masses) - means;
-            if (value > bestValue) {
-                bestValue = value;
-                best = i;
-            }
+        if (probability < leftProbability || 1.0 - probability < rightProbability) continue;
+        const double value = below.Value() + entropiesAbove[i];
+        if (value > bestValue) {
+            bestValue = value;
+            best = static_cast<int64_t>(i);
         }
-        if (m > 0) massAbove -= m;
     }
     return best;
 }

@@ -1,0 +1,420 @@
+#include "histogram/statistics.hpp"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "histogram/histograms.hpp"
+
+namespace {
+
+using namespace orlix;
+using namespace orlix::testing;
+
+// --------------------------------------------------------------------------------------------------------- mapping
+
+TEST(Statistics, WholeRangesMapBinsToValuesAndOthersToTheMiddlesOfIntervals) {
+    struct Case {
+        int64_t n;
+        double left, right, a, b;
+    };
+    const Case cases[] = {
+        {256, 0, 255, 1, 0},       // values
+        {256, 0, 256, 1, 0.5},     // 257 whole numbers do not fit 256 bins
+        {1, 7, 7, 1, 0},           // a single value has no scale
+        {2, 7, 8, 1, 7},           //
+        {3, -1, 1, 1, -1},         //
+        {4, 0.5, 2.5, 0.5, 0.75},  // no whole ends
+        {10, 0, 1, 0.1, 0.05},     //
+        {1, 0, 10, 10, 5},         //
+        {4, 3, 1, -0.5, 2.75},     // falling
+        {4, 2, 2, 0, 2},           // no width
+        {0, 0, 255, 1, 0},         // no bins
+        {0, 1, 0, 1, 0},           // holds "0 values"
+        {65536, 0, 65535, 1, 0},   //
+    };
+    for (const Case& c : cases) {
+        const BinMapping mapping = MapBins(c.n, c.left, c.right);
+        EXPECT_EQ(c.a, mapping.a) << c.n << " bins over " << c.left << ".." << c.right;
+        EXPECT_EQ(c.b, mapping.b) << c.n << " bins over " << c.left << ".." << c.right;
+    }
+    EXPECT_EQ(7.0, MapBins(256, 0, 255).Location(7));
+    EXPECT_EQ(3.0, MapBins(4, 0.5, 2.5).Bin(2.25));
+}
+
+TEST(Statistics, MappingOfRangesThatAreNotFiniteIsDefined) {
+    EXPECT_TRUE(std::isnan(MapBins(4, kNaN, 3).a));
+    EXPECT_TRUE(std::isnan(MapBins(4, 0, kNaN).b));
+    EXPECT_TRUE(std::isnan(MapBins(4, kInfinity, kInfinity).a));
+    EXPECT_EQ(kInfinity, MapBins(4, 0, kInfinity).a);
+    EXPECT_EQ(0.25e300, MapBins(4, 0, 1e300).a);
+}
+
+// --------------------------------------------------------------------------------------- moments against the slow road
+
+struct SlowMoments {
+    long double mean, variance, skew, kurtosis, entropy;
+};
+
+SlowMoments Slow(const Counts& counts) {
+    long double total = 0;
+    for (const LONG c : counts) total += c;
+    SlowMoments m{};
+    for (size_t i = 0; i < counts.size(); ++i) m.mean += static_cast<long double>(i) * counts[i] / total;
+    long double m3 = 0;
+    long double m4 = 0;
+    for (size_t i = 0; i < counts.size(); ++i) {
+        const long double p = counts[i] / total;
+        const long double d = static_cast<long double>(i) - m.mean;
+        m.variance += p * d * d;
+        m3 += p * d * d * d;
+        m4 += p * d * d * d * d;
+        if (p > 0) m.entropy -= p * std::log(p);
+    }
+    m.skew = m3 / std::pow(m.variance, 1.5L);
+    m.kurtosis = m4 / (m.variance * m.variance) - 3;
+    return m;
+}
+
+TEST(Statistics, MomentsEqualTheirDefinitions) {
+    Random random(1);
+    for (const size_t n : {2, 3, 10, 64, 65, 256, 1000, 5000})
+        for (int trial = 0; trial < 12; ++trial) {
+            Counts counts = SomeCounts(random, n, trial < 6 ? 9 : kMost / 2);
+            counts[0] += 1;  // not all in one bin
+            counts[n - 1] += 1;
+            const SlowMoments slow = Slow(counts);
+            EXPECT_NEAR(static_cast<double>(slow.mean), MeanBin(counts), Tolerance(slow.mean));
+            EXPECT_NEAR(static_cast<double>(slow.variance), VarianceOfBins(counts), Tolerance(slow.variance));
+            EXPECT_NEAR(static_cast<double>(slow.skew), SkewOfBins(counts), Tolerance(slow.skew));
+            EXPECT_NEAR(static_cast<double>(slow.kurtosis), KurtosisOfBins(counts), Tolerance(slow.kurtosis));
+            EXPECT_NEAR(static_cast<double>(slow.entropy), EntropyOfBins(counts), Tolerance(slow.entropy));
+        }
+}
+
+TEST(Statistics, MomentsOfFewBinsAreKnown) {
+    EXPECT_EQ(1.5, MeanBin(Counts{0, 5, 5, 0}));
+    EXPECT_EQ(0.25, VarianceOfBins(Counts{0, 5, 5, 0}));  // division by N, not N - 1
+    EXPECT_EQ(-2.0, KurtosisOfBins(Counts{1, 0, 1}));
+    EXPECT_EQ(0.0, SkewOfBins(Counts{1, 0, 1}));
+    // Counts 3 and 1: p = 1/4 at 1, skew (1 - 2p) / sqrt(p (1 - p)), kurtosis 1 / (p (1 - p)) - 6.
+    EXPECT_DOUBLE_EQ(0.5 / std::sqrt(0.1875), SkewOfBins(Counts{3, 1}));
+    EXPECT_DOUBLE_EQ(1 / 0.1875 - 6, KurtosisOfBins(Counts{3, 1}));
+    EXPECT_DOUBLE_EQ(std::log(4.0), EntropyOfBins(Counts{2, 2, 2, 2}));
+    EXPECT_EQ(0.0, EntropyOfBins(Counts{0, 7, 0}));
+    EXPECT_FALSE(std::signbit(EntropyOfBins(Counts{0, 7, 0})));
+}
+
+TEST(Statistics, AHistogramWithoutSpreadHasVarianceZeroAndNoShape) {
+    const Counts one{0, 0, kMost, 0};
+    EXPECT_EQ(2.0, MeanBin(one));
+    EXPECT_EQ(0.0, VarianceOfBins(one));
+    EXPECT_TRUE(std::isnan(SkewOfBins(one)));
+    EXPECT_TRUE(std::isnan(KurtosisOfBins(one)));
+}
+
+TEST(Statistics, MomentsDoNotSufferFromAFarOrigin) {
+    // The same three bins at the top of 16 bits and of a million bins: only the mean moves.
+    const Counts near{3, 5, 1};
+    for (const size_t at : {size_t{65533}, size_t{999997}}) {
+        Counts far(at, 0);
+        far.insert(far.end(), near.begin(), near.end());
+        EXPECT_EQ(VarianceOfBins(near), VarianceOfBins(far));
+        EXPECT_EQ(SkewOfBins(near), SkewOfBins(far));
+        EXPECT_EQ(KurtosisOfBins(near), KurtosisOfBins(far));
+        EXPECT_DOUBLE_EQ(static_cast<double>(at) + 7.0 / 9.0, MeanBin(far));
+    }
+}
+
+TEST(Statistics, CountsThatSumBeyond32BitsAreStillCounts) {
+    // Four bins of 2^31 - 1 are a uniform distribution; a 32-bit total would be -4.
+    const Counts counts(4, kMost);
+    EXPECT_EQ(4 * int64_t{kMost}, TotalCount(counts));
+    EXPECT_EQ(1.5, MeanBin(counts));
+    EXPECT_EQ(1.25, VarianceOfBins(counts));
+    EXPECT_EQ(1, MedianBin(counts));
+    EXPECT_DOUBLE_EQ(std::log(4.0), EntropyOfBins(counts));
+    // Power sums beyond 2^92: a uniform distribution over n bins has variance (n^2 - 1) / 12, kurtosis -6/5 (n^2 + 1) / (n^2 - 1).
+    const Counts many(1000000, kMost);
+    EXPECT_EQ(499999.5, MeanBin(many));
+    EXPECT_DOUBLE_EQ((1e12 - 1) / 12, VarianceOfBins(many));
+    EXPECT_EQ(0.0, SkewOfBins(many));
+    EXPECT_DOUBLE_EQ(-1.2 * (1e12 + 1) / (1e12 - 1), KurtosisOfBins(many));
+}
+
+TEST(Statistics, EntropyOfARareSecondBinKeepsItsAccuracy) {
+    // p = 2^-31 against the rest: p (31 ln 2 + 1) to first order, the next term is below 1e-9 of it.
+    const double p = 0x1p-31;
+    EXPECT_NEAR(p * (31 * std::log(2.0) + 1) - p * p / 2, EntropyOfBins(Counts{1, kMost}), 1e-14 * p);
+}
+
+TEST(Statistics, NegativeCountsGiveDefinedResults) {
+    const Counts counts{-5, 10, -1, 3};
+    EXPECT_EQ(7, TotalCount(counts));
+    EXPECT_EQ(17.0 / 7.0, MeanBin(counts));
+    EXPECT_EQ(1, MedianBin(counts));  // -5, then 5 of 7
+    EXPECT_EQ(1, ModeBin(counts));
+    EXPECT_EQ(1, LowestOccupiedBin(counts));
+    EXPECT_EQ(3, HighestOccupiedBin(counts));
+    EXPECT_EQ(0.0, VarianceOfBins(Counts{-1, 3, -1}));  // would be -2
+    EXPECT_TRUE(std::isnan(KurtosisOfBins(Counts{-1, 3, -1})));
+    const Counts extremes{kLeast, kMost, kMost, kLeast, kMost};
+    EXPECT_TRUE(std::isfinite(MeanBin(extremes)));
+    EXPECT_TRUE(std::isfinite(EntropyOfBins(extremes)));
+}
+
+// ------------------------------------------------------------------------------------------ medians, modes and extremes
+
+TEST(Statistics, TheMedianIsTheFirstBinThatReachesHalf) {
+    EXPECT_EQ(1, MedianBin(Counts{0, 5, 5, 0}));  // exactly half
+    EXPECT_EQ(2, MedianBin(Counts{0, 5, 6, 0}));
+    EXPECT_EQ(0, MedianBin(Counts{1}));
+    // Seven sevenths of 1/14: quotients added up would miss 0.5.
+    EXPECT_EQ(6, MedianBin(Counts(14, 1)));
+    for (LONG n = 2; n < 400; n += 2) EXPECT_EQ(n / 2 - 1, MedianBin(Counts(static_cast<size_t>(n), 3)));
+}
+
+TEST(Statistics, TheDeviationGrowsUntilHalfIsCovered) {
+    struct Case {
+        Counts counts;
+        int64_t median, deviation;
+    };
+    const Case cases[] = {
+        {{0, 0, 10, 0, 0}, 2, 1},          // the first step is always taken
+        {{9}, 0, 0},                       // there is none to take
+        {{1, 1, 1, 1, 1, 1, 1, 1}, 3, 2},  // 3 of 8 within 1, 5 within 2
+        {{4, 0, 0, 0, 5, 0}, 4, 1},        //
+        {{4, 0, 0, 1, 0, 0, 4}, 3, 3},     // both ends at once
+        {{6, 0, 0, 0}, 0, 1},              // one side only
+    };
+    for (const Case& c : cases) {
+        const MedianStatistics got = MedianAndDeviation(c.counts);
+        EXPECT_EQ(c.median, got.median);
+        EXPECT_EQ(c.deviation, got.deviation);
+    }
+}
+
+TEST(Statistics, ModeAndExtremesOfFullEmptyAndMissingBins) {
+    EXPECT_EQ(1, ModeBin(Counts{0, 5, 5, 0}));
+    EXPECT_EQ(0, ModeBin(Counts(5, 0)));
+    EXPECT_EQ(0, ModeBin({}));
+    EXPECT_EQ(1, ModeBin(Counts{-9, -2, -3}));
+    EXPECT_EQ(5, LargestCount(Counts{0, 5, 5, 0}));
+    EXPECT_EQ(0, LargestCount(Counts{-9, -2}));
+    EXPECT_EQ(0, LargestCount({}));
+    EXPECT_EQ(1, LowestOccupiedBin(Counts{0, 5, 5, 0}));
+    EXPECT_EQ(2, HighestOccupiedBin(Counts{0, 5, 5, 0}));
+    EXPECT_EQ(4, LowestOccupiedBin(Counts(5, 0)));  // opposite ends
+    EXPECT_EQ(0, HighestOccupiedBin(Counts(5, 0)));
+    EXPECT_EQ(-1, LowestOccupiedBin({}));
+    EXPECT_EQ(0, HighestOccupiedBin({}));
+}
+
+// --------------------------------------------------------------------------------------------------------- trimming
+
+Counts Trim(Counts counts, double fraction) {
+    TrimTails(counts, fraction);
+    return counts;
+}
+
+TEST(Statistics, TrimmingTakesTheSameNumberFromEachEnd) {
+    const Counts counts{2, 3, 10, 3, 2};  // N = 20
+    EXPECT_EQ(counts, Trim(counts, 0.0));
+    EXPECT_EQ((Counts{1, 3, 10, 3, 1}), Trim(counts, 0.05));   // 1
+    EXPECT_EQ((Counts{0, 3, 10, 3, 0}), Trim(counts, 0.1));    // 2: a bin is emptied before the count is exceeded
+    EXPECT_EQ((Counts{0, 2, 10, 2, 0}), Trim(counts, 0.125));  // 2.5 rounds to 3
+    EXPECT_EQ((Counts{0, 0, 4, 0, 0}), Trim(counts, 0.4));     // 8: both cuts in one bin
+    EXPECT_EQ((Counts{0, 0, 0, 0, 0}), Trim(counts, 0.5));
+    EXPECT_EQ((Counts{0, 0, 0, 0, 0}), Trim(counts, 1e300));
+    EXPECT_EQ((Counts{0, 0, 0, 0, 0}), Trim(counts, kInfinity));
+    EXPECT_EQ(counts, Trim(counts, kNaN));
+}
+
+TEST(Statistics, TrimmingANegativeFractionAddsToTheEndsAndSaturates) {
+    EXPECT_EQ((Counts{3, 10, 4}), Trim(Counts{2, 10, 3}, -0.1));  // k = trunc(-1.5 + 0.5) = -1
+    EXPECT_EQ((Counts{kMost, 10, kMost}), Trim(Counts{2, 10, 3}, -kInfinity));
+    EXPECT_EQ((Counts{kMost}), Trim(Counts{2}, -1e300));
+}
+
+TEST(Statistics, TrimmedMeanAndWinsorizedDeviationAreKnown) {
+    // 2, 3, 10, 3, 2 without 3 at each end: 0, 2, 10, 2, 0. Winsorized: 3 + 3 at bins 1 and 3, 22 in all (not 20), with the
+    // variance 12 / 22.
+    const auto some = StatisticsWithoutTails(Counts{2, 3, 10, 3, 2}, 0.125);
+    ASSERT_TRUE(some);
+    EXPECT_EQ(2.0, some->mean);
+    EXPECT_DOUBLE_EQ(std::sqrt(12.0 / 22.0) / 0.75, some->deviation);
+    // One bin holds both cuts and gets k twice.
+    const auto single = StatisticsWithoutTails(Counts{2, 3, 10, 3, 2}, 0.4);
+    ASSERT_TRUE(single);
+    EXPECT_EQ(2.0, single->mean);
+    EXPECT_EQ(0.0, single->deviation);
+    // Without trimming: mean and population standard deviation.
+    const Counts skewed{4, 3, 2, 1};
+    const auto plain = StatisticsWithoutTails(skewed, 0.0);
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(MeanBin(skewed), plain->mean);
+    EXPECT_EQ(std::sqrt(VarianceOfBins(skewed)), plain->deviation);
+}
+
+TEST(Statistics, TrimmedStatisticsEqualTheirDefinitions) {
+    Random random(3);
+    for (int trial = 0; trial < 300; ++trial) {
+        const size_t n = 1 + static_cast<size_t>(random.Below(80));
+        const Counts counts = SomeCounts(random, n, 30);
+        const double fraction = static_cast<double>(random.Below(49)) / 100.0;
+        const int64_t total = std::accumulate(counts.begin(), counts.end(), int64_t{0});
+        const auto k = static_cast<int64_t>(static_cast<double>(total) * fraction + 0.5);
+
+        // Count by count, from a sorted list.
+        std::vector<size_t> list;
+        for (size_t i = 0; i < n; ++i) list.insert(list.end(), static_cast<size_t>(counts[i]), i);
+        const auto got = StatisticsWithoutTails(counts, fraction);
+        if (2 * k >= total) {
+            EXPECT_FALSE(got);
+            continue;
+        }
+        ASSERT_TRUE(got);
+        const auto cut = static_cast<size_t>(k);
+        const std::vector<size_t> kept(list.begin() + static_cast<std::ptrdiff_t>(cut),
+                                       list.end() - static_cast<std::ptrdiff_t>(cut));
+        const long double mean =
+            std::accumulate(kept.begin(), kept.end(), 0.0L) / static_cast<long double>(kept.size());
+        // The bins of the outermost counts kept hold all their own counts and k more each.
+        std::vector<size_t> winsorized;
+        for (const size_t i : list)
+            if (i >= kept.front() && i <= kept.back()) winsorized.push_back(i);
+        winsorized.insert(winsorized.end(), cut, kept.front());
+        winsorized.insert(winsorized.end(), cut, kept.back());
+        const auto w = static_cast<long double>(winsorized.size());
+        const long double m = std::accumulate(winsorized.begin(), winsorized.end(), 0.0L) / w;
+        long double squares = 0;
+        for (const size_t i : winsorized)
+            squares += (static_cast<long double>(i) - m) * (static_cast<long double>(i) - m);
+        const long double deviation = std::sqrt(squares / w) / (1 - 2 * static_cast<long double>(fraction));
+        EXPECT_NEAR(static_cast<double>(mean), got->mean, Tolerance(mean));
+        EXPECT_NEAR(static_cast<double>(deviation), got->deviation, Tolerance(deviation));
+    }
+}
+
+TEST(Statistics, NothingLeftAfterTrimmingIsNoResult) {
+    const Counts counts{2, 3, 10, 3, 2};
+    for (const double fraction : {0.5, 0.75, 1e300, kInfinity, kNaN})
+        EXPECT_FALSE(StatisticsWithoutTails(counts, fraction));
+    EXPECT_FALSE(StatisticsWithoutTails(Counts{1, 1}, 0.49));
+    EXPECT_FALSE(StatisticsWithoutTails(counts, -kInfinity));  // the winsorized total is negative
+}
+
+TEST(Statistics, CountsOfAFractionRoundHalvesUpAndStayInRange) {
+    EXPECT_EQ(3, CountsOfFraction(20, 0.125));
+    EXPECT_EQ(2, CountsOfFraction(20, 0.12));
+    EXPECT_EQ(0, CountsOfFraction(0, kInfinity));
+    EXPECT_EQ(0, CountsOfFraction(20, kNaN));
+    EXPECT_EQ(int64_t{1} << 62, CountsOfFraction(20, kInfinity));
+    EXPECT_EQ(-(int64_t{1} << 61), CountsOfFraction(20, -1e300));
+}
+
+// --------------------------------------------------------------------------------------------------------- smoothing
+
+Counts Smoothed(Counts counts, int width) {
+    Counts scratch;
+    EXPECT_TRUE(SmoothCounts(counts, width, scratch));
+    return counts;
+}
+
+TEST(Statistics, SmoothingOfKnownCounts) {
+    EXPECT_EQ((Counts{2, 1, 0, 0}), Smoothed({4, 0, 0, 0}, 3));  // the left border reads bin 1 twice
+    EXPECT_EQ((Counts{0, 64, 256, 384, 256, 64, 0}), Smoothed({0, 0, 0, 1024, 0, 0, 0}, 5));
+    EXPECT_EQ((Counts{0, 1, 6, 15, 20, 15, 6, 1, 0}), Smoothed({0, 0, 0, 0, 64, 0, 0, 0, 0}, 7));
+    EXPECT_EQ((Counts{0, 1, 8, 28, 56, 70, 56, 28, 8, 1, 0}), Smoothed({0, 0, 0, 0, 0, 256, 0, 0, 0, 0, 0}, 9));
+    EXPECT_EQ((Counts{-1, -1, -1}), Smoothed({0, -3, 0}, 3));  // -6 / 4 everywhere, toward 0
+}
+
+TEST(Statistics, SmoothingKeepsConstantsOfAnySize) {
+    for (const int width : {3, 5, 7, 9})
+        for (const LONG value : {LONG{0}, LONG{1}, kMost, kLeast}) {
+            const Counts constant(9, value);
+            EXPECT_EQ(constant, Smoothed(constant, width));
+        }
+}
+
+TEST(Statistics, SmoothingEqualsItsDefinitionAtEverySize) {
+    Random random(5);
+    for (const int width : {3, 5, 7, 9})
+        for (int64_t n = (width + 1) / 2; n < 40; ++n) {
+            Counts counts(static_cast<size_t>(n));
+            for (LONG& c : counts) c = static_cast<LONG>(random.Below(kMost));
+            Counts want(counts.size());
+            for (int64_t i = 0; i < n; ++i) {
+                int64_t sum = 0;
+                for (int j = 0; j < width; ++j) {
+                    int64_t binomial = 1;
+                    for (int k = 0; k < j; ++k) binomial = binomial * (width - 1 - k) / (k + 1);
+                    int64_t at = i + j - (width - 1) / 2;
+                    if (at < 0) at = -at;
+                    if (at > n - 1) at = 2 * (n - 1) - at;
+                    sum += binomial * counts[static_cast<size_t>(at)];
+                }
+                want[static_cast<size_t>(i)] = static_cast<LONG>(sum >> (width - 1));
+            }
+            EXPECT_EQ(want, Smoothed(counts, width)) << width << " weights, " << n << " bins";
+        }
+}
+
+TEST(Statistics, SmoothingOfTooFewBinsChangesNothing) {
+    for (const int width : {3, 5, 7, 9})
+        for (int n = 0; n <= (width - 1) / 2; ++n) {
+            Counts counts(static_cast<size_t>(n), 40);
+            if (n) counts[0] = 8;
+            const Counts before = counts;
+            Counts scratch;
+            EXPECT_FALSE(SmoothCounts(counts, width, scratch));
+            EXPECT_EQ(before, counts);
+        }
+}
+
+// ----------------------------------------------------------------------------------------------------------- pyramid
+
+struct Pyramid {
+    Counts detail, smooth;
+};
+
+Pyramid Decomposed(const Counts& counts) {
+    const Counts garbage(counts.size(), 12345);
+    Pyramid pyramid{garbage, garbage};
+    Counts averages((counts.size() + 1) / 2);
+    DecomposeCounts(counts, pyramid.detail, pyramid.smooth, averages);
+    return pyramid;
+}
+
+TEST(Statistics, PyramidsOfKnownCounts) {
+    // 8 2 | 5 6 -> 5 5 -> 5
+    EXPECT_EQ((Counts{5, 5, 5, 5}), Decomposed({8, 2, 5, 6}).smooth);
+    EXPECT_EQ((Counts{5, 0, -3, 0}), Decomposed({8, 2, 5, 6}).detail);
+    // 1 3 | 5 9 | 20 -> 2 7 | 20 -> 4 20 -> 12
+    EXPECT_EQ((Counts{12, 12, 4, 2, 7}), Decomposed({1, 3, 5, 9, 20}).smooth);
+    EXPECT_EQ((Counts{12, 8, 2, 1, 2}), Decomposed({1, 3, 5, 9, 20}).detail);
+    EXPECT_EQ((Counts{7}), Decomposed({7}).smooth);
+    EXPECT_EQ((Counts{7}), Decomposed({7}).detail);
+    EXPECT_TRUE(Decomposed({}).smooth.empty());
+}
+
+TEST(Statistics, PyramidsOfExtremeCountsStayInRange) {
+    EXPECT_EQ((Counts{kMost, kMost, kMost, kMost}), Decomposed(Counts(4, kMost)).smooth);
+    EXPECT_EQ((Counts{kMost, 0, 0, 0}), Decomposed(Counts(4, kMost)).detail);
+    EXPECT_EQ((Counts{0, kMost}), Decomposed({kLeast, kMost}).detail);  // 0 - -2^31 saturates
+    EXPECT_EQ((Counts{-1, -1}), Decomposed({-3, 0}).smooth);            // toward 0
+}
+
+TEST(Statistics, TheFinestLevelOf256BinsFillsTheUpperHalf) {
+    Counts ramp(256);
+    std::iota(ramp.begin(), ramp.end(), 0);
+    for (LONG& c : ramp) c *= 256;
+    const Pyramid pyramid = Decomposed(ramp);
+    for (size_t j = 0; j < 128; ++j) EXPECT_EQ(static_cast<LONG>(512 * j + 128), pyramid.smooth[128 + j]);
+    for (size_t level = 1; level < 256;
+         level *= 2)  // half the step between neighbours, which doubles from level to level
+        for (size_t j = level; j < 2 * level; ++j) EXPECT_EQ(static_cast<LONG>(128 * 128 / level), pyramid.detail[j]);
+    EXPECT_EQ(255 * 128, pyramid.smooth[0]);
+}
+
+}  // namespace

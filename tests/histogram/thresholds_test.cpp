@@ -1,0 +1,478 @@
+#include "histogram/thresholds.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <string>
+
+#include "component/failure.hpp"
+#include "histogram/histograms.hpp"
+#include "histogram/statistics.hpp"
+
+namespace {
+
+using namespace orlix;
+using namespace orlix::testing;
+
+std::string FailureOf(const std::function<void()>& body) {
+    try {
+        body();
+    } catch (const Failure& failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+// ---------------------------------------------------------------------------------------------------------- tail cut
+
+TEST(Thresholds, TheTailCutLeavesTheGivenFractionsOutside) {
+    const Counts flat(100, 1);
+    struct Case {
+        Counts counts;
+        double left, right;
+        int64_t wantLeft, wantRight;
+    };
+    const Case cases[] = {
+        {flat, 0.1, 0.1, 10, 89},                  //
+        {flat, 0, 0, 0, 99},                       //
+        {flat, 0.99, 0, 99, 99},                   //
+        {flat, 0.005, 0.0049, 1, 99},              // half a count rounds up
+        {{0, 0, 5, 0, 5, 0}, 0, 0, 2, 4},          // empty ends are cut even without trimming
+        {{0, 0, 5, 0, 5, 0}, 0.5, 0.49, 4, 2},     // 5 of 10 from either side: left lies above right
+        {Counts(7, 0), 0.3, 0.3, 0, 6},            // nothing to exceed
+        {{}, 0.3, 0.3, 0, -1},                     //
+        {{-3, 1}, 0.2, 0.2, 0, 1},                 // N = -2: nothing exceeds 0 from the left
+        {{kMost, kMost, kMost}, 0.34, 0.3, 1, 2},  // a total beyond 32 bits
+    };
+    for (const Case& c : cases) {
+        const TailCut cut = CutTails(c.counts, c.left, c.right);
+        EXPECT_EQ(c.wantLeft, cut.left) << c.left;
+        EXPECT_EQ(c.wantRight, cut.right) << c.right;
+    }
+}
+
+TEST(Thresholds, TheTailCutRefusesFractionsInTheirOrder) {
+    const char* left = "IHistogram::AutoThresholdTrim: the amount trimmed on the left must be between 0.0 and 1.0.";
+    const char* right = "IHistogram::AutoThresholdTrim: the amount trimmed on the right must be between 0.0 and 1.0.";
+    const char* total = "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0.";
+    struct Case {
+        double trimLeft, trimRight;
+        const char* text;
+    };
+    const Case cases[] = {
+        {1.0, 0.0, left},      {-1e-300, 0.0, left}, {kNaN, kNaN, left},      {kInfinity, 2.0, left}, {0.0, 1.0, right},
+        {0.9, -0.1, right},    {0.0, kNaN, right},   {0.9, kInfinity, right}, {0.6, 0.4, total},      {0.5, 0.5, total},
+        {0.999, 0.999, total}, {0.5, 0.49, ""},      {-0.0, -0.0, ""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.text, FailureOf([&] { CutTails(Counts{1, 2}, c.trimLeft, c.trimRight); }));
+        EXPECT_EQ(c.text, FailureOf([&] { CutTails({}, c.trimLeft, c.trimRight); }));
+    }
+}
+
+// ------------------------------------------------------------------------------------------------ greatest separation
+
+TEST(Thresholds, SeparationOfKnownHistograms) {
+    struct Case {
+        const char* what;
+        Counts counts;
+        double left, right;
+        int64_t bin;
+    };
+    const Case cases[] = {
+        {"the middle of an empty valley, rounded down", {10, 0, 0, 10}, 0, 0, 1},
+        {"one more empty bin", {10, 0, 0, 0, 10}, 0, 0, 1},
+        {"equal thirds: two neighbouring maxima, not told apart by rounding", {10, 10, 10}, 0, 0, 0},
+        {"sevenths: maxima at 2 and 3", {1, 1, 1, 1, 1, 1, 1}, 0, 0, 2},
+        {"everything in one bin", {0, 9, 0}, 0, 0, 0},
+        {"a single bin", {9}, 0, 0, 0},
+        {"equal maxima that are not neighbours: the lower run",
+         {10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10},
+         0,
+         0,
+         4},
+        {"a lower class of 10 in 19", {1, 1, 1, 7, 0, 0, 0, 0, 0, 9}, 0.52, 0, 5},
+        {"a lower class of more", {1, 1, 1, 7, 0, 0, 0, 0, 0, 9}, 0.53, 0, 0},
+        {"three tenths are 0.3, not less", {1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 0.3, 0.7, 2},
+        {"no threshold leaves so much on both sides", {10, 0, 0, 10}, 0.6, 0.6, 0},
+        {"NaN leaves no candidate", {10, 0, 0, 10}, kNaN, 0, 0},
+        {"negative probabilities restrict nothing", {10, 0, 0, 10}, -1, -kInfinity, 1},
+    };
+    for (const Case& c : cases) EXPECT_EQ(c.bin, BinOfGreatestSeparation(c.counts, c.left, c.right)) << c.what;
+}
+
+// The textbook's other form of the between-class variance, w0 w1 (mu0 - mu1)^2, as a fraction of integers; small counts only.
+int64_t SlowSeparation(const Counts& counts, double left, double right) {
+    const auto n = static_cast<int64_t>(counts.size());
+    int64_t bestNumerator = 0;
+    int64_t bestDenominator = 1;
+    int64_t first = 0;
+    int64_t last = 0;
+    for (int64_t t = 0; t < n; ++t) {
+        int64_t c0 = 0, m0 = 0, c1 = 0, m1 = 0;
+        for (int64_t i = 0; i < n; ++i) {
+            (i <= t ? c0 : c1) += counts[static_cast<size_t>(i)];
+            (i <= t ? m0 : m1) += i * counts[static_cast<size_t>(i)];
+        }
+        const double w = static_cast<double>(c0) / static_cast<double>(c0 + c1);
+        if (c0 == 0 || c1 == 0 || w < left || w > 1 - right) continue;
+        const int64_t difference = c1 * m0 - c0 * m1;
+        const int64_t numerator = difference * difference;
+        const int64_t denominator = c0 * c1;
+        const int64_t more = numerator * bestDenominator - bestNumerator * denominator;
+        if (more > 0) {
+            bestNumerator = numerator;
+            bestDenominator = denominator;
+            first = last = t;
+        } else if (more == 0 && numerator > 0 && last == t - 1) {
+            last = t;
+        }
+    }
+    return (first + last) / 2;
+}
+
+TEST(Thresholds, SeparationEqualsItsDefinitionInIntegers) {
+    Random random(11);
+    for (int trial = 0; trial < 6000; ++trial) {
+        const Counts counts =
+            SomeCounts(random, 1 + static_cast<size_t>(random.Below(14)), 1 + static_cast<LONG>(random.Below(3)));
+        const double left = trial % 3 ? 0.0 : static_cast<double>(random.Below(60)) / 100;
+        const double right = trial % 3 ? 0.0 : static_cast<double>(random.Below(60)) / 100;
+        ASSERT_EQ(SlowSeparation(counts, left, right), BinOfGreatestSeparation(counts, left, right))
+            << "trial " << trial;
+    }
+}
+
+TEST(Thresholds, SeparationScalesWithTheCountsUpToTheLargest) {
+    // The same histogram times any factor has the same plateau; 2^31 - 1 in 65536 bins and beyond.
+    Random random(12);
+    for (const size_t n : {4, 9, 100, 1000}) {
+        Counts counts = SomeCounts(random, n, 7);
+        const int64_t bin = BinOfGreatestSeparation(counts, 0, 0);
+        for (LONG& c : counts) c *= kMost / 8;
+        EXPECT_EQ(bin, BinOfGreatestSeparation(counts, 0, 0));
+    }
+    EXPECT_EQ(32767, BinOfGreatestSeparation(Counts(65536, kMost), 0, 0));
+    EXPECT_EQ(49999, BinOfGreatestSeparation(Counts(100000, kMost), 0, 0));
+    EXPECT_EQ(49999, BinOfGreatestSeparation(Counts(99999 + 1, 1), 0, 0));
+    // An odd number of equal bins: the two middle cuts are equally good, whatever the rounding.
+    for (const size_t n : {3, 5, 77, 255, 1001, 65535}) {
+        EXPECT_EQ(static_cast<int64_t>(n) / 2 - 1, BinOfGreatestSeparation(Counts(n, 1), 0, 0)) << n;
+        EXPECT_EQ(static_cast<int64_t>(n) / 2 - 1, BinOfGreatestSeparation(Counts(n, kMost), 0, 0)) << n;
+    }
+}
+
+TEST(Thresholds, SeparationSeesTheLastCountOfBillions) {
+    // Two bins apart, equal but for one count in 2^31: a plateau all the same, since the bins between hold nothing ...
+    EXPECT_EQ(1, BinOfGreatestSeparation(Counts{kMost, 0, 0, kMost - 1}, 0, 0));
+    // ... while three full bins prefer the side of the larger.
+    EXPECT_EQ(0, BinOfGreatestSeparation(Counts{kMost, kMost - 1, kMost - 1}, 0, 0));
+    EXPECT_EQ(1, BinOfGreatestSeparation(Counts{kMost - 1, kMost - 1, kMost}, 0, 0));
+}
+
+TEST(Thresholds, SeparationOfNegativeCountsIsSomeBin) {
+    Random random(13);
+    for (int trial = 0; trial < 500; ++trial) {
+        Counts counts(1 + static_cast<size_t>(random.Below(20)));
+        for (LONG& c : counts) c = static_cast<LONG>(random.Below(kMost)) - (trial % 2 ? 1000000000 : 5);
+        counts[0] = kMost;
+        if (TotalCount(counts) < 1) continue;
+        const int64_t bin = BinOfGreatestSeparation(counts, 0, 0);
+        EXPECT_TRUE(bin >= 0 && bin < static_cast<int64_t>(counts.size()));
+    }
+}
+
+// ----------------------------------------------------------------------------------------------------------- minimum
+
+int64_t MinimumOf(const Counts& counts) {
+    return BinOfMinimum(counts, {0, static_cast<int64_t>(counts.size()) - 1}).value_or(-99);
+}
+
+TEST(Thresholds, TheMinimumOfKnownHistograms) {
+    EXPECT_EQ(2, MinimumOf({9, 5, 1, 5, 9}));
+    // Mean 2.5, deviation about 1.9, so 2.25 to either side: bins 0..5. Of the empty bins 1..4 the scan meets 3 first.
+    EXPECT_EQ(3, MinimumOf({5, 0, 0, 0, 0, 5}));
+    // From the mean downwards first: bin 1 before bin 3, although both lie one bin away.
+    EXPECT_EQ(1, MinimumOf({4, 1, 4, 1, 4}));
+    EXPECT_EQ(3, MinimumOf({4, 2, 4, 1, 4}));
+    EXPECT_EQ(0, MinimumOf({7}));
+    EXPECT_EQ(1, MinimumOf({0, 7, 0}));  // no spread: the window is the mean's bin
+    EXPECT_EQ(-99, MinimumOf({0, 0, 0}));
+    EXPECT_FALSE(BinOfMinimum({}, {0, -1}));
+    EXPECT_FALSE(BinOfMinimum(Counts{1, 1}, {1, 0}));
+    // Nothing is smaller than the start value: the mean's bin.
+    EXPECT_EQ(2, MinimumOf(Counts(4, kMost)));
+}
+
+TEST(Thresholds, TheMinimumEqualsItsDefinition) {
+    Random random(17);
+    for (int trial = 0; trial < 2000; ++trial) {
+        const auto n = 1 + random.Below(60);
+        const Counts counts = SomeCounts(random, static_cast<size_t>(n), trial % 2 ? 20 : kMost / 2);
+        const int64_t left = random.Below(n);
+        const int64_t right = left + random.Below(n - left);
+        long double m = 0, s1 = 0, s2 = 0;
+        for (int64_t i = left; i <= right; ++i) {
+            const long double c = counts[static_cast<size_t>(i)];
+            m += c;
+            s1 += c * static_cast<long double>(i);
+            s2 += c * static_cast<long double>(i * i);
+        }
+        const auto got = BinOfMinimum(counts, {left, right});
+        if (m < 1) {
+            EXPECT_FALSE(got);
+            continue;
+        }
+        const long double mean = s1 / m;
+        const long double w = 1.2L * std::sqrt(std::max(0.0L, (s2 - s1 * s1 / m) / m));
+        const long double d = (mean - static_cast<long double>(left + right) / 2) / 2;
+        const int64_t low = std::max(left, static_cast<int64_t>(std::floor(mean - (d + w) + 0.5L)));
+        const int64_t high = std::min(right, static_cast<int64_t>(std::floor(mean + (w - d) + 0.5L)));
+        const auto start = static_cast<int64_t>(std::floor(mean + 0.5L));
+        // Bins in the order of preference; the first of the smallest wins.
+        std::vector<int64_t> order;
+        for (int64_t i = start; i >= low; --i) order.push_back(i);
+        for (int64_t i = start + 1; i <= high; ++i) order.push_back(i);
+        int64_t want = start;
+        LONG least = kMost;
+        for (const int64_t i : order)
+            if (counts[static_cast<size_t>(i)] < least) least = counts[static_cast<size_t>(want = i)];
+        EXPECT_EQ(want, got) << "trial " << trial;
+    }
+}
+
+TEST(Thresholds, TheMinimumOfNegativeCountsStaysInMemory) {
+    // The mean lies far outside of the bins.
+    EXPECT_TRUE(BinOfMinimum(Counts{-99, 0, 0, 100}, {0, 3}));
+    EXPECT_TRUE(BinOfMinimum(Counts{100, 0, 0, -99}, {0, 3}));
+    EXPECT_TRUE(BinOfMinimum(Counts{kMost, kLeast, 2}, {0, 2}));
+}
+
+// --------------------------------------------------------------------------------------------------- normal mixture
+
+TEST(Thresholds, TheNormalDistributionIsTheRoundedTable) {
+    for (int j = 0; j <= 60; ++j) {
+        const double z = j / 20.0;
+        const double rounded = std::floor(std::erf(z / std::sqrt(2.0)) / 2 * 1e5 + 0.5) / 1e5;
+        EXPECT_NEAR(0.5 + rounded, NormalDistribution(z), 1e-12) << z;
+        EXPECT_NEAR(0.5 - rounded, NormalDistribution(-z), 1e-12) << z;
+    }
+    EXPECT_NEAR(0.5 + (0.01994 + 0.03983) / 2, NormalDistribution(0.075), 1e-12);
+    EXPECT_NEAR(0.5 + (0.49865 + 0.5) / 2, NormalDistribution(3.025), 1e-12);
+    for (const double z : {3.05, std::nextafter(3.05, 4.0), 3.2, 1e300, kInfinity}) {
+        EXPECT_EQ(1.0, NormalDistribution(z));
+        EXPECT_EQ(0.0, NormalDistribution(-z));
+    }
+    EXPECT_EQ(0.5, NormalDistribution(0.0));
+    EXPECT_EQ(0.5, NormalDistribution(-0.0));
+    EXPECT_TRUE(std::isnan(NormalDistribution(kNaN)));
+}
+
+long double TablePhi(long double z) {
+    const auto entry = [](int j) {
+        return j >= 61 ? 0.5L : std::floor(std::erf(j / 20.0L / std::sqrt(2.0L)) / 2 * 1e5L + 0.5L) / 1e5L;
+    };
+    const long double steps = 20 * std::fabs(z);
+    if (steps >= 61) return z < 0 ? 0 : 1;
+    const int j = static_cast<int>(steps);
+    const long double value = entry(j) + (entry(j + 1) - entry(j)) * (steps - j);
+    return z < 0 ? 0.5L - value : 0.5L + value;
+}
+
+// The score of one threshold, its classes summed anew; below 0 for no candidate.
+long double SlowScore(const Counts& counts, size_t t, int64_t kLeft, int64_t kRight) {
+    struct Class {
+        long double n = 0, mean = 0, variance = 0;
+    } classes[2];
+    const auto classOf = [&](size_t i) -> Class& { return classes[i <= t ? 0 : 1]; };
+    for (size_t i = 0; i < counts.size(); ++i) {
+        classOf(i).n += counts[i];
+        classOf(i).mean += static_cast<long double>(i) * counts[i];
+    }
+    if (classes[0].n <= 0 || classes[1].n <= 0) return -1;
+    for (Class& c : classes) c.mean /= c.n;
+    for (size_t i = 0; i < counts.size(); ++i) {
+        const long double d = static_cast<long double>(i) - classOf(i).mean;
+        classOf(i).variance += counts[i] * d * d / classOf(i).n;
+    }
+    // The bins within the limits are those below the first that exceeds them, and one at least.
+    int64_t sum = 0;
+    int64_t low = -1;
+    while (low + 1 < static_cast<int64_t>(counts.size()) && (sum += counts[static_cast<size_t>(low + 1)]) <= kLeft)
+        ++low;
+    sum = 0;
+    auto high = static_cast<int64_t>(counts.size());
+    while (high > 0 && (sum += counts[static_cast<size_t>(high - 1)]) <= kRight) --high;
+    low = std::max<int64_t>(low, 0);
+    high = std::min<int64_t>(high, static_cast<int64_t>(counts.size()) - 1);
+    if (static_cast<int64_t>(t) < low || static_cast<int64_t>(t) > high) return -1;
+
+    const long double x = static_cast<long double>(t);
+    const long double w = classes[0].n / (classes[0].n + classes[1].n);
+    long double score = 0;
+    for (int k = 0; k < 2; ++k) {
+        const long double sigma = std::sqrt(std::max(classes[k].variance, 1.0L / 12));
+        const auto side = [&](long double z) { return k == 0 ? TablePhi(z) : 1 - TablePhi(z); };
+        const long double z = (x - classes[k].mean) / sigma;
+        const long double mean =
+            classes[k].mean + sigma * std::exp(-z * z / 2) / (std::sqrt(2 * std::acos(-1.0L)) * side(z));
+        score += (k == 0 ? w : 1 - w) * side((x - mean) / sigma);
+    }
+    return score;
+}
+
+TEST(Thresholds, BestClassificationEqualsItsDefinition) {
+    Random random(19);
+    for (int trial = 0; trial < 400; ++trial) {
+        const size_t n = 2 + static_cast<size_t>(random.Below(50));
+        const Counts counts = SomeCounts(random, n, trial % 2 ? 50 : 1000000);
+        const double left = trial % 4 ? 0.0 : static_cast<double>(random.Below(50)) / 100;
+        const double right = trial % 4 ? 0.0 : static_cast<double>(random.Below(50)) / 100;
+        const auto total = TotalCount(counts);
+        const auto got = BinOfBestClassification(counts, left, right);
+        std::vector<long double> scores;
+        for (size_t t = 0; t < n; ++t)
+            scores.push_back(SlowScore(counts, t, CountsOfFraction(total, left), CountsOfFraction(total, right)));
+        const long double best = *std::max_element(scores.begin(), scores.end());
+        if (best <= 0) {
+            EXPECT_FALSE(got);
+            continue;
+        }
+        ASSERT_TRUE(got);
+        // The best but for rounding, and no lower bin better than by rounding.
+        EXPECT_NEAR(static_cast<double>(best), static_cast<double>(scores[static_cast<size_t>(*got)]), 1e-10) << trial;
+    }
+}
+
+TEST(Thresholds, BestClassificationOfKnownHistograms) {
+    // Far apart both classes are certain everywhere in the valley: the score is 1, and the lowest such bin wins. The lower class
+    // is a single bin of deviation sqrt(1/12): certain from 3.05 deviations on, 0.88 above it.
+    EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
+    EXPECT_EQ(4, BinOfBestClassification(Counts{0, 0, 0, 10, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
+    // Nothing to separate.
+    EXPECT_FALSE(BinOfBestClassification(Counts{0, 9, 0}, 0, 0));
+    EXPECT_FALSE(BinOfBestClassification(Counts{9}, 0, 0));
+    // No bin between the limits, and limits that are no numbers.
+    EXPECT_FALSE(BinOfBestClassification(Counts{10, 0, 0, 0, 0, 10}, 0.9, 0.9));
+    EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, kNaN, kNaN));
+    EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, -kInfinity, -1e300));
+    EXPECT_FALSE(BinOfBestClassification(Counts{10, 0, 0, 0, 0, 10}, kInfinity, 0));
+}
+
+TEST(Thresholds, BestClassificationOfNegativeCountsIsDefined) {
+    Random random(23);
+    for (int trial = 0; trial < 500; ++trial) {
+        Counts counts(1 + static_cast<size_t>(random.Below(20)));
+        for (LONG& c : counts) c = static_cast<LONG>(random.Below(200)) - 90;
+        if (TotalCount(counts) < 1) continue;
+        const int64_t bin = BinOfBestClassification(counts, 0, 0).value_or(0);
+        EXPECT_TRUE(bin >= 0 && bin < static_cast<int64_t>(counts.size()));
+    }
+}
+
+// ----------------------------------------------------------------------------------------------------------- entropy
+
+int64_t EntropyBin(const Counts& counts, double left = 0.0, double right = 0.0) {
+    std::vector<double> scratch;
+    return BinOfGreatestEntropy(counts, left, right, scratch);
+}
+
+long double SlowEntropy(const Counts& counts, size_t from, size_t to) {
+    long double total = 0;
+    for (const LONG c : counts) total += c;
+    long double p = 0;
+    long double q = 0;
+    for (size_t i = from; i <= to; ++i)
+        if (counts[i] / total > 0) {
+            p += counts[i] / total;
+            q += counts[i] / total * std::log(counts[i] / total);
+        }
+    return p > 0 ? std::log(p) - q / p : 0;
+}
+
+TEST(Thresholds, GreatestEntropyEqualsItsDefinition) {
+    Random random(29);
+    for (int trial = 0; trial < 1500; ++trial) {
+        const size_t n = 1 + static_cast<size_t>(random.Below(40));
+        Counts counts = SomeCounts(random, n, trial % 2 ? 12 : kMost / 2);
+        if (trial % 5 == 0)
+            for (LONG& c : counts) c = -c;  // a negative total turns the signs around
+        const double left = trial % 3 ? 0.0 : static_cast<double>(random.Below(60)) / 100;
+        const double right = trial % 3 ? 0.0 : static_cast<double>(random.Below(60)) / 100;
+        const auto got = static_cast<size_t>(EntropyBin(counts, left, right));
+        int64_t running = 0;
+        long double best = -1;
+        std::vector<long double> values;
+        for (size_t t = 0; t < n; ++t) {
+            running += counts[t];
+            const double w = static_cast<double>(running) / static_cast<double>(TotalCount(counts));
+            const bool candidate = w >= left && 1 - w >= right;
+            values.push_back(candidate ? SlowEntropy(counts, 0, t) + SlowEntropy(counts, t, n - 1) : -1);
+            best = std::max(best, values.back());
+        }
+        if (best < 0) {
+            EXPECT_EQ(0u, got);
+            continue;
+        }
+        EXPECT_NEAR(static_cast<double>(best), static_cast<double>(values[got]), 1e-12) << trial;
+        for (size_t t = 0; t < got; ++t) EXPECT_LT(values[t], best + 1e-12L) << trial;
+    }
+}
+
+TEST(Thresholds, GreatestEntropyOfKnownHistograms) {
+    EXPECT_EQ(0, EntropyBin({10, 0, 0, 10}));  // ln 2 for the class that holds both peaks, everywhere but in the valley
+    EXPECT_EQ(2, EntropyBin({1, 1, 1, 1, 1}));  // ln 3 + ln 3
+    EXPECT_EQ(1, EntropyBin({1, 1, 1, 1}));     // ln 2 + ln 3 on both sides of the middle: the lower
+    EXPECT_EQ(0, EntropyBin({0, 9, 0}));
+    EXPECT_EQ(0, EntropyBin({1, 1, 1, 1, 1}, 1.5, 0));  // no candidate
+    EXPECT_EQ(0, EntropyBin({1, 1, 1, 1, 1}, 0, 1.5));
+    EXPECT_EQ(3, EntropyBin({1, 1, 1, 1, 1}, 0.7, 0));
+    EXPECT_EQ(2, EntropyBin({1, 1, 1, 1, 1}, kNaN, kNaN));
+    EXPECT_EQ(1, EntropyBin({1, -2}));  // N = -1: the quotients are -1 and 1, and only the second is at least 0
+}
+
+TEST(Thresholds, GreatestEntropyOfMirroredHistogramsTakesTheLowerOfTwoEqualBins) {
+    Random random(31);
+    for (int trial = 0; trial < 300; ++trial) {
+        const size_t half = 1 + static_cast<size_t>(random.Below(100));
+        Counts counts = SomeCounts(random, half, trial % 2 ? 12 : kMost / 2);
+        for (size_t i = half; i-- > 0;) counts.push_back(counts[i]);
+        EXPECT_LT(EntropyBin(counts), static_cast<int64_t>(half));
+    }
+}
+
+TEST(Thresholds, GreatestEntropyTiesAtTheOutermostBinsForTheLowest) {
+    // H + 0 at one end, 0 + H at the other, and the same in the empty bins before.
+    Random random(37);
+    for (int trial = 0; trial < 2000; ++trial) {
+        Counts counts(10, 0);
+        counts[2] = 1 + static_cast<LONG>(random.Below(kMost));
+        if (trial % 3) counts[7] = 1 + static_cast<LONG>(random.Below(kMost));
+        EXPECT_EQ(0, EntropyBin(counts)) << counts[2] << " and " << counts[7];
+    }
+    EXPECT_EQ(0, EntropyBin({0, 1000, 1, 900}));
+}
+
+TEST(Thresholds, GreatestEntropyOfMixedSignsIsSomeBin) {
+    for (const Counts& counts :
+         {Counts{-5, 10, -1, 3}, Counts{kLeast, kMost, kMost}, Counts{kLeast, kLeast, 5}, Counts{7, -9}}) {
+        const int64_t bin = EntropyBin(counts);
+        EXPECT_TRUE(bin >= 0 && bin < static_cast<int64_t>(counts.size()));
+    }
+}
+
+// ------------------------------------------------------------------------------------------------------- exponential
+
+TEST(Thresholds, TheExponentialTailFollowsTheMeanBin) {
+    const Counts counts{0, 5, 5, 0};  // mean bin 1.5
+    EXPECT_DOUBLE_EQ(1.5 * std::log(2.0), ExponentialTail(counts, 0.5));
+    EXPECT_DOUBLE_EQ(1.5 * std::log(100.0), ExponentialTail(counts, 0.01));
+    EXPECT_EQ(0.0, ExponentialTail(counts, 1.0));
+    EXPECT_EQ(kInfinity, ExponentialTail(counts, 0.0));
+    EXPECT_DOUBLE_EQ(1e-06 * std::log(2.0), ExponentialTail(Counts{9, 0}, 0.5));
+    EXPECT_DOUBLE_EQ(1e-06 * std::log(2.0), ExponentialTail(Counts{9, -5}, 0.5));  // a negative mean
+}
+
+}  // namespace
