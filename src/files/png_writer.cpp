@@ -169,28 +169,26 @@ private:
     std::vector<uint8_t> best_, trial_;  // behind the byte that names the filter
 };
 
-// The method that makes the least of a strip of rows in the middle.
-const Method& ChooseMethod(RowWriter& rows, int32_t height) {
+// By the method that makes the least of a strip of rows in the middle.
+void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties, PixelSource& source) {
     constexpr size_t kStrip = 64 * 1024;
-    const auto count =
-        static_cast<int32_t>(std::clamp<size_t>(kStrip / rows.StoredRowBytes(), 1, static_cast<size_t>(height)));
-    const int32_t first = (height - count) / 2;
+    RowWriter rows(properties, source);
+    const auto count = static_cast<int32_t>(
+        std::clamp<size_t>(kStrip / rows.StoredRowBytes(), 1, static_cast<size_t>(properties.height)));
+    const int32_t first = (properties.height - count) / 2;
+    std::vector<uint8_t> least;
     const Method* best = nullptr;
-    size_t least = std::numeric_limits<size_t>::max();
     for (const Method& method : kMethods) {
         std::vector<uint8_t> strip;
         rows.Write(first, first + count, method, strip);
-        if (strip.size() >= least) continue;
-        least = strip.size();
+        if (best && strip.size() >= least.size()) continue;
+        least.swap(strip);
         best = &method;
     }
-    return *best;
-}
-
-void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties, PixelSource& source) {
-    RowWriter rows(properties, source);
-    const Method& method = ChooseMethod(rows, properties.height);
-    rows.Write(0, properties.height, method, bytes);
+    if (count == properties.height)
+        bytes.insert(bytes.end(), least.begin(), least.end());
+    else
+        rows.Write(0, properties.height, *best, bytes);
 }
 
 }  // namespace

@@ -43,8 +43,10 @@ Bytes Mutated(Bytes file, const Bytes& other, Noise& noise) {
 
 std::string BrokenRule(const Bytes& bytes) {
     try {
-        CheckImageFile(bytes);
-        CheckImageFile(WithRightChecksums(bytes));
+        const Bytes right = WithRightChecksums(bytes);
+        CheckReading(bytes);
+        CheckReading(right);
+        CheckWriting(right);
         return "";
     } catch (const std::logic_error& broken) {
         return broken.what();

@@ -6,6 +6,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         file[0] = 'B';
         file[1] = 'M';
     }
-    orlix::test::CheckImageFile(file);
+    orlix::test::CheckReading(file);
     return 0;
 }

@@ -7,6 +7,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // Spares the fuzzer the search for the signature.
     const orlix::test::Bytes signature = orlix::test::PngSignature();
     std::copy_n(signature.begin(), std::min(signature.size(), size), file.begin());
-    orlix::test::CheckImageFile(orlix::test::WithRightChecksums(file));
+    file = orlix::test::WithRightChecksums(file);
+    orlix::test::CheckReading(file);
+    orlix::test::CheckWriting(file);
     return 0;
 }

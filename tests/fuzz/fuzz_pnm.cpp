@@ -7,6 +7,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         file[0] = 'P';
         file[1] = kKinds[data[1] % 4];
     }
-    orlix::test::CheckImageFile(file);
+    orlix::test::CheckReading(file);
     return 0;
 }
