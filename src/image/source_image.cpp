@@ -66,6 +66,10 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
     VPAEntry* table = nullptr;
     PassOn(image_->VPA(band, &base, &table));
     if (!base || !table) throw FailedResult(E_FAIL);
+    ComPtr<IPixelAccess> access;
+    if (SUCCEEDED(image_->QueryInterface(__uuidof(IPixelAccess), access.OutVoid())) && access &&
+        access->Accessible() != S_OK)
+        throw FailedResult(E_FAIL);
     LONG bands = 0;
     LONG width = 0;
     LONG height = 0;

@@ -7,6 +7,15 @@
 #include "image/image_store.hpp"
 #include "image/pixel_view.hpp"
 
+// Answered by this library's images, for its own use: whether the pixels may be touched. An image that points at a refused
+// buffer still hands out its address.
+MIDL_INTERFACE("31FEAD5E-80E9-4076-8AAC-F1556E2DE0C2")
+IPixelAccess : public IUnknown {
+    // S_OK, or S_FALSE when the operating system would not let us read and write the buffer.
+    virtual HRESULT STDMETHODCALLTYPE Accessible() = 0;
+};
+__CRT_UUID_DECL(IPixelAccess, 0x31fead5e, 0x80e9, 0x4076, 0x8a, 0xac, 0xf1, 0x55, 0x6e, 0x2d, 0xe0, 0xc2)
+
 namespace orlix {
 
 // Bands first..last, both included.

@@ -62,6 +62,10 @@ STDMETHODIMP OrlixImage::VPA(LONG bandIndex, void** base, VPAEntry** table) noex
     });
 }
 
+STDMETHODIMP OrlixImage::Accessible() noexcept {
+    return Guarded([&] { return Typed()->store().refused() ? S_FALSE : S_OK; });
+}
+
 STDMETHODIMP OrlixImage::GetCoords(TCoordinateMap* coordinateMap) noexcept {
     return Guarded([&] {
         Require(coordinateMap);

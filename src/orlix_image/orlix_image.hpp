@@ -7,13 +7,15 @@
 #include <memory>
 
 #include "component/object.hpp"
+#include "image/source_image.hpp"
 #include "process/typed_image.hpp"
 
 // Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
 // orlix_image_process.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
 class OrlixImage final
     : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
-                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IModuleInformation> {
+                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IModuleInformation,
+                           IPixelAccess> {
 public:
     // IImageVPA
     STDMETHODIMP Dimensions(LONG* bands, LONG* width, LONG* height) noexcept override;
@@ -99,6 +101,9 @@ public:
     STDMETHODIMP get_AngledHemisphereFit(SAngledHemisphereFit* fit) noexcept override;
     STDMETHODIMP CorrectAngledHemisphere(SAngledHemisphereFit* fit) noexcept override;
     STDMETHODIMP RobustCorrectAngledHemisphere(double probability) noexcept override;
+
+    // IPixelAccess
+    STDMETHODIMP Accessible() noexcept override;
 
     // IModuleInformation
     STDMETHODIMP get_Version(BSTR* version) noexcept override;
