@@ -51,7 +51,7 @@ std::vector<bool> Mask(const RegionRows& rows, int32_t width, int32_t height) {
 // What the interface hands out, pixel by pixel: in a row of the box, covered by a run.
 std::vector<bool> MaskByInterface(IRegionOfInterest& region, int32_t width, int32_t height) {
     std::vector<bool> mask(static_cast<size_t>(width) * static_cast<size_t>(height));
-    RECT box;
+    RECT box = {0, 0, -1, -1};
     EXPECT_EQ(S_OK, region.get_BoundingBox(&box));
     for (LONG y = 0; y < height; ++y) {
         SRun* begin = nullptr;
