@@ -19,7 +19,7 @@ std::span<const KernelInUse> KernelsInUse() {
         {"divide, 16 bits", ChosenVariant(kQuotient<uint16_t>).name},
         {"divide, 32 bits", ChosenVariant(kQuotient<uint32_t>).name},
         {"divide, float", ChosenVariant(kQuotient<float>).name},
-        {"look-up table, 8 bits", ChosenVariant(kLookUp<uint8_t>).name},
+        {"look-up table, 8 bits", ChosenVariant(kLookUp).name},
         {"threshold, 8 bits", ChosenVariant(kThreshold<uint8_t>).name},
         {"threshold, 16 bits", ChosenVariant(kThreshold<uint16_t>).name},
         {"threshold, 32 bits", ChosenVariant(kThreshold<uint32_t>).name},

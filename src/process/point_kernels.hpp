@@ -27,9 +27,8 @@ void Quotient_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 template <class T>
 void Shift_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 
-// table[p] where 0 <= p < 256 (float: table[trunc(p)]), else p.
-template <class T>
-void LookUp_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
+// table[p].
+void LookUp_scalar(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
 
 // Every pixel becomes offset.
 template <class T>
@@ -103,10 +102,7 @@ inline constexpr Variant<PointFn<float>> kQuotient<float>[] = {
     {"scalar", Cpu::Any, &Quotient_scalar},
 };
 
-template <class T>
-inline constexpr Variant<PointFn<T>> kLookUp[] = {{"scalar", Cpu::Any, &LookUp_scalar}};
-template <>
-inline constexpr Variant<PointFn<uint8_t>> kLookUp<uint8_t>[] = {
+inline constexpr Variant<PointFn<uint8_t>> kLookUp[] = {
     {"avx512", Cpu::Avx512, &LookUp_avx512},
     {"avx2", Cpu::Avx2, &LookUp_avx2},
     {"scalar", Cpu::Any, &LookUp_scalar},

@@ -84,7 +84,7 @@ PointOperation<T> PointOperation<T>::Tabulated(Fn definition, PointParameters<T>
         definition(table, 256, parameters);
         if (const auto ramp = RampOf(table)) return {Choose(kRamp<T>), *ramp};
         std::copy_n(table, 256, parameters.table);
-        return {Choose(kLookUp<T>), parameters};
+        return {Choose(kLookUp), parameters};
     } else {
         return {definition, parameters};
     }
@@ -153,12 +153,11 @@ PointOperation<T> PointOperation<T>::Fill(T value) {
 }
 
 template <class T>
-PointOperation<T> PointOperation<T>::LookUp(const T (&table)[256]) {
+PointOperation<T> PointOperation<T>::LookUp(const T (&table)[256]) requires(sizeof(T) == 1) {
+    if (const auto ramp = RampOf(table)) return {Choose(kRamp<T>), *ramp};
     PointParameters<T> parameters;
     std::copy_n(table, 256, parameters.table);
-    if constexpr (std::is_same_v<T, uint8_t>)
-        if (const auto ramp = RampOf(table)) return {Choose(kRamp<T>), *ramp};
-    return {Choose(kLookUp<T>), parameters};
+    return {Choose(kLookUp), parameters};
 }
 
 template class PointOperation<uint8_t>;

@@ -43,8 +43,8 @@ public:
     // Every pixel becomes value.
     static PointOperation Fill(T value);
 
-    // table[p] for p in 0..255. Larger integers stay. float: table[trunc(p)] for 0 <= p < 256, others and NaN stay.
-    static PointOperation LookUp(const T (&table)[256]);
+    // table[p]; 8 bits only.
+    static PointOperation LookUp(const T (&table)[256]) requires(sizeof(T) == 1);
 
     void operator()(T* pixels, size_t n) const { apply_(pixels, n, parameters_); }
 

@@ -1,8 +1,6 @@
 // The definitions of the point kernels.
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <type_traits>
 
 #include "process/pixel_conversion.hpp"
 #include "process/point_kernels.hpp"
@@ -41,15 +39,8 @@ void Shift_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
         pixels[i] = shift < 32 ? static_cast<T>(static_cast<uint32_t>(pixels[i]) >> shift) : T{0};
 }
 
-template <class T>
-void LookUp_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
-    for (size_t i = 0; i < n; ++i) {
-        const T p = pixels[i];
-        if constexpr (std::is_same_v<T, uint8_t>)
-            pixels[i] = parameters.table[p];
-        else if (p >= T{0} && p < T{256})
-            pixels[i] = parameters.table[static_cast<size_t>(p)];
-    }
+void LookUp_scalar(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
+    for (size_t i = 0; i < n; ++i) pixels[i] = parameters.table[pixels[i]];
 }
 
 template <class T>
@@ -71,10 +62,6 @@ template void Quotient_scalar(float*, size_t, const PointParameters<float>&);
 template void Shift_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
 template void Shift_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
 template void Shift_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void LookUp_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
-template void LookUp_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
-template void LookUp_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void LookUp_scalar(float*, size_t, const PointParameters<float>&);
 template void Fill_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
 template void Fill_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
 template void Fill_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);

@@ -145,8 +145,8 @@ TEST(Counter, CountsSaturate) {
     const std::vector<uint8_t> bytes(kPart, 9);
     Counter<uint8_t> counter(0, 255, 256, kPart);
     for (int k = 0; k < 127; ++k) counter(bytes.data(), kPart);
-    EXPECT_EQ(127 << 24, Counts(counter)[9]);
-    for (int k = 0; k < 200; ++k) counter(bytes.data(), kPart);
+    EXPECT_EQ(2130706432, Counts(counter)[9]);
+    for (int k = 0; k < 131; ++k) counter(bytes.data(), kPart);
     EXPECT_EQ(2147483647, Counts(counter)[9]);
     EXPECT_EQ(0, Counts(counter)[8]);
 }

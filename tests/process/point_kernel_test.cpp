@@ -93,9 +93,9 @@ TEST(BytePoint, EveryVariantOfTheTableEqualsTheDefinition) {
     for (uint32_t seed : {1, 2, 3}) {
         std::mt19937 random(seed);
         for (uint8_t& entry : parameters.table) entry = static_cast<uint8_t>(random());
-        ExpectVariantsEqualScalar<uint8_t>(kLookUp<uint8_t>, parameters);
+        ExpectVariantsEqualScalar<uint8_t>(kLookUp, parameters);
         std::vector<uint8_t> all = AllValues<uint8_t>();
-        for (const auto& variant : SupportedOnThisCpu(kLookUp<uint8_t>)) {
+        for (const auto& variant : SupportedOnThisCpu(kLookUp)) {
             std::vector<uint8_t> pixels = all;
             variant.fn(pixels.data(), pixels.size(), parameters);
             EXPECT_TRUE(SameBits(parameters.table, pixels.data(), 256)) << variant.name;
@@ -212,17 +212,6 @@ TYPED_TEST(IntegerPoint, DivideShiftsByPowersOfTwoAndRoundsOtherwise) {
             PointOperation<T>::Divide(value), [](T) { return T{0}; }, "Divide(" + std::to_string(value) + ")");
 }
 
-TYPED_TEST(IntegerPoint, LookUpTakesTheFirst256ValuesAndLeavesTheOthers) {
-    using T = TypeParam;
-    T table[256];
-    for (size_t i = 0; i < 256; ++i) table[i] = static_cast<T>((i * 167 + 13) * 0x01010101u);
-    ExpectRule<T>(
-        PointOperation<T>::LookUp(table), [&](T p) { return p < 256u ? table[p] : p; }, "LookUp");
-    for (size_t i = 0; i < 256; ++i) table[i] = static_cast<T>(i);
-    ExpectRule<T>(
-        PointOperation<T>::LookUp(table), [](T p) { return p; }, "identity");
-}
-
 TEST(BytePoint, TablesThatAreNearlyRampsStayTables) {
     // One wrong entry at either end of the slope, or a step of two, must not be taken for a ramp.
     for (int changed = 0; changed < 256; ++changed)
@@ -268,14 +257,6 @@ TEST(FloatPoint, KnownAnswers) {
     EXPECT_EQ(-kLargest, Applied(Float::Divide(1e-300), -1.0f));
     EXPECT_TRUE(std::isnan(Applied(Float::Divide(kNan), 1.0f)));
     EXPECT_TRUE(std::isnan(Applied(Float::Add(1, 0, 10), std::numeric_limits<float>::quiet_NaN())));
-    float table[256] = {};
-    for (size_t i = 0; i < 256; ++i) table[i] = static_cast<float>(i) + 0.5f;
-    EXPECT_EQ(3.5f, Applied(Float::LookUp(table), 3.99f));
-    EXPECT_EQ(0.5f, Applied(Float::LookUp(table), -0.0f));
-    EXPECT_EQ(255.5f, Applied(Float::LookUp(table), 255.99998f));
-    EXPECT_EQ(256.0f, Applied(Float::LookUp(table), 256.0f));
-    EXPECT_EQ(-0.25f, Applied(Float::LookUp(table), -0.25f));
-    EXPECT_TRUE(std::isnan(Applied(Float::LookUp(table), std::numeric_limits<float>::quiet_NaN())));
 }
 
 }  // namespace
