@@ -1,0 +1,281 @@
+"""Rules of the repository and contents of the binaries.
+
+    run.py [--native BUILD] [--win32 BUILD] [--win64 BUILD] [--tidy BUILD]
+
+Rules that need no build are always checked (not with --tidy, which runs clang-tidy alone, on everything that BUILD
+compiles). One line for each check, with details where it fails; the last line is the sum.
+"""
+
+import argparse
+import concurrent.futures
+import json
+import os
+import re
+import shutil
+import struct
+import subprocess
+import sys
+from pathlib import Path
+
+from portable_executable import PortableExecutable
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+GENERATED = "include/orlix/orlix.h"
+
+counts = {"ok": 0, "FAILED": 0, "skipped": 0}
+
+
+def report(result, what, details=()):
+    counts[result] += 1
+    print(f"{result:8}{what}", *(f"    {line}" for line in details), sep="\n", flush=True)
+
+
+def check(what, problems):
+    problems = list(problems)
+    report("FAILED" if problems else "ok", what, problems)
+
+
+def output_of(*command, **options):
+    result = subprocess.run([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, **options)
+    return result.returncode, result.stdout.decode("utf-8", "replace")
+
+
+def tracked(*suffixes):
+    """The files of the repository that exist, by suffix."""
+    _, listing = output_of("git", "ls-files", cwd=ROOT)
+    return [name for name in listing.splitlines() if name.endswith(suffixes) and (ROOT / name).is_file()]
+
+
+# -------------------------------------------------------------------------------------------------------------- sources
+
+# What the files of each folder of src may include, beside their own folder. Acyclic: a folder is named only after those
+# that it stands on.
+LAYERS = {
+    "platform": [],
+    "component": ["platform"],
+    "image": ["platform", "component"],
+    "histogram": ["platform", "component"],
+    "geometry": ["platform", "component"],
+    "binary": ["platform", "component", "geometry"],
+    "process": ["platform", "component", "image", "histogram", "geometry", "binary"],
+    "display": ["platform", "component", "image", "histogram", "geometry", "binary"],
+    "files": ["platform", "component", "image"],
+    "orlix_image": ["platform", "component", "image", "histogram", "geometry", "binary", "process", "display", "files"],
+}
+LAYERS["module"] = list(LAYERS)
+
+
+def includes(name):
+    for number, line in enumerate((ROOT / name).read_text("utf-8").splitlines(), 1):
+        if found := re.match(r'\s*#\s*include\s*(["<])([^">]+)[">]', line):
+            yield number, found.group(1) == '"', found.group(2)
+
+
+def wrong_includes():
+    for name in tracked(".cpp", ".hpp", ".h"):
+        parts = name.split("/")
+        for number, quoted, included in includes(name):
+            place = f"{name}:{number}: includes {included}"
+            if parts[0] == "src":
+                own, other = parts[1], included.split("/")[0]
+                if own not in LAYERS:
+                    yield f"{name}: the folder {own} has no place in the order of folders"
+                    break
+                if quoted and "/" not in included:
+                    yield f"{place}: name it by its folder"
+                elif quoted and other != own and other not in LAYERS[own]:
+                    yield f"{place}: {own} may not stand on {other}"
+            elif parts[0] == "include":
+                if quoted and "/" in included:
+                    yield f"{place}: what is installed is included as <orlix/...>"
+            elif parts[0] in ("tools", "samples") or parts[:2] == ["tests", "contract"]:
+                # Clients and what they share: the library's inside is out of their sight.
+                if quoted and (ROOT / "src" / included).exists():
+                    yield f"{place}: a client includes <orlix/...> only"
+
+
+def check_sources():
+    check("folders of src stand on lower ones only, clients on the installed headers only", wrong_includes())
+
+    marks = re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b")
+    check("nothing is marked as to be done later",
+          (f"{name}:{number}: {line.strip()}" for name in tracked(".cpp", ".hpp", ".h", ".idl", ".py", ".cmake", ".md", ".txt")
+           for number, line in enumerate((ROOT / name).read_text("utf-8").splitlines(), 1) if marks.search(line)))
+
+    sources = [name for name in tracked(".cpp", ".hpp", ".h") if name != GENERATED]
+    if shutil.which("clang-format"):
+        _, said = output_of("clang-format", "--dry-run", "-Werror", *sources, cwd=ROOT)
+        check("sources are formatted by .clang-format", sorted({line.split(":")[0] for line in said.splitlines() if ": error:" in line}))
+    else:
+        report("skipped", "sources are formatted: there is no clang-format")
+
+
+def run_tidy(build, files):
+    """Problems that clang-tidy has with the files, a program for each core."""
+
+    def one(file):
+        status, said = output_of("clang-tidy", "-p", build, "--quiet", "--extra-arg=-Wno-unknown-warning-option", file)
+        lines = [line for line in said.splitlines() if not re.match(r"\d+ warnings? ", line)]
+        return lines or [f"{file}: status {status}"] if status else []
+
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        # A header's problem is reported by each file that includes it; once is enough.
+        return list(dict.fromkeys(line for lines in pool.map(one, files) for line in lines))
+
+
+def compiled(build):
+    """The project's own files that a build compiles."""
+    commands = json.loads((build / "compile_commands.json").read_text("utf-8"))
+    files = sorted({str(Path(entry["directory"], entry["file"]).resolve()) for entry in commands})
+    return [file for file in files if file.startswith(f"{ROOT}/") and not file.startswith(f"{ROOT}/build/")]
+
+
+# --------------------------------------------------------------------------------------------------------------- binaries
+
+EXPORTS = {"DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer", "NeedGdiPlus"}
+SYSTEM_LIBRARIES = {"advapi32.dll", "comctl32.dll", "comdlg32.dll", "gdi32.dll", "gdiplus.dll", "kernel32.dll",
+                    "msimg32.dll", "msvcrt.dll", "msvfw32.dll", "ole32.dll", "oleaut32.dll", "shell32.dll", "user32.dll",
+                    "version.dll"}
+
+
+def foreign_templates(build):
+    """Functions for a newer processor that the linker may take for the ones that every processor runs: whatever an object
+    of such a file defines weakly under a name that does not say so."""
+    for suffix in ("avx2", "avx512"):
+        for file in sorted([*build.rglob(f"*_{suffix}.cpp.o"), *build.rglob(f"*_{suffix}.cpp.obj")]):
+            _, said = output_of("nm", "-C", "--defined-only", file)
+            for line in said.splitlines():
+                found = re.match(r"[0-9a-f]* *([WVu]) (.*)", line)
+                if found and f"_{suffix}" not in found.group(2):
+                    yield f"{file.name}: {found.group(2)}"
+
+
+def check_native(build):
+    library = build / "src" / "liborlix.so"
+    declared = (ROOT / "include/orlix/platform/component_abi.h").read_text("utf-8")
+    intended = EXPORTS | set(re.findall(r"^ORLIX_API [\w *]*?\*?(\w+)\(", declared, re.M))
+    _, said = output_of("nm", "-D", "-C", "--defined-only", library)
+    symbols = [line.split(maxsplit=2)[1:] for line in said.splitlines()]
+    # Weak ones of the standard library's templates are every library's.
+    exported = {name for kind, name in symbols if not (kind in "WVu" and re.search(r"\bstd::", name))}
+    check("liborlix.so exports its entry points and the component functions, and nothing else",
+          [f"not exported: {name}" for name in sorted(intended - exported)] +
+          [f"exported: {name}" for name in sorted(exported - intended)])
+    check("native: code for newer processors stays in its functions", foreign_templates(build))
+
+
+def aligned_stack_moves(objdump, library):
+    """The compiler may take stack slots for aligned that Windows does not align: such a move faults half of the time."""
+    process = subprocess.Popen([objdump, "-d", "--no-show-raw-insn", library], stdin=subprocess.DEVNULL,
+                               stdout=subprocess.PIPE, text=True)
+    wide = 0
+    for line in process.stdout:
+        if "%ymm" in line or "%zmm" in line:
+            wide += 1
+            if re.search(r"\tvmov(aps|apd|dqa(32|64)?)\s", line) and re.search(r"\(%[re][sb]p", line):
+                yield line.strip()
+    if process.wait():
+        yield f"{objdump} ended with {process.returncode}"
+    if not wide:
+        yield "no instruction on wide vectors: is the code for newer processors missing?"
+
+
+def cached(build, name):
+    found = re.search(rf"^{name}:\w+=(.*)$", (build / "CMakeCache.txt").read_text("utf-8"), re.M)
+    return found.group(1) if found else ""
+
+
+def resource_problems(library, build):
+    scripts = sorted((ROOT / "src/module/registration").glob("*.rgs"))
+    wanted = {("REGISTRY", int(script.name.split("_")[0])): script.read_bytes() for script in scripts}
+    libraries = sorted(build.rglob("orlix.tlb"))
+    wanted["TYPELIB", 1] = libraries[0].read_bytes() if libraries else b""
+    for key, content in wanted.items():
+        if library.resources.get(key) != content:
+            yield f"{key[0]} {key[1]}: {'has another content' if key in library.resources else 'missing'}"
+    if len(scripts) != 14:
+        yield f"{len(scripts)} registration scripts instead of 14"
+    for key in library.resources:
+        if key[0] in ("REGISTRY", "TYPELIB") and key not in wanted:
+            yield f"{key[0]} {key[1]}: not expected"
+    if (2, 115) not in library.resources:
+        yield "bitmap 115: missing"
+    version = tuple(map(int, re.search(r"project\(orlix VERSION (\d+)\.(\d+)\.(\d+)",
+                                       (ROOT / "CMakeLists.txt").read_text("utf-8")).groups()))
+    # The fixed part follows the key "VS_VERSION_INFO": signature, its version, then the file's.
+    information = library.resources.get((16, 1), b"")
+    start = information.find(struct.pack("<I", 0xFEEF04BD))
+    if start < 0:
+        yield "version: missing"
+    else:
+        low_high = struct.unpack_from("<II", information, start + 8)
+        found = (low_high[0] >> 16, low_high[0] & 0xFFFF, low_high[1] >> 16)
+        if found != version:
+            yield f"version: {found} instead of {version}"
+
+
+def check_windows(bits, build):
+    file = sorted(build.rglob("orlix.dll"))[0]
+    library = PortableExecutable(file)
+    name = f"{bits}-bit orlix.dll"
+    check(f"{name} is for {bits}-bit Windows", [] if library.bits == bits else [f"it is for {library.bits} bits"])
+    check(f"{name} imports libraries of the system only",
+          sorted(f"imports {entry}" for entry in library.imports if entry.lower() not in SYSTEM_LIBRARIES))
+    check(f"{name} exports the five entry points under their plain names",
+          [] if sorted(library.exports) == sorted(EXPORTS) else [f"exports {', '.join(library.exports)}"])
+    check(f"{name} carries its type library, registration scripts and version", resource_problems(library, build))
+    prefix = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}[bits]
+    check(f"{name} does not rely on the alignment of the stack", aligned_stack_moves(f"{prefix}-objdump", file))
+    check(f"{bits}-bit Windows: code for newer processors stays in its functions", foreign_templates(build))
+    for tool in sorted(build.rglob("orlix.exe")):
+        check(f"{bits}-bit {tool.name} imports libraries of the system only",
+              sorted(f"imports {entry}" for entry in PortableExecutable(tool).imports
+                     if entry.lower() not in SYSTEM_LIBRARIES))
+
+
+def check_contract(build):
+    """The committed header is what the contract gives; the first line tells the tool's version and the path."""
+    header = build / "contract" / Path(GENERATED).name
+    header.parent.mkdir(exist_ok=True)
+    header.unlink(missing_ok=True)
+    _, said = output_of(cached(build, "ORLIX_WIDL"), "-I", cached(build, "ORLIX_IDL_IMPORTS"), "-L",
+                        cached(build, "ORLIX_TYPE_LIBRARY_IMPORTS"), "-h", "-o", header, "idl/orlix.idl", cwd=ROOT)
+    problems = said.splitlines()
+    if header.exists():
+        wanted, found = header.read_text("utf-8").splitlines()[1:], (ROOT / GENERATED).read_text("utf-8").splitlines()[1:]
+        first = next((i for i, (a, b) in enumerate(zip(wanted, found)) if a != b), min(len(wanted), len(found)))
+        if wanted != found:
+            problems.append(f"{GENERATED}:{first + 2}: is not what idl/orlix.idl gives from here on")
+    else:
+        problems.append("no header came out")
+    check(f"{GENERATED} is what idl/orlix.idl gives", problems)
+
+
+# ------------------------------------------------------------------------------------------------------------------- main
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    for option in ("--native", "--win32", "--win64", "--tidy"):
+        parser.add_argument(option, type=Path, metavar="BUILD")
+    arguments = parser.parse_args()
+    if arguments.tidy:
+        check("clang-tidy has nothing to say", run_tidy(arguments.tidy, compiled(arguments.tidy)))
+    else:
+        check_sources()
+    if arguments.native:
+        check_native(arguments.native)
+    for bits, build in ((32, arguments.win32), (64, arguments.win64)):
+        if build:
+            check_windows(bits, build)
+    windows = arguments.win32 or arguments.win64
+    if windows:
+        check_contract(windows)
+    elif not arguments.tidy:
+        report("skipped", f"{GENERATED} is what idl/orlix.idl gives: there is no Windows build")
+    print(f"{counts['ok']} passed, {counts['FAILED']} failed, {counts['skipped']} skipped")
+    return 1 if counts["FAILED"] else 0
+
+
+sys.exit(main())
