@@ -9,7 +9,7 @@ namespace tool {
 
 namespace {
 
-constexpr double kWidth = 960, kLeft = 64, kPlotHeight = 260, kRow = 20,
+constexpr double kWidth = 960, kLeft = 80, kPlotHeight = 260, kRow = 20,
                  kCharacter = 7.2;  // at 12.5 units of font size
 
 struct Mark {

@@ -21,10 +21,10 @@ header{display:flex;flex-wrap:wrap;gap:4px 24px;align-items:baseline;justify-con
 h1{font-size:25px;line-height:1.25;margin:0;font-weight:650;overflow-wrap:anywhere}
 h2{font-size:16px;margin:0 0 12px;font-weight:650}
 .sub{color:var(--muted)}
-.cards{display:grid;grid-template-columns:repeat(auto-fit,minmax(210px,1fr));gap:14px;margin:0 0 16px}
+.cards{display:grid;grid-template-columns:repeat(auto-fit,minmax(180px,1fr));gap:14px;margin:0 0 16px}
 .card,section{background:var(--card);border:1px solid var(--line);border-radius:10px}
 .card{padding:13px 16px}
-.card b{display:block;font-size:25px;line-height:1.3;font-weight:650;font-variant-numeric:tabular-nums}
+.card b{display:block;white-space:nowrap;font-size:20px;line-height:1.3;font-weight:650;font-variant-numeric:tabular-nums}
 .card span{color:var(--muted);font-size:13px}
 .card.main{border-color:var(--phase);background:var(--soft)}
 .card.main b{color:var(--accent)}
@@ -111,7 +111,13 @@ std::string Row(const std::string& name, const std::string& value) {
 std::string Calibration(const Json& m) {
     if (Member(m, "micronsPerPixel").is_null()) return "not calibrated";
     const double x = NumberAt(m, "micronsPerPixel.x"), y = NumberAt(m, "micronsPerPixel.y");
-    return Significant(x) + (x == y ? std::string() : " × " + Significant(y)) + " µm per pixel";
+    const auto shown = [](double size) {  // without the zeros at the end
+        std::string text = Significant(size);
+        if (text.find('.') != std::string::npos && text.find('e') == std::string::npos)
+            text.erase(std::max(text.find_last_not_of('0'), text.find('.') + 1) + 1);
+        return text;
+    };
+    return shown(x) + (x == y ? std::string() : " × " + shown(y)) + " µm per pixel";
 }
 
 std::string PhaseLevels(const Json& m) {
@@ -213,7 +219,7 @@ std::string ImageReport(const Json& m, const std::string& version, const std::st
     body += Card(Grouped(Plain(NumberAt(m, "phase.pixels"))),
                  "pixels of " + Grouped(Plain(NumberAt(m, "region.pixels"))) + " in the region");
     body += Card(MethodLabel(m), "threshold; phase: " + PhaseLevels(m));
-    body += Card(Centroid(m, "phase"), "centroid of the phase, x, y in pixels");
+    body += Card(Centroid(m, "phase"), "centroid of the phase, pixels");
     body += "</div>\n";
 
     body += "<section><div class='pictures'><figure><img alt='Image' src='" + imageUri +

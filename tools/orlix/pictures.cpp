@@ -124,7 +124,7 @@ Picture OverlayPicture(const Measurement& measurement, const Picture& display) {
             else if (outline[i])
                 value = kPhase[channel];
             else if (phase[i])
-                value = (grey * 6 + kPhase[channel] * 4u) / 10;
+                value = (grey + kPhase[channel]) / 2;
             else if (!inside[i])
                 value = grey * 6 / 10;
             picture.samples.push_back(static_cast<uint8_t>(value));
