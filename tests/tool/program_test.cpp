@@ -367,6 +367,7 @@ TEST_F(Program, TheDoctorFindsTheLibraryWell) {
     EXPECT_THAT(result.out, HasSubstr("PASS"));
     EXPECT_THAT(result.out, Not(HasSubstr("FAIL")));
     EXPECT_THAT(result.out, HasSubstr("Orlix.Image"));
+    EXPECT_THAT(result.out, Not(HasSubstr("no InprocServer32")));  // every class says where it is loaded from
 }
 
 TEST_F(Program, HelpShowsExamplesAndSucceeds) {

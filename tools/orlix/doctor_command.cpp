@@ -74,8 +74,7 @@ std::string RegisteredServer([[maybe_unused]] const CLSID& id) {
     const std::wstring key = L"CLSID\\" + ToUtf16(TextOf(id)) + L"\\InprocServer32";
     wchar_t path[1024] = L"";
     DWORD size = sizeof path;
-    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ, nullptr, path,
-                     &size) != ERROR_SUCCESS)
+    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size) != ERROR_SUCCESS)
         return "no InprocServer32";
     return ToUtf8(path);
 #else
