@@ -1,6 +1,8 @@
 // Rows as PNG and raw PNM files store them.
 #pragma once
 
+#include <cstring>
+
 #include "files/byte_order.hpp"
 #include "files/image_file.hpp"
 
@@ -23,7 +25,10 @@ inline void InterleaveRow(PixelSource& source, const FileProperties& properties,
             for (size_t x = 0; x < width; ++x) PutBigEndian16(at + x * step, in[x]);
         } else {
             const auto* in = static_cast<const uint8_t*>(row);
-            for (size_t x = 0; x < width; ++x) at[x * step] = in[x];
+            if (step == 1)
+                std::memcpy(at, in, width);
+            else
+                for (size_t x = 0; x < width; ++x) at[x * step] = in[x];
         }
     }
 }

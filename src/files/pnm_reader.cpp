@@ -117,18 +117,17 @@ Rows<Sample> RowsOf(PixelSink& sink, int32_t bands, int32_t y) {
 
 // Samples are interleaved in the file, bands of them for each pixel. Returns the largest.
 template <class Sample, size_t kBands>
-uint32_t CopyRawRow(const uint8_t* in, size_t width, const Rows<Sample>& rows) {
+uint32_t CopyRawRow(const uint8_t* in, size_t width, Rows<Sample> rows) {
     Sample largest = 0;
-    for (size_t x = 0; x < width; ++x)
-        for (size_t band = 0; band < kBands; ++band) {
-            Sample value;
-            if constexpr (sizeof(Sample) == 1)
-                value = in[x * kBands + band];
-            else
-                value = BigEndian16(in + 2 * (x * kBands + band));
-            rows[band][x] = value;
+    for (size_t band = 0; band < kBands; ++band) {
+        Sample* const out = rows[band];  // in a register: a byte written through it might else be one of the pointers
+        for (size_t x = 0; x < width; ++x) {
+            const uint8_t* at = in + (x * kBands + band) * sizeof(Sample);
+            const Sample value = sizeof(Sample) == 1 ? *at : static_cast<Sample>(BigEndian16(at));
+            out[x] = value;
             largest = std::max(largest, value);
         }
+    }
     return largest;
 }
 
