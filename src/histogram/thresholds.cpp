@@ -41,42 +41,52 @@ struct Split {
     WeightedSum weighted;
 };
 
-// N^2 sigma^2 of a split, d^2 / (below (N - below)) with the integer d = below S - weighted N: in doubles with a bound of
-// their error, and exactly. S is the sum of i c[i] over all bins.
-class Separation {
+// Compares splits by N^2 sigma^2 = d^2 / (below (N - below)), d = below S - weighted N, S being the sum of i c[i] over all
+// bins: in doubles as long as their rounding cannot matter, else in integers.
+class SeparationOrder {
 public:
-    Separation(int64_t total, const WideInteger& weightedTotal)
+    SeparationOrder(int64_t total, const WideInteger& weightedTotal)
         : total_(total),
           weightedTotal_(weightedTotal),
           totalRounded_(static_cast<double>(total)),
           weightedTotalRounded_(weightedTotal.ToDouble()) {}
 
-    struct Estimate {
-        double value = 0.0;
-        double error = 0.0;
-    };
-
-    Estimate Estimated(const Split& split) const {
-        // Each product is off by at most 5 roundings, d therefore by their sum; the rest adds fewer than 8.
+    // Whether a split, of two classes that are not empty, has a greater (1), equal (0) or smaller (-1) variance than the best so
+    // far, at first 0. A greater one becomes the best.
+    int CompareWithBest(const Split& split) {
+        // Each product is off by at most 5 roundings, so d by their sum; squares and products of both sides add fewer than 16.
         constexpr double kRounding = 0x1p-53;
         const double first = static_cast<double>(split.below) * weightedTotalRounded_;
         const double second = split.weighted.ToDouble() * totalRounded_;
         const double d = std::fabs(first - second);
         const double offD = 8.0 * kRounding * (std::fabs(first) + std::fabs(second));
-        const double scale = 1.0 / (static_cast<double>(split.below) * static_cast<double>(total_ - split.below));
-        const double value = d * d * scale;
-        return {value, (2.0 * d + offD) * offD * scale * 1.01 + 16.0 * kRounding * value};
-    }
+        const double scale = static_cast<double>(split.below) * static_cast<double>(total_ - split.below);
+        const double square = d * d;
+        const double offSquare = (2.0 * d + offD) * offD + 16.0 * kRounding * square;
 
-    // The sign of the difference of the exact values; without b of a's own.
-    int Compare(const Split& a, const Split* b) const {
-        if (!b) return Distance(a).Sign() != 0;
-        const WideInteger dA = Distance(a);
-        const WideInteger dB = Distance(*b);
-        return (dA * dA * Scale(*b) - dB * dB * Scale(a)).Sign();
+        const double here = square * best_.scale;
+        const double there = best_.square * scale;
+        const double tolerance = 1.01 * (offSquare * best_.scale + best_.offSquare * scale);
+        int order = here > there + tolerance ? 1 : -1;
+        if (order < 0 && here >= there - tolerance) order = Exactly(split);
+        if (order > 0) best_ = {split, square, offSquare, scale};
+        return order;
     }
 
 private:
+    struct Best {
+        Split split;
+        double square = 0.0;
+        double offSquare = 0.0;
+        double scale = 1.0;
+    };
+
+    int Exactly(const Split& split) const {
+        const WideInteger d = Distance(split);
+        if (best_.split.below == 0) return d.Sign() != 0 ? 1 : 0;
+        const WideInteger bestD = Distance(best_.split);
+        return (d * d * Scale(best_.split) - bestD * bestD * Scale(split)).Sign();
+    }
     WideInteger Distance(const Split& split) const {
         return weightedTotal_ * split.below - split.weighted.ToInteger() * total_;
     }
@@ -86,9 +96,18 @@ private:
     WideInteger weightedTotal_;
     double totalRounded_;
     double weightedTotalRounded_;
+    Best best_;
 };
 
 // ---------------------------------------------------------------------------------------------- normal mixture
+
+// Phi(z) - 0.5 for z = 0, 0.05, ..., 3.05, and one entry more for the interpolation at 3.05.
+constexpr std::array<double, 63> kNormalTable = {
+    0.00000, 0.01994, 0.03983, 0.05962, 0.07926, 0.09871, 0.11791, 0.13683, 0.15542, 0.17364, 0.19146, 0.20884, 0.22575,
+    0.24215, 0.25804, 0.27337, 0.28814, 0.30234, 0.31594, 0.32894, 0.34134, 0.35314, 0.36433, 0.37493, 0.38493, 0.39435,
+    0.40320, 0.41149, 0.41924, 0.42647, 0.43319, 0.43943, 0.44520, 0.45053, 0.45543, 0.45994, 0.46407, 0.46784, 0.47128,
+    0.47441, 0.47725, 0.47982, 0.48214, 0.48422, 0.48610, 0.48778, 0.48928, 0.49061, 0.49180, 0.49286, 0.49379, 0.49461,
+    0.49534, 0.49598, 0.49653, 0.49702, 0.49744, 0.49781, 0.49813, 0.49841, 0.49865, 0.5,     0.5};
 
 // What the truncation of a class moves its mean by: sigma exp(-distance^2 / (2 variance)) / (sqrt(2 pi) share), share being
 // the part of the normal distribution on the class's side of the threshold; nothing when there is none.
@@ -171,40 +190,33 @@ TailCut CutTails(std::span<const LONG> counts, double trimLeft, double trimRight
 }
 
 int64_t BinOfGreatestSeparation(std::span<const LONG> counts, double leftProbability, double rightProbability) {
-    const PowerSums<1> sums(counts);
     const int64_t total = TotalCount(counts);
-    const Separation separation(total, sums[1]);
+    SeparationOrder order(total, PowerSums<1>(counts)[1]);
     const double highest = 1.0 - rightProbability;
+    // Of classes that are not empty, the lower one has a probability above 0 and at most 1.
+    const bool unrestricted = leftProbability <= 0.0 && highest >= 1.0;
 
     Split split;
-    Split best;
-    Separation::Estimate bestEstimate;
     int64_t first = 0;
     int64_t last = -1;  // of the best run; below first: none yet
     for (int64_t t = 0; t < NumberOfBins(counts); ++t) {
         const int64_t count = CountAt(counts, t);
-        if (count == 0 && last >= first && last == t - 1) {  // the classes of the bin before
-            last = t;
+        if (count == 0) {  // the classes of the bin before
+            if (last >= first && last == t - 1) last = t;
             continue;
         }
         split.below += count;
         split.weighted.Add(t * count);
         if (split.below <= 0 || split.below >= total) continue;
-        const double probability = static_cast<double>(split.below) / static_cast<double>(total);
-        if (!(leftProbability <= probability && probability <= highest)) continue;
-
-        const Separation::Estimate estimate = separation.Estimated(split);
-        const double tolerance = estimate.error + bestEstimate.error;
-        int order = estimate.value > bestEstimate.value + tolerance ? 1 : -1;
-        if (order < 0 && estimate.value >= bestEstimate.value - tolerance)
-            order = separation.Compare(split, last >= first ? &best : nullptr);
-        if (order > 0) {
-            best = split;
-            bestEstimate = estimate;
-            first = last = t;
-        } else if (order == 0 && last >= first && last == t - 1) {
-            last = t;
+        if (!unrestricted) {
+            const double probability = static_cast<double>(split.below) / static_cast<double>(total);
+            if (!(leftProbability <= probability && probability <= highest)) continue;
         }
+        const int comparison = order.CompareWithBest(split);
+        if (comparison > 0)
+            first = last = t;
+        else if (comparison == 0 && last >= first && last == t - 1)
+            last = t;
     }
     return last >= first ? (first + last) / 2 : 0;
 }
@@ -332,21 +344,13 @@ double ExponentialTail(std::span<const LONG> counts, double fraction) {
 }
 
 double NormalDistribution(double z) {
-    // Phi(z) - 0.5 for z = 0, 0.05, ..., 3.05, and one entry more for the interpolation at 3.05.
-    constexpr std::array<double, 63> kTable = {
-        0.00000, 0.01994, 0.03983, 0.05962, 0.07926, 0.09871, 0.11791, 0.13683, 0.15542, 0.17364, 0.19146,
-        0.20884, 0.22575, 0.24215, 0.25804, 0.27337, 0.28814, 0.30234, 0.31594, 0.32894, 0.34134, 0.35314,
-        0.36433, 0.37493, 0.38493, 0.39435, 0.40320, 0.41149, 0.41924, 0.42647, 0.43319, 0.43943, 0.44520,
-        0.45053, 0.45543, 0.45994, 0.46407, 0.46784, 0.47128, 0.47441, 0.47725, 0.47982, 0.48214, 0.48422,
-        0.48610, 0.48778, 0.48928, 0.49061, 0.49180, 0.49286, 0.49379, 0.49461, 0.49534, 0.49598, 0.49653,
-        0.49702, 0.49744, 0.49781, 0.49813, 0.49841, 0.49865, 0.5,     0.5};
     if (std::isnan(z)) return z;
     const double distance = std::fabs(z);
     double value = 0.5;
     if (distance <= 3.05) {
         const double steps = 20.0 * distance;
         const auto j = static_cast<size_t>(steps);
-        value = kTable[j] + (kTable[j + 1] - kTable[j]) * (steps - static_cast<double>(j));
+        value = kNormalTable[j] + (kNormalTable[j + 1] - kNormalTable[j]) * (steps - static_cast<double>(j));
     }
     return 0.5 + (z < 0.0 ? -value : value);
 }
