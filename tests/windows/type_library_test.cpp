@@ -114,10 +114,13 @@ std::string MethodLine(const Type& type, const FUNCDESC& function) {
     std::string parameters;
     for (SHORT i = 0; i < function.cParams; ++i) {
         const ELEMDESC& parameter = function.lprgelemdescParam[i];
-        parameters += (i ? ", " : "") + Flags(parameter.paramdesc.wParamFlags) + type.TypeName(parameter.tdesc);
+        if (i > 0) parameters += ", ";
+        parameters += Flags(parameter.paramdesc.wParamFlags) + type.TypeName(parameter.tdesc);
         const BSTR name = names[i + 1];
         const bool isPutValue = function.invkind == INVOKE_PROPERTYPUT && i == function.cParams - 1;
-        if (!isPutValue) parameters += " " + ToUtf8({name ? name : L"", SysStringLen(name)});
+        if (isPutValue) continue;
+        parameters += ' ';
+        parameters += ToUtf8({name ? name : L"", SysStringLen(name)});
     }
     const std::string name = ToUtf8({names[0], SysStringLen(names[0])});
     for (UINT i = 0; i < count; ++i) SysFreeString(names[i]);
