@@ -42,10 +42,10 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     void Next(std::string_view name);
+    void Clear();                     // before something is written to a terminal that standard output shares
     void Say(std::string_view line);  // a line of its own on standard error, in any case
 
 private:
-    void Clear();
     size_t total_;
     size_t done_ = 0;
     bool shown_;

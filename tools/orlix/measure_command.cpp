@@ -364,10 +364,11 @@ int Measure(Options& options) {
             document["error"] = error.what();
             if (folder) folder->AddFailure(document);
         }
+        progress.Clear();
         if (options.csv)
-            std::cout << CsvLine(document);
+            std::cout << CsvLine(document) << std::flush;
         else if (!options.json && !document.contains("error"))
-            std::cout << TextOf(document);
+            std::cout << TextOf(document) << std::flush;
         images.push_back(std::move(document));
     }
 
