@@ -10,6 +10,13 @@
 #include "files/memory_image.hpp"
 #include "platform/file_io.hpp"
 
+#ifndef _WIN32
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#endif
+
 namespace orlix::test {
 namespace {
 
@@ -177,8 +184,8 @@ TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
 
     constexpr auto kText = "IImageFile::SaveToFile: failed to write file.";
     fs::create_directories(folder_ / "folder.png");
-    for (const FileString& bad : {PathOf(OLESTR("folder.png")), PathOf(OLESTR("missing/a.png")), FileString(),
-                                  path + FileString(1, 0), FileString(OLESTR("/dev/null"))})
+    for (const FileString& bad :
+         {PathOf(OLESTR("folder.png")), PathOf(OLESTR("missing/a.png")), FileString(), path + FileString(1, 0)})
         EXPECT_EQ(kText, FailureOf([&] { Save(bad, IFF_PNG, image); }, E_FAIL));
     EXPECT_EQ(2u, FilesInFolder());
     EXPECT_TRUE(fs::is_directory(folder_ / "folder.png"));
@@ -205,6 +212,32 @@ TEST_F(ImageFile, AnEmptyFileAndTheStartOfALongOneAreRead) {
 }
 
 #ifndef _WIN32
+TEST_F(ImageFile, AWriteThatFailsHalfwayLeavesTheOldFileAndNothingElse) {
+    const FileString path = PathOf(OLESTR("a"));
+    ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
+    rlimit before;
+    ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &before));
+    rlimit small = before;
+    small.rlim_cur = 10000;
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &small));
+    const bool written = WriteWholeFile(path, Bytes(100000, 1));
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &before));
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(written);
+    EXPECT_EQ(FromText("old"), Content(path));
+    EXPECT_EQ(1u, FilesInFolder());
+}
+
+TEST_F(ImageFile, APipeIsRefusedWithoutWaitingForItsWriter) {
+    const fs::path pipe = folder_ / "pipe.png";
+    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+    FileContent content;
+    EXPECT_EQ(ReadStatus::CannotOpen, ReadWholeFile(AsString(pipe), content));
+    EXPECT_FALSE(WriteWholeFile(AsString(pipe), FromText("x")));
+    EXPECT_TRUE(fs::is_fifo(pipe));
+}
+
 TEST_F(ImageFile, ALinkStaysAndTheFileItLeadsToIsReplaced) {
     const FileString path = PathOf(OLESTR("a.pgm"));
     ASSERT_TRUE(WriteWholeFile(path, FromText("old")));

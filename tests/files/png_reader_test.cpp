@@ -278,6 +278,12 @@ TEST(PngReader, ASizeThatTheFileCannotFillIsRefusedBeforeTheSinkIsBegun) {
                     << width << "x" << height;
                 EXPECT_FALSE(image.begun);
             }
+    // (1 + 8 * width) * height is 2^64 + 11030: a product of 64 bits would look small enough.
+    MemoryImage wrapped;
+    EXPECT_EQ(kTooShortText, FailureOfReading(PngSignature() + PngHeader(1074386744, 2146194582, 16, 6) +
+                                                  PngChunk("IDAT", stream) + PngEnd(),
+                                              wrapped));
+    EXPECT_FALSE(wrapped.begun);
     // A length that reaches beyond the file.
     MemoryImage image;
     EXPECT_EQ(kTruncatedText, FailureOfReading(PngSignature() + PngHeader(2, 2, 8, 0) + Big32(0xFFFFFFFFu) +

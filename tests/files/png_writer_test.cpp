@@ -33,6 +33,9 @@ constexpr Content kContents[] = {
      [](int32_t band, int32_t x, int32_t y, Noise&) { return static_cast<uint32_t>(3 * x + 5 * y + 50 * band); }},
     {"noisy ramp", [](int32_t band, int32_t x, int32_t y,
                       Noise& noise) { return static_cast<uint32_t>(40 * x + 60 * y + 50 * band) + noise.below(9); }},
+    // Noise along a row and the same in every row but for the level: each row needs the one above it.
+    {"columns", [](int32_t band, int32_t x, int32_t y,
+                   Noise&) { return Noise(static_cast<uint64_t>(x))() + static_cast<uint32_t>(y % 7 + band); }},
     {"label", [](int32_t, int32_t x, int32_t y, Noise&) { return x / 7 % 3 == y / 5 % 3 ? 0xFFFFu : 0u; }},
 };
 
@@ -41,7 +44,7 @@ TEST(PngWriter, EveryImageComesBackAsItWas) {
         for (const int32_t bands : {1, 3})
             for (const int32_t bits : {8, 16})
                 for (const auto& [width, height] : std::vector<std::pair<int32_t, int32_t>>{
-                         {1, 1}, {1, 7}, {7, 1}, {2, 2}, {13, 11}, {300, 70}, {70000, 2}}) {
+                         {1, 1}, {1, 7}, {7, 1}, {2, 2}, {13, 11}, {300, 70}, {1000, 300}, {70000, 2}}) {
                     SCOPED_TRACE(testing::Message() << content.name << " " << bands << " bands " << bits << " bits "
                                                     << width << "x" << height);
                     MemoryImage image(width, height, bands, bits);
