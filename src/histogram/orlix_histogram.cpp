@@ -127,7 +127,8 @@ STDMETHODIMP OrlixHistogram::AutoThresholdSearchForMinimum(double TrimLeft, doub
         Require(Threshold);
         *Threshold = 0.0;
         const orlix::TailCut cut = orlix::CutTails(Counts(), TrimLeft, TrimRight);
-        *Threshold = static_cast<double>((cut.left + cut.right) / 2);
+        const int64_t middle = (cut.left + cut.right) / 2;
+        *Threshold = static_cast<double>(middle);
         const std::optional<int64_t> bin = orlix::BinOfMinimum(Counts(), cut);
         if (!bin) throw Failure("IHistogram::AutoThresholdSearchForMinimum: no counts in bins");
         *Threshold = LocationOf(*bin);

@@ -264,11 +264,11 @@ struct Neighbour {
 };
 
 Neighbour Nearest(Pair angle) {
-    const int i = static_cast<int>(angle.high * 128.0 + 0.5);
-    const double rest = angle.high - static_cast<double>(i) / 128.0;
+    const double shifted = angle.high * 128.0 + kRounder;
+    const auto i = static_cast<std::size_t>(std::bit_cast<uint64_t>(shifted) & 127);
+    const double rest = angle.high - (shifted - kRounder) / 128.0;
     const double square = rest * rest;
-    return {kCircularTable[static_cast<std::size_t>(i)], rest,
-            angle.low + rest * square * (-1.0 / 6 + square * (1.0 / 120)),
+    return {kCircularTable[i], rest, angle.low + rest * square * (-1.0 / 6 + square * (1.0 / 120)),
             square * (0.5 + square * (-1.0 / 24 + square * (1.0 / 720)))};
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -473,6 +474,36 @@ TEST(Thresholds, TheExponentialTailFollowsTheMeanBin) {
     EXPECT_EQ(kInfinity, ExponentialTail(counts, 0.0));
     EXPECT_DOUBLE_EQ(1e-06 * std::log(2.0), ExponentialTail(Counts{9, 0}, 0.5));
     EXPECT_DOUBLE_EQ(1e-06 * std::log(2.0), ExponentialTail(Counts{9, -5}, 0.5));  // a negative mean
+}
+
+// ---------------------------------------------------------------------------------------------------------- all builds
+
+TEST(Thresholds, EveryBuildGivesTheSameBits) {
+    // The hash is this implementation's own, entered after the comparisons with the definitions had passed.
+    Random random(41);
+    std::vector<double> scratch;
+    uint64_t hash = 0xcbf29ce484222325u;
+    const auto add = [&](double value) {
+        hash ^= std::bit_cast<uint64_t>(value);
+        hash *= 0x100000001b3u;
+    };
+    for (int trial = 0; trial < 300; ++trial) {
+        Counts counts(2 + static_cast<size_t>(random.Below(300)));
+        for (LONG& c : counts) c = static_cast<LONG>(random.Below(trial % 2 ? 30 : kMost));
+        counts[0] = counts[1] = 1;
+        add(MeanBin(counts));
+        add(VarianceOfBins(counts));
+        add(SkewOfBins(counts));
+        add(KurtosisOfBins(counts));
+        add(EntropyOfBins(counts));
+        add(StatisticsWithoutTails(counts, 0.1)->deviation);
+        add(ExponentialTail(counts, 0.1));
+        add(static_cast<double>(BinOfGreatestSeparation(counts, 0.1, 0)));
+        add(static_cast<double>(BinOfBestClassification(counts, 0, 0).value_or(-1)));
+        add(static_cast<double>(BinOfGreatestEntropy(counts, 0, 0, scratch)));
+        add(static_cast<double>(BinOfMinimum(counts, CutTails(counts, 0.1, 0.1)).value_or(-1)));
+    }
+    EXPECT_EQ(0xca9af324dadd10d8u, hash);
 }
 
 }  // namespace
