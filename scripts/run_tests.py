@@ -114,7 +114,11 @@ def build(preset):
         started = time.monotonic()
         problem = problem_of(configure, 300)
         if not problem:
-            problem = problem_of(["cmake", "--build", "--preset", preset, "-j", CORES], BUILD_SECONDS)
+            # All errors at once, without the lines that only tell progress.
+            ninja = (BUILD / preset / "build.ninja").exists()
+            problem = problem_of(["cmake", "--build", "--preset", preset, "-j", CORES, "--", "-k", *(["0"] if ninja else [])],
+                                 BUILD_SECONDS)
+            problem = "\n".join(line for line in problem.splitlines() if not re.match(r"\[[\d/ %]+\] ", line))
         built[preset] = not problem
         if problem:
             say(f"FAILED  {preset}: the build\n{indent(problem)}")
