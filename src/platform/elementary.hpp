@@ -1,10 +1,10 @@
 // Elementary functions with the same bits on every build. The C library's differ between platforms in the last place, and
 // thresholds and runs must not. Arithmetic is IEEE double with round to nearest, without fused operations.
 //
-// Accuracy: every finite argument, the largest included, gives a result less than 0.53 units in the last place from the
-// true value, that is the nearest double or, in one case of some hundreds, its neighbour; 0.76 units where Exp gives a
-// subnormal number. Exact: Log(1) = 0, Exp(0) = 1, Sin(+-0) = +-0, Cos(0) = 1. Log and Exp take some 3 ns, Sin and Cos 5 to 10 ns (50 ns beyond
-// 2e5). NaN gives NaN.
+// Accuracy: for every finite argument, the largest included, the result is less than 0.53 units in the last place from the
+// true value: the nearest double or, in one case of some hundreds, its neighbour. 0.76 units where Exp gives a subnormal
+// number. Exact: Log(1) = 0, Exp(0) = 1, Sin(+-0) = +-0, Cos(0) = 1. NaN gives NaN. Log and Exp take some 3 to 5 ns, Sin and
+// Cos 5 to 13 ns, beyond 2e5 some 50 ns.
 #pragma once
 
 namespace orlix {
