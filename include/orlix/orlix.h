@@ -90,6 +90,14 @@ interface IShapeRegionOfInterest;
 #endif /* __cplusplus */
 #endif
 
+#ifndef __IPictureEx_FWD_DEFINED__
+#define __IPictureEx_FWD_DEFINED__
+typedef interface IPictureEx IPictureEx;
+#ifdef __cplusplus
+interface IPictureEx;
+#endif /* __cplusplus */
+#endif
+
 #ifndef __IGraphicOverlay_FWD_DEFINED__
 #define __IGraphicOverlay_FWD_DEFINED__
 typedef interface IGraphicOverlay IGraphicOverlay;
@@ -2458,6 +2466,94 @@ static FORCEINLINE HRESULT IShapeRegionOfInterest_put_Polarity(IShapeRegionOfInt
 #endif  /* __IShapeRegionOfInterest_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
+ * IPictureEx interface
+ */
+#ifndef __IPictureEx_INTERFACE_DEFINED__
+#define __IPictureEx_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IPictureEx, 0xfa5a4954, 0xfb40, 0x44c5, 0x9c,0x5b, 0x60,0x41,0x08,0x43,0xd9,0xce);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("fa5a4954-fb40-44c5-9c5b-60410843d9ce")
+IPictureEx : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE get_DestToPixelCoords(
+        TCoordinateMap *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_PixelToDestCoords(
+        TCoordinateMap *hVal) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPictureEx, 0xfa5a4954, 0xfb40, 0x44c5, 0x9c,0x5b, 0x60,0x41,0x08,0x43,0xd9,0xce)
+#endif
+#else
+typedef struct IPictureExVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPictureEx *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPictureEx *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPictureEx *This);
+
+    /*** IPictureEx methods ***/
+    HRESULT (STDMETHODCALLTYPE *get_DestToPixelCoords)(
+        IPictureEx *This,
+        TCoordinateMap *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_PixelToDestCoords)(
+        IPictureEx *This,
+        TCoordinateMap *hVal);
+
+    END_INTERFACE
+} IPictureExVtbl;
+
+interface IPictureEx {
+    CONST_VTBL IPictureExVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPictureEx_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPictureEx_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPictureEx_Release(This) (This)->lpVtbl->Release(This)
+/*** IPictureEx methods ***/
+#define IPictureEx_get_DestToPixelCoords(This,hVal) (This)->lpVtbl->get_DestToPixelCoords(This,hVal)
+#define IPictureEx_get_PixelToDestCoords(This,hVal) (This)->lpVtbl->get_PixelToDestCoords(This,hVal)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPictureEx_QueryInterface(IPictureEx* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPictureEx_AddRef(IPictureEx* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPictureEx_Release(IPictureEx* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IPictureEx methods ***/
+static FORCEINLINE HRESULT IPictureEx_get_DestToPixelCoords(IPictureEx* This,TCoordinateMap *hVal) {
+    return This->lpVtbl->get_DestToPixelCoords(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_get_PixelToDestCoords(IPictureEx* This,TCoordinateMap *hVal) {
+    return This->lpVtbl->get_PixelToDestCoords(This,hVal);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IPictureEx_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
  * IGraphicOverlay interface
  */
 #ifndef __IGraphicOverlay_INTERFACE_DEFINED__
@@ -2469,7 +2565,7 @@ MIDL_INTERFACE("44f6c88f-d9b8-4f31-bd5b-0856e14c42ce")
 IGraphicOverlay : public IUnknown
 {
     virtual HRESULT STDMETHODCALLTYPE Render(
-        IUnknown *Picture,
+        IPictureEx *Picture,
         void *hdcDest) = 0;
 
     virtual HRESULT STDMETHODCALLTYPE get_Color(
@@ -2507,7 +2603,7 @@ typedef struct IGraphicOverlayVtbl {
     /*** IGraphicOverlay methods ***/
     HRESULT (STDMETHODCALLTYPE *Render)(
         IGraphicOverlay *This,
-        IUnknown *Picture,
+        IPictureEx *Picture,
         void *hdcDest);
 
     HRESULT (STDMETHODCALLTYPE *get_Color)(
@@ -2557,7 +2653,7 @@ static FORCEINLINE ULONG IGraphicOverlay_Release(IGraphicOverlay* This) {
     return This->lpVtbl->Release(This);
 }
 /*** IGraphicOverlay methods ***/
-static FORCEINLINE HRESULT IGraphicOverlay_Render(IGraphicOverlay* This,IUnknown *Picture,void *hdcDest) {
+static FORCEINLINE HRESULT IGraphicOverlay_Render(IGraphicOverlay* This,IPictureEx *Picture,void *hdcDest) {
     return This->lpVtbl->Render(This,Picture,hdcDest);
 }
 static FORCEINLINE HRESULT IGraphicOverlay_get_Color(IGraphicOverlay* This,OLE_COLOR *hVal) {
@@ -4052,7 +4148,7 @@ typedef struct ILineGraphicOverlayVtbl {
     /*** IGraphicOverlay methods ***/
     HRESULT (STDMETHODCALLTYPE *Render)(
         ILineGraphicOverlay *This,
-        IUnknown *Picture,
+        IPictureEx *Picture,
         void *hdcDest);
 
     HRESULT (STDMETHODCALLTYPE *get_Color)(
@@ -4102,7 +4198,7 @@ static FORCEINLINE ULONG ILineGraphicOverlay_Release(ILineGraphicOverlay* This) 
     return This->lpVtbl->Release(This);
 }
 /*** IGraphicOverlay methods ***/
-static FORCEINLINE HRESULT ILineGraphicOverlay_Render(ILineGraphicOverlay* This,IUnknown *Picture,void *hdcDest) {
+static FORCEINLINE HRESULT ILineGraphicOverlay_Render(ILineGraphicOverlay* This,IPictureEx *Picture,void *hdcDest) {
     return This->lpVtbl->Render(This,Picture,hdcDest);
 }
 static FORCEINLINE HRESULT ILineGraphicOverlay_get_Color(ILineGraphicOverlay* This,OLE_COLOR *hVal) {
@@ -4159,7 +4255,7 @@ typedef struct ICircleGraphicOverlayVtbl {
     /*** IGraphicOverlay methods ***/
     HRESULT (STDMETHODCALLTYPE *Render)(
         ICircleGraphicOverlay *This,
-        IUnknown *Picture,
+        IPictureEx *Picture,
         void *hdcDest);
 
     HRESULT (STDMETHODCALLTYPE *get_Color)(
@@ -4209,7 +4305,7 @@ static FORCEINLINE ULONG ICircleGraphicOverlay_Release(ICircleGraphicOverlay* Th
     return This->lpVtbl->Release(This);
 }
 /*** IGraphicOverlay methods ***/
-static FORCEINLINE HRESULT ICircleGraphicOverlay_Render(ICircleGraphicOverlay* This,IUnknown *Picture,void *hdcDest) {
+static FORCEINLINE HRESULT ICircleGraphicOverlay_Render(ICircleGraphicOverlay* This,IPictureEx *Picture,void *hdcDest) {
     return This->lpVtbl->Render(This,Picture,hdcDest);
 }
 static FORCEINLINE HRESULT ICircleGraphicOverlay_get_Color(ICircleGraphicOverlay* This,OLE_COLOR *hVal) {
@@ -4266,7 +4362,7 @@ typedef struct ITextGraphicOverlayVtbl {
     /*** IGraphicOverlay methods ***/
     HRESULT (STDMETHODCALLTYPE *Render)(
         ITextGraphicOverlay *This,
-        IUnknown *Picture,
+        IPictureEx *Picture,
         void *hdcDest);
 
     HRESULT (STDMETHODCALLTYPE *get_Color)(
@@ -4316,7 +4412,7 @@ static FORCEINLINE ULONG ITextGraphicOverlay_Release(ITextGraphicOverlay* This) 
     return This->lpVtbl->Release(This);
 }
 /*** IGraphicOverlay methods ***/
-static FORCEINLINE HRESULT ITextGraphicOverlay_Render(ITextGraphicOverlay* This,IUnknown *Picture,void *hdcDest) {
+static FORCEINLINE HRESULT ITextGraphicOverlay_Render(ITextGraphicOverlay* This,IPictureEx *Picture,void *hdcDest) {
     return This->lpVtbl->Render(This,Picture,hdcDest);
 }
 static FORCEINLINE HRESULT ITextGraphicOverlay_get_Color(ITextGraphicOverlay* This,OLE_COLOR *hVal) {

@@ -116,8 +116,6 @@ STDMETHODIMP OrlixShapeRegionOfInterest::put_Polarity(PolarityType newVal) noexc
     return Guarded([&] { shape_.set_polarity(newVal); });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::Render(IUnknown*, void*) noexcept { return E_NOTIMPL; }
-
 STDMETHODIMP OrlixShapeRegionOfInterest::get_Color(OLE_COLOR* hVal) noexcept {
     return Guarded([&] {
         Require(hVal);

@@ -36,7 +36,7 @@ public:
     STDMETHODIMP get_Polarity(PolarityType* hVal) noexcept override;
     STDMETHODIMP put_Polarity(PolarityType newVal) noexcept override;
 
-    STDMETHODIMP Render(IUnknown* Picture, void* hdcDest) noexcept override;
+    STDMETHODIMP Render(IPictureEx* Picture, void* hdcDest) noexcept override;
     STDMETHODIMP get_Color(OLE_COLOR* hVal) noexcept override;
     STDMETHODIMP put_Color(OLE_COLOR newVal) noexcept override;
     STDMETHODIMP get_Description(BSTR* hVal) noexcept override;

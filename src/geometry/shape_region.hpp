@@ -50,6 +50,9 @@ public:
     // Where the pixels are: for the outside the whole image, else the shape's box.
     Box BoundingBox() const;
 
+    // The box of the shape itself, whatever the polarity.
+    Box ShapeBox() const { return box_; }
+
     // What a row of the image (0 <= y < height) consists of: no, one or two runs. The two may overlap.
     //   PT_Inside   the shape's run, in the rows of its box
     //   PT_Outside  what lies left and right of it; the whole row outside the box

@@ -164,8 +164,11 @@ inline std::vector<ExpectedInterface> ExpectedInterfaces() {
                    "[in] long ImageWidth, [in] long ImageHeight, [in] double XCenter, [in] double YCenter, [in] double "
                    "Radius"),
             GET(Polarity, "[out, retval] PolarityType* hVal"), PUT(Polarity, "[in] PolarityType")),
+        CONTRACT(IPictureEx, IUnknown, "{FA5A4954-FB40-44C5-9C5B-60410843D9CE}",
+                 GET(DestToPixelCoords, "[out, retval] TCoordinateMap* hVal"),
+                 GET(PixelToDestCoords, "[out, retval] TCoordinateMap* hVal")),
         CONTRACT(IGraphicOverlay, IUnknown, "{44F6C88F-D9B8-4F31-BD5B-0856E14C42CE}",
-                 METHOD(Render, "[in] IUnknown* Picture, [in] void* hdcDest"),
+                 METHOD(Render, "[in] IPictureEx* Picture, [in] void* hdcDest"),
                  GET(Color, "[out, retval] unsigned long* hVal"), PUT(Color, "[in] unsigned long"),
                  GET(Description, "[out, retval] BSTR* hVal"), PUT(Description, "[in] BSTR")),
         CONTRACT(
