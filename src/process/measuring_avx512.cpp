@@ -25,8 +25,9 @@ alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8
 
 }  // namespace
 
-// Blocks of 64 pixels, the last one filled up with zeros. The sum of block number times pixel comes from the running sum of
-// the sums so far: with B blocks it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
+// Blocks of 64 pixels from the cache line on that the first pixel lies in; those before the first and after the last pixel
+// are not read and count as 0. The sum of block number times pixel comes from the running sum of the sums so far: with B
+// blocks it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
 void Sums_avx512(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums) {
     const __m512i zero = _mm512_setzero_si512(), ones = _mm512_set1_epi16(1);
     const __m512i weights = _mm512_loadu_si512(kCounting);
@@ -40,13 +41,21 @@ void Sums_avx512(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& su
         w = _mm512_add_epi32(w, _mm512_madd_epi16(_mm512_maddubs_epi16(p, weights), ones));
         ++blocks;
     };
+    const size_t before = reinterpret_cast<uintptr_t>(pixels) % 64;
+    const auto* const start = reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(pixels) - before);
+    const size_t end = before + n;
+    const auto upTo = [](size_t lanes) { return lanes < 64 ? (uint64_t{1} << lanes) - 1 : ~uint64_t{0}; };
     size_t i = 0;
-    for (; i + 64 <= n; i += 64) add(_mm512_loadu_si512(pixels + i));
-    if (i < n) add(_mm512_maskz_loadu_epi8((uint64_t{1} << (n - i)) - 1, pixels + i));
+    if (before > 0) {
+        add(_mm512_maskz_loadu_epi8(upTo(end) & ~upTo(before), start));
+        i = 64;
+    }
+    for (; i + 64 <= end; i += 64) add(_mm512_loadu_si512(start + i));
+    if (i < end) add(_mm512_maskz_loadu_epi8(upTo(end - i), start + i));
     sums.s = Sum64(s);
     sums.q = SumU32(q);
     sums.qHigh = 0;
-    sums.w = 64 * (blocks * sums.s - Sum64(running)) + SumU32(w);
+    sums.w = 64 * (blocks * sums.s - Sum64(running)) + SumU32(w) - before * sums.s;
 }
 
 // Blocks of 32 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a pair

@@ -48,20 +48,31 @@ struct DoubleWords {
     __m512i Falling(const __m512i& p) const { return _mm512_sub_epi32(offset, Clamp(p)); }
 };
 
+// Pixels before the next cache line, at most n: vectors that straddle two lines take twice the loads and stores.
+template <class T>
+[[gnu::always_inline]] inline size_t PixelsToLine(const T* pixels, size_t n) {
+    const size_t head = -reinterpret_cast<uintptr_t>(pixels) % 64 / sizeof(T);
+    return head < n ? head : n;
+}
+
 template <class Lanes, class T>
 void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     constexpr size_t kLanes = 64 / sizeof(T);
     const Lanes lanes(parameters);
-    size_t i = 0;
+    const auto some = [&](size_t first, size_t count) {
+        const auto mask = static_cast<typename Lanes::Mask>((uint64_t{1} << count) - 1);
+        const __m512i p = Lanes::Load(mask, pixels + first);
+        Lanes::Store(mask, pixels + first, parameters.falling ? lanes.Falling(p) : lanes.Rising(p));
+    };
+    size_t i = PixelsToLine(pixels, n);
+    if (i > 0) some(0, i);
     if (parameters.falling)
         for (; i + kLanes <= n; i += kLanes)
             _mm512_storeu_si512(pixels + i, lanes.Falling(_mm512_loadu_si512(pixels + i)));
     else
         for (; i + kLanes <= n; i += kLanes)
             _mm512_storeu_si512(pixels + i, lanes.Rising(_mm512_loadu_si512(pixels + i)));
-    const auto rest = static_cast<typename Lanes::Mask>((uint64_t{1} << (n - i)) - 1);
-    const __m512i p = Lanes::Load(rest, pixels + i);
-    Lanes::Store(rest, pixels + i, parameters.falling ? lanes.Falling(p) : lanes.Rising(p));
+    if (i < n) some(i, n - i);
 }
 
 // vminps and vmaxps would not test lower first; where s is NaN both comparisons fail and it stays.
@@ -75,10 +86,14 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
 // Applies step to vectors of 16 floats, the last one masked, or to vectors of 8 floats widened to double.
 template <class Step>
 [[gnu::always_inline]] inline void InFloat(float* pixels, size_t n, const Step& step) {
-    size_t i = 0;
+    const auto some = [&](size_t first, size_t count) {
+        const auto mask = static_cast<__mmask16>((1u << count) - 1);
+        _mm512_mask_storeu_ps(pixels + first, mask, step(_mm512_maskz_loadu_ps(mask, pixels + first)));
+    };
+    size_t i = PixelsToLine(pixels, n);
+    if (i > 0) some(0, i);
     for (; i + 16 <= n; i += 16) _mm512_storeu_ps(pixels + i, step(_mm512_loadu_ps(pixels + i)));
-    const auto rest = static_cast<__mmask16>((1u << (n - i)) - 1);
-    _mm512_mask_storeu_ps(pixels + i, rest, step(_mm512_maskz_loadu_ps(rest, pixels + i)));
+    if (i < n) some(i, n - i);
 }
 template <class Step>
 [[gnu::always_inline]] inline void InDouble(float* pixels, size_t n, const Step& step) {
@@ -181,10 +196,14 @@ void LookUp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& pa
         const __m512i high = _mm512_permutex2var_epi8(t2, p, t3);
         return _mm512_mask_mov_epi8(low, _mm512_movepi8_mask(p), high);
     };
-    size_t i = 0;
+    const auto some = [&](size_t first, size_t count) {
+        const __mmask64 mask = (uint64_t{1} << count) - 1;
+        _mm512_mask_storeu_epi8(pixels + first, mask, lookUp(_mm512_maskz_loadu_epi8(mask, pixels + first)));
+    };
+    size_t i = PixelsToLine(pixels, n);
+    if (i > 0) some(0, i);
     for (; i + 64 <= n; i += 64) _mm512_storeu_si512(pixels + i, lookUp(_mm512_loadu_si512(pixels + i)));
-    const __mmask64 rest = (uint64_t{1} << (n - i)) - 1;
-    _mm512_mask_storeu_epi8(pixels + i, rest, lookUp(_mm512_maskz_loadu_epi8(rest, pixels + i)));
+    if (i < n) some(i, n - i);
 }
 
 }  // namespace orlix

@@ -27,12 +27,13 @@ public:
 
     // The same for pixels that lie elsewhere: pixel i goes to bit (firstBit + i), counted from the first bit of bits;
     // firstBit < 8.
-    void Apply(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit) const;
+    void Apply(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit) const {
+        setBits_(pixels, n, bits, firstBit, lo_, hi_, inside_);
+    }
 
 private:
-    // Whole bytes of bits from 8 * bytes pixels.
-    using Fn = void (*)(const T* pixels, size_t bytes, uint8_t* bits, T lo, T hi, bool inside);
-    Fn wholeBytes_;
+    using Fn = void (*)(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside);
+    Fn setBits_;
     T lo_;
     T hi_;
     bool inside_;

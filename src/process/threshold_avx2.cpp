@@ -55,51 +55,70 @@ template <class Eight>
     });
 }
 
-// mask(i) gives 0xff for each set pixel of the 32 from i, in the order above.
-template <class Mask>
-[[gnu::always_inline]] inline size_t SetBits(size_t bytes, uint8_t* bits, const Mask& mask) {
-    size_t done = 0;
-    for (; done + 4 <= bytes; done += 4) {
-        uint32_t old;
-        __builtin_memcpy(&old, bits + done, 4);
-        const uint32_t word = old | static_cast<uint32_t>(_mm256_movemask_epi8(mask(8 * done)));
-        __builtin_memcpy(bits + done, &word, 4);
+// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 32, the last of which is
+// read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of its byte.
+template <class T, class BitsOf>
+[[gnu::always_inline]] inline void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi,
+                                           bool inside, const BitsOf& bitsOf) {
+    if (firstBit > 0) {
+        const size_t head = n < 8 - firstBit ? n : 8 - firstBit;
+        Threshold_scalar(pixels, head, bits, firstBit, lo, hi, inside);
+        pixels += head;
+        n -= head;
+        ++bits;
     }
-    return done;
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32) {
+        uint32_t old;
+        __builtin_memcpy(&old, bits + i / 8, 4);
+        const uint32_t word = old | bitsOf(pixels + i);
+        __builtin_memcpy(bits + i / 8, &word, 4);
+    }
+    if (i == n) return;
+    T rest[32] = {};
+    __builtin_memcpy(rest, pixels + i, (n - i) * sizeof(T));
+    const uint32_t word = bitsOf(rest);
+    for (size_t k = 0; 8 * k < n - i; ++k) {
+        const size_t left = n - i - 8 * k;
+        const unsigned valid = left < 8 ? 0xff00u >> left : 0xffu;
+        bits[i / 8 + k] = static_cast<uint8_t>(bits[i / 8 + k] | (static_cast<unsigned>(word >> 8 * k) & valid));
+    }
 }
 
 template <class T>
-void Integers(const T* pixels, size_t bytes, uint8_t* bits, T lo, T hi, bool inside) {
-    const __m256i flip = _mm256_set1_epi8(inside ? 0 : -1);
-    const size_t done =
-        SetBits(bytes, bits, [&](size_t i) { return _mm256_xor_si256(Inside(pixels + i, lo, hi), flip); });
-    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
+void Integers(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside) {
+    const uint32_t flip = inside ? 0 : ~uint32_t{0};
+    SetBits(pixels, n, bits, firstBit, lo, hi, inside,
+            [&](const T* block) { return static_cast<uint32_t>(_mm256_movemask_epi8(Inside(block, lo, hi))) ^ flip; });
 }
 
 }  // namespace
 
-void Threshold_avx2(const uint8_t* pixels, size_t bytes, uint8_t* bits, uint8_t lo, uint8_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_avx2(const uint8_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint8_t lo, uint8_t hi,
+                    bool inside) {
+    Integers(pixels, n, bits, firstBit, lo, hi, inside);
 }
-void Threshold_avx2(const uint16_t* pixels, size_t bytes, uint8_t* bits, uint16_t lo, uint16_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_avx2(const uint16_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint16_t lo, uint16_t hi,
+                    bool inside) {
+    Integers(pixels, n, bits, firstBit, lo, hi, inside);
 }
-void Threshold_avx2(const uint32_t* pixels, size_t bytes, uint8_t* bits, uint32_t lo, uint32_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_avx2(const uint32_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint32_t lo, uint32_t hi,
+                    bool inside) {
+    Integers(pixels, n, bits, firstBit, lo, hi, inside);
 }
 
-void Threshold_avx2(const float* pixels, size_t bytes, uint8_t* bits, float lo, float hi, bool inside) {
+void Threshold_avx2(const float* pixels, size_t n, uint8_t* bits, unsigned firstBit, float lo, float hi, bool inside) {
     const __m256 low = _mm256_set1_ps(lo), high = _mm256_set1_ps(hi);
     // Comparisons with NaN fail, so outside is not the complement of inside.
-    const size_t done = SetBits(bytes, bits, [&](size_t i) {
-        return Packed([&](int first) {
-            const __m256 p = _mm256_loadu_ps(pixels + i + first);
+    SetBits(pixels, n, bits, firstBit, lo, hi, inside, [&](const float* block) {
+        const __m256i set = Packed([&](int first) {
+            const __m256 p = _mm256_loadu_ps(block + first);
             return _mm256_castps_si256(
                 inside ? _mm256_and_ps(_mm256_cmp_ps(p, low, _CMP_GE_OQ), _mm256_cmp_ps(p, high, _CMP_LE_OQ))
                        : _mm256_or_ps(_mm256_cmp_ps(p, low, _CMP_LT_OQ), _mm256_cmp_ps(p, high, _CMP_GT_OQ)));
         });
+        return static_cast<uint32_t>(_mm256_movemask_epi8(set));
     });
-    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
 }
 
 }  // namespace orlix

@@ -5,31 +5,28 @@
 namespace orlix {
 namespace {
 
-// Bits of 64 pixels inside, the first pixel of each eight in the most significant bit of its byte.
-[[gnu::always_inline]] inline uint64_t Inside(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
-    const __m512i reverse =
-        _mm512_set4_epi64(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
-    const __m512i p = _mm512_shuffle_epi8(_mm512_loadu_si512(pixels), reverse);
-    const __mmask64 enough = _mm512_cmpge_epu8_mask(p, _mm512_set1_epi8(static_cast<char>(lo)));
-    return _mm512_mask_cmple_epu8_mask(enough, p, _mm512_set1_epi8(static_cast<char>(hi)));
+// Pixels of a block of 64 that are there, bit i for pixel i. All: a constant that needs no masked loads.
+struct All {};
+
+[[gnu::always_inline]] inline __m512i Load8(All, const uint8_t* p) { return _mm512_loadu_si512(p); }
+[[gnu::always_inline]] inline __m512i Load8(uint64_t there, const uint8_t* p) {
+    return _mm512_maskz_loadu_epi8(there, p);
+}
+[[gnu::always_inline]] inline __m512i Load16(All, const uint16_t* p, int first) {
+    return _mm512_loadu_si512(p + first);
+}
+[[gnu::always_inline]] inline __m512i Load16(uint64_t there, const uint16_t* p, int first) {
+    return _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there >> first), p + first);
+}
+[[gnu::always_inline]] inline __m512i Load32(All, const void* p, int first) {
+    return _mm512_loadu_si512(static_cast<const uint32_t*>(p) + first);
+}
+[[gnu::always_inline]] inline __m512i Load32(uint64_t there, const void* p, int first) {
+    return _mm512_maskz_loadu_epi32(static_cast<__mmask16>(there >> first), static_cast<const uint32_t*>(p) + first);
 }
 
-[[gnu::always_inline]] inline uint64_t Inside(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
-    const __m512i reverse =
-        _mm512_set4_epi64(0x0100030205040706, 0x09080b0a0d0c0f0e, 0x0100030205040706, 0x09080b0a0d0c0f0e);
-    const auto half = [&](const uint16_t* at) -> uint64_t {
-        const __m512i p = _mm512_shuffle_epi8(_mm512_loadu_si512(at), reverse);
-        const __mmask32 enough = _mm512_cmpge_epu16_mask(p, _mm512_set1_epi16(static_cast<short>(lo)));
-        return _mm512_mask_cmple_epu16_mask(enough, p, _mm512_set1_epi16(static_cast<short>(hi)));
-    };
-    return half(pixels) | half(pixels + 32) << 32;
-}
-
-// Four comparisons of 16 pixels; the bits of each byte are then reversed by multiplication with the mirrored unit matrix.
-template <class Sixteen>
-[[gnu::always_inline]] inline uint64_t Joined(const Sixteen& sixteen) {
-    const uint64_t bits = static_cast<uint64_t>(sixteen(0)) | static_cast<uint64_t>(sixteen(16)) << 16 |
-                          static_cast<uint64_t>(sixteen(32)) << 32 | static_cast<uint64_t>(sixteen(48)) << 48;
+// The bits of each byte in reverse order: multiplication with the mirrored unit matrix.
+[[gnu::always_inline]] inline uint64_t WithReversedBytes(uint64_t bits) {
     const __m128i mirror = _mm_set1_epi64x(static_cast<long long>(0x8040201008040201));
     __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&bits));
     bytes = _mm_gf2p8affine_epi64_epi8(bytes, mirror, 0);
@@ -38,57 +35,113 @@ template <class Sixteen>
     return reversed;
 }
 
-[[gnu::always_inline]] inline uint64_t Inside(const uint32_t* pixels, uint32_t lo, uint32_t hi) {
+// Bits of the 64 pixels of a block that are inside or, where NaN makes a difference, outside: the first pixel of each eight
+// in the most significant bit of its byte.
+template <class There>
+[[gnu::always_inline]] inline uint64_t Set(There there, const uint8_t* pixels, uint8_t lo, uint8_t hi, bool inside) {
+    const __m512i reverse =
+        _mm512_set4_epi64(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
+    const __m512i p = _mm512_shuffle_epi8(Load8(there, pixels), reverse);
+    const __mmask64 enough = _mm512_cmpge_epu8_mask(p, _mm512_set1_epi8(static_cast<char>(lo)));
+    const uint64_t bits = _mm512_mask_cmple_epu8_mask(enough, p, _mm512_set1_epi8(static_cast<char>(hi)));
+    return inside ? bits : ~bits;
+}
+
+template <class There>
+[[gnu::always_inline]] inline uint64_t Set(There there, const uint16_t* pixels, uint16_t lo, uint16_t hi, bool inside) {
+    const __m512i reverse =
+        _mm512_set4_epi64(0x0100030205040706, 0x09080b0a0d0c0f0e, 0x0100030205040706, 0x09080b0a0d0c0f0e);
+    const auto half = [&](int first) -> uint64_t {
+        const __m512i p = _mm512_shuffle_epi8(Load16(there, pixels, first), reverse);
+        const __mmask32 enough = _mm512_cmpge_epu16_mask(p, _mm512_set1_epi16(static_cast<short>(lo)));
+        return _mm512_mask_cmple_epu16_mask(enough, p, _mm512_set1_epi16(static_cast<short>(hi)));
+    };
+    const uint64_t bits = half(0) | half(32) << 32;
+    return inside ? bits : ~bits;
+}
+
+template <class Sixteen>
+[[gnu::always_inline]] inline uint64_t Joined(const Sixteen& sixteen) {
+    return WithReversedBytes(static_cast<uint64_t>(sixteen(0)) | static_cast<uint64_t>(sixteen(16)) << 16 |
+                             static_cast<uint64_t>(sixteen(32)) << 32 | static_cast<uint64_t>(sixteen(48)) << 48);
+}
+
+template <class There>
+[[gnu::always_inline]] inline uint64_t Set(There there, const uint32_t* pixels, uint32_t lo, uint32_t hi, bool inside) {
     const __m512i low = _mm512_set1_epi32(static_cast<int>(lo)), high = _mm512_set1_epi32(static_cast<int>(hi));
-    return Joined([&](int first) {
-        const __m512i p = _mm512_loadu_si512(pixels + first);
+    const uint64_t bits = Joined([&](int first) -> __mmask16 {
+        const __m512i p = Load32(there, pixels, first);
         return _mm512_mask_cmple_epu32_mask(_mm512_cmpge_epu32_mask(p, low), p, high);
+    });
+    return inside ? bits : ~bits;
+}
+
+template <class There>
+[[gnu::always_inline]] inline uint64_t Set(There there, const float* pixels, float lo, float hi, bool inside) {
+    const __m512 low = _mm512_set1_ps(lo), high = _mm512_set1_ps(hi);
+    return Joined([&](int first) -> __mmask16 {
+        const __m512 p = _mm512_castsi512_ps(Load32(there, pixels, first));
+        if (inside) return _mm512_mask_cmp_ps_mask(_mm512_cmp_ps_mask(p, low, _CMP_GE_OQ), p, high, _CMP_LE_OQ);
+        return _kor_mask16(_mm512_cmp_ps_mask(p, low, _CMP_LT_OQ), _mm512_cmp_ps_mask(p, high, _CMP_GT_OQ));
     });
 }
 
-// mask(i) gives the bits of the 64 pixels from i.
-template <class Mask>
-[[gnu::always_inline]] inline size_t SetBits(size_t bytes, uint8_t* bits, const Mask& mask) {
-    size_t done = 0;
-    for (; done + 8 <= bytes; done += 8) {
-        uint64_t old;
-        __builtin_memcpy(&old, bits + done, 8);
-        const uint64_t word = old | mask(8 * done);
-        __builtin_memcpy(bits + done, &word, 8);
-    }
-    return done;
-}
-
+// Blocks of 64 pixels. The first starts before the run, at a whole byte of bits and, where that can be had, at a cache line
+// of pixels; pixels that are not there are not read, bytes without a bit of the run neither read nor written.
 template <class T>
-void Integers(const T* pixels, size_t bytes, uint8_t* bits, T lo, T hi, bool inside) {
-    const uint64_t flip = inside ? 0 : ~uint64_t{0};
-    const size_t done = SetBits(bytes, bits, [&](size_t i) { return Inside(pixels + i, lo, hi) ^ flip; });
-    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
+[[gnu::always_inline]] inline void Threshold(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi,
+                                             bool inside) {
+    if (n == 0) return;
+    const auto address = reinterpret_cast<uintptr_t>(pixels) - firstBit * sizeof(T);
+    const size_t past = address % 64 / sizeof(T);
+    size_t before = firstBit;
+    if (past % 8 == 0) before += past;
+    const auto* const start = reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(pixels) - before * sizeof(T));
+    auto* const word = reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(bits) - before / 8);
+    const size_t end = before + n;
+
+    // Some pixels of a block, at least one.
+    const auto partial = [&](size_t block, uint64_t there) {
+        const uint64_t set = Set(there, start + block, lo, hi, inside) & WithReversedBytes(there);
+        const int firstByte = __builtin_ctzll(there) / 8, lastByte = 7 - __builtin_clzll(there) / 8;
+        const auto bytes = static_cast<__mmask16>((2u << lastByte) - (1u << firstByte));
+        const __m128i old = _mm_maskz_loadu_epi8(bytes, word + block / 8);
+        const __m128i added = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&set));
+        _mm_mask_storeu_epi8(word + block / 8, bytes, _mm_or_si128(old, added));
+    };
+    const auto upTo = [](size_t lanes) { return lanes < 64 ? (uint64_t{1} << lanes) - 1 : ~uint64_t{0}; };
+
+    size_t block = 0;
+    if (before > 0) {
+        partial(0, upTo(end) & ~upTo(before));
+        block = 64;
+    }
+    for (; block + 64 <= end; block += 64) {
+        uint64_t old;
+        __builtin_memcpy(&old, word + block / 8, 8);
+        old |= Set(All(), start + block, lo, hi, inside);
+        __builtin_memcpy(word + block / 8, &old, 8);
+    }
+    if (block < end) partial(block, upTo(end - block));
 }
 
 }  // namespace
 
-void Threshold_avx512(const uint8_t* pixels, size_t bytes, uint8_t* bits, uint8_t lo, uint8_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_avx512(const uint8_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint8_t lo, uint8_t hi,
+                      bool inside) {
+    Threshold(pixels, n, bits, firstBit, lo, hi, inside);
 }
-void Threshold_avx512(const uint16_t* pixels, size_t bytes, uint8_t* bits, uint16_t lo, uint16_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_avx512(const uint16_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint16_t lo, uint16_t hi,
+                      bool inside) {
+    Threshold(pixels, n, bits, firstBit, lo, hi, inside);
 }
-void Threshold_avx512(const uint32_t* pixels, size_t bytes, uint8_t* bits, uint32_t lo, uint32_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_avx512(const uint32_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint32_t lo, uint32_t hi,
+                      bool inside) {
+    Threshold(pixels, n, bits, firstBit, lo, hi, inside);
 }
-
-void Threshold_avx512(const float* pixels, size_t bytes, uint8_t* bits, float lo, float hi, bool inside) {
-    const __m512 low = _mm512_set1_ps(lo), high = _mm512_set1_ps(hi);
-    // Comparisons with NaN fail, so outside is not the complement of inside.
-    const size_t done = SetBits(bytes, bits, [&](size_t i) {
-        return Joined([&](int first) -> __mmask16 {
-            const __m512 p = _mm512_loadu_ps(pixels + i + first);
-            if (inside) return _mm512_mask_cmp_ps_mask(_mm512_cmp_ps_mask(p, low, _CMP_GE_OQ), p, high, _CMP_LE_OQ);
-            return _kor_mask16(_mm512_cmp_ps_mask(p, low, _CMP_LT_OQ), _mm512_cmp_ps_mask(p, high, _CMP_GT_OQ));
-        });
-    });
-    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
+void Threshold_avx512(const float* pixels, size_t n, uint8_t* bits, unsigned firstBit, float lo, float hi,
+                      bool inside) {
+    Threshold(pixels, n, bits, firstBit, lo, hi, inside);
 }
 
 }  // namespace orlix

@@ -34,7 +34,7 @@ struct Inside {
         const __m128i sign = _mm_set1_epi32(static_cast<int>(0x80000000u));
         const __m128i low = _mm_set1_epi32(static_cast<int>(lo ^ 0x80000000u));
         const __m128i high = _mm_set1_epi32(static_cast<int>(hi ^ 0x80000000u));
-        const __m128i outside = Packed([&](int first) {
+        const __m128i outside = Packed([&](size_t first) {
             const __m128i p = _mm_xor_si128(Load(pixels + first), sign);
             return _mm_or_si128(_mm_cmpgt_epi32(low, p), _mm_cmpgt_epi32(p, high));
         });
@@ -48,54 +48,80 @@ uint64_t WithReversedBytes(uint64_t bits) {
     return (bits & 0x0f0f0f0f0f0f0f0f) << 4 | (bits >> 4 & 0x0f0f0f0f0f0f0f0f);
 }
 
-// mask(i) gives 0xff for each set pixel of the 16 from i.
+// mask(first) gives 0xff for each set pixel of the 16 from the first.
 template <class Mask>
-size_t SetBits(size_t bytes, uint8_t* bits, const Mask& mask) {
-    size_t done = 0;
-    for (; done + 8 <= bytes; done += 8) {
-        uint64_t word = 0;
-        for (unsigned part = 0; part < 4; ++part)
-            word |= static_cast<uint64_t>(_mm_movemask_epi8(mask(8 * done + 16 * part))) << 16 * part;
-        word = WithReversedBytes(word);
-        uint64_t old;
-        __builtin_memcpy(&old, bits + done, 8);
-        word |= old;
-        __builtin_memcpy(bits + done, &word, 8);
+uint64_t BitsOf(const Mask& mask) {
+    uint64_t word = 0;
+    for (unsigned part = 0; part < 4; ++part)
+        word |= static_cast<uint64_t>(_mm_movemask_epi8(mask(16 * part))) << 16 * part;
+    return WithReversedBytes(word);
+}
+
+// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 64, the last of which is
+// read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of its byte.
+template <class T, class BitsOf>
+void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside,
+             const BitsOf& bitsOf) {
+    if (firstBit > 0) {
+        const size_t head = n < 8 - firstBit ? n : 8 - firstBit;
+        Threshold_scalar(pixels, head, bits, firstBit, lo, hi, inside);
+        pixels += head;
+        n -= head;
+        ++bits;
     }
-    return done;
+    size_t i = 0;
+    for (; i + 64 <= n; i += 64) {
+        uint64_t old;
+        __builtin_memcpy(&old, bits + i / 8, 8);
+        const uint64_t word = old | bitsOf(pixels + i);
+        __builtin_memcpy(bits + i / 8, &word, 8);
+    }
+    if (i == n) return;
+    T rest[64] = {};
+    __builtin_memcpy(rest, pixels + i, (n - i) * sizeof(T));
+    const uint64_t word = bitsOf(rest);
+    for (size_t k = 0; 8 * k < n - i; ++k) {
+        const size_t left = n - i - 8 * k;
+        const unsigned valid = left < 8 ? 0xff00u >> left : 0xffu;
+        bits[i / 8 + k] = static_cast<uint8_t>(bits[i / 8 + k] | (static_cast<unsigned>(word >> 8 * k) & valid));
+    }
 }
 
 template <class T>
-void Integers(const T* pixels, size_t bytes, uint8_t* bits, T lo, T hi, bool inside) {
+void Integers(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside) {
     const __m128i flip = _mm_set1_epi8(inside ? 0 : -1);
-    const size_t done =
-        SetBits(bytes, bits, [&](size_t i) { return _mm_xor_si128(Inside::Of(pixels + i, lo, hi), flip); });
-    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
+    SetBits(pixels, n, bits, firstBit, lo, hi, inside, [&](const T* block) {
+        return BitsOf([&](size_t first) { return _mm_xor_si128(Inside::Of(block + first, lo, hi), flip); });
+    });
 }
 
 }  // namespace
 
-void Threshold_sse2(const uint8_t* pixels, size_t bytes, uint8_t* bits, uint8_t lo, uint8_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_sse2(const uint8_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint8_t lo, uint8_t hi,
+                    bool inside) {
+    Integers(pixels, n, bits, firstBit, lo, hi, inside);
 }
-void Threshold_sse2(const uint16_t* pixels, size_t bytes, uint8_t* bits, uint16_t lo, uint16_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_sse2(const uint16_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint16_t lo, uint16_t hi,
+                    bool inside) {
+    Integers(pixels, n, bits, firstBit, lo, hi, inside);
 }
-void Threshold_sse2(const uint32_t* pixels, size_t bytes, uint8_t* bits, uint32_t lo, uint32_t hi, bool inside) {
-    Integers(pixels, bytes, bits, lo, hi, inside);
+void Threshold_sse2(const uint32_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint32_t lo, uint32_t hi,
+                    bool inside) {
+    Integers(pixels, n, bits, firstBit, lo, hi, inside);
 }
 
-void Threshold_sse2(const float* pixels, size_t bytes, uint8_t* bits, float lo, float hi, bool inside) {
+void Threshold_sse2(const float* pixels, size_t n, uint8_t* bits, unsigned firstBit, float lo, float hi, bool inside) {
     const __m128 low = _mm_set1_ps(lo), high = _mm_set1_ps(hi);
     // Comparisons with NaN fail, so outside is not the complement of inside.
-    const size_t done = SetBits(bytes, bits, [&](size_t i) {
-        return Inside::Packed([&](int first) {
-            const __m128 p = _mm_loadu_ps(pixels + i + first);
-            return _mm_castps_si128(inside ? _mm_and_ps(_mm_cmpge_ps(p, low), _mm_cmple_ps(p, high))
-                                           : _mm_or_ps(_mm_cmplt_ps(p, low), _mm_cmpgt_ps(p, high)));
+    SetBits(pixels, n, bits, firstBit, lo, hi, inside, [&](const float* block) {
+        return BitsOf([&](size_t first) {
+            return Inside::Packed([&](size_t four) {
+                const __m128 p = _mm_loadu_ps(block + first + four);
+                return _mm_castps_si128(inside ? _mm_and_ps(_mm_cmpge_ps(p, low), _mm_cmple_ps(p, high))
+                                               : _mm_or_ps(_mm_cmplt_ps(p, low), _mm_cmpgt_ps(p, high)));
+            });
         });
     });
-    Threshold_scalar(pixels + 8 * done, bytes - done, bits + done, lo, hi, inside);
 }
 
 }  // namespace orlix

@@ -32,19 +32,22 @@ std::vector<std::pair<T, T>> Bounds() {
 TYPED_TEST(ThresholdKernel, EveryVariantEqualsTheDefinition) {
     using T = TypeParam;
     for (const auto& variant : SupportedOnThisCpu(kThreshold<T>))
-        for (const size_t bytes : {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 40})
-            for (const size_t offset : {0, 1, 5})
-                for (const auto& [lo, hi] : Bounds<T>())
-                    for (const bool inside : {false, true}) {
-                        Guarded<T> pixels(Noise<T>(8 * bytes, static_cast<uint32_t>(bytes + offset)), offset);
-                        // Some bits are set before: bits are only ever added.
-                        const std::vector<uint8_t> before = Noise<uint8_t>(bytes, 9);
-                        Guarded<uint8_t> want(before, offset), got(before, offset);
-                        Threshold_scalar(pixels.data(), bytes, want.data(), lo, hi, inside);
-                        variant.fn(pixels.data(), bytes, got.data(), lo, hi, inside);
-                        ASSERT_TRUE(SameBits(want.data(), got.data(), bytes)) << variant.name << " " << lo << " " << hi;
-                        ASSERT_TRUE(got.GuardsIntact()) << variant.name;
-                    }
+        for (const size_t n : kAwkwardSizes)
+            for (const size_t offset : {0, 1, 8, 21})
+                for (const unsigned firstBit : {0u, 1u, 5u, 7u})
+                    for (const auto& [lo, hi] : Bounds<T>())
+                        for (const bool inside : {false, true}) {
+                            const size_t bytes = (firstBit + n + 7) / 8;
+                            Guarded<T> pixels(Noise<T>(n, static_cast<uint32_t>(n + offset)), offset);
+                            // Some bits are set before: bits are only ever added.
+                            const std::vector<uint8_t> before = Noise<uint8_t>(bytes, 9);
+                            Guarded<uint8_t> want(before, offset), got(before, offset);
+                            Threshold_scalar(pixels.data(), n, want.data(), firstBit, lo, hi, inside);
+                            variant.fn(pixels.data(), n, got.data(), firstBit, lo, hi, inside);
+                            ASSERT_TRUE(SameBits(want.data(), got.data(), bytes))
+                                << variant.name << " " << n << " " << firstBit << " " << lo << " " << hi;
+                            ASSERT_TRUE(got.GuardsIntact()) << variant.name << " " << n << " " << firstBit;
+                        }
 }
 
 // Against the rule, bit by bit, for runs that start and end anywhere in a byte.
