@@ -53,7 +53,7 @@ STDMETHODIMP OrlixBitmap::CreateFromBitmap(IBitmap* Bitmap) noexcept {
         Require(Bitmap);
         if (IsSelf(Bitmap)) return S_FALSE;
         BITMAP source = {};
-        PassOn(Bitmap->get_Bitmap(&source));
+        Demand(Bitmap->get_Bitmap(&source));
         store_.CopyFrom(source);
         return S_OK;
     });

@@ -19,7 +19,7 @@ private:
     HRESULT result_;
 };
 
-// A result without a text: a failing call on somebody's interface is passed through, a null pointer gives E_POINTER.
+// A result without a text: what somebody's interface answered, E_POINTER for a null pointer.
 class FailedResult : public std::exception {
 public:
     explicit FailedResult(HRESULT result) noexcept : result_(result) {}
@@ -34,7 +34,13 @@ inline void Require(const void* pointer) {
     if (!pointer) throw FailedResult(E_POINTER);
 }
 
-// For calls on interfaces: S_OK and S_FALSE are returned, a failure is raised.
+// For calls on interfaces: S_OK and S_FALSE are returned, a failure is raised. Demand() makes it E_FAIL, as any internal
+// failure; PassOn() keeps the result, where the contract says so (regions, bitmaps and histograms that processing calls).
+// A text that the callee has reported stays reported.
+inline HRESULT Demand(HRESULT result) {
+    if (FAILED(result)) throw FailedResult(E_FAIL);
+    return result;
+}
 inline HRESULT PassOn(HRESULT result) {
     if (FAILED(result)) throw FailedResult(result);
     return result;

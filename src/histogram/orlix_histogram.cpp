@@ -9,9 +9,9 @@
 #include "platform/memory_probe.hpp"
 
 using orlix::CountBuffer;
+using orlix::Demand;
 using orlix::FailedResult;
 using orlix::Failure;
-using orlix::PassOn;
 using orlix::Require;
 
 std::span<const LONG> OrlixHistogram::CountsOr(const char* message) const {
@@ -45,10 +45,10 @@ STDMETHODIMP OrlixHistogram::CreateFromHistogram(IHistogram* Histogram) noexcept
         double left = 0.0;
         double right = 0.0;
         LONG* source = nullptr;
-        PassOn(Histogram->get_NumberOfBins(&n));
-        PassOn(Histogram->get_Left(&left));
-        PassOn(Histogram->get_Right(&right));
-        PassOn(Histogram->get_Bins(&source));
+        Demand(Histogram->get_NumberOfBins(&n));
+        Demand(Histogram->get_Left(&left));
+        Demand(Histogram->get_Right(&right));
+        Demand(Histogram->get_Bins(&source));
 
         // The source may be a wrapper of this very histogram: the old bins stay until the copy is made.
         CountBuffer bins(n);

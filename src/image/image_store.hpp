@@ -34,9 +34,8 @@ struct ImageProperties {
 };
 
 // The content that a creation replaces. Notes:
-//  (1) data points into owned, or to a client's buffer of layout.totalSize bytes; null while the image is
-//  empty; (2) a refused buffer is one that the operating system would not let us read and write: nothing may
-//  touch it.
+//  (1) data points into owned, or to a client's buffer of layout.totalSize bytes; null while the image is empty;
+//  (2) a refused buffer is one that the operating system would not let us read and write: nothing may touch it.
 struct ImageContent {
     ImageLayout layout;
     PixelBuffer owned;

@@ -43,14 +43,14 @@ BandRange BandsOf(LONG band, int32_t bands) {
 }
 
 SourceImage::SourceImage(IImageVPA* image) : image_(image) {
-    PassOn(image_->DataType(0, &type_));
-    PassOn(image_->Dimensions(&bands_, &width_, &height_));
+    Demand(image_->DataType(0, &type_));
+    Demand(image_->Dimensions(&bands_, &width_, &height_));
     if (bands_ < 1 || width_ < 1 || height_ < 1) throw FailedResult(E_FAIL);
 }
 
 TCoordinateMap SourceImage::Coordinates() const {
     TCoordinateMap map = kIdentityMap;
-    PassOn(image_->GetCoords(&map));
+    Demand(image_->GetCoords(&map));
     return map;
 }
 
@@ -64,7 +64,7 @@ void SourceImage::GetMicronsPerPixel(double& x, double& y) const {
 SourceImage::Address SourceImage::Locate(int32_t band) const {
     void* base = nullptr;
     VPAEntry* table = nullptr;
-    PassOn(image_->VPA(band, &base, &table));
+    Demand(image_->VPA(band, &base, &table));
     if (!base || !table) throw FailedResult(E_FAIL);
     ComPtr<IPixelAccess> access;
     if (SUCCEEDED(image_->QueryInterface(__uuidof(IPixelAccess), access.OutVoid())) && access &&
@@ -73,7 +73,7 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
     LONG bands = 0;
     LONG width = 0;
     LONG height = 0;
-    PassOn(image_->Dimensions(&bands, &width, &height));
+    Demand(image_->Dimensions(&bands, &width, &height));
     if (width != width_ || height != height_ || bands != bands_) throw FailedResult(E_FAIL);
     return {base, table};
 }

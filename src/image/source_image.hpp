@@ -29,9 +29,9 @@ struct BandRange {
 BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
-//  (1) failing calls are passed on (FailedResult); sizes below 1, null pointers and an image without pixels
-//  are E_FAIL; (2) the size is asked for again after the pointers were handed out, and one that has changed
-//  is E_FAIL; (3) pixels are read in the type that the caller has found in type().
+//  (1) calls that fail, sizes below 1, null pointers, an image without pixels and one with a refused buffer are E_FAIL;
+//  (2) the size is asked for again after the pointers were handed out, and one that has changed is E_FAIL;
+//  (3) pixels are read in the type that the caller has found in type().
 class SourceImage {
 public:
     // image is not null.

@@ -537,22 +537,21 @@ TEST(HistogramContract, AForeignHistogramThatFailsOrLiesChangesNothing) {
     struct Case {
         const char* what;
         std::function<void(ForeignHistogram&)> spoil;
-        HRESULT expected;
     };
     const Case cases[] = {
-        {"number of bins", [](auto& f) { f.numberResult = E_NOTIMPL; }, E_NOTIMPL},
-        {"left", [](auto& f) { f.leftResult = E_UNEXPECTED; }, E_UNEXPECTED},
-        {"right", [](auto& f) { f.rightResult = E_OUTOFMEMORY; }, E_OUTOFMEMORY},
-        {"bins", [](auto& f) { f.binsResult = E_FAIL; }, E_FAIL},
-        {"no bins after all", [](auto& f) { f.bins = nullptr; }, E_FAIL},
-        {"bins that are no memory", [](auto& f) { f.bins = reinterpret_cast<LONG*>(uintptr_t{16}); }, E_FAIL},
-        {"far more bins than memory holds", [](auto& f) { f.n = std::numeric_limits<int32_t>::max(); }, E_FAIL},
+        {"number of bins", [](auto& f) { f.numberResult = E_NOTIMPL; }},
+        {"left", [](auto& f) { f.leftResult = E_UNEXPECTED; }},
+        {"right", [](auto& f) { f.rightResult = E_OUTOFMEMORY; }},
+        {"bins", [](auto& f) { f.binsResult = E_FAIL; }},
+        {"no bins after all", [](auto& f) { f.bins = nullptr; }},
+        {"bins that are no memory", [](auto& f) { f.bins = reinterpret_cast<LONG*>(uintptr_t{16}); }},
+        {"far more bins than memory holds", [](auto& f) { f.n = std::numeric_limits<int32_t>::max(); }},
     };
     for (const Case& c : cases) {
         const auto foreign = ForeignHistogram::Make();
         c.spoil(*foreign);
         const auto histogram = With({1, 2, 3}, 10, 20);
-        EXPECT_TRUE(FailsSilently(histogram->CreateFromHistogram(foreign.get()), c.expected)) << c.what;
+        EXPECT_TRUE(FailsSilently(histogram->CreateFromHistogram(foreign.get()))) << c.what;
         EXPECT_EQ((std::vector<LONG>{1, 2, 3}), CountsOf(histogram)) << c.what;
         EXPECT_EQ(10.0, Get(histogram, &IHistogram::get_Left)) << c.what;
         EXPECT_EQ(20.0, Get(histogram, &IHistogram::get_Right)) << c.what;

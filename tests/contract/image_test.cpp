@@ -318,8 +318,7 @@ TEST(CreateFromImage, CopiesOneBandOrAllWithTheMapAndRefusesItself) {
 TEST(CreateFromImage, FailsAsTheSourceDoesBeforeAnythingChanges) {
     const auto image = ImageOf<uint8_t>(2, {1, 2});
     const auto source = NewImage<uint16_t>(3, 2, 1);
-    EXPECT_TRUE(Fails(image->CreateFromImage(source.get(), 1), "IImageVPA::VPA: BandIndex is out of range", kSource,
-                      DISP_E_EXCEPTION));
+    EXPECT_TRUE(Fails(image->CreateFromImage(source.get(), 1), "IImageVPA::VPA: BandIndex is out of range", kSource));
     EXPECT_TRUE(FailsSilently(image->CreateFromImage(Empty().get(), 0)));
     EXPECT_THAT(PixelsOf<uint8_t>(image), ElementsAre(1, 2));
 }
@@ -400,19 +399,18 @@ TEST(ForeignImages, ThatLieOrFailLeaveTheImageAsItWas) {
     struct Case {
         const char* what;
         std::function<void(ForeignImage&)> spoil;
-        HRESULT expected;
     };
     const Case cases[] = {
-        {"dimensions fail", [](ForeignImage& f) { f.dimensionsResult = E_NOTIMPL; }, E_NOTIMPL},
-        {"type fails", [](ForeignImage& f) { f.typeResult = E_OUTOFMEMORY; }, E_OUTOFMEMORY},
-        {"pixels fail", [](ForeignImage& f) { f.vpaResult = E_UNEXPECTED; }, E_UNEXPECTED},
-        {"no pixels", [](ForeignImage& f) { f.vpaResult = S_FALSE, f.base = nullptr; }, E_FAIL},
-        {"null base", [](ForeignImage& f) { f.base = nullptr; }, E_FAIL},
-        {"null table", [](ForeignImage& f) { f.nullTable = true; }, E_FAIL},
-        {"zero width", [](ForeignImage& f) { f.width = 0; }, E_FAIL},
-        {"negative height", [](ForeignImage& f) { f.height = kMinimum; }, E_FAIL},
-        {"no bands", [](ForeignImage& f) { f.bands = 0; }, E_FAIL},
-        {"a size that changes", [](ForeignImage& f) { f.growAfterVpa = 1; }, E_FAIL},
+        {"dimensions fail", [](ForeignImage& f) { f.dimensionsResult = E_NOTIMPL; }},
+        {"type fails", [](ForeignImage& f) { f.typeResult = E_OUTOFMEMORY; }},
+        {"pixels fail", [](ForeignImage& f) { f.vpaResult = E_UNEXPECTED; }},
+        {"no pixels", [](ForeignImage& f) { f.vpaResult = S_FALSE, f.base = nullptr; }},
+        {"null base", [](ForeignImage& f) { f.base = nullptr; }},
+        {"null table", [](ForeignImage& f) { f.nullTable = true; }},
+        {"zero width", [](ForeignImage& f) { f.width = 0; }},
+        {"negative height", [](ForeignImage& f) { f.height = kMinimum; }},
+        {"no bands", [](ForeignImage& f) { f.bands = 0; }},
+        {"a size that changes", [](ForeignImage& f) { f.growAfterVpa = 1; }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -421,9 +419,9 @@ TEST(ForeignImages, ThatLieOrFailLeaveTheImageAsItWas) {
         foreign->base = pixels;
         foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
         c.spoil(*foreign);
-        EXPECT_EQ(c.expected, image->CreateFromImage(foreign.get(), 0));
-        EXPECT_EQ(c.expected, image->CreateFromSubImage(foreign.get(), 0, 0, 0, 1, 0));
-        EXPECT_EQ(c.expected, process->CastEquals(foreign.get(), 0));
+        EXPECT_EQ(E_FAIL, image->CreateFromImage(foreign.get(), 0));
+        EXPECT_EQ(E_FAIL, image->CreateFromSubImage(foreign.get(), 0, 0, 0, 1, 0));
+        EXPECT_EQ(E_FAIL, process->CastEquals(foreign.get(), 0));
         EXPECT_THAT(PixelsOf<uint8_t>(image), ElementsAre(1, 2));
     }
 }

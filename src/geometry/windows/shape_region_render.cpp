@@ -34,7 +34,7 @@ STDMETHODIMP OrlixShapeRegionOfInterest::Render(IPictureEx* Picture, void* hdcDe
         Require(Picture);
         Require(hdcDest);
         TCoordinateMap map = {};
-        PassOn(Picture->get_PixelToDestCoords(&map));
+        Demand(Picture->get_PixelToDestCoords(&map));
         const Brush brush(CreateSolidBrush(color_ & 0x00ffffff));
         if (!brush) throw FailedResult(E_FAIL);
 
