@@ -357,9 +357,9 @@ TEST(CreateFromSubImage, ReadsTheMirroredMarginAndRefusesToGoBeyondIt) {
                                                      3, 2, 1, 2, 3, 2, 1));
     ASSERT_EQ(S_OK, part->CreateFromSubImage(source.get(), 0, -200, -200, 202, 201));
     const char* const text = "IImageVPAEx::CreateFromSubImage: the rectangle is too far outside the image.";
-    const LONG far[][4] = {
+    const LONG outside[][4] = {
         {-201, 0, 1, 1}, {0, -201, 1, 1}, {0, 0, 203, 1}, {0, 0, 1, 202}, {kMinimum, kMinimum, kMaximum, kMaximum}};
-    for (const auto& r : far)
+    for (const auto& r : outside)
         EXPECT_TRUE(
             Fails(part->CreateFromSubImage(source.get(), 0, r[0], r[1], r[2], r[3]), text, kSource, DISP_E_EXCEPTION));
     EXPECT_TRUE(Fails(part->CreateFromSubImage(source.get(), 0, 2, 0, 1, 1),
