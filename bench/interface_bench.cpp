@@ -1,0 +1,148 @@
+// The operations as a client calls them: through IImageProcess, objects created by ProgID. "whole" is the whole image,
+// "circle" the largest circle in it, by pixels visited. memcpy copies the same picture.
+#include <benchmark/benchmark.h>
+#include <orlix/client.hpp>
+
+#include <cstring>
+#include <functional>
+#include <memory>
+
+#include "pictures.hpp"
+
+namespace orlix::bench {
+namespace {
+
+template <class T>
+constexpr LONG TypeOf() {
+    return std::is_same_v<T, uint8_t> ? DT_BYTE : std::is_same_v<T, uint16_t> ? DT_WORD : DT_Float;
+}
+
+template <class T>
+constexpr double Scale() {
+    return std::is_same_v<T, uint16_t> ? 257.0 : 1.0;  // of a grey level
+}
+
+// One image with the picture.
+template <class T>
+struct Subject {
+    ComPtr<IImageVPAExPlus> image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    ComPtr<IImageProcess> process;
+    int64_t pixels = 0;
+
+    Subject(int size, bool circle) {
+        Check(image->Create(size, size, 1, TypeOf<T>(), 0), image);
+        process = Cast<IImageProcess>(image);
+        const std::vector<T>& picture = Picture<T>(size);
+        const T* from = picture.data();
+        for (const std::span<T> row : Rows<T>(image)) {
+            std::memcpy(row.data(), from, row.size_bytes());
+            from += row.size();
+        }
+        Check(process->PutLuminanceRange(0, 255 * Scale<T>()), process);
+        if (circle) {
+            const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+            const double centre = 0.5 * (size - 1);
+            Check(region->CreateCircle(size, size, centre, centre, 0.5 * size), region);
+            Check(process->put_RegionOfInterest(region.get()), process);
+        }
+        SGrayMeasurements measures = {};
+        measures.m_lSize = sizeof measures;
+        Check(process->get_GrayMeasurements(GEMT_GrayLocation, &measures), process);
+        pixels = measures.m_lPixelCount;
+    }
+};
+
+template <class T>
+using Call = std::function<void(Subject<T>&)>;
+
+template <class T>
+void Register(const std::string& operation, const Call<T>& prepare, const Call<T>& call) {
+    for (const int size : kSizes)
+        for (const bool circle : {false, true})
+            benchmark::RegisterBenchmark(Name<T>(operation, size, circle ? "circle" : "whole").c_str(),
+                                         [=](benchmark::State& state) {
+                                             Subject<T> subject(size, circle);
+                                             if (prepare) prepare(subject);
+                                             for (auto _ : state) call(subject);
+                                             state.SetItemsProcessed(state.iterations() * subject.pixels);
+                                         });
+}
+
+template <class T, class From>
+void RegisterSourced(const std::string& operation,
+                     HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG)) {
+    for (const int size : kSizes)
+        for (const bool circle : {false, true})
+            benchmark::RegisterBenchmark(
+                Name<T>(operation + " " + NameOf<From>(), size, circle ? "circle" : "whole").c_str(),
+                [=](benchmark::State& state) {
+                    Subject<T> subject(size, circle);
+                    Subject<From> source(size, false);
+                    for (auto _ : state) Check((subject.process.get()->*method)(source.image.get(), 0));
+                    state.SetItemsProcessed(state.iterations() * subject.pixels);
+                });
+}
+
+template <class T>
+void RegisterType() {
+    for (const int size : kSizes)
+        benchmark::RegisterBenchmark(Name<T>("memcpy", size, "memcpy").c_str(), [=](benchmark::State& state) {
+            const std::vector<T>& picture = Picture<T>(size);
+            std::vector<T> copy(picture.size());
+            for (auto _ : state) {
+                std::memcpy(copy.data(), picture.data(), picture.size() * sizeof(T));
+                benchmark::ClobberMemory();
+            }
+            state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(picture.size()));
+        });
+
+    const double level = Scale<T>();
+    Register<T>("threshold", nullptr, [=](Subject<T>& s) {
+        ComPtr<IBitmap> bitmap;
+        Check(s.process->Threshold(100 * level, 200 * level, 1, bitmap.Out()));
+    });
+    Register<T>("histogram", nullptr, [](Subject<T>& s) {
+        ComPtr<IHistogram> histogram;
+        Check(s.process->get_Histogram(histogram.Out()));
+    });
+    Register<T>("measure", nullptr, [](Subject<T>& s) {
+        SGrayMeasurements measures = {};
+        Check(s.process->get_GrayMeasurements(
+            static_cast<GrayExtractMeasurementType>(GEMT_GrayLocation | GEMT_GrayStatistics), &measures));
+        benchmark::DoNotOptimize(measures);
+    });
+    Register<T>("invert", nullptr, [](Subject<T>& s) { Check(s.process->Invert()); });
+    Register<T>("add", nullptr, [=](Subject<T>& s) { Check(s.process->ScalarPlusEquals(3 * level)); });
+    Register<T>("divide", nullptr, [](Subject<T>& s) { Check(s.process->ScalarDivideEquals(1.01)); });
+    Register<T>("fill", nullptr, [=](Subject<T>& s) { Check(s.process->ScalarEquals(77 * level)); });
+    Register<T>(
+        "lut",
+        [=](Subject<T>& s) {
+            // A permutation, so that looking up again and again keeps all levels.
+            for (LONG i = 0; i < 256; ++i) Check(s.process->put_Table(i, (i * 167 + 13) % 256 * level));
+        },
+        [](Subject<T>& s) { Check(s.process->LUT()); });
+    RegisterSourced<T, uint8_t>("cast from", &IImageProcess::CastEquals);
+    RegisterSourced<T, uint16_t>("cast from", &IImageProcess::CastEquals);
+    RegisterSourced<T, float>("cast from", &IImageProcess::CastEquals);
+    RegisterSourced<T, T>("plus", &IImageProcess::PlusEquals);
+}
+
+}  // namespace
+
+#ifndef ORLIX_BENCH_OPENCV
+void RegisterOpenCv() {}
+#endif
+
+}  // namespace orlix::bench
+
+int main(int argc, char** argv) {
+    using namespace orlix::bench;
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    RegisterType<uint8_t>();
+    RegisterType<uint16_t>();
+    RegisterType<float>();
+    RegisterOpenCv();
+    benchmark::RunSpecifiedBenchmarks();
+}

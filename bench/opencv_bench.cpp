@@ -1,0 +1,104 @@
+// OpenCV beside the library, on one thread: the call that a user would make for the same purpose, in place where the library
+// works in place. It makes byte masks instead of bits, saturates where the library's image addition wraps round, and has
+// moments and deviations in two calls.
+#include <benchmark/benchmark.h>
+
+#include <functional>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include "pictures.hpp"
+
+namespace orlix::bench {
+namespace {
+
+template <class T>
+cv::Mat Image(int size) {
+    const std::vector<T>& picture = Picture<T>(size);
+    return cv::Mat(size, size, cv::DataType<T>::type, const_cast<T*>(picture.data())).clone();
+}
+
+template <class T>
+void Register(const std::string& operation, const std::function<void(cv::Mat& image, cv::Mat& result)>& call) {
+    for (const int size : kSizes)
+        benchmark::RegisterBenchmark(Name<T>(operation, size, "opencv").c_str(), [=](benchmark::State& state) {
+            cv::Mat image = Image<T>(size);
+            cv::Mat result;
+            call(image, result);  // the result exists beforehand
+            for (auto _ : state) call(image, result);
+            state.SetItemsProcessed(state.iterations() * int64_t{size} * size);
+        });
+}
+
+template <class T>
+void RegisterType() {
+    const double level = std::is_same_v<T, uint16_t> ? 257.0 : 1.0;
+    Register<T>("threshold", [=](cv::Mat& image, cv::Mat& mask) {
+        cv::threshold(image, mask, 100 * level, 255, cv::THRESH_BINARY);
+    });
+    Register<T>("histogram", [=](cv::Mat& image, cv::Mat& counts) {
+        const int channels[] = {0};
+        const int bins[] = {256};
+        const float range[] = {0.0f, static_cast<float>(256 * level)};
+        const float* ranges[] = {range};
+        cv::calcHist(&image, 1, channels, cv::Mat(), counts, 1, bins, ranges);
+    });
+    Register<T>("measure", [](cv::Mat& image, cv::Mat&) {
+        cv::Scalar mean, deviation;
+        cv::meanStdDev(image, mean, deviation);
+        cv::Moments moments = cv::moments(image);
+        benchmark::DoNotOptimize(moments);
+        benchmark::DoNotOptimize(deviation);
+    });
+    Register<T>("invert", [=](cv::Mat& image, cv::Mat&) {
+        if (std::is_same_v<T, float>)
+            cv::subtract(cv::Scalar(255), image, image);
+        else
+            cv::bitwise_not(image, image);
+    });
+    Register<T>("add", [=](cv::Mat& image, cv::Mat&) { cv::add(image, cv::Scalar(3 * level), image); });
+    Register<T>("divide", [](cv::Mat& image, cv::Mat&) { cv::divide(image, cv::Scalar(1.01), image); });
+    Register<T>("fill", [=](cv::Mat& image, cv::Mat&) { image.setTo(cv::Scalar(77 * level)); });
+    if (std::is_same_v<T, uint8_t>) {
+        cv::Mat table(1, 256, CV_8U);
+        for (int i = 0; i < 256; ++i) table.at<uint8_t>(i) = static_cast<uint8_t>((i * 167 + 13) % 256);
+        Register<T>("lut", [=](cv::Mat& image, cv::Mat& result) { cv::LUT(image, table, result); });
+    }
+    Register<T>(std::string("plus ") + NameOf<T>(), [](cv::Mat& image, cv::Mat& sum) {
+        if (sum.empty()) sum = image.clone();
+        cv::add(sum, image, sum);
+    });
+}
+
+template <class T, class From>
+void RegisterConversion() {
+    for (const int size : kSizes)
+        benchmark::RegisterBenchmark(Name<T>(std::string("cast from ") + NameOf<From>(), size, "opencv").c_str(),
+                                     [=](benchmark::State& state) {
+                                         const cv::Mat image = Image<From>(size);
+                                         cv::Mat result(size, size, cv::DataType<T>::type);
+                                         for (auto _ : state) image.convertTo(result, cv::DataType<T>::type);
+                                         state.SetItemsProcessed(state.iterations() * int64_t{size} * size);
+                                     });
+}
+
+template <class T>
+void RegisterConversions() {
+    RegisterConversion<T, uint8_t>();
+    RegisterConversion<T, uint16_t>();
+    RegisterConversion<T, float>();
+}
+
+}  // namespace
+
+void RegisterOpenCv() {
+    cv::setNumThreads(1);
+    RegisterType<uint8_t>();
+    RegisterType<uint16_t>();
+    RegisterType<float>();
+    RegisterConversions<uint8_t>();
+    RegisterConversions<uint16_t>();
+    RegisterConversions<float>();
+}
+
+}  // namespace orlix::bench

@@ -1,0 +1,90 @@
+"""Prints the results of a benchmark program as Markdown: table.py RESULTS.json CMakeCache.txt"""
+import collections
+import json
+import re
+import subprocess
+import sys
+
+BYTES = {"u8": 1, "u16": 2, "f32": 4}
+
+
+def read(path):
+    """Rates in pixels a second by (operation, type, size, who), medians, and the time of the run."""
+    with open(path) as file:
+        results = json.load(file)
+    rates = {}
+    for entry in results["benchmarks"]:
+        if entry.get("aggregate_name") == "median":
+            operation, kind, size, who = entry["run_name"].split("/")
+            rates[operation, kind, int(size), who] = entry["items_per_second"]
+    return rates, results["context"]
+
+
+def machine(cache_path, context):
+    with open(cache_path) as file:
+        cache = file.read()
+    compiler = re.search(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", cache, re.M).group(1)
+    version = subprocess.run([compiler, "--version"], capture_output=True, text=True).stdout.splitlines()[0]
+    processor = "unknown processor"
+    try:
+        with open("/proc/cpuinfo") as file:
+            fields = dict(line.split(":", 1) for line in file.read().split("\n\n")[0].splitlines() if ":" in line)
+        fields = {key.strip(): value.strip() for key, value in fields.items()}
+        processor = "{}, family {}, model {}".format(fields["model name"], fields["cpu family"], fields["model"])
+    except (OSError, KeyError):
+        pass
+    print(f"{processor}; {context['num_cpus']} cores; {version}; {context['date'][:10]}; "
+          f"load average {context['load_avg'][0]:.1f} at the start.\n")
+
+
+def ratio(value, reference):
+    return f"{value / reference:.2f}" if value and reference else "-"
+
+
+def row(*cells):
+    print("| " + " | ".join(cells) + " |")
+
+
+def interface(rates):
+    print("Rates in 10^9 pixels a second. *x memcpy*: pixels against memcpy of the same picture (casts from another type: bytes\n"
+          "read and written against those of memcpy). *x OpenCV*: pixels. *circle*: time for a pixel of the largest circle\n"
+          "over that for a pixel of the whole image.\n")
+    row("operation", "type", "size", "rate", "x memcpy", "x OpenCV", "circle")
+    row("---", "---", "--:", "--:", "--:", "--:", "--:")
+    for operation, kind, size in dict.fromkeys(key[:3] for key in rates):
+        whole = rates.get((operation, kind, size, "whole"))
+        if not whole:
+            continue
+        copied = rates.get(("memcpy", kind, size, "memcpy"))
+        source = operation.split()[-1]
+        if operation.startswith("cast") and copied:
+            copied *= 2 * BYTES[kind] / (BYTES[kind] + BYTES[source])
+        row(operation, kind, str(size), f"{whole / 1e9:.2f}", ratio(whole, copied),
+            ratio(whole, rates.get((operation, kind, size, "opencv"))),
+            ratio(whole, rates.get((operation, kind, size, "circle"))))
+
+
+def kernels(rates):
+    print("Rates in 10^9 pixels a second, for each variant that this processor can run.\n")
+    row("kernel", "type", "size", "variants")
+    row("---", "---", "--:", "---")
+    groups = collections.defaultdict(list)
+    for (kernel, kind, size, variant), rate in rates.items():
+        groups[kernel, kind, size].append(f"{variant} {rate / 1e9:.2f}")
+    for (kernel, kind, size), variants in groups.items():
+        row(kernel, kind, str(size), ", ".join(variants))
+
+
+def main():
+    rates, context = read(sys.argv[1])
+    machine(sys.argv[2], context)
+    # Interleaving leaves the results in random order.
+    order = {kind: i for i, kind in enumerate(BYTES)}
+    rates = dict(sorted(rates.items(), key=lambda item: (item[0][0], order[item[0][1]], item[0][2])))
+    if any(key[0] == "memcpy" or key[3] == "whole" for key in rates):
+        interface(rates)
+    else:
+        kernels(rates)
+
+
+main()
