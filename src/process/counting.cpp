@@ -166,10 +166,15 @@ void Counter<T>::Add(const T* pixels, size_t n) {
         while (n > 0) {
             const size_t part = std::min(n, kBlock);
             binsOf_(pixels, part, rule_, bins);
+            size_t i = 0;
             if (tables_ == 4)
-                for (size_t i = 0; i < part; ++i) ++counts[i % 4 * stride + bins[i]];
-            else
-                for (size_t i = 0; i < part; ++i) ++counts[bins[i]];
+                for (; i + 4 <= part; i += 4) {
+                    ++counts[bins[i]];
+                    ++counts[stride + bins[i + 1]];
+                    ++counts[2 * stride + bins[i + 2]];
+                    ++counts[3 * stride + bins[i + 3]];
+                }
+            for (; i < part; ++i) ++counts[bins[i]];
             pixels += part;
             n -= part;
         }

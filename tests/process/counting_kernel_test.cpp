@@ -65,7 +65,8 @@ void ExpectRule(const std::vector<T>& pixels, T lower, T upper, int32_t bins) {
     for (const T p : pixels) {
         if (p < lower || p > upper) continue;
         const uint64_t above = p - lower;
-        ++want[onePerValue ? above : p == upper ? want.size() - 1 : above * want.size() / width];
+        const uint64_t bin = onePerValue ? above : p == upper ? want.size() - 1 : above * want.size() / width;
+        ++want[static_cast<size_t>(bin)];
     }
     ASSERT_EQ(want, Counts(counter)) << lower << " " << upper << " " << bins;
 }
