@@ -21,9 +21,9 @@ size_t BinOfPixel(Pixel p, Pixel lower, Pixel upper, int32_t bins) {
     } else {
         const uint64_t offset = static_cast<uint64_t>(p - lower);
         const uint64_t width = static_cast<uint64_t>(upper - lower);
-        if (width < static_cast<uint64_t>(bins)) return static_cast<size_t>(offset);
-        const uint64_t bin = offset * static_cast<uint64_t>(bins) / width;
-        return static_cast<size_t>(bin < static_cast<uint64_t>(bins) ? bin : static_cast<uint64_t>(bins) - 1);
+        const uint64_t n = static_cast<uint64_t>(bins);
+        if (width > 0 && width < n) return static_cast<size_t>(offset);
+        return static_cast<size_t>(p == upper ? n - 1 : offset * n / width);
     }
 }
 
