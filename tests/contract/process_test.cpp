@@ -534,7 +534,7 @@ TEST(Table, Of16BitsIsReadThroughTheBinsOfTheHistogram) {
     ASSERT_EQ(S_OK, image.process->put_Table(1, 6));
     ASSERT_EQ(S_OK, image.process->LUT());
     EXPECT_THAT(image.values(), ElementsAre(5, 6, 6, 6, 999, 2000));  // floor((p - 1000) 2 / 3)
-    ASSERT_EQ(S_OK, image.process->PutLuminanceRange(999, 999));  // one value: counted in the last bin
+    ASSERT_EQ(S_OK, image.process->PutLuminanceRange(999, 999));      // one value: counted in the last bin
     ASSERT_EQ(S_OK, image.process->LUT());
     EXPECT_THAT(image.values(), ElementsAre(5, 6, 6, 6, 6, 2000));
 }
