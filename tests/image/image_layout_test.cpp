@@ -30,12 +30,24 @@ TEST(MakeLayout, PadsRowsToFourBytes) {
     EXPECT_EQ(12, MakeLayout(3, 1, 1, DT_Float).rowStride);
 }
 
-TEST(MakeLayout, TakesTheWidestRowAndRefusesOffsetsBeyond32Bits) {
-    EXPECT_EQ(int64_t{1} << 31, MakeLayout(kMaximum, 1, 1, DT_BYTE).rowStride);
+TEST(MakeLayout, RefusesRowsThatStartBeyond32Bits) {
     EXPECT_THROW(MakeLayout(kMaximum, 2, 1, DT_BYTE), FailedResult);  // row 1 would start at 2^31
-    EXPECT_EQ(kMaximum, MakeLayout(4, kMaximum / 4 + 1, 1, DT_BYTE).height * int64_t{4} - 1);
     EXPECT_THROW(MakeLayout(4, kMaximum / 4 + 2, 1, DT_BYTE), FailedResult);
     EXPECT_THROW(MakeLayout(kMaximum, kMaximum, kMaximum, DT_Double), FailedResult);
+    EXPECT_EQ(1000000000u, MakeLayout(1000000000, 1, 1, DT_BYTE).totalSize);
+}
+
+TEST(MakeLayout, TakesWhatTheAddressSpaceHolds) {
+    // 2^31 bytes: one more than half a 32-bit address space.
+    if (sizeof(void*) == 4) {
+        EXPECT_THROW(MakeLayout(kMaximum, 1, 1, DT_BYTE), FailedResult);
+        EXPECT_THROW(MakeLayout(4, kMaximum / 4 + 1, 1, DT_BYTE), FailedResult);
+        EXPECT_THROW(MakeLayout(1000, 1000, 3000, DT_BYTE), FailedResult);
+    } else {
+        EXPECT_EQ(int64_t{1} << 31, MakeLayout(kMaximum, 1, 1, DT_BYTE).rowStride);
+        EXPECT_EQ(uint64_t{1} << 31, MakeLayout(4, kMaximum / 4 + 1, 1, DT_BYTE).totalSize);
+        EXPECT_EQ(3000000000u, MakeLayout(1000, 1000, 3000, DT_BYTE).totalSize);
+    }
 }
 
 // Walks from pixel to pixel and turns back at the edges: the mirror rule without arithmetic.
