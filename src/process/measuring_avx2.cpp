@@ -76,9 +76,10 @@ void Sums_avx2(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& su
         done += part;
     }
     Sums_scalar(pixels + done, n - done, 0.0, sums);
-    const uint64_t s = sumT + 32768 * done;
-    sums.w += done * sums.s + sumW + 32768 * (done * (done - 1) / 2);
-    sums.q += Sum64(q) + 65536 * s - (uint64_t{done} << 30);
+    const uint64_t blocked = done;
+    const uint64_t s = sumT + 32768 * blocked;
+    sums.w += blocked * sums.s + sumW + 32768 * (blocked * (blocked - 1) / 2);
+    sums.q += Sum64(q) + 65536 * s - (blocked << 30);
     sums.s += s;
 }
 
