@@ -133,12 +133,12 @@ def build(preset):
 
 
 def tests_of(preset):
-    """(name, command, folder, environment) of every test that the build registered."""
+    """Every test that the build registered, as ctest describes it; properties as a dictionary."""
     outcome = run(["ctest", "--test-dir", BUILD / preset, "--show-only=json-v1"])
-    for test in json.loads(outcome.output)["tests"]:
-        properties = {entry["name"]: entry["value"] for entry in test.get("properties", [])}
-        environment = dict(entry.split("=", 1) for entry in properties.get("ENVIRONMENT", []))
-        yield test["name"], test.get("command", []), properties.get("WORKING_DIRECTORY", BUILD / preset), environment
+    tests = json.loads(outcome.output)["tests"]
+    for test in tests:
+        test["properties"] = {entry["name"]: entry["value"] for entry in test.get("properties", [])}
+    return tests
 
 
 # ------------------------------------------------------------------------------------------------------------------ tests
@@ -199,24 +199,28 @@ def run_tests(tally, preset, launcher=()):
     seconds = PROGRAM_SECONDS[preset]
 
     def one(test):
-        name, command, folder, environment = test
+        command, properties = test.get("command", []), test["properties"]
+        environment = dict(entry.split("=", 1) for entry in properties.get("ENVIRONMENT", []))
         # Scratch files of different programs stay apart.
-        scratch = BUILD / preset / "scratch" / name
+        scratch = BUILD / preset / "scratch" / test["name"]
         shutil.rmtree(scratch, ignore_errors=True)
         scratch.mkdir(parents=True)
-        for variable in ("TMPDIR", "TEST_TMPDIR"):
-            environment.setdefault(variable, str(scratch))
+        environment.setdefault("TMPDIR", str(scratch))
         if not command or not Path(command[0]).exists() and not shutil.which(command[0]):
-            return name, Outcome(127, f"{command} was not built", False)
+            return Outcome(127, f"{command} was not built", False)
         words = [*launcher, *command] if command[0].endswith(".exe") else command
-        return name, run(words, seconds, folder, environment)
+        return run(words, seconds, properties.get("WORKING_DIRECTORY", BUILD / preset), environment)
 
-    tests = list(tests_of(preset))
+    tests = tests_of(preset)
     if not tests:
         tally.check("the build registers tests", "there is none")
+    alone = [test for test in tests if test["properties"].get("RUN_SERIAL")]
+    together = [test for test in tests if test not in alone]
     with concurrent.futures.ThreadPoolExecutor(CORES) as pool:
-        for name, outcome in pool.map(one, tests):
-            count(tally, name, outcome, seconds)
+        for test, outcome in zip(together, pool.map(one, together)):
+            count(tally, test["name"], outcome, seconds)
+    for test in alone:
+        count(tally, test["name"], one(test), seconds)
 
 
 def native(tally):
