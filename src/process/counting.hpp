@@ -54,7 +54,7 @@ public:
     // Writes the counts; out.size() == shape().bins. Counting may go on afterwards.
     void Histogram(std::span<LONG> out);
 
-   private:
+private:
     using Fn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
     void Add(const T* pixels, size_t n);
     void Settle();
