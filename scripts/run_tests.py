@@ -230,7 +230,7 @@ def native(tally):
 
 def asan(tally):
     build("asan")
-    os.environ.setdefault("ASAN_OPTIONS", "detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1")
+    os.environ.setdefault("ASAN_OPTIONS", "detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1:allocator_may_return_null=1")
     os.environ.setdefault("UBSAN_OPTIONS", "print_stacktrace=1")
     run_tests(tally, "asan")
 

@@ -27,7 +27,8 @@ public:
 
     void Resize(size_t size) {
         if (size > capacity_) {
-            auto* const bytes = static_cast<uint8_t*>(::operator new(size, kAlignment));
+            auto* const bytes = static_cast<uint8_t*>(::operator new(size, kAlignment, std::nothrow));
+            if (!bytes) throw std::bad_alloc();
             if (size_) std::memcpy(bytes, bytes_, size_);
             ::operator delete(bytes_, kAlignment);
             bytes_ = bytes;
