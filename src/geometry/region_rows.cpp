@@ -33,6 +33,7 @@ RegionRows::RegionRows(IRegionOfInterest* region, int32_t width, int32_t height)
         const Box box = shape_.BoundingBox();
         top_ = std::max(box.top, 0);
         bottom_ = std::min({box.bottom, height - 1, shape_.height() - 1});
+        inside_ = shape_.InsideRowsFrom(top_);
     } else {
         source_ = Source::Gathered;
         Gather(*region);
@@ -40,18 +41,18 @@ RegionRows::RegionRows(IRegionOfInterest* region, int32_t width, int32_t height)
     whole_ = CoversImage();
 }
 
-std::span<const Run> RegionRows::ShapeRow(int32_t y) const {
+std::span<const Run> RegionRows::ShapeRow(int32_t y, RowBuffer& buffer) const {
     const ShapeRegion::RowRuns raw = shape_.Row(y);
     size_t count = 0;
     for (int i = 0; i < raw.count; ++i)
-        if (Clip(raw.runs[static_cast<size_t>(i)].start, raw.runs[static_cast<size_t>(i)].stop, width_, buffer_[count]))
+        if (Clip(raw.runs[static_cast<size_t>(i)].start, raw.runs[static_cast<size_t>(i)].stop, width_, buffer[count]))
             ++count;
     // A shape's second run never begins before its first.
-    if (count == 2 && Touches(buffer_[0], buffer_[1])) {
-        buffer_[0].stop = std::max(buffer_[0].stop, buffer_[1].stop);
+    if (count == 2 && Touches(buffer[0], buffer[1])) {
+        buffer[0].stop = std::max(buffer[0].stop, buffer[1].stop);
         count = 1;
     }
-    return {buffer_.data(), count};
+    return {buffer.data(), count};
 }
 
 void RegionRows::Gather(IRegionOfInterest& region) {

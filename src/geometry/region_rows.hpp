@@ -3,6 +3,7 @@
 
 #include <orlix/orlix.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -40,11 +41,19 @@ public:
     int32_t top() const { return top_; }
     int32_t bottom() const { return bottom_; }
 
-    // The runs of a row, none for a row outside top()..bottom(). Valid until the next call.
-    std::span<const Run> row(int32_t y) const {
+    // The runs of a row, none for a row outside top()..bottom(). Valid until the next call, or the next one with the same
+    // buffer.
+    using RowBuffer = std::array<Run, 2>;
+    std::span<const Run> row(int32_t y) const { return row(y, buffer_); }
+    std::span<const Run> row(int32_t y, RowBuffer& buffer) const {
         if (y < top_ || y > bottom_) return {};
         if (source_ == Source::Image) return {buffer_.data(), 1};
-        if (source_ == Source::Shape) return ShapeRow(y);
+        if (static_cast<size_t>(y - top_) < inside_.size()) {
+            const RawRun run = inside_[static_cast<size_t>(y - top_)];
+            buffer[0] = {std::max(run.start, 0), std::min(run.stop, width_ - 1)};
+            return {buffer.data(), buffer[0].start <= buffer[0].stop ? size_t{1} : size_t{0}};
+        }
+        if (source_ == Source::Shape) return ShapeRow(y, buffer);
         const size_t i = static_cast<size_t>(y - top_);
         return {runs_.data() + ends_[i], ends_[i + 1] - ends_[i]};
     }
@@ -57,7 +66,7 @@ public:
 private:
     enum class Source { Image, Shape, Gathered };
 
-    std::span<const Run> ShapeRow(int32_t y) const;
+    std::span<const Run> ShapeRow(int32_t y, RowBuffer& buffer) const;
     void Gather(IRegionOfInterest& region);
     void GatherRow(const SRun* begin, const SRun* end);
     bool CoversImage() const;
@@ -68,10 +77,11 @@ private:
     int32_t bottom_ = -1;
     Source source_ = Source::Image;
     bool whole_ = false;
-    ShapeRegion shape_;                       // shares its rows with the region it was taken from
-    std::vector<Run> runs_;                   // Gathered: of all rows
-    std::vector<size_t> ends_;                // Gathered: row top + i holds runs ends_[i] .. ends_[i + 1] - 1
-    mutable std::array<Run, 2> buffer_ = {};  // Image: the one run. Shape: the runs of the row asked for last
+    ShapeRegion shape_;               // shares its rows with the region it was taken from
+    std::span<const RawRun> inside_;  // Shape: of the rows from top on, where each has just its stored run
+    std::vector<Run> runs_;           // Gathered: of all rows
+    std::vector<size_t> ends_;        // Gathered: row top + i holds runs ends_[i] .. ends_[i + 1] - 1
+    mutable RowBuffer buffer_ = {};   // Image: the one run. Shape: the runs of the row asked for last
 };
 
 }  // namespace orlix

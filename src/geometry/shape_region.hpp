@@ -3,9 +3,11 @@
 
 #include <orlix/orlix.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "geometry/run.hpp"
@@ -63,6 +65,14 @@ public:
         int count;
     };
     RowRuns Row(int32_t y) const;
+
+    // The runs of the rows from y on where every row of the box has just its stored run: a fast way for whoever reads row
+    // after row. Empty where it is otherwise.
+    std::span<const RawRun> InsideRowsFrom(int32_t y) const {
+        const int64_t i = int64_t{y} - first_;
+        if (polarity_ == PT_Outside || polarity_ == PT_Frame || !rows_ || i < 0) return {};
+        return std::span<const RawRun>(*rows_).subspan(std::min(static_cast<size_t>(i), rows_->size()));
+    }
 
 private:
     const RawRun& Stored(int32_t y) const {

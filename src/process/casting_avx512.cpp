@@ -83,18 +83,38 @@ void Plus(float* to, const From* from, size_t n) {
         _mm512_storeu_ps(to + i, _mm512_add_ps(_mm512_loadu_ps(to + i), Floats(from + i)));
     Plus_scalar(to + i, from + i, n - i);
 }
-void Plus(uint8_t* to, const uint8_t* from, size_t n) {
-    size_t i = 0;
-    for (; i + 64 <= n; i += 64)
-        _mm512_storeu_si512(to + i, _mm512_add_epi8(_mm512_loadu_si512(to + i), _mm512_loadu_si512(from + i)));
-    Plus_scalar(to + i, from + i, n - i);
+
+struct Bytes {
+    static __m512i Add(const __m512i& a, const __m512i& b) { return _mm512_add_epi8(a, b); }
+    static __m512i Load(uint64_t mask, const uint8_t* p) { return _mm512_maskz_loadu_epi8(mask, p); }
+    static void Store(uint64_t mask, uint8_t* p, const __m512i& v) { _mm512_mask_storeu_epi8(p, mask, v); }
+};
+struct Words {
+    static __m512i Add(const __m512i& a, const __m512i& b) { return _mm512_add_epi16(a, b); }
+    static __m512i Load(uint64_t mask, const uint16_t* p) {
+        return _mm512_maskz_loadu_epi16(static_cast<__mmask32>(mask), p);
+    }
+    static void Store(uint64_t mask, uint16_t* p, const __m512i& v) {
+        _mm512_mask_storeu_epi16(p, static_cast<__mmask32>(mask), v);
+    }
+};
+template <class Lanes, class T>
+[[gnu::always_inline]] inline void PlusSame(T* to, const T* from, size_t n) {
+    const auto some = [](T* t, const T* f, uint64_t mask) {
+        Lanes::Store(mask, t, Lanes::Add(Lanes::Load(mask, t), Lanes::Load(mask, f)));
+    };
+    const Head<T> head(to, n);
+    if (head.pixels > 0) {
+        const auto f = reinterpret_cast<uintptr_t>(from) - head.firstLane * sizeof(T);
+        some(head.vector, reinterpret_cast<const T*>(f), head.mask());
+    }
+    size_t i = head.pixels;
+    for (; i + 64 / sizeof(T) <= n; i += 64 / sizeof(T))
+        _mm512_storeu_si512(to + i, Lanes::Add(_mm512_loadu_si512(to + i), _mm512_loadu_si512(from + i)));
+    if (i < n) some(to + i, from + i, (uint64_t{1} << (n - i)) - 1);
 }
-void Plus(uint16_t* to, const uint16_t* from, size_t n) {
-    size_t i = 0;
-    for (; i + 32 <= n; i += 32)
-        _mm512_storeu_si512(to + i, _mm512_add_epi16(_mm512_loadu_si512(to + i), _mm512_loadu_si512(from + i)));
-    Plus_scalar(to + i, from + i, n - i);
-}
+void Plus(uint8_t* to, const uint8_t* from, size_t n) { PlusSame<Bytes>(to, from, n); }
+void Plus(uint16_t* to, const uint16_t* from, size_t n) { PlusSame<Words>(to, from, n); }
 
 }  // namespace
 

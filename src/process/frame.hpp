@@ -11,6 +11,7 @@
 #include "process/casting.hpp"
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
+#include "process/look_ahead.hpp"
 #include "process/measuring.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
@@ -79,12 +80,9 @@ public:
         const Selection selection = Select();
         const PixelView<Pixel> view = image_.view(band);
         BitmapStore& bits = bitmap->store();
-        for (int32_t y = selection.rows.top(); y <= selection.rows.bottom(); ++y) {
-            const std::span<const Run> runs = selection.rows.row(y);
-            if (runs.empty()) continue;
-            uint8_t* const bitRow = bits.WriteRow(y);
-            for (const Run run : runs) threshold(view.row(y), run, bitRow);
-        }
+        ForEachRun(selection, view, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) {
+            threshold(pixels, n, x, bits.WriteRow(y));
+        });
         return bitmap;
     }
 
@@ -218,15 +216,33 @@ private:
         return bands.first;
     }
 
-    // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right.
+    // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right. Runs of large images come in
+    // parts.
     template <class Visit>
-    void ForEachRun(const Selection& selection, Visit&& visit) {
-        for (int32_t band = selection.bands.first; band <= selection.bands.last; ++band) {
-            const PixelView<Pixel> view = image_.view(band);
-            for (int32_t y = selection.rows.top(); y <= selection.rows.bottom(); ++y)
-                for (const Run run : selection.rows.row(y))
-                    visit(view.row(y) + run.start, static_cast<size_t>(run.length()), run.start, y);
-        }
+    void ForEachRun(const Selection& selection, const Visit& visit) {
+        for (int32_t band = selection.bands.first; band <= selection.bands.last; ++band)
+            ForEachRun(selection, image_.view(band), visit);
+    }
+    template <class Visit>
+    void ForEachRun(const Selection& selection, const PixelView<Pixel>& view, const Visit& visit) {
+        constexpr int32_t kPart = LookAhead<Pixel>::kPart;
+        const RegionRows& rows = selection.rows;
+        LookAhead ahead(rows, view, image_.layout().bandSize);
+        for (int32_t y = rows.top(); y <= rows.bottom(); ++y)
+            for (const Run run : rows.row(y)) {
+                Pixel* const row = view.row(y);
+                if (!ahead.active()) {
+                    if (y < rows.bottom()) FetchStart(view.row(y + 1), run);
+                    visit(row + run.start, static_cast<size_t>(run.length()), run.start, y);
+                    continue;
+                }
+                for (int64_t x = run.start; x <= run.stop;) {
+                    const int64_t n = std::min<int64_t>(run.stop - x + 1, kPart - x % kPart);
+                    ahead.Advance(n);
+                    visit(row + x, static_cast<size_t>(n), static_cast<int32_t>(x), y);
+                    x += n;
+                }
+            }
     }
 
     template <class Operation>
@@ -298,8 +314,13 @@ private:
             const int32_t bottom = static_cast<int32_t>(
                 std::min<int64_t>(selection.rows.bottom(), int64_t{source.height()} + kTableMargin - 1));
             for (int32_t y = selection.rows.top(); y <= bottom; ++y)
-                for (const Run run : selection.rows.row(y))
+                for (const Run run : selection.rows.row(y)) {
+                    if (y < bottom) {
+                        FetchStart(to.row(y + 1), run);
+                        if (run.start < adjacent) FetchStart(views[k].row(y + 1), run);
+                    }
                     CombineRun(operation, views[k], adjacent, to.row(y), run, y);
+                }
         }
         image_.SetModified(true);
     }

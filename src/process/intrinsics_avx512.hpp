@@ -11,3 +11,30 @@
 #else
 #include <immintrin.h>
 #endif
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orlix {
+namespace {  // used in several files of this instruction set: each keeps its own copy
+
+// The pixels before the first whole cache line as lanes of the vector that begins the line they are in. Vectors that straddle
+// two lines take twice the loads and stores, and a masked store delays whatever is loaded from its 64 bytes soon after, so
+// these end where the next vector begins. Lanes outside the run are not accessed.
+template <class T>
+struct Head {
+    size_t pixels;  // 0: the run begins with a line
+    size_t firstLane;
+    T* vector;
+    Head(T* run, size_t n) {
+        const auto address = reinterpret_cast<uintptr_t>(run);
+        firstLane = address % 64 / sizeof(T);
+        const size_t toNext = firstLane == 0 ? 0 : 64 / sizeof(T) - firstLane;
+        pixels = toNext < n ? toNext : n;
+        vector = reinterpret_cast<T*>(address - firstLane * sizeof(T));
+    }
+    uint64_t mask() const { return ((uint64_t{1} << pixels) - 1) << firstLane; }
+};
+
+}  // namespace
+}  // namespace orlix

@@ -10,6 +10,7 @@ namespace orlix {
 namespace {
 
 constexpr size_t kMostPixels = 65536;  // of one call of a kernel
+constexpr size_t kFloatPart = 512;     // columns; see note (3) of Measurer
 
 // An unsigned number of 256 bits, low limbs first.
 struct Wide {
@@ -184,7 +185,7 @@ void Measurer<float>::operator()(const float* pixels, size_t n, int32_t x, int32
     count_ += n;
     if (!statistics_) return;
     for (size_t done = 0; done < n;) {
-        const size_t part = std::min(n - done, kMostPixels);
+        const size_t part = std::min(n - done, kFloatPart - (static_cast<size_t>(x) + done) % kFloatPart);
         PixelSums<float> sums;
         sum_(pixels + done, part, origin_, sums);
         const double left = static_cast<double>(x) + static_cast<double>(done);

@@ -48,7 +48,8 @@ struct PixelSums<float> {
 //      zeros (the weight of the centroid, the sum of p, belongs to the statistics) and reads no pixel.
 //  (2) Integer pixels: all sums are exact and the variance is (N Q - S^2) / N^2 with an exact numerator, so equal pixels
 //      give a standard deviation of exactly 0. The order of the runs does not matter.
-//  (3) Float pixels: sums in double in a fixed order, the same for every variant. Squares are taken about the very
+//  (3) Float pixels: sums in double in a fixed order, the same for every variant; runs may be split where a column is a
+//      multiple of 512. Squares are taken about the very
 //      first pixel when that is finite, so that a large common offset costs no digits and equal pixels give 0.
 //  (4) Nothing gathered: all zero. The centroid is computed when S is not 0 (NaN counts as not 0); the standard deviation
 //      is 0 unless the variance is greater than 0 (so also when it is NaN).

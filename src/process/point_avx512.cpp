@@ -48,31 +48,25 @@ struct DoubleWords {
     __m512i Falling(const __m512i& p) const { return _mm512_sub_epi32(offset, Clamp(p)); }
 };
 
-// Pixels before the next cache line, at most n: vectors that straddle two lines take twice the loads and stores.
-template <class T>
-[[gnu::always_inline]] inline size_t PixelsToLine(const T* pixels, size_t n) {
-    const size_t head = -reinterpret_cast<uintptr_t>(pixels) % 64 / sizeof(T);
-    return head < n ? head : n;
-}
-
 template <class Lanes, class T>
 void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     constexpr size_t kLanes = 64 / sizeof(T);
     const Lanes lanes(parameters);
-    const auto some = [&](size_t first, size_t count) {
-        const auto mask = static_cast<typename Lanes::Mask>((uint64_t{1} << count) - 1);
-        const __m512i p = Lanes::Load(mask, pixels + first);
-        Lanes::Store(mask, pixels + first, parameters.falling ? lanes.Falling(p) : lanes.Rising(p));
+    const auto some = [&](T* vector, uint64_t bits) {
+        const auto mask = static_cast<typename Lanes::Mask>(bits);
+        const __m512i p = Lanes::Load(mask, vector);
+        Lanes::Store(mask, vector, parameters.falling ? lanes.Falling(p) : lanes.Rising(p));
     };
-    size_t i = PixelsToLine(pixels, n);
-    if (i > 0) some(0, i);
+    const Head<T> head(pixels, n);
+    if (head.pixels > 0) some(head.vector, head.mask());
+    size_t i = head.pixels;
     if (parameters.falling)
         for (; i + kLanes <= n; i += kLanes)
             _mm512_storeu_si512(pixels + i, lanes.Falling(_mm512_loadu_si512(pixels + i)));
     else
         for (; i + kLanes <= n; i += kLanes)
             _mm512_storeu_si512(pixels + i, lanes.Rising(_mm512_loadu_si512(pixels + i)));
-    if (i < n) some(i, n - i);
+    if (i < n) some(pixels + i, (uint64_t{1} << (n - i)) - 1);
 }
 
 // vminps and vmaxps would not test lower first; where s is NaN both comparisons fail and it stays.
@@ -86,14 +80,15 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
 // Applies step to vectors of 16 floats, the last one masked, or to vectors of 8 floats widened to double.
 template <class Step>
 [[gnu::always_inline]] inline void InFloat(float* pixels, size_t n, const Step& step) {
-    const auto some = [&](size_t first, size_t count) {
-        const auto mask = static_cast<__mmask16>((1u << count) - 1);
-        _mm512_mask_storeu_ps(pixels + first, mask, step(_mm512_maskz_loadu_ps(mask, pixels + first)));
+    const auto some = [&](float* vector, uint64_t bits) {
+        const auto mask = static_cast<__mmask16>(bits);
+        _mm512_mask_storeu_ps(vector, mask, step(_mm512_maskz_loadu_ps(mask, vector)));
     };
-    size_t i = PixelsToLine(pixels, n);
-    if (i > 0) some(0, i);
+    const Head<float> head(pixels, n);
+    if (head.pixels > 0) some(head.vector, head.mask());
+    size_t i = head.pixels;
     for (; i + 16 <= n; i += 16) _mm512_storeu_ps(pixels + i, step(_mm512_loadu_ps(pixels + i)));
-    if (i < n) some(i, n - i);
+    if (i < n) some(pixels + i, (uint64_t{1} << (n - i)) - 1);
 }
 template <class Step>
 [[gnu::always_inline]] inline void InDouble(float* pixels, size_t n, const Step& step) {
@@ -196,14 +191,14 @@ void LookUp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& pa
         const __m512i high = _mm512_permutex2var_epi8(t2, p, t3);
         return _mm512_mask_mov_epi8(low, _mm512_movepi8_mask(p), high);
     };
-    const auto some = [&](size_t first, size_t count) {
-        const __mmask64 mask = (uint64_t{1} << count) - 1;
-        _mm512_mask_storeu_epi8(pixels + first, mask, lookUp(_mm512_maskz_loadu_epi8(mask, pixels + first)));
+    const auto some = [&](uint8_t* vector, __mmask64 mask) {
+        _mm512_mask_storeu_epi8(vector, mask, lookUp(_mm512_maskz_loadu_epi8(mask, vector)));
     };
-    size_t i = PixelsToLine(pixels, n);
-    if (i > 0) some(0, i);
+    const Head<uint8_t> head(pixels, n);
+    if (head.pixels > 0) some(head.vector, head.mask());
+    size_t i = head.pixels;
     for (; i + 64 <= n; i += 64) _mm512_storeu_si512(pixels + i, lookUp(_mm512_loadu_si512(pixels + i)));
-    if (i < n) some(i, n - i);
+    if (i < n) some(pixels + i, (uint64_t{1} << (n - i)) - 1);
 }
 
 }  // namespace orlix

@@ -100,20 +100,21 @@ template <class T>
     auto* const word = reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(bits) - before / 8);
     const size_t end = before + n;
 
-    // Some pixels of a block, at least one.
-    const auto partial = [&](size_t block, uint64_t there) {
+    // Some pixels of a block, at least one. The first block's bytes are the upper half of a vector, the last one's the lower:
+    // a masked store delays loads that follow from anywhere in its 16 bytes.
+    const auto partial = [&](size_t block, uint64_t there, unsigned half) {
         const uint64_t set = Set(there, start + block, lo, hi, inside) & WithReversedBytes(there);
         const int firstByte = __builtin_ctzll(there) / 8, lastByte = 7 - __builtin_clzll(there) / 8;
-        const auto bytes = static_cast<__mmask16>((2u << lastByte) - (1u << firstByte));
-        const __m128i old = _mm_maskz_loadu_epi8(bytes, word + block / 8);
-        const __m128i added = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&set));
-        _mm_mask_storeu_epi8(word + block / 8, bytes, _mm_or_si128(old, added));
+        const auto bytes = static_cast<__mmask16>(((2u << lastByte) - (1u << firstByte)) << half);
+        auto* const at = reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(word) + block / 8 - half);
+        const __m128i added = _mm_set1_epi64x(static_cast<long long>(set));
+        _mm_mask_storeu_epi8(at, bytes, _mm_or_si128(_mm_maskz_loadu_epi8(bytes, at), added));
     };
     const auto upTo = [](size_t lanes) { return lanes < 64 ? (uint64_t{1} << lanes) - 1 : ~uint64_t{0}; };
 
     size_t block = 0;
     if (before > 0) {
-        partial(0, upTo(end) & ~upTo(before));
+        partial(0, upTo(end) & ~upTo(before), 8);
         block = 64;
     }
     for (; block + 64 <= end; block += 64) {
@@ -122,7 +123,7 @@ template <class T>
         old |= Set(All(), start + block, lo, hi, inside);
         __builtin_memcpy(word + block / 8, &old, 8);
     }
-    if (block < end) partial(block, upTo(end - block));
+    if (block < end) partial(block, upTo(end - block), 0);
 }
 
 }  // namespace

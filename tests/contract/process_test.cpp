@@ -402,6 +402,56 @@ TEST(PointOperations, ARegionOfAnotherSizeIsClipped) {
     EXPECT_THAT(image.values(), ElementsAre(0, 0, 0, 0, 0, 0, 255, 255));
 }
 
+// Beyond the caches pixels are asked for ahead and rows visited in parts; runs begin and end anywhere in these.
+TEST(LargeImages, GiveWhatTheirRowsGive) {
+    constexpr LONG kWidth = 1501, kHeight = 4300;  // floats: 25.8 million bytes
+    const Image<float> image(NewImage<float>(kWidth, kHeight));
+    const auto value = [](LONG x, LONG y) { return static_cast<float>((x * 7 + y * 13) % 256); };
+    LONG y = 0;
+    for (const auto row : Rows<float>(image.pixels)) {
+        for (LONG x = 0; x < kWidth; ++x) row[static_cast<size_t>(x)] = value(x, y);
+        ++y;
+    }
+    const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+    ASSERT_EQ(S_OK, region->CreateCircle(kWidth, kHeight, 800, 2100, 900));  // clipped on the left and on the right
+    const auto inside = [](LONG x, LONG row) {
+        return (x - 800) * (x - 800) + (row - 2100) * (row - 2100) <= 900 * 900;
+    };
+    for (const PolarityType polarity : {PT_Inside, PT_Outside}) {
+        ASSERT_EQ(S_OK, region->put_Polarity(polarity));
+        ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
+        ASSERT_EQ(S_OK, image.process->PutLuminanceRange(0, 255));
+        int64_t count = 0, sum = 0, set = 0;
+        for (LONG row = 0; row < kHeight; ++row)
+            for (LONG x = 0; x < kWidth; ++x)
+                if (inside(x, row) == (polarity == PT_Inside)) {
+                    const auto p = static_cast<int64_t>(value(x, row));
+                    ++count;
+                    sum += p;
+                    set += p >= 100 && p <= 199;
+                }
+        SGrayMeasurements measures = {};
+        ASSERT_EQ(S_OK, image.process->get_GrayMeasurements(GEMT_GrayStatistics, &measures));
+        EXPECT_EQ(count, measures.m_lPixelCount);
+        EXPECT_EQ(static_cast<double>(sum) / static_cast<double>(count), measures.m_dGrayAverage);
+        const std::vector<int> bits = Thresholded(image, 100, 199, 1);
+        EXPECT_EQ(set, std::accumulate(bits.begin(), bits.end(), int64_t{0}));
+
+        ASSERT_EQ(S_OK, image.process->Invert());
+        LONG wrong = 0;
+        y = 0;
+        for (const auto row : Rows<float>(image.pixels)) {
+            for (LONG x = 0; x < kWidth; ++x) {
+                const bool inverted = inside(x, y) == (polarity == PT_Inside);
+                wrong += row[static_cast<size_t>(x)] != (inverted ? 255 - value(x, y) : value(x, y));
+            }
+            ++y;
+        }
+        EXPECT_EQ(0, wrong);
+        ASSERT_EQ(S_OK, image.process->Invert());
+    }
+}
+
 // A region of another component.
 class ForeignRegion final : public IRegionOfInterest {
 public:
