@@ -115,13 +115,15 @@ void CountWords(const uint16_t* pixels, size_t n, uint32_t* counts) {
 }
 
 template <class T>
+BinRule<T> RuleOfHistogram(T lower, T upper, const HistogramShape& shape) {
+    bool onePerValue = false;
+    if constexpr (!std::is_same_v<T, float>) onePerValue = int64_t{upper} - int64_t{lower} + 1 == shape.bins;
+    return {lower, upper, static_cast<uint32_t>(shape.bins), onePerValue};
+}
+
+template <class T>
 Counter<T>::Counter(T lower, T upper, int32_t numberOfBins, [[maybe_unused]] uint64_t expectedPixels)
-    : shape_(ShapeOfHistogram(lower, upper, numberOfBins)),
-      rule_{lower, upper, static_cast<uint32_t>(shape_.bins), false} {
-    if constexpr (!std::is_same_v<T, float>) {
-        const int64_t values = int64_t{upper} - int64_t{lower} + 1;
-        rule_.onePerValue = values == shape_.bins;
-    }
+    : shape_(ShapeOfHistogram(lower, upper, numberOfBins)), rule_(RuleOfHistogram(lower, upper, shape_)) {
     if constexpr (std::is_same_v<T, uint8_t>) {
         const bool pairs = expectedPixels >= kPairsFrom;
         tables_ = pairs ? 1 : kByteTables;
@@ -236,8 +238,12 @@ template HistogramShape ShapeOfHistogram(uint8_t, uint8_t, int32_t);
 template HistogramShape ShapeOfHistogram(uint16_t, uint16_t, int32_t);
 template HistogramShape ShapeOfHistogram(uint32_t, uint32_t, int32_t);
 template HistogramShape ShapeOfHistogram(float, float, int32_t);
+template void Bins_scalar(const uint16_t*, size_t, const BinRule<uint16_t>&, uint32_t*);
 template void Bins_scalar(const uint32_t*, size_t, const BinRule<uint32_t>&, uint32_t*);
 template void Bins_scalar(const float*, size_t, const BinRule<float>&, uint32_t*);
+template BinRule<uint16_t> RuleOfHistogram(uint16_t, uint16_t, const HistogramShape&);
+template BinRule<uint32_t> RuleOfHistogram(uint32_t, uint32_t, const HistogramShape&);
+template BinRule<float> RuleOfHistogram(float, float, const HistogramShape&);
 template class Counter<uint8_t>;
 template class Counter<uint16_t>;
 template class Counter<uint32_t>;

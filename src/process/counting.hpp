@@ -34,6 +34,10 @@ struct BinRule {
     bool onePerValue;  // integers: bin p - lower
 };
 
+// The rule of ShapeOfHistogram(lower, upper, numberOfBins).
+template <class T>
+BinRule<T> RuleOfHistogram(T lower, T upper, const HistogramShape& shape);
+
 // Counts the pixels of any number of runs into the bins of ShapeOfHistogram(lower, upper, numberOfBins). T is uint8_t,
 // uint16_t, uint32_t or float. With n bins over the interval the pixel p is counted in bin
 //   8 bits           p

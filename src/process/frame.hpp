@@ -143,8 +143,7 @@ public:
             std::copy(table_.begin(), table_.end(), entries);
             Apply(PointOperation<Pixel>::LookUp(entries));
         } else {
-            const HistogramShape shape = ShapeOfHistogram(lower_, upper_, numberOfBins());
-            Apply(TableLookUp<Pixel>(lower_, upper_, shape.bins, table_));
+            Apply(TableLookUp<Pixel>(lower_, upper_, ShapeOfHistogram(lower_, upper_, numberOfBins()), table_));
         }
     }
 

@@ -7,60 +7,31 @@
 #include <vector>
 
 #include "process/counting.hpp"
-#include "process/pixel_conversion.hpp"
 
 namespace orlix {
 
-// The bin of a histogram of the given shape over [lower, upper] in which pixel p is counted, by the rule of Counter.
-// lower <= p <= upper.
-template <class Pixel>
-size_t BinOfPixel(Pixel p, Pixel lower, Pixel upper, int32_t bins) {
-    if constexpr (kIsFloat<Pixel>) {
-        const double bin = (static_cast<double>(p) - lower) * bins / (static_cast<double>(upper) - lower);
-        return bin >= 0 && bin < bins ? static_cast<size_t>(bin) : static_cast<size_t>(bins) - 1;
-    } else {
-        const uint64_t offset = static_cast<uint64_t>(p - lower);
-        const uint64_t width = static_cast<uint64_t>(upper - lower);
-        const uint64_t n = static_cast<uint64_t>(bins);
-        if (width > 0 && width < n) return static_cast<size_t>(offset);
-        return static_cast<size_t>(p == upper ? n - 1 : offset * n / width);
-    }
-}
-
-// A pixel within [lower, upper] becomes the entry of its bin; others, NaN and pixels of a bin without an entry stay.
-// Applied in place to any number of runs.
-template <class Pixel>
+// A pixel within [lower, upper] becomes the entry of the bin of a histogram of the given shape in which Counter counts it;
+// others, NaN and pixels of a bin without an entry stay. T is uint16_t, uint32_t or float. Applied in place to any number
+// of runs; the table is read as long as the operation lives.
+template <class T>
 class TableLookUp {
 public:
-    TableLookUp(Pixel lower, Pixel upper, int32_t bins, std::span<const Pixel> table)
-        : lower_(lower), upper_(upper), bins_(bins), table_(table) {
-        if constexpr (sizeof(Pixel) == 2) {  // few values: one load for each pixel
-            values_.resize(size_t{kTypeMaximum<Pixel>} + 1);
-            for (size_t value = 0; value < values_.size(); ++value) values_[value] = Of(static_cast<Pixel>(value));
-        }
-    }
+    TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table);
 
-    void operator()(Pixel* pixels, size_t n) const {
-        for (size_t i = 0; i < n; ++i) {
-            if constexpr (sizeof(Pixel) == 2)
-                pixels[i] = values_[pixels[i]];
-            else
-                pixels[i] = Of(pixels[i]);
-        }
-    }
+    void operator()(T* pixels, size_t n) const;
 
 private:
-    Pixel Of(Pixel p) const {
-        if (!(p >= lower_ && p <= upper_)) return p;
-        const size_t bin = BinOfPixel(p, lower_, upper_, bins_);
-        return bin < table_.size() ? table_[bin] : p;
-    }
+    using Fn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
+    void ThroughBins(T* pixels, size_t n) const;
 
-    Pixel lower_;
-    Pixel upper_;
-    int32_t bins_;
-    std::span<const Pixel> table_;
-    std::vector<Pixel> values_;
+    Fn binsOf_;
+    BinRule<T> rule_;
+    std::span<const T> table_;
+    std::vector<T> values_;  // 16 bits: of each value what it becomes
 };
+
+extern template class TableLookUp<uint16_t>;
+extern template class TableLookUp<uint32_t>;
+extern template class TableLookUp<float>;
 
 }  // namespace orlix

@@ -1,0 +1,45 @@
+#include "process/table_look_up.hpp"
+
+#include <algorithm>
+#include <numeric>
+
+#include "process/counting_kernels.hpp"
+
+namespace orlix {
+
+template <class T>
+TableLookUp<T>::TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table)
+    : binsOf_(Choose(kBins<T>)), rule_(RuleOfHistogram(lower, upper, shape)), table_(table) {
+    if constexpr (sizeof(T) == 2) {  // few values: one load for each pixel
+        values_.resize(65536);
+        std::iota(values_.begin(), values_.end(), T{0});
+        ThroughBins(values_.data(), values_.size());
+    }
+}
+
+template <class T>
+void TableLookUp<T>::operator()(T* pixels, size_t n) const {
+    if constexpr (sizeof(T) == 2)
+        for (size_t i = 0; i < n; ++i) pixels[i] = values_[pixels[i]];
+    else
+        ThroughBins(pixels, n);
+}
+
+template <class T>
+void TableLookUp<T>::ThroughBins(T* pixels, size_t n) const {
+    constexpr size_t kBlock = 256;
+    uint32_t bins[kBlock];
+    const size_t entries = std::min<size_t>(table_.size(), rule_.bins);
+    for (size_t done = 0; done < n; done += kBlock) {
+        const size_t part = std::min(n - done, kBlock);
+        binsOf_(pixels + done, part, rule_, bins);
+        for (size_t i = 0; i < part; ++i)
+            if (bins[i] < entries) pixels[done + i] = table_[bins[i]];
+    }
+}
+
+template class TableLookUp<uint16_t>;
+template class TableLookUp<uint32_t>;
+template class TableLookUp<float>;
+
+}  // namespace orlix
