@@ -33,16 +33,33 @@ void Gaussian3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParam
 template <class T>
 void Gaussian5x5_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
+#define ORLIX_VARIANT(Name, T, variant) \
+    void Name##_##variant(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+#define ORLIX_VARIANTS(Name, T)  \
+    ORLIX_VARIANT(Name, T, sse2) \
+    ORLIX_VARIANT(Name, T, avx2) \
+    ORLIX_VARIANT(Name, T, avx512)
+// The compiler's own vectors serve 32 bits.
 #define ORLIX_LINEAR_FILTER(Name)                       \
+    ORLIX_VARIANTS(Name, uint8_t)                       \
+    ORLIX_VARIANTS(Name, uint16_t)                      \
+    ORLIX_VARIANTS(Name, float)                         \
     template <class T>                                  \
     inline constexpr Variant<FilterFn<T>> k##Name[] = { \
+        {"avx512", Cpu::Avx512, &Name##_avx512},        \
+        {"avx2", Cpu::Avx2, &Name##_avx2},              \
+        {"sse2", Cpu::Sse2, &Name##_sse2},              \
         {"scalar", Cpu::Any, &Name##_scalar},           \
-    };
+    };                                                  \
+    template <>                                         \
+    inline constexpr Variant<FilterFn<uint32_t>> k##Name<uint32_t>[] = {{"scalar", Cpu::Any, &Name##_scalar}};
 ORLIX_LINEAR_FILTER(Laplacian)
 ORLIX_LINEAR_FILTER(SharpenLow)
 ORLIX_LINEAR_FILTER(SharpenMedium)
 ORLIX_LINEAR_FILTER(Gaussian3x3)
 ORLIX_LINEAR_FILTER(Gaussian5x5)
 #undef ORLIX_LINEAR_FILTER
+#undef ORLIX_VARIANTS
+#undef ORLIX_VARIANT
 
 }  // namespace orlix
