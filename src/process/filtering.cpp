@@ -10,8 +10,12 @@
 namespace orlix {
 namespace {
 
-// Columns at a time: what is gathered stays in the first cache, and prefetches run as far ahead of the reads.
-constexpr int64_t kChunk = 256;
+// Columns at a time: what is gathered stays in the first cache, and so do the rows of a kernel that reads in place.
+constexpr int64_t kGathered = 256;
+constexpr int64_t kDirect = 4096;
+
+// Larger bands than this leave the second cache before the next row needs their samples again.
+constexpr int64_t kCachedBytes = 1 << 20;
 
 template <class T>
 void Prefetch(const T* row, int64_t n) {
@@ -26,7 +30,8 @@ struct NeighbourhoodFilter<T>::Rows {
     PixelView<const T> from;
     int32_t y;
     T* to;
-    const T* nextFrom;  // the rows that the next row reads and writes for the first time; null when there is none
+    const T*
+        nextFrom;  // the rows that the next row reads and writes for the first time; null when not worth asking for
     const T* nextTo;
 };
 
@@ -36,9 +41,10 @@ void NeighbourhoodFilter<T>::operator()(PixelView<const T> from, PixelView<T> to
     const int64_t width = int64_t{from.width()} + kTableMargin - radius_;  // columns that can be filtered
     const int32_t bottom =
         static_cast<int32_t>(std::min<int64_t>(region.bottom(), int64_t{from.height()} + kTableMargin - 1 - radius_));
+    const bool prefetch = int64_t{to.width()} * to.height() > kCachedBytes / static_cast<int64_t>(sizeof(T));
     for (int32_t y = region.top(); y <= bottom; ++y) {
         Rows rows{from, y, to.row(y), nullptr, nullptr};
-        if (y < bottom) {
+        if (prefetch && y < bottom) {
             rows.nextFrom = from.row(y + 1 + radius_);
             rows.nextTo = to.row(y + 1);
         }
@@ -57,8 +63,8 @@ template <class T>
 void NeighbourhoodFilter<T>::Direct(const Rows& rows, int64_t x, int64_t stop) const {
     const T* at[2 * kMostRadius + 1];
     for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] = rows.from.row(rows.y + k - radius_) + x;
-    for (; x < stop; x += kChunk) {
-        const int64_t n = std::min(stop - x, kChunk);
+    for (; x < stop; x += kDirect) {
+        const int64_t n = std::min(stop - x, kDirect);
         if (rows.nextFrom) {
             Prefetch(rows.nextFrom + x, n);
             Prefetch(rows.nextTo + x, n);
@@ -70,14 +76,16 @@ void NeighbourhoodFilter<T>::Direct(const Rows& rows, int64_t x, int64_t stop) c
 
 template <class T>
 void NeighbourhoodFilter<T>::Gathered(const Rows& rows, int64_t x, int64_t stop) const {
-    T samples[2 * kMostRadius + 1][kChunk + 2 * kMostRadius];
+    T samples[2 * kMostRadius + 1][kGathered + 2 * kMostRadius];
     const T* at[2 * kMostRadius + 1];
     for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] = samples[k] + radius_;
-    for (; x < stop; x += kChunk) {
-        const int64_t n = std::min(stop - x, kChunk);
-        for (int32_t k = 0; k <= 2 * radius_; ++k)
-            for (int64_t i = 0; i < n + 2 * radius_; ++i)
-                samples[k][i] = rows.from.at(static_cast<int32_t>(x + i - radius_), rows.y + k - radius_);
+    for (; x < stop; x += kGathered) {
+        const int64_t n = std::min(stop - x, kGathered);
+        const VPAEntry* const columns = rows.from.table() + (x - radius_);
+        for (int32_t k = 0; k <= 2 * radius_; ++k) {
+            const ptrdiff_t row = rows.from.table()[rows.y + k - radius_].YEntry;
+            for (int64_t i = 0; i < n + 2 * radius_; ++i) samples[k][i] = rows.from.base()[row + columns[i].XEntry];
+        }
         kernel_(at, rows.to + x, static_cast<size_t>(n), parameters_);
     }
 }
