@@ -68,19 +68,19 @@ void Register(const std::string& operation, const Call<T>& prepare, const Call<T
                                          });
 }
 
-template <class T, class From>
+template <class T, class From = T>
 void RegisterSourced(const std::string& operation,
                      HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG)) {
     for (const int size : kSizes)
         for (const bool circle : {false, true})
-            benchmark::RegisterBenchmark(
-                Name<T>(operation + " " + NameOf<From>(), size, circle ? "circle" : "whole").c_str(),
-                [=](benchmark::State& state) {
-                    Subject<T> subject(size, circle);
-                    Subject<From> source(size, false);
-                    for (auto _ : state) Check((subject.process.get()->*method)(source.image.get(), 0));
-                    state.SetItemsProcessed(state.iterations() * subject.pixels);
-                });
+            benchmark::RegisterBenchmark(Name<T>(operation, size, circle ? "circle" : "whole").c_str(),
+                                         [=](benchmark::State& state) {
+                                             Subject<T> subject(size, circle);
+                                             Subject<From> source(size, false);
+                                             for (auto _ : state)
+                                                 Check((subject.process.get()->*method)(source.image.get(), 0));
+                                             state.SetItemsProcessed(state.iterations() * subject.pixels);
+                                         });
 }
 
 template <class T>
@@ -122,10 +122,15 @@ void RegisterType() {
             for (LONG i = 0; i < 256; ++i) Check(s.process->put_Table(i, (i * 167 + 13) % 256 * level));
         },
         [](Subject<T>& s) { Check(s.process->LUT()); });
-    RegisterSourced<T, uint8_t>("cast from", &IImageProcess::CastEquals);
-    RegisterSourced<T, uint16_t>("cast from", &IImageProcess::CastEquals);
-    RegisterSourced<T, float>("cast from", &IImageProcess::CastEquals);
-    RegisterSourced<T, T>("plus", &IImageProcess::PlusEquals);
+    RegisterSourced<T, uint8_t>("cast from u8", &IImageProcess::CastEquals);
+    RegisterSourced<T, uint16_t>("cast from u16", &IImageProcess::CastEquals);
+    RegisterSourced<T, float>("cast from f32", &IImageProcess::CastEquals);
+    RegisterSourced<T>(std::string("plus ") + NameOf<T>(), &IImageProcess::PlusEquals);
+    RegisterSourced<T>("Gaussian3x3", &IImageProcess::Gaussian3x3);
+    RegisterSourced<T>("Gaussian5x5", &IImageProcess::Gaussian5x5);
+    RegisterSourced<T>("Laplacian", &IImageProcess::Laplacian);
+    RegisterSourced<T>("SharpenLow", &IImageProcess::SharpenLow);
+    RegisterSourced<T>("SharpenMedium", &IImageProcess::SharpenMedium);
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 // Every variant of every kernel that this processor can run, on whole pictures in one call.
 #include <benchmark/benchmark.h>
 
+#include <cmath>
+
 #include "pictures.hpp"
 #include "process/casting_kernels.hpp"
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
+#include "process/linear_filter_kernels.hpp"
 #include "process/measuring_kernels.hpp"
 #include "process/point_kernels.hpp"
 #include "process/threshold_kernels.hpp"
@@ -47,6 +50,23 @@ void RegisterCasts() {
     };
     each("cast from" + from, kCast<To, From>);
     each("plus" + from, kPlus<To, From>);
+}
+
+// Row by row, without the columns whose neighbours lie outside.
+template <class T, class Table>
+void RegisterFilter(const std::string& kernel, const Table& table, size_t radius) {
+    for (const auto& variant : SupportedOnThisCpu(table))
+        Register<T>(kernel, variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {
+            const auto size = static_cast<size_t>(std::sqrt(static_cast<double>(pixels.size())));
+            const FilterParameters<T> parameters{0, static_cast<T>(std::is_same_v<T, uint8_t> ? 255 : 65535)};
+            std::vector<T> to(pixels.size());
+            for (auto _ : state)
+                for (size_t y = radius; y < size - radius; ++y) {
+                    const T* rows[5];
+                    for (size_t k = 0; k <= 2 * radius; ++k) rows[k] = pixels.data() + (y + k - radius) * size + radius;
+                    variant.fn(rows, to.data() + y * size + radius, size - 2 * radius, parameters);
+                }
+        });
 }
 
 template <class T>
@@ -96,6 +116,11 @@ void RegisterType() {
     RegisterCasts<T, uint8_t>();
     RegisterCasts<T, uint16_t>();
     RegisterCasts<T, float>();
+    RegisterFilter<T>("Gaussian3x3", kGaussian3x3<T>, 1);
+    RegisterFilter<T>("Gaussian5x5", kGaussian5x5<T>, 2);
+    RegisterFilter<T>("Laplacian", kLaplacian<T>, 1);
+    RegisterFilter<T>("SharpenLow", kSharpenLow<T>, 1);
+    RegisterFilter<T>("SharpenMedium", kSharpenMedium<T>, 1);
 }
 
 void RegisterHistograms() {

@@ -1,6 +1,6 @@
 // OpenCV beside the library, on one thread: the call that a user would make for the same purpose, in place where the library
 // works in place. It makes byte masks instead of bits, saturates where the library's image addition wraps round, and has
-// moments and deviations in two calls.
+// moments and deviations in two calls. Its filters mirror the border in the same way and round to nearest.
 #include <benchmark/benchmark.h>
 
 #include <functional>
@@ -70,6 +70,22 @@ void RegisterType() {
     });
 }
 
+// Kernels for filter2D that say what the library's filters compute.
+template <class T>
+void RegisterFilters() {
+    const auto kernel = [](float corner, float side, float centre) {
+        return cv::Mat_<float>({3, 3}, {corner, side, corner, side, centre, side, corner, side, corner});
+    };
+    const auto filter = [](const std::string& name, const cv::Mat& weights) {
+        Register<T>(name, [=](cv::Mat& image, cv::Mat& result) { cv::filter2D(image, result, -1, weights); });
+    };
+    filter("Laplacian", kernel(1 / 6.0f, 4 / 6.0f, -20 / 6.0f));
+    filter("SharpenLow", kernel(0, -0.5f, 3));
+    filter("SharpenMedium", kernel(0, -1, 5));
+    Register<T>("Gaussian3x3", [](cv::Mat& image, cv::Mat& result) { cv::GaussianBlur(image, result, {3, 3}, 0); });
+    Register<T>("Gaussian5x5", [](cv::Mat& image, cv::Mat& result) { cv::GaussianBlur(image, result, {5, 5}, 0); });
+}
+
 template <class T, class From>
 void RegisterConversion() {
     for (const int size : kSizes)
@@ -94,8 +110,11 @@ void RegisterConversions() {
 void RegisterOpenCv() {
     cv::setNumThreads(1);
     RegisterType<uint8_t>();
+    RegisterFilters<uint8_t>();
     RegisterType<uint16_t>();
+    RegisterFilters<uint16_t>();
     RegisterType<float>();
+    RegisterFilters<float>();
     RegisterConversions<uint8_t>();
     RegisterConversions<uint16_t>();
     RegisterConversions<float>();

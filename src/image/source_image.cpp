@@ -74,7 +74,9 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
     LONG width = 0;
     LONG height = 0;
     Demand(image_->Dimensions(&bands, &width, &height));
-    if (width != width_ || height != height_ || bands != bands_) throw FailedResult(E_FAIL);
+    LONG type = 0;
+    Demand(image_->DataType(0, &type));
+    if (width != width_ || height != height_ || bands != bands_ || type != type_) throw FailedResult(E_FAIL);
     return {base, table};
 }
 

@@ -30,7 +30,7 @@ BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
 //  (1) calls that fail, sizes below 1, null pointers, an image without pixels and one with a refused buffer are E_FAIL;
-//  (2) the size is asked for again after the pointers were handed out, and one that has changed is E_FAIL;
+//  (2) size and type are asked for again after the pointers were handed out, and if they have changed it is E_FAIL;
 //  (3) pixels are read in the type that the caller has found in type().
 class SourceImage {
 public:

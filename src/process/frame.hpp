@@ -12,6 +12,8 @@
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
 #include "process/look_ahead.hpp"
+#include "process/filtering.hpp"
+#include "process/linear_filter_kernels.hpp"
 #include "process/measuring.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
@@ -169,6 +171,36 @@ public:
         Combine<PlusOperation>(source, band, kTexts);
     }
 
+    void Laplacian(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kLaplacian<Pixel>, 1), source, band,
+               {"IImageProcess::Laplacian: data type mismatch.",
+                "IImageProcess::Laplacian: mismatch in the number of bands to process."});
+    }
+
+    void SharpenLow(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kSharpenLow<Pixel>, 1), source, band,
+               {"IImageProcess::SharpenLow: data type mismatch.",
+                "IImageProcess::SharpenLow: mismatch in the number of bands to process."});
+    }
+
+    void SharpenMedium(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kSharpenMedium<Pixel>, 1), source, band,
+               {"IImageProcess::SharpenMedium: data type mismatch.",
+                "IImageProcess::SharpenMedium: mismatch in the number of bands to process."});
+    }
+
+    void Gaussian3x3(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kGaussian3x3<Pixel>, 1), source, band,
+               {"IImageProcess::Gaussian3x3: data type mismatch.",
+                "IImageProcess::Gaussian3x3: mismatch in the number of bands to process."});
+    }
+
+    void Gaussian5x5(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kGaussian5x5<Pixel>, 2), source, band,
+               {"IImageProcess::Gaussian5x5: data type mismatch.",
+                "IImageProcess::Gaussian5x5: mismatch in the number of bands to process."});
+    }
+
 private:
     static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
 
@@ -181,8 +213,15 @@ private:
     };
 
     struct SourceTexts {
-        const char* unsupportedType;
-        const char* bandMismatch;
+        const char* type;  // the source's, not the one or none of those that the operation takes
+        const char* bands;
+    };
+
+    // The bands of a source beside those of this image, the pixels of which an operation visits.
+    template <class From>
+    struct BandPairs {
+        Selection selection;
+        std::vector<PixelView<const From>> sources;
     };
 
     void RequirePixels() const {
@@ -294,19 +333,23 @@ private:
             case DT_Float:
                 return CombineFrom<float>(Operation<Pixel, float>(), source, band, texts);
             default:
-                throw Failure(texts.unsupportedType);
+                throw Failure(texts.type);
         }
+    }
+
+    template <class From>
+    BandPairs<From> Pair(const SourceImage& source, LONG sourceBand, const SourceTexts& texts) {
+        const BandRange from = BandsOf(sourceBand, source.bands());
+        if (from.count() != BandsOf(bandToProcess(), image_.layout().bands).count()) throw Failure(texts.bands);
+        BandPairs<From> pairs{Select(), {}};
+        for (int32_t band = from.first; band <= from.last; ++band) pairs.sources.push_back(source.view<From>(band));
+        RequireUnchanged(pairs.selection);
+        return pairs;
     }
 
     template <class From, class Operation>
     void CombineFrom(const Operation& operation, const SourceImage& source, LONG sourceBand, const SourceTexts& texts) {
-        const BandRange from = BandsOf(sourceBand, source.bands());
-        if (from.count() != BandsOf(bandToProcess(), image_.layout().bands).count()) throw Failure(texts.bandMismatch);
-        const Selection selection = Select();
-        std::vector<PixelView<const From>> views;
-        for (int32_t band = from.first; band <= from.last; ++band) views.push_back(source.view<From>(band));
-        RequireUnchanged(selection);
-
+        const auto [selection, views] = Pair<From>(source, sourceBand, texts);
         for (size_t k = 0; k < views.size(); ++k) {
             const PixelView<Pixel> to = image_.view(selection.bands.first + static_cast<int32_t>(k));
             const int32_t adjacent = views[k].AdjacentColumns();
@@ -342,6 +385,32 @@ private:
             operation(row + x, buffer, static_cast<size_t>(n));
             x += n;
         }
+    }
+
+    template <size_t N>
+    NeighbourhoodFilter<Pixel> Neighbourhood(const Variant<FilterFn<Pixel>> (&variants)[N], int32_t radius) const {
+        return {Choose(variants), radius, {lower_, upper_}};
+    }
+
+    // filter(from, to, rows) writes the rows of a band from what lies within filter.radius() in a band of the source. A
+    // source in the memory of this image, itself above all, is copied before anything is written.
+    template <class Operation>
+    void Filter(const Operation& filter, IImageVPA* image, LONG band, const SourceTexts& texts) {
+        RequirePixels();
+        const SourceImage source(image);
+        if (source.type() != image_.dataType()) throw Failure(texts.type);
+        auto [selection, sources] = Pair<Pixel>(source, band, texts);
+        const uint8_t* const begin = image_.base(selection.bands.first);
+        const uint8_t* const end = image_.base(selection.bands.last) + image_.layout().bandSize;
+        std::vector<SourceCopy<Pixel>> copies;
+        for (PixelView<const Pixel>& from : sources) {
+            if (!SharesMemory(from, begin, end)) continue;
+            copies.emplace_back(from, selection.width, selection.rows.top(), selection.rows.bottom(), filter.radius());
+            from = copies.back().view();
+        }
+        for (size_t k = 0; k < sources.size(); ++k)
+            filter(sources[k], image_.view(selection.bands.first + static_cast<int32_t>(k)), selection.rows);
+        image_.SetModified(true);
     }
 
     Image image_;

@@ -3,6 +3,7 @@
 #include "process/casting_kernels.hpp"
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
+#include "process/linear_filter_kernels.hpp"
 #include "process/measuring_kernels.hpp"
 #include "process/point_kernels.hpp"
 #include "process/threshold_kernels.hpp"
@@ -41,6 +42,21 @@ std::span<const KernelInUse> KernelsInUse() {
         {"add image, 8 bits", ChosenVariant(kPlus<uint8_t, uint8_t>).name},
         {"add image, 16 bits", ChosenVariant(kPlus<uint16_t, uint16_t>).name},
         {"add image, float", ChosenVariant(kPlus<float, float>).name},
+        {"Gaussian 3x3, 8 bits", ChosenVariant(kGaussian3x3<uint8_t>).name},
+        {"Gaussian 3x3, 16 bits", ChosenVariant(kGaussian3x3<uint16_t>).name},
+        {"Gaussian 3x3, float", ChosenVariant(kGaussian3x3<float>).name},
+        {"Gaussian 5x5, 8 bits", ChosenVariant(kGaussian5x5<uint8_t>).name},
+        {"Gaussian 5x5, 16 bits", ChosenVariant(kGaussian5x5<uint16_t>).name},
+        {"Gaussian 5x5, float", ChosenVariant(kGaussian5x5<float>).name},
+        {"Laplacian, 8 bits", ChosenVariant(kLaplacian<uint8_t>).name},
+        {"Laplacian, 16 bits", ChosenVariant(kLaplacian<uint16_t>).name},
+        {"Laplacian, float", ChosenVariant(kLaplacian<float>).name},
+        {"low sharpening, 8 bits", ChosenVariant(kSharpenLow<uint8_t>).name},
+        {"low sharpening, 16 bits", ChosenVariant(kSharpenLow<uint16_t>).name},
+        {"low sharpening, float", ChosenVariant(kSharpenLow<float>).name},
+        {"medium sharpening, 8 bits", ChosenVariant(kSharpenMedium<uint8_t>).name},
+        {"medium sharpening, 16 bits", ChosenVariant(kSharpenMedium<uint16_t>).name},
+        {"medium sharpening, float", ChosenVariant(kSharpenMedium<float>).name},
     };
     return kernels;
 }

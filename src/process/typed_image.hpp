@@ -56,6 +56,12 @@ public:
     virtual void CastEquals(IImageVPA* source, LONG band) = 0;
     virtual void PlusEquals(IImageVPA* source, LONG band) = 0;
 
+    virtual void Laplacian(IImageVPA* source, LONG band) = 0;
+    virtual void SharpenLow(IImageVPA* source, LONG band) = 0;
+    virtual void SharpenMedium(IImageVPA* source, LONG band) = 0;
+    virtual void Gaussian3x3(IImageVPA* source, LONG band) = 0;
+    virtual void Gaussian5x5(IImageVPA* source, LONG band) = 0;
+
 protected:
     TypedImage() = default;
 

@@ -1,0 +1,347 @@
+// The neighbourhood filters as their clients see them, against a slow road: weights, whole-number or double arithmetic, and a
+// mirror of its own.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <random>
+
+#include "contract/support.hpp"
+
+namespace orlix::testing {
+namespace {
+
+constexpr const char* kSource = "Orlix.Image.1";
+
+struct Filter {
+    std::string name;
+    HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG);
+    int radius;
+    int divisor;
+    std::vector<int> weights;  // row by row
+};
+
+const std::vector<Filter>& Filters() {
+    static const std::vector<Filter> filters = {
+        {"Laplacian", &IImageProcess::Laplacian, 1, 6, {1, 4, 1, 4, -20, 4, 1, 4, 1}},
+        {"SharpenLow", &IImageProcess::SharpenLow, 1, 2, {0, -1, 0, -1, 6, -1, 0, -1, 0}},
+        {"SharpenMedium", &IImageProcess::SharpenMedium, 1, 1, {0, -1, 0, -1, 5, -1, 0, -1, 0}},
+        {"Gaussian3x3", &IImageProcess::Gaussian3x3, 1, 16, {1, 2, 1, 2, 4, 2, 1, 2, 1}},
+        {"Gaussian5x5", &IImageProcess::Gaussian5x5, 2, 256, {1,  4, 6, 4,  1,  4,  16, 24, 16, 4, 6, 24, 36,
+                                                              24, 6, 4, 16, 24, 16, 4,  1,  4,  6, 4, 1}},
+    };
+    return filters;
+}
+
+// Pixels without an image: any column and row can be asked for.
+template <class Pixel>
+struct Plane {
+    LONG width, height;
+    std::vector<Pixel> pixels;
+
+    static LONG Mirrored(LONG i, LONG size) {
+        while (size > 1 && (i < 0 || i >= size)) i = i < 0 ? -i : 2 * (size - 1) - i;
+        return size > 1 ? i : 0;
+    }
+    Pixel at(LONG x, LONG y) const {
+        return pixels[static_cast<size_t>(Mirrored(y, height) * width + Mirrored(x, width))];
+    }
+};
+
+template <class Pixel>
+Plane<Pixel> Noise(LONG width, LONG height, uint32_t seed) {
+    std::mt19937 random(seed);
+    Plane<Pixel> plane{width, height, std::vector<Pixel>(static_cast<size_t>(width * height))};
+    for (Pixel& pixel : plane.pixels)
+        pixel = std::is_same_v<Pixel, float> ? static_cast<Pixel>(static_cast<double>(random()) / 65536.0 - 30000.0)
+                                             : static_cast<Pixel>(random());
+    return plane;
+}
+
+struct Range {
+    double lower, upper;
+};
+template <class Pixel>
+constexpr Range kFull = {static_cast<double>(std::numeric_limits<Pixel>::lowest()),
+                         static_cast<double>(std::numeric_limits<Pixel>::max())};
+
+template <class Pixel>
+double Expected(const Filter& filter, const Plane<Pixel>& source, LONG x, LONG y, const Range& range) {
+    double sum = 0;  // of whole numbers far below 2^53, or of floats, rounded
+    size_t i = 0;
+    for (LONG dy = -filter.radius; dy <= filter.radius; ++dy)
+        for (LONG dx = -filter.radius; dx <= filter.radius; ++dx)
+            sum += filter.weights[i++] * static_cast<double>(source.at(x + dx, y + dy));
+    double v = sum / filter.divisor;
+    if (sizeof(Pixel) < 4) v = std::trunc(v);
+    if (std::is_same_v<Pixel, uint32_t>) v = std::floor(v + 0.5);
+    return v < range.lower ? range.lower : v > range.upper ? range.upper : v;
+}
+
+template <class Pixel>
+struct Image {
+    ComPtr<IImageVPAExPlus> pixels;
+    ComPtr<IImageProcess> process;
+    Image(LONG width, LONG height, LONG bands = 1)
+        : pixels(NewImage<Pixel>(width, height, bands)), process(Cast<IImageProcess>(pixels)) {}
+    explicit Image(const Plane<Pixel>& plane) : Image(plane.width, plane.height) { Put(plane); }
+    void Put(const Plane<Pixel>& plane, LONG band = 0) const {
+        LONG y = 0;
+        for (const auto row : Rows<Pixel>(pixels, band)) {
+            for (LONG x = 0; x < plane.width; ++x) row[static_cast<size_t>(x)] = plane.at(x, y);
+            ++y;
+        }
+    }
+    void SetRange(const Range& range) const { Check(process->PutLuminanceRange(range.lower, range.upper), process); }
+    void SetRectangle(LONG left, LONG top, LONG right, LONG bottom) const {
+        const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+        Check(region->CreateRectangle(5000, 5000, left, top, right, bottom), region);
+        Check(process->put_RegionOfInterest(region.get()), process);
+    }
+    HRESULT Apply(const Filter& filter, IImageVPA* source, LONG band = 0) const {
+        return (process.get()->*filter.method)(source, band);
+    }
+};
+
+// The pixels of a band are those of the slow road inside, and the given value outside.
+template <class Pixel, class Inside>
+void ExpectFiltered(const Image<Pixel>& image, LONG band, const Filter& filter, const Plane<Pixel>& source,
+                    const Range& range, Pixel outside, const Inside& inside) {
+    // A float result is the sum of some 30 rounded terms, none of which exceeds 20 / 6 of the largest pixel.
+    const double tolerance = std::is_same_v<Pixel, float> ? 40 * 36000 * 4 * 0x1p-24 : 0;
+    LONG y = 0;
+    for (const auto row : Rows<Pixel>(image.pixels, band)) {
+        for (LONG x = 0; x < static_cast<LONG>(row.size()); ++x) {
+            const Pixel got = row[static_cast<size_t>(x)];
+            const bool filtered = inside(x, y);
+            const double want = filtered ? Expected(filter, source, x, y, range) : static_cast<double>(outside);
+            if (std::abs(want - static_cast<double>(got)) <= (filtered ? tolerance : 0)) continue;
+            FAIL() << filter.name << " of " << source.width << "x" << source.height << " at " << x << ", " << y
+                   << " gives " << +got << " instead of " << want;
+        }
+        ++y;
+    }
+}
+
+constexpr auto kEverywhere = [](LONG, LONG) { return true; };
+
+template <class Pixel>
+class FilterOf : public ::testing::Test {};
+using PixelTypes = ::testing::Types<uint8_t, uint16_t, uint32_t, float>;
+TYPED_TEST_SUITE(FilterOf, PixelTypes, );
+
+TYPED_TEST(FilterOf, WholeImagesMirrorsTheBorderAndClampsToTheLuminanceRange) {
+    using Pixel = TypeParam;
+    const struct {
+        LONG width, height;
+    } sizes[] = {{1, 1}, {2, 1}, {1, 2}, {3, 3}, {5, 2}, {2, 7}, {17, 9}, {140, 5}, {700, 3}};
+    for (const Filter& filter : Filters())
+        for (const auto& size : sizes) {
+            const auto source = Noise<Pixel>(size.width, size.height, static_cast<uint32_t>(size.width));
+            const Image<Pixel> from(source), to(size.width, size.height);
+            const double quarter = std::is_same_v<Pixel, float> ? 8000 : kFull<Pixel>.upper / 4;
+            for (const Range& range : {kFull<Pixel>, Range{std::floor(quarter), std::floor(2 * quarter)}}) {
+                to.SetRange(range);
+                ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+                ExpectFiltered<Pixel>(to, 0, filter, source, range, 0, kEverywhere);
+            }
+        }
+}
+
+TYPED_TEST(FilterOf, ARegionLeavesTheRestAlone) {
+    using Pixel = TypeParam;
+    const auto source = Noise<Pixel>(300, 40, 1);
+    const Image<Pixel> from(source), to(300, 40);
+    for (const Filter& filter : Filters())
+        for (const auto& [left, right] :
+             {std::pair<LONG, LONG>{0, 0}, {0, 1}, {1, 2}, {3, 190}, {250, 299}, {299, 299}}) {
+            Check(to.process->put_RegionOfInterest(nullptr));
+            ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
+            to.SetRectangle(left, 5, right, 39);
+            ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+            ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 9,
+                                  [&, l = left, r = right](LONG x, LONG y) { return x >= l && x <= r && y >= 5; });
+        }
+}
+
+TYPED_TEST(FilterOf, BandsGoSideBySide) {
+    using Pixel = TypeParam;
+    const Image<Pixel> from(40, 6, 3), to(40, 6, 3);
+    std::vector<Plane<Pixel>> sources;
+    for (LONG band = 0; band < 3; ++band) {
+        sources.push_back(Noise<Pixel>(40, 6, static_cast<uint32_t>(band) + 7));
+        from.Put(sources.back(), band);
+    }
+    for (const Filter& filter : Filters()) {
+        ASSERT_EQ(S_OK, to.process->put_BandToProcess(BI_AllBands));
+        ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get(), BI_AllBands));
+        for (LONG band = 0; band < 3; ++band)
+            ExpectFiltered<Pixel>(to, band, filter, sources[static_cast<size_t>(band)], kFull<Pixel>, 0, kEverywhere);
+        ASSERT_EQ(S_OK, to.process->put_BandToProcess(1));
+        ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get(), 2));
+        for (LONG band = 0; band < 3; ++band)
+            ExpectFiltered<Pixel>(to, band, filter, sources[band == 1 ? 2 : static_cast<size_t>(band)], kFull<Pixel>, 0,
+                                  kEverywhere);
+    }
+}
+
+TYPED_TEST(FilterOf, TheImageItselfGivesWhatACopyGives) {
+    using Pixel = TypeParam;
+    const auto first = Noise<Pixel>(150, 9, 3), second = Noise<Pixel>(150, 9, 4);
+    for (const Filter& filter : Filters()) {
+        const Image<Pixel> image(150, 9, 2);
+        image.Put(first, 0), image.Put(second, 1);
+        ASSERT_EQ(S_OK, image.Apply(filter, image.pixels.get(), BI_AllBands));
+        ExpectFiltered<Pixel>(image, 0, filter, first, kFull<Pixel>, 0, kEverywhere);
+        ExpectFiltered<Pixel>(image, 1, filter, second, kFull<Pixel>, 0, kEverywhere);
+        image.Put(first, 0), image.Put(second, 1);
+        ASSERT_EQ(S_OK, image.process->put_BandToProcess(0));
+        ASSERT_EQ(S_OK, image.Apply(filter, image.pixels.get(), 1));  // the other band
+        ExpectFiltered<Pixel>(image, 0, filter, second, kFull<Pixel>, 0, kEverywhere);
+        ASSERT_EQ(S_OK, image.Apply(filter, image.pixels.get(), 0));
+    }
+}
+
+TYPED_TEST(FilterOf, BuffersThatOverlapGiveWhatACopyGives) {
+    using Pixel = TypeParam;
+    constexpr LONG width = 64, height = 20;
+    for (const Filter& filter : Filters())
+        for (const size_t shift : {size_t{0}, size_t{1}, size_t{64}, size_t{3 * 64 + 5}})
+            for (const bool up : {false, true}) {
+                std::vector<Pixel> memory(width * height + shift);
+                const Image<Pixel> from(1, 1), to(1, 1);
+                Pixel* const low = memory.data();
+                Pixel* const high = low + shift;
+                ASSERT_EQ(S_OK, from.pixels->AttachBuffer(up ? high : low, width, height, 1, kTypeOf<Pixel>, 0));
+                ASSERT_EQ(S_OK, to.pixels->AttachBuffer(up ? low : high, width, height, 1, kTypeOf<Pixel>, 0));
+                const auto source = Noise<Pixel>(width, height, 11);
+                from.Put(source);
+                ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+                ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 0, kEverywhere);
+            }
+}
+
+TYPED_TEST(FilterOf, ASmallerSourceServesAsFarAsItsTablesReach) {
+    using Pixel = TypeParam;
+    for (const Filter& filter : Filters())
+        for (const auto& [width, height] : {std::pair<LONG, LONG>{3, 2}, {30, 1}}) {
+            const auto source = Noise<Pixel>(width, height, 5);
+            const Image<Pixel> from(source), to(240, 210);
+            ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
+            ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+            const LONG right = width + 199 - filter.radius, bottom = height + 199 - filter.radius;
+            ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 9,
+                                  [&](LONG x, LONG y) { return x <= right && y <= bottom; });
+        }
+}
+
+// What another component may hand out: bands interleaved, the picture upside down and reversed, rows that share samples; and a
+// margin that repeats the edge instead of mirroring.
+TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
+    using Pixel = TypeParam;
+    constexpr LONG width = 290, height = 12;
+    auto memory = Noise<Pixel>(3 * width, height, 21).pixels;
+    const auto foreign = ForeignImage::Make();
+    foreign->width = width, foreign->height = height, foreign->type = kTypeOf<Pixel>;
+    const struct {
+        size_t base;
+        std::function<LONG(LONG)> column, row;
+    } layouts[] = {
+        {1, [](LONG x) { return 3 * x; }, [](LONG y) { return 3 * width * y; }},
+        {3 * width * (height - 1), [](LONG x) { return x; }, [](LONG y) { return -3 * width * y; }},
+        {2 * width, [](LONG x) { return -x; }, [](LONG y) { return 3 * width * (y / 2); }},
+        {0, [](LONG x) { return x < 100 ? x : x + 7; }, [](LONG y) { return 3 * width * y; }},
+        {0, [](LONG x) { return x / 290; }, [](LONG y) { return y; }},
+    };
+    for (const auto& layout : layouts) {
+        foreign->SetOffsets(layout.column, layout.row);
+        foreign->base = memory.data() + layout.base;
+        Plane<Pixel> source{width, height, {}};
+        for (LONG y = 0; y < height; ++y)
+            for (LONG x = 0; x < width; ++x)
+                source.pixels.push_back(
+                    memory[static_cast<size_t>(static_cast<LONG>(layout.base) + layout.column(x) + layout.row(y))]);
+        for (const Filter& filter : Filters()) {
+            const Image<Pixel> to(width, height);
+            ASSERT_EQ(S_OK, to.Apply(filter, foreign.get()));
+            ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 0, kEverywhere);
+        }
+    }
+    // In the memory of the destination, flipped.
+    const Image<Pixel> to(width, height);
+    const LONG stride = static_cast<LONG>((width * sizeof(Pixel) + 3) / 4 * 4 / sizeof(Pixel));
+    const auto source = Noise<Pixel>(width, height, 22);
+    const Plane<Pixel> flipped = [&] {
+        Plane<Pixel> plane{width, height, {}};
+        for (LONG y = 0; y < height; ++y)
+            for (LONG x = 0; x < width; ++x) plane.pixels.push_back(source.at(x, height - 1 - y));
+        return plane;
+    }();
+    VPAEntry* table = nullptr;
+    Check(to.pixels->VPA(0, &foreign->base, &table));
+    foreign->SetOffsets([](LONG x) { return x; }, [=](LONG y) { return stride * (height - 1 - y); });
+    for (const Filter& filter : Filters()) {
+        to.Put(source);
+        ASSERT_EQ(S_OK, to.Apply(filter, foreign.get()));
+        ExpectFiltered<Pixel>(to, 0, filter, flipped, kFull<Pixel>, 0, kEverywhere);
+    }
+}
+
+TEST(FilterOfForeignMargin, TakesWhatTheTableSays) {
+    std::vector<uint8_t> memory = {10, 20, 30, 250};
+    const auto foreign = ForeignImage::Make();
+    foreign->width = 3, foreign->base = memory.data();
+    foreign->SetOffsets([](LONG x) { return x; }, [](LONG) { return 0; });
+    for (size_t i = 0; i < 200; ++i) foreign->table[i].XEntry = 3;  // columns before 0 read 250
+    const Image<uint8_t> to(3, 1);
+    ASSERT_EQ(S_OK, to.process->Gaussian3x3(foreign.get(), 0));
+    EXPECT_THAT(PixelsOf<uint8_t>(to.pixels), ::testing::ElementsAre((250 + 20 + 20) / 4, 20, 25));
+}
+
+TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
+    const Image<uint8_t> one(4, 3);
+    ASSERT_EQ(S_OK, one.process->ScalarEquals(9));
+    const auto words = NewImage<uint16_t>(4, 3, 3);
+    const auto three = NewImage<uint8_t>(4, 3, 3);
+    const auto empty = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const auto foreign = ForeignImage::Make();
+    foreign->type = DT_Char;
+    for (const Filter& filter : Filters()) {
+        const std::string type = "IImageProcess::" + filter.name + ": data type mismatch.";
+        const std::string bands = "IImageProcess::" + filter.name + ": mismatch in the number of bands to process.";
+        EXPECT_TRUE(Fails(one.Apply(filter, words.get(), BI_AllBands), type.c_str(), kSource));  // before the bands
+        EXPECT_TRUE(Fails(one.Apply(filter, foreign.get()), type.c_str(), kSource));
+        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), BI_AllBands), bands.c_str(), kSource));
+        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range", kSource));
+        EXPECT_TRUE(FailsSilently(one.Apply(filter, empty.get())));
+        EXPECT_TRUE(FailsSilently(one.Apply(filter, nullptr), E_POINTER));
+        EXPECT_TRUE(FailsSilently((Cast<IImageProcess>(empty).get()->*filter.method)(one.pixels.get(), 0)));
+    }
+    EXPECT_THAT(PixelsOf<uint8_t>(one.pixels), ::testing::Each(9));
+}
+
+// A source may call back: it replaces the destination, or changes its own type, while it is asked for its pixels.
+TEST(FilterContract, SourcesThatInterfereDoNoHarm) {
+    std::vector<uint8_t> memory(64 * 64);
+    for (const Filter& filter : Filters())
+        for (const bool changesItself : {false, true}) {
+            const Image<uint8_t> to(64, 64);
+            const auto foreign = ForeignImage::Make();
+            foreign->width = foreign->height = 64;
+            foreign->base = memory.data();
+            foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 64 * y; });
+            foreign->onVpa = [&] {
+                if (changesItself)
+                    foreign->type = DT_Double;
+                else
+                    to.pixels->Create(1, 1, 1, DT_BYTE, 1);
+            };
+            EXPECT_TRUE(FailsSilently(to.Apply(filter, foreign.get()))) << filter.name;
+        }
+}
+
+}  // namespace
+}  // namespace orlix::testing
