@@ -45,14 +45,6 @@ private:
     double width_ = 1, height_ = 1;
 };
 
-// Sums m[p] of weights times t^p, p = 0..degree, become those of weights times (t + by)^p. T: DoublePair by double, or
-// integers modulo 2^64.
-template <class T, class By>
-void ShiftMoments(T* m, int degree, By by) {
-    for (int pass = 0; pass < degree; ++pass)
-        for (int p = degree; p > pass; --p) m[p] += m[p - 1] * by;
-}
-
 struct SurfacePoint {
     int32_t x, y;
     double z;
