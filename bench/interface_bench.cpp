@@ -83,6 +83,22 @@ void RegisterSourced(const std::string& operation,
                 });
 }
 
+// The fit of a surface, and its correction with what was fitted to the picture.
+template <class T, class Record>
+void RegisterSurface(const std::string& surface, HRESULT (STDMETHODCALLTYPE IOrlixImageProcess::*fit)(Record*),
+                     HRESULT (STDMETHODCALLTYPE IOrlixImageProcess::*correct)(Record*)) {
+    Register<T>("fit " + surface, nullptr, [=](Subject<T>& s) {
+        Record record = {};
+        Check((Cast<IOrlixImageProcess>(s.image).get()->*fit)(&record));
+        benchmark::DoNotOptimize(record);
+    });
+    const auto record = std::make_shared<Record>();
+    Register<T>(
+        "correct " + surface,
+        [=](Subject<T>& s) { Check((Cast<IOrlixImageProcess>(s.image).get()->*fit)(record.get())); },
+        [=](Subject<T>& s) { Check((Cast<IOrlixImageProcess>(s.image).get()->*correct)(record.get())); });
+}
+
 template <class T>
 void RegisterType() {
     for (const int size : kSizes)
@@ -126,6 +142,9 @@ void RegisterType() {
     RegisterSourced<T, uint16_t>("cast from", &IImageProcess::CastEquals);
     RegisterSourced<T, float>("cast from", &IImageProcess::CastEquals);
     RegisterSourced<T, T>("plus", &IImageProcess::PlusEquals);
+    RegisterSurface<T>("plane", &IOrlixImageProcess::get_PlanarFit, &IOrlixImageProcess::CorrectPlanar);
+    RegisterSurface<T>("biquadratic", &IOrlixImageProcess::get_BiquadraticFit, &IOrlixImageProcess::CorrectBiquadratic);
+    RegisterSurface<T>("bicubic", &IOrlixImageProcess::get_BicubicFit, &IOrlixImageProcess::CorrectBicubic);
 }
 
 }  // namespace

@@ -9,11 +9,13 @@
 
 #include "image/source_image.hpp"
 #include "process/casting.hpp"
+#include "process/correction.hpp"
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
 #include "process/measuring.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
+#include "process/surface_fit.hpp"
 #include "process/table_look_up.hpp"
 #include "process/threshold.hpp"
 #include "process/typed_image.hpp"
@@ -170,6 +172,25 @@ public:
             "IImageProcess::PlusEquals: unsupported DataType.",
             "IImageProcess::PlusEquals: mismatch in the number of bands to process."};
         Combine<PlusOperation>(source, band, kTexts);
+    }
+
+    HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) override {
+        SingleBand(texts.multiband);
+        const Selection selection = Select();
+        const PixelBounds bounds = BoundsOf(selection.rows);
+        if (bounds.empty()) return S_FALSE;
+        SurfaceFitter<Pixel> fitter(degree, selection.rows, bounds);
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { fitter(pixels, n, x, y); });
+        if (!fitter.Finish(surface)) throw Failure(texts.notFinite);
+        return S_OK;
+    }
+
+    void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) override {
+        if (!surface.finite()) throw Failure(notFinite);
+        const Corrector<Pixel> corrector(lower_, upper_);
+        ForEachRun(Select(),
+                   [&](Pixel* pixels, size_t n, int32_t x, int32_t y) { corrector.Apply(pixels, n, x, y, surface); });
+        image_.SetModified(true);
     }
 
 private:

@@ -1,9 +1,11 @@
 #include <iterator>
 
 #include "process/casting_kernels.hpp"
+#include "process/correction_kernels.hpp"
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
 #include "process/measuring_kernels.hpp"
+#include "process/moments_kernels.hpp"
 #include "process/point_kernels.hpp"
 #include "process/threshold_kernels.hpp"
 #include "process/variants.hpp"
@@ -41,6 +43,19 @@ std::span<const KernelInUse> KernelsInUse() {
         {"add image, 8 bits", ChosenVariant(kPlus<uint8_t, uint8_t>).name},
         {"add image, 16 bits", ChosenVariant(kPlus<uint16_t, uint16_t>).name},
         {"add image, float", ChosenVariant(kPlus<float, float>).name},
+        {"plane, 8 bits", ChosenVariant(kMoments<uint8_t, 1>).name},
+        {"plane, 16 bits", ChosenVariant(kMoments<uint16_t, 1>).name},
+        {"plane, 32 bits", ChosenVariant(kMoments<uint32_t, 1>).name},
+        {"plane, float", ChosenVariant(kFloatMoments<1>).name},
+        {"surfaces, 8 bits", ChosenVariant(kMoments<uint8_t, 3>).name},
+        {"surfaces, 16 bits", ChosenVariant(kMoments<uint16_t, 3>).name},
+        {"surfaces, 32 bits", ChosenVariant(kMoments<uint32_t, 3>).name},
+        {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
+        {"surface values", ChosenVariant(kShifts).name},
+        {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
+        {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
+        {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
+        {"correct, float", ChosenVariant(kCorrect<float>).name},
     };
     return kernels;
 }

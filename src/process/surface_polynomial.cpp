@@ -1,5 +1,8 @@
 #include "process/surface_polynomial.hpp"
 
+#include <algorithm>
+#include <cmath>
+
 namespace orlix {
 namespace {
 
@@ -20,6 +23,10 @@ void Substitute(DoublePair* c, int degree, double scale, double by) {
 }
 
 }  // namespace
+
+bool SurfacePolynomial::finite() const {
+    return std::isfinite(average) && std::all_of(k.begin(), k.end(), [](double value) { return std::isfinite(value); });
+}
 
 SurfaceFrame::SurfaceFrame(int32_t left, int32_t top, int32_t right, int32_t bottom)
     : xSum_(static_cast<double>(left) + right),

@@ -21,6 +21,8 @@ constexpr size_t NumberOfMonomials(int degree) { return MonomialIndex(0, degree 
 struct SurfacePolynomial {
     std::array<double, 10> k = {};
     double average = 0;  // of the grey values it was fitted to
+
+    bool finite() const;  // the coefficients and the average
 };
 
 // Where the pixels of a fit lie: sums are taken and systems solved in u = (2x - left - right) / width, v likewise, with width
