@@ -83,6 +83,22 @@ void RegisterSourced(const std::string& operation,
                                          });
 }
 
+// The fit of a surface, and its correction with what was fitted to the picture.
+template <class T, class Record>
+void RegisterSurface(const std::string& surface, HRESULT (STDMETHODCALLTYPE IOrlixImageProcess::*fit)(Record*),
+                     HRESULT (STDMETHODCALLTYPE IOrlixImageProcess::*correct)(Record*)) {
+    Register<T>("fit " + surface, nullptr, [=](Subject<T>& s) {
+        Record record = {};
+        Check((Cast<IOrlixImageProcess>(s.image).get()->*fit)(&record));
+        benchmark::DoNotOptimize(record);
+    });
+    const auto record = std::make_shared<Record>();
+    Register<T>(
+        "correct " + surface,
+        [=](Subject<T>& s) { Check((Cast<IOrlixImageProcess>(s.image).get()->*fit)(record.get())); },
+        [=](Subject<T>& s) { Check((Cast<IOrlixImageProcess>(s.image).get()->*correct)(record.get())); });
+}
+
 template <class T>
 void RegisterType() {
     for (const int size : kSizes)
@@ -131,6 +147,9 @@ void RegisterType() {
     RegisterSourced<T>("Laplacian", &IImageProcess::Laplacian);
     RegisterSourced<T>("SharpenLow", &IImageProcess::SharpenLow);
     RegisterSourced<T>("SharpenMedium", &IImageProcess::SharpenMedium);
+    RegisterSurface<T>("plane", &IOrlixImageProcess::get_PlanarFit, &IOrlixImageProcess::CorrectPlanar);
+    RegisterSurface<T>("biquadratic", &IOrlixImageProcess::get_BiquadraticFit, &IOrlixImageProcess::CorrectBiquadratic);
+    RegisterSurface<T>("bicubic", &IOrlixImageProcess::get_BicubicFit, &IOrlixImageProcess::CorrectBicubic);
 }
 
 }  // namespace

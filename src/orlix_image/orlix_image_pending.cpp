@@ -1,5 +1,5 @@
 // Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): filters, local extrema,
-// local background correction and surface fits. They refuse and write nothing.
+// local background correction, robust fits and hemispheres. They refuse and write nothing.
 
 #include "orlix_image/orlix_image.hpp"
 
@@ -10,16 +10,10 @@ STDMETHODIMP OrlixImage::Sobel(IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::ExtremumSharpening(LONG, IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::Median3x3(IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_RobustPlanarFit(double, SPlanarFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_PlanarFit(SPlanarFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::CorrectPlanar(SPlanarFit*) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::RobustCorrectPlanar(double) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_RobustBiquadraticFit(double, SBiquadraticFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_BiquadraticFit(SBiquadraticFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::CorrectBiquadratic(SBiquadraticFit*) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::RobustCorrectBiquadratic(double) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_RobustBicubicFit(double, SBicubicFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_BicubicFit(SBicubicFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::CorrectBicubic(SBicubicFit*) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::RobustCorrectBicubic(double) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_RobustHemisphereFit(double, SHemisphereFit*) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_HemisphereFit(SHemisphereFit*) noexcept { return E_NOTIMPL; }

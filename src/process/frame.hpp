@@ -9,14 +9,16 @@
 
 #include "image/source_image.hpp"
 #include "process/casting.hpp"
+#include "process/correction.hpp"
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
-#include "process/look_ahead.hpp"
 #include "process/filtering.hpp"
 #include "process/linear_filter_kernels.hpp"
+#include "process/look_ahead.hpp"
 #include "process/measuring.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
+#include "process/surface_fit.hpp"
 #include "process/table_look_up.hpp"
 #include "process/threshold.hpp"
 #include "process/typed_image.hpp"
@@ -74,7 +76,7 @@ public:
     ComPtr<OrlixBitmap> Threshold(double lower, double upper, bool inside) override {
         const int32_t band = SingleBand("IImageProcess::Threshold: multiband thresholding is not supported.");
         RequirePixels();
-        const auto bitmap = OrlixBitmap::Make();
+        auto bitmap = OrlixBitmap::Make();
         PassOn(bitmap->Create(image_.layout().width, image_.layout().height, 1));
         if (!(lower <= upper)) throw Failure("IImageProcess::Threshold: Lower cannot be larger than Upper.");
 
@@ -201,6 +203,25 @@ public:
                 "IImageProcess::Gaussian5x5: mismatch in the number of bands to process."});
     }
 
+    HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) override {
+        SingleBand(texts.multiband);
+        const Selection selection = Select();
+        const PixelBounds bounds = BoundsOf(selection.rows);
+        if (bounds.empty()) return S_FALSE;
+        SurfaceFitter<Pixel> fitter(degree, selection.rows, bounds);
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { fitter(pixels, n, x, y); });
+        if (!fitter.Finish(surface)) throw Failure(texts.notFinite);
+        return S_OK;
+    }
+
+    void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) override {
+        if (!surface.finite()) throw Failure(notFinite);
+        const Corrector<Pixel> corrector(lower_, upper_);
+        ForEachRun(Select(),
+                   [&](Pixel* pixels, size_t n, int32_t x, int32_t y) { corrector.Apply(pixels, n, x, y, surface); });
+        image_.SetModified(true);
+    }
+
 private:
     static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
 
@@ -293,7 +314,7 @@ private:
         const uint64_t expected =
             static_cast<uint64_t>(selection.rows.pixels()) * static_cast<uint64_t>(selection.bands.count());
         Counter<Pixel> counter(lower, upper, numberOfBins(), expected);
-        const auto histogram = OrlixHistogram::Make();
+        auto histogram = OrlixHistogram::Make();
         const HistogramShape& shape = counter.shape();
         PassOn(histogram->Create(shape.bins, shape.left, shape.right));
         ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { counter(pixels, n); });

@@ -1,10 +1,12 @@
 #include <iterator>
 
 #include "process/casting_kernels.hpp"
+#include "process/correction_kernels.hpp"
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/measuring_kernels.hpp"
+#include "process/moments_kernels.hpp"
 #include "process/point_kernels.hpp"
 #include "process/threshold_kernels.hpp"
 #include "process/variants.hpp"
@@ -57,6 +59,19 @@ std::span<const KernelInUse> KernelsInUse() {
         {"medium sharpening, 8 bits", ChosenVariant(kSharpenMedium<uint8_t>).name},
         {"medium sharpening, 16 bits", ChosenVariant(kSharpenMedium<uint16_t>).name},
         {"medium sharpening, float", ChosenVariant(kSharpenMedium<float>).name},
+        {"plane, 8 bits", ChosenVariant(kMoments<uint8_t, 1>).name},
+        {"plane, 16 bits", ChosenVariant(kMoments<uint16_t, 1>).name},
+        {"plane, 32 bits", ChosenVariant(kMoments<uint32_t, 1>).name},
+        {"plane, float", ChosenVariant(kFloatMoments<1>).name},
+        {"surfaces, 8 bits", ChosenVariant(kMoments<uint8_t, 3>).name},
+        {"surfaces, 16 bits", ChosenVariant(kMoments<uint16_t, 3>).name},
+        {"surfaces, 32 bits", ChosenVariant(kMoments<uint32_t, 3>).name},
+        {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
+        {"surface values", ChosenVariant(kShifts).name},
+        {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
+        {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
+        {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
+        {"correct, float", ChosenVariant(kCorrect<float>).name},
     };
     return kernels;
 }

@@ -152,10 +152,10 @@ PointOperation<T> PointOperation<T>::Fill(T value) {
     return {Choose(kFill<T>), parameters};
 }
 
-template <class T>
-PointOperation<T> PointOperation<T>::LookUp(const T (&table)[256]) requires(sizeof(T) == 1) {
-    if (const auto ramp = RampOf(table)) return {Choose(kRamp<T>), *ramp};
-    PointParameters<T> parameters;
+template <>
+PointOperation<uint8_t> PointOperation<uint8_t>::LookUp(const uint8_t (&table)[256]) {
+    if (const auto ramp = RampOf(table)) return {Choose(kRamp<uint8_t>), *ramp};
+    PointParameters<uint8_t> parameters;
     std::copy_n(table, 256, parameters.table);
     return {Choose(kLookUp), parameters};
 }

@@ -44,7 +44,7 @@ public:
     static PointOperation Fill(T value);
 
     // table[p]; 8 bits only.
-    static PointOperation LookUp(const T (&table)[256]) requires(sizeof(T) == 1);
+    static PointOperation LookUp(const T (&table)[256]);  // T is uint8_t
 
     void operator()(T* pixels, size_t n) const { apply_(pixels, n, parameters_); }
 
@@ -58,6 +58,8 @@ private:
     PointParameters<T> parameters_;
 };
 
+template <>
+PointOperation<uint8_t> PointOperation<uint8_t>::LookUp(const uint8_t (&table)[256]);
 extern template class PointOperation<uint8_t>;
 extern template class PointOperation<uint16_t>;
 extern template class PointOperation<uint32_t>;

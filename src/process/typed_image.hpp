@@ -10,12 +10,13 @@
 #include "geometry/region_rows.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "image/image_store.hpp"
+#include "process/surface_polynomial.hpp"
 
 namespace orlix {
 
 // Everything that a client can set stays while the pixel type stays: region, luminance range, number of bins, table. Only
 // the band to process is set anew by a creation. The operations are those of IImageProcessBase and IImageProcess, which
-// document them; failures are raised, and an image without pixels (or with a refused buffer) raises FailedResult(E_FAIL).
+// document them, those of surfaces are IOrlixImageProcess's; failures are raised, and an image without pixels (or with a refused buffer) raises FailedResult(E_FAIL).
 class TypedImage {
 public:
     // Null for a type that OrlixImage does not create.
@@ -61,6 +62,13 @@ public:
     virtual void SharpenMedium(IImageVPA* source, LONG band) = 0;
     virtual void Gaussian3x3(IImageVPA* source, LONG band) = 0;
     virtual void Gaussian5x5(IImageVPA* source, LONG band) = 0;
+    struct FitTexts {
+        const char* multiband;
+        const char* notFinite;
+    };
+    // Degree 1, 2 or 3. S_FALSE, and the surface stays as it was, for a region without pixels.
+    virtual HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) = 0;
+    virtual void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) = 0;
 
 protected:
     TypedImage() = default;

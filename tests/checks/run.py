@@ -54,14 +54,15 @@ def tracked(*suffixes):
 LAYERS = {
     "platform": [],
     "component": ["platform"],
+    "numerics": ["platform", "component"],
     "image": ["platform", "component"],
     "histogram": ["platform", "component"],
     "geometry": ["platform", "component"],
     "binary": ["platform", "component", "geometry"],
-    "process": ["platform", "component", "image", "histogram", "geometry", "binary"],
+    "process": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary"],
     "display": ["platform", "component", "image", "histogram", "geometry", "binary"],
     "files": ["platform", "component", "image"],
-    "orlix_image": ["platform", "component", "image", "histogram", "geometry", "binary", "process", "display", "files"],
+    "orlix_image": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary", "process", "display", "files"],
 }
 LAYERS["module"] = list(LAYERS)
 

@@ -171,7 +171,7 @@ TEST(ImageContract, CreationResetsTheCoordinateMapAndTheDescription) {
     ASSERT_EQ(S_OK, image->SetCoords(map));
     TCoordinateMap read = {};
     ASSERT_EQ(S_OK, image->GetCoords(&read));
-    EXPECT_EQ(0, memcmp(&map, &read, sizeof map));
+    EXPECT_EQ(0, memcmp(&map, &read, sizeof map));  // NOLINT(bugprone-suspicious-memory-comparison): bit for bit
     ASSERT_EQ(S_OK, image->put_Description(Text("polished")));
     ASSERT_EQ(S_OK, image->Create(2, 2, 1, DT_BYTE, 0));
     ASSERT_EQ(S_OK, image->GetCoords(&read));

@@ -244,8 +244,8 @@ TEST(PngReader, WhatIsWrongWithAFileIsNamed) {
         {"two palettes", indexed(PaletteChunk(2) + PaletteChunk(2)), kOrderText},
         {"palette of a grey image", start + PaletteChunk(2) + pixels + PngEnd(), kPaletteText},
         {"palette behind the pixels",
-         header(2, 2, 8, 2).size() ? PngSignature() + PngHeader(2, 2, 8, 2) + pixels + PaletteChunk(2) + PngEnd()
-                                   : Bytes{},
+         !header(2, 2, 8, 2).empty() ? PngSignature() + PngHeader(2, 2, 8, 2) + pixels + PaletteChunk(2) + PngEnd()
+                                     : Bytes{},
          kOrderText},
         {"no stream", start + PngChunk("IDAT", {}) + PngEnd(), kTooShortText},
         {"a row missing", TinyWith({}, StoredStream({0, 10, 20})), kPixelsText},

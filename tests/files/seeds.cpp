@@ -8,7 +8,7 @@ namespace {
 uint32_t Pattern(uint32_t x, uint32_t y, uint32_t sample) { return 37 * x + 11 * y * y + 91 * sample; }
 
 void AddPng(std::vector<Seed>& seeds) {
-    const auto add = [&](std::string name, const Bytes& bytes) { seeds.push_back({"png-" + name, bytes}); };
+    const auto add = [&](const std::string& name, const Bytes& bytes) { seeds.push_back({"png-" + name, bytes}); };
     Bytes palette;
     for (int i = 0; i < 256; ++i)
         palette = palette + Bytes{static_cast<uint8_t>(i), static_cast<uint8_t>(i / 2), static_cast<uint8_t>(255 - i)};

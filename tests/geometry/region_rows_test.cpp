@@ -22,7 +22,7 @@ namespace {
 constexpr LONG kMost = std::numeric_limits<LONG>::max();
 constexpr LONG kLeast = std::numeric_limits<LONG>::min();
 
-auto Is(std::vector<Run> runs) { return testing::ElementsAreArray(runs); }
+auto Is(const std::vector<Run>& runs) { return testing::ElementsAreArray(runs); }
 
 ComPtr<IShapeRegionOfInterest> MakeShape() {
     ComPtr<IShapeRegionOfInterest> shape;
@@ -173,7 +173,7 @@ TEST(RegionRows, KeepsTheRegionAsItWasWhenAsked) {
     EXPECT_EQ(48, rows.top());
     EXPECT_THAT(rows.row(49), Is({{49, 51}}));
     EXPECT_EQ(13, rows.pixels());
-    const RegionRows copy = rows;
+    const RegionRows copy = rows;  // NOLINT(performance-unnecessary-copy-initialization): copies are what is tested
     EXPECT_THAT(copy.row(50), Is({{48, 52}}));
 }
 

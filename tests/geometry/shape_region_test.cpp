@@ -35,7 +35,7 @@ std::vector<RawRun> Runs(const ShapeRegion& shape, int32_t y) {
     return {row.runs.begin(), row.runs.begin() + row.count};
 }
 
-auto Is(std::vector<RawRun> runs) { return testing::ElementsAreArray(runs); }
+auto Is(const std::vector<RawRun>& runs) { return testing::ElementsAreArray(runs); }
 
 ShapeRegion Rectangle(int32_t width, int32_t height, int32_t left, int32_t top, int32_t right, int32_t bottom) {
     ShapeRegion shape;

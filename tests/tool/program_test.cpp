@@ -213,7 +213,7 @@ TEST_F(Program, CsvHoldsTheValuesOfTheJson) {
     ASSERT_THAT(line, testing::StartsWith("\"a, b.png\","));
     line.erase(0, line.find("\",") + 2);
     header.erase(0, header.find(',') + 1);
-    const auto fields = [](std::string text) {
+    const auto fields = [](const std::string& text) {
         std::vector<std::string> out;
         std::istringstream in(text.substr(0, text.find('\r')));
         for (std::string field; std::getline(in, field, ',');) out.push_back(field);

@@ -1,0 +1,73 @@
+// Linear systems of up to ten unknowns. Only + - * / and square roots, in a fixed order: the same bits on every build.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+#include "numerics/double_pair.hpp"
+
+namespace orlix {
+
+inline constexpr size_t kMostUnknowns = 10;
+inline constexpr double kSingularValueCut = 1e-12;  // of the largest
+
+// Entry (row, column) of a matrix of `columns` columns is matrix[row * columns + column] throughout.
+
+// P A = L U of a square matrix, with partial pivoting: the largest entry of the column, the first of equal ones. A pivot that
+// is exactly zero is replaced by 1e-20, so that nothing is divided by zero.
+class LuDecomposition {
+public:
+    explicit LuDecomposition(std::span<const double> matrix, size_t size);
+
+    // A x = b by forward and back substitution. x and b may be the same.
+    void Solve(std::span<const double> b, std::span<double> x) const;
+
+    // The Frobenius norm of the inverse, which is at least 1 / (smallest singular value) and at most sqrt(size) times as much.
+    double NormOfInverse() const;
+
+private:
+    size_t size_;
+    std::array<double, kMostUnknowns* kMostUnknowns> lu_ = {};
+    std::array<size_t, kMostUnknowns> row_ = {};  // of A, in the order of elimination
+};
+
+// A = U S V^T of any matrix of up to ten rows and columns, by one-sided Jacobi rotations (M. R. Hestenes, 1958): A is
+// multiplied from the right by rotations until its columns are orthogonal.
+class SingularValueDecomposition {
+public:
+    SingularValueDecomposition(std::span<const double> matrix, size_t rows, size_t columns);
+
+    // Of all x for which |A x - b| is least the shortest one. Singular values up to kSingularValueCut of the largest count
+    // as zero. b has an entry for each row, x one for each column; they must not overlap.
+    void Solve(std::span<const double> b, std::span<double> x) const;
+
+    // In the order of the columns, not sorted.
+    std::span<const double> singularValues() const { return {values_.data(), columns_}; }
+    size_t Rank() const;
+
+private:
+    size_t rows_, columns_;
+    double cut_ = 0;
+    std::array<double, kMostUnknowns* kMostUnknowns> w_ = {};  // column j, one after another: U S
+    std::array<double, kMostUnknowns* kMostUnknowns> v_ = {};  // column j
+    std::array<double, kMostUnknowns> values_ = {};
+};
+
+enum class Road {
+    Either,         // LU; where the matrix is singular or nearly so (see below), as SingularValues
+    SingularValues  // the shortest solution of the least squares problem
+};
+
+// A x = b, a row of A for each entry of b and a column for each of x, with entries of more digits than a double: the
+// decomposition of the rounded matrix gives a first solution, which is refined with residuals in DoublePair until it stands still
+// (iterative refinement, J. H. Wilkinson, 1963). Data that a solution of few digits explains give that solution exactly.
+// Road::Either is for square A.
+//
+// Road::Either takes LU as long as |A| |A^-1| < 1e11 (Frobenius norms). Those are upper bounds of singular values and of
+// their inverses, so no singular value that the cut at 1e-12 would drop goes unnoticed; beyond the bound the singular values
+// themselves decide, and if none is dropped both roads have the same solution.
+void SolveRefined(std::span<const DoublePair> matrix, std::span<const DoublePair> b, Road road,
+                  std::span<DoublePair> x);
+
+}  // namespace orlix

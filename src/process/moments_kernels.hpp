@@ -1,0 +1,112 @@
+// Kernels of the surface fits: moments of runs of pixels. All accept n = 0.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "process/variants.hpp"
+
+namespace orlix {
+
+// Most pixels of one call, for integers: sum of i^3 p[i] stays below 2^54, so that 64 rows of it fit 64 bits.
+template <class T>
+inline constexpr size_t kMostOfMoments = sizeof(T) == 1   ? 4096
+                                         : sizeof(T) == 2 ? 1024
+                                                          : 64;
+
+// m[k] = sum of i^k p[i], i = 0..n-1, for k = 0..Degree, exact.
+template <class T>
+using MomentsFn = void (*)(const T* pixels, size_t n, uint64_t* m);
+
+template <class T, int Degree>
+void Moments_scalar(const T* pixels, size_t n, uint64_t* m);
+template <class T, int Degree>
+void Moments_sse2(const T* pixels, size_t n, uint64_t* m);
+template <class T, int Degree>
+void Moments_avx2(const T* pixels, size_t n, uint64_t* m);
+template <class T, int Degree>
+void Moments_avx512(const T* pixels, size_t n, uint64_t* m);
+
+template <>
+void Moments_sse2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
+template <>
+void Moments_avx2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
+template <>
+void Moments_avx512<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
+
+// Float: d = p - origin and t = first + 2i in double; e = d, then e = e t for each further k; lane i % 8 of m[k] takes the e
+// in order of i. The lanes of m are overwritten.
+struct FloatMoments {
+    double lane[4][8];
+};
+using FloatMomentsFn = void (*)(const float* pixels, size_t n, double origin, double first, FloatMoments& m);
+
+template <int Degree>
+void FloatMoments_scalar(const float* pixels, size_t n, double origin, double first, FloatMoments& m);
+template <int Degree>
+void FloatMoments_sse2(const float* pixels, size_t n, double origin, double first, FloatMoments& m);
+template <int Degree>
+void FloatMoments_avx2(const float* pixels, size_t n, double origin, double first, FloatMoments& m);
+template <int Degree>
+void FloatMoments_avx512(const float* pixels, size_t n, double origin, double first, FloatMoments& m);
+
+// Adds the pixels begin..n-1 to lanes, the definition's way.
+template <int Degree>
+void AddFloatMoments(const float* pixels, size_t begin, size_t n, double origin, double first, FloatMoments& m);
+
+template <class T, int Degree>
+inline constexpr Variant<MomentsFn<T>> kMoments[] = {
+    {"avx512", Cpu::Avx512, &Moments_avx512<T, Degree>},
+    {"avx2", Cpu::Avx2, &Moments_avx2<T, Degree>},
+    {"sse2", Cpu::Sse2, &Moments_sse2<T, Degree>},
+    {"scalar", Cpu::Any, &Moments_scalar<T, Degree>},
+};
+template <int Degree>
+inline constexpr Variant<MomentsFn<uint32_t>> kMoments<uint32_t, Degree>[] = {
+    {"scalar", Cpu::Any, &Moments_scalar<uint32_t, Degree>}};
+
+template <int Degree>
+inline constexpr Variant<FloatMomentsFn> kFloatMoments[] = {
+    {"avx512", Cpu::Avx512, &FloatMoments_avx512<Degree>},
+    {"avx2", Cpu::Avx2, &FloatMoments_avx2<Degree>},
+    {"sse2", Cpu::Sse2, &FloatMoments_sse2<Degree>},
+    {"scalar", Cpu::Any, &FloatMoments_scalar<Degree>},
+};
+
+namespace {  // used in files of every instruction set: each keeps its own copy
+
+// Sums m[p] of weights times t^p, p = 0..degree, become those of weights times (t + by)^p. T: DoublePair by double, or
+// integers modulo 2^64.
+template <class T, class By>
+void ShiftMoments(T* m, int degree, By by) {
+    for (int pass = 0; pass < degree; ++pass)
+        for (int p = degree; p > pass; --p) m[p] += m[p - 1] * by;
+}
+
+// What nested running sums hold. Pixels come in blocks of `Lanes`; with B blocks, a[0] is for each lane the sum of its pixels,
+// a[1] the sum of what a[0] was after each block, and so on: block b was added to a[q] C(B - b + q - 1, q) times. Adds the
+// moments of these pixels, of which the first has the index `first`, to m. Modulo 2^64 throughout; only the result need fit.
+template <int Degree, size_t Lanes>
+void AddNested(const uint32_t (&a)[Degree + 1][Lanes], uint64_t blocks, uint64_t first, uint64_t* m) {
+    uint64_t t[4][4] = {};  // [q][r]: sum over lanes i of i^r a[q][i]
+    for (size_t i = 0; i < Lanes; ++i)
+        for (int q = 0; q <= Degree; ++q) {
+            uint64_t weighted = a[q][i];
+            for (int r = 0; r + q <= Degree; ++r, weighted *= i) t[q][r] += weighted;
+        }
+    for (int r = 0; r <= Degree; ++r) {
+        // Powers of c = B - b from the binomials, then of the block's start first + Lanes B - Lanes c.
+        const uint64_t c[4] = {t[0][r], t[1][r], 2 * t[2][r] - t[1][r], 6 * t[3][r] - 6 * t[2][r] + t[1][r]};
+        uint64_t starts[4];
+        uint64_t scale = 1;
+        for (int q = 0; q + r <= Degree; ++q, scale *= uint64_t{0} - Lanes) starts[q] = c[q] * scale;
+        ShiftMoments(starts, Degree - r, first + Lanes * blocks);
+        // (start + i)^k has C(k, r) start^(k - r) i^r.
+        constexpr uint64_t kBinomial[4][4] = {{1, 0, 0, 0}, {1, 1, 0, 0}, {1, 2, 1, 0}, {1, 3, 3, 1}};
+        for (int k = r; k <= Degree; ++k) m[k] += kBinomial[k][r] * starts[k - r];
+    }
+}
+
+}  // namespace
+
+}  // namespace orlix

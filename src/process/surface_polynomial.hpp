@@ -1,0 +1,60 @@
+// Polynomial surfaces z = f(x, y) of degree 1, 2 or 3, x column and y row: how they are written, shifted and solved for.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "numerics/linear_system.hpp"
+
+namespace orlix {
+
+// Monomials in the order of the records of the biquadratic and the bicubic fit: 1, y, x, y^2, xy, x^2, y^3, x y^2, x^2 y, x^3.
+constexpr size_t MonomialIndex(int powerOfX, int powerOfY) {
+    const int degree = powerOfX + powerOfY;
+    return static_cast<size_t>(degree * (degree + 1) / 2 + powerOfX);
+}
+constexpr size_t NumberOfMonomials(int degree) { return MonomialIndex(0, degree + 1); }
+
+// f(x, y) = sum of k[MonomialIndex(p, q)] x^p y^q; coefficients beyond the degree are 0.
+struct SurfacePolynomial {
+    std::array<double, 10> k = {};
+    double average = 0;  // of the grey values it was fitted to
+
+    bool finite() const;  // the coefficients and the average
+};
+
+// Where the pixels of a fit lie: sums are taken and systems solved in u = (2x - left - right) / width, v likewise, with width
+// the power of two at or above right - left (1 for a single column). So |u|, |v| <= 1, every pixel's u and v and the two
+// changes of coordinates are exact, and what is fitted does not depend on where in the image the region lies.
+class SurfaceFrame {
+public:
+    SurfaceFrame() = default;
+    // left <= right, top <= bottom.
+    SurfaceFrame(int32_t left, int32_t top, int32_t right, int32_t bottom);
+
+    double u(double x) const { return (2 * x - xSum_) / width_; }
+    double v(double y) const { return (2 * y - ySum_) / height_; }
+    double width() const { return width_; }
+    double height() const { return height_; }
+
+    // Coefficients of a polynomial in u, v (in the order of MonomialIndex) as those in x, y, each rounded once.
+    SurfacePolynomial InPixels(int degree, std::span<const DoublePair> coefficients) const;
+
+private:
+    double xSum_ = 0, ySum_ = 0;  // left + right, top + bottom
+    double width_ = 1, height_ = 1;
+};
+
+struct SurfacePoint {
+    int32_t x, y;
+    double z;
+};
+
+// The polynomial through points, at least one and at most ten: exactly as many points as monomials in general position
+// determine it. For others, and points on a line or twice the same, it is the shortest of the solutions with the
+// least sum of squared residuals, as coefficients in u, v. The average is that of the points.
+SurfacePolynomial PolynomialThrough(int degree, const SurfaceFrame& frame, std::span<const SurfacePoint> points);
+
+}  // namespace orlix
