@@ -1,0 +1,97 @@
+// Vectors of pixels for kernels that compare and select, with SSE2. For the files of this suffix only.
+//
+// A vector holds keys that order as the pixels do: SSE2 compares 16- and 32-bit numbers as signed ones only, so unsigned
+// pixels change their top bit on loading and storing. Differences of keys are differences of pixels.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orlix {
+namespace {
+
+struct Bytes {
+    using Pixel = uint8_t;
+    using Vector = __m128i;
+    static constexpr size_t kLanes = 16;
+    static Vector Load(const Pixel* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+    static void Store(Pixel* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+    static Vector All(Pixel p) { return _mm_set1_epi8(static_cast<char>(p)); }
+    static Vector Min(Vector a, Vector b) { return _mm_min_epu8(a, b); }
+    static Vector Max(Vector a, Vector b) { return _mm_max_epu8(a, b); }
+    // high where p - low >= high - p, else low; low <= p <= high.
+    static Vector Nearer(Vector p, Vector low, Vector high) {
+        const Vector under = _mm_sub_epi8(p, low), over = _mm_sub_epi8(high, p);
+        const Vector up = _mm_cmpeq_epi8(_mm_max_epu8(under, over), under);
+        return _mm_or_si128(_mm_and_si128(up, high), _mm_andnot_si128(up, low));
+    }
+};
+
+struct Words {
+    using Pixel = uint16_t;
+    using Vector = __m128i;
+    static constexpr size_t kLanes = 8;
+    static Vector Turned(Vector v) { return _mm_xor_si128(v, _mm_set1_epi16(static_cast<short>(0x8000))); }
+    static Vector Load(const Pixel* p) { return Turned(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+    static void Store(Pixel* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), Turned(v)); }
+    static Vector All(Pixel p) { return Turned(_mm_set1_epi16(static_cast<short>(p))); }
+    static Vector Min(Vector a, Vector b) { return _mm_min_epi16(a, b); }
+    static Vector Max(Vector a, Vector b) { return _mm_max_epi16(a, b); }
+    static Vector Nearer(Vector p, Vector low, Vector high) {
+        const Vector short_of = _mm_subs_epu16(_mm_sub_epi16(high, p), _mm_sub_epi16(p, low));
+        const Vector up = _mm_cmpeq_epi16(short_of, _mm_setzero_si128());
+        return _mm_or_si128(_mm_and_si128(up, high), _mm_andnot_si128(up, low));
+    }
+};
+
+struct SignedKeys {
+    using Vector = __m128i;
+    static constexpr size_t kLanes = 4;
+    static Vector Select(Vector mask, Vector yes, Vector no) {
+        return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
+    }
+    static Vector Min(Vector a, Vector b) { return Select(_mm_cmpgt_epi32(a, b), b, a); }
+    static Vector Max(Vector a, Vector b) { return Select(_mm_cmpgt_epi32(a, b), a, b); }
+};
+
+struct DoubleWords : SignedKeys {
+    using Pixel = uint32_t;
+    static Vector Turned(Vector v) { return _mm_xor_si128(v, _mm_set1_epi32(static_cast<int>(0x80000000u))); }
+    static Vector Load(const Pixel* p) { return Turned(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+    static void Store(Pixel* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), Turned(v)); }
+    static Vector All(Pixel p) { return Turned(_mm_set1_epi32(static_cast<int>(p))); }
+    static Vector Nearer(Vector p, Vector low, Vector high) {
+        const Vector under = Turned(_mm_sub_epi32(p, low)), over = Turned(_mm_sub_epi32(high, p));
+        return Select(_mm_cmpgt_epi32(over, under), low, high);
+    }
+};
+
+// The total order of IEEE 754: negative NaN, -infinity, ..., -0, 0, ..., infinity, NaN.
+struct TotallyOrdered : SignedKeys {
+    using Pixel = float;
+    static Vector Turned(Vector v) { return _mm_xor_si128(v, _mm_srli_epi32(_mm_srai_epi32(v, 31), 1)); }
+    static Vector Load(const Pixel* p) { return Turned(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+    static void Store(Pixel* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), Turned(v)); }
+};
+
+// Min and Max return the second operand when one is NaN.
+struct Floats {
+    using Pixel = float;
+    using Vector = __m128;
+    static constexpr size_t kLanes = 4;
+    static Vector Load(const Pixel* p) { return _mm_loadu_ps(p); }
+    static void Store(Pixel* p, Vector v) { _mm_storeu_ps(p, v); }
+    static Vector All(Pixel p) { return _mm_set1_ps(p); }
+    static Vector Min(Vector a, Vector b) { return _mm_min_ps(a, b); }
+    static Vector Max(Vector a, Vector b) { return _mm_max_ps(a, b); }
+    // Zeros lose their sign.
+    static Vector Nearer(Vector p, Vector low, Vector high) {
+        const Vector up = _mm_cmpge_ps(_mm_sub_ps(p, low), _mm_sub_ps(high, p));
+        return _mm_add_ps(_mm_or_ps(_mm_and_ps(up, high), _mm_andnot_ps(up, low)), _mm_setzero_ps());
+    }
+};
+
+}  // namespace
+}  // namespace orlix
