@@ -77,10 +77,12 @@ struct Floats {
     ORLIX_INLINE Vector All(Pixel p) { return _mm256_set1_ps(p); }
     ORLIX_INLINE Vector Min(const Vector& a, const Vector& b) { return _mm256_min_ps(a, b); }
     ORLIX_INLINE Vector Max(const Vector& a, const Vector& b) { return _mm256_max_ps(a, b); }
-    // Zeros lose their sign.
+    // The quiet NaN where p is NaN. Zeros lose their sign.
     ORLIX_INLINE Vector Nearer(const Vector& p, const Vector& low, const Vector& high) {
         const Vector up = _mm256_cmp_ps(_mm256_sub_ps(p, low), _mm256_sub_ps(high, p), _CMP_GE_OQ);
-        return _mm256_add_ps(_mm256_blendv_ps(low, high, up), _mm256_setzero_ps());
+        const Vector nearer = _mm256_add_ps(_mm256_blendv_ps(low, high, up), _mm256_setzero_ps());
+        const Vector nan = _mm256_castsi256_ps(_mm256_set1_epi32(0x7fc00000));
+        return _mm256_blendv_ps(nearer, nan, _mm256_cmp_ps(p, p, _CMP_UNORD_Q));
     }
 };
 

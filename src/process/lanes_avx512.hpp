@@ -75,10 +75,12 @@ struct Floats {
     ORLIX_INLINE Vector All(Pixel p) { return _mm512_set1_ps(p); }
     ORLIX_INLINE Vector Min(const Vector& a, const Vector& b) { return _mm512_min_ps(a, b); }
     ORLIX_INLINE Vector Max(const Vector& a, const Vector& b) { return _mm512_max_ps(a, b); }
-    // Zeros lose their sign.
+    // The quiet NaN where p is NaN. Zeros lose their sign.
     ORLIX_INLINE Vector Nearer(const Vector& p, const Vector& low, const Vector& high) {
         const __mmask16 up = _mm512_cmp_ps_mask(_mm512_sub_ps(p, low), _mm512_sub_ps(high, p), _CMP_GE_OQ);
-        return _mm512_add_ps(_mm512_mask_mov_ps(low, up, high), _mm512_setzero_ps());
+        const Vector nearer = _mm512_add_ps(_mm512_mask_mov_ps(low, up, high), _mm512_setzero_ps());
+        const Vector nan = _mm512_castsi512_ps(_mm512_set1_epi32(0x7fc00000));
+        return _mm512_mask_mov_ps(nearer, _mm512_cmp_ps_mask(p, p, _CMP_UNORD_Q), nan);
     }
 };
 

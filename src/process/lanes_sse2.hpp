@@ -86,10 +86,12 @@ struct Floats {
     static Vector All(Pixel p) { return _mm_set1_ps(p); }
     static Vector Min(Vector a, Vector b) { return _mm_min_ps(a, b); }
     static Vector Max(Vector a, Vector b) { return _mm_max_ps(a, b); }
-    // Zeros lose their sign.
+    // The quiet NaN where p is NaN. Zeros lose their sign.
     static Vector Nearer(Vector p, Vector low, Vector high) {
         const Vector up = _mm_cmpge_ps(_mm_sub_ps(p, low), _mm_sub_ps(high, p));
-        return _mm_add_ps(_mm_or_ps(_mm_and_ps(up, high), _mm_andnot_ps(up, low)), _mm_setzero_ps());
+        const Vector nearer = _mm_add_ps(_mm_or_ps(_mm_and_ps(up, high), _mm_andnot_ps(up, low)), _mm_setzero_ps());
+        const Vector unknown = _mm_cmpunord_ps(p, p), nan = _mm_castsi128_ps(_mm_set1_epi32(0x7fc00000));
+        return _mm_or_ps(_mm_and_ps(unknown, nan), _mm_andnot_ps(unknown, nearer));
     }
 };
 

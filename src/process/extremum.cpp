@@ -1,0 +1,247 @@
+#include "process/extremum.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "image/image_layout.hpp"
+#include "process/extremum_kernels.hpp"
+#include "process/extremum_nearer.hpp"
+#include "process/filtering.hpp"
+
+namespace orlix {
+namespace {
+
+// For the square without pixels.
+template <class T>
+void ChooseLimit(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits) {
+    for (size_t i = 0; i < n; ++i) to[i] = NearerExtreme(rows[0][i], limits.upper, limits.lower);
+}
+
+// The ends of the type's order, which any pixel replaces.
+template <class T>
+constexpr T kFirst = std::numeric_limits<T>::has_infinity ? -std::numeric_limits<T>::infinity()
+                                                          : std::numeric_limits<T>::lowest();
+template <class T>
+constexpr T kLast = std::numeric_limits<T>::has_infinity ? std::numeric_limits<T>::infinity()
+                                                         : std::numeric_limits<T>::max();
+
+template <class T>
+FilterParameters<T> WithoutNan(FilterParameters<T> limits) {
+    if constexpr (std::is_same_v<T, float>) {
+        if (std::isnan(limits.lower)) limits.lower = kFirst<T>;
+        if (std::isnan(limits.upper)) limits.upper = kLast<T>;
+    }
+    return limits;
+}
+
+struct Range {
+    int64_t first, last;
+    int64_t count() const { return last - first + 1; }
+};
+
+// Rows and columns of the results: the bounding box of the runs, as far as their squares can be read.
+template <class T>
+void FindResults(PixelView<const T> from, const RegionRows& region, int64_t h, Range& rows, Range& columns) {
+    rows = {std::max<int64_t>(region.top(), h - kTableMargin),
+            std::min<int64_t>(region.bottom(), int64_t{from.height()} + kTableMargin - 1 - h)};
+    columns = {std::numeric_limits<int32_t>::max(), -1};
+    for (int64_t y = rows.first; y <= rows.last; ++y)
+        for (const Run run : region.row(static_cast<int32_t>(y))) {
+            columns.first = std::min<int64_t>(columns.first, run.start);
+            columns.last = std::max<int64_t>(columns.last, run.stop);
+        }
+    columns.first = std::max(columns.first, h - kTableMargin);
+    columns.last = std::min(columns.last, int64_t{from.width()} + kTableMargin - 1 - h);
+}
+
+// One call of ExtremumSharpening. Strips of columns, each from top to bottom: so the blocks of rows that the running extremes
+// need stay in the second cache, while h allows.
+template <class T>
+class Sharpener {
+public:
+    Sharpener(PixelView<const T> from, PixelView<T> to, const RegionRows& region, int64_t h,
+              const FilterParameters<T>& limits, const Range& rows, const Range& columns)
+        : kernels_(Choose(kExtremum<T>)),
+          from_(from),
+          to_(to),
+          region_(region),
+          h_(h),
+          side_(2 * h + 1),
+          limits_(limits),
+          rows_(rows),
+          columns_(columns),
+          adjacent_(from.AdjacentColumns()),
+          slots_(std::min(side_, rows.count())) {
+        // Neighbouring strips share 2h columns, so they are not made narrower than that.
+        const auto size = static_cast<int64_t>(sizeof(T));
+        const int64_t fitting = std::min(kSlotBytes / (2 * slots_ * size), kRowBytes / size) - 2 * h_;
+        width_ = std::min(columns.count(), std::max({fitting, 4 * h_, int64_t{512}}));
+        // A whole number of cache lines, odd in number: rows do not compete for the same sets of a cache.
+        stride_ = ((width_ + 2 * h_) * size / 128 * 128 + 192) / size;
+        const int64_t samples = (2 * slots_ + 9) * stride_;
+        if (static_cast<uint64_t>(samples) > std::numeric_limits<size_t>::max()) throw std::bad_alloc();
+        scratch_ = std::make_unique_for_overwrite<T[]>(static_cast<size_t>(samples));
+        running_ = Row(slots_);
+        joined_ = Row(slots_ + 1);
+        widened_ = Row(slots_ + 2);
+        nothing_ = Row(slots_ + 3);
+        std::fill_n(nothing_.low, stride_, kLast<T>);
+        std::fill_n(nothing_.high, stride_, kFirst<T>);
+        gathered_ = scratch_.get() + (2 * slots_ + 8) * stride_;
+    }
+
+    void operator()() {
+        for (int64_t x = columns_.first; x <= columns_.last; x += width_)
+            Strip({x, std::min(x + width_ - 1, columns_.last)});
+    }
+
+private:
+    static constexpr int64_t kSlotBytes = 1 << 18;
+    static constexpr int64_t kRowBytes = 4096 + 512;
+
+    ExtremaRow<T> Row(int64_t i) const {
+        return {scratch_.get() + 2 * i * stride_, scratch_.get() + (2 * i + 1) * stride_};
+    }
+
+    // Columns first..last of row y: where they are, or gathered through the table.
+    const T* Pixels(int64_t y, const Range& columns) const {
+        const auto row = static_cast<int32_t>(y);
+        if (columns.first >= 0 && columns.last < adjacent_) return from_.row(row) + columns.first;
+        T* to = gathered_;
+        for (int64_t x = columns.first; x <= columns.last;) {
+            if (x >= 0 && x < adjacent_) {
+                const int64_t n = std::min(columns.last + 1, adjacent_) - x;
+                to = std::copy_n(from_.row(row) + x, n, to);
+                x += n;
+            } else {
+                *to++ = from_.at(static_cast<int32_t>(x++), row);
+            }
+        }
+        return gathered_;
+    }
+
+    void Strip(const Range& strip) {
+        const Range read = {strip.first - h_, strip.last + h_};
+        const auto n = static_cast<size_t>(read.count());
+        ExtremaRow<const T> prefix = nothing_;
+        for (int64_t y = rows_.first; y <= rows_.last; ++y) {
+            // The square's rows are the last side_ - phase ones of a block and the first phase ones of the next.
+            const int64_t phase = (y - rows_.first) % side_;
+            const Range span = Span(y, strip);
+            ExtremaRow<const T> column = Row(0);
+            if (phase == 0) {
+                FindSuffixes(y, read);
+                prefix = nothing_;
+            } else if (span.count() > 0) {
+                kernels_.extendAndJoin(Pixels(y + h_, read), prefix, running_, Row(phase), joined_, n);
+                prefix = running_;
+                column = joined_;
+            } else {
+                kernels_.extend(Pixels(y + h_, read), prefix, running_, n);
+                prefix = running_;
+            }
+            if (span.count() > 0) SharpenRow(y, strip, span, column);
+        }
+    }
+
+    // Slot j: the extremes of rows y - h + j .. y + h.
+    void FindSuffixes(int64_t y, const Range& read) {
+        const int64_t slots = std::min(side_, rows_.last - y + 1);
+        ExtremaRow<const T> last = nothing_;
+        for (int64_t j = side_ - 1; j >= 0; --j) {
+            const ExtremaRow<T> to = Row(std::min(j, slots - 1));
+            kernels_.extend(Pixels(y - h_ + j, read), last, to, static_cast<size_t>(read.count()));
+            last = to;
+        }
+    }
+
+    // From the first to the last column of the strip that the region has in row y.
+    Range Span(int64_t y, const Range& strip) const {
+        Range span = {strip.last + 1, strip.first - 1};
+        for (const Run run : region_.row(static_cast<int32_t>(y))) {
+            if (run.stop < strip.first || run.start > strip.last) continue;
+            span.first = std::max(strip.first, std::min<int64_t>(span.first, run.start));
+            span.last = std::min<int64_t>(strip.last, run.stop);
+        }
+        return span;
+    }
+
+    // column: the extremes of the columns of the squares, from strip.first - h on.
+    void SharpenRow(int64_t y, const Range& strip, const Range& span, ExtremaRow<const T> column) {
+        ExtremaRow<const T> window = column + static_cast<size_t>(span.first - strip.first);
+        ExtremaRow<T> to = widened_, other = joined_;
+        int64_t width = 1;
+        int64_t n = span.count() + side_ - 1;
+        while (2 * width < side_) {
+            const int64_t wider = std::min(4 * width, h_ + 1), last = wider - width;
+            n -= last;
+            const size_t steps[3] = {static_cast<size_t>(std::min(width, last)),
+                                     static_cast<size_t>(std::min(2 * width, last)), static_cast<size_t>(last)};
+            kernels_.widen(window, to, steps, static_cast<size_t>(n));
+            window = to;
+            std::swap(to, other);
+            width = wider;
+        }
+        const T* const pixels = Pixels(y, span);
+        T* const row = to_.row(static_cast<int32_t>(y));
+        for (const Run run : region_.row(static_cast<int32_t>(y))) {
+            const int64_t start = std::max<int64_t>(run.start, span.first);
+            const int64_t stop = std::min<int64_t>(run.stop, span.last);
+            if (start > stop) continue;
+            const auto i = static_cast<size_t>(start - span.first);
+            kernels_.sharpen(pixels + i, window + i, static_cast<size_t>(side_ - width), row + start,
+                             static_cast<size_t>(stop - start + 1), limits_);
+        }
+    }
+
+    ExtremumKernels<T> kernels_;
+    PixelView<const T> from_;
+    PixelView<T> to_;
+    const RegionRows& region_;
+    int64_t h_;
+    int64_t side_;
+    FilterParameters<T> limits_;
+    Range rows_;
+    Range columns_;
+    int64_t adjacent_;
+    int64_t slots_;   // rows of extremes kept for a block
+    int64_t width_;   // of a strip
+    int64_t stride_;  // of a row in the scratch memory
+    std::unique_ptr<T[]> scratch_;
+    ExtremaRow<T> running_, joined_, widened_, nothing_;
+    T* gathered_;
+};
+
+}  // namespace
+
+template <class T>
+ExtremumSharpening<T>::ExtremumSharpening(int32_t halfSize, const FilterParameters<T>& limits)
+    : halfSize_(halfSize), limits_(WithoutNan(limits)) {}
+
+template <class T>
+void ExtremumSharpening<T>::operator()(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const {
+    if (halfSize_ < 0)
+        NeighbourhoodFilter<T>(&ChooseLimit<T>, 0, limits_)(from, to, region);
+    else if (halfSize_ == 1)
+        NeighbourhoodFilter<T>(Choose(kExtremumSharpening3x3<T>), 1, limits_)(from, to, region);
+    else
+        AnySize(from, to, region);
+}
+
+template <class T>
+void ExtremumSharpening<T>::AnySize(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const {
+    Range rows, columns;
+    FindResults(from, region, halfSize_, rows, columns);
+    if (rows.count() <= 0 || columns.count() <= 0) return;
+    Sharpener<T>(from, to, region, halfSize_, limits_, rows, columns)();
+}
+
+template class ExtremumSharpening<uint8_t>;
+template class ExtremumSharpening<uint16_t>;
+template class ExtremumSharpening<uint32_t>;
+template class ExtremumSharpening<float>;
+
+}  // namespace orlix
