@@ -64,7 +64,7 @@ template <class T>
 class Sharpener {
 public:
     Sharpener(PixelView<const T> from, PixelView<T> to, const RegionRows& region, int64_t h,
-              const FilterParameters<T>& limits, const Range& rows, const Range& columns)
+              const FilterParameters<T>& limits, const Range& rows, const Range& columns, PixelBuffer& scratch)
         : kernels_(Choose(kExtremum<T>)),
           from_(from),
           to_(to),
@@ -75,7 +75,9 @@ public:
           rows_(rows),
           columns_(columns),
           adjacent_(from.AdjacentColumns()),
-          slots_(std::min(side_, rows.count())) {
+          slots_(std::min(side_, rows.count())),
+          scratch_(scratch) {
+        margins_.reserve(2 * kTableMargin);
         // Neighbouring strips share 2h columns, so they are not made narrower than that.
         const auto size = static_cast<int64_t>(sizeof(T));
         const int64_t fitting = std::min(kSlotBytes / (2 * slots_ * size), kRowBytes / size) - 2 * h_;
@@ -225,12 +227,14 @@ private:
             if (x == core.first && core.count() > 0) x = core.last + 1;
             if (x > columns.last) break;
             const int64_t origin = int64_t{table[x].XEntry} - table[0].XEntry;
-            if (origin < core.first || origin > core.last) {
+            const int64_t to = x - columns.first, from = origin - columns.first;
+            if (!margins_.empty() && origin >= core.first && origin <= core.last && margins_.back().Append(to, from))
+                continue;
+            if (origin < core.first || origin > core.last || margins_.size() == margins_.capacity()) {
                 margins_.clear();
                 return columns;
             }
-            const int64_t to = x - columns.first, from = origin - columns.first;
-            if (margins_.empty() || !margins_.back().Append(to, from)) margins_.push_back({to, from, 1, 0});
+            margins_.push_back({to, from, 1, 0});
         }
         return core;
     }
@@ -290,7 +294,7 @@ private:
     int64_t slots_;   // rows of extremes kept for a block
     int64_t width_;   // of a strip
     int64_t stride_;  // of a row in the scratch memory
-    PixelBuffer scratch_;
+    PixelBuffer& scratch_;
     ExtremaRow<T> running_, joined_, widened_, nothing_;
     T* gathered_;
     std::vector<Margin> margins_;
@@ -317,7 +321,7 @@ void ExtremumSharpening<T>::AnySize(PixelView<const T> from, PixelView<T> to, co
     Range rows, columns;
     FindResults(from, region, halfSize_, rows, columns);
     if (rows.count() <= 0 || columns.count() <= 0) return;
-    Sharpener<T>(from, to, region, halfSize_, limits_, rows, columns)();
+    Sharpener<T>(from, to, region, halfSize_, limits_, rows, columns, scratch_)();
 }
 
 template class ExtremumSharpening<uint8_t>;

@@ -11,11 +11,14 @@
 #include "process/casting.hpp"
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
+#include "process/extremum.hpp"
 #include "process/filtering.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/measuring.hpp"
+#include "process/median_kernels.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
+#include "process/sobel_kernels.hpp"
 #include "process/table_look_up.hpp"
 #include "process/threshold.hpp"
 #include "process/typed_image.hpp"
@@ -174,6 +177,12 @@ public:
         Combine<PlusOperation>(source, band, kTexts);
     }
 
+    void Sobel(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kSobel<Pixel>, 1), source, band,
+               {"IImageProcess::Sobel: data type mismatch.",
+                "IImageProcess::Sobel: mismatch in the number of bands to process."});
+    }
+
     void Laplacian(IImageVPA* source, LONG band) override {
         Filter(Neighbourhood(kLaplacian<Pixel>, 1), source, band,
                {"IImageProcess::Laplacian: data type mismatch.",
@@ -202,6 +211,18 @@ public:
         Filter(Neighbourhood(kGaussian5x5<Pixel>, 2), source, band,
                {"IImageProcess::Gaussian5x5: data type mismatch.",
                 "IImageProcess::Gaussian5x5: mismatch in the number of bands to process."});
+    }
+
+    void ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) override {
+        Filter(orlix::ExtremumSharpening<Pixel>(halfSize, {lower_, upper_}), source, band,
+               {"IImageProcess::ExtremumSharpening: data type mismatch.",
+                "IImageProcess::ExtremumSharpening: mismatch in the number of bands to process."});
+    }
+
+    void Median3x3(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kMedian3x3<Pixel>, 1), source, band,
+               {"IImageProcess::Median3x3: data type mismatch.",
+                "IImageProcess::Median3x3: mismatch in the number of bands to process."});
     }
 
 private:

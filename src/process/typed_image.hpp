@@ -56,11 +56,14 @@ public:
     virtual void CastEquals(IImageVPA* source, LONG band) = 0;
     virtual void PlusEquals(IImageVPA* source, LONG band) = 0;
 
+    virtual void Sobel(IImageVPA* source, LONG band) = 0;
     virtual void Laplacian(IImageVPA* source, LONG band) = 0;
     virtual void SharpenLow(IImageVPA* source, LONG band) = 0;
     virtual void SharpenMedium(IImageVPA* source, LONG band) = 0;
     virtual void Gaussian3x3(IImageVPA* source, LONG band) = 0;
     virtual void Gaussian5x5(IImageVPA* source, LONG band) = 0;
+    virtual void ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) = 0;
+    virtual void Median3x3(IImageVPA* source, LONG band) = 0;
 
 protected:
     TypedImage() = default;
