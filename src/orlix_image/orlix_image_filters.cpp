@@ -2,6 +2,13 @@
 
 using namespace orlix;
 
+STDMETHODIMP OrlixImage::Sobel(IImageVPA* source, LONG band) noexcept {
+    return Guarded([&] {
+        Require(source);
+        Typed()->Sobel(source, band);
+    });
+}
+
 STDMETHODIMP OrlixImage::Laplacian(IImageVPA* source, LONG band) noexcept {
     return Guarded([&] {
         Require(source);
@@ -34,5 +41,19 @@ STDMETHODIMP OrlixImage::Gaussian5x5(IImageVPA* source, LONG band) noexcept {
     return Guarded([&] {
         Require(source);
         Typed()->Gaussian5x5(source, band);
+    });
+}
+
+STDMETHODIMP OrlixImage::ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) noexcept {
+    return Guarded([&] {
+        Require(source);
+        Typed()->ExtremumSharpening(halfSize, source, band);
+    });
+}
+
+STDMETHODIMP OrlixImage::Median3x3(IImageVPA* source, LONG band) noexcept {
+    return Guarded([&] {
+        Require(source);
+        Typed()->Median3x3(source, band);
     });
 }

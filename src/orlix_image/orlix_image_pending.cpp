@@ -1,14 +1,11 @@
-// Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): filters, local extrema,
-// local background correction, robust fits and hemispheres. They refuse and write nothing.
+// Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): local extrema, local
+// background correction and surface fits. They refuse and write nothing.
 
 #include "orlix_image/orlix_image.hpp"
 
 STDMETHODIMP OrlixImage::get_LocalMaxima(IBitmap**) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_LocalMinima(IBitmap**) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::LocalBackgroundCorrect() noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::Sobel(IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::ExtremumSharpening(LONG, IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::Median3x3(IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_RobustPlanarFit(double, SPlanarFit*) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::RobustCorrectPlanar(double) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::get_RobustBiquadraticFit(double, SBiquadraticFit*) noexcept { return E_NOTIMPL; }

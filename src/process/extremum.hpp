@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "geometry/region_rows.hpp"
+#include "image/pixel_buffer.hpp"
 #include "image/pixel_view.hpp"
 #include "process/filter_kernels.hpp"
 
@@ -21,7 +22,8 @@ namespace orlix {
 //      that is NaN becomes the quiet NaN 7fc00000. Zeros lose their sign.
 //  (5) Neither limit clamps: lower > upper is allowed.
 //  (6) from must not lie in the memory of to. std::bad_alloc when the scratch memory (about 0.5 MiB for small h, at
-//      most about the source's band with its margin) cannot be had; nothing has been written then.
+//      most about the source's band with its margin) cannot be had; nothing has been written then, nor
+//      can bands of the same sizes fail after the first.
 template <class T>
 class ExtremumSharpening {
 public:
@@ -35,7 +37,8 @@ public:
 
 private:
     int32_t halfSize_;
-    FilterParameters<T> limits_;  // not NaN
+    FilterParameters<T> limits_;   // not NaN
+    mutable PixelBuffer scratch_;  // kept, so that after the first band nothing can fail
 };
 
 extern template class ExtremumSharpening<uint8_t>;

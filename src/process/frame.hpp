@@ -12,13 +12,15 @@
 #include "process/correction.hpp"
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
+#include "process/extremum.hpp"
 #include "process/filtering.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/look_ahead.hpp"
 #include "process/measuring.hpp"
+#include "process/median_kernels.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
-#include "process/surface_fit.hpp"
+#include "process/sobel_kernels.hpp"
 #include "process/table_look_up.hpp"
 #include "process/threshold.hpp"
 #include "process/typed_image.hpp"
@@ -173,6 +175,12 @@ public:
         Combine<PlusOperation>(source, band, kTexts);
     }
 
+    void Sobel(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kSobel<Pixel>, 1), source, band,
+               {"IImageProcess::Sobel: data type mismatch.",
+                "IImageProcess::Sobel: mismatch in the number of bands to process."});
+    }
+
     void Laplacian(IImageVPA* source, LONG band) override {
         Filter(Neighbourhood(kLaplacian<Pixel>, 1), source, band,
                {"IImageProcess::Laplacian: data type mismatch.",
@@ -203,23 +211,16 @@ public:
                 "IImageProcess::Gaussian5x5: mismatch in the number of bands to process."});
     }
 
-    HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) override {
-        SingleBand(texts.multiband);
-        const Selection selection = Select();
-        const PixelBounds bounds = BoundsOf(selection.rows);
-        if (bounds.empty()) return S_FALSE;
-        SurfaceFitter<Pixel> fitter(degree, selection.rows, bounds);
-        ForEachRun(selection, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { fitter(pixels, n, x, y); });
-        if (!fitter.Finish(surface)) throw Failure(texts.notFinite);
-        return S_OK;
+    void ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) override {
+        Filter(orlix::ExtremumSharpening<Pixel>(halfSize, {lower_, upper_}), source, band,
+               {"IImageProcess::ExtremumSharpening: data type mismatch.",
+                "IImageProcess::ExtremumSharpening: mismatch in the number of bands to process."});
     }
 
-    void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) override {
-        if (!surface.finite()) throw Failure(notFinite);
-        const Corrector<Pixel> corrector(lower_, upper_);
-        ForEachRun(Select(),
-                   [&](Pixel* pixels, size_t n, int32_t x, int32_t y) { corrector.Apply(pixels, n, x, y, surface); });
-        image_.SetModified(true);
+    void Median3x3(IImageVPA* source, LONG band) override {
+        Filter(Neighbourhood(kMedian3x3<Pixel>, 1), source, band,
+               {"IImageProcess::Median3x3: data type mismatch.",
+                "IImageProcess::Median3x3: mismatch in the number of bands to process."});
     }
 
 private:

@@ -4,10 +4,12 @@
 #include "process/correction_kernels.hpp"
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
+#include "process/extremum_kernels.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/measuring_kernels.hpp"
-#include "process/moments_kernels.hpp"
+#include "process/median_kernels.hpp"
 #include "process/point_kernels.hpp"
+#include "process/sobel_kernels.hpp"
 #include "process/threshold_kernels.hpp"
 #include "process/variants.hpp"
 
@@ -59,19 +61,21 @@ std::span<const KernelInUse> KernelsInUse() {
         {"medium sharpening, 8 bits", ChosenVariant(kSharpenMedium<uint8_t>).name},
         {"medium sharpening, 16 bits", ChosenVariant(kSharpenMedium<uint16_t>).name},
         {"medium sharpening, float", ChosenVariant(kSharpenMedium<float>).name},
-        {"plane, 8 bits", ChosenVariant(kMoments<uint8_t, 1>).name},
-        {"plane, 16 bits", ChosenVariant(kMoments<uint16_t, 1>).name},
-        {"plane, 32 bits", ChosenVariant(kMoments<uint32_t, 1>).name},
-        {"plane, float", ChosenVariant(kFloatMoments<1>).name},
-        {"surfaces, 8 bits", ChosenVariant(kMoments<uint8_t, 3>).name},
-        {"surfaces, 16 bits", ChosenVariant(kMoments<uint16_t, 3>).name},
-        {"surfaces, 32 bits", ChosenVariant(kMoments<uint32_t, 3>).name},
-        {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
-        {"surface values", ChosenVariant(kShifts).name},
-        {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
-        {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
-        {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
-        {"correct, float", ChosenVariant(kCorrect<float>).name},
+        {"Sobel, 8 bits", ChosenVariant(kSobel<uint8_t>).name},
+        {"Sobel, 16 bits", ChosenVariant(kSobel<uint16_t>).name},
+        {"Sobel, float", ChosenVariant(kSobel<float>).name},
+        {"median, 8 bits", ChosenVariant(kMedian3x3<uint8_t>).name},
+        {"median, 16 bits", ChosenVariant(kMedian3x3<uint16_t>).name},
+        {"median, 32 bits", ChosenVariant(kMedian3x3<uint32_t>).name},
+        {"median, float", ChosenVariant(kMedian3x3<float>).name},
+        {"extremum sharpening, 8 bits", ChosenVariant(kExtremum<uint8_t>).name},
+        {"extremum sharpening, 16 bits", ChosenVariant(kExtremum<uint16_t>).name},
+        {"extremum sharpening, 32 bits", ChosenVariant(kExtremum<uint32_t>).name},
+        {"extremum sharpening, float", ChosenVariant(kExtremum<float>).name},
+        {"extremum sharpening of 3x3, 8 bits", ChosenVariant(kExtremumSharpening3x3<uint8_t>).name},
+        {"extremum sharpening of 3x3, 16 bits", ChosenVariant(kExtremumSharpening3x3<uint16_t>).name},
+        {"extremum sharpening of 3x3, 32 bits", ChosenVariant(kExtremumSharpening3x3<uint32_t>).name},
+        {"extremum sharpening of 3x3, float", ChosenVariant(kExtremumSharpening3x3<float>).name},
     };
     return kernels;
 }

@@ -57,18 +57,14 @@ public:
     virtual void CastEquals(IImageVPA* source, LONG band) = 0;
     virtual void PlusEquals(IImageVPA* source, LONG band) = 0;
 
+    virtual void Sobel(IImageVPA* source, LONG band) = 0;
     virtual void Laplacian(IImageVPA* source, LONG band) = 0;
     virtual void SharpenLow(IImageVPA* source, LONG band) = 0;
     virtual void SharpenMedium(IImageVPA* source, LONG band) = 0;
     virtual void Gaussian3x3(IImageVPA* source, LONG band) = 0;
     virtual void Gaussian5x5(IImageVPA* source, LONG band) = 0;
-    struct FitTexts {
-        const char* multiband;
-        const char* notFinite;
-    };
-    // Degree 1, 2 or 3. S_FALSE, and the surface stays as it was, for a region without pixels.
-    virtual HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) = 0;
-    virtual void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) = 0;
+    virtual void ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) = 0;
+    virtual void Median3x3(IImageVPA* source, LONG band) = 0;
 
 protected:
     TypedImage() = default;
