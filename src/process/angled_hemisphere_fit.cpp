@@ -204,7 +204,7 @@ std::optional<Hemisphere> FitAngledHemisphere(const Source& source, double avera
     if (source.count() >= 4 * kFew) {
         const auto every =
             static_cast<int32_t>(std::ceil(std::sqrt(static_cast<double>(source.count()) / static_cast<double>(kFew))));
-        std::vector<RegionPoint> points;
+        std::vector<SurfacePoint> points;
         source.ForEachRun([&](const T* run, size_t n, int32_t x, int32_t y) {
             if (y % every != 0) return;
             for (auto i = static_cast<size_t>((every - x % every) % every); i < n; i += static_cast<size_t>(every))

@@ -9,14 +9,9 @@
 
 #include "geometry/region_rows.hpp"
 #include "image/pixel_view.hpp"
+#include "process/surface_polynomial.hpp"
 
 namespace orlix {
-
-// A pixel: column, row and grey value.
-struct RegionPoint {
-    int32_t x, y;
-    double z;
-};
 
 // Borrows the rows. T is a pixel type.
 template <class T>
@@ -49,7 +44,7 @@ public:
     }
 
     // Pixel number index in run order, 0 <= index < count(). Takes a search over the rows.
-    RegionPoint At(int64_t index) const {
+    SurfacePoint At(int64_t index) const {
         const auto after = std::upper_bound(starts_.begin(), starts_.end(), index);
         const auto row = static_cast<int32_t>(after - starts_.begin()) - 1;
         const int32_t y = rows_.top() + row;
@@ -80,16 +75,16 @@ private:
 class PointRuns {
 public:
     using Pixel = double;
-    explicit PointRuns(std::span<const RegionPoint> points) : points_(points) {}
+    explicit PointRuns(std::span<const SurfacePoint> points) : points_(points) {}
 
     int64_t count() const { return static_cast<int64_t>(points_.size()); }
     template <class Visit>
     void ForEachRun(Visit&& visit) const {
-        for (const RegionPoint& point : points_) visit(&point.z, size_t{1}, point.x, point.y);
+        for (const SurfacePoint& point : points_) visit(&point.z, size_t{1}, point.x, point.y);
     }
 
 private:
-    std::span<const RegionPoint> points_;
+    std::span<const SurfacePoint> points_;
 };
 
 }  // namespace orlix

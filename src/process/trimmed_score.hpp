@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "numerics/exact_accumulator.hpp"
@@ -43,7 +44,7 @@ public:
           divide_(Choose(kDivideSquares<T>)) {
         // The golden section spreads the sample evenly over any shape, without steps that fall into rhythm with the rows.
         const int64_t n = pixels.count();
-        const int64_t size = std::min<int64_t>(n / 64, 1024);
+        const int64_t size = std::min<int64_t>(n / 64, kLargeSample);
         for (int64_t i = 0; i < size; ++i) {
             const double at = static_cast<double>(i) * 0.6180339887498949;
             sample_.push_back(pixels.At(static_cast<int64_t>((at - std::floor(at)) * static_cast<double>(n))));
@@ -57,9 +58,8 @@ public:
             best_ = surface;
             return true;
         }
-        const Interval interval = Estimate(surface);
-        if (best_ && CannotWin(surface, interval.middle)) return false;
-        const std::optional<Score> score = Measure(surface, interval.low, interval.high);
+        if (best_ && CannotWin(surface, Estimate(surface, kSmallSample).middle)) return false;
+        const std::optional<Score> score = Measure(surface, Estimate(surface, kLargeSample));
         if (!score || (best_ && !Less(*score, surface))) return false;
         best_ = surface;
         bestScore_ = *score;
@@ -81,6 +81,8 @@ private:
         double low, middle, high;
     };
 
+    // A tenth and a fiftieth of the pixels lie in an interval estimated from so many.
+    static constexpr size_t kSmallSample = 1024, kLargeSample = 32768;
     static constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
     template <class Visit, class More>
@@ -100,10 +102,10 @@ private:
         ForEachPart(surface, visit, [] { return true; });
     }
 
-    Interval Estimate(const Surface& surface) {
+    Interval Estimate(const Surface& surface, size_t most) {
         if (sample_.empty()) return {-1, kInfinity, kInfinity};
         squares_.clear();
-        for (const RegionPoint& point : sample_) {
+        for (const SurfacePoint& point : std::span(sample_).first(std::min(sample_.size(), most))) {
             double value;
             surface.Values(point.x, point.y, 1, &value);
             const double square = (value - point.z) * (value - point.z);
@@ -137,7 +139,8 @@ private:
     }
 
     // Nothing when the score is not below the largest double.
-    std::optional<Score> Measure(const Surface& surface, double low, double high) {
+    std::optional<Score> Measure(const Surface& surface, const Interval& expected) {
+        double low = expected.low, high = expected.high;
         const auto good = static_cast<uint64_t>(good_);
         SquareClasses classes;
         size_t kept = 0;
@@ -220,7 +223,7 @@ private:
     double error_;  // of a rounded sum of as many squares, relative
     ClippedSquaresFn<T> clip_;
     DivideSquaresFn<T> divide_;
-    std::vector<RegionPoint> sample_;
+    std::vector<SurfacePoint> sample_;
     std::vector<double> squares_;  // of the sample
     std::vector<double> middle_;
     std::array<double, 1024> values_;  // of the surface, for a part of a run
