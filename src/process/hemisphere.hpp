@@ -22,6 +22,11 @@ struct Hemisphere {
     double alpha = 0, beta = 0;
 };
 
+struct AveragedHemisphere {
+    Hemisphere hemisphere;
+    double average = 0;  // of the grey values it was fitted to
+};
+
 // The heights of a hemisphere, the same on every build. A zScale of 0 tells no height: f is then zCenter everywhere.
 class HemisphereSurface {
 public:

@@ -24,16 +24,12 @@ namespace orlix {
 //      one that drew NaN or infinity, or whose score is not finite. NaN and infinite pixels count as bad ones.
 //  (3) Nothing improves on a score of 0, so the search then ends at once: among others for K = 0, where the first surface wins.
 //  (4) For a small p, N has no bound. The search ends after TrialLimit() trials in a row, N or fewer: at 2^39 visits of
-//      pixels, each trial counting as 4096 more, but no earlier than after 1000 trials. That is some minutes. It cuts N = 25600
-//      (a bicubic surface, P = 0.5) beyond 17 million pixels, and N = 10^8 nowhere below 1100 pixels.
+//      pixels, each trial counting as 4096 more, but not before 1000 trials. Those are some minutes at most. N = 25600 (a bicubic
+//      surface, P = 0.5) is cut beyond 21 million pixels, N = 4 million (P = 0.3) beyond 130000.
 //  (5) The average is that of all pixels but NaN and infinite ones.
 // Nothing for fewer than k pixels, and when no trial has found a surface.
 template <class T>
 std::optional<SurfacePolynomial> RobustPolynomial(const RegionPixels<T>& pixels, int degree, double probability);
-struct AveragedHemisphere {
-    Hemisphere hemisphere;
-    double average = 0;
-};
 template <class T>
 std::optional<AveragedHemisphere> RobustHemisphere(const RegionPixels<T>& pixels, bool angled, double probability);
 
