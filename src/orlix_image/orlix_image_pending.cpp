@@ -1,5 +1,5 @@
-// Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): filters, local extrema,
-// local background correction, robust fits and hemispheres. They refuse and write nothing.
+// Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): filters, local extrema
+// and local background correction. They refuse and write nothing.
 
 #include "orlix_image/orlix_image.hpp"
 
@@ -14,17 +14,3 @@ STDMETHODIMP OrlixImage::Gaussian3x3(IImageVPA*, LONG) noexcept { return E_NOTIM
 STDMETHODIMP OrlixImage::Gaussian5x5(IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::ExtremumSharpening(LONG, IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
 STDMETHODIMP OrlixImage::Median3x3(IImageVPA*, LONG) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_RobustPlanarFit(double, SPlanarFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::RobustCorrectPlanar(double) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_RobustBiquadraticFit(double, SBiquadraticFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::RobustCorrectBiquadratic(double) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_RobustBicubicFit(double, SBicubicFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::RobustCorrectBicubic(double) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_RobustHemisphereFit(double, SHemisphereFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_HemisphereFit(SHemisphereFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::CorrectHemisphere(SHemisphereFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::RobustCorrectHemisphere(double) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_RobustAngledHemisphereFit(double, SAngledHemisphereFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_AngledHemisphereFit(SAngledHemisphereFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::CorrectAngledHemisphere(SAngledHemisphereFit*) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::RobustCorrectAngledHemisphere(double) noexcept { return E_NOTIMPL; }

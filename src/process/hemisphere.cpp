@@ -23,6 +23,14 @@ HemisphereSurface::HemisphereSurface(const Hemisphere& hemisphere)
     slopeY_ = slope(hemisphere.beta);
 }
 
+bool HemisphereSurface::finite() const {
+    const Hemisphere& h = hemisphere_;
+    for (const double number :
+         {h.xCenter, h.yCenter, h.zCenter, h.zScale, h.radius, h.alpha, h.beta, height_, slopeX_, slopeY_})
+        if (!std::isfinite(number)) return false;
+    return true;
+}
+
 void HemisphereSurface::Values(int32_t x, int32_t y, size_t n, double* values) const {
     const double dy = y - hemisphere_.yCenter;
     const HemisphereRow row{hemisphere_.xCenter, hemisphere_.zCenter + slopeY_ * dy, slopeX_, height_,

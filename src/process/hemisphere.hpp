@@ -33,6 +33,8 @@ public:
     explicit HemisphereSurface(const Hemisphere& hemisphere);
 
     const Hemisphere& hemisphere() const { return hemisphere_; }
+    // Whether every number it is made of is finite.
+    bool finite() const;
 
     // f(x, y), f(x + 1, y), ...
     void Values(int32_t x, int32_t y, size_t n, double* values) const;

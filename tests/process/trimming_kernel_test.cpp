@@ -21,7 +21,7 @@ std::vector<double> SurfaceNear(std::span<const T> pixels, uint32_t seed) {
     std::mt19937 random(seed);
     std::vector<double> surface(pixels.size());
     for (size_t i = 0; i < surface.size(); ++i) {
-        surface[i] = static_cast<double>(pixels[i]) + (random() % 65 - 32.0) / 8;
+        surface[i] = static_cast<double>(pixels[i]) + (static_cast<int>(random() % 65) - 32) / 8.0;
         if (random() % 50 == 0) surface[i] = random() % 2 ? kInfinity : std::nan("");
     }
     return surface;
