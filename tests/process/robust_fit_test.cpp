@@ -190,8 +190,8 @@ TEST(RobustFit, EqualsThePlainSearch) {
         ExpectPlainResults<uint32_t>(11, 1, probability);
         ExpectPlainResults<float>(3, 20, probability);
     }
-    ExpectPlainResults<float>(70, 60, 0.9);
-    ExpectPlainResults<uint8_t>(90, 81, 0.9);
+    ExpectPlainResults<float>(50, 40, 0.9);
+    ExpectPlainResults<uint8_t>(70, 61, 0.9);
     for (const int32_t few : {1, 2, 3, 5, 7, 9, 10}) ExpectPlainResults<uint8_t>(few, 1, 0.7);
 }
 
