@@ -11,7 +11,8 @@
 #include "process/typed_image.hpp"
 
 // Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
-// orlix_image_process.cpp, orlix_image_surfaces.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
+// orlix_image_process.cpp, orlix_image_surfaces.cpp, orlix_image_hemispheres.cpp,
+// orlix_image_robust.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
 class OrlixImage final
     : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
                            orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IModuleInformation,

@@ -8,19 +8,24 @@
 #include <vector>
 
 #include "image/source_image.hpp"
+#include "process/angled_hemisphere_fit.hpp"
 #include "process/casting.hpp"
 #include "process/correction.hpp"
 #include "process/counting.hpp"
 #include "process/extremes.hpp"
 #include "process/extremum.hpp"
 #include "process/filtering.hpp"
+#include "process/hemisphere_fit.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/look_ahead.hpp"
 #include "process/measuring.hpp"
 #include "process/median_kernels.hpp"
 #include "process/pixel_conversion.hpp"
 #include "process/point_operations.hpp"
+#include "process/region_pixels.hpp"
+#include "process/robust_fit.hpp"
 #include "process/sobel_kernels.hpp"
+#include "process/surface_fit.hpp"
 #include "process/table_look_up.hpp"
 #include "process/threshold.hpp"
 #include "process/typed_image.hpp"
@@ -223,6 +228,68 @@ public:
                 "IImageProcess::Median3x3: mismatch in the number of bands to process."});
     }
 
+    HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) override {
+        SingleBand(texts.multiband);
+        const Selection selection = Select();
+        const PixelBounds bounds = BoundsOf(selection.rows);
+        if (bounds.empty()) return S_FALSE;
+        SurfaceFitter<Pixel> fitter(degree, selection.rows, bounds);
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { fitter(pixels, n, x, y); });
+        if (!fitter.Finish(surface)) throw Failure(texts.notFinite);
+        return S_OK;
+    }
+
+    void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) override {
+        if (!surface.finite()) throw Failure(notFinite);
+        const Corrector<Pixel> corrector(lower_, upper_);
+        ForEachRun(Select(),
+                   [&](Pixel* pixels, size_t n, int32_t x, int32_t y) { corrector.Apply(pixels, n, x, y, surface); });
+        image_.SetModified(true);
+    }
+
+    HRESULT FitHemisphere(bool angled, const FitTexts& texts, AveragedHemisphere& surface) override {
+        const int32_t band = SingleBand(texts.multiband);
+        const Selection selection = Select();
+        const RegionPixels<Pixel> pixels(image_.view(band), selection.rows);
+        if (pixels.count() == 0) return S_FALSE;
+        Measurer<Pixel> measurer(false, true);
+        pixels.ForEachRun([&](const Pixel* run, size_t n, int32_t x, int32_t y) { measurer(run, n, x, y); });
+        const double average = measurer.Finish().average;
+        if (!std::isfinite(average)) throw Failure(texts.notFinite);
+        const auto fit = angled ? FitAngledHemisphere(pixels, average) : orlix::FitHemisphere(pixels, average);
+        if (!fit) return S_FALSE;
+        surface = {*fit, average};
+        return S_OK;
+    }
+
+    void CorrectHemisphere(const AveragedHemisphere& surface, const char* notFinite) override {
+        const HemisphereSurface heights(surface.hemisphere);
+        if (!heights.finite() || !std::isfinite(surface.average)) throw Failure(notFinite);
+        const Corrector<Pixel> corrector(lower_, upper_);
+        ForEachRun(Select(), [&](Pixel* pixels, size_t n, int32_t x, int32_t y) {
+            double shifts[Corrector<Pixel>::kMost];
+            for (size_t done = 0; done < n; done += Corrector<Pixel>::kMost) {
+                const size_t part = std::min(n - done, Corrector<Pixel>::kMost);
+                heights.Values(x + static_cast<int32_t>(done), y, part, shifts);
+                for (size_t i = 0; i < part; ++i) shifts[i] = surface.average - shifts[i];
+                corrector.Apply(pixels + done, shifts, part);
+            }
+        });
+        image_.SetModified(true);
+    }
+
+    HRESULT RobustFit(int degree, double probability, const RobustTexts& texts, SurfacePolynomial& surface) override {
+        return RobustFitOf(probability, texts, surface, [&](const RegionPixels<Pixel>& pixels) {
+            return RobustPolynomial(pixels, degree, probability);
+        });
+    }
+
+    HRESULT RobustFit(bool angled, double probability, const RobustTexts& texts, AveragedHemisphere& surface) override {
+        return RobustFitOf(probability, texts, surface, [&](const RegionPixels<Pixel>& pixels) {
+            return RobustHemisphere(pixels, angled, probability);
+        });
+    }
+
 private:
     static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
 
@@ -303,6 +370,17 @@ private:
                     x += n;
                 }
             }
+    }
+
+    template <class Surface, class Fit>
+    HRESULT RobustFitOf(double probability, const RobustTexts& texts, Surface& surface, const Fit& fitTo) {
+        if (!(probability > 0.0 && probability <= 1.0)) throw Failure(texts.probability);
+        const int32_t band = SingleBand(texts.multiband);
+        const Selection selection = Select();
+        const auto fit = fitTo(RegionPixels<Pixel>(image_.view(band), selection.rows));
+        if (!fit) return S_FALSE;
+        surface = *fit;
+        return S_OK;
     }
 
     template <class Operation>

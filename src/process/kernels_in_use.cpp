@@ -5,12 +5,15 @@
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
 #include "process/extremum_kernels.hpp"
+#include "process/hemisphere_kernels.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/measuring_kernels.hpp"
 #include "process/median_kernels.hpp"
+#include "process/moments_kernels.hpp"
 #include "process/point_kernels.hpp"
 #include "process/sobel_kernels.hpp"
 #include "process/threshold_kernels.hpp"
+#include "process/trimming_kernels.hpp"
 #include "process/variants.hpp"
 
 namespace orlix {
@@ -76,6 +79,28 @@ std::span<const KernelInUse> KernelsInUse() {
         {"extremum sharpening of 3x3, 16 bits", ChosenVariant(kExtremumSharpening3x3<uint16_t>).name},
         {"extremum sharpening of 3x3, 32 bits", ChosenVariant(kExtremumSharpening3x3<uint32_t>).name},
         {"extremum sharpening of 3x3, float", ChosenVariant(kExtremumSharpening3x3<float>).name},
+        {"plane, 8 bits", ChosenVariant(kMoments<uint8_t, 1>).name},
+        {"plane, 16 bits", ChosenVariant(kMoments<uint16_t, 1>).name},
+        {"plane, 32 bits", ChosenVariant(kMoments<uint32_t, 1>).name},
+        {"plane, float", ChosenVariant(kFloatMoments<1>).name},
+        {"surfaces, 8 bits", ChosenVariant(kMoments<uint8_t, 3>).name},
+        {"surfaces, 16 bits", ChosenVariant(kMoments<uint16_t, 3>).name},
+        {"surfaces, 32 bits", ChosenVariant(kMoments<uint32_t, 3>).name},
+        {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
+        {"surface values", ChosenVariant(kShifts).name},
+        {"hemisphere values", ChosenVariant(kHemisphereRow).name},
+        {"robust score, 8 bits", ChosenVariant(kClippedSquares<uint8_t>).name},
+        {"robust score, selection, 8 bits", ChosenVariant(kDivideSquares<uint8_t>).name},
+        {"robust score, 16 bits", ChosenVariant(kClippedSquares<uint16_t>).name},
+        {"robust score, selection, 16 bits", ChosenVariant(kDivideSquares<uint16_t>).name},
+        {"robust score, 32 bits", ChosenVariant(kClippedSquares<uint32_t>).name},
+        {"robust score, selection, 32 bits", ChosenVariant(kDivideSquares<uint32_t>).name},
+        {"robust score, float", ChosenVariant(kClippedSquares<float>).name},
+        {"robust score, selection, float", ChosenVariant(kDivideSquares<float>).name},
+        {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
+        {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
+        {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
+        {"correct, float", ChosenVariant(kCorrect<float>).name},
     };
     return kernels;
 }

@@ -10,6 +10,7 @@
 #include "geometry/region_rows.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "image/image_store.hpp"
+#include "process/hemisphere.hpp"
 #include "process/surface_polynomial.hpp"
 
 namespace orlix {
@@ -65,6 +66,27 @@ public:
     virtual void Gaussian5x5(IImageVPA* source, LONG band) = 0;
     virtual void ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) = 0;
     virtual void Median3x3(IImageVPA* source, LONG band) = 0;
+
+    struct FitTexts {
+        const char* multiband;
+        const char* notFinite;
+    };
+    // Degree 1, 2 or 3. S_FALSE, and the surface stays as it was, for a region without pixels.
+    virtual HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) = 0;
+    virtual void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) = 0;
+
+    // S_FALSE, and the surface stays as it was, where the pixels determine no hemisphere.
+    virtual HRESULT FitHemisphere(bool angled, const FitTexts& texts, AveragedHemisphere& surface) = 0;
+    virtual void CorrectHemisphere(const AveragedHemisphere& surface, const char* notFinite) = 0;
+
+    struct RobustTexts {
+        const char* probability;
+        const char* multiband;
+    };
+    // S_FALSE, and the surface stays as it was, for too few pixels or none that a surface was found through.
+    virtual HRESULT RobustFit(int degree, double probability, const RobustTexts& texts, SurfacePolynomial& surface) = 0;
+    virtual HRESULT RobustFit(bool angled, double probability, const RobustTexts& texts,
+                              AveragedHemisphere& surface) = 0;
 
 protected:
     TypedImage() = default;

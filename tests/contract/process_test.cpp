@@ -680,12 +680,8 @@ TEST(CastAndPlus, ReadTheMarginOfASmallerSourceAndNothingBeyond) {
 
 TEST(NotBuiltYet, MethodsSaySo) {
     const Image<uint8_t> image(NewImage<uint8_t>(2, 2));
-    const auto fits = Cast<IOrlixImageProcess>(image.pixels);
-    SPlanarFit fit = {};
-    fit.m_dAlpha = 5;
-    EXPECT_EQ(E_NOTIMPL, image.process->Sobel(image.pixels.get(), 0));
-    EXPECT_EQ(E_NOTIMPL, fits->get_RobustPlanarFit(0.9, &fit));
-    EXPECT_EQ(5, fit.m_dAlpha);
+    ComPtr<IBitmap> maxima;
+    EXPECT_EQ(E_NOTIMPL, image.process->get_LocalMaxima(maxima.Out()));
 }
 
 TEST(NullOutputs, AreRefused) {

@@ -1,0 +1,155 @@
+#include "process/hemisphere_fit.hpp"
+
+#include <array>
+#include <cmath>
+
+namespace orlix {
+namespace {
+
+// The regression on u = x - xMiddle, v = y - yMiddle, t = z - zMiddle and 1, in this order.
+using Four = std::array<double, 4>;
+
+// Squares and products of the regressors; summed run by run, so that rounding does not grow with the image.
+struct Moments {
+    double n = 0, u = 0, v = 0, t = 0, uu = 0, uv = 0, ut = 0, vv = 0, vt = 0, tt = 0;
+    void operator+=(const Moments& m) {
+        n += m.n, u += m.u, v += m.v, t += m.t;
+        uu += m.uu, uv += m.uv, ut += m.ut, vv += m.vv, vt += m.vt, tt += m.tt;
+    }
+};
+
+// A regressed number: its products with the regressors, and its square.
+struct Regressed {
+    double u = 0, v = 0, t = 0, one = 0, square = 0;
+    void Add(double value, double pu, double pv, double pt) {
+        u += value * pu;
+        v += value * pv;
+        t += value * pt;
+        one += value;
+        square += value * value;
+    }
+    void operator+=(const Regressed& r) { u += r.u, v += r.v, t += r.t, one += r.one, square += r.square; }
+};
+
+// Normal equations of the regressors less their means, by Cholesky factors.
+class Regression {
+public:
+    explicit Regression(const Moments& m) : m_(m) {
+        const double uu = m.uu - m.u * m.u / m.n, uv = m.uv - m.u * m.v / m.n, ut = m.ut - m.u * m.t / m.n;
+        const double vv = m.vv - m.v * m.v / m.n, vt = m.vt - m.v * m.t / m.n, tt = m.tt - m.t * m.t / m.n;
+        const double vvRest = vv - uv * uv / uu;
+        l11_ = std::sqrt(uu);
+        l21_ = uv / l11_;
+        l31_ = ut / l11_;
+        l22_ = std::sqrt(vvRest);
+        l32_ = (vt - l21_ * l31_) / l22_;
+        const double ttRest = tt - l31_ * l31_ - l32_ * l32_;
+        l33_ = std::sqrt(ttRest);
+        // The square of 1e-6: what is left of a regressor that depends on the others but for single precision.
+        constexpr double kLeast = 1e-12;
+        determined_ = uu > 0 && vvRest > kLeast * vv && ttRest > kLeast * tt;
+    }
+    // False where a regressor depends on the others, and for NaN.
+    bool determined() const { return determined_; }
+
+    Four Solve(const Regressed& r) const {
+        const double yu = (r.u - m_.u * r.one / m_.n) / l11_;
+        const double yv = (r.v - m_.v * r.one / m_.n - l21_ * yu) / l22_;
+        const double yt = (r.t - m_.t * r.one / m_.n - l31_ * yu - l32_ * yv) / l33_;
+        const double t = yt / l33_;
+        const double v = (yv - l32_ * t) / l22_;
+        const double u = (yu - l21_ * v - l31_ * t) / l11_;
+        return {u, v, t, (r.one - m_.u * u - m_.v * v - m_.t * t) / m_.n};
+    }
+
+private:
+    Moments m_;
+    double l11_, l21_, l31_, l22_, l32_, l33_;
+    bool determined_;
+};
+
+}  // namespace
+
+template <class Source>
+std::optional<Hemisphere> FitHemisphere(const Source& source, double average) {
+    using T = typename Source::Pixel;
+    if (source.count() < 5) return std::nullopt;
+
+    double n = 0, xSum = 0, ySum = 0;
+    source.ForEachRun([&](const T*, size_t length, int32_t x, int32_t y) {
+        const auto l = static_cast<double>(length);
+        n += l;
+        xSum += l * x + l * (l - 1) / 2;
+        ySum += l * y;
+    });
+    const double xMiddle = std::floor(xSum / n), yMiddle = std::floor(ySum / n), zMiddle = average;
+
+    Moments moments;
+    Regressed ofW, ofQ;
+    source.ForEachRun([&](const T* run, size_t length, int32_t x, int32_t y) {
+        const double v = y - yMiddle;
+        Moments m;
+        Regressed w, q;
+        for (size_t i = 0; i < length; ++i) {
+            const double u = (x - xMiddle) + static_cast<double>(i), t = static_cast<double>(run[i]) - zMiddle;
+            m.u += u, m.t += t, m.uu += u * u, m.ut += u * t, m.tt += t * t;
+            w.Add(u * u + v * v, u, v, t);
+            q.Add(t * t, u, v, t);
+        }
+        m.n = static_cast<double>(length);
+        m.v = v * m.n, m.uv = v * m.u, m.vv = v * m.v, m.vt = v * m.t;
+        moments += m, ofW += w, ofQ += q;
+    });
+    const Regression regression(moments);
+    if (!regression.determined()) return std::nullopt;
+    Four wOn = regression.Solve(ofW), qOn = regression.Solve(ofQ);
+
+    Regressed wRest, qRest;
+    source.ForEachRun([&](const T* run, size_t length, int32_t x, int32_t y) {
+        const double v = y - yMiddle;
+        Regressed w, q;
+        for (size_t i = 0; i < length; ++i) {
+            const double u = (x - xMiddle) + static_cast<double>(i), t = static_cast<double>(run[i]) - zMiddle;
+            w.Add(u * u + v * v - (wOn[0] * u + wOn[1] * v + wOn[2] * t + wOn[3]), u, v, t);
+            q.Add(t * t - (qOn[0] * u + qOn[1] * v + qOn[2] * t + qOn[3]), u, v, t);
+        }
+        wRest += w, qRest += q;
+    });
+    const auto correct = [&](Four& on, const Regressed& rest) {
+        const Four more = regression.Solve(rest);
+        for (size_t i = 0; i < 4; ++i) on[i] += more[i];
+        return rest.square - (more[0] * rest.u + more[1] * rest.v + more[2] * rest.t + more[3] * rest.one);
+    };
+    const double a = correct(wOn, wRest), d = correct(qOn, qRest);
+    // Residuals of the order of rounding: 1e-14 of the regressed number.
+    constexpr double kLeast = 1e-28;
+    if (!(a > kLeast * ofW.square && d > kLeast * ofQ.square)) return std::nullopt;
+
+    const double ratio = std::sqrt(a / d);  // a1 / a0
+    Four on;
+    for (size_t i = 0; i < 4; ++i) on[i] = wOn[i] + ratio * qOn[i];
+    const double xOff = on[0] / 2, yOff = on[1] / 2, zOff = on[2] / (2 * ratio);
+    Hemisphere hemisphere;
+    hemisphere.xCenter = xMiddle + xOff;
+    hemisphere.yCenter = yMiddle + yOff;
+    hemisphere.zCenter = zMiddle + zOff;
+    const double above = average - hemisphere.zCenter;
+    const double side = above > 0 ? 1 : above < 0 ? -1 : 0;
+    hemisphere.zScale = std::sqrt(ratio) * side;
+    double square = xOff * xOff + yOff * yOff + ratio * zOff * zOff + on[3];
+    // The radius is stated with the square of zScale, which has lost the ratio when there is no side.
+    if (side == 0) square -= ratio * hemisphere.zCenter * hemisphere.zCenter;
+    hemisphere.radius = std::sqrt(square);
+    const double all =
+        hemisphere.xCenter + hemisphere.yCenter + hemisphere.zCenter + hemisphere.zScale + hemisphere.radius;
+    if (!std::isfinite(all)) return std::nullopt;
+    return hemisphere;
+}
+
+template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint8_t>&, double);
+template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint16_t>&, double);
+template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint32_t>&, double);
+template std::optional<Hemisphere> FitHemisphere(const RegionPixels<float>&, double);
+template std::optional<Hemisphere> FitHemisphere(const PointRuns&, double);
+
+}  // namespace orlix

@@ -1,0 +1,90 @@
+// Kernels of the trimmed sum of squared residuals and their variants.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "process/variants.hpp"
+
+namespace orlix {
+
+// The residual of pixel p[i] against a surface of value f[i] is r = f[i] - p[i], in double, and its square r r. A NaN
+// residual counts as larger than all others. T is uint8_t, uint16_t, uint32_t or float.
+
+// Adds min(r r, limit) to sums[i % 8].
+template <class T>
+using ClippedSquaresFn = void (*)(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+
+// Squares on the two sides of an interval low <= high, either of which may be infinite.
+struct SquareClasses {
+    double below[8] = {};   // sums of the squares below low, pixel i of a call in below[i % 8]
+    uint64_t fewer = 0;     // squares below low
+    uint64_t upToLow = 0;   // squares <= low
+    uint64_t upToHigh = 0;  // squares <= high
+};
+
+// Adds n pixels to the classes and writes the squares strictly between low and high to middle, in order; returns how many.
+// middle has room for n + 7 numbers, the last ones as scratch.
+template <class T>
+using DivideSquaresFn = size_t (*)(const T* pixels, const double* surface, size_t n, double low, double high,
+                                   SquareClasses& classes, double* middle);
+
+template <class T>
+void ClippedSquares_scalar(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+template <class T>
+size_t DivideSquares_scalar(const T* pixels, const double* surface, size_t n, double low, double high,
+                            SquareClasses& classes, double* middle);
+
+void ClippedSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_sse2(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_sse2(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_sse2(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+size_t DivideSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+size_t DivideSquares_sse2(const uint16_t* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+size_t DivideSquares_sse2(const uint32_t* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+size_t DivideSquares_sse2(const float* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+void ClippedSquares_avx2(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_avx2(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_avx2(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_avx2(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+size_t DivideSquares_avx2(const uint8_t* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+size_t DivideSquares_avx2(const uint16_t* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+size_t DivideSquares_avx2(const uint32_t* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+size_t DivideSquares_avx2(const float* pixels, const double* surface, size_t n, double low, double high,
+                          SquareClasses& classes, double* middle);
+void ClippedSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_avx512(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_avx512(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_avx512(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+size_t DivideSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double low, double high,
+                            SquareClasses& classes, double* middle);
+size_t DivideSquares_avx512(const uint16_t* pixels, const double* surface, size_t n, double low, double high,
+                            SquareClasses& classes, double* middle);
+size_t DivideSquares_avx512(const uint32_t* pixels, const double* surface, size_t n, double low, double high,
+                            SquareClasses& classes, double* middle);
+size_t DivideSquares_avx512(const float* pixels, const double* surface, size_t n, double low, double high,
+                            SquareClasses& classes, double* middle);
+
+template <class T>
+inline constexpr Variant<ClippedSquaresFn<T>> kClippedSquares[] = {
+    {"avx512", Cpu::Avx512, &ClippedSquares_avx512},
+    {"avx2", Cpu::Avx2, &ClippedSquares_avx2},
+    {"sse2", Cpu::Sse2, &ClippedSquares_sse2},
+    {"scalar", Cpu::Any, &ClippedSquares_scalar},
+};
+template <class T>
+inline constexpr Variant<DivideSquaresFn<T>> kDivideSquares[] = {
+    {"avx512", Cpu::Avx512, &DivideSquares_avx512},
+    {"avx2", Cpu::Avx2, &DivideSquares_avx2},
+    {"sse2", Cpu::Sse2, &DivideSquares_sse2},
+    {"scalar", Cpu::Any, &DivideSquares_scalar},
+};
+
+}  // namespace orlix
