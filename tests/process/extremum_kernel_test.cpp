@@ -22,7 +22,7 @@ TYPED_TEST_SUITE(Extremum, PixelTypes, );
 template <class T>
 struct Band {
     int32_t width, height;
-    ImageLayout layout = MakeLayout(width, height, 1, std::is_same_v<T, float> ? DT_Float : 8 * LONG{sizeof(T)});
+    ImageLayout layout = MakeLayout(width, height, 1, std::is_same_v<T, float> ? LONG{DT_Float} : 8 * LONG{sizeof(T)});
     std::vector<VPAEntry> table = MakeOffsetTable(layout);
     std::vector<T> samples = std::vector<T>(layout.totalSize / sizeof(T), T{99});
 
