@@ -167,14 +167,21 @@ def check_native(build):
 
 
 def aligned_stack_moves(objdump, library):
-    """The compiler may take stack slots for aligned that Windows does not align: such a move faults half of the time."""
+    """The compiler may take stack slots for aligned that Windows does not align: such a move faults half of the time.
+    Functions that align the stack for themselves to 64 bytes may use it."""
     process = subprocess.Popen([objdump, "-d", "--no-show-raw-insn", library], stdin=subprocess.DEVNULL,
                                stdout=subprocess.PIPE, text=True)
     wide = 0
+    aligned = False
     for line in process.stdout:
+        if line.endswith(">:\n"):
+            aligned = False
+        elif re.search(r"\tand\s+\$0xf*c0,%[re]sp", line):
+            aligned = True
         if "%ymm" in line or "%zmm" in line:
             wide += 1
-            if re.search(r"\tvmov(aps|apd|dqa(32|64)?)\s", line) and re.search(r"\(%[re][sb]p", line):
+            if re.search(r"\tvmov(aps|apd|dqa(32|64)?)\s", line) and \
+                    re.search(r"\(%[re][sb]p", line) and not (aligned and re.search(r"\(%[re]sp", line)):
                 yield line.strip()
     if process.wait():
         yield f"{objdump} ended with {process.returncode}"
