@@ -74,8 +74,10 @@ STDMETHODIMP OrlixImage::get_BiquadraticFit(SBiquadraticFit* fit) noexcept {
 }
 
 STDMETHODIMP OrlixImage::CorrectBiquadratic(SBiquadraticFit* fit) noexcept {
-    return Guarded(
-        [&] { Correct(*Typed(), fit, "IOrlixImageProcess::CorrectBiquadratic: the surface is not finite."); });
+    return Guarded([&] {
+        Require(fit);
+        Correct(*Typed(), fit, "IOrlixImageProcess::CorrectBiquadratic: the surface is not finite.");
+    });
 }
 
 STDMETHODIMP OrlixImage::get_BicubicFit(SBicubicFit* fit) noexcept {

@@ -634,7 +634,7 @@ TEST(NotBuiltYet, MethodsSaySo) {
     SPlanarFit fit = {};
     fit.m_dAlpha = 5;
     EXPECT_EQ(E_NOTIMPL, image.process->Sobel(image.pixels.get(), 0));
-    EXPECT_EQ(E_NOTIMPL, fits->get_PlanarFit(&fit));
+    EXPECT_EQ(E_NOTIMPL, fits->get_RobustPlanarFit(0.9, &fit));
     EXPECT_EQ(5, fit.m_dAlpha);
 }
 
