@@ -84,6 +84,24 @@ void RegisterFilters() {
     filter("SharpenMedium", kernel(0, -1, 5));
     Register<T>("Gaussian3x3", [](cv::Mat& image, cv::Mat& result) { cv::GaussianBlur(image, result, {3, 3}, 0); });
     Register<T>("Gaussian5x5", [](cv::Mat& image, cv::Mat& result) { cv::GaussianBlur(image, result, {5, 5}, 0); });
+    Register<T>("Median3x3", [](cv::Mat& image, cv::Mat& result) { cv::medianBlur(image, result, 3); });
+    // Gradients in float, of which the magnitude is rounded to the type of the image.
+    Register<T>("Sobel", [](cv::Mat& image, cv::Mat& result) {
+        static cv::Mat dx, dy, magnitude;
+        cv::Sobel(image, dx, CV_32F, 1, 0);
+        cv::Sobel(image, dy, CV_32F, 0, 1);
+        cv::magnitude(dx, dy, magnitude);
+        magnitude.convertTo(result, image.type());
+    });
+    // The extremes alone, without the choice between them.
+    for (const int halfSize : {1, 15}) {
+        const cv::Mat square = cv::getStructuringElement(cv::MORPH_RECT, {2 * halfSize + 1, 2 * halfSize + 1});
+        Register<T>("ExtremumSharpening " + std::to_string(halfSize), [=](cv::Mat& image, cv::Mat& result) {
+            static cv::Mat least;
+            cv::erode(image, least, square);
+            cv::dilate(image, result, square);
+        });
+    }
 }
 
 template <class T, class From>

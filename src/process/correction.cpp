@@ -1,6 +1,5 @@
 #include "process/correction.hpp"
 
-#include <algorithm>
 #include <cmath>
 
 #include "process/correction_kernels.hpp"
@@ -32,8 +31,14 @@ void Correct_scalar(T* pixels, const double* shifts, size_t n, const CorrectionP
     }
 }
 
+void CorrectRow_scalar(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                       const CorrectionParameters<uint8_t>& parameters) {
+    CorrectInPieces<uint8_t>(&Shifts_scalar, &Correct_scalar, pixels, n, x, row, parameters);
+}
+
 template <class T>
-Corrector<T>::Corrector(T lower, T upper) : shift_(Choose(kCorrect<T>)), fill_(Choose(kShifts)) {
+Corrector<T>::Corrector(T lower, T upper)
+    : shift_(Choose(kCorrect<T>)), fill_(Choose(kShifts)), row_(Choose(kCorrectRow)) {
     parameters_.lower = lower;
     parameters_.upper = upper;
     parameters_.half = lower > upper ? 0.0 : 0.5;
@@ -45,13 +50,10 @@ void Corrector<T>::Apply(T* pixels, size_t n, int32_t x, int32_t y, const Surfac
     const double v = static_cast<double>(y);
     const RowPolynomial row = {{surface.average - (k[0] + v * (k[1] + v * (k[3] + v * k[6]))),
                                 -(k[2] + v * (k[4] + v * k[7])), -(k[5] + v * k[8]), -k[9]}};
-    double shifts[kMost];
-    for (size_t done = 0; done < n;) {
-        const size_t part = std::min(n - done, kMost);
-        fill_(shifts, part, static_cast<double>(x) + static_cast<double>(done), row);
-        Apply(pixels + done, shifts, part);
-        done += part;
-    }
+    if constexpr (std::is_same_v<T, uint8_t>)
+        row_(pixels, n, x, row, parameters_);
+    else
+        CorrectInPieces(fill_, shift_, pixels, n, x, row, parameters_);
 }
 
 template void Correct_scalar(uint8_t*, const double*, size_t, const CorrectionParameters<uint8_t>&);

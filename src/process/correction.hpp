@@ -23,7 +23,7 @@ struct RowPolynomial {
 
 // Replaces pixels p by v = p + s, where s = average - f(x, y) is the shift at the pixel: v below lower gives lower, above
 // upper gives upper, else floor(v + 0.5), for float pixels v rounded to float. T is uint8_t, uint16_t, uint32_t or float.
-//  (1) A surface that is no polynomial: fill at most kMost shifts of a run at a time and call Apply.
+//  (1) A surface that is no polynomial: fill the shifts of a run, or of a piece that stays in the cache, and call Apply.
 //  (2) Polynomial: s = c[0] + x (c[1] + x (c[2] + x c[3])) with, per row, c[0] = average - (k0 + y (k1 + y (k3 + y k6))),
 //      c[1] = -(k2 + y (k4 + y k7)), c[2] = -(k5 + y k8), c[3] = -k9. This order of operations is the definition.
 //  (3) Integers are whole, so floor(v + 0.5) = p + floor(s + 0.5), and v < lower just when p + floor(s) < lower: the shift
@@ -33,8 +33,6 @@ struct RowPolynomial {
 template <class T>
 class Corrector {
 public:
-    static constexpr size_t kMost = 512;
-
     Corrector(T lower, T upper);
 
     void Apply(T* pixels, const double* shifts, size_t n) const { shift_(pixels, shifts, n, parameters_); }
@@ -45,6 +43,8 @@ public:
 private:
     void (*shift_)(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
     void (*fill_)(double* shifts, size_t n, double x, const RowPolynomial& row);
+    void (*row_)(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                 const CorrectionParameters<uint8_t>& parameters);
     CorrectionParameters<T> parameters_;
 };
 

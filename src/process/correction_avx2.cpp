@@ -85,4 +85,9 @@ void Correct_avx2(float* pixels, const double* shifts, size_t n, const Correctio
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
+void CorrectRow_avx2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<uint8_t>& parameters) {
+    CorrectInPieces<uint8_t>(&Shifts_avx2, &Correct_avx2, pixels, n, x, row, parameters);
+}
+
 }  // namespace orlix

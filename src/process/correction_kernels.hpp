@@ -54,4 +54,41 @@ inline constexpr Variant<CorrectFn<uint16_t>> kCorrect<uint16_t>[] = {
 template <>
 inline constexpr Variant<CorrectFn<uint32_t>> kCorrect<uint32_t>[] = {{"scalar", Cpu::Any, &Correct_scalar}};
 
+// 8 bits, without shifts in memory: Correct with the row's polynomial at x, x + 1, ...
+using CorrectRowFn = void (*)(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                              const CorrectionParameters<uint8_t>& parameters);
+
+void CorrectRow_scalar(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                       const CorrectionParameters<uint8_t>& parameters);
+void CorrectRow_sse2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<uint8_t>& parameters);
+void CorrectRow_avx2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<uint8_t>& parameters);
+void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                       const CorrectionParameters<uint8_t>& parameters);
+
+inline constexpr Variant<CorrectRowFn> kCorrectRow[] = {
+    {"avx512", Cpu::Avx512, &CorrectRow_avx512},
+    {"avx2", Cpu::Avx2, &CorrectRow_avx2},
+    {"sse2", Cpu::Sse2, &CorrectRow_sse2},
+    {"scalar", Cpu::Any, &CorrectRow_scalar},
+};
+
+namespace {  // used in files of every instruction set: each keeps its own copy
+
+// A row by way of shifts in memory, a piece at a time.
+template <class T>
+void CorrectInPieces(ShiftsFn fill, CorrectFn<T> correct, T* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<T>& parameters) {
+    constexpr size_t kPiece = 512;
+    double shifts[kPiece];
+    for (size_t done = 0; done < n; done += kPiece) {
+        const size_t part = n - done < kPiece ? n - done : kPiece;
+        fill(shifts, part, x + static_cast<double>(done), row);
+        correct(pixels + done, shifts, part, parameters);
+    }
+}
+
+}  // namespace
+
 }  // namespace orlix

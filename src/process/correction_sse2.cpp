@@ -67,4 +67,9 @@ void Correct_sse2(float* pixels, const double* shifts, size_t n, const Correctio
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
+void CorrectRow_sse2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<uint8_t>& parameters) {
+    CorrectInPieces<uint8_t>(&Shifts_sse2, &Correct_sse2, pixels, n, x, row, parameters);
+}
+
 }  // namespace orlix

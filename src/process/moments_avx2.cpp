@@ -17,6 +17,27 @@ namespace {
     return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
 
+// Sums, sums of the sums after each block, and so on; members, as the compiler keeps arrays in memory.
+template <int Degree>
+struct Nested {
+    __m256i s0 = _mm256_setzero_si256(), s1 = s0, s2 = s0, s3 = s0;
+    [[gnu::always_inline]] void Add(const __m256i& p) {
+        s0 = _mm256_add_epi32(s0, p);
+        s1 = _mm256_add_epi32(s1, s0);
+        if constexpr (Degree >= 2) s2 = _mm256_add_epi32(s2, s1);
+        if constexpr (Degree >= 3) s3 = _mm256_add_epi32(s3, s2);
+    }
+    void Store(uint32_t (&lanes)[Degree + 1][16], size_t lane) const {
+        const auto store = [](uint32_t* to, const __m256i& sums) {
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), sums);
+        };
+        store(lanes[0] + lane, s0);
+        store(lanes[1] + lane, s1);
+        if constexpr (Degree >= 2) store(lanes[2] + lane, s2);
+        if constexpr (Degree >= 3) store(lanes[3] + lane, s3);
+    }
+};
+
 }  // namespace
 
 // Blocks of 16 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest pixel,
@@ -29,22 +50,14 @@ void Moments_avx2(const T* pixels, size_t n, uint64_t* m) {
     ShiftMoments(m, Degree, uint64_t{blocked});
     for (size_t done = 0; done < blocked; done += kPart) {
         const size_t end = blocked - done < kPart ? blocked : done + kPart;
-        __m256i a[Degree + 1][2];
-        for (auto& sums : a) sums[0] = sums[1] = _mm256_setzero_si256();
+        Nested<Degree> low, high;
         for (size_t i = done; i < end; i += 16) {
-            a[0][0] = _mm256_add_epi32(a[0][0], Eight(pixels + i));
-            a[0][1] = _mm256_add_epi32(a[0][1], Eight(pixels + i + 8));
-#pragma GCC unroll 3
-            for (int q = 1; q <= Degree; ++q) {
-                a[q][0] = _mm256_add_epi32(a[q][0], a[q - 1][0]);
-                a[q][1] = _mm256_add_epi32(a[q][1], a[q - 1][1]);
-            }
+            low.Add(Eight(pixels + i));
+            high.Add(Eight(pixels + i + 8));
         }
         uint32_t lanes[Degree + 1][16];
-        for (int q = 0; q <= Degree; ++q) {
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes[q]), a[q][0]);
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes[q] + 8), a[q][1]);
-        }
+        low.Store(lanes, 0);
+        high.Store(lanes, 8);
         AddNested<Degree>(lanes, (end - done) / 16, done, m);
     }
 }

@@ -15,6 +15,24 @@ namespace {
     return static_cast<uint64_t>(_mm512_reduce_add_epi64(v));
 }
 
+// Sums, sums of the sums after each block, and so on; members, as the compiler keeps arrays in memory.
+template <int Degree>
+struct Nested {
+    __m512i s0 = _mm512_setzero_si512(), s1 = s0, s2 = s0, s3 = s0;
+    [[gnu::always_inline]] void Add(const __m512i& p) {
+        s0 = _mm512_add_epi32(s0, p);
+        s1 = _mm512_add_epi32(s1, s0);
+        if constexpr (Degree >= 2) s2 = _mm512_add_epi32(s2, s1);
+        if constexpr (Degree >= 3) s3 = _mm512_add_epi32(s3, s2);
+    }
+    void Store(uint32_t (&lanes)[Degree + 1][32], size_t lane) const {
+        _mm512_storeu_si512(lanes[0] + lane, s0);
+        _mm512_storeu_si512(lanes[1] + lane, s1);
+        if constexpr (Degree >= 2) _mm512_storeu_si512(lanes[2] + lane, s2);
+        if constexpr (Degree >= 3) _mm512_storeu_si512(lanes[3] + lane, s3);
+    }
+};
+
 alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
                                                16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31,
                                                32, 33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43, 44, 45, 46, 47,
@@ -27,29 +45,20 @@ alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8
 template <class T, int Degree>
 void Moments_avx512(const T* pixels, size_t n, uint64_t* m) {
     for (int k = 0; k <= Degree; ++k) m[k] = 0;
-    __m512i a[Degree + 1][2];
-    for (auto& sums : a) sums[0] = sums[1] = _mm512_setzero_si512();
-    const auto add = [&](const __m512i& p0, const __m512i& p1) {
-        a[0][0] = _mm512_add_epi32(a[0][0], p0);
-        a[0][1] = _mm512_add_epi32(a[0][1], p1);
-#pragma GCC unroll 3
-        for (int q = 1; q <= Degree; ++q) {
-            a[q][0] = _mm512_add_epi32(a[q][0], a[q - 1][0]);
-            a[q][1] = _mm512_add_epi32(a[q][1], a[q - 1][1]);
-        }
-    };
+    Nested<Degree> low, high;
     size_t i = 0;
-    for (; i + 32 <= n; i += 32) add(Pixels(pixels + i, 0xffff), Pixels(pixels + i + 16, 0xffff));
+    for (; i + 32 <= n; i += 32) {
+        low.Add(Pixels(pixels + i, 0xffff));
+        high.Add(Pixels(pixels + i + 16, 0xffff));
+    }
     if (i < n) {
         const uint32_t rest = (uint32_t{1} << (n - i)) - 1;
-        add(Pixels(pixels + i, static_cast<__mmask16>(rest)),
-            Pixels(pixels + i + 16, static_cast<__mmask16>(rest >> 16)));
+        low.Add(Pixels(pixels + i, static_cast<__mmask16>(rest)));
+        high.Add(Pixels(pixels + i + 16, static_cast<__mmask16>(rest >> 16)));
     }
     uint32_t lanes[Degree + 1][32];
-    for (int q = 0; q <= Degree; ++q) {
-        _mm512_storeu_si512(lanes[q], a[q][0]);
-        _mm512_storeu_si512(lanes[q] + 16, a[q][1]);
-    }
+    low.Store(lanes, 0);
+    high.Store(lanes, 16);
     AddNested<Degree>(lanes, (n + 31) / 32, 0, m);
 }
 

@@ -83,17 +83,25 @@ void ShiftMoments(T* m, int degree, By by) {
         for (int p = degree; p > pass; --p) m[p] += m[p - 1] * by;
 }
 
+template <size_t Lanes>
+struct LanePowers {
+    uint32_t of[4][Lanes] = {};  // [r][i]: i^r
+    constexpr LanePowers() {
+        for (uint32_t i = 0; i < Lanes; ++i)
+            for (uint32_t r = 0, power = 1; r < 4; ++r, power *= i) of[r][i] = power;
+    }
+};
+
 // What nested running sums hold. Pixels come in blocks of `Lanes`; with B blocks, a[0] is for each lane the sum of its pixels,
 // a[1] the sum of what a[0] was after each block, and so on: block b was added to a[q] C(B - b + q - 1, q) times. Adds the
 // moments of these pixels, of which the first has the index `first`, to m. Modulo 2^64 throughout; only the result need fit.
 template <int Degree, size_t Lanes>
 void AddNested(const uint32_t (&a)[Degree + 1][Lanes], uint64_t blocks, uint64_t first, uint64_t* m) {
     uint64_t t[4][4] = {};  // [q][r]: sum over lanes i of i^r a[q][i]
-    for (size_t i = 0; i < Lanes; ++i)
-        for (int q = 0; q <= Degree; ++q) {
-            uint64_t weighted = a[q][i];
-            for (int r = 0; r + q <= Degree; ++r, weighted *= i) t[q][r] += weighted;
-        }
+    static constexpr LanePowers<Lanes> kPowers;
+    for (int q = 0; q <= Degree; ++q)
+        for (int r = 0; r + q <= Degree; ++r)
+            for (size_t i = 0; i < Lanes; ++i) t[q][r] += uint64_t{a[q][i]} * kPowers.of[r][i];
     for (int r = 0; r <= Degree; ++r) {
         // Powers of c = B - b from the binomials, then of the block's start first + Lanes B - Lanes c.
         const uint64_t c[4] = {t[0][r], t[1][r], 2 * t[2][r] - t[1][r], 6 * t[3][r] - 6 * t[2][r] + t[1][r]};

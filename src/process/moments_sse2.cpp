@@ -17,6 +17,27 @@ namespace {
     return lanes[0] + lanes[1];
 }
 
+// Sums, sums of the sums after each block, and so on; members, as the compiler keeps arrays in memory.
+template <int Degree>
+struct Nested {
+    __m128i s0 = _mm_setzero_si128(), s1 = s0, s2 = s0, s3 = s0;
+    [[gnu::always_inline]] void Add(const __m128i& p) {
+        s0 = _mm_add_epi32(s0, p);
+        s1 = _mm_add_epi32(s1, s0);
+        if constexpr (Degree >= 2) s2 = _mm_add_epi32(s2, s1);
+        if constexpr (Degree >= 3) s3 = _mm_add_epi32(s3, s2);
+    }
+    void Store(uint32_t (&lanes)[Degree + 1][8], size_t lane) const {
+        const auto store = [](uint32_t* to, const __m128i& sums) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(to), sums);
+        };
+        store(lanes[0] + lane, s0);
+        store(lanes[1] + lane, s1);
+        if constexpr (Degree >= 2) store(lanes[2] + lane, s2);
+        if constexpr (Degree >= 3) store(lanes[3] + lane, s3);
+    }
+};
+
 }  // namespace
 
 // Blocks of 8 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest pixel,
@@ -30,23 +51,15 @@ void Moments_sse2(const T* pixels, size_t n, uint64_t* m) {
     const __m128i zero = _mm_setzero_si128();
     for (size_t done = 0; done < blocked; done += kPart) {
         const size_t end = blocked - done < kPart ? blocked : done + kPart;
-        __m128i a[Degree + 1][2];
-        for (auto& sums : a) sums[0] = sums[1] = zero;
+        Nested<Degree> low, high;
         for (size_t i = done; i < end; i += 8) {
             const __m128i p = Words(pixels + i);
-            a[0][0] = _mm_add_epi32(a[0][0], _mm_unpacklo_epi16(p, zero));
-            a[0][1] = _mm_add_epi32(a[0][1], _mm_unpackhi_epi16(p, zero));
-#pragma GCC unroll 3
-            for (int q = 1; q <= Degree; ++q) {
-                a[q][0] = _mm_add_epi32(a[q][0], a[q - 1][0]);
-                a[q][1] = _mm_add_epi32(a[q][1], a[q - 1][1]);
-            }
+            low.Add(_mm_unpacklo_epi16(p, zero));
+            high.Add(_mm_unpackhi_epi16(p, zero));
         }
         uint32_t lanes[Degree + 1][8];
-        for (int q = 0; q <= Degree; ++q) {
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes[q]), a[q][0]);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes[q] + 4), a[q][1]);
-        }
+        low.Store(lanes, 0);
+        high.Store(lanes, 4);
         AddNested<Degree>(lanes, (end - done) / 8, done, m);
     }
 }

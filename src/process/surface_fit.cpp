@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "process/moments_kernels.hpp"
 
@@ -11,7 +12,7 @@ namespace {
 constexpr int32_t kRowsOfTile = 64;
 
 // Sums of t^k over the n odd or even t from -(n - 1) to n - 1, for even k up to `degree`.
-void AddCentredPowers(double n, int degree, DoublePair* m) {
+void CentredPowers(double n, int degree, DoublePair* m) {
     const DoublePair square = ExactProduct(n, n);
     const DoublePair cube = (square - 1.0) * n;  // n (n^2 - 1)
     for (int k = 0; k <= degree; ++k) m[k] = 0.0;
@@ -25,6 +26,152 @@ void Scale(DoublePair* m, int degree, double scale) {
     double power = 1;
     for (int k = 1; k <= degree; ++k) m[k] *= power *= scale;
 }
+
+// Moments m[q][p] of columns i and rows j become those of u = uScale i + u, v = vScale j + v and are added to sums.
+template <size_t N>
+void AddMapped(DoublePair (&m)[N][N], int degree, double uScale, double u, double vScale, double v,
+               std::span<DoublePair> sums) {
+    for (int q = 0; q <= degree; ++q) {
+        Scale(m[q], degree - q, uScale);
+        ShiftMoments(m[q], degree - q, u);
+    }
+    for (int p = 0; p <= degree; ++p) {
+        DoublePair column[N];
+        for (int q = 0; p + q <= degree; ++q) column[q] = m[q][p];
+        Scale(column, degree - p, vScale);
+        ShiftMoments(column, degree - p, v);
+        for (int q = 0; p + q <= degree; ++q) sums[MonomialIndex(p, q)] += column[q];
+    }
+}
+
+DoublePair ToPair(uint64_t value) {
+    return ExactSum(static_cast<double>(value >> 32) * 0x1p32, static_cast<double>(value & 0xffffffff));
+}
+
+// Sums of i^p over i < k, k <= 256. 64 rows of the largest stay below 2^60.
+constexpr int32_t kCell = 256;
+struct PowerSums {
+    uint64_t of[7][kCell + 1] = {};
+    constexpr PowerSums() {
+        for (uint64_t i = 0; i < kCell; ++i)
+            for (uint64_t p = 0, power = 1; p < 7; ++p, power *= i) of[p][i + 1] = of[p][i] + power;
+    }
+};
+constexpr PowerSums kPowerSums;
+
+// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A run of its own is cut at
+// every 256th column: its ends go into exact integer sums of cells of 64 rows, whole cells between them into rectangles.
+class CoordinateSums {
+public:
+    CoordinateSums(int degree, const SurfaceFrame& frame, const PixelBounds& bounds, std::span<DoublePair> sums)
+        : degree_(degree),
+          frame_(frame),
+          bounds_(bounds),
+          sums_(sums),
+          top_(bounds.top),
+          cells_(static_cast<size_t>(bounds.right - bounds.left) / kCell + 1) {}
+
+    void Add(const RegionRows& rows) {
+        Block same;  // rows of one run, the same in each
+        for (int32_t y = bounds_.top; y <= bounds_.bottom; ++y) {
+            const std::span<const Run> runs = rows.row(y);
+            if (runs.size() == 1 && same.Grow(runs[0], y)) continue;
+            AddBlock(same);
+            same = {};
+            if (runs.size() == 1) {
+                same = {runs[0], y, y};
+            } else {
+                for (size_t k = 0; k < runs.size(); ++k) AddRun(runs[k], y, between_[k % 2]);
+            }
+        }
+        AddBlock(same);
+        for (const Block& block : between_) AddRectangle(block);
+        Flush();
+    }
+
+private:
+    struct Block {
+        Run columns = {0, -1};
+        int32_t top = 0, bottom = -1;
+        bool Grow(Run run, int32_t y) {
+            if (!(run == columns) || bottom + 1 != y) return false;
+            bottom = y;
+            return true;
+        }
+    };
+    struct Cell {
+        bool used = false;
+        uint64_t sums[7][7] = {};  // [q][p], from the corner
+    };
+
+    void AddBlock(const Block& block) {
+        constexpr int32_t kFew = 4;
+        if (block.bottom - block.top >= kFew) return AddRectangle(block);
+        for (int32_t y = block.top; y <= block.bottom; ++y) AddRun(block.columns, y, between_[0]);
+    }
+
+    void AddRun(Run run, int32_t y, Block& between) {
+        const int32_t left = run.start - bounds_.left, end = run.stop - bounds_.left + 1;
+        const int32_t firstWhole = left / kCell + (left % kCell != 0), endWhole = end / kCell;
+        if (firstWhole > endWhole) return AddToCell(endWhole, left % kCell, end % kCell, y);
+        if (left % kCell != 0) AddToCell(firstWhole - 1, left % kCell, kCell, y);
+        if (end % kCell != 0) AddToCell(endWhole, 0, end % kCell, y);
+        if (firstWhole == endWhole) return;
+        const Run whole = {bounds_.left + firstWhole * kCell, bounds_.left + endWhole * kCell - 1};
+        if (between.Grow(whole, y)) return;
+        AddRectangle(between);
+        between = {whole, y, y};
+    }
+
+    void AddToCell(int32_t index, int32_t begin, int32_t end, int32_t y) {
+        if (y - top_ >= kRowsOfTile) {
+            Flush();
+            top_ = y;
+        }
+        Cell& cell = cells_[static_cast<size_t>(index)];
+        cell.used = true;
+        uint64_t powers[7];
+        for (int p = 0; p <= degree_; ++p) powers[p] = kPowerSums.of[p][end] - kPowerSums.of[p][begin];
+        const auto j = static_cast<uint64_t>(y - top_);
+        uint64_t power = 1;
+        for (int q = 0; q <= degree_; ++q, power *= j)
+            for (int p = 0; p + q <= degree_; ++p) cell.sums[q][p] += power * powers[p];
+    }
+
+    void Flush() {
+        for (size_t k = 0; k < cells_.size(); ++k) {
+            if (!cells_[k].used) continue;
+            DoublePair m[7][7];
+            for (int q = 0; q <= degree_; ++q)
+                for (int p = 0; p + q <= degree_; ++p) m[q][p] = ToPair(cells_[k].sums[q][p]);
+            AddMapped(m, degree_, 2 / frame_.width(),
+                      frame_.u(static_cast<double>(bounds_.left) + static_cast<double>(k) * kCell), 2 / frame_.height(),
+                      frame_.v(top_), sums_);
+            cells_[k] = {};
+        }
+    }
+
+    void AddRectangle(const Block& block) {
+        if (block.bottom < block.top) return;
+        DoublePair x[7], y[7];
+        CentredPowers(static_cast<double>(block.columns.length()), degree_, x);
+        Scale(x, degree_, 1 / frame_.width());
+        ShiftMoments(x, degree_, frame_.u(0.5 * (static_cast<double>(block.columns.start) + block.columns.stop)));
+        CentredPowers(static_cast<double>(block.bottom) - block.top + 1, degree_, y);
+        Scale(y, degree_, 1 / frame_.height());
+        ShiftMoments(y, degree_, frame_.v(0.5 * (static_cast<double>(block.top) + block.bottom)));
+        for (int q = 0; q <= degree_; ++q)
+            for (int p = 0; p + q <= degree_; ++p) sums_[MonomialIndex(p, q)] += x[p] * y[q];
+    }
+
+    int degree_;
+    const SurfaceFrame& frame_;
+    PixelBounds bounds_;
+    std::span<DoublePair> sums_;
+    int32_t top_;  // of the cells at work
+    std::vector<Cell> cells_;
+    Block between_[2];  // whole cells of the first and the second run of rows
+};
 
 template <class T>
 auto ChooseMoments(int degree) {
@@ -53,49 +200,11 @@ PixelBounds BoundsOf(const RegionRows& rows) {
 
 NormalEquations::NormalEquations(int degree, const RegionRows& rows, const PixelBounds& bounds)
     : degree_(degree), frame_(bounds.left, bounds.top, bounds.right, bounds.bottom) {
-    // Rows that are one run, the same in each, are added together.
-    Run same = {0, -1};
-    int32_t first = bounds.top;
-    for (int32_t y = bounds.top; y <= bounds.bottom; ++y) {
-        const std::span<const Run> runs = rows.row(y);
-        if (runs.size() == 1 && runs[0] == same) continue;
-        if (same.length() > 0) AddRectangle(same, first, y - 1);
-        same = {0, -1};
-        if (runs.size() == 1) {
-            same = runs[0];
-            first = y;
-        } else {
-            for (const Run run : runs) AddRectangle(run, y, y);
-        }
-    }
-    if (same.length() > 0) AddRectangle(same, first, bounds.bottom);
-}
-
-void NormalEquations::AddRectangle(Run columns, int32_t top, int32_t bottom) {
-    const int degree = 2 * degree_;
-    DoublePair x[7], y[7];
-    AddCentredPowers(static_cast<double>(columns.length()), degree, x);
-    Scale(x, degree, 1 / frame_.width());
-    ShiftMoments(x, degree, frame_.u(0.5 * (static_cast<double>(columns.start) + columns.stop)));
-    AddCentredPowers(static_cast<double>(bottom) - top + 1, degree, y);
-    Scale(y, degree, 1 / frame_.height());
-    ShiftMoments(y, degree, frame_.v(0.5 * (static_cast<double>(top) + bottom)));
-    for (int q = 0; q <= degree; ++q)
-        for (int p = 0; p + q <= degree; ++p) matrix_[MonomialIndex(p, q)] += x[p] * y[q];
+    CoordinateSums(2 * degree, frame_, bounds, matrix_).Add(rows);
 }
 
 void NormalEquations::AddMoments(DoublePair (&moments)[4][4], double uScale, double u, double vScale, double v) {
-    for (int q = 0; q <= degree_; ++q) {
-        Scale(moments[q], degree_ - q, uScale);
-        ShiftMoments(moments[q], degree_ - q, u);
-    }
-    for (int p = 0; p <= degree_; ++p) {
-        DoublePair column[4];
-        for (int q = 0; p + q <= degree_; ++q) column[q] = moments[q][p];
-        Scale(column, degree_ - p, vScale);
-        ShiftMoments(column, degree_ - p, v);
-        for (int q = 0; p + q <= degree_; ++q) right_[MonomialIndex(p, q)] += column[q];
-    }
+    AddMapped(moments, degree_, uScale, u, vScale, v, right_);
 }
 
 bool NormalEquations::finite() const {
@@ -183,8 +292,7 @@ void SurfaceFitter<T>::Flush() {
                 if constexpr (kFloat)
                     moments[q][p] = sum;
                 else
-                    moments[q][p] =
-                        ExactSum(static_cast<double>(sum >> 32) * 0x1p32, static_cast<double>(sum & 0xffffffff));
+                    moments[q][p] = ToPair(sum);
             }
         if constexpr (kFloat)
             equations_.AddMoments(moments, 1 / frame.width(), 0.0, vScale, v);

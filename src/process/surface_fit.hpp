@@ -46,8 +46,6 @@ public:
     SurfacePolynomial Solve(double origin) const;
 
 private:
-    void AddRectangle(Run columns, int32_t top, int32_t bottom);
-
     int degree_;
     SurfaceFrame frame_;
     std::array<DoublePair, 28> matrix_;  // sum of u^p v^q, p + q <= 6

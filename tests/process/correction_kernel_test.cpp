@@ -92,6 +92,38 @@ TEST(Shifts, EveryVariantEqualsTheDefinitionBitForBit) {
             }
 }
 
+// Gentle and steep rows, constants at and beside a half, slopes that pass through halves exactly, and rows beyond all bounds.
+TEST(CorrectRow, EveryVariantEqualsTheDefinition) {
+    const RowPolynomial rows[] = {{{3.3, 0.01, -2e-6, 3e-10}},
+                                  {{0.5, 0, 0, 0}},
+                                  {{std::nextafter(-0.5, 0), 0, 0, 0}},
+                                  {{-20.25, 0.0625, 0, 0}},
+                                  {{12, -0.03125, 0x1p-15, 0}},
+                                  {{100, -0.3, 1e-4, 1e-8}},
+                                  {{-1e6, 1e3, 0.2, -1e-4}},
+                                  {{1e300, -1e300, 1e300, 1e300}},
+                                  {{0, 0, kNaN, 0}}};
+    std::vector<size_t> sizes(std::begin(kAwkwardSizes), std::end(kAwkwardSizes));
+    sizes.push_back(4096);
+    for (const auto& variant : SupportedOnThisCpu(kCorrectRow))
+        for (const RowPolynomial& row : rows)
+            for (const size_t n : sizes)
+                for (const double x : {0.0, 37.0, 100000.0})
+                    for (const uint8_t lower : {uint8_t{0}, uint8_t{20}, uint8_t{240}}) {
+                        CorrectionParameters<uint8_t> parameters;
+                        parameters.lower = lower;
+                        parameters.upper = 230;
+                        parameters.half = lower > 230 ? 0.0 : 0.5;
+                        std::vector<uint8_t> pixels = Noise<uint8_t>(n, static_cast<uint32_t>(n));
+                        Guarded<uint8_t> got(pixels, n % 3);
+                        CorrectRow_scalar(pixels.data(), n, x, row, parameters);
+                        variant.fn(got.data(), n, x, row, parameters);
+                        ASSERT_TRUE(SameBits(pixels.data(), got.data(), n))
+                            << variant.name << " " << row.c[0] << " at " << x;
+                        ASSERT_TRUE(got.GuardsIntact());
+                    }
+}
+
 // v = p + s at p = 10: rounded half up, clamped, and for a range turned round below lower or not.
 TEST(Correction, KnownAnswers) {
     const double shifts[] = {0.49, 0.5, -0.5, -0.51, -7.5, -7.51, 9.7, kNaN, kInfinity, -kInfinity};
