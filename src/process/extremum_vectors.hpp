@@ -40,17 +40,58 @@ template <class Lanes, class T = typename Lanes::Pixel>
         });
 }
 
+// Whether vectors can be shifted by any number of pixels, which spares loads that straddle two cache lines.
+template <class Lanes>
+concept Shifts = requires(size_t step) {
+    Lanes::Step(step);
+};
+
+// use(low, high, i) for vectors as ForEachVector() has them: those of the rows at i and at i + steps[0], i + steps[1] ...
+// together.
+template <class Lanes, size_t kSteps, class Use, class T = typename Lanes::Pixel>
+[[gnu::always_inline]] inline bool ForEachWindow(ExtremaRow<const T> from, const size_t (&steps)[kSteps], size_t n,
+                                                 const Use& use) {
+    if (n < Lanes::kLanes) return false;
+    const auto alone = [&](size_t i) __attribute__((always_inline)) {
+        auto low = Lanes::Load(from.low + i), high = Lanes::Load(from.high + i);
+        for (size_t k = 0; k < kSteps; ++k) {
+            low = Lanes::Min(low, Lanes::Load(from.low + i + steps[k]));
+            high = Lanes::Max(high, Lanes::Load(from.high + i + steps[k]));
+        }
+        use(low, high, i);
+    };
+    size_t i = 0;
+    if constexpr (Shifts<Lanes>) {
+        if (const size_t last = steps[kSteps - 1]; last <= Lanes::kLanes && 2 * Lanes::kLanes <= n + last) {
+            auto a = Lanes::Load(from.low), b = Lanes::Load(from.high);
+            decltype(Lanes::Step(0)) shifts[kSteps];
+            for (size_t k = 0; k < kSteps; ++k) shifts[k] = Lanes::Step(steps[k]);
+            for (; i + 2 * Lanes::kLanes <= n + last; i += Lanes::kLanes) {
+                const auto c = Lanes::Load(from.low + i + Lanes::kLanes),
+                           d = Lanes::Load(from.high + i + Lanes::kLanes);
+                auto low = a, high = b;
+                for (size_t k = 0; k < kSteps; ++k) {
+                    low = Lanes::Min(low, Lanes::After(a, c, shifts[k]));
+                    high = Lanes::Max(high, Lanes::After(b, d, shifts[k]));
+                }
+                use(low, high, i);
+                a = c;
+                b = d;
+            }
+        }
+    }
+    for (; i + Lanes::kLanes <= n; i += Lanes::kLanes) alone(i);
+    if (i < n) alone(n - Lanes::kLanes);
+    return true;
+}
+
 template <class Lanes, class T = typename Lanes::Pixel>
 [[gnu::always_inline]] inline bool Widen(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3],
                                          size_t n) {
-    const size_t a = steps[0], b = steps[1], c = steps[2];
-    return ForEachVector<Lanes>(
-        n, [&](size_t i) __attribute__((always_inline)) {
-            const T *const low = from.low + i, *const high = from.high + i;
-            Lanes::Store(to.low + i, Lanes::Min(Lanes::Min(Lanes::Load(low), Lanes::Load(low + a)),
-                                                Lanes::Min(Lanes::Load(low + b), Lanes::Load(low + c))));
-            Lanes::Store(to.high + i, Lanes::Max(Lanes::Max(Lanes::Load(high), Lanes::Load(high + a)),
-                                                 Lanes::Max(Lanes::Load(high + b), Lanes::Load(high + c))));
+    return ForEachWindow<Lanes>(
+        from, steps, n, [&](const auto& low, const auto& high, size_t i) __attribute__((always_inline)) {
+            Lanes::Store(to.low + i, low);
+            Lanes::Store(to.high + i, high);
         });
 }
 
@@ -58,34 +99,60 @@ template <class Lanes, class T = typename Lanes::Pixel>
 [[gnu::always_inline]] inline bool Sharpen(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
                                            const FilterParameters<T>& limits) {
     const auto lower = Lanes::All(limits.lower), upper = Lanes::All(limits.upper);
-    return ForEachVector<Lanes>(
-        n, [&](size_t i) __attribute__((always_inline)) {
-            const T *const low = square.low + i, *const high = square.high + i;
+    return ForEachWindow<Lanes>(
+        square, {step}, n, [&](const auto& low, const auto& high, size_t i) __attribute__((always_inline)) {
             Lanes::Store(to + i,
-                         Lanes::Nearer(Lanes::Load(pixels + i),
-                                       Lanes::Min(upper, Lanes::Min(Lanes::Load(low), Lanes::Load(low + step))),
-                                       Lanes::Max(lower, Lanes::Max(Lanes::Load(high), Lanes::Load(high + step)))));
+                         Lanes::Nearer(Lanes::Load(pixels + i), Lanes::Min(upper, low), Lanes::Max(lower, high)));
         });
 }
 
+// Extremes of three pixels above one another and the limits. NaN among the pixels must not be the second operand.
+template <class Lanes, class T = typename Lanes::Pixel>
+struct ColumnExtremes {
+    typename Lanes::Vector low, middle, high;
+
+    [[gnu::always_inline]] ColumnExtremes(const T* const* p, ptrdiff_t x, const typename Lanes::Vector& lower,
+                                          const typename Lanes::Vector& upper) {
+        const auto a = Lanes::Load(p[0] + x), c = Lanes::Load(p[2] + x);
+        middle = Lanes::Load(p[1] + x);
+        low = Lanes::Min(c, Lanes::Min(middle, Lanes::Min(a, upper)));
+        high = Lanes::Max(c, Lanes::Max(middle, Lanes::Max(a, lower)));
+    }
+};
+
+// As MedianRow() does it: columns are shifted to their neighbours inside the row and read where they are at its ends.
 template <class Lanes, class T = typename Lanes::Pixel>
 [[gnu::always_inline]] inline bool Sharpen3x3(const T* const* rows, T* to, size_t n,
                                               const FilterParameters<T>& limits) {
+    constexpr size_t kLanes = Lanes::kLanes;
+    if (n < kLanes) return false;
+    using Column = ColumnExtremes<Lanes>;
     const auto lower = Lanes::All(limits.lower), upper = Lanes::All(limits.upper);
-    const T *const top = rows[0], *const middle = rows[1], *const bottom = rows[2];
-    return ForEachVector<Lanes>(
-        n, [&](size_t i) __attribute__((always_inline)) {
-            auto low = upper, high = lower;
-            typename Lanes::Vector centre;
-            for (ptrdiff_t dx = -1; dx <= 1; ++dx) {
-                const ptrdiff_t x = static_cast<ptrdiff_t>(i) + dx;
-                const auto a = Lanes::Load(top + x), b = Lanes::Load(middle + x), c = Lanes::Load(bottom + x);
-                low = Lanes::Min(Lanes::Min(c, Lanes::Min(b, Lanes::Min(a, upper))), low);
-                high = Lanes::Max(Lanes::Max(c, Lanes::Max(b, Lanes::Max(a, lower))), high);
-                if (dx == 0) centre = b;
+    const T* const p[3] = {rows[0], rows[1], rows[2]};
+    const auto alone = [&](size_t i) __attribute__((always_inline)) {
+        const auto x = static_cast<ptrdiff_t>(i);
+        const Column l(p, x - 1, lower, upper), c(p, x, lower, upper), r(p, x + 1, lower, upper);
+        Lanes::Store(to + i, Lanes::Nearer(c.middle, Lanes::Min(Lanes::Min(l.low, c.low), r.low),
+                                           Lanes::Max(Lanes::Max(l.high, c.high), r.high)));
+    };
+    alone(0);
+    size_t i = kLanes;
+    if constexpr (requires(const typename Lanes::Vector& v) { Lanes::Before(v, v); })
+        if (i + 2 * kLanes <= n + 1) {
+            Column l(p, 0, lower, upper), c(p, kLanes, lower, upper);
+            for (; i + 2 * kLanes <= n + 1; i += kLanes) {
+                const Column r(p, static_cast<ptrdiff_t>(i + kLanes), lower, upper);
+                const auto low = Lanes::Min(Lanes::Min(Lanes::Before(l.low, c.low), c.low), Lanes::After(c.low, r.low));
+                const auto high =
+                    Lanes::Max(Lanes::Max(Lanes::Before(l.high, c.high), c.high), Lanes::After(c.high, r.high));
+                Lanes::Store(to + i, Lanes::Nearer(c.middle, low, high));
+                l = c;
+                c = r;
             }
-            Lanes::Store(to + i, Lanes::Nearer(centre, low, high));
-        });
+        }
+    for (; i + kLanes <= n; i += kLanes) alone(i);
+    if (i < n) alone(n - kLanes);
+    return true;
 }
 
 }  // namespace

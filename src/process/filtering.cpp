@@ -10,9 +10,10 @@
 namespace orlix {
 namespace {
 
-// Columns at a time: what is gathered stays in the first cache, and so do the rows of a kernel that reads in place.
+// Columns at a time: what is gathered stays in the first cache, and so do the rows of a kernel that reads in place. Prefetching
+// much more than a kilobyte before it is needed keeps the kernel waiting.
 constexpr int64_t kGathered = 256;
-constexpr int64_t kDirect = 4096;
+constexpr int64_t kDirect = 1024;
 
 // Larger bands than this leave the second cache before the next row needs their samples again.
 constexpr int64_t kCachedBytes = 1 << 20;

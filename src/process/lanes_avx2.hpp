@@ -11,6 +11,16 @@
 namespace orlix {
 namespace {
 
+// The pixels just before and just after those of b, of the vectors a, b, c side by side.
+template <int bytes>
+[[gnu::always_inline]] inline __m256i Before(const __m256i& a, const __m256i& b) {
+    return _mm256_alignr_epi8(b, _mm256_permute2x128_si256(a, b, 0x21), 16 - bytes);
+}
+template <int bytes>
+[[gnu::always_inline]] inline __m256i After(const __m256i& b, const __m256i& c) {
+    return _mm256_alignr_epi8(_mm256_permute2x128_si256(b, c, 0x21), b, bytes);
+}
+
 template <class T>
 struct Integers {
     using Pixel = T;
@@ -18,6 +28,8 @@ struct Integers {
     static constexpr size_t kLanes = 32 / sizeof(T);
     ORLIX_INLINE Vector Load(const T* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
     ORLIX_INLINE void Store(T* p, const Vector& v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+    ORLIX_INLINE Vector Before(const Vector& a, const Vector& b) { return orlix::Before<sizeof(T)>(a, b); }
+    ORLIX_INLINE Vector After(const Vector& b, const Vector& c) { return orlix::After<sizeof(T)>(b, c); }
 };
 
 struct Bytes : Integers<uint8_t> {
@@ -65,6 +77,8 @@ struct TotallyOrdered {
     }
     ORLIX_INLINE Vector Min(const Vector& a, const Vector& b) { return _mm256_min_epi32(a, b); }
     ORLIX_INLINE Vector Max(const Vector& a, const Vector& b) { return _mm256_max_epi32(a, b); }
+    ORLIX_INLINE Vector Before(const Vector& a, const Vector& b) { return orlix::Before<4>(a, b); }
+    ORLIX_INLINE Vector After(const Vector& b, const Vector& c) { return orlix::After<4>(b, c); }
 };
 
 // Min and Max return the second operand when one is NaN.
@@ -83,6 +97,12 @@ struct Floats {
         const Vector nearer = _mm256_add_ps(_mm256_blendv_ps(low, high, up), _mm256_setzero_ps());
         const Vector nan = _mm256_castsi256_ps(_mm256_set1_epi32(0x7fc00000));
         return _mm256_blendv_ps(nearer, nan, _mm256_cmp_ps(p, p, _CMP_UNORD_Q));
+    }
+    ORLIX_INLINE Vector Before(const Vector& a, const Vector& b) {
+        return _mm256_castsi256_ps(orlix::Before<4>(_mm256_castps_si256(a), _mm256_castps_si256(b)));
+    }
+    ORLIX_INLINE Vector After(const Vector& b, const Vector& c) {
+        return _mm256_castsi256_ps(orlix::After<4>(_mm256_castps_si256(b), _mm256_castps_si256(c)));
     }
 };
 
