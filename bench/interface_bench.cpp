@@ -68,9 +68,9 @@ void Register(const std::string& operation, const Call<T>& prepare, const Call<T
                                          });
 }
 
-template <class T, class From = T>
-void RegisterSourced(const std::string& operation,
-                     HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG)) {
+// call(process, source, band) or a method of IImageProcess.
+template <class T, class From = T, class Call>
+void RegisterSourced(const std::string& operation, const Call& call) {
     for (const int size : kSizes)
         for (const bool circle : {false, true})
             benchmark::RegisterBenchmark(Name<T>(operation, size, circle ? "circle" : "whole").c_str(),
@@ -78,7 +78,7 @@ void RegisterSourced(const std::string& operation,
                                              Subject<T> subject(size, circle);
                                              Subject<From> source(size, false);
                                              for (auto _ : state)
-                                                 Check((subject.process.get()->*method)(source.image.get(), 0));
+                                                 Check(std::invoke(call, subject.process.get(), source.image.get(), 0));
                                              state.SetItemsProcessed(state.iterations() * subject.pixels);
                                          });
 }
@@ -142,6 +142,13 @@ void RegisterType() {
     RegisterSourced<T, uint16_t>("cast from u16", &IImageProcess::CastEquals);
     RegisterSourced<T, float>("cast from f32", &IImageProcess::CastEquals);
     RegisterSourced<T>(std::string("plus ") + NameOf<T>(), &IImageProcess::PlusEquals);
+    RegisterSourced<T>("Median3x3", &IImageProcess::Median3x3);
+    RegisterSourced<T>("Sobel", &IImageProcess::Sobel);
+    for (const LONG halfSize : {1, 15, 63})
+        RegisterSourced<T>("ExtremumSharpening " + std::to_string(halfSize),
+                           [=](IImageProcess* process, IImageVPA* source, LONG band) {
+                               return process->ExtremumSharpening(halfSize, source, band);
+                           });
     RegisterSourced<T>("Gaussian3x3", &IImageProcess::Gaussian3x3);
     RegisterSourced<T>("Gaussian5x5", &IImageProcess::Gaussian5x5);
     RegisterSourced<T>("Laplacian", &IImageProcess::Laplacian);

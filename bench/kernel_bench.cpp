@@ -7,9 +7,12 @@
 #include "process/casting_kernels.hpp"
 #include "process/counting_kernels.hpp"
 #include "process/extremes_kernels.hpp"
+#include "process/extremum_kernels.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/measuring_kernels.hpp"
+#include "process/median_kernels.hpp"
 #include "process/point_kernels.hpp"
+#include "process/sobel_kernels.hpp"
 #include "process/threshold_kernels.hpp"
 
 namespace orlix::bench {
@@ -121,6 +124,9 @@ void RegisterType() {
     RegisterFilter<T>("Laplacian", kLaplacian<T>, 1);
     RegisterFilter<T>("SharpenLow", kSharpenLow<T>, 1);
     RegisterFilter<T>("SharpenMedium", kSharpenMedium<T>, 1);
+    RegisterFilter<T>("Median3x3", kMedian3x3<T>, 1);
+    RegisterFilter<T>("Sobel", kSobel<T>, 1);
+    RegisterFilter<T>("ExtremumSharpening 1", kExtremumSharpening3x3<T>, 1);
 }
 
 void RegisterHistograms() {
