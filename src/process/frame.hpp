@@ -267,9 +267,10 @@ public:
         if (!heights.finite() || !std::isfinite(surface.average)) throw Failure(notFinite);
         const Corrector<Pixel> corrector(lower_, upper_);
         ForEachRun(Select(), [&](Pixel* pixels, size_t n, int32_t x, int32_t y) {
-            double shifts[Corrector<Pixel>::kMost];
-            for (size_t done = 0; done < n; done += Corrector<Pixel>::kMost) {
-                const size_t part = std::min(n - done, Corrector<Pixel>::kMost);
+            constexpr size_t kPiece = 512;  // the shifts stay in the first cache
+            double shifts[kPiece];
+            for (size_t done = 0; done < n; done += kPiece) {
+                const size_t part = std::min(n - done, kPiece);
                 heights.Values(x + static_cast<int32_t>(done), y, part, shifts);
                 for (size_t i = 0; i < part; ++i) shifts[i] = surface.average - shifts[i];
                 corrector.Apply(pixels + done, shifts, part);
