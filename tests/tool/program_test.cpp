@@ -1,89 +1,12 @@
-// The program as its user sees it: arguments in, standard output, standard error, files and exit code out. Expected values
-// come from the specimen's own pixels and labels.
-#include "program.hpp"
-#include "console.hpp"
-#include "document.hpp"
-#include "specimen.hpp"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <orlix/client.hpp>
+// The program as its user sees it. Expected values come from the specimen's own pixels and labels.
+#include "program_fixture.hpp"
 
 #include <cmath>
-#include <filesystem>
-#include <iostream>
 #include <numeric>
-#include <sstream>
 
 using namespace tool;
 using testing::HasSubstr;
 using testing::Not;
-
-namespace {
-
-struct Result {
-    int code = 0;
-    std::string out, err;
-};
-
-class Captured {
-public:
-    explicit Captured(std::ostream& stream) : stream_(stream), old_(stream.rdbuf(buffer_.rdbuf())) {}
-    ~Captured() { stream_.rdbuf(old_); }
-    std::string text() const { return buffer_.str(); }
-
-private:
-    std::ostringstream buffer_;
-    std::ostream& stream_;
-    std::streambuf* old_;
-};
-
-Result Orlix(const std::vector<std::string>& arguments) {
-    const Captured out(std::cout), err(std::cerr);
-    const int code = Run(arguments);
-    return {code, out.text(), err.text()};
-}
-
-Json Measured(const std::vector<std::string>& arguments) {
-    std::vector<std::string> all = {"measure", "--json"};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    const Result result = Orlix(all);
-    EXPECT_EQ(kDone, result.code) << result.err;
-    return result.code == kDone ? Json::parse(result.out) : Json();
-}
-
-class Program : public testing::Test {
-protected:
-    void SetUp() override {
-        // A folder whose name no 8-bit code page holds.
-        folder_ =
-            std::filesystem::temp_directory_path() /
-            Path("orlix prüfung 試料 " + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directories(folder_);
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    std::string At(const std::string& name) const { return Utf8(folder_ / Path(name)); }
-    bool Exists(const std::string& name) const { return std::filesystem::exists(folder_ / Path(name)); }
-
-    // The file of a specimen, and the specimen itself.
-    samples::Specimen Make(const std::string& name, samples::SpecimenSettings settings = {}) const {
-        const Result result =
-            Orlix({"specimen", At(name), "--seed", std::to_string(settings.seed), "--bits",
-                   std::to_string(settings.bits), "--pits", std::to_string(settings.pits), "--pixel-size", "0.5"});
-        EXPECT_EQ(kDone, result.code) << result.err;
-        return samples::MakeSpecimen(settings);
-    }
-
-    orlix::Apartment apartment_;
-    std::filesystem::path folder_;
-};
-
-}  // namespace
 
 TEST_F(Program, MeasuresWhatTheSpecimensPixelsSay) {
     for (const int bits : {8, 16}) {
@@ -287,6 +210,22 @@ TEST_F(Program, WrongUsageIsRefusedBeforeAnythingIsDone) {
                                                {"measure", a, "--luminance", "9"},
                                                {"measure", a, "--smooth", "4"},
                                                {"measure", a, "--bins", "1"},
+                                               {"measure", a, "--flatten", "cone"},
+                                               {"measure", a, "--flatten-robust", "0.5"},
+                                               {"measure", a, "--flatten", "plane", "--flatten-robust", "0"},
+                                               {"flatten", a},
+                                               {"flatten", a, "--surface", "cone"},
+                                               {"flatten", a, "--surface", "plane", "--robust", "0"},
+                                               {"flatten", a, "--surface", "plane", "--robust", "1.5"},
+                                               {"flatten", a, "--surface", "plane", "--robust", "nan"},
+                                               {"flatten", a, "--surface", "plane", "--z-scale", "0"},
+                                               {"flatten", a, "--surface", "plane", "--json", "--csv"},
+                                               {"filter", "sobel", a},
+                                               {"filter", "blur", a, "-o", At("b.png")},
+                                               {"filter", "sobel", a, "-o", At("b.png"), "--out", At("c")},
+                                               {"filter", "sobel", a, a, "-o", At("b.png")},
+                                               {"filter", "sobel", a, "-o", At("b.png"), "--half-size", "2"},
+                                               {"filter", "sobel", a, "-o", At("b.png"), "--luminance", "9", "1"},
                                                {"convert", a},
                                                {"convert", a, At("b.png"), "--type", "12"},
                                                {"convert", a, At("b.png"), "--crop", "0,0,x,1"},
@@ -371,7 +310,7 @@ TEST_F(Program, TheDoctorFindsTheLibraryWell) {
 }
 
 TEST_F(Program, HelpShowsExamplesAndSucceeds) {
-    for (const char* command : {"measure", "info", "convert", "specimen", "doctor"}) {
+    for (const char* command : {"measure", "flatten", "filter", "info", "convert", "specimen", "doctor"}) {
         const Result result = Orlix({command, "--help"});
         EXPECT_EQ(kDone, result.code);
         EXPECT_THAT(result.out, HasSubstr(std::string("\n  orlix ") + command));

@@ -13,6 +13,8 @@ namespace tool {
 using Command = std::function<int()>;
 
 Command AddMeasure(CLI::App& program);
+Command AddFlatten(CLI::App& program);
+Command AddFilter(CLI::App& program);
 Command AddInfo(CLI::App& program);
 Command AddConvert(CLI::App& program);
 Command AddSpecimen(CLI::App& program);

@@ -75,6 +75,18 @@ std::string CsvField(const Json& value) {
     return quoted + '"';
 }
 
+std::string CsvHeader(const std::vector<std::string>& columns) {
+    std::string line;
+    for (const std::string& column : columns) line += (line.empty() ? "" : ",") + column;
+    return line + "\r\n";
+}
+
+std::string CsvLine(const std::vector<std::string>& columns, const Json& document) {
+    std::string line;
+    for (size_t i = 0; i < columns.size(); ++i) line += (i ? "," : "") + CsvField(Member(document, columns[i]));
+    return line + "\r\n";
+}
+
 const Json& Member(const Json& document, std::string_view path) {
     static const Json none;
     const Json* at = &document;

@@ -6,6 +6,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool {
 
@@ -22,6 +23,10 @@ std::string Print(const Json& document);
 
 // A field of a CSV line (RFC 4180): in quotes where it needs them; null is empty, numbers as in JSON.
 std::string CsvField(const Json& value);
+
+// Lines of a CSV file, with their ends: the columns are members of the document.
+std::string CsvHeader(const std::vector<std::string>& columns);
+std::string CsvLine(const std::vector<std::string>& columns, const Json& document);
 
 // A member reached by names joined with dots, "phase.areaFraction"; null when there is none.
 const Json& Member(const Json& document, std::string_view path);

@@ -1,5 +1,7 @@
 #include "histogram_plot.hpp"
 
+#include "drawing.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -58,27 +60,6 @@ double Arrange(std::vector<Mark>& marks, double low, double high, double width) 
         over = std::max(over, mark.at + mark.Width() - kWidth);
     }
     return over;
-}
-
-// 1, 2 or 5 times a power of ten, so that about `wanted` steps cover the range.
-double TickStep(double range, double wanted) {
-    double step = 1;
-    while (step * 10 <= range / wanted) step *= 10;
-    while (step > range / wanted && step > 1e-12) step /= 10;
-    for (const double factor : {5.0, 2.0})
-        if (step * factor <= range / wanted) return step * factor;
-    return step;
-}
-
-std::string Coordinate(double value) { return Rounded(value, 1); }
-
-std::string Line(double x1, double y1, double x2, double y2, const std::string& style) {
-    return "<line x1='" + Coordinate(x1) + "' y1='" + Coordinate(y1) + "' x2='" + Coordinate(x2) + "' y2='" +
-           Coordinate(y2) + "' " + style + "/>\n";
-}
-
-std::string Label(double x, double y, const std::string& style, const std::string& text) {
-    return "<text x='" + Coordinate(x) + "' y='" + Coordinate(y) + "' " + style + ">" + Escaped(text) + "</text>\n";
 }
 
 }  // namespace
@@ -160,7 +141,7 @@ std::string HistogramPlot(const Json& measurement) {
 
     svg += Line(kLeft, bottom, right, bottom, "stroke='var(--muted)'");
     const double xStep = TickStep(high - low, 8);
-    const int digits = xStep >= 1 ? 0 : static_cast<int>(std::ceil(-std::log10(xStep)));
+    const int digits = TickDigits(xStep);
     for (double k = std::ceil(low / xStep); k * xStep <= high; k += 1) {
         const double tick = k * xStep;
         svg += Line(across(tick), bottom, across(tick), bottom + 5, "stroke='var(--muted)'");

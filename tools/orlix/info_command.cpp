@@ -2,7 +2,7 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "document.hpp"
-#include "measurement.hpp"
+#include "subject.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -24,8 +24,7 @@ Examples:
   orlix info --json *.png)";
 
 Json InfoOf(const std::string& file) {
-    auto image = orlix::CreateObject<IImageVPAExPlus>("Orlix.Image");
-    orlix::Check(image->CreateFromFile(orlix::Text(file)), image);
+    const auto image = LoadImage(file);
     Json out;
     out["file"] = Utf8(Path(file).filename());
     LONG bands = 0, width = 0, height = 0, type = 0;

@@ -1,9 +1,11 @@
 // orlix measure
+#include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
 #include "html_report.hpp"
 #include "measurement.hpp"
 #include "pictures.hpp"
+#include "surface.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -12,9 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
-#include <map>
 #include <memory>
-#include <set>
 
 namespace tool {
 
@@ -38,6 +38,11 @@ Thresholds (METHOD, or METHOD:PARAMETER,PARAMETER)
   The level of an automatic threshold belongs to the dark side. With trim, the dark phase is
   below the left limit and the bright phase above the right one.
 
+Flattening
+  --flatten removes a fitted surface from the grey levels of the region before anything is measured;
+  their mean stays. A surface that takes every pixel into account follows particles too: with
+  --flatten-robust 0.7 it follows the better 70 % of the pixels. See orlix flatten.
+
 Histogram
   8-bit images have 256 bins. For others the luminance range snaps to the region's smallest and
   largest value (unless --luminance is given); statistics have one bin for each value, thresholds
@@ -53,31 +58,19 @@ Examples:
   orlix measure cast_iron.png --dark --pixel-size 0.65
   orlix measure nuclei.png --bright --threshold entropy --smooth 5 --json
   orlix measure *.png --threshold 0,96 --csv > fractions.csv
+  orlix measure tilted.png --flatten plane --flatten-robust 0.8
   orlix measure weld.png --roi circle:400,300,250 --out results
   orlix measure plate.png --roi oriented:300,80,-12.5,400,300 --roi-polarity outside)";
 
 struct Options {
     std::vector<std::string> files;
-    std::string region, polarity = "inside", threshold = "minimize-variance", out;
+    SubjectOptions subject;
+    std::string threshold = "minimize-variance", flatten, out;
+    std::optional<double> flattenRobust;
     bool dark = false, bright = false, json = false, csv = false;
-    double pixelSize = 0;
     std::vector<double> luminance;
     MeasureSettings settings;
 };
-
-// The last part of each path, with its folder where that alone names two images.
-std::vector<std::string> ShownNames(const std::vector<std::string>& files) {
-    std::map<std::string, int> uses;
-    for (const std::string& file : files) ++uses[Utf8(Path(file).filename())];
-    std::vector<std::string> names;
-    for (const std::string& file : files) {
-        const std::filesystem::path path = Path(file);
-        const std::string name = Utf8(path.filename());
-        const std::string folder = Utf8(path.parent_path().filename());
-        names.push_back(uses[name] == 1 || folder.empty() ? name : folder + "/" + name);
-    }
-    return names;
-}
 
 void CompleteSettings(Options& options) {
     MeasureSettings& settings = options.settings;
@@ -85,17 +78,11 @@ void CompleteSettings(Options& options) {
     if (!settings.threshold.method && (options.dark || options.bright))
         throw UsageError("levels name the phase themselves: neither --dark nor --bright goes with them");
     settings.bright = options.bright;
-    if (!options.region.empty()) {
-        settings.region = ParseRegion(options.region);
-        settings.region->polarity = ParsePolarity(options.polarity);
-    } else if (options.polarity != "inside") {
-        throw UsageError("--roi-polarity needs --roi");
-    }
-    if (options.pixelSize != 0) {
-        if (!(options.pixelSize > 0) || !std::isfinite(options.pixelSize))
-            throw UsageError("--pixel-size must be a number of microns above 0");
-        settings.pixelSize = options.pixelSize;
-    }
+    options.subject.Complete(settings);
+    if (!options.flatten.empty())
+        settings.flatten = MakeFlattenSettings(options.flatten, options.flattenRobust, std::nullopt);
+    else if (options.flattenRobust)
+        throw UsageError("--flatten-robust needs --flatten");
     if (!options.luminance.empty()) {
         if (!(options.luminance[0] <= options.luminance[1])) throw UsageError("--luminance: LOW is above HIGH");
         settings.luminance = {options.luminance[0], options.luminance[1]};
@@ -107,10 +94,10 @@ Json SettingsDocument(const Options& options) {
     Json out;
     out["threshold"] = settings.threshold.text;
     out["phase"] = !settings.threshold.method ? "between" : settings.bright ? "bright" : "dark";
-    out["region"] = settings.region ? Json(settings.region->text) : Json(nullptr);
-    out["regionPolarity"] = options.polarity;
-    out["pixelSize"] = settings.pixelSize ? Json(*settings.pixelSize) : Json(nullptr);
-    out["band"] = settings.band;
+    options.subject.Describe(out);
+    out["flatten"] = settings.flatten ? Json(settings.flatten->surface) : Json(nullptr);
+    out["flattenRobust"] =
+        settings.flatten && settings.flatten->robust ? Json(*settings.flatten->robust) : Json(nullptr);
     out["luminance"] = settings.luminance ? Json(*settings.luminance) : Json(nullptr);
     out["bins"] = settings.bins;
     out["smooth"] = settings.smoothing;
@@ -152,69 +139,58 @@ Json Summary(const Json& images) {
 }
 
 // The columns of a CSV line: members of an image's document, and of its thresholds "METHOD.member".
-constexpr const char* kColumns[] = {"file",
-                                    "error",
-                                    "width",
-                                    "height",
-                                    "bands",
-                                    "type",
-                                    "band",
-                                    "micronsPerPixel.x",
-                                    "micronsPerPixel.y",
-                                    "region.shape",
-                                    "region.polarity",
-                                    "region.pixels",
-                                    "region.areaSquareMicrons",
-                                    "luminance.lower",
-                                    "luminance.upper",
-                                    "grey.mean",
-                                    "grey.standardDeviation",
-                                    "grey.minimum",
-                                    "grey.maximum",
-                                    "grey.median",
-                                    "grey.mode",
-                                    "grey.skew",
-                                    "grey.kurtosis",
-                                    "grey.entropy",
-                                    "grey.xCentroid",
-                                    "grey.yCentroid",
-                                    "minimize-variance.threshold",
-                                    "trim.left",
-                                    "trim.right",
-                                    "search-for-minimum.threshold",
-                                    "gaussian-mixture.threshold",
-                                    "maximize-entropy.threshold",
-                                    "exponential.threshold",
-                                    "phase.polarity",
-                                    "phase.method",
-                                    "phase.lower",
-                                    "phase.upper",
-                                    "phase.pixels",
-                                    "phase.areaFraction",
-                                    "phase.areaSquareMicrons",
-                                    "phase.xCentroid",
-                                    "phase.yCentroid"};
+const std::vector<std::string> kColumns = {"file",
+                                           "error",
+                                           "width",
+                                           "height",
+                                           "bands",
+                                           "type",
+                                           "band",
+                                           "micronsPerPixel.x",
+                                           "micronsPerPixel.y",
+                                           "region.shape",
+                                           "region.polarity",
+                                           "region.pixels",
+                                           "region.areaSquareMicrons",
+                                           "flatten.surface.kind",
+                                           "flatten.surface.robust",
+                                           "flatten.before.rms",
+                                           "flatten.after.rms",
+                                           "flatten.clippedPixels",
+                                           "luminance.lower",
+                                           "luminance.upper",
+                                           "grey.mean",
+                                           "grey.standardDeviation",
+                                           "grey.minimum",
+                                           "grey.maximum",
+                                           "grey.median",
+                                           "grey.mode",
+                                           "grey.skew",
+                                           "grey.kurtosis",
+                                           "grey.entropy",
+                                           "grey.xCentroid",
+                                           "grey.yCentroid",
+                                           "minimize-variance.threshold",
+                                           "trim.left",
+                                           "trim.right",
+                                           "search-for-minimum.threshold",
+                                           "gaussian-mixture.threshold",
+                                           "maximize-entropy.threshold",
+                                           "exponential.threshold",
+                                           "phase.polarity",
+                                           "phase.method",
+                                           "phase.lower",
+                                           "phase.upper",
+                                           "phase.pixels",
+                                           "phase.areaFraction",
+                                           "phase.areaSquareMicrons",
+                                           "phase.xCentroid",
+                                           "phase.yCentroid"};
 
-std::string CsvHeader() {
-    std::string line;
-    for (const char* column : kColumns) line += (line.empty() ? "" : ",") + std::string(column);
-    return line + "\r\n";
-}
-
-std::string CsvLine(Json image) {
+std::string LineOf(Json image) {
     if (image.contains("thresholds"))
         for (const Json& entry : Json(image["thresholds"])) image[entry["method"].get<std::string>()] = entry;
-    std::string line;
-    for (const char* column : kColumns) line += (column == kColumns[0] ? "" : ",") + CsvField(Member(image, column));
-    return line + "\r\n";
-}
-
-std::string Padded(const std::string& text, size_t width, bool right = true) {
-    // Counted in characters: bytes that continue one do not count.
-    const auto length = static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; }));
-    const std::string blanks(length < width ? width - length : 0, ' ');
-    return right ? blanks + text : text + blanks;
+    return CsvLine(kColumns, image);
 }
 
 std::string Plain(const Json& m, const std::string& path, int digits = 2) {
@@ -223,21 +199,14 @@ std::string Plain(const Json& m, const std::string& path, int digits = 2) {
 }
 
 std::string TextOf(const Json& m) {
-    std::string out = m["file"].get<std::string>() + "\n";
-    const auto line = [&](const std::string& name, const std::string& text) {
-        out += "  " + Padded(name, 12, false) + text + "\n";
-    };
-    std::string size = Plain(m, "width") + " x " + Plain(m, "height") + " pixels, " + m["type"].get<std::string>();
-    if (NumberAt(m, "bands") > 1) size += ", band " + Plain(m, "band") + " of " + Plain(m, "bands");
-    if (m["micronsPerPixel"].is_null())
-        size += ", not calibrated";
-    else
-        size += ", " + Number(NumberAt(m, "micronsPerPixel.x")) + " x " + Number(NumberAt(m, "micronsPerPixel.y")) +
-                " µm per pixel (" + m["micronsPerPixel"]["source"].get<std::string>() + ")";
-    line("image", size);
-    const std::string shape = Member(m, "region.shape"), polarity = Member(m, "region.polarity");
-    line("region",
-         shape + (polarity == "inside" ? "" : ", " + polarity) + ", " + Plain(m, "region.pixels") + " pixels");
+    std::string out = SubjectText(m);
+    const auto line = [&](const std::string& name, const std::string& text) { out += TextLine(name, text); };
+    if (!m["flatten"].is_null()) {
+        const std::string kind = Member(m, "flatten.surface.kind");
+        const Json& robust = Member(m, "flatten.surface.robust");
+        line("flattened", kind + (robust.is_null() ? "" : ", robust with " + Number(robust)) + ", " +
+                              Plain(m, "flatten.clippedPixels") + " pixels clipped");
+    }
     line("grey", "mean " + Plain(m, "grey.mean") + ", deviation " + Plain(m, "grey.standardDeviation") + ", minimum " +
                      Plain(m, "grey.minimum") + ", maximum " + Plain(m, "grey.maximum"));
     line("", "median " + Plain(m, "grey.median") + ", mode " + Plain(m, "grey.mode") + ", skew " +
@@ -285,30 +254,23 @@ std::string TextOfSummary(const Json& summary) {
            percent("minimum") + " to " + percent("maximum") + "\n";
 }
 
-// Pictures and report of one image, under a name that no other image of the batch has.
-class OutputFolder {
+// Pictures and reports.
+class Results {
 public:
-    OutputFolder(const std::string& folder, bool single) : folder_(Path(folder)), single_(single) {
-        std::error_code error;
-        std::filesystem::create_directories(folder_, error);
-        if (!std::filesystem::is_directory(folder_)) throw std::runtime_error("cannot make the folder " + folder);
-    }
+    Results(const std::string& folder, bool single) : folder_(folder), single_(single) {}
 
     void Add(const std::string& file, Measurement& measurement) {
-        const std::string stem = Utf8(Path(file).stem());
-        std::string name = stem;
-        for (int number = 2; !used_.insert(name).second; ++number) name = stem + "_" + std::to_string(number);
-
+        const std::string name = folder_.NameFor(file);
         const Picture display = DisplayPicture(measurement);
         const Picture overlay = OverlayPicture(measurement, display);
-        const std::filesystem::path temporary = folder_ / Path(name + "_report.tmp.png");
+        const std::filesystem::path temporary = folder_.At(name + "_report.tmp.png");
         const std::string report = single_ ? "report.html" : name + "_report.html";
         const Json& calibration = measurement.document["micronsPerPixel"];
-        SavePng(PhasePicture(measurement.phase), calibration, folder_ / Path(name + "_bitmap.png"));
-        SavePng(overlay, calibration, folder_ / Path(name + "_overlay.png"));
-        WriteFile(folder_ / Path(report),
-                  ImageReport(measurement.document, ORLIX_TOOL_VERSION, DataUri(Reduced(display, kLargest), temporary),
-                              DataUri(Reduced(overlay, kLargest), temporary)));
+        SavePng(PhasePicture(measurement.phase), calibration, folder_.At(name + "_bitmap.png"));
+        SavePng(overlay, calibration, folder_.At(name + "_overlay.png"));
+        WriteFile(folder_.At(report), ImageReport(measurement.document, ORLIX_TOOL_VERSION,
+                                                  DataUri(Reduced(display, kLargestInReport), temporary),
+                                                  DataUri(Reduced(overlay, kLargestInReport), temporary)));
         if (!single_) entries_.push_back({measurement.document, report, DataUri(Reduced(overlay, 280), temporary)});
         Json& outputs = measurement.document["outputs"];
         outputs["bitmap"] = name + "_bitmap.png";
@@ -319,71 +281,51 @@ public:
     void AddFailure(const Json& failure) { entries_.push_back({failure, {}, {}}); }
 
     void Finish(const Json& summary) {
-        if (!single_) WriteFile(folder_ / "report.html", BatchReport(entries_, summary, ORLIX_TOOL_VERSION));
+        if (!single_) WriteFile(folder_.At("report.html"), BatchReport(entries_, summary, ORLIX_TOOL_VERSION));
     }
 
 private:
-    static constexpr int32_t kLargest = 1400;  // pixels, of the pictures in a report; the files beside it are whole
-    std::filesystem::path folder_;
+    OutputFolder folder_;
     bool single_;
-    std::set<std::string> used_;
     std::vector<BatchEntry> entries_;
 };
 
-bool IsMissingModule(const orlix::Error& error) {
-    return error.result() == REGDB_E_CLASSNOTREG || error.result() == CO_E_CLASSSTRING;
-}
-
 int Measure(Options& options) {
     CompleteSettings(options);
-    std::optional<OutputFolder> folder;
-    if (!options.out.empty()) folder.emplace(options.out, options.files.size() == 1);
+    std::optional<Results> results;
+    if (!options.out.empty()) results.emplace(options.out, options.files.size() == 1);
 
-    const std::vector<std::string> names = ShownNames(options.files);
-    Json images = Json::array();
-    bool failed = false;
-    Progress progress(options.files.size());
-    if (options.csv) std::cout << CsvHeader();
-    for (size_t i = 0; i < options.files.size(); ++i) {
-        progress.Next(names[i]);
-        Json document;
-        try {
-            Measurement measurement = MeasureFile(options.files[i], names[i], options.settings);
-            if (folder) folder->Add(options.files[i], measurement);
-            document = std::move(measurement.document);
-            if (document["bands"] > 1 && i == 0)
-                progress.Say("orlix: " + names[i] + " has several bands; band " +
-                             std::to_string(options.settings.band) + " is measured");
-        } catch (const std::exception& error) {
-            const auto* const call = dynamic_cast<const orlix::Error*>(&error);
-            if (call && IsMissingModule(*call)) throw;
-            progress.Say("orlix: " + names[i] + ": " + error.what());
-            failed = true;
-            document = Json::object();
-            document["file"] = names[i];
-            document["error"] = error.what();
-            if (folder) folder->AddFailure(document);
-        }
-        progress.Clear();
-        if (options.csv)
-            std::cout << CsvLine(document) << std::flush;
-        else if (!options.json && !document.contains("error"))
-            std::cout << TextOf(document) << std::flush;
-        images.push_back(std::move(document));
-    }
+    if (options.csv) std::cout << CsvHeader(kColumns);
+    Batch batch = RunBatch(
+        options.files,
+        [&](size_t i, const std::string& name, Progress& progress) {
+            Measurement measurement = MeasureImage(LoadImage(options.files[i]), name, options.settings);
+            if (results) results->Add(options.files[i], measurement);
+            if (measurement.document["bands"] > 1 && i == 0)
+                progress.Say("orlix: " + name + " has several bands; band " + std::to_string(options.settings.band) +
+                             " is measured");
+            return std::move(measurement.document);
+        },
+        [&](const Json& document) {
+            if (results && document.contains("error")) results->AddFailure(document);
+            if (options.csv)
+                std::cout << LineOf(document) << std::flush;
+            else if (!options.json && !document.contains("error"))
+                std::cout << TextOf(document) << std::flush;
+        });
 
     Json document;
     document["tool"] = "orlix";
     document["version"] = ORLIX_TOOL_VERSION;
     document["settings"] = SettingsDocument(options);
-    document["images"] = std::move(images);
+    document["images"] = std::move(batch.images);
     document["summary"] = Summary(document["images"]);
-    if (folder) folder->Finish(document["summary"]);
+    if (results) results->Finish(document["summary"]);
     if (options.json)
         std::cout << Print(document);
     else if (!options.csv)
         std::cout << TextOfSummary(document["summary"]);
-    return failed ? kFailed : kDone;
+    return batch.failed ? kFailed : kDone;
 }
 
 }  // namespace
@@ -394,16 +336,17 @@ Command AddMeasure(CLI::App& program) {
         *program.add_subcommand("measure", "Measure images: grey statistics, thresholds, area of a phase");
     command.footer(kFooter);
     command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
-    command.add_option("--roi", options->region, "Region: rect:L,T,R,B | oriented:W,H,ANGLE,XC,YC | circle:XC,YC,R");
-    command.add_option("--roi-polarity", options->polarity, "inside, outside or frame of the region")
-        ->default_str("inside");
+    options->subject.AddRegion(command);
+    command.add_option("--flatten", options->flatten, "Remove a surface from the region first: " + SurfaceList())
+        ->check(CLI::IsMember(SurfaceNames()));
+    command.add_option("--flatten-robust", options->flattenRobust,
+                       "Robust fit of it: probability that a pixel belongs to the surface, up to 1");
     command.add_option("--threshold", options->threshold, "METHOD or LO,HI; see below")
         ->default_str("minimize-variance");
     auto* dark = command.add_flag("--dark", options->dark, "The phase is the dark side of the threshold (default)");
     command.add_flag("--bright", options->bright, "The phase is the bright side")->excludes(dark);
-    command.add_option("--pixel-size", options->pixelSize, "Microns per pixel, instead of what the file says");
-    command.add_option("--band", options->settings.band, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)")
-        ->check(CLI::NonNegativeNumber);
+    options->subject.AddPixelSize(command);
+    options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
     command.add_option("--luminance", options->luminance, "Grey levels that the histogram and its thresholds look at")
         ->expected(2)
         ->type_name("LOW HIGH");

@@ -17,11 +17,6 @@ namespace {
 
 constexpr LONG kFineBins = 65536;  // every value of a 16-bit image has its bin
 
-double TypeMinimum(LONG type) { return type == DT_Float ? -std::numeric_limits<double>::infinity() : 0; }
-double TypeMaximum(LONG type) {
-    return type == DT_Float ? std::numeric_limits<double>::infinity() : std::ldexp(1.0, static_cast<int>(type)) - 1;
-}
-
 template <class Method>
 double Property(const ComPtr<IHistogram>& histogram, Method method) {
     double value = 0;
@@ -69,16 +64,18 @@ void Smooth(const ComPtr<IHistogram>& histogram, LONG weights) {
 
 class Measuring {
 public:
-    Measuring(ComPtr<IImageVPAExPlus> image, const MeasureSettings& settings) : settings_(settings) {
-        result_.image = std::move(image);
-        process_ = Cast<IImageProcess>(result_.image);
+    Measuring(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const MeasureSettings& settings)
+        : settings_(settings),
+          result_{nullptr, nullptr, nullptr, {{"file", shownName}}},
+          subject_(std::move(image), settings, result_.document),
+          process_(Cast<IImageProcess>(subject_.image)),
+          type_(subject_.type) {
+        result_.image = subject_.image;
+        result_.region = subject_.region;
     }
 
-    Measurement Run(const std::string& shownName) {
-        result_.document["file"] = shownName;
-        Geometry();
-        Calibration();
-        Region();
+    Measurement Run() {
+        Background();
         Luminance();
         Grey();
         Histograms();
@@ -88,64 +85,15 @@ public:
     }
 
 private:
-    void Geometry() {
-        LONG bands = 0;
-        Check(result_.image->Dimensions(&bands, &width_, &height_), result_.image);
-        Check(result_.image->DataType(0, &type_), result_.image);
-        if (settings_.band >= bands)
-            throw std::runtime_error("the image has " + std::to_string(bands) + (bands == 1 ? " band" : " bands") +
-                                     ", so there is no band " + std::to_string(settings_.band));
-        Check(process_->put_BandToProcess(settings_.band), process_);
-        Json& out = result_.document;
-        out["width"] = width_;
-        out["height"] = height_;
-        out["bands"] = bands;
-        out["type"] = TypeName(type_);
-        out["band"] = settings_.band;
-    }
-
-    void Calibration() {
-        const auto file = Cast<IImageFile>(result_.image);
-        double x = 0, y = 0;
-        const bool known = Check(file->GetMicronsPerPixel(&x, &y), file) == S_OK;
-        if (settings_.pixelSize) {
-            x = y = *settings_.pixelSize;
-            Check(file->PutMicronsPerPixel(x, y), file);  // so that pictures of the result carry it
-        }
-        Json& out = result_.document["micronsPerPixel"];
-        if (!known && !settings_.pixelSize) return;
-        squareMicrons_ = x * y;
-        out["x"] = x;
-        out["y"] = y;
-        out["source"] = settings_.pixelSize ? "given" : "file";
-    }
-
-    Json Area(int64_t pixels) const {
-        return squareMicrons_ > 0 ? Json(static_cast<double>(pixels) * squareMicrons_) : Json(nullptr);
-    }
-
-    void Region() {
-        if (settings_.region) result_.region = MakeRegion(*settings_.region, width_, height_);
-        Check(process_->put_RegionOfInterest(result_.region.get()), process_);
-        Check(process_->get_GrayMeasurements(
-                  static_cast<GrayExtractMeasurementType>(GEMT_GrayLocation | GEMT_GrayStatistics), &grey_),
-              process_);
-        if (grey_.m_lPixelCount < 1) throw std::runtime_error("the region holds no pixel of the image");
-        Json& out = result_.document["region"];
-        out["shape"] = settings_.region ? settings_.region->text : "whole image";
-        out["polarity"] = settings_.region ? PolarityName(settings_.region->polarity) : "inside";
-        out["pixels"] = grey_.m_lPixelCount;
-        out["areaSquareMicrons"] = Area(grey_.m_lPixelCount);
+    void Background() {
+        Json& out = result_.document["flatten"];
+        if (settings_.flatten) out = Flatten(subject_, *settings_.flatten).document;
     }
 
     void Luminance() {
         const char* source = "type";
         if (settings_.luminance) {
-            const auto [lower, upper] = *settings_.luminance;
-            if (lower < TypeMinimum(type_) || upper > TypeMaximum(type_))
-                throw std::runtime_error("the luminance range does not lie within the grey levels of a " +
-                                         std::string(TypeName(type_)) + " image");
-            Check(process_->PutLuminanceRange(lower, upper), process_);
+            PutLuminance(subject_, (*settings_.luminance)[0], (*settings_.luminance)[1]);
             source = "given";
         } else if (type_ != DT_BYTE) {
             Check(process_->SnapLuminanceRange(0, 0, 0), process_);
@@ -161,6 +109,9 @@ private:
     }
 
     void Grey() {
+        Check(process_->get_GrayMeasurements(
+                  static_cast<GrayExtractMeasurementType>(GEMT_GrayLocation | GEMT_GrayStatistics), &grey_),
+              process_);
         Check(process_->get_Histogram(fine_.Out()), process_);
         int64_t inside = 0;
         for (const LONG count : BinsOf(fine_)) inside += count;
@@ -272,16 +223,16 @@ private:
         out["upper"] = Finite(upper);
         out["pixels"] = bits.pixels;
         out["areaFraction"] = Fraction(bits.pixels);
-        out["areaSquareMicrons"] = Area(bits.pixels);
+        out["areaSquareMicrons"] = subject_.Area(bits.pixels);
         out["xCentroid"] = bits.pixels ? Json(bits.xCentroid) : Json(nullptr);
         out["yCentroid"] = bits.pixels ? Json(bits.yCentroid) : Json(nullptr);
     }
 
     const MeasureSettings& settings_;
     Measurement result_;
+    Subject subject_;
     ComPtr<IImageProcess> process_;
-    LONG width_ = 0, height_ = 0, type_ = 0;
-    double squareMicrons_ = 0;  // of a pixel; 0: not known
+    LONG type_;
     SGrayMeasurements grey_ = {};
     ComPtr<IHistogram> fine_;       // as fine as the image gives it: for the statistics
     ComPtr<IHistogram> histogram_;  // of few enough bins, smoothed if wanted: for the thresholds
@@ -290,21 +241,6 @@ private:
 };
 
 }  // namespace
-
-const char* TypeName(LONG dataType) {
-    switch (dataType) {
-        case DT_BYTE:
-            return "8-bit";
-        case DT_WORD:
-            return "16-bit";
-        case DT_DWORD:
-            return "32-bit";
-        case DT_Float:
-            return "float";
-        default:
-            return "unknown";
-    }
-}
 
 BitCount CountBits(const ComPtr<IBitmap>& bitmap) {
     LONG width = 0, height = 0;
@@ -336,13 +272,7 @@ BitCount CountBits(const ComPtr<IBitmap>& bitmap) {
 }
 
 Measurement MeasureImage(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const MeasureSettings& settings) {
-    return Measuring(std::move(image), settings).Run(shownName);
-}
-
-Measurement MeasureFile(const std::string& file, const std::string& shownName, const MeasureSettings& settings) {
-    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
-    Check(image->CreateFromFile(Text(file)), image);
-    return MeasureImage(std::move(image), shownName, settings);
+    return Measuring(std::move(image), shownName, settings).Run();
 }
 
 }  // namespace tool

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "document.hpp"
-#include "region.hpp"
+#include "flattening.hpp"
+#include "subject.hpp"
 #include "thresholds.hpp"
 
 #include <orlix/com_ptr.hpp>
@@ -15,12 +16,10 @@
 
 namespace tool {
 
-struct MeasureSettings {
-    std::optional<RegionShape> region;
+struct MeasureSettings : SubjectSettings {
+    std::optional<FlattenSettings> flatten;
     ThresholdChoice threshold = ParseThreshold("otsu");
-    bool bright = false;              // which side of an automatic threshold is the phase
-    std::optional<double> pixelSize;  // microns; instead of what the file says
-    LONG band = 0;
+    bool bright = false;  // which side of an automatic threshold is the phase
     std::optional<std::array<double, 2>> luminance;
     LONG bins = 1024;    // at most, of the histogram that thresholds are chosen on
     LONG smoothing = 0;  // 0, or 3, 5, 7 or 9 weights
@@ -36,6 +35,7 @@ struct Measurement {
 // Members of the document, in this order (null where there is nothing to say; lengths in pixels unless named otherwise):
 //   file, width, height, bands, type, band, micronsPerPixel {x, y, source}
 //   region {shape, polarity, pixels, areaSquareMicrons}
+//   flatten: null, or what was done before anything else was measured (flattening.hpp)
 //   luminance {lower, upper, source}
 //   grey {count, mean, standardDeviation, minimum, maximum, median, mode, skew, kurtosis, entropy, xCentroid, yCentroid}:
 //     count, mean, deviation and centroid of all pixels of the region, the rest of those in the luminance range
@@ -43,7 +43,6 @@ struct Measurement {
 //   thresholds [{method, label, parameters, threshold | left and right, darkFraction, brightFraction, note, message}]
 //   phase {polarity, method, lower, upper, pixels, areaFraction, areaSquareMicrons, xCentroid, yCentroid}
 // Throws orlix::Error, or std::runtime_error with a text for the user.
-Measurement MeasureFile(const std::string& file, const std::string& shownName, const MeasureSettings& settings);
 Measurement MeasureImage(orlix::ComPtr<IImageVPAExPlus> image, const std::string& shownName,
                          const MeasureSettings& settings);
 
@@ -53,7 +52,5 @@ struct BitCount {
     double yCentroid = 0;
 };
 BitCount CountBits(const orlix::ComPtr<IBitmap>& bitmap);
-
-const char* TypeName(LONG dataType);  // "8-bit", "16-bit", ...
 
 }  // namespace tool

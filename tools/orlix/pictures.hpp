@@ -33,6 +33,9 @@ Picture PhasePicture(const orlix::ComPtr<IBitmap>& phase);
 // Averages over squares so that neither side exceeds `largest`; as it is when it is small enough.
 Picture Reduced(const Picture& picture, int32_t largest);
 
+// Pixels, of the larger side of the pictures in a report; the files beside it are whole.
+constexpr int32_t kLargestInReport = 1400;
+
 // A PNG file, calibrated where micronsPerPixel {x, y} is not null.
 void SavePng(const Picture& picture, const Json& micronsPerPixel, const std::filesystem::path& path);
 

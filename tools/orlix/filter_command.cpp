@@ -1,0 +1,183 @@
+// orlix filter
+#include "batch.hpp"
+#include "commands.hpp"
+#include "console.hpp"
+#include "subject.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <orlix/client.hpp>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+namespace tool {
+
+using namespace orlix;
+
+namespace {
+
+constexpr char kFooter[] = R"(
+Filters (E the pixel, A B C / D . F / G H I its neighbours; beyond its edge an image is mirrored)
+  sobel                  strength of edges: root of the squares of both 3x3 gradients
+  laplacian              (A + C + G + I + 4 (B + D + F + H) - 20 E) / 6
+  sharpen-low            (6 E - B - D - F - H) / 2
+  sharpen-medium         5 E - B - D - F - H
+  gaussian3x3            smoothing with the weights 1 2 1 in both directions
+  gaussian5x5            smoothing with the weights 1 4 6 4 1 in both directions
+  extremum-sharpening    the smallest or largest of a square, whichever is nearer; --half-size 1 is 3x3
+  median3x3              the fifth largest of the nine
+
+Results are clamped to the luminance range (those of median3x3 are not). Pixels outside the region,
+and with --band the other bands, keep their values.
+The format follows the name of OUT: .png, .pgm or .ppm. With --out DIR: NAME_FILTER.png.
+
+Examples:
+  orlix filter median3x3 noisy.png -o clean.png
+  orlix filter sobel weld.png -o edges.png --roi circle:400,300,250
+  orlix filter extremum-sharpening *.png --half-size 3 --out sharpened)";
+
+struct Filter {
+    const char* name;
+    HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG);  // null: takes the half size
+};
+constexpr Filter kFilters[] = {
+    {"sobel", &IImageProcess::Sobel},
+    {"laplacian", &IImageProcess::Laplacian},
+    {"sharpen-low", &IImageProcess::SharpenLow},
+    {"sharpen-medium", &IImageProcess::SharpenMedium},
+    {"gaussian3x3", &IImageProcess::Gaussian3x3},
+    {"gaussian5x5", &IImageProcess::Gaussian5x5},
+    {"extremum-sharpening", nullptr},
+    {"median3x3", &IImageProcess::Median3x3},
+};
+
+struct Options {
+    std::string filter;
+    std::vector<std::string> files;
+    SubjectOptions subject{BI_AllBands};
+    std::string file, folder;
+    std::optional<LONG> halfSize;
+    std::vector<double> luminance;
+    bool json = false;
+};
+
+// Mean, smallest and largest value of the region, over its bands.
+Json Summary(const Subject& subject) {
+    const auto process = Cast<IImageProcess>(subject.image);
+    const LONG first = subject.band == BI_AllBands ? 0 : subject.band;
+    const LONG last = subject.band == BI_AllBands ? subject.bands - 1 : subject.band;
+    double sum = 0, least = 0, most = 0;
+    for (LONG band = first; band <= last; ++band) {
+        double low = 0, high = 0, oldLow = 0, oldHigh = 0;
+        SGrayMeasurements grey = {};
+        Check(process->put_BandToProcess(band), process);
+        Check(process->GetLuminanceRange(&oldLow, &oldHigh), process);
+        Check(process->get_GrayMeasurements(GEMT_GrayStatistics, &grey), process);
+        Check(process->SnapLuminanceRange(0, 0, 0), process);
+        Check(process->GetLuminanceRange(&low, &high), process);
+        Check(process->PutLuminanceRange(oldLow, oldHigh), process);
+        sum += grey.m_dGrayAverage;
+        least = band == first ? low : std::min(least, low);
+        most = band == first ? high : std::max(most, high);
+    }
+    Check(process->put_BandToProcess(subject.band), process);
+    Json out;
+    out["mean"] = Finite(sum / (last - first + 1));
+    out["minimum"] = Finite(least);
+    out["maximum"] = Finite(most);
+    return out;
+}
+
+void Apply(const Options& options, const Subject& subject) {
+    auto source = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    Check(source->CreateFromImage(subject.image.get(), BI_AllBands), source);
+    const auto process = Cast<IImageProcess>(subject.image);
+    const auto filter = std::find_if(std::begin(kFilters), std::end(kFilters),
+                                     [&](const Filter& known) { return options.filter == known.name; });
+    if (filter->method)
+        Check((process.get()->*filter->method)(source.get(), subject.band), process);
+    else
+        Check(process->ExtremumSharpening(options.halfSize.value_or(1), source.get(), subject.band), process);
+}
+
+std::string TextOf(const Json& m) {
+    const auto values = [&](const std::string& when) {
+        return "mean " + Rounded(NumberAt(m, when + ".mean"), 2) + ", minimum " +
+               Rounded(NumberAt(m, when + ".minimum"), 0) + ", maximum " + Rounded(NumberAt(m, when + ".maximum"), 0);
+    };
+    return SubjectText(m) +
+           TextLine("filter", m["filter"].get<std::string>() +
+                                  (m["halfSize"].is_null() ? "" : ", half size " + m["halfSize"].dump())) +
+           TextLine("before", values("before")) + TextLine("after", values("after")) +
+           TextLine("written", m["output"].get<std::string>()) + "\n";
+}
+
+int FilterAll(const Options& options) {
+    SubjectSettings settings;
+    options.subject.Complete(settings);
+    const bool squares = options.filter == "extremum-sharpening";
+    if (options.file.empty() == options.folder.empty()) throw UsageError("give either -o OUT or --out DIR");
+    if (!options.file.empty() && options.files.size() != 1)
+        throw UsageError("-o is for one image; --out takes several");
+    if (options.halfSize && !squares) throw UsageError("--half-size goes with extremum-sharpening only");
+    if (!options.luminance.empty() && !(options.luminance[0] <= options.luminance[1]))
+        throw UsageError("--luminance: LOW is above HIGH");
+    std::optional<OutputFolder> folder;
+    if (!options.folder.empty()) folder.emplace(options.folder);
+
+    Batch batch = RunBatch(
+        options.files,
+        [&](size_t i, const std::string& name, Progress&) {
+            Json document = {{"file", name}};
+            const Subject subject(LoadImage(options.files[i]), settings, document);
+            document["filter"] = options.filter;
+            document["halfSize"] = squares ? Json(options.halfSize.value_or(1)) : Json(nullptr);
+            if (!options.luminance.empty()) PutLuminance(subject, options.luminance[0], options.luminance[1]);
+            document["before"] = Summary(subject);
+            Apply(options, subject);
+            document["after"] = Summary(subject);
+            const std::string output =
+                folder ? Utf8(folder->At(folder->NameFor(options.files[i]) + "_" + options.filter + ".png"))
+                       : options.file;
+            const auto file = Cast<IImageFile>(subject.image);
+            Check(file->SaveToFile(Text(output), IFF_ByExtension), file);
+            document["output"] = output;
+            return document;
+        },
+        [&](const Json& document) {
+            if (!options.json && !document.contains("error")) std::cout << TextOf(document) << std::flush;
+        });
+    if (options.json) {
+        Json document = {{"tool", "orlix"}, {"version", ORLIX_TOOL_VERSION}};
+        document["images"] = std::move(batch.images);
+        std::cout << Print(document);
+    }
+    return batch.failed ? kFailed : kDone;
+}
+
+}  // namespace
+
+Command AddFilter(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = *program.add_subcommand("filter", "Smooth, sharpen or find edges");
+    command.footer(kFooter);
+    std::vector<std::string> names;
+    for (const Filter& filter : kFilters) names.emplace_back(filter.name);
+    command.add_option("NAME", options->filter, "Filter; see below")->required()->check(CLI::IsMember(names));
+    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
+    command.add_option("-o", options->file, "File to write, for one image");
+    command.add_option("--out", options->folder, "Folder to write to");
+    command.add_option("--half-size", options->halfSize, "Of the square of extremum-sharpening, in pixels (default 1)")
+        ->check(CLI::Range(0, 1000000));
+    command.add_option("--luminance", options->luminance, "Grey levels that results are clamped to")
+        ->expected(2)
+        ->type_name("LOW HIGH");
+    options->subject.AddRegion(command);
+    options->subject.AddBand(command, "This band only, from 0 (default: all)");
+    command.add_flag("--json", options->json, "Summary as JSON");
+    return [options] { return FilterAll(*options); };
+}
+
+}  // namespace tool

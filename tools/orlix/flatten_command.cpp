@@ -1,0 +1,303 @@
+// orlix flatten
+#include "batch.hpp"
+#include "commands.hpp"
+#include "console.hpp"
+#include "flatten_report.hpp"
+#include "flattening.hpp"
+#include "html_page.hpp"
+#include "pictures.hpp"
+#include "residual_map.hpp"
+#include "surface.hpp"
+#include "units.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <orlix/client.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <memory>
+
+namespace tool {
+
+using namespace orlix;
+
+namespace {
+
+constexpr char kFooter[] = R"(
+What is done
+  A surface is fitted to the grey levels of the region by least squares and subtracted; the mean grey
+  level stays. The RMS (about the mean) and the peak to valley are taken before and after, the latter
+  in floating point: rounding to grey levels does not enter. With --z-scale they are also given as
+  heights, with a pixel size too the slopes of a plane and the radius of a hemisphere.
+
+Surfaces (x column, y row, z grey level)
+  plane                alpha x + beta y + gamma
+  biquadratic          all terms up to x^2, x y, y^2
+  bicubic              all terms up to x^3, x^2 y, x y^2, y^3
+  hemisphere           half an ellipsoid whose axes along x and y are equal
+  angled-hemisphere    the same on a tilted base
+
+Robust fits
+  --robust P takes P as the probability that a pixel belongs to the surface: the fit follows the
+  better part P of the pixels, whatever the others are (particles, pits, dust). It draws pixels at
+  random, always the same ones for the same image. It needs at least 3 (plane), 6, 10, 5 and 7
+  (angled-hemisphere) pixels.
+
+Output
+  A table for people, or with --json one document {tool, version, settings, images: [...]} whatever
+  the number of images (a failed one has "file" and "error"), or with --csv one line an image. With
+  --out DIR also NAME_flattened.png, of the image's own pixel type (of a colour image the one band),
+  and report.html for one image, NAME_report.html each and report.html over all of them for several:
+  images before and after, the residual in colour, profiles, figures.
+
+Examples:
+  orlix flatten weld.png --surface plane --out results
+  orlix flatten height.png --surface biquadratic --z-scale 2.61e-5 --pixel-size 1.098 --out results
+  orlix flatten *.png --surface plane --robust 0.7 --csv > roughness.csv
+  orlix flatten ball.png --surface hemisphere --roi circle:400,300,250 --json)";
+
+struct Options {
+    std::vector<std::string> files;
+    SubjectOptions subject;
+    std::string surface, out;
+    std::optional<double> robust, zScale;
+    bool json = false, csv = false;
+};
+
+std::vector<std::string> Columns(const Options& options) {
+    std::vector<std::string> columns = {"file",
+                                        "error",
+                                        "width",
+                                        "height",
+                                        "bands",
+                                        "type",
+                                        "band",
+                                        "micronsPerPixel.x",
+                                        "micronsPerPixel.y",
+                                        "region.shape",
+                                        "region.polarity",
+                                        "region.pixels",
+                                        "zScale",
+                                        "surface.kind",
+                                        "surface.robust",
+                                        "surface.average"};
+    for (const auto& [name, value] : MakeSurface(options.surface)->Coefficients())
+        columns.push_back("surface.coefficients." + std::string(name));
+    for (const char* name : {"surface.slopeX", "surface.slopeY", "surface.apexRadius"}) columns.emplace_back(name);
+    for (const std::string when : {"before.", "after."})
+        for (const char* name :
+             {"mean", "minimum", "maximum", "rms", "peakToValley", "rmsMicrons", "peakToValleyMicrons"})
+            columns.push_back(when + name);
+    columns.emplace_back("clippedPixels");
+    return columns;
+}
+
+std::string TextOf(const Json& m) {
+    const Json& robust = Member(m, "surface.robust");
+    std::string out = SubjectText(m);
+    out += TextLine("surface", Member(m, "surface.kind").get<std::string>() +
+                                   (robust.is_null() ? "" : ", robust with " + Number(robust)) + ": " +
+                                   Member(m, "surface.formula").get<std::string>());
+    for (const auto& [name, value] : Member(m, "surface.coefficients").items())
+        out += TextLine("", Padded(name, 10, false) + (value.is_null() ? "–" : Number(value)));
+    if (const double slope = NumberAt(m, "surface.slopeX"); !std::isnan(slope))
+        out += TextLine("", "slopes    " + Digits(slope, 6) + " and " + Digits(NumberAt(m, "surface.slopeY"), 6) +
+                                " µm/mm along x and y");
+    if (const double radius = NumberAt(m, "surface.apexRadius"); !std::isnan(radius))
+        out += TextLine("", "radius of curvature at the apex " + Length(radius));
+    for (const char* when : {"before", "after"})
+        out += TextLine(when, "RMS " + Figure(m, when, "rms") + ", peak to valley " + Figure(m, when, "peakToValley"));
+    return out + TextLine("clipped", Plain(NumberAt(m, "clippedPixels")) + " pixels of the flattened image") + "\n";
+}
+
+// Black and white leave out 0.1 % of the region's values at either end.
+Picture Stretched(const std::vector<float>& values, const std::vector<float>& region, const Subject& subject,
+                  double shift, std::string& range) {
+    std::vector<float> sorted;
+    for (size_t i = 0; i < values.size(); ++i)
+        if (std::isfinite(region[i])) sorted.push_back(values[i]);
+    double low = 0, high = 0;
+    if (!sorted.empty()) {
+        const auto cut = static_cast<std::ptrdiff_t>(sorted.size() / 1000);
+        std::nth_element(sorted.begin(), sorted.begin() + cut, sorted.end());
+        low = sorted[static_cast<size_t>(cut)];
+        std::nth_element(sorted.begin(), sorted.end() - 1 - cut, sorted.end());
+        high = *(sorted.end() - 1 - cut);
+    }
+    Picture picture = {subject.width, subject.height, 1, {}};
+    picture.samples.reserve(values.size());
+    for (const double value : values) {
+        const double level = high > low ? (value - low) / (high - low) * 255 + 0.5 : 128;
+        picture.samples.push_back(static_cast<uint8_t>(level > 0 ? std::min(level, 255.0) : 0));
+    }
+    const int digits = high - low < 10 ? 2 : high - low < 100 ? 1 : 0;
+    range = "black " + Rounded(low + shift, digits) + ", white " + Rounded(high + shift, digits) + " grey levels";
+    return picture;
+}
+
+// Through the middle of the region.
+void AddProfiles(const Flattening& flat, const Subject& subject, std::optional<double> zScale, FlattenPictures& out) {
+    const auto width = static_cast<size_t>(subject.width);
+    int32_t left = subject.width, right = -1, top = subject.height, bottom = -1;
+    for (size_t i = 0; i < flat.residual.size(); ++i) {
+        if (std::isnan(flat.residual[i])) continue;
+        const auto x = static_cast<int32_t>(i % width), y = static_cast<int32_t>(i / width);
+        left = std::min(left, x);
+        right = std::max(right, x);
+        top = std::min(top, y);
+        bottom = std::max(bottom, y);
+    }
+    if (right < left) left = top = right = bottom = 0;
+    out.row = (top + bottom) / 2;
+    out.column = (left + right) / 2;
+
+    const double mean = zScale ? NumberAt(flat.document, "before.mean") : 0;
+    const auto line = [&](size_t first, size_t step, LONG count, double pixel, const char* name) {
+        Profile profile;
+        const Unit along = pixel > 0 ? LengthUnit(static_cast<double>(count) * pixel) : Unit{"pixels", 1};
+        profile.axis = std::string(name) + ", " + along.name;
+        profile.step = pixel > 0 ? pixel * along.scale : 1;
+        double most = 0, mostResidual = 0;
+        for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+            const double residual = flat.residual[first + i * step];
+            if (!std::isfinite(residual)) continue;
+            most = std::max(most, std::fabs(flat.before[first + i * step] - mean));
+            mostResidual = std::max(mostResidual, std::fabs(residual));
+        }
+        const Unit height = HeightUnit(most, zScale), rest = HeightUnit(mostResidual, zScale);
+        profile.level = zScale ? "height about the mean, " + height.name : "grey level";
+        profile.residual = "residual, " + rest.name;
+        for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+            const double residual = flat.residual[first + i * step];
+            const double value = std::isnan(residual) ? residual : flat.before[first + i * step] - mean;
+            profile.values.push_back(value * height.scale);
+            profile.surface.push_back((value - residual) * height.scale);
+            profile.residuals.push_back(residual * rest.scale);
+        }
+        return profile;
+    };
+    const auto row = static_cast<size_t>(out.row), column = static_cast<size_t>(out.column);
+    out.horizontal = line(row * width, 1, subject.width, subject.xMicrons, "x");
+    out.vertical = line(column, width, subject.height, subject.yMicrons, "y");
+}
+
+class Results {
+public:
+    Results(const Options& options) : folder_(options.out), single_(options.files.size() == 1) {}
+
+    void Add(const std::string& file, const Subject& subject, const Flattening& flat, std::optional<double> zScale,
+             Json& document) {
+        const std::string name = folder_.NameFor(file), report = single_ ? "report.html" : name + "_report.html";
+        const auto saved = Cast<IImageFile>(subject.image);
+        Check(saved->SaveToFile(Text(Utf8(folder_.At(name + "_flattened.png"))), IFF_PNG), saved);
+
+        const std::filesystem::path temporary = folder_.At(name + "_report.tmp.png");
+        FlattenPictures pictures;
+        AddProfiles(flat, subject, zScale, pictures);
+        const double average = NumberAt(document, "surface.average");
+        std::vector<float> after = flat.before;  // pixels outside the region stay as they were
+        for (size_t i = 0; i < after.size(); ++i)
+            after[i] = std::isnan(flat.residual[i]) ? static_cast<float>(after[i] - average) : flat.residual[i];
+        pictures.before =
+            DataUri(Reduced(Stretched(flat.before, flat.residual, subject, 0, pictures.beforeRange), kLargestInReport),
+                    temporary);
+        pictures.after =
+            DataUri(Reduced(Stretched(after, flat.residual, subject, average, pictures.afterRange), kLargestInReport),
+                    temporary);
+        const double most = NumberAt(document, "after.rms");
+        pictures.limit = ResidualLimit(flat.residual, HeightUnit(4 * most, zScale).scale);
+        const auto beyond = std::count_if(flat.residual.begin(), flat.residual.end(),
+                                          [&](double residual) { return std::fabs(residual) > pictures.limit; });
+        pictures.beyond = static_cast<double>(beyond) / static_cast<double>(subject.pixels);
+        pictures.residualMap = ResidualMap(
+            document, DataUri(ResidualPicture(flat.residual, subject.width, subject.height, pictures.limit), temporary),
+            pictures.limit, pictures.row, pictures.column);
+        WriteFile(folder_.At(report), FlattenReport(document, ORLIX_TOOL_VERSION, pictures));
+        document["outputs"]["image"] = name + "_flattened.png";
+        document["outputs"]["report"] = report;
+    }
+
+    void Finish(const Json& images) {
+        if (!single_) WriteFile(folder_.At("report.html"), FlattenOverview(images, ORLIX_TOOL_VERSION));
+    }
+
+private:
+    OutputFolder folder_;
+    bool single_;
+};
+
+// Of a colour image the band alone: the others would no longer belong to it.
+ComPtr<IImageVPAExPlus> BandOf(const ComPtr<IImageVPAExPlus>& image, LONG band) {
+    auto alone = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    Check(alone->CreateFromImage(image.get(), band), alone);
+    return alone;
+}
+
+int FlattenAll(const Options& options) {
+    SubjectSettings subjectSettings;
+    options.subject.Complete(subjectSettings);
+    const FlattenSettings settings = MakeFlattenSettings(options.surface, options.robust, options.zScale);
+    std::optional<Results> results;
+    if (!options.out.empty()) results.emplace(options);
+
+    const std::vector<std::string> columns = Columns(options);
+    if (options.csv) std::cout << CsvHeader(columns);
+    Batch batch = RunBatch(
+        options.files,
+        [&](size_t i, const std::string& name, Progress&) {
+            Json document = {{"file", name}};
+            Subject subject(LoadImage(options.files[i]), subjectSettings, document);
+            if (subject.bands > 1) {
+                SubjectSettings alone = subjectSettings;
+                alone.band = 0;
+                Json ignored;
+                subject = Subject(BandOf(subject.image, subject.band), alone, ignored);
+            }
+            const Flattening flat = Flatten(subject, settings);
+            for (const auto& [member, value] : flat.document.items()) document[member] = value;
+            if (results) results->Add(options.files[i], subject, flat, settings.zScale, document);
+            return document;
+        },
+        [&](const Json& document) {
+            if (options.csv)
+                std::cout << CsvLine(columns, document) << std::flush;
+            else if (!options.json && !document.contains("error"))
+                std::cout << TextOf(document) << std::flush;
+        });
+
+    if (results) results->Finish(batch.images);
+    if (options.json) {
+        Json document = {{"tool", "orlix"}, {"version", ORLIX_TOOL_VERSION}};
+        Json& out = document["settings"];
+        out["surface"] = options.surface;
+        out["robust"] = options.robust ? Json(*options.robust) : Json(nullptr);
+        out["zScale"] = options.zScale ? Json(*options.zScale) : Json(nullptr);
+        options.subject.Describe(out);
+        document["images"] = std::move(batch.images);
+        std::cout << Print(document);
+    }
+    return batch.failed ? kFailed : kDone;
+}
+
+}  // namespace
+
+Command AddFlatten(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = *program.add_subcommand("flatten", "Remove a fitted surface; roughness before and after");
+    command.footer(kFooter);
+    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
+    command.add_option("--surface", options->surface, SurfaceList())->required()->check(CLI::IsMember(SurfaceNames()));
+    command.add_option("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1");
+    options->subject.AddRegion(command);
+    command.add_option("--z-scale", options->zScale, "Microns per grey level");
+    options->subject.AddPixelSize(command);
+    options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
+    command.add_option("--out", options->out, "Folder for the flattened image and the report");
+    auto* json = command.add_flag("--json", options->json, "Results as JSON");
+    command.add_flag("--csv", options->csv, "Results as CSV")->excludes(json);
+    return [options] { return FlattenAll(*options); };
+}
+
+}  // namespace tool

@@ -1,0 +1,30 @@
+// The report of a flattened image as one HTML page.
+#pragma once
+
+#include "document.hpp"
+#include "profile_plot.hpp"
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// The pictures are data URIs; the grey levels that are black and white in them stand in `range`.
+struct FlattenPictures {
+    std::string before, beforeRange, after, afterRange;
+    std::string residualMap;  // SVG
+    double limit = 0;         // of its colours, in grey levels
+    double beyond = 0;        // fraction of the region's pixels beyond it
+    Profile horizontal, vertical;
+    int32_t row = 0, column = 0;  // of the profiles
+};
+
+std::string FlattenReport(const Json& image, const std::string& version, const FlattenPictures& pictures);
+
+// A batch: a row for each image {file, ...} or {file, error}; each links to outputs.report.
+std::string FlattenOverview(const Json& images, const std::string& version);
+
+// "149.9069 grey levels (3.911383 nm)": of before or after, value "rms" or "peakToValley".
+std::string Figure(const Json& image, const std::string& when, const std::string& value);
+
+}  // namespace tool

@@ -1,0 +1,73 @@
+// What the commands that process images have in common: the band, region and calibration that they work with, and what their
+// documents and texts say of these.
+#pragma once
+
+#include "document.hpp"
+#include "region.hpp"
+
+#include <orlix/com_ptr.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace tool {
+
+struct SubjectSettings {
+    std::optional<RegionShape> region;
+    std::optional<double> pixelSize;  // microns; instead of what the file says
+    LONG band = 0;
+};
+
+// --roi, --roi-polarity, --band and --pixel-size as they come from the command line.
+class SubjectOptions {
+public:
+    explicit SubjectOptions(LONG band = 0) : band_(band) {}
+    void AddRegion(CLI::App& command);
+    void AddBand(CLI::App& command, const char* description);
+    void AddPixelSize(CLI::App& command);
+    void Complete(SubjectSettings& settings) const;  // throws UsageError
+    void Describe(Json& out) const;                  // members region, regionPolarity, pixelSize, band
+
+private:
+    std::string region_, polarity_ = "inside";
+    double pixelSize_ = 0;
+    LONG band_;
+};
+
+struct Subject {
+    orlix::ComPtr<IImageVPAExPlus> image;
+    orlix::ComPtr<IShapeRegionOfInterest> region;  // null: the whole image
+    LONG band = 0, bands = 0, width = 0, height = 0, type = 0;
+    int64_t pixels = 0;                 // of the region, in the image
+    double xMicrons = 0, yMicrons = 0;  // of a pixel; 0: not known
+
+    // Puts band and region into the image, with the given pixel size if any, and describes them, in this order: width, height,
+    // bands, type, band, micronsPerPixel {x, y, source}, region {shape, polarity, pixels, areaSquareMicrons}.
+    // std::runtime_error for a band that the image has not and for a region without pixels.
+    Subject(orlix::ComPtr<IImageVPAExPlus> image, const SubjectSettings& settings, Json& document);
+
+    Json Area(int64_t pixelCount) const;                                      // square microns, or null
+    double PixelSize() const { return xMicrons == yMicrons ? xMicrons : 0; }  // microns; 0: not known or not square
+};
+
+orlix::ComPtr<IImageVPAExPlus> LoadImage(const std::string& file);
+
+const char* TypeName(LONG dataType);  // "8-bit", "16-bit", ...
+// Of the pixel type; those of float are infinite.
+double TypeMinimum(LONG type);
+double TypeMaximum(LONG type);
+
+// As the luminance range; std::runtime_error when the pixel type does not hold it.
+void PutLuminance(const Subject& subject, double lower, double upper);
+
+// Text for a terminal.
+std::string Padded(const std::string& text, size_t width, bool right = true);  // counted in characters
+std::string TextLine(const std::string& name, const std::string& text);        // of the block about one image
+std::string SubjectText(const Json& document);                                 // file, image and region
+
+}  // namespace tool
