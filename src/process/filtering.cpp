@@ -10,9 +10,8 @@
 namespace orlix {
 namespace {
 
-// Columns at a time: what is gathered stays in the first cache, and so do the rows of a kernel that reads in place. Prefetching
-// much more than a kilobyte before it is needed keeps the kernel waiting.
-constexpr int64_t kGathered = 256;
+// Columns at a time, so that the rows stay in the first cache. Prefetching much more than a kilobyte before it is needed keeps the
+// kernel waiting.
 constexpr int64_t kDirect = 1024;
 
 // Larger bands than this leave the second cache before the next row needs their samples again.
@@ -22,6 +21,65 @@ template <class T>
 void Prefetch(const T* row, int64_t n) {
     for (int64_t i = 0; i < n; i += 64 / static_cast<int64_t>(sizeof(T))) __builtin_prefetch(row + i);
 }
+
+// Pixels whose samples do not lie side by side, gathered through the table. Images have one or two of them at either end of each
+// row, and calling a kernel costs as much as dozens of pixels: so they are filtered side by side, those of many rows in one call.
+template <class T>
+class GatheredPixels {
+public:
+    GatheredPixels(FilterFn<T> kernel, int32_t radius, const FilterParameters<T>& parameters)
+        : kernel_(kernel), radius_(radius), parameters_(parameters) {}
+
+    // Columns x..stop - 1 of row y, to be written to `to` by the next Filter() at the latest.
+    void Add(PixelView<const T> from, int64_t x, int64_t stop, int32_t y, T* to) {
+        while (x < stop) {
+            const int64_t room = kSamples - used_ - 2 * radius_;
+            if (room < std::min<int64_t>(stop - x, kShortest)) {
+                Filter();
+                continue;
+            }
+            const int64_t n = std::min(stop - x, room);
+            const VPAEntry* const columns = from.table() + (x - radius_);
+            for (int32_t k = 0; k <= 2 * radius_; ++k) {
+                const T* const row = from.base() + from.table()[y + k - radius_].YEntry;
+                for (int64_t i = 0; i < n + 2 * radius_; ++i) samples_[k][used_ + i] = row[columns[i].XEntry];
+            }
+            pieces_[count_++] = {to, used_, n};
+            used_ += n + 2 * radius_;
+            to += n;
+            x += n;
+        }
+    }
+
+    void Filter() {
+        if (count_ == 0) return;
+        const T* at[2 * kMostRadius + 1];
+        for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] = samples_[k] + radius_;
+        kernel_(at, results_, static_cast<size_t>(used_ - 2 * radius_), parameters_);
+        for (size_t i = 0; i < count_; ++i) std::copy_n(results_ + pieces_[i].first, pieces_[i].length, pieces_[i].to);
+        count_ = 0;
+        used_ = 0;
+    }
+
+private:
+    static constexpr int32_t kMostRadius = NeighbourhoodFilter<T>::kMostRadius;
+    static constexpr int64_t kSamples = 256;  // the five rows stay in the first cache
+    static constexpr int64_t kShortest = 32;  // the rest of a buffer is not worth a shorter part of a longer piece
+
+    struct Piece {
+        T* to;
+        int64_t first, length;  // in the results
+    };
+
+    FilterFn<T> kernel_;
+    int32_t radius_;
+    FilterParameters<T> parameters_;
+    T samples_[2 * kMostRadius + 1][kSamples];
+    T results_[kSamples];
+    Piece pieces_[kSamples];
+    size_t count_ = 0;
+    int64_t used_ = 0;
+};
 
 }  // namespace
 
@@ -43,6 +101,7 @@ void NeighbourhoodFilter<T>::operator()(PixelView<const T> from, PixelView<T> to
     const int32_t bottom =
         static_cast<int32_t>(std::min<int64_t>(region.bottom(), int64_t{from.height()} + kTableMargin - 1 - radius_));
     const bool prefetch = int64_t{to.width()} * to.height() > kCachedBytes / static_cast<int64_t>(sizeof(T));
+    GatheredPixels<T> gathered(kernel_, radius_, parameters_);
     for (int32_t y = region.top(); y <= bottom; ++y) {
         Rows rows{from, y, to.row(y), nullptr, nullptr};
         if (prefetch && y < bottom) {
@@ -53,11 +112,12 @@ void NeighbourhoodFilter<T>::operator()(PixelView<const T> from, PixelView<T> to
             const int64_t start = run.start, stop = std::min(int64_t{run.stop} + 1, width);
             const int64_t direct = std::clamp<int64_t>(radius_, start, std::max(start, stop));
             const int64_t directStop = std::clamp<int64_t>(adjacent - radius_, direct, std::max(direct, stop));
-            Gathered(rows, start, std::min(direct, stop));
+            gathered.Add(from, start, std::min(direct, stop), y, rows.to + start);
             Direct(rows, direct, directStop);
-            Gathered(rows, directStop, stop);
+            gathered.Add(from, directStop, stop, y, rows.to + directStop);
         }
     }
+    gathered.Filter();
 }
 
 template <class T>
@@ -72,22 +132,6 @@ void NeighbourhoodFilter<T>::Direct(const Rows& rows, int64_t x, int64_t stop) c
         }
         kernel_(at, rows.to + x, static_cast<size_t>(n), parameters_);
         for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] += n;
-    }
-}
-
-template <class T>
-void NeighbourhoodFilter<T>::Gathered(const Rows& rows, int64_t x, int64_t stop) const {
-    T samples[2 * kMostRadius + 1][kGathered + 2 * kMostRadius];
-    const T* at[2 * kMostRadius + 1];
-    for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] = samples[k] + radius_;
-    for (; x < stop; x += kGathered) {
-        const int64_t n = std::min(stop - x, kGathered);
-        const VPAEntry* const columns = rows.from.table() + (x - radius_);
-        for (int32_t k = 0; k <= 2 * radius_; ++k) {
-            const ptrdiff_t row = rows.from.table()[rows.y + k - radius_].YEntry;
-            for (int64_t i = 0; i < n + 2 * radius_; ++i) samples[k][i] = rows.from.base()[row + columns[i].XEntry];
-        }
-        kernel_(at, rows.to + x, static_cast<size_t>(n), parameters_);
     }
 }
 

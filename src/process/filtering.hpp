@@ -31,7 +31,6 @@ public:
 private:
     struct Rows;
     void Direct(const Rows& rows, int64_t x, int64_t stop) const;
-    void Gathered(const Rows& rows, int64_t x, int64_t stop) const;
 
     FilterFn<T> kernel_;
     int32_t radius_;
