@@ -83,7 +83,7 @@ def robust(rates):
     groups = collections.defaultdict(list)
     for (operation, kind, size, who), rate in rates.items():
         if who == "search":
-            groups[operation, kind, size].append(f"{size * size / rate * 1e3:.3g} ms")
+            groups[operation, kind, size].append(f"{size * size / rate * 1e3:.1f} ms")
         elif who != "memcpy":
             copied = rates.get(("memcpy", kind, size, "memcpy"))
             groups[operation, kind, size].append(f"{who} {rate / 1e9:.2f} ({ratio(rate, copied)})")
@@ -96,7 +96,7 @@ def main():
     machine(sys.argv[2], context)
     # Interleaving leaves the results in random order.
     order = {kind: i for i, kind in enumerate(BYTES)}
-    rates = dict(sorted(rates.items(), key=lambda item: (item[0][0], order[item[0][1]], item[0][2])))
+    rates = dict(sorted(rates.items(), key=lambda item: (item[0][0], order[item[0][1]], item[0][2], item[0][3])))
     if any(key[3] == "search" for key in rates):
         robust(rates)
     elif any(key[0] == "memcpy" or key[3] == "whole" for key in rates):
