@@ -3,6 +3,8 @@
 #include <array>
 #include <cmath>
 
+#include "numerics/linear_system.hpp"
+
 namespace orlix {
 namespace {
 
@@ -31,20 +33,14 @@ struct Regressed {
     void operator+=(const Regressed& r) { u += r.u, v += r.v, t += r.t, one += r.one, square += r.square; }
 };
 
-// Normal equations of the regressors less their means, by Cholesky factors.
+// Normal equations of the regressors less their means.
 class Regression {
 public:
-    explicit Regression(const Moments& m) : m_(m) {
-        const double uu = m.uu - m.u * m.u / m.n, uv = m.uv - m.u * m.v / m.n, ut = m.ut - m.u * m.t / m.n;
-        const double vv = m.vv - m.v * m.v / m.n, vt = m.vt - m.v * m.t / m.n, tt = m.tt - m.t * m.t / m.n;
-        const double vvRest = vv - uv * uv / uu;
-        l11_ = std::sqrt(uu);
-        l21_ = uv / l11_;
-        l31_ = ut / l11_;
-        l22_ = std::sqrt(vvRest);
-        l32_ = (vt - l21_ * l31_) / l22_;
-        const double ttRest = tt - l31_ * l31_ - l32_ * l32_;
-        l33_ = std::sqrt(ttRest);
+    explicit Regression(const Moments& m) : m_(m), lu_(Centred(m), 3) {
+        const Matrix a = Centred(m);
+        const double uu = a[0], uv = a[1], ut = a[2], vv = a[4], vt = a[5], tt = a[8];
+        const double vvRest = vv - uv * uv / uu, vtRest = vt - uv * ut / uu;
+        const double ttRest = tt - ut * ut / uu - vtRest * vtRest / vvRest;
         // The square of 1e-6: what is left of a regressor that depends on the others but for single precision.
         constexpr double kLeast = 1e-12;
         determined_ = uu > 0 && vvRest > kLeast * vv && ttRest > kLeast * tt;
@@ -53,18 +49,20 @@ public:
     bool determined() const { return determined_; }
 
     Four Solve(const Regressed& r) const {
-        const double yu = (r.u - m_.u * r.one / m_.n) / l11_;
-        const double yv = (r.v - m_.v * r.one / m_.n - l21_ * yu) / l22_;
-        const double yt = (r.t - m_.t * r.one / m_.n - l31_ * yu - l32_ * yv) / l33_;
-        const double t = yt / l33_;
-        const double v = (yv - l32_ * t) / l22_;
-        const double u = (yu - l21_ * v - l31_ * t) / l11_;
-        return {u, v, t, (r.one - m_.u * u - m_.v * v - m_.t * t) / m_.n};
+        std::array<double, 3> x = {r.u - m_.u * r.one / m_.n, r.v - m_.v * r.one / m_.n, r.t - m_.t * r.one / m_.n};
+        lu_.Solve(x, x);
+        return {x[0], x[1], x[2], (r.one - m_.u * x[0] - m_.v * x[1] - m_.t * x[2]) / m_.n};
     }
 
 private:
+    using Matrix = std::array<double, 9>;
+    static Matrix Centred(const Moments& m) {
+        const double uv = m.uv - m.u * m.v / m.n, ut = m.ut - m.u * m.t / m.n, vt = m.vt - m.v * m.t / m.n;
+        return {m.uu - m.u * m.u / m.n, uv, ut, uv, m.vv - m.v * m.v / m.n, vt, ut, vt, m.tt - m.t * m.t / m.n};
+    }
+
     Moments m_;
-    double l11_, l21_, l31_, l22_, l32_, l33_;
+    LuDecomposition lu_;
     bool determined_;
 };
 
