@@ -27,10 +27,11 @@ namespace {
 
 constexpr char kFooter[] = R"(
 What is done
-  A surface is fitted to the grey levels of the region by least squares and subtracted; the mean grey
-  level stays. The RMS (about the mean) and the peak to valley are taken before and after, the latter
-  in floating point: rounding to grey levels does not enter. With --z-scale they are also given as
-  heights, with a pixel size too the slopes of a plane and the radius of a hemisphere.
+  A surface is fitted to the grey levels of the region by least squares and subtracted, and their mean
+  is added: it stays, except with --robust. The RMS (about the mean) and the peak to valley are taken
+  before and after, the latter in floating point: rounding to grey levels does not enter. With
+  --z-scale they are also given as heights, with a pixel size too the slopes of a plane and the radius
+  of a hemisphere.
 
 Surfaces (x column, y row, z grey level)
   plane                alpha x + beta y + gamma

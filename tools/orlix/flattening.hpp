@@ -34,7 +34,7 @@ struct Flattening {
     Json document;
 };
 
-// Fits the surface to the subject's band in its region and subtracts it from these pixels, in place; the average stays.
+// Fits the surface to the subject's band in its region, subtracts it from these pixels and adds their average, in place.
 // std::runtime_error when the pixels determine no such surface.
 Flattening Flatten(const Subject& subject, const FlattenSettings& settings);
 

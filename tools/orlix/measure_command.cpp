@@ -40,8 +40,8 @@ Thresholds (METHOD, or METHOD:PARAMETER,PARAMETER)
 
 Flattening
   --flatten removes a fitted surface from the grey levels of the region before anything is measured;
-  their mean stays. A surface that takes every pixel into account follows particles too: with
-  --flatten-robust 0.7 it follows the better 70 % of the pixels. See orlix flatten.
+  what lies on the surface gets their mean. A surface that takes every pixel into account follows
+  particles too: with --flatten-robust 0.7 it follows the better 70 % of the pixels. See orlix flatten.
 
 Histogram
   8-bit images have 256 bins. For others the luminance range snaps to the region's smallest and
