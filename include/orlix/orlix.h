@@ -130,14 +130,6 @@ interface IOrlixImageProcess;
 #endif /* __cplusplus */
 #endif
 
-#ifndef __IModuleInformation_FWD_DEFINED__
-#define __IModuleInformation_FWD_DEFINED__
-typedef interface IModuleInformation IModuleInformation;
-#ifdef __cplusplus
-interface IModuleInformation;
-#endif /* __cplusplus */
-#endif
-
 #ifndef __IPolygon_FWD_DEFINED__
 #define __IPolygon_FWD_DEFINED__
 typedef interface IPolygon IPolygon;
@@ -151,6 +143,14 @@ interface IPolygon;
 typedef interface IStructuringElement IStructuringElement;
 #ifdef __cplusplus
 interface IStructuringElement;
+#endif /* __cplusplus */
+#endif
+
+#ifndef __IModuleInformation_FWD_DEFINED__
+#define __IModuleInformation_FWD_DEFINED__
+typedef interface IModuleInformation IModuleInformation;
+#ifdef __cplusplus
+interface IModuleInformation;
 #endif /* __cplusplus */
 #endif
 
@@ -508,6 +508,16 @@ typedef struct SAngledHemisphereFit {
     double m_dAlpha;
     double m_dBeta;
 } SAngledHemisphereFit;
+typedef struct SVertice {
+    double m_dX;
+    double m_dY;
+} SVertice;
+typedef struct SElement {
+    LONG m_lX;
+    LONG m_lY;
+    LONG m_lOffset;
+    unsigned char m_yValue;
+} SElement;
 #if 0
 typedef struct tagBITMAP {
     LONG bmType;
@@ -3875,6 +3885,484 @@ static FORCEINLINE HRESULT IOrlixImageProcess_RobustCorrectAngledHemisphere(IOrl
 #endif  /* __IOrlixImageProcess_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
+ * IPolygon interface
+ */
+#ifndef __IPolygon_INTERFACE_DEFINED__
+#define __IPolygon_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IPolygon, 0x01b9f7cb, 0xaabe, 0x453b, 0xaa,0xe9, 0x6f,0xb7,0x51,0x6c,0x99,0x9d);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("01b9f7cb-aabe-453b-aae9-6fb7516c999d")
+IPolygon : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE Create(
+        LONG lNumberOfVertices,
+        SVertice *Vertices) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE Smooth(
+        double Tolerance,
+        IPolygon **hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_NumberOfVertices(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Vertices(
+        SVertice **hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Area(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Perimeter(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_PerimeterEquivalentRadius(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Diameter(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Circularity(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_DistanceFromPoint(
+        double XReference,
+        double YReference,
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_SubtendedAngle(
+        double XReference,
+        double YReference,
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetCentroid(
+        double *XCentroid,
+        double *YCentroid) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetDiameter(
+        double *X1,
+        double *Y1,
+        double *X2,
+        double *Y2,
+        double *Diameter) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetDistancesFromPoint(
+        double XReference,
+        double YReference,
+        double *XNearest,
+        double *YNearest,
+        double *NearestDistance,
+        double *XFarthest,
+        double *YFarthest,
+        double *FarthestDistance) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RobustCircleFit(
+        double GoodVerticeProbability,
+        double *XCenter,
+        double *YCenter,
+        double *Radius) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ConvexHull(
+        IPolygon **hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetBounds(
+        double *Left,
+        double *Top,
+        double *Right,
+        double *Bottom) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPolygon, 0x01b9f7cb, 0xaabe, 0x453b, 0xaa,0xe9, 0x6f,0xb7,0x51,0x6c,0x99,0x9d)
+#endif
+#else
+typedef struct IPolygonVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPolygon *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPolygon *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPolygon *This);
+
+    /*** IPolygon methods ***/
+    HRESULT (STDMETHODCALLTYPE *Create)(
+        IPolygon *This,
+        LONG lNumberOfVertices,
+        SVertice *Vertices);
+
+    HRESULT (STDMETHODCALLTYPE *Smooth)(
+        IPolygon *This,
+        double Tolerance,
+        IPolygon **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_NumberOfVertices)(
+        IPolygon *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Vertices)(
+        IPolygon *This,
+        SVertice **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Area)(
+        IPolygon *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Perimeter)(
+        IPolygon *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_PerimeterEquivalentRadius)(
+        IPolygon *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Diameter)(
+        IPolygon *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Circularity)(
+        IPolygon *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_DistanceFromPoint)(
+        IPolygon *This,
+        double XReference,
+        double YReference,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_SubtendedAngle)(
+        IPolygon *This,
+        double XReference,
+        double YReference,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *GetCentroid)(
+        IPolygon *This,
+        double *XCentroid,
+        double *YCentroid);
+
+    HRESULT (STDMETHODCALLTYPE *GetDiameter)(
+        IPolygon *This,
+        double *X1,
+        double *Y1,
+        double *X2,
+        double *Y2,
+        double *Diameter);
+
+    HRESULT (STDMETHODCALLTYPE *GetDistancesFromPoint)(
+        IPolygon *This,
+        double XReference,
+        double YReference,
+        double *XNearest,
+        double *YNearest,
+        double *NearestDistance,
+        double *XFarthest,
+        double *YFarthest,
+        double *FarthestDistance);
+
+    HRESULT (STDMETHODCALLTYPE *RobustCircleFit)(
+        IPolygon *This,
+        double GoodVerticeProbability,
+        double *XCenter,
+        double *YCenter,
+        double *Radius);
+
+    HRESULT (STDMETHODCALLTYPE *ConvexHull)(
+        IPolygon *This,
+        IPolygon **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *GetBounds)(
+        IPolygon *This,
+        double *Left,
+        double *Top,
+        double *Right,
+        double *Bottom);
+
+    END_INTERFACE
+} IPolygonVtbl;
+
+interface IPolygon {
+    CONST_VTBL IPolygonVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPolygon_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPolygon_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPolygon_Release(This) (This)->lpVtbl->Release(This)
+/*** IPolygon methods ***/
+#define IPolygon_Create(This,lNumberOfVertices,Vertices) (This)->lpVtbl->Create(This,lNumberOfVertices,Vertices)
+#define IPolygon_Smooth(This,Tolerance,hVal) (This)->lpVtbl->Smooth(This,Tolerance,hVal)
+#define IPolygon_get_NumberOfVertices(This,hVal) (This)->lpVtbl->get_NumberOfVertices(This,hVal)
+#define IPolygon_get_Vertices(This,hVal) (This)->lpVtbl->get_Vertices(This,hVal)
+#define IPolygon_get_Area(This,hVal) (This)->lpVtbl->get_Area(This,hVal)
+#define IPolygon_get_Perimeter(This,hVal) (This)->lpVtbl->get_Perimeter(This,hVal)
+#define IPolygon_get_PerimeterEquivalentRadius(This,hVal) (This)->lpVtbl->get_PerimeterEquivalentRadius(This,hVal)
+#define IPolygon_get_Diameter(This,hVal) (This)->lpVtbl->get_Diameter(This,hVal)
+#define IPolygon_get_Circularity(This,hVal) (This)->lpVtbl->get_Circularity(This,hVal)
+#define IPolygon_get_DistanceFromPoint(This,XReference,YReference,hVal) (This)->lpVtbl->get_DistanceFromPoint(This,XReference,YReference,hVal)
+#define IPolygon_get_SubtendedAngle(This,XReference,YReference,hVal) (This)->lpVtbl->get_SubtendedAngle(This,XReference,YReference,hVal)
+#define IPolygon_GetCentroid(This,XCentroid,YCentroid) (This)->lpVtbl->GetCentroid(This,XCentroid,YCentroid)
+#define IPolygon_GetDiameter(This,X1,Y1,X2,Y2,Diameter) (This)->lpVtbl->GetDiameter(This,X1,Y1,X2,Y2,Diameter)
+#define IPolygon_GetDistancesFromPoint(This,XReference,YReference,XNearest,YNearest,NearestDistance,XFarthest,YFarthest,FarthestDistance) (This)->lpVtbl->GetDistancesFromPoint(This,XReference,YReference,XNearest,YNearest,NearestDistance,XFarthest,YFarthest,FarthestDistance)
+#define IPolygon_RobustCircleFit(This,GoodVerticeProbability,XCenter,YCenter,Radius) (This)->lpVtbl->RobustCircleFit(This,GoodVerticeProbability,XCenter,YCenter,Radius)
+#define IPolygon_ConvexHull(This,hVal) (This)->lpVtbl->ConvexHull(This,hVal)
+#define IPolygon_GetBounds(This,Left,Top,Right,Bottom) (This)->lpVtbl->GetBounds(This,Left,Top,Right,Bottom)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPolygon_QueryInterface(IPolygon* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPolygon_AddRef(IPolygon* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPolygon_Release(IPolygon* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IPolygon methods ***/
+static FORCEINLINE HRESULT IPolygon_Create(IPolygon* This,LONG lNumberOfVertices,SVertice *Vertices) {
+    return This->lpVtbl->Create(This,lNumberOfVertices,Vertices);
+}
+static FORCEINLINE HRESULT IPolygon_Smooth(IPolygon* This,double Tolerance,IPolygon **hVal) {
+    return This->lpVtbl->Smooth(This,Tolerance,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_NumberOfVertices(IPolygon* This,LONG *hVal) {
+    return This->lpVtbl->get_NumberOfVertices(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_Vertices(IPolygon* This,SVertice **hVal) {
+    return This->lpVtbl->get_Vertices(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_Area(IPolygon* This,double *hVal) {
+    return This->lpVtbl->get_Area(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_Perimeter(IPolygon* This,double *hVal) {
+    return This->lpVtbl->get_Perimeter(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_PerimeterEquivalentRadius(IPolygon* This,double *hVal) {
+    return This->lpVtbl->get_PerimeterEquivalentRadius(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_Diameter(IPolygon* This,double *hVal) {
+    return This->lpVtbl->get_Diameter(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_Circularity(IPolygon* This,double *hVal) {
+    return This->lpVtbl->get_Circularity(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_DistanceFromPoint(IPolygon* This,double XReference,double YReference,double *hVal) {
+    return This->lpVtbl->get_DistanceFromPoint(This,XReference,YReference,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_get_SubtendedAngle(IPolygon* This,double XReference,double YReference,double *hVal) {
+    return This->lpVtbl->get_SubtendedAngle(This,XReference,YReference,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_GetCentroid(IPolygon* This,double *XCentroid,double *YCentroid) {
+    return This->lpVtbl->GetCentroid(This,XCentroid,YCentroid);
+}
+static FORCEINLINE HRESULT IPolygon_GetDiameter(IPolygon* This,double *X1,double *Y1,double *X2,double *Y2,double *Diameter) {
+    return This->lpVtbl->GetDiameter(This,X1,Y1,X2,Y2,Diameter);
+}
+static FORCEINLINE HRESULT IPolygon_GetDistancesFromPoint(IPolygon* This,double XReference,double YReference,double *XNearest,double *YNearest,double *NearestDistance,double *XFarthest,double *YFarthest,double *FarthestDistance) {
+    return This->lpVtbl->GetDistancesFromPoint(This,XReference,YReference,XNearest,YNearest,NearestDistance,XFarthest,YFarthest,FarthestDistance);
+}
+static FORCEINLINE HRESULT IPolygon_RobustCircleFit(IPolygon* This,double GoodVerticeProbability,double *XCenter,double *YCenter,double *Radius) {
+    return This->lpVtbl->RobustCircleFit(This,GoodVerticeProbability,XCenter,YCenter,Radius);
+}
+static FORCEINLINE HRESULT IPolygon_ConvexHull(IPolygon* This,IPolygon **hVal) {
+    return This->lpVtbl->ConvexHull(This,hVal);
+}
+static FORCEINLINE HRESULT IPolygon_GetBounds(IPolygon* This,double *Left,double *Top,double *Right,double *Bottom) {
+    return This->lpVtbl->GetBounds(This,Left,Top,Right,Bottom);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IPolygon_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
+ * IStructuringElement interface
+ */
+#ifndef __IStructuringElement_INTERFACE_DEFINED__
+#define __IStructuringElement_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("af4cb52c-e250-4e41-9531-1624e7e2cba1")
+IStructuringElement : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE AddElement(
+        LONG X,
+        LONG Y) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_NumberOfElements(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ResetElements(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Elements(
+        SElement **hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE Reflect(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE Translate(
+        LONG X,
+        LONG Y) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetExtent(
+        LONG *Left,
+        LONG *Top,
+        LONG *Right,
+        LONG *Bottom) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE CreateDisk(
+        double Radius) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_BinaryElements(
+        LONG lBit,
+        SElement **hBegin,
+        SElement **hEnd) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1)
+#endif
+#else
+typedef struct IStructuringElementVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IStructuringElement *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IStructuringElement *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IStructuringElement *This);
+
+    /*** IStructuringElement methods ***/
+    HRESULT (STDMETHODCALLTYPE *AddElement)(
+        IStructuringElement *This,
+        LONG X,
+        LONG Y);
+
+    HRESULT (STDMETHODCALLTYPE *get_NumberOfElements)(
+        IStructuringElement *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *ResetElements)(
+        IStructuringElement *This);
+
+    HRESULT (STDMETHODCALLTYPE *get_Elements)(
+        IStructuringElement *This,
+        SElement **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *Reflect)(
+        IStructuringElement *This);
+
+    HRESULT (STDMETHODCALLTYPE *Translate)(
+        IStructuringElement *This,
+        LONG X,
+        LONG Y);
+
+    HRESULT (STDMETHODCALLTYPE *GetExtent)(
+        IStructuringElement *This,
+        LONG *Left,
+        LONG *Top,
+        LONG *Right,
+        LONG *Bottom);
+
+    HRESULT (STDMETHODCALLTYPE *CreateDisk)(
+        IStructuringElement *This,
+        double Radius);
+
+    HRESULT (STDMETHODCALLTYPE *get_BinaryElements)(
+        IStructuringElement *This,
+        LONG lBit,
+        SElement **hBegin,
+        SElement **hEnd);
+
+    END_INTERFACE
+} IStructuringElementVtbl;
+
+interface IStructuringElement {
+    CONST_VTBL IStructuringElementVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IStructuringElement_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IStructuringElement_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IStructuringElement_Release(This) (This)->lpVtbl->Release(This)
+/*** IStructuringElement methods ***/
+#define IStructuringElement_AddElement(This,X,Y) (This)->lpVtbl->AddElement(This,X,Y)
+#define IStructuringElement_get_NumberOfElements(This,hVal) (This)->lpVtbl->get_NumberOfElements(This,hVal)
+#define IStructuringElement_ResetElements(This) (This)->lpVtbl->ResetElements(This)
+#define IStructuringElement_get_Elements(This,hVal) (This)->lpVtbl->get_Elements(This,hVal)
+#define IStructuringElement_Reflect(This) (This)->lpVtbl->Reflect(This)
+#define IStructuringElement_Translate(This,X,Y) (This)->lpVtbl->Translate(This,X,Y)
+#define IStructuringElement_GetExtent(This,Left,Top,Right,Bottom) (This)->lpVtbl->GetExtent(This,Left,Top,Right,Bottom)
+#define IStructuringElement_CreateDisk(This,Radius) (This)->lpVtbl->CreateDisk(This,Radius)
+#define IStructuringElement_get_BinaryElements(This,lBit,hBegin,hEnd) (This)->lpVtbl->get_BinaryElements(This,lBit,hBegin,hEnd)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IStructuringElement_QueryInterface(IStructuringElement* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IStructuringElement_AddRef(IStructuringElement* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IStructuringElement_Release(IStructuringElement* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IStructuringElement methods ***/
+static FORCEINLINE HRESULT IStructuringElement_AddElement(IStructuringElement* This,LONG X,LONG Y) {
+    return This->lpVtbl->AddElement(This,X,Y);
+}
+static FORCEINLINE HRESULT IStructuringElement_get_NumberOfElements(IStructuringElement* This,LONG *hVal) {
+    return This->lpVtbl->get_NumberOfElements(This,hVal);
+}
+static FORCEINLINE HRESULT IStructuringElement_ResetElements(IStructuringElement* This) {
+    return This->lpVtbl->ResetElements(This);
+}
+static FORCEINLINE HRESULT IStructuringElement_get_Elements(IStructuringElement* This,SElement **hVal) {
+    return This->lpVtbl->get_Elements(This,hVal);
+}
+static FORCEINLINE HRESULT IStructuringElement_Reflect(IStructuringElement* This) {
+    return This->lpVtbl->Reflect(This);
+}
+static FORCEINLINE HRESULT IStructuringElement_Translate(IStructuringElement* This,LONG X,LONG Y) {
+    return This->lpVtbl->Translate(This,X,Y);
+}
+static FORCEINLINE HRESULT IStructuringElement_GetExtent(IStructuringElement* This,LONG *Left,LONG *Top,LONG *Right,LONG *Bottom) {
+    return This->lpVtbl->GetExtent(This,Left,Top,Right,Bottom);
+}
+static FORCEINLINE HRESULT IStructuringElement_CreateDisk(IStructuringElement* This,double Radius) {
+    return This->lpVtbl->CreateDisk(This,Radius);
+}
+static FORCEINLINE HRESULT IStructuringElement_get_BinaryElements(IStructuringElement* This,LONG lBit,SElement **hBegin,SElement **hEnd) {
+    return This->lpVtbl->get_BinaryElements(This,lBit,hBegin,hEnd);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IStructuringElement_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
  * IModuleInformation interface
  */
 #ifndef __IModuleInformation_INTERFACE_DEFINED__
@@ -3987,132 +4475,6 @@ static FORCEINLINE HRESULT IModuleInformation_GetKernel(IModuleInformation* This
 
 
 #endif  /* __IModuleInformation_INTERFACE_DEFINED__ */
-
-/*****************************************************************************
- * IPolygon interface
- */
-#ifndef __IPolygon_INTERFACE_DEFINED__
-#define __IPolygon_INTERFACE_DEFINED__
-
-DEFINE_GUID(IID_IPolygon, 0x01b9f7cb, 0xaabe, 0x453b, 0xaa,0xe9, 0x6f,0xb7,0x51,0x6c,0x99,0x9d);
-#if defined(__cplusplus) && !defined(CINTERFACE)
-MIDL_INTERFACE("01b9f7cb-aabe-453b-aae9-6fb7516c999d")
-IPolygon : public IUnknown
-{
-};
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IPolygon, 0x01b9f7cb, 0xaabe, 0x453b, 0xaa,0xe9, 0x6f,0xb7,0x51,0x6c,0x99,0x9d)
-#endif
-#else
-typedef struct IPolygonVtbl {
-    BEGIN_INTERFACE
-
-    /*** IUnknown methods ***/
-    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
-        IPolygon *This,
-        REFIID riid,
-        void **ppvObject);
-
-    ULONG (STDMETHODCALLTYPE *AddRef)(
-        IPolygon *This);
-
-    ULONG (STDMETHODCALLTYPE *Release)(
-        IPolygon *This);
-
-    END_INTERFACE
-} IPolygonVtbl;
-
-interface IPolygon {
-    CONST_VTBL IPolygonVtbl* lpVtbl;
-};
-
-#ifdef COBJMACROS
-#ifndef WIDL_C_INLINE_WRAPPERS
-/*** IUnknown methods ***/
-#define IPolygon_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
-#define IPolygon_AddRef(This) (This)->lpVtbl->AddRef(This)
-#define IPolygon_Release(This) (This)->lpVtbl->Release(This)
-#else
-/*** IUnknown methods ***/
-static FORCEINLINE HRESULT IPolygon_QueryInterface(IPolygon* This,REFIID riid,void **ppvObject) {
-    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
-}
-static FORCEINLINE ULONG IPolygon_AddRef(IPolygon* This) {
-    return This->lpVtbl->AddRef(This);
-}
-static FORCEINLINE ULONG IPolygon_Release(IPolygon* This) {
-    return This->lpVtbl->Release(This);
-}
-#endif
-#endif
-
-#endif
-
-
-#endif  /* __IPolygon_INTERFACE_DEFINED__ */
-
-/*****************************************************************************
- * IStructuringElement interface
- */
-#ifndef __IStructuringElement_INTERFACE_DEFINED__
-#define __IStructuringElement_INTERFACE_DEFINED__
-
-DEFINE_GUID(IID_IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1);
-#if defined(__cplusplus) && !defined(CINTERFACE)
-MIDL_INTERFACE("af4cb52c-e250-4e41-9531-1624e7e2cba1")
-IStructuringElement : public IUnknown
-{
-};
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1)
-#endif
-#else
-typedef struct IStructuringElementVtbl {
-    BEGIN_INTERFACE
-
-    /*** IUnknown methods ***/
-    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
-        IStructuringElement *This,
-        REFIID riid,
-        void **ppvObject);
-
-    ULONG (STDMETHODCALLTYPE *AddRef)(
-        IStructuringElement *This);
-
-    ULONG (STDMETHODCALLTYPE *Release)(
-        IStructuringElement *This);
-
-    END_INTERFACE
-} IStructuringElementVtbl;
-
-interface IStructuringElement {
-    CONST_VTBL IStructuringElementVtbl* lpVtbl;
-};
-
-#ifdef COBJMACROS
-#ifndef WIDL_C_INLINE_WRAPPERS
-/*** IUnknown methods ***/
-#define IStructuringElement_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
-#define IStructuringElement_AddRef(This) (This)->lpVtbl->AddRef(This)
-#define IStructuringElement_Release(This) (This)->lpVtbl->Release(This)
-#else
-/*** IUnknown methods ***/
-static FORCEINLINE HRESULT IStructuringElement_QueryInterface(IStructuringElement* This,REFIID riid,void **ppvObject) {
-    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
-}
-static FORCEINLINE ULONG IStructuringElement_AddRef(IStructuringElement* This) {
-    return This->lpVtbl->AddRef(This);
-}
-static FORCEINLINE ULONG IStructuringElement_Release(IStructuringElement* This) {
-    return This->lpVtbl->Release(This);
-}
-#endif
-#endif
-
-#endif
-
-
-#endif  /* __IStructuringElement_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
  * ILineGraphicOverlay interface

@@ -1,7 +1,9 @@
 #include "module/class_table.hpp"
 
 #include "binary/orlix_bitmap.hpp"
+#include "geometry/orlix_polygon.hpp"
 #include "geometry/orlix_shape_region_of_interest.hpp"
+#include "geometry/orlix_structuring_element.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "orlix_image/orlix_image.hpp"
 
@@ -9,11 +11,11 @@ namespace orlix {
 namespace {
 
 constexpr ClassRow kClasses[kNumberOfClasses] = {
-    {&__uuidof(OrlixPolygon), 101, nullptr},
+    {&__uuidof(OrlixPolygon), 101, &OrlixPolygon::CreateInstance},
     {&__uuidof(OrlixHistogram), 102, &OrlixHistogram::CreateInstance},
     {&__uuidof(OrlixBitmap), 103, &OrlixBitmap::CreateInstance},
     {&__uuidof(OrlixImage), 104, &OrlixImage::CreateInstance},
-    {&__uuidof(OrlixStructuringElement), 105, nullptr},
+    {&__uuidof(OrlixStructuringElement), 105, &OrlixStructuringElement::CreateInstance},
     {&__uuidof(OrlixLineGraphicOverlay), 106, nullptr},
     {&__uuidof(OrlixCircleGraphicOverlay), 109, nullptr},
     {&__uuidof(OrlixBuffer), 110, nullptr},

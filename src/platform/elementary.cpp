@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -361,6 +362,34 @@ double Cos(double radians) {
     const Reduced reduced = Reduce(radians);
     const double magnitude = reduced.quadrant & 1 ? SineOfReduced(reduced.angle) : CosineOfReduced(reduced.angle);
     return (reduced.quadrant + 1) & 2 ? -magnitude : magnitude;
+}
+
+// Newton's iteration for sin(angle) = slope cos(angle).
+double ArcTangent(double slope) {
+    constexpr double kRightAngle = 1.5707963267948966;
+    const double size = std::fabs(slope);
+    if (size > 0x1p54) return std::copysign(kRightAngle, slope);
+    const auto start = [](double t) { return t / (1 + 0.28 * t * t); };
+    double angle = size <= 1 ? start(size) : kRightAngle - start(1 / size);
+    for (int i = 0; i < 4; ++i) {
+        const double sine = Sin(angle), cosine = Cos(angle);
+        angle -= (sine - size * cosine) / (cosine + size * sine);
+    }
+    return std::copysign(angle, slope);
+}
+
+double ArcTangent(double y, double x) {
+    constexpr double kRightAngle = 1.5707963267948966, kHalfTurn = 3.1415926535897931;
+    if (std::isnan(x) || std::isnan(y)) return x + y;
+    double across = std::fabs(x), up = std::fabs(y);
+    if (std::isinf(across) && std::isinf(up)) across = up = 1;
+    double angle = 0;
+    if (up > across)
+        angle = kRightAngle - ArcTangent(across / up);
+    else if (up > 0)
+        angle = ArcTangent(up / across);
+    if (x < 0) angle = kHalfTurn - angle;
+    return std::copysign(angle, y);
 }
 
 }  // namespace orlix

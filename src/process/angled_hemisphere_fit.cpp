@@ -155,19 +155,6 @@ void Refine(const Source& source, const Place& place, double deviation, Vector& 
     p = at.p;
 }
 
-// The angle of a slope: Newton's iteration for sin(angle) = slope cos(angle).
-double ArcTangent(double slope) {
-    constexpr double kRightAngle = 1.5707963267948966;
-    const double size = std::fabs(slope);
-    const auto start = [](double t) { return t / (1 + 0.28 * t * t); };
-    double angle = size <= 1 ? start(size) : kRightAngle - start(1 / size);
-    for (int i = 0; i < 4; ++i) {
-        const double sine = Sin(angle), cosine = Cos(angle);
-        angle -= (sine - size * cosine) / (cosine + size * sine);
-    }
-    return std::copysign(angle, slope);
-}
-
 }  // namespace
 
 template <class Source>

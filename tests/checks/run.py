@@ -57,7 +57,7 @@ LAYERS = {
     "numerics": ["platform", "component"],
     "image": ["platform", "component"],
     "histogram": ["platform", "component"],
-    "geometry": ["platform", "component"],
+    "geometry": ["platform", "component", "numerics"],
     "binary": ["platform", "component", "geometry"],
     "process": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary"],
     "display": ["platform", "component", "image", "histogram", "geometry", "binary"],

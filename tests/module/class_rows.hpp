@@ -20,7 +20,7 @@ struct ClassFacts {
 
 inline constexpr ClassFacts kClassFacts[] = {
     {"OrlixPolygon", "{E0AF5E0B-FB80-4687-B204-943EBC39CFF8}", "Orlix.Polygon", "Polygon Class", "Polygon Class", 101,
-     "IPolygon", "", false},
+     "IPolygon", "", true},
     {"OrlixHistogram", "{9CC2D5EE-E548-46B4-86D0-6D11326DA63F}", "Orlix.Histogram", "Histogram Class",
      "Histogram Class", 102, "IHistogram", "", true},
     {"OrlixBitmap", "{5FDD9A2B-F56C-4C60-8009-CC17CB4A1AF0}", "Orlix.Bitmap", "Bitmap Class", "Bitmap Class", 103,
@@ -28,7 +28,7 @@ inline constexpr ClassFacts kClassFacts[] = {
     {"OrlixImage", "{AA7A9966-C648-40D2-8BC7-8D5367631BCE}", "Orlix.Image", "Image Class", "Image Class", 104,
      "IImageVPAEx", "IPictureExEvents", true},
     {"OrlixStructuringElement", "{0A872D7F-8E99-44D0-91CF-E008F8FB3092}", "orlix.StructuringElement",
-     "StructuringElement Class", "StructuringElement Class", 105, "IStructuringElement", "", false},
+     "StructuringElement Class", "StructuringElement Class", 105, "IStructuringElement", "", true},
     {"OrlixLineGraphicOverlay", "{31A46664-0854-4433-88AA-EB0F8CEE1204}", "Orlix.LineGraphicOverlay",
      "LineGraphicOverlay Class", "LineGraphicOverlay Class", 106, "ILineGraphicOverlay", "", false},
     {"OrlixCircleGraphicOverlay", "{CEC08100-A391-41C1-8FB8-D300572684FD}", "Orlix.CircleGraphicOverlay",

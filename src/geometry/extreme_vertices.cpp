@@ -1,0 +1,279 @@
+// Convex hull and diameter.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <unordered_map>
+#include <utility>
+
+#include "geometry/outline.hpp"
+
+namespace orlix {
+namespace {
+
+// A polygon of up to eight vertices of the outline, those farthest left, right, up, down and along the diagonals. What lies well
+// inside it is no corner of the hull.
+class Inner {
+public:
+    explicit Inner(Outline outline) {
+        const auto key = [](const Point& p, int direction) {
+            const double keys[] = {p.y, p.y - p.x, -p.x, -p.x - p.y, -p.y, p.x - p.y, p.x, p.x + p.y};
+            return keys[direction];
+        };
+        const Point* farthest[8] = {};
+        for (const Point& p : outline) {
+            if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
+            for (int k = 0; k < 8; ++k)
+                if (!farthest[k] || key(p, k) > key(*farthest[k], k)) farthest[k] = &p;
+        }
+        if (!farthest[0]) return;
+        const double size = std::max(farthest[6]->x - farthest[2]->x, farthest[0]->y - farthest[4]->y);
+        // Rounding of a cross product of differences is below 1e-15 of the square.
+        margin_ = 1e-12 * size * size;
+        if (!std::isnormal(margin_)) return;
+        for (int k = 0; k < 8; ++k) {
+            const Point &a = *farthest[k], &b = *farthest[(k + 1) % 8];
+            if (!(a == b)) edges_[count_++] = {a, {b.x - a.x, b.y - a.y}};
+        }
+    }
+
+    bool Holds(const Point& p) const {
+        if (count_ == 0) return false;
+        for (int k = 0; k < count_; ++k) {
+            const Edge& edge = edges_[k];
+            if (!(edge.along.y * (p.x - edge.from.x) - edge.along.x * (p.y - edge.from.y) < -margin_)) return false;
+        }
+        return true;
+    }
+
+private:
+    struct Edge {
+        Point from, along;
+    };
+    Edge edges_[8];
+    int count_ = 0;
+    double margin_ = 0;
+};
+
+struct Vertex {
+    Point p;
+    uint32_t index;
+};
+
+// Vertices that may be corners: the finite ones but those well inside.
+std::vector<Vertex> OuterVertices(Outline outline) {
+    const Inner inner(outline);
+    std::vector<Vertex> vertices;
+    for (size_t i = 0; i < outline.size(); ++i) {
+        const Point& p = outline[i];
+        if (std::isfinite(p.x) && std::isfinite(p.y) && !inner.Holds(p))
+            vertices.push_back({p, static_cast<uint32_t>(i)});
+    }
+    return vertices;
+}
+
+// The corners of the hull. (Graham 1972)
+std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
+    if (vertices.empty()) return vertices;
+    const Vertex pivot = *std::max_element(vertices.begin(), vertices.end(), [](const Vertex& a, const Vertex& b) {
+        return a.p.y < b.p.y || (a.p.y == b.p.y && a.p.x < b.p.x);
+    });
+    std::erase_if(vertices, [&](const Vertex& v) { return v.p == pivot.p; });
+
+    // By angle from the direction (1, 0) over (0, -1) to (-1, 0), then by distance, which grows with -y or, towards (-1, 0), with
+    // -x: the farthest one of a direction comes last and replaces the others.
+    std::sort(vertices.begin(), vertices.end(), [&](const Vertex& a, const Vertex& b) {
+        if (const int turn = Turn(pivot.p, a.p, b.p)) return turn < 0;
+        if (a.p.y != b.p.y) return a.p.y > b.p.y;
+        if (a.p.x != b.p.x) return a.p.x > b.p.x;
+        return a.index > b.index;
+    });
+
+    std::vector<Vertex> stack = {pivot};
+    for (const Vertex& next : vertices) {
+        while (stack.size() > 1) {
+            const int turn = Turn(stack[stack.size() - 2].p, stack.back().p, next.p);
+            if (turn < 0) break;
+            stack.pop_back();
+            if (turn == 0) break;
+        }
+        stack.push_back(next);
+    }
+    return stack;
+}
+
+// Vertices that can be an end of the diameter, along the hull, each place once.
+//
+// Distances are rounded, and the first of equal ones is asked for: so a pair within rounding of the largest distance M may win
+// although its vertices are no corners. But each is near one: the line from one vertex through the other leaves the hull at once,
+// through an edge whose ends are both within M of the first; that place is less than 1.5e-7 M from one of them.
+std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std::vector<Vertex>& corners,
+                                 double extent) {
+    if (corners.size() == vertices.size()) return corners;
+
+    const double cell = 3e-7 * extent;  // M is at most 1.42 times the extent
+    Point origin = corners[0].p;
+    for (const Vertex& corner : corners) origin = {std::min(origin.x, corner.p.x), std::min(origin.y, corner.p.y)};
+    const auto keyOf = [&](const Point& p, int right, int down) {
+        const auto column = static_cast<int64_t>((p.x - origin.x) / cell) + right;
+        const auto row = static_cast<int64_t>((p.y - origin.y) / cell) + down;
+        return column * 0x100000000 + row;  // both are below 2^24
+    };
+    std::unordered_map<int64_t, std::vector<Vertex>> cells;
+    for (const Vertex& corner : corners) cells[keyOf(corner.p, 0, 0)];
+    for (const Vertex& vertex : vertices)
+        for (const auto& [right, down] :
+             {std::pair{0, 0}, {-1, 0}, {1, 0}, {0, -1}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}})
+            if (const auto found = cells.find(keyOf(vertex.p, right, down)); found != cells.end()) {
+                found->second.push_back(vertex);
+                break;
+            }
+    std::vector<Vertex> ends;
+    for (const Vertex& corner : corners) {
+        std::vector<Vertex>& near = cells[keyOf(corner.p, 0, 0)];
+        std::sort(near.begin(), near.end(), [](const Vertex& a, const Vertex& b) {
+            if (a.p.x != b.p.x) return a.p.x < b.p.x;
+            return a.p.y != b.p.y ? a.p.y < b.p.y : a.index < b.index;
+        });
+        const auto last =
+            std::unique(near.begin(), near.end(), [](const Vertex& a, const Vertex& b) { return a.p == b.p; });
+        ends.insert(ends.end(), near.begin(), last);
+        near.clear();  // several corners may share a cell
+    }
+    return ends;
+}
+
+// The first of the largest distances, by halving rows of vertices for as long as what is left may hold a larger one.
+class FarthestPair {
+public:
+    explicit FarthestPair(std::vector<Vertex> vertices) : vertices_(std::move(vertices)) {
+        size_t size = 1;
+        while (size * kLeaf < vertices_.size()) size *= 2;
+        bulge_.resize(2 * size);
+        BuildBulge(1, 0, vertices_.size());
+        const Row all = {1, 0, vertices_.size()};
+        Search(all, all);
+    }
+    const Diameter& result() const { return best_; }
+
+private:
+    static constexpr size_t kLeaf = 4;
+    struct Row {
+        size_t node, first, end;
+        bool isLeaf() const { return end - first <= kLeaf; }
+        size_t middle() const { return first + (end - first) / 2; }
+        Row Half(int k) const { return k == 0 ? Row{2 * node, first, middle()} : Row{2 * node + 1, middle(), end}; }
+    };
+
+    // bulge_[node]: no vertex of the row is farther from the line segment between its first and last.
+    void BuildBulge(size_t node, size_t first, size_t end) {
+        const Point &a = vertices_[first].p, &b = vertices_[end - 1].p;
+        double bulge = 0;
+        if (end - first <= kLeaf) {
+            for (size_t i = first; i < end; ++i) bulge = std::max(bulge, DistanceToSegment(vertices_[i].p, a, b));
+        } else {
+            const size_t middle = first + (end - first) / 2;
+            BuildBulge(2 * node, first, middle);
+            BuildBulge(2 * node + 1, middle, end);
+            bulge = std::max(bulge_[2 * node] + DistanceToSegment(vertices_[middle - 1].p, a, b),
+                             bulge_[2 * node + 1] + DistanceToSegment(vertices_[middle].p, a, b));
+        }
+        if (node >= bulge_.size()) bulge_.resize(node + 1);
+        bulge_[node] = bulge;
+    }
+
+    // No distance between vertices of the rows is larger, rounding included.
+    double Bound(const Row& a, const Row& b) const {
+        const Point &a1 = vertices_[a.first].p, &a2 = vertices_[a.end - 1].p;
+        const Point &b1 = vertices_[b.first].p, &b2 = vertices_[b.end - 1].p;
+        const double ends =
+            std::max(std::max(Distance(a1, b1), Distance(a1, b2)), std::max(Distance(a2, b1), Distance(a2, b2)));
+        return (ends + bulge_[a.node] + bulge_[b.node]) * (1 + 0x1p-44);
+    }
+
+    void Search(const Row& a, const Row& b) {
+        if (Bound(a, b) < best_.length) return;
+        if (a.isLeaf() && b.isLeaf()) {
+            for (size_t i = a.first; i < a.end; ++i)
+                for (size_t j = b.first; j < b.end; ++j) Try(vertices_[i], vertices_[j]);
+        } else if (a.node == b.node) {
+            Search(a.Half(0), a.Half(1));
+            Search(a.Half(0), a.Half(0));
+            Search(a.Half(1), a.Half(1));
+        } else if (b.isLeaf() || (!a.isLeaf() && a.end - a.first >= b.end - b.first)) {
+            SearchBetter(a.Half(0), b, a.Half(1), b);
+        } else {
+            SearchBetter(a, b.Half(0), a, b.Half(1));
+        }
+    }
+    // The pair that promises more first.
+    void SearchBetter(const Row& a, const Row& b, const Row& c, const Row& d) {
+        const bool firstIsBetter = Bound(a, b) >= Bound(c, d);
+        Search(firstIsBetter ? a : c, firstIsBetter ? b : d);
+        Search(firstIsBetter ? c : a, firstIsBetter ? d : b);
+    }
+
+    void Try(const Vertex& a, const Vertex& b) {
+        const double length = Distance(a.p, b.p);
+        if (length < best_.length || length == 0) return;
+        const uint32_t i = std::min(a.index, b.index), j = std::max(a.index, b.index);
+        if (length > best_.length || i < best_.i || (i == best_.i && j < best_.j)) best_ = {i, j, length};
+    }
+
+    static double DistanceToSegment(const Point& p, const Point& a, const Point& b) {
+        const double x = b.x - a.x, y = b.y - a.y, square = x * x + y * y, px = p.x - a.x, py = p.y - a.y;
+        double t = square > 0 ? (px * x + py * y) / square : 0;
+        t = t > 0 ? std::min(t, 1.0) : 0.0;
+        return Hypotenuse(px - t * x, py - t * y);
+    }
+
+    std::vector<Vertex> vertices_;
+    std::vector<double> bulge_;
+    Diameter best_;
+};
+
+// Where distances are infinite: the first vertex that is infinitely far from another one, and that one. The vertex farthest from
+// any is a corner.
+Diameter FirstInfinite(Outline outline, const std::vector<Vertex>& corners) {
+    const auto isInfinite = [](const Point& a, const Point& b) { return std::isinf(Distance(a, b)); };
+    for (uint32_t i = 0; i < outline.size(); ++i) {
+        if (!std::isfinite(outline[i].x) || !std::isfinite(outline[i].y)) continue;
+        const bool found = std::any_of(corners.begin(), corners.end(),
+                                       [&](const Vertex& corner) { return isInfinite(outline[i], corner.p); });
+        if (!found) continue;
+        for (uint32_t j = i + 1; j < outline.size(); ++j)
+            if (isInfinite(outline[i], outline[j])) return {i, j, std::numeric_limits<double>::infinity()};
+    }
+    return {};
+}
+
+}  // namespace
+
+std::vector<uint32_t> ConvexHull(Outline outline) {
+    std::vector<uint32_t> indices;
+    for (const Vertex& corner : CornersOf(OuterVertices(outline))) indices.push_back(corner.index);
+    return indices;
+}
+
+Diameter DiameterOf(Outline outline) {
+    const std::vector<Vertex> vertices = OuterVertices(outline), corners = CornersOf(vertices);
+    double left = std::numeric_limits<double>::infinity(), top = left, right = -left, bottom = -left;
+    for (const Vertex& corner : corners) {
+        left = std::min(left, corner.p.x);
+        top = std::min(top, corner.p.y);
+        right = std::max(right, corner.p.x);
+        bottom = std::max(bottom, corner.p.y);
+    }
+    const double extent = std::max(right - left, bottom - top);
+    if (!(extent > 0)) return {};
+    if (std::isfinite(4 * extent)) return FarthestPair(DiameterEnds(vertices, corners, extent)).result();
+
+    if (const Diameter first = FirstInfinite(outline, corners); first.length > 0) return first;
+    // Large, but finite after all: multiples by a power of two.
+    std::vector<Point> scaled;
+    for (const Point& p : outline) scaled.push_back({p.x * 0.0625, p.y * 0.0625});
+    Diameter diameter = DiameterOf(scaled);
+    diameter.length *= 16;
+    return diameter;
+}
+
+}  // namespace orlix

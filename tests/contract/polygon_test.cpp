@@ -1,0 +1,184 @@
+// Polygons and structuring elements as clients see them.
+#include "support.hpp"
+
+#include <cmath>
+#include <limits>
+
+using namespace orlix;
+using namespace orlix::testing;
+
+namespace {
+
+constexpr char kPolygon[] = "Orlix.Polygon.1", kElement[] = "orlix.StructuringElement.1";
+constexpr double kLargest = std::numeric_limits<double>::max();
+
+ComPtr<IPolygon> PolygonOf(std::vector<SVertice> vertices) {
+    auto polygon = CreateObject<IPolygon>("Orlix.Polygon");
+    Check(polygon->Create(static_cast<LONG>(vertices.size()), vertices.data()), polygon);
+    return polygon;
+}
+
+std::vector<std::pair<double, double>> VerticesOf(const ComPtr<IPolygon>& polygon) {
+    LONG n = 0;
+    SVertice* vertices = nullptr;
+    Check(polygon->get_NumberOfVertices(&n), polygon);
+    Check(polygon->get_Vertices(&vertices), polygon);
+    std::vector<std::pair<double, double>> out;
+    for (LONG i = 0; i < n; ++i) out.emplace_back(vertices[i].m_dX, vertices[i].m_dY);
+    return out;
+}
+
+double Got(const ComPtr<IPolygon>& polygon, HRESULT (STDMETHODCALLTYPE IPolygon::*get)(double*)) {
+    double value = -77;
+    EXPECT_EQ(S_OK, (polygon.get()->*get)(&value));
+    return value;
+}
+
+const std::vector<SVertice> kSquare = {{0, 0}, {2, 0}, {2, 2}, {0, 2}};
+
+}  // namespace
+
+TEST(PolygonContract, MeasuresASquareEitherWayRound) {
+    for (const bool reversed : {false, true}) {
+        std::vector<SVertice> vertices = kSquare;
+        if (reversed) std::swap(vertices[1], vertices[3]);
+        const auto polygon = PolygonOf(vertices);
+        EXPECT_EQ(4, Got(polygon, &IPolygon::get_Area));
+        EXPECT_EQ(8, Got(polygon, &IPolygon::get_Perimeter));
+        EXPECT_EQ(8 * 0.15915494309189535, Got(polygon, &IPolygon::get_PerimeterEquivalentRadius));
+        EXPECT_EQ(2 * std::sqrt(2.0), Got(polygon, &IPolygon::get_Diameter));
+        EXPECT_EQ(1, Got(polygon, &IPolygon::get_Circularity));
+        double x = 0, y = 0;
+        EXPECT_EQ(S_OK, polygon->GetCentroid(&x, &y));
+        EXPECT_EQ(reversed ? -1 : 1, x);
+        EXPECT_EQ(reversed ? -1 : 1, y);
+        double x1, y1, x2, y2, length;
+        EXPECT_EQ(S_OK, polygon->GetDiameter(&x1, &y1, &x2, &y2, &length));
+        EXPECT_EQ((std::vector<double>{0, 0, 2, 2, 2 * std::sqrt(2.0)}), (std::vector<double>{x1, y1, x2, y2, length}));
+
+        double nearest = 0, xn, yn, xf, yf, farthest;
+        EXPECT_EQ(S_FALSE, polygon->get_DistanceFromPoint(1, 1, &nearest));
+        EXPECT_EQ(std::sqrt(2.0), nearest);
+        EXPECT_EQ(S_OK, polygon->GetDistancesFromPoint(5, 1, &xn, &yn, &nearest, &xf, &yf, &farthest));
+        EXPECT_EQ(std::sqrt(10.0), nearest);
+        EXPECT_EQ(std::sqrt(26.0), farthest);
+        EXPECT_EQ((std::pair{2.0, reversed ? 2.0 : 0.0}), (std::pair{xn, yn}));
+        EXPECT_EQ((std::pair{0.0, 0.0}), (std::pair{xf, yf}));
+        EXPECT_EQ(S_FALSE, polygon->GetDistancesFromPoint(1, 0.5, &xn, &yn, &nearest, &xf, &yf, &farthest));
+        double angle = 0;
+        EXPECT_EQ(S_OK, polygon->get_SubtendedAngle(3, 1, &angle));
+        EXPECT_DOUBLE_EQ(90, angle);
+    }
+}
+
+TEST(PolygonContract, NoVertexOneVertexAndNullVertices) {
+    const auto empty = CreateObject<IPolygon>(kPolygon);
+    EXPECT_TRUE(Fails(empty->Create(0, nullptr), "IPolygon::Create: polygon must be created with at least one vertice.",
+                      kPolygon));
+    SVertice* vertices = nullptr;
+    EXPECT_EQ(S_OK, empty->get_Vertices(&vertices));
+    EXPECT_EQ(nullptr, vertices);
+    for (const auto get : {&IPolygon::get_Area, &IPolygon::get_Perimeter, &IPolygon::get_Diameter})
+        EXPECT_EQ(0, Got(empty, get));
+    EXPECT_TRUE(std::isnan(Got(empty, &IPolygon::get_Circularity)));
+    double l, t, r, b;
+    EXPECT_EQ(S_OK, empty->GetBounds(&l, &t, &r, &b));
+    EXPECT_EQ((std::vector<double>{kLargest, kLargest, -kLargest, -kLargest}), (std::vector<double>{l, t, r, b}));
+    EXPECT_EQ(S_FALSE, empty->RobustCircleFit(0.9, &l, &t, &r));
+    EXPECT_EQ((std::vector<double>{0, 0, 0}), (std::vector<double>{l, t, r}));
+    ComPtr<IPolygon> hull;
+    EXPECT_EQ(S_OK, empty->ConvexHull(hull.Out()));
+    EXPECT_TRUE(VerticesOf(hull).empty());
+
+    const auto one = PolygonOf({{3, 4}});
+    EXPECT_EQ(S_OK, one->ConvexHull(hull.Out()));
+    EXPECT_EQ(VerticesOf(one), VerticesOf(hull));
+    EXPECT_EQ(0, Got(one, &IPolygon::get_Perimeter));
+    EXPECT_EQ(S_OK, one->GetDiameter(&l, &t, &r, &b, &l));
+    EXPECT_EQ(0, r);
+    EXPECT_TRUE(Fails(one->Create(-5, nullptr), "IPolygon::Create: polygon must be created with at least one vertice.",
+                      kPolygon));
+    EXPECT_EQ(1u, VerticesOf(one).size());
+    EXPECT_EQ(S_OK, one->Create(1, nullptr));
+    EXPECT_EQ(S_OK, one->GetBounds(&l, &t, &r, &b));
+    EXPECT_EQ((std::vector<double>{0, 0, 0, 0}), (std::vector<double>{l, t, r, b}));
+}
+
+TEST(PolygonContract, HullAndSmoothedOutlineAreNewPolygons) {
+    const auto polygon = PolygonOf({{0, 0}, {1, 0}, {2, 0}, {2, 2}, {1, 1.25}, {0, 2}, {0, 1}});
+    ComPtr<IPolygon> hull, smooth;
+    EXPECT_EQ(S_OK, polygon->ConvexHull(hull.Out()));
+    EXPECT_EQ((std::vector<std::pair<double, double>>{{2, 2}, {2, 0}, {0, 0}, {0, 2}}), VerticesOf(hull));
+    EXPECT_EQ(S_OK, polygon->Smooth(0.5, smooth.Out()));
+    EXPECT_EQ((std::vector<std::pair<double, double>>{{0, 0}, {2, 0}, {2, 2}, {1, 1.25}, {0, 2}}), VerticesOf(smooth));
+    EXPECT_EQ(7u, VerticesOf(polygon).size());
+    EXPECT_EQ(1u, ReferencesOf(hull.get()));
+}
+
+TEST(PolygonContract, NullOutputsAreRefusedAndNothingIsWritten) {
+    const auto polygon = PolygonOf(kSquare);
+    double a = 7, b = 7;
+    EXPECT_TRUE(FailsSilently(polygon->get_Area(nullptr), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->GetCentroid(&a, nullptr), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->GetBounds(&a, &b, nullptr, &b), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->GetDiameter(&a, &b, &a, &b, nullptr), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->RobustCircleFit(1, nullptr, &a, &b), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->ConvexHull(nullptr), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->Smooth(1, nullptr), E_POINTER));
+    EXPECT_TRUE(FailsSilently(polygon->get_NumberOfVertices(nullptr), E_POINTER));
+    EXPECT_EQ(7, a);
+    EXPECT_EQ(7, b);
+}
+
+TEST(StructuringElementContract, KeepsItsElementsInOrderAndTheBytesUpToDate) {
+    const auto element = CreateObject<IStructuringElement>(kElement);
+    LONG n = -1, l, t, r, b;
+    SElement *first = nullptr, *end = nullptr;
+    EXPECT_EQ(S_OK, element->get_Elements(&first));
+    EXPECT_EQ(nullptr, first);
+    EXPECT_EQ(S_FALSE, element->GetExtent(&l, &t, &r, &b));
+    EXPECT_EQ((std::vector<LONG>{0, 0, 0, 0}), (std::vector<LONG>{l, t, r, b}));
+    EXPECT_EQ(S_OK, element->get_BinaryElements(3, &first, &end));
+    EXPECT_EQ(first, end);
+
+    EXPECT_EQ(S_OK, element->AddElement(3, 0));
+    EXPECT_EQ(S_OK, element->AddElement(4, 0));
+    const auto bytes = [&](LONG bit) {
+        EXPECT_EQ(S_OK, element->get_BinaryElements(bit, &first, &end));
+        std::vector<std::vector<LONG>> out;
+        for (; first != end; ++first) out.push_back({first->m_lX, first->m_lY, first->m_lOffset, first->m_yValue});
+        return out;
+    };
+    using Bytes = std::vector<std::vector<LONG>>;
+    EXPECT_EQ((Bytes{{0, 0, 0, 0x18}}), bytes(0));
+    EXPECT_EQ((Bytes{{1, 0, 0, 0xC0}}), bytes(5));
+    EXPECT_EQ(S_OK, element->Reflect());
+    EXPECT_EQ((Bytes{{0, 0, 0, 0}}), bytes(0));
+    EXPECT_EQ(S_OK, element->Reflect());
+    EXPECT_EQ(S_OK, element->Translate(2, -1));
+    EXPECT_EQ((Bytes{{0, -1, 0, 0x06}}), bytes(0));
+    EXPECT_EQ(S_OK, element->GetExtent(&l, &t, &r, &b));
+    EXPECT_EQ((std::vector<LONG>{5, -1, 6, -1}), (std::vector<LONG>{l, t, r, b}));
+    for (const LONG bit : {-1, 8, std::numeric_limits<LONG>::min()})
+        EXPECT_TRUE(FailsSilently(element->get_BinaryElements(bit, &first, &end), E_INVALIDARG));
+    EXPECT_EQ(nullptr, end);
+
+    EXPECT_EQ(S_OK, element->CreateDisk(1));
+    EXPECT_EQ(S_OK, element->get_NumberOfElements(&n));
+    EXPECT_EQ(5, n);
+    EXPECT_EQ((Bytes{{0, -1, 0, 0x40}, {0, 0, 0, 0xE0}, {0, 1, 0, 0x40}}), bytes(1));
+    for (const double radius : {0.0, -1.0, std::nan("")})
+        EXPECT_TRUE(
+            Fails(element->CreateDisk(radius), "IStructuringElement::CreateDisk: radius must be positive", kElement));
+    EXPECT_TRUE(FailsSilently(element->CreateDisk(1e300)));
+    EXPECT_EQ(S_OK, element->get_NumberOfElements(&n));
+    EXPECT_EQ(5, n);
+    EXPECT_EQ(S_OK, element->ResetElements());
+    EXPECT_TRUE(bytes(1).empty());
+    EXPECT_EQ(S_OK, element->AddElement(std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
+    EXPECT_EQ(S_OK, element->Reflect());
+    EXPECT_EQ(S_OK, element->Translate(-1, 0));
+    EXPECT_EQ(S_OK, element->GetExtent(&l, &t, &r, &b));
+    EXPECT_EQ(std::numeric_limits<LONG>::max(), l);
+    EXPECT_EQ(-std::numeric_limits<LONG>::max(), t);
+}

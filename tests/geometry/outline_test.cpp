@@ -1,0 +1,241 @@
+#include "geometry/outline.hpp"
+
+#include "geometry/circle_fit.hpp"
+#include "platform/elementary.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+using namespace orlix;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr double kPi = 3.141592653589793, kInfinity = std::numeric_limits<double>::infinity();
+const double kNan = std::nan("");
+
+// What random outlines are made of: coarse grids have many equal and collinear vertices.
+std::vector<Point> RandomOutline(std::mt19937& random, int kind, size_t n) {
+    std::vector<Point> outline;
+    std::uniform_int_distribution<int> grid(0, kind == 0 ? 3 : 40);
+    std::uniform_real_distribution<double> real(-1, 1);
+    for (size_t i = 0; i < n; ++i) {
+        const double angle = 2 * kPi * static_cast<double>(i) / static_cast<double>(n);
+        if (kind < 2)
+            outline.push_back({static_cast<double>(grid(random)), static_cast<double>(grid(random))});
+        else if (kind == 2)
+            outline.push_back({real(random), 1e6 + real(random)});
+        else  // a regular polygon, whose diameters differ by rounding only
+            outline.push_back({Cos(angle), Sin(angle)});
+    }
+    return outline;
+}
+
+// A vertex is a corner unless it lies in a triangle or on a segment of others, or equals an earlier one.
+bool IsCorner(const std::vector<Point>& points, size_t k) {
+    const Point& p = points[k];
+    for (size_t i = 0; i < k; ++i)
+        if (points[i] == p) return false;
+    // All others on one side of some line through p: the directions from p span less than half a turn.
+    for (const Point& a : points) {
+        if (a == p) continue;
+        const bool first = std::all_of(points.begin(), points.end(), [&](const Point& b) {
+            if (b == p) return true;
+            const int turn = Turn(p, a, b);
+            // On the line through a: on its side of p.
+            return turn > 0 || (turn == 0 && (a.x - p.x) * (b.x - p.x) + (a.y - p.y) * (b.y - p.y) > 0);
+        });
+        if (first) return true;
+    }
+    return points.size() == 1 || std::all_of(points.begin(), points.end(), [&](const Point& b) { return b == p; });
+}
+
+Diameter PlainDiameter(const std::vector<Point>& points) {
+    Diameter best;
+    for (uint32_t i = 0; i < points.size(); ++i)
+        for (uint32_t j = i + 1; j < points.size(); ++j)
+            if (const double d = Distance(points[i], points[j]); d > best.length) best = {i, j, d};
+    return best;
+}
+
+}  // namespace
+
+TEST(ConvexHull, HoldsTheCornersAndOnlyThemInOneDirection) {
+    std::mt19937 random(3);
+    for (int kind = 0; kind < 4; ++kind)
+        for (size_t n : {1u, 2u, 3u, 4u, 7u, 30u, 90u}) {
+            SCOPED_TRACE(testing::Message() << kind << ' ' << n);
+            const std::vector<Point> outline = RandomOutline(random, kind, n);
+            const std::vector<uint32_t> hull = ConvexHull(outline);
+            std::vector<uint32_t> expected;
+            for (size_t k = 0; k < n; ++k)
+                if (IsCorner(outline, k)) expected.push_back(static_cast<uint32_t>(k));
+            std::vector<uint32_t> sorted = hull;
+            std::sort(sorted.begin(), sorted.end());
+            EXPECT_EQ(expected, sorted);
+            for (size_t k = 0; hull.size() > 2 && k < hull.size(); ++k)
+                EXPECT_EQ(-1, Turn(outline[hull[k]], outline[hull[(k + 1) % hull.size()]],
+                                   outline[hull[(k + 2) % hull.size()]]));
+            for (const Point& p : outline)
+                EXPECT_TRUE(p.y < outline[hull[0]].y || (p.y == outline[hull[0]].y && p.x <= outline[hull[0]].x));
+        }
+}
+
+TEST(ConvexHull, TakesManyEqualVerticesAndLeavesOutWhatIsNoNumber) {
+    EXPECT_THAT(ConvexHull(std::vector<Point>(1000000, {7, -3})), ElementsAre(0));
+    const std::vector<Point> odd = {{kNan, 0},  {0, 0},           {1e308, 0}, {0, kInfinity},
+                                    {0, 1e308}, {-1e308, -1e308}, {1, 1}};
+    EXPECT_THAT(ConvexHull(odd), ElementsAre(4, 2, 5));
+    EXPECT_TRUE(ConvexHull(std::vector<Point>{{kNan, 1}}).empty());
+}
+
+TEST(Diameter, IsTheFirstOfEqualPairsAsAllPairsTell) {
+    std::mt19937 random(4);
+    for (int kind = 0; kind < 4; ++kind)
+        for (size_t n : {1u, 2u, 3u, 10u, 64u, 300u, 1000u}) {
+            SCOPED_TRACE(testing::Message() << kind << ' ' << n);
+            std::vector<Point> outline = RandomOutline(random, kind, n);
+            if (n > 2) outline[n / 2] = {kNan, 0};
+            const Diameter expected = PlainDiameter(outline), got = DiameterOf(outline);
+            EXPECT_EQ(expected.length, got.length);
+            EXPECT_EQ(expected.i, got.i);
+            EXPECT_EQ(expected.j, got.j);
+        }
+}
+
+// Next to the ends there are vertices that are no corners, yet as far apart when distances are rounded.
+TEST(Diameter, LooksBesideTheCorners) {
+    const double inside = std::nextafter(1e6, 0.0), tiny = 1e-11;
+    std::mt19937 random(5);
+    std::vector<Point> outline;
+    for (const double x : {1e6, inside})
+        for (const double side : {-1.0, 1.0})
+            for (const double y : {0.0, tiny, -tiny, tiny / 3}) outline.push_back({side * x, y});
+    for (int k = 0; k < 200; ++k) {
+        std::shuffle(outline.begin(), outline.end(), random);
+        const Diameter expected = PlainDiameter(outline), got = DiameterOf(outline);
+        EXPECT_EQ(expected.length, got.length);
+        EXPECT_EQ((std::pair{expected.i, expected.j}), (std::pair{got.i, got.j}));
+    }
+}
+
+TEST(Diameter, IsDefinedForEverySizeOfNumbers) {
+    EXPECT_EQ(0, DiameterOf(std::vector<Point>(1000000, {7, -3})).length);
+    const Diameter huge = DiameterOf(std::vector<Point>{{0, 0}, {1e308, 0}, {-1e308, 0}, {1.5e308, 0}});
+    EXPECT_EQ(kInfinity, huge.length);
+    EXPECT_EQ((std::pair{1u, 2u}), (std::pair{huge.i, huge.j}));
+    const Diameter large = DiameterOf(std::vector<Point>{{0, 0}, {1e308, 0}, {0, 5e307}});
+    EXPECT_EQ(Hypotenuse(1e308, 5e307), large.length);
+    EXPECT_EQ(Hypotenuse(3e-320, 1e-320), DiameterOf(std::vector<Point>{{0, 0}, {3e-320, 0}, {0, 1e-320}}).length);
+}
+
+// Whole numbers: the winding number by counting crossings of a ray to the right, for points off the outline.
+TEST(Encloses, CountsTurns) {
+    std::mt19937 random(6);
+    for (int k = 0; k < 300; ++k) {
+        std::vector<Point> outline = RandomOutline(random, k % 2, 9);
+        const Point p = {std::floor(outline[0].x) + 0.5, std::floor(outline[1].y) + 0.25};
+        int turns = 0;
+        bool on = false;
+        for (size_t i = 0; i < 9; ++i) {
+            const Point &a = outline[i], &b = outline[(i + 1) % 9];
+            const int turn = Turn(a, b, p);
+            on = on || (turn == 0 && std::min(a.x, b.x) <= p.x && p.x <= std::max(a.x, b.x) &&
+                        std::min(a.y, b.y) <= p.y && p.y <= std::max(a.y, b.y));
+            if (a.y < p.y && b.y > p.y && turn > 0) ++turns;
+            if (a.y > p.y && b.y < p.y && turn < 0) --turns;
+        }
+        if (!on) {
+            EXPECT_EQ(turns != 0, Encloses(outline, p)) << k;
+        }
+    }
+    const std::vector<Point> square = {{0, 0}, {2, 0}, {2, 2}, {0, 2}};
+    EXPECT_TRUE(Encloses(square, {1, 1}));
+    // On the outline as the contract says: an edge that starts at the smaller y or to the right counts as 180 degrees.
+    EXPECT_TRUE(Encloses(square, {2, 1}));
+    EXPECT_FALSE(Encloses(square, {0, 1}));
+    EXPECT_FALSE(Encloses(square, {1, 0}));
+    EXPECT_TRUE(Encloses(square, {1, 2}));
+    EXPECT_FALSE(Encloses(std::vector<Point>{{0, 0}, {kInfinity, 0}, {0, 2}}, {1, 1}));
+    EXPECT_FALSE(Encloses(square, {kNan, 1}));
+}
+
+TEST(SubtendedAngle, MergesArcsAlsoAcrossZero) {
+    const std::vector<Point> square = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+    EXPECT_EQ(360, SubtendedAngle(square, {0, 0}));
+    EXPECT_DOUBLE_EQ(90, SubtendedAngle(square, {-2, 0}));  // from 315 to 45 degrees
+    EXPECT_DOUBLE_EQ(90, SubtendedAngle(square, {2, 0}));
+    EXPECT_NEAR(2 * 45, SubtendedAngle(square, {1, -1}), 1e-13);  // at a vertex: between its neighbours
+    EXPECT_NEAR(180, SubtendedAngle(square, {0, -1}), 1e-13);     // on an edge that counts as outside
+    EXPECT_EQ(360, SubtendedAngle(square, {0, 1}));
+    EXPECT_EQ(0, SubtendedAngle(std::vector<Point>{{3, 4}}, {0, 0}));
+    EXPECT_NEAR(45, SubtendedAngle(std::vector<Point>{{1, 0}, {1, 1}, {1, 0.5}}, {0, 0}), 1e-13);
+}
+
+TEST(Simplify, LeavesNoVertexFartherThanTheToleranceFromItsEdge) {
+    std::mt19937 random(8);
+    std::vector<Point> outline;
+    std::uniform_real_distribution<double> noise(-0.3, 0.3);
+    for (int i = 0; i < 500; ++i) {
+        const double angle = 2 * kPi * i / 500;
+        outline.push_back({(50 + noise(random)) * Cos(angle), (30 + noise(random)) * Sin(angle)});
+    }
+    size_t before = outline.size() + 1;
+    for (const double tolerance : {0.1, 0.5, 2.0, 10.0}) {
+        const std::vector<uint32_t> kept = Simplify(outline, tolerance);
+        EXPECT_LT(kept.size(), before);
+        EXPECT_GE(kept.size(), 2u);
+        before = kept.size();
+        for (size_t k = 0; k < kept.size(); ++k) {
+            const uint32_t last = k + 1 < kept.size() ? kept[k + 1] : 500;
+            const Point &a = outline[kept[k]], &b = outline[last % 500];
+            for (uint32_t i = kept[k]; i < last; ++i) {
+                double least = kInfinity;  // by steps along the edge
+                for (int s = 0; s <= 1000; ++s)
+                    least = std::min(
+                        least, Distance(outline[i], {a.x + (b.x - a.x) * s / 1000, a.y + (b.y - a.y) * s / 1000}));
+                EXPECT_LE(least, tolerance + 0.05);
+            }
+        }
+    }
+    const std::vector<Point> straight = {{0, 0}, {1, 1. / 3}, {2, 2. / 3}, {3, 1}, {3, 2}, {3, 3}, {0, 3}, {0, 1}};
+    EXPECT_THAT(Simplify(straight, 0), ElementsAre(0, 3, 5, 6));
+    EXPECT_EQ(8u, Simplify(straight, -1).size());
+    EXPECT_EQ(8u, Simplify(straight, kNan).size());
+    EXPECT_THAT(Simplify(straight, kInfinity), ElementsAre(0, 5));
+    EXPECT_THAT(Simplify(std::vector<Point>(1000000, {1, 1}), 0), ElementsAre(0));
+}
+
+TEST(RobustCircle, FindsTheCircleAmongThreeTenthsOfOutliers) {
+    std::mt19937 random(9);
+    std::normal_distribution<double> noise(0, 0.1);
+    std::uniform_real_distribution<double> anywhere(0, 200);
+    std::vector<Point> points;
+    for (int i = 0; i < 600; ++i) {
+        const double angle = 2 * kPi * i / 600, radius = 40 + noise(random);
+        if (i % 10 < 3)
+            points.push_back({anywhere(random), anywhere(random)});
+        else
+            points.push_back({100 + radius * Cos(angle), 80 + radius * Sin(angle)});
+    }
+    points[5] = {kNan, 1};
+    points[17] = {kInfinity, 1};
+    const auto circle = RobustCircle(points, 0.68);
+    ASSERT_TRUE(circle);
+    EXPECT_NEAR(100, circle->center.x, 0.1);
+    EXPECT_NEAR(80, circle->center.y, 0.1);
+    EXPECT_NEAR(40, circle->radius, 0.1);
+    EXPECT_EQ(circle->center, RobustCircle(points, 0.68)->center);
+
+    EXPECT_FALSE(RobustCircle(std::vector<Point>{{0, 0}, {1, 1}, {2, 2}, {3, 3}}, 0.9));
+    EXPECT_FALSE(RobustCircle(std::vector<Point>{{0, 0}, {1, 1}}, 0.9));
+    for (const double p : {0.0, -1.0, kNan}) EXPECT_FALSE(RobustCircle(points, p));
+    const auto exact = RobustCircle(std::vector<Point>{{5, 0}, {0, 5}, {-5, 0}, {0, -5}, {3, 4}}, 7);
+    ASSERT_TRUE(exact);
+    EXPECT_NEAR(5, exact->radius, 1e-14);
+}
