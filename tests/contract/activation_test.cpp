@@ -29,6 +29,8 @@ std::vector<Creatable> Creatables() {
     return {
         {"Orlix.Histogram", __uuidof(OrlixHistogram), {__uuidof(IHistogram)}},
         {"Orlix.Bitmap", __uuidof(OrlixBitmap), {__uuidof(IBitmap), __uuidof(IBitmapProcess)}},
+        {"Orlix.Polygon", __uuidof(OrlixPolygon), {__uuidof(IPolygon)}},
+        {"orlix.StructuringElement", __uuidof(OrlixStructuringElement), {__uuidof(IStructuringElement)}},
         {"Orlix.ShapeRegionOfInterest",
          __uuidof(OrlixShapeRegionOfInterest),
          {__uuidof(IShapeRegionOfInterest), __uuidof(IRegionOfInterest), __uuidof(IGraphicOverlay)}},
@@ -110,7 +112,7 @@ TEST(Activation, AClassThatIsNotBuiltIsRefused) {
         EXPECT_EQ(nullptr, object);
     }
     try {
-        CreateObject<IUnknown>("orlix.StructuringElement.1");
+        CreateObject<IUnknown>("Orlix.SplineImage.1");
         ADD_FAILURE() << "created";
     } catch (const Error& error) {
         EXPECT_EQ(kClassNotAvailable, error.result());

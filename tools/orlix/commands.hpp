@@ -15,6 +15,7 @@ using Command = std::function<int()>;
 Command AddMeasure(CLI::App& program);
 Command AddFlatten(CLI::App& program);
 Command AddFilter(CLI::App& program);
+Command AddPolygon(CLI::App& program);
 Command AddInfo(CLI::App& program);
 Command AddConvert(CLI::App& program);
 Command AddSpecimen(CLI::App& program);
