@@ -17,7 +17,7 @@ public:
     void Add(double term, uint64_t times);
 
     std::strong_ordering operator<=>(const ExactAccumulator& other) const;
-    bool operator==(const ExactAccumulator& other) const { return (*this <=> other) == 0; }
+    bool operator==(const ExactAccumulator& other) const { return std::is_eq(*this <=> other); }
 
 private:
     // Bits from the denormals' last one (2^-1074) to those of the largest double (below 2^1024) and of 2^64 times that.

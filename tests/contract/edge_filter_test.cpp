@@ -169,6 +169,7 @@ TEST(Sobel, OfBytesIsTheTableRootOfTheLow16Bits) {
     } cases[] = {{0, 255, 240}, {0, 25, 101}, {25, 0, 101}, {0, 64, 0}, {0, 1, 4}, {0, 4, 16}, {10, 73, 252}};
     for (const auto& c : cases) {
         std::vector<uint8_t> step;
+        step.reserve(9);
         for (int i = 0; i < 9; ++i) step.push_back(i % 3 < 2 ? c.left : c.right);
         const Image<uint8_t> from(3, step), to(3, 3);
         ASSERT_EQ(S_OK, to.process->Sobel(from.source(), 0));

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -78,9 +79,13 @@ Record Untouched() {
 }
 template <class Record>
 bool SameRecord(const Record& a, const Record& b) {
-    // The doubles; what lies between m_lSize and them is nobody's.
-    return a.m_lSize == b.m_lSize &&
-           std::memcmp(&a.m_dAverage, &b.m_dAverage, sizeof a - offsetof(Record, m_dAverage)) == 0;
+    // The doubles, bit for bit; what lies between m_lSize and them is nobody's.
+    const auto bits = [](const Record& record) {
+        std::array<uint64_t, (sizeof(Record) - offsetof(Record, m_dAverage)) / 8> out;
+        std::memcpy(out.data(), &record.m_dAverage, sizeof out);
+        return out;
+    };
+    return a.m_lSize == b.m_lSize && bits(a) == bits(b);
 }
 
 // A dome with noise of its own and a tenth of bad pixels; whole numbers throughout.
@@ -88,10 +93,10 @@ template <class Pixel>
 Picture DomeWithBadPixels(LONG width, LONG height) {
     Noise noise;
     return PictureOf<Pixel>(width, height, [&](LONG x, LONG y) {
-        const double dx = x - width / 2 - 3, dy = y - height / 2 + 2;
+        const LONG dx = x - width / 2 - 3, dy = y - height / 2 + 2;
         const uint32_t n = noise();
         return n % 10 == 0 ? n % 251
-                           : 40 + std::floor(2 * std::sqrt(std::max(0.0, 3600 - dx * dx - dy * dy))) + n / 7 % 3;
+                           : 40 + std::floor(2 * std::sqrt(std::max(0.0, 3600.0 - dx * dx - dy * dy))) + n / 7 % 3;
     });
 }
 
@@ -226,7 +231,7 @@ TEST(RobustContract, RecordsHaveTheSameBitsEverywhere) {
 template <class Pixel>
 Picture CapOf(LONG width, LONG height, double base, double scale, double radius) {
     return PictureOf<Pixel>(width, height, [=](LONG x, LONG y) {
-        const double dx = x - width / 2, dy = y - height / 2;
+        const LONG dx = x - width / 2, dy = y - height / 2;
         return base + std::sqrt(std::max(0.0, radius * radius - dx * dx - dy * dy)) / scale;
     });
 }

@@ -134,6 +134,7 @@ TEST(HemisphereFit, DoesNotDependOnWhereAndInWhichUnitsTheCapIs) {
     std::vector<SurfacePoint> points = PointsOn({50, 45, 0, 0.5, 60}, 100, 90);
     for (SurfacePoint& point : points) point.z += 0.5 * noise();
     std::vector<SurfacePoint> moved;
+    moved.reserve(points.size());
     for (const SurfacePoint& point : points) moved.push_back({point.x + 30000, point.y + 20000, 16 * point.z + 4096});
     const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));
     const auto other = FitHemisphere(PointRuns(moved), AverageOf(moved));

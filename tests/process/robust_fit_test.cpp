@@ -282,7 +282,8 @@ TEST(RobustFit, OneRowGivesThePlaneAlongIt) {
 }
 
 TEST(RobustFit, NoFinitePixelGivesNoSurface) {
-    const RegionPicture<float> nothing(20, 20, [](int x, int) { return x % 2 ? kNaN : kNaN; });
+    const RegionPicture<float> nothing(
+        20, 20, [](int x, int) { return x % 2 ? kNaN : std::numeric_limits<double>::infinity(); });
     EXPECT_FALSE(RobustPolynomial(nothing.region(), 1, 0.9));
     EXPECT_FALSE(RobustHemisphere(nothing.region(), false, 0.9));
     // Too few finite ones for K.

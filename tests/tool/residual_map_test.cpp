@@ -70,12 +70,12 @@ TEST(ResidualMap, LargeImagesAreAveragedWithoutWhatIsNoNumber) {
 
 TEST(ProfilePlot, BreaksWhereTheRegionDoesAndNeverWritesWhatIsNoNumber) {
     constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-    const auto plot = [](std::vector<double> values) {
+    const auto plot = [](const std::vector<double>& values) {
         return ProfilePlot({"x, pixels", 1, "grey level", "residual, grey levels", values, values, values});
     };
     const std::string svg = plot({1, 2, kNone, 3, 4});
     // Each of the three curves: two pieces of two points.
-    const auto first = svg.find("<path d='"), end = svg.find("'", first + 9);
+    const auto first = svg.find("<path d='"), end = svg.find('\'', first + 9);
     const std::string path = svg.substr(first + 9, end - first - 9);
     EXPECT_EQ(2, std::count(path.begin(), path.end(), 'M'));
     EXPECT_EQ(2, std::count(path.begin(), path.end(), 'L'));

@@ -66,7 +66,7 @@ Picture ResidualPicture(const std::vector<float>& residual, int32_t width, int32
                     ++count;
                 }
             for (const double channel : ColourOf(sum / count, limit))  // none: 0 / 0
-                picture.samples.push_back(static_cast<uint8_t>(channel + 0.5));
+                picture.samples.push_back(static_cast<uint8_t>(std::lround(channel)));
         }
     return picture;
 }
