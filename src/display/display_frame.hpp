@@ -59,6 +59,19 @@ public:
     }
 
 private:
+    void ComputeLevels(const DisplayBitmap& bitmap) override {
+        const LevelMapping<Pixel> levelsOf(lower_, upper_);
+        const auto width = static_cast<size_t>(bitmap.width);
+        for (int32_t plane = 0; plane < bitmap.planes; ++plane) {
+            const PixelView<Pixel> view = this->image_.view(this->Planes().first + plane);
+            for (int32_t y = 0; y < bitmap.height; ++y) {
+                uint8_t* const levels = bitmap.row(plane, y);
+                levelsOf(view.row(y), width, levels);
+                std::fill(levels + width, levels + bitmap.rowStride, uint8_t{0});
+            }
+        }
+    }
+
     void RoundOut() {
         if (lower_ >= 0 && upper_ <= 1) return PutDisplayRange(0, 1);
         for (const double most : {255.0, 1023.0, 4095.0, 65535.0})

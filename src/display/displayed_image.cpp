@@ -25,6 +25,40 @@ std::unique_ptr<DisplayedImage> DisplayedImage::Make(LONG dataType) {
 void DisplayedImage::ContentReplaced() {
     TypedImage::ContentReplaced();
     state_.band = bandToProcess();
+    PutDisplayDirty(true);
+}
+
+const DisplayBitmap& DisplayedImage::Display() {
+    if (current_ && !DisplayDirty()) return bitmap_;
+    const ImageStore& image = store();
+    if (image.empty() || image.refused()) {
+        bitmap_ = DisplayBitmap();
+    } else {
+        const auto width = static_cast<size_t>(image.layout().width);
+        const auto height = static_cast<size_t>(image.layout().height);
+        const int32_t planes = Planes().count;
+        const size_t rowStride = (width + 3) / 4 * 4;  // no more than the image's own
+        current_ = false;
+        bitmap_.levels.Resize(static_cast<size_t>(planes) * height * rowStride);
+        bitmap_.width = image.layout().width;
+        bitmap_.height = image.layout().height;
+        bitmap_.planes = planes;
+        bitmap_.rowStride = rowStride;
+        ComputeLevels(bitmap_);
+    }
+    PutDisplayDirty(false);
+    current_ = true;
+    return bitmap_;
+}
+
+DisplayedImage::PlaneBands DisplayedImage::Planes() {
+    if (state_.band != BI_AllBands) return {1, state_.band};
+    return {store().layout().bands < 3 ? 1 : 3, 0};
+}
+
+void DisplayedImage::PutDisplayState(const DisplayState& state) {
+    state_ = state;
+    PutDisplayDirty(true);
 }
 
 void DisplayedImage::PutBandToDisplay(LONG band) {
@@ -35,6 +69,7 @@ void DisplayedImage::PutBandToDisplay(LONG band) {
 }
 
 void DisplayedImage::PutDisplayDirty(bool dirty) {
+    current_ = false;
     dirty_ = dirty;
     seen_ = store().changes();
 }
