@@ -379,10 +379,12 @@ protected:
         ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { extremes(pixels, n); });
         if (!extremes.Any()) return {};
         GreyRange range = {};
-        const ComPtr<OrlixHistogram> histogram = HistogramOver(selection, extremes.Min(), extremes.Max(), mostBins);
+        const Pixel least = ToPixel<Pixel>(extremes.Min());  // infinities have no place in a histogram
+        const Pixel most = ToPixel<Pixel>(extremes.Max());
+        const ComPtr<OrlixHistogram> histogram = HistogramOver(selection, least, most, mostBins);
         PassOn(histogram->AutoThresholdTrim(trimLower, &range.lower, trimUpper, &range.upper));
-        if (trimLower == 0.0) range.lower = extremes.Min();
-        if (trimUpper == 0.0) range.upper = extremes.Max();
+        if (trimLower == 0.0) range.lower = least;
+        if (trimUpper == 0.0) range.upper = most;
         return range;
     }
 
