@@ -32,8 +32,8 @@ public:
     LONG bandToDisplay() const { return state_.band; }
     void PutBandToDisplay(LONG band);
 
-    // Putting either value has the levels computed anew.
     bool DisplayDirty() { return dirty_ || store().changes() != seen_; }
+    // Either value has the levels computed anew.
     void PutDisplayDirty(bool dirty);
 
     OLE_COLOR GetColor(LONG entry) const;
