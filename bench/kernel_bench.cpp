@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "display/display_level_kernels.hpp"
 #include "pictures.hpp"
 #include "process/casting_kernels.hpp"
 #include "process/counting_kernels.hpp"
@@ -99,6 +100,13 @@ void RegisterType() {
                     benchmark::DoNotOptimize(sums);
                 }
         });
+    if constexpr (sizeof(T) > 1)
+        for (const auto& variant : SupportedOnThisCpu(kLevels<T>))
+            Register<T>("display levels", variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {
+                std::vector<uint8_t> levels(pixels.size());
+                const LevelRange<T> range{static_cast<T>(3 * level), static_cast<T>(250 * level), false};
+                for (auto _ : state) variant.fn(pixels.data(), pixels.size(), range, levels.data());
+            });
     PointParameters<T> parameters;
     parameters.value = 1.01;
     if constexpr (sizeof(T) > 1) RegisterPoint<T>("divide", kQuotient<T>, parameters);
@@ -166,5 +174,10 @@ int main(int argc, char** argv) {
     PointParameters<uint8_t> parameters;
     for (int i = 0; i < 256; ++i) parameters.table[i] = static_cast<uint8_t>(i * 167 + 13);
     RegisterPoint<uint8_t>("lut", kLookUp, parameters);
+    Register<uint8_t>("display levels", "", [](benchmark::State& state, std::vector<uint8_t>& pixels) {
+        std::vector<uint8_t> levels(pixels.size());
+        const LevelMapping<uint8_t> levelsOf(3, 250);
+        for (auto _ : state) levelsOf(pixels.data(), pixels.size(), levels.data());
+    });
     benchmark::RunSpecifiedBenchmarks();
 }

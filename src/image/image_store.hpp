@@ -57,9 +57,14 @@ public:
     TCoordinateMap& coordinates() { return content_.coordinates; }
     ImageProperties& properties() { return content_.properties; }
 
-    // Set by every creation and every operation that writes pixels; the display side clears it.
+    // Set by every creation and every operation that writes pixels.
     bool modified() const { return modified_; }
-    void SetModified(bool modified) { modified_ = modified; }
+    void SetModified(bool modified) {
+        modified_ = modified;
+        if (modified) ++changes_;
+    }
+    // How often it was set: what was computed from the pixels holds as long as this stays.
+    uint64_t changes() const { return changes_; }
 
     // IImageVPAExPlus::Create for an image of this type: checks, texts and what stays as documented there. A
     // failure leaves the image as it was.
@@ -86,6 +91,7 @@ private:
 
     LONG dataType_;
     bool modified_ = false;
+    uint64_t changes_ = 0;
     ImageContent content_;
 };
 

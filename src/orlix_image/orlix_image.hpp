@@ -7,16 +7,16 @@
 #include <memory>
 
 #include "component/object.hpp"
+#include "display/displayed_image.hpp"
 #include "image/source_image.hpp"
-#include "process/typed_image.hpp"
 
 // Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
 // orlix_image_process.cpp, orlix_image_surfaces.cpp, orlix_image_hemispheres.cpp,
-// orlix_image_robust.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
+// orlix_image_robust.cpp, orlix_image_display.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
 class OrlixImage final
     : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
-                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IModuleInformation,
-                           IPixelAccess> {
+                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IDisplayProcess,
+                           IModuleInformation, IPixelAccess> {
 public:
     // IImageVPA
     STDMETHODIMP Dimensions(LONG* bands, LONG* width, LONG* height) noexcept override;
@@ -103,6 +103,18 @@ public:
     STDMETHODIMP CorrectAngledHemisphere(SAngledHemisphereFit* fit) noexcept override;
     STDMETHODIMP RobustCorrectAngledHemisphere(double probability) noexcept override;
 
+    // IDisplayProcess
+    STDMETHODIMP get_BandToDisplay(LONG* band) noexcept override;
+    STDMETHODIMP put_BandToDisplay(LONG band) noexcept override;
+    STDMETHODIMP get_DisplayDirty(LONG* dirty) noexcept override;
+    STDMETHODIMP put_DisplayDirty(LONG dirty) noexcept override;
+    STDMETHODIMP get_ColorTable(LONG entry, OLE_COLOR* color) noexcept override;
+    STDMETHODIMP put_ColorTable(LONG entry, OLE_COLOR color) noexcept override;
+    STDMETHODIMP EqualizeColorTable() noexcept override;
+    STDMETHODIMP GetDisplayRange(double* lower, double* upper) noexcept override;
+    STDMETHODIMP PutDisplayRange(double lower, double upper) noexcept override;
+    STDMETHODIMP SnapDisplayRange(double trimLeft, double trimRight, LONG roundOut) noexcept override;
+
     // IPixelAccess
     STDMETHODIMP Accessible() noexcept override;
 
@@ -115,7 +127,7 @@ public:
 private:
     // The typed image, or E_FAIL without a text when there is none. Shared: a client's region or source may call back and
     // make this object take another typed image while the one it had is at work.
-    std::shared_ptr<orlix::TypedImage> Typed();
+    std::shared_ptr<orlix::DisplayedImage> Typed();
 
     // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A failure
     // with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without (no memory)
@@ -125,5 +137,5 @@ private:
     // Puts a copy of a rectangle of the source in the place of the image.
     void Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle);
 
-    std::shared_ptr<orlix::TypedImage> typed_;
+    std::shared_ptr<orlix::DisplayedImage> typed_;
 };

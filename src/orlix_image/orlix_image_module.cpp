@@ -1,7 +1,7 @@
 #include "component/strings.hpp"
+#include "orlix_image/kernels_in_use.hpp"
 #include "orlix_image/orlix_image.hpp"
 #include "platform/module_file.hpp"
-#include "process/variants.hpp"
 
 using namespace orlix;
 

@@ -45,11 +45,4 @@ Fn Choose(const Variant<Fn> (&table)[N]) noexcept {
     return ChosenVariant(table).fn;
 }
 
-// All kernels of the module and the variant that each uses in this process, in a fixed order. Names are ASCII and static.
-struct KernelInUse {
-    const char* kernel;   // "threshold 8-bit"
-    const char* variant;  // "avx2"
-};
-std::span<const KernelInUse> KernelsInUse();
-
 }  // namespace orlix

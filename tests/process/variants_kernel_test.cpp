@@ -2,6 +2,7 @@
 #include <string>
 
 #include "kernel_testing.hpp"
+#include "orlix_image/kernels_in_use.hpp"
 #include "process/variants.hpp"
 
 namespace orlix {

@@ -1,5 +1,6 @@
-#include <iterator>
+#include "orlix_image/kernels_in_use.hpp"
 
+#include "display/display_level_kernels.hpp"
 #include "process/casting_kernels.hpp"
 #include "process/correction_kernels.hpp"
 #include "process/counting_kernels.hpp"
@@ -14,7 +15,6 @@
 #include "process/sobel_kernels.hpp"
 #include "process/threshold_kernels.hpp"
 #include "process/trimming_kernels.hpp"
-#include "process/variants.hpp"
 
 namespace orlix {
 
@@ -101,6 +101,9 @@ std::span<const KernelInUse> KernelsInUse() {
         {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
         {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
         {"correct, float", ChosenVariant(kCorrect<float>).name},
+        {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
+        {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
+        {"display levels, float", ChosenVariant(kLevels<float>).name},
     };
     return kernels;
 }

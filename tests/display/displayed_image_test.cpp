@@ -1,0 +1,118 @@
+#include "display/displayed_image.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace orlix {
+namespace {
+
+// Pixel (x, y) of a band is 100 band + 10 y + x.
+std::unique_ptr<DisplayedImage> Bytes(LONG width, LONG height, LONG bands) {
+    auto image = DisplayedImage::Make(DT_BYTE);
+    image->store().Create(width, height, bands, DT_BYTE, true);
+    image->ContentReplaced();
+    for (LONG band = 0; band < bands; ++band)
+        for (LONG y = 0; y < height; ++y)
+            for (LONG x = 0; x < width; ++x)
+                image->store().base(band)[y * image->store().layout().rowStride + x] =
+                    static_cast<uint8_t>(100 * band + 10 * y + x);
+    return image;
+}
+
+std::vector<int> Row(const DisplayBitmap& bitmap, int32_t plane, int32_t y) {
+    const uint8_t* row = bitmap.row(plane, y);
+    return {row, row + bitmap.rowStride};
+}
+using Levels = std::vector<int>;
+
+TEST(DisplayBitmap, HoldsTheLevelsTopDownInRowsPaddedWithZeros) {
+    const auto image = Bytes(3, 2, 1);
+    const DisplayBitmap& bitmap = image->Display();
+    EXPECT_EQ(3, bitmap.width);
+    EXPECT_EQ(2, bitmap.height);
+    ASSERT_EQ(1, bitmap.planes);
+    EXPECT_EQ((Levels{0, 1, 2, 0}), Row(bitmap, 0, 0));
+    EXPECT_EQ((Levels{10, 11, 12, 0}), Row(bitmap, 0, 1));
+    image->PutDisplayRange(10, 12);
+    EXPECT_EQ((Levels{0, 128, 255, 0}), Row(image->Display(), 0, 1));
+}
+
+TEST(DisplayBitmap, IsComputedAnewOnlyAfterAChange) {
+    const auto image = Bytes(1, 1, 1);
+    uint8_t& pixel = *image->store().base(0);
+    const auto shown = [&] { return int{*image->Display().row(0, 0)}; };
+    EXPECT_TRUE(image->DisplayDirty());
+    EXPECT_EQ(0, shown());
+    EXPECT_FALSE(image->DisplayDirty());
+    pixel = 9;  // behind the library's back
+    EXPECT_EQ(0, shown());
+    for (const bool dirty : {true, false}) {
+        ++pixel;
+        image->PutDisplayDirty(dirty);
+        EXPECT_EQ(dirty, image->DisplayDirty());
+        EXPECT_EQ(pixel, shown());
+        EXPECT_FALSE(image->DisplayDirty());
+    }
+    image->Invert();
+    EXPECT_TRUE(image->DisplayDirty());
+    EXPECT_EQ(255 - 11, shown());
+    image->PutColor(0, 0xffffff);  // the levels are the same
+    pixel = 1;
+    EXPECT_EQ(255 - 11, shown());
+    image->PutDisplayRange(0, 2);
+    EXPECT_EQ(128, shown());
+    image->store().Create(1, 1, 1, DT_BYTE, true);
+    image->ContentReplaced();
+    EXPECT_EQ(0, shown());
+}
+
+TEST(DisplayBitmap, ShowsThreeBandsInColourOrTheBandThatIsChosen) {
+    const struct {
+        LONG bands, band;
+        std::vector<int> firstLevels;  // of each plane
+    } cases[] = {{3, BI_AllBands, {0, 100, 200}},
+                 {4, BI_AllBands, {0, 100, 200}},
+                 {2, BI_AllBands, {0}},
+                 {1, BI_AllBands, {0}},
+                 {3, 2, {200}},
+                 {2, 1, {100}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.bands << " bands, " << c.band);
+        const auto image = Bytes(2, 2, c.bands);
+        image->PutBandToDisplay(c.band);
+        const DisplayBitmap& bitmap = image->Display();
+        ASSERT_EQ(static_cast<int32_t>(c.firstLevels.size()), bitmap.planes);
+        for (int32_t plane = 0; plane < bitmap.planes; ++plane) {
+            const int first = c.firstLevels[static_cast<size_t>(plane)];
+            EXPECT_EQ((Levels{first, first + 1, 0, 0}), Row(bitmap, plane, 0));
+            EXPECT_EQ((Levels{(first + 10) % 256, (first + 11) % 256, 0, 0}), Row(bitmap, plane, 1));
+        }
+    }
+}
+
+TEST(DisplayBitmap, OfAnImageWithoutPixelsHasNoPlane) {
+    const auto image = DisplayedImage::Make(DT_Float);
+    EXPECT_EQ(0, image->Display().planes);
+    EXPECT_EQ(0, image->Display().width);
+    image->store().Create(5, 7, 1, DT_Float, true);
+    image->ContentReplaced();
+    EXPECT_EQ(7, image->Display().height);
+}
+
+TEST(DisplayState, OfAStreamTakesTheDisplay) {
+    const auto image = Bytes(1, 1, 2);
+    image->Display();
+    DisplayState state = image->displayState();
+    EXPECT_EQ(0, state.carried.number);
+    EXPECT_EQ(0.0, state.carried.values[2]);
+    state.band = 1;
+    state.colors[3] = {1, 2, 3, 4};
+    image->PutDisplayState(state);
+    EXPECT_EQ(100, *image->Display().row(0, 0));
+    EXPECT_EQ(0x010203u, image->GetColor(3));
+    EXPECT_EQ(4, image->displayState().colors[3].reserved);
+}
+
+}  // namespace
+}  // namespace orlix
