@@ -5,7 +5,7 @@ import re
 import subprocess
 import sys
 
-BYTES = {"u8": 1, "u16": 2, "f32": 4}
+BYTES = {"u8": 1, "u16": 2, "f32": 4, "f64": 8}
 
 
 def read(path):
@@ -91,6 +91,17 @@ def robust(rates):
         row(operation, kind, str(size), ", ".join(figures))
 
 
+def outlines(rates):
+    print("Milliseconds for a million vertices.\n")
+    row("operation", "orlix", "peer")
+    row("---", "--:", "---")
+    for (operation, kind, size, who), rate in rates.items():
+        if who == "orlix":
+            peers = [f"{other} {size / rates[operation, kind, size, other] * 1e3:.1f}" for other in ("opencv", "memcpy")
+                     if (operation, kind, size, other) in rates]
+            row(operation, f"{size / rate * 1e3:.1f}", ", ".join(peers) or "-")
+
+
 def main():
     rates, context = read(sys.argv[1])
     machine(sys.argv[2], context)
@@ -99,6 +110,8 @@ def main():
     rates = dict(sorted(rates.items(), key=lambda item: (item[0][0], order[item[0][1]], item[0][2], item[0][3])))
     if any(key[3] == "search" for key in rates):
         robust(rates)
+    elif any(key[3] == "orlix" for key in rates):
+        outlines(rates)
     elif any(key[0] == "memcpy" or key[3] == "whole" for key in rates):
         interface(rates)
     else:
