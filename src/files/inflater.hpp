@@ -27,6 +27,9 @@ public:
     // Whether the stream ends here, with the right checksum. What lies behind its end is not looked at.
     bool AtEnd();
 
+    // Whether all bytes of all pieces belong to the stream, as far as it was read.
+    bool InputUsedUp() const { return stream_.avail_in == 0 && piece_.empty() && pieces_.empty(); }
+
 private:
     void Step();
 
