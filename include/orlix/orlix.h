@@ -146,6 +146,14 @@ interface IOrlixImageProcess;
 #endif /* __cplusplus */
 #endif
 
+#ifndef __IDisplayProcess_FWD_DEFINED__
+#define __IDisplayProcess_FWD_DEFINED__
+typedef interface IDisplayProcess IDisplayProcess;
+#ifdef __cplusplus
+interface IDisplayProcess;
+#endif /* __cplusplus */
+#endif
+
 #ifndef __IModuleInformation_FWD_DEFINED__
 #define __IModuleInformation_FWD_DEFINED__
 typedef interface IModuleInformation IModuleInformation;
@@ -4165,6 +4173,193 @@ static FORCEINLINE HRESULT IOrlixImageProcess_RobustCorrectAngledHemisphere(IOrl
 
 
 #endif  /* __IOrlixImageProcess_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
+ * IDisplayProcess interface
+ */
+#ifndef __IDisplayProcess_INTERFACE_DEFINED__
+#define __IDisplayProcess_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IDisplayProcess, 0x5e395b79, 0xdcda, 0x41be, 0xa3,0xae, 0x26,0xe7,0xfc,0x0c,0x60,0x9b);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("5e395b79-dcda-41be-a3ae-26e7fc0c609b")
+IDisplayProcess : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE get_BandToDisplay(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_BandToDisplay(
+        LONG newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_DisplayDirty(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_DisplayDirty(
+        LONG newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_ColorTable(
+        LONG Entry,
+        OLE_COLOR *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_ColorTable(
+        LONG Entry,
+        OLE_COLOR newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE EqualizeColorTable(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetDisplayRange(
+        double *Lower,
+        double *Upper) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE PutDisplayRange(
+        double Lower,
+        double Upper) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE SnapDisplayRange(
+        double TrimLeft,
+        double TrimRight,
+        LONG bRoundOut) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IDisplayProcess, 0x5e395b79, 0xdcda, 0x41be, 0xa3,0xae, 0x26,0xe7,0xfc,0x0c,0x60,0x9b)
+#endif
+#else
+typedef struct IDisplayProcessVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IDisplayProcess *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IDisplayProcess *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IDisplayProcess *This);
+
+    /*** IDisplayProcess methods ***/
+    HRESULT (STDMETHODCALLTYPE *get_BandToDisplay)(
+        IDisplayProcess *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_BandToDisplay)(
+        IDisplayProcess *This,
+        LONG newVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_DisplayDirty)(
+        IDisplayProcess *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_DisplayDirty)(
+        IDisplayProcess *This,
+        LONG newVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_ColorTable)(
+        IDisplayProcess *This,
+        LONG Entry,
+        OLE_COLOR *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_ColorTable)(
+        IDisplayProcess *This,
+        LONG Entry,
+        OLE_COLOR newVal);
+
+    HRESULT (STDMETHODCALLTYPE *EqualizeColorTable)(
+        IDisplayProcess *This);
+
+    HRESULT (STDMETHODCALLTYPE *GetDisplayRange)(
+        IDisplayProcess *This,
+        double *Lower,
+        double *Upper);
+
+    HRESULT (STDMETHODCALLTYPE *PutDisplayRange)(
+        IDisplayProcess *This,
+        double Lower,
+        double Upper);
+
+    HRESULT (STDMETHODCALLTYPE *SnapDisplayRange)(
+        IDisplayProcess *This,
+        double TrimLeft,
+        double TrimRight,
+        LONG bRoundOut);
+
+    END_INTERFACE
+} IDisplayProcessVtbl;
+
+interface IDisplayProcess {
+    CONST_VTBL IDisplayProcessVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IDisplayProcess_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IDisplayProcess_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IDisplayProcess_Release(This) (This)->lpVtbl->Release(This)
+/*** IDisplayProcess methods ***/
+#define IDisplayProcess_get_BandToDisplay(This,hVal) (This)->lpVtbl->get_BandToDisplay(This,hVal)
+#define IDisplayProcess_put_BandToDisplay(This,newVal) (This)->lpVtbl->put_BandToDisplay(This,newVal)
+#define IDisplayProcess_get_DisplayDirty(This,hVal) (This)->lpVtbl->get_DisplayDirty(This,hVal)
+#define IDisplayProcess_put_DisplayDirty(This,newVal) (This)->lpVtbl->put_DisplayDirty(This,newVal)
+#define IDisplayProcess_get_ColorTable(This,Entry,hVal) (This)->lpVtbl->get_ColorTable(This,Entry,hVal)
+#define IDisplayProcess_put_ColorTable(This,Entry,newVal) (This)->lpVtbl->put_ColorTable(This,Entry,newVal)
+#define IDisplayProcess_EqualizeColorTable(This) (This)->lpVtbl->EqualizeColorTable(This)
+#define IDisplayProcess_GetDisplayRange(This,Lower,Upper) (This)->lpVtbl->GetDisplayRange(This,Lower,Upper)
+#define IDisplayProcess_PutDisplayRange(This,Lower,Upper) (This)->lpVtbl->PutDisplayRange(This,Lower,Upper)
+#define IDisplayProcess_SnapDisplayRange(This,TrimLeft,TrimRight,bRoundOut) (This)->lpVtbl->SnapDisplayRange(This,TrimLeft,TrimRight,bRoundOut)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IDisplayProcess_QueryInterface(IDisplayProcess* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IDisplayProcess_AddRef(IDisplayProcess* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IDisplayProcess_Release(IDisplayProcess* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IDisplayProcess methods ***/
+static FORCEINLINE HRESULT IDisplayProcess_get_BandToDisplay(IDisplayProcess* This,LONG *hVal) {
+    return This->lpVtbl->get_BandToDisplay(This,hVal);
+}
+static FORCEINLINE HRESULT IDisplayProcess_put_BandToDisplay(IDisplayProcess* This,LONG newVal) {
+    return This->lpVtbl->put_BandToDisplay(This,newVal);
+}
+static FORCEINLINE HRESULT IDisplayProcess_get_DisplayDirty(IDisplayProcess* This,LONG *hVal) {
+    return This->lpVtbl->get_DisplayDirty(This,hVal);
+}
+static FORCEINLINE HRESULT IDisplayProcess_put_DisplayDirty(IDisplayProcess* This,LONG newVal) {
+    return This->lpVtbl->put_DisplayDirty(This,newVal);
+}
+static FORCEINLINE HRESULT IDisplayProcess_get_ColorTable(IDisplayProcess* This,LONG Entry,OLE_COLOR *hVal) {
+    return This->lpVtbl->get_ColorTable(This,Entry,hVal);
+}
+static FORCEINLINE HRESULT IDisplayProcess_put_ColorTable(IDisplayProcess* This,LONG Entry,OLE_COLOR newVal) {
+    return This->lpVtbl->put_ColorTable(This,Entry,newVal);
+}
+static FORCEINLINE HRESULT IDisplayProcess_EqualizeColorTable(IDisplayProcess* This) {
+    return This->lpVtbl->EqualizeColorTable(This);
+}
+static FORCEINLINE HRESULT IDisplayProcess_GetDisplayRange(IDisplayProcess* This,double *Lower,double *Upper) {
+    return This->lpVtbl->GetDisplayRange(This,Lower,Upper);
+}
+static FORCEINLINE HRESULT IDisplayProcess_PutDisplayRange(IDisplayProcess* This,double Lower,double Upper) {
+    return This->lpVtbl->PutDisplayRange(This,Lower,Upper);
+}
+static FORCEINLINE HRESULT IDisplayProcess_SnapDisplayRange(IDisplayProcess* This,double TrimLeft,double TrimRight,LONG bRoundOut) {
+    return This->lpVtbl->SnapDisplayRange(This,TrimLeft,TrimRight,bRoundOut);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IDisplayProcess_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
  * IModuleInformation interface

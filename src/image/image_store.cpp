@@ -69,7 +69,7 @@ ImageContent ImageStore::MakeContent(LONG width, LONG height, LONG bands) const 
 
 void ImageStore::Replace(ImageContent&& content) noexcept {
     content_ = std::move(content);
-    modified_ = true;
+    SetModified(true);
 }
 
 void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table) {
@@ -78,7 +78,7 @@ void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table)
     content_.refused = false;
     content_.coordinates = kIdentityMap;
     content_.properties = ImageProperties();
-    modified_ = true;
+    SetModified(true);
 }
 
 }  // namespace orlix

@@ -70,7 +70,12 @@ public:
 
     // Set by every creation and every operation that writes pixels or settings that a stream keeps; saving clears it.
     bool modified() const { return modified_; }
-    void SetModified(bool modified) { modified_ = modified; }
+    void SetModified(bool modified) {
+        modified_ = modified;
+        if (modified) ++changes_;
+    }
+    // How often it was set: what was computed from the pixels holds as long as this stays.
+    uint64_t changes() const { return changes_; }
 
     // IImageVPAExPlus::Create for an image of this type: checks, texts and what stays as documented there. A
     // failure leaves the image as it was.
@@ -94,6 +99,7 @@ private:
 
     LONG dataType_;
     bool modified_ = false;
+    uint64_t changes_ = 0;
     ImageContent content_;
 };
 

@@ -5,15 +5,15 @@
 
 using namespace orlix;
 
-std::shared_ptr<TypedImage> OrlixImage::Typed() {
+std::shared_ptr<DisplayedImage> OrlixImage::Typed() {
     if (!typed_) throw FailedResult(E_FAIL);
     return typed_;
 }
 
 void OrlixImage::CreateTyped(LONG dataType, const std::function<void(ImageStore&)>& creation) {
-    std::shared_ptr<TypedImage> target = typed_;
+    std::shared_ptr<DisplayedImage> target = typed_;
     if (!target || target->store().dataType() != dataType) {
-        target = TypedImage::Make(dataType);
+        target = DisplayedImage::Make(dataType);
         if (!target) {
             typed_ = nullptr;
             throw FailedResult(E_FAIL);

@@ -7,18 +7,18 @@
 #include <memory>
 
 #include "component/object.hpp"
+#include "display/displayed_image.hpp"
 #include "image/source_image.hpp"
-#include "process/typed_image.hpp"
 
 // Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
 // orlix_image_entries.cpp, orlix_image_stream.cpp,
 // orlix_image_process.cpp, orlix_image_surfaces.cpp, orlix_image_hemispheres.cpp,
-// orlix_image_robust.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
+// orlix_image_robust.cpp, orlix_image_display.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
 class OrlixImage final
     : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
                            IImageEntries, orlix::Answers<IPersistStreamInitEx, IPersistStreamInit, IPersist>,
-                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IModuleInformation,
-                           IPixelAccess> {
+                           orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IDisplayProcess,
+                           IModuleInformation, IPixelAccess> {
 public:
     // IImageVPA
     STDMETHODIMP Dimensions(LONG* bands, LONG* width, LONG* height) noexcept override;
@@ -122,6 +122,18 @@ public:
     STDMETHODIMP CorrectAngledHemisphere(SAngledHemisphereFit* fit) noexcept override;
     STDMETHODIMP RobustCorrectAngledHemisphere(double probability) noexcept override;
 
+    // IDisplayProcess
+    STDMETHODIMP get_BandToDisplay(LONG* band) noexcept override;
+    STDMETHODIMP put_BandToDisplay(LONG band) noexcept override;
+    STDMETHODIMP get_DisplayDirty(LONG* dirty) noexcept override;
+    STDMETHODIMP put_DisplayDirty(LONG dirty) noexcept override;
+    STDMETHODIMP get_ColorTable(LONG entry, OLE_COLOR* color) noexcept override;
+    STDMETHODIMP put_ColorTable(LONG entry, OLE_COLOR color) noexcept override;
+    STDMETHODIMP EqualizeColorTable() noexcept override;
+    STDMETHODIMP GetDisplayRange(double* lower, double* upper) noexcept override;
+    STDMETHODIMP PutDisplayRange(double lower, double upper) noexcept override;
+    STDMETHODIMP SnapDisplayRange(double trimLeft, double trimRight, LONG roundOut) noexcept override;
+
     // IPixelAccess
     STDMETHODIMP Accessible() noexcept override;
 
@@ -134,7 +146,7 @@ public:
 private:
     // The typed image, or E_FAIL without a text when there is none. Shared: a client's region or source may call back and
     // make this object take another typed image while the one it had is at work.
-    std::shared_ptr<orlix::TypedImage> Typed();
+    std::shared_ptr<orlix::DisplayedImage> Typed();
 
     // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A failure
     // with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without (no memory)
@@ -147,7 +159,7 @@ private:
     // Puts what a stream holds in the place of the image; a failure leaves everything as it was.
     void LoadFrom(IStream* stream);
 
-    std::shared_ptr<orlix::TypedImage> typed_;
+    std::shared_ptr<orlix::DisplayedImage> typed_;
     bool modified_ = false;     // by a creation or a change of what a stream keeps; the typed image knows of pixels
     bool initialised_ = false;  // by Load, ReLoad or InitNew
 };

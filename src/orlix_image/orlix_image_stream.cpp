@@ -38,19 +38,35 @@ void WriteTo(IStream* stream, std::span<const uint8_t> bytes) {
     }
 }
 
-StreamSettings SettingsOf(const TypedImage& typed) {
+StreamSettings SettingsOf(DisplayedImage& typed) {
     StreamSettings settings;
     typed.GetLuminanceRange(settings.luminanceLower, settings.luminanceUpper);
     settings.bandToProcess = typed.bandToProcess();
     settings.numberOfBins = typed.numberOfBins();
+    typed.GetDisplayRange(settings.displayLower, settings.displayUpper);
+    const DisplayState& display = typed.displayState();
+    settings.bandToDisplay = display.band;
+    static_assert(sizeof display.colors == sizeof settings.palette);
+    std::memcpy(settings.palette.data(), &display.colors, sizeof settings.palette);
+    const CarriedSetting& carried = display.carried;
+    static_assert(sizeof carried.number + sizeof carried.values == sizeof settings.displaySetting);
+    std::memcpy(settings.displaySetting.data(), &carried.number, sizeof carried.number);
+    std::memcpy(settings.displaySetting.data() + sizeof carried.number, carried.values, sizeof carried.values);
     return settings;
 }
 
 // What a reader has checked: nothing here fails.
-void PutSettings(const StreamSettings& settings, TypedImage& typed) {
+void PutSettings(const StreamSettings& settings, DisplayedImage& typed) {
     typed.PutNumberOfBins(settings.numberOfBins);
     typed.PutLuminanceRange(settings.luminanceLower, settings.luminanceUpper);
     typed.PutBandToProcess(settings.bandToProcess);
+    typed.PutDisplayRange(settings.displayLower, settings.displayUpper);
+    DisplayState& display = typed.displayState();
+    display.band = settings.bandToDisplay;
+    std::memcpy(&display.colors, settings.palette.data(), sizeof display.colors);
+    CarriedSetting& carried = display.carried;
+    std::memcpy(&carried.number, settings.displaySetting.data(), sizeof carried.number);
+    std::memcpy(carried.values, settings.displaySetting.data() + sizeof carried.number, sizeof carried.values);
 }
 
 }  // namespace
@@ -58,8 +74,8 @@ void PutSettings(const StreamSettings& settings, TypedImage& typed) {
 void OrlixImage::LoadFrom(IStream* stream) {
     StreamSource source(stream);
     StreamImage image = ReadImageStream(source);
-    std::shared_ptr<TypedImage> target = typed_;
-    if (!target || target->store().dataType() != image.dataType) target = TypedImage::Make(image.dataType);
+    std::shared_ptr<DisplayedImage> target = typed_;
+    if (!target || target->store().dataType() != image.dataType) target = DisplayedImage::Make(image.dataType);
     target->store().Replace(std::move(image.content));
     target->ContentReplaced();
     PutSettings(image.settings, *target);
@@ -99,7 +115,7 @@ STDMETHODIMP OrlixImage::Save(IStream* stream, BOOL clearDirty) noexcept {
     return Guarded([&] {
         Require(stream);
         if (!typed_ || typed_->store().empty()) throw Failure("IPersistStreamInit::Save: no image.");
-        const std::shared_ptr<TypedImage> typed = typed_;
+        const std::shared_ptr<DisplayedImage> typed = typed_;
         ImageStore& store = typed->store();
         if (store.refused()) throw FailedResult(E_FAIL);
         // All of it before the first write: the stream may call back and change the image.

@@ -1,9 +1,11 @@
-// The processing frame of one pixel type. Only typed_image.cpp includes this.
+// The processing frame of one pixel type, above whatever else a TypedImage is to offer (Base). Only one file includes this,
+// display/displayed_image.cpp.
 #pragma once
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -32,10 +34,14 @@
 
 namespace orlix {
 
-template <class Image>
-class Frame final : public TypedImage {
+template <class Image, class Base>
+class Frame : public Base {
 public:
     using Pixel = typename Image::Pixel;
+    using Base::bandToProcess;
+    using Base::numberOfBins;
+    using typename Base::FitTexts;
+    using typename Base::RobustTexts;
 
     explicit Frame(LONG dataType) : image_(dataType) {}
 
@@ -50,7 +56,7 @@ public:
             if (bins <= 1) throw Failure("IImageProcess::put_NumberOfBins: there must be more than one bin.");
             if (bins != numberOfBins()) table_.clear();
         }
-        SetNumberOfBins(bins);
+        this->SetNumberOfBins(bins);
     }
 
     void GetLuminanceRange(double& lower, double& upper) const override {
@@ -64,18 +70,9 @@ public:
     }
 
     HRESULT SnapLuminanceRange(double trimLower, double trimUpper, bool roundOut) override {
-        const Selection selection = Select();
-        Extremes<Pixel> extremes;
-        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { extremes(pixels, n); });
-        if (!extremes.Any()) return S_FALSE;
-
-        const double least = extremes.Min();
-        const double greatest = extremes.Max();
-        double left = 0;
-        double right = 0;
-        const ComPtr<OrlixHistogram> histogram = HistogramOver(selection, extremes.Min(), extremes.Max());
-        PassOn(histogram->AutoThresholdTrim(trimLower, &left, trimUpper, &right));
-        PutLuminanceRange(trimLower == 0.0 ? least : left, trimUpper == 0.0 ? greatest : right);
+        const auto range = TrimmedRange(Select(), trimLower, trimUpper, numberOfBins());
+        if (!range) return S_FALSE;
+        PutLuminanceRange(range->lower, range->upper);
         if (kIsByte && roundOut) PutLuminanceRange(0.0, 255.0);
         return S_OK;
     }
@@ -97,7 +94,7 @@ public:
         return bitmap;
     }
 
-    ComPtr<OrlixHistogram> Histogram() override { return HistogramOver(Select(), lower_, upper_); }
+    ComPtr<OrlixHistogram> Histogram() override { return HistogramOver(Select(), lower_, upper_, numberOfBins()); }
 
     SGrayMeasurements GrayMeasurements(LONG desired) override {
         SingleBand("IImageProcessBase::get_GrayMeasurements: multiband measurement is not supported.");
@@ -291,7 +288,7 @@ public:
         });
     }
 
-private:
+protected:
     static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
 
     // The pixels that an operation visits.
@@ -302,27 +299,16 @@ private:
         RegionRows rows;
     };
 
-    struct SourceTexts {
-        const char* type;  // the source's, not the one or none of those that the operation takes
-        const char* bands;
-    };
-
-    // The bands of a source beside those of this image, the pixels of which an operation visits.
-    template <class From>
-    struct BandPairs {
-        Selection selection;
-        std::vector<PixelView<const From>> sources;
-    };
-
     void RequirePixels() const {
         if (image_.empty() || image_.refused()) throw FailedResult(E_FAIL);
     }
 
-    Selection Select() {
+    Selection Select() { return Select(bandToProcess()); }
+    Selection Select(LONG band) {
         RequirePixels();
         const int32_t width = image_.layout().width;
         const int32_t height = image_.layout().height;
-        const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
+        const BandRange bands = BandsOf(band, image_.layout().bands);
         const ComPtr<IRegionOfInterest> region = this->region();
         Selection selection{width, height, bands, {region.get(), width, height}};
         RequireUnchanged(selection);
@@ -336,12 +322,6 @@ private:
         if (layout.width != selection.width || layout.height != selection.height ||
             layout.bands <= selection.bands.last)
             throw FailedResult(E_FAIL);
-    }
-
-    int32_t SingleBand(const char* message) const {
-        const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
-        if (bands.count() > 1) throw Failure(message);
-        return bands.first;
     }
 
     // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right. Runs of large images come in
@@ -373,6 +353,60 @@ private:
             }
     }
 
+    ComPtr<OrlixHistogram> HistogramOver(const Selection& selection, Pixel lower, Pixel upper, LONG mostBins) {
+        const uint64_t expected =
+            static_cast<uint64_t>(selection.rows.pixels()) * static_cast<uint64_t>(selection.bands.count());
+        Counter<Pixel> counter(lower, upper, mostBins, expected);
+        auto histogram = OrlixHistogram::Make();
+        const HistogramShape& shape = counter.shape();
+        PassOn(histogram->Create(shape.bins, shape.left, shape.right));
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { counter(pixels, n); });
+        LONG* bins = nullptr;
+        PassOn(histogram->get_Bins(&bins));
+        counter.Histogram({bins, static_cast<size_t>(shape.bins)});
+        return histogram;
+    }
+
+    struct GreyRange {
+        double lower;
+        double upper;
+    };
+    // The least and the greatest pixel where nothing is to be trimmed, else what AutoThresholdTrim finds in a histogram
+    // between the two. None for a region without pixels; the texts of AutoThresholdTrim.
+    std::optional<GreyRange> TrimmedRange(const Selection& selection, double trimLower, double trimUpper,
+                                          LONG mostBins) {
+        Extremes<Pixel> extremes;
+        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { extremes(pixels, n); });
+        if (!extremes.Any()) return {};
+        GreyRange range = {};
+        const ComPtr<OrlixHistogram> histogram = HistogramOver(selection, extremes.Min(), extremes.Max(), mostBins);
+        PassOn(histogram->AutoThresholdTrim(trimLower, &range.lower, trimUpper, &range.upper));
+        if (trimLower == 0.0) range.lower = extremes.Min();
+        if (trimUpper == 0.0) range.upper = extremes.Max();
+        return range;
+    }
+
+    Image image_;
+
+private:
+    struct SourceTexts {
+        const char* type;  // the source's, not the one or none of those that the operation takes
+        const char* bands;
+    };
+
+    // The bands of a source beside those of this image, the pixels of which an operation visits.
+    template <class From>
+    struct BandPairs {
+        Selection selection;
+        std::vector<PixelView<const From>> sources;
+    };
+
+    int32_t SingleBand(const char* message) const {
+        const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
+        if (bands.count() > 1) throw Failure(message);
+        return bands.first;
+    }
+
     template <class Surface, class Fit>
     HRESULT RobustFitOf(double probability, const RobustTexts& texts, Surface& surface, const Fit& fitTo) {
         if (!(probability > 0.0 && probability <= 1.0)) throw Failure(texts.probability);
@@ -388,20 +422,6 @@ private:
     void Apply(const Operation& operation) {
         ForEachRun(Select(), [&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
         image_.SetModified(true);
-    }
-
-    ComPtr<OrlixHistogram> HistogramOver(const Selection& selection, Pixel lower, Pixel upper) {
-        const uint64_t expected =
-            static_cast<uint64_t>(selection.rows.pixels()) * static_cast<uint64_t>(selection.bands.count());
-        Counter<Pixel> counter(lower, upper, numberOfBins(), expected);
-        auto histogram = OrlixHistogram::Make();
-        const HistogramShape& shape = counter.shape();
-        PassOn(histogram->Create(shape.bins, shape.left, shape.right));
-        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { counter(pixels, n); });
-        LONG* bins = nullptr;
-        PassOn(histogram->get_Bins(&bins));
-        counter.Histogram({bins, static_cast<size_t>(shape.bins)});
-        return histogram;
     }
 
     // Entry of a table that nothing was put into: the location of the bin, so that looking up changes little or nothing.
@@ -514,7 +534,6 @@ private:
         image_.SetModified(true);
     }
 
-    Image image_;
     Pixel lower_ = kTypeMinimum<Pixel>;
     Pixel upper_ = kTypeMaximum<Pixel>;
     std::vector<Pixel> table_;  // of numberOfBins() entries, or empty while it holds the default

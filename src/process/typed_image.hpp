@@ -1,10 +1,8 @@
-// One typed image with its processing frame: what OrlixImage forwards to.
+// One typed image with its processing frame.
 #pragma once
 
 #include <orlix/orlix.h>
 #include <orlix/com_ptr.hpp>
-
-#include <memory>
 
 #include "binary/orlix_bitmap.hpp"
 #include "geometry/region_rows.hpp"
@@ -20,9 +18,6 @@ namespace orlix {
 // document them, those of surfaces are IOrlixImageProcess's; failures are raised, and an image without pixels (or with a refused buffer) raises FailedResult(E_FAIL).
 class TypedImage {
 public:
-    // Null for a type that OrlixImage does not create.
-    static std::unique_ptr<TypedImage> Make(LONG dataType);
-
     virtual ~TypedImage() = default;
     TypedImage(const TypedImage&) = delete;
     TypedImage& operator=(const TypedImage&) = delete;
@@ -30,7 +25,7 @@ public:
     virtual ImageStore& store() = 0;
 
     // To be called after every creation: the band to process is 0 for an image of one band, all bands for several.
-    void ContentReplaced();
+    virtual void ContentReplaced();
 
     LONG bandToProcess() const { return bandToProcess_; }
     void PutBandToProcess(LONG band);

@@ -1,0 +1,54 @@
+// Kernels of the mapping to display levels and their variants.
+#pragma once
+
+#include "display/display_levels.hpp"
+#include "process/variants.hpp"
+
+namespace orlix {
+
+template <class T>
+using LevelFn = void (*)(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels);
+
+// c = p clamped to the range, x = c - least, or most - c when falling, d = most - least.
+// Integers: floor(255 x / d + 1/2), exact. float: floor(x (255 / d) + 0.5) in double; NaN has level 0. 0 when d is 0.
+template <class T>
+void Levels_scalar(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels);
+
+void Levels_sse2(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
+void Levels_sse2(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
+void Levels_sse2(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
+void Levels_avx2(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
+void Levels_avx2(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
+void Levels_avx2(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
+void Levels_avx512(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
+void Levels_avx512(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
+void Levels_avx512(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
+
+// 8 bits: the look-up table, see LevelMapping.
+template <class T>
+inline constexpr Variant<LevelFn<T>> kLevels[] = {
+    {"avx512", Cpu::Avx512, &Levels_avx512},
+    {"avx2", Cpu::Avx2, &Levels_avx2},
+    {"sse2", Cpu::Sse2, &Levels_sse2},
+    {"scalar", Cpu::Any, &Levels_scalar},
+};
+
+namespace {  // used in files of every instruction set: each keeps its own copy
+
+// What the vector variants compute with, all in double: floor((c - zero) scale + half). With integers half is slightly more
+// than 0.5, so that a rounding of the scale and of the product cannot bring an exact half below the next whole number: all
+// that is not a half keeps a distance of 1 / (2 d) >= 2^-33 from one, and the roundings amount to less than 2^-42.
+struct LevelLine {
+    double least, most, zero, scale, half;
+    template <class T>
+    explicit LevelLine(const LevelRange<T>& range)
+        : least(range.least),
+          most(range.most),
+          zero(range.falling ? most : least),
+          scale(most > least ? (range.falling ? -255.0 : 255.0) / (most - least) : 0.0),
+          half(T(0.5f) > 0 ? 0.5 : 0.5 + 0x1p-36) {}
+};
+
+}  // namespace
+
+}  // namespace orlix

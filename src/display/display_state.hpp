@@ -1,0 +1,41 @@
+// What an image keeps for being shown, beside the display range, which is of its pixel type.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <array>
+#include <cstdint>
+
+namespace orlix {
+
+// As in the palette of a device-independent bitmap. reserved is 0 unless a stream brought something else.
+struct PaletteEntry {
+    uint8_t blue = 0, green = 0, red = 0, reserved = 0;
+    friend bool operator==(const PaletteEntry&, const PaletteEntry&) = default;
+};
+static_assert(sizeof(PaletteEntry) == 4);
+
+using ColorTable = std::array<PaletteEntry, 256>;
+
+constexpr ColorTable GreyRamp() {
+    ColorTable table;
+    for (size_t i = 0; i < table.size(); ++i) {
+        const auto grey = static_cast<uint8_t>(i);
+        table[i] = {grey, grey, grey, 0};
+    }
+    return table;
+}
+
+// Kept for the streams that carry it; nothing in this library depends on it.
+struct CarriedSetting {
+    int32_t number = 0;
+    double values[3] = {};
+};
+
+struct DisplayState {
+    LONG band = 0;  // index, or BI_AllBands
+    ColorTable colors = GreyRamp();
+    CarriedSetting carried;
+};
+
+}  // namespace orlix
