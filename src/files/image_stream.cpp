@@ -26,7 +26,6 @@ constexpr double kEntryVersion = 1.0;
 constexpr uint32_t kLargestCount = 0x7FFFFFFF;  // clients count in long
 constexpr uint32_t kLargestSize = 0xFFFFFFFF;
 constexpr size_t kFirstStep = size_t{1} << 16;  // bytes read on trust
-constexpr size_t kLargestStep = size_t{1} << 24;
 
 constexpr std::basic_string_view<OLECHAR> kMicronsKeyword = OLESTR("MicronsPerPixel");
 constexpr size_t kMicronsSize = 2 * sizeof(double);
@@ -214,8 +213,11 @@ public:
     // A string or a vector of bytes.
     template <class Container>
     Container Elements() {
+        return Elements<Container>(Count());
+    }
+    template <class Container>
+    Container Elements(size_t count) {
         constexpr size_t kElement = sizeof(typename Container::value_type);
-        const size_t count = Count();
         Container elements;
         while (elements.size() < count) {
             const size_t done = elements.size();
@@ -267,33 +269,28 @@ void RequireTable(Reader& reader, const ImageLayout& layout) {
     }
 }
 
-// The compressed block, in pieces each of which is at most as large as all before it.
-std::vector<FileContent> ReadBlock(Reader& reader, uint32_t size) {
-    std::vector<FileContent> pieces;
-    for (size_t done = 0; done < size;) {
-        FileContent piece(std::min(size - done, std::clamp(done, kFirstStep, kLargestStep)));
-        reader.Bytes(piece.data(), piece.bytes().size());
-        done += piece.bytes().size();
-        pieces.push_back(std::move(piece));
-    }
-    return pieces;
-}
-
 ImageContent ReadPixels(Reader& reader, const ImageLayout& layout, LONG type) {
     const auto compressedSize = reader.Number<uint32_t>();
     if (compressedSize > CompressionBuffer(layout.totalSize) || layout.totalSize > kLargestExpansion * compressedSize)
         Damaged();
-    const std::vector<FileContent> block = ReadBlock(reader, compressedSize);
-    const std::vector<std::span<const uint8_t>> pieces = [&] {
-        std::vector<std::span<const uint8_t>> all;
-        for (const FileContent& piece : block) all.push_back(piece.bytes());
-        return all;
-    }();
+    // When so many bytes have arrived that they can be all pixels, these are allocated; the rest goes through a buffer.
+    const size_t first = static_cast<size_t>((layout.totalSize + kLargestExpansion - 1) / kLargestExpansion);
+    std::vector<uint8_t> buffer = reader.Elements<std::vector<uint8_t>>(first);
     ImageContent content = ImageStore(type).MakeContent(layout.width, layout.height, layout.bands);
-    Inflater inflater(pieces);
-    if (inflater.Read({content.data, layout.totalSize}) != layout.totalSize || !inflater.AtEnd() ||
-        !inflater.InputUsedUp())
-        Damaged();
+    Inflater inflater({});
+    size_t done = 0;
+    uint32_t left = compressedSize - static_cast<uint32_t>(first);
+    for (;;) {
+        inflater.Feed(buffer);
+        done += inflater.Read({content.data + done, layout.totalSize - done});
+        uint8_t excess = 0;
+        if (done == layout.totalSize && inflater.Read({&excess, 1}) != 0) Damaged();
+        if (left == 0) break;
+        buffer.resize(std::min<size_t>(left, kFirstStep));
+        reader.Bytes(buffer.data(), buffer.size());
+        left -= static_cast<uint32_t>(buffer.size());
+    }
+    if (done != layout.totalSize || !inflater.AtEnd() || !inflater.InputUsedUp()) Damaged();
     return content;
 }
 

@@ -239,6 +239,40 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
     EXPECT_EQ("not read to the end", Outcome(stream.Whole() + Bytes{0})) << "what follows is somebody else's";
 }
 
+// Noise does not compress: the block comes in several buffers of the reader.
+TEST(ImageStream, LongBlocksAreReadToTheirLastByteAndNoFurther) {
+    StreamImage image;
+    image.dataType = DT_BYTE;
+    image.content = ImageStore(DT_BYTE).MakeContent(400, 500, 1);
+    Noise noise(3);
+    for (size_t i = 0; i < 200000; ++i) image.content.data[i] = static_cast<uint8_t>(noise());
+    const Bytes pixels(image.content.data, image.content.data + 200000);
+    const Bytes written = Written(image);
+    const StreamImage back = ReadBack(written);
+    EXPECT_EQ(pixels, Bytes(back.content.data, back.content.data + 200000));
+
+    const ptrdiff_t head = 104 + 8 * 900;
+    const Bytes start(written.begin(), written.begin() + head);
+    const StreamBytes parts = WriteImageStream(image.dataType, image.content, image.settings);
+    const Bytes whole = StoredStream(pixels);
+    struct Case {
+        const char* what;
+        Bytes block;
+        const char* outcome;
+    };
+    Bytes flipped = whole, cut = whole;
+    flipped.back() ^= 1;
+    cut.pop_back();
+    for (const Case& c : {Case{"right", whole, ""},
+                          {"checksum", flipped, kDamaged},
+                          {"cut", cut, kDamaged},
+                          {"one byte behind", whole + Bytes{0}, kDamaged},
+                          {"one pixel more", StoredStream(pixels + Bytes{0}), kDamaged},
+                          {"one pixel less", StoredStream(Bytes(pixels.begin(), pixels.end() - 1)), kDamaged}})
+        EXPECT_EQ(c.outcome, Outcome(start + Little32(static_cast<uint32_t>(c.block.size())) + c.block + parts.tail))
+            << c.what;
+}
+
 TEST(ImageStream, SizeOfAPixelIsAnEntryOnlyWhereItCanBeOne) {
     HandMadeStream stream;
     for (const double bad : {0.0, -1.0, std::numeric_limits<double>::infinity(), 0.0 / 0.0}) {
