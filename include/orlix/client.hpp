@@ -15,6 +15,10 @@
 #include <orlix/orlix.h>
 #include <orlix/com_ptr.hpp>
 
+#ifdef _WIN32
+#include <shlwapi.h>
+#endif
+
 #include <cstdint>
 #include <iterator>
 #include <span>
@@ -121,6 +125,19 @@ ComPtr<I> Cast(const ComPtr<From>& object) {
     Check(object->QueryInterface(__uuidof(I), other.OutVoid()));
     return other;
 }
+
+// ---------------------------------------------------------------------------------------------------------------- streams
+
+// Streams for the image's IPersistStreamInit: both work on every system. The paths are UTF-8. Error when the file cannot be
+// opened.
+//
+//     Check(Cast<IPersistStreamInit>(image)->Save(CreateFileStream("image.orlix").get(), TRUE));
+//     Check(Cast<IPersistStreamInit>(other)->Load(OpenFileStream("image.orlix").get()));
+
+ComPtr<IStream> OpenFileStream(std::string_view path);    // an existing file, for reading
+ComPtr<IStream> CreateFileStream(std::string_view path);  // a new file, or an old one emptied, for reading and writing
+ComPtr<IStream> CreateMemoryStream();                     // empty
+void SeekStart(const ComPtr<IStream>& stream);
 
 // ----------------------------------------------------------------------------------------------------------------- pixels
 
@@ -274,6 +291,32 @@ inline void ThrowError(HRESULT result, IUnknown* object, REFIID iid) {
         }
     }
     throw Error(result, message.Utf8(), source.Utf8());
+}
+
+inline ComPtr<IStream> OpenFileStream(std::string_view path) {
+    ComPtr<IStream> stream;
+    Check(SHCreateStreamOnFileEx(ToUtf16(path).c_str(), STGM_READ | STGM_SHARE_DENY_WRITE, 0, FALSE, nullptr,
+                                 stream.Out()));
+    return stream;
+}
+
+inline ComPtr<IStream> CreateFileStream(std::string_view path) {
+    ComPtr<IStream> stream;
+    constexpr DWORD kNormalFile = 0x80;
+    Check(SHCreateStreamOnFileEx(ToUtf16(path).c_str(), STGM_READWRITE | STGM_CREATE | STGM_SHARE_EXCLUSIVE,
+                                 kNormalFile, TRUE, nullptr, stream.Out()));
+    return stream;
+}
+
+inline ComPtr<IStream> CreateMemoryStream() {
+    ComPtr<IStream> stream;
+    Check(CreateStreamOnHGlobal(nullptr, TRUE, stream.Out()));
+    return stream;
+}
+
+inline void SeekStart(const ComPtr<IStream>& stream) {
+    LARGE_INTEGER start = {};
+    Check(stream->Seek(start, STREAM_SEEK_SET, nullptr));
 }
 
 inline CLSID ClassOf(std::string_view progId) {

@@ -18,6 +18,14 @@
 
 /* Forward declarations */
 
+#ifndef __IPersistStreamInitEx_FWD_DEFINED__
+#define __IPersistStreamInitEx_FWD_DEFINED__
+typedef interface IPersistStreamInitEx IPersistStreamInitEx;
+#ifdef __cplusplus
+interface IPersistStreamInitEx;
+#endif /* __cplusplus */
+#endif
+
 #ifndef __IImageVPA_FWD_DEFINED__
 #define __IImageVPA_FWD_DEFINED__
 typedef interface IImageVPA IImageVPA;
@@ -47,6 +55,14 @@ interface IImageVPAExPlus;
 typedef interface IImageFile IImageFile;
 #ifdef __cplusplus
 interface IImageFile;
+#endif /* __cplusplus */
+#endif
+
+#ifndef __IImageEntries_FWD_DEFINED__
+#define __IImageEntries_FWD_DEFINED__
+typedef interface IImageEntries IImageEntries;
+#ifdef __cplusplus
+interface IImageEntries;
 #endif /* __cplusplus */
 #endif
 
@@ -384,6 +400,136 @@ typedef struct OrlixHistogramDialog OrlixHistogramDialog;
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/*****************************************************************************
+ * IPersistStreamInitEx interface
+ */
+#ifndef __IPersistStreamInitEx_INTERFACE_DEFINED__
+#define __IPersistStreamInitEx_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IPersistStreamInitEx, 0x23f98071, 0x2f31, 0x4da6, 0x8b,0x3e, 0x88,0x17,0x9a,0x47,0xbe,0x27);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("23f98071-2f31-4da6-8b3e-88179a47be27")
+IPersistStreamInitEx : public IPersistStreamInit
+{
+    virtual HRESULT STDMETHODCALLTYPE ReLoad(
+        IStream *Stm) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPersistStreamInitEx, 0x23f98071, 0x2f31, 0x4da6, 0x8b,0x3e, 0x88,0x17,0x9a,0x47,0xbe,0x27)
+#endif
+#else
+typedef struct IPersistStreamInitExVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPersistStreamInitEx *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPersistStreamInitEx *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPersistStreamInitEx *This);
+
+    /*** IPersist methods ***/
+    HRESULT (STDMETHODCALLTYPE *GetClassID)(
+        IPersistStreamInitEx *This,
+        CLSID *pClassID);
+
+    /*** IPersistStreamInit methods ***/
+    HRESULT (STDMETHODCALLTYPE *IsDirty)(
+        IPersistStreamInitEx *This);
+
+    HRESULT (STDMETHODCALLTYPE *Load)(
+        IPersistStreamInitEx *This,
+        LPSTREAM pStm);
+
+    HRESULT (STDMETHODCALLTYPE *Save)(
+        IPersistStreamInitEx *This,
+        LPSTREAM pStm,
+        BOOL fClearDirty);
+
+    HRESULT (STDMETHODCALLTYPE *GetSizeMax)(
+        IPersistStreamInitEx *This,
+        ULARGE_INTEGER *pcbSize);
+
+    HRESULT (STDMETHODCALLTYPE *InitNew)(
+        IPersistStreamInitEx *This);
+
+    /*** IPersistStreamInitEx methods ***/
+    HRESULT (STDMETHODCALLTYPE *ReLoad)(
+        IPersistStreamInitEx *This,
+        IStream *Stm);
+
+    END_INTERFACE
+} IPersistStreamInitExVtbl;
+
+interface IPersistStreamInitEx {
+    CONST_VTBL IPersistStreamInitExVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPersistStreamInitEx_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPersistStreamInitEx_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPersistStreamInitEx_Release(This) (This)->lpVtbl->Release(This)
+/*** IPersist methods ***/
+#define IPersistStreamInitEx_GetClassID(This,pClassID) (This)->lpVtbl->GetClassID(This,pClassID)
+/*** IPersistStreamInit methods ***/
+#define IPersistStreamInitEx_IsDirty(This) (This)->lpVtbl->IsDirty(This)
+#define IPersistStreamInitEx_Load(This,pStm) (This)->lpVtbl->Load(This,pStm)
+#define IPersistStreamInitEx_Save(This,pStm,fClearDirty) (This)->lpVtbl->Save(This,pStm,fClearDirty)
+#define IPersistStreamInitEx_GetSizeMax(This,pcbSize) (This)->lpVtbl->GetSizeMax(This,pcbSize)
+#define IPersistStreamInitEx_InitNew(This) (This)->lpVtbl->InitNew(This)
+/*** IPersistStreamInitEx methods ***/
+#define IPersistStreamInitEx_ReLoad(This,Stm) (This)->lpVtbl->ReLoad(This,Stm)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPersistStreamInitEx_QueryInterface(IPersistStreamInitEx* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPersistStreamInitEx_AddRef(IPersistStreamInitEx* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPersistStreamInitEx_Release(IPersistStreamInitEx* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IPersist methods ***/
+static FORCEINLINE HRESULT IPersistStreamInitEx_GetClassID(IPersistStreamInitEx* This,CLSID *pClassID) {
+    return This->lpVtbl->GetClassID(This,pClassID);
+}
+/*** IPersistStreamInit methods ***/
+static FORCEINLINE HRESULT IPersistStreamInitEx_IsDirty(IPersistStreamInitEx* This) {
+    return This->lpVtbl->IsDirty(This);
+}
+static FORCEINLINE HRESULT IPersistStreamInitEx_Load(IPersistStreamInitEx* This,LPSTREAM pStm) {
+    return This->lpVtbl->Load(This,pStm);
+}
+static FORCEINLINE HRESULT IPersistStreamInitEx_Save(IPersistStreamInitEx* This,LPSTREAM pStm,BOOL fClearDirty) {
+    return This->lpVtbl->Save(This,pStm,fClearDirty);
+}
+static FORCEINLINE HRESULT IPersistStreamInitEx_GetSizeMax(IPersistStreamInitEx* This,ULARGE_INTEGER *pcbSize) {
+    return This->lpVtbl->GetSizeMax(This,pcbSize);
+}
+static FORCEINLINE HRESULT IPersistStreamInitEx_InitNew(IPersistStreamInitEx* This) {
+    return This->lpVtbl->InitNew(This);
+}
+/*** IPersistStreamInitEx methods ***/
+static FORCEINLINE HRESULT IPersistStreamInitEx_ReLoad(IPersistStreamInitEx* This,IStream *Stm) {
+    return This->lpVtbl->ReLoad(This,Stm);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IPersistStreamInitEx_INTERFACE_DEFINED__ */
 
 #ifndef __OrlixLib_LIBRARY_DEFINED__
 #define __OrlixLib_LIBRARY_DEFINED__
@@ -1023,18 +1169,6 @@ IImageFile : public IUnknown
         double X,
         double Y) = 0;
 
-    virtual HRESULT STDMETHODCALLTYPE get_NumberOfTextEntries(
-        LONG *hVal) = 0;
-
-    virtual HRESULT STDMETHODCALLTYPE GetTextEntry(
-        LONG Index,
-        BSTR *Keyword,
-        BSTR *Text) = 0;
-
-    virtual HRESULT STDMETHODCALLTYPE PutTextEntry(
-        BSTR Keyword,
-        BSTR Text) = 0;
-
 };
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc)
@@ -1071,21 +1205,6 @@ typedef struct IImageFileVtbl {
         double X,
         double Y);
 
-    HRESULT (STDMETHODCALLTYPE *get_NumberOfTextEntries)(
-        IImageFile *This,
-        LONG *hVal);
-
-    HRESULT (STDMETHODCALLTYPE *GetTextEntry)(
-        IImageFile *This,
-        LONG Index,
-        BSTR *Keyword,
-        BSTR *Text);
-
-    HRESULT (STDMETHODCALLTYPE *PutTextEntry)(
-        IImageFile *This,
-        BSTR Keyword,
-        BSTR Text);
-
     END_INTERFACE
 } IImageFileVtbl;
 
@@ -1103,9 +1222,6 @@ interface IImageFile {
 #define IImageFile_SaveToFile(This,FileName,Format) (This)->lpVtbl->SaveToFile(This,FileName,Format)
 #define IImageFile_GetMicronsPerPixel(This,X,Y) (This)->lpVtbl->GetMicronsPerPixel(This,X,Y)
 #define IImageFile_PutMicronsPerPixel(This,X,Y) (This)->lpVtbl->PutMicronsPerPixel(This,X,Y)
-#define IImageFile_get_NumberOfTextEntries(This,hVal) (This)->lpVtbl->get_NumberOfTextEntries(This,hVal)
-#define IImageFile_GetTextEntry(This,Index,Keyword,Text) (This)->lpVtbl->GetTextEntry(This,Index,Keyword,Text)
-#define IImageFile_PutTextEntry(This,Keyword,Text) (This)->lpVtbl->PutTextEntry(This,Keyword,Text)
 #else
 /*** IUnknown methods ***/
 static FORCEINLINE HRESULT IImageFile_QueryInterface(IImageFile* This,REFIID riid,void **ppvObject) {
@@ -1127,15 +1243,6 @@ static FORCEINLINE HRESULT IImageFile_GetMicronsPerPixel(IImageFile* This,double
 static FORCEINLINE HRESULT IImageFile_PutMicronsPerPixel(IImageFile* This,double X,double Y) {
     return This->lpVtbl->PutMicronsPerPixel(This,X,Y);
 }
-static FORCEINLINE HRESULT IImageFile_get_NumberOfTextEntries(IImageFile* This,LONG *hVal) {
-    return This->lpVtbl->get_NumberOfTextEntries(This,hVal);
-}
-static FORCEINLINE HRESULT IImageFile_GetTextEntry(IImageFile* This,LONG Index,BSTR *Keyword,BSTR *Text) {
-    return This->lpVtbl->GetTextEntry(This,Index,Keyword,Text);
-}
-static FORCEINLINE HRESULT IImageFile_PutTextEntry(IImageFile* This,BSTR Keyword,BSTR Text) {
-    return This->lpVtbl->PutTextEntry(This,Keyword,Text);
-}
 #endif
 #endif
 
@@ -1143,6 +1250,191 @@ static FORCEINLINE HRESULT IImageFile_PutTextEntry(IImageFile* This,BSTR Keyword
 
 
 #endif  /* __IImageFile_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
+ * IImageEntries interface
+ */
+#ifndef __IImageEntries_INTERFACE_DEFINED__
+#define __IImageEntries_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,0x68,0xec,0x95,0x49);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("ea41b692-ea17-4aad-afe0-f80368ec9549")
+IImageEntries : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE get_NumberOfTextEntries(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetTextEntry(
+        LONG Index,
+        BSTR *Keyword,
+        BSTR *Text) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE PutTextEntry(
+        BSTR Keyword,
+        BSTR Text) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RemoveTextEntry(
+        LONG Index) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_NumberOfBinaryEntries(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetBinaryEntry(
+        LONG Index,
+        BSTR *Keyword,
+        LONG *Size) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ReadBinaryEntry(
+        LONG Index,
+        LONG Offset,
+        LONG Size,
+        unsigned char *Bytes) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE PutBinaryEntry(
+        BSTR Keyword,
+        LONG Size,
+        unsigned char *Bytes) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RemoveBinaryEntry(
+        LONG Index) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,0x68,0xec,0x95,0x49)
+#endif
+#else
+typedef struct IImageEntriesVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IImageEntries *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IImageEntries *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IImageEntries *This);
+
+    /*** IImageEntries methods ***/
+    HRESULT (STDMETHODCALLTYPE *get_NumberOfTextEntries)(
+        IImageEntries *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *GetTextEntry)(
+        IImageEntries *This,
+        LONG Index,
+        BSTR *Keyword,
+        BSTR *Text);
+
+    HRESULT (STDMETHODCALLTYPE *PutTextEntry)(
+        IImageEntries *This,
+        BSTR Keyword,
+        BSTR Text);
+
+    HRESULT (STDMETHODCALLTYPE *RemoveTextEntry)(
+        IImageEntries *This,
+        LONG Index);
+
+    HRESULT (STDMETHODCALLTYPE *get_NumberOfBinaryEntries)(
+        IImageEntries *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *GetBinaryEntry)(
+        IImageEntries *This,
+        LONG Index,
+        BSTR *Keyword,
+        LONG *Size);
+
+    HRESULT (STDMETHODCALLTYPE *ReadBinaryEntry)(
+        IImageEntries *This,
+        LONG Index,
+        LONG Offset,
+        LONG Size,
+        unsigned char *Bytes);
+
+    HRESULT (STDMETHODCALLTYPE *PutBinaryEntry)(
+        IImageEntries *This,
+        BSTR Keyword,
+        LONG Size,
+        unsigned char *Bytes);
+
+    HRESULT (STDMETHODCALLTYPE *RemoveBinaryEntry)(
+        IImageEntries *This,
+        LONG Index);
+
+    END_INTERFACE
+} IImageEntriesVtbl;
+
+interface IImageEntries {
+    CONST_VTBL IImageEntriesVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IImageEntries_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IImageEntries_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IImageEntries_Release(This) (This)->lpVtbl->Release(This)
+/*** IImageEntries methods ***/
+#define IImageEntries_get_NumberOfTextEntries(This,hVal) (This)->lpVtbl->get_NumberOfTextEntries(This,hVal)
+#define IImageEntries_GetTextEntry(This,Index,Keyword,Text) (This)->lpVtbl->GetTextEntry(This,Index,Keyword,Text)
+#define IImageEntries_PutTextEntry(This,Keyword,Text) (This)->lpVtbl->PutTextEntry(This,Keyword,Text)
+#define IImageEntries_RemoveTextEntry(This,Index) (This)->lpVtbl->RemoveTextEntry(This,Index)
+#define IImageEntries_get_NumberOfBinaryEntries(This,hVal) (This)->lpVtbl->get_NumberOfBinaryEntries(This,hVal)
+#define IImageEntries_GetBinaryEntry(This,Index,Keyword,Size) (This)->lpVtbl->GetBinaryEntry(This,Index,Keyword,Size)
+#define IImageEntries_ReadBinaryEntry(This,Index,Offset,Size,Bytes) (This)->lpVtbl->ReadBinaryEntry(This,Index,Offset,Size,Bytes)
+#define IImageEntries_PutBinaryEntry(This,Keyword,Size,Bytes) (This)->lpVtbl->PutBinaryEntry(This,Keyword,Size,Bytes)
+#define IImageEntries_RemoveBinaryEntry(This,Index) (This)->lpVtbl->RemoveBinaryEntry(This,Index)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IImageEntries_QueryInterface(IImageEntries* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IImageEntries_AddRef(IImageEntries* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IImageEntries_Release(IImageEntries* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IImageEntries methods ***/
+static FORCEINLINE HRESULT IImageEntries_get_NumberOfTextEntries(IImageEntries* This,LONG *hVal) {
+    return This->lpVtbl->get_NumberOfTextEntries(This,hVal);
+}
+static FORCEINLINE HRESULT IImageEntries_GetTextEntry(IImageEntries* This,LONG Index,BSTR *Keyword,BSTR *Text) {
+    return This->lpVtbl->GetTextEntry(This,Index,Keyword,Text);
+}
+static FORCEINLINE HRESULT IImageEntries_PutTextEntry(IImageEntries* This,BSTR Keyword,BSTR Text) {
+    return This->lpVtbl->PutTextEntry(This,Keyword,Text);
+}
+static FORCEINLINE HRESULT IImageEntries_RemoveTextEntry(IImageEntries* This,LONG Index) {
+    return This->lpVtbl->RemoveTextEntry(This,Index);
+}
+static FORCEINLINE HRESULT IImageEntries_get_NumberOfBinaryEntries(IImageEntries* This,LONG *hVal) {
+    return This->lpVtbl->get_NumberOfBinaryEntries(This,hVal);
+}
+static FORCEINLINE HRESULT IImageEntries_GetBinaryEntry(IImageEntries* This,LONG Index,BSTR *Keyword,LONG *Size) {
+    return This->lpVtbl->GetBinaryEntry(This,Index,Keyword,Size);
+}
+static FORCEINLINE HRESULT IImageEntries_ReadBinaryEntry(IImageEntries* This,LONG Index,LONG Offset,LONG Size,unsigned char *Bytes) {
+    return This->lpVtbl->ReadBinaryEntry(This,Index,Offset,Size,Bytes);
+}
+static FORCEINLINE HRESULT IImageEntries_PutBinaryEntry(IImageEntries* This,BSTR Keyword,LONG Size,unsigned char *Bytes) {
+    return This->lpVtbl->PutBinaryEntry(This,Keyword,Size,Bytes);
+}
+static FORCEINLINE HRESULT IImageEntries_RemoveBinaryEntry(IImageEntries* This,LONG Index) {
+    return This->lpVtbl->RemoveBinaryEntry(This,Index);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IImageEntries_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
  * IHistogram interface

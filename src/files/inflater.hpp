@@ -21,11 +21,20 @@ public:
     Inflater& operator=(const Inflater&) = delete;
     ~Inflater() { ::inflateEnd(&stream_); }
 
-    // Fills the output and returns its size, or less where the stream ends or is damaged.
+    // More of the stream, once what there was is used up; it must stay until it is used up too.
+    void Feed(std::span<const uint8_t> piece) {
+        piece_ = piece;
+        if (state_ == Z_BUF_ERROR) state_ = Z_OK;
+    }
+
+    // Fills the output and returns its size, or less where the stream ends, is damaged or wants to be fed.
     size_t Read(std::span<uint8_t> output);
 
     // Whether the stream ends here, with the right checksum. What lies behind its end is not looked at.
     bool AtEnd();
+
+    // Whether no byte of the pieces is left.
+    bool InputUsedUp() const { return stream_.avail_in == 0 && piece_.empty() && pieces_.empty(); }
 
 private:
     void Step();

@@ -10,6 +10,7 @@ namespace orlix {
 namespace {
 
 int64_t Mirrored(int64_t index, int64_t length) {
+    if (index >= 0 && index < length) return index;
     if (length == 1) return 0;
     const int64_t period = 2 * (length - 1);
     const int64_t folded = std::abs(index) % period;
@@ -40,22 +41,20 @@ ImageLayout MakeLayout(int32_t width, int32_t height, int32_t bands, LONG dataTy
     return layout;
 }
 
+VPAEntry OffsetTableEntry(const ImageLayout& layout, int64_t index) {
+    VPAEntry entry = {};
+    if (HasColumnEntry(layout, index)) entry.XEntry = static_cast<LONG>(Mirrored(index, layout.width));
+    if (HasRowEntry(layout, index))
+        entry.YEntry = static_cast<LONG>(Mirrored(index, layout.height) * (layout.rowStride / layout.bytesPerSample));
+    return entry;
+}
+
 std::vector<VPAEntry> MakeOffsetTable(const ImageLayout& layout) {
-    const int64_t length = std::max<int64_t>(layout.width, layout.height) + 2 * int64_t{kTableMargin};
-    if (static_cast<uint64_t>(length) > std::vector<VPAEntry>().max_size()) throw FailedResult(E_FAIL);
-    std::vector<VPAEntry> table(static_cast<size_t>(length));
-    VPAEntry* const origin = table.data() + kTableMargin;
-    for (int64_t x = 0; x < layout.width; ++x) origin[x].XEntry = static_cast<LONG>(x);
-    const int64_t samplesPerRow = layout.rowStride / layout.bytesPerSample;
-    for (int64_t y = 0; y < layout.height; ++y) origin[y].YEntry = static_cast<LONG>(y * samplesPerRow);
-    for (int64_t i = 1; i <= kTableMargin; ++i) {
-        const int64_t right = layout.width - 1 + i;
-        const int64_t below = layout.height - 1 + i;
-        origin[-i].XEntry = origin[Mirrored(-i, layout.width)].XEntry;
-        origin[right].XEntry = origin[Mirrored(right, layout.width)].XEntry;
-        origin[-i].YEntry = origin[Mirrored(-i, layout.height)].YEntry;
-        origin[below].YEntry = origin[Mirrored(below, layout.height)].YEntry;
-    }
+    const int64_t size = OffsetTableSize(layout);
+    if (static_cast<uint64_t>(size) > std::vector<VPAEntry>().max_size()) throw FailedResult(E_FAIL);
+    std::vector<VPAEntry> table(static_cast<size_t>(size));
+    int64_t index = -kTableMargin;
+    for (VPAEntry& entry : table) entry = OffsetTableEntry(layout, index++);
     return table;
 }
 

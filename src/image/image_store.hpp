@@ -5,6 +5,7 @@
 #include <orlix/orlix.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "component/failure.hpp"
@@ -19,18 +20,27 @@ using WideString = std::basic_string<OLECHAR>;
 // Frame outside the image that coordinates relate to; see TCoordinateMap in the interface description.
 inline constexpr TCoordinateMap kIdentityMap = {0, 0, {1, 0, 0, 1}};
 
+// The keyword under which files keep the description among their texts.
+inline constexpr std::basic_string_view<OLECHAR> kDescriptionKeyword = OLESTR("Description");
+
 struct TextEntry {
     WideString keyword;
     WideString text;
 };
 
-// What files keep beside the pixels.
+struct BinaryEntry {
+    WideString keyword;
+    std::vector<uint8_t> bytes;
+};
+
+// What files and streams keep beside the pixels.
 struct ImageProperties {
     WideString description;
     bool hasDescription = false;  // an empty description is not the same as none
     double micronsX = 0;          // size of a pixel; both 0 when unknown
     double micronsY = 0;
     std::vector<TextEntry> texts;
+    std::vector<BinaryEntry> binaries;
 };
 
 // The content that a creation replaces. Notes:
@@ -54,10 +64,11 @@ public:
     const ImageLayout& layout() const { return content_.layout; }
     bool empty() const { return !content_.data; }
     bool refused() const { return content_.refused; }
+    const ImageContent& content() const { return content_; }
     TCoordinateMap& coordinates() { return content_.coordinates; }
     ImageProperties& properties() { return content_.properties; }
 
-    // Set by every creation and every operation that writes pixels.
+    // Set by every creation and every operation that writes pixels or settings that a stream keeps; saving clears it.
     bool modified() const { return modified_; }
     void SetModified(bool modified) {
         modified_ = modified;
@@ -82,9 +93,6 @@ public:
     // Base address of a band, 0 <= band < bands, and the table's entry 0.
     uint8_t* base(int32_t band) const { return content_.data + static_cast<size_t>(band) * content_.layout.bandSize; }
     VPAEntry* table() { return content_.table.data() + kTableMargin; }
-
-protected:
-    const ImageContent& content() const { return content_; }
 
 private:
     void Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table);

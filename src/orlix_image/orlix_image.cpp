@@ -28,6 +28,7 @@ void OrlixImage::CreateTyped(LONG dataType, const std::function<void(ImageStore&
     }
     target->ContentReplaced();
     typed_ = target;
+    modified_ = true;
 }
 
 STDMETHODIMP OrlixImage::Dimensions(LONG* bands, LONG* width, LONG* height) noexcept {
@@ -74,7 +75,10 @@ STDMETHODIMP OrlixImage::GetCoords(TCoordinateMap* coordinateMap) noexcept {
 }
 
 STDMETHODIMP OrlixImage::SetCoords(TCoordinateMap coordinateMap) noexcept {
-    return Guarded([&] { Typed()->store().coordinates() = coordinateMap; });
+    return Guarded([&] {
+        Typed()->store().coordinates() = coordinateMap;
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::get_Description(BSTR* description) noexcept {
@@ -91,6 +95,7 @@ STDMETHODIMP OrlixImage::put_Description(BSTR description) noexcept {
         ImageProperties& properties = Typed()->store().properties();
         properties.description = ToView(description);
         properties.hasDescription = description != nullptr;
+        modified_ = true;
     });
 }
 

@@ -11,10 +11,12 @@
 #include "image/source_image.hpp"
 
 // Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
+// orlix_image_entries.cpp, orlix_image_stream.cpp,
 // orlix_image_process.cpp, orlix_image_surfaces.cpp, orlix_image_hemispheres.cpp,
 // orlix_image_robust.cpp, orlix_image_display.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
 class OrlixImage final
     : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
+                           IImageEntries, orlix::Answers<IPersistStreamInitEx, IPersistStreamInit, IPersist>,
                            orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IDisplayProcess,
                            IModuleInformation, IPixelAccess> {
 public:
@@ -40,9 +42,26 @@ public:
     STDMETHODIMP SaveToFile(BSTR fileName, ImageFileFormat format) noexcept override;
     STDMETHODIMP GetMicronsPerPixel(double* x, double* y) noexcept override;
     STDMETHODIMP PutMicronsPerPixel(double x, double y) noexcept override;
+
+    // IImageEntries
     STDMETHODIMP get_NumberOfTextEntries(LONG* number) noexcept override;
     STDMETHODIMP GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept override;
     STDMETHODIMP PutTextEntry(BSTR keyword, BSTR text) noexcept override;
+    STDMETHODIMP RemoveTextEntry(LONG index) noexcept override;
+    STDMETHODIMP get_NumberOfBinaryEntries(LONG* number) noexcept override;
+    STDMETHODIMP GetBinaryEntry(LONG index, BSTR* keyword, LONG* size) noexcept override;
+    STDMETHODIMP ReadBinaryEntry(LONG index, LONG offset, LONG size, unsigned char* bytes) noexcept override;
+    STDMETHODIMP PutBinaryEntry(BSTR keyword, LONG size, unsigned char* bytes) noexcept override;
+    STDMETHODIMP RemoveBinaryEntry(LONG index) noexcept override;
+
+    // IPersistStreamInitEx
+    STDMETHODIMP GetClassID(CLSID* clsid) noexcept override;
+    STDMETHODIMP IsDirty() noexcept override;
+    STDMETHODIMP Load(IStream* stream) noexcept override;
+    STDMETHODIMP Save(IStream* stream, BOOL clearDirty) noexcept override;
+    STDMETHODIMP GetSizeMax(ULARGE_INTEGER* size) noexcept override;
+    STDMETHODIMP InitNew() noexcept override;
+    STDMETHODIMP ReLoad(IStream* stream) noexcept override;
 
     // IImageProcessBase
     STDMETHODIMP get_BandToProcess(LONG* band) noexcept override;
@@ -137,5 +156,10 @@ private:
     // Puts a copy of a rectangle of the source in the place of the image.
     void Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle);
 
+    // Puts what a stream holds in the place of the image; a failure leaves everything as it was.
+    void LoadFrom(IStream* stream);
+
     std::shared_ptr<orlix::DisplayedImage> typed_;
+    bool modified_ = false;     // by a creation or a change of what a stream keeps; the typed image knows of pixels
+    bool initialised_ = false;  // by Load, ReLoad or InitNew
 };

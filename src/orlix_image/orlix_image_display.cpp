@@ -10,7 +10,10 @@ STDMETHODIMP OrlixImage::get_BandToDisplay(LONG* band) noexcept {
 }
 
 STDMETHODIMP OrlixImage::put_BandToDisplay(LONG band) noexcept {
-    return Guarded([&] { Typed()->PutBandToDisplay(band); });
+    return Guarded([&] {
+        Typed()->PutBandToDisplay(band);
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::get_DisplayDirty(LONG* dirty) noexcept {
@@ -32,11 +35,17 @@ STDMETHODIMP OrlixImage::get_ColorTable(LONG entry, OLE_COLOR* color) noexcept {
 }
 
 STDMETHODIMP OrlixImage::put_ColorTable(LONG entry, OLE_COLOR color) noexcept {
-    return Guarded([&] { Typed()->PutColor(entry, color); });
+    return Guarded([&] {
+        Typed()->PutColor(entry, color);
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::EqualizeColorTable() noexcept {
-    return Guarded([&] { Typed()->EqualizeColorTable(); });
+    return Guarded([&] {
+        Typed()->EqualizeColorTable();
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::GetDisplayRange(double* lower, double* upper) noexcept {
@@ -47,9 +56,16 @@ STDMETHODIMP OrlixImage::GetDisplayRange(double* lower, double* upper) noexcept 
 }
 
 STDMETHODIMP OrlixImage::PutDisplayRange(double lower, double upper) noexcept {
-    return Guarded([&] { Typed()->PutDisplayRange(lower, upper); });
+    return Guarded([&] {
+        Typed()->PutDisplayRange(lower, upper);
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::SnapDisplayRange(double trimLeft, double trimRight, LONG roundOut) noexcept {
-    return Guarded([&] { return Typed()->SnapDisplayRange(trimLeft, trimRight, roundOut != 0); });
+    return Guarded([&] {
+        const HRESULT result = Typed()->SnapDisplayRange(trimLeft, trimRight, roundOut != 0);
+        if (result == S_OK) modified_ = true;
+        return result;
+    });
 }

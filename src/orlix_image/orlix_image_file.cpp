@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cmath>
 
 #include "component/strings.hpp"
@@ -8,8 +7,6 @@
 using namespace orlix;
 
 namespace {
-
-constexpr OLECHAR kDescriptionKeyword[] = OLESTR("Description");
 
 // Collects what a file holds, as the content of an image of the type that the file decides.
 class ContentSink final : public PixelSink {
@@ -78,7 +75,7 @@ STDMETHODIMP OrlixImage::SaveToFile(BSTR fileName, ImageFileFormat format) noexc
         file.bits = BitsOf(store.dataType());
         file.micronsX = properties.micronsX;
         file.micronsY = properties.micronsY;
-        if (properties.hasDescription) file.texts.push_back({kDescriptionKeyword, properties.description});
+        if (properties.hasDescription) file.texts.push_back({FileString(kDescriptionKeyword), properties.description});
         for (const TextEntry& entry : properties.texts) file.texts.push_back({entry.keyword, entry.text});
         StoreSource source(store);
         SaveImageFile(ToView(fileName), format, file, source);
@@ -103,55 +100,6 @@ STDMETHODIMP OrlixImage::PutMicronsPerPixel(double x, double y) noexcept {
             throw Failure("IImageFile::PutMicronsPerPixel: the pixel size must be positive.");
         properties.micronsX = unknown ? 0 : x;
         properties.micronsY = unknown ? 0 : y;
-    });
-}
-
-STDMETHODIMP OrlixImage::get_NumberOfTextEntries(LONG* number) noexcept {
-    return Guarded([&] {
-        Require(number);
-        *number = static_cast<LONG>(Typed()->store().properties().texts.size());
-    });
-}
-
-STDMETHODIMP OrlixImage::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept {
-    return Guarded([&] {
-        Require(keyword), Require(text);
-        *keyword = nullptr;
-        *text = nullptr;
-        const std::vector<TextEntry>& texts = Typed()->store().properties().texts;
-        if (index < 0 || static_cast<size_t>(index) >= texts.size())
-            throw Failure("IImageFile::GetTextEntry: Index is out of range.");
-        const TextEntry& entry = texts[static_cast<size_t>(index)];
-        BSTR copy = CopyToBstr(entry.keyword);
-        try {
-            *text = CopyToBstr(entry.text);
-        } catch (...) {
-            SysFreeString(copy);
-            throw;
-        }
-        *keyword = copy;
-    });
-}
-
-STDMETHODIMP OrlixImage::PutTextEntry(BSTR keyword, BSTR text) noexcept {
-    return Guarded([&] {
-        ImageProperties& properties = Typed()->store().properties();
-        const WideString key(ToView(keyword));
-        const WideString value(ToView(text));
-        if (!IsFileKeyword(key)) throw Failure("IImageFile::PutTextEntry: invalid keyword.");
-        if (key == kDescriptionKeyword) {
-            properties.description = value;
-            properties.hasDescription = !value.empty();
-            return;
-        }
-        std::vector<TextEntry>& texts = properties.texts;
-        const auto isKey = [&](const TextEntry& entry) { return entry.keyword == key; };
-        const auto found = std::find_if(texts.begin(), texts.end(), isKey);
-        if (value.empty())
-            texts.erase(std::remove_if(found, texts.end(), isKey), texts.end());
-        else if (found != texts.end())
-            found->text = value;
-        else
-            texts.push_back({key, value});
+        modified_ = true;
     });
 }

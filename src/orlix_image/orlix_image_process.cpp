@@ -65,15 +65,25 @@ STDMETHODIMP OrlixImage::get_GrayMeasurements(GrayExtractMeasurementType desired
 }
 
 STDMETHODIMP OrlixImage::put_NumberOfBins(LONG bins) noexcept {
-    return Guarded([&] { Typed()->PutNumberOfBins(bins); });
+    return Guarded([&] {
+        Typed()->PutNumberOfBins(bins);
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::PutLuminanceRange(double lower, double upper) noexcept {
-    return Guarded([&] { Typed()->PutLuminanceRange(lower, upper); });
+    return Guarded([&] {
+        Typed()->PutLuminanceRange(lower, upper);
+        modified_ = true;
+    });
 }
 
 STDMETHODIMP OrlixImage::SnapLuminanceRange(double trimLower, double trimUpper, LONG roundOut) noexcept {
-    return Guarded([&] { return Typed()->SnapLuminanceRange(trimLower, trimUpper, roundOut != 0); });
+    return Guarded([&] {
+        const HRESULT result = Typed()->SnapLuminanceRange(trimLower, trimUpper, roundOut != 0);
+        if (result == S_OK) modified_ = true;
+        return result;
+    });
 }
 
 STDMETHODIMP OrlixImage::get_Table(LONG entry, double* value) noexcept {

@@ -37,6 +37,7 @@ std::vector<Creatable> Creatables() {
         {"Orlix.Image",
          __uuidof(OrlixImage),
          {__uuidof(IImageVPAEx), __uuidof(IImageVPA), __uuidof(IImageVPAExPlus), __uuidof(IImageFile),
+          __uuidof(IImageEntries), __uuidof(IPersist), __uuidof(IPersistStreamInit), __uuidof(IPersistStreamInitEx),
           __uuidof(IImageProcessBase), __uuidof(IImageProcess), __uuidof(IOrlixImageProcess), __uuidof(IDisplayProcess),
           __uuidof(IModuleInformation)}},
     };

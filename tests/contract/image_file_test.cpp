@@ -57,8 +57,9 @@ TEST_F(ImageFiles, PngKeepsPixelsCalibrationAndTexts) {
     const auto file = Cast<IImageFile>(image);
     ASSERT_EQ(S_OK, file->PutMicronsPerPixel(0.25, 0.5));
     ASSERT_EQ(S_OK, image->put_Description(Text("polished steel")));
-    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Author"), Text("caf\xC3\xA9")));
-    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Comment"), Text("\xE9\x9D\xA2")));
+    const auto entries = Cast<IImageEntries>(image);
+    ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Author"), Text("caf\xC3\xA9")));
+    ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Comment"), Text("\xE9\x9D\xA2")));
     ASSERT_EQ(S_OK, file->SaveToFile(Text(Path("a.PNG")), IFF_ByExtension));
 
     const auto loaded = Load("a.PNG");
@@ -71,13 +72,14 @@ TEST_F(ImageFiles, PngKeepsPixelsCalibrationAndTexts) {
     Text description;
     ASSERT_EQ(S_OK, loaded->get_Description(description.Out()));
     EXPECT_EQ("polished steel", description.Utf8());
-    LONG entries = 0;
-    ASSERT_EQ(S_OK, read->get_NumberOfTextEntries(&entries));
-    ASSERT_EQ(2, entries);
+    const auto readEntries = Cast<IImageEntries>(loaded);
+    LONG count = 0;
+    ASSERT_EQ(S_OK, readEntries->get_NumberOfTextEntries(&count));
+    ASSERT_EQ(2, count);
     for (const auto& [index, keyword, text] :
          {std::tuple{0, "Author", "caf\xC3\xA9"}, {1, "Comment", "\xE9\x9D\xA2"}}) {
         Text gotKeyword, gotText;
-        ASSERT_EQ(S_OK, read->GetTextEntry(index, gotKeyword.Out(), gotText.Out()));
+        ASSERT_EQ(S_OK, readEntries->GetTextEntry(index, gotKeyword.Out(), gotText.Out()));
         EXPECT_EQ(keyword, gotKeyword.Utf8());
         EXPECT_EQ(text, gotText.Utf8());
     }
@@ -186,29 +188,30 @@ TEST(ImageFileProperties, AreChecked) {
     ASSERT_EQ(S_OK, file->PutMicronsPerPixel(0, 0));
     EXPECT_EQ(S_FALSE, file->GetMicronsPerPixel(&x, &y));
 
+    const auto entries = Cast<IImageEntries>(image);
     for (const char* const bad : {"", " a", "a ", "a  b", "a\tb", "\xE9\x9D\xA2"})
-        EXPECT_TRUE(
-            Fails(file->PutTextEntry(Text(bad), Text("x")), "IImageFile::PutTextEntry: invalid keyword.", kSource));
-    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Lens"), Text("50x")));
-    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Lens"), Text("100x")));
-    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Description"), Text("seen")));
-    LONG entries = 0;
-    ASSERT_EQ(S_OK, file->get_NumberOfTextEntries(&entries));
-    EXPECT_EQ(1, entries);
+        EXPECT_TRUE(Fails(entries->PutTextEntry(Text(bad), Text("x")), "IImageEntries::PutTextEntry: invalid keyword.",
+                          kSource));
+    ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Lens"), Text("50x")));
+    ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Lens"), Text("100x")));
+    ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Description"), Text("seen")));
+    LONG count = 0;
+    ASSERT_EQ(S_OK, entries->get_NumberOfTextEntries(&count));
+    EXPECT_EQ(1, count);
     Text description, keyword, text;
     ASSERT_EQ(S_OK, image->get_Description(description.Out()));
     EXPECT_EQ("seen", description.Utf8());
     for (const LONG index : {LONG{-1}, LONG{1}})
-        EXPECT_TRUE(Fails(file->GetTextEntry(index, keyword.Out(), text.Out()),
-                          "IImageFile::GetTextEntry: Index is out of range.", kSource));
-    ASSERT_EQ(S_OK, file->GetTextEntry(0, keyword.Out(), text.Out()));
+        EXPECT_TRUE(Fails(entries->GetTextEntry(index, keyword.Out(), text.Out()),
+                          "IImageEntries::GetTextEntry: Index is out of range.", kSource));
+    ASSERT_EQ(S_OK, entries->GetTextEntry(0, keyword.Out(), text.Out()));
     EXPECT_EQ("100x", text.Utf8());
-    ASSERT_EQ(S_OK, file->PutTextEntry(Text("Lens"), nullptr));
-    ASSERT_EQ(S_OK, file->get_NumberOfTextEntries(&entries));
-    EXPECT_EQ(0, entries);
+    ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Lens"), nullptr));
+    ASSERT_EQ(S_OK, entries->get_NumberOfTextEntries(&count));
+    EXPECT_EQ(0, count);
     EXPECT_EQ(E_POINTER, file->GetMicronsPerPixel(&x, nullptr));
-    EXPECT_EQ(E_POINTER, file->get_NumberOfTextEntries(nullptr));
-    EXPECT_EQ(E_POINTER, file->GetTextEntry(0, nullptr, text.Out()));
+    EXPECT_EQ(E_POINTER, entries->get_NumberOfTextEntries(nullptr));
+    EXPECT_EQ(E_POINTER, entries->GetTextEntry(0, nullptr, text.Out()));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "files/check_image_file.hpp"
+#include "files/check_image_stream.hpp"
 #include "files/memory_image.hpp"
 #include "files/seeds.hpp"
 
@@ -53,6 +54,16 @@ std::string BrokenRule(const Bytes& bytes) {
     }
 }
 
+std::string BrokenRuleOfStreams(const Bytes& bytes) {
+    try {
+        CheckStreamReading(bytes);
+        CheckStreamReading(WithSoundPixels(bytes));
+        return "";
+    } catch (const std::logic_error& broken) {
+        return broken.what();
+    }
+}
+
 TEST(FuzzCorpus, EverySeedIsAnImage) {
     for (const Seed& seed : MakeSeeds()) {
         MemoryImage image;
@@ -69,6 +80,18 @@ TEST(FuzzCorpus, MutationsOfTheSeedsBreakNoRule) {
             const Seed& other = seeds[noise.below(static_cast<uint32_t>(seeds.size()))];
             const Bytes mutated = Mutated(seed.bytes, other.bytes, noise);
             ASSERT_EQ("", BrokenRule(mutated)) << seed.name << " round " << round;
+        }
+}
+
+TEST(FuzzCorpus, StreamsAndTheirMutationsBreakNoRule) {
+    const std::vector<Seed> seeds = MakeStreamSeeds();
+    Noise noise(20250411);
+    for (const Seed& seed : seeds) EXPECT_EQ("", BrokenRuleOfStreams(seed.bytes)) << seed.name;
+    for (int round = 0; round < 300; ++round)
+        for (const Seed& seed : seeds) {
+            const Seed& other = seeds[noise.below(static_cast<uint32_t>(seeds.size()))];
+            ASSERT_EQ("", BrokenRuleOfStreams(Mutated(seed.bytes, other.bytes, noise)))
+                << seed.name << " round " << round;
         }
 }
 

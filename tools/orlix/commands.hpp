@@ -18,6 +18,8 @@ Command AddFilter(CLI::App& program);
 Command AddPolygon(CLI::App& program);
 Command AddInfo(CLI::App& program);
 Command AddConvert(CLI::App& program);
+Command AddSave(CLI::App& program);
+Command AddLoad(CLI::App& program);
 Command AddSpecimen(CLI::App& program);
 Command AddDoctor(CLI::App& program);
 

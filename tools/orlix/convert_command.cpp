@@ -100,7 +100,7 @@ ComPtr<IImageVPAExPlus> Retyped(const ComPtr<IImageVPAExPlus>& image, const Geom
 }
 
 void CopyTexts(const ComPtr<IImageVPAExPlus>& from, const ComPtr<IImageVPAExPlus>& to) {
-    const auto source = Cast<IImageFile>(from), destination = Cast<IImageFile>(to);
+    const auto source = Cast<IImageEntries>(from), destination = Cast<IImageEntries>(to);
     LONG count = 0;
     Check(source->get_NumberOfTextEntries(&count), source);
     for (LONG i = 0; i < count; ++i) {
@@ -108,9 +108,9 @@ void CopyTexts(const ComPtr<IImageVPAExPlus>& from, const ComPtr<IImageVPAExPlus
         Check(source->GetTextEntry(i, keyword.Out(), text.Out()), source);
         Check(destination->PutTextEntry(keyword, text), destination);
     }
+    const auto file = Cast<IImageFile>(from), copy = Cast<IImageFile>(to);
     double x = 0, y = 0;
-    if (Check(source->GetMicronsPerPixel(&x, &y), source) == S_OK)
-        Check(destination->PutMicronsPerPixel(x, y), destination);
+    if (Check(file->GetMicronsPerPixel(&x, &y), file) == S_OK) Check(copy->PutMicronsPerPixel(x, y), copy);
 }
 
 int Convert(const Options& options) {

@@ -43,11 +43,12 @@ Json InfoOf(const std::string& file) {
         size["y"] = y;
     }
     Json& texts = out["texts"] = Json::object();
+    const auto entries = orlix::Cast<IImageEntries>(image);
     LONG count = 0;
-    orlix::Check(imageFile->get_NumberOfTextEntries(&count), imageFile);
+    orlix::Check(entries->get_NumberOfTextEntries(&count), entries);
     for (LONG i = 0; i < count; ++i) {
         orlix::Text keyword, text;
-        orlix::Check(imageFile->GetTextEntry(i, keyword.Out(), text.Out()), imageFile);
+        orlix::Check(entries->GetTextEntry(i, keyword.Out(), text.Out()), entries);
         texts[keyword.Utf8()] = text.Utf8();
     }
     return out;

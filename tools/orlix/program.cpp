@@ -25,6 +25,7 @@ Examples:
   orlix filter median3x3 noisy.png -o clean.png
   orlix polygon outline.csv
   orlix info section.png
+  orlix save section.png section.orlix
   orlix specimen test.png --seed 7 --bits 16
   orlix doctor
 
@@ -41,9 +42,10 @@ int Run(std::vector<std::string> arguments) {
     program.require_subcommand(1);
     program.footer(kFooter);
     const std::pair<const char*, Command> commands[] = {
-        {"measure", AddMeasure(program)},   {"flatten", AddFlatten(program)}, {"filter", AddFilter(program)},
-        {"polygon", AddPolygon(program)},   {"info", AddInfo(program)},       {"convert", AddConvert(program)},
-        {"specimen", AddSpecimen(program)}, {"doctor", AddDoctor(program)},
+        {"measure", AddMeasure(program)}, {"flatten", AddFlatten(program)}, {"filter", AddFilter(program)},
+        {"polygon", AddPolygon(program)}, {"info", AddInfo(program)},       {"convert", AddConvert(program)},
+        {"save", AddSave(program)},       {"load", AddLoad(program)},       {"specimen", AddSpecimen(program)},
+        {"doctor", AddDoctor(program)},
     };
     try {
         std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back

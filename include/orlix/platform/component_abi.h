@@ -90,6 +90,13 @@ typedef union _LARGE_INTEGER {
     LONGLONG QuadPart;
 } LARGE_INTEGER;
 
+typedef struct _FILETIME {
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+} FILETIME;
+
+typedef void* HGLOBAL;
+
 // ------------------------------------------------------------------------------------------------------------ identifiers
 
 typedef struct _GUID {
@@ -148,6 +155,14 @@ struct OrlixUuidOf;
 #define DISP_E_EXCEPTION ((HRESULT)0x80020009)
 #define CLASS_E_NOAGGREGATION ((HRESULT)0x80040110)
 #define CLASS_E_CLASSNOTAVAILABLE ((HRESULT)0x80040111)
+#define STG_E_INVALIDFUNCTION ((HRESULT)0x80030001)
+#define STG_E_ACCESSDENIED ((HRESULT)0x80030005)
+#define STG_E_INVALIDPOINTER ((HRESULT)0x80030009)
+#define STG_E_SEEKERROR ((HRESULT)0x80030019)
+#define STG_E_WRITEFAULT ((HRESULT)0x8003001D)
+#define STG_E_READFAULT ((HRESULT)0x8003001E)
+#define STG_E_MEDIUMFULL ((HRESULT)0x80030070)
+#define STG_E_CANTSAVE ((HRESULT)0x80030103)
 #define REGDB_E_CLASSNOTREG ((HRESULT)0x80040154)
 #define CO_E_CLASSSTRING ((HRESULT)0x800401F3)
 #define SUCCEEDED(result) ((HRESULT)(result) >= 0)
@@ -196,6 +211,65 @@ struct ISupportErrorInfo : IUnknown {
 DEFINE_GUID(IID_ISupportErrorInfo, 0xdf0b3d60, 0x548f, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19);
 __CRT_UUID_DECL(ISupportErrorInfo, 0xdf0b3d60, 0x548f, 0x101b, 0x8e, 0x65, 0x08, 0x00, 0x2b, 0x2b, 0xd1, 0x19)
 
+typedef struct tagSTATSTG {
+    LPOLESTR pwcsName;
+    DWORD type;
+    ULARGE_INTEGER cbSize;
+    FILETIME mtime;
+    FILETIME ctime;
+    FILETIME atime;
+    DWORD grfMode;
+    DWORD grfLocksSupported;
+    CLSID clsid;
+    DWORD grfStateBits;
+    DWORD reserved;
+} STATSTG;
+
+#define STGTY_STREAM 2
+#define STATFLAG_DEFAULT 0
+#define STATFLAG_NONAME 1
+#define STREAM_SEEK_SET 0
+#define STREAM_SEEK_CUR 1
+#define STREAM_SEEK_END 2
+
+struct ISequentialStream : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE Read(void* pv, ULONG cb, ULONG* pcbRead) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Write(const void* pv, ULONG cb, ULONG* pcbWritten) = 0;
+};
+DEFINE_GUID(IID_ISequentialStream, 0x0c733a30, 0x2a1c, 0x11ce, 0xad, 0xe5, 0x00, 0xaa, 0x00, 0x44, 0x77, 0x3d);
+__CRT_UUID_DECL(ISequentialStream, 0x0c733a30, 0x2a1c, 0x11ce, 0xad, 0xe5, 0x00, 0xaa, 0x00, 0x44, 0x77, 0x3d)
+
+struct IStream : ISequentialStream {
+    virtual HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER dlibMove, DWORD dwOrigin, ULARGE_INTEGER* plibNewPosition) = 0;
+    virtual HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER libNewSize) = 0;
+    virtual HRESULT STDMETHODCALLTYPE CopyTo(IStream* pstm, ULARGE_INTEGER cb, ULARGE_INTEGER* pcbRead,
+                                             ULARGE_INTEGER* pcbWritten) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Commit(DWORD grfCommitFlags) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Revert() = 0;
+    virtual HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER libOffset, ULARGE_INTEGER cb, DWORD dwLockType) = 0;
+    virtual HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER libOffset, ULARGE_INTEGER cb, DWORD dwLockType) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Stat(STATSTG* pstatstg, DWORD grfStatFlag) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Clone(IStream** ppstm) = 0;
+};
+DEFINE_GUID(IID_IStream, 0x0000000c, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
+__CRT_UUID_DECL(IStream, 0x0000000c, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
+struct IPersist : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetClassID(CLSID* pClassID) = 0;
+};
+DEFINE_GUID(IID_IPersist, 0x0000010c, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
+__CRT_UUID_DECL(IPersist, 0x0000010c, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
+
+struct IPersistStreamInit : IPersist {
+    virtual HRESULT STDMETHODCALLTYPE IsDirty() = 0;
+    virtual HRESULT STDMETHODCALLTYPE Load(IStream* pStm) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Save(IStream* pStm, BOOL fClearDirty) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetSizeMax(ULARGE_INTEGER* pCbSize) = 0;
+    virtual HRESULT STDMETHODCALLTYPE InitNew() = 0;
+};
+DEFINE_GUID(IID_IPersistStreamInit, 0x7fd52380, 0x4e07, 0x101b, 0xae, 0x2d, 0x08, 0x00, 0x2b, 0x2e, 0xc7, 0x13);
+__CRT_UUID_DECL(IPersistStreamInit, 0x7fd52380, 0x4e07, 0x101b, 0xae, 0x2d, 0x08, 0x00, 0x2b, 0x2e, 0xc7, 0x13)
+
 // Named by two event interfaces of the contract; the library answers it nowhere off Windows.
 struct DISPPARAMS;
 struct EXCEPINFO;
@@ -242,6 +316,21 @@ ORLIX_API void CoTaskMemFree(void* memory);
 #define CLSCTX_INPROC_SERVER 1
 ORLIX_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid, void** object);
 ORLIX_API HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* reserved, REFIID riid, void** object);
+
+// A stream in memory. `memory` must be null: the stream makes its own and frees it. Empty at first; clones share the content.
+ORLIX_API HRESULT CreateStreamOnHGlobal(HGLOBAL memory, BOOL deleteOnRelease, IStream** stream);
+
+// A stream on a regular file. mode: one of STGM_READ, STGM_WRITE, STGM_READWRITE, with STGM_CREATE to make the file or empty
+// the one there is. Without STGM_CREATE, `create` makes a file that must not exist yet, and else the file must exist. Sharing
+// flags and attributes are not used, `templateStream` must be null. The file cannot be cloned or locked.
+#define STGM_READ 0
+#define STGM_WRITE 1
+#define STGM_READWRITE 2
+#define STGM_SHARE_EXCLUSIVE 0x10
+#define STGM_SHARE_DENY_WRITE 0x20
+#define STGM_CREATE 0x1000
+ORLIX_API HRESULT SHCreateStreamOnFileEx(LPCOLESTR path, DWORD mode, DWORD attributes, BOOL create,
+                                         IStream* templateStream, IStream** stream);
 
 // The module's own entry points. The first look-up by class or ProgID registers the module in the store of the process,
 // unless the client has called one of the two registering functions by then.

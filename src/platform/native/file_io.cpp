@@ -9,9 +9,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <utility>
+
+#include "platform/native/file_path.hpp"
 
 namespace orlix {
 namespace {
@@ -36,23 +37,6 @@ public:
 private:
     int number_;
 };
-
-// UTF-8. Empty for a path that names no file here: an empty one, one with a character 0 or with half a surrogate pair.
-std::string NativePath(std::basic_string_view<OLECHAR> path) {
-    if (path.find(OLECHAR{0}) != path.npos) return {};
-    try {
-        return std::filesystem::path(path).native();
-    } catch (const std::filesystem::filesystem_error&) {
-        return {};
-    }
-}
-
-template <class Call>
-auto Retried(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR) result = call();
-    return result;
-}
 
 std::string FolderOf(const std::string& path) {
     const size_t slash = path.rfind('/');

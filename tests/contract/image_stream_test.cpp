@@ -1,0 +1,447 @@
+// Images in streams as clients use them: what survives, what is reported, streams that fail, and the flags.
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <filesystem>
+#include <limits>
+
+#include "contract/support.hpp"
+
+namespace orlix::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+constexpr const char* kSource = "Orlix.Image.1";
+constexpr HRESULT kShortWrite = static_cast<HRESULT>(0x80030103);
+constexpr HRESULT kStreamFailure = static_cast<HRESULT>(0x8003001E);
+
+// A client's stream, whose calls can be made to go wrong. It lies about its size, and knows no other call.
+class ClientStream final : public IStream {
+public:
+    static ComPtr<ClientStream> Make(std::string content = {}) {
+        auto stream = ComPtr<ClientStream>::Attach(new ClientStream);
+        stream->bytes = std::move(content);
+        return stream;
+    }
+
+    std::string bytes;
+    size_t at = 0;
+    int failingCall = -1;      // counted over reads and writes
+    ULONG piece = 0xFFFFFFFF;  // read at a time
+    int shortWrite = -1;       // the write that stores one byte less than asked
+    LONG claimedTooMuch = 0;   // added to what a read says
+    std::function<void()> onCall;
+
+    STDMETHODIMP QueryInterface(REFIID, void** object) noexcept override {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() noexcept override {
+        const ULONG left = --references_;
+        if (left == 0) delete this;
+        return left;
+    }
+    STDMETHODIMP Read(void* to, ULONG size, ULONG* read) noexcept override {
+        if (Fails()) return kStreamFailure;
+        const size_t step = std::min<size_t>({size, piece, bytes.size() - at});
+        std::memcpy(to, bytes.data() + at, step);
+        at += step;
+        *read = static_cast<ULONG>(step) + static_cast<ULONG>(claimedTooMuch);
+        return step < size ? S_FALSE : S_OK;
+    }
+    STDMETHODIMP Write(const void* from, ULONG size, ULONG* written) noexcept override {
+        const bool isShort = calls_ == shortWrite;
+        if (Fails()) return kStreamFailure;
+        *written = isShort ? size - 1 : size;
+        bytes.append(static_cast<const char*>(from), *written);
+        return S_OK;
+    }
+    STDMETHODIMP Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetSize(ULARGE_INTEGER) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Commit(DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Revert() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Stat(STATSTG* stat, DWORD) noexcept override {
+        *stat = {};
+        stat->cbSize.QuadPart = std::numeric_limits<uint64_t>::max();
+        return S_OK;
+    }
+    STDMETHODIMP Clone(IStream**) noexcept override { return E_NOTIMPL; }
+
+private:
+    ClientStream() = default;
+    ~ClientStream() = default;
+    bool Fails() {
+        if (onCall) onCall();
+        return calls_++ == failingCall;
+    }
+    int calls_ = 0;
+    ULONG references_ = 1;
+};
+
+template <class I>
+ComPtr<IPersistStreamInitEx> Persist(const ComPtr<I>& image) {
+    return Cast<IPersistStreamInitEx>(image);
+}
+
+template <class I>
+std::string Saved(const ComPtr<I>& image) {
+    const auto stream = ClientStream::Make();
+    const auto persist = Persist(image);
+    Check(persist->Save(stream.get(), FALSE), persist);
+    ULARGE_INTEGER most = {};
+    Check(persist->GetSizeMax(&most), persist);
+    EXPECT_GE(most.QuadPart, stream->bytes.size());
+    return stream->bytes;
+}
+
+ComPtr<IImageVPAExPlus> Loaded(const std::string& bytes, ULONG piece = 0xFFFFFFFF) {
+    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const auto stream = ClientStream::Make(bytes);
+    stream->piece = piece;
+    const auto persist = Persist(image);
+    Check(persist->Load(stream.get()), persist);
+    EXPECT_EQ(bytes.size(), stream->at);
+    return image;
+}
+
+// All that a stream keeps, away from what it is at first.
+template <class Pixel>
+ComPtr<IImageVPAExPlus> FurnishedImage(LONG bands) {
+    const auto image = NewImage<Pixel>(7, 4, bands);
+    uint32_t value = 1;
+    for (LONG band = 0; band < bands; ++band)
+        for (const auto row : Rows<Pixel>(image, band))
+            for (Pixel& pixel : row) pixel = static_cast<Pixel>(value *= 2654435761u);
+    Check(image->SetCoords({1, 2, {3, 4, 5, 6}}));
+    Check(image->put_Description(Text("d\xC3\xA9")));
+    Check(Cast<IImageFile>(image)->PutMicronsPerPixel(0.1, 0.3));
+    const auto process = Cast<IImageProcess>(image);
+    Check(process->PutLuminanceRange(3, 77));
+    if (sizeof(Pixel) > 1) Check(process->put_NumberOfBins(1000));
+    Check(process->put_BandToProcess(bands - 1));
+    const auto display = Cast<IDisplayProcess>(image);
+    Check(display->PutDisplayRange(5, 99));
+    Check(display->put_BandToDisplay(bands > 1 ? 1 : BI_AllBands));
+    Check(display->put_ColorTable(200, 0x123456));
+    const auto entries = Cast<IImageEntries>(image);
+    Check(entries->PutTextEntry(Text("Author"), Text("\xE9\x9D\xA2")));
+    unsigned char bytes[] = {0, 255, 7};
+    Check(entries->PutBinaryEntry(Text("Profile"), 3, bytes));
+    Check(entries->PutBinaryEntry(Text("Empty"), 0, nullptr));
+    return image;
+}
+
+template <class Pixel>
+class ImageStreams : public ::testing::Test {};
+using Pixels = ::testing::Types<uint8_t, uint16_t, uint32_t, float>;
+TYPED_TEST_SUITE(ImageStreams, Pixels);
+
+TYPED_TEST(ImageStreams, KeepEverything) {
+    for (const LONG bands : {1, 3}) {
+        const auto image = FurnishedImage<TypeParam>(bands);
+        const std::string bytes = Saved(image);
+        const auto loaded = Loaded(bytes, bands == 1 ? 1 : 0xFFFFFFFF);
+        LONG type = 0, gotBands = 0, width = 0, height = 0;
+        ASSERT_EQ(S_OK, loaded->DataType(0, &type));
+        EXPECT_EQ(kTypeOf<TypeParam>, type);
+        ASSERT_EQ(S_OK, loaded->Dimensions(&gotBands, &width, &height));
+        EXPECT_THAT((std::vector<LONG>{gotBands, width, height}), ElementsAre(bands, 7, 4));
+        for (LONG band = 0; band < bands; ++band)
+            EXPECT_EQ(PixelsOf<TypeParam>(image, band), PixelsOf<TypeParam>(loaded, band));
+        TCoordinateMap map = {};
+        ASSERT_EQ(S_OK, loaded->GetCoords(&map));
+        EXPECT_THAT(
+            (std::vector<double>{map.OrgX, map.OrgY, map.Matrix.A11, map.Matrix.A12, map.Matrix.A21, map.Matrix.A22}),
+            ElementsAre(1, 2, 3, 4, 5, 6));
+        Text description;
+        ASSERT_EQ(S_OK, loaded->get_Description(description.Out()));
+        EXPECT_EQ("d\xC3\xA9", description.Utf8());
+        double x = 0, y = 0;
+        ASSERT_EQ(S_OK, Cast<IImageFile>(loaded)->GetMicronsPerPixel(&x, &y));
+        EXPECT_EQ(0.1, x);
+        EXPECT_EQ(0.3, y);
+        const auto process = Cast<IImageProcess>(loaded);
+        LONG number = 0;
+        ASSERT_EQ(S_OK, process->GetLuminanceRange(&x, &y));
+        EXPECT_EQ(3, x);
+        EXPECT_EQ(77, y);
+        ASSERT_EQ(S_OK, process->get_NumberOfBins(&number));
+        EXPECT_EQ(sizeof(TypeParam) > 1 ? 1000 : 256, number);
+        ASSERT_EQ(S_OK, process->get_BandToProcess(&number));
+        EXPECT_EQ(bands - 1, number);
+        const auto display = Cast<IDisplayProcess>(loaded);
+        ASSERT_EQ(S_OK, display->GetDisplayRange(&x, &y));
+        EXPECT_EQ(5, x);
+        EXPECT_EQ(99, y);
+        ASSERT_EQ(S_OK, display->get_BandToDisplay(&number));
+        EXPECT_EQ(bands > 1 ? 1 : BI_AllBands, number);
+        OLE_COLOR color = 0;
+        ASSERT_EQ(S_OK, display->get_ColorTable(200, &color));
+        EXPECT_EQ(0x123456u, color);
+        ASSERT_EQ(S_OK, display->get_DisplayDirty(&number));
+        EXPECT_EQ(1, number);
+        const auto entries = Cast<IImageEntries>(loaded);
+        Text keyword, text;
+        ASSERT_EQ(S_OK, entries->GetTextEntry(0, keyword.Out(), text.Out()));
+        EXPECT_EQ("Author", keyword.Utf8());
+        EXPECT_EQ("\xE9\x9D\xA2", text.Utf8());
+        ASSERT_EQ(S_OK, entries->get_NumberOfBinaryEntries(&number));
+        EXPECT_EQ(2, number);
+        ASSERT_EQ(S_OK, entries->GetBinaryEntry(0, keyword.Out(), &number));
+        EXPECT_EQ("Profile", keyword.Utf8());
+        EXPECT_EQ(3, number);
+        unsigned char part[2] = {};
+        ASSERT_EQ(S_OK, entries->ReadBinaryEntry(0, 1, 2, part));
+        EXPECT_THAT(part, ElementsAre(255, 7));
+
+        EXPECT_EQ(bytes, Saved(loaded));
+    }
+}
+
+TYPED_TEST(ImageStreams, TakePixelsFromAttachedBuffersAndLoadIntoTheirOwn) {
+    std::vector<TypeParam> buffer(2 * 3 * 4 / sizeof(TypeParam));  // two bands of three rows of four bytes
+    for (size_t i = 0; i < buffer.size(); ++i) buffer[i] = static_cast<TypeParam>(i + 1);
+    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const LONG width = static_cast<LONG>(4 / sizeof(TypeParam));
+    ASSERT_EQ(S_OK, image->AttachBuffer(buffer.data(), width, 3, 2, kTypeOf<TypeParam>, 0));
+    const std::string bytes = Saved(image);
+    std::fill(buffer.begin(), buffer.end(), TypeParam{99});
+    const auto stream = ClientStream::Make(bytes);
+    ASSERT_EQ(S_OK, Persist(image)->Load(stream.get()));
+    EXPECT_EQ(TypeParam(buffer.size()), PixelsOf<TypeParam>(image, 1).back());
+    EXPECT_EQ(TypeParam{99}, buffer.back());
+}
+
+TEST(ImageStream, LoadsOnceAndReloadsAnyTime) {
+    const std::string bytes = Saved(ImageOf<uint8_t>(2, {1, 2})), other = Saved(ImageOf<float>(1, {0.5f}));
+    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const auto persist = Persist(image);
+    const auto load = [&](const std::string& from) { return persist->Load(ClientStream::Make(from).get()); };
+    EXPECT_TRUE(Fails(load("qelf"), "IPersistStreamInit::Load: not an image stream.", kSource));
+    EXPECT_EQ(S_OK, load(bytes));  // a failed load does not count
+    EXPECT_TRUE(FailsSilently(load(bytes), E_UNEXPECTED));
+    EXPECT_TRUE(FailsSilently(persist->InitNew(), E_UNEXPECTED));
+    EXPECT_EQ(S_OK, persist->ReLoad(ClientStream::Make(other).get()));
+    EXPECT_THAT(PixelsOf<float>(image), ElementsAre(0.5f));
+    EXPECT_TRUE(Fails(persist->ReLoad(ClientStream::Make(bytes.substr(0, 2000)).get()),
+                      "IPersistStreamInit::Load: the stream ends early.", kSource));
+    EXPECT_EQ(other, Saved(image));
+    CLSID clsid = {};
+    EXPECT_EQ(S_OK, persist->GetClassID(&clsid));
+    EXPECT_EQ(ClassOf("Orlix.Image"), clsid);
+
+    const auto fresh = Persist(CreateObject<IImageVPAExPlus>("Orlix.Image"));
+    EXPECT_EQ(S_OK, fresh->InitNew());
+    EXPECT_TRUE(FailsSilently(fresh->InitNew(), E_UNEXPECTED));
+    EXPECT_TRUE(FailsSilently(fresh->Load(ClientStream::Make(bytes).get()), E_UNEXPECTED));
+    EXPECT_EQ(S_OK, fresh->ReLoad(ClientStream::Make(bytes).get()));
+}
+
+TEST(ImageStream, WithoutPixelsOrPointersIsRefused) {
+    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const auto persist = Persist(image);
+    const auto stream = ClientStream::Make();
+    ULARGE_INTEGER size = {};
+    EXPECT_EQ(S_FALSE, persist->IsDirty());
+    EXPECT_TRUE(Fails(persist->Save(stream.get(), TRUE), "IPersistStreamInit::Save: no image.", kSource));
+    EXPECT_TRUE(Fails(persist->GetSizeMax(&size), "IPersistStreamInit::GetSizeMax: no image.", kSource));
+    image->AttachBuffer(reinterpret_cast<void*>(uintptr_t{16}), 4, 4, 1, DT_BYTE, 0);
+    EXPECT_TRUE(FailsSilently(persist->Save(stream.get(), TRUE)));
+    EXPECT_EQ("", stream->bytes);
+    for (const HRESULT result : {persist->Save(nullptr, TRUE), persist->Load(nullptr), persist->ReLoad(nullptr),
+                                 persist->GetSizeMax(nullptr), persist->GetClassID(nullptr)})
+        EXPECT_EQ(E_POINTER, result);
+}
+
+TEST(ImageStream, IsDirtyFromAnyChangeOfWhatItKeepsUntilSavedOrLoaded) {
+    const auto image = FurnishedImage<uint16_t>(2);
+    const auto persist = Persist(image);
+    const auto stream = ClientStream::Make();
+    EXPECT_EQ(S_OK, persist->IsDirty());
+    ASSERT_EQ(S_OK, persist->Save(stream.get(), FALSE));
+    EXPECT_EQ(S_OK, persist->IsDirty());
+    const auto process = Cast<IImageProcess>(image);
+    const auto display = Cast<IDisplayProcess>(image);
+    const auto entries = Cast<IImageEntries>(image);
+    unsigned char byte = 1;
+    const std::function<HRESULT()> changes[] = {
+        [&] { return process->Invert(); },
+        [&] { return process->put_BandToProcess(0); },
+        [&] { return process->put_NumberOfBins(99); },
+        [&] { return process->PutLuminanceRange(1, 2); },
+        [&] { return process->SnapLuminanceRange(0, 0, 0); },
+        [&] { return image->SetCoords({}); },
+        [&] { return image->put_Description(nullptr); },
+        [&] { return Cast<IImageFile>(image)->PutMicronsPerPixel(0, 0); },
+        [&] { return display->put_BandToDisplay(0); },
+        [&] { return display->PutDisplayRange(1, 2); },
+        [&] { return display->SnapDisplayRange(0, 0, 0); },
+        [&] { return display->put_ColorTable(0, 1); },
+        [&] { return display->EqualizeColorTable(); },
+        [&] { return entries->PutTextEntry(Text("a"), Text("b")); },
+        [&] { return entries->RemoveTextEntry(0); },
+        [&] { return entries->PutBinaryEntry(Text("a"), 1, &byte); },
+        [&] { return entries->RemoveBinaryEntry(0); },
+        [&] { return image->CreateFromSubImage(image.get(), 0, 0, 0, 1, 1); },
+        [&] { return image->Create(2, 2, 1, DT_WORD, 1); },
+    };
+    int number = 0;
+    for (const auto& change : changes) {
+        ASSERT_EQ(S_OK, persist->Save(stream.get(), TRUE));
+        ASSERT_EQ(S_FALSE, persist->IsDirty()) << number;
+        ASSERT_EQ(S_OK, change()) << number;
+        ASSERT_EQ(S_OK, persist->IsDirty()) << number;
+        ++number;
+    }
+    ASSERT_EQ(S_OK, persist->ReLoad(ClientStream::Make(Saved(image)).get()));
+    EXPECT_EQ(S_FALSE, persist->IsDirty());
+    const auto failing = ClientStream::Make();
+    failing->failingCall = 1;
+    ASSERT_EQ(S_OK, process->Invert());
+    EXPECT_EQ(kStreamFailure, persist->Save(failing.get(), TRUE));
+    EXPECT_EQ(S_OK, persist->IsDirty());
+}
+
+TEST(ImageStream, PassesOnFailuresOfTheStream) {
+    const auto image = FurnishedImage<uint8_t>(1);
+    const std::string bytes = Saved(image);
+    int call = 0;
+    for (HRESULT result = E_FAIL; FAILED(result); ++call) {
+        const auto stream = ClientStream::Make();
+        stream->failingCall = call;
+        result = Persist(image)->Save(stream.get(), TRUE);
+        if (FAILED(result)) {
+            ASSERT_TRUE(FailsSilently(result, kStreamFailure)) << call;
+        }
+        const auto narrow = ClientStream::Make();
+        narrow->shortWrite = call;
+        EXPECT_EQ(FAILED(result) ? kShortWrite : S_OK, Persist(image)->Save(narrow.get(), FALSE)) << call;
+    }
+    EXPECT_GT(call, 1);
+
+    const auto target = ImageOf<uint16_t>(1, {4711});
+    const std::string before = Saved(target);
+    call = 0;
+    for (HRESULT result = E_FAIL; FAILED(result); ++call) {
+        ASSERT_EQ(before, Saved(target));
+        const auto stream = ClientStream::Make(bytes);
+        stream->failingCall = call;
+        stream->piece = 100;
+        result = Persist(target)->Load(stream.get());
+        if (FAILED(result)) {
+            ASSERT_TRUE(FailsSilently(result, kStreamFailure)) << call;
+        }
+    }
+    EXPECT_GT(call, 30);
+    EXPECT_EQ(bytes, Saved(target));
+
+    const auto liar = ClientStream::Make(bytes);
+    liar->claimedTooMuch = 1;
+    EXPECT_TRUE(FailsSilently(Persist(target)->ReLoad(liar.get())));
+    EXPECT_EQ(bytes, Saved(target));
+}
+
+TEST(ImageStream, MayCallTheImageThatItIsSavedOrLoadedBy) {
+    const auto image = FurnishedImage<uint8_t>(3);
+    const std::string bytes = Saved(image);
+    const auto stream = ClientStream::Make();
+    stream->onCall = [&] { image->Create(1, 1, 1, DT_Float, 1); };
+    ASSERT_EQ(S_OK, Persist(image)->Save(stream.get(), FALSE));
+    EXPECT_EQ(bytes, stream->bytes);
+    const auto source = ClientStream::Make(bytes);
+    source->onCall = [&] { image->Create(1, 1, 1, DT_WORD, 1); };
+    ASSERT_EQ(S_OK, Persist(image)->Load(source.get()));
+    EXPECT_EQ(bytes, Saved(image));
+}
+
+TEST(ImageStream, KeepsTheRegionAndTheTableOfAnImageOfTheSameType) {
+    const auto image = ImageOf<uint8_t>(1, {1});
+    const auto process = Cast<IImageProcess>(image);
+    const auto region = CreateObject<IRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+    ASSERT_EQ(S_OK, process->put_RegionOfInterest(region.get()));
+    ASSERT_EQ(S_OK, process->put_Table(3, 9));
+    ASSERT_EQ(S_OK, Persist(image)->Load(ClientStream::Make(Saved(ImageOf<uint8_t>(2, {1, 2}))).get()));
+    ComPtr<IRegionOfInterest> got;
+    ASSERT_EQ(S_OK, process->get_RegionOfInterest(got.Out()));
+    EXPECT_EQ(region.get(), got.get());
+    double value = 0;
+    ASSERT_EQ(S_OK, process->get_Table(3, &value));
+    EXPECT_EQ(9, value);
+    ASSERT_EQ(S_OK, Persist(image)->ReLoad(ClientStream::Make(Saved(ImageOf<uint16_t>(1, {1}))).get()));
+    ASSERT_EQ(S_OK, process->get_RegionOfInterest(got.Out()));
+    EXPECT_EQ(nullptr, got.get());
+}
+
+TEST(ImageStream, GoesThroughTheStreamsOfTheSystem) {
+    const auto image = FurnishedImage<uint16_t>(1);
+    const auto memory = CreateMemoryStream();
+    for (int i = 0; i < 2; ++i) ASSERT_EQ(S_OK, Persist(image)->Save(memory.get(), FALSE));  // one behind the other
+    SeekStart(memory);
+    for (int i = 0; i < 2; ++i) {
+        const auto loaded = CreateObject<IImageVPAExPlus>("Orlix.Image");
+        ASSERT_EQ(S_OK, Persist(loaded)->Load(memory.get()));
+        EXPECT_EQ(Saved(image), Saved(loaded));
+    }
+    const auto end = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    EXPECT_TRUE(Fails(Persist(end)->Load(memory.get()), "IPersistStreamInit::Load: not an image stream.", kSource));
+
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / u8"orlix \u9762.stream";
+    const std::u8string name = path.u8string();
+    const std::string utf8(name.begin(), name.end());
+    ASSERT_EQ(S_OK, Persist(image)->Save(CreateFileStream(utf8).get(), FALSE));
+    ASSERT_EQ(S_OK, Persist(end)->Load(OpenFileStream(utf8).get()));
+    EXPECT_EQ(Saved(image), Saved(end));
+    EXPECT_EQ(Saved(image).size(), std::filesystem::file_size(path));
+    std::filesystem::remove(path);
+    EXPECT_THROW(OpenFileStream(utf8), Error);
+}
+
+TEST(ImageEntries, AreChecked) {
+    const auto image = NewImage<uint8_t>(1, 1);
+    const auto entries = Cast<IImageEntries>(image);
+    unsigned char bytes[] = {1, 2, 3}, got[3] = {};
+    Text keyword, text;
+    LONG number = 9;
+    ASSERT_EQ(S_OK, entries->PutBinaryEntry(Text("a"), 3, bytes));
+    ASSERT_EQ(S_OK, entries->PutBinaryEntry(Text("b"), 1, bytes));
+    ASSERT_EQ(S_OK, entries->PutBinaryEntry(Text("a"), 2, bytes + 1));
+    ASSERT_EQ(S_OK, entries->get_NumberOfBinaryEntries(&number));
+    EXPECT_EQ(2, number);
+    ASSERT_EQ(S_OK, entries->ReadBinaryEntry(0, 0, 2, got));
+    EXPECT_THAT(got, ElementsAre(2, 3, 0));
+    EXPECT_EQ(S_OK, entries->ReadBinaryEntry(0, 2, 0, got));
+    constexpr LONG kMost = std::numeric_limits<LONG>::max();
+    for (const auto& [offset, size] : {std::pair<LONG, LONG>{-1, 1}, {0, -1}, {1, 2}, {kMost, kMost}, {3, 0}})
+        EXPECT_TRUE(Fails(entries->ReadBinaryEntry(0, offset, size, got),
+                          "IImageEntries::ReadBinaryEntry: the bytes are out of range.", kSource));
+    for (const LONG index : {-1, 2}) {
+        EXPECT_TRUE(Fails(entries->GetBinaryEntry(index, keyword.Out(), &number),
+                          "IImageEntries::GetBinaryEntry: Index is out of range.", kSource));
+        EXPECT_TRUE(Fails(entries->ReadBinaryEntry(index, 0, 0, got),
+                          "IImageEntries::ReadBinaryEntry: Index is out of range.", kSource));
+        EXPECT_TRUE(Fails(entries->RemoveBinaryEntry(index), "IImageEntries::RemoveBinaryEntry: Index is out of range.",
+                          kSource));
+        EXPECT_TRUE(
+            Fails(entries->RemoveTextEntry(index), "IImageEntries::RemoveTextEntry: Index is out of range.", kSource));
+    }
+    EXPECT_TRUE(Fails(entries->PutBinaryEntry(Text(" a"), 1, bytes), "IImageEntries::PutBinaryEntry: invalid keyword.",
+                      kSource));
+    EXPECT_TRUE(Fails(entries->PutBinaryEntry(Text("a"), -1, nullptr),
+                      "IImageEntries::PutBinaryEntry: Size must not be negative.", kSource));
+    EXPECT_EQ(E_POINTER, entries->PutBinaryEntry(Text("a"), 1, nullptr));
+    EXPECT_EQ(E_POINTER, entries->ReadBinaryEntry(0, 0, 0, nullptr));
+    ASSERT_EQ(S_OK, entries->RemoveBinaryEntry(0));
+    ASSERT_EQ(S_OK, entries->GetBinaryEntry(0, keyword.Out(), &number));
+    EXPECT_EQ("b", keyword.Utf8());
+}
+
+}  // namespace
+}  // namespace orlix::testing

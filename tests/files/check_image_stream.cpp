@@ -1,0 +1,117 @@
+#include "files/check_image_stream.hpp"
+
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "component/failure.hpp"
+#include "files/memory_stream.hpp"
+
+namespace orlix::test {
+namespace {
+
+void Rule(bool holds, const char* rule) {
+    if (!holds) throw std::logic_error(rule);
+}
+
+Bytes Written(const StreamImage& image) {
+    const StreamBytes stream = WriteImageStream(image.dataType, image.content, image.settings);
+    Bytes all;
+    for (const auto piece : stream.pieces()) all.insert(all.end(), piece.begin(), piece.end());
+    return all;
+}
+
+bool IsDocumented(const Failure& failure) {
+    for (const char* const text :
+         {"IPersistStreamInit::Load: not an image stream.", "IPersistStreamInit::Load: version compatibility problems.",
+          "IPersistStreamInit::Load: the stream ends early.", "IPersistStreamInit::Load: the stream is damaged."})
+        if (std::strcmp(failure.what(), text) == 0) return failure.result() == E_FAIL;
+    return false;
+}
+
+bool IsBand(int32_t band, int32_t bands) { return band == BI_AllBands || (band >= 0 && band < bands); }
+
+void CheckImage(const StreamImage& image, size_t size) {
+    const ImageContent& content = image.content;
+    const ImageLayout& layout = content.layout;
+    Rule(layout.width > 0 && layout.height > 0 && layout.bands > 0, "positive size");
+    Rule(layout == MakeLayout(layout.width, layout.height, layout.bands, image.dataType), "the layout of the geometry");
+    Rule(content.data && content.owned.size() == layout.totalSize, "its own pixels");
+    Rule(layout.totalSize <= uint64_t{size} * 1032, "pixels that the stream can fill");
+    Rule(content.table.size() == static_cast<size_t>(OffsetTableSize(layout)), "a whole table");
+    Rule(IsBand(image.settings.bandToProcess, layout.bands) && IsBand(image.settings.bandToDisplay, layout.bands),
+         "bands that exist");
+    Rule(image.dataType == DT_BYTE ? image.settings.numberOfBins == 256 : image.settings.numberOfBins > 1, "bins");
+    const ImageProperties& properties = content.properties;
+    Rule(std::isfinite(properties.micronsX) && std::isfinite(properties.micronsY) &&
+             (properties.micronsX > 0) == (properties.micronsY > 0) && properties.micronsX >= 0,
+         "both pixel sizes or none");
+    Rule(properties.hasDescription != properties.description.empty(), "no description or one of some length");
+}
+
+}  // namespace
+
+void CheckStreamReading(std::span<const uint8_t> bytes) {
+    MemorySource source(bytes);
+    StreamImage image;
+    try {
+        image = ReadImageStream(source);
+    } catch (const Failure& failure) {
+        Rule(IsDocumented(failure), "a documented failure");
+        Rule(!source.greedy(), "no more than has arrived");
+        return;
+    } catch (const FailedResult& failed) {
+        Rule(failed.result() == E_FAIL, "E_FAIL");
+        return;
+    }
+    Rule(!source.greedy(), "no more than has arrived");
+    CheckImage(image, bytes.size());
+    const Bytes written = Written(image);
+    Rule(written.size() <= LargestImageStream(image.dataType, image.content, image.settings), "the announced size");
+    MemorySource again(written, 1000);
+    Rule(Written(ReadImageStream(again)) == written, "the same bytes again");
+    Rule(again.at() == written.size(), "read to its end");
+}
+
+Bytes WithSoundPixels(std::span<const uint8_t> bytes) {
+    constexpr size_t kStart = 5;  // which type, bands, width, height, pixel
+    if (bytes.size() < kStart) return Bytes(bytes.begin(), bytes.end());
+    constexpr uint32_t kTypes[] = {DT_BYTE, DT_WORD, DT_DWORD, DT_Float};
+    constexpr uint32_t kSizes[] = {1, 2, 4, 4};
+    const uint32_t sample = kSizes[bytes[0] % 4];
+    const uint32_t bands = 1 + bytes[1] % 3, width = 1 + bytes[2] % 9u, height = 1 + bytes[3] % 9u;
+    const uint32_t stride = (width * sample + 3) / 4 * 4;
+    const uint32_t entries = std::max(width, height) + 400;
+    Bytes stream = FromText("qelo") + Double(1) + Little32(kTypes[bytes[0] % 4]) + FromText("imba") + Double(1.3);
+    for (const double value : {0.0, 0.0, 1.0, 0.0, 0.0, 1.0}) stream = stream + Double(value);
+    for (const uint32_t value : {bands, width, height, sample, stride, bands * height * stride, entries})
+        stream = stream + Little32(value);
+    const auto x = Zigzag(width, 1, entries), y = Zigzag(height, stride / sample, entries);
+    for (size_t i = 0; i < entries; ++i)
+        for (const uint32_t value : {x[i], y[i]})
+            for (int shift = 0; shift < 32; shift += 8) stream.push_back(static_cast<uint8_t>(value >> shift));
+    const Bytes pixels = StoredStream(Bytes(bands * height * stride, bytes[4]));
+    return stream + Little32(static_cast<uint32_t>(pixels.size())) + pixels +
+           Bytes(bytes.begin() + kStart, bytes.end());
+}
+
+std::vector<Seed> MakeStreamSeeds() {
+    const HandMadeStream hand;
+    std::vector<Seed> seeds = {{"stream-hand-made", hand.Whole()},
+                               {"stream-tail", Bytes{0, 0, 4, 2, 9} + hand.Tail()}};  // for WithSoundPixels()
+    for (const LONG type : {DT_BYTE, DT_WORD, DT_DWORD, DT_Float}) {
+        StreamImage image;
+        image.dataType = type;
+        image.content = ImageStore(type).MakeContent(6, 5, 2);
+        for (size_t i = 0; i < image.content.layout.totalSize; ++i)
+            image.content.data[i] = static_cast<uint8_t>(37 * i);
+        image.content.properties.texts = {{OLESTR("Title"), OLESTR("text")}};
+        image.content.properties.binaries = {{OLESTR("Bytes"), {1, 2, 3}}};
+        image.settings.luminanceUpper = 200;
+        seeds.push_back({"stream-written-" + std::to_string(type), Written(image)});
+    }
+    return seeds;
+}
+
+}  // namespace orlix::test
