@@ -60,7 +60,7 @@ LAYERS = {
     "geometry": ["platform", "component"],
     "binary": ["platform", "component", "geometry"],
     "process": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary"],
-    "display": ["platform", "component", "image", "histogram", "geometry", "binary"],
+    "display": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary", "process"],
     "files": ["platform", "component", "image"],
     "orlix_image": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary", "process", "display", "files"],
 }
