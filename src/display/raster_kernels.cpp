@@ -28,4 +28,20 @@ void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const 
     for (size_t i = 0; i < n; ++i) sums[i] += aWeight * a[i] + bWeight * b[i];
 }
 
+void Interpolate_scalar(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n) {
+    for (size_t i = 0; i < n; ++i) {
+        const uint32_t* const at = sums + left[i];
+        to[i] = static_cast<uint8_t>((at[0] * (4096u - share[i]) + at[1] * share[i] + (1u << 23)) >> 24);
+    }
+}
+
+void Average_scalar(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
+                    size_t n) {
+    for (size_t i = 0; i < n; ++i) {
+        uint32_t sum = 1u << 23;
+        for (size_t k = 0; k < taps; ++k) sum += weights[i * taps + k] * sums[static_cast<size_t>(first[i]) + k];
+        to[i] = static_cast<uint8_t>(sum >> 24);
+    }
+}
+
 }  // namespace orlix

@@ -30,6 +30,17 @@ using PickFn = void (*)(uint8_t* to, const uint8_t* row, const int32_t* columns,
 using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,
                              size_t n);
 
+// From columns of sums to levels; sums are at most 255 times 4096 and weights that go together sum to 4096.
+//   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left does not
+//                decrease or does not increase, by at most 1 from one to the next. kBeyond sums beyond the last that counts
+//                may be read.
+//   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is a multiple
+//                of kTapsMultiple; what reaches beyond a pixel's own columns has the weight 0, and may be read.
+inline constexpr size_t kBeyond = 17, kTapsMultiple = 8;
+using InterpolateFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+using AverageFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights,
+                           size_t taps, size_t n);
+
 void ExpandGrey_scalar(uint32_t* to, const uint8_t* levels, size_t n);
 void ExpandGrey_sse2(uint32_t* to, const uint8_t* levels, size_t n);
 void ExpandGrey_avx2(uint32_t* to, const uint8_t* levels, size_t n);
@@ -55,6 +66,15 @@ void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const 
 void WeighRows_sse2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
 void WeighRows_avx2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
 void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
+
+void Interpolate_scalar(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+void Interpolate_avx2(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+void Interpolate_avx512(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+
+void Average_scalar(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
+                    size_t n);
+void Average_avx2(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
+                  size_t n);
 
 inline constexpr Variant<ExpandGreyFn> kExpandGrey[] = {
     {"avx512", Cpu::Avx512, &ExpandGrey_avx512},
@@ -88,6 +108,15 @@ inline constexpr Variant<WeighRowsFn> kWeighRows[] = {
     {"avx2", Cpu::Avx2, &WeighRows_avx2},
     {"sse2", Cpu::Sse2, &WeighRows_sse2},
     {"scalar", Cpu::Any, &WeighRows_scalar},
+};
+inline constexpr Variant<InterpolateFn> kInterpolate[] = {
+    {"avx512", Cpu::Avx512, &Interpolate_avx512},
+    {"avx2", Cpu::Avx2, &Interpolate_avx2},
+    {"scalar", Cpu::Any, &Interpolate_scalar},
+};
+inline constexpr Variant<AverageFn> kAverage[] = {
+    {"avx2", Cpu::Avx2, &Average_avx2},
+    {"scalar", Cpu::Any, &Average_scalar},
 };
 
 }  // namespace orlix

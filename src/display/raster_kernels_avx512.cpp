@@ -184,4 +184,23 @@ void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const 
     WeighRows_scalar(sums + i, a + i, aWeight, b + i, bWeight, n - i);
 }
 
+void Interpolate_avx512(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n) {
+    const __m512i half = _mm512_set1_epi32(1 << 23);
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const int32_t first = left[i], last = left[i + 15];
+        const int32_t base = first < last ? first : last;
+        const __m512i index = _mm512_sub_epi32(_mm512_loadu_si512(left + i), _mm512_set1_epi32(base));
+        const __m512i a = _mm512_permutexvar_epi32(index, _mm512_loadu_si512(sums + base));
+        const __m512i b = _mm512_permutexvar_epi32(index, _mm512_loadu_si512(sums + base + 1));
+        const __m512i shares = _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(share + i)));
+        // a (4096 - share) + b share, modulo 2^32 in between
+        const __m512i sum =
+            _mm512_add_epi32(_mm512_slli_epi32(a, 12), _mm512_mullo_epi32(_mm512_sub_epi32(b, a), shares));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i),
+                         _mm512_cvtepi32_epi8(_mm512_srli_epi32(_mm512_add_epi32(sum, half), 24)));
+    }
+    Interpolate_scalar(to + i, sums, left + i, share + i, n - i);
+}
+
 }  // namespace orlix

@@ -156,55 +156,97 @@ private:
     PickFn pick_ = Choose(kPick);
 };
 
+// Channels of some columns of rows. The last two rows are kept, which neighbours on the surface mostly share.
+class ChannelRows {
+public:
+    ChannelRows(const Rows& rows, const std::vector<int32_t>& columns)
+        : rows_(rows), columns_(columns), scratch_(2 * rows.channels() * columns.size()) {}
+
+    // Valid until two other rows of the channel have been asked for.
+    const uint8_t* Get(size_t channel, int32_t row) {
+        Kept& kept = kept_[channel][row == kept_[channel][0].row   ? 0
+                                    : row == kept_[channel][1].row ? 1
+                                                                   : next_[channel]];
+        const auto slot = static_cast<size_t>(&kept - kept_[channel]);
+        if (kept.row != row) {
+            uint8_t* const scratch = scratch_.data() + (2 * channel + slot) * columns_.size();
+            kept = {row, rows_.Channel(channel, row, columns_, scratch)};
+        }
+        next_[channel] = 1 - slot;
+        return kept.samples;
+    }
+
+private:
+    struct Kept {
+        int32_t row = -1;
+        const uint8_t* samples = nullptr;
+    };
+    const Rows& rows_;
+    const std::vector<int32_t>& columns_;
+    std::vector<uint8_t> scratch_;
+    Kept kept_[3][2];
+    size_t next_[3] = {};
+};
+
 // Neighbouring destination columns with the source columns that they are made of.
 class ColumnTile {
 public:
     // Destination pixels from index `first` on, up to `end` or until enough source columns have come together. The sums of
     // so many columns stay in the processor's fastest memory.
-    ColumnTile(const SmoothAxis& axis, int64_t origin, int64_t first, int64_t end, bool mirrored) : first_(first) {
+    ColumnTile(const SmoothAxis& axis, int64_t origin, int64_t first, int64_t end, bool mirrored)
+        : interpolates_(axis.interpolates()), first_(first) {
         constexpr size_t kEnough = 8192;
-        std::vector<WeightedPixel> pixels;
-        int64_t i = first;
-        for (; i < end && (i == first || columns_.size() < kEnough); ++i) {
-            axis.Get(i, pixels);
-            const auto positionOf = [&](const WeightedPixel& pixel) {
-                return static_cast<int32_t>(origin + pixel.position);
-            };
+        std::vector<std::vector<WeightedPixel>> pixels;
+        for (end_ = first; end_ < end && (end_ == first || columns_.size() < kEnough); ++end_) {
+            axis.Get(end_, pixels.emplace_back());
             size_t at = columns_.size();
-            while (at > 0 && columns_[at - 1] >= positionOf(pixels.front())) --at;
-            spans_.push_back({at, pixels.size(), weights_.size()});
-            for (const WeightedPixel& pixel : pixels) {
-                if (columns_.empty() || columns_.back() < positionOf(pixel)) columns_.push_back(positionOf(pixel));
-                weights_.push_back(pixel.weight);
+            while (at > 0 && columns_[at - 1] >= origin + pixels.back().front().position) --at;
+            starts_.push_back(static_cast<int32_t>(at));
+            for (const WeightedPixel& pixel : pixels.back()) {
+                const auto column = static_cast<int32_t>(origin + pixel.position);
+                if (columns_.empty() || columns_.back() < column) columns_.push_back(column);
             }
+            taps_ = std::max(taps_, pixels.back().size());
         }
-        end_ = i;
-        if (mirrored) std::reverse(spans_.begin(), spans_.end());
+        if (mirrored) {
+            std::reverse(starts_.begin(), starts_.end());
+            std::reverse(pixels.begin(), pixels.end());
+        }
+        taps_ = (taps_ + kTapsMultiple - 1) / kTapsMultiple * kTapsMultiple;
+        for (const std::vector<WeightedPixel>& of : pixels) {
+            if (interpolates_) {
+                weights_.push_back(of.size() == 2 ? of[1].weight : uint16_t{0});
+                continue;
+            }
+            for (const WeightedPixel& pixel : of) weights_.push_back(pixel.weight);
+            weights_.resize(weights_.size() + taps_ - of.size());
+        }
     }
 
     int64_t first() const { return first_; }
     int64_t end() const { return end_; }
+    size_t size() const { return starts_.size(); }
     const std::vector<int32_t>& columns() const { return columns_; }
-    size_t size() const { return spans_.size(); }
+    // Sums that Reduce may read: those of the columns, and any beyond.
+    size_t sums() const { return columns_.size() + std::max(taps_, kBeyond); }
 
     // sums: of weighted rows, one a source column.
     void Reduce(uint8_t* to, const uint32_t* sums) const {
-        for (size_t i = 0; i < spans_.size(); ++i) {
-            const Span& span = spans_[i];
-            uint32_t sum = 1u << 23;
-            for (size_t k = 0; k < span.count; ++k) sum += weights_[span.weight + k] * sums[span.column + k];
-            to[i] = static_cast<uint8_t>(sum >> 24);
-        }
+        if (interpolates_)
+            interpolate_(to, sums, starts_.data(), weights_.data(), size());
+        else
+            average_(to, sums, starts_.data(), weights_.data(), taps_, size());
     }
 
 private:
-    struct Span {
-        size_t column, count, weight;
-    };
+    bool interpolates_;
     int64_t first_, end_;
     std::vector<int32_t> columns_;
-    std::vector<Span> spans_;
-    std::vector<uint16_t> weights_;
+    std::vector<int32_t> starts_;    // index of the first source column of each destination column, from left to right
+    size_t taps_ = 0;                // for each of them
+    std::vector<uint16_t> weights_;  // taps_ each; that of the second one only when interpolating
+    InterpolateFn interpolate_ = Choose(kInterpolate);
+    AverageFn average_ = Choose(kAverage);
 };
 
 }  // namespace
@@ -268,31 +310,29 @@ void RasterSurface::DrawSmooth(const RasterPicture& picture, const Rectangle& so
     const Axis alongX(source.x, source.width, dest.x, dest.width), alongY(source.y, source.height, dest.y, dest.height);
     const SmoothAxis smoothX(alongX.sourceLength(), alongX.length()), smoothY(alongY.sourceLength(), alongY.length());
     const auto [firstIndex, lastIndex] = std::minmax({alongX.Index(visible.x), alongX.Index(visible.right() - 1)});
+    const size_t channels = rows.channels();
     std::vector<WeightedPixel> taps;
-    std::vector<uint8_t> scratch, reduced;
+    std::vector<uint8_t> reduced;
     std::vector<uint32_t> sums;
     for (int64_t index = firstIndex; index <= lastIndex;) {
         const ColumnTile tile(smoothX, source.x, index, lastIndex + 1, alongX.mirrored());
         index = tile.end();
         const int64_t left = alongX.mirrored() ? dest.x - tile.end() : dest.x + tile.first();
-        const std::vector<int32_t>& columns = tile.columns();
-        const size_t n = columns.size();
-        scratch.resize(2 * n);
-        reduced.resize(3 * tile.size());
+        ChannelRows channelRows(rows, tile.columns());
+        sums.assign(tile.sums(), 0);
+        reduced.resize(channels * tile.size());
         for (int64_t y = visible.y; y < visible.bottom(); ++y) {
             smoothY.Get(alongY.Index(y), taps);
-            for (size_t channel = 0; channel < rows.channels(); ++channel) {
-                sums.assign(n, 0);
+            const auto rowOf = [&](size_t k) { return static_cast<int32_t>(source.y + taps[k].position); };
+            for (size_t channel = 0; channel < channels; ++channel) {
+                std::fill_n(sums.begin(), tile.columns().size(), 0u);
                 for (size_t k = 0; k < taps.size(); k += 2) {
-                    const auto channelOf = [&](const WeightedPixel& tap, uint8_t* space) {
-                        return rows.Channel(channel, static_cast<int32_t>(source.y + tap.position), columns, space);
-                    };
-                    const uint8_t* const a = channelOf(taps[k], scratch.data());
+                    const uint8_t* const a = channelRows.Get(channel, rowOf(k));
                     if (k + 1 == taps.size())
-                        weighRows(sums.data(), a, taps[k].weight, a, 0, n);
+                        weighRows(sums.data(), a, taps[k].weight, a, 0, tile.columns().size());
                     else
-                        weighRows(sums.data(), a, taps[k].weight, channelOf(taps[k + 1], scratch.data() + n),
-                                  taps[k + 1].weight, n);
+                        weighRows(sums.data(), a, taps[k].weight, channelRows.Get(channel, rowOf(k + 1)),
+                                  taps[k + 1].weight, tile.columns().size());
                 }
                 tile.Reduce(reduced.data() + channel * tile.size(), sums.data());
             }

@@ -16,7 +16,7 @@ WeightedPixel At(uint64_t position, uint64_t weight) {
 void SmoothAxis::Get(int64_t i, std::vector<WeightedPixel>& pixels) const {
     pixels.clear();
     const auto index = static_cast<uint64_t>(i);
-    if (dest_ >= source_) {
+    if (interpolates()) {
         // The centre lies (2 i + 1) source / (2 dest) - 1/2 from that of source pixel 0.
         const uint64_t center = (2 * index + 1) * source_;
         const uint64_t fromFirst = center < dest_ ? 0 : center - dest_;

@@ -26,6 +26,9 @@ public:
     SmoothAxis(int64_t source, int64_t dest)
         : source_(static_cast<uint64_t>(source)), dest_(static_cast<uint64_t>(dest)) {}
 
+    // At most two source pixels for each destination pixel, and the first moves on by at most 1 from pixel to pixel.
+    bool interpolates() const { return dest_ >= source_; }
+
     // In ascending positions; consecutive ones but in the last case. From pixel to pixel they overlap or follow each other.
     void Get(int64_t i, std::vector<WeightedPixel>& pixels) const;
 

@@ -56,6 +56,58 @@ TEST(RasterKernel, EveryVariantOfWeighingEqualsTheDefinition) {
         });
 }
 
+TEST(RasterKernel, EveryVariantOfReducingEqualsTheDefinition) {
+    std::mt19937 random(3);
+    const auto sumsOf = [&](size_t n) {
+        std::vector<uint32_t> sums(n);
+        for (uint32_t& sum : sums)
+            sum = random() % 5 == 0 ? 255 * 4096 : static_cast<uint32_t>(random() % (255 * 4096));
+        return sums;
+    };
+    for (const size_t n : kAwkwardSizes)
+        for (const size_t perMille : {0, 1, 300, 990, 1000})
+            for (const bool falling : {false, true}) {
+                std::vector<int32_t> left(n);
+                std::vector<uint16_t> share(n);
+                for (size_t i = 0; i < n; ++i) {
+                    left[i] = static_cast<int32_t>(i * perMille / 1000);
+                    share[i] = static_cast<uint16_t>(random() % 4097);
+                }
+                if (falling) std::reverse(left.begin(), left.end());
+                const std::vector<uint32_t> sums = sumsOf(n + kBeyond);
+                std::vector<uint8_t> want(n);
+                Interpolate_scalar(want.data(), sums.data(), left.data(), share.data(), n);
+                for (const auto& variant : SupportedOnThisCpu(kInterpolate)) {
+                    Guarded<uint8_t> got(std::vector<uint8_t>(n), n % 3);
+                    variant.fn(got.data(), sums.data(), left.data(), share.data(), n);
+                    ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                    ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+                }
+            }
+    for (const size_t n : kAwkwardSizes)
+        for (const size_t taps : {8, 16, 72}) {
+            std::vector<int32_t> first(n);
+            std::vector<uint16_t> weights(n * taps);
+            for (size_t i = 0; i < n; ++i) {
+                first[i] = static_cast<int32_t>(i * 5);
+                for (size_t left = 4096, k = 0; k < taps; ++k) {
+                    const size_t weight = k + 1 == taps ? left : random() % (left + 1);
+                    weights[i * taps + k] = static_cast<uint16_t>(weight);
+                    left -= weight;
+                }
+            }
+            const std::vector<uint32_t> sums = sumsOf(5 * n + taps);
+            std::vector<uint8_t> want(n);
+            Average_scalar(want.data(), sums.data(), first.data(), weights.data(), taps, n);
+            for (const auto& variant : SupportedOnThisCpu(kAverage)) {
+                Guarded<uint8_t> got(std::vector<uint8_t>(n), n % 3);
+                variant.fn(got.data(), sums.data(), first.data(), weights.data(), taps, n);
+                ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+            }
+        }
+}
+
 TEST(RasterKernel, KnownPixels) {
     const uint8_t samples[] = {0x12, 0x34, 0x56};
     uint32_t pixel = 0;
