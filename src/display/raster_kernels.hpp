@@ -8,11 +8,10 @@
 
 namespace orlix {
 
-// The colours of the 256 levels, whole and by channel. When grey, red, green and blue of each level are equal.
+// The colours of the 256 levels, whole and by channel.
 struct LevelColors {
     uint32_t pixels[256];
     uint8_t red[256], green[256], blue[256];
-    bool grey;
 };
 
 // to and the samples do not overlap. Nothing outside the n pixels and their samples is accessed.
@@ -34,9 +33,9 @@ using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight,
 //   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left does not
 //                decrease or does not increase, by at most 1 from one to the next. kBeyond sums beyond the last that counts
 //                may be read.
-//   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is a multiple
-//                of kTapsMultiple; what reaches beyond a pixel's own columns has the weight 0, and may be read.
-inline constexpr size_t kBeyond = 17, kTapsMultiple = 8;
+//   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is 4 or
+//                a multiple of 8; what reaches beyond a pixel's own columns has the weight 0, and may be read.
+inline constexpr size_t kBeyond = 17;
 using InterpolateFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
 using AverageFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights,
                            size_t taps, size_t n);

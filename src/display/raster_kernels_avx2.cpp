@@ -155,7 +155,26 @@ void Interpolate_avx2(uint8_t* to, const uint32_t* sums, const int32_t* left, co
 void Average_avx2(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
                   size_t n) {
     size_t i = 0;
-    for (; i + 4 <= n; i += 4) {
+    for (; taps == 4 && i + 8 <= n; i += 8) {
+        __m256i parts[4];  // of two pixels each
+        for (size_t j = 0; j < 4; ++j) {
+            const auto sumsOf = [&](size_t pixel) {
+                return _mm_loadu_si128(reinterpret_cast<const __m128i*>(sums + first[i + pixel]));
+            };
+            const __m256i v = _mm256_inserti128_si256(_mm256_castsi128_si256(sumsOf(2 * j)), sumsOf(2 * j + 1), 1);
+            const uint16_t* const weight = weights + (i + 2 * j) * 4;
+            parts[j] =
+                _mm256_mullo_epi32(v, _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(weight))));
+        }
+        // Even pixels in the low half, odd ones in the high half.
+        const __m256i sum =
+            _mm256_hadd_epi32(_mm256_hadd_epi32(parts[0], parts[1]), _mm256_hadd_epi32(parts[2], parts[3]));
+        const __m256i result = _mm256_srli_epi32(_mm256_add_epi32(sum, _mm256_set1_epi32(1 << 23)), 24);
+        const __m128i pixels =
+            _mm_or_si128(_mm256_castsi256_si128(result), _mm_slli_epi32(_mm256_extracti128_si256(result, 1), 16));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to + i), _mm_packus_epi16(pixels, pixels));
+    }
+    for (; taps % 8 == 0 && i + 4 <= n; i += 4) {
         __m256i parts[4];
         for (size_t j = 0; j < 4; ++j) {
             const uint32_t* const from = sums + first[i + j];

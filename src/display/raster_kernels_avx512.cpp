@@ -85,12 +85,7 @@ void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n) {
 }
 
 void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors) {
-    const Table red = LoadTable(colors.red);
-    if (colors.grey) {
-        ForEach64(n, [&](size_t i, size_t count) { WriteGrey(to + i, LookUp(red, Load(levels + i, count)), count); });
-        return;
-    }
-    const Table green = LoadTable(colors.green), blue = LoadTable(colors.blue);
+    const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
     ForEach64(n, [&](size_t i, size_t count) {
         const __m512i v = Load(levels + i, count);
         WriteColor(to + i, LookUp(red, v), LookUp(green, v), LookUp(blue, v), count);

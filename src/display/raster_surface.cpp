@@ -6,6 +6,7 @@
 
 #include "display/raster_kernels.hpp"
 #include "display/smooth_axis.hpp"
+#include "process/point_operations.hpp"
 
 namespace orlix {
 namespace {
@@ -41,37 +42,36 @@ private:
     bool mirrored_;
 };
 
-LevelColors Prepared(const uint32_t* colors) {
-    LevelColors prepared;
-    prepared.grey = true;
+LevelColors ColorsOf(const RasterPicture& picture) {
+    LevelColors colors = {};
+    if (picture.layout != Layout::Levels) return colors;
     for (size_t i = 0; i < 256; ++i) {
-        prepared.pixels[i] = colors[i] & 0xffffff;
-        prepared.red[i] = static_cast<uint8_t>(colors[i] >> 16);
-        prepared.green[i] = static_cast<uint8_t>(colors[i] >> 8);
-        prepared.blue[i] = static_cast<uint8_t>(colors[i]);
-        prepared.grey = prepared.grey && prepared.red[i] == prepared.green[i] && prepared.red[i] == prepared.blue[i];
+        colors.pixels[i] = picture.colors[i] & 0xffffff;
+        colors.red[i] = static_cast<uint8_t>(picture.colors[i] >> 16);
+        colors.green[i] = static_cast<uint8_t>(picture.colors[i] >> 8);
+        colors.blue[i] = static_cast<uint8_t>(picture.colors[i]);
     }
-    return prepared;
-}
-
-bool IsRamp(const LevelColors& colors) {
-    for (uint32_t i = 0; i < 256; ++i)
-        if (colors.pixels[i] != i * 0x010101u) return false;
-    return true;
+    return colors;
 }
 
 // The picture with the kernels that its layout asks for.
 class Rows {
 public:
-    explicit Rows(const RasterPicture& picture) : picture_(picture) {
-        if (picture.layout == Layout::Levels) {
-            colors_ = Prepared(picture.colors);
-            ramp_ = IsRamp(colors_);
+    explicit Rows(const RasterPicture& picture)
+        : picture_(picture),
+          colors_(ColorsOf(picture)),
+          tables_{PointOperation<uint8_t>::LookUp(colors_.red), PointOperation<uint8_t>::LookUp(colors_.green),
+                  PointOperation<uint8_t>::LookUp(colors_.blue)} {
+        grey_ = picture.layout == Layout::Levels;
+        ramp_ = grey_;
+        for (uint32_t i = 0; i < 256; ++i) {
+            grey_ = grey_ && colors_.pixels[i] == colors_.blue[i] * 0x010101u;
+            ramp_ = ramp_ && colors_.pixels[i] == i * 0x010101u;
         }
     }
 
     // 1 when all channels are equal.
-    size_t channels() const { return picture_.layout == Layout::Levels && colors_.grey ? 1 : 3; }
+    size_t channels() const { return grey_ ? 1 : 3; }
 
     // Columns first .. first + n - 1.
     void Expand(uint32_t* to, int32_t row, int32_t first, size_t n) const {
@@ -122,8 +122,8 @@ public:
             samples = scratch;
         }
         if (picture_.layout == Layout::Planes || ramp_) return samples;
-        const uint8_t* const table = channel == 0 ? colors_.red : channel == 1 ? colors_.green : colors_.blue;
-        for (size_t i = 0; i < n; ++i) scratch[i] = table[samples[i]];
+        if (samples != scratch) std::memcpy(scratch, samples, n);
+        tables_[channel](scratch, n);
         return scratch;
     }
 
@@ -140,15 +140,21 @@ private:
         return picture_.planes[plane] + ptrdiff_t{row} * picture_.stride;
     }
     void ExpandLevels(uint32_t* to, const uint8_t* levels, size_t n) const {
-        if (ramp_)
-            expandGrey_(to, levels, n);
-        else
-            expandLevels_(to, levels, n, colors_);
+        if (ramp_) return expandGrey_(to, levels, n);
+        if (!grey_) return expandLevels_(to, levels, n, colors_);
+        uint8_t part[2048];
+        for (size_t i = 0; i < n; i += sizeof part) {
+            const size_t count = std::min(n - i, sizeof part);
+            std::memcpy(part, levels + i, count);
+            tables_[0](part, count);
+            expandGrey_(to + i, part, count);
+        }
     }
 
     const RasterPicture& picture_;
-    LevelColors colors_ = {};
-    bool ramp_ = false;
+    LevelColors colors_;  // of levels, as all up to ramp_
+    PointOperation<uint8_t> tables_[3];
+    bool grey_, ramp_;  // ramp: each level is its own grey
     ExpandGreyFn expandGrey_ = Choose(kExpandGrey);
     ExpandLevelsFn expandLevels_ = Choose(kExpandLevels);
     ExpandPlanesFn expandPlanes_ = Choose(kExpandPlanes);
@@ -212,7 +218,7 @@ public:
             std::reverse(starts_.begin(), starts_.end());
             std::reverse(pixels.begin(), pixels.end());
         }
-        taps_ = (taps_ + kTapsMultiple - 1) / kTapsMultiple * kTapsMultiple;
+        taps_ = taps_ <= 4 ? 4 : (taps_ + 7) / 8 * 8;
         for (const std::vector<WeightedPixel>& of : pixels) {
             if (interpolates_) {
                 weights_.push_back(of.size() == 2 ? of[1].weight : uint16_t{0});
