@@ -140,6 +140,16 @@ std::optional<View> MakeView(int32_t width, int32_t height, double factor, doubl
     return ViewOf(source, Fitted(source, dest, placing));
 }
 
+std::optional<View> MakeUnscaledView(int32_t width, int32_t height, const Rectangle& dest, int32_t sourceX,
+                                     int32_t sourceY) {
+    const Rectangle wanted{sourceX, sourceY, std::abs(dest.width), std::abs(dest.height)};
+    const Rectangle source = Intersection(wanted, {0, 0, width, height});
+    if (source.empty()) return std::nullopt;
+    const int64_t alongX = dest.width < 0 ? -1 : 1, alongY = dest.height < 0 ? -1 : 1;
+    return ViewOf(source, {dest.x + alongX * (source.x - sourceX), dest.y + alongY * (source.y - sourceY),
+                           alongX * source.width, alongY * source.height});
+}
+
 std::array<Rectangle, 4> SurroundBands(const Rectangle& dest, const Rectangle& fitted) {
     const Rectangle all = Normalized(dest), in = Normalized(fitted);
     return {{{all.x, all.y, in.x - all.x, all.height},

@@ -72,6 +72,11 @@ View ViewOf(const Rectangle& source, const Rectangle& fitted);
 std::optional<View> MakeView(int32_t width, int32_t height, double factor, double centerX, double centerY,
                              const Rectangle& dest, Placing placing);
 
+// One surface pixel for each image pixel: pixel (sourceX, sourceY) lies where dest begins. Shows the part of dest that holds
+// pixels of the image; nothing when there is none.
+std::optional<View> MakeUnscaledView(int32_t width, int32_t height, const Rectangle& dest, int32_t sourceX,
+                                     int32_t sourceY);
+
 // What of dest the fitted rectangle inside it leaves over: left, top, bottom, right. Disjoint; sizes >= 0, any may be empty.
 std::array<Rectangle, 4> SurroundBands(const Rectangle& dest, const Rectangle& fitted);
 

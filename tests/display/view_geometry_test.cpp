@@ -178,6 +178,33 @@ TEST(ViewGeometry, ShowsMoreOfTheImageBeforeItLeavesBars) {
     EXPECT_FALSE(MakeView(640, 0, 1, 0, 0, {0, 0, 5, 5}, Placing::Centred));
 }
 
+TEST(ViewGeometry, ShowsPixelForPixelWhereTheImageIs) {
+    struct Case {
+        const char* what;
+        Rectangle dest;
+        int32_t x, y;
+        Rectangle source, shown;
+    };
+    const Case cases[] = {
+        {"inside", {100, 50, 8, 6}, 10, 20, {10, 20, 8, 6}, {100, 50, 8, 6}},
+        {"left and top of it", {100, 50, 8, 6}, -3, -2, {0, 0, 5, 4}, {103, 52, 5, 4}},
+        {"right and bottom of it", {100, 50, 8, 6}, 35, 28, {35, 28, 5, 2}, {100, 50, 5, 2}},
+        {"mirrored", {100, 50, -8, -6}, -3, 28, {0, 28, 5, 2}, {97, 50, -5, -2}},
+        {"all of it", {0, 0, INT32_MAX, INT32_MIN}, -7, -7, {0, 0, 40, 30}, {7, -7, 40, -30}},
+    };
+    for (const Case& c : cases) {
+        const auto view = MakeUnscaledView(40, 30, c.dest, c.x, c.y);
+        ASSERT_TRUE(view) << c.what;
+        EXPECT_EQ(c.source, view->source) << c.what;
+        EXPECT_EQ(c.shown, view->dest) << c.what;
+        EXPECT_EQ(1.0, std::fabs(view->toDest.Matrix.A11)) << c.what;
+    }
+    for (const auto& [x, y] : {std::pair{40, 0}, {0, 30}, {-8, 0}, {INT32_MIN, 0}, {0, INT32_MAX}})
+        EXPECT_FALSE(MakeUnscaledView(40, 30, {0, 0, 8, 6}, x, y)) << x << ", " << y;
+    EXPECT_FALSE(MakeUnscaledView(40, 30, {0, 0, 0, 6}, 0, 0));
+    EXPECT_FALSE(MakeUnscaledView(0, 0, {0, 0, 8, 6}, 0, 0));
+}
+
 TEST(ViewGeometry, BandsAndPictureCoverTheDestinationOnce) {
     for (const Rectangle& dest : {Rectangle{2, 3, 9, 4}, {11, 3, -9, 4}, {2, 7, 4, -4}, {6, 14, -4, -11}, {2, 3, 4, 4}})
         for (const Placing placing : {Placing::Centred, Placing::TopLeft}) {
