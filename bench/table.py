@@ -102,6 +102,19 @@ def outlines(rates):
             row(operation, f"{size / rate * 1e3:.1f}", ", ".join(peers) or "-")
 
 
+def raster(rates):
+    print("A window of 1920 x 1080 pixels of 32 bits onto a picture of 4096 x 4096: rates in 10^9 pixels of the window a second and, in\n"
+          "brackets, against memcpy of the window. The part of the picture that is shown is named first.\n")
+    row("part and scaling", "figures")
+    row("---", "---")
+    copied = rates["window", "u8", 4096, "memcpy"]
+    groups = collections.defaultdict(list)
+    for (operation, _, _, who), rate in rates.items():
+        groups[operation].append(f"{who} {rate / 1e9:.2f} ({ratio(rate, copied)})")
+    for operation, figures in groups.items():
+        row(operation, ", ".join(figures))
+
+
 def main():
     rates, context = read(sys.argv[1])
     machine(sys.argv[2], context)
@@ -112,6 +125,8 @@ def main():
         robust(rates)
     elif any(key[3] == "orlix" for key in rates):
         outlines(rates)
+    elif any(key[0] == "window" for key in rates):
+        raster(rates)
     elif any(key[0] == "memcpy" or key[3] == "whole" for key in rates):
         interface(rates)
     else:

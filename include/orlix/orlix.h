@@ -114,6 +114,30 @@ interface IPictureEx;
 #endif /* __cplusplus */
 #endif
 
+#ifndef __IPictureExZoom_FWD_DEFINED__
+#define __IPictureExZoom_FWD_DEFINED__
+typedef interface IPictureExZoom IPictureExZoom;
+#ifdef __cplusplus
+interface IPictureExZoom;
+#endif /* __cplusplus */
+#endif
+
+#ifndef __IPictureExZoomDisp_FWD_DEFINED__
+#define __IPictureExZoomDisp_FWD_DEFINED__
+typedef interface IPictureExZoomDisp IPictureExZoomDisp;
+#ifdef __cplusplus
+interface IPictureExZoomDisp;
+#endif /* __cplusplus */
+#endif
+
+#ifndef __IPictureExEvents_FWD_DEFINED__
+#define __IPictureExEvents_FWD_DEFINED__
+typedef interface IPictureExEvents IPictureExEvents;
+#ifdef __cplusplus
+interface IPictureExEvents;
+#endif /* __cplusplus */
+#endif
+
 #ifndef __IGraphicOverlay_FWD_DEFINED__
 #define __IGraphicOverlay_FWD_DEFINED__
 typedef interface IGraphicOverlay IGraphicOverlay;
@@ -231,14 +255,6 @@ interface IVBHelper;
 typedef interface IHistogramDialog IHistogramDialog;
 #ifdef __cplusplus
 interface IHistogramDialog;
-#endif /* __cplusplus */
-#endif
-
-#ifndef __IPictureExEvents_FWD_DEFINED__
-#define __IPictureExEvents_FWD_DEFINED__
-typedef interface IPictureExEvents IPictureExEvents;
-#ifdef __cplusplus
-interface IPictureExEvents;
 #endif /* __cplusplus */
 #endif
 
@@ -562,6 +578,12 @@ typedef enum PolarityType {
     PT_Outside = 1,
     PT_Frame = 2
 } PolarityType;
+typedef enum RenderSourceType {
+    RST_Display = 3,
+    RST_Metafile = 4,
+    RST_Memory = 10,
+    RST_EnhancedMetafile = 12
+} RenderSourceType;
 typedef enum GrayExtractMeasurementType {
     GEMT_GrayLocation = 1,
     GEMT_GrayStatistics = 2
@@ -2792,6 +2814,77 @@ IPictureEx : public IUnknown
     virtual HRESULT STDMETHODCALLTYPE get_PixelToDestCoords(
         TCoordinateMap *hVal) = 0;
 
+    virtual HRESULT STDMETHODCALLTYPE get_Width(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Height(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_DestRect(
+        RECT *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_Surround(
+        OLE_COLOR *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_Surround(
+        OLE_COLOR newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE Render(
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RenderTopLeft(
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RenderBlt(
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RenderStretch(
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY,
+        LONG SourceWidth,
+        LONG SourceHeight) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE CreateHBITMAP(
+        void *hdc,
+        void **hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE CreateDIBSection(
+        void **Bits,
+        void **hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE AttachBuffer(
+        void *pBuffer,
+        LONG Width,
+        LONG Height,
+        LONG BitsPerPixel) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE GetPixelInfo(
+        LONG DestX,
+        LONG DestY,
+        double *X,
+        double *Y,
+        double *Value,
+        OLE_COLOR *Color) = 0;
+
 };
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IPictureEx, 0xfa5a4954, 0xfb40, 0x44c5, 0x9c,0x5b, 0x60,0x41,0x08,0x43,0xd9,0xce)
@@ -2821,6 +2914,90 @@ typedef struct IPictureExVtbl {
         IPictureEx *This,
         TCoordinateMap *hVal);
 
+    HRESULT (STDMETHODCALLTYPE *get_Width)(
+        IPictureEx *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Height)(
+        IPictureEx *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_DestRect)(
+        IPictureEx *This,
+        RECT *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Surround)(
+        IPictureEx *This,
+        OLE_COLOR *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_Surround)(
+        IPictureEx *This,
+        OLE_COLOR newVal);
+
+    HRESULT (STDMETHODCALLTYPE *Render)(
+        IPictureEx *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *RenderTopLeft)(
+        IPictureEx *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *RenderBlt)(
+        IPictureEx *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY);
+
+    HRESULT (STDMETHODCALLTYPE *RenderStretch)(
+        IPictureEx *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY,
+        LONG SourceWidth,
+        LONG SourceHeight);
+
+    HRESULT (STDMETHODCALLTYPE *CreateHBITMAP)(
+        IPictureEx *This,
+        void *hdc,
+        void **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *CreateDIBSection)(
+        IPictureEx *This,
+        void **Bits,
+        void **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *AttachBuffer)(
+        IPictureEx *This,
+        void *pBuffer,
+        LONG Width,
+        LONG Height,
+        LONG BitsPerPixel);
+
+    HRESULT (STDMETHODCALLTYPE *GetPixelInfo)(
+        IPictureEx *This,
+        LONG DestX,
+        LONG DestY,
+        double *X,
+        double *Y,
+        double *Value,
+        OLE_COLOR *Color);
+
     END_INTERFACE
 } IPictureExVtbl;
 
@@ -2837,6 +3014,19 @@ interface IPictureEx {
 /*** IPictureEx methods ***/
 #define IPictureEx_get_DestToPixelCoords(This,hVal) (This)->lpVtbl->get_DestToPixelCoords(This,hVal)
 #define IPictureEx_get_PixelToDestCoords(This,hVal) (This)->lpVtbl->get_PixelToDestCoords(This,hVal)
+#define IPictureEx_get_Width(This,hVal) (This)->lpVtbl->get_Width(This,hVal)
+#define IPictureEx_get_Height(This,hVal) (This)->lpVtbl->get_Height(This,hVal)
+#define IPictureEx_get_DestRect(This,hVal) (This)->lpVtbl->get_DestRect(This,hVal)
+#define IPictureEx_get_Surround(This,hVal) (This)->lpVtbl->get_Surround(This,hVal)
+#define IPictureEx_put_Surround(This,newVal) (This)->lpVtbl->put_Surround(This,newVal)
+#define IPictureEx_Render(This,hdcDest,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->Render(This,hdcDest,DestX,DestY,DestWidth,DestHeight)
+#define IPictureEx_RenderTopLeft(This,hdcDest,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->RenderTopLeft(This,hdcDest,DestX,DestY,DestWidth,DestHeight)
+#define IPictureEx_RenderBlt(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY) (This)->lpVtbl->RenderBlt(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY)
+#define IPictureEx_RenderStretch(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight) (This)->lpVtbl->RenderStretch(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight)
+#define IPictureEx_CreateHBITMAP(This,hdc,hVal) (This)->lpVtbl->CreateHBITMAP(This,hdc,hVal)
+#define IPictureEx_CreateDIBSection(This,Bits,hVal) (This)->lpVtbl->CreateDIBSection(This,Bits,hVal)
+#define IPictureEx_AttachBuffer(This,pBuffer,Width,Height,BitsPerPixel) (This)->lpVtbl->AttachBuffer(This,pBuffer,Width,Height,BitsPerPixel)
+#define IPictureEx_GetPixelInfo(This,DestX,DestY,X,Y,Value,Color) (This)->lpVtbl->GetPixelInfo(This,DestX,DestY,X,Y,Value,Color)
 #else
 /*** IUnknown methods ***/
 static FORCEINLINE HRESULT IPictureEx_QueryInterface(IPictureEx* This,REFIID riid,void **ppvObject) {
@@ -2855,6 +3045,45 @@ static FORCEINLINE HRESULT IPictureEx_get_DestToPixelCoords(IPictureEx* This,TCo
 static FORCEINLINE HRESULT IPictureEx_get_PixelToDestCoords(IPictureEx* This,TCoordinateMap *hVal) {
     return This->lpVtbl->get_PixelToDestCoords(This,hVal);
 }
+static FORCEINLINE HRESULT IPictureEx_get_Width(IPictureEx* This,LONG *hVal) {
+    return This->lpVtbl->get_Width(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_get_Height(IPictureEx* This,LONG *hVal) {
+    return This->lpVtbl->get_Height(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_get_DestRect(IPictureEx* This,RECT *hVal) {
+    return This->lpVtbl->get_DestRect(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_get_Surround(IPictureEx* This,OLE_COLOR *hVal) {
+    return This->lpVtbl->get_Surround(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_put_Surround(IPictureEx* This,OLE_COLOR newVal) {
+    return This->lpVtbl->put_Surround(This,newVal);
+}
+static FORCEINLINE HRESULT IPictureEx_Render(IPictureEx* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->Render(This,hdcDest,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureEx_RenderTopLeft(IPictureEx* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->RenderTopLeft(This,hdcDest,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureEx_RenderBlt(IPictureEx* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight,LONG SourceX,LONG SourceY) {
+    return This->lpVtbl->RenderBlt(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY);
+}
+static FORCEINLINE HRESULT IPictureEx_RenderStretch(IPictureEx* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight,LONG SourceX,LONG SourceY,LONG SourceWidth,LONG SourceHeight) {
+    return This->lpVtbl->RenderStretch(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight);
+}
+static FORCEINLINE HRESULT IPictureEx_CreateHBITMAP(IPictureEx* This,void *hdc,void **hVal) {
+    return This->lpVtbl->CreateHBITMAP(This,hdc,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_CreateDIBSection(IPictureEx* This,void **Bits,void **hVal) {
+    return This->lpVtbl->CreateDIBSection(This,Bits,hVal);
+}
+static FORCEINLINE HRESULT IPictureEx_AttachBuffer(IPictureEx* This,void *pBuffer,LONG Width,LONG Height,LONG BitsPerPixel) {
+    return This->lpVtbl->AttachBuffer(This,pBuffer,Width,Height,BitsPerPixel);
+}
+static FORCEINLINE HRESULT IPictureEx_GetPixelInfo(IPictureEx* This,LONG DestX,LONG DestY,double *X,double *Y,double *Value,OLE_COLOR *Color) {
+    return This->lpVtbl->GetPixelInfo(This,DestX,DestY,X,Y,Value,Color);
+}
 #endif
 #endif
 
@@ -2862,6 +3091,614 @@ static FORCEINLINE HRESULT IPictureEx_get_PixelToDestCoords(IPictureEx* This,TCo
 
 
 #endif  /* __IPictureEx_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
+ * IPictureExZoom interface
+ */
+#ifndef __IPictureExZoom_INTERFACE_DEFINED__
+#define __IPictureExZoom_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IPictureExZoom, 0x814cd6d8, 0x6d66, 0x4e3e, 0x84,0x55, 0xa5,0x34,0xa6,0x5f,0x1b,0x2e);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("814cd6d8-6d66-4e3e-8455-a534a65f1b2e")
+IPictureExZoom : public IPictureEx
+{
+    virtual HRESULT STDMETHODCALLTYPE get_ZoomFactor(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_ZoomFactor(
+        double newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_ZoomCenterX(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_ZoomCenterX(
+        double newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE get_ZoomCenterY(
+        double *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_ZoomCenterY(
+        double newVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ResetZoom(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ZoomInFromPoint(
+        LONG DestX,
+        LONG DestY) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ZoomOutFromPoint(
+        LONG DestX,
+        LONG DestY) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ZoomFromRectangle(
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ZoomIn(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ZoomOut(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE PanLeft(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE PanRight(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ScrollUp(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE ScrollDown(
+        ) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE PanScrollFromPoints(
+        LONG FirstDestX,
+        LONG FirstDestY,
+        LONG SecondDestX,
+        LONG SecondDestY) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPictureExZoom, 0x814cd6d8, 0x6d66, 0x4e3e, 0x84,0x55, 0xa5,0x34,0xa6,0x5f,0x1b,0x2e)
+#endif
+#else
+typedef struct IPictureExZoomVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPictureExZoom *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPictureExZoom *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPictureExZoom *This);
+
+    /*** IPictureEx methods ***/
+    HRESULT (STDMETHODCALLTYPE *get_DestToPixelCoords)(
+        IPictureExZoom *This,
+        TCoordinateMap *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_PixelToDestCoords)(
+        IPictureExZoom *This,
+        TCoordinateMap *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Width)(
+        IPictureExZoom *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Height)(
+        IPictureExZoom *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_DestRect)(
+        IPictureExZoom *This,
+        RECT *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_Surround)(
+        IPictureExZoom *This,
+        OLE_COLOR *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_Surround)(
+        IPictureExZoom *This,
+        OLE_COLOR newVal);
+
+    HRESULT (STDMETHODCALLTYPE *Render)(
+        IPictureExZoom *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *RenderTopLeft)(
+        IPictureExZoom *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *RenderBlt)(
+        IPictureExZoom *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY);
+
+    HRESULT (STDMETHODCALLTYPE *RenderStretch)(
+        IPictureExZoom *This,
+        void *hdcDest,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY,
+        LONG SourceWidth,
+        LONG SourceHeight);
+
+    HRESULT (STDMETHODCALLTYPE *CreateHBITMAP)(
+        IPictureExZoom *This,
+        void *hdc,
+        void **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *CreateDIBSection)(
+        IPictureExZoom *This,
+        void **Bits,
+        void **hVal);
+
+    HRESULT (STDMETHODCALLTYPE *AttachBuffer)(
+        IPictureExZoom *This,
+        void *pBuffer,
+        LONG Width,
+        LONG Height,
+        LONG BitsPerPixel);
+
+    HRESULT (STDMETHODCALLTYPE *GetPixelInfo)(
+        IPictureExZoom *This,
+        LONG DestX,
+        LONG DestY,
+        double *X,
+        double *Y,
+        double *Value,
+        OLE_COLOR *Color);
+
+    /*** IPictureExZoom methods ***/
+    HRESULT (STDMETHODCALLTYPE *get_ZoomFactor)(
+        IPictureExZoom *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_ZoomFactor)(
+        IPictureExZoom *This,
+        double newVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_ZoomCenterX)(
+        IPictureExZoom *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_ZoomCenterX)(
+        IPictureExZoom *This,
+        double newVal);
+
+    HRESULT (STDMETHODCALLTYPE *get_ZoomCenterY)(
+        IPictureExZoom *This,
+        double *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_ZoomCenterY)(
+        IPictureExZoom *This,
+        double newVal);
+
+    HRESULT (STDMETHODCALLTYPE *ResetZoom)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *ZoomInFromPoint)(
+        IPictureExZoom *This,
+        LONG DestX,
+        LONG DestY);
+
+    HRESULT (STDMETHODCALLTYPE *ZoomOutFromPoint)(
+        IPictureExZoom *This,
+        LONG DestX,
+        LONG DestY);
+
+    HRESULT (STDMETHODCALLTYPE *ZoomFromRectangle)(
+        IPictureExZoom *This,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *ZoomIn)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *ZoomOut)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *PanLeft)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *PanRight)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *ScrollUp)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *ScrollDown)(
+        IPictureExZoom *This);
+
+    HRESULT (STDMETHODCALLTYPE *PanScrollFromPoints)(
+        IPictureExZoom *This,
+        LONG FirstDestX,
+        LONG FirstDestY,
+        LONG SecondDestX,
+        LONG SecondDestY);
+
+    END_INTERFACE
+} IPictureExZoomVtbl;
+
+interface IPictureExZoom {
+    CONST_VTBL IPictureExZoomVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPictureExZoom_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPictureExZoom_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPictureExZoom_Release(This) (This)->lpVtbl->Release(This)
+/*** IPictureEx methods ***/
+#define IPictureExZoom_get_DestToPixelCoords(This,hVal) (This)->lpVtbl->get_DestToPixelCoords(This,hVal)
+#define IPictureExZoom_get_PixelToDestCoords(This,hVal) (This)->lpVtbl->get_PixelToDestCoords(This,hVal)
+#define IPictureExZoom_get_Width(This,hVal) (This)->lpVtbl->get_Width(This,hVal)
+#define IPictureExZoom_get_Height(This,hVal) (This)->lpVtbl->get_Height(This,hVal)
+#define IPictureExZoom_get_DestRect(This,hVal) (This)->lpVtbl->get_DestRect(This,hVal)
+#define IPictureExZoom_get_Surround(This,hVal) (This)->lpVtbl->get_Surround(This,hVal)
+#define IPictureExZoom_put_Surround(This,newVal) (This)->lpVtbl->put_Surround(This,newVal)
+#define IPictureExZoom_Render(This,hdcDest,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->Render(This,hdcDest,DestX,DestY,DestWidth,DestHeight)
+#define IPictureExZoom_RenderTopLeft(This,hdcDest,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->RenderTopLeft(This,hdcDest,DestX,DestY,DestWidth,DestHeight)
+#define IPictureExZoom_RenderBlt(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY) (This)->lpVtbl->RenderBlt(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY)
+#define IPictureExZoom_RenderStretch(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight) (This)->lpVtbl->RenderStretch(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight)
+#define IPictureExZoom_CreateHBITMAP(This,hdc,hVal) (This)->lpVtbl->CreateHBITMAP(This,hdc,hVal)
+#define IPictureExZoom_CreateDIBSection(This,Bits,hVal) (This)->lpVtbl->CreateDIBSection(This,Bits,hVal)
+#define IPictureExZoom_AttachBuffer(This,pBuffer,Width,Height,BitsPerPixel) (This)->lpVtbl->AttachBuffer(This,pBuffer,Width,Height,BitsPerPixel)
+#define IPictureExZoom_GetPixelInfo(This,DestX,DestY,X,Y,Value,Color) (This)->lpVtbl->GetPixelInfo(This,DestX,DestY,X,Y,Value,Color)
+/*** IPictureExZoom methods ***/
+#define IPictureExZoom_get_ZoomFactor(This,hVal) (This)->lpVtbl->get_ZoomFactor(This,hVal)
+#define IPictureExZoom_put_ZoomFactor(This,newVal) (This)->lpVtbl->put_ZoomFactor(This,newVal)
+#define IPictureExZoom_get_ZoomCenterX(This,hVal) (This)->lpVtbl->get_ZoomCenterX(This,hVal)
+#define IPictureExZoom_put_ZoomCenterX(This,newVal) (This)->lpVtbl->put_ZoomCenterX(This,newVal)
+#define IPictureExZoom_get_ZoomCenterY(This,hVal) (This)->lpVtbl->get_ZoomCenterY(This,hVal)
+#define IPictureExZoom_put_ZoomCenterY(This,newVal) (This)->lpVtbl->put_ZoomCenterY(This,newVal)
+#define IPictureExZoom_ResetZoom(This) (This)->lpVtbl->ResetZoom(This)
+#define IPictureExZoom_ZoomInFromPoint(This,DestX,DestY) (This)->lpVtbl->ZoomInFromPoint(This,DestX,DestY)
+#define IPictureExZoom_ZoomOutFromPoint(This,DestX,DestY) (This)->lpVtbl->ZoomOutFromPoint(This,DestX,DestY)
+#define IPictureExZoom_ZoomFromRectangle(This,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->ZoomFromRectangle(This,DestX,DestY,DestWidth,DestHeight)
+#define IPictureExZoom_ZoomIn(This) (This)->lpVtbl->ZoomIn(This)
+#define IPictureExZoom_ZoomOut(This) (This)->lpVtbl->ZoomOut(This)
+#define IPictureExZoom_PanLeft(This) (This)->lpVtbl->PanLeft(This)
+#define IPictureExZoom_PanRight(This) (This)->lpVtbl->PanRight(This)
+#define IPictureExZoom_ScrollUp(This) (This)->lpVtbl->ScrollUp(This)
+#define IPictureExZoom_ScrollDown(This) (This)->lpVtbl->ScrollDown(This)
+#define IPictureExZoom_PanScrollFromPoints(This,FirstDestX,FirstDestY,SecondDestX,SecondDestY) (This)->lpVtbl->PanScrollFromPoints(This,FirstDestX,FirstDestY,SecondDestX,SecondDestY)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPictureExZoom_QueryInterface(IPictureExZoom* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPictureExZoom_AddRef(IPictureExZoom* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPictureExZoom_Release(IPictureExZoom* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IPictureEx methods ***/
+static FORCEINLINE HRESULT IPictureExZoom_get_DestToPixelCoords(IPictureExZoom* This,TCoordinateMap *hVal) {
+    return This->lpVtbl->get_DestToPixelCoords(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_PixelToDestCoords(IPictureExZoom* This,TCoordinateMap *hVal) {
+    return This->lpVtbl->get_PixelToDestCoords(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_Width(IPictureExZoom* This,LONG *hVal) {
+    return This->lpVtbl->get_Width(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_Height(IPictureExZoom* This,LONG *hVal) {
+    return This->lpVtbl->get_Height(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_DestRect(IPictureExZoom* This,RECT *hVal) {
+    return This->lpVtbl->get_DestRect(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_Surround(IPictureExZoom* This,OLE_COLOR *hVal) {
+    return This->lpVtbl->get_Surround(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_put_Surround(IPictureExZoom* This,OLE_COLOR newVal) {
+    return This->lpVtbl->put_Surround(This,newVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_Render(IPictureExZoom* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->Render(This,hdcDest,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureExZoom_RenderTopLeft(IPictureExZoom* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->RenderTopLeft(This,hdcDest,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureExZoom_RenderBlt(IPictureExZoom* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight,LONG SourceX,LONG SourceY) {
+    return This->lpVtbl->RenderBlt(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY);
+}
+static FORCEINLINE HRESULT IPictureExZoom_RenderStretch(IPictureExZoom* This,void *hdcDest,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight,LONG SourceX,LONG SourceY,LONG SourceWidth,LONG SourceHeight) {
+    return This->lpVtbl->RenderStretch(This,hdcDest,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight);
+}
+static FORCEINLINE HRESULT IPictureExZoom_CreateHBITMAP(IPictureExZoom* This,void *hdc,void **hVal) {
+    return This->lpVtbl->CreateHBITMAP(This,hdc,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_CreateDIBSection(IPictureExZoom* This,void **Bits,void **hVal) {
+    return This->lpVtbl->CreateDIBSection(This,Bits,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_AttachBuffer(IPictureExZoom* This,void *pBuffer,LONG Width,LONG Height,LONG BitsPerPixel) {
+    return This->lpVtbl->AttachBuffer(This,pBuffer,Width,Height,BitsPerPixel);
+}
+static FORCEINLINE HRESULT IPictureExZoom_GetPixelInfo(IPictureExZoom* This,LONG DestX,LONG DestY,double *X,double *Y,double *Value,OLE_COLOR *Color) {
+    return This->lpVtbl->GetPixelInfo(This,DestX,DestY,X,Y,Value,Color);
+}
+/*** IPictureExZoom methods ***/
+static FORCEINLINE HRESULT IPictureExZoom_get_ZoomFactor(IPictureExZoom* This,double *hVal) {
+    return This->lpVtbl->get_ZoomFactor(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_put_ZoomFactor(IPictureExZoom* This,double newVal) {
+    return This->lpVtbl->put_ZoomFactor(This,newVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_ZoomCenterX(IPictureExZoom* This,double *hVal) {
+    return This->lpVtbl->get_ZoomCenterX(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_put_ZoomCenterX(IPictureExZoom* This,double newVal) {
+    return This->lpVtbl->put_ZoomCenterX(This,newVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_get_ZoomCenterY(IPictureExZoom* This,double *hVal) {
+    return This->lpVtbl->get_ZoomCenterY(This,hVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_put_ZoomCenterY(IPictureExZoom* This,double newVal) {
+    return This->lpVtbl->put_ZoomCenterY(This,newVal);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ResetZoom(IPictureExZoom* This) {
+    return This->lpVtbl->ResetZoom(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ZoomInFromPoint(IPictureExZoom* This,LONG DestX,LONG DestY) {
+    return This->lpVtbl->ZoomInFromPoint(This,DestX,DestY);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ZoomOutFromPoint(IPictureExZoom* This,LONG DestX,LONG DestY) {
+    return This->lpVtbl->ZoomOutFromPoint(This,DestX,DestY);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ZoomFromRectangle(IPictureExZoom* This,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->ZoomFromRectangle(This,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ZoomIn(IPictureExZoom* This) {
+    return This->lpVtbl->ZoomIn(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ZoomOut(IPictureExZoom* This) {
+    return This->lpVtbl->ZoomOut(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_PanLeft(IPictureExZoom* This) {
+    return This->lpVtbl->PanLeft(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_PanRight(IPictureExZoom* This) {
+    return This->lpVtbl->PanRight(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ScrollUp(IPictureExZoom* This) {
+    return This->lpVtbl->ScrollUp(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_ScrollDown(IPictureExZoom* This) {
+    return This->lpVtbl->ScrollDown(This);
+}
+static FORCEINLINE HRESULT IPictureExZoom_PanScrollFromPoints(IPictureExZoom* This,LONG FirstDestX,LONG FirstDestY,LONG SecondDestX,LONG SecondDestY) {
+    return This->lpVtbl->PanScrollFromPoints(This,FirstDestX,FirstDestY,SecondDestX,SecondDestY);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IPictureExZoom_INTERFACE_DEFINED__ */
+
+/*****************************************************************************
+ * IPictureExZoomDisp dispinterface
+ */
+#ifndef __IPictureExZoomDisp_DISPINTERFACE_DEFINED__
+#define __IPictureExZoomDisp_DISPINTERFACE_DEFINED__
+
+DEFINE_GUID(DIID_IPictureExZoomDisp, 0x9bff7f4e, 0x10dc, 0x47a1, 0x98,0x9c, 0xb5,0x3c,0xba,0x2f,0xba,0x6b);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("9bff7f4e-10dc-47a1-989c-b53cba2fba6b")
+IPictureExZoomDisp : public IDispatch
+{
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPictureExZoomDisp, 0x9bff7f4e, 0x10dc, 0x47a1, 0x98,0x9c, 0xb5,0x3c,0xba,0x2f,0xba,0x6b)
+#endif
+#else
+typedef struct IPictureExZoomDispVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPictureExZoomDisp *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPictureExZoomDisp *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPictureExZoomDisp *This);
+
+    /*** IDispatch methods ***/
+    HRESULT (STDMETHODCALLTYPE *GetTypeInfoCount)(
+        IPictureExZoomDisp *This,
+        UINT *pctinfo);
+
+    HRESULT (STDMETHODCALLTYPE *GetTypeInfo)(
+        IPictureExZoomDisp *This,
+        UINT iTInfo,
+        LCID lcid,
+        ITypeInfo **ppTInfo);
+
+    HRESULT (STDMETHODCALLTYPE *GetIDsOfNames)(
+        IPictureExZoomDisp *This,
+        REFIID riid,
+        LPOLESTR *rgszNames,
+        UINT cNames,
+        LCID lcid,
+        DISPID *rgDispId);
+
+    HRESULT (STDMETHODCALLTYPE *Invoke)(
+        IPictureExZoomDisp *This,
+        DISPID dispIdMember,
+        REFIID riid,
+        LCID lcid,
+        WORD wFlags,
+        DISPPARAMS *pDispParams,
+        VARIANT *pVarResult,
+        EXCEPINFO *pExcepInfo,
+        UINT *puArgErr);
+
+    END_INTERFACE
+} IPictureExZoomDispVtbl;
+
+interface IPictureExZoomDisp {
+    CONST_VTBL IPictureExZoomDispVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPictureExZoomDisp_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPictureExZoomDisp_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPictureExZoomDisp_Release(This) (This)->lpVtbl->Release(This)
+/*** IDispatch methods ***/
+#define IPictureExZoomDisp_GetTypeInfoCount(This,pctinfo) (This)->lpVtbl->GetTypeInfoCount(This,pctinfo)
+#define IPictureExZoomDisp_GetTypeInfo(This,iTInfo,lcid,ppTInfo) (This)->lpVtbl->GetTypeInfo(This,iTInfo,lcid,ppTInfo)
+#define IPictureExZoomDisp_GetIDsOfNames(This,riid,rgszNames,cNames,lcid,rgDispId) (This)->lpVtbl->GetIDsOfNames(This,riid,rgszNames,cNames,lcid,rgDispId)
+#define IPictureExZoomDisp_Invoke(This,dispIdMember,riid,lcid,wFlags,pDispParams,pVarResult,pExcepInfo,puArgErr) (This)->lpVtbl->Invoke(This,dispIdMember,riid,lcid,wFlags,pDispParams,pVarResult,pExcepInfo,puArgErr)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPictureExZoomDisp_QueryInterface(IPictureExZoomDisp* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPictureExZoomDisp_AddRef(IPictureExZoomDisp* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPictureExZoomDisp_Release(IPictureExZoomDisp* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IDispatch methods ***/
+static FORCEINLINE HRESULT IPictureExZoomDisp_GetTypeInfoCount(IPictureExZoomDisp* This,UINT *pctinfo) {
+    return This->lpVtbl->GetTypeInfoCount(This,pctinfo);
+}
+static FORCEINLINE HRESULT IPictureExZoomDisp_GetTypeInfo(IPictureExZoomDisp* This,UINT iTInfo,LCID lcid,ITypeInfo **ppTInfo) {
+    return This->lpVtbl->GetTypeInfo(This,iTInfo,lcid,ppTInfo);
+}
+static FORCEINLINE HRESULT IPictureExZoomDisp_GetIDsOfNames(IPictureExZoomDisp* This,REFIID riid,LPOLESTR *rgszNames,UINT cNames,LCID lcid,DISPID *rgDispId) {
+    return This->lpVtbl->GetIDsOfNames(This,riid,rgszNames,cNames,lcid,rgDispId);
+}
+static FORCEINLINE HRESULT IPictureExZoomDisp_Invoke(IPictureExZoomDisp* This,DISPID dispIdMember,REFIID riid,LCID lcid,WORD wFlags,DISPPARAMS *pDispParams,VARIANT *pVarResult,EXCEPINFO *pExcepInfo,UINT *puArgErr) {
+    return This->lpVtbl->Invoke(This,dispIdMember,riid,lcid,wFlags,pDispParams,pVarResult,pExcepInfo,puArgErr);
+}
+#endif
+#endif
+
+#endif
+
+#endif  /* __IPictureExZoomDisp_DISPINTERFACE_DEFINED__ */
+
+/*****************************************************************************
+ * IPictureExEvents interface
+ */
+#ifndef __IPictureExEvents_INTERFACE_DEFINED__
+#define __IPictureExEvents_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IPictureExEvents, 0x13264fd2, 0x890c, 0x4d65, 0xa9,0xc1, 0xe6,0xa2,0x3a,0xfe,0x18,0x87);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("13264fd2-890c-4d65-a9c1-e6a23afe1887")
+IPictureExEvents : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE OnRender(
+        IPictureEx *Picture,
+        void *hdcDest,
+        RenderSourceType SourceType) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPictureExEvents, 0x13264fd2, 0x890c, 0x4d65, 0xa9,0xc1, 0xe6,0xa2,0x3a,0xfe,0x18,0x87)
+#endif
+#else
+typedef struct IPictureExEventsVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPictureExEvents *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPictureExEvents *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPictureExEvents *This);
+
+    /*** IPictureExEvents methods ***/
+    HRESULT (STDMETHODCALLTYPE *OnRender)(
+        IPictureExEvents *This,
+        IPictureEx *Picture,
+        void *hdcDest,
+        RenderSourceType SourceType);
+
+    END_INTERFACE
+} IPictureExEventsVtbl;
+
+interface IPictureExEvents {
+    CONST_VTBL IPictureExEventsVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPictureExEvents_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPictureExEvents_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPictureExEvents_Release(This) (This)->lpVtbl->Release(This)
+/*** IPictureExEvents methods ***/
+#define IPictureExEvents_OnRender(This,Picture,hdcDest,SourceType) (This)->lpVtbl->OnRender(This,Picture,hdcDest,SourceType)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPictureExEvents_QueryInterface(IPictureExEvents* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPictureExEvents_AddRef(IPictureExEvents* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPictureExEvents_Release(IPictureExEvents* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IPictureExEvents methods ***/
+static FORCEINLINE HRESULT IPictureExEvents_OnRender(IPictureExEvents* This,IPictureEx *Picture,void *hdcDest,RenderSourceType SourceType) {
+    return This->lpVtbl->OnRender(This,Picture,hdcDest,SourceType);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IPictureExEvents_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
  * IGraphicOverlay interface
@@ -5535,69 +6372,6 @@ static FORCEINLINE ULONG IHistogramDialog_Release(IHistogramDialog* This) {
 
 
 #endif  /* __IHistogramDialog_INTERFACE_DEFINED__ */
-
-/*****************************************************************************
- * IPictureExEvents interface
- */
-#ifndef __IPictureExEvents_INTERFACE_DEFINED__
-#define __IPictureExEvents_INTERFACE_DEFINED__
-
-DEFINE_GUID(IID_IPictureExEvents, 0x13264fd2, 0x890c, 0x4d65, 0xa9,0xc1, 0xe6,0xa2,0x3a,0xfe,0x18,0x87);
-#if defined(__cplusplus) && !defined(CINTERFACE)
-MIDL_INTERFACE("13264fd2-890c-4d65-a9c1-e6a23afe1887")
-IPictureExEvents : public IUnknown
-{
-};
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IPictureExEvents, 0x13264fd2, 0x890c, 0x4d65, 0xa9,0xc1, 0xe6,0xa2,0x3a,0xfe,0x18,0x87)
-#endif
-#else
-typedef struct IPictureExEventsVtbl {
-    BEGIN_INTERFACE
-
-    /*** IUnknown methods ***/
-    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
-        IPictureExEvents *This,
-        REFIID riid,
-        void **ppvObject);
-
-    ULONG (STDMETHODCALLTYPE *AddRef)(
-        IPictureExEvents *This);
-
-    ULONG (STDMETHODCALLTYPE *Release)(
-        IPictureExEvents *This);
-
-    END_INTERFACE
-} IPictureExEventsVtbl;
-
-interface IPictureExEvents {
-    CONST_VTBL IPictureExEventsVtbl* lpVtbl;
-};
-
-#ifdef COBJMACROS
-#ifndef WIDL_C_INLINE_WRAPPERS
-/*** IUnknown methods ***/
-#define IPictureExEvents_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
-#define IPictureExEvents_AddRef(This) (This)->lpVtbl->AddRef(This)
-#define IPictureExEvents_Release(This) (This)->lpVtbl->Release(This)
-#else
-/*** IUnknown methods ***/
-static FORCEINLINE HRESULT IPictureExEvents_QueryInterface(IPictureExEvents* This,REFIID riid,void **ppvObject) {
-    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
-}
-static FORCEINLINE ULONG IPictureExEvents_AddRef(IPictureExEvents* This) {
-    return This->lpVtbl->AddRef(This);
-}
-static FORCEINLINE ULONG IPictureExEvents_Release(IPictureExEvents* This) {
-    return This->lpVtbl->Release(This);
-}
-#endif
-#endif
-
-#endif
-
-
-#endif  /* __IPictureExEvents_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
  * IHistogramDialogEvents interface

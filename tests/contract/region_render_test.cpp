@@ -20,6 +20,21 @@ public:
         *map = toDest;
         return result;
     }
+    STDMETHODIMP get_Width(LONG*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP get_Height(LONG*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP get_DestRect(RECT*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP get_Surround(OLE_COLOR*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP put_Surround(OLE_COLOR) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Render(void*, LONG, LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RenderTopLeft(void*, LONG, LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RenderBlt(void*, LONG, LONG, LONG, LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RenderStretch(void*, LONG, LONG, LONG, LONG, LONG, LONG, LONG, LONG) noexcept override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP CreateHBITMAP(void*, void**) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CreateDIBSection(void**, void**) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP AttachBuffer(void*, LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetPixelInfo(LONG, LONG, double*, double*, double*, OLE_COLOR*) noexcept override { return E_NOTIMPL; }
 };
 
 #ifdef _WIN32

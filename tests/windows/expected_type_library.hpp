@@ -171,9 +171,42 @@ inline std::vector<ExpectedInterface> ExpectedInterfaces() {
                    "[in] long ImageWidth, [in] long ImageHeight, [in] double XCenter, [in] double YCenter, [in] double "
                    "Radius"),
             GET(Polarity, "[out, retval] PolarityType* hVal"), PUT(Polarity, "[in] PolarityType")),
-        CONTRACT(IPictureEx, IUnknown, "{FA5A4954-FB40-44C5-9C5B-60410843D9CE}",
-                 GET(DestToPixelCoords, "[out, retval] TCoordinateMap* hVal"),
-                 GET(PixelToDestCoords, "[out, retval] TCoordinateMap* hVal")),
+        CONTRACT(
+            IPictureEx, IUnknown, "{FA5A4954-FB40-44C5-9C5B-60410843D9CE}",
+            GET(DestToPixelCoords, "[out, retval] TCoordinateMap* hVal"),
+            GET(PixelToDestCoords, "[out, retval] TCoordinateMap* hVal"), GET(Width, "[out, retval] long* hVal"),
+            GET(Height, "[out, retval] long* hVal"), GET(DestRect, "[out, retval] tagRECT* hVal"),
+            GET(Surround, "[out, retval] unsigned long* hVal"), PUT(Surround, "[in] unsigned long"),
+            METHOD(Render,
+                   "[in] void* hdcDest, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long DestHeight"),
+            METHOD(RenderTopLeft,
+                   "[in] void* hdcDest, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long DestHeight"),
+            METHOD(RenderBlt,
+                   "[in] void* hdcDest, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long DestHeight, "
+                   "[in] long SourceX, [in] long SourceY"),
+            METHOD(RenderStretch,
+                   "[in] void* hdcDest, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long DestHeight, "
+                   "[in] long SourceX, [in] long SourceY, [in] long SourceWidth, [in] long SourceHeight"),
+            METHOD(CreateHBITMAP, "[in] void* hdc, [out, retval] void** hVal"),
+            METHOD(CreateDIBSection, "[out] void** Bits, [out, retval] void** hVal"),
+            METHOD(AttachBuffer, "[in] void* pBuffer, [in] long Width, [in] long Height, [in] long BitsPerPixel"),
+            METHOD(GetPixelInfo,
+                   "[in] long DestX, [in] long DestY, [out] double* X, [out] double* Y, [out] double* Value, [out] "
+                   "unsigned long* Color")),
+        CONTRACT(
+            IPictureExZoom, IPictureEx, "{814CD6D8-6D66-4E3E-8455-A534A65F1B2E}",
+            GET(ZoomFactor, "[out, retval] double* hVal"), PUT(ZoomFactor, "[in] double"),
+            GET(ZoomCenterX, "[out, retval] double* hVal"), PUT(ZoomCenterX, "[in] double"),
+            GET(ZoomCenterY, "[out, retval] double* hVal"), PUT(ZoomCenterY, "[in] double"), METHOD(ResetZoom, ""),
+            METHOD(ZoomInFromPoint, "[in] long DestX, [in] long DestY"),
+            METHOD(ZoomOutFromPoint, "[in] long DestX, [in] long DestY"),
+            METHOD(ZoomFromRectangle, "[in] long DestX, [in] long DestY, [in] long DestWidth, [in] long DestHeight"),
+            METHOD(ZoomIn, ""), METHOD(ZoomOut, ""), METHOD(PanLeft, ""), METHOD(PanRight, ""), METHOD(ScrollUp, ""),
+            METHOD(ScrollDown, ""),
+            METHOD(PanScrollFromPoints,
+                   "[in] long FirstDestX, [in] long FirstDestY, [in] long SecondDestX, [in] long SecondDestY")),
+        CONTRACT(IPictureExEvents, IUnknown, "{13264FD2-890C-4D65-A9C1-E6A23AFE1887}",
+                 METHOD(OnRender, "[in] IPictureEx* Picture, [in] void* hdcDest, [in] RenderSourceType SourceType")),
         CONTRACT(IGraphicOverlay, IUnknown, "{44F6C88F-D9B8-4F31-BD5B-0856E14C42CE}",
                  METHOD(Render, "[in] IPictureEx* Picture, [in] void* hdcDest"),
                  GET(Color, "[out, retval] unsigned long* hVal"), PUT(Color, "[in] unsigned long"),
@@ -274,7 +307,6 @@ inline std::vector<ExpectedInterface> ExpectedInterfaces() {
         CONTRACT(ISplineImage, IUnknown, "{1CC42ABB-1F60-40B9-A4DE-1DA89D85341F}"),
         CONTRACT(IVBHelper, IUnknown, "{AB13B9E0-D78D-40AD-9A27-CC82A8A736F6}"),
         CONTRACT(IHistogramDialog, IUnknown, "{3F465CC3-A580-4097-A039-A37E4CCA840E}"),
-        CONTRACT(IPictureExEvents, IUnknown, "{13264FD2-890C-4D65-A9C1-E6A23AFE1887}"),
         CONTRACT(IHistogramDialogEvents, IUnknown, "{F6694E07-B1AE-407B-B44E-4EC08E6D66A7}"),
     };
 }
@@ -296,6 +328,8 @@ inline std::vector<ExpectedEnumeration> ExpectedEnumerations() {
         {"BandIndexType", {{"BI_AllBands", -1}}},
         {"DrawType", {{"DT_On", 0}, {"DT_Off", 1}, {"DT_Xor", 2}}},
         {"PolarityType", {{"PT_Inside", 0}, {"PT_Outside", 1}, {"PT_Frame", 2}}},
+        {"RenderSourceType",
+         {{"RST_Display", 3}, {"RST_Metafile", 4}, {"RST_Memory", 10}, {"RST_EnhancedMetafile", 12}}},
         {"GrayExtractMeasurementType", {{"GEMT_GrayLocation", 1}, {"GEMT_GrayStatistics", 2}}},
         {"EqualizationType", {{"ET_Uniform", 1}, {"ET_UpperTriangular", 2}}},
         {"ImageFileFormat",
@@ -372,11 +406,20 @@ inline std::vector<ExpectedCoclass> ExpectedCoclasses() {
     };
 }
 
-// Dispatch interfaces without members so far.
-inline std::vector<std::pair<const char*, const char*>> ExpectedDispatchInterfaces() {
+struct ExpectedDispatchInterface {
+    const char* name;
+    const char* iid;
+    std::vector<const char*> members;  // "ID: KIND NAME RESULT(PARAMETERS)", the value that a put takes without a name
+};
+inline std::vector<ExpectedDispatchInterface> ExpectedDispatchInterfaces() {
     return {
-        {"IImageViewDisp", "{E40F3B84-EC19-4AB2-8849-DB88568EFB83}"},
-        {"IImageViewEventsDisp", "{F25ED9D9-BB5D-416D-AFDC-5E1BAA4B2F08}"},
+        {"IPictureExZoomDisp",
+         "{9BFF7F4E-10DC-47A1-989C-B53CBA2FBA6B}",
+         {"1: get Width long()", "2: get Height long()", "3: get ZoomFactor double()", "3: put ZoomFactor void(double)",
+          "4: get ZoomCenterX double()", "4: put ZoomCenterX void(double)", "5: get ZoomCenterY double()",
+          "5: put ZoomCenterY void(double)"}},
+        {"IImageViewDisp", "{E40F3B84-EC19-4AB2-8849-DB88568EFB83}", {}},
+        {"IImageViewEventsDisp", "{F25ED9D9-BB5D-416D-AFDC-5E1BAA4B2F08}", {}},
     };
 }
 

@@ -129,6 +129,19 @@ std::string MethodLine(const Type& type, const FUNCDESC& function) {
     return line;
 }
 
+std::string MemberLine(const Type& type, const FUNCDESC& function) {
+    BSTR name = nullptr;
+    UINT count = 0;
+    type->GetNames(function.memid, &name, 1, &count);
+    std::string line = std::to_string(function.memid) + ": " + Kind(function.invkind) + " " +
+                       ToUtf8({name ? name : L"", SysStringLen(name)}) + " " +
+                       type.TypeName(function.elemdescFunc.tdesc) + "(";
+    SysFreeString(name);
+    for (SHORT i = 0; i < function.cParams; ++i)
+        line += (i > 0 ? ", " : "") + type.TypeName(function.lprgelemdescParam[i].tdesc);
+    return line + ")";
+}
+
 class TypeLibrary : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -192,15 +205,25 @@ TEST_F(TypeLibrary, HoldsTheTypesOfTheContractAndNoOthers) {
     EXPECT_EQ(SortedNames(ExpectedCoclasses()), Names(TKIND_COCLASS));
     EXPECT_EQ(std::vector<std::string>{}, Names(TKIND_MODULE));
     EXPECT_EQ(std::vector<std::string>{}, Names(TKIND_UNION));
-    std::vector<std::string> dispatch;
-    for (const auto& [name, iid] : ExpectedDispatchInterfaces()) {
-        dispatch.push_back(name);
-        const auto type = Find(TKIND_DISPATCH, name);
-        ASSERT_TRUE(type) << name;
-        EXPECT_EQ(iid, ToText(type->attributes().guid));
+    EXPECT_EQ(SortedNames(ExpectedDispatchInterfaces()), Names(TKIND_DISPATCH));
+}
+
+TEST_F(TypeLibrary, HasTheMembersOfDispatchInterfaces) {
+    for (const ExpectedDispatchInterface& expected : ExpectedDispatchInterfaces()) {
+        SCOPED_TRACE(expected.name);
+        const auto type = Find(TKIND_DISPATCH, expected.name);
+        ASSERT_TRUE(type);
+        EXPECT_EQ(expected.iid, ToText(type->attributes().guid));
         EXPECT_EQ(0, type->attributes().cVars);
+        std::vector<std::string> got;
+        for (WORD i = 0; i < type->attributes().cFuncs; ++i) {
+            FUNCDESC* function = nullptr;
+            ASSERT_EQ(S_OK, (*type)->GetFuncDesc(i, &function));
+            got.push_back(MemberLine(*type, *function));
+            (*type)->ReleaseFuncDesc(function);
+        }
+        EXPECT_EQ(std::vector<std::string>(expected.members.begin(), expected.members.end()), got);
     }
-    EXPECT_EQ(dispatch, Names(TKIND_DISPATCH));
 }
 
 TEST_F(TypeLibrary, HasEachMethodInTheSlotOfTheHeaderWithItsParameters) {

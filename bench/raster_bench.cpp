@@ -1,0 +1,98 @@
+// The raster surface beside a plain copy of as many 32-bit pixels, and OpenCV's resize where installed, on one thread: a window
+// of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit pixels by its conversion of colours.
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <functional>
+
+#ifdef ORLIX_BENCH_OPENCV
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#endif
+
+#include "display/raster_surface.hpp"
+#include "pictures.hpp"
+
+namespace orlix::bench {
+namespace {
+
+constexpr int32_t kWidth = 1920, kHeight = 1080, kSize = 4096;
+
+enum class Colors { Ramp, Grey, Table };
+
+std::vector<uint32_t> TableOf(Colors colors) {
+    std::vector<uint32_t> table(256);
+    for (uint32_t i = 0; i < 256; ++i)
+        table[i] = colors == Colors::Ramp   ? i * 0x010101u
+                   : colors == Colors::Grey ? i / 2 * 0x010101u
+                                            : i << 16 | (255 - i) << 8 | i / 3;
+    return table;
+}
+
+void Register(const std::string& operation, const std::string& who, const std::function<void()>& draw) {
+    benchmark::RegisterBenchmark(Name<uint8_t>(operation, kSize, who).c_str(), [draw](benchmark::State& state) {
+        for (auto _ : state) {
+            draw();
+            benchmark::ClobberMemory();
+        }
+        state.SetItemsProcessed(state.iterations() * int64_t{kWidth} * kHeight);
+    })->Unit(benchmark::kMicrosecond);
+}
+
+struct Case {
+    const char* name;
+    Rectangle source;
+};
+constexpr Case kCases[] = {
+    {"1:1", {1000, 1500, kWidth, kHeight}}, {"4096x2304", {0, 800, 4096, 2304}}, {"3840x2160", {100, 800, 3840, 2160}},
+    {"1000x562", {100, 800, 1000, 562}},    {"100x56", {100, 800, 100, 56}},
+};
+
+void RegisterRaster() {
+    static std::vector<uint32_t> surface(size_t{kWidth} * kHeight), other(surface.size());
+    static const std::vector<uint8_t>& picture = Picture<uint8_t>(kSize);
+    static const std::vector<uint32_t> tables[] = {TableOf(Colors::Ramp), TableOf(Colors::Grey),
+                                                   TableOf(Colors::Table)};
+    Register("window", "memcpy", [] { std::memcpy(surface.data(), other.data(), surface.size() * 4); });
+    for (const Case& c : kCases) {
+        const auto draw = [](const Case& drawn, RasterPicture::Layout layout, size_t table, Scaling scaling) {
+            const uint8_t* const levels = picture.data();
+            const RasterPicture view{layout, {levels, levels, levels}, kSize, kSize, kSize, tables[table].data()};
+            RasterSurface(surface.data(), kWidth, kWidth, kHeight)
+                .Draw(view, drawn.source, {0, 0, kWidth, kHeight}, scaling);
+        };
+        using Layout = RasterPicture::Layout;
+        for (const Scaling scaling : {Scaling::Nearest, Scaling::Smooth}) {
+            const std::string name = c.name + std::string(scaling == Scaling::Nearest ? " nearest" : " smooth");
+            Register(name, "ramp", [=] { draw(c, Layout::Levels, 0, scaling); });
+            Register(name, "greys", [=] { draw(c, Layout::Levels, 1, scaling); });
+            Register(name, "colours", [=] { draw(c, Layout::Levels, 2, scaling); });
+            Register(name, "planes", [=] { draw(c, Layout::Planes, 0, scaling); });
+        }
+#ifdef ORLIX_BENCH_OPENCV
+        const auto resize = [](const Case& drawn, int how) {
+            const cv::Mat image(kSize, kSize, CV_8UC1, const_cast<uint8_t*>(picture.data()));
+            const cv::Rect part(static_cast<int>(drawn.source.x), static_cast<int>(drawn.source.y),
+                                static_cast<int>(drawn.source.width), static_cast<int>(drawn.source.height));
+            static cv::Mat grey;
+            cv::Mat to(kHeight, kWidth, CV_8UC4, surface.data());
+            cv::resize(image(part), grey, cv::Size(kWidth, kHeight), 0, 0, how);
+            cv::cvtColor(grey, to, cv::COLOR_GRAY2BGRA);
+        };
+        const bool grows = c.source.width <= kWidth;
+        Register(c.name + std::string(" nearest"), "opencv", [=] { resize(c, cv::INTER_NEAREST); });
+        Register(c.name + std::string(" smooth"), "opencv",
+                 [=] { resize(c, grows ? cv::INTER_LINEAR : cv::INTER_AREA); });
+#endif
+    }
+}
+
+}  // namespace
+}  // namespace orlix::bench
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    orlix::bench::RegisterRaster();
+    benchmark::RunSpecifiedBenchmarks();
+}

@@ -1,0 +1,121 @@
+// Rows of raster pictures: 8-bit samples to 32-bit pixels 0x00RRGGBB, the choice of columns, and weighted sums.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "process/variants.hpp"
+
+namespace orlix {
+
+// The colours of the 256 levels, whole and by channel.
+struct LevelColors {
+    uint32_t pixels[256];
+    uint8_t red[256], green[256], blue[256];
+};
+
+// to and the samples do not overlap. Nothing outside the n pixels and their samples is accessed.
+using ExpandGreyFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n);
+using ExpandLevelsFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
+using ExpandPlanesFn = void (*)(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
+// Three bytes a pixel: blue, green, red.
+using ExpandTriplesFn = void (*)(uint32_t* to, const uint8_t* triples, size_t n);
+
+// to[i] = row[columns[i]]. The columns do not decrease, or do not increase; only bytes between the first and the last of them
+// are read.
+using PickFn = void (*)(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
+
+// sums[i] += aWeight a[i] + bWeight b[i]; weights are at most 4096. a may be b.
+using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,
+                             size_t n);
+
+// From columns of sums to levels; sums are at most 255 times 4096 and weights that go together sum to 4096.
+//   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left does not
+//                decrease or does not increase, by at most 1 from one to the next. kBeyond sums beyond the last that counts
+//                may be read.
+//   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is 4 or
+//                a multiple of 8; what reaches beyond a pixel's own columns has the weight 0, and may be read.
+inline constexpr size_t kBeyond = 17;
+using InterpolateFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+using AverageFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights,
+                           size_t taps, size_t n);
+
+void ExpandGrey_scalar(uint32_t* to, const uint8_t* levels, size_t n);
+void ExpandGrey_sse2(uint32_t* to, const uint8_t* levels, size_t n);
+void ExpandGrey_avx2(uint32_t* to, const uint8_t* levels, size_t n);
+void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n);
+
+void ExpandLevels_scalar(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
+void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
+
+void ExpandPlanes_scalar(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
+void ExpandPlanes_sse2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
+void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
+void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
+
+void ExpandTriples_scalar(uint32_t* to, const uint8_t* triples, size_t n);
+void ExpandTriples_avx2(uint32_t* to, const uint8_t* triples, size_t n);
+void ExpandTriples_avx512(uint32_t* to, const uint8_t* triples, size_t n);
+
+void Pick_scalar(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
+void Pick_avx2(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
+void Pick_avx512(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
+
+void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
+void WeighRows_sse2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
+void WeighRows_avx2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
+void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
+
+void Interpolate_scalar(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+void Interpolate_avx2(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+void Interpolate_avx512(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
+
+void Average_scalar(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
+                    size_t n);
+void Average_avx2(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
+                  size_t n);
+
+inline constexpr Variant<ExpandGreyFn> kExpandGrey[] = {
+    {"avx512", Cpu::Avx512, &ExpandGrey_avx512},
+    {"avx2", Cpu::Avx2, &ExpandGrey_avx2},
+    {"sse2", Cpu::Sse2, &ExpandGrey_sse2},
+    {"scalar", Cpu::Any, &ExpandGrey_scalar},
+};
+// Without the byte permutations of AVX-512 a table of pixels is as fast as gathering with vectors.
+inline constexpr Variant<ExpandLevelsFn> kExpandLevels[] = {
+    {"avx512", Cpu::Avx512, &ExpandLevels_avx512},
+    {"scalar", Cpu::Any, &ExpandLevels_scalar},
+};
+inline constexpr Variant<ExpandPlanesFn> kExpandPlanes[] = {
+    {"avx512", Cpu::Avx512, &ExpandPlanes_avx512},
+    {"avx2", Cpu::Avx2, &ExpandPlanes_avx2},
+    {"sse2", Cpu::Sse2, &ExpandPlanes_sse2},
+    {"scalar", Cpu::Any, &ExpandPlanes_scalar},
+};
+inline constexpr Variant<ExpandTriplesFn> kExpandTriples[] = {
+    {"avx512", Cpu::Avx512, &ExpandTriples_avx512},
+    {"avx2", Cpu::Avx2, &ExpandTriples_avx2},
+    {"scalar", Cpu::Any, &ExpandTriples_scalar},
+};
+inline constexpr Variant<PickFn> kPick[] = {
+    {"avx512", Cpu::Avx512, &Pick_avx512},
+    {"avx2", Cpu::Avx2, &Pick_avx2},
+    {"scalar", Cpu::Any, &Pick_scalar},
+};
+inline constexpr Variant<WeighRowsFn> kWeighRows[] = {
+    {"avx512", Cpu::Avx512, &WeighRows_avx512},
+    {"avx2", Cpu::Avx2, &WeighRows_avx2},
+    {"sse2", Cpu::Sse2, &WeighRows_sse2},
+    {"scalar", Cpu::Any, &WeighRows_scalar},
+};
+inline constexpr Variant<InterpolateFn> kInterpolate[] = {
+    {"avx512", Cpu::Avx512, &Interpolate_avx512},
+    {"avx2", Cpu::Avx2, &Interpolate_avx2},
+    {"scalar", Cpu::Any, &Interpolate_scalar},
+};
+inline constexpr Variant<AverageFn> kAverage[] = {
+    {"avx2", Cpu::Avx2, &Average_avx2},
+    {"scalar", Cpu::Any, &Average_scalar},
+};
+
+}  // namespace orlix

@@ -1,0 +1,201 @@
+#include "display/raster_kernels.hpp"
+#include "process/intrinsics_avx512.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr size_t kLanes = 64;
+
+// Byte permutations: Threefold(k) takes pixels 16 k .. 16 k + 15 of 64 bytes and repeats each three times; kApart sets 16
+// triples apart. The fourth byte of a pixel is masked off.
+struct Indices {
+    uint8_t threefold[4][64];
+    uint8_t apart[64];
+    uint32_t turned[16];  // double words of a 4 x 4 matrix, transposed
+    constexpr Indices() : threefold(), apart(), turned() {
+        for (int i = 0; i < 64; ++i) {
+            for (int k = 0; k < 4; ++k) threefold[k][i] = static_cast<uint8_t>(16 * k + i / 4);
+            apart[i] = static_cast<uint8_t>(i / 4 * 3 + i % 4);
+        }
+        for (int i = 0; i < 16; ++i) turned[i] = static_cast<uint32_t>(i % 4 * 4 + i / 4);
+    }
+};
+constexpr Indices kIndices;
+constexpr __mmask64 kColorBytes = 0x7777777777777777;
+
+[[gnu::always_inline]] inline __mmask64 First(size_t n) { return ~uint64_t{0} >> (64 - n); }  // 1 <= n <= 64
+
+[[gnu::always_inline]] inline void Store(uint32_t* to, const __m512i& v, size_t n) {
+    if (n >= 16)
+        _mm512_storeu_si512(to, v);
+    else
+        _mm512_mask_storeu_epi32(to, static_cast<__mmask16>((1u << n) - 1), v);
+}
+
+// 1 <= n <= 64
+[[gnu::always_inline]] inline void WriteGrey(uint32_t* to, const __m512i& v, size_t n) {
+    for (size_t k = 0; k < 4; ++k)
+        if (16 * k < n)
+            Store(to + 16 * k, _mm512_maskz_permutexvar_epi8(kColorBytes, _mm512_loadu_si512(kIndices.threefold[k]), v),
+                  n - 16 * k);
+}
+
+[[gnu::always_inline]] inline void WriteColor(uint32_t* to, const __m512i& red, const __m512i& green,
+                                              const __m512i& blue, size_t n) {
+    const __m512i turned = _mm512_loadu_si512(kIndices.turned), zero = _mm512_setzero_si512();
+    const __m512i r = _mm512_permutexvar_epi32(turned, red), g = _mm512_permutexvar_epi32(turned, green),
+                  b = _mm512_permutexvar_epi32(turned, blue);
+    const __m512i low = _mm512_unpacklo_epi8(b, g), high = _mm512_unpackhi_epi8(b, g);
+    const __m512i lowRed = _mm512_unpacklo_epi8(r, zero), highRed = _mm512_unpackhi_epi8(r, zero);
+    Store(to, _mm512_unpacklo_epi16(low, lowRed), n);
+    if (n > 16) Store(to + 16, _mm512_unpackhi_epi16(low, lowRed), n - 16);
+    if (n > 32) Store(to + 32, _mm512_unpacklo_epi16(high, highRed), n - 32);
+    if (n > 48) Store(to + 48, _mm512_unpackhi_epi16(high, highRed), n - 48);
+}
+
+struct Table {
+    __m512i parts[4];
+};
+[[gnu::always_inline]] inline Table LoadTable(const uint8_t* bytes) {
+    return {{_mm512_loadu_si512(bytes), _mm512_loadu_si512(bytes + 64), _mm512_loadu_si512(bytes + 128),
+             _mm512_loadu_si512(bytes + 192)}};
+}
+[[gnu::always_inline]] inline __m512i LookUp(const Table& table, const __m512i& levels) {
+    const __m512i low = _mm512_permutex2var_epi8(table.parts[0], levels, table.parts[1]);
+    const __m512i high = _mm512_permutex2var_epi8(table.parts[2], levels, table.parts[3]);
+    return _mm512_mask_mov_epi8(low, _mm512_movepi8_mask(levels), high);
+}
+
+// body(first pixel, pixels) for 64 pixels at a time and what is left.
+template <class Body>
+[[gnu::always_inline]] inline void ForEach64(size_t n, const Body& body) {
+    size_t i = 0;
+    for (; i + kLanes <= n; i += kLanes) body(i, kLanes);
+    if (i < n) body(i, n - i);
+}
+
+[[gnu::always_inline]] inline __m512i Load(const uint8_t* p, size_t n) {
+    return n == kLanes ? _mm512_loadu_si512(p) : _mm512_maskz_loadu_epi8(First(n), p);
+}
+
+}  // namespace
+
+void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n) {
+    ForEach64(n, [&](size_t i, size_t count) { WriteGrey(to + i, Load(levels + i, count), count); });
+}
+
+void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors) {
+    const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
+    ForEach64(n, [&](size_t i, size_t count) {
+        const __m512i v = Load(levels + i, count);
+        WriteColor(to + i, LookUp(red, v), LookUp(green, v), LookUp(blue, v), count);
+    });
+}
+
+void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n) {
+    ForEach64(n, [&](size_t i, size_t count) {
+        WriteColor(to + i, Load(red + i, count), Load(green + i, count), Load(blue + i, count), count);
+    });
+}
+
+void ExpandTriples_avx512(uint32_t* to, const uint8_t* triples, size_t n) {
+    const __m512i apart = _mm512_loadu_si512(kIndices.apart);
+    for (size_t i = 0; i < n; i += 16) {
+        const size_t count = n - i < 16 ? n - i : 16;
+        const __m512i bytes = _mm512_maskz_loadu_epi8(First(3 * count), triples + 3 * i);
+        Store(to + i, _mm512_maskz_permutexvar_epi8(kColorBytes, apart, bytes), count);
+    }
+}
+
+namespace {
+
+[[gnu::always_inline]] inline __m512i Joined(const __m256i& low, const __m256i& high) {
+    return _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+}
+[[gnu::always_inline]] inline __m512i Words(const int32_t* columns, const __m512i& from) {
+    return Joined(_mm512_cvtepi32_epi16(_mm512_sub_epi32(_mm512_loadu_si512(columns), from)),
+                  _mm512_cvtepi32_epi16(_mm512_sub_epi32(_mm512_loadu_si512(columns + 16), from)));
+}
+[[gnu::always_inline]] inline __m512i Bytes(const __m512i& low, const __m512i& high) {
+    return Joined(_mm512_cvtepi16_epi8(low), _mm512_cvtepi16_epi8(high));
+}
+
+}  // namespace
+
+// 64 columns that lie within 512 bytes come out of permutations of 128 bytes each.
+void Pick_avx512(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n) {
+    size_t i = 0;
+    if (n >= kLanes) {
+        const int32_t least = columns[0] < columns[n - 1] ? columns[0] : columns[n - 1];
+        const int32_t most = columns[0] < columns[n - 1] ? columns[n - 1] : columns[0];
+        for (; i + kLanes <= n; i += kLanes) {
+            const int32_t first = columns[i], last = columns[i + kLanes - 1];
+            int32_t base = first < last ? first : last;
+            const int32_t windows = ((first < last ? last : first) - base) / 128 + 1;
+            if (windows > 4 || most - least < 128 * windows - 1) {
+                Pick_scalar(to + i, row, columns + i, kLanes);
+                continue;
+            }
+            if (base > most + 1 - 128 * windows) base = most + 1 - 128 * windows;  // never beyond the last column
+            // Sixteen bits hold the distances; the low byte picks, the others tell the window.
+            const __m512i from = _mm512_set1_epi32(base);
+            const __m512i low = Words(columns + i, from), high = Words(columns + i + 32, from);
+            const __m512i index = Bytes(low, high);
+            __m512i picked =
+                _mm512_permutex2var_epi8(_mm512_loadu_si512(row + base), index, _mm512_loadu_si512(row + base + 64));
+            if (windows > 1) {
+                const __m512i window = Bytes(_mm512_srli_epi16(low, 7), _mm512_srli_epi16(high, 7));
+                for (int32_t k = 1; k < windows; ++k) {
+                    const uint8_t* const at = row + base + 128 * k;
+                    const __mmask64 here = _mm512_cmpeq_epi8_mask(window, _mm512_set1_epi8(static_cast<char>(k)));
+                    picked = _mm512_mask_mov_epi8(
+                        picked, here,
+                        _mm512_permutex2var_epi8(_mm512_loadu_si512(at), index, _mm512_loadu_si512(at + 64)));
+                }
+            }
+            _mm512_storeu_si512(to + i, picked);
+        }
+    }
+    Pick_scalar(to + i, row, columns + i, n - i);
+}
+
+void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,
+                      size_t n) {
+    const __m512i weights = _mm512_set1_epi32(static_cast<int>(bWeight << 16 | aWeight));
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32) {
+        // Each 128-bit part holds eight pixels of either row.
+        const __m512i as = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(a + i)));
+        const __m512i bs = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(b + i)));
+        const __m512i low = _mm512_madd_epi16(_mm512_unpacklo_epi16(as, bs), weights);
+        const __m512i high = _mm512_madd_epi16(_mm512_unpackhi_epi16(as, bs), weights);
+        const __m512i firstOrder = _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11);
+        const __m512i secondOrder = _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15);
+        const __m512i first = _mm512_permutex2var_epi64(low, firstOrder, high);
+        const __m512i second = _mm512_permutex2var_epi64(low, secondOrder, high);
+        _mm512_storeu_si512(sums + i, _mm512_add_epi32(_mm512_loadu_si512(sums + i), first));
+        _mm512_storeu_si512(sums + i + 16, _mm512_add_epi32(_mm512_loadu_si512(sums + i + 16), second));
+    }
+    WeighRows_scalar(sums + i, a + i, aWeight, b + i, bWeight, n - i);
+}
+
+void Interpolate_avx512(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n) {
+    const __m512i half = _mm512_set1_epi32(1 << 23);
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const int32_t first = left[i], last = left[i + 15];
+        const int32_t base = first < last ? first : last;
+        const __m512i index = _mm512_sub_epi32(_mm512_loadu_si512(left + i), _mm512_set1_epi32(base));
+        const __m512i a = _mm512_permutexvar_epi32(index, _mm512_loadu_si512(sums + base));
+        const __m512i b = _mm512_permutexvar_epi32(index, _mm512_loadu_si512(sums + base + 1));
+        const __m512i shares = _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(share + i)));
+        // a (4096 - share) + b share, modulo 2^32 in between
+        const __m512i sum =
+            _mm512_add_epi32(_mm512_slli_epi32(a, 12), _mm512_mullo_epi32(_mm512_sub_epi32(b, a), shares));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i),
+                         _mm512_cvtepi32_epi8(_mm512_srli_epi32(_mm512_add_epi32(sum, half), 24)));
+    }
+    Interpolate_scalar(to + i, sums, left + i, share + i, n - i);
+}
+
+}  // namespace orlix

@@ -1,0 +1,350 @@
+#include "display/raster_surface.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "display/raster_kernels.hpp"
+#include "display/smooth_axis.hpp"
+#include "process/point_operations.hpp"
+
+namespace orlix {
+namespace {
+
+using Layout = RasterPicture::Layout;
+
+// A place on the surface to a source pixel, along one axis.
+class Axis {
+public:
+    Axis(int64_t source, int64_t sourceLength, int64_t dest, int64_t destLength)
+        : source_(source),
+          sourceLength_(sourceLength),
+          dest_(dest),
+          length_(std::abs(destLength)),
+          mirrored_(destLength < 0) {}
+
+    bool mirrored() const { return mirrored_; }
+    bool straight() const { return !mirrored_ && length_ == sourceLength_; }
+    int64_t length() const { return length_; }
+    int64_t source() const { return source_; }
+    int64_t sourceLength() const { return sourceLength_; }
+
+    // From where the destination begins; and back, which is the same for mirrored ones.
+    int64_t Index(int64_t at) const { return mirrored_ ? dest_ - 1 - at : at - dest_; }
+    int32_t Nearest(int64_t at) const {
+        const uint64_t doubled = 2 * static_cast<uint64_t>(Index(at)) + 1;  // below 2^33
+        const uint64_t offset = doubled * static_cast<uint64_t>(sourceLength_) / (2 * static_cast<uint64_t>(length_));
+        return static_cast<int32_t>(source_ + static_cast<int64_t>(offset));
+    }
+
+private:
+    int64_t source_, sourceLength_, dest_, length_;
+    bool mirrored_;
+};
+
+LevelColors ColorsOf(const RasterPicture& picture) {
+    LevelColors colors = {};
+    if (picture.layout != Layout::Levels) return colors;
+    for (size_t i = 0; i < 256; ++i) {
+        colors.pixels[i] = picture.colors[i] & 0xffffff;
+        colors.red[i] = static_cast<uint8_t>(picture.colors[i] >> 16);
+        colors.green[i] = static_cast<uint8_t>(picture.colors[i] >> 8);
+        colors.blue[i] = static_cast<uint8_t>(picture.colors[i]);
+    }
+    return colors;
+}
+
+// The picture with the kernels that its layout asks for.
+class Rows {
+public:
+    explicit Rows(const RasterPicture& picture)
+        : picture_(picture),
+          colors_(ColorsOf(picture)),
+          tables_{PointOperation<uint8_t>::LookUp(colors_.red), PointOperation<uint8_t>::LookUp(colors_.green),
+                  PointOperation<uint8_t>::LookUp(colors_.blue)} {
+        grey_ = picture.layout == Layout::Levels;
+        ramp_ = grey_;
+        for (uint32_t i = 0; i < 256; ++i) {
+            grey_ = grey_ && colors_.pixels[i] == colors_.blue[i] * 0x010101u;
+            ramp_ = ramp_ && colors_.pixels[i] == i * 0x010101u;
+        }
+    }
+
+    // 1 when all channels are equal.
+    size_t channels() const { return grey_ ? 1 : 3; }
+
+    // Columns first .. first + n - 1.
+    void Expand(uint32_t* to, int32_t row, int32_t first, size_t n) const {
+        switch (picture_.layout) {
+            case Layout::Levels:
+                return ExpandLevels(to, RowOf(0, row) + first, n);
+            case Layout::Planes:
+                return expandPlanes_(to, RowOf(0, row) + first, RowOf(1, row) + first, RowOf(2, row) + first, n);
+            case Layout::Triples:
+                return expandTriples_(to, RowOf(0, row) + 3 * ptrdiff_t{first}, n);
+        }
+    }
+
+    // Columns in any monotone order. scratch holds three bytes a column.
+    void ExpandPicked(uint32_t* to, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
+        const size_t n = columns.size();
+        switch (picture_.layout) {
+            case Layout::Levels:
+                pick_(scratch, RowOf(0, row), columns.data(), n);
+                return ExpandLevels(to, scratch, n);
+            case Layout::Planes:
+                for (size_t k = 0; k < 3; ++k) pick_(scratch + k * n, RowOf(k, row), columns.data(), n);
+                return expandPlanes_(to, scratch, scratch + n, scratch + 2 * n, n);
+            case Layout::Triples:
+                const uint8_t* const triples = RowOf(0, row);
+                for (size_t i = 0; i < n; ++i) {
+                    const uint8_t* const at = triples + 3 * ptrdiff_t{columns[i]};
+                    to[i] = uint32_t{at[2]} << 16 | uint32_t{at[1]} << 8 | at[0];
+                }
+                return;
+        }
+    }
+
+    // One channel (0 red, 1 green, 2 blue) of ascending columns: a pointer into the picture, or to scratch (a byte a column).
+    const uint8_t* Channel(size_t channel, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
+        const size_t n = columns.size();
+        const bool dense = columns.back() - columns.front() == static_cast<int32_t>(n) - 1;
+        if (picture_.layout == Layout::Triples) {
+            const uint8_t* const triples = RowOf(0, row) + (2 - channel);
+            for (size_t i = 0; i < n; ++i) scratch[i] = triples[3 * ptrdiff_t{columns[i]}];
+            return scratch;
+        }
+        const uint8_t* samples = RowOf(picture_.layout == Layout::Planes ? channel : 0, row);
+        if (dense) {
+            samples += columns.front();
+        } else {
+            pick_(scratch, samples, columns.data(), n);
+            samples = scratch;
+        }
+        if (picture_.layout == Layout::Planes || ramp_) return samples;
+        if (samples != scratch) std::memcpy(scratch, samples, n);
+        tables_[channel](scratch, n);
+        return scratch;
+    }
+
+    // Of as many channels as channels() says, n bytes each.
+    void Join(uint32_t* to, const uint8_t* samples, size_t n) const {
+        if (channels() == 1)
+            expandGrey_(to, samples, n);
+        else
+            expandPlanes_(to, samples, samples + n, samples + 2 * n, n);
+    }
+
+private:
+    const uint8_t* RowOf(size_t plane, int32_t row) const {
+        return picture_.planes[plane] + ptrdiff_t{row} * picture_.stride;
+    }
+    void ExpandLevels(uint32_t* to, const uint8_t* levels, size_t n) const {
+        if (ramp_) return expandGrey_(to, levels, n);
+        if (!grey_) return expandLevels_(to, levels, n, colors_);
+        uint8_t part[2048];
+        for (size_t i = 0; i < n; i += sizeof part) {
+            const size_t count = std::min(n - i, sizeof part);
+            std::memcpy(part, levels + i, count);
+            tables_[0](part, count);
+            expandGrey_(to + i, part, count);
+        }
+    }
+
+    const RasterPicture& picture_;
+    LevelColors colors_;  // of levels, as all up to ramp_
+    PointOperation<uint8_t> tables_[3];
+    bool grey_, ramp_;  // ramp: each level is its own grey
+    ExpandGreyFn expandGrey_ = Choose(kExpandGrey);
+    ExpandLevelsFn expandLevels_ = Choose(kExpandLevels);
+    ExpandPlanesFn expandPlanes_ = Choose(kExpandPlanes);
+    ExpandTriplesFn expandTriples_ = Choose(kExpandTriples);
+    PickFn pick_ = Choose(kPick);
+};
+
+// Channels of some columns of rows. The last two rows are kept, which neighbours on the surface mostly share.
+class ChannelRows {
+public:
+    ChannelRows(const Rows& rows, const std::vector<int32_t>& columns)
+        : rows_(rows), columns_(columns), scratch_(2 * rows.channels() * columns.size()) {}
+
+    // Valid until two other rows of the channel have been asked for.
+    const uint8_t* Get(size_t channel, int32_t row) {
+        Kept& kept = kept_[channel][row == kept_[channel][0].row   ? 0
+                                    : row == kept_[channel][1].row ? 1
+                                                                   : next_[channel]];
+        const auto slot = static_cast<size_t>(&kept - kept_[channel]);
+        if (kept.row != row) {
+            uint8_t* const scratch = scratch_.data() + (2 * channel + slot) * columns_.size();
+            kept = {row, rows_.Channel(channel, row, columns_, scratch)};
+        }
+        next_[channel] = 1 - slot;
+        return kept.samples;
+    }
+
+private:
+    struct Kept {
+        int32_t row = -1;
+        const uint8_t* samples = nullptr;
+    };
+    const Rows& rows_;
+    const std::vector<int32_t>& columns_;
+    std::vector<uint8_t> scratch_;
+    Kept kept_[3][2];
+    size_t next_[3] = {};
+};
+
+// Neighbouring destination columns with the source columns that they are made of.
+class ColumnTile {
+public:
+    // Destination pixels from index `first` on, up to `end` or until enough source columns have come together. The sums of
+    // so many columns stay in the processor's fastest memory.
+    ColumnTile(const SmoothAxis& axis, int64_t origin, int64_t first, int64_t end, bool mirrored)
+        : interpolates_(axis.interpolates()), first_(first) {
+        constexpr size_t kEnough = 8192;
+        std::vector<std::vector<WeightedPixel>> pixels;
+        for (end_ = first; end_ < end && (end_ == first || columns_.size() < kEnough); ++end_) {
+            axis.Get(end_, pixels.emplace_back());
+            size_t at = columns_.size();
+            while (at > 0 && columns_[at - 1] >= origin + pixels.back().front().position) --at;
+            starts_.push_back(static_cast<int32_t>(at));
+            for (const WeightedPixel& pixel : pixels.back()) {
+                const auto column = static_cast<int32_t>(origin + pixel.position);
+                if (columns_.empty() || columns_.back() < column) columns_.push_back(column);
+            }
+            taps_ = std::max(taps_, pixels.back().size());
+        }
+        if (mirrored) {
+            std::reverse(starts_.begin(), starts_.end());
+            std::reverse(pixels.begin(), pixels.end());
+        }
+        taps_ = taps_ <= 4 ? 4 : (taps_ + 7) / 8 * 8;
+        for (const std::vector<WeightedPixel>& of : pixels) {
+            if (interpolates_) {
+                weights_.push_back(of.size() == 2 ? of[1].weight : uint16_t{0});
+                continue;
+            }
+            for (const WeightedPixel& pixel : of) weights_.push_back(pixel.weight);
+            weights_.resize(weights_.size() + taps_ - of.size());
+        }
+    }
+
+    int64_t first() const { return first_; }
+    int64_t end() const { return end_; }
+    size_t size() const { return starts_.size(); }
+    const std::vector<int32_t>& columns() const { return columns_; }
+    // Sums that Reduce may read: those of the columns, and any beyond.
+    size_t sums() const { return columns_.size() + std::max(taps_, kBeyond); }
+
+    // sums: of weighted rows, one a source column.
+    void Reduce(uint8_t* to, const uint32_t* sums) const {
+        if (interpolates_)
+            interpolate_(to, sums, starts_.data(), weights_.data(), size());
+        else
+            average_(to, sums, starts_.data(), weights_.data(), taps_, size());
+    }
+
+private:
+    bool interpolates_;
+    int64_t first_, end_;
+    std::vector<int32_t> columns_;
+    std::vector<int32_t> starts_;    // index of the first source column of each destination column, from left to right
+    size_t taps_ = 0;                // for each of them
+    std::vector<uint16_t> weights_;  // taps_ each; that of the second one only when interpolating
+    InterpolateFn interpolate_ = Choose(kInterpolate);
+    AverageFn average_ = Choose(kAverage);
+};
+
+}  // namespace
+
+RasterSurface::RasterSurface(uint32_t* pixels, ptrdiff_t stride, int32_t width, int32_t height)
+    : pixels_(pixels), stride_(stride), bounds_{0, 0, std::max(width, 0), std::max(height, 0)} {}
+
+void RasterSurface::Fill(const Rectangle& rectangle, uint32_t pixel) {
+    const Rectangle visible = Intersection(Normalized(rectangle), bounds_);
+    for (int64_t y = visible.y; y < visible.bottom(); ++y)
+        std::fill_n(PixelAt(visible.x, y), static_cast<size_t>(visible.width), pixel);
+}
+
+void RasterSurface::Draw(const RasterPicture& picture, const Rectangle& source, const Rectangle& dest,
+                         Scaling scaling) {
+    constexpr int64_t kLargest = int64_t{1} << 32;
+    if (source.width <= 0 || source.height <= 0 ||
+        source != Intersection(source, {0, 0, picture.width, picture.height}))
+        return;
+    if (std::abs(dest.width) > kLargest || std::abs(dest.height) > kLargest) return;
+    const Rectangle visible = Intersection(Normalized(dest), bounds_);
+    if (visible.empty()) return;
+    const bool sameSize = std::abs(dest.width) == source.width && std::abs(dest.height) == source.height;
+    if (scaling == Scaling::Nearest || sameSize)
+        DrawNearest(picture, source, dest, visible);
+    else
+        DrawSmooth(picture, source, dest, visible);
+}
+
+void RasterSurface::DrawNearest(const RasterPicture& picture, const Rectangle& source, const Rectangle& dest,
+                                const Rectangle& visible) {
+    const Rows rows(picture);
+    const Axis alongX(source.x, source.width, dest.x, dest.width), alongY(source.y, source.height, dest.y, dest.height);
+    const auto n = static_cast<size_t>(visible.width);
+    std::vector<int32_t> columns;
+    std::vector<uint8_t> scratch;
+    if (!alongX.straight()) {
+        columns.resize(n);
+        scratch.resize(3 * n);
+        for (size_t i = 0; i < n; ++i) columns[i] = alongX.Nearest(visible.x + static_cast<int64_t>(i));
+    }
+    const int32_t firstColumn = alongX.Nearest(visible.x);
+    int32_t previous = -1;
+    for (int64_t y = visible.y; y < visible.bottom(); ++y) {
+        uint32_t* const to = PixelAt(visible.x, y);
+        const int32_t row = alongY.Nearest(y);
+        if (row == previous)
+            std::memcpy(to, PixelAt(visible.x, y - 1), n * sizeof *to);
+        else if (alongX.straight())
+            rows.Expand(to, row, firstColumn, n);
+        else
+            rows.ExpandPicked(to, row, columns, scratch.data());
+        previous = row;
+    }
+}
+
+void RasterSurface::DrawSmooth(const RasterPicture& picture, const Rectangle& source, const Rectangle& dest,
+                               const Rectangle& visible) {
+    const Rows rows(picture);
+    const WeighRowsFn weighRows = Choose(kWeighRows);
+    const Axis alongX(source.x, source.width, dest.x, dest.width), alongY(source.y, source.height, dest.y, dest.height);
+    const SmoothAxis smoothX(alongX.sourceLength(), alongX.length()), smoothY(alongY.sourceLength(), alongY.length());
+    const auto [firstIndex, lastIndex] = std::minmax({alongX.Index(visible.x), alongX.Index(visible.right() - 1)});
+    const size_t channels = rows.channels();
+    std::vector<WeightedPixel> taps;
+    std::vector<uint8_t> reduced;
+    std::vector<uint32_t> sums;
+    for (int64_t index = firstIndex; index <= lastIndex;) {
+        const ColumnTile tile(smoothX, source.x, index, lastIndex + 1, alongX.mirrored());
+        index = tile.end();
+        const int64_t left = alongX.mirrored() ? dest.x - tile.end() : dest.x + tile.first();
+        ChannelRows channelRows(rows, tile.columns());
+        sums.assign(tile.sums(), 0);
+        reduced.resize(channels * tile.size());
+        for (int64_t y = visible.y; y < visible.bottom(); ++y) {
+            smoothY.Get(alongY.Index(y), taps);
+            const auto rowOf = [&](size_t k) { return static_cast<int32_t>(source.y + taps[k].position); };
+            for (size_t channel = 0; channel < channels; ++channel) {
+                std::fill_n(sums.begin(), tile.columns().size(), 0u);
+                for (size_t k = 0; k < taps.size(); k += 2) {
+                    const uint8_t* const a = channelRows.Get(channel, rowOf(k));
+                    if (k + 1 == taps.size())
+                        weighRows(sums.data(), a, taps[k].weight, a, 0, tile.columns().size());
+                    else
+                        weighRows(sums.data(), a, taps[k].weight, channelRows.Get(channel, rowOf(k + 1)),
+                                  taps[k + 1].weight, tile.columns().size());
+                }
+                tile.Reduce(reduced.data() + channel * tile.size(), sums.data());
+            }
+            rows.Join(PixelAt(left, y), reduced.data(), tile.size());
+        }
+    }
+}
+
+}  // namespace orlix

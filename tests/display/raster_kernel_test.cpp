@@ -1,0 +1,146 @@
+#include "display/raster_kernels.hpp"
+
+#include <algorithm>
+
+#include "process/kernel_testing.hpp"
+
+namespace orlix {
+namespace {
+
+LevelColors SomeColors() {
+    LevelColors colors = {};
+    for (uint32_t i = 0; i < 256; ++i) {
+        colors.red[i] = static_cast<uint8_t>(255 - i);
+        colors.green[i] = static_cast<uint8_t>(7 * i);
+        colors.blue[i] = static_cast<uint8_t>(i ^ 0x5a);
+        colors.pixels[i] = uint32_t{colors.red[i]} << 16 | uint32_t{colors.green[i]} << 8 | colors.blue[i];
+    }
+    return colors;
+}
+
+// call(fn, to, source) writes n pixels from samplesPerPixel n bytes.
+template <class Table, class Call>
+void ExpectEqualVariants(const Table& table, size_t samplesPerPixel, const Call& call) {
+    for (const auto& variant : SupportedOnThisCpu(table))
+        for (const size_t n : kAwkwardSizes)
+            for (const size_t offset : {0, 1, 3}) {
+                Guarded<uint8_t> from(Noise<uint8_t>(samplesPerPixel * n, static_cast<uint32_t>(n)), offset);
+                const std::vector<uint32_t> before = Noise<uint32_t>(n, 99);
+                Guarded<uint32_t> want(before, offset), got(before, 3 - offset);
+                call(std::rbegin(table)->fn, want.data(), from.data(), n);
+                call(variant.fn, got.data(), from.data(), n);
+                ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                ASSERT_TRUE(got.GuardsIntact()) << variant.name << ", " << n << " pixels";
+            }
+}
+
+TEST(RasterKernel, EveryVariantOfExpandingEqualsTheDefinition) {
+    ExpectEqualVariants(kExpandGrey, 1, [](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n); });
+    const LevelColors colors = SomeColors();
+    ExpectEqualVariants(kExpandLevels, 1,
+                        [&](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n, colors); });
+    ExpectEqualVariants(kExpandPlanes, 3, [](auto fn, uint32_t* to, const uint8_t* from, size_t n) {
+        fn(to, from, from + n, from + 2 * n, n);
+    });
+    ExpectEqualVariants(kExpandTriples, 3,
+                        [](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n); });
+}
+
+TEST(RasterKernel, EveryVariantOfWeighingEqualsTheDefinition) {
+    for (const auto& [a, b] : {std::pair{4096u, 0u}, {1u, 4095u}, {1365u, 1366u}, {4096u, 4096u}})
+        ExpectEqualVariants(kWeighRows, 2, [a = a, b = b](auto fn, uint32_t* to, const uint8_t* from, size_t n) {
+            fn(to, from, a, from + n, b, n);
+        });
+}
+
+TEST(RasterKernel, EveryVariantOfReducingEqualsTheDefinition) {
+    std::mt19937 random(3);
+    const auto sumsOf = [&](size_t n) {
+        std::vector<uint32_t> sums(n);
+        for (uint32_t& sum : sums)
+            sum = random() % 5 == 0 ? 255 * 4096 : static_cast<uint32_t>(random() % (255 * 4096));
+        return sums;
+    };
+    for (const size_t n : kAwkwardSizes)
+        for (const size_t perMille : {0, 1, 300, 990, 1000})
+            for (const bool falling : {false, true}) {
+                std::vector<int32_t> left(n);
+                std::vector<uint16_t> share(n);
+                for (size_t i = 0; i < n; ++i) {
+                    left[i] = static_cast<int32_t>(i * perMille / 1000);
+                    share[i] = static_cast<uint16_t>(random() % 4097);
+                }
+                if (falling) std::reverse(left.begin(), left.end());
+                const std::vector<uint32_t> sums = sumsOf(n + kBeyond);
+                std::vector<uint8_t> want(n);
+                Interpolate_scalar(want.data(), sums.data(), left.data(), share.data(), n);
+                for (const auto& variant : SupportedOnThisCpu(kInterpolate)) {
+                    Guarded<uint8_t> got(std::vector<uint8_t>(n), n % 3);
+                    variant.fn(got.data(), sums.data(), left.data(), share.data(), n);
+                    ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                    ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+                }
+            }
+    for (const size_t n : kAwkwardSizes)
+        for (const size_t taps : {4, 8, 16, 72}) {
+            std::vector<int32_t> first(n);
+            std::vector<uint16_t> weights(n * taps);
+            for (size_t i = 0; i < n; ++i) {
+                first[i] = static_cast<int32_t>(i * 5);
+                for (size_t left = 4096, k = 0; k < taps; ++k) {
+                    const size_t weight = k + 1 == taps ? left : random() % (left + 1);
+                    weights[i * taps + k] = static_cast<uint16_t>(weight);
+                    left -= weight;
+                }
+            }
+            const std::vector<uint32_t> sums = sumsOf(5 * n + taps);
+            std::vector<uint8_t> want(n);
+            Average_scalar(want.data(), sums.data(), first.data(), weights.data(), taps, n);
+            for (const auto& variant : SupportedOnThisCpu(kAverage)) {
+                Guarded<uint8_t> got(std::vector<uint8_t>(n), n % 3);
+                variant.fn(got.data(), sums.data(), first.data(), weights.data(), taps, n);
+                ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+            }
+        }
+}
+
+TEST(RasterKernel, KnownPixels) {
+    const uint8_t samples[] = {0x12, 0x34, 0x56};
+    uint32_t pixel = 0;
+    ExpandGrey_scalar(&pixel, samples, 1);
+    EXPECT_EQ(0x121212u, pixel);
+    ExpandPlanes_scalar(&pixel, samples, samples + 1, samples + 2, 1);
+    EXPECT_EQ(0x123456u, pixel);
+    ExpandTriples_scalar(&pixel, samples, 1);
+    EXPECT_EQ(0x563412u, pixel);
+    uint32_t sum = 5;
+    WeighRows_scalar(&sum, samples, 2, samples + 1, 3, 1);
+    EXPECT_EQ(5u + 2 * 0x12 + 3 * 0x34, sum);
+}
+
+// Guards begin right before the first and right behind the last byte that may be read.
+TEST(RasterKernel, EveryVariantOfPickingTakesTheColumnsAndReadsNoOthers) {
+    for (const auto& variant : SupportedOnThisCpu(kPick))
+        for (const size_t n : kAwkwardSizes)
+            for (const size_t perMille : {0, 3, 250, 999, 1000, 1001, 1900, 2000, 3790, 4000, 5200, 7990, 8000, 30000})
+                for (const bool falling : {false, true}) {
+                    if (n == 0) continue;
+                    std::vector<int32_t> columns(n);
+                    for (size_t i = 0; i < n; ++i) columns[i] = static_cast<int32_t>(i * perMille / 1000);
+                    const auto readable = static_cast<size_t>(columns.back()) + 1;
+                    if (falling) std::reverse(columns.begin(), columns.end());
+                    // A copy of exactly these bytes, so that tools which watch memory see any other access.
+                    const std::vector<uint8_t> row = Noise<uint8_t>(readable, static_cast<uint32_t>(n + perMille));
+                    const std::vector<uint8_t> before(n);
+                    Guarded<uint8_t> got(before, n % 3);
+                    variant.fn(got.data(), row.data(), columns.data(), n);
+                    for (size_t i = 0; i < n; ++i)
+                        ASSERT_EQ(row[static_cast<size_t>(columns[i])], got.data()[i])
+                            << variant.name << ", " << n << " at " << perMille << ", pixel " << i;
+                    ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+                }
+}
+
+}  // namespace
+}  // namespace orlix
