@@ -61,12 +61,13 @@ void PutSettings(const StreamSettings& settings, DisplayedImage& typed) {
     typed.PutLuminanceRange(settings.luminanceLower, settings.luminanceUpper);
     typed.PutBandToProcess(settings.bandToProcess);
     typed.PutDisplayRange(settings.displayLower, settings.displayUpper);
-    DisplayState& display = typed.displayState();
+    DisplayState display;
     display.band = settings.bandToDisplay;
     std::memcpy(&display.colors, settings.palette.data(), sizeof display.colors);
     CarriedSetting& carried = display.carried;
     std::memcpy(&carried.number, settings.displaySetting.data(), sizeof carried.number);
     std::memcpy(carried.values, settings.displaySetting.data() + sizeof carried.number, sizeof carried.values);
+    typed.PutDisplayState(display);
 }
 
 }  // namespace
