@@ -159,7 +159,7 @@ TEST(StructuringElementContract, KeepsItsElementsInOrderAndTheBytesUpToDate) {
     EXPECT_EQ((Bytes{{0, -1, 0, 0x06}}), bytes(0));
     EXPECT_EQ(S_OK, element->GetExtent(&l, &t, &r, &b));
     EXPECT_EQ((std::vector<LONG>{5, -1, 6, -1}), (std::vector<LONG>{l, t, r, b}));
-    for (const LONG bit : {-1, 8, std::numeric_limits<LONG>::min()})
+    for (const LONG bit : {LONG{-1}, LONG{8}, std::numeric_limits<LONG>::min()})
         EXPECT_TRUE(FailsSilently(element->get_BinaryElements(bit, &first, &end), E_INVALIDARG));
     EXPECT_EQ(nullptr, end);
 
