@@ -136,7 +136,7 @@ def compiled(build):
 
 EXPORTS = {"DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer", "NeedGdiPlus"}
 SYSTEM_LIBRARIES = {"advapi32.dll", "comctl32.dll", "comdlg32.dll", "gdi32.dll", "gdiplus.dll", "kernel32.dll",
-                    "msimg32.dll", "msvcrt.dll", "msvfw32.dll", "ole32.dll", "oleaut32.dll", "shell32.dll", "user32.dll",
+                    "msimg32.dll", "msvcrt.dll", "msvfw32.dll", "ole32.dll", "oleaut32.dll", "shell32.dll", "shlwapi.dll", "user32.dll",
                     "version.dll"}
 
 
