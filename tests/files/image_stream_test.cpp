@@ -177,7 +177,7 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
         std::function<void(HandMadeStream&)> change;
         const char* outcome;
     };
-    const auto geometry = [](std::initializer_list<uint32_t> numbers) {
+    const auto geometry = [](const std::vector<uint32_t>& numbers) {
         return [=](HandMadeStream& s) {
             s.geometry.clear();
             for (const uint32_t number : numbers) s.geometry = s.geometry + Little32(number);
@@ -196,7 +196,7 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
         {"no bytes per sample", geometry({1, 5, 3, 0, 0, 0, 405}), kDamaged},
         {"huge", geometry({kMost, kMost, kMost, 1, 0x80000000, 0, kMost}), kDamaged},
         {"wraps to 0", geometry({1u << 16, 4, 1u << 14, 1, 4, 0, (1u << 14) + 400}), kDamaged},
-        {"long row", geometry({1, kMost, 1, 1, 0x80000000, 0x80000000, 0x8000018F}), kDamaged},
+        {"long row", geometry({1, kMost, 1, 1, 0x80000000, 0x80000000, 0x8000018F}), kEndsEarly},
         {"more pixels than the block can hold", geometry({1, 5, 8000, 1, 8, 64000, 8400}), kDamaged},
         {"block too long", [](auto& s) { s.pixels.resize(64); }, kDamaged},
         {"too few pixels", [](auto& s) { s.pixels.resize(23); }, kDamaged},
