@@ -115,6 +115,15 @@ def raster(rates):
         row(operation, ", ".join(figures))
 
 
+def streams(rates):
+    print("Processor time of saving and loading against that of zlib alone on the same bytes.\n")
+    row("operation", "type", "size", "rate", "time against zlib")
+    row("---", "---", "--:", "--:", "--:")
+    for (operation, kind, size, who), rate in rates.items():
+        if who == "orlix":
+            row(operation, kind, str(size), f"{rate / 1e9:.2f}", ratio(rates[operation, kind, size, "zlib"], rate))
+
+
 def main():
     rates, context = read(sys.argv[1])
     machine(sys.argv[2], context)
@@ -123,6 +132,8 @@ def main():
     rates = dict(sorted(rates.items(), key=lambda item: (item[0][0], order[item[0][1]], item[0][2], item[0][3])))
     if any(key[3] == "search" for key in rates):
         robust(rates)
+    elif any(key[3] == "zlib" for key in rates):
+        streams(rates)
     elif any(key[3] == "orlix" for key in rates):
         outlines(rates)
     elif any(key[0] == "window" for key in rates):
