@@ -49,6 +49,11 @@ bool ZoomState::TryCenterY(double y) {
     return true;
 }
 
+void ZoomState::CenterOn(const PixelPoint& point) {
+    TryCenterX(point.x);
+    TryCenterY(point.y);
+}
+
 void ZoomState::PutFactor(double factor) {
     if (!TryFactor(factor)) throw Failure("IPictureZoom: zoom factor must be positive.");
 }
@@ -72,16 +77,12 @@ void ZoomState::ZoomIn() { TryFactor(factor_ * 1.25); }
 void ZoomState::ZoomOut() { TryFactor(std::max(factor_ * 0.8, 1.0)); }
 
 void ZoomState::ZoomInFromPoint(const View& view, int32_t x, int32_t y) {
-    const PixelPoint point = Apply(view.toPixel, x, y);
-    TryCenterX(point.x);
-    TryCenterY(point.y);
+    CenterOn(Apply(view.toPixel, x, y));
     ZoomIn();
 }
 
 void ZoomState::ZoomOutFromPoint(const View& view, int32_t x, int32_t y) {
-    const PixelPoint point = Apply(view.toPixel, x, y);
-    TryCenterX(point.x);
-    TryCenterY(point.y);
+    CenterOn(Apply(view.toPixel, x, y));
     ZoomOut();
 }
 
@@ -89,8 +90,7 @@ void ZoomState::ZoomFromRectangle(const View& view, int32_t x, int32_t y, int32_
     const PixelPoint first = Apply(view.toPixel, x, y);
     const PixelPoint second =
         Apply(view.toPixel, static_cast<double>(int64_t{x} + width), static_cast<double>(int64_t{y} + height));
-    TryCenterX((first.x + second.x) / 2);
-    TryCenterY((first.y + second.y) / 2);
+    CenterOn({(first.x + second.x) / 2, (first.y + second.y) / 2});
     // The fraction, not its reciprocal. NaN in either is refused; without an image there are no fractions.
     if (width_ <= 0 || height_ <= 0) return;
     const double alongX = (second.x - first.x + 1) / width_, alongY = (second.y - first.y + 1) / height_;
@@ -115,8 +115,7 @@ void ZoomState::ScrollDown(const View& view) {
 
 void ZoomState::PanScrollFromPoints(const View& view, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
     const PixelPoint first = Apply(view.toPixel, x1, y1), second = Apply(view.toPixel, x2, y2);
-    TryCenterX(centerX_ + (first.x - second.x));
-    TryCenterY(centerY_ + (first.y - second.y));
+    CenterOn({centerX_ + (first.x - second.x), centerY_ + (first.y - second.y)});
 }
 
 }  // namespace orlix

@@ -56,6 +56,7 @@ private:
     bool TryFactor(double factor);
     bool TryCenterX(double x);
     bool TryCenterY(double y);
+    void CenterOn(const PixelPoint& point);  // each coordinate where it is on the image
 
     int32_t width_ = 0, height_ = 0;
     double factor_ = 1.0;

@@ -177,7 +177,6 @@ private:
             bulge = std::max(bulge_[2 * node] + DistanceToSegment(vertices_[middle - 1].p, a, b),
                              bulge_[2 * node + 1] + DistanceToSegment(vertices_[middle].p, a, b));
         }
-        if (node >= bulge_.size()) bulge_.resize(node + 1);
         bulge_[node] = bulge;
     }
 

@@ -98,6 +98,7 @@ std::span<const KernelInUse> KernelsInUse() {
         {"robust score, float", ChosenVariant(kClippedSquares<float>).name},
         {"robust score, selection, float", ChosenVariant(kDivideSquares<float>).name},
         {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
+        {"correct with a polynomial, 8 bits", ChosenVariant(kCorrectRow).name},
         {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
         {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
         {"correct, float", ChosenVariant(kCorrect<float>).name},
