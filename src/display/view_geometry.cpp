@@ -18,8 +18,8 @@ Interval ShownInterval(int32_t length, double zoom, double center) {
     constexpr double kFar = 8589934592.0;
     const double c = std::isnan(center) ? 0.0 : std::clamp(center, -kFar, kFar);
     const double half = (length / zoom) / 2;
-    auto first = static_cast<int64_t>(c - half + 0.5);
-    auto last = static_cast<int64_t>(c + half + 0.5);
+    auto first = static_cast<int64_t>(std::trunc(c - half + 0.5));
+    auto last = static_cast<int64_t>(std::trunc(c + half + 0.5));
     if (first < 0) {
         last -= first;
         first = 0;
@@ -57,7 +57,7 @@ struct Side {
 };
 Side ShorterSide(int64_t available, double wanted) {
     const int64_t whole = std::abs(available);
-    const int64_t fitted = std::clamp<int64_t>(static_cast<int64_t>(wanted + 0.5), 1, whole);
+    const int64_t fitted = std::clamp<int64_t>(static_cast<int64_t>(std::trunc(wanted + 0.5)), 1, whole);
     const int64_t offset = (whole - fitted) / 2;
     const int64_t size = whole - 2 * offset;
     return available < 0 ? Side{-offset, -size} : Side{offset, size};

@@ -68,8 +68,9 @@ void ZoomState::PutCenterY(double y) {
 
 void ZoomState::Reset() {
     factor_ = 1.0;
-    centerX_ = width_ / 2;
-    centerY_ = height_ / 2;
+    const int32_t x = width_ / 2, y = height_ / 2;
+    centerX_ = x;
+    centerY_ = y;
 }
 
 void ZoomState::ZoomIn() { TryFactor(factor_ * 1.25); }

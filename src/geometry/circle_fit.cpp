@@ -48,7 +48,7 @@ std::optional<Circle> RobustCircle(std::span<const Point> points, double probabi
     const double p = std::min(probability, 0.99), count = static_cast<double>(n);
     const double feasible = std::max(1000.0, std::floor(0x1p34 / (count + 64)));
     const double limit = std::min(std::ceil(25 / (p * p * p)), feasible);
-    const auto good = static_cast<size_t>(count * p + 0.5);
+    const auto good = static_cast<size_t>(std::trunc(count * p + 0.5));
 
     std::vector<double> squares(n), scratch(n);
     std::optional<Circle> best;
