@@ -196,7 +196,9 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
         {"no bytes per sample", geometry({1, 5, 3, 0, 0, 0, 405}), kDamaged},
         {"huge", geometry({kMost, kMost, kMost, 1, 0x80000000, 0, kMost}), kDamaged},
         {"wraps to 0", geometry({1u << 16, 4, 1u << 14, 1, 4, 0, (1u << 14) + 400}), kDamaged},
-        {"long row", geometry({1, kMost, 1, 1, 0x80000000, 0x80000000, 0x8000018F}), kEndsEarly},
+        // Nothing that a 32-bit process could address, and refused like any image of that size.
+        {"long row", geometry({1, kMost, 1, 1, 0x80000000, 0x80000000, 0x8000018F}),
+         sizeof(size_t) == 4 ? kSilent : kEndsEarly},
         {"more pixels than the block can hold", geometry({1, 5, 8000, 1, 8, 64000, 8400}), kDamaged},
         {"block too long", [](auto& s) { s.pixels.resize(64); }, kDamaged},
         {"too few pixels", [](auto& s) { s.pixels.resize(23); }, kDamaged},
