@@ -56,8 +56,19 @@ void RegisterRaster() {
     Register("window", "memcpy", [] { std::memcpy(surface.data(), other.data(), surface.size() * 4); });
     for (const Case& c : kCases) {
         const auto draw = [](const Case& drawn, RasterPicture::Layout layout, size_t table, Scaling scaling) {
-            const uint8_t* const levels = picture.data();
-            const RasterPicture view{layout, {levels, levels, levels}, kSize, kSize, kSize, tables[table].data()};
+            // Colour pictures hold any 24-bit pixels: three pictures one after the other.
+            const bool triples = layout == RasterPicture::Layout::Triples;
+            static const std::vector<uint8_t> colors = [] {
+                std::vector<uint8_t> all;
+                for (int i = 0; i < 3; ++i) all.insert(all.end(), picture.begin(), picture.end());
+                return all;
+            }();
+            const RasterPicture view{layout,
+                                     triples ? colors.data() : picture.data(),
+                                     triples ? 3 * kSize : kSize,
+                                     kSize,
+                                     kSize,
+                                     tables[table].data()};
             RasterSurface(surface.data(), kWidth, kWidth, kHeight)
                 .Draw(view, drawn.source, {0, 0, kWidth, kHeight}, scaling);
         };
@@ -67,7 +78,7 @@ void RegisterRaster() {
             Register(name, "ramp", [=] { draw(c, Layout::Levels, 0, scaling); });
             Register(name, "greys", [=] { draw(c, Layout::Levels, 1, scaling); });
             Register(name, "colours", [=] { draw(c, Layout::Levels, 2, scaling); });
-            Register(name, "planes", [=] { draw(c, Layout::Planes, 0, scaling); });
+            Register(name, "24 bits", [=] { draw(c, Layout::Triples, 0, scaling); });
         }
 #ifdef ORLIX_BENCH_OPENCV
         const auto resize = [](const Case& drawn, int how) {

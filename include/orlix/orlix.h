@@ -114,6 +114,14 @@ interface IPictureEx;
 #endif /* __cplusplus */
 #endif
 
+#ifndef __IPictureMemory_FWD_DEFINED__
+#define __IPictureMemory_FWD_DEFINED__
+typedef interface IPictureMemory IPictureMemory;
+#ifdef __cplusplus
+interface IPictureMemory;
+#endif /* __cplusplus */
+#endif
+
 #ifndef __IPictureExZoom_FWD_DEFINED__
 #define __IPictureExZoom_FWD_DEFINED__
 typedef interface IPictureExZoom IPictureExZoom;
@@ -584,6 +592,10 @@ typedef enum RenderSourceType {
     RST_Memory = 10,
     RST_EnhancedMetafile = 12
 } RenderSourceType;
+typedef enum RasterScaling {
+    RS_Smooth = 0,
+    RS_Nearest = 1
+} RasterScaling;
 typedef enum GrayExtractMeasurementType {
     GEMT_GrayLocation = 1,
     GEMT_GrayStatistics = 2
@@ -3091,6 +3103,167 @@ static FORCEINLINE HRESULT IPictureEx_GetPixelInfo(IPictureEx* This,LONG DestX,L
 
 
 #endif  /* __IPictureEx_INTERFACE_DEFINED__ */
+
+typedef struct SPictureMemory {
+    unsigned int *m_pPixels;
+    LONG m_lWidth;
+    LONG m_lHeight;
+    LONG m_lStride;
+    LONG m_lScaling;
+} SPictureMemory;
+/*****************************************************************************
+ * IPictureMemory interface
+ */
+#ifndef __IPictureMemory_INTERFACE_DEFINED__
+#define __IPictureMemory_INTERFACE_DEFINED__
+
+DEFINE_GUID(IID_IPictureMemory, 0xbed32293, 0x5360, 0x4620, 0x9c,0x09, 0xef,0xc3,0xd5,0x92,0x3c,0xc4);
+#if defined(__cplusplus) && !defined(CINTERFACE)
+MIDL_INTERFACE("bed32293-5360-4620-9c09-efc3d5923cc4")
+IPictureMemory : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE RenderToMemory(
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RenderTopLeftToMemory(
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RenderBltToMemory(
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE RenderStretchToMemory(
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY,
+        LONG SourceWidth,
+        LONG SourceHeight) = 0;
+
+};
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IPictureMemory, 0xbed32293, 0x5360, 0x4620, 0x9c,0x09, 0xef,0xc3,0xd5,0x92,0x3c,0xc4)
+#endif
+#else
+typedef struct IPictureMemoryVtbl {
+    BEGIN_INTERFACE
+
+    /*** IUnknown methods ***/
+    HRESULT (STDMETHODCALLTYPE *QueryInterface)(
+        IPictureMemory *This,
+        REFIID riid,
+        void **ppvObject);
+
+    ULONG (STDMETHODCALLTYPE *AddRef)(
+        IPictureMemory *This);
+
+    ULONG (STDMETHODCALLTYPE *Release)(
+        IPictureMemory *This);
+
+    /*** IPictureMemory methods ***/
+    HRESULT (STDMETHODCALLTYPE *RenderToMemory)(
+        IPictureMemory *This,
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *RenderTopLeftToMemory)(
+        IPictureMemory *This,
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight);
+
+    HRESULT (STDMETHODCALLTYPE *RenderBltToMemory)(
+        IPictureMemory *This,
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY);
+
+    HRESULT (STDMETHODCALLTYPE *RenderStretchToMemory)(
+        IPictureMemory *This,
+        SPictureMemory *Memory,
+        LONG DestX,
+        LONG DestY,
+        LONG DestWidth,
+        LONG DestHeight,
+        LONG SourceX,
+        LONG SourceY,
+        LONG SourceWidth,
+        LONG SourceHeight);
+
+    END_INTERFACE
+} IPictureMemoryVtbl;
+
+interface IPictureMemory {
+    CONST_VTBL IPictureMemoryVtbl* lpVtbl;
+};
+
+#ifdef COBJMACROS
+#ifndef WIDL_C_INLINE_WRAPPERS
+/*** IUnknown methods ***/
+#define IPictureMemory_QueryInterface(This,riid,ppvObject) (This)->lpVtbl->QueryInterface(This,riid,ppvObject)
+#define IPictureMemory_AddRef(This) (This)->lpVtbl->AddRef(This)
+#define IPictureMemory_Release(This) (This)->lpVtbl->Release(This)
+/*** IPictureMemory methods ***/
+#define IPictureMemory_RenderToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->RenderToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight)
+#define IPictureMemory_RenderTopLeftToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight) (This)->lpVtbl->RenderTopLeftToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight)
+#define IPictureMemory_RenderBltToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY) (This)->lpVtbl->RenderBltToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY)
+#define IPictureMemory_RenderStretchToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight) (This)->lpVtbl->RenderStretchToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight)
+#else
+/*** IUnknown methods ***/
+static FORCEINLINE HRESULT IPictureMemory_QueryInterface(IPictureMemory* This,REFIID riid,void **ppvObject) {
+    return This->lpVtbl->QueryInterface(This,riid,ppvObject);
+}
+static FORCEINLINE ULONG IPictureMemory_AddRef(IPictureMemory* This) {
+    return This->lpVtbl->AddRef(This);
+}
+static FORCEINLINE ULONG IPictureMemory_Release(IPictureMemory* This) {
+    return This->lpVtbl->Release(This);
+}
+/*** IPictureMemory methods ***/
+static FORCEINLINE HRESULT IPictureMemory_RenderToMemory(IPictureMemory* This,SPictureMemory *Memory,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->RenderToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureMemory_RenderTopLeftToMemory(IPictureMemory* This,SPictureMemory *Memory,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight) {
+    return This->lpVtbl->RenderTopLeftToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight);
+}
+static FORCEINLINE HRESULT IPictureMemory_RenderBltToMemory(IPictureMemory* This,SPictureMemory *Memory,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight,LONG SourceX,LONG SourceY) {
+    return This->lpVtbl->RenderBltToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY);
+}
+static FORCEINLINE HRESULT IPictureMemory_RenderStretchToMemory(IPictureMemory* This,SPictureMemory *Memory,LONG DestX,LONG DestY,LONG DestWidth,LONG DestHeight,LONG SourceX,LONG SourceY,LONG SourceWidth,LONG SourceHeight) {
+    return This->lpVtbl->RenderStretchToMemory(This,Memory,DestX,DestY,DestWidth,DestHeight,SourceX,SourceY,SourceWidth,SourceHeight);
+}
+#endif
+#endif
+
+#endif
+
+
+#endif  /* __IPictureMemory_INTERFACE_DEFINED__ */
 
 /*****************************************************************************
  * IPictureExZoom interface

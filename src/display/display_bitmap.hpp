@@ -8,21 +8,19 @@
 
 namespace orlix {
 
-// Display levels. Notes:
-//  (1) One plane: the colour of a level is its entry of the colour table. Three planes: red, green and blue, each through its
-//      own component of the table. No plane and no width: there is no image.
-//  (2) Rows are top-down and padded with zeros to a multiple of 4 bytes, as a device-independent bitmap has them.
+// A device-independent bitmap. Notes:
+//  (1) 8 bits a pixel: display levels, the colour of a level being its entry of the colour table. 24 bits: blue, green and
+//      red, each of which has gone through its component of the table. 0 bits and no width: there is no image.
+//  (2) Bottom-up, as the system's drawing functions have bitmaps, its rows padded with zeros to a multiple of 4 bytes.
 struct DisplayBitmap {
     int32_t width = 0;
     int32_t height = 0;
-    int32_t planes = 0;
+    int32_t bitsPerPixel = 0;
     size_t rowStride = 0;
-    PixelBuffer levels;
+    PixelBuffer pixels;
 
-    uint8_t* row(int32_t plane, int32_t y) const {
-        return levels.data() +
-               (static_cast<size_t>(plane) * static_cast<size_t>(height) + static_cast<size_t>(y)) * rowStride;
-    }
+    // y counts from the top.
+    uint8_t* row(int32_t y) const { return pixels.data() + static_cast<size_t>(height - 1 - y) * rowStride; }
 };
 
 }  // namespace orlix

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <vector>
 
 #include "display/display_levels.hpp"
 #include "display/displayed_image.hpp"
@@ -59,15 +60,35 @@ public:
     }
 
 private:
+    double ShownValue(int32_t x, int32_t y) override {
+        return static_cast<double>(this->image_.view(this->ShownBand()).row(y)[x]);
+    }
+
     void ComputeLevels(const DisplayBitmap& bitmap) override {
         const LevelMapping<Pixel> levelsOf(lower_, upper_);
         const auto width = static_cast<size_t>(bitmap.width);
-        for (int32_t plane = 0; plane < bitmap.planes; ++plane) {
-            const PixelView<Pixel> view = this->image_.view(this->Planes().first + plane);
+        if (bitmap.bitsPerPixel == 24) return ComputeColors(bitmap);
+        const PixelView<Pixel> view = this->image_.view(this->ShownBand());
+        for (int32_t y = 0; y < bitmap.height; ++y) {
+            uint8_t* const levels = bitmap.row(y);
+            levelsOf(view.row(y), width, levels);
+            std::fill(levels + width, levels + bitmap.rowStride, uint8_t{0});
+        }
+    }
+
+    void ComputeColors(const DisplayBitmap& bitmap) {
+        const LevelMapping<Pixel> levelsOf(lower_, upper_);
+        const auto width = static_cast<size_t>(bitmap.width);
+        std::vector<uint8_t> levels(width);
+        for (int32_t channel = 0; channel < 3; ++channel) {
+            const PixelView<Pixel> view = this->image_.view(channel);
+            const PointOperation<uint8_t> colors = this->ColorsOf(channel);
             for (int32_t y = 0; y < bitmap.height; ++y) {
-                uint8_t* const levels = bitmap.row(plane, y);
-                levelsOf(view.row(y), width, levels);
-                std::fill(levels + width, levels + bitmap.rowStride, uint8_t{0});
+                levelsOf(view.row(y), width, levels.data());
+                colors(levels.data(), width);
+                uint8_t* const row = bitmap.row(y);
+                for (size_t x = 0; x < width; ++x) row[3 * x + static_cast<size_t>(2 - channel)] = levels[x];
+                std::fill(row + 3 * width, row + bitmap.rowStride, uint8_t{0});
             }
         }
     }

@@ -1,5 +1,6 @@
 #include "display/displayed_image.hpp"
 
+#include <algorithm>
 #include <iterator>
 #include <numeric>
 
@@ -36,13 +37,13 @@ const DisplayBitmap& DisplayedImage::Display() {
     } else {
         const auto width = static_cast<size_t>(image.layout().width);
         const auto height = static_cast<size_t>(image.layout().height);
-        const int32_t planes = Planes().count;
-        const size_t rowStride = (width + 3) / 4 * 4;  // no more than the image's own
+        // No more than the image's own: three bytes a pixel come from three bands or more.
+        const size_t rowStride = ((ShowsColor() ? 3 : 1) * width + 3) / 4 * 4;
         current_ = false;
-        bitmap_.levels.Resize(static_cast<size_t>(planes) * height * rowStride);
+        bitmap_.pixels.Resize(height * rowStride);
         bitmap_.width = image.layout().width;
         bitmap_.height = image.layout().height;
-        bitmap_.planes = planes;
+        bitmap_.bitsPerPixel = ShowsColor() ? 24 : 8;
         bitmap_.rowStride = rowStride;
         ComputeLevels(bitmap_);
     }
@@ -51,9 +52,23 @@ const DisplayBitmap& DisplayedImage::Display() {
     return bitmap_;
 }
 
-DisplayedImage::PlaneBands DisplayedImage::Planes() {
-    if (state_.band != BI_AllBands) return {1, state_.band};
-    return {store().layout().bands < 3 ? 1 : 3, 0};
+std::optional<ShownPixel> DisplayedImage::Shown(int32_t x, int32_t y) {
+    const DisplayBitmap& bitmap = Display();
+    if (bitmap.bitsPerPixel == 0) return std::nullopt;
+    const uint8_t* const row = bitmap.row(y);
+    if (bitmap.bitsPerPixel == 8) return ShownPixel{ShownValue(x, y), GetColor(row[x])};
+    const uint8_t* const triple = row + 3 * static_cast<ptrdiff_t>(x);
+    return ShownPixel{ShownValue(x, y), static_cast<OLE_COLOR>(triple[0] << 16 | triple[1] << 8 | triple[2])};
+}
+
+bool DisplayedImage::ShowsColor() { return state_.band == BI_AllBands && store().layout().bands >= 3; }
+
+PointOperation<uint8_t> DisplayedImage::ColorsOf(int32_t channel) const {
+    uint8_t table[256];
+    std::transform(state_.colors.begin(), state_.colors.end(), table, [&](const PaletteEntry& color) {
+        return channel == 0 ? color.red : channel == 1 ? color.green : color.blue;
+    });
+    return PointOperation<uint8_t>::LookUp(table);
 }
 
 void DisplayedImage::PutDisplayState(const DisplayState& state) {
@@ -84,6 +99,7 @@ void DisplayedImage::PutColor(LONG entry, OLE_COLOR color) {
     if (entry < 0 || entry > 255) throw Failure("IDisplayProcess: color table entry is out of range.");
     state_.colors[static_cast<size_t>(entry)] = {static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 8),
                                                  static_cast<uint8_t>(color), 0};
+    if (bitmap_.bitsPerPixel == 24) current_ = false;
 }
 
 void DisplayedImage::Equalize(const uint64_t (&counts)[256]) {

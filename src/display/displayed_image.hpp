@@ -2,12 +2,20 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "display/display_bitmap.hpp"
 #include "display/display_state.hpp"
+#include "process/point_operations.hpp"
 #include "process/typed_image.hpp"
 
 namespace orlix {
+
+// A pixel of an image and the colour that shows it, 0x00BBGGRR.
+struct ShownPixel {
+    double value;
+    OLE_COLOR color;
+};
 
 // The operations are those of IDisplayProcess, which documents them. Notes:
 //  (1) The display range and the colour table stay while the pixel type stays; the band to display is set anew by a creation,
@@ -21,9 +29,13 @@ public:
 
     void ContentReplaced() override;
 
-    // The levels as they are now; computed anew only when something changed since the last call. Valid until the next call and
+    // The bitmap as it is now; computed anew only when something changed since the last call. Valid until the next call and
     // until the image is released. Raises std::bad_alloc.
     const DisplayBitmap& Display();
+
+    // The pixel of the band that is shown, of band 0 where three are; (x, y) lies on the image. Nothing for an image whose pixels may not
+    // be touched.
+    std::optional<ShownPixel> Shown(int32_t x, int32_t y);
 
     // For streams. band is BI_AllBands or below the number of bands.
     const DisplayState& displayState() const { return state_; }
@@ -51,13 +63,14 @@ protected:
     // EqualizeColorTable for the counts of the display levels.
     void Equalize(const uint64_t (&counts)[256]);
 
-    struct PlaneBands {
-        int32_t count;
-        int32_t first;
-    };
-    // The bands that are shown, for an image that is not empty.
-    PlaneBands Planes();
-    // Fills the levels; their size has been set.
+    // For an image that is not empty: all of three bands or more are shown in colour (the first three of them), else the
+    // band that is chosen, or the first.
+    bool ShowsColor();
+    int32_t ShownBand() const { return state_.band == BI_AllBands ? 0 : state_.band; }
+    // The component of the colour table for a channel: 0 red, 1 green, 2 blue.
+    PointOperation<uint8_t> ColorsOf(int32_t channel) const;
+    virtual double ShownValue(int32_t x, int32_t y) = 0;
+    // Fills the bitmap; its size has been set.
     virtual void ComputeLevels(const DisplayBitmap& bitmap) = 0;
 
 private:

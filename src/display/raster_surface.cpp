@@ -75,33 +75,24 @@ public:
 
     // Columns first .. first + n - 1.
     void Expand(uint32_t* to, int32_t row, int32_t first, size_t n) const {
-        switch (picture_.layout) {
-            case Layout::Levels:
-                return ExpandLevels(to, RowOf(0, row) + first, n);
-            case Layout::Planes:
-                return expandPlanes_(to, RowOf(0, row) + first, RowOf(1, row) + first, RowOf(2, row) + first, n);
-            case Layout::Triples:
-                return expandTriples_(to, RowOf(0, row) + 3 * ptrdiff_t{first}, n);
-        }
+        if (picture_.layout == Layout::Levels)
+            ExpandLevels(to, RowOf(row) + first, n);
+        else
+            expandTriples_(to, RowOf(row) + 3 * ptrdiff_t{first}, n);
     }
 
-    // Columns in any monotone order. scratch holds three bytes a column.
+    // Columns in any monotone order. scratch holds a byte a column.
     void ExpandPicked(uint32_t* to, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
         const size_t n = columns.size();
-        switch (picture_.layout) {
-            case Layout::Levels:
-                pick_(scratch, RowOf(0, row), columns.data(), n);
-                return ExpandLevels(to, scratch, n);
-            case Layout::Planes:
-                for (size_t k = 0; k < 3; ++k) pick_(scratch + k * n, RowOf(k, row), columns.data(), n);
-                return expandPlanes_(to, scratch, scratch + n, scratch + 2 * n, n);
-            case Layout::Triples:
-                const uint8_t* const triples = RowOf(0, row);
-                for (size_t i = 0; i < n; ++i) {
-                    const uint8_t* const at = triples + 3 * ptrdiff_t{columns[i]};
-                    to[i] = uint32_t{at[2]} << 16 | uint32_t{at[1]} << 8 | at[0];
-                }
-                return;
+        if (picture_.layout == Layout::Levels) {
+            pick_(scratch, RowOf(row), columns.data(), n);
+            ExpandLevels(to, scratch, n);
+            return;
+        }
+        const uint8_t* const triples = RowOf(row);
+        for (size_t i = 0; i < n; ++i) {
+            const uint8_t* const at = triples + 3 * ptrdiff_t{columns[i]};
+            to[i] = uint32_t{at[2]} << 16 | uint32_t{at[1]} << 8 | at[0];
         }
     }
 
@@ -110,18 +101,18 @@ public:
         const size_t n = columns.size();
         const bool dense = columns.back() - columns.front() == static_cast<int32_t>(n) - 1;
         if (picture_.layout == Layout::Triples) {
-            const uint8_t* const triples = RowOf(0, row) + (2 - channel);
+            const uint8_t* const triples = RowOf(row) + (2 - channel);
             for (size_t i = 0; i < n; ++i) scratch[i] = triples[3 * ptrdiff_t{columns[i]}];
             return scratch;
         }
-        const uint8_t* samples = RowOf(picture_.layout == Layout::Planes ? channel : 0, row);
+        const uint8_t* samples = RowOf(row);
         if (dense) {
             samples += columns.front();
         } else {
             pick_(scratch, samples, columns.data(), n);
             samples = scratch;
         }
-        if (picture_.layout == Layout::Planes || ramp_) return samples;
+        if (ramp_) return samples;
         if (samples != scratch) std::memcpy(scratch, samples, n);
         tables_[channel](scratch, n);
         return scratch;
@@ -136,9 +127,7 @@ public:
     }
 
 private:
-    const uint8_t* RowOf(size_t plane, int32_t row) const {
-        return picture_.planes[plane] + ptrdiff_t{row} * picture_.stride;
-    }
+    const uint8_t* RowOf(int32_t row) const { return picture_.samples + ptrdiff_t{row} * picture_.stride; }
     void ExpandLevels(uint32_t* to, const uint8_t* levels, size_t n) const {
         if (ramp_) return expandGrey_(to, levels, n);
         if (!grey_) return expandLevels_(to, levels, n, colors_);
@@ -291,7 +280,7 @@ void RasterSurface::DrawNearest(const RasterPicture& picture, const Rectangle& s
     std::vector<uint8_t> scratch;
     if (!alongX.straight()) {
         columns.resize(n);
-        scratch.resize(3 * n);
+        scratch.resize(n);
         for (size_t i = 0; i < n; ++i) columns[i] = alongX.Nearest(visible.x + static_cast<int64_t>(i));
     }
     const int32_t firstColumn = alongX.Nearest(visible.x);

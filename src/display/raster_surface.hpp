@@ -17,12 +17,11 @@ constexpr uint32_t PixelOfColor(uint32_t color) {
 // the row below it, and may be negative.
 struct RasterPicture {
     enum class Layout : uint8_t {
-        Levels,   // planes[0]: one byte a pixel, which colors[byte] (256 entries, 0x00RRGGBB, high byte ignored) shows
-        Planes,   // red, green and blue, one byte a pixel each
-        Triples,  // planes[0]: three bytes a pixel, blue, green, red
+        Levels,   // one byte a pixel, which colors[byte] (256 entries, 0x00RRGGBB, high byte ignored) shows
+        Triples,  // three bytes a pixel: blue, green, red
     };
     Layout layout;
-    const uint8_t* planes[3];
+    const uint8_t* samples;  // of the top row
     ptrdiff_t stride;
     int32_t width, height;
     const uint32_t* colors;

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "image/coordinate_map.hpp"
+
 namespace orlix {
 
 // Columns x .. x + width - 1 and rows likewise. 64 bits hold every sum of 32-bit coordinates. On a surface the width or the
@@ -32,8 +34,6 @@ struct PixelPoint {
     double x, y;
 };
 PixelPoint Apply(const TCoordinateMap& map, double x, double y);
-
-inline constexpr TCoordinateMap kIdentityMap = {0, 0, {1, 0, 0, 1}};
 
 // A rendered picture. Notes:
 //  (1) Surface pixel X covers X .. X + 1, image pixel x covers x - 0.5 .. x + 0.5; the maps carry edges to edges.

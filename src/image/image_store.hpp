@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "component/failure.hpp"
+#include "image/coordinate_map.hpp"
 #include "image/image_layout.hpp"
 #include "image/pixel_buffer.hpp"
 #include "image/pixel_view.hpp"
@@ -16,9 +17,6 @@
 namespace orlix {
 
 using WideString = std::basic_string<OLECHAR>;
-
-// Frame outside the image that coordinates relate to; see TCoordinateMap in the interface description.
-inline constexpr TCoordinateMap kIdentityMap = {0, 0, {1, 0, 0, 1}};
 
 // The keyword under which files keep the description among their texts.
 inline constexpr std::basic_string_view<OLECHAR> kDescriptionKeyword = OLESTR("Description");

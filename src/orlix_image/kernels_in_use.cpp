@@ -1,6 +1,7 @@
 #include "orlix_image/kernels_in_use.hpp"
 
 #include "display/display_level_kernels.hpp"
+#include "display/raster_kernels.hpp"
 #include "process/casting_kernels.hpp"
 #include "process/correction_kernels.hpp"
 #include "process/counting_kernels.hpp"
@@ -105,6 +106,14 @@ std::span<const KernelInUse> KernelsInUse() {
         {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
         {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
         {"display levels, float", ChosenVariant(kLevels<float>).name},
+        {"picture, greys", ChosenVariant(kExpandGrey).name},
+        {"picture, colour table", ChosenVariant(kExpandLevels).name},
+        {"picture, colours of planes", ChosenVariant(kExpandPlanes).name},
+        {"picture, 24 bits", ChosenVariant(kExpandTriples).name},
+        {"picture, choice of columns", ChosenVariant(kPick).name},
+        {"picture, rows", ChosenVariant(kWeighRows).name},
+        {"picture, interpolation", ChosenVariant(kInterpolate).name},
+        {"picture, averages", ChosenVariant(kAverage).name},
     };
     return kernels;
 }

@@ -10,12 +10,18 @@ std::shared_ptr<DisplayedImage> OrlixImage::Typed() {
     return typed_;
 }
 
+void OrlixImage::Take(std::shared_ptr<DisplayedImage> typed) {
+    typed_ = std::move(typed);
+    const ImageLayout layout = typed_ ? typed_->store().layout() : ImageLayout();
+    zoom_.SetImageSize(layout.width, layout.height);
+}
+
 void OrlixImage::CreateTyped(LONG dataType, const std::function<void(ImageStore&)>& creation) {
     std::shared_ptr<DisplayedImage> target = typed_;
     if (!target || target->store().dataType() != dataType) {
         target = DisplayedImage::Make(dataType);
         if (!target) {
-            typed_ = nullptr;
+            Take(nullptr);
             throw FailedResult(E_FAIL);
         }
     }
@@ -23,11 +29,11 @@ void OrlixImage::CreateTyped(LONG dataType, const std::function<void(ImageStore&
         creation(target->store());
     } catch (const Failure&) {
         if (target != typed_) target->ContentReplaced();
-        typed_ = target;
+        Take(target);
         throw;
     }
     target->ContentReplaced();
-    typed_ = target;
+    Take(target);
     modified_ = true;
 }
 

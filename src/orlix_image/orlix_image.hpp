@@ -6,18 +6,32 @@
 #include <functional>
 #include <memory>
 
+#include "component/connection_point.hpp"
 #include "component/object.hpp"
+#include "display/device_renderer.hpp"
 #include "display/displayed_image.hpp"
+#include "display/graphics_use.hpp"
+#include "display/view_geometry.hpp"
+#include "display/zoom_state.hpp"
 #include "image/source_image.hpp"
+
+namespace orlix {
+struct RenderKind;
+}
 
 // Its methods stand in one file per group of interfaces: orlix_image.cpp (pixels and creation), orlix_image_file.cpp,
 // orlix_image_entries.cpp, orlix_image_stream.cpp,
 // orlix_image_process.cpp, orlix_image_surfaces.cpp, orlix_image_hemispheres.cpp,
-// orlix_image_robust.cpp, orlix_image_display.cpp, orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
+// orlix_image_robust.cpp, orlix_image_display.cpp, orlix_image_picture.cpp, windows/orlix_image_dispatch.cpp,
+// orlix_image_pending.cpp (what is not built yet) and orlix_image_module.cpp.
 class OrlixImage final
     : public orlix::Object<OrlixImage, orlix::Answers<IImageVPAExPlus, IImageVPAEx, IImageVPA>, IImageFile,
                            IImageEntries, orlix::Answers<IPersistStreamInitEx, IPersistStreamInit, IPersist>,
                            orlix::Answers<IOrlixImageProcess, IImageProcess, IImageProcessBase>, IDisplayProcess,
+                           orlix::Answers<IPictureExZoom, IPictureEx>, IPictureMemory, IConnectionPointContainer,
+#ifdef _WIN32  // scripts
+                           orlix::Answers<IPictureExZoomDisp, IDispatch>,
+#endif
                            IModuleInformation, IPixelAccess> {
 public:
     // IImageVPA
@@ -134,6 +148,67 @@ public:
     STDMETHODIMP PutDisplayRange(double lower, double upper) noexcept override;
     STDMETHODIMP SnapDisplayRange(double trimLeft, double trimRight, LONG roundOut) noexcept override;
 
+    // IPictureEx
+    STDMETHODIMP get_DestToPixelCoords(TCoordinateMap* map) noexcept override;
+    STDMETHODIMP get_PixelToDestCoords(TCoordinateMap* map) noexcept override;
+    STDMETHODIMP get_Width(LONG* width) noexcept override;
+    STDMETHODIMP get_Height(LONG* height) noexcept override;
+    STDMETHODIMP get_DestRect(RECT* rectangle) noexcept override;
+    STDMETHODIMP get_Surround(OLE_COLOR* color) noexcept override;
+    STDMETHODIMP put_Surround(OLE_COLOR color) noexcept override;
+    STDMETHODIMP Render(void* hdcDest, LONG x, LONG y, LONG width, LONG height) noexcept override;
+    STDMETHODIMP RenderTopLeft(void* hdcDest, LONG x, LONG y, LONG width, LONG height) noexcept override;
+    STDMETHODIMP RenderBlt(void* hdcDest, LONG x, LONG y, LONG width, LONG height, LONG sourceX,
+                           LONG sourceY) noexcept override;
+    STDMETHODIMP RenderStretch(void* hdcDest, LONG x, LONG y, LONG width, LONG height, LONG sourceX, LONG sourceY,
+                               LONG sourceWidth, LONG sourceHeight) noexcept override;
+    STDMETHODIMP CreateHBITMAP(void* hdc, void** bitmap) noexcept override;
+    STDMETHODIMP CreateDIBSection(void** bits, void** bitmap) noexcept override;
+    STDMETHODIMP AttachBuffer(void* buffer, LONG width, LONG height, LONG bitsPerPixel) noexcept override;
+    STDMETHODIMP GetPixelInfo(LONG destX, LONG destY, double* x, double* y, double* value,
+                              OLE_COLOR* color) noexcept override;
+
+    // IPictureExZoom
+    STDMETHODIMP get_ZoomFactor(double* factor) noexcept override;
+    STDMETHODIMP put_ZoomFactor(double factor) noexcept override;
+    STDMETHODIMP get_ZoomCenterX(double* x) noexcept override;
+    STDMETHODIMP put_ZoomCenterX(double x) noexcept override;
+    STDMETHODIMP get_ZoomCenterY(double* y) noexcept override;
+    STDMETHODIMP put_ZoomCenterY(double y) noexcept override;
+    STDMETHODIMP ResetZoom() noexcept override;
+    STDMETHODIMP ZoomInFromPoint(LONG x, LONG y) noexcept override;
+    STDMETHODIMP ZoomOutFromPoint(LONG x, LONG y) noexcept override;
+    STDMETHODIMP ZoomFromRectangle(LONG x, LONG y, LONG width, LONG height) noexcept override;
+    STDMETHODIMP ZoomIn() noexcept override;
+    STDMETHODIMP ZoomOut() noexcept override;
+    STDMETHODIMP PanLeft() noexcept override;
+    STDMETHODIMP PanRight() noexcept override;
+    STDMETHODIMP ScrollUp() noexcept override;
+    STDMETHODIMP ScrollDown() noexcept override;
+    STDMETHODIMP PanScrollFromPoints(LONG x1, LONG y1, LONG x2, LONG y2) noexcept override;
+
+    // IPictureMemory
+    STDMETHODIMP RenderToMemory(SPictureMemory* memory, LONG x, LONG y, LONG width, LONG height) noexcept override;
+    STDMETHODIMP RenderTopLeftToMemory(SPictureMemory* memory, LONG x, LONG y, LONG width,
+                                       LONG height) noexcept override;
+    STDMETHODIMP RenderBltToMemory(SPictureMemory* memory, LONG x, LONG y, LONG width, LONG height, LONG sourceX,
+                                   LONG sourceY) noexcept override;
+    STDMETHODIMP RenderStretchToMemory(SPictureMemory* memory, LONG x, LONG y, LONG width, LONG height, LONG sourceX,
+                                       LONG sourceY, LONG sourceWidth, LONG sourceHeight) noexcept override;
+
+    // IConnectionPointContainer
+    STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override;
+    STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) noexcept override;
+
+#ifdef _WIN32
+    // IDispatch of IPictureExZoomDisp
+    STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override;
+    STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override;
+    STDMETHODIMP GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) noexcept override;
+    STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments, VARIANT* result,
+                        EXCEPINFO* exception, UINT* badArgument) noexcept override;
+#endif
+
     // IPixelAccess
     STDMETHODIMP Accessible() noexcept override;
 
@@ -148,6 +223,9 @@ private:
     // make this object take another typed image while the one it had is at work.
     std::shared_ptr<orlix::DisplayedImage> Typed();
 
+    // The typed image from now on, whose size is the picture's. May be null.
+    void Take(std::shared_ptr<orlix::DisplayedImage> typed);
+
     // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A failure
     // with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without (no memory)
     // leaves the old image.
@@ -159,7 +237,17 @@ private:
     // Puts what a stream holds in the place of the image; a failure leaves everything as it was.
     void LoadFrom(IStream* stream);
 
+    // What all renderings share: surfaces and views differ.
+    HRESULT RenderOnDevice(void* hdcDest, const orlix::Rectangle& dest, const orlix::RenderKind& kind);
+    HRESULT RenderInMemory(SPictureMemory* memory, const orlix::Rectangle& dest, const orlix::RenderKind& kind);
+
     std::shared_ptr<orlix::DisplayedImage> typed_;
+    orlix::ZoomState zoom_;
+    orlix::View view_;  // of the last rendering
+    OLE_COLOR surround_ = 0;
+    orlix::DeviceRenderer renderer_;
+    orlix::ConnectionPoint events_{*this, __uuidof(IPictureExEvents)};
+    orlix::GraphicsShare graphics_;
     bool modified_ = false;     // by a creation or a change of what a stream keeps; the typed image knows of pixels
     bool initialised_ = false;  // by Load, ReLoad or InitNew
 };

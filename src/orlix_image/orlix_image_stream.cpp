@@ -81,7 +81,7 @@ void OrlixImage::LoadFrom(IStream* stream) {
     target->ContentReplaced();
     PutSettings(image.settings, *target);
     target->store().SetModified(false);
-    typed_ = target;
+    Take(target);
     modified_ = false;
     initialised_ = true;
 }

@@ -39,6 +39,10 @@ std::vector<Creatable> Creatables() {
          {__uuidof(IImageVPAEx), __uuidof(IImageVPA), __uuidof(IImageVPAExPlus), __uuidof(IImageFile),
           __uuidof(IImageEntries), __uuidof(IPersist), __uuidof(IPersistStreamInit), __uuidof(IPersistStreamInitEx),
           __uuidof(IImageProcessBase), __uuidof(IImageProcess), __uuidof(IOrlixImageProcess), __uuidof(IDisplayProcess),
+          __uuidof(IPictureExZoom), __uuidof(IPictureEx), __uuidof(IPictureMemory), __uuidof(IConnectionPointContainer),
+#ifdef _WIN32
+          __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
+#endif
           __uuidof(IModuleInformation)}},
     };
 }

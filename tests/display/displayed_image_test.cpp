@@ -20,28 +20,29 @@ std::unique_ptr<DisplayedImage> Bytes(LONG width, LONG height, LONG bands) {
     return image;
 }
 
-std::vector<int> Row(const DisplayBitmap& bitmap, int32_t plane, int32_t y) {
-    const uint8_t* row = bitmap.row(plane, y);
+using Levels = std::vector<int>;
+Levels Row(const DisplayBitmap& bitmap, int32_t y) {
+    const uint8_t* row = bitmap.row(y);
     return {row, row + bitmap.rowStride};
 }
-using Levels = std::vector<int>;
 
-TEST(DisplayBitmap, HoldsTheLevelsTopDownInRowsPaddedWithZeros) {
+TEST(DisplayBitmap, HoldsTheLevelsBottomUpInRowsPaddedWithZeros) {
     const auto image = Bytes(3, 2, 1);
     const DisplayBitmap& bitmap = image->Display();
     EXPECT_EQ(3, bitmap.width);
     EXPECT_EQ(2, bitmap.height);
-    ASSERT_EQ(1, bitmap.planes);
-    EXPECT_EQ((Levels{0, 1, 2, 0}), Row(bitmap, 0, 0));
-    EXPECT_EQ((Levels{10, 11, 12, 0}), Row(bitmap, 0, 1));
+    ASSERT_EQ(8, bitmap.bitsPerPixel);
+    EXPECT_EQ((Levels{0, 1, 2, 0}), Row(bitmap, 0));
+    EXPECT_EQ((Levels{10, 11, 12, 0}), Row(bitmap, 1));
+    EXPECT_EQ(bitmap.pixels.data(), bitmap.row(1));
     image->PutDisplayRange(10, 12);
-    EXPECT_EQ((Levels{0, 128, 255, 0}), Row(image->Display(), 0, 1));
+    EXPECT_EQ((Levels{0, 128, 255, 0}), Row(image->Display(), 1));
 }
 
 TEST(DisplayBitmap, IsComputedAnewOnlyAfterAChange) {
     const auto image = Bytes(1, 1, 1);
     uint8_t& pixel = *image->store().base(0);
-    const auto shown = [&] { return int{*image->Display().row(0, 0)}; };
+    const auto shown = [&] { return int{*image->Display().row(0)}; };
     EXPECT_TRUE(image->DisplayDirty());
     EXPECT_EQ(0, shown());
     EXPECT_FALSE(image->DisplayDirty());
@@ -70,30 +71,38 @@ TEST(DisplayBitmap, IsComputedAnewOnlyAfterAChange) {
 TEST(DisplayBitmap, ShowsThreeBandsInColourOrTheBandThatIsChosen) {
     const struct {
         LONG bands, band;
-        std::vector<int> firstLevels;  // of each plane
-    } cases[] = {{3, BI_AllBands, {0, 100, 200}},
-                 {4, BI_AllBands, {0, 100, 200}},
-                 {2, BI_AllBands, {0}},
-                 {1, BI_AllBands, {0}},
-                 {3, 2, {200}},
-                 {2, 1, {100}}};
+        int32_t bits;
+        Levels top, bottom;
+    } cases[] = {{3, BI_AllBands, 24, {200, 100, 0, 201, 101, 1, 0, 0}, {210, 110, 10, 211, 111, 11, 0, 0}},
+                 {4, BI_AllBands, 24, {200, 100, 0, 201, 101, 1, 0, 0}, {210, 110, 10, 211, 111, 11, 0, 0}},
+                 {2, BI_AllBands, 8, {0, 1, 0, 0}, {10, 11, 0, 0}},
+                 {1, BI_AllBands, 8, {0, 1, 0, 0}, {10, 11, 0, 0}},
+                 {3, 2, 8, {200, 201, 0, 0}, {210, 211, 0, 0}},
+                 {2, 1, 8, {100, 101, 0, 0}, {110, 111, 0, 0}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.bands << " bands, " << c.band);
         const auto image = Bytes(2, 2, c.bands);
         image->PutBandToDisplay(c.band);
         const DisplayBitmap& bitmap = image->Display();
-        ASSERT_EQ(static_cast<int32_t>(c.firstLevels.size()), bitmap.planes);
-        for (int32_t plane = 0; plane < bitmap.planes; ++plane) {
-            const int first = c.firstLevels[static_cast<size_t>(plane)];
-            EXPECT_EQ((Levels{first, first + 1, 0, 0}), Row(bitmap, plane, 0));
-            EXPECT_EQ((Levels{(first + 10) % 256, (first + 11) % 256, 0, 0}), Row(bitmap, plane, 1));
-        }
+        ASSERT_EQ(c.bits, bitmap.bitsPerPixel);
+        EXPECT_EQ(c.top, Row(bitmap, 0));
+        EXPECT_EQ(c.bottom, Row(bitmap, 1));
     }
 }
 
-TEST(DisplayBitmap, OfAnImageWithoutPixelsHasNoPlane) {
+TEST(DisplayBitmap, InColourPassesEachChannelThroughItsPartOfTheTable) {
+    const auto image = Bytes(1, 1, 3);  // red 0, green 100, blue 200
+    image->PutBandToDisplay(BI_AllBands);
+    image->Display();
+    image->PutColor(0, 0x112233);  // blue, green, red
+    image->PutColor(100, 0x445566);
+    image->PutColor(200, 0x778899);
+    EXPECT_EQ((Levels{0x77, 0x55, 0x33, 0}), Row(image->Display(), 0));
+}
+
+TEST(DisplayBitmap, OfAnImageWithoutPixelsHasNoBits) {
     const auto image = DisplayedImage::Make(DT_Float);
-    EXPECT_EQ(0, image->Display().planes);
+    EXPECT_EQ(0, image->Display().bitsPerPixel);
     EXPECT_EQ(0, image->Display().width);
     image->store().Create(5, 7, 1, DT_Float, true);
     image->ContentReplaced();
@@ -109,7 +118,7 @@ TEST(DisplayState, OfAStreamTakesTheDisplay) {
     state.band = 1;
     state.colors[3] = {1, 2, 3, 4};
     image->PutDisplayState(state);
-    EXPECT_EQ(100, *image->Display().row(0, 0));
+    EXPECT_EQ(100, *image->Display().row(0));
     EXPECT_EQ(0x010203u, image->GetColor(3));
     EXPECT_EQ(4, image->displayState().colors[3].reserved);
 }

@@ -194,6 +194,20 @@ inline std::vector<ExpectedInterface> ExpectedInterfaces() {
                    "[in] long DestX, [in] long DestY, [out] double* X, [out] double* Y, [out] double* Value, [out] "
                    "unsigned long* Color")),
         CONTRACT(
+            IPictureMemory, IUnknown, "{BED32293-5360-4620-9C09-EFC3D5923CC4}",
+            METHOD(RenderToMemory,
+                   "[in] SPictureMemory* Memory, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long "
+                   "DestHeight"),
+            METHOD(RenderTopLeftToMemory,
+                   "[in] SPictureMemory* Memory, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long "
+                   "DestHeight"),
+            METHOD(RenderBltToMemory,
+                   "[in] SPictureMemory* Memory, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long "
+                   "DestHeight, [in] long SourceX, [in] long SourceY"),
+            METHOD(RenderStretchToMemory,
+                   "[in] SPictureMemory* Memory, [in] long DestX, [in] long DestY, [in] long DestWidth, [in] long "
+                   "DestHeight, [in] long SourceX, [in] long SourceY, [in] long SourceWidth, [in] long SourceHeight")),
+        CONTRACT(
             IPictureExZoom, IPictureEx, "{814CD6D8-6D66-4E3E-8455-A534A65F1B2E}",
             GET(ZoomFactor, "[out, retval] double* hVal"), PUT(ZoomFactor, "[in] double"),
             GET(ZoomCenterX, "[out, retval] double* hVal"), PUT(ZoomCenterX, "[in] double"),
@@ -330,6 +344,7 @@ inline std::vector<ExpectedEnumeration> ExpectedEnumerations() {
         {"PolarityType", {{"PT_Inside", 0}, {"PT_Outside", 1}, {"PT_Frame", 2}}},
         {"RenderSourceType",
          {{"RST_Display", 3}, {"RST_Metafile", 4}, {"RST_Memory", 10}, {"RST_EnhancedMetafile", 12}}},
+        {"RasterScaling", {{"RS_Smooth", 0}, {"RS_Nearest", 1}}},
         {"GrayExtractMeasurementType", {{"GEMT_GrayLocation", 1}, {"GEMT_GrayStatistics", 2}}},
         {"EqualizationType", {{"ET_Uniform", 1}, {"ET_UpperTriangular", 2}}},
         {"ImageFileFormat",
@@ -354,6 +369,8 @@ inline std::vector<ExpectedRecord> ExpectedRecords() {
         RECORD(SVertice, FIELD(m_dX, "double"), FIELD(m_dY, "double")),
         RECORD(SElement, FIELD(m_lX, "long"), FIELD(m_lY, "long"), FIELD(m_lOffset, "long"),
                FIELD(m_yValue, "unsigned char")),
+        RECORD(SPictureMemory, FIELD(m_pPixels, "unsigned int*"), FIELD(m_lWidth, "long"), FIELD(m_lHeight, "long"),
+               FIELD(m_lStride, "long"), FIELD(m_lScaling, "long")),
         RECORD(SGrayMeasurements, FIELD(m_lSize, "long"), FIELD(m_lPixelCount, "long"),
                FIELD(m_dGrayXCentroid, "double"), FIELD(m_dGrayYCentroid, "double"), FIELD(m_dGrayAverage, "double"),
                FIELD(m_dGrayStandardDeviation, "double")),
@@ -392,7 +409,8 @@ inline std::vector<ExpectedCoclass> ExpectedCoclasses() {
         {"OrlixBitmap", {"[default] IBitmap", "IBitmapProcess"}},
         {"OrlixImage",
          {"[default] IImageVPAEx", "IImageVPAExPlus", "IImageFile", "IImageEntries", "IImageProcess",
-          "IOrlixImageProcess", "IDisplayProcess", "IModuleInformation", "[default] [source] IPictureExEvents"}},
+          "IOrlixImageProcess", "IDisplayProcess", "IPictureExZoom", "IPictureMemory", "IPictureExZoomDisp",
+          "IModuleInformation", "[default] [source] IPictureExEvents"}},
         {"OrlixStructuringElement", {"[default] IStructuringElement"}},
         {"OrlixLineGraphicOverlay", {"[default] ILineGraphicOverlay"}},
         {"OrlixCircleGraphicOverlay", {"[default] ICircleGraphicOverlay"}},

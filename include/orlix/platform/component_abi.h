@@ -163,6 +163,8 @@ struct OrlixUuidOf;
 #define STG_E_READFAULT ((HRESULT)0x8003001E)
 #define STG_E_MEDIUMFULL ((HRESULT)0x80030070)
 #define STG_E_CANTSAVE ((HRESULT)0x80030103)
+#define CONNECT_E_NOCONNECTION ((HRESULT)0x80040200)
+#define CONNECT_E_CANNOTCONNECT ((HRESULT)0x80040202)
 #define REGDB_E_CLASSNOTREG ((HRESULT)0x80040154)
 #define CO_E_CLASSSTRING ((HRESULT)0x800401F3)
 #define SUCCEEDED(result) ((HRESULT)(result) >= 0)
@@ -270,7 +272,50 @@ struct IPersistStreamInit : IPersist {
 DEFINE_GUID(IID_IPersistStreamInit, 0x7fd52380, 0x4e07, 0x101b, 0xae, 0x2d, 0x08, 0x00, 0x2b, 0x2e, 0xc7, 0x13);
 __CRT_UUID_DECL(IPersistStreamInit, 0x7fd52380, 0x4e07, 0x101b, 0xae, 0x2d, 0x08, 0x00, 0x2b, 0x2e, 0xc7, 0x13)
 
-// Named by two event interfaces of the contract; the library answers it nowhere off Windows.
+struct IConnectionPointContainer;
+struct IEnumConnections;
+
+struct IConnectionPoint : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* pIID) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer** ppCPC) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Advise(IUnknown* pUnkSink, DWORD* pdwCookie) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Unadvise(DWORD dwCookie) = 0;
+    virtual HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** ppEnum) = 0;
+};
+DEFINE_GUID(IID_IConnectionPoint, 0xb196b286, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07);
+__CRT_UUID_DECL(IConnectionPoint, 0xb196b286, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07)
+
+struct IEnumConnectionPoints : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE Next(ULONG cConnections, IConnectionPoint** ppCP, ULONG* pcFetched) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Skip(ULONG cConnections) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Reset() = 0;
+    virtual HRESULT STDMETHODCALLTYPE Clone(IEnumConnectionPoints** ppEnum) = 0;
+};
+DEFINE_GUID(IID_IEnumConnectionPoints, 0xb196b285, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07);
+__CRT_UUID_DECL(IEnumConnectionPoints, 0xb196b285, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07)
+
+typedef struct tagCONNECTDATA {
+    IUnknown* pUnk;
+    DWORD dwCookie;
+} CONNECTDATA;
+
+struct IEnumConnections : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE Next(ULONG cConnections, CONNECTDATA* rgcd, ULONG* pcFetched) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Skip(ULONG cConnections) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Reset() = 0;
+    virtual HRESULT STDMETHODCALLTYPE Clone(IEnumConnections** ppEnum) = 0;
+};
+DEFINE_GUID(IID_IEnumConnections, 0xb196b287, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07);
+__CRT_UUID_DECL(IEnumConnections, 0xb196b287, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07)
+
+struct IConnectionPointContainer : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** ppEnum) = 0;
+    virtual HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID riid, IConnectionPoint** ppCP) = 0;
+};
+DEFINE_GUID(IID_IConnectionPointContainer, 0xb196b284, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07);
+__CRT_UUID_DECL(IConnectionPointContainer, 0xb196b284, 0xbab4, 0x101a, 0xb6, 0x9c, 0x00, 0xaa, 0x00, 0x34, 0x1d, 0x07)
+
+// Scripts call through this, on Windows; the library answers it nowhere else.
 struct DISPPARAMS;
 struct EXCEPINFO;
 struct ITypeInfo;

@@ -1,0 +1,161 @@
+#include "component/connection_point.hpp"
+
+#include <olectl.h>
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+#include <utility>
+
+namespace orlix {
+namespace {
+
+// What an enumerator hands out, each with a reference.
+IConnectionPoint* Counted(const ComPtr<IConnectionPoint>& point) {
+    point->AddRef();
+    return point.get();
+}
+CONNECTDATA Counted(const std::pair<DWORD, ComPtr<IUnknown>>& connection) {
+    connection.second->AddRef();
+    return {connection.second.get(), connection.first};
+}
+
+// Elements as they were when it was made. Interface is IEnumConnectionPoints or IEnumConnections.
+template <class Interface, class Out, class Element>
+class Enumerator final : public Interface {
+public:
+    explicit Enumerator(std::vector<Element> elements, size_t next = 0) : elements_(std::move(elements)), next_(next) {}
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        if (!object) return E_POINTER;
+        *object = iid == __uuidof(IUnknown) || iid == __uuidof(Interface) ? static_cast<Interface*>(this) : nullptr;
+        if (!*object) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() noexcept override {
+        const ULONG left = --references_;
+        if (left == 0) delete this;
+        return left;
+    }
+
+    STDMETHODIMP Next(ULONG count, Out* out, ULONG* fetched) noexcept override {
+        if (fetched) *fetched = 0;
+        if (!out || (!fetched && count > 1)) return E_POINTER;
+        ULONG given = 0;
+        for (; given < count && next_ < elements_.size(); ++given) out[given] = Counted(elements_[next_++]);
+        if (fetched) *fetched = given;
+        return given == count ? S_OK : S_FALSE;
+    }
+    STDMETHODIMP Skip(ULONG count) noexcept override {
+        const size_t skipped = std::min<size_t>(count, elements_.size() - next_);
+        next_ += skipped;
+        return skipped == count ? S_OK : S_FALSE;
+    }
+    STDMETHODIMP Reset() noexcept override {
+        next_ = 0;
+        return S_OK;
+    }
+    STDMETHODIMP Clone(Interface** clone) noexcept override {
+        if (!clone) return E_POINTER;
+        *clone = nullptr;
+        try {
+            *clone = new Enumerator(elements_, next_);
+            return S_OK;
+        } catch (const std::bad_alloc&) {
+            return E_OUTOFMEMORY;
+        }
+    }
+
+private:
+    ~Enumerator() = default;
+
+    std::atomic<ULONG> references_{1};
+    std::vector<Element> elements_;
+    size_t next_;
+};
+
+}  // namespace
+
+HRESULT ConnectionPoint::EnumPoints(IEnumConnectionPoints** points) noexcept {
+    if (!points) return E_POINTER;
+    *points = nullptr;
+    try {
+        using Point = ComPtr<IConnectionPoint>;
+        *points = new Enumerator<IEnumConnectionPoints, IConnectionPoint*, Point>(std::vector<Point>(1, Point(this)));
+        return S_OK;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+HRESULT ConnectionPoint::FindPoint(REFIID iid, IConnectionPoint** point) noexcept {
+    if (!point) return E_POINTER;
+    *point = iid == source_ ? this : nullptr;
+    if (!*point) return CONNECT_E_NOCONNECTION;
+    AddRef();
+    return S_OK;
+}
+
+STDMETHODIMP ConnectionPoint::QueryInterface(REFIID iid, void** object) noexcept {
+    if (!object) return E_POINTER;
+    *object = iid == __uuidof(IUnknown) || iid == __uuidof(IConnectionPoint) ? this : nullptr;
+    if (!*object) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+}
+
+STDMETHODIMP ConnectionPoint::GetConnectionInterface(IID* iid) noexcept {
+    if (!iid) return E_POINTER;
+    *iid = source_;
+    return S_OK;
+}
+
+STDMETHODIMP ConnectionPoint::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
+    if (!container) return E_POINTER;
+    *container = &container_;
+    AddRef();
+    return S_OK;
+}
+
+STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
+    if (!cookie) return E_POINTER;
+    *cookie = 0;
+    if (!sink) return E_POINTER;
+    ComPtr<IUnknown> source;
+    if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source) return CONNECT_E_CANNOTCONNECT;
+    try {
+        connections_.push_back({lastCookie_ + 1, std::move(source)});
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+    *cookie = ++lastCookie_;
+    return S_OK;
+}
+
+STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) noexcept {
+    const auto found = std::find_if(connections_.begin(), connections_.end(),
+                                    [&](const Connection& connection) { return connection.cookie == cookie; });
+    if (found == connections_.end()) return CONNECT_E_NOCONNECTION;
+    // Let go when the list is in order again: the client's release may call back.
+    const Connection gone = std::move(*found);
+    connections_.erase(found);
+    return S_OK;
+}
+
+STDMETHODIMP ConnectionPoint::EnumConnections(IEnumConnections** connections) noexcept {
+    if (!connections) return E_POINTER;
+    *connections = nullptr;
+    try {
+        using Element = std::pair<DWORD, ComPtr<IUnknown>>;
+        std::vector<Element> elements;
+        for (const Connection& connection : connections_) elements.emplace_back(connection.cookie, connection.sink);
+        *connections = new Enumerator<IEnumConnections, CONNECTDATA, Element>(std::move(elements));
+        return S_OK;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+}  // namespace orlix

@@ -1,0 +1,55 @@
+// Events: the connection point of an object's source interface.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <vector>
+
+#include <orlix/com_ptr.hpp>
+
+namespace orlix {
+
+// A member of the object that raises the events, which derives from IConnectionPointContainer and hands its two methods to this.
+// References to the point are references to the object. Notes:
+//  (1) Cookies are 1, 2, ... in the order of the connections, and not used again.
+//  (2) Who connects or goes while events are raised takes part from the next event on.
+class ConnectionPoint final : public IConnectionPoint {
+public:
+    // source: the interface that those who connect must answer.
+    ConnectionPoint(IConnectionPointContainer& container, REFIID source) noexcept
+        : container_(container), source_(source) {}
+
+    bool connected() const { return !connections_.empty(); }
+
+    // Calls tell(interface of each connected client).
+    template <class Source, class Tell>
+    void Raise(Tell&& tell) const {
+        const std::vector<Connection> connections = connections_;
+        for (const Connection& connection : connections) tell(static_cast<Source*>(connection.sink.get()));
+    }
+
+    // The container's two methods.
+    HRESULT EnumPoints(IEnumConnectionPoints** points) noexcept;
+    HRESULT FindPoint(REFIID iid, IConnectionPoint** point) noexcept;
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return container_.AddRef(); }
+    STDMETHODIMP_(ULONG) Release() noexcept override { return container_.Release(); }
+    STDMETHODIMP GetConnectionInterface(IID* iid) noexcept override;
+    STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer** container) noexcept override;
+    STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) noexcept override;
+    STDMETHODIMP Unadvise(DWORD cookie) noexcept override;
+    STDMETHODIMP EnumConnections(IEnumConnections** connections) noexcept override;
+
+private:
+    struct Connection {
+        DWORD cookie;
+        ComPtr<IUnknown> sink;  // the source interface
+    };
+    IConnectionPointContainer& container_;
+    IID source_;
+    DWORD lastCookie_ = 0;
+    std::vector<Connection> connections_;
+};
+
+}  // namespace orlix

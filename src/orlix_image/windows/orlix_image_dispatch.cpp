@@ -1,0 +1,136 @@
+// The zoom for scripts: IPictureExZoomDisp.
+
+#include <algorithm>
+#include <iterator>
+
+#include "orlix_image/orlix_image.hpp"
+#include "platform/module_file.hpp"
+
+using namespace orlix;
+
+namespace {
+
+// As the contract numbers them.
+enum Property : DISPID { kWidth = 1, kHeight, kZoomFactor, kZoomCenterX, kZoomCenterY };
+
+constexpr struct {
+    const wchar_t* name;
+    Property id;
+} kProperties[] = {{L"Width", kWidth},
+                   {L"Height", kHeight},
+                   {L"ZoomFactor", kZoomFactor},
+                   {L"ZoomCenterX", kZoomCenterX},
+                   {L"ZoomCenterY", kZoomCenterY}};
+
+HRESULT GetProperty(OrlixImage& image, DISPID id, VARIANT& result) {
+    double real = 0;
+    LONG whole = 0;
+    HRESULT got = DISP_E_MEMBERNOTFOUND;
+    switch (id) {
+        case kWidth:
+        case kHeight:
+            got = id == kWidth ? image.get_Width(&whole) : image.get_Height(&whole);
+            result.vt = VT_I4;
+            result.lVal = whole;
+            return got;
+        case kZoomFactor:
+            got = image.get_ZoomFactor(&real);
+            break;
+        case kZoomCenterX:
+            got = image.get_ZoomCenterX(&real);
+            break;
+        case kZoomCenterY:
+            got = image.get_ZoomCenterY(&real);
+            break;
+        default:
+            return got;
+    }
+    result.vt = VT_R8;
+    result.dblVal = real;
+    return got;
+}
+
+HRESULT PutProperty(OrlixImage& image, DISPID id, double value) {
+    switch (id) {
+        case kZoomFactor:
+            return image.put_ZoomFactor(value);
+        case kZoomCenterX:
+            return image.put_ZoomCenterX(value);
+        case kZoomCenterY:
+            return image.put_ZoomCenterY(value);
+        default:
+            return DISP_E_MEMBERNOTFOUND;
+    }
+}
+
+// What a property's put or get reported, for a script.
+HRESULT ExceptionOf(HRESULT result, EXCEPINFO* exception) {
+    if (SUCCEEDED(result) || result == DISP_E_MEMBERNOTFOUND) return result;
+    if (!exception) return DISP_E_EXCEPTION;
+    *exception = {};
+    exception->scode = result;
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Out()) == S_OK) {
+        info->GetSource(&exception->bstrSource);
+        info->GetDescription(&exception->bstrDescription);
+    }
+    return DISP_E_EXCEPTION;
+}
+
+}  // namespace
+
+STDMETHODIMP OrlixImage::GetTypeInfoCount(UINT* count) noexcept {
+    if (!count) return E_POINTER;
+    *count = 1;
+    return S_OK;
+}
+
+STDMETHODIMP OrlixImage::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
+    if (!info) return E_POINTER;
+    *info = nullptr;
+    if (index != 0) return DISP_E_BADINDEX;
+    return Guarded([&] {
+        ComPtr<ITypeLib> library;
+        PassOn(LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.Out()));
+        PassOn(library->GetTypeInfoOfGuid(__uuidof(IPictureExZoomDisp), info));
+    });
+}
+
+STDMETHODIMP OrlixImage::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (!names || !ids) return E_POINTER;
+    bool all = true;
+    for (UINT i = 0; i < count; ++i) {
+        const auto found = std::find_if(std::begin(kProperties), std::end(kProperties), [&](const auto& property) {
+            // Only the first name is a property's, the others are those of arguments, of which there are none.
+            return i == 0 && names[i] && lstrcmpiW(names[i], property.name) == 0;
+        });
+        ids[i] = found == std::end(kProperties) ? DISPID_UNKNOWN : found->id;
+        all = all && found != std::end(kProperties);
+    }
+    return all ? S_OK : DISP_E_UNKNOWNNAME;
+}
+
+STDMETHODIMP OrlixImage::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
+                                EXCEPINFO* exception, UINT* badArgument) noexcept {
+    if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (!arguments) return E_POINTER;
+    if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
+        if (arguments->cArgs != 1) return DISP_E_BADPARAMCOUNT;
+        VARIANT number;
+        VariantInit(&number);
+        const HRESULT changed = VariantChangeType(&number, &arguments->rgvarg[0], 0, VT_R8);
+        if (FAILED(changed)) {
+            if (badArgument) *badArgument = 0;
+            return changed;
+        }
+        return ExceptionOf(PutProperty(*this, id, number.dblVal), exception);
+    }
+    if (!(flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD))) return DISP_E_MEMBERNOTFOUND;
+    if (arguments->cArgs != 0) return DISP_E_BADPARAMCOUNT;
+    VARIANT value;
+    VariantInit(&value);
+    const HRESULT got = GetProperty(*this, id, value);
+    if (SUCCEEDED(got) && result) *result = value;
+    return ExceptionOf(got, exception);
+}

@@ -1,0 +1,528 @@
+// The picture of an image on device contexts, and its zoom for scripts.
+#ifdef _WIN32
+
+#include <olectl.h>
+#include <windows.h>
+
+#include <array>
+
+#include "contract/support.hpp"
+
+namespace orlix::testing {
+namespace {
+
+constexpr const char* kSource = "Orlix.Image.1";
+constexpr const char* kInvalid = "IPictureEx::Render: invalid HDC";
+
+// A bitmap in memory of 8 (a grey ramp) or 32 bits, selected into a context. Grey 0x11 at first.
+class Canvas {
+public:
+    Canvas(LONG width, LONG height, WORD bits = 32) : context(CreateCompatibleDC(nullptr)), width_(width), bits_(bits) {
+        struct {
+            BITMAPINFOHEADER header;
+            RGBQUAD colors[256];
+        } info = {};
+        info.header.biSize = sizeof info.header;
+        info.header.biWidth = width;
+        info.header.biHeight = -height;
+        info.header.biPlanes = 1;
+        info.header.biBitCount = bits;
+        for (int i = 0; i < 256; ++i) {
+            const auto grey = static_cast<BYTE>(i);
+            info.colors[i] = {grey, grey, grey, 0};
+        }
+        void* memory = nullptr;
+        bitmap_ = CreateDIBSection(context, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, &memory, nullptr, 0);
+        pixels_ = static_cast<uint8_t*>(memory);
+        stride_ = (width * bits / 8 + 3) / 4 * 4;
+        std::memset(pixels_, 0x11, static_cast<size_t>(stride_ * height));
+        former_ = SelectObject(context, bitmap_);
+    }
+    ~Canvas() {
+        SelectObject(context, former_);
+        DeleteDC(context);
+        DeleteObject(bitmap_);
+    }
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    // The pixel 0xRRGGBB, or the level.
+    uint32_t at(LONG x, LONG y) const {
+        GdiFlush();
+        const uint8_t* const pixel = pixels_ + y * stride_ + x * bits_ / 8;
+        return bits_ == 8 ? *pixel : static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]);
+    }
+    // One character a pixel: the low byte divided by 16.
+    std::string Row(LONG y) const {
+        std::string row;
+        for (LONG x = 0; x < width_; ++x) row += "0123456789abcdef"[at(x, y) >> 4 & 15];
+        return row;
+    }
+
+    const HDC context;
+
+private:
+    LONG width_, stride_;
+    WORD bits_;
+    HBITMAP bitmap_;
+    HGDIOBJ former_;
+    uint8_t* pixels_;
+};
+
+struct Picture {
+    ComPtr<IImageVPAExPlus> image;
+    ComPtr<IPictureExZoom> zoom;
+    ComPtr<IDisplayProcess> display;
+    explicit Picture(const ComPtr<IImageVPAExPlus>& from)
+        : image(from), zoom(Cast<IPictureExZoom>(image)), display(Cast<IDisplayProcess>(image)) {}
+    std::array<LONG, 4> destRect() const {
+        RECT r = {};
+        Check(zoom->get_DestRect(&r), zoom);
+        return {r.left, r.top, r.right, r.bottom};
+    }
+};
+using Edges = std::array<LONG, 4>;
+
+// 4 x 2 pixels: 16 (2 + x + 4 y).
+Picture Small() { return Picture(ImageOf<uint8_t>(4, {32, 48, 64, 80, 96, 112, 128, 144})); }
+
+TEST(PictureOnDevice, DrawsTheImageWithItsColoursAndSurround) {
+    const Picture picture = Small();
+    Check(picture.display->put_ColorTable(32, 0x332211), picture.display);
+    Check(picture.zoom->put_Surround(0xff8040a0), picture.zoom);
+    Canvas canvas(8, 6);
+    ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 1, 1, 4, 4));
+    EXPECT_EQ("11111111", canvas.Row(0));
+    EXPECT_EQ(0xa04080u, canvas.at(1, 1));
+    EXPECT_EQ(0xa04080u, canvas.at(4, 4));
+    EXPECT_EQ(0x112233u, canvas.at(1, 2)) << "blue in the high byte of colours, in the low one of pixels";
+    EXPECT_EQ("13345111", canvas.Row(2));
+    EXPECT_EQ("16789111", canvas.Row(3));
+    EXPECT_EQ("11111111", canvas.Row(5));
+    EXPECT_EQ((Edges{1, 2, 5, 4}), picture.destRect());
+
+    Canvas corner(4, 4);
+    ASSERT_EQ(S_OK, picture.zoom->RenderTopLeft(corner.context, 0, 0, 4, 4));
+    EXPECT_EQ("3345", corner.Row(0));
+    EXPECT_EQ("6789", corner.Row(1));
+    EXPECT_EQ("8888", corner.Row(2));
+    Canvas mirrored(4, 2);
+    ASSERT_EQ(S_OK, picture.zoom->Render(mirrored.context, 4, 2, -4, -2));
+    EXPECT_EQ("9876", mirrored.Row(0));
+    EXPECT_EQ("5433", mirrored.Row(1));
+    Canvas blt(5, 3);
+    ASSERT_EQ(S_OK, picture.zoom->RenderBlt(blt.context, 0, 0, 5, 3, 1, 1));
+    EXPECT_EQ("78988", blt.Row(0));
+    EXPECT_EQ("88888", blt.Row(1));
+    EXPECT_EQ(S_FALSE, picture.zoom->RenderBlt(blt.context, 0, 0, 5, 3, 9, 9));
+    EXPECT_EQ("88888", blt.Row(0));
+}
+
+TEST(PictureOnDevice, ChoosesPixelsWhereBothHaveEightBits) {
+    const Picture picture = Small();
+    Canvas twice(8, 4, 8);
+    ASSERT_EQ(S_OK, picture.zoom->Render(twice.context, 0, 0, 8, 4));
+    for (const LONG y : {0, 1}) EXPECT_EQ("22334455", twice.Row(y));
+    for (const LONG y : {2, 3}) EXPECT_EQ("66778899", twice.Row(y));
+    // A part of it: rows are counted from the bottom of the bitmap.
+    Canvas part(4, 2, 8);
+    ASSERT_EQ(S_OK, picture.zoom->RenderStretch(part.context, 0, 0, 4, 2, 2, 0, 2, 1));
+    EXPECT_EQ("4455", part.Row(0));
+    EXPECT_EQ("4455", part.Row(1));
+    EXPECT_TRUE(Fails(picture.zoom->RenderStretch(part.context, 0, 0, 4, 2, 2, 0, 3, 1),
+                      "IPictureEx::RenderStretch: the source rectangle must lie on the image.", kSource));
+    // Elsewhere neighbours are mixed.
+    Canvas mixed(8, 4);
+    ASSERT_EQ(S_OK, picture.zoom->Render(mixed.context, 0, 0, 8, 4));
+    bool between = false;
+    for (LONG x = 0; x < 8; ++x) between = between || mixed.at(x, 0) % 0x101010 != 0;
+    EXPECT_TRUE(between);
+}
+
+TEST(PictureOnDevice, ShowsThreeBandsInColour) {
+    const Picture picture(NewImage<uint8_t>(3, 2, 3));
+    for (LONG band = 0; band < 3; ++band)
+        for (const auto row : Rows<uint8_t>(picture.image, band))
+            for (LONG x = 0; x < 3; ++x) row[static_cast<size_t>(x)] = static_cast<uint8_t>(50 * band + 10 * x + 5);
+    Check(picture.display->put_BandToDisplay(BI_AllBands), picture.display);
+    Canvas canvas(3, 2);
+    ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 0, 0, 3, 2));
+    EXPECT_EQ(0x053769u, canvas.at(0, 0));
+    EXPECT_EQ(0x194b7du, canvas.at(2, 1));
+}
+
+TEST(PictureOnDevice, TakesLogicalCoordinatesAndLeavesTheContextAsItWas) {
+    const Picture picture = Small();
+    Canvas canvas(20, 12, 8);
+    SetMapMode(canvas.context, MM_ANISOTROPIC);
+    SetWindowExtEx(canvas.context, 1, 1, nullptr);
+    SetViewportExtEx(canvas.context, 2, 2, nullptr);
+    SetWindowOrgEx(canvas.context, -1, 0, nullptr);
+    SetViewportOrgEx(canvas.context, 3, 1, nullptr);
+    SetStretchBltMode(canvas.context, WHITEONBLACK);
+    ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 0, 1, 4, 2));
+    EXPECT_EQ((Edges{5, 3, 13, 7}), picture.destRect()) << "device coordinates";
+    EXPECT_EQ("11111111111111111111", canvas.Row(2));
+    EXPECT_EQ("11111223344551111111", canvas.Row(3));
+    EXPECT_EQ("11111667788991111111", canvas.Row(6));
+    EXPECT_EQ(MM_ANISOTROPIC, GetMapMode(canvas.context));
+    EXPECT_EQ(WHITEONBLACK, GetStretchBltMode(canvas.context));
+    POINT origin = {};
+    GetViewportOrgEx(canvas.context, &origin);
+    EXPECT_EQ(3, origin.x);
+    GetWindowOrgEx(canvas.context, &origin);
+    EXPECT_EQ(-1, origin.x);
+
+    Canvas transformed(16, 8, 8);
+    SetGraphicsMode(transformed.context, GM_ADVANCED);
+    const XFORM twice = {2, 0, 0, 2, 4, 2};
+    SetWorldTransform(transformed.context, &twice);
+    ASSERT_EQ(S_OK, picture.zoom->Render(transformed.context, 0, 0, 4, 2));
+    EXPECT_EQ((Edges{4, 2, 12, 6}), picture.destRect());
+    EXPECT_EQ("1111223344551111", transformed.Row(2));
+    XFORM after = {};
+    GetWorldTransform(transformed.context, &after);
+    EXPECT_EQ(2, after.eM11);
+    EXPECT_EQ(4, after.eDx);
+}
+
+TEST(PictureOnDevice, TakesAContextOrTheAddressOfOneAndNothingElse) {
+    const Picture picture = Small();
+    Canvas canvas(4, 2, 8);
+    HDC context = canvas.context;
+    ASSERT_EQ(S_OK, picture.zoom->Render(&context, 0, 0, 4, 2));
+    EXPECT_EQ("2345", canvas.Row(0));
+
+    const HBITMAP bitmap = CreateBitmap(1, 1, 1, 8, nullptr);
+    HGDIOBJ object = bitmap;
+    const HDC gone = CreateCompatibleDC(nullptr);
+    DeleteDC(gone);
+    const std::array<void*, 7> wrong = {nullptr,
+                                        reinterpret_cast<void*>(1),
+                                        reinterpret_cast<void*>(UINTPTR_MAX),
+                                        reinterpret_cast<void*>(UINTPTR_MAX - 8),
+                                        bitmap,
+                                        &object,
+                                        gone};
+    for (void* const value : wrong) {
+        EXPECT_TRUE(Fails(picture.zoom->Render(value, 0, 0, 4, 2), kInvalid, kSource)) << value;
+        EXPECT_TRUE(Fails(picture.zoom->RenderBlt(value, 0, 0, 4, 2, 0, 0), kInvalid, kSource)) << value;
+    }
+    DeleteObject(bitmap);
+
+    // The context comes first, then the image, then the destination.
+    const Picture empty(CreateObject<IImageVPAExPlus>("Orlix.Image"));
+    EXPECT_TRUE(Fails(empty.zoom->Render(nullptr, 0, 0, 0, 0), kInvalid, kSource));
+    EXPECT_TRUE(Fails(empty.zoom->Render(context, 0, 0, 0, 0), "IPictureEx::Render: No image.", kSource));
+    EXPECT_EQ(S_FALSE, picture.zoom->Render(context, 0, 0, 0, 0));
+    for (const LONG edge : {INT32_MIN, INT32_MAX}) {
+        picture.zoom->Render(context, edge, edge, edge, edge);  // no particular result, and no harm
+        picture.zoom->RenderBlt(context, edge, 0, 10, 10, edge, edge);
+    }
+}
+
+TEST(PictureOnDevice, IsPlayedBackFromMetafiles) {
+    const Picture picture = Small();
+    Canvas enhancedCanvas(4, 2, 8);
+    const HDC enhanced = CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
+    ASSERT_EQ(S_OK, picture.zoom->Render(enhanced, 0, 0, 4, 2));
+    const HENHMETAFILE enhancedFile = CloseEnhMetaFile(enhanced);
+    ENHMETAHEADER header = {};
+    GetEnhMetaFileHeader(enhancedFile, sizeof header, &header);
+    // At its own size: the frame is that of what was drawn.
+    const RECT all = {header.rclBounds.left, header.rclBounds.top, header.rclBounds.right, header.rclBounds.bottom};
+    SetStretchBltMode(enhancedCanvas.context, COLORONCOLOR);
+    EXPECT_TRUE(PlayEnhMetaFile(enhancedCanvas.context, enhancedFile, &all));
+    EXPECT_EQ("2345", enhancedCanvas.Row(0));
+    EXPECT_EQ("6789", enhancedCanvas.Row(1));
+    DeleteEnhMetaFile(enhancedFile);
+
+    Canvas canvas(6, 4, 8);
+    const HDC old = CreateMetaFileW(nullptr);
+    ASSERT_EQ(S_OK, picture.zoom->Render(old, 1, 1, 4, 2));
+    EXPECT_EQ((Edges{1, 1, 5, 3}), picture.destRect());
+    const HMETAFILE file = CloseMetaFile(old);
+    EXPECT_TRUE(PlayMetaFile(canvas.context, file));
+    EXPECT_EQ("111111", canvas.Row(0));
+    EXPECT_EQ("123451", canvas.Row(1));
+    EXPECT_EQ("167891", canvas.Row(2));
+    DeleteMetaFile(file);
+}
+
+// Draws a white square over the picture, where its maps say that pixel (1, 0) lies, and notes what it was given.
+class Overlay final : public IPictureExEvents {
+public:
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        *object = iid == __uuidof(IUnknown) || iid == __uuidof(IPictureExEvents) ? this : nullptr;
+        return *object ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return 2; }  // lives on the test's stack
+    STDMETHODIMP_(ULONG) Release() noexcept override { return 1; }
+    STDMETHODIMP OnRender(IPictureEx* picture, void* hdcDest, RenderSourceType sourceType) noexcept override {
+        ++calls;
+        context = static_cast<HDC>(hdcDest);
+        kind = GetObjectType(context);
+        source = sourceType;
+        TCoordinateMap map = {};
+        picture->get_PixelToDestCoords(&map);
+        const auto left = static_cast<LONG>(map.OrgX + map.Matrix.A11 * 0.5);
+        const auto top = static_cast<LONG>(map.OrgY - map.Matrix.A22 * 0.5);
+        const RECT square = {left, top, left + static_cast<LONG>(map.Matrix.A11),
+                             top + static_cast<LONG>(map.Matrix.A22)};
+        FillRect(context, &square, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+        SetMapMode(context, MM_HIENGLISH);
+        const std::function<void()> then = std::exchange(onRender, {});
+        if (then) then();
+        return E_FAIL;  // of no account
+    }
+    int calls = 0;
+    HDC context = nullptr;
+    DWORD kind = 0;
+    RenderSourceType source = {};
+    std::function<void()> onRender;
+};
+
+struct Connected {
+    Picture picture = Small();
+    Overlay overlay;
+    ComPtr<IConnectionPoint> point;
+    DWORD cookie = 0;
+    Connected() {
+        Check(Cast<IConnectionPointContainer>(picture.image)
+                  ->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
+        Check(point->Advise(&overlay, &cookie));
+    }
+};
+
+TEST(PictureOnDevice, TellsItsClientsWhichDrawOverIt) {
+    Connected connected;
+    const Overlay& overlay = connected.overlay;
+    Canvas canvas(8, 4, 8);
+    ASSERT_EQ(S_OK, connected.picture.zoom->Render(canvas.context, 0, 0, 8, 4));
+    EXPECT_EQ(1, overlay.calls);
+    EXPECT_EQ(canvas.context, overlay.context);
+    EXPECT_EQ(RST_Memory, overlay.source);
+    EXPECT_EQ("22ff4455", canvas.Row(1));
+    EXPECT_EQ(MM_TEXT, GetMapMode(canvas.context));
+    const HDC metafile = CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
+    ASSERT_EQ(S_OK, connected.picture.zoom->RenderTopLeft(metafile, 0, 0, 8, 4));
+    EXPECT_EQ(RST_EnhancedMetafile, overlay.source);
+    EXPECT_EQ(metafile, overlay.context);
+    DeleteEnhMetaFile(CloseEnhMetaFile(metafile));
+    const HDC old = CreateMetaFileW(nullptr);
+    ASSERT_EQ(S_OK, connected.picture.zoom->RenderStretch(old, 0, 0, 8, 4, 0, 0, 4, 2));
+    EXPECT_EQ(RST_Metafile, overlay.source);
+    DeleteMetaFile(CloseMetaFile(old));
+    EXPECT_EQ(3, overlay.calls);
+    EXPECT_EQ(S_FALSE, connected.picture.zoom->Render(canvas.context, 0, 0, 0, 4));
+    EXPECT_EQ(3, overlay.calls) << "nothing was drawn";
+    Check(connected.point->Unadvise(connected.cookie));
+    ASSERT_EQ(S_OK, connected.picture.zoom->Render(canvas.context, 0, 0, 8, 4));
+    EXPECT_EQ(3, overlay.calls);
+}
+
+// The screen's context, which exists without a display too.
+TEST(PictureOnDevice, ADisplayIsDrawnThroughMemoryWhileClientsAreConnected) {
+    Connected connected;
+    const HDC screen = GetDC(nullptr);
+    ASSERT_TRUE(screen);
+    ASSERT_EQ(static_cast<DWORD>(OBJ_DC), GetObjectType(screen));
+    std::array<uint32_t, 2> seen = {};
+    connected.overlay.onRender = [&] {
+        SetMapMode(connected.overlay.context, MM_TEXT);
+        seen = {GetPixel(connected.overlay.context, 10, 10), GetPixel(connected.overlay.context, 14, 12)};
+    };
+    const HRESULT first = connected.picture.zoom->RenderBlt(screen, 10, 10, 6, 3, 0, 0);
+    EXPECT_TRUE(first == S_OK) << TakeReported().text;
+    EXPECT_EQ(static_cast<DWORD>(OBJ_MEMDC), connected.overlay.kind);
+    EXPECT_NE(screen, connected.overlay.context);
+    EXPECT_EQ(RST_Display, connected.overlay.source);
+    EXPECT_EQ(0x202020u, seen[0]);
+    EXPECT_EQ(0u, seen[1]) << "surround";
+
+    // Kept while the right and bottom edges stay; rendering again from inside takes another one.
+    const HDC kept = connected.overlay.context;
+    EXPECT_EQ(S_OK, connected.picture.zoom->RenderBlt(screen, 2, 1, 14, 12, 0, 0));
+    EXPECT_EQ(kept, connected.overlay.context);
+    HDC inner = nullptr;
+    connected.overlay.onRender = [&] {
+        connected.picture.zoom->RenderBlt(screen, 0, 0, 5, 5, 0, 0);
+        inner = connected.overlay.context;
+    };
+    EXPECT_EQ(S_OK, connected.picture.zoom->RenderBlt(screen, 2, 1, 14, 12, 0, 0));
+    EXPECT_NE(kept, inner);
+    // The image goes while it is drawn over.
+    connected.overlay.onRender = [&] { connected.picture.image->Create(9, 9, 3, DT_Float, 1); };
+    EXPECT_EQ(S_OK, connected.picture.zoom->RenderBlt(screen, 2, 1, 14, 12, 0, 0));
+    // Wholly to the left of the screen: there is nothing to draw through.
+    connected.overlay.calls = 0;
+    connected.picture.zoom->Render(screen, -50, -50, 20, 20);
+    EXPECT_EQ(1, connected.overlay.calls);
+    EXPECT_EQ(screen, connected.overlay.context);
+    Check(connected.point->Unadvise(connected.cookie));
+    EXPECT_EQ(S_OK, connected.picture.zoom->Render(screen, 0, 0, 20, 20));
+    ReleaseDC(nullptr, screen);
+}
+
+TEST(PictureOnDevice, KeepsNoObjectsOfTheSystem) {
+    Connected connected;
+    const HDC screen = GetDC(nullptr);
+    Canvas canvas(8, 4);
+    const auto round = [&](LONG size) {
+        connected.picture.zoom->Render(canvas.context, 0, 0, 8, 4);
+        connected.picture.zoom->Render(screen, 0, 0, size, size);
+    };
+    round(8);
+    const DWORD before = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    for (LONG i = 0; i < 300; ++i) round(8 + i % 7);
+    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), before + 2);
+    ReleaseDC(nullptr, screen);
+}
+
+TEST(PictureOnDevice, MakesBitmapsOfItself) {
+    const Picture picture = Small();
+    Check(picture.display->put_ColorTable(48, 0x0000ff), picture.display);  // red
+    void* bits = nullptr;
+    void* section = nullptr;
+    ASSERT_EQ(S_OK, picture.zoom->CreateDIBSection(&bits, &section));
+    DIBSECTION description = {};
+    ASSERT_TRUE(GetObjectW(section, sizeof description, &description));
+    EXPECT_EQ(8, description.dsBmih.biBitCount);
+    EXPECT_EQ(4, description.dsBmih.biWidth);
+    EXPECT_EQ(2, description.dsBmih.biHeight) << "bottom-up";
+    EXPECT_EQ(96, static_cast<uint8_t*>(bits)[0]);
+    const HDC context = CreateCompatibleDC(nullptr);
+    HGDIOBJ former = SelectObject(context, section);
+    EXPECT_EQ(0x0000ffu, GetPixel(context, 1, 0));
+    EXPECT_EQ(0x606060u, GetPixel(context, 0, 1));
+    SelectObject(context, former);
+    DeleteObject(section);
+
+    Canvas like(1, 1);
+    void* compatible = nullptr;
+    ASSERT_EQ(S_OK, picture.zoom->CreateHBITMAP(like.context, &compatible));
+    former = SelectObject(context, compatible);
+    EXPECT_EQ(0x0000ffu, GetPixel(context, 1, 0));
+    EXPECT_EQ(0x909090u, GetPixel(context, 3, 1));
+    SelectObject(context, former);
+    DeleteObject(compatible);
+    DeleteDC(context);
+    ASSERT_EQ(S_OK, picture.zoom->CreateHBITMAP(nullptr, &compatible)) << "as the screen's";
+    DeleteObject(compatible);
+    EXPECT_TRUE(FailsSilently(picture.zoom->CreateDIBSection(nullptr, &section), E_POINTER));
+    EXPECT_TRUE(FailsSilently(picture.zoom->CreateHBITMAP(nullptr, nullptr), E_POINTER));
+}
+
+// ------------------------------------------------------------------------------------------------------------- scripts
+
+class Script {
+public:
+    explicit Script(const ComPtr<IImageVPAExPlus>& image) : object_(Cast<IDispatch>(image)) {}
+    DISPID IdOf(const wchar_t* name) const {
+        std::wstring text = name;
+        LPOLESTR names[] = {text.data()};
+        DISPID id = 0;
+        const HRESULT result = object_->GetIDsOfNames(IID_NULL, names, 1, 0, &id);
+        EXPECT_EQ(id == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK, result);
+        return id;
+    }
+    HRESULT Get(const wchar_t* name, VARIANT& value) const {
+        DISPPARAMS none = {};
+        VariantInit(&value);
+        return object_->Invoke(IdOf(name), IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr);
+    }
+    HRESULT Put(const wchar_t* name, VARIANT value, EXCEPINFO* exception = nullptr) const {
+        DISPID put = DISPID_PROPERTYPUT;
+        DISPPARAMS one = {&value, &put, 1, 1};
+        return object_->Invoke(IdOf(name), IID_NULL, 0, DISPATCH_PROPERTYPUT, &one, nullptr, exception, nullptr);
+    }
+    IDispatch& object() const { return *object_; }
+
+private:
+    ComPtr<IDispatch> object_;
+};
+
+VARIANT Number(double value) {
+    VARIANT variant;
+    VariantInit(&variant);
+    variant.vt = VT_R8;
+    variant.dblVal = value;
+    return variant;
+}
+
+TEST(PictureForScripts, HasTheSizeAndTheZoom) {
+    const Picture picture(NewImage<uint8_t>(640, 480));
+    const Script script(picture.image);
+    VARIANT value;
+    EXPECT_EQ(S_OK, script.Get(L"width", value));
+    EXPECT_EQ(VT_I4, value.vt);
+    EXPECT_EQ(640, value.lVal);
+    EXPECT_EQ(S_OK, script.Get(L"HEIGHT", value));
+    EXPECT_EQ(480, value.lVal);
+    EXPECT_EQ(S_OK, script.Put(L"ZoomFactor", Number(2.5)));
+    EXPECT_EQ(S_OK, script.Get(L"ZoomFactor", value));
+    EXPECT_EQ(VT_R8, value.vt);
+    EXPECT_EQ(2.5, value.dblVal);
+    VARIANT text;
+    VariantInit(&text);
+    text.vt = VT_BSTR;
+    const Text hundred("100");
+    text.bstrVal = hundred;
+    EXPECT_EQ(S_OK, script.Put(L"ZoomCenterX", text)) << "converted";
+    EXPECT_EQ(S_OK, script.Put(L"ZoomCenterY", Number(7)));
+    EXPECT_EQ(S_OK, script.Get(L"ZoomCenterX", value));
+    EXPECT_EQ(100, value.dblVal);
+    double y = 0;
+    EXPECT_EQ(S_OK, picture.zoom->get_ZoomCenterY(&y));
+    EXPECT_EQ(7, y);
+    const DISPID ids[] = {script.IdOf(L"Width"), script.IdOf(L"Height"), script.IdOf(L"ZoomFactor"),
+                          script.IdOf(L"ZoomCenterX"), script.IdOf(L"ZoomCenterY")};
+    for (DISPID i = 0; i < 5; ++i) EXPECT_EQ(i + 1, ids[i]);
+    EXPECT_EQ(DISPID_UNKNOWN, script.IdOf(L"Zoom"));
+}
+
+TEST(PictureForScripts, PassesTextsOnAndRefusesWhatIsNotThere) {
+    const Picture picture(NewImage<uint8_t>(640, 480));
+    const Script script(picture.image);
+    EXCEPINFO exception = {};
+    EXPECT_EQ(DISP_E_EXCEPTION, script.Put(L"ZoomCenterX", Number(0.4), &exception));
+    EXPECT_STREQ(L"IPictureZoom::put_ZoomCenterX: x zoom center must be on the image.", exception.bstrDescription);
+    EXPECT_STREQ(L"Orlix.Image.1", exception.bstrSource);
+    EXPECT_EQ(E_FAIL, exception.scode);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrSource);
+    EXPECT_EQ(DISP_E_EXCEPTION, script.Put(L"ZoomFactor", Number(0)));
+    EXPECT_EQ(DISP_E_MEMBERNOTFOUND, script.Put(L"Width", Number(5)));
+    VARIANT nothing;
+    VariantInit(&nothing);
+    nothing.vt = VT_UNKNOWN;
+    nothing.punkVal = nullptr;
+    EXPECT_TRUE(FAILED(script.Put(L"ZoomFactor", nothing)));
+    DISPPARAMS none = {};
+    IDispatch& object = script.object();
+    VARIANT value;
+    VariantInit(&value);
+    EXPECT_EQ(DISP_E_MEMBERNOTFOUND,
+              object.Invoke(6, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr));
+    EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+              object.Invoke(3, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, &value, nullptr, nullptr));
+    EXPECT_EQ(DISP_E_UNKNOWNINTERFACE,
+              object.Invoke(1, __uuidof(IUnknown), 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr));
+    EXPECT_EQ(E_POINTER, object.Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, &value, nullptr, nullptr));
+    EXPECT_EQ(S_OK, object.Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr));
+    UINT count = 0;
+    EXPECT_EQ(S_OK, object.GetTypeInfoCount(&count));
+    EXPECT_EQ(1u, count);
+    ComPtr<ITypeInfo> info;
+    ASSERT_EQ(S_OK, object.GetTypeInfo(0, 0, info.Out()));
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(S_OK, info->GetTypeAttr(&attributes));
+    EXPECT_TRUE(attributes->guid == __uuidof(IPictureExZoomDisp));
+    info->ReleaseTypeAttr(attributes);
+    EXPECT_EQ(DISP_E_BADINDEX, object.GetTypeInfo(1, 0, info.Out()));
+}
+
+}  // namespace
+}  // namespace orlix::testing
+
+#endif
