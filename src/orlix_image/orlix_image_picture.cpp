@@ -4,10 +4,10 @@
 #include "geometry/rounding.hpp"
 #include "orlix_image/orlix_image.hpp"
 
-using namespace orlix;
+namespace orlix {
 
 // How a rendering chooses what it shows, and its name in a text.
-struct orlix::RenderKind {
+struct RenderKind {
     const char* noBitmap;
     std::function<std::optional<View>(const DisplayBitmap& bitmap, const Rectangle& dest)> view;
 };
@@ -73,8 +73,11 @@ MemorySurface SurfaceOf(const SPictureMemory* memory) {
 }
 
 }  // namespace
+}  // namespace orlix
 
-HRESULT OrlixImage::RenderOnDevice(void* hdcDest, const Rectangle& dest, const RenderKind& kind) {
+using namespace orlix;
+
+HRESULT OrlixImage::RenderOnDevice(void* hdcDest, const orlix::Rectangle& dest, const RenderKind& kind) {
     const std::shared_ptr<DisplayedImage> typed = typed_;  // what is drawn over the picture may replace it
     DeviceRenderer::DrawOver drawOver;
     if (events_.connected())
@@ -82,11 +85,12 @@ HRESULT OrlixImage::RenderOnDevice(void* hdcDest, const Rectangle& dest, const R
             events_.Raise<IPictureExEvents>([&](IPictureExEvents* sink) { sink->OnRender(this, context, source); });
         };
     return renderer_.Render(
-        hdcDest, dest, [&](const Rectangle& device) { return DrawingOf(typed.get(), kind, device, surround_, view_); },
+        hdcDest, dest,
+        [&](const orlix::Rectangle& device) { return DrawingOf(typed.get(), kind, device, surround_, view_); },
         drawOver);
 }
 
-HRESULT OrlixImage::RenderInMemory(SPictureMemory* memory, const Rectangle& dest, const RenderKind& kind) {
+HRESULT OrlixImage::RenderInMemory(SPictureMemory* memory, const orlix::Rectangle& dest, const RenderKind& kind) {
     MemorySurface surface = SurfaceOf(memory);
     const auto drawing = DrawingOf(typed_.get(), kind, dest, surround_, view_);
     return drawing && drawing->DrawOn(surface) ? S_OK : S_FALSE;

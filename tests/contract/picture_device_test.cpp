@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <array>
+#include <cstring>
 
 #include "contract/support.hpp"
 

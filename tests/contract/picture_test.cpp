@@ -332,8 +332,8 @@ TEST(Picture, PixelInfoTellsWhatLiesUnderADevicePixel) {
     EXPECT_EQ(1.625, x);
     EXPECT_EQ(0, value);
     EXPECT_EQ(0u, color);
-    for (const LONG far : {INT32_MIN, INT32_MAX})
-        EXPECT_EQ(S_FALSE, picture.zoom->GetPixelInfo(far, far, &x, &y, &value, &color));
+    for (const LONG edge : {INT32_MIN, INT32_MAX})
+        EXPECT_EQ(S_FALSE, picture.zoom->GetPixelInfo(edge, edge, &x, &y, &value, &color));
     EXPECT_TRUE(FailsSilently(picture.zoom->GetPixelInfo(0, 0, &x, nullptr, &value, &color), E_POINTER));
 
     const Picture colored(NewImage<uint8_t>(1, 1, 3));

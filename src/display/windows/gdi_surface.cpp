@@ -69,6 +69,8 @@ BitmapHeader::BitmapHeader(const DisplayBitmap& bitmap, const ColorTable& table)
     header.biPlanes = 1;
     header.biBitCount = static_cast<WORD>(bitmap.bitsPerPixel);
     header.biCompression = BI_RGB;
+    // Without it metafiles keep no pixels.
+    header.biSizeImage = static_cast<DWORD>(bitmap.rowStride * static_cast<size_t>(bitmap.height));
     if (bitmap.bitsPerPixel != 8) return;
     header.biClrUsed = static_cast<DWORD>(table.size());
     std::transform(table.begin(), table.end(), colors, [](const PaletteEntry& entry) {
@@ -113,7 +115,11 @@ bool GdiSurface::Draw(const DisplayBitmap& bitmap, const ColorTable& colors, con
     const BitmapHeader header(bitmap, colors);
     const PaletteScope palette(context_, bitmap, colors);
     const StretchModeScope mode(context_, bitmap);
-    const Sides from(source), to(dest);
+    const Sides from(source);
+    Sides to(dest);
+    // The system draws from this pixel to the left, and upwards, where sizes are negative.
+    if (to.width < 0) --to.x;
+    if (to.height < 0) --to.y;
     const int drawn =
         StretchDIBits(context_, to.x, to.y, to.width, to.height, from.x, bitmap.height - from.y - from.height,
                       from.width, from.height, bitmap.pixels.data(), header.info(), DIB_RGB_COLORS, SRCCOPY);
@@ -123,6 +129,7 @@ bool GdiSurface::Draw(const DisplayBitmap& bitmap, const ColorTable& colors, con
 
 bool DrawWithDrawDib(HDC context, BitmapHeader header, const DisplayBitmap& bitmap, const Rectangle& source,
                      const Rectangle& dest) {
+    if (dest.width < 0 || dest.height < 0) return false;  // it mirrors nothing
     const DrawDib draw(DrawDibOpen());
     if (!draw) return false;
     const Sides from(source), to(dest);

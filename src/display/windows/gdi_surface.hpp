@@ -44,7 +44,7 @@ private:
     HDC context_;
 };
 
-// Video for Windows draws the source rectangle, whose y counts from the top. False when it does not.
+// Video for Windows draws the source rectangle, whose y counts from the top. False when it does not, as for mirrored ones.
 bool DrawWithDrawDib(HDC context, BitmapHeader header, const DisplayBitmap& bitmap, const Rectangle& source,
                      const Rectangle& dest);
 

@@ -105,7 +105,8 @@ STDMETHODIMP OrlixImage::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, 
             // Only the first name is a property's, the others are those of arguments, of which there are none.
             return i == 0 && names[i] && lstrcmpiW(names[i], property.name) == 0;
         });
-        ids[i] = found == std::end(kProperties) ? DISPID_UNKNOWN : found->id;
+        ids[i] = DISPID_UNKNOWN;
+        if (found != std::end(kProperties)) ids[i] = found->id;
         all = all && found != std::end(kProperties);
     }
     return all ? S_OK : DISP_E_UNKNOWNNAME;
