@@ -16,6 +16,7 @@ Command AddMeasure(CLI::App& program);
 Command AddFlatten(CLI::App& program);
 Command AddFilter(CLI::App& program);
 Command AddPolygon(CLI::App& program);
+Command AddRender(CLI::App& program);
 Command AddInfo(CLI::App& program);
 Command AddConvert(CLI::App& program);
 Command AddSave(CLI::App& program);

@@ -24,6 +24,7 @@ Examples:
   orlix flatten height.png --surface biquadratic --z-scale 2.6e-5 --out results
   orlix filter median3x3 noisy.png -o clean.png
   orlix polygon outline.csv
+  orlix render section.png --size 800 600 --zoom 2 -o view.png
   orlix info section.png
   orlix save section.png section.orlix
   orlix specimen test.png --seed 7 --bits 16
@@ -42,10 +43,10 @@ int Run(std::vector<std::string> arguments) {
     program.require_subcommand(1);
     program.footer(kFooter);
     const std::pair<const char*, Command> commands[] = {
-        {"measure", AddMeasure(program)}, {"flatten", AddFlatten(program)}, {"filter", AddFilter(program)},
-        {"polygon", AddPolygon(program)}, {"info", AddInfo(program)},       {"convert", AddConvert(program)},
-        {"save", AddSave(program)},       {"load", AddLoad(program)},       {"specimen", AddSpecimen(program)},
-        {"doctor", AddDoctor(program)},
+        {"measure", AddMeasure(program)},   {"flatten", AddFlatten(program)}, {"filter", AddFilter(program)},
+        {"polygon", AddPolygon(program)},   {"render", AddRender(program)},   {"info", AddInfo(program)},
+        {"convert", AddConvert(program)},   {"save", AddSave(program)},       {"load", AddLoad(program)},
+        {"specimen", AddSpecimen(program)}, {"doctor", AddDoctor(program)},
     };
     try {
         std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
