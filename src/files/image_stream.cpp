@@ -1,7 +1,5 @@
 #include "files/image_stream.hpp"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -161,15 +159,33 @@ void PutTail(Output& output, LONG type, const ImageProperties& properties, const
 // ceil(1.001 size) + 12
 constexpr uint64_t CompressionBuffer(uint64_t size) { return size + (size + 999) / 1000 + 12; }
 
+// What zlib's compress() gives; that takes its memory elsewhere. Returns the bytes written.
+size_t Deflate(std::span<const uint8_t> bytes, std::span<uint8_t> room) {
+    constexpr size_t kLargestStep = size_t{1} << 30;  // zlib counts in unsigned int
+    z_stream stream = NewZlibStream();
+    if (::deflateInit(&stream, Z_DEFAULT_COMPRESSION) != Z_OK) throw std::bad_alloc();
+    stream.next_in = const_cast<Bytef*>(bytes.data());  // not written: the interface is older than const
+    stream.next_out = room.data();
+    int state = Z_OK;
+    do {
+        const auto taken = static_cast<size_t>(stream.next_in - bytes.data());
+        const auto written = static_cast<size_t>(stream.next_out - room.data());
+        stream.avail_in = static_cast<uInt>(std::min(bytes.size() - taken, kLargestStep));
+        stream.avail_out = static_cast<uInt>(std::min(room.size() - written, kLargestStep));
+        state = ::deflate(&stream, taken + stream.avail_in == bytes.size() ? Z_FINISH : Z_NO_FLUSH);
+    } while (state == Z_OK);
+    const auto size = static_cast<size_t>(stream.next_out - room.data());
+    ::deflateEnd(&stream);
+    if (state != Z_STREAM_END) throw FailedResult(E_FAIL);
+    return size;
+}
+
 FileContent Compress(std::span<const uint8_t> bytes) {
     const uint64_t room = CompressionBuffer(bytes.size());
     if (bytes.size() > kLargestSize || room > std::numeric_limits<uLong>::max() || room > PTRDIFF_MAX)
         throw Failure("IPersistStreamInit::Save: the image is too large for a stream.");
     FileContent compressed(static_cast<size_t>(room));
-    uLongf size = static_cast<uLongf>(room);
-    const int state = ::compress(compressed.data(), &size, bytes.data(), static_cast<uLong>(bytes.size()));
-    if (state == Z_MEM_ERROR) throw std::bad_alloc();
-    if (state != Z_OK) throw FailedResult(E_FAIL);
+    const size_t size = Deflate(bytes, {compressed.data(), static_cast<size_t>(room)});
     if (size > kLargestSize) throw Failure("IPersistStreamInit::Save: the image is too large for a stream.");
     compressed.Shorten(size);
     return compressed;
@@ -276,7 +292,8 @@ ImageContent ReadPixels(Reader& reader, const ImageLayout& layout, LONG type) {
     // When so many bytes have arrived that they can be all pixels, these are allocated; the rest goes through a buffer.
     const size_t first = static_cast<size_t>((layout.totalSize + kLargestExpansion - 1) / kLargestExpansion);
     std::vector<uint8_t> buffer = reader.Elements<std::vector<uint8_t>>(first);
-    ImageContent content = ImageStore(type).MakeContent(layout.width, layout.height, layout.bands);
+    ImageContent content =
+        ImageStore(type).MakeContent(layout.width, layout.height, layout.bands, ImageStore::Bytes::Unset);
     Inflater inflater({});
     size_t done = 0;
     uint32_t left = compressedSize - static_cast<uint32_t>(first);

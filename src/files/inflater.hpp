@@ -1,12 +1,12 @@
 // Decompression of a zlib stream that lies in several pieces.
 #pragma once
 
-#include <zlib.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
+
+#include "files/zlib_memory.hpp"
 
 namespace orlix {
 
@@ -39,7 +39,7 @@ public:
 private:
     void Step();
 
-    z_stream stream_{};
+    z_stream stream_ = NewZlibStream();
     std::span<const std::span<const uint8_t>> pieces_;
     std::span<const uint8_t> piece_;  // what zlib has not been given yet of the current piece
     int state_ = Z_OK;                // anything else: the end, or damage

@@ -1,5 +1,3 @@
-#include <zlib.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -14,6 +12,7 @@
 #include "files/png_filter.hpp"
 #include "files/png_format.hpp"
 #include "files/png_text.hpp"
+#include "files/zlib_memory.hpp"
 
 namespace orlix {
 namespace {
@@ -101,7 +100,7 @@ private:
 
     std::vector<uint8_t>& bytes_;
     std::vector<uint8_t> buffer_;
-    z_stream stream_{};
+    z_stream stream_ = NewZlibStream();
 };
 
 // How rows are filtered and compressed. Measured on micrographs: with the best filter for each row, noise leaves nothing

@@ -55,14 +55,17 @@ void ImageStore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG 
     if (zero) std::memset(buffer, 0, layout.totalSize);
 }
 
-ImageContent ImageStore::MakeContent(LONG width, LONG height, LONG bands) const {
+ImageContent ImageStore::MakeContent(LONG width, LONG height, LONG bands, Bytes bytes) const {
     if (width <= 0) throw Failure("IImageVPAEx::Create: Width must be positive.", DISP_E_EXCEPTION);
     if (height <= 0) throw Failure("IImageVPAEx::Create: Height must be positive.", DISP_E_EXCEPTION);
     if (bands <= 0) throw Failure("IImageVPAEx::Create: Bands must be positive.", DISP_E_EXCEPTION);
     ImageContent content;
     content.layout = MakeLayout(width, height, bands, dataType_);
     content.table = MakeOffsetTable(content.layout);
-    content.owned.Resize(content.layout.totalSize);
+    if (bytes == Bytes::Unset)
+        content.owned = PixelBuffer::Unset(content.layout.totalSize);
+    else
+        content.owned.Resize(content.layout.totalSize);
     content.data = content.owned.data();
     return content;
 }

@@ -84,8 +84,10 @@ public:
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
     // A content of its own, to be filled and then put in the place of the old one: a copy or a load that
-    // fails on the way leaves the image as it was, and the source may lie in the old content.
-    ImageContent MakeContent(LONG width, LONG height, LONG bands) const;
+    // fails on the way leaves the image as it was, and the source may lie in the old content. All bytes are 0, or, for who
+    // writes each of them, padding included, anything.
+    enum class Bytes { Zero, Unset };
+    ImageContent MakeContent(LONG width, LONG height, LONG bands, Bytes bytes = Bytes::Zero) const;
     void Replace(ImageContent&& content) noexcept;
 
     // Base address of a band, 0 <= band < bands, and the table's entry 0.

@@ -25,10 +25,17 @@ public:
     uint8_t* data() const { return bytes_; }
     size_t size() const { return size_; }
 
+    // Of any content.
+    static PixelBuffer Unset(size_t size) {
+        PixelBuffer buffer;
+        buffer.bytes_ = Allocate(size);
+        buffer.size_ = buffer.capacity_ = size;
+        return buffer;
+    }
+
     void Resize(size_t size) {
         if (size > capacity_) {
-            auto* const bytes = static_cast<uint8_t*>(::operator new(size, kAlignment, std::nothrow));
-            if (!bytes) throw std::bad_alloc();
+            uint8_t* const bytes = Allocate(size);
             if (size_) std::memcpy(bytes, bytes_, size_);
             ::operator delete(bytes_, kAlignment);
             bytes_ = bytes;
@@ -40,6 +47,12 @@ public:
 
 private:
     static constexpr std::align_val_t kAlignment{64};
+
+    static uint8_t* Allocate(size_t size) {
+        auto* const bytes = static_cast<uint8_t*>(::operator new(size, kAlignment, std::nothrow));
+        if (!bytes) throw std::bad_alloc();
+        return bytes;
+    }
 
     void Swap(PixelBuffer& other) noexcept {
         std::swap(bytes_, other.bytes_);

@@ -1,4 +1,4 @@
-// Loading and saving when memory runs out, at each allocation in turn. (Those of zlib's own state are not reached.)
+// Loading and saving when memory runs out, at each allocation in turn.
 #include <gtest/gtest.h>
 
 #include <orlix/client.hpp>
