@@ -8,6 +8,8 @@
 #include <new>
 #include <utility>
 
+#include "platform/large_pages.hpp"
+
 namespace orlix {
 
 // Bytes aligned for the widest vectors, that is to 64. Resizing keeps the bytes that were there and zeroes
@@ -20,7 +22,7 @@ public:
         Swap(other);
         return *this;
     }
-    ~PixelBuffer() { ::operator delete(bytes_, kAlignment); }
+    ~PixelBuffer() { ::operator delete(bytes_, AlignmentOf(capacity_)); }
 
     uint8_t* data() const { return bytes_; }
     size_t size() const { return size_; }
@@ -37,7 +39,7 @@ public:
         if (size > capacity_) {
             uint8_t* const bytes = Allocate(size);
             if (size_) std::memcpy(bytes, bytes_, size_);
-            ::operator delete(bytes_, kAlignment);
+            ::operator delete(bytes_, AlignmentOf(capacity_));
             bytes_ = bytes;
             capacity_ = size;
         }
@@ -46,11 +48,13 @@ public:
     }
 
 private:
-    static constexpr std::align_val_t kAlignment{64};
-
+    static std::align_val_t AlignmentOf(size_t capacity) {
+        return std::align_val_t{capacity >= kLargeBlock ? kLargeBlockAlignment : 64};
+    }
     static uint8_t* Allocate(size_t size) {
-        auto* const bytes = static_cast<uint8_t*>(::operator new(size, kAlignment, std::nothrow));
+        auto* const bytes = static_cast<uint8_t*>(::operator new(size, AlignmentOf(size), std::nothrow));
         if (!bytes) throw std::bad_alloc();
+        if (size >= kLargeBlock) AskForLargePages(bytes, size);
         return bytes;
     }
 

@@ -1,0 +1,24 @@
+// zlib's state comes from operator new, as all other memory of the library does.
+#pragma once
+
+#include <zlib.h>
+
+#include <cstddef>
+#include <new>
+
+namespace orlix {
+
+inline void* AllocateForZlib(void*, uInt items, uInt size) {
+    return ::operator new(static_cast<size_t>(items) * size, std::nothrow);
+}
+inline void FreeForZlib(void*, void* memory) { ::operator delete(memory); }
+
+// To be initialised by one of zlib's functions.
+inline z_stream NewZlibStream() {
+    z_stream stream = {};
+    stream.zalloc = &AllocateForZlib;
+    stream.zfree = &FreeForZlib;
+    return stream;
+}
+
+}  // namespace orlix
