@@ -412,12 +412,29 @@ def consumer(tally):
             if program:
                 tally.check("win32: README's program runs",
                             problem_of([*wine.command, folder / "readme.exe", windows_path(specimen)]))
+            exchange_streams(tally, BUILD / "stage/native/bin/orlix", [*wine.command, stage / "bin/orlix.exe"])
             wine.register(library, "/u")
         tally.check("scripts/demo: both platforms measure the same",
                     problem_of([ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen], 600))
     except Unavailable as reason:
         tally.skipped += 1
         say(f"skipped {tally.name}: the programs on Windows: {reason}")
+
+
+def exchange_streams(tally, native, windows_tool):
+    """Streams of images go from platform to platform and back, and are the same bytes when saved again."""
+    folder = BUILD / "consumer"
+    for bits in ("8", "16"):
+        image, first, second, third = (folder / f"exchange{bits}{end}" for end in (".png", "a.orlix", "b.orlix", "c.orlix"))
+        for file in (first, second, third):
+            file.unlink(missing_ok=True)
+        problem = (problem_of([native, "specimen", image, "--bits", bits])
+                   or problem_of([native, "save", image, first])
+                   or problem_of([*windows_tool, "load", windows_path(first), windows_path(second)])
+                   or problem_of([native, "load", second, third]))
+        if not problem and not first.read_bytes() == second.read_bytes() == third.read_bytes():
+            problem = "the streams differ"
+        tally.check(f"streams of {bits} bits go from native to win32 and back", problem)
 
 
 def consumer_by_pkg_config(tally, stage):
