@@ -137,9 +137,11 @@ public:
                 MovePointer(point);
                 return 0;
             case WM_LBUTTONUP:
+                MovePointer(point);
                 EndDrag(Drag::Pan);
                 return 0;
             case WM_RBUTTONUP:
+                MovePointer(point);
                 EndDrag(Drag::Band);
                 return 0;
             case WM_CAPTURECHANGED:

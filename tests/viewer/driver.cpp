@@ -8,6 +8,7 @@
 //     driver move X Y
 //     driver key CODE                          a virtual key, pressed and released
 //     driver status                            prints the text of the status line
+//     driver open FILE                         opens it by way of the menu's dialog
 //     driver message                           waits for a message box, prints its text and closes it
 //     driver close                             closes the window and waits until it is gone
 //
@@ -70,34 +71,57 @@ bool Resize(HWND window, LONG width, LONG height) {
     return client.right == width && client.bottom == clientHeight;
 }
 
-void MovePointer(HWND window, LONG x, LONG y) {
+// One event for both, the place and what happens there: the screen's own reports of where the pointer was may come in between
+// two. `data` is that of the wheel.
+bool Mouse(HWND window, LONG x, LONG y, DWORD event, int data = 0) {
     POINT point = {x, y};
     ClientToScreen(window, &point);
-    SetCursorPos(point.x, point.y);
-}
-
-bool Mouse(DWORD event, int data = 0) {
+    const int width = GetSystemMetrics(SM_CXSCREEN), height = GetSystemMetrics(SM_CYSCREEN);
     INPUT input = {};
     input.type = INPUT_MOUSE;
-    input.mi.dwFlags = event;
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | event;
+    // The screen is 65536 units wide and high.
+    input.mi.dx = (point.x * 65536 + 32768) / width;
+    input.mi.dy = (point.y * 65536 + 32768) / height;
     input.mi.mouseData = static_cast<DWORD>(data);
     return SendInput(1, &input, sizeof input) == 1;
 }
 
-bool Key(WORD code) {
-    INPUT input[2] = {};
-    for (INPUT& one : input) {
-        one.type = INPUT_KEYBOARD;
-        one.ki.wVk = code;
-    }
-    input[1].ki.dwFlags = KEYEVENTF_KEYUP;
-    return SendInput(2, input, sizeof input[0]) == 2;
+bool SendKey(WORD code, WORD character, DWORD flags) {
+    INPUT input = {};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = code;
+    input.ki.wScan = character;
+    input.ki.dwFlags = flags;
+    return SendInput(1, &input, sizeof input) == 1;
+}
+bool Key(WORD code) { return SendKey(code, 0, 0) && SendKey(code, 0, KEYEVENTF_KEYUP); }
+bool Type(char character) {
+    const auto code = static_cast<WORD>(character);
+    return SendKey(0, code, KEYEVENTF_UNICODE) && SendKey(0, code, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP);
 }
 
-// A message box has a title of the viewer's, as its window has, and is of the class of dialogs.
+HWND Dialog(const wchar_t* title) {
+    HWND dialog = nullptr;
+    Wait([&] { return (dialog = FindWindowW(L"#32770", title)) && IsWindowVisible(dialog); });
+    return dialog;
+}
+
+// Ctrl+O, the name, Enter. The name has ASCII characters only.
+bool Open(const std::string& file) {
+    SendKey(VK_CONTROL, 0, 0);
+    Key('O');
+    SendKey(VK_CONTROL, 0, KEYEVENTF_KEYUP);
+    const HWND dialog = Dialog(L"Open");
+    if (!dialog || !Wait([&] { return GetForegroundWindow() == dialog; })) return false;
+    for (const char character : file) Type(character);
+    Key(VK_RETURN);
+    return Wait([&] { return !IsWindow(dialog); });
+}
+
 bool Message() {
-    HWND box = nullptr;
-    if (!Wait([&] { return (box = FindWindowW(L"#32770", L"Orlix viewer")) && IsWindowVisible(box); })) return false;
+    const HWND box = Dialog(L"Orlix viewer");
+    if (!box) return false;
     wchar_t text[500] = L"";
     for (HWND part = nullptr; (part = FindWindowExW(box, part, L"Static", nullptr));) {
         GetWindowTextW(part, text, 500);
@@ -122,7 +146,7 @@ bool Close(HWND window) {
 }
 
 bool Do(const std::vector<std::string>& words) {
-    const auto number = [&](size_t i) { return i < words.size() ? std::strtol(words[i].c_str(), nullptr, 10) : 0; };
+    const auto number = [&](size_t i) { return i < words.size() ? std::atoi(words[i].c_str()) : 0; };
     const std::string& verb = words[0];
     if (verb == "find") return Find();
     if (verb == "message") return Message();
@@ -130,19 +154,15 @@ bool Do(const std::vector<std::string>& words) {
     if (!window) return false;
     if (verb == "size") return Resize(window, number(1), number(2));
     if (verb == "status") return Status(window);
+    if (verb == "open" && words.size() == 2) return Open(words[1]);
     if (verb == "close") return Close(window);
     if (verb == "key") return Key(static_cast<WORD>(number(1)));
-    if (verb == "move" || verb == "wheel") {
-        MovePointer(window, number(1), number(2));
-        return verb == "move" || Mouse(MOUSEEVENTF_WHEEL, number(3) * WHEEL_DELTA);
-    }
-    if ((verb == "press" || verb == "release") && words.size() == 4) {
-        MovePointer(window, number(2), number(3));
-        const bool press = verb == "press", left = words[1] == "left";
-        return Mouse(left    ? press ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP
-                     : press ? MOUSEEVENTF_RIGHTDOWN
-                             : MOUSEEVENTF_RIGHTUP);
-    }
+    if (verb == "move") return Mouse(window, number(1), number(2), 0);
+    if (verb == "wheel") return Mouse(window, number(1), number(2), MOUSEEVENTF_WHEEL, number(3) * WHEEL_DELTA);
+    const bool left = words.size() > 1 && words[1] == "left";
+    if (verb == "press")
+        return Mouse(window, number(2), number(3), left ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_RIGHTDOWN);
+    if (verb == "release") return Mouse(window, number(2), number(3), left ? MOUSEEVENTF_LEFTUP : MOUSEEVENTF_RIGHTUP);
     return false;
 }
 

@@ -38,11 +38,12 @@ class Screen:
         self.size = f"{width}x{height}x24"
 
     def __enter__(self):
+        """Without the pointer's picture, which would hide what lies under it."""
         self.folder = tempfile.TemporaryDirectory()
         number, told = os.pipe()  # the server looks for a free display number and tells it
         self.server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(told), "-screen", "0", self.size, "-fbdir", self.folder.name, "-nolisten", "tcp",
-             "-noreset"],
+             "-noreset", "-nocursor"],
             pass_fds=[told], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(told)
         with os.fdopen(number) as pipe:
