@@ -303,6 +303,15 @@ def win64(tally):
     windows(tally, 64)
 
 
+# ----------------------------------------------------------------------------------------------------------------- viewer
+
+
+def viewer(tally):
+    """It starts a screen and Wine itself, and skips itself where there are none."""
+    build_windows(32)
+    run_checks(tally, [sys.executable, ROOT / "tests" / "viewer" / "run.py", BUILD / "win32"], 400)
+
+
 # ----------------------------------------------------------------------------------------------------------------- checks
 
 
@@ -437,7 +446,7 @@ def consumer_by_pkg_config(tally, stage):
 
 # ------------------------------------------------------------------------------------------------------------------- main
 
-PARTS = {part.__name__: part for part in (native, asan, win32, win64, checks, consumer, tidy)}
+PARTS = {part.__name__: part for part in (native, asan, win32, win64, viewer, checks, consumer, tidy)}
 
 
 def main():

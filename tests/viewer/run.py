@@ -3,7 +3,8 @@
     run.py BUILD                      one line for each check; the last line is the sum
     run.py BUILD --picture PNG IMAGE  a picture of the viewer instead, zoomed in and with a rectangle being drawn
 
-BUILD is a folder of the 32-bit Windows build.
+BUILD is a folder of the 32-bit Windows build. For the picture the frame wants Wine's own fonts: tahoma.ttf and marlett.ttf of
+the Debian package fonts-wine, copied to windows/Fonts of the environment's drive C (see scripts/wine).
 """
 
 import argparse
@@ -72,8 +73,10 @@ class Session:
         return self
 
     def __exit__(self, *_):
-        self.wine("stop")
-        self.screen.__exit__()
+        try:
+            self.wine("stop")
+        finally:
+            self.screen.__exit__()
 
     def wine(self, *words, seconds=60):
         return subprocess.run([ROOT / "scripts/wine", "32", *map(str, words)], env=self.environment, timeout=seconds,
@@ -313,14 +316,15 @@ def check_all(session):
 def take_picture(session, image, file):
     viewer = Viewer(session, image)
     viewer.do("find")
-    viewer.resize(640, 440)
-    viewer.do("wheel", 400, 200, 3)
+    viewer.resize(560, 400)
+    viewer.do("wheel", 380, 160, 3)
+    viewer.hear("the picture is zoomed", "zoom 1.95")
     viewer.do("press", "right", 250, 120)
     viewer.do("move", 470, 270)
-    time.sleep(1)
+    viewer.see("a rectangle is drawn", lambda seen: differences(seen, {(250, 200): BAND, (469, 200): BAND}))
     left, top = viewer.origin
     # With the frame, the title and the menu above, the status line below.
-    session.screen.picture().part(left - 4, top - 42, 640 + 8, 440 + 42 + 24).write_png(file)
+    session.screen.picture().part(left - 4, top - 42, 560 + 8, 400 + 42 + 24).write_png(file)
     viewer.do("release", "right", 470, 270)
     viewer.close()
 
