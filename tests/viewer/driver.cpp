@@ -25,7 +25,7 @@
 
 namespace {
 
-constexpr DWORD kPatience = 10000;  // ms
+constexpr DWORD kPatience = 20000;  // ms
 
 bool Wait(const std::function<bool()>& fulfilled) {
     for (const DWORD start = GetTickCount(); GetTickCount() - start < kPatience; Sleep(5))
