@@ -109,9 +109,11 @@ def problem_of(command, seconds=120, cwd=ROOT, env=None):
 built = {}
 
 
-def build(preset):
-    """Configures and builds a preset once; raises BuildFailed when it does not build, now or earlier."""
-    if preset not in built:
+def build(preset, *targets):
+    """Configures and builds a preset once, or only some targets of it; raises BuildFailed when it does not build, now or
+    earlier."""
+    key = (preset, *targets)
+    if key not in built:
         configure = ["cmake", "--preset", preset]
         if not (BUILD / preset / "CMakeCache.txt").exists() and shutil.which("ninja"):
             configure += ["-G", "Ninja"]
@@ -120,15 +122,16 @@ def build(preset):
         if not problem:
             # All errors at once, without the lines that only tell progress.
             ninja = (BUILD / preset / "build.ninja").exists()
-            problem = problem_of(["cmake", "--build", "--preset", preset, "-j", CORES, "--", "-k", *(["0"] if ninja else [])],
+            only = ["--target", *targets] if targets else []
+            problem = problem_of(["cmake", "--build", "--preset", preset, "-j", CORES, *only, "--", "-k", *(["0"] if ninja else [])],
                                  BUILD_SECONDS)
             problem = "\n".join(line for line in problem.splitlines() if not re.match(r"\[[\d/ %]+\] ", line))
-        built[preset] = not problem
+        built[key] = not problem
         if problem:
             say(f"FAILED  {preset}: the build\n{indent(problem)}")
         elif verbose:
             say(f"ok      {preset}: built in {time.monotonic() - started:.0f} s")
-    if not built[preset]:
+    if not built[key]:
         raise BuildFailed
 
 
@@ -244,12 +247,12 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def build_windows(bits):
+def build_windows(bits, *targets):
     compiler = f"{COMPILER[bits]}-g++-posix"
     for tool in (compiler, "i686-w64-mingw32-widl"):
         if not shutil.which(tool):
             raise Unavailable(f"there is no {tool}")
-    build(f"win{bits}")
+    build(f"win{bits}", *targets)
     return library_in(BUILD / f"win{bits}")
 
 
@@ -301,6 +304,15 @@ def win32(tally):
 
 def win64(tally):
     windows(tally, 64)
+
+
+# ----------------------------------------------------------------------------------------------------------------- viewer
+
+
+def viewer(tally):
+    """It starts a screen and Wine itself, and skips itself where there are none."""
+    build_windows(32, "orlix", "viewer", "viewer_driver")
+    run_checks(tally, [sys.executable, ROOT / "tests" / "viewer" / "run.py", BUILD / "win32"], 400)
 
 
 # ----------------------------------------------------------------------------------------------------------------- checks
@@ -454,7 +466,7 @@ def consumer_by_pkg_config(tally, stage):
 
 # ------------------------------------------------------------------------------------------------------------------- main
 
-PARTS = {part.__name__: part for part in (native, asan, win32, win64, checks, consumer, tidy)}
+PARTS = {part.__name__: part for part in (native, asan, win32, win64, viewer, checks, consumer, tidy)}
 
 
 def main():

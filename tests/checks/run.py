@@ -90,7 +90,7 @@ def wrong_includes():
             elif parts[0] == "include":
                 if quoted and "/" in included:
                     yield f"{place}: what is installed is included as <orlix/...>"
-            elif parts[0] in ("tools", "samples") or parts[:2] == ["tests", "contract"]:
+            elif parts[0] in ("tools", "samples", "examples") or parts[:2] == ["tests", "contract"]:
                 # Clients and what they share: the library's inside is out of their sight.
                 if quoted and (ROOT / "src" / included).exists():
                     yield f"{place}: a client includes <orlix/...> only"
@@ -236,7 +236,7 @@ def check_windows(bits, build):
     prefix = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}[bits]
     check(f"{name} does not rely on the alignment of the stack", aligned_stack_moves(f"{prefix}-objdump", file))
     check(f"{bits}-bit Windows: code for newer processors stays in its functions", foreign_templates(build))
-    for tool in sorted(build.rglob("orlix.exe")):
+    for tool in sorted([*build.rglob("orlix.exe"), *build.rglob("viewer.exe")]):
         check(f"{bits}-bit {tool.name} imports libraries of the system only",
               sorted(f"imports {entry}" for entry in PortableExecutable(tool).imports
                      if entry.lower() not in SYSTEM_LIBRARIES))

@@ -1,0 +1,365 @@
+"""Works the viewer under 32-bit Wine on a screen of its own, and looks at the pixels that it shows.
+
+    run.py BUILD                      one line for each check; the last line is the sum
+    run.py BUILD --picture PNG IMAGE  a picture of the viewer instead, zoomed in and with a rectangle being drawn
+
+BUILD is a folder of the 32-bit Windows build. For the picture the frame wants Wine's own fonts: tahoma.ttf and marlett.ttf of
+the Debian package fonts-wine, copied to windows/Fonts of the environment's drive C (see scripts/wine).
+"""
+
+import argparse
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+from screen import Picture, Screen
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+PATIENCE = 10  # seconds until what was asked for must be seen
+
+counts = {"ok": 0, "FAILED": 0, "skipped": 0}
+
+
+def report(result, what, details=""):
+    counts[result] += 1
+    print(f"{result:8}{what}", *(f"    {line}" for line in details.splitlines()), sep="\n", flush=True)
+
+
+def check(what, problem):
+    report("FAILED" if problem else "ok", what, problem)
+
+
+class Unavailable(Exception):
+    """What the tests need and this machine has not."""
+
+
+# ------------------------------------------------------------------------------------------------------------ the programs
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class Session:
+    """A screen, Wine showing its windows there, and the library registered."""
+
+    def __init__(self, build):
+        self.build = build
+
+    def __enter__(self):
+        if not shutil.which("Xvfb"):
+            raise Unavailable("there is no Xvfb")
+        self.screen = Screen()
+        self.screen.__enter__()
+        # UTF-8 for names of files on command lines.
+        self.environment = {**os.environ, "ORLIX_WINE_DISPLAY": self.screen.display, "LC_ALL": "C.UTF-8"}
+        try:
+            self.wine("stop")  # one that runs knows nothing of the screen
+            started = self.wine("start", seconds=240)
+            if started.returncode == 127:
+                raise Unavailable(started.stdout.strip())
+            # Nobody manages windows here: Wine draws their frames itself.
+            self.wine("reg", "add", "HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver", "/v", "Managed", "/d", "N", "/f")
+            library = sorted(self.build.rglob("orlix.dll"))[0]
+            if self.wine("regsvr32", "/s", windows_path(library)).returncode:
+                raise RuntimeError(f"{library} cannot be registered")
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        try:
+            self.wine("stop")
+        finally:
+            self.screen.__exit__()
+
+    def wine(self, *words, seconds=60):
+        return subprocess.run([ROOT / "scripts/wine", "32", *map(str, words)], env=self.environment, timeout=seconds,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+
+
+class Viewer:
+    """The viewer's window. Points are those of its picture, which ends where the status line begins."""
+
+    def __init__(self, session, image):
+        self.session = session
+        program = session.build / "examples/viewer/viewer.exe"
+        self.process = subprocess.Popen([ROOT / "scripts/wine", "32", program, windows_path(image)],
+                                        env=session.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.DEVNULL)
+
+    def do(self, *words):
+        done = self.session.wine(self.session.build / "tests/viewer_driver.exe", *words, seconds=30)
+        if done.returncode:
+            raise RuntimeError(f"driver {' '.join(map(str, words))}: status {done.returncode}\n{done.stdout}")
+        return done.stdout.strip()
+
+    def resize(self, width, height):
+        self.size = width, height
+        self.origin = tuple(map(int, self.do("size", width, height).split()))
+
+    def picture(self):
+        return self.session.screen.picture().part(*self.origin, *self.size)
+
+    def see(self, what, problem_of):
+        """Looks until there is no problem with the picture, or too long; gives the picture."""
+        give_up = time.monotonic() + PATIENCE
+        while True:
+            picture = self.picture()
+            problem = problem_of(picture)
+            if not problem or time.monotonic() > give_up:
+                check(what, problem)
+                return picture
+            time.sleep(0.02)
+
+    def hear(self, what, ending):
+        """Reads the status line until it ends so, or too long."""
+        give_up = time.monotonic() + PATIENCE
+        while not (said := self.do("status")).endswith(ending) and time.monotonic() < give_up:
+            pass
+        check(what, "" if said.endswith(ending) else f"{said!r} instead of {ending!r}")
+
+    def drag(self, button, first, second, what, problem_of):
+        """Looks before the button is released."""
+        self.do("press", button, *first)
+        self.do("move", *second)
+        picture = self.see(what, problem_of)
+        self.do("release", button, *second)
+        return picture
+
+    def close(self):
+        """Status of the program."""
+        self.do("close")
+        return self.process.wait(10)
+
+
+# --------------------------------------------------------------------------------------------------------------- the image
+
+# 8 x 6 blocks of 25 x 25 pixels, each of a grey of its own.
+BLOCK, COLUMNS, ROWS = 25, 8, 6
+WIDTH, HEIGHT = COLUMNS * BLOCK, ROWS * BLOCK
+DARKEST, STEP = 60, 2
+BRIGHTEST = DARKEST + STEP * (COLUMNS * ROWS - 1)
+SURROUND, BAND = (40, 44, 52), (255, 255, 0)
+LEFT_KEY, DOWN_KEY = 0x25, 0x28
+
+
+def level(column, row):
+    return DARKEST + STEP * (COLUMNS * row + column)
+
+
+def grey(column, row):
+    return (level(column, row),) * 3
+
+
+def image_rows():
+    return [bytes(level(x // BLOCK, y // BLOCK) for x in range(WIDTH)) for y in range(HEIGHT)]
+
+
+def write_image(file):
+    file.write_bytes(b"P5\n%d %d\n255\n" % (WIDTH, HEIGHT) + b"".join(image_rows()))
+
+
+def differences(picture, wanted):
+    """Where the picture is not as wanted: {point: colour}."""
+    wrong = [f"{point}: {picture[point]} instead of {color}" for point, color in wanted.items() if picture[point] != color]
+    return "\n".join(wrong[:5] + ([f"... at {len(wrong)} of {len(wanted)} points"] if len(wrong) > 5 else []))
+
+
+def blocks(left, top, size, columns=range(COLUMNS), rows=range(ROWS)):
+    """The middles of blocks, shown from (left, top) on with sides of `size`, have their greys. (Between blocks the system
+    interpolates.)"""
+    return {(left + i * size + size // 2, top + k * size + size // 2): grey(column, row)
+            for i, column in enumerate(columns) for k, row in enumerate(rows)}
+
+
+def exactly(wanted):
+    """Every pixel is that of another picture."""
+
+    def problem_of(picture):
+        if picture.rows == wanted.rows:
+            return ""
+        return differences(picture, {(x, y): wanted[x, y] for x in range(wanted.width) for y in range(wanted.height)})
+
+    return problem_of
+
+
+def moved_by(former, dx, dy):
+    """What was inside of a block is now (dx, dy) further. A view begins with a whole pixel of the image, here 4 pixels of
+    the screen, so the insides keep 6 pixels from the edges; and where whole pixels do not fill the window there is some
+    surround at its edges."""
+    edge, wanted = 15, {}
+    for y in range(edge, former.height - edge, 7):
+        for x in range(edge, former.width - edge, 7):
+            around = {former[x + i, y + k] for i in (-6, 0, 6) for k in (-6, 0, 6)}
+            inside = edge <= x + dx < former.width - edge and edge <= y + dy < former.height - edge
+            if len(around) == 1 and inside:
+                wanted[x + dx, y + dy] = former[x, y]
+    if len(set(wanted.values())) < 4:
+        return lambda _: "too little of the picture would be seen again"
+    return lambda picture: differences(picture, wanted)
+
+
+# -------------------------------------------------------------------------------------------------------------- the checks
+
+
+def check_showing(viewer):
+    viewer.resize(WIDTH, HEIGHT)
+    image = Picture(WIDTH, HEIGHT, [b"".join(bytes([value]) * 3 for value in row) for row in image_rows()])
+    viewer.see("a file with letters of any kind in its name is shown, pixel by pixel", exactly(image))
+
+    viewer.resize(500, 300)
+    beside = {(x, y): SURROUND for x in (0, 25, 49, 450, 475, 499) for y in (0, 150, 299)}
+    viewer.see("a wider window has the surround at both sides",
+               lambda seen: differences(seen, {**beside, **blocks(50, 0, 50)}))
+
+    viewer.do("move", 50 + 2 * 110, 2 * 60)
+    viewer.hear("the status line tells the pixel under the pointer", f"x 110   y 60   value {level(4, 2)}   zoom 1.00")
+
+
+def check_zooming(viewer):
+    viewer.resize(400, 300)
+    whole = blocks(0, 0, 50)
+    viewer.see("the whole image fills a window of its shape", lambda seen: differences(seen, whole))
+
+    # In the middle of a block, away from the middle of the window. Blocks then have sides of 98 pixels.
+    x, y = 75, 75
+    around = {(x + i * 97, y + k * 97): grey(1 + i, 1 + k) for i in (0, 1, 2, 3) for k in (0, 1, 2)}
+    viewer.do("wheel", x, y, 3)
+    viewer.see("the wheel zooms in, and the pixel under the pointer stays there",
+               lambda seen: differences(seen, {**around, (15, 15): grey(0, 0)}))
+    viewer.do("wheel", x, y, -3)
+    viewer.see("the wheel zooms out again", lambda seen: differences(seen, whole))
+
+
+def check_panning(viewer):
+    viewer.do("wheel", 200, 150, 3)
+    viewer.hear("the status line tells the zoom", "zoom 1.95")
+    former = viewer.picture()
+    former = viewer.drag("left", (200, 150), (260, 110), "the picture goes with the pointer that drags it",
+                         moved_by(former, 60, -40))
+    viewer.do("move", 300, 200)
+    former = viewer.see("and stays when the button is released", moved_by(former, 0, 0))
+    viewer.do("key", LEFT_KEY)
+    # 16 pixels of the image
+    former = viewer.see("the left key shows what lies to the left", moved_by(former, 62, 0))
+    viewer.do("key", DOWN_KEY)
+    viewer.see("the down key shows what lies below", moved_by(former, 0, -62))
+    viewer.do("key", ord("0"))
+    return viewer.see("0 shows the whole image", lambda seen: differences(seen, blocks(0, 0, 50)))
+
+
+def check_rubber_band(viewer, former):
+    left, top, right, bottom = 100, 50, 300, 200
+    rows = [bytearray(row) for row in former.rows]
+    for y in range(top, bottom):
+        line = range(left, right) if y in (top, bottom - 1) else (left, right - 1)
+        for x in line:
+            rows[y][3 * x:3 * x + 3] = bytes(BAND)
+    framed = Picture(former.width, former.height, rows)
+    # To the left and upwards.
+    viewer.drag("right", (right, bottom), (left, top), "a rectangle is drawn over the picture, which stays as it is",
+                exactly(framed))
+    corners = {(12, 12): grey(2, 1), (387, 12): grey(5, 1), (12, 287): grey(2, 3), (387, 287): grey(5, 3)}
+    filled = {**blocks(0, 0, 100, range(2, 6), range(1, 4)), **corners}
+    viewer.see("the rectangle fills the window", lambda seen: differences(seen, filled))
+
+    viewer.do("key", ord("0"))
+    viewer.see("0 shows the whole image again", lambda seen: differences(seen, blocks(0, 0, 50)))
+    viewer.drag("right", (50, 100), (350, 150), "a flat rectangle is drawn",
+                lambda seen: differences(seen, {(50, 125): BAND, (349, 125): BAND, (50, 100): BAND}))
+    # Six blocks fill the width, with sides of 67 pixels; above and below there is room for more of the image.
+    wide = {(15 + i * 74, 150): grey(1 + i, 2) for i in range(6)}
+    viewer.see("a flat rectangle is seen whole", lambda seen: differences(seen, wide))
+    viewer.do("key", ord("0"))
+
+
+def check_snapping(viewer):
+    viewer.see("the greys of the image are those of the screen", lambda seen: differences(seen, blocks(0, 0, 50)))
+    viewer.do("key", ord("S"))
+
+    def problem_of(seen):
+        wrong = []
+        for point, (value, _, _) in blocks(0, 0, 50).items():
+            wanted = 255 * (value - DARKEST) / (BRIGHTEST - DARKEST)
+            if abs(seen[point][0] - wanted) > 1 or len(set(seen[point])) != 1:
+                wrong.append(f"{point}: {seen[point]} instead of {wanted:.1f}")
+        return "\n".join(wrong[:5])
+
+    viewer.see("S spreads the greys from black to white", problem_of)
+
+
+def check_failing(session, folder):
+    broken, image = folder / "broken.pgm", folder / "image.pgm"
+    broken.write_bytes(b"no image")
+    write_image(image)
+    viewer = Viewer(session, broken)
+    said = viewer.do("message")
+    wanted = "IImageVPAEx::CreateFromFile: unknown file format."
+    check("a file that is no image is refused with the library's words", "" if said == wanted else said)
+    viewer.do("find")
+    viewer.do("open", windows_path(image))
+    viewer.resize(400, 300)
+    viewer.see("Ctrl+O opens another one", lambda seen: differences(seen, blocks(0, 0, 50)))
+    status = viewer.close()
+    check("the program ends with its window", f"its status is {status}" if status else "")
+
+
+def check_all(session):
+    with tempfile.TemporaryDirectory() as name:
+        folder = Path(name)
+        image = folder / "Schliff β 表面.pgm"
+        write_image(image)
+        viewer = Viewer(session, image)
+        viewer.do("find")
+        check_showing(viewer)
+        check_zooming(viewer)
+        former = check_panning(viewer)
+        check_rubber_band(viewer, former)
+        check_snapping(viewer)
+        viewer.close()
+        check_failing(session, folder)
+
+
+def take_picture(session, image, file):
+    viewer = Viewer(session, image)
+    viewer.do("find")
+    viewer.resize(560, 400)
+    viewer.do("wheel", 380, 160, 3)
+    viewer.hear("the picture is zoomed", "zoom 1.95")
+    viewer.do("press", "right", 250, 120)
+    viewer.do("move", 470, 270)
+    viewer.see("a rectangle is drawn", lambda seen: differences(seen, {(250, 200): BAND, (469, 200): BAND}))
+    left, top = viewer.origin
+    # With the frame, the title and the menu above, the status line below.
+    session.screen.picture().part(left - 4, top - 42, 560 + 8, 400 + 42 + 24).write_png(file)
+    viewer.do("release", "right", 470, 270)
+    viewer.close()
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build", type=Path, metavar="BUILD")
+    parser.add_argument("--picture", nargs=2, type=Path, metavar=("PNG", "IMAGE"))
+    arguments = parser.parse_args()
+    try:
+        with Session(arguments.build.resolve()) as session:
+            if arguments.picture:
+                take_picture(session, arguments.picture[1].resolve(), arguments.picture[0])
+                return 0
+            try:
+                check_all(session)
+            except (RuntimeError, subprocess.TimeoutExpired) as error:
+                check("the checks come to their end", str(error))
+    except Unavailable as reason:
+        report("skipped", f"the viewer on a screen: {reason}")
+    print(f"{counts['ok']} passed, {counts['FAILED']} failed, {counts['skipped']} skipped")
+    return 1 if counts["FAILED"] else 0
+
+
+sys.exit(main())
