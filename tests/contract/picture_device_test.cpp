@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <array>
+#include <atomic>
 #include <cstring>
+#include <thread>
 
 #include "contract/support.hpp"
 
@@ -378,6 +380,25 @@ TEST(PictureOnDevice, KeepsNoObjectsOfTheSystem) {
     for (LONG i = 0; i < 300; ++i) round(8 + i % 7);
     EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), before + 2);
     ReleaseDC(nullptr, screen);
+}
+
+// Each thread is an apartment with images of its own.
+TEST(PictureOnDevice, KeepsTheGraphicsLibraryRunningWhileImagesExist) {
+    const auto running = [] { return GetModuleHandleW(L"gdiplus.dll") != nullptr; };
+    ASSERT_FALSE(running());
+    std::atomic<int> missing{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 16; ++t)
+        threads.emplace_back([&] {
+            const Apartment apartment;
+            for (int i = 0; i < 20; ++i) {
+                const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+                if (!running()) ++missing;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(0, missing);
+    EXPECT_FALSE(running());
 }
 
 TEST(PictureOnDevice, MakesBitmapsOfItself) {
