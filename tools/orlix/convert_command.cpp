@@ -3,8 +3,7 @@
 #include "console.hpp"
 #include "measurement.hpp"
 #include "region.hpp"
-
-#include <CLI/CLI.hpp>
+#include "subcommand.hpp"
 
 #include <orlix/client.hpp>
 
@@ -147,16 +146,15 @@ int Convert(const Options& options) {
 
 Command AddConvert(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("convert", "Save an image in another format, type or part");
-    command.footer(kFooter);
-    command.add_option("IN", options->in, "PNG, BMP, PGM or PPM file")->required();
-    command.add_option("OUT", options->out, "File to write")->required();
-    command.add_option("--type", options->type, "Bits of a sample: 8 or 16")->check(CLI::IsMember({8, 16}));
-    command.add_option("--range", options->range, "Grey levels to spread: full, data or LOW,HIGH")->default_str("full");
-    command.add_option("--band", options->band, "This band only, from 0")->check(CLI::NonNegativeNumber);
-    command.add_option("--crop", options->crop, "LEFT,TOP,RIGHT,BOTTOM, both ends included");
-    command.add_option("--pixel-size", options->pixelSize, "Microns per pixel to write")->check(CLI::PositiveNumber);
-    command.add_flag("--plain", options->plain, "Plain (text) PGM or PPM");
+    Subcommand command(program, "convert", "Save an image in another format, type or part", kFooter);
+    command.Add("IN", options->in, "PNG, BMP, PGM or PPM file").Required();
+    command.Add("OUT", options->out, "File to write").Required();
+    command.Add("--type", options->type, "Bits of a sample: 8 or 16").OneOf(std::vector{8, 16});
+    command.Add("--range", options->range, "Grey levels to spread: full, data or LOW,HIGH").ShowDefault("full");
+    command.Add("--band", options->band, "This band only, from 0").NotNegative();
+    command.Add("--crop", options->crop, "LEFT,TOP,RIGHT,BOTTOM, both ends included");
+    command.Add("--pixel-size", options->pixelSize, "Microns per pixel to write").Positive();
+    command.AddFlag("--plain", options->plain, "Plain (text) PGM or PPM");
     return [options] { return Convert(*options); };
 }
 

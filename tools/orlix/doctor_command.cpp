@@ -3,8 +3,7 @@
 #include "console.hpp"
 #include "measurement.hpp"
 #include "specimen_image.hpp"
-
-#include <CLI/CLI.hpp>
+#include "subcommand.hpp"
 
 #include <orlix/client.hpp>
 
@@ -201,8 +200,7 @@ int Examine() {
 }  // namespace
 
 Command AddDoctor(CLI::App& program) {
-    CLI::App& command = *program.add_subcommand("doctor", "Check the installed library");
-    command.footer(kFooter);
+    Subcommand command(program, "doctor", "Check the installed library", kFooter);
     return [] { return Examine(); };
 }
 

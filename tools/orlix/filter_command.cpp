@@ -2,9 +2,8 @@
 #include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "subcommand.hpp"
 #include "subject.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -161,22 +160,19 @@ int FilterAll(const Options& options) {
 
 Command AddFilter(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("filter", "Smooth, sharpen or find edges");
-    command.footer(kFooter);
+    Subcommand command(program, "filter", "Smooth, sharpen or find edges", kFooter);
     std::vector<std::string> names;
     for (const Filter& filter : kFilters) names.emplace_back(filter.name);
-    command.add_option("NAME", options->filter, "Filter; see below")->required()->check(CLI::IsMember(names));
-    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
-    command.add_option("-o", options->file, "File to write, for one image");
-    command.add_option("--out", options->folder, "Folder to write to");
-    command.add_option("--half-size", options->halfSize, "Of the square of extremum-sharpening, in pixels (default 1)")
-        ->check(CLI::Range(0, 1000000));
-    command.add_option("--luminance", options->luminance, "Grey levels that results are clamped to")
-        ->expected(2)
-        ->type_name("LOW HIGH");
+    command.Add("NAME", options->filter, "Filter; see below").Required().OneOf(names);
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
+    command.Add("-o", options->file, "File to write, for one image");
+    command.Add("--out", options->folder, "Folder to write to");
+    command.Add("--half-size", options->halfSize, "Of the square of extremum-sharpening, in pixels (default 1)")
+        .Between(0, 1000000);
+    command.Add("--luminance", options->luminance, "Grey levels that results are clamped to").Pair("LOW HIGH");
     options->subject.AddRegion(command);
     options->subject.AddBand(command, "This band only, from 0 (default: all)");
-    command.add_flag("--json", options->json, "Summary as JSON");
+    command.AddFlag("--json", options->json, "Summary as JSON");
     return [options] { return FilterAll(*options); };
 }
 

@@ -7,10 +7,9 @@
 #include "html_page.hpp"
 #include "pictures.hpp"
 #include "residual_map.hpp"
+#include "subcommand.hpp"
 #include "surface.hpp"
 #include "units.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -286,18 +285,17 @@ int FlattenAll(const Options& options) {
 
 Command AddFlatten(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("flatten", "Remove a fitted surface; roughness before and after");
-    command.footer(kFooter);
-    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
-    command.add_option("--surface", options->surface, SurfaceList())->required()->check(CLI::IsMember(SurfaceNames()));
-    command.add_option("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1");
+    Subcommand command(program, "flatten", "Remove a fitted surface; roughness before and after", kFooter);
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
+    command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames());
+    command.Add("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1");
     options->subject.AddRegion(command);
-    command.add_option("--z-scale", options->zScale, "Microns per grey level");
+    command.Add("--z-scale", options->zScale, "Microns per grey level");
     options->subject.AddPixelSize(command);
     options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
-    command.add_option("--out", options->out, "Folder for the flattened image and the report");
-    auto* json = command.add_flag("--json", options->json, "Results as JSON");
-    command.add_flag("--csv", options->csv, "Results as CSV")->excludes(json);
+    command.Add("--out", options->out, "Folder for the flattened image and the report");
+    const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
+    command.AddFlag("--csv", options->csv, "Results as CSV").Excludes(json);
     return [options] { return FlattenAll(*options); };
 }
 

@@ -2,9 +2,8 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "document.hpp"
+#include "subcommand.hpp"
 #include "subject.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -76,10 +75,9 @@ Command AddInfo(CLI::App& program) {
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("info", "Say what image files hold");
-    command.footer(kFooter);
-    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
-    command.add_flag("--json", options->json, "As JSON");
+    Subcommand command(program, "info", "Say what image files hold", kFooter);
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
+    command.AddFlag("--json", options->json, "As JSON");
     return [options] {
         Json all = Json::array();
         int code = kDone;

@@ -5,9 +5,8 @@
 #include "html_report.hpp"
 #include "measurement.hpp"
 #include "pictures.hpp"
+#include "subcommand.hpp"
 #include "surface.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -332,33 +331,30 @@ int Measure(Options& options) {
 
 Command AddMeasure(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App& command =
-        *program.add_subcommand("measure", "Measure images: grey statistics, thresholds, area of a phase");
-    command.footer(kFooter);
-    command.add_option("IMAGE", options->files, "PNG, BMP, PGM or PPM files")->required();
+    Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase", kFooter);
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
     options->subject.AddRegion(command);
-    command.add_option("--flatten", options->flatten, "Remove a surface from the region first: " + SurfaceList())
-        ->check(CLI::IsMember(SurfaceNames()));
-    command.add_option("--flatten-robust", options->flattenRobust,
-                       "Robust fit of it: probability that a pixel belongs to the surface, up to 1");
-    command.add_option("--threshold", options->threshold, "METHOD or LO,HI; see below")
-        ->default_str("minimize-variance");
-    auto* dark = command.add_flag("--dark", options->dark, "The phase is the dark side of the threshold (default)");
-    command.add_flag("--bright", options->bright, "The phase is the bright side")->excludes(dark);
+    command.Add("--flatten", options->flatten, "Remove a surface from the region first: " + SurfaceList())
+        .OneOf(SurfaceNames());
+    command.Add("--flatten-robust", options->flattenRobust,
+                "Robust fit of it: probability that a pixel belongs to the surface, up to 1");
+    command.Add("--threshold", options->threshold, "METHOD or LO,HI; see below").ShowDefault("minimize-variance");
+    const Parameter dark =
+        command.AddFlag("--dark", options->dark, "The phase is the dark side of the threshold (default)");
+    command.AddFlag("--bright", options->bright, "The phase is the bright side").Excludes(dark);
     options->subject.AddPixelSize(command);
     options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
-    command.add_option("--luminance", options->luminance, "Grey levels that the histogram and its thresholds look at")
-        ->expected(2)
-        ->type_name("LOW HIGH");
-    command.add_option("--bins", options->settings.bins, "Bins at most, where thresholds are chosen (default 1024)")
-        ->check(CLI::Range(2, 65536));
+    command.Add("--luminance", options->luminance, "Grey levels that the histogram and its thresholds look at")
+        .Pair("LOW HIGH");
+    command.Add("--bins", options->settings.bins, "Bins at most, where thresholds are chosen (default 1024)")
+        .Between(2, 65536);
     command
-        .add_option("--smooth", options->settings.smoothing,
-                    "Smooth the histogram with 3, 5, 7 or 9 binomial weights before choosing thresholds")
-        ->check(CLI::IsMember({0, 3, 5, 7, 9}));
-    command.add_option("--out", options->out, "Folder for pictures and reports");
-    auto* json = command.add_flag("--json", options->json, "Results as JSON");
-    command.add_flag("--csv", options->csv, "Results as CSV")->excludes(json);
+        .Add("--smooth", options->settings.smoothing,
+             "Smooth the histogram with 3, 5, 7 or 9 binomial weights before choosing thresholds")
+        .OneOf(std::vector{0, 3, 5, 7, 9});
+    command.Add("--out", options->out, "Folder for pictures and reports");
+    const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
+    command.AddFlag("--csv", options->csv, "Results as CSV").Excludes(json);
     return [options] { return Measure(*options); };
 }
 

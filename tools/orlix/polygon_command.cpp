@@ -2,10 +2,9 @@
 #include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "subcommand.hpp"
 #include "subject.hpp"
 #include "vertex_list.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -225,14 +224,13 @@ int MeasureAll(const Options& options) {
 
 Command AddPolygon(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("polygon", "Measure outlines given as lists of vertices");
-    command.footer(kFooter);
-    command.add_option("FILE", options->files, "CSV or JSON files")->required();
-    command.add_option("--point", options->point, "Distances from here")->expected(2)->type_name("X Y");
-    command.add_option("--circle", options->circle, "Robust circle: probability that a vertex belongs to it");
-    command.add_option("--smooth", options->smooth, "Tolerance of a simplified outline, pixels");
-    const auto json = command.add_flag("--json", options->json, "As JSON");
-    command.add_flag("--csv", options->csv, "A line for each outline")->excludes(json);
+    Subcommand command(program, "polygon", "Measure outlines given as lists of vertices", kFooter);
+    command.Add("FILE", options->files, "CSV or JSON files").Required();
+    command.Add("--point", options->point, "Distances from here").Pair("X Y");
+    command.Add("--circle", options->circle, "Robust circle: probability that a vertex belongs to it");
+    command.Add("--smooth", options->smooth, "Tolerance of a simplified outline, pixels");
+    const Parameter json = command.AddFlag("--json", options->json, "As JSON");
+    command.AddFlag("--csv", options->csv, "A line for each outline").Excludes(json);
     return [options] { return MeasureAll(*options); };
 }
 

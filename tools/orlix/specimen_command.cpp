@@ -2,8 +2,7 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "specimen_image.hpp"
-
-#include <CLI/CLI.hpp>
+#include "subcommand.hpp"
 
 #include <orlix/client.hpp>
 
@@ -59,11 +58,10 @@ int WriteSpecimen(Options& options) {
 Command AddSpecimen(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     auto& s = options->settings;
-    CLI::App& command = *program.add_subcommand("specimen", "Make a synthetic specimen with known truth");
-    command.footer(kFooter);
-    command.add_option("OUT", options->out, "Image to write: .png or .pgm")->required();
+    Subcommand command(program, "specimen", "Make a synthetic specimen with known truth", kFooter);
+    command.Add("OUT", options->out, "Image to write: .png or .pgm").Required();
     const auto add = [&](const char* name, auto& value, const char* description) {
-        command.add_option(name, value, description)->capture_default_str();
+        command.Add(name, value, description).ShowDefault();
     };
     add("--seed", s.seed, "Start of the random numbers");
     add("--width", s.width, "Pixels");
@@ -75,15 +73,14 @@ Command AddSpecimen(CLI::App& program) {
     add("--ragged", s.raggedShare, "Share of ragged particles, 0 to 1");
     add("--matrix", s.matrixGrey, "Grey level of the surface, about");
     add("--contrast", s.particleContrast, "Grey levels of the particles against the surface; above 0: bright ones");
-    command.add_option("--background", options->background, "flat, tilted or domed")
-        ->check(CLI::IsMember({"flat", "tilted", "domed"}))
-        ->capture_default_str();
+    command.Add("--background", options->background, "flat, tilted or domed")
+        .OneOf(std::vector<std::string>{"flat", "tilted", "domed"})
+        .ShowDefault();
     add("--span", s.backgroundSpan, "Grey levels between the darkest and brightest place of the background");
     add("--scratches", s.scratches, "Number of scratches");
     add("--pits", s.pits, "Number of pits");
     add("--noise", s.noise, "Standard deviation in grey levels");
-    command.add_option("--pixel-size", options->pixelSize, "Microns per pixel to write into the file")
-        ->check(CLI::PositiveNumber);
+    command.Add("--pixel-size", options->pixelSize, "Microns per pixel to write into the file").Positive();
     return [options] { return WriteSpecimen(*options); };
 }
 

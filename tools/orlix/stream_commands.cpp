@@ -1,9 +1,8 @@
 // orlix save and orlix load
 #include "commands.hpp"
 #include "console.hpp"
+#include "subcommand.hpp"
 #include "subject.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -64,19 +63,17 @@ int Load(const Files& files) {
 
 Command AddSave(CLI::App& program) {
     const auto files = std::make_shared<Files>();
-    CLI::App& command = *program.add_subcommand("save", "Save an image as a stream, with its settings");
-    command.footer(kSaveFooter);
-    command.add_option("IMAGE", files->in, "PNG, BMP, PGM or PPM file")->required();
-    command.add_option("OUT", files->out, "File to write")->required();
+    Subcommand command(program, "save", "Save an image as a stream, with its settings", kSaveFooter);
+    command.Add("IMAGE", files->in, "PNG, BMP, PGM or PPM file").Required();
+    command.Add("OUT", files->out, "File to write").Required();
     return [files] { return Save(*files); };
 }
 
 Command AddLoad(CLI::App& program) {
     const auto files = std::make_shared<Files>();
-    CLI::App& command = *program.add_subcommand("load", "Make an image file of a stream");
-    command.footer(kLoadFooter);
-    command.add_option("STREAM", files->in, "Stream of an image")->required();
-    command.add_option("OUT", files->out, "File to write")->required();
+    Subcommand command(program, "load", "Make an image file of a stream", kLoadFooter);
+    command.Add("STREAM", files->in, "Stream of an image").Required();
+    command.Add("OUT", files->out, "File to write").Required();
     return [files] { return Load(*files); };
 }
 

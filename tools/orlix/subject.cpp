@@ -1,8 +1,7 @@
 #include "subject.hpp"
 
 #include "console.hpp"
-
-#include <CLI/CLI.hpp>
+#include "subcommand.hpp"
 
 #include <orlix/client.hpp>
 
@@ -14,17 +13,17 @@ namespace tool {
 
 using namespace orlix;
 
-void SubjectOptions::AddRegion(CLI::App& command) {
-    command.add_option("--roi", region_, "Region: rect:L,T,R,B | oriented:W,H,ANGLE,XC,YC | circle:XC,YC,R");
-    command.add_option("--roi-polarity", polarity_, "inside, outside or frame of the region")->default_str("inside");
+void SubjectOptions::AddRegion(Subcommand& command) {
+    command.Add("--roi", region_, "Region: rect:L,T,R,B | oriented:W,H,ANGLE,XC,YC | circle:XC,YC,R");
+    command.Add("--roi-polarity", polarity_, "inside, outside or frame of the region").ShowDefault("inside");
 }
 
-void SubjectOptions::AddBand(CLI::App& command, const char* description) {
-    command.add_option("--band", band_, description)->check(CLI::NonNegativeNumber);
+void SubjectOptions::AddBand(Subcommand& command, const char* description) {
+    command.Add("--band", band_, description).NotNegative();
 }
 
-void SubjectOptions::AddPixelSize(CLI::App& command) {
-    command.add_option("--pixel-size", pixelSize_, "Microns per pixel, instead of what the file says");
+void SubjectOptions::AddPixelSize(Subcommand& command) {
+    command.Add("--pixel-size", pixelSize_, "Microns per pixel, instead of what the file says");
 }
 
 void SubjectOptions::Complete(SubjectSettings& settings) const {

@@ -11,11 +11,9 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace tool {
+
+class Subcommand;
 
 struct SubjectSettings {
     std::optional<RegionShape> region;
@@ -27,9 +25,9 @@ struct SubjectSettings {
 class SubjectOptions {
 public:
     explicit SubjectOptions(LONG band = 0) : band_(band) {}
-    void AddRegion(CLI::App& command);
-    void AddBand(CLI::App& command, const char* description);
-    void AddPixelSize(CLI::App& command);
+    void AddRegion(Subcommand& command);
+    void AddBand(Subcommand& command, const char* description);
+    void AddPixelSize(Subcommand& command);
     void Complete(SubjectSettings& settings) const;  // throws UsageError
     void Describe(Json& out) const;                  // members region, regionPolarity, pixelSize, band
 

@@ -1,0 +1,48 @@
+// What commands use of the parser of the command line. The parser takes seconds to compile: only subcommand.cpp and the
+// program itself see it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace tool {
+
+// An option or a positional argument. Its conditions are checked while the command line is parsed.
+class Parameter {
+public:
+    explicit Parameter(CLI::Option& option) : option_(&option) {}
+    const Parameter& Required() const;
+    const Parameter& OneOf(const std::vector<std::string>& names) const;
+    const Parameter& OneOf(const std::vector<int>& numbers) const;
+    const Parameter& Between(int least, int greatest) const;
+    const Parameter& NotNegative() const;
+    const Parameter& Positive() const;
+    const Parameter& Pair(const char* names) const;  // two values
+    const Parameter& Excludes(const Parameter& other) const;
+    const Parameter& ShowDefault() const;                  // the variable's value, in the help
+    const Parameter& ShowDefault(const char* text) const;  // the text instead
+
+private:
+    CLI::Option* option_;
+};
+
+class Subcommand {
+public:
+    Subcommand(CLI::App& program, const char* name, const char* description, const char* footer);
+
+    // The variable, which must outlive the parser, keeps its value when the parameter is not given. Types: std::string,
+    // double, int, long, uint64_t; std::optional of double and LONG; std::vector of std::string and double.
+    template <class T>
+    Parameter Add(const char* name, T& variable, const std::string& description);
+    Parameter AddFlag(const char* name, bool& variable, const char* description);
+
+private:
+    CLI::App* command_;
+};
+
+}  // namespace tool
