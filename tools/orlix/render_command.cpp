@@ -2,9 +2,8 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "pictures.hpp"
+#include "subcommand.hpp"
 #include "subject.hpp"
-
-#include <CLI/CLI.hpp>
 
 #include <orlix/client.hpp>
 
@@ -36,7 +35,7 @@ Examples:
 
 struct Options {
     std::string file, output;
-    std::vector<LONG> size;
+    std::vector<int> size;
     double zoom = 1;
     std::vector<double> center;
     std::optional<double> snap;
@@ -188,29 +187,24 @@ int Render(const Options& options) {
 
 Command AddRender(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("render", "Draw a view of an image, zoomed, in its display colours");
-    command.footer(kFooter);
-    command.add_option("IMAGE", options->file, "PNG, BMP, PGM or PPM file")->required();
-    command.add_option("-o", options->output, "PNG file to write")->required();
-    command.add_option("--size", options->size, "Of the view, in pixels")->expected(2)->type_name("W H")->required();
-    command.add_option("--zoom", options->zoom, "Zoom factor (default 1: the whole image)")->type_name("F");
-    command.add_option("--center", options->center, "Pixel in the middle (default: the image's)")
-        ->expected(2)
-        ->type_name("X Y");
-    command.add_option("--snap", options->snap, "Spread the grey levels that occur, but for this part at either end")
-        ->type_name("TRIM");
-    command.add_flag("--equalize", options->equalize, "Spread them so that all are about equally frequent");
-    command.add_flag("--nearest", options->nearest, "Show single pixels instead of averages and transitions");
-    command.add_option("--surround", options->surround, "Colour beside the image, RRGGBB (default black)");
-    command.add_option("--overlay-roi", options->overlays, "Region to draw, as for --roi; may be repeated")
-        ->type_name("SHAPE")
-        ->allow_extra_args(false);
-    command.add_option("--overlay-polarity", options->overlayPolarity, "inside, outside or frame (default)");
-    command.add_option("--overlay-color", options->overlayColor, "RRGGBB (default red)");
+    Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kFooter);
+    command.Add("IMAGE", options->file, "PNG, BMP, PGM or PPM file").Required();
+    command.Add("-o", options->output, "PNG file to write").Required();
+    command.Add("--size", options->size, "Of the view, in pixels").Pair("W H").Required();
+    command.Add("--zoom", options->zoom, "Zoom factor (default 1: the whole image)").Named("F");
+    command.Add("--center", options->center, "Pixel in the middle (default: the image's)").Pair("X Y");
+    command.Add("--snap", options->snap, "Spread the grey levels that occur, but for this part at either end")
+        .Named("TRIM");
+    command.AddFlag("--equalize", options->equalize, "Spread them so that all are about equally frequent");
+    command.AddFlag("--nearest", options->nearest, "Show single pixels instead of averages and transitions");
+    command.Add("--surround", options->surround, "Colour beside the image, RRGGBB (default black)");
+    command.Add("--overlay-roi", options->overlays, "Region to draw, as for --roi; may be repeated").Repeated("SHAPE");
+    command.Add("--overlay-polarity", options->overlayPolarity, "inside, outside or frame (default)");
+    command.Add("--overlay-color", options->overlayColor, "RRGGBB (default red)");
     options->subject.AddRegion(command);
     options->subject.AddBand(command, "Band to show, from 0 (default: three or more bands in colour, else the first)");
     options->subject.AddPixelSize(command);
-    command.add_flag("--json", options->json, "Summary as JSON");
+    command.AddFlag("--json", options->json, "Summary as JSON");
     return [options] { return Render(*options); };
 }
 

@@ -44,6 +44,16 @@ const Parameter& Parameter::Pair(const char* names) const {
     return *this;
 }
 
+const Parameter& Parameter::Named(const char* value) const {
+    option_->type_name(value);
+    return *this;
+}
+
+const Parameter& Parameter::Repeated(const char* value) const {
+    option_->type_name(value)->allow_extra_args(false);
+    return *this;
+}
+
 const Parameter& Parameter::Excludes(const Parameter& other) const {
     option_->excludes(other.option_);
     return *this;
@@ -78,6 +88,7 @@ template Parameter Subcommand::Add(const char*, std::optional<double>&, const st
 template Parameter Subcommand::Add(const char*, std::optional<LONG>&, const std::string&);
 template Parameter Subcommand::Add(const char*, std::vector<std::string>&, const std::string&);
 template Parameter Subcommand::Add(const char*, std::vector<double>&, const std::string&);
+template Parameter Subcommand::Add(const char*, std::vector<int>&, const std::string&);
 
 Parameter Subcommand::AddFlag(const char* name, bool& variable, const char* description) {
     return Parameter(*command_->add_flag(name, variable, description));

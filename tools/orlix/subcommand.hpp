@@ -22,7 +22,9 @@ public:
     const Parameter& Between(int least, int greatest) const;
     const Parameter& NotNegative() const;
     const Parameter& Positive() const;
-    const Parameter& Pair(const char* names) const;  // two values
+    const Parameter& Pair(const char* names) const;      // two values
+    const Parameter& Named(const char* value) const;     // in the help
+    const Parameter& Repeated(const char* value) const;  // once for each value
     const Parameter& Excludes(const Parameter& other) const;
     const Parameter& ShowDefault() const;                  // the variable's value, in the help
     const Parameter& ShowDefault(const char* text) const;  // the text instead
@@ -36,7 +38,7 @@ public:
     Subcommand(CLI::App& program, const char* name, const char* description, const char* footer);
 
     // The variable, which must outlive the parser, keeps its value when the parameter is not given. Types: std::string,
-    // double, int, long, uint64_t; std::optional of double and LONG; std::vector of std::string and double.
+    // double, int, long, uint64_t; std::optional of double and LONG; std::vector of std::string, double and int.
     template <class T>
     Parameter Add(const char* name, T& variable, const std::string& description);
     Parameter AddFlag(const char* name, bool& variable, const char* description);
