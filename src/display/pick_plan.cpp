@@ -5,17 +5,18 @@
 
 namespace orlix {
 
-PickPlan::PickPlan(std::vector<int32_t> columns, int32_t rowLength, const PickShape& shape)
+PickPlan::PickPlan(std::vector<int32_t> columns, int32_t rowLength, std::span<const PickShape> shapes)
     : columns_(std::move(columns)) {
-    if (shape.group == 0 || columns_.empty()) return;
+    if (columns_.empty()) return;
     blocks_.resize((columns_.size() + kPickBlock - 1) / kPickBlock);
-    bases_.resize(blocks_.size() * kPickBlock / shape.group);
-    for (int32_t window = shape.least; window <= shape.most && window_ == 0; window *= 2)
-        if (Group(rowLength, shape.group, window)) window_ = window;
+    for (const PickShape& shape : shapes)
+        if (shape_ == kUngrouped && Group(rowLength, shape)) shape_ = shape;
 }
 
-bool PickPlan::Group(int32_t rowLength, size_t group, int32_t window) {
+bool PickPlan::Group(int32_t rowLength, const PickShape& shape) {
+    const auto& [group, window] = shape;
     if (rowLength < window) return false;
+    bases_.resize(blocks_.size() * kPickBlock / group);
     const auto columnAt = [&](size_t i) { return columns_[std::min(i, columns_.size() - 1)]; };
     for (size_t g = 0; g < bases_.size(); ++g) {
         const size_t first = g * group;
@@ -31,7 +32,8 @@ bool PickPlan::Group(int32_t rowLength, size_t group, int32_t window) {
 }
 
 Picks PickPlan::picks() const {
-    return {columns_.data(), columns_.size(), window_, bases_.data(), window_ ? blocks_.front().shuffles : nullptr};
+    return {columns_.data(), columns_.size(), shape_, bases_.data(),
+            blocks_.empty() ? nullptr : blocks_.front().shuffles};
 }
 
 }  // namespace orlix

@@ -14,15 +14,15 @@ void ExpandPlanes_scalar(uint32_t* to, const uint8_t* red, const uint8_t* green,
     for (size_t i = 0; i < n; ++i) to[i] = uint32_t{red[i]} << 16 | uint32_t{green[i]} << 8 | blue[i];
 }
 
-void PickGrey_scalar(uint32_t* to, const uint8_t* row, const Picks& picks) {
+void PickGrey_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t*) {
     for (size_t i = 0; i < picks.n; ++i) to[i] = row[picks.columns[i]] * 0x010101u;
 }
 
-void PickLevels_scalar(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors) {
+void PickLevels_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t*, const LevelColors& colors) {
     for (size_t i = 0; i < picks.n; ++i) to[i] = colors.pixels[row[picks.columns[i]]];
 }
 
-void PickPixels_scalar(uint32_t* to, const uint32_t* row, const Picks& picks, const uint32_t*) {
+void PickPixels_scalar(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t*) {
     for (size_t i = 0; i < picks.n; ++i) to[i] = row[picks.columns[i]];
 }
 

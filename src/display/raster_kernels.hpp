@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "display/pick_plan.hpp"
 #include "process/variants.hpp"
@@ -21,18 +22,19 @@ using ExpandGreyFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n);
 using ExpandLevelsFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
 using ExpandPlanesFn = void (*)(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 
-// The same of some columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. The plan has been
-// made for the shape that stands beside the kernel in its table, or has no groups.
+// The same of some columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. Groups have one of
+// the shapes that stand beside the kernel in its table.
 template <class Fn>
 struct Picking {
     Fn fn;
-    PickShape shape;
+    std::span<const PickShape> shapes;  // those for columns close together first
 };
-using PickGreyFn = void (*)(uint32_t* to, const uint8_t* row, const Picks& picks);
-using PickLevelsFn = void (*)(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors);
-// next: the row that will be asked for after this one, or any other. Rows of pixels come from beyond the caches more often
-// than not, and the hardware does not foresee which one is next.
-using PickPixelsFn = void (*)(uint32_t* to, const uint32_t* row, const Picks& picks, const uint32_t* next);
+// next: the row that will be asked for after this one, or any other. Kernels may fetch from it, as the hardware does not
+// foresee where the next row lies.
+using PickGreyFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
+using PickLevelsFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                              const LevelColors& colors);
+using PickPixelsFn = void (*)(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
 
 // sums[i] += aWeight a[i] + bWeight b[i]; weights are at most 4096. a may be b.
 using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,
@@ -63,16 +65,16 @@ void ExpandPlanes_sse2(uint32_t* to, const uint8_t* red, const uint8_t* green, c
 void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 
-void PickGrey_scalar(uint32_t* to, const uint8_t* row, const Picks& picks);
-void PickGrey_avx2(uint32_t* to, const uint8_t* row, const Picks& picks);
-void PickGrey_avx512(uint32_t* to, const uint8_t* row, const Picks& picks);
+void PickGrey_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
+void PickGrey_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
+void PickGrey_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
 
-void PickLevels_scalar(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors);
-void PickLevels_avx2(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors);
-void PickLevels_avx512(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors);
+void PickLevels_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
+void PickLevels_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
+void PickLevels_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
 
-void PickPixels_scalar(uint32_t* to, const uint32_t* row, const Picks& picks, const uint32_t* next);
-void PickPixels_avx2(uint32_t* to, const uint32_t* row, const Picks& picks, const uint32_t* next);
+void PickPixels_scalar(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
+void PickPixels_avx2(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
 
 void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
 void WeighRows_sse2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
@@ -105,19 +107,22 @@ inline constexpr Variant<ExpandPlanesFn> kExpandPlanes[] = {
     {"sse2", Cpu::Sse2, &ExpandPlanes_sse2},
     {"scalar", Cpu::Any, &ExpandPlanes_scalar},
 };
+inline constexpr PickShape kPickShapes_avx512[] = {{16, 64}, {16, 128}};
+inline constexpr PickShape kPickShapes_avx2[] = {{8, 16}, {4, 16}};
+inline constexpr PickShape kPickPixelsShapes_avx2[] = {{4, 8}};
 inline constexpr Variant<Picking<PickGreyFn>> kPickGrey[] = {
-    {"avx512", Cpu::Avx512, {&PickGrey_avx512, {16, 64, 128}}},
-    {"avx2", Cpu::Avx2, {&PickGrey_avx2, {4, 16, 16}}},
+    {"avx512", Cpu::Avx512, {&PickGrey_avx512, kPickShapes_avx512}},
+    {"avx2", Cpu::Avx2, {&PickGrey_avx2, kPickShapes_avx2}},
     {"scalar", Cpu::Any, {&PickGrey_scalar, {}}},
 };
 inline constexpr Variant<Picking<PickLevelsFn>> kPickLevels[] = {
-    {"avx512", Cpu::Avx512, {&PickLevels_avx512, {16, 64, 128}}},
-    {"avx2", Cpu::Avx2, {&PickLevels_avx2, {4, 16, 16}}},
+    {"avx512", Cpu::Avx512, {&PickLevels_avx512, kPickShapes_avx512}},
+    {"avx2", Cpu::Avx2, {&PickLevels_avx2, kPickShapes_avx2}},
     {"scalar", Cpu::Any, {&PickLevels_scalar, {}}},
 };
 // Wider vectors bring nothing more.
 inline constexpr Variant<Picking<PickPixelsFn>> kPickPixels[] = {
-    {"avx2", Cpu::Avx2, {&PickPixels_avx2, {4, 8, 8}}},
+    {"avx2", Cpu::Avx2, {&PickPixels_avx2, kPickPixelsShapes_avx2}},
     {"scalar", Cpu::Any, {&PickPixels_scalar, {}}},
 };
 inline constexpr Variant<WeighRowsFn> kWeighRows[] = {

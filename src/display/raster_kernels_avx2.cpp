@@ -80,17 +80,12 @@ private:
     alignas(16) uint8_t rows_[256];
 };
 
-// Bytes 4 k .. 4 k + 3 of both halves of greys become pixels: in four steps all of them, those of the lower half first.
+// 32 greys become pixels, the lower half of greys holding the first four of each eight, the upper half the others.
 [[gnu::always_inline]] inline void StoreGreys(uint32_t* to, const __m256i& greys) {
     const __m256i threefold =
         _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 0, -1, 1, 1, 1, -1, 2, 2, 2, -1, 3, 3, 3, -1));
-    __m256i pixels[4];
     for (int k = 0; k < 4; ++k)
-        pixels[k] = _mm256_shuffle_epi8(greys, _mm256_add_epi8(threefold, _mm256_set1_epi32(k * 0x040404)));
-    Store(to, _mm256_permute2x128_si256(pixels[0], pixels[1], 0x20));
-    Store(to + 8, _mm256_permute2x128_si256(pixels[2], pixels[3], 0x20));
-    Store(to + 16, _mm256_permute2x128_si256(pixels[0], pixels[1], 0x31));
-    Store(to + 24, _mm256_permute2x128_si256(pixels[2], pixels[3], 0x31));
+        Store(to + 8 * k, _mm256_shuffle_epi8(greys, _mm256_add_epi8(threefold, _mm256_set1_epi32(k * 0x040404))));
 }
 
 // Four entries of a table of pixels. Putting them together spares three of four stores.
@@ -103,11 +98,14 @@ private:
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), v);
 }
 
-// Two groups of picked samples, as greys but for the high byte: eight pixels.
-[[gnu::always_inline]] inline __m256i Picked8(const uint8_t* row, const Picks& picks, size_t i) {
-    const int32_t* const bases = picks.bases + i / 4;
-    const __m256i samples =
-        _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(row + bases[0])), Load16(row + bases[1]), 1);
+// Eight picked samples as greys.
+template <size_t kGroup>
+[[gnu::always_inline]] inline __m256i Picked8(const uint8_t* row, Picks picks, size_t i) {
+    const int32_t* const bases = picks.bases + i / kGroup;
+    const __m128i first = Load16(row + bases[0]);
+    const __m256i samples = kGroup == 8
+                                ? _mm256_broadcastsi128_si256(first)
+                                : _mm256_inserti128_si256(_mm256_castsi128_si256(first), Load16(row + bases[1]), 1);
     return _mm256_shuffle_epi8(samples, _mm256_load_si256(reinterpret_cast<const __m256i*>(picks.shuffles + i)));
 }
 
@@ -122,14 +120,40 @@ template <size_t kPixels, class Body>
     std::memcpy(to + i, last, (n - i) * sizeof *to);
 }
 
+template <size_t kGroup>
+[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    ForEachPick<16>(to, picks.n, [=](uint32_t* pixels, size_t i) {
+        __builtin_prefetch(next + picks.bases[i / kGroup]);
+        Store(pixels, Picked8<kGroup>(row, picks, i));
+        Store(pixels + 8, Picked8<kGroup>(row, picks, i + 8));
+    });
+}
+
+template <size_t kGroup>
+[[gnu::always_inline]] inline void PickFromTable(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                                                 const GreyTable& table) {
+    ForEachPick<32>(to, picks.n, [=, &table](uint32_t* pixels, size_t i) {
+        const auto levels = [&](size_t k) {
+            return _mm256_and_si256(Picked8<kGroup>(row, picks, i + 8 * k), _mm256_set1_epi32(0xff));
+        };
+        __builtin_prefetch(next + picks.bases[i / kGroup]);
+        __builtin_prefetch(next + picks.bases[(i + 16) / kGroup]);
+        const __m256i low = _mm256_packs_epi32(levels(0), levels(1)), high = _mm256_packs_epi32(levels(2), levels(3));
+        StoreGreys(pixels, table.LookUp(_mm256_packus_epi16(low, high)));
+    });
+}
+
 }  // namespace
 
 void ExpandLevels_avx2(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors) {
     size_t i = 0;
     if (colors.grey) {
         const GreyTable table(colors.blue);
-        for (; i + 32 <= n; i += 32)
-            StoreGreys(to + i, table.LookUp(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(levels + i))));
+        const __m256i order = _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7);
+        for (; i + 32 <= n; i += 32) {
+            const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(levels + i));
+            StoreGreys(to + i, table.LookUp(_mm256_permutevar8x32_epi32(v, order)));
+        }
     }
     for (; i + 8 <= n; i += 8)
         for (size_t k = i; k < i + 8; k += 4)
@@ -137,41 +161,38 @@ void ExpandLevels_avx2(uint32_t* to, const uint8_t* levels, size_t n, const Leve
     ExpandLevels_scalar(to + i, levels + i, n - i, colors);
 }
 
-void PickGrey_avx2(uint32_t* to, const uint8_t* row, const Picks& picks) {
-    if (picks.window == 0) return PickGrey_scalar(to, row, picks);
-    ForEachPick<8>(to, picks.n, [&](uint32_t* eight, size_t i) { Store(eight, Picked8(row, picks, i)); });
+void PickGrey_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    if (picks.shape.group == 8)
+        PickGreys<8>(to, row, picks, next);
+    else if (picks.shape.group == 4)
+        PickGreys<4>(to, row, picks, next);
+    else
+        PickGrey_scalar(to, row, picks, next);
 }
 
-void PickLevels_avx2(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors) {
-    if (!colors.grey || picks.window == 0) {
-        size_t i = 0;
-        for (; i + 4 <= picks.n; i += 4) {
-            const int32_t* const at = picks.columns + i;
-            StoreFour(to + i, colors.pixels, row[at[0]], row[at[1]], row[at[2]], row[at[3]]);
+void PickLevels_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors) {
+    if (colors.grey && picks.shape.group == 8) return PickFromTable<8>(to, row, picks, next, GreyTable(colors.blue));
+    if (colors.grey && picks.shape.group == 4) return PickFromTable<4>(to, row, picks, next, GreyTable(colors.blue));
+    size_t i = 0;
+    for (; i + 16 <= picks.n; i += 16) {
+        __builtin_prefetch(next + picks.columns[i]);
+        for (size_t k = i; k < i + 16; k += 4) {
+            const int32_t* const at = picks.columns + k;
+            StoreFour(to + k, colors.pixels, row[at[0]], row[at[1]], row[at[2]], row[at[3]]);
         }
-        for (; i < picks.n; ++i) to[i] = colors.pixels[row[picks.columns[i]]];
-        return;
     }
-    const GreyTable table(colors.blue);
-    const __m256i ordered = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
-    ForEachPick<32>(to, picks.n, [&](uint32_t* pixels, size_t i) {
-        const auto levels = [&](size_t k) {
-            return _mm256_and_si256(Picked8(row, picks, i + 8 * k), _mm256_set1_epi32(0xff));
-        };
-        const __m256i low = _mm256_packs_epi32(levels(0), levels(1)), high = _mm256_packs_epi32(levels(2), levels(3));
-        StoreGreys(pixels, table.LookUp(_mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high), ordered)));
-    });
+    for (; i < picks.n; ++i) to[i] = colors.pixels[row[picks.columns[i]]];
 }
 
-void PickPixels_avx2(uint32_t* to, const uint32_t* row, const Picks& picks, const uint32_t* next) {
-    if (picks.window == 0) {
+void PickPixels_avx2(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next) {
+    if (picks.shape == kUngrouped) {
         for (size_t i = 0; i < picks.n; ++i) {
             if (i % 2 == 0) __builtin_prefetch(next + picks.columns[i]);
             to[i] = row[picks.columns[i]];
         }
         return;
     }
-    ForEachPick<8>(to, picks.n, [&](uint32_t* eight, size_t i) {
+    ForEachPick<8>(to, picks.n, [=](uint32_t* eight, size_t i) {
         const int32_t* const bases = picks.bases + i / 4;
         __builtin_prefetch(next + bases[0]);
         for (size_t k = 0; k < 2; ++k) {

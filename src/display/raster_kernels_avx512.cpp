@@ -107,20 +107,27 @@ template <int32_t kWindow>
 }
 
 template <int32_t kWindow>
-[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, const Picks& picks) {
+[[gnu::always_inline]] inline void Fetch(const uint8_t* from) {
+    for (int32_t i = 0; i < kWindow; i += 64) __builtin_prefetch(from + i);
+}
+
+template <int32_t kWindow>
+[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
     for (size_t i = 0; i < picks.n; i += 16) {
+        Fetch<kWindow>(next + picks.bases[i / 16]);
         const __m512i index = _mm512_load_si512(picks.shuffles + i);
         Store(to + i, Permuted<kWindow>(row + picks.bases[i / 16], index, kColorBytes), picks.n - i);
     }
 }
 
 template <int32_t kWindow>
-[[gnu::always_inline]] inline void PickColors(uint32_t* to, const uint8_t* row, const Picks& picks,
+[[gnu::always_inline]] inline void PickColors(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
                                               const LevelColors& colors) {
     const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
     ForEach64(picks.n, [&](size_t i, size_t count) {
         __m128i parts[4];
         for (size_t k = 0; k < 4; ++k) {
+            Fetch<kWindow>(next + picks.bases[i / 16 + k]);
             const __m128i index = _mm512_cvtepi32_epi8(_mm512_load_si512(picks.shuffles + i + 16 * k));
             parts[k] = _mm512_castsi512_si128(
                 Permuted<kWindow>(row + picks.bases[i / 16 + k], _mm512_castsi128_si512(index), 0xffff));
@@ -134,22 +141,22 @@ template <int32_t kWindow>
 
 }  // namespace
 
-void PickGrey_avx512(uint32_t* to, const uint8_t* row, const Picks& picks) {
-    if (picks.window == 64)
-        PickGreys<64>(to, row, picks);
-    else if (picks.window == 128)
-        PickGreys<128>(to, row, picks);
+void PickGrey_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    if (picks.shape.window == 64)
+        PickGreys<64>(to, row, picks, next);
+    else if (picks.shape.window == 128)
+        PickGreys<128>(to, row, picks, next);
     else
-        PickGrey_scalar(to, row, picks);
+        PickGrey_scalar(to, row, picks, next);
 }
 
-void PickLevels_avx512(uint32_t* to, const uint8_t* row, const Picks& picks, const LevelColors& colors) {
-    if (picks.window == 64)
-        PickColors<64>(to, row, picks, colors);
-    else if (picks.window == 128)
-        PickColors<128>(to, row, picks, colors);
+void PickLevels_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors) {
+    if (picks.shape.window == 64)
+        PickColors<64>(to, row, picks, next, colors);
+    else if (picks.shape.window == 128)
+        PickColors<128>(to, row, picks, next, colors);
     else
-        PickLevels_scalar(to, row, picks, colors);
+        PickLevels_scalar(to, row, picks, next, colors);
 }
 
 void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,

@@ -89,17 +89,17 @@ public:
     // Columns in any monotone order, for ExpandPicked.
     PickPlan Plan(std::vector<int32_t> columns) const {
         return {std::move(columns), picture_.width,
-                picture_.layout == Layout::Pixels ? pickPixels_.shape
-                : ramp_                           ? pickGrey_.shape
-                                                  : pickLevels_.shape};
+                picture_.layout == Layout::Pixels ? pickPixels_.shapes
+                : ramp_                           ? pickGrey_.shapes
+                                                  : pickLevels_.shapes};
     }
     void ExpandPicked(uint32_t* to, int32_t row, const Picks& picks, int32_t next) const {
         if (picture_.layout == Layout::Pixels)
             pickPixels_.fn(to, PixelsOf(row), picks, PixelsOf(next));
         else if (ramp_)
-            pickGrey_.fn(to, RowOf(row), picks);
+            pickGrey_.fn(to, RowOf(row), picks, RowOf(next));
         else
-            pickLevels_.fn(to, RowOf(row), picks, colors_);
+            pickLevels_.fn(to, RowOf(row), picks, RowOf(next), colors_);
     }
 
     // One channel (0 red, 1 green, 2 blue) of ascending columns: a pointer into the picture, or to scratch (a byte a column).

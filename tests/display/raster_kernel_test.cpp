@@ -121,10 +121,10 @@ TEST(RasterKernel, KnownPixels) {
     ExpandPlanes_scalar(&pixel, samples, samples + 1, samples + 2, 1);
     EXPECT_EQ(0x123456u, pixel);
     const int32_t third = 2;
-    const Picks picks{&third, 1, 0, nullptr, nullptr};
-    PickGrey_scalar(&pixel, samples, picks);
+    const Picks picks{&third, 1, kUngrouped, nullptr, nullptr};
+    PickGrey_scalar(&pixel, samples, picks, samples);
     EXPECT_EQ(0x565656u, pixel);
-    PickLevels_scalar(&pixel, samples, picks, SomeColors());
+    PickLevels_scalar(&pixel, samples, picks, samples, SomeColors());
     EXPECT_EQ(0xa95a0cu, pixel);
     const uint32_t pixels[] = {1, 2, 3};
     PickPixels_scalar(&pixel, pixels, picks, pixels);
@@ -150,11 +150,11 @@ void ExpectPicked(const Table& table, const Call& call) {
                         // A copy of exactly these samples, so that tools which watch memory see any other access.
                         std::vector<Sample> row = Noise<Sample>(length, static_cast<uint32_t>(n + perMille));
                         row.shrink_to_fit();
-                        const PickPlan plan(columns, static_cast<int32_t>(length), variant.fn.shape);
+                        const PickPlan plan(columns, static_cast<int32_t>(length), variant.fn.shapes);
                         Guarded<uint32_t> got(std::vector<uint32_t>(n), n % 3);
                         call(variant.fn.fn, got.data(), row.data(), plan.picks());
                         std::vector<uint32_t> want(n);
-                        const Picks ungrouped{columns.data(), n, 0, nullptr, nullptr};
+                        const Picks ungrouped{columns.data(), n, kUngrouped, nullptr, nullptr};
                         call(std::rbegin(table)->fn.fn, want.data(), row.data(), ungrouped);
                         ASSERT_TRUE(SameBits(want.data(), got.data(), n))
                             << variant.name << ", " << n << " at " << perMille << ", " << length << " samples";
@@ -163,34 +163,37 @@ void ExpectPicked(const Table& table, const Call& call) {
 }
 
 TEST(RasterKernel, EveryVariantOfPickingEqualsTheDefinition) {
-    ExpectPicked<uint8_t>(kPickGrey, [](auto fn, uint32_t* to, const uint8_t* row, const Picks& p) { fn(to, row, p); });
+    ExpectPicked<uint8_t>(kPickGrey,
+                          [](auto fn, uint32_t* to, const uint8_t* row, const Picks& p) { fn(to, row, p, row); });
     for (const LevelColors& colors : {SomeColors(), SomeGreys()})
         ExpectPicked<uint8_t>(kPickLevels, [&](auto fn, uint32_t* to, const uint8_t* row, const Picks& picks) {
-            fn(to, row, picks, colors);
+            fn(to, row, picks, row, colors);
         });
     ExpectPicked<uint32_t>(
         kPickPixels, [](auto fn, uint32_t* to, const uint32_t* row, const Picks& picks) { fn(to, row, picks, row); });
 }
 
-TEST(PickPlan, GroupsColumnsThatLieCloseEnough) {
-    const auto windowOf = [](int32_t step, int32_t rowLength, const PickShape& shape) {
+TEST(PickPlan, TakesTheFirstShapeThatTheColumnsAreCloseEnoughFor) {
+    using Shapes = std::vector<PickShape>;
+    const Shapes wide{{16, 64}, {16, 128}}, narrow{{8, 16}, {4, 16}};
+    const struct {
+        int32_t step, rowLength;
+        const Shapes& shapes;
+        PickShape expected;
+    } cases[] = {{4, 1000, wide, {16, 64}},                                // 61 samples
+                 {5, 1000, wide, {16, 128}},  {8, 1000, wide, {16, 128}},  // 121
+                 {9, 1000, wide, kUngrouped}, {2, 1000, narrow, {8, 16}},    {3, 1000, narrow, {4, 16}},
+                 {5, 1000, narrow, {4, 16}},  {6, 1000, narrow, kUngrouped}, {1, 64, wide, {16, 64}},
+                 {1, 63, wide, kUngrouped}};  // the row is shorter
+    for (const auto& c : cases) {
         std::vector<int32_t> columns(20);
-        for (int32_t i = 0; i < 20; ++i) columns[static_cast<size_t>(i)] = i * step;
-        return PickPlan(columns, rowLength, shape).picks().window;
-    };
-    EXPECT_EQ(64, windowOf(4, 1000, {16, 64, 128}));  // 61 samples
-    EXPECT_EQ(128, windowOf(5, 1000, {16, 64, 128}));
-    EXPECT_EQ(128, windowOf(8, 1000, {16, 64, 128}));
-    EXPECT_EQ(0, windowOf(9, 1000, {16, 64, 128}));
-    EXPECT_EQ(16, windowOf(5, 1000, {4, 16, 16}));
-    EXPECT_EQ(0, windowOf(6, 1000, {4, 16, 16}));
-    EXPECT_EQ(64, windowOf(1, 64, {16, 64, 128}));
-    EXPECT_EQ(0, windowOf(1, 63, {16, 64, 128})) << "the row is shorter";
-    EXPECT_EQ(0, windowOf(1, 1000, {}));
-    const std::vector<int32_t> falling{9, 7, 7, 5, 3};
-    const PickPlan plan(falling, 10, {4, 8, 8});
+        for (int32_t i = 0; i < 20; ++i) columns[static_cast<size_t>(i)] = i * c.step;
+        EXPECT_EQ(c.expected, PickPlan(columns, c.rowLength, c.shapes).picks().shape) << c.step << ", " << c.rowLength;
+    }
+    const Shapes pixels{{4, 8}};
+    const PickPlan plan({9, 7, 7, 5, 3}, 10, pixels);
     const Picks picks = plan.picks();
-    ASSERT_EQ(8, picks.window);
+    ASSERT_EQ(8, picks.shape.window);
     EXPECT_EQ(2, picks.bases[0]) << "no further than the row";
     EXPECT_EQ(2, picks.bases[1]);
     EXPECT_EQ(0x80070707u, picks.shuffles[0]);
