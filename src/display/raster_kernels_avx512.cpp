@@ -37,13 +37,17 @@ constexpr __mmask64 kColorBytes = 0x7777777777777777;
                   n - 16 * k);
 }
 
+// 64 bytes in the order in which WriteColor wants them.
+[[gnu::always_inline]] inline __m512i Turned(const __m512i& v) {
+    return _mm512_permutexvar_epi32(_mm512_loadu_si512(kIndices.turned), v);
+}
+
+// 1 <= n <= 64
 [[gnu::always_inline]] inline void WriteColor(uint32_t* to, const __m512i& red, const __m512i& green,
                                               const __m512i& blue, size_t n) {
-    const __m512i turned = _mm512_loadu_si512(kIndices.turned), zero = _mm512_setzero_si512();
-    const __m512i r = _mm512_permutexvar_epi32(turned, red), g = _mm512_permutexvar_epi32(turned, green),
-                  b = _mm512_permutexvar_epi32(turned, blue);
-    const __m512i low = _mm512_unpacklo_epi8(b, g), high = _mm512_unpackhi_epi8(b, g);
-    const __m512i lowRed = _mm512_unpacklo_epi8(r, zero), highRed = _mm512_unpackhi_epi8(r, zero);
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i low = _mm512_unpacklo_epi8(blue, green), high = _mm512_unpackhi_epi8(blue, green);
+    const __m512i lowRed = _mm512_unpacklo_epi8(red, zero), highRed = _mm512_unpackhi_epi8(red, zero);
     Store(to, _mm512_unpacklo_epi16(low, lowRed), n);
     if (n > 16) Store(to + 16, _mm512_unpackhi_epi16(low, lowRed), n - 16);
     if (n > 32) Store(to + 32, _mm512_unpacklo_epi16(high, highRed), n - 32);
@@ -84,14 +88,15 @@ void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n) {
 void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors) {
     const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
     ForEach64(n, [&](size_t i, size_t count) {
-        const __m512i v = Load(levels + i, count);
+        const __m512i v = Turned(Load(levels + i, count));
         WriteColor(to + i, LookUp(red, v), LookUp(green, v), LookUp(blue, v), count);
     });
 }
 
 void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n) {
     ForEach64(n, [&](size_t i, size_t count) {
-        WriteColor(to + i, Load(red + i, count), Load(green + i, count), Load(blue + i, count), count);
+        WriteColor(to + i, Turned(Load(red + i, count)), Turned(Load(green + i, count)), Turned(Load(blue + i, count)),
+                   count);
     });
 }
 
@@ -134,7 +139,7 @@ template <int32_t kWindow>
         }
         const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(parts[0]), parts[1], 1);
         const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(parts[2]), parts[3], 1);
-        const __m512i levels = _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+        const __m512i levels = Turned(_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1));
         WriteColor(to + i, LookUp(red, levels), LookUp(green, levels), LookUp(blue, levels), count);
     });
 }
