@@ -11,6 +11,7 @@
 #endif
 
 #include "display/raster_surface.hpp"
+#include "image/pixel_buffer.hpp"
 #include "pictures.hpp"
 
 namespace orlix::bench {
@@ -56,16 +57,17 @@ void RegisterRaster() {
     Register("window", "memcpy", [] { std::memcpy(surface.data(), other.data(), surface.size() * 4); });
     for (const Case& c : kCases) {
         const auto draw = [](const Case& drawn, RasterPicture::Layout layout, size_t table, Scaling scaling) {
-            // Colour pictures hold any 24-bit pixels: three pictures one after the other.
-            const bool triples = layout == RasterPicture::Layout::Triples;
-            static const std::vector<uint8_t> colors = [] {
-                std::vector<uint8_t> all;
-                for (int i = 0; i < 3; ++i) all.insert(all.end(), picture.begin(), picture.end());
+            // In a buffer like those of images, whose pages are large where the system has them.
+            const bool pixels = layout == RasterPicture::Layout::Pixels;
+            static const PixelBuffer colors = [] {
+                PixelBuffer all = PixelBuffer::Unset(picture.size() * sizeof(uint32_t));
+                for (size_t i = 0; i < picture.size(); ++i)
+                    reinterpret_cast<uint32_t*>(all.data())[i] = picture[i] * 0x00010305u & 0x00ffffff;
                 return all;
             }();
             const RasterPicture view{layout,
-                                     triples ? colors.data() : picture.data(),
-                                     triples ? 3 * kSize : kSize,
+                                     pixels ? colors.data() : picture.data(),
+                                     pixels ? 4 * kSize : kSize,
                                      kSize,
                                      kSize,
                                      tables[table].data()};
@@ -78,7 +80,7 @@ void RegisterRaster() {
             Register(name, "ramp", [=] { draw(c, Layout::Levels, 0, scaling); });
             Register(name, "greys", [=] { draw(c, Layout::Levels, 1, scaling); });
             Register(name, "colours", [=] { draw(c, Layout::Levels, 2, scaling); });
-            Register(name, "24 bits", [=] { draw(c, Layout::Triples, 0, scaling); });
+            Register(name, "32 bits", [=] { draw(c, Layout::Pixels, 0, scaling); });
         }
 #ifdef ORLIX_BENCH_OPENCV
         const auto resize = [](const Case& drawn, int how) {

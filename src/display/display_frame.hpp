@@ -6,6 +6,7 @@
 
 #include "display/display_levels.hpp"
 #include "display/displayed_image.hpp"
+#include "display/raster_kernels.hpp"
 #include "process/frame.hpp"
 
 namespace orlix {
@@ -67,7 +68,7 @@ private:
     void ComputeLevels(const DisplayBitmap& bitmap) override {
         const LevelMapping<Pixel> levelsOf(lower_, upper_);
         const auto width = static_cast<size_t>(bitmap.width);
-        if (bitmap.bitsPerPixel == 24) return ComputeColors(bitmap);
+        if (bitmap.bitsPerPixel == 32) return ComputeColors(bitmap);
         const PixelView<Pixel> view = this->image_.view(this->ShownBand());
         for (int32_t y = 0; y < bitmap.height; ++y) {
             uint8_t* const levels = bitmap.row(y);
@@ -79,17 +80,18 @@ private:
     void ComputeColors(const DisplayBitmap& bitmap) {
         const LevelMapping<Pixel> levelsOf(lower_, upper_);
         const auto width = static_cast<size_t>(bitmap.width);
-        std::vector<uint8_t> levels(width);
-        for (int32_t channel = 0; channel < 3; ++channel) {
-            const PixelView<Pixel> view = this->image_.view(channel);
-            const PointOperation<uint8_t> colors = this->ColorsOf(channel);
-            for (int32_t y = 0; y < bitmap.height; ++y) {
-                levelsOf(view.row(y), width, levels.data());
-                colors(levels.data(), width);
-                uint8_t* const row = bitmap.row(y);
-                for (size_t x = 0; x < width; ++x) row[3 * x + static_cast<size_t>(2 - channel)] = levels[x];
-                std::fill(row + 3 * width, row + bitmap.rowStride, uint8_t{0});
+        const ExpandPlanesFn join = Choose(kExpandPlanes);
+        const PixelView<Pixel> bands[] = {this->image_.view(0), this->image_.view(1), this->image_.view(2)};
+        const PointOperation<uint8_t> colors[] = {this->ColorsOf(0), this->ColorsOf(1), this->ColorsOf(2)};
+        std::vector<uint8_t> levels(3 * width);
+        for (int32_t y = 0; y < bitmap.height; ++y) {
+            for (size_t channel = 0; channel < 3; ++channel) {
+                uint8_t* const plane = levels.data() + channel * width;
+                levelsOf(bands[channel].row(y), width, plane);
+                colors[channel](plane, width);
             }
+            join(reinterpret_cast<uint32_t*>(bitmap.row(y)), levels.data(), levels.data() + width,
+                 levels.data() + 2 * width, width);
         }
     }
 

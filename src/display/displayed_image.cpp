@@ -37,13 +37,13 @@ const DisplayBitmap& DisplayedImage::Display() {
     } else {
         const auto width = static_cast<size_t>(image.layout().width);
         const auto height = static_cast<size_t>(image.layout().height);
-        // No more than the image's own: three bytes a pixel come from three bands or more.
-        const size_t rowStride = ((ShowsColor() ? 3 : 1) * width + 3) / 4 * 4;
+        // At most 4/3 of the image's own bytes, as colours come from three bands or more: the product below does not overflow.
+        const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
         current_ = false;
         bitmap_.pixels.Resize(height * rowStride);
         bitmap_.width = image.layout().width;
         bitmap_.height = image.layout().height;
-        bitmap_.bitsPerPixel = ShowsColor() ? 24 : 8;
+        bitmap_.bitsPerPixel = ShowsColor() ? 32 : 8;
         bitmap_.rowStride = rowStride;
         ComputeLevels(bitmap_);
     }
@@ -57,8 +57,8 @@ std::optional<ShownPixel> DisplayedImage::Shown(int32_t x, int32_t y) {
     if (bitmap.bitsPerPixel == 0) return std::nullopt;
     const uint8_t* const row = bitmap.row(y);
     if (bitmap.bitsPerPixel == 8) return ShownPixel{ShownValue(x, y), GetColor(row[x])};
-    const uint8_t* const triple = row + 3 * static_cast<ptrdiff_t>(x);
-    return ShownPixel{ShownValue(x, y), static_cast<OLE_COLOR>(triple[0] << 16 | triple[1] << 8 | triple[2])};
+    const uint8_t* const pixel = row + 4 * static_cast<ptrdiff_t>(x);
+    return ShownPixel{ShownValue(x, y), static_cast<OLE_COLOR>(pixel[0] << 16 | pixel[1] << 8 | pixel[2])};
 }
 
 bool DisplayedImage::ShowsColor() { return state_.band == BI_AllBands && store().layout().bands >= 3; }
@@ -99,7 +99,7 @@ void DisplayedImage::PutColor(LONG entry, OLE_COLOR color) {
     if (entry < 0 || entry > 255) throw Failure("IDisplayProcess: color table entry is out of range.");
     state_.colors[static_cast<size_t>(entry)] = {static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 8),
                                                  static_cast<uint8_t>(color), 0};
-    if (bitmap_.bitsPerPixel == 24) current_ = false;
+    if (bitmap_.bitsPerPixel == 32) current_ = false;
 }
 
 void DisplayedImage::Equalize(const uint64_t (&counts)[256]) {

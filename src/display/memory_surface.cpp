@@ -13,7 +13,7 @@ bool MemorySurface::Draw(const DisplayBitmap& bitmap, const ColorTable& colors, 
         return uint32_t{color.red} << 16 | uint32_t{color.green} << 8 | color.blue;
     });
     using Layout = RasterPicture::Layout;
-    const RasterPicture picture{bitmap.bitsPerPixel == 24 ? Layout::Triples : Layout::Levels,
+    const RasterPicture picture{bitmap.bitsPerPixel == 32 ? Layout::Pixels : Layout::Levels,
                                 bitmap.row(0),
                                 -static_cast<ptrdiff_t>(bitmap.rowStride),
                                 bitmap.width,

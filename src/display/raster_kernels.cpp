@@ -14,13 +14,16 @@ void ExpandPlanes_scalar(uint32_t* to, const uint8_t* red, const uint8_t* green,
     for (size_t i = 0; i < n; ++i) to[i] = uint32_t{red[i]} << 16 | uint32_t{green[i]} << 8 | blue[i];
 }
 
-void ExpandTriples_scalar(uint32_t* to, const uint8_t* triples, size_t n) {
-    for (size_t i = 0; i < n; ++i)
-        to[i] = uint32_t{triples[3 * i + 2]} << 16 | uint32_t{triples[3 * i + 1]} << 8 | triples[3 * i];
+void PickGrey_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t*) {
+    for (size_t i = 0; i < picks.n; ++i) to[i] = row[picks.columns[i]] * 0x010101u;
 }
 
-void Pick_scalar(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n) {
-    for (size_t i = 0; i < n; ++i) to[i] = row[columns[i]];
+void PickLevels_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t*, const LevelColors& colors) {
+    for (size_t i = 0; i < picks.n; ++i) to[i] = colors.pixels[row[picks.columns[i]]];
+}
+
+void PickPixels_scalar(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t*) {
+    for (size_t i = 0; i < picks.n; ++i) to[i] = row[picks.columns[i]];
 }
 
 void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,

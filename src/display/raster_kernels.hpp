@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
+#include "display/pick_plan.hpp"
 #include "process/variants.hpp"
 
 namespace orlix {
@@ -12,18 +14,27 @@ namespace orlix {
 struct LevelColors {
     uint32_t pixels[256];
     uint8_t red[256], green[256], blue[256];
+    bool grey;  // the three are equal
 };
 
 // to and the samples do not overlap. Nothing outside the n pixels and their samples is accessed.
 using ExpandGreyFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n);
 using ExpandLevelsFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
 using ExpandPlanesFn = void (*)(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
-// Three bytes a pixel: blue, green, red.
-using ExpandTriplesFn = void (*)(uint32_t* to, const uint8_t* triples, size_t n);
 
-// to[i] = row[columns[i]]. The columns do not decrease, or do not increase; only bytes between the first and the last of them
-// are read.
-using PickFn = void (*)(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
+// The same of some columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. Groups have one of
+// the shapes that stand beside the kernel in its table.
+template <class Fn>
+struct Picking {
+    Fn fn;
+    std::span<const PickShape> shapes;  // those for columns close together first
+};
+// next: the row that will be asked for after this one, or any other. Kernels may fetch from it, as the hardware does not
+// foresee where the next row lies.
+using PickGreyFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
+using PickLevelsFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                              const LevelColors& colors);
+using PickPixelsFn = void (*)(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
 
 // sums[i] += aWeight a[i] + bWeight b[i]; weights are at most 4096. a may be b.
 using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,
@@ -46,6 +57,7 @@ void ExpandGrey_avx2(uint32_t* to, const uint8_t* levels, size_t n);
 void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n);
 
 void ExpandLevels_scalar(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
+void ExpandLevels_avx2(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
 void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
 
 void ExpandPlanes_scalar(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
@@ -53,13 +65,16 @@ void ExpandPlanes_sse2(uint32_t* to, const uint8_t* red, const uint8_t* green, c
 void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 
-void ExpandTriples_scalar(uint32_t* to, const uint8_t* triples, size_t n);
-void ExpandTriples_avx2(uint32_t* to, const uint8_t* triples, size_t n);
-void ExpandTriples_avx512(uint32_t* to, const uint8_t* triples, size_t n);
+void PickGrey_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
+void PickGrey_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
+void PickGrey_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
 
-void Pick_scalar(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
-void Pick_avx2(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
-void Pick_avx512(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n);
+void PickLevels_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
+void PickLevels_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
+void PickLevels_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
+
+void PickPixels_scalar(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
+void PickPixels_avx2(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
 
 void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
 void WeighRows_sse2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
@@ -81,9 +96,9 @@ inline constexpr Variant<ExpandGreyFn> kExpandGrey[] = {
     {"sse2", Cpu::Sse2, &ExpandGrey_sse2},
     {"scalar", Cpu::Any, &ExpandGrey_scalar},
 };
-// Without the byte permutations of AVX-512 a table of pixels is as fast as gathering with vectors.
 inline constexpr Variant<ExpandLevelsFn> kExpandLevels[] = {
     {"avx512", Cpu::Avx512, &ExpandLevels_avx512},
+    {"avx2", Cpu::Avx2, &ExpandLevels_avx2},
     {"scalar", Cpu::Any, &ExpandLevels_scalar},
 };
 inline constexpr Variant<ExpandPlanesFn> kExpandPlanes[] = {
@@ -92,15 +107,23 @@ inline constexpr Variant<ExpandPlanesFn> kExpandPlanes[] = {
     {"sse2", Cpu::Sse2, &ExpandPlanes_sse2},
     {"scalar", Cpu::Any, &ExpandPlanes_scalar},
 };
-inline constexpr Variant<ExpandTriplesFn> kExpandTriples[] = {
-    {"avx512", Cpu::Avx512, &ExpandTriples_avx512},
-    {"avx2", Cpu::Avx2, &ExpandTriples_avx2},
-    {"scalar", Cpu::Any, &ExpandTriples_scalar},
+inline constexpr PickShape kPickShapes_avx512[] = {{16, 64}, {16, 128}};
+inline constexpr PickShape kPickShapes_avx2[] = {{8, 16}, {4, 16}};
+inline constexpr PickShape kPickPixelsShapes_avx2[] = {{4, 8}};
+inline constexpr Variant<Picking<PickGreyFn>> kPickGrey[] = {
+    {"avx512", Cpu::Avx512, {&PickGrey_avx512, kPickShapes_avx512}},
+    {"avx2", Cpu::Avx2, {&PickGrey_avx2, kPickShapes_avx2}},
+    {"scalar", Cpu::Any, {&PickGrey_scalar, {}}},
 };
-inline constexpr Variant<PickFn> kPick[] = {
-    {"avx512", Cpu::Avx512, &Pick_avx512},
-    {"avx2", Cpu::Avx2, &Pick_avx2},
-    {"scalar", Cpu::Any, &Pick_scalar},
+inline constexpr Variant<Picking<PickLevelsFn>> kPickLevels[] = {
+    {"avx512", Cpu::Avx512, {&PickLevels_avx512, kPickShapes_avx512}},
+    {"avx2", Cpu::Avx2, {&PickLevels_avx2, kPickShapes_avx2}},
+    {"scalar", Cpu::Any, {&PickLevels_scalar, {}}},
+};
+// Wider vectors bring nothing more.
+inline constexpr Variant<Picking<PickPixelsFn>> kPickPixels[] = {
+    {"avx2", Cpu::Avx2, {&PickPixels_avx2, kPickPixelsShapes_avx2}},
+    {"scalar", Cpu::Any, {&PickPixels_scalar, {}}},
 };
 inline constexpr Variant<WeighRowsFn> kWeighRows[] = {
     {"avx512", Cpu::Avx512, &WeighRows_avx512},

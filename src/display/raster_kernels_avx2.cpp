@@ -1,5 +1,7 @@
 #include <immintrin.h>
 
+#include <cstring>
+
 #include "display/raster_kernels.hpp"
 
 namespace orlix {
@@ -45,73 +47,161 @@ void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, c
     ExpandPlanes_scalar(to + i, red + i, green + i, blue + i, n - i);
 }
 
-void ExpandTriples_avx2(uint32_t* to, const uint8_t* triples, size_t n) {
-    const __m256i apart =
-        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1));
-    size_t i = 0;
-    // Eight pixels are 24 bytes; the second load reaches 28.
-    for (; 3 * i + 28 <= 3 * n; i += 8) {
-        const __m256i twice =
-            _mm256_inserti128_si256(_mm256_castsi128_si256(Load16(triples + 3 * i)), Load16(triples + 3 * i + 12), 1);
-        Store(to + i, _mm256_shuffle_epi8(twice, apart));
-    }
-    ExpandTriples_scalar(to + i, triples + 3 * i, n - i);
-}
-
 namespace {
 
-constexpr size_t kPicked = 16;
-
-// As many of the columns, 16 at a time, as lie within kWindows times 16 bytes; returns where it stopped. A shuffle takes what
-// it finds in its 16 bytes. least and most bound the columns.
-template <int32_t kWindows>
-[[gnu::always_inline]] inline size_t PickFrom(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n,
-                                              size_t start, int32_t least, int32_t most) {
-    constexpr int32_t kReach = 16 * kWindows;
-    const int32_t lastBase = most + 1 - kReach;  // never beyond the last column
-    if (lastBase < least) return start;
-    size_t i = start;
-    for (; i + kPicked <= n; i += kPicked) {
-        const int32_t first = columns[i], last = columns[i + kPicked - 1];
-        const int32_t low = first < last ? first : last, high = first < last ? last : first;
-        if (high - low >= kReach) break;
-        const int32_t base = low < lastBase ? low : lastBase;
-        const __m256i from = _mm256_set1_epi32(base);
-        const __m256i words = _mm256_packs_epi32(_mm256_sub_epi32(Load8(columns + i), from),
-                                                 _mm256_sub_epi32(Load8(columns + i + 8), from));
-        const __m256i ordered = _mm256_permute4x64_epi64(words, 0xd8);
-        __m128i index = _mm_packus_epi16(_mm256_castsi256_si128(ordered), _mm256_extracti128_si256(ordered, 1));
-        __m128i picked = _mm_setzero_si128();
-        for (int32_t k = 0; k < kWindows; ++k) {
-            // Bytes 0..15 become 0x70..0x7f, all others have bit 7 set, which gives 0.
-            const __m128i here = _mm_adds_epu8(index, _mm_set1_epi8(0x70));
-            picked = _mm_or_si128(picked, _mm_shuffle_epi8(Load16(row + base + 16 * k), here));
-            index = _mm_sub_epi8(index, _mm_set1_epi8(16));
+// A table of greys for 32 levels at a time. A shuffle takes the entry that the low half of a byte names, or 0 where bit 7 is
+// set; each step takes 16 off. A byte b below 128 so meets the rows 0 .. b / 16 of its half of the table: each is the
+// exclusive or of the row wanted there and the one before.
+class GreyTable {
+public:
+    explicit GreyTable(const uint8_t* greys) {
+        for (size_t i = 0; i < 256; i += 16) {
+            const __m128i row = Load16(greys + i), before = i % 128 == 0 ? _mm_setzero_si128() : Load16(greys + i - 16);
+            _mm_store_si128(reinterpret_cast<__m128i*>(rows_ + i), _mm_xor_si128(row, before));
         }
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i), picked);
     }
-    return i;
+    [[gnu::always_inline]] __m256i LookUp(const __m256i& levels) const {
+        __m256i low = levels, high = _mm256_xor_si256(levels, _mm256_set1_epi8(static_cast<char>(0x80)));
+        __m256i greys = _mm256_setzero_si256();
+#pragma GCC unroll 8
+        for (size_t row = 0; row < 128; row += 16) {
+            greys = _mm256_xor_si256(greys, _mm256_shuffle_epi8(Row(row), low));
+            greys = _mm256_xor_si256(greys, _mm256_shuffle_epi8(Row(128 + row), high));
+            low = _mm256_subs_epi8(low, _mm256_set1_epi8(16));
+            high = _mm256_subs_epi8(high, _mm256_set1_epi8(16));
+        }
+        return greys;
+    }
+
+private:
+    [[gnu::always_inline]] __m256i Row(size_t first) const {
+        return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(rows_ + first)));
+    }
+    alignas(16) uint8_t rows_[256];
+};
+
+// 32 greys become pixels, the lower half of greys holding the first four of each eight, the upper half the others.
+[[gnu::always_inline]] inline void StoreGreys(uint32_t* to, const __m256i& greys) {
+    const __m256i threefold =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 0, -1, 1, 1, 1, -1, 2, 2, 2, -1, 3, 3, 3, -1));
+    for (int k = 0; k < 4; ++k)
+        Store(to + 8 * k, _mm256_shuffle_epi8(greys, _mm256_add_epi8(threefold, _mm256_set1_epi32(k * 0x040404))));
+}
+
+// Four entries of a table of pixels. Putting them together spares three of four stores.
+[[gnu::always_inline]] inline void StoreFour(uint32_t* to, const uint32_t* table, uint8_t a, uint8_t b, uint8_t c,
+                                             uint8_t d) {
+    __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[a]));
+    v = _mm_insert_epi32(v, static_cast<int>(table[b]), 1);
+    v = _mm_insert_epi32(v, static_cast<int>(table[c]), 2);
+    v = _mm_insert_epi32(v, static_cast<int>(table[d]), 3);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), v);
+}
+
+// Eight picked samples as greys.
+template <size_t kGroup>
+[[gnu::always_inline]] inline __m256i Picked8(const uint8_t* row, Picks picks, size_t i) {
+    const int32_t* const bases = picks.bases + i / kGroup;
+    const __m128i first = Load16(row + bases[0]);
+    const __m256i samples = kGroup == 8
+                                ? _mm256_broadcastsi128_si256(first)
+                                : _mm256_inserti128_si256(_mm256_castsi128_si256(first), Load16(row + bases[1]), 1);
+    return _mm256_shuffle_epi8(samples, _mm256_load_si256(reinterpret_cast<const __m256i*>(picks.shuffles + i)));
+}
+
+// body(to, first) writes kPixels of the picks; what would be written beyond the last one is cut off.
+template <size_t kPixels, class Body>
+[[gnu::always_inline]] inline void ForEachPick(uint32_t* to, size_t n, const Body& body) {
+    size_t i = 0;
+    for (; i + kPixels <= n; i += kPixels) body(to + i, i);
+    if (i == n) return;
+    uint32_t last[kPixels];
+    body(last, i);
+    std::memcpy(to + i, last, (n - i) * sizeof *to);
+}
+
+template <size_t kGroup>
+[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    ForEachPick<16>(to, picks.n, [=](uint32_t* pixels, size_t i) {
+        __builtin_prefetch(next + picks.bases[i / kGroup]);
+        Store(pixels, Picked8<kGroup>(row, picks, i));
+        Store(pixels + 8, Picked8<kGroup>(row, picks, i + 8));
+    });
+}
+
+template <size_t kGroup>
+[[gnu::always_inline]] inline void PickFromTable(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                                                 const GreyTable& table) {
+    ForEachPick<32>(to, picks.n, [=, &table](uint32_t* pixels, size_t i) {
+        const auto levels = [&](size_t k) {
+            return _mm256_and_si256(Picked8<kGroup>(row, picks, i + 8 * k), _mm256_set1_epi32(0xff));
+        };
+        __builtin_prefetch(next + picks.bases[i / kGroup]);
+        __builtin_prefetch(next + picks.bases[(i + 16) / kGroup]);
+        const __m256i low = _mm256_packs_epi32(levels(0), levels(1)), high = _mm256_packs_epi32(levels(2), levels(3));
+        StoreGreys(pixels, table.LookUp(_mm256_packus_epi16(low, high)));
+    });
 }
 
 }  // namespace
 
-void Pick_avx2(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n) {
+void ExpandLevels_avx2(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors) {
     size_t i = 0;
-    if (n >= kPicked) {
-        const int32_t least = columns[0] < columns[n - 1] ? columns[0] : columns[n - 1];
-        const int32_t most = columns[0] < columns[n - 1] ? columns[n - 1] : columns[0];
-        // What evenly spaced columns need; the rest, and others, step by step.
-        const auto reach = static_cast<uint64_t>(most - least) * kPicked / n + 1;
-        if (reach < 16)
-            i = PickFrom<1>(to, row, columns, n, 0, least, most);
-        else if (reach < 32)
-            i = PickFrom<2>(to, row, columns, n, 0, least, most);
-        else if (reach < 48)
-            i = PickFrom<3>(to, row, columns, n, 0, least, most);
-        else if (reach < 64)
-            i = PickFrom<4>(to, row, columns, n, 0, least, most);
+    if (colors.grey) {
+        const GreyTable table(colors.blue);
+        const __m256i order = _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7);
+        for (; i + 32 <= n; i += 32) {
+            const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(levels + i));
+            StoreGreys(to + i, table.LookUp(_mm256_permutevar8x32_epi32(v, order)));
+        }
     }
-    Pick_scalar(to + i, row, columns + i, n - i);
+    for (; i + 8 <= n; i += 8)
+        for (size_t k = i; k < i + 8; k += 4)
+            StoreFour(to + k, colors.pixels, levels[k], levels[k + 1], levels[k + 2], levels[k + 3]);
+    ExpandLevels_scalar(to + i, levels + i, n - i, colors);
+}
+
+void PickGrey_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    if (picks.shape.group == 8)
+        PickGreys<8>(to, row, picks, next);
+    else if (picks.shape.group == 4)
+        PickGreys<4>(to, row, picks, next);
+    else
+        PickGrey_scalar(to, row, picks, next);
+}
+
+void PickLevels_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors) {
+    if (colors.grey && picks.shape.group == 8) return PickFromTable<8>(to, row, picks, next, GreyTable(colors.blue));
+    if (colors.grey && picks.shape.group == 4) return PickFromTable<4>(to, row, picks, next, GreyTable(colors.blue));
+    size_t i = 0;
+    for (; i + 16 <= picks.n; i += 16) {
+        __builtin_prefetch(next + picks.columns[i]);
+        for (size_t k = i; k < i + 16; k += 4) {
+            const int32_t* const at = picks.columns + k;
+            StoreFour(to + k, colors.pixels, row[at[0]], row[at[1]], row[at[2]], row[at[3]]);
+        }
+    }
+    for (; i < picks.n; ++i) to[i] = colors.pixels[row[picks.columns[i]]];
+}
+
+void PickPixels_avx2(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next) {
+    if (picks.shape == kUngrouped) {
+        for (size_t i = 0; i < picks.n; ++i) {
+            if (i % 2 == 0) __builtin_prefetch(next + picks.columns[i]);
+            to[i] = row[picks.columns[i]];
+        }
+        return;
+    }
+    ForEachPick<8>(to, picks.n, [=](uint32_t* eight, size_t i) {
+        const int32_t* const bases = picks.bases + i / 4;
+        __builtin_prefetch(next + bases[0]);
+        for (size_t k = 0; k < 2; ++k) {
+            const __m256i from = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(row + bases[k]));
+            const __m128i index = _mm_load_si128(reinterpret_cast<const __m128i*>(picks.shuffles + i + 4 * k));
+            const __m256i four = _mm256_permutevar8x32_epi32(from, _mm256_castsi128_si256(index));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(eight + 4 * k), _mm256_castsi256_si128(four));
+        }
+    });
 }
 
 void WeighRows_avx2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n) {

@@ -6,17 +6,14 @@ namespace {
 
 constexpr size_t kLanes = 64;
 
-// Byte permutations: Threefold(k) takes pixels 16 k .. 16 k + 15 of 64 bytes and repeats each three times; kApart sets 16
-// triples apart. The fourth byte of a pixel is masked off.
+// Byte permutations: threefold[k] takes pixels 16 k .. 16 k + 15 of 64 bytes and repeats each three times. The fourth byte of
+// a pixel is masked off.
 struct Indices {
     uint8_t threefold[4][64];
-    uint8_t apart[64];
     uint32_t turned[16];  // double words of a 4 x 4 matrix, transposed
-    constexpr Indices() : threefold(), apart(), turned() {
-        for (int i = 0; i < 64; ++i) {
+    constexpr Indices() : threefold(), turned() {
+        for (int i = 0; i < 64; ++i)
             for (int k = 0; k < 4; ++k) threefold[k][i] = static_cast<uint8_t>(16 * k + i / 4);
-            apart[i] = static_cast<uint8_t>(i / 4 * 3 + i % 4);
-        }
         for (int i = 0; i < 16; ++i) turned[i] = static_cast<uint32_t>(i % 4 * 4 + i / 4);
     }
 };
@@ -40,13 +37,17 @@ constexpr __mmask64 kColorBytes = 0x7777777777777777;
                   n - 16 * k);
 }
 
+// 64 bytes in the order in which WriteColor wants them.
+[[gnu::always_inline]] inline __m512i Turned(const __m512i& v) {
+    return _mm512_permutexvar_epi32(_mm512_loadu_si512(kIndices.turned), v);
+}
+
+// 1 <= n <= 64
 [[gnu::always_inline]] inline void WriteColor(uint32_t* to, const __m512i& red, const __m512i& green,
                                               const __m512i& blue, size_t n) {
-    const __m512i turned = _mm512_loadu_si512(kIndices.turned), zero = _mm512_setzero_si512();
-    const __m512i r = _mm512_permutexvar_epi32(turned, red), g = _mm512_permutexvar_epi32(turned, green),
-                  b = _mm512_permutexvar_epi32(turned, blue);
-    const __m512i low = _mm512_unpacklo_epi8(b, g), high = _mm512_unpackhi_epi8(b, g);
-    const __m512i lowRed = _mm512_unpacklo_epi8(r, zero), highRed = _mm512_unpackhi_epi8(r, zero);
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i low = _mm512_unpacklo_epi8(blue, green), high = _mm512_unpackhi_epi8(blue, green);
+    const __m512i lowRed = _mm512_unpacklo_epi8(red, zero), highRed = _mm512_unpackhi_epi8(red, zero);
     Store(to, _mm512_unpacklo_epi16(low, lowRed), n);
     if (n > 16) Store(to + 16, _mm512_unpackhi_epi16(low, lowRed), n - 16);
     if (n > 32) Store(to + 32, _mm512_unpacklo_epi16(high, highRed), n - 32);
@@ -87,76 +88,80 @@ void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n) {
 void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors) {
     const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
     ForEach64(n, [&](size_t i, size_t count) {
-        const __m512i v = Load(levels + i, count);
+        const __m512i v = Turned(Load(levels + i, count));
         WriteColor(to + i, LookUp(red, v), LookUp(green, v), LookUp(blue, v), count);
     });
 }
 
 void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n) {
     ForEach64(n, [&](size_t i, size_t count) {
-        WriteColor(to + i, Load(red + i, count), Load(green + i, count), Load(blue + i, count), count);
+        WriteColor(to + i, Turned(Load(red + i, count)), Turned(Load(green + i, count)), Turned(Load(blue + i, count)),
+                   count);
     });
-}
-
-void ExpandTriples_avx512(uint32_t* to, const uint8_t* triples, size_t n) {
-    const __m512i apart = _mm512_loadu_si512(kIndices.apart);
-    for (size_t i = 0; i < n; i += 16) {
-        const size_t count = n - i < 16 ? n - i : 16;
-        const __m512i bytes = _mm512_maskz_loadu_epi8(First(3 * count), triples + 3 * i);
-        Store(to + i, _mm512_maskz_permutexvar_epi8(kColorBytes, apart, bytes), count);
-    }
 }
 
 namespace {
 
-[[gnu::always_inline]] inline __m512i Joined(const __m256i& low, const __m256i& high) {
-    return _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+// A group of picked samples. The permutation ignores the bits of its indices beyond the window.
+template <int32_t kWindow>
+[[gnu::always_inline]] inline __m512i Permuted(const uint8_t* from, const __m512i& index, __mmask64 kept) {
+    if constexpr (kWindow == 64)
+        return _mm512_maskz_permutexvar_epi8(kept, index, _mm512_loadu_si512(from));
+    else
+        return _mm512_maskz_permutex2var_epi8(kept, _mm512_loadu_si512(from), index, _mm512_loadu_si512(from + 64));
 }
-[[gnu::always_inline]] inline __m512i Words(const int32_t* columns, const __m512i& from) {
-    return Joined(_mm512_cvtepi32_epi16(_mm512_sub_epi32(_mm512_loadu_si512(columns), from)),
-                  _mm512_cvtepi32_epi16(_mm512_sub_epi32(_mm512_loadu_si512(columns + 16), from)));
+
+template <int32_t kWindow>
+[[gnu::always_inline]] inline void Fetch(const uint8_t* from) {
+    for (int32_t i = 0; i < kWindow; i += 64) __builtin_prefetch(from + i);
 }
-[[gnu::always_inline]] inline __m512i Bytes(const __m512i& low, const __m512i& high) {
-    return Joined(_mm512_cvtepi16_epi8(low), _mm512_cvtepi16_epi8(high));
+
+template <int32_t kWindow>
+[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    for (size_t i = 0; i < picks.n; i += 16) {
+        Fetch<kWindow>(next + picks.bases[i / 16]);
+        const __m512i index = _mm512_load_si512(picks.shuffles + i);
+        Store(to + i, Permuted<kWindow>(row + picks.bases[i / 16], index, kColorBytes), picks.n - i);
+    }
+}
+
+template <int32_t kWindow>
+[[gnu::always_inline]] inline void PickColors(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                                              const LevelColors& colors) {
+    const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
+    ForEach64(picks.n, [&](size_t i, size_t count) {
+        __m128i parts[4];
+        for (size_t k = 0; k < 4; ++k) {
+            Fetch<kWindow>(next + picks.bases[i / 16 + k]);
+            const __m128i index = _mm512_cvtepi32_epi8(_mm512_load_si512(picks.shuffles + i + 16 * k));
+            parts[k] = _mm512_castsi512_si128(
+                Permuted<kWindow>(row + picks.bases[i / 16 + k], _mm512_castsi128_si512(index), 0xffff));
+        }
+        const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(parts[0]), parts[1], 1);
+        const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(parts[2]), parts[3], 1);
+        const __m512i levels = Turned(_mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1));
+        WriteColor(to + i, LookUp(red, levels), LookUp(green, levels), LookUp(blue, levels), count);
+    });
 }
 
 }  // namespace
 
-// 64 columns that lie within 512 bytes come out of permutations of 128 bytes each.
-void Pick_avx512(uint8_t* to, const uint8_t* row, const int32_t* columns, size_t n) {
-    size_t i = 0;
-    if (n >= kLanes) {
-        const int32_t least = columns[0] < columns[n - 1] ? columns[0] : columns[n - 1];
-        const int32_t most = columns[0] < columns[n - 1] ? columns[n - 1] : columns[0];
-        for (; i + kLanes <= n; i += kLanes) {
-            const int32_t first = columns[i], last = columns[i + kLanes - 1];
-            int32_t base = first < last ? first : last;
-            const int32_t windows = ((first < last ? last : first) - base) / 128 + 1;
-            if (windows > 4 || most - least < 128 * windows - 1) {
-                Pick_scalar(to + i, row, columns + i, kLanes);
-                continue;
-            }
-            if (base > most + 1 - 128 * windows) base = most + 1 - 128 * windows;  // never beyond the last column
-            // Sixteen bits hold the distances; the low byte picks, the others tell the window.
-            const __m512i from = _mm512_set1_epi32(base);
-            const __m512i low = Words(columns + i, from), high = Words(columns + i + 32, from);
-            const __m512i index = Bytes(low, high);
-            __m512i picked =
-                _mm512_permutex2var_epi8(_mm512_loadu_si512(row + base), index, _mm512_loadu_si512(row + base + 64));
-            if (windows > 1) {
-                const __m512i window = Bytes(_mm512_srli_epi16(low, 7), _mm512_srli_epi16(high, 7));
-                for (int32_t k = 1; k < windows; ++k) {
-                    const uint8_t* const at = row + base + 128 * k;
-                    const __mmask64 here = _mm512_cmpeq_epi8_mask(window, _mm512_set1_epi8(static_cast<char>(k)));
-                    picked = _mm512_mask_mov_epi8(
-                        picked, here,
-                        _mm512_permutex2var_epi8(_mm512_loadu_si512(at), index, _mm512_loadu_si512(at + 64)));
-                }
-            }
-            _mm512_storeu_si512(to + i, picked);
-        }
-    }
-    Pick_scalar(to + i, row, columns + i, n - i);
+void PickGrey_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+    if (picks.shape.window == 64)
+        PickGreys<64>(to, row, picks, next);
+    else if (picks.shape.window == 128)
+        PickGreys<128>(to, row, picks, next);
+    else
+        PickGrey_scalar(to, row, picks, next);
+}
+
+void PickLevels_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors) {
+    if (picks.shape.window == 64)
+        PickColors<64>(to, row, picks, next, colors);
+    else if (picks.shape.window == 128)
+        PickColors<128>(to, row, picks, next, colors);
+    else
+        PickLevels_scalar(to, row, picks, next, colors);
 }
 
 void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
+#include "display/pick_plan.hpp"
 #include "display/raster_kernels.hpp"
 #include "display/smooth_axis.hpp"
+#include "process/look_ahead.hpp"
 #include "process/point_operations.hpp"
 
 namespace orlix {
@@ -45,11 +48,13 @@ private:
 LevelColors ColorsOf(const RasterPicture& picture) {
     LevelColors colors = {};
     if (picture.layout != Layout::Levels) return colors;
+    colors.grey = true;
     for (size_t i = 0; i < 256; ++i) {
         colors.pixels[i] = picture.colors[i] & 0xffffff;
         colors.red[i] = static_cast<uint8_t>(picture.colors[i] >> 16);
         colors.green[i] = static_cast<uint8_t>(picture.colors[i] >> 8);
         colors.blue[i] = static_cast<uint8_t>(picture.colors[i]);
+        colors.grey = colors.grey && colors.pixels[i] == colors.blue[i] * 0x010101u;
     }
     return colors;
 }
@@ -62,54 +67,55 @@ public:
           colors_(ColorsOf(picture)),
           tables_{PointOperation<uint8_t>::LookUp(colors_.red), PointOperation<uint8_t>::LookUp(colors_.green),
                   PointOperation<uint8_t>::LookUp(colors_.blue)} {
-        grey_ = picture.layout == Layout::Levels;
-        ramp_ = grey_;
-        for (uint32_t i = 0; i < 256; ++i) {
-            grey_ = grey_ && colors_.pixels[i] == colors_.blue[i] * 0x010101u;
-            ramp_ = ramp_ && colors_.pixels[i] == i * 0x010101u;
-        }
+        ramp_ = colors_.grey;
+        for (uint32_t i = 0; i < 256; ++i) ramp_ = ramp_ && colors_.blue[i] == i;
     }
 
     // 1 when all channels are equal.
-    size_t channels() const { return grey_ ? 1 : 3; }
+    size_t channels() const { return colors_.grey ? 1 : 3; }
 
-    // Columns first .. first + n - 1.
-    void Expand(uint32_t* to, int32_t row, int32_t first, size_t n) const {
-        if (picture_.layout == Layout::Levels)
-            ExpandLevels(to, RowOf(row) + first, n);
-        else
-            expandTriples_(to, RowOf(row) + 3 * ptrdiff_t{first}, n);
+    // Columns first .. first + n - 1. next is the row that will follow, for either kind of columns.
+    void Expand(uint32_t* to, int32_t row, int32_t first, size_t n, int32_t next) const {
+        if (picture_.layout == Layout::Pixels) {
+            for (size_t i = 0; i < n; i += kCacheLine / sizeof *to) __builtin_prefetch(PixelsOf(next) + first + i);
+            std::memcpy(to, PixelsOf(row) + first, n * sizeof *to);
+        } else if (ramp_) {
+            expandGrey_(to, RowOf(row) + first, n);
+        } else {
+            expandLevels_(to, RowOf(row) + first, n, colors_);
+        }
     }
 
-    // Columns in any monotone order. scratch holds a byte a column.
-    void ExpandPicked(uint32_t* to, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
-        const size_t n = columns.size();
-        if (picture_.layout == Layout::Levels) {
-            pick_(scratch, RowOf(row), columns.data(), n);
-            ExpandLevels(to, scratch, n);
-            return;
-        }
-        const uint8_t* const triples = RowOf(row);
-        for (size_t i = 0; i < n; ++i) {
-            const uint8_t* const at = triples + 3 * ptrdiff_t{columns[i]};
-            to[i] = uint32_t{at[2]} << 16 | uint32_t{at[1]} << 8 | at[0];
-        }
+    // Columns in any monotone order, for ExpandPicked.
+    PickPlan Plan(std::vector<int32_t> columns) const {
+        return {std::move(columns), picture_.width,
+                picture_.layout == Layout::Pixels ? pickPixels_.shapes
+                : ramp_                           ? pickGrey_.shapes
+                                                  : pickLevels_.shapes};
+    }
+    void ExpandPicked(uint32_t* to, int32_t row, const Picks& picks, int32_t next) const {
+        if (picture_.layout == Layout::Pixels)
+            pickPixels_.fn(to, PixelsOf(row), picks, PixelsOf(next));
+        else if (ramp_)
+            pickGrey_.fn(to, RowOf(row), picks, RowOf(next));
+        else
+            pickLevels_.fn(to, RowOf(row), picks, RowOf(next), colors_);
     }
 
     // One channel (0 red, 1 green, 2 blue) of ascending columns: a pointer into the picture, or to scratch (a byte a column).
     const uint8_t* Channel(size_t channel, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
         const size_t n = columns.size();
         const bool dense = columns.back() - columns.front() == static_cast<int32_t>(n) - 1;
-        if (picture_.layout == Layout::Triples) {
-            const uint8_t* const triples = RowOf(row) + (2 - channel);
-            for (size_t i = 0; i < n; ++i) scratch[i] = triples[3 * ptrdiff_t{columns[i]}];
+        if (picture_.layout == Layout::Pixels) {
+            const uint32_t* const pixels = PixelsOf(row);
+            for (size_t i = 0; i < n; ++i) scratch[i] = static_cast<uint8_t>(pixels[columns[i]] >> (16 - 8 * channel));
             return scratch;
         }
         const uint8_t* samples = RowOf(row);
         if (dense) {
             samples += columns.front();
         } else {
-            pick_(scratch, samples, columns.data(), n);
+            for (size_t i = 0; i < n; ++i) scratch[i] = samples[columns[i]];
             samples = scratch;
         }
         if (ramp_) return samples;
@@ -128,27 +134,18 @@ public:
 
 private:
     const uint8_t* RowOf(int32_t row) const { return picture_.samples + ptrdiff_t{row} * picture_.stride; }
-    void ExpandLevels(uint32_t* to, const uint8_t* levels, size_t n) const {
-        if (ramp_) return expandGrey_(to, levels, n);
-        if (!grey_) return expandLevels_(to, levels, n, colors_);
-        uint8_t part[2048];
-        for (size_t i = 0; i < n; i += sizeof part) {
-            const size_t count = std::min(n - i, sizeof part);
-            std::memcpy(part, levels + i, count);
-            tables_[0](part, count);
-            expandGrey_(to + i, part, count);
-        }
-    }
+    const uint32_t* PixelsOf(int32_t row) const { return reinterpret_cast<const uint32_t*>(RowOf(row)); }
 
     const RasterPicture& picture_;
     LevelColors colors_;  // of levels, as all up to ramp_
     PointOperation<uint8_t> tables_[3];
-    bool grey_, ramp_;  // ramp: each level is its own grey
+    bool ramp_;  // each level is its own grey
     ExpandGreyFn expandGrey_ = Choose(kExpandGrey);
     ExpandLevelsFn expandLevels_ = Choose(kExpandLevels);
     ExpandPlanesFn expandPlanes_ = Choose(kExpandPlanes);
-    ExpandTriplesFn expandTriples_ = Choose(kExpandTriples);
-    PickFn pick_ = Choose(kPick);
+    Picking<PickGreyFn> pickGrey_ = Choose(kPickGrey);
+    Picking<PickLevelsFn> pickLevels_ = Choose(kPickLevels);
+    Picking<PickPixelsFn> pickPixels_ = Choose(kPickPixels);
 };
 
 // Channels of some columns of rows. The last two rows are kept, which neighbours on the surface mostly share.
@@ -276,24 +273,22 @@ void RasterSurface::DrawNearest(const RasterPicture& picture, const Rectangle& s
     const Rows rows(picture);
     const Axis alongX(source.x, source.width, dest.x, dest.width), alongY(source.y, source.height, dest.y, dest.height);
     const auto n = static_cast<size_t>(visible.width);
-    std::vector<int32_t> columns;
-    std::vector<uint8_t> scratch;
-    if (!alongX.straight()) {
-        columns.resize(n);
-        scratch.resize(n);
-        for (size_t i = 0; i < n; ++i) columns[i] = alongX.Nearest(visible.x + static_cast<int64_t>(i));
-    }
+    std::vector<int32_t> columns(alongX.straight() ? 0 : n);
+    for (size_t i = 0; i < columns.size(); ++i) columns[i] = alongX.Nearest(visible.x + static_cast<int64_t>(i));
+    const PickPlan plan = rows.Plan(std::move(columns));
+    const Picks picks = plan.picks();
     const int32_t firstColumn = alongX.Nearest(visible.x);
     int32_t previous = -1;
     for (int64_t y = visible.y; y < visible.bottom(); ++y) {
         uint32_t* const to = PixelAt(visible.x, y);
         const int32_t row = alongY.Nearest(y);
+        const int32_t next = alongY.Nearest(std::min(y + 1, visible.bottom() - 1));
         if (row == previous)
             std::memcpy(to, PixelAt(visible.x, y - 1), n * sizeof *to);
         else if (alongX.straight())
-            rows.Expand(to, row, firstColumn, n);
+            rows.Expand(to, row, firstColumn, n, next);
         else
-            rows.ExpandPicked(to, row, columns, scratch.data());
+            rows.ExpandPicked(to, row, picks, next);
         previous = row;
     }
 }

@@ -17,8 +17,8 @@ constexpr uint32_t PixelOfColor(uint32_t color) {
 // the row below it, and may be negative.
 struct RasterPicture {
     enum class Layout : uint8_t {
-        Levels,   // one byte a pixel, which colors[byte] (256 entries, 0x00RRGGBB, high byte ignored) shows
-        Triples,  // three bytes a pixel: blue, green, red
+        Levels,  // one byte a pixel, which colors[byte] (256 entries, 0x00RRGGBB, high byte ignored) shows
+        Pixels,  // four bytes a pixel, aligned to four: 0x00RRGGBB
     };
     Layout layout;
     const uint8_t* samples;  // of the top row

@@ -152,6 +152,15 @@ TEST(PictureOnDevice, ShowsThreeBandsInColour) {
     ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 0, 0, 3, 2));
     EXPECT_EQ(0x053769u, canvas.at(0, 0));
     EXPECT_EQ(0x194b7du, canvas.at(2, 1));
+    void* bits = nullptr;
+    void* section = nullptr;
+    ASSERT_EQ(S_OK, picture.zoom->CreateDIBSection(&bits, &section));
+    DIBSECTION description = {};
+    ASSERT_TRUE(GetObjectW(section, sizeof description, &description));
+    EXPECT_EQ(32, description.dsBmih.biBitCount);
+    EXPECT_EQ(static_cast<DWORD>(BI_RGB), description.dsBmih.biCompression);
+    EXPECT_EQ(0x194b7du, static_cast<uint32_t*>(bits)[2]);
+    DeleteObject(section);
 }
 
 TEST(PictureOnDevice, TakesLogicalCoordinatesAndLeavesTheContextAsItWas) {

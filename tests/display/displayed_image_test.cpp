@@ -73,8 +73,8 @@ TEST(DisplayBitmap, ShowsThreeBandsInColourOrTheBandThatIsChosen) {
         LONG bands, band;
         int32_t bits;
         Levels top, bottom;
-    } cases[] = {{3, BI_AllBands, 24, {200, 100, 0, 201, 101, 1, 0, 0}, {210, 110, 10, 211, 111, 11, 0, 0}},
-                 {4, BI_AllBands, 24, {200, 100, 0, 201, 101, 1, 0, 0}, {210, 110, 10, 211, 111, 11, 0, 0}},
+    } cases[] = {{3, BI_AllBands, 32, {200, 100, 0, 0, 201, 101, 1, 0}, {210, 110, 10, 0, 211, 111, 11, 0}},
+                 {4, BI_AllBands, 32, {200, 100, 0, 0, 201, 101, 1, 0}, {210, 110, 10, 0, 211, 111, 11, 0}},
                  {2, BI_AllBands, 8, {0, 1, 0, 0}, {10, 11, 0, 0}},
                  {1, BI_AllBands, 8, {0, 1, 0, 0}, {10, 11, 0, 0}},
                  {3, 2, 8, {200, 201, 0, 0}, {210, 211, 0, 0}},

@@ -18,6 +18,16 @@ LevelColors SomeColors() {
     return colors;
 }
 
+LevelColors SomeGreys() {
+    LevelColors colors = {};
+    colors.grey = true;
+    for (uint32_t i = 0; i < 256; ++i) {
+        colors.red[i] = colors.green[i] = colors.blue[i] = static_cast<uint8_t>(37 * i + 11);
+        colors.pixels[i] = colors.blue[i] * 0x010101u;
+    }
+    return colors;
+}
+
 // call(fn, to, source) writes n pixels from samplesPerPixel n bytes.
 template <class Table, class Call>
 void ExpectEqualVariants(const Table& table, size_t samplesPerPixel, const Call& call) {
@@ -36,14 +46,12 @@ void ExpectEqualVariants(const Table& table, size_t samplesPerPixel, const Call&
 
 TEST(RasterKernel, EveryVariantOfExpandingEqualsTheDefinition) {
     ExpectEqualVariants(kExpandGrey, 1, [](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n); });
-    const LevelColors colors = SomeColors();
-    ExpectEqualVariants(kExpandLevels, 1,
-                        [&](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n, colors); });
+    for (const LevelColors& colors : {SomeColors(), SomeGreys()})
+        ExpectEqualVariants(kExpandLevels, 1,
+                            [&](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n, colors); });
     ExpectEqualVariants(kExpandPlanes, 3, [](auto fn, uint32_t* to, const uint8_t* from, size_t n) {
         fn(to, from, from + n, from + 2 * n, n);
     });
-    ExpectEqualVariants(kExpandTriples, 3,
-                        [](auto fn, uint32_t* to, const uint8_t* from, size_t n) { fn(to, from, n); });
 }
 
 TEST(RasterKernel, EveryVariantOfWeighingEqualsTheDefinition) {
@@ -112,34 +120,85 @@ TEST(RasterKernel, KnownPixels) {
     EXPECT_EQ(0x121212u, pixel);
     ExpandPlanes_scalar(&pixel, samples, samples + 1, samples + 2, 1);
     EXPECT_EQ(0x123456u, pixel);
-    ExpandTriples_scalar(&pixel, samples, 1);
-    EXPECT_EQ(0x563412u, pixel);
+    const int32_t third = 2;
+    const Picks picks{&third, 1, kUngrouped, nullptr, nullptr};
+    PickGrey_scalar(&pixel, samples, picks, samples);
+    EXPECT_EQ(0x565656u, pixel);
+    PickLevels_scalar(&pixel, samples, picks, samples, SomeColors());
+    EXPECT_EQ(0xa95a0cu, pixel);
+    const uint32_t pixels[] = {1, 2, 3};
+    PickPixels_scalar(&pixel, pixels, picks, pixels);
+    EXPECT_EQ(3u, pixel);
     uint32_t sum = 5;
     WeighRows_scalar(&sum, samples, 2, samples + 1, 3, 1);
     EXPECT_EQ(5u + 2 * 0x12 + 3 * 0x34, sum);
 }
 
-// Guards begin right before the first and right behind the last byte that may be read.
-TEST(RasterKernel, EveryVariantOfPickingTakesTheColumnsAndReadsNoOthers) {
-    for (const auto& variant : SupportedOnThisCpu(kPick))
+// Every variant against the columns one by one. Rows end with the last sample that may be read.
+template <class Sample, class Table, class Call>
+void ExpectPicked(const Table& table, const Call& call) {
+    for (const auto& variant : SupportedOnThisCpu(table))
         for (const size_t n : kAwkwardSizes)
-            for (const size_t perMille : {0, 3, 250, 999, 1000, 1001, 1900, 2000, 3790, 4000, 5200, 7990, 8000, 30000})
-                for (const bool falling : {false, true}) {
-                    if (n == 0) continue;
-                    std::vector<int32_t> columns(n);
-                    for (size_t i = 0; i < n; ++i) columns[i] = static_cast<int32_t>(i * perMille / 1000);
-                    const auto readable = static_cast<size_t>(columns.back()) + 1;
-                    if (falling) std::reverse(columns.begin(), columns.end());
-                    // A copy of exactly these bytes, so that tools which watch memory see any other access.
-                    const std::vector<uint8_t> row = Noise<uint8_t>(readable, static_cast<uint32_t>(n + perMille));
-                    const std::vector<uint8_t> before(n);
-                    Guarded<uint8_t> got(before, n % 3);
-                    variant.fn(got.data(), row.data(), columns.data(), n);
-                    for (size_t i = 0; i < n; ++i)
-                        ASSERT_EQ(row[static_cast<size_t>(columns[i])], got.data()[i])
-                            << variant.name << ", " << n << " at " << perMille << ", pixel " << i;
-                    ASSERT_TRUE(got.GuardsIntact()) << variant.name;
-                }
+            for (const size_t perMille : {0, 3, 250, 999, 1000, 2000, 2133, 2400, 4000, 4260, 5200, 7990, 9000, 30000})
+                for (const size_t beyond : {0, 1, 200})
+                    for (const bool falling : {false, true}) {
+                        std::vector<int32_t> columns(n);
+                        for (size_t i = 0; i < n; ++i)
+                            columns[i] = static_cast<int32_t>(beyond / 2 + i * perMille / 1000);
+                        const size_t length = (n == 0 ? 1 : static_cast<size_t>(columns.back()) + 1) + beyond;
+                        if (falling) std::reverse(columns.begin(), columns.end());
+                        // A copy of exactly these samples, so that tools which watch memory see any other access.
+                        std::vector<Sample> row = Noise<Sample>(length, static_cast<uint32_t>(n + perMille));
+                        row.shrink_to_fit();
+                        const PickPlan plan(columns, static_cast<int32_t>(length), variant.fn.shapes);
+                        Guarded<uint32_t> got(std::vector<uint32_t>(n), n % 3);
+                        call(variant.fn.fn, got.data(), row.data(), plan.picks());
+                        std::vector<uint32_t> want(n);
+                        const Picks ungrouped{columns.data(), n, kUngrouped, nullptr, nullptr};
+                        call(std::rbegin(table)->fn.fn, want.data(), row.data(), ungrouped);
+                        ASSERT_TRUE(SameBits(want.data(), got.data(), n))
+                            << variant.name << ", " << n << " at " << perMille << ", " << length << " samples";
+                        ASSERT_TRUE(got.GuardsIntact()) << variant.name;
+                    }
+}
+
+TEST(RasterKernel, EveryVariantOfPickingEqualsTheDefinition) {
+    ExpectPicked<uint8_t>(kPickGrey,
+                          [](auto fn, uint32_t* to, const uint8_t* row, const Picks& p) { fn(to, row, p, row); });
+    for (const LevelColors& colors : {SomeColors(), SomeGreys()})
+        ExpectPicked<uint8_t>(kPickLevels, [&](auto fn, uint32_t* to, const uint8_t* row, const Picks& picks) {
+            fn(to, row, picks, row, colors);
+        });
+    ExpectPicked<uint32_t>(
+        kPickPixels, [](auto fn, uint32_t* to, const uint32_t* row, const Picks& picks) { fn(to, row, picks, row); });
+}
+
+TEST(PickPlan, TakesTheFirstShapeThatTheColumnsAreCloseEnoughFor) {
+    using Shapes = std::vector<PickShape>;
+    const Shapes wide{{16, 64}, {16, 128}}, narrow{{8, 16}, {4, 16}};
+    const struct {
+        int32_t step, rowLength;
+        const Shapes& shapes;
+        PickShape expected;
+    } cases[] = {{4, 1000, wide, {16, 64}},                                // 61 samples
+                 {5, 1000, wide, {16, 128}},  {8, 1000, wide, {16, 128}},  // 121
+                 {9, 1000, wide, kUngrouped}, {2, 1000, narrow, {8, 16}},    {3, 1000, narrow, {4, 16}},
+                 {5, 1000, narrow, {4, 16}},  {6, 1000, narrow, kUngrouped}, {1, 64, wide, {16, 64}},
+                 {1, 63, wide, kUngrouped}};  // the row is shorter
+    for (const auto& c : cases) {
+        std::vector<int32_t> columns(20);
+        for (int32_t i = 0; i < 20; ++i) columns[static_cast<size_t>(i)] = i * c.step;
+        EXPECT_EQ(c.expected, PickPlan(columns, c.rowLength, c.shapes).picks().shape) << c.step << ", " << c.rowLength;
+    }
+    const Shapes pixels{{4, 8}};
+    const PickPlan plan({9, 7, 7, 5, 3}, 10, pixels);
+    const Picks picks = plan.picks();
+    ASSERT_EQ(8, picks.shape.window);
+    EXPECT_EQ(2, picks.bases[0]) << "no further than the row";
+    EXPECT_EQ(2, picks.bases[1]);
+    EXPECT_EQ(0x80070707u, picks.shuffles[0]);
+    EXPECT_EQ(0x80010101u, picks.shuffles[4]);
+    EXPECT_EQ(0x80010101u, picks.shuffles[63]);
 }
 
 }  // namespace

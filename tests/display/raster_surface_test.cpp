@@ -45,8 +45,8 @@ private:
     uint32_t* first_;
 };
 
-enum class Kind { Ramp, Grey, Colors, Triples };
-constexpr Kind kKinds[] = {Kind::Ramp, Kind::Grey, Kind::Colors, Kind::Triples};
+enum class Kind { Ramp, Grey, Colors, Pixels };
+constexpr Kind kKinds[] = {Kind::Ramp, Kind::Grey, Kind::Colors, Kind::Pixels};
 
 // A noise picture of each layout, and the pixels it shows.
 struct Picture {
@@ -56,14 +56,14 @@ struct Picture {
     uint32_t at(int64_t x, int64_t y) const {
         const auto sample = [&](int64_t i) { return view.samples[y * view.stride + i]; };
         if (view.layout == RasterPicture::Layout::Levels) return colors[sample(x)] & 0xffffff;
-        return uint32_t{sample(3 * x + 2)} << 16 | uint32_t{sample(3 * x + 1)} << 8 | sample(3 * x);
+        return uint32_t{sample(4 * x + 2)} << 16 | uint32_t{sample(4 * x + 1)} << 8 | sample(4 * x);
     }
 };
 
 Picture Noise(Kind kind, int32_t width, int32_t height) {
     std::mt19937 random(static_cast<uint32_t>(width * 31 + height));
     Picture picture;
-    const ptrdiff_t stride = 3 * width + 5;
+    const ptrdiff_t stride = 4 * width + 4;
     picture.samples.resize(static_cast<size_t>(stride * height));
     for (uint8_t& sample : picture.samples) sample = static_cast<uint8_t>(random());
     for (uint32_t i = 0; i < 256; ++i)
@@ -74,7 +74,10 @@ Picture Noise(Kind kind, int32_t width, int32_t height) {
     // Levels bottom-up.
     const uint8_t* const last = picture.samples.data() + stride * (height - 1);
     picture.view = {Layout::Levels, last, -stride, width, height, picture.colors.data()};
-    if (kind == Kind::Triples) picture.view = {Layout::Triples, picture.samples.data(), stride, width, height, nullptr};
+    if (kind == Kind::Pixels) {
+        for (size_t i = 3; i < picture.samples.size(); i += 4) picture.samples[i] = 0;
+        picture.view = {Layout::Pixels, picture.samples.data(), stride, width, height, nullptr};
+    }
     return picture;
 }
 

@@ -1,0 +1,55 @@
+// The columns that a drawing takes from every row, worked out once for all rows.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace orlix {
+
+// Neighbouring columns that a kernel takes out of so many samples of a row at once.
+struct PickShape {
+    size_t group;  // a power of two up to kPickBlock
+    int32_t window;
+    bool operator==(const PickShape&) const = default;
+};
+inline constexpr PickShape kUngrouped = {0, 0};
+
+inline constexpr size_t kPickBlock = 64;
+
+// What kernels see of a plan. Notes:
+//  (1) The columns do not decrease, or do not increase.
+//  (2) Unless ungrouped, group number g, columns g group .. (g + 1) group - 1, lies within window samples that begin at bases[g] and
+//      lie inside the row. Shuffles tell where: 0x80VVVVVV, V the distance from the base. They and the bases go on up to a
+//      multiple of kPickBlock columns as if the last column was repeated. Shuffles are aligned to 64 bytes.
+struct Picks {
+    const int32_t* columns;
+    size_t n;
+    PickShape shape;
+    const int32_t* bases;
+    const uint32_t* shuffles;
+};
+
+class PickPlan {
+public:
+    // For rows of so many samples. Takes the first of the shapes that all columns are close enough for, or none.
+    PickPlan(std::vector<int32_t> columns, int32_t rowLength, std::span<const PickShape> shapes);
+
+    // Valid while the plan lives.
+    Picks picks() const;
+
+private:
+    struct alignas(64) Block {
+        uint32_t shuffles[kPickBlock];
+    };
+
+    bool Group(int32_t rowLength, const PickShape& shape);
+
+    std::vector<int32_t> columns_;
+    PickShape shape_ = kUngrouped;
+    std::vector<int32_t> bases_;
+    std::vector<Block> blocks_;
+};
+
+}  // namespace orlix
