@@ -65,8 +65,8 @@ TEST_F(ModuleFile, ExportsTheFiveEntryPointsUnderTheirPlainNames) {
 }
 
 TEST_F(ModuleFile, ImportsLibrariesOfTheSystemOnly) {
-    const std::set<std::string> system = {"advapi32.dll", "gdi32.dll",    "kernel32.dll", "msvcrt.dll",
-                                          "ole32.dll",    "oleaut32.dll", "user32.dll"};
+    const std::set<std::string> system = {"advapi32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll",
+                                          "msvfw32.dll",  "ole32.dll", "oleaut32.dll", "user32.dll"};
     for (std::string name : LoadedFile(ModuleUnderTest()).Imports()) {
         std::transform(name.begin(), name.end(), name.begin(),
                        [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });

@@ -63,6 +63,8 @@ public:
                 return "unsigned char";
             case VT_UI2:
                 return "unsigned short";
+            case VT_UINT:
+                return "unsigned int";
             case VT_UI4:
                 return "unsigned long";
             case VT_BSTR:
