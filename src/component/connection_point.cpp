@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include "component/module_lock.hpp"
+
 namespace orlix {
 namespace {
 
@@ -24,7 +26,9 @@ CONNECTDATA Counted(const std::pair<DWORD, ComPtr<IUnknown>>& connection) {
 template <class Interface, class Out, class Element>
 class Enumerator final : public Interface {
 public:
-    explicit Enumerator(std::vector<Element> elements, size_t next = 0) : elements_(std::move(elements)), next_(next) {}
+    explicit Enumerator(std::vector<Element> elements, size_t next = 0) : elements_(std::move(elements)), next_(next) {
+        LockModule();
+    }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
         if (!object) return E_POINTER;
@@ -69,7 +73,7 @@ public:
     }
 
 private:
-    ~Enumerator() = default;
+    ~Enumerator() { UnlockModule(); }
 
     std::atomic<ULONG> references_{1};
     std::vector<Element> elements_;

@@ -246,6 +246,24 @@ TEST(Factories, AnObjectMadeByAMethodLocksTheModuleToo) {
     EXPECT_EQ(S_OK, CanUnloadNow());
 }
 
+// Unlike a connection point, which is a part of its image, it may be the last thing that a client holds.
+TEST(Factories, AnEnumeratorOfConnectionsLocksTheModuleToo) {
+    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    ComPtr<IConnectionPoint> point;
+    ComPtr<IEnumConnections> connections, clone;
+    ASSERT_EQ(S_OK,
+              Cast<IConnectionPointContainer>(image)->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
+    ASSERT_EQ(S_OK, point->EnumConnections(connections.Out()));
+    image = nullptr;
+    point = nullptr;
+    EXPECT_EQ(S_FALSE, CanUnloadNow());
+    ASSERT_EQ(S_OK, connections->Clone(clone.Out()));
+    connections = nullptr;
+    EXPECT_EQ(S_FALSE, CanUnloadNow());
+    clone = nullptr;
+    EXPECT_EQ(S_OK, CanUnloadNow());
+}
+
 // An object of a client that holds one of this library inside and answers everything through it.
 class Holder final : public IUnknown {
 public:
