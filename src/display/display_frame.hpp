@@ -66,9 +66,9 @@ private:
     }
 
     void ComputeLevels(const DisplayBitmap& bitmap) override {
+        if (bitmap.bitsPerPixel == 32) return ComputeColors(bitmap);
         const LevelMapping<Pixel> levelsOf(lower_, upper_);
         const auto width = static_cast<size_t>(bitmap.width);
-        if (bitmap.bitsPerPixel == 32) return ComputeColors(bitmap);
         const PixelView<Pixel> view = this->image_.view(this->ShownBand());
         for (int32_t y = 0; y < bitmap.height; ++y) {
             uint8_t* const levels = bitmap.row(y);

@@ -182,7 +182,7 @@ size_t Deflate(std::span<const uint8_t> bytes, std::span<uint8_t> room) {
 
 FileContent Compress(std::span<const uint8_t> bytes) {
     const uint64_t room = CompressionBuffer(bytes.size());
-    if (bytes.size() > kLargestSize || room > std::numeric_limits<uLong>::max() || room > PTRDIFF_MAX)
+    if (bytes.size() > kLargestSize || room > PTRDIFF_MAX)
         throw Failure("IPersistStreamInit::Save: the image is too large for a stream.");
     FileContent compressed(static_cast<size_t>(room));
     const size_t size = Deflate(bytes, {compressed.data(), static_cast<size_t>(room)});

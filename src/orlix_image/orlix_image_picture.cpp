@@ -39,22 +39,20 @@ RenderKind Stretch(const Rectangle& source) {
             }};
 }
 
-// The bitmap of an image that may be missing.
-const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable) {
-    static const DisplayBitmap none;
-    if (!image) return none;
+// The bitmap of an image that may be missing or empty.
+const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage) try {
+    if (!image) throw Failure(noImage);
     if (image->store().refused()) throw Failure(unavailable);
-    try {
-        return image->Display();
-    } catch (const std::bad_alloc&) {
-        throw Failure(unavailable);
-    }
+    const DisplayBitmap& bitmap = image->Display();
+    if (bitmap.bitsPerPixel < 8) throw Failure(noImage);
+    return bitmap;
+} catch (const std::bad_alloc&) {
+    throw Failure(unavailable);
 }
 
 std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind& kind, const Rectangle& dest,
                                         OLE_COLOR surround, View& lastView) {
-    const DisplayBitmap& bitmap = BitmapOf(image, kind.noBitmap);
-    if (bitmap.bitsPerPixel < 8) throw Failure("IPictureEx::Render: No image.");
+    const DisplayBitmap& bitmap = BitmapOf(image, kind.noBitmap, "IPictureEx::Render: No image.");
     if (dest.empty()) return std::nullopt;
     PictureDrawing drawing{bitmap, image->displayState().colors, dest, kind.view(bitmap, dest), surround};
     if (drawing.view) lastView = *drawing.view;
@@ -188,8 +186,8 @@ STDMETHODIMP OrlixImage::CreateHBITMAP(void* hdc, void** bitmap) noexcept {
     return Guarded([&] {
         Require(bitmap);
         *bitmap = nullptr;
-        const DisplayBitmap& shown = BitmapOf(typed_.get(), "IPictureEx::CreateHBITMAP: No image.");
-        if (shown.bitsPerPixel < 8) throw Failure("IPictureEx::CreateHBITMAP: No image.");
+        constexpr const char* kNoImage = "IPictureEx::CreateHBITMAP: No image.";
+        const DisplayBitmap& shown = BitmapOf(typed_.get(), kNoImage, kNoImage);
         *bitmap = DeviceRenderer::MakeCompatible(hdc, shown, typed_->displayState().colors);
     });
 }
@@ -198,8 +196,8 @@ STDMETHODIMP OrlixImage::CreateDIBSection(void** bits, void** bitmap) noexcept {
     return Guarded([&] {
         Require(bits), Require(bitmap);
         *bits = *bitmap = nullptr;
-        const DisplayBitmap& shown = BitmapOf(typed_.get(), "IPictureEx::CreateDIBSection: No image.");
-        if (shown.bitsPerPixel < 8) throw Failure("IPictureEx::CreateDIBSection: No image.");
+        constexpr const char* kNoImage = "IPictureEx::CreateDIBSection: No image.";
+        const DisplayBitmap& shown = BitmapOf(typed_.get(), kNoImage, kNoImage);
         *bitmap = DeviceRenderer::MakeSection(shown, typed_->displayState().colors, bits);
     });
 }
