@@ -166,7 +166,7 @@ TEST_F(FlattenProgram, FlatColouredAndTinyImagesAreFlattenedToo) {
     const Json green = Flattened({At("colour.ppm"), "--surface", "plane", "--band", "1", "--out", At("out")});
     EXPECT_NEAR(10, NumberAt(green, "surface.coefficients.alpha"), 1e-9);
     const Json info = Json::parse(Orlix({"info", "--json", At("out/colour_flattened.png")}).out);
-    EXPECT_EQ(1, info[0]["bands"]);
+    EXPECT_EQ(1, info["images"][0]["bands"]);
     EXPECT_EQ(25, Measured({At("out/colour_flattened.png")})["images"][0]["grey"]["minimum"]);
 }
 
@@ -206,8 +206,8 @@ TEST_F(FlattenProgram, MeasuringATiltedSpecimenNeedsTheTiltRemovedFirst) {
         EXPECT_NEAR(truth, area({"--flatten", "plane", "--flatten-robust", "0.8"}), 0.03 * truth);
     }
     const Json document = Measured({At("t.png"), "--flatten", "plane", "--flatten-robust", "0.8", "--out", At("out")});
-    EXPECT_EQ("plane", document["settings"]["flatten"]);
-    EXPECT_EQ(0.8, document["settings"]["flattenRobust"]);
+    EXPECT_EQ("plane", document["options"]["flatten"]);
+    EXPECT_EQ(0.8, document["options"]["flattenRobust"]);
     const Json& flatten = document["images"][0]["flatten"];
     EXPECT_EQ("plane", flatten["surface"]["kind"]);
     EXPECT_GT(flatten["before"]["rms"], flatten["after"]["rms"]);

@@ -19,7 +19,8 @@ protected:
     Json Rendered(std::vector<std::string> more) {
         std::vector<std::string> all = {At("a.pgm"), "-o", At("v.png"), "--nearest"};
         all.insert(all.end(), more.begin(), more.end());
-        return DocumentOf("render", all);
+        const Json document = DocumentOf("render", all);
+        return document.is_null() ? document : document["images"][0];
     }
     // A character a pixel: the first hexadecimal digit of greys, '.' black, W white, R red, B blue, '?' others.
     std::vector<std::string> View() {

@@ -54,6 +54,7 @@ Batch RunBatch(const std::vector<std::string>& files,
             batch.failed = true;
             document = {{"file", names[i]}, {"error", error.what()}};
         }
+        if (!document.contains("warnings")) document["warnings"] = Json::array();
         progress.Clear();
         print(document);
         batch.images.push_back(std::move(document));

@@ -32,6 +32,7 @@ private:
 // and the batch goes on; only a library that cannot be used ends it.
 struct Batch {
     Json images = Json::array();
+    Json warnings = Json::array();  // about the batch as a whole
     bool failed = false;
 };
 Batch RunBatch(const std::vector<std::string>& files,

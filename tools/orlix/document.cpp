@@ -67,6 +67,12 @@ std::string CsvField(const Json& value) {
     if (value.is_null()) return {};
     if (value.is_number_float())
         return std::isfinite(value.get<double>()) ? Number(value.get<double>()) : std::string();
+    if (value.is_array()) {
+        std::string joined;
+        for (const Json& item : value)
+            joined += (joined.empty() ? "" : "; ") + Member(item, "message").get<std::string>();
+        return CsvField(joined);
+    }
     if (!value.is_string()) return value.dump();
     const std::string& text = value.get_ref<const std::string&>();
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;

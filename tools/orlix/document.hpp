@@ -21,7 +21,8 @@ Json Finite(double value);
 // Indented by two; an array of numbers stays on one line. Ends with a line feed.
 std::string Print(const Json& document);
 
-// A field of a CSV line (RFC 4180): in quotes where it needs them; null is empty, numbers as in JSON.
+// A field of a CSV line (RFC 4180): in quotes where it needs them; null is empty, numbers as in JSON; of a list of warnings (see
+// warnings.hpp) the messages with "; " between them.
 std::string CsvField(const Json& value);
 
 // Lines of a CSV file, with their ends: the columns are members of the document.

@@ -4,6 +4,7 @@
 #include "console.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -110,10 +111,10 @@ std::string TextOf(const Json& m) {
            TextLine("filter", m["filter"].get<std::string>() +
                                   (m["halfSize"].is_null() ? "" : ", half size " + m["halfSize"].dump())) +
            TextLine("before", values("before")) + TextLine("after", values("after")) +
-           TextLine("written", m["output"].get<std::string>()) + "\n";
+           TextLine("written", m["output"].get<std::string>()) + WarningsText(m) + "\n";
 }
 
-int FilterAll(const Options& options) {
+int FilterAll(const Options& options, const Subcommand& command) {
     SubjectSettings settings;
     options.subject.Complete(settings);
     const bool squares = options.filter == "extremum-sharpening";
@@ -149,8 +150,9 @@ int FilterAll(const Options& options) {
             if (!options.json && !document.contains("error")) std::cout << TextOf(document) << std::flush;
         });
     if (options.json) {
-        Json document = {{"tool", "orlix"}, {"version", ORLIX_TOOL_VERSION}};
+        Json document = command.Envelope();
         document["images"] = std::move(batch.images);
+        document["warnings"] = std::move(batch.warnings);
         std::cout << Print(document);
     }
     return batch.failed ? kFailed : kDone;
@@ -165,7 +167,7 @@ Command AddFilter(CLI::App& program) {
     for (const Filter& filter : kFilters) names.emplace_back(filter.name);
     command.Add("NAME", options->filter, "Filter; see below").Required().OneOf(names);
     command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
-    command.Add("-o", options->file, "File to write, for one image");
+    command.Add("-o,--output", options->file, "File to write, for one image");
     command.Add("--out", options->folder, "Folder to write to");
     command.Add("--half-size", options->halfSize, "Of the square of extremum-sharpening, in pixels (default 1)")
         .Between(0, 1000000);
@@ -173,7 +175,7 @@ Command AddFilter(CLI::App& program) {
     options->subject.AddRegion(command);
     options->subject.AddBand(command, "This band only, from 0 (default: all)");
     command.AddFlag("--json", options->json, "Summary as JSON");
-    return [options] { return FilterAll(*options); };
+    return [options, command] { return FilterAll(*options, command); };
 }
 
 }  // namespace tool

@@ -10,6 +10,7 @@
 #include "subcommand.hpp"
 #include "surface.hpp"
 #include "units.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -46,8 +47,8 @@ Robust fits
   (angled-hemisphere) pixels.
 
 Output
-  A table for people, or with --json one document {tool, version, settings, images: [...]} whatever
-  the number of images (a failed one has "file" and "error"), or with --csv one line an image. With
+  A table for people, or with --json one document {..., options, images: [...]} whatever the
+  number of images (a failed one has "file" and "error"), or with --csv one line an image. With
   --out DIR also NAME_flattened.png, of the image's own pixel type (of a colour image the one band),
   and report.html for one image, NAME_report.html each and report.html over all of them for several:
   images before and after, the residual in colour, profiles, figures.
@@ -91,6 +92,7 @@ std::vector<std::string> Columns(const Options& options) {
              {"mean", "minimum", "maximum", "rms", "peakToValley", "rmsMicrons", "peakToValleyMicrons"})
             columns.push_back(when + name);
     columns.emplace_back("clippedPixels");
+    columns.emplace_back("warnings");
     return columns;
 }
 
@@ -109,7 +111,8 @@ std::string TextOf(const Json& m) {
         out += TextLine("", "radius of curvature at the apex " + Length(radius));
     for (const char* when : {"before", "after"})
         out += TextLine(when, "RMS " + Figure(m, when, "rms") + ", peak to valley " + Figure(m, when, "peakToValley"));
-    return out + TextLine("clipped", Plain(NumberAt(m, "clippedPixels")) + " pixels of the flattened image") + "\n";
+    return out + TextLine("clipped", Plain(NumberAt(m, "clippedPixels")) + " pixels of the flattened image") +
+           WarningsText(m) + "\n";
 }
 
 // Black and white leave out 0.1 % of the region's values at either end.
@@ -235,7 +238,7 @@ ComPtr<IImageVPAExPlus> BandOf(const ComPtr<IImageVPAExPlus>& image, LONG band) 
     return alone;
 }
 
-int FlattenAll(const Options& options) {
+int FlattenAll(const Options& options, const Subcommand& command) {
     SubjectSettings subjectSettings;
     options.subject.Complete(subjectSettings);
     const FlattenSettings settings = MakeFlattenSettings(options.surface, options.robust, options.zScale);
@@ -269,13 +272,9 @@ int FlattenAll(const Options& options) {
 
     if (results) results->Finish(batch.images);
     if (options.json) {
-        Json document = {{"tool", "orlix"}, {"version", ORLIX_TOOL_VERSION}};
-        Json& out = document["settings"];
-        out["surface"] = options.surface;
-        out["robust"] = options.robust ? Json(*options.robust) : Json(nullptr);
-        out["zScale"] = options.zScale ? Json(*options.zScale) : Json(nullptr);
-        options.subject.Describe(out);
+        Json document = command.Envelope();
         document["images"] = std::move(batch.images);
+        document["warnings"] = std::move(batch.warnings);
         std::cout << Print(document);
     }
     return batch.failed ? kFailed : kDone;
@@ -296,7 +295,7 @@ Command AddFlatten(CLI::App& program) {
     command.Add("--out", options->out, "Folder for the flattened image and the report");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
     command.AddFlag("--csv", options->csv, "Results as CSV").Excludes(json);
-    return [options] { return FlattenAll(*options); };
+    return [options, command] { return FlattenAll(*options, command); };
 }
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 
 #include "html_page.hpp"
 #include "units.hpp"
+#include "warnings.hpp"
 
 #include <cmath>
 
@@ -96,7 +97,7 @@ std::string FlattenReport(const Json& image, const std::string& version, const F
     body += Card(Short(image, "after.peakToValley"), "peak to valley after");
     body += Card(Short(image, "before.peakToValley"), "peak to valley before");
     body += Card(Grouped(Plain(NumberAt(image, "clippedPixels"))), "pixels clipped by the pixel type");
-    body += "</div>\n";
+    body += "</div>\n" + WarningsSection(image);
 
     const auto figure = [](const std::string& uri, const char* text, const std::string& range) {
         return "<figure><img alt='" + std::string(text) + "' src='" + uri + "'><figcaption>" + text + ": " + range +
@@ -137,7 +138,7 @@ std::string FlattenOverview(const Json& images, const std::string& version) {
             continue;
         }
         body += "<tr><td><a href='" + Escaped(Member(image, "outputs.report").get<std::string>()) + "'>" + name +
-                "</a></td><td>" + SurfaceName(image) + "</td>";
+                "</a>" + WarningsCell(image) + "</td><td>" + SurfaceName(image) + "</td>";
         for (const char* path : {"before.rms", "after.rms", "after.peakToValley"})
             body += "<td class='n'>" + Short(image, path) + "</td>";
         body += "<td class='n'>" + Grouped(Plain(NumberAt(image, "clippedPixels"))) + "</td></tr>\n";

@@ -52,6 +52,9 @@ td small{color:var(--muted);font-weight:400;font-size:13px}
 .thumb img{width:96px;border-radius:4px;display:block}
 .batch td{vertical-align:middle}
 .error{color:#c62828}
+section.warnings{border-color:#d9a400}
+.warnings ul{margin:0;padding-left:20px}
+td small.warning{color:#a87400}
 a{color:var(--accent)}
 footer{color:var(--muted);font-size:13px}
 .scroll{overflow-x:auto}

@@ -2,6 +2,7 @@
 
 #include "histogram_plot.hpp"
 #include "html_page.hpp"
+#include "warnings.hpp"
 
 #include <cmath>
 
@@ -112,7 +113,7 @@ std::string ImageReport(const Json& m, const std::string& version, const std::st
                  "pixels of " + Grouped(Plain(NumberAt(m, "region.pixels"))) + " in the region");
     body += Card(MethodLabel(m), "threshold; phase: " + PhaseLevels(m));
     body += Card(Centroid(m, "phase"), "centroid of the phase, pixels");
-    body += "</div>\n";
+    body += "</div>\n" + WarningsSection(m);
 
     body += "<section><div class='pictures'><figure><img alt='Image' src='" + imageUri + "'><figcaption>Image" +
             std::string(m["flatten"].is_null() ? "" : " after flattening") +
@@ -166,9 +167,9 @@ std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summ
         body += "<tr><td class='thumb'><img alt='' src='" + entry.overlayUri + "'></td><td>";
         body += entry.reportName.empty() ? name : "<a href='" + Escaped(entry.reportName) + "'>" + name + "</a>";
         body += "<br><small class='sub'>" + Plain(NumberAt(m, "width")) + " × " + Plain(NumberAt(m, "height")) + ", " +
-                m["type"].get<std::string>() + ", " + Calibration(m) + "</small></td><td class='n'>" +
-                Percent(fraction) + "<div class='bar'><i style='width:" + Rounded(100 * fraction, 1) +
-                "%'></i></div></td><td class='n'>" +
+                m["type"].get<std::string>() + ", " + Calibration(m) + "</small>" + WarningsCell(m) +
+                "</td><td class='n'>" + Percent(fraction) +
+                "<div class='bar'><i style='width:" + Rounded(100 * fraction, 1) + "%'></i></div></td><td class='n'>" +
                 (Member(m, "phase.areaSquareMicrons").is_number()
                      ? SquareMicrons(NumberAt(m, "phase.areaSquareMicrons"))
                      : Grouped(Plain(NumberAt(m, "phase.pixels"))) + " pixels") +

@@ -1,9 +1,11 @@
 // orlix info
+#include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
 #include "document.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -16,16 +18,16 @@ namespace {
 
 constexpr char kFooter[] = R"(
 Says how large each image is, of which type, how it is calibrated and which texts it carries.
-With --json: an array with an object for each image, in the order given.
+With --json one document {..., images: [...]}, an object for each image in the order given.
 
 Examples:
   orlix info section.png
   orlix info --json *.png)";
 
-Json InfoOf(const std::string& file) {
+Json InfoOf(const std::string& file, const std::string& name) {
     const auto image = LoadImage(file);
     Json out;
-    out["file"] = Utf8(Path(file).filename());
+    out["file"] = name;
     LONG bands = 0, width = 0, height = 0, type = 0;
     orlix::Check(image->Dimensions(&bands, &width, &height), image);
     orlix::Check(image->DataType(0, &type), image);
@@ -64,6 +66,7 @@ std::string TextOf(const Json& info) {
         out += ", " + Number(size["x"]) + " x " + Number(size["y"]) + " µm per pixel\n";
     for (const auto& [keyword, text] : info["texts"].items())
         out += "  " + keyword + ": " + text.get<std::string>() + "\n";
+    for (const Json& warning : Warnings(info)) out += "  warning: " + warning["message"].get<std::string>() + "\n";
     return out;
 }
 
@@ -78,20 +81,20 @@ Command AddInfo(CLI::App& program) {
     Subcommand command(program, "info", "Say what image files hold", kFooter);
     command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
     command.AddFlag("--json", options->json, "As JSON");
-    return [options] {
-        Json all = Json::array();
-        int code = kDone;
-        for (const std::string& file : options->files) try {
-                all.push_back(InfoOf(file));
-                if (!options->json) std::cout << TextOf(all.back());
-            } catch (const orlix::Error& error) {
-                if (error.result() == REGDB_E_CLASSNOTREG || error.result() == CO_E_CLASSSTRING) throw;
-                std::cerr << "orlix: " << file << ": " << error.what() << std::endl;
-                all.push_back({{"file", Utf8(Path(file).filename())}, {"error", error.what()}});
-                code = kFailed;
-            }
-        if (options->json) std::cout << Print(all);
-        return code;
+    return [options, command] {
+        Batch batch = RunBatch(
+            options->files,
+            [&](size_t i, const std::string& name, Progress&) { return InfoOf(options->files[i], name); },
+            [&](const Json& info) {
+                if (!options->json && !info.contains("error")) std::cout << TextOf(info) << std::flush;
+            });
+        if (options->json) {
+            Json document = command.Envelope();
+            document["images"] = std::move(batch.images);
+            document["warnings"] = std::move(batch.warnings);
+            std::cout << Print(document);
+        }
+        return batch.failed ? kFailed : kDone;
     };
 }
 

@@ -7,6 +7,7 @@
 #include "pictures.hpp"
 #include "subcommand.hpp"
 #include "surface.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -48,7 +49,7 @@ Histogram
   are chosen on neighbouring values added up to at most --bins bins.
 
 Output
-  A table for people, or with --json one document {tool, version, settings, images: [...], summary}
+  A table for people, or with --json one document {..., options, images: [...], summary}
   whatever the number of images (a failed one has "file" and "error"), or with --csv one line an
   image. With --out DIR also NAME_bitmap.png (white phase), NAME_overlay.png, and report.html for
   one image, NAME_report.html each and report.html over all of them for several.
@@ -86,21 +87,6 @@ void CompleteSettings(Options& options) {
         if (!(options.luminance[0] <= options.luminance[1])) throw UsageError("--luminance: LOW is above HIGH");
         settings.luminance = {options.luminance[0], options.luminance[1]};
     }
-}
-
-Json SettingsDocument(const Options& options) {
-    const MeasureSettings& settings = options.settings;
-    Json out;
-    out["threshold"] = settings.threshold.text;
-    out["phase"] = !settings.threshold.method ? "between" : settings.bright ? "bright" : "dark";
-    options.subject.Describe(out);
-    out["flatten"] = settings.flatten ? Json(settings.flatten->surface) : Json(nullptr);
-    out["flattenRobust"] =
-        settings.flatten && settings.flatten->robust ? Json(*settings.flatten->robust) : Json(nullptr);
-    out["luminance"] = settings.luminance ? Json(*settings.luminance) : Json(nullptr);
-    out["bins"] = settings.bins;
-    out["smooth"] = settings.smoothing;
-    return out;
 }
 
 // Half the width of the interval that holds the mean of n values with a probability of 95 %, in standard errors: Student's t
@@ -184,7 +170,8 @@ const std::vector<std::string> kColumns = {"file",
                                            "phase.areaFraction",
                                            "phase.areaSquareMicrons",
                                            "phase.xCentroid",
-                                           "phase.yCentroid"};
+                                           "phase.yCentroid",
+                                           "warnings"};
 
 std::string LineOf(Json image) {
     if (image.contains("thresholds"))
@@ -240,7 +227,7 @@ std::string TextOf(const Json& m) {
     line("", area);
     if (NumberAt(m, "phase.pixels") > 0)
         line("", "centroid " + Plain(m, "phase.xCentroid") + ", " + Plain(m, "phase.yCentroid"));
-    return out + "\n";
+    return out + WarningsText(m) + "\n";
 }
 
 std::string TextOfSummary(const Json& summary) {
@@ -289,7 +276,7 @@ private:
     std::vector<BatchEntry> entries_;
 };
 
-int Measure(Options& options) {
+int Measure(Options& options, const Subcommand& command) {
     CompleteSettings(options);
     std::optional<Results> results;
     if (!options.out.empty()) results.emplace(options.out, options.files.size() == 1);
@@ -313,12 +300,10 @@ int Measure(Options& options) {
                 std::cout << TextOf(document) << std::flush;
         });
 
-    Json document;
-    document["tool"] = "orlix";
-    document["version"] = ORLIX_TOOL_VERSION;
-    document["settings"] = SettingsDocument(options);
+    Json document = command.Envelope();
     document["images"] = std::move(batch.images);
     document["summary"] = Summary(document["images"]);
+    document["warnings"] = std::move(batch.warnings);
     if (results) results->Finish(document["summary"]);
     if (options.json)
         std::cout << Print(document);
@@ -355,7 +340,7 @@ Command AddMeasure(CLI::App& program) {
     command.Add("--out", options->out, "Folder for pictures and reports");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
     command.AddFlag("--csv", options->csv, "Results as CSV").Excludes(json);
-    return [options] { return Measure(*options); };
+    return [options, command] { return Measure(*options, command); };
 }
 
 }  // namespace tool

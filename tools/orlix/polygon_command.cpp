@@ -187,7 +187,7 @@ std::string TextOf(const std::string& file, const Json& m) {
     return out + "\n";
 }
 
-int MeasureAll(const Options& options) {
+int MeasureAll(const Options& options, const Subcommand& command) {
     if (options.csv) std::cout << CsvHeader(kColumns);
     Batch batch = RunBatch(
         options.files,
@@ -213,8 +213,9 @@ int MeasureAll(const Options& options) {
             }
         });
     if (options.json) {
-        Json document = {{"tool", "orlix"}, {"version", ORLIX_TOOL_VERSION}};
+        Json document = command.Envelope();
         document["files"] = std::move(batch.images);
+        document["warnings"] = std::move(batch.warnings);
         std::cout << Print(document);
     }
     return batch.failed ? kFailed : kDone;
@@ -231,7 +232,7 @@ Command AddPolygon(CLI::App& program) {
     command.Add("--smooth", options->smooth, "Tolerance of a simplified outline, pixels");
     const Parameter json = command.AddFlag("--json", options->json, "As JSON");
     command.AddFlag("--csv", options->csv, "A line for each outline").Excludes(json);
-    return [options] { return MeasureAll(*options); };
+    return [options, command] { return MeasureAll(*options, command); };
 }
 
 }  // namespace tool

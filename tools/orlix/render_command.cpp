@@ -4,6 +4,7 @@
 #include "pictures.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -152,10 +153,10 @@ std::string TextOf(const Json& m) {
     return SubjectText(m) + TextLine("grey levels", range("displayRange")) +
            TextLine("shown", "columns " + range("columns") + ", rows " + range("rows")) +
            TextLine("scale", Rounded(NumberAt(m, "viewPixelsPerPixel.x"), 4) + " view pixels for a pixel") +
-           TextLine("written", m["output"].get<std::string>());
+           TextLine("written", m["output"].get<std::string>()) + WarningsText(m);
 }
 
-int Render(const Options& options) {
+int Render(const Options& options, const Subcommand& command) {
     if (options.size[0] < 1 || options.size[1] < 1 || options.size[0] > 32767 || options.size[1] > 32767)
         throw UsageError("--size: width and height from 1 to 32767");
     ParseColor(options.surround);
@@ -176,10 +177,15 @@ int Render(const Options& options) {
     document.update(Describe(view, subject, Cast<IDisplayProcess>(subject.image)));
     document["output"] = options.output;
     SavePng(ToPicture(view), document["micronsPerViewPixel"], Path(options.output));
-    if (options.json)
-        std::cout << Print(document);
-    else
+    if (options.json) {
+        if (!document.contains("warnings")) document["warnings"] = Json::array();
+        Json all = command.Envelope();
+        all["images"].push_back(std::move(document));
+        all["warnings"] = Json::array();
+        std::cout << Print(all);
+    } else {
         std::cout << TextOf(document);
+    }
     return kDone;
 }
 
@@ -189,7 +195,7 @@ Command AddRender(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kFooter);
     command.Add("IMAGE", options->file, "PNG, BMP, PGM or PPM file").Required();
-    command.Add("-o", options->output, "PNG file to write").Required();
+    command.Add("-o,--output", options->output, "PNG file to write").Required();
     command.Add("--size", options->size, "Of the view, in pixels").Pair("W H").Required();
     command.Add("--zoom", options->zoom, "Zoom factor (default 1: the whole image)").Named("F");
     command.Add("--center", options->center, "Pixel in the middle (default: the image's)").Pair("X Y");
@@ -205,7 +211,7 @@ Command AddRender(CLI::App& program) {
     options->subject.AddBand(command, "Band to show, from 0 (default: three or more bands in colour, else the first)");
     options->subject.AddPixelSize(command);
     command.AddFlag("--json", options->json, "Summary as JSON");
-    return [options] { return Render(*options); };
+    return [options, command] { return Render(*options, command); };
 }
 
 }  // namespace tool

@@ -9,6 +9,39 @@
 
 namespace tool {
 
+namespace {
+
+// Of the documents: grows when a member goes, is renamed or changes its meaning; members may be added at any time.
+constexpr int kSchema = 1;
+
+// "--roi-polarity" becomes "roiPolarity".
+std::string Key(const CLI::Option& option) {
+    std::string key;
+    bool capital = false;
+    for (const char c : option.get_lnames().front()) {
+        if (c != '-') key += capital ? static_cast<char>(c - 'a' + 'A') : c;
+        capital = c == '-';
+    }
+    return key;
+}
+
+Json ValueOf(const std::string& value) { return value.empty() ? Json(nullptr) : Json(value); }
+Json ValueOf(double value) { return Finite(value); }
+template <class T>
+Json ValueOf(const T& value) {
+    return value;
+}
+template <class T>
+Json ValueOf(const std::optional<T>& value) {
+    return value ? ValueOf(*value) : Json(nullptr);
+}
+template <class T>
+Json ValueOf(const std::vector<T>& value) {
+    return value.empty() ? Json(nullptr) : Json(value);
+}
+
+}  // namespace
+
 const Parameter& Parameter::Required() const {
     option_->required();
     return *this;
@@ -70,13 +103,27 @@ const Parameter& Parameter::ShowDefault(const char* text) const {
 }
 
 Subcommand::Subcommand(CLI::App& program, const char* name, const char* description, const char* footer)
-    : command_(program.add_subcommand(name, description)) {
+    : name_(name), command_(program.add_subcommand(name, description)) {
     command_->footer(footer);
+}
+
+Json Subcommand::Envelope() const {
+    Json out;
+    out["schema"] = kSchema;
+    out["tool"] = "orlix";
+    out["version"] = ORLIX_TOOL_VERSION;
+    out["command"] = name_;
+    Json& options = out["options"] = Json::object();
+    for (const auto& put : values_) put(options);
+    return out;
 }
 
 template <class T>
 Parameter Subcommand::Add(const char* name, T& variable, const std::string& description) {
-    return Parameter(*command_->add_option(name, variable, description));
+    CLI::Option* const option = command_->add_option(name, variable, description);
+    if (!option->get_positional())
+        values_.push_back([key = Key(*option), &variable](Json& options) { options[key] = ValueOf(variable); });
+    return Parameter(*option);
 }
 
 template Parameter Subcommand::Add(const char*, std::string&, const std::string&);
@@ -91,7 +138,10 @@ template Parameter Subcommand::Add(const char*, std::vector<double>&, const std:
 template Parameter Subcommand::Add(const char*, std::vector<int>&, const std::string&);
 
 Parameter Subcommand::AddFlag(const char* name, bool& variable, const char* description) {
-    return Parameter(*command_->add_flag(name, variable, description));
+    CLI::Option* const option = command_->add_flag(name, variable, description);
+    const std::string key = Key(*option);
+    if (key != "json" && key != "csv") values_.push_back([key, &variable](Json& options) { options[key] = variable; });
+    return Parameter(*option);
 }
 
 }  // namespace tool

@@ -2,6 +2,9 @@
 // program itself see it.
 #pragma once
 
+#include "document.hpp"
+
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -37,6 +40,11 @@ class Subcommand {
 public:
     Subcommand(CLI::App& program, const char* name, const char* description, const char* footer);
 
+    // The beginning of every document of --json: schema, tool, version, command, and options with the value of each option
+    // under its long name in camel case, null where it was not given and has no default. The caller adds what it found, and
+    // "warnings" at the end.
+    Json Envelope() const;
+
     // The variable, which must outlive the parser, keeps its value when the parameter is not given. Types: std::string,
     // double, int, long, uint64_t; std::optional of double and LONG; std::vector of std::string, double and int.
     template <class T>
@@ -44,7 +52,9 @@ public:
     Parameter AddFlag(const char* name, bool& variable, const char* description);
 
 private:
+    std::string name_;
     CLI::App* command_;
+    std::vector<std::function<void(Json& options)>> values_;  // each puts its own
 };
 
 }  // namespace tool

@@ -27,25 +27,16 @@ void SubjectOptions::AddPixelSize(Subcommand& command) {
 }
 
 void SubjectOptions::Complete(SubjectSettings& settings) const {
-    settings.band = band_;
+    settings.band = band_.value_or(defaultBand_);
     if (!region_.empty()) {
         settings.region = ParseRegion(region_);
         settings.region->polarity = ParsePolarity(polarity_);
     } else if (polarity_ != "inside") {
         throw UsageError("--roi-polarity needs --roi");
     }
-    if (pixelSize_ != 0) {
-        if (!(pixelSize_ > 0) || !std::isfinite(pixelSize_))
-            throw UsageError("--pixel-size must be a number of microns above 0");
-        settings.pixelSize = pixelSize_;
-    }
-}
-
-void SubjectOptions::Describe(Json& out) const {
-    out["region"] = region_.empty() ? Json(nullptr) : Json(region_);
-    out["regionPolarity"] = polarity_;
-    out["pixelSize"] = pixelSize_ != 0 ? Json(pixelSize_) : Json(nullptr);
-    out["band"] = band_ == BI_AllBands ? Json(nullptr) : Json(band_);
+    if (pixelSize_ && !(*pixelSize_ > 0 && std::isfinite(*pixelSize_)))
+        throw UsageError("--pixel-size must be a number of microns above 0");
+    settings.pixelSize = pixelSize_;
 }
 
 Subject::Subject(ComPtr<IImageVPAExPlus> subject, const SubjectSettings& settings, Json& document)

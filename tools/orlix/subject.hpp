@@ -24,17 +24,17 @@ struct SubjectSettings {
 // --roi, --roi-polarity, --band and --pixel-size as they come from the command line.
 class SubjectOptions {
 public:
-    explicit SubjectOptions(LONG band = 0) : band_(band) {}
+    explicit SubjectOptions(LONG defaultBand = 0) : defaultBand_(defaultBand) {}
     void AddRegion(Subcommand& command);
     void AddBand(Subcommand& command, const char* description);
     void AddPixelSize(Subcommand& command);
     void Complete(SubjectSettings& settings) const;  // throws UsageError
-    void Describe(Json& out) const;                  // members region, regionPolarity, pixelSize, band
 
 private:
     std::string region_, polarity_ = "inside";
-    double pixelSize_ = 0;
-    LONG band_;
+    std::optional<double> pixelSize_;
+    std::optional<LONG> band_;
+    LONG defaultBand_;
 };
 
 struct Subject {
