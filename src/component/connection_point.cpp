@@ -82,6 +82,12 @@ private:
 
 }  // namespace
 
+void ConnectionPoint::Close() noexcept {
+    closed_ = true;
+    const std::vector<Connection> gone = std::move(connections_);
+    connections_.clear();
+}
+
 HRESULT ConnectionPoint::EnumPoints(IEnumConnectionPoints** points) noexcept {
     if (!points) return E_POINTER;
     *points = nullptr;
@@ -127,8 +133,9 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
     if (!cookie) return E_POINTER;
     *cookie = 0;
     if (!sink) return E_POINTER;
+    const ComPtr<IConnectionPoint> alive(this);
     ComPtr<IUnknown> source;
-    if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source) return CONNECT_E_CANNOTCONNECT;
+    if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source || closed_) return CONNECT_E_CANNOTCONNECT;
     try {
         connections_.push_back({lastCookie_ + 1, std::move(source)});
     } catch (const std::bad_alloc&) {
@@ -143,6 +150,7 @@ STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) noexcept {
                                     [&](const Connection& connection) { return connection.cookie == cookie; });
     if (found == connections_.end()) return CONNECT_E_NOCONNECTION;
     // Let go when the list is in order again: the client's release may call back.
+    const ComPtr<IConnectionPoint> alive(this);
     const Connection gone = std::move(*found);
     connections_.erase(found);
     return S_OK;

@@ -12,7 +12,7 @@ namespace orlix {
 // A member of the object that raises the events, which derives from IConnectionPointContainer and hands its two methods to this.
 // References to the point are references to the object. Notes:
 //  (1) Cookies are 1, 2, ... in the order of the connections, and not used again.
-//  (2) Who connects or goes while events are raised takes part from the next event on.
+//  (2) Connecting or disconnecting during an event takes effect with the next one.
 class ConnectionPoint final : public IConnectionPoint {
 public:
     // source: the interface that those who connect must answer.
@@ -27,6 +27,9 @@ public:
         const std::vector<Connection> connections = connections_;
         for (const Connection& connection : connections) tell(static_cast<Source*>(connection.sink.get()));
     }
+
+    // For the end of the container: disconnects all, and refuses connections from now on.
+    void Close() noexcept;
 
     // The container's two methods.
     HRESULT EnumPoints(IEnumConnectionPoints** points) noexcept;
@@ -49,6 +52,7 @@ private:
     IConnectionPointContainer& container_;
     IID source_;
     DWORD lastCookie_ = 0;
+    bool closed_ = false;
     std::vector<Connection> connections_;
 };
 

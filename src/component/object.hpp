@@ -4,7 +4,12 @@
 //
 // Each entry is an interface that the class implements, or Answers<I, Parents...>: I and the interfaces it derives from
 // that are answered too. The first entry is the default interface. The class is named as the contract's coclass is, so
-// __uuidof(Class) is its CLSID.
+// __uuidof(Class) is its CLSID. Notes:
+//  (1) An object lives as long as one of its methods runs, even where a client that the method calls gives the last
+//      reference back. So a method may use its object after it has called somebody else's code.
+//  (2) When the last reference is gone the object lets go of what belongs to clients (LetGo) while it is still whole, and
+//      from then on its methods fail with E_FAIL: a client whose own last reference this was may call back, and finds an
+//      object that does nothing. The destructor calls nobody. Who takes a reference even then keeps the memory, no more.
 #pragma once
 
 #include <atomic>
@@ -78,8 +83,16 @@ protected:
 
     template <class Body>
     HRESULT Guarded(Body&& body) noexcept {
-        return orlix::Guarded(__uuidof(Class), std::forward<Body>(body));
+        const KeepAlive alive(inner_);
+        return orlix::Guarded(__uuidof(Class), [&] {
+            if (inner_.closed()) throw FailedResult(E_FAIL);
+            return body();
+        });
     }
+
+    // Hidden by classes that hold interfaces of clients: releases all of them. Nothing can be put in their place, as
+    // methods fail already.
+    void LetGo() noexcept {}
 
     // Whether an interface pointer, of whatever object, belongs to this very object.
     bool IsSelf(IUnknown* other) noexcept {
@@ -103,16 +116,35 @@ private:
         STDMETHODIMP_(ULONG) AddRef() noexcept override { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
         STDMETHODIMP_(ULONG) Release() noexcept override {
             const ULONG left = count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-            if (left == 0) {
-                count_.store(1, std::memory_order_relaxed);  // a reference taken and given back while dying
-                delete static_cast<Class*>(&owner_);
+            if (left > 0) return left;
+            if (!closed_) {
+                closed_ = true;
+                // Clients may take and give back references meanwhile; who keeps one puts the end off.
+                count_.store(1, std::memory_order_relaxed);
+                static_cast<Class&>(owner_).LetGo();
+                if (count_.fetch_sub(1, std::memory_order_acq_rel) > 1) return 0;
             }
-            return left;
+            count_.store(1, std::memory_order_relaxed);  // a reference taken and given back by the destructor itself
+            delete static_cast<Class*>(&owner_);
+            return 0;
         }
+        bool closed() const noexcept { return closed_; }
 
     private:
         Object& owner_;
         std::atomic<ULONG> count_{1};
+        bool closed_ = false;  // the last reference is gone
+    };
+
+    class KeepAlive {
+    public:
+        explicit KeepAlive(Inner& inner) noexcept : inner_(inner) { inner_.AddRef(); }
+        ~KeepAlive() { inner_.Release(); }
+        KeepAlive(const KeepAlive&) = delete;
+        KeepAlive& operator=(const KeepAlive&) = delete;
+
+    private:
+        Inner& inner_;
     };
 
     ComPtr<IUnknown> Identity() noexcept {

@@ -33,7 +33,7 @@ public:
 
     HRESULT SnapDisplayRange(double trimLeft, double trimRight, bool roundOut) override {
         constexpr LONG kBins = 1024;
-        const auto range = this->TrimmedRange(this->Select(this->bandToDisplay()), trimLeft, trimRight, kBins);
+        const auto range = TrimmedRange(this->Select(this->bandToDisplay()), trimLeft, trimRight, kBins);
         if (!range) return S_FALSE;
         PutDisplayRange(range->lower, range->upper);
         if (roundOut) RoundOut();
@@ -42,11 +42,12 @@ public:
 
     void EqualizeColorTable() override {
         constexpr size_t kPart = 512;  // the levels stay in the first cache
+        const Selection<Pixel> at = this->Select(this->bandToDisplay());  // before the range is read: clients may put it
         const LevelMapping<Pixel> levelsOf(lower_, upper_);
         const Pixel least = std::min(lower_, upper_);
         const Pixel most = std::max(lower_, upper_);
         uint64_t counts[2][256] = {};  // of pixels outside, inside
-        this->ForEachRun(this->Select(this->bandToDisplay()), [&](const Pixel* pixels, size_t n, auto...) {
+        at.ForEachRun([&](const Pixel* pixels, size_t n, auto...) {
             uint8_t levels[kPart];
             for (size_t done = 0; done < n; done += kPart) {
                 const size_t part = std::min(n - done, kPart);

@@ -28,30 +28,36 @@ void ImageStore::Create(LONG width, LONG height, LONG bands, LONG dataType, bool
     if (zero) std::memset(content_.data, 0, layout.totalSize);
 }
 
-void ImageStore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero) {
+void ImageStore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero,
+                        const ImageStore* former) {
     if (width <= 0) throw Failure("IImageVPAEx::AttachBuffer: Width must be positive.", DISP_E_EXCEPTION);
     if (height <= 0) throw Failure("IImageVPAEx::AttachBuffer: Height must be positive.", DISP_E_EXCEPTION);
     if (bands <= 0) throw Failure("IImageVPAEx::AttachBuffer: Bands must be positive.", DISP_E_EXCEPTION);
     if ((dataType & 0x1ff) < 8)
         throw Failure("ImageVPAEx::AttachBuffer: DataType must specify at least one byte per pixel");
 
+    // Everything that can fail for want of memory comes before the first change.
     const ImageLayout layout = MakeLayout(width, height, bands, dataType);
-    Reset(layout, layout != content_.layout ? MakeOffsetTable(layout) : std::move(content_.table));
+    std::vector<VPAEntry> table;
+    if (layout != content_.layout) table = MakeOffsetTable(layout);
+    // Sample (x, y) of a client's buffer is read as a whole pixel, so its address must be one that a pixel may have.
+    const bool readable = reinterpret_cast<uintptr_t>(buffer) % static_cast<uintptr_t>(layout.bytesPerSample) == 0 &&
+                          !(former && former->content_.owned.Overlaps(buffer, layout.totalSize)) &&
+                          IsReadable(buffer, layout.totalSize);
+    const bool writable = readable && IsWritable(buffer, layout.totalSize);
+
+    Reset(layout, table.empty() ? std::move(content_.table) : std::move(table));
     content_.owned = PixelBuffer();
     content_.data = static_cast<uint8_t*>(buffer);
-    content_.refused = true;
-    // Sample (x, y) of a client's buffer is read as a whole pixel, so its address must be one that a pixel
-    // may have.
-    if (reinterpret_cast<uintptr_t>(buffer) % static_cast<uintptr_t>(layout.bytesPerSample) != 0 ||
-        !IsReadable(buffer, layout.totalSize))
+    content_.refused = !writable;
+    if (!readable)
         throw Failure(
             "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for "
             "reading.");
-    if (!IsWritable(buffer, layout.totalSize))
+    if (!writable)
         throw Failure(
             "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for "
             "writing.");
-    content_.refused = false;
     if (zero) std::memset(buffer, 0, layout.totalSize);
 }
 

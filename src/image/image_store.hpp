@@ -79,9 +79,10 @@ public:
     // failure leaves the image as it was.
     void Create(LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
-    // IImageVPAExPlus::AttachBuffer: buffer is not null. Where the buffer is refused (Failure) it stays
-    // attached.
-    void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
+    // IImageVPAExPlus::AttachBuffer: buffer is not null. Where the buffer is refused (Failure) it stays attached; any other
+    // failure leaves the image as it was. former is the store whose place this one takes, itself or another: a buffer that
+    // overlaps its pixels is refused without being looked at, since those are given back.
+    void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero, const ImageStore* former);
 
     // A content of its own, to be filled and then put in the place of the old one: a copy or a load that
     // fails on the way leaves the image as it was, and the source may lie in the old content. All bytes are 0, or, for who

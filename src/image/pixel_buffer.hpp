@@ -27,6 +27,12 @@ public:
     uint8_t* data() const { return bytes_; }
     size_t size() const { return size_; }
 
+    // Whether any of the size bytes at an address belong to this buffer.
+    bool Overlaps(const void* bytes, size_t size) const {
+        const auto first = reinterpret_cast<uintptr_t>(bytes), own = reinterpret_cast<uintptr_t>(bytes_);
+        return first < own ? own - first < size && capacity_ > 0 : first - own < capacity_;
+    }
+
     // Of any content.
     static PixelBuffer Unset(size_t size) {
         PixelBuffer buffer;

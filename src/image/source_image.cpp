@@ -3,8 +3,6 @@
 #include <cstring>
 #include <vector>
 
-#include <orlix/com_ptr.hpp>
-
 namespace orlix {
 namespace {
 
@@ -25,8 +23,7 @@ void CopyBand(PixelView<const Pixel> from, int32_t left, int32_t top, PixelView<
 
 template <class Pixel>
 void CopyBands(const SourceImage& source, BandRange bands, int32_t left, int32_t top, ImageContent& destination) {
-    std::vector<PixelView<const Pixel>> views;
-    for (int32_t band = bands.first; band <= bands.last; ++band) views.push_back(source.view<Pixel>(band));
+    const std::vector<PixelView<const Pixel>> views = source.views<Pixel>(bands);
     for (size_t band = 0; band < views.size(); ++band) {
         auto* const base = reinterpret_cast<Pixel*>(destination.data + band * destination.layout.bandSize);
         CopyBand(views[band], left, top,
@@ -42,7 +39,7 @@ BandRange BandsOf(LONG band, int32_t bands) {
     return {static_cast<int32_t>(band), static_cast<int32_t>(band)};
 }
 
-SourceImage::SourceImage(IImageVPA* image) : image_(image) {
+SourceImage::SourceImage(IImageVPA* image) : image_(image), access_(image_.As<IPixelAccess>()) {
     Demand(image_->DataType(0, &type_));
     Demand(image_->Dimensions(&bands_, &width_, &height_));
     if (bands_ < 1 || width_ < 1 || height_ < 1) throw FailedResult(E_FAIL);
@@ -56,8 +53,8 @@ TCoordinateMap SourceImage::Coordinates() const {
 
 void SourceImage::GetMicronsPerPixel(double& x, double& y) const {
     x = y = 0;
-    ComPtr<IImageFile> file;
-    if (FAILED(image_->QueryInterface(__uuidof(IImageFile), file.OutVoid())) || !file) return;
+    const ComPtr<IImageFile> file = image_.As<IImageFile>();
+    if (!file) return;
     if (file->GetMicronsPerPixel(&x, &y) != S_OK || !(x > 0) || !(y > 0)) x = y = 0;
 }
 
@@ -65,11 +62,8 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
     void* base = nullptr;
     VPAEntry* table = nullptr;
     Demand(image_->VPA(band, &base, &table));
-    if (!base || !table) throw FailedResult(E_FAIL);
-    ComPtr<IPixelAccess> access;
-    if (SUCCEEDED(image_->QueryInterface(__uuidof(IPixelAccess), access.OutVoid())) && access &&
-        access->Accessible() != S_OK)
-        throw FailedResult(E_FAIL);
+    if (!base || !table || band < 0 || band >= bands_) throw FailedResult(E_FAIL);
+    if (access_ && access_->Accessible() != S_OK) throw FailedResult(E_FAIL);
     LONG bands = 0;
     LONG width = 0;
     LONG height = 0;

@@ -4,6 +4,10 @@
 
 #include <orlix/orlix.h>
 
+#include <vector>
+
+#include <orlix/com_ptr.hpp>
+
 #include "image/image_store.hpp"
 #include "image/pixel_view.hpp"
 
@@ -25,13 +29,15 @@ struct BandRange {
     int32_t count() const { return last - first + 1; }
 };
 
-// BI_AllBands gives all bands, any other value just that band, which is not checked.
+// BI_AllBands gives all bands, any other value just that band, which is not checked: it may not exist.
 BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
 //  (1) calls that fail, sizes below 1, null pointers, an image without pixels and one with a refused buffer are E_FAIL;
 //  (2) size and type are asked for again after the pointers were handed out, and if they have changed it is E_FAIL;
-//  (3) pixels are read in the type that the caller has found in type().
+//  (3) pixels are read in the type that the caller has found in type();
+//  (4) the image is kept alive, and it may call back into anything each time that it is asked: whoever writes somewhere
+//      gets all views first and looks at the place afterwards.
 class SourceImage {
 public:
     // image is not null.
@@ -45,12 +51,16 @@ public:
     // Calibration, where the image answers IImageFile; zeros otherwise.
     void GetMicronsPerPixel(double& x, double& y) const;
 
-    // A band that does not exist fails as the image itself reports it.
+    // A band that does not exist fails as the image itself reports it, and with E_FAIL where the image says nothing.
     void RequireBand(int32_t band) const { Locate(band); }
     template <class Pixel>
-    PixelView<const Pixel> view(int32_t band) const {
-        const Address address = Locate(band);
-        return {static_cast<const Pixel*>(address.base), address.table, width_, height_};
+    std::vector<PixelView<const Pixel>> views(BandRange bands) const {
+        std::vector<PixelView<const Pixel>> views;
+        for (int32_t i = 0; i < bands.count(); ++i) {
+            const Address address = Locate(bands.first + i);
+            views.emplace_back(static_cast<const Pixel*>(address.base), address.table, width_, height_);
+        }
+        return views;
     }
 
 private:
@@ -60,7 +70,8 @@ private:
     };
     Address Locate(int32_t band) const;
 
-    IImageVPA* image_;
+    ComPtr<IImageVPA> image_;
+    ComPtr<IPixelAccess> access_;  // null for images of other components
     LONG width_ = 0;
     LONG height_ = 0;
     LONG bands_ = 0;

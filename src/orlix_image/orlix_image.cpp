@@ -10,10 +10,15 @@ std::shared_ptr<DisplayedImage> OrlixImage::Typed() {
     return typed_;
 }
 
+void OrlixImage::LetGo() noexcept {
+    events_.Close();
+    Take(nullptr);
+}
+
 void OrlixImage::Take(std::shared_ptr<DisplayedImage> typed) {
-    typed_ = std::move(typed);
-    const ImageLayout layout = typed_ ? typed_->store().layout() : ImageLayout();
+    const ImageLayout layout = typed ? typed->store().layout() : ImageLayout();
     zoom_.SetImageSize(layout.width, layout.height);
+    typed_.swap(typed);
 }
 
 void OrlixImage::CreateTyped(LONG dataType, const std::function<void(ImageStore&)>& creation) {
@@ -33,8 +38,8 @@ void OrlixImage::CreateTyped(LONG dataType, const std::function<void(ImageStore&
         throw;
     }
     target->ContentReplaced();
-    Take(target);
     modified_ = true;
+    Take(target);
 }
 
 STDMETHODIMP OrlixImage::Dimensions(LONG* bands, LONG* width, LONG* height) noexcept {
@@ -115,8 +120,10 @@ STDMETHODIMP OrlixImage::AttachBuffer(void* buffer, LONG width, LONG height, LON
                                       LONG zero) noexcept {
     return Guarded([&] {
         if (!buffer) throw Failure("IImageVPAEx::AttachBuffer: no source buffer.", DISP_E_EXCEPTION);
-        CreateTyped(dataType,
-                    [&](ImageStore& store) { store.Attach(buffer, width, height, bands, dataType, zero != 0); });
+        const ImageStore* const former = typed_ ? &typed_->store() : nullptr;
+        CreateTyped(dataType, [&](ImageStore& store) {
+            store.Attach(buffer, width, height, bands, dataType, zero != 0, former);
+        });
     });
 }
 

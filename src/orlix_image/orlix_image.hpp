@@ -218,12 +218,16 @@ public:
     STDMETHODIMP get_NumberOfKernels(LONG* number) noexcept override;
     STDMETHODIMP GetKernel(LONG index, BSTR* kernel, BSTR* variant) noexcept override;
 
+    // For Object.
+    void LetGo() noexcept;
+
 private:
     // The typed image, or E_FAIL without a text when there is none. Shared: a client's region or source may call back and
     // make this object take another typed image while the one it had is at work.
     std::shared_ptr<orlix::DisplayedImage> Typed();
 
-    // The typed image from now on, whose size is the picture's. May be null.
+    // The typed image from now on, whose size is the picture's. May be null. The former one goes last: its region may be
+    // given back with it, and call.
     void Take(std::shared_ptr<orlix::DisplayedImage> typed);
 
     // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A failure

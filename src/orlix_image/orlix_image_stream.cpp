@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    IStream* stream_;
+    ComPtr<IStream> stream_;
 };
 
 void WriteTo(IStream* stream, std::span<const uint8_t> bytes) {
@@ -81,9 +81,9 @@ void OrlixImage::LoadFrom(IStream* stream) {
     target->ContentReplaced();
     PutSettings(image.settings, *target);
     target->store().SetModified(false);
-    Take(target);
     modified_ = false;
     initialised_ = true;
+    Take(target);
 }
 
 STDMETHODIMP OrlixImage::GetClassID(CLSID* clsid) noexcept {
@@ -121,10 +121,17 @@ STDMETHODIMP OrlixImage::Save(IStream* stream, BOOL clearDirty) noexcept {
         if (store.refused()) throw FailedResult(E_FAIL);
         // All of it before the first write: the stream may call back and change the image.
         const StreamBytes bytes = WriteImageStream(store.dataType(), store.content(), SettingsOf(*typed));
-        for (const std::span<const uint8_t> piece : bytes.pieces()) WriteTo(stream, piece);
-        if (!clearDirty) return;
-        modified_ = false;
-        store.SetModified(false);
+        const ComPtr<IStream> held(stream);
+        const uint64_t changes = store.changes();
+        const bool modified = std::exchange(modified_, false);  // what the stream's calls change sets it again
+        try {
+            for (const std::span<const uint8_t> piece : bytes.pieces()) WriteTo(stream, piece);
+        } catch (...) {
+            modified_ |= modified;
+            throw;
+        }
+        if (!clearDirty) modified_ |= modified;
+        if (clearDirty && store.changes() == changes) store.SetModified(false);
     });
 }
 

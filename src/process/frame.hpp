@@ -1,35 +1,20 @@
-// The processing frame of one pixel type, above whatever else a TypedImage is to offer (Base). Only one file includes this,
-// display/displayed_image.cpp.
+// The processing frame of one pixel type, above whatever else a TypedImage is to offer (Base): it asks clients for what an
+// operation is to visit, and applies it. Only one file includes this, display/displayed_image.cpp.
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <optional>
-#include <span>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "image/source_image.hpp"
 #include "process/angled_hemisphere_fit.hpp"
-#include "process/casting.hpp"
-#include "process/correction.hpp"
-#include "process/counting.hpp"
-#include "process/extremes.hpp"
 #include "process/extremum.hpp"
-#include "process/filtering.hpp"
-#include "process/hemisphere_fit.hpp"
 #include "process/linear_filter_kernels.hpp"
-#include "process/look_ahead.hpp"
-#include "process/measuring.hpp"
 #include "process/median_kernels.hpp"
-#include "process/pixel_conversion.hpp"
-#include "process/point_operations.hpp"
-#include "process/region_pixels.hpp"
+#include "process/operations.hpp"
 #include "process/robust_fit.hpp"
+#include "process/selection.hpp"
 #include "process/sobel_kernels.hpp"
-#include "process/surface_fit.hpp"
-#include "process/table_look_up.hpp"
-#include "process/threshold.hpp"
 #include "process/typed_image.hpp"
 
 namespace orlix {
@@ -39,13 +24,14 @@ class Frame : public Base {
 public:
     using Pixel = typename Image::Pixel;
     using Base::bandToProcess;
-    using Base::numberOfBins;
     using typename Base::FitTexts;
     using typename Base::RobustTexts;
 
     explicit Frame(LONG dataType) : image_(dataType) {}
 
     ImageStore& store() override { return image_; }
+
+    LONG numberOfBins() const override { return settings_.bins; }
 
     void PutNumberOfBins(LONG bins) override {
         if constexpr (kIsByte) {
@@ -54,23 +40,24 @@ public:
                     "IImageProcess::put_NumberOfBins: number of bins cannot be changed from 256 for byte images.");
         } else {
             if (bins <= 1) throw Failure("IImageProcess::put_NumberOfBins: there must be more than one bin.");
-            if (bins != numberOfBins()) table_.clear();
+            if (bins != settings_.bins) settings_.table = nullptr;
         }
-        this->SetNumberOfBins(bins);
+        settings_.bins = bins;
     }
 
     void GetLuminanceRange(double& lower, double& upper) const override {
-        lower = lower_;
-        upper = upper_;
+        lower = settings_.lower;
+        upper = settings_.upper;
     }
 
     void PutLuminanceRange(double lower, double upper) override {
-        lower_ = TruncateToPixel<Pixel>(lower);
-        upper_ = TruncateToPixel<Pixel>(upper);
+        settings_.lower = TruncateToPixel<Pixel>(lower);
+        settings_.upper = TruncateToPixel<Pixel>(upper);
     }
 
     HRESULT SnapLuminanceRange(double trimLower, double trimUpper, bool roundOut) override {
-        const auto range = TrimmedRange(Select(), trimLower, trimUpper, numberOfBins());
+        const Selected at = Select();
+        const auto range = TrimmedRange(at, trimLower, trimUpper, at.settings().bins);
         if (!range) return S_FALSE;
         PutLuminanceRange(range->lower, range->upper);
         if (kIsByte && roundOut) PutLuminanceRange(0.0, 255.0);
@@ -78,315 +65,168 @@ public:
     }
 
     ComPtr<OrlixBitmap> Threshold(double lower, double upper, bool inside) override {
-        const int32_t band = SingleBand("IImageProcess::Threshold: multiband thresholding is not supported.");
+        const LONG band = SingleBand("IImageProcess::Threshold: multiband thresholding is not supported.");
         RequirePixels();
-        auto bitmap = OrlixBitmap::Make();
-        PassOn(bitmap->Create(image_.layout().width, image_.layout().height, 1));
         if (!(lower <= upper)) throw Failure("IImageProcess::Threshold: Lower cannot be larger than Upper.");
-
-        const ThresholdOperation<Pixel> threshold(CeilToPixel<Pixel>(lower), FloorToPixel<Pixel>(upper), inside);
-        const Selection selection = Select();
-        const PixelView<Pixel> view = image_.view(band);
-        BitmapStore& bits = bitmap->store();
-        ForEachRun(selection, view, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) {
-            threshold(pixels, n, x, bits.WriteRow(y));
-        });
-        return bitmap;
+        return ThresholdOf(Select(band), lower, upper, inside);
     }
 
-    ComPtr<OrlixHistogram> Histogram() override { return HistogramOver(Select(), lower_, upper_, numberOfBins()); }
+    ComPtr<OrlixHistogram> Histogram() override { return HistogramOf(Select()); }
 
     SGrayMeasurements GrayMeasurements(LONG desired) override {
-        SingleBand("IImageProcessBase::get_GrayMeasurements: multiband measurement is not supported.");
-        Measurer<Pixel> measurer((desired & GEMT_GrayLocation) != 0, (desired & GEMT_GrayStatistics) != 0);
-        ForEachRun(Select(), [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { measurer(pixels, n, x, y); });
-        const GrayMeasures measures = measurer.Finish();
-        return {sizeof(SGrayMeasurements),
-                static_cast<LONG>(std::min<uint64_t>(measures.count, std::numeric_limits<LONG>::max())),
-                measures.xCentroid,
-                measures.yCentroid,
-                measures.average,
-                measures.standardDeviation};
+        const LONG band =
+            SingleBand("IImageProcessBase::get_GrayMeasurements: multiband measurement is not supported.");
+        return GrayMeasurementsOf(Select(band), desired);
     }
 
     double GetTable(LONG entry) const override {
-        if (entry < 0 || entry >= numberOfBins()) throw Failure("IImageProcess::get_Table: Entry is out of range.");
-        return table_.empty() ? DefaultEntry(entry) : table_[static_cast<size_t>(entry)];
+        if (entry < 0 || entry >= settings_.bins) throw Failure("IImageProcess::get_Table: Entry is out of range.");
+        return settings_.table ? (*settings_.table)[static_cast<size_t>(entry)] : DefaultEntry(settings_, entry);
     }
 
     void PutTable(LONG entry, double value) override {
-        if (entry < 0 || entry >= numberOfBins()) throw Failure("IImageProcess::put_Table: Entry is out of range.");
-        FillTable();
-        table_[static_cast<size_t>(entry)] = ToPixel<Pixel>(value);
+        if (entry < 0 || entry >= settings_.bins) throw Failure("IImageProcess::put_Table: Entry is out of range.");
+        // An operation under way may hold the table: it is changed only while nobody else has it.
+        auto& table = settings_.table;
+        if (!table || table.use_count() > 1) table = std::make_shared<std::vector<Pixel>>(TableOf(settings_));
+        (*table)[static_cast<size_t>(entry)] = ToPixel<Pixel>(value);
     }
 
     void EqualizeTable(LONG type) override {
-        const ComPtr<OrlixHistogram> histogram = Histogram();
-        LONG* bins = nullptr;
-        LONG count = 0;
-        PassOn(histogram->get_Bins(&bins));
-        PassOn(histogram->get_NumberOfBins(&count));
-        const std::span<const LONG> counts(bins, static_cast<size_t>(count));
-        int64_t total = 0;
-        for (const LONG c : counts) total += c;
-        if (total < 1) throw Failure("IImageProcess::EqualizeTable: empty histogram");
-        if (type != ET_Uniform && type != ET_UpperTriangular) return;
-
-        FillTable();
-        const double range = static_cast<double>(upper_) - static_cast<double>(lower_);
-        int64_t cumulative = 0;
-        for (size_t i = 0; i < counts.size(); ++i) {
-            cumulative += counts[i];
-            const auto c = static_cast<double>(cumulative);
-            const auto t = static_cast<double>(total);
-            table_[i] = ToPixel<Pixel>(static_cast<double>(lower_) +
-                                       (type == ET_Uniform ? range * c / t : range * std::sqrt(c / t)));
-        }
+        if (auto table = EqualizedTable(Select(), type))
+            settings_.table = std::make_shared<std::vector<Pixel>>(std::move(*table));
     }
 
     void LookUp() override {
-        if constexpr (kIsByte) {
-            FillTable();
-            Pixel entries[256];
-            std::copy(table_.begin(), table_.end(), entries);
-            Apply(PointOperation<Pixel>::LookUp(entries));
-        } else {
-            Apply(TableLookUp<Pixel>(lower_, upper_, ShapeOfHistogram(lower_, upper_, numberOfBins()), table_));
-        }
+        Change(Select(), [](const Selected& at) { orlix::LookUp(at); });
     }
 
-    void Invert() override { Apply(PointOperation<Pixel>::Invert(lower_, upper_)); }
-    void ScalarEquals(double value) override { Apply(PointOperation<Pixel>::Fill(ToPixel<Pixel>(value))); }
-    void ScalarPlusEquals(double value) override { Apply(PointOperation<Pixel>::Add(value, lower_, upper_)); }
+    void Invert() override {
+        Apply([](const Settings& by) { return PointOperation<Pixel>::Invert(by.lower, by.upper); });
+    }
+    void ScalarEquals(double value) override {
+        Apply([=](const Settings&) { return PointOperation<Pixel>::Fill(ToPixel<Pixel>(value)); });
+    }
+    void ScalarPlusEquals(double value) override {
+        Apply([=](const Settings& by) { return PointOperation<Pixel>::Add(value, by.lower, by.upper); });
+    }
     void ScalarDivideEquals(double value) override {
         if (value == 0.0) throw Failure("IImageProcess::ScalarDivideEquals: cannot divide by zero.");
-        Apply(PointOperation<Pixel>::Divide(value));
+        Apply([=](const Settings&) { return PointOperation<Pixel>::Divide(value); });
     }
 
     void CastEquals(IImageVPA* source, LONG band) override {
-        static constexpr SourceTexts kTexts = {
-            "IImageProcess::CastEquals: unsupported DataType.",
-            "IImageProcess::CastEquals: mismatch in the number of bands to process."};
-        Combine<CastOperation>(source, band, kTexts);
+        Combine<CastOperation>(source, band,
+                               {"IImageProcess::CastEquals: unsupported DataType.",
+                                "IImageProcess::CastEquals: mismatch in the number of bands to process."});
     }
 
     void PlusEquals(IImageVPA* source, LONG band) override {
-        static constexpr SourceTexts kTexts = {
-            "IImageProcess::PlusEquals: unsupported DataType.",
-            "IImageProcess::PlusEquals: mismatch in the number of bands to process."};
-        Combine<PlusOperation>(source, band, kTexts);
+        Combine<PlusOperation>(source, band,
+                               {"IImageProcess::PlusEquals: unsupported DataType.",
+                                "IImageProcess::PlusEquals: mismatch in the number of bands to process."});
     }
 
     void Sobel(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kSobel<Pixel>, 1), source, band,
-               {"IImageProcess::Sobel: data type mismatch.",
-                "IImageProcess::Sobel: mismatch in the number of bands to process."});
+        FilterBy(kSobel<Pixel>, 1, source, band,
+                 {"IImageProcess::Sobel: data type mismatch.",
+                  "IImageProcess::Sobel: mismatch in the number of bands to process."});
     }
 
     void Laplacian(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kLaplacian<Pixel>, 1), source, band,
-               {"IImageProcess::Laplacian: data type mismatch.",
-                "IImageProcess::Laplacian: mismatch in the number of bands to process."});
+        FilterBy(kLaplacian<Pixel>, 1, source, band,
+                 {"IImageProcess::Laplacian: data type mismatch.",
+                  "IImageProcess::Laplacian: mismatch in the number of bands to process."});
     }
 
     void SharpenLow(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kSharpenLow<Pixel>, 1), source, band,
-               {"IImageProcess::SharpenLow: data type mismatch.",
-                "IImageProcess::SharpenLow: mismatch in the number of bands to process."});
+        FilterBy(kSharpenLow<Pixel>, 1, source, band,
+                 {"IImageProcess::SharpenLow: data type mismatch.",
+                  "IImageProcess::SharpenLow: mismatch in the number of bands to process."});
     }
 
     void SharpenMedium(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kSharpenMedium<Pixel>, 1), source, band,
-               {"IImageProcess::SharpenMedium: data type mismatch.",
-                "IImageProcess::SharpenMedium: mismatch in the number of bands to process."});
+        FilterBy(kSharpenMedium<Pixel>, 1, source, band,
+                 {"IImageProcess::SharpenMedium: data type mismatch.",
+                  "IImageProcess::SharpenMedium: mismatch in the number of bands to process."});
     }
 
     void Gaussian3x3(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kGaussian3x3<Pixel>, 1), source, band,
-               {"IImageProcess::Gaussian3x3: data type mismatch.",
-                "IImageProcess::Gaussian3x3: mismatch in the number of bands to process."});
+        FilterBy(kGaussian3x3<Pixel>, 1, source, band,
+                 {"IImageProcess::Gaussian3x3: data type mismatch.",
+                  "IImageProcess::Gaussian3x3: mismatch in the number of bands to process."});
     }
 
     void Gaussian5x5(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kGaussian5x5<Pixel>, 2), source, band,
-               {"IImageProcess::Gaussian5x5: data type mismatch.",
-                "IImageProcess::Gaussian5x5: mismatch in the number of bands to process."});
+        FilterBy(kGaussian5x5<Pixel>, 2, source, band,
+                 {"IImageProcess::Gaussian5x5: data type mismatch.",
+                  "IImageProcess::Gaussian5x5: mismatch in the number of bands to process."});
     }
 
     void ExtremumSharpening(LONG halfSize, IImageVPA* source, LONG band) override {
-        Filter(orlix::ExtremumSharpening<Pixel>(halfSize, {lower_, upper_}), source, band,
-               {"IImageProcess::ExtremumSharpening: data type mismatch.",
-                "IImageProcess::ExtremumSharpening: mismatch in the number of bands to process."});
+        Filter(
+            [=](const Settings& by) {
+                return orlix::ExtremumSharpening<Pixel>(halfSize, {by.lower, by.upper});
+            },
+            source, band,
+            {"IImageProcess::ExtremumSharpening: data type mismatch.",
+             "IImageProcess::ExtremumSharpening: mismatch in the number of bands to process."});
     }
 
     void Median3x3(IImageVPA* source, LONG band) override {
-        Filter(Neighbourhood(kMedian3x3<Pixel>, 1), source, band,
-               {"IImageProcess::Median3x3: data type mismatch.",
-                "IImageProcess::Median3x3: mismatch in the number of bands to process."});
+        FilterBy(kMedian3x3<Pixel>, 1, source, band,
+                 {"IImageProcess::Median3x3: data type mismatch.",
+                  "IImageProcess::Median3x3: mismatch in the number of bands to process."});
     }
 
     HRESULT FitPolynomial(int degree, const FitTexts& texts, SurfacePolynomial& surface) override {
-        SingleBand(texts.multiband);
-        const Selection selection = Select();
-        const PixelBounds bounds = BoundsOf(selection.rows);
-        if (bounds.empty()) return S_FALSE;
-        SurfaceFitter<Pixel> fitter(degree, selection.rows, bounds);
-        ForEachRun(selection, [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { fitter(pixels, n, x, y); });
-        if (!fitter.Finish(surface)) throw Failure(texts.notFinite);
-        return S_OK;
+        return PolynomialOf(Select(SingleBand(texts.multiband)), degree, texts.notFinite, surface);
     }
 
     void CorrectPolynomial(const SurfacePolynomial& surface, const char* notFinite) override {
         if (!surface.finite()) throw Failure(notFinite);
-        const Corrector<Pixel> corrector(lower_, upper_);
-        ForEachRun(Select(),
-                   [&](Pixel* pixels, size_t n, int32_t x, int32_t y) { corrector.Apply(pixels, n, x, y, surface); });
-        image_.SetModified(true);
+        Change(Select(), [&](const Selected& at) { SubtractPolynomial(at, surface); });
     }
 
     HRESULT FitHemisphere(bool angled, const FitTexts& texts, AveragedHemisphere& surface) override {
-        const int32_t band = SingleBand(texts.multiband);
-        const Selection selection = Select();
-        const RegionPixels<Pixel> pixels(image_.view(band), selection.rows);
-        if (pixels.count() == 0) return S_FALSE;
-        Measurer<Pixel> measurer(false, true);
-        pixels.ForEachRun([&](const Pixel* run, size_t n, int32_t x, int32_t y) { measurer(run, n, x, y); });
-        const double average = measurer.Finish().average;
-        if (!std::isfinite(average)) throw Failure(texts.notFinite);
-        const auto fit = angled ? FitAngledHemisphere(pixels, average) : orlix::FitHemisphere(pixels, average);
-        if (!fit) return S_FALSE;
-        surface = {*fit, average};
-        return S_OK;
+        return HemisphereOf(
+            Select(SingleBand(texts.multiband)), texts.notFinite,
+            [=](const RegionPixels<Pixel>& pixels, double average) {
+                return angled ? FitAngledHemisphere(pixels, average) : orlix::FitHemisphere(pixels, average);
+            },
+            surface);
     }
 
     void CorrectHemisphere(const AveragedHemisphere& surface, const char* notFinite) override {
         const HemisphereSurface heights(surface.hemisphere);
         if (!heights.finite() || !std::isfinite(surface.average)) throw Failure(notFinite);
-        const Corrector<Pixel> corrector(lower_, upper_);
-        ForEachRun(Select(), [&](Pixel* pixels, size_t n, int32_t x, int32_t y) {
-            constexpr size_t kPiece = 512;  // the shifts stay in the first cache
-            double shifts[kPiece];
-            for (size_t done = 0; done < n; done += kPiece) {
-                const size_t part = std::min(n - done, kPiece);
-                heights.Values(x + static_cast<int32_t>(done), y, part, shifts);
-                for (size_t i = 0; i < part; ++i) shifts[i] = surface.average - shifts[i];
-                corrector.Apply(pixels + done, shifts, part);
-            }
-        });
-        image_.SetModified(true);
+        Change(Select(), [&](const Selected& at) { SubtractHemisphere(at, heights, surface.average); });
     }
 
     HRESULT RobustFit(int degree, double probability, const RobustTexts& texts, SurfacePolynomial& surface) override {
-        return RobustFitOf(probability, texts, surface, [&](const RegionPixels<Pixel>& pixels) {
+        return RobustFitOf(probability, texts, surface, [=](const RegionPixels<Pixel>& pixels) {
             return RobustPolynomial(pixels, degree, probability);
         });
     }
 
     HRESULT RobustFit(bool angled, double probability, const RobustTexts& texts, AveragedHemisphere& surface) override {
-        return RobustFitOf(probability, texts, surface, [&](const RegionPixels<Pixel>& pixels) {
+        return RobustFitOf(probability, texts, surface, [=](const RegionPixels<Pixel>& pixels) {
             return RobustHemisphere(pixels, angled, probability);
         });
     }
 
 protected:
     static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
-
-    // The pixels that an operation visits.
-    struct Selection {
-        int32_t width;  // of the image when it was asked
-        int32_t height;
-        BandRange bands;
-        RegionRows rows;
-    };
+    using Selected = Selection<Pixel>;
+    using Settings = FrameSettings<Pixel>;
 
     void RequirePixels() const {
         if (image_.empty() || image_.refused()) throw FailedResult(E_FAIL);
     }
 
-    Selection Select() { return Select(bandToProcess()); }
-    Selection Select(LONG band) {
-        RequirePixels();
-        const int32_t width = image_.layout().width;
-        const int32_t height = image_.layout().height;
-        const BandRange bands = BandsOf(band, image_.layout().bands);
-        const ComPtr<IRegionOfInterest> region = this->region();
-        Selection selection{width, height, bands, {region.get(), width, height}};
-        RequireUnchanged(selection);
-        return selection;
-    }
-
-    // After a call of a client's region or source, which may have called this image: whether the pixels are still there.
-    void RequireUnchanged(const Selection& selection) const {
-        RequirePixels();
-        const ImageLayout& layout = image_.layout();
-        if (layout.width != selection.width || layout.height != selection.height ||
-            layout.bands <= selection.bands.last)
-            throw FailedResult(E_FAIL);
-    }
-
-    // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right. Runs of large images come in
-    // parts.
-    template <class Visit>
-    void ForEachRun(const Selection& selection, const Visit& visit) {
-        for (int32_t band = selection.bands.first; band <= selection.bands.last; ++band)
-            ForEachRun(selection, image_.view(band), visit);
-    }
-    template <class Visit>
-    void ForEachRun(const Selection& selection, const PixelView<Pixel>& view, const Visit& visit) {
-        constexpr int32_t kPart = LookAhead<Pixel>::kPart;
-        const RegionRows& rows = selection.rows;
-        LookAhead ahead(rows, view, image_.layout().bandSize);
-        for (int32_t y = rows.top(); y <= rows.bottom(); ++y)
-            for (const Run run : rows.row(y)) {
-                Pixel* const row = view.row(y);
-                if (!ahead.active()) {
-                    if (y < rows.bottom()) FetchStart(view.row(y + 1), run);
-                    visit(row + run.start, static_cast<size_t>(run.length()), run.start, y);
-                    continue;
-                }
-                for (int64_t x = run.start; x <= run.stop;) {
-                    const int64_t n = std::min<int64_t>(run.stop - x + 1, kPart - x % kPart);
-                    ahead.Advance(n);
-                    visit(row + x, static_cast<size_t>(n), static_cast<int32_t>(x), y);
-                    x += n;
-                }
-            }
-    }
-
-    ComPtr<OrlixHistogram> HistogramOver(const Selection& selection, Pixel lower, Pixel upper, LONG mostBins) {
-        const uint64_t expected =
-            static_cast<uint64_t>(selection.rows.pixels()) * static_cast<uint64_t>(selection.bands.count());
-        Counter<Pixel> counter(lower, upper, mostBins, expected);
-        auto histogram = OrlixHistogram::Make();
-        const HistogramShape& shape = counter.shape();
-        PassOn(histogram->Create(shape.bins, shape.left, shape.right));
-        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { counter(pixels, n); });
-        LONG* bins = nullptr;
-        PassOn(histogram->get_Bins(&bins));
-        counter.Histogram({bins, static_cast<size_t>(shape.bins)});
-        return histogram;
-    }
-
-    struct GreyRange {
-        double lower;
-        double upper;
-    };
-    // The least and the greatest pixel where nothing is to be trimmed, else what AutoThresholdTrim finds in a histogram
-    // between the two. None for a region without pixels; the texts of AutoThresholdTrim.
-    std::optional<GreyRange> TrimmedRange(const Selection& selection, double trimLower, double trimUpper,
-                                          LONG mostBins) {
-        Extremes<Pixel> extremes;
-        ForEachRun(selection, [&](const Pixel* pixels, size_t n, auto...) { extremes(pixels, n); });
-        if (!extremes.Any()) return {};
-        GreyRange range = {};
-        const Pixel least = ToPixel<Pixel>(extremes.Min());  // infinities have no place in a histogram
-        const Pixel most = ToPixel<Pixel>(extremes.Max());
-        const ComPtr<OrlixHistogram> histogram = HistogramOver(selection, least, most, mostBins);
-        PassOn(histogram->AutoThresholdTrim(trimLower, &range.lower, trimUpper, &range.upper));
-        if (trimLower == 0.0) range.lower = least;
-        if (trimUpper == 0.0) range.upper = most;
-        return range;
-    }
+    // What an operation without a source visits of a band, or of all bands.
+    Selected Select() { return Select(bandToProcess()); }
+    Selected Select(LONG band) { return Finish(Gather(band)); }
 
     Image image_;
 
@@ -396,149 +236,113 @@ private:
         const char* bands;
     };
 
-    // The bands of a source beside those of this image, the pixels of which an operation visits.
-    template <class From>
-    struct BandPairs {
-        Selection selection;
-        std::vector<PixelView<const From>> sources;
-    };
+    // Asks the region. The reference to it is given back before anything is relied on: the last one may call back, too.
+    Gathered Gather(LONG band) {
+        RequirePixels();
+        const int32_t width = image_.layout().width;
+        const int32_t height = image_.layout().height;
+        const BandRange bands = BandsOf(band, image_.layout().bands);
+        const ComPtr<IRegionOfInterest> region = this->region();
+        return {width, height, bands, {region.get(), width, height}};
+    }
 
-    int32_t SingleBand(const char* message) const {
+    // To be called when all clients that an operation needs have been asked.
+    Selected Finish(Gathered&& gathered) {
+        RequirePixels();
+        const ImageLayout& layout = image_.layout();
+        if (layout.width != gathered.width || layout.height != gathered.height || layout.bands <= gathered.bands.last)
+            throw FailedResult(E_FAIL);
+        const PixelView<Pixel> first = image_.view(gathered.bands.first);
+        return {std::move(gathered), settings_, first, layout.bandSize};
+    }
+
+    // The band to process, for operations that work on one only.
+    LONG SingleBand(const char* message) const {
         const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
         if (bands.count() > 1) throw Failure(message);
         return bands.first;
     }
 
+    template <class Operation>
+    void Change(const Selected& at, const Operation& operation) {
+        operation(at);
+        image_.SetModified(true);
+    }
+
+    // make(settings) gives what is applied to all pixels.
+    template <class Make>
+    void Apply(const Make& make) {
+        Change(Select(), [&](const Selected& at) { ApplyTo(at, make(at.settings())); });
+    }
+
     template <class Surface, class Fit>
     HRESULT RobustFitOf(double probability, const RobustTexts& texts, Surface& surface, const Fit& fitTo) {
         if (!(probability > 0.0 && probability <= 1.0)) throw Failure(texts.probability);
-        const int32_t band = SingleBand(texts.multiband);
-        const Selection selection = Select();
-        const auto fit = fitTo(RegionPixels<Pixel>(image_.view(band), selection.rows));
+        const Selected at = Select(SingleBand(texts.multiband));
+        const auto fit = fitTo(RegionPixels<Pixel>(at.view(0), at.rows()));
         if (!fit) return S_FALSE;
         surface = *fit;
         return S_OK;
     }
 
-    template <class Operation>
-    void Apply(const Operation& operation) {
-        ForEachRun(Select(), [&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
+    // change(at, sources) on the bands to process and as many of the source.
+    template <class From, class Change>
+    void ChangeFrom(const SourceImage& source, LONG sourceBand, const SourceTexts& texts, const Change& change) {
+        const BandRange from = BandsOf(sourceBand, source.bands());
+        if (from.count() != BandsOf(bandToProcess(), image_.layout().bands).count()) throw Failure(texts.bands);
+        Gathered gathered = Gather(bandToProcess());
+        SourceViews<From> sources = source.template views<From>(from);
+        const Selected at = Finish(std::move(gathered));
+        if (static_cast<size_t>(at.bands()) != sources.size()) throw FailedResult(E_FAIL);
+        change(at, std::move(sources));
         image_.SetModified(true);
-    }
-
-    // Entry of a table that nothing was put into: the location of the bin, so that looking up changes little or nothing.
-    double DefaultEntry(LONG entry) const {
-        if (kIsByte) return entry;
-        const HistogramShape shape = ShapeOfHistogram(lower_, upper_, numberOfBins());
-        const double width = shape.right - shape.left;
-        const bool values = !kIsFloat<Pixel> && width + 1 == shape.bins;
-        return ToPixel<Pixel>(values ? shape.left + entry : shape.left + width * (entry + 0.5) / shape.bins);
-    }
-
-    void FillTable() {
-        if (!table_.empty()) return;
-        std::vector<Pixel> table(static_cast<size_t>(numberOfBins()));
-        for (size_t i = 0; i < table.size(); ++i) table[i] = static_cast<Pixel>(DefaultEntry(static_cast<LONG>(i)));
-        table_ = std::move(table);
     }
 
     template <template <class, class> class Operation>
     void Combine(IImageVPA* image, LONG band, const SourceTexts& texts) {
         RequirePixels();
         const SourceImage source(image);
+        const auto combine = [&]<class From>(Operation<Pixel, From> operation) {
+            ChangeFrom<From>(source, band, texts, [&](const Selected& at, const SourceViews<From>& sources) {
+                CombineWith(at, sources, operation);
+            });
+        };
         switch (source.type()) {
             case DT_BYTE:
-                return CombineFrom<BYTE>(Operation<Pixel, BYTE>(), source, band, texts);
+                return combine(Operation<Pixel, BYTE>());
             case DT_WORD:
-                return CombineFrom<WORD>(Operation<Pixel, WORD>(), source, band, texts);
+                return combine(Operation<Pixel, WORD>());
             case DT_DWORD:
-                return CombineFrom<uint32_t>(Operation<Pixel, uint32_t>(), source, band, texts);
+                return combine(Operation<Pixel, uint32_t>());
             case DT_Float:
-                return CombineFrom<float>(Operation<Pixel, float>(), source, band, texts);
+                return combine(Operation<Pixel, float>());
             default:
                 throw Failure(texts.type);
         }
     }
 
-    template <class From>
-    BandPairs<From> Pair(const SourceImage& source, LONG sourceBand, const SourceTexts& texts) {
-        const BandRange from = BandsOf(sourceBand, source.bands());
-        if (from.count() != BandsOf(bandToProcess(), image_.layout().bands).count()) throw Failure(texts.bands);
-        BandPairs<From> pairs{Select(), {}};
-        for (int32_t band = from.first; band <= from.last; ++band) pairs.sources.push_back(source.view<From>(band));
-        RequireUnchanged(pairs.selection);
-        return pairs;
-    }
-
-    template <class From, class Operation>
-    void CombineFrom(const Operation& operation, const SourceImage& source, LONG sourceBand, const SourceTexts& texts) {
-        const auto [selection, views] = Pair<From>(source, sourceBand, texts);
-        for (size_t k = 0; k < views.size(); ++k) {
-            const PixelView<Pixel> to = image_.view(selection.bands.first + static_cast<int32_t>(k));
-            const int32_t adjacent = views[k].AdjacentColumns();
-            const int32_t bottom = static_cast<int32_t>(
-                std::min<int64_t>(selection.rows.bottom(), int64_t{source.height()} + kTableMargin - 1));
-            for (int32_t y = selection.rows.top(); y <= bottom; ++y)
-                for (const Run run : selection.rows.row(y)) {
-                    if (y < bottom) {
-                        FetchStart(to.row(y + 1), run);
-                        if (run.start < adjacent) FetchStart(views[k].row(y + 1), run);
-                    }
-                    CombineRun(operation, views[k], adjacent, to.row(y), run, y);
-                }
-        }
-        image_.SetModified(true);
-    }
-
-    // Where the source's columns lie side by side its pixels are read where they are, elsewhere through the table into a
-    // short buffer. Pixels beyond the source's margin stay as they are.
-    template <class From, class Operation>
-    static void CombineRun(const Operation& operation, PixelView<const From> from, int32_t adjacent, Pixel* row,
-                           Run run, int32_t y) {
-        int64_t x = run.start;
-        const int64_t stop = std::min(int64_t{run.stop} + 1, int64_t{from.width()} + kTableMargin);
-        if (const int64_t direct = std::min<int64_t>(stop, adjacent); x < direct) {
-            operation(row + x, from.row(y) + x, static_cast<size_t>(direct - x));
-            x = direct;
-        }
-        From buffer[256];
-        while (x < stop) {
-            const int64_t n = std::min<int64_t>(stop - x, 256);
-            for (int64_t i = 0; i < n; ++i) buffer[i] = from.at(static_cast<int32_t>(x + i), y);
-            operation(row + x, buffer, static_cast<size_t>(n));
-            x += n;
-        }
-    }
-
-    template <size_t N>
-    NeighbourhoodFilter<Pixel> Neighbourhood(const Variant<FilterFn<Pixel>> (&variants)[N], int32_t radius) const {
-        return {Choose(variants), radius, {lower_, upper_}};
-    }
-
-    // filter(from, to, rows) writes the rows of a band from what lies within filter.radius() in a band of the source. A
-    // source in the memory of this image, itself above all, is copied before anything is written.
-    template <class Operation>
-    void Filter(const Operation& filter, IImageVPA* image, LONG band, const SourceTexts& texts) {
+    // make(settings) gives the filter, as FilterFrom takes it.
+    template <class Make>
+    void Filter(const Make& make, IImageVPA* image, LONG band, const SourceTexts& texts) {
         RequirePixels();
         const SourceImage source(image);
         if (source.type() != image_.dataType()) throw Failure(texts.type);
-        auto [selection, sources] = Pair<Pixel>(source, band, texts);
-        const uint8_t* const begin = image_.base(selection.bands.first);
-        const uint8_t* const end = image_.base(selection.bands.last) + image_.layout().bandSize;
-        std::vector<SourceCopy<Pixel>> copies;
-        for (PixelView<const Pixel>& from : sources) {
-            if (!SharesMemory(from, begin, end)) continue;
-            copies.emplace_back(from, selection.width, selection.rows.top(), selection.rows.bottom(), filter.radius());
-            from = copies.back().view();
-        }
-        for (size_t k = 0; k < sources.size(); ++k)
-            filter(sources[k], image_.view(selection.bands.first + static_cast<int32_t>(k)), selection.rows);
-        image_.SetModified(true);
+        ChangeFrom<Pixel>(source, band, texts, [&](const Selected& at, SourceViews<Pixel>&& sources) {
+            FilterFrom(at, std::move(sources), make(at.settings()));
+        });
     }
 
-    Pixel lower_ = kTypeMinimum<Pixel>;
-    Pixel upper_ = kTypeMaximum<Pixel>;
-    std::vector<Pixel> table_;  // of numberOfBins() entries, or empty while it holds the default
+    template <size_t N>
+    void FilterBy(const Variant<FilterFn<Pixel>> (&variants)[N], int32_t radius, IImageVPA* source, LONG band,
+                  const SourceTexts& texts) {
+        Filter(
+            [&](const Settings& by) {
+                return NeighbourhoodFilter<Pixel>(Choose(variants), radius, {by.lower, by.upper});
+            },
+            source, band, texts);
+    }
+
+    Settings settings_;
 };
 
 }  // namespace orlix

@@ -30,9 +30,10 @@ public:
     LONG bandToProcess() const { return bandToProcess_; }
     void PutBandToProcess(LONG band);
     const ComPtr<IRegionOfInterest>& region() const { return region_; }
+    // The new region is in its place when the old one is given back: that may call anything.
     void PutRegion(IRegionOfInterest* region) { region_ = ComPtr<IRegionOfInterest>(region); }
-    LONG numberOfBins() const { return numberOfBins_; }
 
+    virtual LONG numberOfBins() const = 0;
     virtual void PutNumberOfBins(LONG bins) = 0;
     virtual void GetLuminanceRange(double& lower, double& upper) const = 0;
     virtual void PutLuminanceRange(double lower, double upper) = 0;
@@ -86,11 +87,8 @@ public:
 protected:
     TypedImage() = default;
 
-    void SetNumberOfBins(LONG bins) { numberOfBins_ = bins; }
-
 private:
     LONG bandToProcess_ = 0;
-    LONG numberOfBins_ = 256;
     ComPtr<IRegionOfInterest> region_;
 };
 

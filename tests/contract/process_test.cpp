@@ -452,42 +452,16 @@ TEST(LargeImages, GiveWhatTheirRowsGive) {
     }
 }
 
-// A region of another component.
-class ForeignRegion final : public IRegionOfInterest {
-public:
-    HRESULT boxResult = S_OK, runsResult = S_OK;
-    LONG failingRow = 0;
-    std::vector<SRun> runs;
-    std::function<void()> onRuns;
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        *object = nullptr;
-        if (iid != __uuidof(IUnknown) && iid != __uuidof(IRegionOfInterest)) return E_NOINTERFACE;
-        *object = this;
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return 2; }  // lives on the test's stack
-    STDMETHODIMP_(ULONG) Release() noexcept override { return 1; }
-    STDMETHODIMP get_Width(LONG* width) noexcept override { return *width = 4, S_OK; }
-    STDMETHODIMP get_Height(LONG* height) noexcept override { return *height = 3, S_OK; }
-    STDMETHODIMP get_BoundingBox(RECT* box) noexcept override { return *box = {0, 0, 3, 2}, boxResult; }
-    STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override {
-        if (onRuns) onRuns();
-        *begin = runs.data();
-        *end = runs.data() + runs.size();
-        return row == failingRow ? runsResult : S_OK;
-    }
-};
-
 TEST(ForeignRegions, ThatFailHalfWayChangeNothing) {
     const Image<uint8_t> image(NewImage<uint8_t>(4, 3));
-    ForeignRegion region;
-    region.runs = {SRun{0, 3, 0, nullptr, nullptr, nullptr, nullptr}};
-    region.failingRow = 2;
-    region.runsResult = E_UNEXPECTED;
-    ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(&region));
+    const auto region = ForeignRegion::Make();
+    region->runs = {RunOf(0, 3)};
+    region->failingRow = 2;
+    region->runsResult = E_UNEXPECTED;
+    ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
     EXPECT_TRUE(FailsSilently(image.process->ScalarEquals(9), E_UNEXPECTED));
     EXPECT_THAT(image.values(), Each(0));
-    region.boxResult = E_NOTIMPL;
+    region->boxResult = E_NOTIMPL;
     IHistogram* histogram = nullptr;
     EXPECT_TRUE(FailsSilently(image.process->get_Histogram(&histogram), E_NOTIMPL));
     ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(nullptr));
@@ -495,12 +469,9 @@ TEST(ForeignRegions, ThatFailHalfWayChangeNothing) {
 
 TEST(ForeignRegions, VisitEachPixelOnceWhateverTheRuns) {
     const Image<uint8_t> image(NewImage<uint8_t>(4, 3));
-    ForeignRegion region;
-    region.runs = {SRun{2, 1000, 0, nullptr, nullptr, nullptr, nullptr},
-                   SRun{3, 1, 0, nullptr, nullptr, nullptr, nullptr},
-                   SRun{-5, 2, 0, nullptr, nullptr, nullptr, nullptr}};
-    region.failingRow = -1;
-    ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(&region));
+    const auto region = ForeignRegion::Make();
+    region->runs = {RunOf(2, 1000), RunOf(3, 1), RunOf(-5, 2)};
+    ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
     ASSERT_EQ(S_OK, image.process->ScalarPlusEquals(1));
     EXPECT_THAT(image.values(), Each(1));
     EXPECT_EQ(12, Measured(image.process, 3).m_lPixelCount);
@@ -509,16 +480,15 @@ TEST(ForeignRegions, VisitEachPixelOnceWhateverTheRuns) {
 
 TEST(ForeignRegions, MayReplaceTheImageThatAsksThem) {
     const Image<uint8_t> image(NewImage<uint8_t>(4, 3));
-    ForeignRegion region;
-    region.failingRow = -1;
-    region.runs = {SRun{0, 3, 0, nullptr, nullptr, nullptr, nullptr}};
-    ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(&region));
+    const auto region = ForeignRegion::Make();
+    region->runs = {RunOf(0, 3)};
+    ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
     for (const LONG type : {LONG{DT_BYTE}, LONG{DT_WORD}, LONG{DT_Double}}) {
         ASSERT_EQ(S_OK, image.pixels->Create(4, 3, 1, DT_BYTE, 1));
-        ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(&region));
-        region.onRuns = [&] { image.pixels->Create(1, 1, 1, type, 1); };
+        ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
+        region->onRuns = [&] { image.pixels->Create(1, 1, 1, type, 1); };
         image.process->ScalarEquals(1);  // no particular result, and no harm
-        region.onRuns = nullptr;
+        region->onRuns = nullptr;
     }
     ASSERT_EQ(S_OK, image.pixels->Create(4, 3, 1, DT_BYTE, 1));
     ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(nullptr));

@@ -93,4 +93,26 @@ HRESULT ForeignImage::GetCoords(TCoordinateMap* map) noexcept {
     return coordsResult;
 }
 
+STDMETHODIMP ForeignRegion::QueryInterface(REFIID iid, void** object) noexcept {
+    *object = iid == __uuidof(IUnknown) || iid == __uuidof(IRegionOfInterest) ? this : nullptr;
+    if (!*object) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+}
+
+STDMETHODIMP_(ULONG) ForeignRegion::Release() noexcept {
+    const ULONG left = --references_;
+    if (left > 0) return left;
+    if (onLastRelease) onLastRelease();
+    delete this;
+    return 0;
+}
+
+STDMETHODIMP ForeignRegion::GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept {
+    if (onRuns) onRuns();
+    *begin = runs.data();
+    *end = runs.data() + runs.size();
+    return row == failingRow ? runsResult : S_OK;
+}
+
 }  // namespace orlix::testing

@@ -95,4 +95,31 @@ private:
     ULONG references_ = 1;
 };
 
+inline SRun RunOf(LONG start, LONG stop) { return {start, stop, 0, nullptr, nullptr, nullptr, nullptr}; }
+
+// A region of another component: a box of rows that all have the same runs. The hooks may call anything.
+class ForeignRegion final : public IRegionOfInterest {
+public:
+    static ComPtr<ForeignRegion> Make() { return ComPtr<ForeignRegion>::Attach(new ForeignRegion); }
+
+    RECT box = {0, 0, 3, 2};
+    std::vector<SRun> runs;
+    HRESULT boxResult = S_OK, runsResult = S_OK;  // the latter of the failing row only
+    LONG failingRow = -1;
+    std::function<void()> onRuns, onLastRelease;
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() noexcept override;
+    STDMETHODIMP get_Width(LONG* width) noexcept override { return *width = box.right + 1, S_OK; }
+    STDMETHODIMP get_Height(LONG* height) noexcept override { return *height = box.bottom + 1, S_OK; }
+    STDMETHODIMP get_BoundingBox(RECT* outBox) noexcept override { return *outBox = box, boxResult; }
+    STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override;
+
+private:
+    ForeignRegion() = default;
+    ~ForeignRegion() = default;
+    ULONG references_ = 1;
+};
+
 }  // namespace orlix::testing

@@ -1,4 +1,4 @@
-// Loading and saving when memory runs out, at each allocation in turn.
+// Loading, saving and attaching when memory runs out, at each allocation in turn.
 #include <gtest/gtest.h>
 
 #include <orlix/client.hpp>
@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "orlix_image/orlix_image.hpp"
 
@@ -156,6 +157,24 @@ TEST(StreamMemory, LoadingFailsWithoutATrace) {
         FixedStream again;
         ASSERT_EQ(S_OK, target->Save(&again, FALSE));
         EXPECT_EQ(stream.bytes, again.bytes);
+    }
+}
+
+// Creations by attaching keep the old image, whatever the types are.
+TEST(AttachingMemory, FailsWithoutATrace) {
+    for (const LONG type : {DT_BYTE, DT_WORD, DT_Float}) {
+        const auto image = Furnished(DT_WORD);
+        std::vector<uint8_t> buffer(64 * 64 * 4, 7);
+        const int failures = FailuresUntilDone([&] { return image->AttachBuffer(buffer.data(), 64, 64, 1, type, 0); },
+                                               [&] {
+                                                   LONG bands = 0, width = 0, height = 0, before = 0;
+                                                   EXPECT_EQ(S_OK, image->Dimensions(&bands, &width, &height));
+                                                   EXPECT_EQ(S_OK, image->DataType(0, &before));
+                                                   EXPECT_EQ(300 * 200 * 2, bands * width * height);
+                                                   EXPECT_EQ(DT_WORD, before);
+                                                   EXPECT_EQ(S_OK, image->Invert());
+                                               });
+        EXPECT_GE(failures, 2);
     }
 }
 

@@ -1,0 +1,103 @@
+// What an operation of the frame works on.
+#pragma once
+
+#include <orlix/orlix.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "geometry/region_rows.hpp"
+#include "image/pixel_view.hpp"
+#include "image/source_image.hpp"
+#include "process/look_ahead.hpp"
+#include "process/pixel_conversion.hpp"
+
+namespace orlix {
+
+// What a client sets for the operations of one pixel type.
+template <class Pixel>
+struct FrameSettings {
+    Pixel lower = kTypeMinimum<Pixel>;  // the luminance range
+    Pixel upper = kTypeMaximum<Pixel>;
+    LONG bins = 256;
+    // Of as many entries as bins; null while all hold their default. Shared with selections, which only read it.
+    std::shared_ptr<std::vector<Pixel>> table;
+};
+
+// What clients have answered so far: the rows to visit, for the image as it was when they were asked.
+struct Gathered {
+    int32_t width;
+    int32_t height;
+    BandRange bands;
+    RegionRows rows;
+};
+
+// The pixels that an operation visits, and the settings that it goes by. Notes:
+//  (1) Regions and source images are clients' code, which may call the image back and change all there is to change. So
+//      every client is asked before a selection is made (Gathered), and none is called while one is in use.
+//  (2) Only the frame makes selections: it looks whether the image still has the pixels that were gathered, and reads the
+//      settings then. Operations are free functions of a selection, so none can work on anything that was read earlier.
+template <class Pixel>
+class Selection {
+public:
+    int32_t width() const { return gathered_.width; }
+    int32_t height() const { return gathered_.height; }
+    const RegionRows& rows() const { return gathered_.rows; }
+    const FrameSettings<Pixel>& settings() const { return settings_; }
+
+    // The bands to work on, numbered from 0.
+    int32_t bands() const { return gathered_.bands.count(); }
+    PixelView<Pixel> view(int32_t band) const {
+        return {first_.base() + static_cast<size_t>(band) * bandSamples_, first_.table(), width(), height()};
+    }
+    // One past the last byte of the bands.
+    const void* end() const { return view(bands()).base(); }
+
+    int64_t pixels() const { return rows().pixels() * bands(); }
+
+    // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right. Runs of large images
+    // come in parts.
+    template <class Visit>
+    void ForEachRun(const Visit& visit) const {
+        for (int32_t band = 0; band < bands(); ++band) ForEachRunOf(view(band), visit);
+    }
+
+private:
+    template <class Image, class Base>
+    friend class Frame;
+
+    Selection(Gathered&& gathered, const FrameSettings<Pixel>& settings, PixelView<Pixel> first, size_t bandSize)
+        : gathered_(std::move(gathered)), settings_(settings), first_(first), bandSamples_(bandSize / sizeof(Pixel)) {}
+
+    template <class Visit>
+    void ForEachRunOf(const PixelView<Pixel>& view, const Visit& visit) const {
+        constexpr int32_t kPart = LookAhead<Pixel>::kPart;
+        LookAhead ahead(rows(), view, bandSamples_ * sizeof(Pixel));
+        for (int32_t y = rows().top(); y <= rows().bottom(); ++y)
+            for (const Run run : rows().row(y)) {
+                Pixel* const row = view.row(y);
+                if (!ahead.active()) {
+                    if (y < rows().bottom()) FetchStart(view.row(y + 1), run);
+                    visit(row + run.start, static_cast<size_t>(run.length()), run.start, y);
+                    continue;
+                }
+                for (int64_t x = run.start; x <= run.stop;) {
+                    const int64_t n = std::min<int64_t>(run.stop - x + 1, kPart - x % kPart);
+                    ahead.Advance(n);
+                    visit(row + x, static_cast<size_t>(n), static_cast<int32_t>(x), y);
+                    x += n;
+                }
+            }
+    }
+
+    Gathered gathered_;
+    FrameSettings<Pixel> settings_;
+    PixelView<Pixel> first_;  // of the first band to work on
+    size_t bandSamples_;      // from a band to the next
+};
+
+}  // namespace orlix

@@ -1,0 +1,219 @@
+// Clients that call back in the middle of a call, and let go of the last reference there.
+#include <gmock/gmock.h>
+
+#include <cstring>
+
+#include "contract/support.hpp"
+
+namespace orlix::testing {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+
+constexpr const char* kSource = "Orlix.Image.1";
+
+// A 16-bit image of 4 x 3 and a region that covers it.
+struct Visited {
+    ComPtr<IImageVPAExPlus> pixels = NewImage<uint16_t>(4, 3);
+    ComPtr<IImageProcess> process = Cast<IImageProcess>(pixels);
+    ComPtr<ForeignRegion> region = ForeignRegion::Make();
+    Visited() {
+        region->runs = {RunOf(0, 3)};
+        Check(process->put_RegionOfInterest(region.get()), process);
+    }
+    ~Visited() {
+        if (process) process->put_RegionOfInterest(nullptr);  // the hooks may hold the image
+    }
+};
+
+TEST(ARegionThatCallsBack, ChangesTheSettingsOfTheOperationThatAsksIt) {
+    const Visited image;
+    ASSERT_EQ(S_OK, image.process->put_NumberOfBins(60000));
+    ASSERT_EQ(S_OK, image.process->PutLuminanceRange(0, 65535));
+    image.region->onRuns = [&] { image.process->put_NumberOfBins(2); };
+    ASSERT_EQ(S_OK, image.process->EqualizeTable(ET_Uniform));
+    double entry = 0;
+    EXPECT_EQ(S_OK, image.process->get_Table(1, &entry));
+    EXPECT_EQ(65535, entry);
+    EXPECT_TRUE(
+        Fails(image.process->get_Table(2, &entry), "IImageProcess::get_Table: Entry is out of range.", kSource));
+
+    // The table that an operation looks up is the one that was put last.
+    image.region->onRuns = [&] {
+        image.process->put_NumberOfBins(3);
+        image.process->put_NumberOfBins(2);
+        image.process->put_Table(0, 777);
+    };
+    ASSERT_EQ(S_OK, image.process->LUT());
+    EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(777));
+
+    image.region->onRuns = [&] { image.process->PutLuminanceRange(100, 1000); };
+    ASSERT_EQ(S_OK, image.process->Invert());
+    EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(1100 - 777));
+    image.region->onRuns = [&] { image.process->PutLuminanceRange(0, 40); };
+    ASSERT_EQ(S_OK, image.process->Gaussian3x3(image.pixels.get(), 0));
+    EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(40));
+}
+
+TEST(ARegionThatCallsBack, FromItsLastReleaseFindsAnImageThatIsWhole) {
+    Visited image;
+    // Replaced while it is asked, it is let go of when the operation has read it out.
+    image.region->onRuns = [&] { image.process->put_RegionOfInterest(nullptr); };
+    image.region->onLastRelease = [&] { image.pixels->Create(1, 1, 1, DT_WORD, 1); };
+    image.region = nullptr;
+    EXPECT_TRUE(FailsSilently(image.process->ScalarEquals(9)));
+    EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), ElementsAre(0));
+}
+
+TEST(ADyingImage, DoesNothingForARegionThatCallsFromItsLastRelease) {
+    Visited image;
+    IImageVPAExPlus* const pixels = image.pixels.get();
+    IImageProcess* const process = image.process.get();
+    const auto other = ForeignRegion::Make();
+    int calls = 0;
+    image.region->onLastRelease = [&, pixels, process] {
+        ++calls;
+        ComPtr<IHistogram> histogram;
+        LONG bins = 0, size[3] = {};
+        EXPECT_TRUE(FailsSilently(process->get_Histogram(histogram.Out())));
+        EXPECT_TRUE(FailsSilently(process->get_NumberOfBins(&bins)));
+        EXPECT_TRUE(FailsSilently(pixels->Dimensions(size, size + 1, size + 2)));
+        EXPECT_TRUE(FailsSilently(pixels->Create(5, 5, 1, DT_BYTE, 1)));
+        EXPECT_TRUE(FailsSilently(process->put_RegionOfInterest(other.get())));
+        EXPECT_TRUE(FailsSilently(Cast<IPersistStreamInit>(ComPtr<IImageVPAExPlus>(pixels))->InitNew()));
+    };
+    image.region = nullptr;
+    image.pixels = nullptr;
+    image.process = nullptr;
+    EXPECT_EQ(1, calls);
+    EXPECT_EQ(1u, ReferencesOf(other.get()));
+}
+
+TEST(ADyingImage, LivesOnEmptyForAClientThatTakesAReference) {
+    Visited image;
+    ComPtr<IImageProcess> kept;
+    image.region->onLastRelease = [&, process = image.process.get()] { kept = ComPtr<IImageProcess>(process); };
+    image.region = nullptr;
+    image.pixels = nullptr;
+    image.process = nullptr;
+    ASSERT_TRUE(kept);
+    EXPECT_TRUE(FailsSilently(kept->Invert()));
+    EXPECT_EQ(1u, ReferencesOf(kept.get()));
+}
+
+TEST(AnImage, LivesUntilItsMethodReturnsWhenARegionLetsGoOfIt) {
+    for (const bool snap : {true, false}) {
+        Visited image;
+        IImageProcess* const process = image.process.get();
+        image.region->onRuns = [&] {
+            image.pixels = nullptr;
+            image.process = nullptr;
+        };
+        ComPtr<IHistogram> histogram;
+        EXPECT_EQ(S_OK, snap ? process->SnapLuminanceRange(0, 0, 0) : process->get_Histogram(histogram.Out()));
+        EXPECT_EQ(!snap, static_cast<bool>(histogram));
+    }
+}
+
+TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
+    const Visited image;
+    uint16_t samples[12] = {};
+    const auto source = ForeignImage::Make();
+    source->type = DT_WORD;
+    source->width = 4;
+    source->height = 3;
+    source->base = samples;
+    source->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
+    int asked = 0;
+    source->onVpa = [&] { ++asked; };
+    for (const LONG band : {LONG{1}, std::numeric_limits<LONG>::max(), std::numeric_limits<LONG>::min()}) {
+        EXPECT_TRUE(FailsSilently(image.process->PlusEquals(source.get(), band))) << band;
+        EXPECT_TRUE(FailsSilently(image.process->Median3x3(source.get(), band))) << band;
+        EXPECT_TRUE(FailsSilently(image.pixels->CreateFromImage(source.get(), band))) << band;
+        EXPECT_EQ(3, std::exchange(asked, 0)) << band;
+    }
+    EXPECT_EQ(S_OK, image.process->PlusEquals(source.get(), 0));
+}
+
+TEST(ASourceThatCallsBack, MayPutTheSettingsAndReplaceTheImage) {
+    const Visited image;
+    uint16_t samples[12] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
+    const auto source = ForeignImage::Make();
+    source->type = DT_WORD;
+    source->width = 4;
+    source->height = 3;
+    source->base = samples;
+    source->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
+    source->onVpa = [&] { image.process->PutLuminanceRange(0, 5); };
+    ASSERT_EQ(S_OK, image.process->Gaussian3x3(source.get(), 0));
+    EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(5));
+    source->onVpa = [&] { image.pixels->Create(2, 1, 1, DT_WORD, 1); };
+    EXPECT_TRUE(FailsSilently(image.process->Gaussian3x3(source.get(), 0)));
+    EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(0));
+}
+
+// The buffer would be given back in the moment in which it is attached.
+TEST(AttachBuffer, RefusesTheImagesOwnPixels) {
+    for (const LONG type : {DT_BYTE, DT_WORD, DT_Float})
+        for (const ptrdiff_t offset : {ptrdiff_t{0}, ptrdiff_t{64}, ptrdiff_t{4096 - 4}, ptrdiff_t{-4}}) {
+            const auto image = NewImage<uint16_t>(64, 32);
+            void* const own = Rows<uint16_t>(image)[0].data();
+            void* const buffer = static_cast<char*>(own) + offset;
+            EXPECT_TRUE(Fails(
+                image->AttachBuffer(buffer, 16, 1, 1, type, 1),
+                "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading.",
+                kSource))
+                << type << " " << offset;
+            EXPECT_TRUE(FailsSilently(Cast<IImageProcess>(image)->Invert()));
+            ASSERT_EQ(S_OK, image->Create(4, 1, 1, type, 1));
+            EXPECT_EQ(S_OK, Cast<IImageProcess>(image)->Invert());
+        }
+}
+
+// A sink of pictures that calls back when it is given back.
+class LastSink final : public IPictureExEvents {
+public:
+    explicit LastSink(std::function<void()> onLastRelease) : onLastRelease_(std::move(onLastRelease)) {}
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        *object = iid == __uuidof(IUnknown) || iid == __uuidof(IPictureExEvents) ? this : nullptr;
+        if (!*object) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
+    STDMETHODIMP_(ULONG) Release() noexcept override {
+        if (--references_ > 0) return references_;
+        onLastRelease_();
+        delete this;
+        return 0;
+    }
+    STDMETHODIMP OnRender(IPictureEx*, void*, RenderSourceType) noexcept override { return S_OK; }
+
+private:
+    ~LastSink() = default;
+    ULONG references_ = 1;
+    std::function<void()> onLastRelease_;
+};
+
+TEST(ADyingImage, TakesNoConnectionFromASinkThatCallsFromItsLastRelease) {
+    auto image = NewImage<uint8_t>(2, 2);
+    ComPtr<IConnectionPoint> point;
+    Check(Cast<IConnectionPointContainer>(image)->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
+    HRESULT advised = S_OK, processed = S_OK;
+    const auto other = ComPtr<LastSink>::Attach(new LastSink([] {}));
+    DWORD cookie = 0;
+    const auto sink = [&, raw = point.get(), process = Cast<IImageProcess>(image).get()] {
+        advised = raw->Advise(other.get(), &cookie);
+        processed = process->Invert();
+    };
+    ASSERT_EQ(S_OK, point->Advise(ComPtr<LastSink>::Attach(new LastSink(sink)).get(), &cookie));
+    point = nullptr;
+    image = nullptr;
+    EXPECT_EQ(CONNECT_E_CANNOTCONNECT, advised);
+    EXPECT_EQ(E_FAIL, processed);
+    EXPECT_EQ(1u, ReferencesOf(other.get()));
+}
+
+}  // namespace
+}  // namespace orlix::testing
