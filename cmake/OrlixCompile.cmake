@@ -1,7 +1,10 @@
 # Compiler settings that every target of the project shares. (Resources are compiled without them.)
 
 # Results are the same bits on every build: SSE2 arithmetic on 32-bit too, no fused multiply-add.
-add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wconversion;-Wshadow;-Werror;-ffp-contract=off>")
+add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wconversion;-Wshadow;-ffp-contract=off>")
+if(ORLIX_WARNINGS_ARE_ERRORS)
+    add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Werror>")
+endif()
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-msse2;-mfpmath=sse>")
 endif()

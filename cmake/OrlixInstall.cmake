@@ -6,31 +6,26 @@ set(headers ${CMAKE_INSTALL_INCLUDEDIR})
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/orlix)
 
 if(WIN32)
-    # Clients get the library's objects from the system, by class or ProgID: they link with the system's component
-    # library only, and the DLL is registered where it was installed.
-    add_library(orlix_client INTERFACE)
-    target_include_directories(orlix_client INTERFACE $<INSTALL_INTERFACE:${headers}>)
-    target_link_libraries(orlix_client INTERFACE ole32 oleaut32 shlwapi uuid)
-    set_target_properties(orlix_client PROPERTIES EXPORT_NAME orlix)
-    install(TARGETS orlix_client EXPORT orlixTargets)
+    # orlix::orlix is what clients compile and link with; the DLL is registered where it was installed.
+    set_target_properties(orlix_interface PROPERTIES EXPORT_NAME orlix)
+    install(TARGETS orlix_interface EXPORT orlixTargets)
     install(TARGETS orlix RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE EXCLUDE_FROM_ALL)
-    set(ORLIX_PC_CFLAGS "-I\${includedir}")
     set(ORLIX_PC_LIBS "-lole32 -loleaut32 -lshlwapi -luuid")
 else()
-    target_include_directories(orlix SYSTEM INTERFACE
-        $<INSTALL_INTERFACE:${headers}> $<INSTALL_INTERFACE:${headers}/orlix/platform>)
-    install(TARGETS orlix EXPORT orlixTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-    file(RELATIVE_PATH from_tool_to_library ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(orlix_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${from_tool_to_library}")
-    set(ORLIX_PC_CFLAGS "-I\${includedir} -isystem \${includedir}/orlix/platform")
+    set_target_properties(orlix_interface PROPERTIES EXPORT_NAME interface)
+    install(TARGETS orlix orlix_interface EXPORT orlixTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
     set(ORLIX_PC_LIBS "-L\${libdir} -lorlix")
 endif()
-install(TARGETS orlix_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(TARGET orlix_tool)
+    file(RELATIVE_PATH from_tool_to_library ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(orlix_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${from_tool_to_library}")
+    install(TARGETS orlix_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orlix DESTINATION ${headers}
     PATTERN platform EXCLUDE)
 if(NOT WIN32)
-    # The stand-ins for the system's headers.
+    # What stands in for the system's headers.
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orlix/platform DESTINATION ${headers}/orlix)
 endif()
 install(FILES ${PROJECT_SOURCE_DIR}/idl/orlix.idl DESTINATION ${CMAKE_INSTALL_DATADIR}/orlix)

@@ -363,16 +363,18 @@ def run_checks(tally, command, seconds):
 # --------------------------------------------------------------------------------------------------------------- consumer
 
 
-def readme_program():
-    """The first C++ block of README.md, as a file; None when there is none."""
-    readme = ROOT / "README.md"
-    found = re.search(r"^```cpp\n(.*?)^```", readme.read_text("utf-8"), re.M | re.S) if readme.exists() else None
-    if not found:
-        return None
-    file = BUILD / "consumer" / "readme.cpp"
-    file.parent.mkdir(parents=True, exist_ok=True)
-    file.write_text(found.group(1), "utf-8")
-    return file
+def readme_project(tally):
+    """The program and the CMakeLists.txt that README.md shows, as a project; None when it does not show both."""
+    readme = (ROOT / "README.md").read_text("utf-8")
+    folder = BUILD / "consumer" / "readme"
+    folder.mkdir(parents=True, exist_ok=True)
+    for language, name in (("cpp", "threshold.cpp"), ("cmake", "CMakeLists.txt")):
+        found = re.search(rf"^```{language}\n(.*?)^```", readme, re.M | re.S)
+        if not found:
+            tally.check("README.md shows a program and its CMakeLists.txt", f"README.md has no block of {language}")
+            return None
+        (folder / name).write_text(found.group(1), "utf-8")
+    return folder
 
 
 def install(tally, preset):
@@ -382,48 +384,57 @@ def install(tally, preset):
     return stage
 
 
-def build_consumer(tally, preset, stage, program):
-    """The consumer project by find_package; gives the folder of its programs."""
-    folder = BUILD / "consumer" / preset
+def build_project(tally, preset, source, what, *options):
+    """A project of somebody else's that uses the library; gives the folder of its programs."""
+    folder = BUILD / "consumer" / f"{preset}-{what.split()[0].lower()}"
     shutil.rmtree(folder, ignore_errors=True)
-    configure = ["cmake", "-S", ROOT / "tests" / "consumer", "-B", folder, "-DCMAKE_BUILD_TYPE=Release",
-                 f"-Dorlix_DIR={stage}/lib/cmake/orlix"]
-    if program:
-        configure.append(f"-DREADME_PROGRAM={program}")
+    configure = ["cmake", "-S", source, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", *options]
     if preset != "native":
         configure += [f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw.cmake", f"-DORLIX_MINGW={COMPILER[int(preset[3:])]}"]
-    problem = problem_of(configure) or problem_of(["cmake", "--build", folder], 300)
-    tally.check(f"{preset}: a project builds with find_package(orlix)", problem)
+    tally.check(f"{preset}: {what} builds", problem_of(configure, 300) or problem_of(["cmake", "--build", folder], 1800))
     return folder
+
+
+def run_readme_program(tally, preset, program, specimen):
+    """With an image it measures; without one, and with one that is not there, it says so and does not crash."""
+    tally.check(f"{preset}: README's program measures", "" if re.fullmatch(
+        r"mean [\d.]+, threshold \d+\n", (outcome := run([*program, specimen])).output) else outcome.output or "no output")
+    for what, arguments, words in (("without an image", [], "usage"), ("with a missing image", ["missing.png"], "failed to open")):
+        outcome = run([*program, *arguments])
+        tally.check(f"{preset}: README's program {what} says so",
+                    "" if outcome.status == 1 and words in outcome.output else f"{outcome.output}\n{outcome.ending(120)}")
 
 
 def consumer(tally):
     build("native")
-    program = readme_program()
-    tally.check("README.md shows a program", "" if program else "README.md has no block of C++")
+    readme = readme_project(tally)
     specimen = BUILD / "consumer" / "specimen.png"
     specimen.parent.mkdir(parents=True, exist_ok=True)
     specimen.unlink(missing_ok=True)
 
     stage = install(tally, "native")
     tally.check("native: the installed tool writes a specimen", problem_of([stage / "bin/orlix", "specimen", specimen]))
-    folder = build_consumer(tally, "native", stage, program)
+    package = f"-DCMAKE_PREFIX_PATH={stage}"
+    folder = build_project(tally, "native", ROOT / "tests/consumer", "package: a project with find_package(orlix)", package)
     tally.check("native: the project's program runs", problem_of([folder / "consumer"]))
-    if program:
-        tally.check("native: README's program runs", problem_of([folder / "readme", specimen]))
+    if readme:
+        folder = build_project(tally, "native", readme, "README's project", package)
+        run_readme_program(tally, "native", [folder / "threshold"], specimen)
     consumer_by_pkg_config(tally, stage)
+    consumer_by_add_subdirectory(tally)
 
     try:
         build_windows(32)
         with Wine(32) as wine:
             stage = install(tally, "win32")
+            package = f"-Dorlix_DIR={stage}/lib/cmake/orlix"  # the cross build looks for packages in its own root only
             library = library_in(stage)
-            folder = build_consumer(tally, "win32", stage, program)
+            folder = build_project(tally, "win32", ROOT / "tests/consumer", "package: a project with find_package(orlix)", package)
             tally.check("win32: the installed orlix.dll registers", wine.register(library))
             tally.check("win32: the project's program runs", problem_of([*wine.command, folder / "consumer.exe"]))
-            if program:
-                tally.check("win32: README's program runs",
-                            problem_of([*wine.command, folder / "readme.exe", windows_path(specimen)]))
+            if readme:
+                folder = build_project(tally, "win32", readme, "README's project", package, "-DCMAKE_EXE_LINKER_FLAGS=-static")
+                run_readme_program(tally, "win32", [*wine.command, folder / "threshold.exe"], windows_path(specimen))
             exchange_streams(tally, BUILD / "stage/native/bin/orlix", [*wine.command, stage / "bin/orlix.exe"])
             wine.register(library, "/u")
         tally.check("scripts/demo: both platforms measure the same",
@@ -431,6 +442,20 @@ def consumer(tally):
     except Unavailable as reason:
         tally.skipped += 1
         say(f"skipped {tally.name}: the programs on Windows: {reason}")
+
+
+def consumer_by_add_subdirectory(tally):
+    """The sources as a part of a project: the library alone, whatever the compiler warns of, and nothing optimised to have it
+    soon."""
+    folder = build_project(tally, "native", ROOT / "tests/consumer", "subdirectory: a project with add_subdirectory",
+                           f"-DORLIX_SOURCE={ROOT}", "-DCMAKE_BUILD_TYPE=Debug")
+    tally.check("native: the program with the library's sources runs", problem_of([folder / "consumer"]))
+    compiled = json.loads((folder / "compile_commands.json").read_text("utf-8"))
+    own = [entry for entry in compiled if f"{ROOT}/src/" in entry["file"]]
+    others = [entry["file"] for entry in compiled if re.search(rf"{ROOT}/(tools|samples|examples|tests/(?!consumer))", entry["file"])]
+    strict = [entry["file"] for entry in own if re.search(r"-Werror\b", entry["command"])]
+    tally.check("native: a project gets the library without tests, tools and -Werror",
+                "\n".join(others + strict) if own else "the library is not compiled")
 
 
 def exchange_streams(tally, native, windows_tool):
@@ -458,8 +483,8 @@ def consumer_by_pkg_config(tally, stage):
     flags = run(["pkg-config", "--cflags", "--libs", "orlix"], env=environment)
     result = BUILD / "consumer" / "by_pkg_config"
     problem = flags.output if flags.status else problem_of(
-        ["g++", "-std=c++20", "-Wall", "-Wextra", "-Werror", ROOT / "tests/consumer/main.cpp", "-o", result,
-         *flags.output.split()])
+        ["g++", "-std=c++20", "-Wall", "-Wextra", "-Wconversion", "-Wshadow", "-Werror", ROOT / "tests/consumer/main.cpp",
+         "-o", result, *flags.output.split()])
     tally.check("native: a program builds with pkg-config", problem)
     tally.check("native: the program built with pkg-config runs", problem_of([result], env=environment))
 

@@ -12,6 +12,11 @@
 #ifndef ORLIX_CLIENT_HPP
 #define ORLIX_CLIENT_HPP
 
+// 201709 is how GCC 10 counts what it has of C++20.
+#if __cplusplus < 201709L && !(defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
+#error "orlix/client.hpp needs C++20: compile with -std=c++20, or link with orlix::orlix in CMake, which asks for it."
+#endif
+
 #include <orlix/orlix.h>
 #include <orlix/com_ptr.hpp>
 

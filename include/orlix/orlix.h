@@ -6,11 +6,12 @@
 #endif
 #include <rpc.h>
 #include <rpcndr.h>
-#endif
-
 #ifndef COM_NO_WINDOWS_H
 #include <windows.h>
 #include <ole2.h>
+#endif
+#else
+#include <orlix/platform/component_abi.h>
 #endif
 
 #ifndef __orlix_h__
@@ -20,273 +21,273 @@
 
 #ifndef __IPersistStreamInitEx_FWD_DEFINED__
 #define __IPersistStreamInitEx_FWD_DEFINED__
-typedef interface IPersistStreamInitEx IPersistStreamInitEx;
+typedef struct IPersistStreamInitEx IPersistStreamInitEx;
 #ifdef __cplusplus
-interface IPersistStreamInitEx;
+struct IPersistStreamInitEx;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageVPA_FWD_DEFINED__
 #define __IImageVPA_FWD_DEFINED__
-typedef interface IImageVPA IImageVPA;
+typedef struct IImageVPA IImageVPA;
 #ifdef __cplusplus
-interface IImageVPA;
+struct IImageVPA;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageVPAEx_FWD_DEFINED__
 #define __IImageVPAEx_FWD_DEFINED__
-typedef interface IImageVPAEx IImageVPAEx;
+typedef struct IImageVPAEx IImageVPAEx;
 #ifdef __cplusplus
-interface IImageVPAEx;
+struct IImageVPAEx;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageVPAExPlus_FWD_DEFINED__
 #define __IImageVPAExPlus_FWD_DEFINED__
-typedef interface IImageVPAExPlus IImageVPAExPlus;
+typedef struct IImageVPAExPlus IImageVPAExPlus;
 #ifdef __cplusplus
-interface IImageVPAExPlus;
+struct IImageVPAExPlus;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageFile_FWD_DEFINED__
 #define __IImageFile_FWD_DEFINED__
-typedef interface IImageFile IImageFile;
+typedef struct IImageFile IImageFile;
 #ifdef __cplusplus
-interface IImageFile;
+struct IImageFile;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageEntries_FWD_DEFINED__
 #define __IImageEntries_FWD_DEFINED__
-typedef interface IImageEntries IImageEntries;
+typedef struct IImageEntries IImageEntries;
 #ifdef __cplusplus
-interface IImageEntries;
+struct IImageEntries;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IHistogram_FWD_DEFINED__
 #define __IHistogram_FWD_DEFINED__
-typedef interface IHistogram IHistogram;
+typedef struct IHistogram IHistogram;
 #ifdef __cplusplus
-interface IHistogram;
+struct IHistogram;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IBitmap_FWD_DEFINED__
 #define __IBitmap_FWD_DEFINED__
-typedef interface IBitmap IBitmap;
+typedef struct IBitmap IBitmap;
 #ifdef __cplusplus
-interface IBitmap;
+struct IBitmap;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IBitmapProcess_FWD_DEFINED__
 #define __IBitmapProcess_FWD_DEFINED__
-typedef interface IBitmapProcess IBitmapProcess;
+typedef struct IBitmapProcess IBitmapProcess;
 #ifdef __cplusplus
-interface IBitmapProcess;
+struct IBitmapProcess;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IRegionOfInterest_FWD_DEFINED__
 #define __IRegionOfInterest_FWD_DEFINED__
-typedef interface IRegionOfInterest IRegionOfInterest;
+typedef struct IRegionOfInterest IRegionOfInterest;
 #ifdef __cplusplus
-interface IRegionOfInterest;
+struct IRegionOfInterest;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IShapeRegionOfInterest_FWD_DEFINED__
 #define __IShapeRegionOfInterest_FWD_DEFINED__
-typedef interface IShapeRegionOfInterest IShapeRegionOfInterest;
+typedef struct IShapeRegionOfInterest IShapeRegionOfInterest;
 #ifdef __cplusplus
-interface IShapeRegionOfInterest;
+struct IShapeRegionOfInterest;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IPictureEx_FWD_DEFINED__
 #define __IPictureEx_FWD_DEFINED__
-typedef interface IPictureEx IPictureEx;
+typedef struct IPictureEx IPictureEx;
 #ifdef __cplusplus
-interface IPictureEx;
+struct IPictureEx;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IPictureMemory_FWD_DEFINED__
 #define __IPictureMemory_FWD_DEFINED__
-typedef interface IPictureMemory IPictureMemory;
+typedef struct IPictureMemory IPictureMemory;
 #ifdef __cplusplus
-interface IPictureMemory;
+struct IPictureMemory;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IPictureExZoom_FWD_DEFINED__
 #define __IPictureExZoom_FWD_DEFINED__
-typedef interface IPictureExZoom IPictureExZoom;
+typedef struct IPictureExZoom IPictureExZoom;
 #ifdef __cplusplus
-interface IPictureExZoom;
+struct IPictureExZoom;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IPictureExZoomDisp_FWD_DEFINED__
 #define __IPictureExZoomDisp_FWD_DEFINED__
-typedef interface IPictureExZoomDisp IPictureExZoomDisp;
+typedef struct IPictureExZoomDisp IPictureExZoomDisp;
 #ifdef __cplusplus
-interface IPictureExZoomDisp;
+struct IPictureExZoomDisp;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IPictureExEvents_FWD_DEFINED__
 #define __IPictureExEvents_FWD_DEFINED__
-typedef interface IPictureExEvents IPictureExEvents;
+typedef struct IPictureExEvents IPictureExEvents;
 #ifdef __cplusplus
-interface IPictureExEvents;
+struct IPictureExEvents;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IGraphicOverlay_FWD_DEFINED__
 #define __IGraphicOverlay_FWD_DEFINED__
-typedef interface IGraphicOverlay IGraphicOverlay;
+typedef struct IGraphicOverlay IGraphicOverlay;
 #ifdef __cplusplus
-interface IGraphicOverlay;
+struct IGraphicOverlay;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageProcessBase_FWD_DEFINED__
 #define __IImageProcessBase_FWD_DEFINED__
-typedef interface IImageProcessBase IImageProcessBase;
+typedef struct IImageProcessBase IImageProcessBase;
 #ifdef __cplusplus
-interface IImageProcessBase;
+struct IImageProcessBase;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageProcess_FWD_DEFINED__
 #define __IImageProcess_FWD_DEFINED__
-typedef interface IImageProcess IImageProcess;
+typedef struct IImageProcess IImageProcess;
 #ifdef __cplusplus
-interface IImageProcess;
+struct IImageProcess;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IOrlixImageProcess_FWD_DEFINED__
 #define __IOrlixImageProcess_FWD_DEFINED__
-typedef interface IOrlixImageProcess IOrlixImageProcess;
+typedef struct IOrlixImageProcess IOrlixImageProcess;
 #ifdef __cplusplus
-interface IOrlixImageProcess;
+struct IOrlixImageProcess;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IPolygon_FWD_DEFINED__
 #define __IPolygon_FWD_DEFINED__
-typedef interface IPolygon IPolygon;
+typedef struct IPolygon IPolygon;
 #ifdef __cplusplus
-interface IPolygon;
+struct IPolygon;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IStructuringElement_FWD_DEFINED__
 #define __IStructuringElement_FWD_DEFINED__
-typedef interface IStructuringElement IStructuringElement;
+typedef struct IStructuringElement IStructuringElement;
 #ifdef __cplusplus
-interface IStructuringElement;
+struct IStructuringElement;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IDisplayProcess_FWD_DEFINED__
 #define __IDisplayProcess_FWD_DEFINED__
-typedef interface IDisplayProcess IDisplayProcess;
+typedef struct IDisplayProcess IDisplayProcess;
 #ifdef __cplusplus
-interface IDisplayProcess;
+struct IDisplayProcess;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IModuleInformation_FWD_DEFINED__
 #define __IModuleInformation_FWD_DEFINED__
-typedef interface IModuleInformation IModuleInformation;
+typedef struct IModuleInformation IModuleInformation;
 #ifdef __cplusplus
-interface IModuleInformation;
+struct IModuleInformation;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __ILineGraphicOverlay_FWD_DEFINED__
 #define __ILineGraphicOverlay_FWD_DEFINED__
-typedef interface ILineGraphicOverlay ILineGraphicOverlay;
+typedef struct ILineGraphicOverlay ILineGraphicOverlay;
 #ifdef __cplusplus
-interface ILineGraphicOverlay;
+struct ILineGraphicOverlay;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __ICircleGraphicOverlay_FWD_DEFINED__
 #define __ICircleGraphicOverlay_FWD_DEFINED__
-typedef interface ICircleGraphicOverlay ICircleGraphicOverlay;
+typedef struct ICircleGraphicOverlay ICircleGraphicOverlay;
 #ifdef __cplusplus
-interface ICircleGraphicOverlay;
+struct ICircleGraphicOverlay;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __ITextGraphicOverlay_FWD_DEFINED__
 #define __ITextGraphicOverlay_FWD_DEFINED__
-typedef interface ITextGraphicOverlay ITextGraphicOverlay;
+typedef struct ITextGraphicOverlay ITextGraphicOverlay;
 #ifdef __cplusplus
-interface ITextGraphicOverlay;
+struct ITextGraphicOverlay;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IDIBImage_FWD_DEFINED__
 #define __IDIBImage_FWD_DEFINED__
-typedef interface IDIBImage IDIBImage;
+typedef struct IDIBImage IDIBImage;
 #ifdef __cplusplus
-interface IDIBImage;
+struct IDIBImage;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __ISplineImage_FWD_DEFINED__
 #define __ISplineImage_FWD_DEFINED__
-typedef interface ISplineImage ISplineImage;
+typedef struct ISplineImage ISplineImage;
 #ifdef __cplusplus
-interface ISplineImage;
+struct ISplineImage;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IVBHelper_FWD_DEFINED__
 #define __IVBHelper_FWD_DEFINED__
-typedef interface IVBHelper IVBHelper;
+typedef struct IVBHelper IVBHelper;
 #ifdef __cplusplus
-interface IVBHelper;
+struct IVBHelper;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IHistogramDialog_FWD_DEFINED__
 #define __IHistogramDialog_FWD_DEFINED__
-typedef interface IHistogramDialog IHistogramDialog;
+typedef struct IHistogramDialog IHistogramDialog;
 #ifdef __cplusplus
-interface IHistogramDialog;
+struct IHistogramDialog;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IHistogramDialogEvents_FWD_DEFINED__
 #define __IHistogramDialogEvents_FWD_DEFINED__
-typedef interface IHistogramDialogEvents IHistogramDialogEvents;
+typedef struct IHistogramDialogEvents IHistogramDialogEvents;
 #ifdef __cplusplus
-interface IHistogramDialogEvents;
+struct IHistogramDialogEvents;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageViewDisp_FWD_DEFINED__
 #define __IImageViewDisp_FWD_DEFINED__
-typedef interface IImageViewDisp IImageViewDisp;
+typedef struct IImageViewDisp IImageViewDisp;
 #ifdef __cplusplus
-interface IImageViewDisp;
+struct IImageViewDisp;
 #endif /* __cplusplus */
 #endif
 
 #ifndef __IImageViewEventsDisp_FWD_DEFINED__
 #define __IImageViewEventsDisp_FWD_DEFINED__
-typedef interface IImageViewEventsDisp IImageViewEventsDisp;
+typedef struct IImageViewEventsDisp IImageViewEventsDisp;
 #ifdef __cplusplus
-interface IImageViewEventsDisp;
+struct IImageViewEventsDisp;
 #endif /* __cplusplus */
 #endif
 
@@ -418,8 +419,10 @@ typedef struct OrlixHistogramDialog OrlixHistogramDialog;
 
 /* Headers for imported files */
 
+#ifdef _WIN32
 #include <oaidl.h>
 #include <ocidl.h>
+#endif
 
 #ifdef __cplusplus
 extern "C" {
@@ -492,7 +495,7 @@ typedef struct IPersistStreamInitExVtbl {
     END_INTERFACE
 } IPersistStreamInitExVtbl;
 
-interface IPersistStreamInitEx {
+struct IPersistStreamInitEx {
     CONST_VTBL IPersistStreamInitExVtbl* lpVtbl;
 };
 
@@ -797,7 +800,7 @@ typedef struct IImageVPAVtbl {
     END_INTERFACE
 } IImageVPAVtbl;
 
-interface IImageVPA {
+struct IImageVPA {
     CONST_VTBL IImageVPAVtbl* lpVtbl;
 };
 
@@ -908,7 +911,7 @@ typedef struct IImageVPAExVtbl {
     END_INTERFACE
 } IImageVPAExVtbl;
 
-interface IImageVPAEx {
+struct IImageVPAEx {
     CONST_VTBL IImageVPAExVtbl* lpVtbl;
 };
 
@@ -1099,7 +1102,7 @@ typedef struct IImageVPAExPlusVtbl {
     END_INTERFACE
 } IImageVPAExPlusVtbl;
 
-interface IImageVPAExPlus {
+struct IImageVPAExPlus {
     CONST_VTBL IImageVPAExPlusVtbl* lpVtbl;
 };
 
@@ -1242,7 +1245,7 @@ typedef struct IImageFileVtbl {
     END_INTERFACE
 } IImageFileVtbl;
 
-interface IImageFile {
+struct IImageFile {
     CONST_VTBL IImageFileVtbl* lpVtbl;
 };
 
@@ -1403,7 +1406,7 @@ typedef struct IImageEntriesVtbl {
     END_INTERFACE
 } IImageEntriesVtbl;
 
-interface IImageEntries {
+struct IImageEntries {
     CONST_VTBL IImageEntriesVtbl* lpVtbl;
 };
 
@@ -1791,7 +1794,7 @@ typedef struct IHistogramVtbl {
     END_INTERFACE
 } IHistogramVtbl;
 
-interface IHistogram {
+struct IHistogram {
     CONST_VTBL IHistogramVtbl* lpVtbl;
 };
 
@@ -2152,7 +2155,7 @@ typedef struct IBitmapVtbl {
     END_INTERFACE
 } IBitmapVtbl;
 
-interface IBitmap {
+struct IBitmap {
     CONST_VTBL IBitmapVtbl* lpVtbl;
 };
 
@@ -2383,7 +2386,7 @@ typedef struct IBitmapProcessVtbl {
     END_INTERFACE
 } IBitmapProcessVtbl;
 
-interface IBitmapProcess {
+struct IBitmapProcess {
     CONST_VTBL IBitmapProcessVtbl* lpVtbl;
 };
 
@@ -2551,7 +2554,7 @@ typedef struct IRegionOfInterestVtbl {
     END_INTERFACE
 } IRegionOfInterestVtbl;
 
-interface IRegionOfInterest {
+struct IRegionOfInterest {
     CONST_VTBL IRegionOfInterestVtbl* lpVtbl;
 };
 
@@ -2736,7 +2739,7 @@ typedef struct IShapeRegionOfInterestVtbl {
     END_INTERFACE
 } IShapeRegionOfInterestVtbl;
 
-interface IShapeRegionOfInterest {
+struct IShapeRegionOfInterest {
     CONST_VTBL IShapeRegionOfInterestVtbl* lpVtbl;
 };
 
@@ -3013,7 +3016,7 @@ typedef struct IPictureExVtbl {
     END_INTERFACE
 } IPictureExVtbl;
 
-interface IPictureEx {
+struct IPictureEx {
     CONST_VTBL IPictureExVtbl* lpVtbl;
 };
 
@@ -3218,7 +3221,7 @@ typedef struct IPictureMemoryVtbl {
     END_INTERFACE
 } IPictureMemoryVtbl;
 
-interface IPictureMemory {
+struct IPictureMemory {
     CONST_VTBL IPictureMemoryVtbl* lpVtbl;
 };
 
@@ -3521,7 +3524,7 @@ typedef struct IPictureExZoomVtbl {
     END_INTERFACE
 } IPictureExZoomVtbl;
 
-interface IPictureExZoom {
+struct IPictureExZoom {
     CONST_VTBL IPictureExZoomVtbl* lpVtbl;
 };
 
@@ -3746,7 +3749,7 @@ typedef struct IPictureExZoomDispVtbl {
     END_INTERFACE
 } IPictureExZoomDispVtbl;
 
-interface IPictureExZoomDisp {
+struct IPictureExZoomDisp {
     CONST_VTBL IPictureExZoomDispVtbl* lpVtbl;
 };
 
@@ -3838,7 +3841,7 @@ typedef struct IPictureExEventsVtbl {
     END_INTERFACE
 } IPictureExEventsVtbl;
 
-interface IPictureExEvents {
+struct IPictureExEvents {
     CONST_VTBL IPictureExEventsVtbl* lpVtbl;
 };
 
@@ -3945,7 +3948,7 @@ typedef struct IGraphicOverlayVtbl {
     END_INTERFACE
 } IGraphicOverlayVtbl;
 
-interface IGraphicOverlay {
+struct IGraphicOverlay {
     CONST_VTBL IGraphicOverlayVtbl* lpVtbl;
 };
 
@@ -4104,7 +4107,7 @@ typedef struct IImageProcessBaseVtbl {
     END_INTERFACE
 } IImageProcessBaseVtbl;
 
-interface IImageProcessBase {
+struct IImageProcessBase {
     CONST_VTBL IImageProcessBaseVtbl* lpVtbl;
 };
 
@@ -4445,7 +4448,7 @@ typedef struct IImageProcessVtbl {
     END_INTERFACE
 } IImageProcessVtbl;
 
-interface IImageProcess {
+struct IImageProcess {
     CONST_VTBL IImageProcessVtbl* lpVtbl;
 };
 
@@ -4947,7 +4950,7 @@ typedef struct IOrlixImageProcessVtbl {
     END_INTERFACE
 } IOrlixImageProcessVtbl;
 
-interface IOrlixImageProcess {
+struct IOrlixImageProcess {
     CONST_VTBL IOrlixImageProcessVtbl* lpVtbl;
 };
 
@@ -5396,7 +5399,7 @@ typedef struct IPolygonVtbl {
     END_INTERFACE
 } IPolygonVtbl;
 
-interface IPolygon {
+struct IPolygon {
     CONST_VTBL IPolygonVtbl* lpVtbl;
 };
 
@@ -5605,7 +5608,7 @@ typedef struct IStructuringElementVtbl {
     END_INTERFACE
 } IStructuringElementVtbl;
 
-interface IStructuringElement {
+struct IStructuringElement {
     CONST_VTBL IStructuringElementVtbl* lpVtbl;
 };
 
@@ -5788,7 +5791,7 @@ typedef struct IDisplayProcessVtbl {
     END_INTERFACE
 } IDisplayProcessVtbl;
 
-interface IDisplayProcess {
+struct IDisplayProcess {
     CONST_VTBL IDisplayProcessVtbl* lpVtbl;
 };
 
@@ -5926,7 +5929,7 @@ typedef struct IModuleInformationVtbl {
     END_INTERFACE
 } IModuleInformationVtbl;
 
-interface IModuleInformation {
+struct IModuleInformation {
     CONST_VTBL IModuleInformationVtbl* lpVtbl;
 };
 
@@ -6029,7 +6032,7 @@ typedef struct ILineGraphicOverlayVtbl {
     END_INTERFACE
 } ILineGraphicOverlayVtbl;
 
-interface ILineGraphicOverlay {
+struct ILineGraphicOverlay {
     CONST_VTBL ILineGraphicOverlayVtbl* lpVtbl;
 };
 
@@ -6136,7 +6139,7 @@ typedef struct ICircleGraphicOverlayVtbl {
     END_INTERFACE
 } ICircleGraphicOverlayVtbl;
 
-interface ICircleGraphicOverlay {
+struct ICircleGraphicOverlay {
     CONST_VTBL ICircleGraphicOverlayVtbl* lpVtbl;
 };
 
@@ -6243,7 +6246,7 @@ typedef struct ITextGraphicOverlayVtbl {
     END_INTERFACE
 } ITextGraphicOverlayVtbl;
 
-interface ITextGraphicOverlay {
+struct ITextGraphicOverlay {
     CONST_VTBL ITextGraphicOverlayVtbl* lpVtbl;
 };
 
@@ -6328,7 +6331,7 @@ typedef struct IDIBImageVtbl {
     END_INTERFACE
 } IDIBImageVtbl;
 
-interface IDIBImage {
+struct IDIBImage {
     CONST_VTBL IDIBImageVtbl* lpVtbl;
 };
 
@@ -6391,7 +6394,7 @@ typedef struct ISplineImageVtbl {
     END_INTERFACE
 } ISplineImageVtbl;
 
-interface ISplineImage {
+struct ISplineImage {
     CONST_VTBL ISplineImageVtbl* lpVtbl;
 };
 
@@ -6454,7 +6457,7 @@ typedef struct IVBHelperVtbl {
     END_INTERFACE
 } IVBHelperVtbl;
 
-interface IVBHelper {
+struct IVBHelper {
     CONST_VTBL IVBHelperVtbl* lpVtbl;
 };
 
@@ -6517,7 +6520,7 @@ typedef struct IHistogramDialogVtbl {
     END_INTERFACE
 } IHistogramDialogVtbl;
 
-interface IHistogramDialog {
+struct IHistogramDialog {
     CONST_VTBL IHistogramDialogVtbl* lpVtbl;
 };
 
@@ -6580,7 +6583,7 @@ typedef struct IHistogramDialogEventsVtbl {
     END_INTERFACE
 } IHistogramDialogEventsVtbl;
 
-interface IHistogramDialogEvents {
+struct IHistogramDialogEvents {
     CONST_VTBL IHistogramDialogEventsVtbl* lpVtbl;
 };
 
@@ -6673,7 +6676,7 @@ typedef struct IImageViewDispVtbl {
     END_INTERFACE
 } IImageViewDispVtbl;
 
-interface IImageViewDisp {
+struct IImageViewDisp {
     CONST_VTBL IImageViewDispVtbl* lpVtbl;
 };
 
@@ -6783,7 +6786,7 @@ typedef struct IImageViewEventsDispVtbl {
     END_INTERFACE
 } IImageViewEventsDispVtbl;
 
-interface IImageViewEventsDisp {
+struct IImageViewEventsDisp {
     CONST_VTBL IImageViewEventsDispVtbl* lpVtbl;
 };
 

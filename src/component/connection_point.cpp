@@ -1,6 +1,8 @@
 #include "component/connection_point.hpp"
 
+#ifdef _WIN32
 #include <olectl.h>
+#endif
 
 #include <algorithm>
 #include <atomic>

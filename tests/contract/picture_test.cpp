@@ -1,6 +1,8 @@
 // The picture of an image on every system: drawn into memory, with its maps, zoom and events.
 
+#ifdef _WIN32
 #include <olectl.h>
+#endif
 
 #include <algorithm>
 #include <cmath>

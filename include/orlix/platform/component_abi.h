@@ -1,5 +1,5 @@
 // The component object model's binary conventions, off Windows: just what the contract and its clients need, with the
-// system's own names, values and layouts. On Windows this folder is not on the include path.
+// system's own names, values and layouts. Only orlix.h includes it; Windows has its own.
 //
 // Strings (BSTR) are UTF-16, preceded by their length in bytes. The current error information is kept per thread.
 // Creation by class or ProgID goes to the library itself: there is no system-wide registry, but a store of the process
@@ -10,17 +10,19 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#ifndef __cplusplus
-#error "the component interface off Windows is for C++ clients"
+#if !defined(__cplusplus) || __cplusplus < 201703L
+#error "Off Windows orlix.h needs C++17 (-std=c++17 or later), orlix/client.hpp C++20."
 #endif
 
 // ---------------------------------------------------------------------------------------------------- calling convention
 
-#define interface struct
 #define STDMETHODCALLTYPE
 #define WINAPI
 #define EXTERN_C extern "C"
 #define ORLIX_API __attribute__((visibility("default")))
+// What stands in for a function of the system is called by the system's name and linked by another one: a process may hold
+// a second library that stands in for it.
+#define ORLIX_LINKED_AS(name) __asm__("orlix_" #name)
 #define STDMETHODIMP HRESULT STDMETHODCALLTYPE
 #define STDMETHODIMP_(type) type STDMETHODCALLTYPE
 #define STDAPI extern "C" ORLIX_API HRESULT
@@ -338,32 +340,35 @@ extern "C" {
 
 // A copy of a zero-terminated string, or of the first `length` units (text may be null: the units are then not set).
 // Null for a null text, for lengths that no address space holds and when memory is short.
-ORLIX_API BSTR SysAllocString(const OLECHAR* text);
-ORLIX_API BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
-ORLIX_API void SysFreeString(BSTR text);
-ORLIX_API UINT SysStringLen(BSTR text);  // in UTF-16 units; 0 for null
+ORLIX_API BSTR SysAllocString(const OLECHAR* text) ORLIX_LINKED_AS(SysAllocString);
+ORLIX_API BSTR SysAllocStringLen(const OLECHAR* text, UINT length) ORLIX_LINKED_AS(SysAllocStringLen);
+ORLIX_API void SysFreeString(BSTR text) ORLIX_LINKED_AS(SysFreeString);
+ORLIX_API UINT SysStringLen(BSTR text) ORLIX_LINKED_AS(SysStringLen);  // in UTF-16 units; 0 for null
 
 // The thread's current error information. GetErrorInfo hands it over and clears it: S_FALSE and null when there is none.
-ORLIX_API HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
-ORLIX_API HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
-ORLIX_API HRESULT CreateErrorInfo(ICreateErrorInfo** info);
+ORLIX_API HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) ORLIX_LINKED_AS(SetErrorInfo);
+ORLIX_API HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info) ORLIX_LINKED_AS(GetErrorInfo);
+ORLIX_API HRESULT CreateErrorInfo(ICreateErrorInfo** info) ORLIX_LINKED_AS(CreateErrorInfo);
 
 // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}", upper case; the buffer takes 39 units with the terminator.
-ORLIX_API int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity);
-ORLIX_API HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid);
+ORLIX_API int StringFromGUID2(REFGUID guid, LPOLESTR text, int capacity) ORLIX_LINKED_AS(StringFromGUID2);
+ORLIX_API HRESULT CLSIDFromString(LPCOLESTR text, CLSID* clsid) ORLIX_LINKED_AS(CLSIDFromString);
 
 // Look-ups in what is registered in this process. The text of ProgIDFromCLSID is freed with CoTaskMemFree.
-ORLIX_API HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* clsid);
-ORLIX_API HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progid);
-ORLIX_API void* CoTaskMemAlloc(size_t size);
-ORLIX_API void CoTaskMemFree(void* memory);
+ORLIX_API HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* clsid) ORLIX_LINKED_AS(CLSIDFromProgID);
+ORLIX_API HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progid) ORLIX_LINKED_AS(ProgIDFromCLSID);
+ORLIX_API void* CoTaskMemAlloc(size_t size) ORLIX_LINKED_AS(CoTaskMemAlloc);
+ORLIX_API void CoTaskMemFree(void* memory) ORLIX_LINKED_AS(CoTaskMemFree);
 
 #define CLSCTX_INPROC_SERVER 1
-ORLIX_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid, void** object);
-ORLIX_API HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* reserved, REFIID riid, void** object);
+ORLIX_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid, void** object)
+    ORLIX_LINKED_AS(CoCreateInstance);
+ORLIX_API HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* reserved, REFIID riid, void** object)
+    ORLIX_LINKED_AS(CoGetClassObject);
 
 // A stream in memory. `memory` must be null: the stream makes its own and frees it. Empty at first; clones share the content.
-ORLIX_API HRESULT CreateStreamOnHGlobal(HGLOBAL memory, BOOL deleteOnRelease, IStream** stream);
+ORLIX_API HRESULT CreateStreamOnHGlobal(HGLOBAL memory, BOOL deleteOnRelease, IStream** stream)
+    ORLIX_LINKED_AS(CreateStreamOnHGlobal);
 
 // A stream on a regular file. mode: one of STGM_READ, STGM_WRITE, STGM_READWRITE, with STGM_CREATE to make the file or empty
 // the one there is. Without STGM_CREATE, `create` makes a file that must not exist yet, and else the file must exist. Sharing
@@ -375,7 +380,8 @@ ORLIX_API HRESULT CreateStreamOnHGlobal(HGLOBAL memory, BOOL deleteOnRelease, IS
 #define STGM_SHARE_DENY_WRITE 0x20
 #define STGM_CREATE 0x1000
 ORLIX_API HRESULT SHCreateStreamOnFileEx(LPCOLESTR path, DWORD mode, DWORD attributes, BOOL create,
-                                         IStream* templateStream, IStream** stream);
+                                         IStream* templateStream, IStream** stream)
+    ORLIX_LINKED_AS(SHCreateStreamOnFileEx);
 
 // The module's own entry points. The first look-up by class or ProgID registers the module in the store of the process,
 // unless the client has called one of the two registering functions by then.

@@ -1,2 +1,0 @@
-// Stand-in for the system's header of this name: see component_abi.h.
-#include "component_abi.h"

@@ -1,0 +1,13 @@
+/* Another library of the process that stands in for the same functions of the system. If one of these is called, the two got
+   into each other's way. */
+#include <stdlib.h>
+
+void* SysAllocString(void) { abort(); }
+void* SysAllocStringLen(void) { abort(); }
+void SysFreeString(void) { abort(); }
+unsigned SysStringLen(void) { abort(); }
+int SetErrorInfo(void) { abort(); }
+int GetErrorInfo(void) { abort(); }
+int CLSIDFromProgID(void) { abort(); }
+int CoCreateInstance(void) { abort(); }
+int CoGetClassObject(void) { abort(); }
