@@ -116,21 +116,25 @@ private:
         STDMETHODIMP_(ULONG) AddRef() noexcept override { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
         STDMETHODIMP_(ULONG) Release() noexcept override {
             const ULONG left = count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-            if (left > 0) return left;
+            if (left == 0) End();
+            return left;
+        }
+        bool closed() const noexcept { return closed_; }
+
+    private:
+        // When the last reference is gone. Every method has a place that may come here (KeepAlive): one copy for all.
+        [[gnu::noinline]] void End() noexcept {
             if (!closed_) {
                 closed_ = true;
                 // Clients may take and give back references meanwhile; who keeps one puts the end off.
                 count_.store(1, std::memory_order_relaxed);
                 static_cast<Class&>(owner_).LetGo();
-                if (count_.fetch_sub(1, std::memory_order_acq_rel) > 1) return 0;
+                if (count_.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
             }
             count_.store(1, std::memory_order_relaxed);  // a reference taken and given back by the destructor itself
             delete static_cast<Class*>(&owner_);
-            return 0;
         }
-        bool closed() const noexcept { return closed_; }
 
-    private:
         Object& owner_;
         std::atomic<ULONG> count_{1};
         bool closed_ = false;  // the last reference is gone
