@@ -5,21 +5,62 @@
 #include <limits>
 #include <utility>
 
+#include "numerics/double_pair.hpp"
 #include "platform/elementary.hpp"
 
 namespace orlix {
 namespace {
 
-constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr double kLargest = std::numeric_limits<double>::max(), kNan = std::numeric_limits<double>::quiet_NaN();
 
 template <class Visit>
 void ForEachEdge(Outline outline, const Visit& visit) {
     for (size_t i = 0; i < outline.size(); ++i) visit(outline[i], outline[i + 1 == outline.size() ? 0 : i + 1]);
 }
 
-double Cross(const Point& a, const Point& b) { return a.x * b.y - b.x * a.y; }
-
 bool IsFinite(const Point& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+bool IsFinite(Outline outline) {
+    return std::all_of(outline.begin(), outline.end(), [](const Point& p) { return IsFinite(p); });
+}
+
+// One coordinate of the vertices, as seen from the first and in a unit, a power of two, in which none is much farther than 1.
+class AxisFromFirst {
+public:
+    AxisFromFirst(Outline outline, double Point::*coordinate) : coordinate_(coordinate) {
+        double largest = 0, farthest = 0;
+        for (const Point& p : outline) largest = std::max(largest, std::fabs(p.*coordinate));
+        if (largest >= 0x1p960) before_ = 0x1p-64;  // or differences might overflow
+        first_ = outline[0].*coordinate * before_;
+        for (const Point& p : outline) farthest = std::max(farthest, std::fabs(p.*coordinate * before_ - first_));
+        if (farthest > 0) exponent_ = std::max(std::ilogb(farthest), -900);
+        unit_ = std::ldexp(1.0, exponent_);
+        perUnit_ = std::ldexp(1.0, -exponent_);
+    }
+
+    DoublePair Of(const Point& p) const {
+        const DoublePair offset = ExactSum(p.*coordinate_ * before_, -first_);
+        return {offset.high * perUnit_, offset.low * perUnit_};
+    }
+    // Back from units to the coordinate.
+    double At(const DoublePair& offset) const {
+        const DoublePair sum = ExactSum(first_, offset.high * unit_);
+        return (sum.high + (sum.low + offset.low * unit_)) / before_;
+    }
+    int exponent() const { return exponent_ + (before_ == 1 ? 0 : 64); }
+
+private:
+    double Point::*coordinate_;
+    double before_ = 1;  // what coordinates are multiplied with first
+    double first_ = 0;
+    int exponent_ = 0;
+    double unit_ = 1, perUnit_ = 1;
+};
+
+DoublePair Quotient(const DoublePair& a, const DoublePair& b) {
+    const double first = a.high / b.high;
+    const DoublePair rest = a - b * first;
+    return ExactSumOrdered(first, rest.high / b.high);
+}
 
 // The direction (-1, 0), in which angles leap from 180 to -180 degrees, belongs to the upper half.
 bool HasPositiveAngle(const Point& p, const Point& from) { return p.y > from.y || (p.y == from.y && p.x < from.x); }
@@ -35,9 +76,9 @@ double DegreesOf(const Point& p, const Point& from) {
 }  // namespace
 
 double Area(Outline outline) {
-    double sum = 0;
-    ForEachEdge(outline, [&](const Point& a, const Point& b) { sum += Cross(a, b); });
-    return std::fabs(sum) * 0.5;
+    if (!IsFinite(outline)) return kNan;
+    const auto [twice, exponent] = TwiceSignedArea(outline);
+    return std::ldexp(std::fabs(twice.high), exponent - 1);
 }
 
 double Perimeter(Outline outline) {
@@ -47,34 +88,47 @@ double Perimeter(Outline outline) {
 }
 
 double Circularity(Outline outline) {
+    // A ratio of lengths: in a unit, a power of two, in which neither sums nor squares leave the range of double.
+    double largest = 0;
+    for (const Point& p : outline) largest = std::max({largest, std::fabs(p.x), std::fabs(p.y)});
+    const int exponent = largest > 0 && std::isfinite(largest) ? std::ilogb(largest) : 0;
+    const double unit = exponent > 400 || exponent < -400 ? std::ldexp(1.0, std::clamp(-exponent, -1000, 1000)) : 1;
+    const auto scaled = [unit](const Point& p) { return Point{p.x * unit, p.y * unit}; };
+
     const auto n = static_cast<double>(outline.size());
     Point mean;
     for (const Point& p : outline) {
-        mean.x += p.x;
-        mean.y += p.y;
+        mean.x += p.x * unit;
+        mean.y += p.y * unit;
     }
     mean.x /= n;
     mean.y /= n;
     double sum = 0, squares = 0;
-    for (const Point& p : outline) sum += Distance(mean, p);
+    for (const Point& p : outline) sum += Distance(mean, scaled(p));
     const double radius = sum / n;
     for (const Point& p : outline) {
-        const double off = Distance(mean, p) - radius;
+        const double off = Distance(mean, scaled(p)) - radius;
         squares += off * off;
     }
     return 1 - std::sqrt(squares / n) / radius;
 }
 
 Point SignedCentroid(Outline outline) {
-    double x = 0, y = 0, sum = 0;
+    if (outline.empty() || !IsFinite(outline)) return {kNan, kNan};
+    const AxisFromFirst xs(outline, &Point::x), ys(outline, &Point::y);
+    DoublePair x, y;
     ForEachEdge(outline, [&](const Point& a, const Point& b) {
-        const double cross = Cross(a, b);
-        x += (a.x + b.x) * cross;
-        y += (a.y + b.y) * cross;
-        sum += cross;
+        const DoublePair ax = xs.Of(a), ay = ys.Of(a), bx = xs.Of(b), by = ys.Of(b);
+        const DoublePair cross = ax * by - bx * ay;
+        x += (ax + bx) * cross;
+        y += (ay + by) * cross;
     });
-    const double divisor = 6 * (std::fabs(sum) * 0.5);
-    return {x / divisor, y / divisor};
+    const auto [twice, exponent] = TwiceSignedArea(outline);
+    const int scale = exponent - xs.exponent() - ys.exponent();
+    const DoublePair area = {std::ldexp(twice.high, scale), std::ldexp(twice.low, scale)};
+    if (area.high == 0) return {x.high / 0.0, y.high / 0.0};
+    const double sign = area.high < 0 ? -1 : 1;
+    return {sign * xs.At(Quotient(x, area * 3.0)), sign * ys.At(Quotient(y, area * 3.0))};
 }
 
 Bounds BoundsOf(Outline outline) {

@@ -12,11 +12,13 @@ namespace orlix {
 
 using Outline = std::span<const Point>;
 
+// Of the exact sum over the edges: the double nearest to it, or in rare cases its neighbour.
 double Area(Outline outline);
 double Perimeter(Outline outline);
 // 1 - root of the variance of the distances from the mean vertex, over their mean.
 double Circularity(Outline outline);
-// Divided by the area without its sign: negated where the signed area is negative.
+// Divided by the area without its sign: negated where the signed area is negative; not finite where that is 0. With the digits
+// of two doubles and about a vertex, so that neither the place nor the size of the outline costs any.
 Point SignedCentroid(Outline outline);
 
 // NaN is left out; the largest double and its negative where nothing remains.

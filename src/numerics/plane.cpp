@@ -18,15 +18,42 @@ public:
     void Add(double x, double y) { Add(x, y, 1); }
     void Subtract(double x, double y) { Add(x, y, -1); }
 
-    int Sign() const {
+    // As often as 2^26 products have been added, so that no digit overflows.
+    void TakeCarries() {
         int64_t carry = 0;
-        bool any = false;
-        for (const int64_t digit : digits_) {
+        for (int64_t& digit : digits_) {
             const int64_t sum = digit + carry;
             carry = sum >> 32;
-            any = any || (sum & 0xffffffff) != 0;
+            digit = sum & 0xffffffff;
         }
-        return carry < 0 ? -1 : any || carry > 0;
+        digits_.back() += carry * 0x100000000;
+    }
+
+    ScaledPair Value() {
+        TakeCarries();
+        const bool negative = digits_.back() < 0;
+        if (negative) {
+            for (int64_t& digit : digits_) digit = -digit;
+            TakeCarries();
+        }
+        int top = static_cast<int>(kDigits) - 1;
+        while (top >= 0 && digits_[static_cast<size_t>(top)] == 0) --top;
+        if (top < 0) return {};
+        // The highest digits, of 97 to 128 bits, and whether there is more below them.
+        double four[4];
+        for (int i = 0; i < 4; ++i)
+            four[i] = top < i ? 0.0 : static_cast<double>(digits_[static_cast<size_t>(top - i)]);
+        bool more = false;
+        for (int i = 0; i + 4 <= top; ++i) more = more || digits_[static_cast<size_t>(i)] != 0;
+        const DoublePair upper = ExactSum(four[0] * 0x1p32, four[1]);
+        const DoublePair lower = ExactSum(four[2] * 0x1p-32, (four[3] + (more ? 0.5 : 0.0)) * 0x1p-64);
+        const DoublePair sum = upper + lower;
+        return {negative ? -sum : sum, 32 * (top - 1) - 2 * 1074};
+    }
+
+    int Sign() {
+        const double value = Value().value.high;
+        return value > 0 ? 1 : value < 0 ? -1 : 0;
     }
 
 private:
@@ -101,6 +128,17 @@ int Turn(const Point& a, const Point& b, const Point& c) {
         return SignOf(turn);
     if (a == b || b == c || a == c) return 0;
     return ExactTurn(a, b, c);
+}
+
+ScaledPair TwiceSignedArea(std::span<const Point> outline) {
+    SumOfProducts sum;
+    for (size_t i = 0; i < outline.size(); ++i) {
+        const Point &a = outline[i], &b = outline[i + 1 == outline.size() ? 0 : i + 1];
+        sum.Add(a.x, b.y);
+        sum.Subtract(b.x, a.y);
+        if (i % 0x1000000 == 0xffffff) sum.TakeCarries();
+    }
+    return sum.Value();
 }
 
 double Hypotenuse(double dx, double dy) {

@@ -65,6 +65,51 @@ Diameter PlainDiameter(const std::vector<Point>& points) {
 
 }  // namespace
 
+// Half a unit wide, anywhere and of any size: what moves and stretches an outline moves and stretches its centroid.
+TEST(Area, AndCentroidDependOnNeitherPlaceNorSize) {
+    const std::vector<Point> shape = {{0, 0}, {3, 0}, {3, 1}, {1, 1}, {1, 4}, {0, 4}};  // an L: area 6, about (1, 1.5)
+    const Point centroid = {1, 1.5};
+    for (const double size : {1.0, 0.125, 0x1p500, 0x1p1020, 0x1p-500, 0x1p-1060})
+        for (const double place : {0.0, 1.0, -4096.0, 1e6, 0x1p48}) {
+            if (std::fabs(place) * size * 8 > 0x1p1023) continue;
+            SCOPED_TRACE(testing::Message() << size << ' ' << place);
+            std::vector<Point> outline;
+            for (const Point& p : shape) outline.push_back({(p.x + place) * size, (p.y - 2 * place) * size});
+            EXPECT_EQ(6 * size * size, Area(outline));
+            EXPECT_EQ((Point{(centroid.x + place) * size, (centroid.y - 2 * place) * size}), SignedCentroid(outline));
+            std::reverse(outline.begin(), outline.end());
+            EXPECT_EQ((Point{-(centroid.x + place) * size, -(centroid.y - 2 * place) * size}), SignedCentroid(outline));
+        }
+    // Three pixels of a particle far from the image's corner; thirds do not come out even.
+    const std::vector<Point> three = {{1000000, 1000000}, {1000001, 1000000}, {1000000, 1000001}};
+    EXPECT_EQ(0.5, Area(three));
+    EXPECT_EQ((Point{1000000 + 1. / 3, 1000000 + 1. / 3}), SignedCentroid(three));
+    // One axis huge, the other tiny: an area of 4 and one of 1e600.
+    EXPECT_EQ(4, Area(std::vector<Point>{
+                     {-0x1p1000, -0x1p-1000}, {0x1p1000, -0x1p-1000}, {0x1p1000, 0x1p-1000}, {-0x1p1000, 0x1p-1000}}));
+    const std::vector<Point> whole = {
+        {-1.5e308, -1.5e308}, {1.5e308, -1.5e308}, {1.5e308, 1.5e308}, {-1.5e308, 1.5e308}};
+    EXPECT_EQ(kInfinity, Area(whole));
+    EXPECT_EQ((Point{0, 0}), SignedCentroid(whole));
+    EXPECT_EQ(1, Circularity(whole));
+}
+
+// Products of doubles of 53 bits, which long double would round.
+TEST(Area, IsRoundedOnce) {
+    // 2 area = (2^53 - 1) (2^53 - 1) - 2^53 (2^53 - 2) = 1
+    const double most = 0x1p53 - 1;
+    EXPECT_EQ(0.5, Area(std::vector<Point>{{0, 0}, {most, 0x1p53}, {0x1p53 - 2, most}}));
+    EXPECT_EQ(0, Area(std::vector<Point>{{0.1, 0.1}, {0.2, 0.2}, {0.7, 0.7}}));
+    EXPECT_EQ(0, Area({}));
+    for (const double odd : {kNan, kInfinity}) {
+        const std::vector<Point> outline = {{0, 0}, {odd, 0}, {1, 1}};
+        EXPECT_TRUE(std::isnan(Area(outline)));
+        EXPECT_TRUE(std::isnan(SignedCentroid(outline).x));
+    }
+    const Point of8 = SignedCentroid(std::vector<Point>{{0, 0}, {1, 1}, {1, 0}, {0, 1}});
+    EXPECT_FALSE(std::isfinite(of8.x) || std::isfinite(of8.y));
+}
+
 TEST(ConvexHull, HoldsTheCornersAndOnlyThemInOneDirection) {
     std::mt19937 random(3);
     for (int kind = 0; kind < 4; ++kind)
