@@ -31,15 +31,7 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
     std::vector<uint8_t> moved;
     const bool move = size > bytes_.capacity();
     if (move) moved.reserve(size);
-    std::vector<RowRecord> rows(static_cast<size_t>(height));
-    const int64_t entries = int64_t{std::max(rowBytes, height)} + 2 * kMargin;
-    if (static_cast<uint64_t>(entries) > kMostBytes / sizeof(IndexEntry)) throw std::bad_alloc();
-    std::vector<IndexEntry> index(static_cast<size_t>(entries));
-    for (int64_t k = 0; k < entries; ++k) {
-        IndexEntry& entry = index[static_cast<size_t>(k)];
-        entry.column = static_cast<int32_t>(std::clamp<int64_t>(k - kMargin, 0, rowBytes - 1));
-        entry.offset = static_cast<ptrdiff_t>(rowBytes * std::clamp<int64_t>(k - kMargin, 0, height - 1));
-    }
+    std::vector<bool> modified(static_cast<size_t>(height), true);
 
     // From here on nothing fails: bytes are added within what is reserved.
     if (zero) bytes_.clear();
@@ -48,8 +40,7 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
         bytes_ = std::move(moved);
     }
     bytes_.resize(size);
-    index_ = std::move(index);
-    rows_ = std::move(rows);
+    modified_ = std::move(modified);
     record_ = {};
     record_.bmWidth = width;
     record_.bmHeight = height;

@@ -3,6 +3,7 @@
 
 #include <orlix/orlix.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -16,7 +17,7 @@ namespace orlix {
 // A store starts without pixels (width and height 0). Row pointers stay valid until the next Create or CopyFrom.
 class BitmapStore {
 public:
-    // Reads up to this many bytes or rows beyond an edge find the nearest one in the index table.
+    // Reads up to this many bytes or rows beyond an edge find the nearest one.
     static constexpr int32_t kMargin = 200;
 
     struct IndexEntry {
@@ -61,23 +62,21 @@ public:
     static uint8_t MaskOf(int32_t x) { return static_cast<uint8_t>(0x80 >> (x % 8)); }
 
     // Whoever keeps something derived from a row makes it anew when the row is marked, and takes the mark away.
-    bool Modified(int32_t y) const { return rows_[static_cast<size_t>(y)].modified; }
-    void MarkModified(int32_t y) { rows_[static_cast<size_t>(y)].modified = true; }
-    void ClearModified(int32_t y) { rows_[static_cast<size_t>(y)].modified = false; }
+    bool Modified(int32_t y) const { return modified_[static_cast<size_t>(y)]; }
+    void MarkModified(int32_t y) { modified_[static_cast<size_t>(y)] = true; }
+    void ClearModified(int32_t y) { modified_[static_cast<size_t>(y)] = false; }
 
-    // Byte column and row offset for an index from -kMargin to max(rowBytes, height) + kMargin - 1, each held inside.
-    const IndexEntry& Index(int32_t i) const { return index_[static_cast<size_t>(int64_t{i} + kMargin)]; }
-    size_t IndexEntries() const { return index_.size(); }
+    // Byte column and row offset for an index from -kMargin to max(rowBytes, height) + kMargin - 1, each held inside. Not a
+    // table: that of a bitmap a few pixels wide would be many times as large as the bitmap.
+    IndexEntry Index(int64_t i) const {
+        return {static_cast<int32_t>(std::clamp<int64_t>(i, 0, record_.bmWidthBytes - 1)),
+                static_cast<ptrdiff_t>(rowBytes() * std::clamp<int64_t>(i, 0, record_.bmHeight - 1))};
+    }
 
 private:
-    struct RowRecord {
-        bool modified = true;
-    };
-
     BITMAP record_ = {};
     std::vector<uint8_t> bytes_;
-    std::vector<RowRecord> rows_;
-    std::vector<IndexEntry> index_;
+    std::vector<bool> modified_;  // of each row: a bit, for there are bitmaps of two bytes a row
 };
 
 }  // namespace orlix

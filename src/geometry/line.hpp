@@ -1,6 +1,7 @@
 // Bresenham lines, clipped.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "geometry/rounding.hpp"
@@ -41,6 +42,31 @@ public:
             }
             along += majorSign_;
             error += 2 * minor_;
+        }
+    }
+
+    // Rows in which the line has pixels there.
+    int64_t Rows() const {
+        if (first_ > last_) return 0;
+        return 1 + (steep_ ? last_ - first_ : Side(last_) - Side(first_));
+    }
+
+    // Calls visit(y, left, right) for each of these rows, in order. The time taken depends on their number only.
+    template <class Visit>
+    void ForEachRow(Visit&& visit) const {
+        if (steep_) return ForEach([&](int32_t x, int32_t y) { visit(y, x, x); });
+        int64_t side = minorStart_ + minorSign_ * firstSide_;
+        int64_t error = firstError_;
+        for (int64_t k = first_; k <= last_;) {
+            // Steps until the error term is no longer negative.
+            const int64_t steps = error >= 0 ? 0 : minor_ == 0 ? last_ - k : (2 * minor_ - 1 - error) / (2 * minor_);
+            const int64_t end = std::min(k + steps, last_);
+            const int64_t one = majorStart_ + majorSign_ * k, other = majorStart_ + majorSign_ * end;
+            visit(static_cast<int32_t>(side), static_cast<int32_t>(std::min(one, other)),
+                  static_cast<int32_t>(std::max(one, other)));
+            error += 2 * minor_ * (end - k + 1) - 2 * major_;
+            side += minorSign_;
+            k = end + 1;
         }
     }
 

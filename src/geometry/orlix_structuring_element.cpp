@@ -17,7 +17,7 @@ STDMETHODIMP OrlixStructuringElement::AddElement(LONG X, LONG Y) noexcept {
     return Guarded([&] {
         if (elements_.size() >= static_cast<size_t>(std::numeric_limits<LONG>::max())) throw FailedResult(E_FAIL);
         elements_.push_back({X, Y, 0, 0});
-        bytes_.reset();
+        bytes_.Reset();
     });
 }
 
@@ -31,7 +31,7 @@ STDMETHODIMP OrlixStructuringElement::get_NumberOfElements(LONG* hVal) noexcept 
 STDMETHODIMP OrlixStructuringElement::ResetElements() noexcept {
     return Guarded([&] {
         elements_.clear();
-        bytes_.reset();
+        bytes_.Reset();
     });
 }
 
@@ -48,7 +48,7 @@ STDMETHODIMP OrlixStructuringElement::Reflect() noexcept {
             element.m_lX = Negative(element.m_lX);
             element.m_lY = Negative(element.m_lY);
         }
-        bytes_.reset();
+        bytes_.Reset();
     });
 }
 
@@ -58,7 +58,7 @@ STDMETHODIMP OrlixStructuringElement::Translate(LONG X, LONG Y) noexcept {
             element.m_lX = Sum(element.m_lX, X);
             element.m_lY = Sum(element.m_lY, Y);
         }
-        bytes_.reset();
+        bytes_.Reset();
     });
 }
 
@@ -83,7 +83,7 @@ STDMETHODIMP OrlixStructuringElement::CreateDisk(double Radius) noexcept {
     return Guarded([&] {
         if (!(Radius > 0)) throw Failure("IStructuringElement::CreateDisk: radius must be positive");
         elements_ = DiskElements(Radius);
-        bytes_.reset();
+        bytes_.Reset();
     });
 }
 
@@ -93,8 +93,7 @@ STDMETHODIMP OrlixStructuringElement::get_BinaryElements(LONG lBit, SElement** h
         Require(hEnd);
         *hBegin = *hEnd = nullptr;
         if (lBit < 0 || lBit > 7) throw FailedResult(E_INVALIDARG);
-        if (!bytes_) bytes_ = BytesOf(elements_);
-        std::vector<SElement>& list = (*bytes_)[static_cast<size_t>(lBit)];
+        std::vector<SElement>& list = bytes_.At(lBit, elements_);
         *hBegin = list.data();
         *hEnd = list.data() + list.size();
     });

@@ -3,7 +3,6 @@
 
 #include <orlix/orlix.h>
 
-#include <optional>
 #include <vector>
 
 #include "component/object.hpp"
@@ -23,5 +22,5 @@ public:
 
 private:
     std::vector<SElement> elements_;
-    std::optional<orlix::BinaryElements> bytes_;  // none after a change
+    orlix::ByteLists bytes_;
 };

@@ -11,6 +11,9 @@
 namespace orlix {
 namespace {
 
+constexpr char kTooManyRows[] =
+    "IShapeRegionOfInterest::CreateOrientedRectangle: the shape covers more than 16777216 rows.";
+
 struct Point {
     double x, y;
 };
@@ -52,9 +55,7 @@ void Widen(Box& box, int32_t left, int32_t right, int32_t row) {
     box.bottom = std::max(box.bottom, row);
 }
 
-size_t RowsBetween(int32_t top, int32_t bottom) {
-    return bottom < top ? 0 : static_cast<size_t>(int64_t{bottom} - top + 1);
-}
+int64_t RowsBetween(int32_t top, int32_t bottom) { return std::max<int64_t>(int64_t{bottom} - top + 1, 0); }
 
 }  // namespace
 
@@ -64,6 +65,14 @@ void ShapeRegion::Reset(int32_t width, int32_t height) {
     height_ = height;
     other_ = {width - 1, 0};
     rows_ = nullptr;
+}
+
+std::vector<RawRun> ShapeRegion::RowsFor(int64_t rows, int32_t width, int32_t height, const char* tooMany) {
+    if (rows > kMostRows) {
+        Reset(width, height);
+        throw Failure(tooMany);
+    }
+    return std::vector<RawRun>(static_cast<size_t>(rows));
 }
 
 void ShapeRegion::CreateRectangle(int32_t width, int32_t height, int32_t left, int32_t top, int32_t right,
@@ -88,7 +97,9 @@ void ShapeRegion::CreateCircle(int32_t width, int32_t height, double x, double y
     }
     const Box box =
         Clipped({CeilToInt32(x - radius), disk.Top(), FloorToInt32(x + radius), disk.Bottom()}, width, height);
-    std::vector<RawRun> runs(RowsBetween(box.top, box.bottom));
+    std::vector<RawRun> runs =
+        RowsFor(RowsBetween(box.top, box.bottom), width, height,
+                "IShapeRegionOfInterest::CreateCircle: the shape covers more than 16777216 rows.");
     for (size_t i = 0; i < runs.size(); ++i) runs[i] = disk.Row(box.top + static_cast<int32_t>(i));
     auto shared = std::make_shared<const std::vector<RawRun>>(std::move(runs));
     Reset(width, height);
@@ -126,7 +137,7 @@ void ShapeRegion::CreateOrientedRectangle(int32_t width, int32_t height, double 
     const int32_t bottom = finite ? std::min(FloorToInt32(most), height - 1) : -1;
 
     Box box = NoBox(width, height);
-    std::vector<RawRun> runs(RowsBetween(top, bottom));
+    std::vector<RawRun> runs = RowsFor(RowsBetween(top, bottom), width, height, kTooManyRows);
     for (size_t i = 0; i < runs.size(); ++i) {
         const int32_t y = top + static_cast<int32_t>(i);
         double low = width - 1;
@@ -150,16 +161,11 @@ void ShapeRegion::CreateOrientedRectangle(int32_t width, int32_t height, double 
 
 void ShapeRegion::CreateLine(int32_t width, int32_t height, double x1, double y1, double x2, double y2) {
     const VisibleSteps steps(Line::BetweenRounded(x1, y1, x2, y2), width, height);
+    std::vector<RawRun> runs = RowsFor(steps.Rows(), width, height, kTooManyRows);
     Box box = NoBox(width, height);
-    bool any = false;
-    steps.ForEach([&](int32_t x, int32_t y) {
-        Widen(box, x, x, y);
-        any = true;
-    });
-    std::vector<RawRun> runs(any ? RowsBetween(box.top, box.bottom) : 0, RawRun{width - 1, 0});
-    steps.ForEach([&](int32_t x, int32_t y) {
-        RawRun& run = runs[static_cast<size_t>(y - box.top)];
-        run = {std::min(run.start, x), std::max(run.stop, x)};
+    steps.ForEachRow([&](int32_t y, int32_t left, int32_t right) { Widen(box, left, right, y); });
+    steps.ForEachRow([&](int32_t y, int32_t left, int32_t right) {
+        runs[static_cast<size_t>(y - box.top)] = {left, right};
     });
     auto shared = std::make_shared<const std::vector<RawRun>>(std::move(runs));
     Reset(width, height);

@@ -29,6 +29,9 @@ struct Box {
 // Before that, and when memory runs out, nothing changes. Arguments that are not numbers give a shape without pixels.
 class ShapeRegion {
 public:
+    // What a disk or an oriented rectangle may cover: 128 MB. Failure beyond: "...: the shape covers more than 16777216 rows."
+    static constexpr int64_t kMostRows = int64_t{1} << 24;
+
     // Columns left..right of the rows top..bottom, clipped to the image. Beside the image: reversed runs.
     void CreateRectangle(int32_t width, int32_t height, int32_t left, int32_t top, int32_t right, int32_t bottom);
 
@@ -80,6 +83,8 @@ private:
         return rows_ && i >= 0 && i < static_cast<int64_t>(rows_->size()) ? (*rows_)[static_cast<size_t>(i)] : other_;
     }
     void Reset(int32_t width, int32_t height);
+    // Memory for the runs, not set yet; no more than kMostRows.
+    std::vector<RawRun> RowsFor(int64_t rows, int32_t width, int32_t height, const char* tooMany);
     void CreateLine(int32_t width, int32_t height, double x1, double y1, double x2, double y2);
 
     int32_t width_ = 0;

@@ -1,8 +1,9 @@
 #include "geometry/structuring_element.hpp"
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
-#include <unordered_map>
+#include <numeric>
+#include <utility>
 
 #include "component/failure.hpp"
 
@@ -27,14 +28,18 @@ uint8_t MaskOf(int64_t byte, int64_t rest) {
 }  // namespace
 
 std::vector<SElement> DiskElements(double radius) {
-    // More than 2^31 pixels: pi radius^2.
-    if (!(radius < 26146)) throw FailedResult(E_FAIL);
+    // Beyond this the area alone, pi radius^2, is too large.
+    constexpr double kLargestRadius = 2320;
+    int64_t count = 0;
+    if (radius < kLargestRadius) {
+        const auto last = static_cast<int64_t>(radius);
+        for (int64_t y = -last; y <= last; ++y) count += 2 * HalfWidth(y, radius) + 1;
+    }
+    if (!(radius < kLargestRadius) || count > kLargestDisk)
+        throw Failure("IStructuringElement::CreateDisk: the disk has more than 16777216 pixels.");
     const auto last = static_cast<int64_t>(radius);
-    size_t count = 0;
-    for (int64_t y = -last; y <= last; ++y) count += static_cast<size_t>(2 * HalfWidth(y, radius) + 1);
-    if (count > static_cast<size_t>(std::numeric_limits<LONG>::max())) throw FailedResult(E_FAIL);
     std::vector<SElement> disk;
-    disk.reserve(count);
+    disk.reserve(static_cast<size_t>(count));
     for (int64_t y = -last; y <= last; ++y) {
         const int64_t half = HalfWidth(y, radius);
         for (int64_t x = -half; x <= half; ++x) disk.push_back({static_cast<LONG>(x), static_cast<LONG>(y), 0, 0});
@@ -42,21 +47,51 @@ std::vector<SElement> DiskElements(double radius) {
     return disk;
 }
 
-BinaryElements BytesOf(std::span<const SElement> elements) {
-    BinaryElements lists;
-    for (int64_t bit = 0; bit < 8; ++bit) {
-        std::vector<SElement>& list = lists[static_cast<size_t>(bit)];
-        std::unordered_map<uint64_t, size_t> places;
-        for (const SElement& element : elements) {
-            const int64_t v = bit + element.m_lX, byte = v / 8, rest = v % 8;
-            const uint64_t key =
-                static_cast<uint64_t>(static_cast<uint32_t>(byte)) << 32 | static_cast<uint32_t>(element.m_lY);
-            const auto [place, isNew] = places.emplace(key, list.size());
-            if (isNew) list.push_back({static_cast<LONG>(byte), element.m_lY, 0, 0});
-            list[place->second].m_yValue |= MaskOf(byte, rest);
-        }
+void ByteLists::Reset() {
+    inOrder_.reset();
+    for (auto& list : lists_) list.reset();
+}
+
+// In reading order, or against it, elements of one byte stand together whatever the bit; disks do, and most of what clients add.
+// All others are sorted once.
+void ByteLists::Sort(std::span<const SElement> elements) {
+    const auto before = [](const SElement& a, const SElement& b) {
+        return a.m_lY != b.m_lY ? a.m_lY < b.m_lY : a.m_lX < b.m_lX;
+    };
+    std::vector<uint32_t> order;
+    if (!std::is_sorted(elements.begin(), elements.end(), before) &&
+        !std::is_sorted(elements.rbegin(), elements.rend(), before)) {
+        order.resize(elements.size());
+        std::iota(order.begin(), order.end(), uint32_t{0});
+        std::sort(order.begin(), order.end(), [&](uint32_t a, uint32_t b) { return before(elements[a], elements[b]); });
     }
-    return lists;
+    inOrder_ = std::move(order);
+}
+
+std::vector<SElement>& ByteLists::At(int32_t bit, std::span<const SElement> elements) {
+    std::optional<std::vector<SElement>>& list = lists_[static_cast<size_t>(bit)];
+    if (list) return *list;
+    if (!inOrder_) Sort(elements);
+
+    // m_lOffset holds the index of the first element of the byte, until the bytes are in the order of these.
+    std::vector<SElement> bytes;
+    bool ordered = true;
+    for (size_t i = 0; i < elements.size(); ++i) {
+        const size_t index = inOrder_->empty() ? i : (*inOrder_)[i];
+        const SElement& element = elements[index];
+        const int64_t v = int64_t{bit} + element.m_lX, byte = v / 8;
+        if (bytes.empty() || bytes.back().m_lX != byte || bytes.back().m_lY != element.m_lY)
+            bytes.push_back({static_cast<LONG>(byte), element.m_lY, static_cast<LONG>(index), 0});
+        SElement& entry = bytes.back();
+        entry.m_yValue |= MaskOf(byte, v % 8);
+        entry.m_lOffset = std::min(entry.m_lOffset, static_cast<LONG>(index));
+        ordered = ordered && (bytes.size() < 2 || bytes[bytes.size() - 2].m_lOffset < entry.m_lOffset);
+    }
+    if (!ordered)
+        std::sort(bytes.begin(), bytes.end(),
+                  [](const SElement& a, const SElement& b) { return a.m_lOffset < b.m_lOffset; });
+    for (SElement& entry : bytes) entry.m_lOffset = 0;
+    return list.emplace(std::move(bytes));
 }
 
 }  // namespace orlix

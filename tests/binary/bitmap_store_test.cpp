@@ -75,7 +75,7 @@ TEST(BitmapStore, FailedCreationLeavesEverythingAsItWas) {
     const void* bits = store.record().bmBits;
     const auto unchanged = [&] {
         return store.width() == 10 && store.height() == 2 && store.record().bmBits == bits && Bytes(store) == before &&
-               store.Modified(0) && !store.Modified(1) && store.IndexEntries() == 402;
+               store.Modified(0) && !store.Modified(1);
     };
     const auto message = [&](int32_t width, int32_t height) {
         try {
@@ -93,13 +93,12 @@ TEST(BitmapStore, FailedCreationLeavesEverythingAsItWas) {
     EXPECT_TRUE(unchanged());
 }
 
-TEST(BitmapStore, TheIndexTableHoldsOffsetsInsideTheBitmap) {
+TEST(BitmapStore, TheIndexHoldsOffsetsInsideTheBitmap) {
     for (const auto& [width, height] : {std::pair{100, 3}, std::pair{5, 700}, std::pair{1, 1}}) {
         BitmapStore store;
         store.Create(width, height, false);
         const int32_t rowBytes = static_cast<int32_t>(store.rowBytes());
         const int32_t longer = std::max(rowBytes, static_cast<int32_t>(height));
-        ASSERT_EQ(static_cast<size_t>(longer) + 400, store.IndexEntries());
         for (int32_t i = -200; i < longer + 200; ++i) {
             EXPECT_EQ(i < 0 ? 0 : i >= rowBytes ? rowBytes - 1 : i, store.Index(i).column);
             EXPECT_EQ(rowBytes * (i < 0 ? 0 : i >= height ? height - 1 : i), store.Index(i).offset);
@@ -141,7 +140,6 @@ TEST(BitmapStore, CopiesRowsOfAnyLength) {
     store.CopyFrom(source);
     EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4, 5, 6, 7, 8}), Bytes(store));
     EXPECT_EQ(20, store.width());
-    EXPECT_EQ(404u, store.IndexEntries());
 }
 
 TEST(BitmapStore, CopiesARecordOfItsOwnMemory) {

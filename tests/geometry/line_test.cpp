@@ -21,9 +21,21 @@ struct Pixel {
     }
 };
 
+// The pixels, which are the same step by step and row by row.
 std::vector<Pixel> Visible(const Line& line, int32_t width, int32_t height) {
-    std::vector<Pixel> pixels;
-    VisibleSteps(line, width, height).ForEach([&](int32_t x, int32_t y) { pixels.push_back({x, y}); });
+    const VisibleSteps steps(line, width, height);
+    std::vector<Pixel> pixels, ofRows;
+    steps.ForEach([&](int32_t x, int32_t y) { pixels.push_back({x, y}); });
+    int64_t rows = 0;
+    steps.ForEachRow([&](int32_t y, int32_t left, int32_t right) {
+        ++rows;
+        if (line.x1 <= line.x2)
+            for (int32_t x = left; x <= right; ++x) ofRows.push_back({x, y});
+        else
+            for (int32_t x = right; x >= left; --x) ofRows.push_back({x, y});
+    });
+    EXPECT_EQ(pixels, ofRows);
+    EXPECT_EQ(rows, steps.Rows());
     return pixels;
 }
 

@@ -321,6 +321,25 @@ TEST(ShapeRegion, CentreLinesOfAnyLengthAreDefined) {
     EXPECT_THAT(Runs(Oriented(10, 10, 0, 0, 9, 9, kNaN), 5), Is({}));
 }
 
+// Whole numbers only, but images of 2^31 rows or columns.
+TEST(ShapeRegion, WhatCoversTooManyRowsIsRefusedAndNoLengthOfARowMatters) {
+    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
+    const std::string disk = "IShapeRegionOfInterest::CreateCircle: the shape covers more than 16777216 rows.";
+    const std::string other =
+        "IShapeRegionOfInterest::CreateOrientedRectangle: the shape covers more than 16777216 rows.";
+    EXPECT_EQ(disk, FailureOf([&] { shape.CreateCircle(1000, kMost, 500, 1e9, 8388609); }));
+    EXPECT_EQ(other, FailureOf([&] { shape.CreateOrientedRectangle(1000, kMost, 0, 0, 999, kMost, 300); }));
+    EXPECT_EQ(other, FailureOf([&] { shape.CreateOrientedRectangle(kMost, kMost, 0, 0, kMost, 16777216, 0); }));
+    EXPECT_EQ(kMost, shape.height());
+    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 6), Is({{kMost - 1, 0}}));
+
+    shape.CreateOrientedRectangle(kMost, 5, 0, 1, kMost, 4, 0);
+    EXPECT_EQ((Box{0, 1, kMost - 1, 4}), shape.BoundingBox());
+    EXPECT_THAT(Runs(shape, 1), Is({{0, 357913941}}));
+    EXPECT_THAT(Runs(shape, 2), Is({{357913942, 1073741823}}));
+}
+
 // -------------------------------------------------------------------------------------------------------------- the frame
 
 // A pixel of the shape belongs to the frame unless it lies between the ends of its run, in a row between the first and the

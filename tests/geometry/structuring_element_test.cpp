@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
-#include <set>
 
 using namespace orlix;
 
@@ -28,13 +28,40 @@ TEST(DiskElements, AreThePixelsWithinTheRadiusInReadingOrder) {
     EXPECT_EQ(5u, DiskElements(1).size());
     EXPECT_EQ(9u, DiskElements(1.5).size());
     EXPECT_EQ(13u, DiskElements(2).size());
-    for (const double huge : {1e9, 1e308, HUGE_VAL}) EXPECT_THROW(DiskElements(huge), FailedResult);
+    EXPECT_EQ(16763709u, DiskElements(2310).size());
+    for (const double huge : {2311.0, 20000.0, 1e308, HUGE_VAL}) {
+        try {
+            DiskElements(huge);
+            ADD_FAILURE() << huge;
+        } catch (const Failure& failure) {
+            EXPECT_STREQ("IStructuringElement::CreateDisk: the disk has more than 16777216 pixels.", failure.what());
+        }
+    }
 }
 
-TEST(BytesOf, MasksAsTheContractSays) {
+namespace {
+
+// The rule as the contract has it, element by element.
+std::vector<SElement> PlainList(LONG bit, const std::vector<SElement>& elements) {
+    std::vector<SElement> list;
+    for (const SElement& element : elements) {
+        const int64_t v = int64_t{bit} + element.m_lX, byte = v / 8, r = v % 8;
+        const int mask = byte >= 0 ? r >= 0 ? 0x80 >> r : 0 : r < 0 ? 1 << (-1 - r) : 0;
+        auto entry = std::find_if(list.begin(), list.end(), [&](const SElement& other) {
+            return other.m_lX == byte && other.m_lY == element.m_lY;
+        });
+        if (entry == list.end()) entry = list.insert(entry, {static_cast<LONG>(byte), element.m_lY, 0, 0});
+        entry->m_yValue = static_cast<unsigned char>(entry->m_yValue | mask);
+    }
+    return list;
+}
+
+}  // namespace
+
+TEST(ByteLists, MasksAsTheContractSays) {
     struct Case {
         LONG x;
-        size_t bit;
+        LONG bit;
         LONG byte;
         int mask;
     };
@@ -53,30 +80,37 @@ TEST(BytesOf, MasksAsTheContractSays) {
                           {INT32_MIN, 0, -268435456, 0}}) {
         SCOPED_TRACE(testing::Message() << c.x << " at " << c.bit);
         const SElement element = {c.x, 5, 9, 9};
-        const BinaryElements lists = BytesOf({&element, 1});
-        ASSERT_EQ(1u, lists[c.bit].size());
-        EXPECT_EQ(c.byte, lists[c.bit][0].m_lX);
-        EXPECT_EQ(5, lists[c.bit][0].m_lY);
-        EXPECT_EQ(0, lists[c.bit][0].m_lOffset);
-        EXPECT_EQ(c.mask, lists[c.bit][0].m_yValue);
+        ByteLists lists;
+        const std::vector<SElement>& list = lists.At(c.bit, {&element, 1});
+        ASSERT_EQ(1u, list.size());
+        EXPECT_EQ(c.byte, list[0].m_lX);
+        EXPECT_EQ(5, list[0].m_lY);
+        EXPECT_EQ(0, list[0].m_lOffset);
+        EXPECT_EQ(c.mask, list[0].m_yValue);
     }
 }
 
-// Right of column 0 the bits are those of the pixels, each byte once.
-TEST(BytesOf, HoldEachPixelOnce) {
+// Whatever the order of the elements: one entry for each byte, where its first element stands.
+TEST(ByteLists, AreInTheOrderOfFirstAppearance) {
     std::mt19937 random(1);
-    std::uniform_int_distribution<LONG> column(0, 40), row(-5, 5);
-    std::vector<SElement> elements;
-    for (int i = 0; i < 120; ++i) elements.push_back({column(random), row(random), 0, 0});
-    const BinaryElements lists = BytesOf(elements);
-    for (LONG bit = 0; bit < 8; ++bit) {
-        std::set<std::pair<LONG, LONG>> pixels, expected, bytes;
-        for (const SElement& element : elements) expected.emplace(bit + element.m_lX, element.m_lY);
-        for (const SElement& entry : lists[static_cast<size_t>(bit)]) {
-            EXPECT_TRUE(bytes.emplace(entry.m_lX, entry.m_lY).second);
-            for (LONG k = 0; k < 8; ++k)
-                if (entry.m_yValue & 0x80 >> k) pixels.emplace(8 * entry.m_lX + k, entry.m_lY);
+    std::vector<SElement> elements = DiskElements(6.5);
+    for (SElement& element : elements) element.m_lX -= 2;  // also left of the reference byte
+    const std::vector<SElement> disk = elements;
+    for (int k = 0; k < 40; ++k) {
+        if (k == 1) std::reverse(elements.begin(), elements.end());
+        if (k > 1) std::shuffle(elements.begin(), elements.end(), random);
+        if (k > 20) elements.insert(elements.end(), disk.begin(), disk.begin() + k);  // some of them twice
+        ByteLists lists;
+        for (const LONG bit : {0, 7, 3, 0}) {
+            const std::vector<SElement>& list = lists.At(bit, elements);
+            const std::vector<SElement> expected = PlainList(bit, elements);
+            ASSERT_EQ(expected.size(), list.size());
+            for (size_t i = 0; i < list.size(); ++i) {
+                ASSERT_EQ(expected[i].m_lX, list[i].m_lX);
+                ASSERT_EQ(expected[i].m_lY, list[i].m_lY);
+                ASSERT_EQ(0, list[i].m_lOffset);
+                ASSERT_EQ(expected[i].m_yValue, list[i].m_yValue);
+            }
         }
-        EXPECT_EQ(expected, pixels);
     }
 }
