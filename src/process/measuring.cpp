@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 
 #include "process/measuring_kernels.hpp"
@@ -215,7 +216,10 @@ GrayMeasures Measurer<float>::Finish() const {
     measures.average = s / n;
     const double offset = measures.average - origin_;
     const double variance = total(q_) / n - offset * offset;
-    measures.standardDeviation = variance > 0 ? std::sqrt(variance) : 0.0;
+    if (std::isnan(variance))
+        measures.standardDeviation = std::numeric_limits<double>::quiet_NaN();
+    else
+        measures.standardDeviation = std::sqrt(std::max(variance, 0.0));
     return measures;
 }
 

@@ -51,8 +51,10 @@ struct PixelSums<float> {
 //  (3) Float pixels: sums in double in a fixed order, the same for every variant; runs may be split where a column is a
 //      multiple of 512. Squares are taken about the very
 //      first pixel when that is finite, so that a large common offset costs no digits and equal pixels give 0.
-//  (4) Nothing gathered: all zero. The centroid is computed when S is not 0 (NaN counts as not 0); the standard deviation
-//      is 0 unless the variance is greater than 0 (so also when it is NaN).
+//  (4) Nothing gathered: all zero. The centroid is computed when S is not 0 (NaN counts as not 0). A variance that rounding
+//      makes negative counts as 0.
+//  (5) A NaN pixel makes the centroid, the average and the standard deviation NaN; an infinite one the centroid and the
+//      standard deviation, and the average infinite, or NaN where both signs occur.
 template <class T>
 class Measurer {
 public:

@@ -173,16 +173,23 @@ TEST(FloatMeasuring, EqualPixelsHaveNoDeviation) {
 }
 
 TEST(FloatMeasuring, NanAndInfinityComeThrough) {
-    const float row[3] = {1.0f, std::numeric_limits<float>::quiet_NaN(), 2.0f};
-    Measurer<float> nan(true, true);
-    nan(row, 3, 0, 0);
-    EXPECT_TRUE(std::isnan(nan.Finish().average));
-    EXPECT_EQ(0.0, nan.Finish().standardDeviation);
-    const float infinite[2] = {std::numeric_limits<float>::infinity(), 1.0f};
-    Measurer<float> infinity(true, true);
-    infinity(infinite, 2, 0, 0);
-    EXPECT_TRUE(std::isinf(infinity.Finish().average));
-    EXPECT_EQ(0.0, infinity.Finish().standardDeviation);
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN(), kInfinity = std::numeric_limits<float>::infinity();
+    const auto expect = [](double average, std::initializer_list<float> row) {
+        Measurer<float> measurer(true, true);
+        measurer(std::data(row), row.size(), 7, 9);
+        const GrayMeasures measures = measurer.Finish();
+        if (std::isnan(average))
+            EXPECT_TRUE(std::isnan(measures.average));
+        else
+            EXPECT_EQ(average, measures.average);
+        EXPECT_TRUE(std::isnan(measures.standardDeviation) && std::isnan(measures.xCentroid) &&
+                    std::isnan(measures.yCentroid));
+    };
+    expect(kNan, {1, kNan, 2});
+    expect(kNan, {kNan});
+    expect(kInfinity, {kInfinity, 1});
+    expect(-kInfinity, {1, -kInfinity, -kInfinity});
+    expect(kNan, {1, -kInfinity, 3, kInfinity});
 }
 
 }  // namespace
