@@ -1206,6 +1206,12 @@ IImageFile : public IUnknown
         double X,
         double Y) = 0;
 
+    virtual HRESULT STDMETHODCALLTYPE get_SampleLimit(
+        LONG *hVal) = 0;
+
+    virtual HRESULT STDMETHODCALLTYPE put_SampleLimit(
+        LONG newVal) = 0;
+
 };
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc)
@@ -1242,6 +1248,14 @@ typedef struct IImageFileVtbl {
         double X,
         double Y);
 
+    HRESULT (STDMETHODCALLTYPE *get_SampleLimit)(
+        IImageFile *This,
+        LONG *hVal);
+
+    HRESULT (STDMETHODCALLTYPE *put_SampleLimit)(
+        IImageFile *This,
+        LONG newVal);
+
     END_INTERFACE
 } IImageFileVtbl;
 
@@ -1259,6 +1273,8 @@ struct IImageFile {
 #define IImageFile_SaveToFile(This,FileName,Format) (This)->lpVtbl->SaveToFile(This,FileName,Format)
 #define IImageFile_GetMicronsPerPixel(This,X,Y) (This)->lpVtbl->GetMicronsPerPixel(This,X,Y)
 #define IImageFile_PutMicronsPerPixel(This,X,Y) (This)->lpVtbl->PutMicronsPerPixel(This,X,Y)
+#define IImageFile_get_SampleLimit(This,hVal) (This)->lpVtbl->get_SampleLimit(This,hVal)
+#define IImageFile_put_SampleLimit(This,newVal) (This)->lpVtbl->put_SampleLimit(This,newVal)
 #else
 /*** IUnknown methods ***/
 static FORCEINLINE HRESULT IImageFile_QueryInterface(IImageFile* This,REFIID riid,void **ppvObject) {
@@ -1279,6 +1295,12 @@ static FORCEINLINE HRESULT IImageFile_GetMicronsPerPixel(IImageFile* This,double
 }
 static FORCEINLINE HRESULT IImageFile_PutMicronsPerPixel(IImageFile* This,double X,double Y) {
     return This->lpVtbl->PutMicronsPerPixel(This,X,Y);
+}
+static FORCEINLINE HRESULT IImageFile_get_SampleLimit(IImageFile* This,LONG *hVal) {
+    return This->lpVtbl->get_SampleLimit(This,hVal);
+}
+static FORCEINLINE HRESULT IImageFile_put_SampleLimit(IImageFile* This,LONG newVal) {
+    return This->lpVtbl->put_SampleLimit(This,newVal);
 }
 #endif
 #endif

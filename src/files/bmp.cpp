@@ -109,7 +109,7 @@ bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept {
     return bytes.size() >= 2 && bytes[0] == 'B' && bytes[1] == 'M';
 }
 
-FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink) {
+FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
     const BmpLayout layout = ReadLayout(bytes);
     const auto width = static_cast<size_t>(layout.width);
     const auto row = [&](int32_t y) {
@@ -130,6 +130,7 @@ FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink) {
     properties.bits = 8;
     properties.micronsX = layout.micronsX;
     properties.micronsY = layout.micronsY;
+    RequireWithin(limit, properties.width, properties.height, properties.bands);
     sink.Begin(properties);
 
     for (int32_t band = 0; band < properties.bands; ++band) {

@@ -13,6 +13,6 @@ bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept;
 //   "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported."
 //   "IImageVPAEx::CreateFromBmp: the file is too short for its image."
 //   "IImageVPAEx::CreateFromBmp: a pixel is outside the palette."
-FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink);
+FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit);
 
 }  // namespace orlix

@@ -11,7 +11,7 @@
 namespace orlix {
 namespace {
 
-using Reader = FileProperties (*)(std::span<const uint8_t>, PixelSink&);
+using Reader = FileProperties (*)(std::span<const uint8_t>, PixelSink&, const SampleLimit&);
 
 // By the first bytes.
 Reader ReaderFor(std::span<const uint8_t> bytes) {
@@ -50,13 +50,15 @@ ImageFileFormat FormatOfName(FileStringView path) {
 
 }  // namespace
 
-FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink) { return ReaderFor(bytes)(bytes, sink); }
+FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
+    return ReaderFor(bytes)(bytes, sink, limit);
+}
 
-FileProperties LoadImageFile(FileStringView path, PixelSink& sink) {
+FileProperties LoadImageFile(FileStringView path, PixelSink& sink, const SampleLimit& limit) {
     // A look at the start keeps a huge file that is no image from being read.
     constexpr size_t kStart = 16;
     ReaderFor(Load(path, kStart).bytes());
-    return ReadImageFile(Load(path, std::numeric_limits<size_t>::max()).bytes(), sink);
+    return ReadImageFile(Load(path, std::numeric_limits<size_t>::max()).bytes(), sink, limit);
 }
 
 std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties& properties, PixelSource& source) {

@@ -16,7 +16,10 @@
 // Damage. Whatever can be seen to be wrong before the pixels are decoded is found before the sink hears of the image:
 // wrong checksums, chunks out of order, a size that the bytes present cannot fill. A PNG file must be whole (from its
 // signature to the end chunk); bytes behind the end of any format are ignored. Readers allocate no more than a few rows,
-// and never more than the file's size can account for.
+// and never more than the file's size can account for. Memory of the sink is touched row by row as rows have been decoded.
+//
+// Size. A file of some kilobytes can hold an image of gigabytes, and be right. What is beyond a limit of samples is refused
+// before a pixel is decoded; a palette, which makes one band or three of its pixels, before the sink hears of the image.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -27,6 +30,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "files/sample_limit.hpp"
 
 namespace orlix {
 
@@ -74,12 +79,13 @@ public:
 // Reads an image, of whatever format its content shows it to be. Failures name the reader and return DISP_E_EXCEPTION:
 //   "IImageVPAEx::CreateFromFile: unknown file format."
 //   "IImageVPAEx::CreateFromFile: problems reading pgm header", and so on: each text stands where it is raised.
+//   "IImageVPAEx::CreateFromFile: the image has N samples, more than the limit of M.", see SampleLimit
 // What the sink throws passes through. After a failure the sink may have been begun and filled in part.
-FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink);
+FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit = {});
 
 // Reads the file at a path. "IImageVPAEx::CreateFromFile: failed to open file." for whatever cannot be opened or is not a
 // regular file (folder, device, pipe), "IImageVPAEx::CreateFromFile: failed to read file.", and as ReadImageFile().
-FileProperties LoadImageFile(FileStringView path, PixelSink& sink);
+FileProperties LoadImageFile(FileStringView path, PixelSink& sink, const SampleLimit& limit = {});
 
 // The bytes of a file of the given format. PNG keeps the texts, and the size of a pixel in whole pixels per metre (it is
 // left out where that is not in 1 .. 2^31 - 1). PGM and PPM keep the pixels only. Checked in this order:
@@ -98,5 +104,10 @@ void SaveImageFile(FileStringView path, ImageFileFormat format, const FileProper
 // Whether a text may be kept under this keyword: 1 to 79 printable Latin-1 characters (32..126, 161..255), without leading,
 // trailing or double blanks.
 bool IsFileKeyword(FileStringView keyword) noexcept;
+
+// For readers that know the size of the image; see SampleLimit::Require().
+inline void RequireWithin(const SampleLimit& limit, int32_t width, int32_t height, int32_t bands) {
+    limit.Require(width, height, bands, "IImageVPAEx::CreateFromFile", DISP_E_EXCEPTION);
+}
 
 }  // namespace orlix

@@ -249,7 +249,7 @@ private:
 };
 
 // The geometry, with all that follows from it.
-ImageLayout ReadLayout(Reader& reader, LONG type) {
+ImageLayout ReadLayout(Reader& reader, LONG type, const SampleLimit& limit) {
     const auto bands = reader.Number<int32_t>();
     const auto width = reader.Number<int32_t>();
     const auto height = reader.Number<int32_t>();
@@ -264,6 +264,7 @@ ImageLayout ReadLayout(Reader& reader, LONG type) {
         totalSize % stride != 0 || totalSize / stride % static_cast<uint32_t>(height) != 0 ||
         totalSize / stride / static_cast<uint32_t>(height) != static_cast<uint32_t>(bands))
         Damaged();
+    limit.Require(width, height, bands, "IPersistStreamInit::Load", E_FAIL);
     const ImageLayout layout = MakeLayout(width, height, bands, type);
     if (entries != OffsetTableSize(layout)) Damaged();
     return layout;
@@ -381,7 +382,7 @@ uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const St
     return counter.size() + CompressionBuffer(content.layout.totalSize);
 }
 
-StreamImage ReadImageStream(ByteSource& source) {
+StreamImage ReadImageStream(ByteSource& source, const SampleLimit& limit) {
     Reader reader(source);
     uint32_t magic = 0;
     if (reader.Some(&magic, sizeof magic) < sizeof magic || magic != kOuterMagic)
@@ -396,7 +397,7 @@ StreamImage ReadImageStream(ByteSource& source) {
     TCoordinateMap map;
     for (double* value : {&map.OrgX, &map.OrgY, &map.Matrix.A11, &map.Matrix.A12, &map.Matrix.A21, &map.Matrix.A22})
         reader.Bytes(value, sizeof *value);
-    const ImageLayout layout = ReadLayout(reader, image.dataType);
+    const ImageLayout layout = ReadLayout(reader, image.dataType, limit);
     RequireTable(reader, layout);
     image.content = ReadPixels(reader, layout, image.dataType);
     image.content.coordinates = map;

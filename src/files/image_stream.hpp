@@ -27,6 +27,7 @@
 #include <span>
 #include <vector>
 
+#include "files/sample_limit.hpp"
 #include "image/image_store.hpp"
 #include "platform/file_io.hpp"
 
@@ -89,6 +90,7 @@ struct StreamImage {
 //   FailedResult(E_FAIL)                                           a type that OrlixImage does not create, or no "imba"
 //   "IPersistStreamInit::Load: the stream ends early."
 //   "IPersistStreamInit::Load: the stream is damaged."
-StreamImage ReadImageStream(ByteSource& source);
+//   "IPersistStreamInit::Load: the image has N samples, more than the limit of M.", see SampleLimit
+StreamImage ReadImageStream(ByteSource& source, const SampleLimit& limit = {});
 
 }  // namespace orlix

@@ -21,7 +21,7 @@ bool LooksLikePng(std::span<const uint8_t> bytes) noexcept;
 //   "IImageVPAEx::CreateFromPng: the file is too short for its image."
 //   "IImageVPAEx::CreateFromPng: problems reading png pixels": damaged, or fewer or more than the image has
 //   "IImageVPAEx::CreateFromPng: a pixel is outside the palette."
-FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink);
+FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit);
 
 // One band gives grey, three give true colour, 8 or 16 bits, not interlaced.
 std::vector<uint8_t> WritePng(const FileProperties& properties, PixelSource& source);

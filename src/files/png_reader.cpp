@@ -247,19 +247,34 @@ void DecodeRows(const PngFile& file, RowFunction&& row) {
 
 // --------------------------------------------------------------------------------------------------------------- samples
 
-// Calls use(x, index) for every pixel of a row whose samples have depth bits, the first in the high bits.
-template <class Use>
-void ForEachIndex(const uint8_t* bytes, uint32_t width, uint8_t depth, Use&& use) {
-    if (depth == 8) {
-        for (uint32_t x = 0; x < width; ++x) use(x, bytes[x]);
-        return;
-    }
-    const uint32_t mask = (1u << depth) - 1;
-    for (uint32_t x = 0; x < width; ++x) {
-        const uint64_t bit = uint64_t{x} * depth;
-        use(x, static_cast<uint8_t>(bytes[bit / 8] >> (8 - depth - bit % 8) & mask));
-    }
+// Pixel x of a row whose samples have depth bits, at most 8, the first in the high bits.
+uint8_t IndexAt(const uint8_t* bytes, size_t x, uint8_t depth) {
+    const uint64_t bit = uint64_t{x} * depth;
+    return static_cast<uint8_t>(bytes[bit / 8] >> (8 - depth - bit % 8) & ((1u << depth) - 1));
 }
+
+// What each byte stands for: the levels of its kPixels pixels.
+template <size_t kPixels>
+class ByteLevels {
+public:
+    explicit ByteLevels(const std::array<uint8_t, 256>& level) {
+        for (size_t byte = 0; byte < 256; ++byte) {
+            const auto stored = static_cast<uint8_t>(byte);
+            for (size_t x = 0; x < kPixels; ++x) levels_[byte][x] = level[IndexAt(&stored, x, 8 / kPixels)];
+        }
+    }
+
+    // The levels of a row go to out[0], out[step], ...
+    void Apply(const uint8_t* bytes, size_t width, uint8_t* out, size_t step) const {
+        if (step == 1)
+            for (; width >= kPixels; width -= kPixels, out += kPixels)
+                std::memcpy(out, levels_[*bytes++].data(), kPixels);
+        for (size_t x = 0; x < width; ++x) out[x * step] = levels_[bytes[x / kPixels]][x % kPixels];
+    }
+
+private:
+    std::array<std::array<uint8_t, kPixels>, 256> levels_;
+};
 
 template <class Sample>
 Sample SampleAt(const uint8_t* bytes) {
@@ -312,16 +327,30 @@ void ReadSamples(const PngFile& file, int32_t bands, PixelSink& sink) {
     });
 }
 
-// Indices through a palette whose entries cover all of them.
-void ReadIndices(const PngFile& file, const Palette& palette, int32_t bands, PixelSink& sink) {
+template <size_t kPixels>
+void ReadPacked(const PngFile& file, const Palette& palette, int32_t bands, PixelSink& sink) {
+    std::vector<ByteLevels<kPixels>> levels;
+    for (int32_t band = 0; band < bands; ++band) levels.emplace_back(palette.level[static_cast<size_t>(band)]);
     DecodeRows(file, [&](const Pass& pass, uint32_t y, uint32_t width, const uint8_t* bytes) {
         for (int32_t band = 0; band < bands; ++band) {
             auto* out = static_cast<uint8_t*>(sink.Row(band, static_cast<int32_t>(y))) + pass.x0;
-            const auto& level = palette.level[static_cast<size_t>(band)];
-            ForEachIndex(bytes, width, file.header.depth,
-                         [&](size_t x, uint8_t index) { out[x * pass.dx] = level[index]; });
+            levels[static_cast<size_t>(band)].Apply(bytes, width, out, pass.dx);
         }
     });
+}
+
+// Indices through a palette whose entries cover all of them.
+void ReadIndices(const PngFile& file, const Palette& palette, int32_t bands, PixelSink& sink) {
+    switch (file.header.depth) {
+        case 1:
+            return ReadPacked<8>(file, palette, bands, sink);
+        case 2:
+            return ReadPacked<4>(file, palette, bands, sink);
+        case 4:
+            return ReadPacked<2>(file, palette, bands, sink);
+        default:
+            return ReadPacked<1>(file, palette, bands, sink);
+    }
 }
 
 // Grey of fewer than 8 bits as indices of a palette, which scales it to 0..255.
@@ -333,11 +362,20 @@ Palette GreyLevels(uint8_t depth) {
     return levels;
 }
 
+// Whole bytes are marked while decoding, and looked into at the end.
 UsedIndices FindUsed(const PngFile& file) {
+    const uint8_t depth = file.header.depth;
+    const uint32_t perByte = 8u / depth;
     UsedIndices used{};
+    std::array<bool, 256> seen{};
     DecodeRows(file, [&](const Pass&, uint32_t, uint32_t width, const uint8_t* bytes) {
-        ForEachIndex(bytes, width, file.header.depth, [&](size_t, uint8_t index) { used[index] = true; });
+        for (uint32_t i = 0; i < width / perByte; ++i) seen[bytes[i]] = true;
+        for (uint32_t x = width - width % perByte; x < width; ++x) used[IndexAt(bytes, x, depth)] = true;
     });
+    for (size_t byte = 0; byte < 256; ++byte) {
+        const auto stored = static_cast<uint8_t>(byte);
+        for (uint32_t x = 0; seen[byte] && x < perByte; ++x) used[IndexAt(&stored, x, depth)] = true;
+    }
     return used;
 }
 
@@ -347,7 +385,7 @@ bool LooksLikePng(std::span<const uint8_t> bytes) noexcept {
     return bytes.size() >= 4 && std::equal(kSignature.begin(), kSignature.begin() + 4, bytes.begin());
 }
 
-FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink) {
+FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
     const PngFile file = ParseFile(bytes);
     RequireEnoughBytes(file);
 
@@ -358,15 +396,17 @@ FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink) {
     properties.micronsX = file.micronsX;
     properties.micronsY = file.micronsY;
     properties.texts = file.texts;
+    properties.bands = file.header.HasColour() ? 3 : 1;
+    RequireWithin(limit, properties.width, properties.height, properties.bands);
     if (file.header.colourType == kIndexed) {
         // Decoded once more, for the number of bands depends on the entries in use. Files with palettes are small.
         const UsedIndices used = FindUsed(file);
         if (!Covers(file.palette, used)) Fail("IImageVPAEx::CreateFromPng: a pixel is outside the palette.");
         properties.bands = IsGrey(file.palette, used) ? 1 : 3;
+        RequireWithin(limit, properties.width, properties.height, properties.bands);
         sink.Begin(properties);
         ReadIndices(file, file.palette, properties.bands, sink);
     } else {
-        properties.bands = file.header.HasColour() ? 3 : 1;
         sink.Begin(properties);
         if (file.header.depth < 8)
             ReadIndices(file, GreyLevels(file.header.depth), properties.bands, sink);

@@ -15,7 +15,7 @@ bool LooksLikePnm(std::span<const uint8_t> bytes) noexcept;
 //   "IImageVPAEx::CreateFromFile: the pgm file is too short for its image."
 //   "IImageVPAEx::CreateFromFile: a pgm value is above the declared maximum."
 //   "IImageVPAEx::CreateFromFile: problems reading pgm values"
-FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink);
+FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit);
 
 // One band gives PGM, three give PPM; 8 or 16 bits. The maximum is 255 or 65535. Plain files have lines of at most 70
 // characters, and every row starts on a new one.

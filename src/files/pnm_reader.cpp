@@ -170,21 +170,25 @@ bool LooksLikePnm(std::span<const uint8_t> bytes) noexcept {
            (IsBlank(bytes[2]) || bytes[2] == '#');
 }
 
-FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink) {
+FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
     const PnmTexts& texts = bytes[1] == '3' || bytes[1] == '6' ? kPpmTexts : kPgmTexts;
     Scanner scanner(bytes.subspan(2));
     const PnmHeader header = ReadHeader(bytes, scanner, texts);
     const bool wide = header.properties.bits == 16;
     const std::span<const uint8_t> values = scanner.Rest();
+    const auto begin = [&] {
+        RequireWithin(limit, header.properties.width, header.properties.height, header.properties.bands);
+        sink.Begin(header.properties);
+    };
 
     if (header.plain) {
         // A digit and a separator for each, but the last needs no separator.
         if (!Fits(header.properties, 2, uint64_t{values.size()} + 1)) Fail(texts.tooShort);
-        sink.Begin(header.properties);
+        begin();
         wide ? ReadPlain<uint16_t>(scanner, header, sink, texts) : ReadPlain<uint8_t>(scanner, header, sink, texts);
     } else {
         if (!Fits(header.properties, wide ? 2 : 1, values.size())) Fail(texts.tooShort);
-        sink.Begin(header.properties);
+        begin();
         wide ? ReadRaw<uint16_t>(values, header, sink, texts) : ReadRaw<uint8_t>(values, header, sink, texts);
     }
     return header.properties;

@@ -13,6 +13,7 @@
 #include "display/graphics_use.hpp"
 #include "display/view_geometry.hpp"
 #include "display/zoom_state.hpp"
+#include "files/sample_limit.hpp"
 #include "image/source_image.hpp"
 
 namespace orlix {
@@ -56,6 +57,8 @@ public:
     STDMETHODIMP SaveToFile(BSTR fileName, ImageFileFormat format) noexcept override;
     STDMETHODIMP GetMicronsPerPixel(double* x, double* y) noexcept override;
     STDMETHODIMP PutMicronsPerPixel(double x, double y) noexcept override;
+    STDMETHODIMP get_SampleLimit(LONG* limit) noexcept override;
+    STDMETHODIMP put_SampleLimit(LONG limit) noexcept override;
 
     // IImageEntries
     STDMETHODIMP get_NumberOfTextEntries(LONG* number) noexcept override;
@@ -252,6 +255,7 @@ private:
     orlix::DeviceRenderer renderer_;
     orlix::ConnectionPoint events_{*this, __uuidof(IPictureExEvents)};
     orlix::GraphicsShare graphics_;
+    LONG sampleLimit_ = orlix::SampleLimit::kInitially;  // of what is loaded, see files/sample_limit.hpp
     bool modified_ = false;     // by a creation or a change of what a stream keeps; the typed image knows of pixels
     bool initialised_ = false;  // by Load, ReLoad or InitNew
 };

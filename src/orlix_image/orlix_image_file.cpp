@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstring>
 
 #include "component/strings.hpp"
 #include "files/image_file.hpp"
@@ -13,7 +14,7 @@ class ContentSink final : public PixelSink {
 public:
     void Begin(const FileProperties& file) override {
         type_ = file.bits == 16 ? DT_WORD : DT_BYTE;
-        content_ = ImageStore(type_).MakeContent(file.width, file.height, file.bands);
+        content_ = ImageStore(type_).MakeContent(file.width, file.height, file.bands, ImageStore::Bytes::Unset);
         ImageProperties& properties = content_.properties;
         properties.micronsX = file.micronsX;
         properties.micronsY = file.micronsY;
@@ -26,9 +27,14 @@ public:
             }
         }
     }
+    // Nothing of the row was written before: its padding becomes 0 here.
     void* Row(int32_t band, int32_t y) override {
-        return content_.data + static_cast<size_t>(band) * content_.layout.bandSize +
-               static_cast<size_t>(y) * static_cast<size_t>(content_.layout.rowStride);
+        const ImageLayout& layout = content_.layout;
+        uint8_t* const row = content_.data + static_cast<size_t>(band) * layout.bandSize +
+                             static_cast<size_t>(y) * static_cast<size_t>(layout.rowStride);
+        const auto used = static_cast<size_t>(layout.width) * static_cast<size_t>(layout.bytesPerSample);
+        std::memset(row + used, 0, static_cast<size_t>(layout.rowStride) - used);
+        return row;
     }
 
     LONG type() const { return type_; }
@@ -57,8 +63,22 @@ int32_t BitsOf(LONG type) { return type == DT_BYTE ? 8 : type == DT_WORD ? 16 : 
 STDMETHODIMP OrlixImage::CreateFromFile(BSTR fileName) noexcept {
     return Guarded([&] {
         ContentSink sink;
-        LoadImageFile(ToView(fileName), sink);
+        LoadImageFile(ToView(fileName), sink, SampleLimit(sampleLimit_));
         CreateTyped(sink.type(), [&](ImageStore& store) { store.Replace(std::move(sink.content())); });
+    });
+}
+
+STDMETHODIMP OrlixImage::get_SampleLimit(LONG* limit) noexcept {
+    return Guarded([&] {
+        Require(limit);
+        *limit = sampleLimit_;
+    });
+}
+
+STDMETHODIMP OrlixImage::put_SampleLimit(LONG limit) noexcept {
+    return Guarded([&] {
+        if (limit < 0) throw Failure("IImageFile::put_SampleLimit: the limit must not be negative.");
+        sampleLimit_ = limit;
     });
 }
 

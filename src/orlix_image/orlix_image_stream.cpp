@@ -74,7 +74,7 @@ void PutSettings(const StreamSettings& settings, DisplayedImage& typed) {
 
 void OrlixImage::LoadFrom(IStream* stream) {
     StreamSource source(stream);
-    StreamImage image = ReadImageStream(source);
+    StreamImage image = ReadImageStream(source, SampleLimit(sampleLimit_));
     std::shared_ptr<DisplayedImage> target = typed_;
     if (!target || target->store().dataType() != image.dataType) target = DisplayedImage::Make(image.dataType);
     target->store().Replace(std::move(image.content));

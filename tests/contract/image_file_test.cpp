@@ -140,6 +140,32 @@ TEST_F(ImageFiles, FailedLoadsLeaveTheImageAsItWas) {
     EXPECT_THAT(PixelsOf<uint16_t>(image), ElementsAre(5, 6));
 }
 
+// Through files and streams: what the object was told to take at most, and no more.
+TEST_F(ImageFiles, TheLimitOfSamplesIsTheObjectsOwn) {
+    ASSERT_EQ(S_OK, Save(ImageOf<uint8_t>(3, {1, 2, 3, 4, 5, 6}), Path("six.png")));
+    const auto image = ImageOf<uint16_t>(2, {5, 6});
+    const auto file = Cast<IImageFile>(image);
+    LONG limit = 0;
+    EXPECT_EQ(S_OK, file->get_SampleLimit(&limit));
+    EXPECT_EQ(268435456, limit);
+    EXPECT_TRUE(FailsSilently(file->get_SampleLimit(nullptr), E_POINTER));
+    EXPECT_TRUE(
+        Fails(file->put_SampleLimit(-1), "IImageFile::put_SampleLimit: the limit must not be negative.", kSource));
+    EXPECT_EQ(S_OK, file->put_SampleLimit(5));
+    EXPECT_TRUE(Fails(image->CreateFromFile(Text(Path("six.png"))),
+                      "IImageVPAEx::CreateFromFile: the image has 6 samples, more than the limit of 5.", kSource,
+                      DISP_E_EXCEPTION));
+    EXPECT_THAT(PixelsOf<uint16_t>(image), ElementsAre(5, 6));
+    EXPECT_EQ(S_OK, file->put_SampleLimit(6));
+    EXPECT_EQ(S_OK, image->CreateFromFile(Text(Path("six.png"))));
+    EXPECT_EQ(S_OK, file->get_SampleLimit(&limit));
+    EXPECT_EQ(6, limit);
+    Load("six.png");  // another object's is the initial one
+
+    EXPECT_EQ(S_OK, file->put_SampleLimit(0));
+    EXPECT_EQ(S_OK, image->CreateFromFile(Text(Path("six.png"))));
+}
+
 TEST_F(ImageFiles, RefusedSavesLeaveTheOldFileAsItWas) {
     Write("old.png", "the old content");
     struct Case {

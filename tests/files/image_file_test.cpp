@@ -142,6 +142,58 @@ TEST_F(ImageFile, AFileThatIsNoImageIsOfUnknownFormat) {
     }
 }
 
+// Two rows of three, in one band or three, in every format; and rows without end.
+TEST(SampleLimits, RefuseAnImageBeforeTheSinkHearsOfIt) {
+    const auto file = [](uint32_t colourType, const Bytes& chunks = {}) {
+        return MakePng({3, 2, 8, colourType, true, [](uint32_t x, uint32_t, uint32_t) { return x; }}, chunks);
+    };
+    BmpFile bmp;
+    bmp.width = 3;
+    bmp.height = 2;
+    bmp.rows = {0, 1, 2, 0, 0, 1, 2, 0};
+    BmpFile colourBmp = bmp;
+    colourBmp.coloursUsed = 3;
+    colourBmp.palette = {1, 2, 3, 0, 4, 4, 4, 0, 5, 5, 5, 0};
+    const struct {
+        const char* what;
+        Bytes bytes;
+        int32_t samples;
+    } cases[] = {{"grey PNG", file(0), 6},
+                 {"colour PNG", file(2), 18},
+                 {"grey palette", file(3, PngChunk("PLTE", {1, 1, 1, 2, 2, 2, 3, 3, 3})), 6},
+                 {"colour palette", file(3, PngChunk("PLTE", {1, 1, 1, 2, 2, 2, 3, 4, 5})), 18},
+                 {"BMP", MakeBmp(bmp), 6},
+                 {"colour BMP", MakeBmp(colourBmp), 18},
+                 {"PGM", FromText("P5 3 2 255\nabcdef"), 6},
+                 {"plain PPM", FromText("P3 3 2 9 1 2 3 4 5 6 7 8 9 1 2 3 4 5 6 7 8 9"), 18}};
+    for (const auto& [what, bytes, samples] : cases) {
+        SCOPED_TRACE(what);
+        for (const int32_t enough : {0, samples, 0x7FFFFFFF}) {
+            MemoryImage image;
+            EXPECT_EQ("", FailureOfReading(bytes, image, SampleLimit(enough)));
+        }
+        for (const int32_t less : {samples - 1, 1}) {
+            // That a palette makes three bands of the pixels is known when they are.
+            const int32_t known = std::string(what) == "colour palette" && less == 1 ? 6 : samples;
+            MemoryImage none;
+            EXPECT_EQ("IImageVPAEx::CreateFromFile: the image has " + std::to_string(known) +
+                          " samples, more than the limit of " + std::to_string(less) + ".",
+                      FailureOfReading(bytes, none, SampleLimit(less)));
+            EXPECT_FALSE(none.begun);
+        }
+    }
+    // 50 kilobytes that are an image of 1.2 thousand million samples, and rightly so.
+    MemoryImage none;
+    const std::string large = FailureOfReading(
+        PngSignature() + PngHeader(20000, 20000, 1, 0) + PngChunk("IDAT", Bytes(48500)) + PngEnd(), none);
+    EXPECT_EQ("IImageVPAEx::CreateFromFile: the image has 400000000 samples, more than the limit of 268435456.", large);
+    const Bytes column = FromText("P5 1 16777217 255\n") + Bytes(16777217);
+    EXPECT_EQ("IImageVPAEx::CreateFromFile: the image has 16777217 rows or columns, more than the limit of 16777216.",
+              FailureOfReading(column, none));
+    EXPECT_FALSE(none.begun);
+    EXPECT_EQ("", FailureOfReading(column, none, SampleLimit(0)));
+}
+
 TEST_F(ImageFile, SavingChecksTheImageThenTheFormatThenBitsThenBands) {
     const auto save = [&](int format, int32_t width, int32_t bits, int32_t bands) {
         MemoryImage image(1, 1, 1, 8);

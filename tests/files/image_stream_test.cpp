@@ -20,10 +20,10 @@ constexpr const char* kDamaged = "IPersistStreamInit::Load: the stream is damage
 constexpr const char* kSilent = "failed result";
 
 // "" when the stream is read, and to its last byte; else the text.
-std::string Outcome(const Bytes& bytes, size_t piece = SIZE_MAX) {
+std::string Outcome(const Bytes& bytes, size_t piece = SIZE_MAX, const SampleLimit& limit = {}) {
     MemorySource source(bytes, piece);
     try {
-        ReadImageStream(source);
+        ReadImageStream(source, limit);
         if (source.greedy()) return "greedy";
         return source.at() == bytes.size() ? "" : "not read to the end";
     } catch (const Failure& failure) {
@@ -196,9 +196,10 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
         {"no bytes per sample", geometry({1, 5, 3, 0, 0, 0, 405}), kDamaged},
         {"huge", geometry({kMost, kMost, kMost, 1, 0x80000000, 0, kMost}), kDamaged},
         {"wraps to 0", geometry({1u << 16, 4, 1u << 14, 1, 4, 0, (1u << 14) + 400}), kDamaged},
-        // Nothing that a 32-bit process could address, and refused like any image of that size.
         {"long row", geometry({1, kMost, 1, 1, 0x80000000, 0x80000000, 0x8000018F}),
-         sizeof(size_t) == 4 ? kSilent : kEndsEarly},
+         "IPersistStreamInit::Load: the image has 2147483647 samples, more than the limit of 268435456."},
+        {"tall column", geometry({1, 1, 1 << 24 | 1, 1, 4, 4 * (1 << 24 | 1), (1 << 24 | 1) + 400}),
+         "IPersistStreamInit::Load: the image has 16777217 rows or columns, more than the limit of 16777216."},
         {"more pixels than the block can hold", geometry({1, 5, 8000, 1, 8, 64000, 8400}), kDamaged},
         {"block too long", [](auto& s) { s.pixels.resize(64); }, kDamaged},
         {"too few pixels", [](auto& s) { s.pixels.resize(23); }, kDamaged},
@@ -239,6 +240,9 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
     EXPECT_EQ(kDamaged, Outcome(stream.Head() + stream.Block(StoredStream(stream.pixels) + Bytes{0}) + stream.Tail()))
         << "bytes behind the compressed ones";
     EXPECT_EQ("not read to the end", Outcome(stream.Whole() + Bytes{0})) << "what follows is somebody else's";
+    EXPECT_EQ("", Outcome(stream.Whole(), SIZE_MAX, SampleLimit(15)));
+    EXPECT_EQ("IPersistStreamInit::Load: the image has 15 samples, more than the limit of 14.",
+              Outcome(stream.Whole(), SIZE_MAX, SampleLimit(14)));
 }
 
 // Noise does not compress: the block comes in several buffers of the reader.

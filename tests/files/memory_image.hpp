@@ -82,9 +82,9 @@ private:
 };
 
 // The text of the failure that reading these bytes gives, "" when they can be read.
-inline std::string FailureOfReading(std::span<const uint8_t> bytes, MemoryImage& image) {
+inline std::string FailureOfReading(std::span<const uint8_t> bytes, MemoryImage& image, const SampleLimit& limit = {}) {
     try {
-        ReadImageFile(bytes, image);
+        ReadImageFile(bytes, image, limit);
         return "";
     } catch (const Failure& failure) {
         if (failure.result() != DISP_E_EXCEPTION) return std::string("wrong result: ") + failure.what();

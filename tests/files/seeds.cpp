@@ -45,6 +45,11 @@ void AddPng(std::vector<Seed>& seeds) {
                                    return Bytes(stream.begin() + 1, stream.end());
                                }()) +
                       PngEnd() + FromText("behind"));
+    // Some bytes of the file for many pixels, in one band and in three.
+    for (const uint8_t blue : {9, 10})
+        add(blue == 9 ? "wide-grey" : "wide-colour", PngSignature() + PngHeader(4001, 30, 1, 3) +
+                                                         PngChunk("PLTE", {9, 9, blue, 1, 2, 3}) +
+                                                         PngChunk("IDAT", RunStream(Bytes(30 * 502))) + PngEnd());
     Bytes flat(80 * 81);
     add("flat", PngSignature() + PngHeader(80, 80, 8, 0) + PngChunk("IDAT", RunStream(flat)) + PngEnd());
 }

@@ -92,7 +92,8 @@ inline std::vector<ExpectedInterface> ExpectedInterfaces() {
         CONTRACT(IImageFile, IUnknown, "{DADE9363-84F7-4ECB-B68F-534B9D51E5DC}",
                  METHOD(SaveToFile, "[in] BSTR FileName, [in] ImageFileFormat Format"),
                  METHOD(GetMicronsPerPixel, "[out] double* X, [out] double* Y"),
-                 METHOD(PutMicronsPerPixel, "[in] double X, [in] double Y")),
+                 METHOD(PutMicronsPerPixel, "[in] double X, [in] double Y"),
+                 GET(SampleLimit, "[out, retval] long* hVal"), PUT(SampleLimit, "[in] long")),
         CONTRACT(
             IImageEntries, IUnknown, "{EA41B692-EA17-4AAD-AFE0-F80368EC9549}",
             GET(NumberOfTextEntries, "[out, retval] long* hVal"),
