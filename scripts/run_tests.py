@@ -17,6 +17,7 @@ ROOT = Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build"
 CORES = os.cpu_count() or 1
 BUILD_SECONDS = 3000
+DEADLINE = time.monotonic() + 60 * float(os.environ.get("ORLIX_TEST_MINUTES", "80"))  # the sum is printed soon after it
 PROGRAM_SECONDS = {"native": 300, "asan": 900, "win32": 600, "win64": 600}
 
 verbose = False
@@ -47,8 +48,7 @@ class Tally:
             say(f"FAILED  {self.name}: {what}\n{indent(problem)}")
         else:
             self.passed += 1
-            if verbose:
-                say(f"ok      {self.name}: {what}")
+            say(f"ok      {self.name}: {what}")
 
     def __str__(self):
         return f"{self.passed} passed, {self.failed} failed, {self.skipped} skipped"
@@ -66,42 +66,46 @@ def indent(text):
 
 
 class Outcome:
-    def __init__(self, status, output, timed_out):
+    def __init__(self, status, output, seconds, timed_out=False):
         self.status = status
         self.output = output
+        self.seconds = seconds
         self.timed_out = timed_out
 
-    def ending(self, seconds):
+    def ending(self):
         if self.timed_out:
-            return f"stopped after {seconds} s"
+            return f"stopped after {self.seconds:.0f} s"
         if self.status < 0:
             return f"ended by {signal.Signals(-self.status).name}"
         return f"ended with status {self.status}"
 
 
-def run(command, seconds=120, cwd=ROOT, env=None):
-    """Runs a program with nothing to read, in a process group of its own that is ended with it when the time is up."""
+def run(command, seconds=120, cwd=ROOT, env=None, shown=False):
+    """Runs a program with nothing to read, in a process group of its own that is ended with it when the time is up.
+    What it prints is in the outcome, or shown as it comes."""
+    started = time.monotonic()
     # A file, not a pipe: what the program leaves running in the background may hold on to its output for ever.
     with tempfile.TemporaryFile() as output:
         process = subprocess.Popen(
-            [str(word) for word in command], cwd=cwd, stdin=subprocess.DEVNULL, stdout=output,
-            stderr=subprocess.STDOUT, start_new_session=True, env={**os.environ, **(env or {})})
+            [str(word) for word in command], cwd=cwd, stdin=subprocess.DEVNULL, stdout=None if shown else output,
+            stderr=None if shown else subprocess.STDOUT, start_new_session=True, env={**os.environ, **(env or {})})
         timed_out = False
         try:
-            process.wait(seconds)
+            process.wait(max(1, min(seconds, DEADLINE - started)))
         except subprocess.TimeoutExpired:
             timed_out = True
             os.killpg(process.pid, signal.SIGKILL)
             process.wait()
         output.seek(0)
-        return Outcome(process.returncode, output.read().decode("utf-8", "replace").replace("\r\n", "\n"), timed_out)
+        return Outcome(process.returncode, output.read().decode("utf-8", "replace").replace("\r\n", "\n"),
+                       time.monotonic() - started, timed_out)
 
 
 def problem_of(command, seconds=120, cwd=ROOT, env=None):
     outcome = run(command, seconds, cwd, env)
     if outcome.status == 0:
         return ""
-    return f"{' '.join(map(str, command))}\n{outcome.output}\n{outcome.ending(seconds)}"
+    return f"{' '.join(map(str, command))}\n{outcome.output}\n{outcome.ending()}"
 
 
 # ----------------------------------------------------------------------------------------------------------------- builds
@@ -110,27 +114,16 @@ built = {}
 
 
 def build(preset, *targets):
-    """Configures and builds a preset once, or only some targets of it; raises BuildFailed when it does not build, now or
-    earlier."""
+    """Builds a preset once, or only some targets of it; raises BuildFailed when it does not build, now or earlier.
+    How far it is and what is wrong is shown as it comes."""
     key = (preset, *targets)
+    if (preset,) in built:
+        key = (preset,)  # with all targets
     if key not in built:
-        configure = ["cmake", "--preset", preset]
-        if not (BUILD / preset / "CMakeCache.txt").exists() and shutil.which("ninja"):
-            configure += ["-G", "Ninja"]
-        started = time.monotonic()
-        problem = problem_of(configure, 300)
-        if not problem:
-            # All errors at once, without the lines that only tell progress.
-            ninja = (BUILD / preset / "build.ninja").exists()
-            only = ["--target", *targets] if targets else []
-            problem = problem_of(["cmake", "--build", "--preset", preset, "-j", CORES, *only, "--", "-k", *(["0"] if ninja else [])],
-                                 BUILD_SECONDS)
-            problem = "\n".join(line for line in problem.splitlines() if not re.match(r"\[[\d/ %]+\] ", line))
-        built[key] = not problem
-        if problem:
-            say(f"FAILED  {preset}: the build\n{indent(problem)}")
-        elif verbose:
-            say(f"ok      {preset}: built in {time.monotonic() - started:.0f} s")
+        outcome = run([ROOT / "scripts/build", preset, *targets], BUILD_SECONDS, shown=True)
+        built[key] = outcome.status == 0
+        if not built[key]:
+            say(f"FAILED  {preset}: the build {outcome.ending()}")
     if not built[key]:
         raise BuildFailed
 
@@ -140,8 +133,13 @@ def tests_of(preset):
     outcome = run(["ctest", "--test-dir", BUILD / preset, "--show-only=json-v1"])
     tests = json.loads(outcome.output)["tests"]
     for test in tests:
+        test.setdefault("command", [])
         test["properties"] = {entry["name"]: entry["value"] for entry in test.get("properties", [])}
     return tests
+
+
+def is_built(test):
+    return bool(test["command"]) and Path(test["command"][0]).exists()
 
 
 # ------------------------------------------------------------------------------------------------------------------ tests
@@ -158,8 +156,9 @@ def without_successes(output):
     return "\n".join(lines)
 
 
-def count(tally, name, outcome, seconds):
-    """Counts the tests of one program. A program that did not come to its regular end has failed, whatever it printed."""
+def count(tally, name, outcome, place):
+    """Counts the tests of one program, the one at `place`. A program that did not come to its regular end has failed,
+    whatever it printed."""
 
     def closing(word):
         found = re.findall(rf"^\[  {word} \] (\d+) tests?[.,]", outcome.output, re.M)
@@ -189,41 +188,46 @@ def count(tally, name, outcome, seconds):
     tally.failed += failed
     tally.skipped += skipped
     if failed:
-        reason = f"{problem + '; ' if problem else ''}{outcome.ending(seconds)}"
+        reason = f"{problem + '; ' if problem else ''}{outcome.ending()}"
         say(f"FAILED  {tally.name}: {name}\n{indent(without_successes(outcome.output))}\n    {reason}")
-    elif skipped or verbose:
+    else:
         for test in dict.fromkeys(re.findall(r"^\[  SKIPPED \] (\S+\.\S+)$", outcome.output, re.M)):
             say(f"skipped {tally.name}: {test}")
-        if verbose:
-            say(f"ok      {tally.name}: {name}: {passed} passed, {skipped} skipped")
+    say(f"{tally.name}: {place}: {name}: {passed} passed, {failed} failed, {skipped} skipped ({outcome.seconds:.0f} s)")
 
 
 def run_tests(tally, preset, launcher=()):
     seconds = PROGRAM_SECONDS[preset]
 
     def one(test):
-        command, properties = test.get("command", []), test["properties"]
+        command, properties = test["command"], test["properties"]
         environment = dict(entry.split("=", 1) for entry in properties.get("ENVIRONMENT", []))
         # Scratch files of different programs stay apart.
         scratch = BUILD / preset / "scratch" / test["name"]
         shutil.rmtree(scratch, ignore_errors=True)
         scratch.mkdir(parents=True)
         environment.setdefault("TMPDIR", str(scratch))
-        if not command or not Path(command[0]).exists() and not shutil.which(command[0]):
-            return Outcome(127, f"{command} was not built", False)
+        if not is_built(test):
+            return Outcome(127, f"{command} was not built", 0)
         words = [*launcher, *command] if command[0].endswith(".exe") else command
         return run(words, seconds, properties.get("WORKING_DIRECTORY", BUILD / preset), environment)
 
     tests = tests_of(preset)
     if not tests:
         tally.check("the build registers tests", "there is none")
+    # The largest first, so that none is left to run at the end beside an idle processor.
+    tests.sort(key=lambda test: Path(test["command"][0]).stat().st_size if is_built(test) else 0, reverse=True)
     alone = [test for test in tests if test["properties"].get("RUN_SERIAL")]
     together = [test for test in tests if test not in alone]
+    ended = 0
     with concurrent.futures.ThreadPoolExecutor(CORES) as pool:
-        for test, outcome in zip(together, pool.map(one, together)):
-            count(tally, test["name"], outcome, seconds)
+        running = {pool.submit(one, test): test for test in together}
+        for future in concurrent.futures.as_completed(running):
+            ended += 1
+            count(tally, running[future]["name"], future.result(), f"{ended} of {len(tests)}")
     for test in alone:
-        count(tally, test["name"], one(test), seconds)
+        ended += 1
+        count(tally, test["name"], one(test), f"{ended} of {len(tests)}")
 
 
 def native(tally):
@@ -275,7 +279,7 @@ class Wine:
         if outcome.status == 127:
             raise Unavailable(outcome.output.strip())
         if outcome.status != 0:
-            raise RuntimeError(f"{self.bits}-bit Wine does not start\n{outcome.output}\n{outcome.ending(240)}")
+            raise RuntimeError(f"{self.bits}-bit Wine does not start\n{outcome.output}\n{outcome.ending()}")
         return self
 
     def __exit__(self, *_):
@@ -347,7 +351,7 @@ def run_checks(tally, command, seconds):
     outcome = run(command, seconds)
     found = re.search(r"^(\d+) passed, (\d+) failed, (\d+) skipped$\s*\Z", outcome.output, re.M)
     if not found:
-        tally.check("the checks come to their end", outcome.output + "\n" + outcome.ending(seconds))
+        tally.check("the checks come to their end", outcome.output + "\n" + outcome.ending())
         return
     passed, failed, skipped = map(int, found.groups())
     if outcome.status != 0 and not failed:
@@ -391,18 +395,19 @@ def build_project(tally, preset, source, what, *options):
     configure = ["cmake", "-S", source, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", *options]
     if preset != "native":
         configure += [f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw.cmake", f"-DORLIX_MINGW={COMPILER[int(preset[3:])]}"]
-    tally.check(f"{preset}: {what} builds", problem_of(configure, 300) or problem_of(["cmake", "--build", folder], 1800))
+    problem = problem_of(configure, 300) or problem_of(["cmake", "--build", folder, "-j", CORES], 1800)
+    tally.check(f"{preset}: {what} builds", problem)
     return folder
 
 
 def run_readme_program(tally, preset, program, specimen):
     """With an image it measures; without one, and with one that is not there, it says so and does not crash."""
-    tally.check(f"{preset}: README's program measures", "" if re.fullmatch(
-        r"mean [\d.]+, threshold \d+\n", (outcome := run([*program, specimen])).output) else outcome.output or "no output")
-    for what, arguments, words in (("without an image", [], "usage"), ("with a missing image", ["missing.png"], "failed to open")):
+    for what, arguments, status, words in (("measures an image", [specimen], 0, r"mean [\d.]+, threshold \d+"),
+                                           ("says how it is used", [], 1, "usage: .*"),
+                                           ("says that an image is missing", ["missing.png"], 1, ".*failed to open.*")):
         outcome = run([*program, *arguments])
-        tally.check(f"{preset}: README's program {what} says so",
-                    "" if outcome.status == 1 and words in outcome.output else f"{outcome.output}\n{outcome.ending(120)}")
+        as_expected = outcome.status == status and re.fullmatch(words, outcome.output.strip())
+        tally.check(f"{preset}: README's program {what}", "" if as_expected else f"{outcome.output}\n{outcome.ending()}")
 
 
 def consumer(tally):
@@ -415,7 +420,8 @@ def consumer(tally):
     stage = install(tally, "native")
     tally.check("native: the installed tool writes a specimen", problem_of([stage / "bin/orlix", "specimen", specimen]))
     package = f"-DCMAKE_PREFIX_PATH={stage}"
-    folder = build_project(tally, "native", ROOT / "tests/consumer", "package: a project with find_package(orlix)", package)
+    client = ROOT / "tests/consumer"
+    folder = build_project(tally, "native", client, "package: a project with find_package(orlix)", package)
     tally.check("native: the project's program runs", problem_of([folder / "consumer"]))
     if readme:
         folder = build_project(tally, "native", readme, "README's project", package)
@@ -429,30 +435,33 @@ def consumer(tally):
             stage = install(tally, "win32")
             package = f"-Dorlix_DIR={stage}/lib/cmake/orlix"  # the cross build looks for packages in its own root only
             library = library_in(stage)
-            folder = build_project(tally, "win32", ROOT / "tests/consumer", "package: a project with find_package(orlix)", package)
+            folder = build_project(tally, "win32", client, "package: a project with find_package(orlix)", package)
             tally.check("win32: the installed orlix.dll registers", wine.register(library))
             tally.check("win32: the project's program runs", problem_of([*wine.command, folder / "consumer.exe"]))
             if readme:
-                folder = build_project(tally, "win32", readme, "README's project", package, "-DCMAKE_EXE_LINKER_FLAGS=-static")
+                folder = build_project(tally, "win32", readme, "README's project", package,
+                                       "-DCMAKE_EXE_LINKER_FLAGS=-static")
                 run_readme_program(tally, "win32", [*wine.command, folder / "threshold.exe"], windows_path(specimen))
             exchange_streams(tally, BUILD / "stage/native/bin/orlix", [*wine.command, stage / "bin/orlix.exe"])
             wine.register(library, "/u")
         tally.check("scripts/demo: both platforms measure the same",
-                    problem_of([ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen], 600))
+                    problem_of([ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen, "--dark"], 600))
     except Unavailable as reason:
         tally.skipped += 1
         say(f"skipped {tally.name}: the programs on Windows: {reason}")
 
 
 def consumer_by_add_subdirectory(tally):
-    """The sources as a part of a project: the library alone, whatever the compiler warns of, and nothing optimised to have it
-    soon."""
+    """The sources as a part of a project: the library alone, whatever the compiler warns of. Nothing is optimised: it is soon
+    there, and a debugger's build is seen to work."""
+    say(f"{tally.name}: building the sources as a part of a project")
     folder = build_project(tally, "native", ROOT / "tests/consumer", "subdirectory: a project with add_subdirectory",
-                           f"-DORLIX_SOURCE={ROOT}", "-DCMAKE_BUILD_TYPE=Debug")
+                           f"-DORLIX_SOURCE={ROOT}", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
     tally.check("native: the program with the library's sources runs", problem_of([folder / "consumer"]))
     compiled = json.loads((folder / "compile_commands.json").read_text("utf-8"))
     own = [entry for entry in compiled if f"{ROOT}/src/" in entry["file"]]
-    others = [entry["file"] for entry in compiled if re.search(rf"{ROOT}/(tools|samples|examples|tests/(?!consumer))", entry["file"])]
+    others = [entry["file"] for entry in compiled
+              if re.match(rf"{ROOT}/(tools|samples|examples|tests/(?!consumer))", entry["file"])]
     strict = [entry["file"] for entry in own if re.search(r"-Werror\b", entry["command"])]
     tally.check("native: a project gets the library without tests, tools and -Werror",
                 "\n".join(others + strict) if own else "the library is not compiled")
@@ -509,7 +518,10 @@ def main():
     for name in arguments.parts or [part for part in PARTS if part != "tidy"]:
         tally = Tally(name)
         started = time.monotonic()
+        say(f"---- {name}")
         try:
+            if started > DEADLINE:
+                raise TimeoutError("there is no time left")
             PARTS[name](tally)
         except Unavailable as reason:
             tally.skipped += 1
@@ -518,7 +530,7 @@ def main():
             tally.failed += 1
         except Exception as error:  # a part that breaks down has failed; the others still run
             tally.check("the part comes to its end", f"{type(error).__name__}: {error}")
-        say(f"{name + ':':10}{tally} ({time.monotonic() - started:.0f} s)")
+        say(f"{name}: {tally} ({time.monotonic() - started:.0f} s)")
         total.add(tally)
     say(str(total))
     return 1 if total.failed or not total.passed else 0

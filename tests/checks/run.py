@@ -99,7 +99,19 @@ def wrong_includes():
                     yield f"{place}: a client includes <orlix/...> only"
 
 
+def readme_paths():
+    """The files and folders that README.md names, those in build among them."""
+    text = (ROOT / "README.md").read_text("utf-8")
+    roots = "|".join(sorted({name.split("/")[0] for name in tracked("") if "/" in name} | {"build/native"}))
+    prose = re.sub(r"^```.*?^```", "", text, flags=re.M | re.S)
+    named = re.findall(rf"(?<![\w./-])(?:{roots})(?:/[\w.-]*[\w-])*(?![\w(])", prose)
+    return sorted({*named, *re.findall(r"\]\(([^):#]+)\)", prose)})
+
+
 def check_sources():
+    paths = [path for path in readme_paths() if not path.startswith("build/")]
+    check("what README.md names exists",
+          [path for path in paths if not (ROOT / path).exists()] if paths else ["it names nothing"])
     check("folders of src stand on lower ones only, clients on the installed headers only", wrong_includes())
 
     marks = re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b")
@@ -168,6 +180,10 @@ def check_native(build):
           [f"not exported: {name}" for name in sorted(intended - exported)] +
           [f"exported: {name}" for name in sorted(exported - intended)])
     check("native: code for newer processors stays in its functions", foreign_templates(build))
+    paths = [path for path in readme_paths() if path.startswith("build/native")]
+    check("the build makes what README.md says is there then",
+          [path for path in paths if not (build / path.removeprefix("build/native").lstrip("/")).exists()] if paths else
+          ["README.md says nothing of it"])
 
 
 def aligned_stack_moves(objdump, library):

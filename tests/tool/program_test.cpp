@@ -161,9 +161,10 @@ TEST_F(Program, WritesPicturesAndASelfContainedReport) {
     const std::filesystem::path out = folder_ / "new" / "results";
     for (const char* name : {"a_bitmap.png", "a_overlay.png", "report.html"})
         EXPECT_TRUE(std::filesystem::exists(out / name));
+    EXPECT_EQ(document, Json::parse(ReadFile(out / "measurement.json")));
     size_t files = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(out)) ++files;
-    EXPECT_EQ(3u, files);
+    EXPECT_EQ(4u, files);
 
     // The bitmap as a picture holds the phase and nothing else.
     const Json again = Measured({Utf8(out / "a_bitmap.png"), "--threshold", "255,255"});

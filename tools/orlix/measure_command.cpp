@@ -51,8 +51,9 @@ Histogram
 Output
   A table for people, or with --json one document {..., options, images: [...], summary}
   whatever the number of images (a failed one has "file" and "error"), or with --csv one line an
-  image. With --out DIR also NAME_bitmap.png (white phase), NAME_overlay.png, and report.html for
-  one image, NAME_report.html each and report.html over all of them for several.
+  image. With --out DIR also NAME_bitmap.png (white phase), NAME_overlay.png, measurement.json (what
+  --json prints), and report.html for one image, NAME_report.html each and report.html over all of
+  them for several.
 
 Examples:
   orlix measure cast_iron.png --dark --pixel-size 0.65
@@ -266,6 +267,8 @@ public:
 
     void AddFailure(const Json& failure) { entries_.push_back({failure, {}, {}}); }
 
+    void Keep(const Json& document) { WriteFile(folder_.At("measurement.json"), Print(document)); }
+
     void Finish(const Json& summary) {
         if (!single_) WriteFile(folder_.At("report.html"), BatchReport(entries_, summary, ORLIX_TOOL_VERSION));
     }
@@ -305,6 +308,7 @@ int Measure(Options& options, const Subcommand& command) {
     document["summary"] = Summary(document["images"]);
     document["warnings"] = std::move(batch.warnings);
     if (results) results->Finish(document["summary"]);
+    if (results) results->Keep(document);
     if (options.json)
         std::cout << Print(document);
     else if (!options.csv)
