@@ -210,6 +210,30 @@ TEST_F(TypeLibrary, HoldsTheTypesOfTheContractAndNoOthers) {
     EXPECT_EQ(SortedNames(ExpectedDispatchInterfaces()), Names(TKIND_DISPATCH));
 }
 
+TEST_F(TypeLibrary, SaysWhatEachTypeAndMethodIs) {
+    const auto helpOf = [](const Type& type, MEMBERID member) {
+        Text help;
+        type->GetDocumentation(member, nullptr, help.Out(), nullptr, nullptr);
+        return help.Utf8();
+    };
+    for (const auto& type : Types({TKIND_INTERFACE, TKIND_DISPATCH, TKIND_ENUM, TKIND_RECORD})) {
+        SCOPED_TRACE(type->Name());
+        EXPECT_TRUE(helpOf(*type, MEMBERID_NIL).ends_with('.'));
+        for (WORD i = 0; i < type->attributes().cFuncs; ++i) {
+            FUNCDESC* function = nullptr;
+            ASSERT_EQ(S_OK, (*type)->GetFuncDesc(i, &function));
+            EXPECT_TRUE(helpOf(*type, function->memid).ends_with('.')) << type->NameOf(function->memid);
+            (*type)->ReleaseFuncDesc(function);
+        }
+    }
+    const auto histogram = Find(TKIND_INTERFACE, "IHistogram");
+    ASSERT_TRUE(histogram);
+    OLECHAR* name = const_cast<OLECHAR*>(L"AutoThresholdMinimizeVariance");
+    MEMBERID otsu = MEMBERID_NIL;
+    ASSERT_EQ(S_OK, (*histogram)->GetIDsOfNames(&name, 1, &otsu));
+    EXPECT_EQ("Threshold of greatest variance between the classes (Otsu 1979).", helpOf(*histogram, otsu));
+}
+
 TEST_F(TypeLibrary, HasTheMembersOfDispatchInterfaces) {
     for (const ExpectedDispatchInterface& expected : ExpectedDispatchInterfaces()) {
         SCOPED_TRACE(expected.name);

@@ -12,13 +12,22 @@ list(TRANSFORM stdole REPLACE "/stdole2.tlb$" "")
 find_path(ORLIX_TYPE_LIBRARY_IMPORTS stdole2.tlb
     PATHS ${stdole} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 
+# The library says what each method does, in the first sentence of its comment.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+set(described ${CMAKE_CURRENT_BINARY_DIR}/described.idl)
+set(scripts ${PROJECT_SOURCE_DIR}/idl/add_help.py ${PROJECT_SOURCE_DIR}/idl/contract.py)
+add_custom_command(OUTPUT ${described}
+    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/idl/add_help.py ${described}
+    DEPENDS ${idl} ${scripts}
+    COMMENT "Help strings" VERBATIM)
+
 math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
 set(widl ${ORLIX_WIDL} -m${bits} -I ${ORLIX_IDL_IMPORTS} -L ${ORLIX_TYPE_LIBRARY_IMPORTS}
-    -t -o ${ORLIX_TYPE_LIBRARY} ${idl})
+    -t -o ${ORLIX_TYPE_LIBRARY} ${described})
 add_custom_command(OUTPUT ${ORLIX_TYPE_LIBRARY}
     COMMAND ${CMAKE_COMMAND} "-DCOMMAND=${widl}" -DOUTPUT=${ORLIX_TYPE_LIBRARY}
             -P ${PROJECT_SOURCE_DIR}/cmake/RunWidl.cmake
-    DEPENDS ${idl} ${PROJECT_SOURCE_DIR}/cmake/RunWidl.cmake
+    DEPENDS ${described} ${PROJECT_SOURCE_DIR}/cmake/RunWidl.cmake
     COMMENT "Type library" VERBATIM)
 
 set(ORLIX_SCRIPT_RESOURCES "")
