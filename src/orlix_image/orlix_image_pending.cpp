@@ -3,6 +3,12 @@
 
 #include "orlix_image/orlix_image.hpp"
 
-STDMETHODIMP OrlixImage::get_LocalMaxima(IBitmap**) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::get_LocalMinima(IBitmap**) noexcept { return E_NOTIMPL; }
-STDMETHODIMP OrlixImage::LocalBackgroundCorrect() noexcept { return E_NOTIMPL; }
+using namespace orlix;
+
+namespace {
+void Refuse() { throw FailedResult(E_NOTIMPL); }
+}  // namespace
+
+STDMETHODIMP OrlixImage::get_LocalMaxima(IBitmap**) noexcept { return Guarded(Refuse); }
+STDMETHODIMP OrlixImage::get_LocalMinima(IBitmap**) noexcept { return Guarded(Refuse); }
+STDMETHODIMP OrlixImage::LocalBackgroundCorrect() noexcept { return Guarded(Refuse); }

@@ -121,6 +121,7 @@ TEST(DisplayDirty, IsOneOrZeroAndFollowsWhatChangesThePicture) {
     EXPECT_TRUE(image.GetsDirty([&] { return image.process->Gaussian3x3(image.pixels.get(), 0); }));
     EXPECT_TRUE(image.GetsDirty([&] { return image.display->PutDisplayRange(0, 255); }));
     EXPECT_TRUE(image.GetsDirty([&] { return image.display->SnapDisplayRange(0, 0, 0); }));
+    EXPECT_TRUE(image.GetsDirty([&] { return image.process->put_BandToProcess(0); })) << "the same band again";
     EXPECT_TRUE(image.GetsDirty([&] { return image.pixels->Create(3, 1, 1, DT_BYTE, 1); }));
     EXPECT_TRUE(image.GetsDirty([&] { return image.pixels->CreateFromImage(RowOf<uint8_t>({4}).pixels.get(), 0); }));
     // Neither the pixels nor their levels.

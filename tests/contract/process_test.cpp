@@ -648,10 +648,16 @@ TEST(CastAndPlus, ReadTheMarginOfASmallerSourceAndNothingBeyond) {
     EXPECT_EQ(9, rows[201][0]);
 }
 
-TEST(NotBuiltYet, MethodsSaySo) {
+TEST(NotBuiltYet, MethodsSaySoAndLeaveNoTextOfAnEarlierCall) {
     const Image<uint8_t> image(NewImage<uint8_t>(2, 2));
-    ComPtr<IBitmap> maxima;
-    EXPECT_EQ(E_NOTIMPL, image.process->get_LocalMaxima(maxima.Out()));
+    ComPtr<IBitmap> extrema;
+    const std::function<HRESULT()> calls[] = {[&] { return image.process->get_LocalMaxima(extrema.Out()); },
+                                              [&] { return image.process->get_LocalMinima(extrema.Out()); },
+                                              [&] { return image.process->LocalBackgroundCorrect(); }};
+    for (const auto& call : calls) {
+        EXPECT_EQ(E_FAIL, image.process->put_BandToProcess(7));
+        EXPECT_TRUE(FailsSilently(call(), E_NOTIMPL));
+    }
 }
 
 TEST(NullOutputs, AreRefused) {
