@@ -66,9 +66,11 @@ private:
 // --------------------------------------------------------------------------------------------------------------- failures
 
 // A failed call: its result, and the text and source (ProgID) that the object reported, both empty when it reported none.
+// what() is the text, or else says by the result's name what went wrong, after `subject`:
+//     "Orlix.VBHelper: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"
 class Error : public std::runtime_error {
 public:
-    Error(HRESULT result, const std::string& message, std::string source);
+    Error(HRESULT result, const std::string& message, std::string source, std::string_view subject = {});
     HRESULT result() const noexcept { return result_; }
     const std::string& message() const noexcept { return message_; }
     const std::string& source() const noexcept { return source_; }
@@ -78,6 +80,9 @@ private:
     std::string message_;
     std::string source_;
 };
+
+// "E_POINTER (a null pointer was given)"; "result 0x80070020" for one that has no name here.
+std::string Describe(HRESULT result);
 
 [[noreturn]] void ThrowError(HRESULT result, IUnknown* object, REFIID iid);
 
@@ -110,24 +115,46 @@ public:
 };
 
 CLSID ClassOf(std::string_view progId);  // Error when nothing of that name is registered
+std::string NameOf(const CLSID& clsid);  // its ProgID, or else the identifier
+
+// An interface's name.
+template <class I>
+constexpr std::string_view NameOf() {
+#ifdef _MSC_VER
+    constexpr std::string_view signature = __FUNCSIG__;
+    constexpr size_t begin = signature.find("NameOf<") + 7;
+    constexpr size_t end = signature.rfind(">(");
+#else
+    constexpr std::string_view signature = __PRETTY_FUNCTION__;
+    constexpr size_t begin = signature.find("I = ") + 4;
+    constexpr size_t end = signature.find_first_of(";]", begin);
+#endif
+    constexpr std::string_view name = signature.substr(begin, end - begin);
+    return name.substr(name.find_last_of(" :") + 1);
+}
 
 template <class I>
-ComPtr<I> CreateObject(const CLSID& clsid) {
+ComPtr<I> CreateObject(const CLSID& clsid, std::string_view name) {
     ComPtr<I> object;
-    Check(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(I), object.OutVoid()));
+    const HRESULT result = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(I), object.OutVoid());
+    if (FAILED(result)) throw Error(result, {}, {}, name);
     return object;
 }
 template <class I>
+ComPtr<I> CreateObject(const CLSID& clsid) {
+    return CreateObject<I>(clsid, NameOf(clsid));
+}
+template <class I>
 ComPtr<I> CreateObject(std::string_view progId) {
-    return CreateObject<I>(ClassOf(progId));
+    return CreateObject<I>(ClassOf(progId), progId);
 }
 
 // Another interface of the same object, or Error.
 template <class I, class From>
 ComPtr<I> Cast(const ComPtr<From>& object) {
     ComPtr<I> other;
-    if (!object) throw Error(E_POINTER, {}, {});
-    Check(object->QueryInterface(__uuidof(I), other.OutVoid()));
+    const HRESULT result = object ? object->QueryInterface(__uuidof(I), other.OutVoid()) : E_POINTER;
+    if (FAILED(result)) throw Error(result, {}, {}, NameOf<I>());
     return other;
 }
 
@@ -272,13 +299,45 @@ inline Text::Text(std::string_view utf8) {
     if (!bstr_) throw std::bad_alloc();
 }
 
-inline Error::Error(HRESULT result, const std::string& message, std::string source)
-    : std::runtime_error(!message.empty() ? message : [&] {
-          constexpr char digits[] = "0123456789abcdef";
-          std::string text = "failed with result 0x";
-          for (int shift = 28; shift >= 0; shift -= 4) text += digits[(static_cast<uint32_t>(result) >> shift) & 15];
-          return text;
-      }()),
+inline std::string Describe(HRESULT result) {
+    static constexpr struct {
+        uint32_t result;
+        const char* meaning;
+    } known[] = {{0x80004001, "E_NOTIMPL (not built, or not on this system)"},
+                 {0x80004002, "E_NOINTERFACE (the object does not have this interface)"},
+                 {0x80004003, "E_POINTER (a null pointer was given)"},
+                 {0x80004005, "E_FAIL (failed without a reason)"},
+                 {0x8000ffff, "E_UNEXPECTED (not in this state)"},
+                 {0x80070002, "file not found"},
+                 {0x80070003, "path not found"},
+                 {0x80070005, "E_ACCESSDENIED (access denied)"},
+                 {0x8007000e, "E_OUTOFMEMORY (out of memory)"},
+                 {0x80070057, "E_INVALIDARG (an argument is out of range)"},
+                 {0x80020009, "DISP_E_EXCEPTION (failed without a reason)"},
+                 {0x80030002, "STG_E_FILENOTFOUND (file not found)"},
+                 {0x80030003, "STG_E_PATHNOTFOUND (path not found)"},
+                 {0x80030005, "STG_E_ACCESSDENIED (access denied)"},
+                 {0x8003001d, "STG_E_WRITEFAULT (writing failed)"},
+                 {0x8003001e, "STG_E_READFAULT (reading failed)"},
+                 {0x80030070, "STG_E_MEDIUMFULL (no space left)"},
+                 {0x80030103, "STG_E_CANTSAVE (not all was written)"},
+                 {0x80040110, "CLASS_E_NOAGGREGATION (cannot be part of another object this way)"},
+                 {0x80040111, "CLASS_E_CLASSNOTAVAILABLE (the class is not built)"},
+                 {0x80040154, "REGDB_E_CLASSNOTREG (the class is not registered)"},
+                 {0x800401f0, "CO_E_NOTINITIALIZED (the thread has no apartment, see Apartment)"},
+                 {0x800401f3, "CO_E_CLASSSTRING (no class of this name is registered)"}};
+    for (const auto& [code, meaning] : known)
+        if (code == static_cast<uint32_t>(result)) return meaning;
+    std::string text = "result 0x";
+    for (int shift = 28; shift >= 0; shift -= 4)
+        text += "0123456789abcdef"[(static_cast<uint32_t>(result) >> shift) & 15];
+    return text;
+}
+
+inline Error::Error(HRESULT result, const std::string& message, std::string source, std::string_view subject)
+    : std::runtime_error(!message.empty()  ? message
+                         : subject.empty() ? Describe(result)
+                                           : std::string(subject) + ": " + Describe(result)),
       result_(result),
       message_(message),
       source_(std::move(source)) {}
@@ -329,6 +388,18 @@ inline CLSID ClassOf(std::string_view progId) {
     const HRESULT result = CLSIDFromProgID(ToUtf16(progId).c_str(), &clsid);
     if (FAILED(result)) throw Error(result, "no class is registered as " + std::string(progId), {});
     return clsid;
+}
+
+inline std::string NameOf(const CLSID& clsid) {
+    LPOLESTR name = nullptr;
+    if (SUCCEEDED(ProgIDFromCLSID(clsid, &name))) {
+        const std::string progId = ToUtf8(name);
+        CoTaskMemFree(name);
+        return progId;
+    }
+    OLECHAR text[39] = {};
+    StringFromGUID2(clsid, text, 39);
+    return ToUtf8(text);
 }
 
 }  // namespace orlix

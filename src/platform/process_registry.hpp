@@ -3,6 +3,7 @@
 
 #include <orlix/orlix.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -31,6 +32,14 @@ public:
 
     static ProcessRegistry& OfThisProcess();
 
+    // The store of the process starts empty: what a look-up of a class asks for first. The module names its own registration.
+    using Preparation = HRESULT (*)() noexcept;
+    void PrepareLookUpsWith(Preparation preparation) noexcept { preparation_ = preparation; }
+    HRESULT PrepareLookUp() const noexcept {
+        const Preparation preparation = preparation_;
+        return preparation ? preparation() : S_OK;
+    }
+
     void CreateKey(TextView key);                             // with its parents; one that exists stays as it is
     void SetValue(TextView key, TextView name, Value value);  // creates the key too
     bool HasKey(TextView key) const;
@@ -48,6 +57,7 @@ private:
 
     mutable std::mutex mutex_;
     Keys keys_;
+    std::atomic<Preparation> preparation_ = nullptr;
 };
 
 }  // namespace orlix

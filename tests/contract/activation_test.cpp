@@ -4,6 +4,8 @@
 #include <orlix/client.hpp>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -116,12 +118,6 @@ TEST(Activation, AClassThatIsNotBuiltIsRefused) {
                   CoCreateInstance(ClassOf(facts.progId), nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), &object));
         EXPECT_EQ(nullptr, object);
     }
-    try {
-        CreateObject<IUnknown>("Orlix.SplineImage.1");
-        ADD_FAILURE() << "created";
-    } catch (const Error& error) {
-        EXPECT_EQ(kClassNotAvailable, error.result());
-    }
 }
 
 TEST(Activation, WhatIsNotRegisteredIsNotFound) {
@@ -146,6 +142,38 @@ TEST(Activation, AnInterfaceThatTheClassLacksIsRefused) {
     EXPECT_FALSE(object);
     EXPECT_EQ(E_NOINTERFACE, Create(__uuidof(OrlixImage), __uuidof(IPictureExEvents), object));
     EXPECT_FALSE(object);
+}
+
+TEST(Client, NamesWhatFailedWithoutAText) {
+    const auto bitmap = CreateObject<IBitmap>("Orlix.Bitmap");
+    const struct {
+        std::function<void()> call;
+        HRESULT result;
+        const char* text;
+    } cases[] = {
+        {[] { CreateObject<IUnknown>("Orlix.SplineImage.1"); }, kClassNotAvailable,
+         "Orlix.SplineImage.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"},
+        {[] { CreateObject<IUnknown>(__uuidof(OrlixVBHelper)); }, kClassNotAvailable,
+         "Orlix.VBHelper.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"},
+        {[] { CreateObject<IUnknown>(__uuidof(IBitmap)); }, kClassNotRegistered,
+         "{AE6999A0-D64B-4593-9D8D-FA914CD4FA65}: REGDB_E_CLASSNOTREG (the class is not registered)"},
+        {[&] { Cast<IPolygon>(bitmap); }, E_NOINTERFACE,
+         "IPolygon: E_NOINTERFACE (the object does not have this interface)"},
+        {[] { Cast<IPolygon>(ComPtr<IBitmap>()); }, E_POINTER, "IPolygon: E_POINTER (a null pointer was given)"},
+        {[&] { Check(bitmap->get_Width(nullptr), bitmap); }, E_POINTER, "E_POINTER (a null pointer was given)"},
+        {[] { Check(static_cast<HRESULT>(0x80abcdef)); }, static_cast<HRESULT>(0x80abcdef), "result 0x80abcdef"},
+    };
+    for (const auto& [call, result, text] : cases) {
+        SCOPED_TRACE(text);
+        try {
+            call();
+            ADD_FAILURE() << "did not fail";
+        } catch (const Error& error) {
+            EXPECT_EQ(result, error.result());
+            EXPECT_STREQ(text, error.what());
+            EXPECT_EQ("", error.message()) << "the object reported none";
+        }
+    }
 }
 
 TEST(Activation, InterfacesOfAnObjectReachEachOtherAndNoOthers) {
@@ -364,6 +392,23 @@ TEST(EntryPoints, RefuseWhatMakesNoSense) {
     CLSID clsid = {};
     EXPECT_EQ(E_INVALIDARG, CLSIDFromProgID(nullptr, &clsid));
     EXPECT_EQ(E_INVALIDARG, CLSIDFromProgID(OLESTR("Orlix.Histogram"), nullptr));
+}
+
+// In a process of its own, in which nothing has been looked up yet.
+TEST(EntryPointsDeathTest, TheFactoryIsEnoughForTextsWithASource) {
+    const auto useFactoryOnly = [] {
+        ComPtr<IClassFactory> factory;
+        ComPtr<IHistogram> histogram;
+        Check(DllGetClassObject(__uuidof(OrlixHistogram), __uuidof(IClassFactory), factory.OutVoid()));
+        Check(factory->CreateInstance(nullptr, __uuidof(IHistogram), histogram.OutVoid()));
+        double mean = 0;
+        const auto verdict =
+            Fails(histogram->get_Mean(&mean), "IHistogram::get_Mean: empty histogram", "Orlix.Histogram.1");
+        std::fputs(verdict ? "source given" : verdict.message(), stderr);
+        std::_Exit(0);
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(useFactoryOnly(), ::testing::ExitedWithCode(0), "source given");
 }
 
 TEST(EntryPoints, ThereIsNoGraphicsLibraryHere) { EXPECT_EQ(1, NeedGdiPlus()); }

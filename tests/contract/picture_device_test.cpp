@@ -537,6 +537,10 @@ TEST(PictureForScripts, PassesTextsOnAndRefusesWhatIsNotThere) {
               object.Invoke(6, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr));
     EXPECT_EQ(DISP_E_BADPARAMCOUNT,
               object.Invoke(3, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, &value, nullptr, nullptr));
+    VARIANT two = Number(2);
+    DISPPARAMS byReference = {&two, nullptr, 1, 0};
+    EXPECT_EQ(DISP_E_MEMBERNOTFOUND,
+              object.Invoke(3, IID_NULL, 0, DISPATCH_PROPERTYPUTREF, &byReference, nullptr, nullptr, nullptr));
     EXPECT_EQ(DISP_E_UNKNOWNINTERFACE,
               object.Invoke(1, __uuidof(IUnknown), 0, DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr));
     EXPECT_EQ(E_POINTER, object.Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, &value, nullptr, nullptr));

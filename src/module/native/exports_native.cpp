@@ -16,11 +16,16 @@ namespace {
 
 std::once_flag registered;
 
-// The store of the process starts empty. The first look-up fills it, unless the client has registered or unregistered the
-// module itself by then.
+// The first look-up fills the store of the process, unless the client has registered or unregistered the module itself by
+// then. The names that failures report as their source are looked up too, for clients that use DllGetClassObject only.
 HRESULT EnsureRegistered() noexcept {
     return ResultOf([] { std::call_once(registered, [] { RegisterClasses(*OpenRegistry(), ModulePath()); }); });
 }
+
+[[maybe_unused]] const bool prepared = [] {
+    ProcessRegistry::OfThisProcess().PrepareLookUpsWith(&EnsureRegistered);
+    return true;
+}();
 
 bool IsRegistered(REFCLSID clsid) {
     OLECHAR identifier[39];
@@ -52,7 +57,7 @@ EXTERN_C ORLIX_API int NeedGdiPlus() { return 1; }
 HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* clsid) {
     if (!progid || !clsid) return E_INVALIDARG;
     *clsid = GUID_NULL;
-    if (const HRESULT result = orlix::EnsureRegistered(); FAILED(result)) return result;
+    if (const HRESULT result = orlix::ProcessRegistry::OfThisProcess().PrepareLookUp(); FAILED(result)) return result;
     HRESULT found = CO_E_CLASSSTRING;
     const HRESULT result = orlix::ResultOf([&] {
         using orlix::ProcessRegistry;
@@ -67,7 +72,7 @@ HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void*, REFIID iid, void*
     if (!object) return E_INVALIDARG;
     *object = nullptr;
     if (!(context & CLSCTX_INPROC_SERVER)) return REGDB_E_CLASSNOTREG;
-    if (const HRESULT result = orlix::EnsureRegistered(); FAILED(result)) return result;
+    if (const HRESULT result = orlix::ProcessRegistry::OfThisProcess().PrepareLookUp(); FAILED(result)) return result;
     bool known = false;
     const HRESULT result = orlix::ResultOf([&] { known = orlix::IsRegistered(clsid); });
     if (FAILED(result)) return result;

@@ -116,7 +116,8 @@ STDMETHODIMP OrlixImage::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPAR
                                 EXCEPINFO* exception, UINT* badArgument) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!arguments) return E_POINTER;
-    if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
+    // Numbers are put by value: there is no DISPATCH_PROPERTYPUTREF.
+    if (flags & DISPATCH_PROPERTYPUT) {
         if (arguments->cArgs != 1) return DISP_E_BADPARAMCOUNT;
         VARIANT number;
         VariantInit(&number);

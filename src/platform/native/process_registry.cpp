@@ -112,6 +112,7 @@ HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progid) {
     using namespace orlix;
     if (!progid) return E_INVALIDARG;
     *progid = nullptr;
+    if (const HRESULT result = ProcessRegistry::OfThisProcess().PrepareLookUp(); FAILED(result)) return result;
     OLECHAR identifier[39];
     StringFromGUID2(clsid, identifier, 39);
     try {
