@@ -117,22 +117,6 @@ public:
 CLSID ClassOf(std::string_view progId);  // Error when nothing of that name is registered
 std::string NameOf(const CLSID& clsid);  // its ProgID, or else the identifier
 
-// An interface's name.
-template <class I>
-constexpr std::string_view NameOf() {
-#ifdef _MSC_VER
-    constexpr std::string_view signature = __FUNCSIG__;
-    constexpr size_t begin = signature.find("NameOf<") + 7;
-    constexpr size_t end = signature.rfind(">(");
-#else
-    constexpr std::string_view signature = __PRETTY_FUNCTION__;
-    constexpr size_t begin = signature.find("I = ") + 4;
-    constexpr size_t end = signature.find_first_of(";]", begin);
-#endif
-    constexpr std::string_view name = signature.substr(begin, end - begin);
-    return name.substr(name.find_last_of(" :") + 1);
-}
-
 template <class I>
 ComPtr<I> CreateObject(const CLSID& clsid, std::string_view name) {
     ComPtr<I> object;

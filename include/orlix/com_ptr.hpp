@@ -5,9 +5,26 @@
 #include <orlix/orlix.h>
 
 #include <cstddef>
+#include <string_view>
 #include <utility>
 
 namespace orlix {
+
+// An interface's name.
+template <class I>
+constexpr std::string_view NameOf() {
+#ifdef _MSC_VER
+    constexpr std::string_view signature = __FUNCSIG__;
+    constexpr size_t begin = signature.find("NameOf<") + 7;
+    constexpr size_t end = signature.rfind(">(");
+#else
+    constexpr std::string_view signature = __PRETTY_FUNCTION__;
+    constexpr size_t begin = signature.find("I = ") + 4;
+    constexpr size_t end = signature.find_first_of(";]", begin);
+#endif
+    constexpr std::string_view name = signature.substr(begin, end - begin);
+    return name.substr(name.find_last_of(" :") + 1);
+}
 
 template <class I>
 class ComPtr {

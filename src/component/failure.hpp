@@ -19,6 +19,13 @@ private:
     HRESULT result_;
 };
 
+// There is no image, or it has no pixels that may be touched. The boundary gives the text, "IInterface::Method: no image.", in
+// the name of the method that was called; a method whose contract wants none has just E_FAIL.
+class NoImage : public std::exception {
+public:
+    const char* what() const noexcept override { return "no image."; }
+};
+
 // A result without a text: what somebody's interface answered, E_POINTER for a null pointer.
 class FailedResult : public std::exception {
 public:

@@ -1,6 +1,7 @@
 // The boundary between the library's code, which throws, and interface methods, which return results.
 #pragma once
 
+#include <string_view>
 #include <type_traits>
 
 #include "component/failure.hpp"
@@ -8,14 +9,20 @@
 
 namespace orlix {
 
+// A method of the contract: "IImageProcess", "Invert". Without the interface's name NoImage has no text.
+struct MethodName {
+    std::string_view owner;
+    const char* method = "";
+};
+
 // Inside a handler: reports what was thrown in the name of the class and gives the method's result. A Failure is reported
-// with its text; anything but Failure and FailedResult (no memory, ...) is a bare E_FAIL.
-HRESULT ResultOfCurrentException(const CLSID& clsid) noexcept;
+// with its text, NoImage in the name of the method; anything but these and FailedResult (no memory, ...) is a bare E_FAIL.
+HRESULT ResultOfCurrentException(const CLSID& clsid, const MethodName& name = {}) noexcept;
 
 // Runs the body of an interface method. The thread's error information is cleared first, so that after a failure it holds
 // this method's text or none. The body returns an HRESULT, or nothing for S_OK.
 template <class Body>
-HRESULT Guarded(const CLSID& clsid, Body&& body) noexcept {
+HRESULT Guarded(const CLSID& clsid, Body&& body, const MethodName& name = {}) noexcept {
     const FloatingPointScope arithmetic;
     SetErrorInfo(0, nullptr);
     try {
@@ -26,7 +33,7 @@ HRESULT Guarded(const CLSID& clsid, Body&& body) noexcept {
             return body();
         }
     } catch (...) {
-        return ResultOfCurrentException(clsid);
+        return ResultOfCurrentException(clsid, name);
     }
 }
 

@@ -81,13 +81,19 @@ protected:
     Object() noexcept : inner_(*this) { LockModule(); }
     ~Object() { UnlockModule(); }
 
-    template <class Body>
-    HRESULT Guarded(Body&& body) noexcept {
+    // With the interface of the method that calls this, whose name is taken from the call: what a NoImage is reported by.
+    template <class I = void, class Body>
+    HRESULT Guarded(Body&& body, const char* method = __builtin_FUNCTION()) noexcept {
         const KeepAlive alive(inner_);
-        return orlix::Guarded(__uuidof(Class), [&] {
-            if (inner_.closed()) throw FailedResult(E_FAIL);
-            return body();
-        });
+        MethodName name;
+        if constexpr (!std::is_void_v<I>) name = {NameOf<I>(), method};
+        return orlix::Guarded(
+            __uuidof(Class),
+            [&] {
+                if (inner_.closed()) throw FailedResult(E_FAIL);
+                return body();
+            },
+            name);
     }
 
     // Hidden by classes that hold interfaces of clients: releases all of them. Nothing can be put in their place, as

@@ -6,7 +6,7 @@
 using namespace orlix;
 
 std::shared_ptr<DisplayedImage> OrlixImage::Typed() {
-    if (!typed_) throw FailedResult(E_FAIL);
+    if (!typed_) throw NoImage();
     return typed_;
 }
 

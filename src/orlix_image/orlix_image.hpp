@@ -225,7 +225,7 @@ public:
     void LetGo() noexcept;
 
 private:
-    // The typed image, or E_FAIL without a text when there is none. Shared: a client's region or source may call back and
+    // The typed image, or NoImage. Shared: a client's region or source may call back and
     // make this object take another typed image while the one it had is at work.
     std::shared_ptr<orlix::DisplayedImage> Typed();
 

@@ -29,14 +29,14 @@ auto FindKeyword(Entries& entries, const WideString& keyword) {
 }  // namespace
 
 STDMETHODIMP OrlixImage::get_NumberOfTextEntries(LONG* number) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         Require(number);
         *number = static_cast<LONG>(Typed()->store().properties().texts.size());
     });
 }
 
 STDMETHODIMP OrlixImage::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         Require(keyword), Require(text);
         *keyword = nullptr;
         *text = nullptr;
@@ -54,7 +54,7 @@ STDMETHODIMP OrlixImage::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noe
 }
 
 STDMETHODIMP OrlixImage::PutTextEntry(BSTR keyword, BSTR text) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         ImageProperties& properties = Typed()->store().properties();
         WideString key(ToView(keyword));
         WideString value(ToView(text));
@@ -76,21 +76,21 @@ STDMETHODIMP OrlixImage::PutTextEntry(BSTR keyword, BSTR text) noexcept {
 }
 
 STDMETHODIMP OrlixImage::RemoveTextEntry(LONG index) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         RemoveAt(Typed()->store().properties().texts, index, "IImageEntries::RemoveTextEntry: Index is out of range.");
         modified_ = true;
     });
 }
 
 STDMETHODIMP OrlixImage::get_NumberOfBinaryEntries(LONG* number) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         Require(number);
         *number = static_cast<LONG>(Typed()->store().properties().binaries.size());
     });
 }
 
 STDMETHODIMP OrlixImage::GetBinaryEntry(LONG index, BSTR* keyword, LONG* size) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         Require(keyword), Require(size);
         *keyword = nullptr;
         *size = 0;
@@ -102,7 +102,7 @@ STDMETHODIMP OrlixImage::GetBinaryEntry(LONG index, BSTR* keyword, LONG* size) n
 }
 
 STDMETHODIMP OrlixImage::ReadBinaryEntry(LONG index, LONG offset, LONG size, unsigned char* bytes) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         Require(bytes);
         const BinaryEntry& entry = EntryAt(Typed()->store().properties().binaries, index,
                                            "IImageEntries::ReadBinaryEntry: Index is out of range.");
@@ -113,7 +113,7 @@ STDMETHODIMP OrlixImage::ReadBinaryEntry(LONG index, LONG offset, LONG size, uns
 }
 
 STDMETHODIMP OrlixImage::PutBinaryEntry(BSTR keyword, LONG size, unsigned char* bytes) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         if (size > 0) Require(bytes);
         std::vector<BinaryEntry>& binaries = Typed()->store().properties().binaries;
         WideString key(ToView(keyword));
@@ -129,7 +129,7 @@ STDMETHODIMP OrlixImage::PutBinaryEntry(BSTR keyword, LONG size, unsigned char* 
 }
 
 STDMETHODIMP OrlixImage::RemoveBinaryEntry(LONG index) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageEntries>([&] {
         RemoveAt(Typed()->store().properties().binaries, index,
                  "IImageEntries::RemoveBinaryEntry: Index is out of range.");
         modified_ = true;

@@ -83,10 +83,10 @@ STDMETHODIMP OrlixImage::put_SampleLimit(LONG limit) noexcept {
 }
 
 STDMETHODIMP OrlixImage::SaveToFile(BSTR fileName, ImageFileFormat format) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageFile>([&] {
         if (!typed_ || typed_->store().empty()) throw Failure("IImageFile::SaveToFile: no image.");
         ImageStore& store = typed_->store();
-        if (store.refused()) throw FailedResult(E_FAIL);
+        if (store.refused()) throw NoImage();
         const ImageProperties& properties = store.properties();
         FileProperties file;
         file.width = store.layout().width;
@@ -103,7 +103,7 @@ STDMETHODIMP OrlixImage::SaveToFile(BSTR fileName, ImageFileFormat format) noexc
 }
 
 STDMETHODIMP OrlixImage::GetMicronsPerPixel(double* x, double* y) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageFile>([&] {
         Require(x), Require(y);
         const ImageProperties& properties = Typed()->store().properties();
         *x = properties.micronsX;
@@ -113,7 +113,7 @@ STDMETHODIMP OrlixImage::GetMicronsPerPixel(double* x, double* y) noexcept {
 }
 
 STDMETHODIMP OrlixImage::PutMicronsPerPixel(double x, double y) noexcept {
-    return Guarded([&] {
+    return Guarded<IImageFile>([&] {
         ImageProperties& properties = Typed()->store().properties();
         const bool unknown = x == 0 && y == 0;
         if (!unknown && !(x > 0 && y > 0 && std::isfinite(x) && std::isfinite(y)))

@@ -4,7 +4,7 @@
 using namespace orlix;
 
 STDMETHODIMP OrlixImage::get_HemisphereFit(SHemisphereFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         AveragedHemisphere surface;
         // The prefix of the interface that this one extends: so the contract says.
@@ -19,14 +19,14 @@ STDMETHODIMP OrlixImage::get_HemisphereFit(SHemisphereFit* fit) noexcept {
 }
 
 STDMETHODIMP OrlixImage::CorrectHemisphere(SHemisphereFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         Typed()->CorrectHemisphere(Read(*fit), "IOrlixImageProcess::CorrectHemisphere: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_AngledHemisphereFit(SAngledHemisphereFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         AveragedHemisphere surface;
         const HRESULT result = Typed()->FitHemisphere(
@@ -40,7 +40,7 @@ STDMETHODIMP OrlixImage::get_AngledHemisphereFit(SAngledHemisphereFit* fit) noex
 }
 
 STDMETHODIMP OrlixImage::CorrectAngledHemisphere(SAngledHemisphereFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         Typed()->CorrectHemisphere(Read(*fit),
                                    "IOrlixImageProcess::CorrectAngledHemisphere: the surface is not finite.");

@@ -52,55 +52,58 @@ HRESULT Correct(TypedImage& image, bool angled, double probability, const TypedI
 }  // namespace
 
 STDMETHODIMP OrlixImage::get_RobustPlanarFit(double probability, SPlanarFit* fit) noexcept {
-    return Guarded([&] { return Fit<SurfacePolynomial>(*Typed(), 1, probability, kPlanar, fit); });
+    return Guarded<IOrlixImageProcess>([&] { return Fit<SurfacePolynomial>(*Typed(), 1, probability, kPlanar, fit); });
 }
 
 STDMETHODIMP OrlixImage::RobustCorrectPlanar(double probability) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         return Correct(*Typed(), 1, probability, kPlanar,
                        "IOrlixImageProcess::RobustCorrectPlanar: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_RobustBiquadraticFit(double probability, SBiquadraticFit* fit) noexcept {
-    return Guarded([&] { return Fit<SurfacePolynomial>(*Typed(), 2, probability, kBiquadratic, fit); });
+    return Guarded<IOrlixImageProcess>(
+        [&] { return Fit<SurfacePolynomial>(*Typed(), 2, probability, kBiquadratic, fit); });
 }
 
 STDMETHODIMP OrlixImage::RobustCorrectBiquadratic(double probability) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         return Correct(*Typed(), 2, probability, kBiquadratic,
                        "IOrlixImageProcess::RobustCorrectBiquadratic: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_RobustBicubicFit(double probability, SBicubicFit* fit) noexcept {
-    return Guarded([&] { return Fit<SurfacePolynomial>(*Typed(), 3, probability, kBicubic, fit); });
+    return Guarded<IOrlixImageProcess>([&] { return Fit<SurfacePolynomial>(*Typed(), 3, probability, kBicubic, fit); });
 }
 
 STDMETHODIMP OrlixImage::RobustCorrectBicubic(double probability) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         return Correct(*Typed(), 3, probability, kBicubic,
                        "IOrlixImageProcess::RobustCorrectBicubic: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_RobustHemisphereFit(double probability, SHemisphereFit* fit) noexcept {
-    return Guarded([&] { return Fit<AveragedHemisphere>(*Typed(), false, probability, kHemisphere, fit); });
+    return Guarded<IOrlixImageProcess>(
+        [&] { return Fit<AveragedHemisphere>(*Typed(), false, probability, kHemisphere, fit); });
 }
 
 STDMETHODIMP OrlixImage::RobustCorrectHemisphere(double probability) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         return Correct(*Typed(), false, probability, kHemisphere,
                        "IOrlixImageProcess::RobustCorrectHemisphere: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_RobustAngledHemisphereFit(double probability, SAngledHemisphereFit* fit) noexcept {
-    return Guarded([&] { return Fit<AveragedHemisphere>(*Typed(), true, probability, kAngledHemisphere, fit); });
+    return Guarded<IOrlixImageProcess>(
+        [&] { return Fit<AveragedHemisphere>(*Typed(), true, probability, kAngledHemisphere, fit); });
 }
 
 STDMETHODIMP OrlixImage::RobustCorrectAngledHemisphere(double probability) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         return Correct(*Typed(), true, probability, kAngledHemisphere,
                        "IOrlixImageProcess::RobustCorrectAngledHemisphere: the surface is not finite.");
     });

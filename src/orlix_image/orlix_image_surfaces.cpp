@@ -21,7 +21,7 @@ void Correct(TypedImage& image, const Record* fit, const char* notFinite) {
 }  // namespace
 
 STDMETHODIMP OrlixImage::get_PlanarFit(SPlanarFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         return Fit(*Typed(), 1,
                    {"IOrlixImageProcess::get_PlanarFit: multiband measurement is not supported.",
@@ -31,14 +31,14 @@ STDMETHODIMP OrlixImage::get_PlanarFit(SPlanarFit* fit) noexcept {
 }
 
 STDMETHODIMP OrlixImage::CorrectPlanar(SPlanarFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         Correct(*Typed(), fit, "IOrlixImageProcess::CorrectPlanar: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_BiquadraticFit(SBiquadraticFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         return Fit(*Typed(), 2,
                    {"IOrlixImageProcess::get_BiquadraticFit: multiband measurement is not supported.",
@@ -48,14 +48,14 @@ STDMETHODIMP OrlixImage::get_BiquadraticFit(SBiquadraticFit* fit) noexcept {
 }
 
 STDMETHODIMP OrlixImage::CorrectBiquadratic(SBiquadraticFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         Correct(*Typed(), fit, "IOrlixImageProcess::CorrectBiquadratic: the surface is not finite.");
     });
 }
 
 STDMETHODIMP OrlixImage::get_BicubicFit(SBicubicFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         return Fit(*Typed(), 3,
                    {"IOrlixImageProcess::get_BicubicFit: multiband measurement is not supported.",
@@ -65,7 +65,7 @@ STDMETHODIMP OrlixImage::get_BicubicFit(SBicubicFit* fit) noexcept {
 }
 
 STDMETHODIMP OrlixImage::CorrectBicubic(SBicubicFit* fit) noexcept {
-    return Guarded([&] {
+    return Guarded<IOrlixImageProcess>([&] {
         Require(fit);
         Correct(*Typed(), fit, "IOrlixImageProcess::CorrectBicubic: the surface is not finite.");
     });

@@ -221,7 +221,7 @@ protected:
     using Settings = FrameSettings<Pixel>;
 
     void RequirePixels() const {
-        if (image_.empty() || image_.refused()) throw FailedResult(E_FAIL);
+        if (image_.empty() || image_.refused()) throw NoImage();
     }
 
     // What an operation without a source visits of a band, or of all bands.

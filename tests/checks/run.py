@@ -126,10 +126,10 @@ def outside_the_boundary():
         if not name.startswith("src/"):
             continue
         text = (ROOT / name).read_text("utf-8")
-        guarded = {function for function, body in bodies(text) if "Guarded(" in body} | {"Guarded"}
+        guarded = {function for function, body in bodies(text) if re.search(r"\bGuarded\b", body)} | {"Guarded"}
         for found in re.finditer(r"^STDMETHODIMP \w+::(\w+)\([^{]*\{", text, re.M):
             body = next((body for function, body in bodies(text[found.start():])), "")
-            if found.group(1) in methods and not any(re.search(rf"\b{function}\(", body) for function in guarded):
+            if found.group(1) in methods and not any(re.search(rf"\b{function}(<\w+>)?\(", body) for function in guarded):
                 yield f"{name}: {found.group(1)}"
 
 

@@ -318,7 +318,8 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
         EXPECT_TRUE(Fails(one.Apply(filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range", kSource));
         EXPECT_TRUE(FailsSilently(one.Apply(filter, empty.get())));
         EXPECT_TRUE(FailsSilently(one.Apply(filter, nullptr), E_POINTER));
-        EXPECT_TRUE(FailsSilently((Cast<IImageProcess>(empty).get()->*filter.method)(one.pixels.get(), 0)));
+        EXPECT_TRUE(Fails((Cast<IImageProcess>(empty).get()->*filter.method)(one.pixels.get(), 0),
+                          ("IImageProcess::" + filter.name + ": no image.").c_str(), kSource));
     }
     EXPECT_THAT(PixelsOf<uint8_t>(one.pixels), ::testing::Each(9));
 }

@@ -165,7 +165,7 @@ TEST(AttachBuffer, RefusesTheImagesOwnPixels) {
                 "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading.",
                 kSource))
                 << type << " " << offset;
-            EXPECT_TRUE(FailsSilently(Cast<IImageProcess>(image)->Invert()));
+            EXPECT_TRUE(Fails(Cast<IImageProcess>(image)->Invert(), "IImageProcess::Invert: no image.", kSource));
             ASSERT_EQ(S_OK, image->Create(4, 1, 1, type, 1));
             EXPECT_EQ(S_OK, Cast<IImageProcess>(image)->Invert());
         }

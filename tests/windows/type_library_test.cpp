@@ -218,6 +218,7 @@ TEST_F(TypeLibrary, SaysWhatEachTypeAndMethodIs) {
     };
     for (const auto& type : Types({TKIND_INTERFACE, TKIND_DISPATCH, TKIND_ENUM, TKIND_RECORD})) {
         SCOPED_TRACE(type->Name());
+        if (type->Name() == "tagRECT") continue;  // the system's
         EXPECT_TRUE(helpOf(*type, MEMBERID_NIL).ends_with('.'));
         for (WORD i = 0; i < type->attributes().cFuncs; ++i) {
             FUNCDESC* function = nullptr;
