@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -254,6 +255,81 @@ TEST(Simplify, LeavesNoVertexFartherThanTheToleranceFromItsEdge) {
     EXPECT_EQ(8u, Simplify(straight, kNan).size());
     EXPECT_THAT(Simplify(straight, kInfinity), ElementsAre(0, 5));
     EXPECT_THAT(Simplify(std::vector<Point>(1000000, {1, 1}), 0), ElementsAre(0));
+}
+
+// Every vertex of the part looked at in turn.
+std::vector<uint32_t> PlainSimplify(const std::vector<Point>& outline, double tolerance) {
+    const auto n = static_cast<uint32_t>(outline.size());
+    const auto at = [&](uint32_t i) { return outline[i % n]; };
+    const auto toEdge = [](const Point& p, const Point& a, const Point& b) {
+        const double x = b.x - a.x, y = b.y - a.y, along = (p.x - a.x) * x + (p.y - a.y) * y;
+        if (!(along > 0)) return Distance(p, a);
+        if (along >= x * x + y * y) return Distance(p, b);
+        return Turn(a, b, p) == 0 ? 0 : std::fabs((p.x - a.x) * y - (p.y - a.y) * x) / Hypotenuse(x, y);
+    };
+    uint32_t opposite = 0;
+    for (uint32_t i = 1; i < n; ++i)
+        if (Distance(at(0), at(i)) > Distance(at(0), at(opposite))) opposite = i;
+    std::vector<bool> stays(n + 1, false);
+    stays[0] = stays[opposite] = true;
+    const std::function<void(uint32_t, uint32_t)> split = [&](uint32_t first, uint32_t last) {
+        double most = tolerance;
+        uint32_t farthest = first;
+        for (uint32_t i = first + 1; i < last; ++i)
+            if (const double d = toEdge(at(i), at(first), at(last)); d > most) most = d, farthest = i;
+        if (farthest == first) return;
+        stays[farthest] = true;
+        split(first, farthest);
+        split(farthest, last);
+    };
+    split(0, opposite);
+    split(opposite, n);
+    std::vector<uint32_t> kept;
+    for (uint32_t i = 0; i < n; ++i)
+        if (stays[i]) kept.push_back(i);
+    return kept;
+}
+
+TEST(Simplify, KeepsWhatLookingAtEveryVertexKeeps) {
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> real(-1, 1);
+    for (int kind = 0; kind < 7; ++kind)
+        for (size_t n : {3u, 10u, 40u, 300u, 1500u}) {
+            std::vector<Point> outline;
+            if (kind < 4) {
+                outline = RandomOutline(random, kind, n);
+            } else {
+                Point p;
+                for (size_t i = 0; i < n; ++i) {
+                    const auto k = static_cast<double>(i);
+                    if (kind == 4)
+                        p = {k, i % 2 ? k : -k};  // only one vertex is left out at a time
+                    else if (kind == 5)
+                        p = {p.x + real(random), p.y + real(random)};
+                    else
+                        p = {k * Cos(k / 20), k * Sin(k / 20)};
+                    outline.push_back(p);
+                }
+            }
+            if (std::all_of(outline.begin(), outline.end(), [&](const Point& p) { return p == outline[0]; })) continue;
+            for (const double tolerance : {0.0, 1e-3, 0.5, 3.0}) {
+                SCOPED_TRACE(testing::Message() << kind << ' ' << n << ' ' << tolerance);
+                const std::vector<uint32_t> kept = Simplify(outline, tolerance);
+                EXPECT_EQ(PlainSimplify(outline, tolerance), kept);
+                for (const double size : {0x1p900, 0x1p-900}) {
+                    std::vector<Point> other;
+                    for (const Point& p : outline) other.push_back({p.x * size, p.y * size});
+                    EXPECT_EQ(kept, Simplify(other, tolerance * size));
+                }
+            }
+        }
+}
+
+// Looked at one by one these are 10^10 distances, some minutes.
+TEST(Simplify, TakesNoTimeForEveryPairOfVertices) {
+    std::vector<Point> outline;
+    for (int i = 0; i < 100000; ++i) outline.push_back({1. * i, i % 2 ? 1. * i : -1. * i});
+    EXPECT_EQ(outline.size(), Simplify(outline, 0.1).size());
 }
 
 TEST(RobustCircle, FindsTheCircleAmongThreeTenthsOfOutliers) {
