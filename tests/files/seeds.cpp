@@ -46,7 +46,7 @@ void AddPng(std::vector<Seed>& seeds) {
                                }()) +
                       PngEnd() + FromText("behind"));
     // Some bytes of the file for many pixels, in one band and in three.
-    for (const uint8_t blue : {9, 10})
+    for (const uint8_t blue : {uint8_t{9}, uint8_t{10}})
         add(blue == 9 ? "wide-grey" : "wide-colour", PngSignature() + PngHeader(4001, 30, 1, 3) +
                                                          PngChunk("PLTE", {9, 9, blue, 1, 2, 3}) +
                                                          PngChunk("IDAT", RunStream(Bytes(30 * 502))) + PngEnd());
