@@ -390,7 +390,7 @@ def install(tally, preset):
 
 def build_project(tally, preset, source, what, *options):
     """A project of somebody else's that uses the library; gives the folder of its programs."""
-    folder = BUILD / "consumer" / f"{preset}-{what.split()[0].lower()}"
+    folder = BUILD / "consumer" / re.sub(r"[^\w-]", "", f"{preset}-{what.split()[0].lower()}")
     shutil.rmtree(folder, ignore_errors=True)
     configure = ["cmake", "-S", source, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", *options]
     if preset != "native":
