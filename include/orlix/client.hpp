@@ -67,7 +67,7 @@ private:
 
 // A failed call: its result, and the text and source (ProgID) that the object reported, both empty when it reported none.
 // what() is the text, or else says by the result's name what went wrong, after `subject`:
-//     "Orlix.VBHelper: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"
+//     "Orlix.VBHelper.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"
 class Error : public std::runtime_error {
 public:
     Error(HRESULT result, const std::string& message, std::string source, std::string_view subject = {});
@@ -118,19 +118,15 @@ CLSID ClassOf(std::string_view progId);  // Error when nothing of that name is r
 std::string NameOf(const CLSID& clsid);  // its ProgID, or else the identifier
 
 template <class I>
-ComPtr<I> CreateObject(const CLSID& clsid, std::string_view name) {
+ComPtr<I> CreateObject(const CLSID& clsid) {
     ComPtr<I> object;
     const HRESULT result = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(I), object.OutVoid());
-    if (FAILED(result)) throw Error(result, {}, {}, name);
+    if (FAILED(result)) throw Error(result, {}, {}, NameOf(clsid));
     return object;
 }
 template <class I>
-ComPtr<I> CreateObject(const CLSID& clsid) {
-    return CreateObject<I>(clsid, NameOf(clsid));
-}
-template <class I>
 ComPtr<I> CreateObject(std::string_view progId) {
-    return CreateObject<I>(ClassOf(progId), progId);
+    return CreateObject<I>(ClassOf(progId));
 }
 
 // Another interface of the same object, or Error.

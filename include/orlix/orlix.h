@@ -561,7 +561,7 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
 
     // Automatic thresholds. Outputs are 0.0 on entry (Left and Right of the histogram for AutoThresholdTrim) and
     // keep that on failure unless stated. "<Method>: empty histogram" when N < 1, with a final full stop for the
-    // entropy.
+    // entropy, but not from AutoThresholdTrim and AutoThresholdSearchForMinimum.
 
     // Threshold of greatest variance between the classes (Otsu 1979).
     // The classes are the bins 0..t and t+1..n-1, the threshold bin t belongs to the lower one. Only thresholds
@@ -576,13 +576,11 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
     //   "IHistogram::AutoThresholdTrim: the amount trimmed on the left must be between 0.0 and 1.0."
     //   "IHistogram::AutoThresholdTrim: the amount trimmed on the right must be between 0.0 and 1.0."
     //   "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0."
-    //   "IHistogram::AutoThresholdTrim: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdTrim(double TrimLeft, double* Left, double TrimRight,
         double* Right) = 0;
 
     // Threshold at the emptiest bin in the middle of the trimmed distribution.
     // It is sought within 1.2 standard deviations about the centre. Texts of AutoThresholdTrim, and
-    //   "IHistogram::AutoThresholdSearchForMinimum: empty histogram"
     //   "IHistogram::AutoThresholdSearchForMinimum: no counts in bins", which leaves the middle bin, as a bin index,
     //   in the output
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdSearchForMinimum(double TrimLeft, double TrimRight,

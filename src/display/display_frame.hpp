@@ -42,7 +42,8 @@ public:
 
     void EqualizeColorTable() override {
         constexpr size_t kPart = 512;  // the levels stay in the first cache
-        const Selection<Pixel> at = this->Select(this->bandToDisplay());  // before the range is read: clients may put it
+        const Selection<Pixel> at =
+            this->Select(this->bandToDisplay());  // before the range is read: clients may put it
         const LevelMapping<Pixel> levelsOf(lower_, upper_);
         const Pixel least = std::min(lower_, upper_);
         const Pixel most = std::max(lower_, upper_);

@@ -133,11 +133,26 @@ def outside_the_boundary():
                 yield f"{name}: {found.group(1)}"
 
 
+def unknown_texts():
+    """Texts that the contract quotes and the library does not have. (Those with a number in them, and "no image." in the name
+    of a method, are put together when they are reported.)"""
+    sources = "".join((ROOT / name).read_text("utf-8") for name in tracked(".cpp", ".hpp") if name.startswith("src/"))
+    sources = re.sub(r'"\s*"', "", re.sub(r"//.*", "", sources))  # a literal in several parts is one
+    contract = Contract()
+    comments = {" ".join(line.strip() for line in part)
+                for declaration in contract.declarations for part in (declaration.comment, *declaration.introductions)}
+    for comment in comments:
+        for text in re.findall(r'"(\w+(?:::\w+)?: [^"]*)"', comment):
+            if text not in sources and not re.search(r"\d{8}|: no image\.$|\.\.\.$", text):
+                yield f"idl/orlix.idl: {text}"
+
+
 def check_sources():
     paths = [path for path in readme_paths() if not path.startswith("build/")]
     check("what README.md names exists",
           [path for path in paths if not (ROOT / path).exists()] if paths else ["it names nothing"])
     check("each method of the contract goes through the boundary", outside_the_boundary())
+    check("the texts that the contract quotes are the library's", unknown_texts())
     check("folders of src stand on lower ones only, clients on the installed headers only", wrong_includes())
 
     marks = re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b")

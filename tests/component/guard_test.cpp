@@ -38,6 +38,7 @@ TEST(Boundary, TurnsWhatIsThrownIntoResultAndText) {
         {[] { throw Failure("IThing::Do: no.", DISP_E_EXCEPTION); }, DISP_E_EXCEPTION, "IThing::Do: no."},
         {[] { Require(nullptr); }, E_POINTER, "none"},
         {[] { PassOn(E_NOTIMPL); }, E_NOTIMPL, "none"},
+        {[] { throw NoImage(); }, E_FAIL, "none"},
         {[] { throw std::bad_alloc(); }, E_FAIL, "none"},
         {[] { throw std::runtime_error("inside"); }, E_FAIL, "none"},
         {[] { throw 7; }, E_FAIL, "none"},
@@ -47,6 +48,12 @@ TEST(Boundary, TurnsWhatIsThrownIntoResultAndText) {
         EXPECT_EQ(result, Guarded(kUnregistered, body));
         EXPECT_EQ(text, TakeText());
     }
+}
+
+TEST(Boundary, ReportsAMissingImageInTheNameOfTheMethod) {
+    const auto missing = [] { throw NoImage(); };
+    EXPECT_EQ(E_FAIL, Guarded(kUnregistered, missing, {NameOf<IOrlixImageProcess>(), "get_PlanarFit"}));
+    EXPECT_EQ("IOrlixImageProcess::get_PlanarFit: no image.", TakeText());
 }
 
 TEST(Boundary, PassesResultsOn) {
