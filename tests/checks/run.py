@@ -319,7 +319,7 @@ def check_reference(build):
         return
     output = build / "reference"
     shutil.rmtree(output, ignore_errors=True)
-    settings = (ROOT / "docs/Doxyfile").read_text("utf-8") + f"\nOUTPUT_DIRECTORY = {output.resolve()}\n"
+    settings = (ROOT / "docs/Doxyfile").read_text("utf-8") + f"\nOUTPUT_DIRECTORY = {build.resolve()}\n"
     result = subprocess.run(["doxygen", "-"], cwd=ROOT, input=settings, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                             text=True)
     problems = result.stdout.splitlines()
