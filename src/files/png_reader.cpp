@@ -386,7 +386,7 @@ bool LooksLikePng(std::span<const uint8_t> bytes) noexcept {
 }
 
 FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
-    const PngFile file = ParseFile(bytes);
+    PngFile file = ParseFile(bytes);
     RequireEnoughBytes(file);
 
     FileProperties properties;
@@ -395,7 +395,7 @@ FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const Sa
     properties.bits = file.header.depth == 16 ? 16 : 8;
     properties.micronsX = file.micronsX;
     properties.micronsY = file.micronsY;
-    properties.texts = file.texts;
+    properties.texts = std::move(file.texts);
     properties.bands = file.header.HasColour() ? 3 : 1;
     RequireWithin(limit, properties.width, properties.height, properties.bands);
     if (file.header.colourType == kIndexed) {
