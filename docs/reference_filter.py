@@ -47,12 +47,12 @@ def filtered(path):
                 out += documentation(comment, "\\mainpage Orlix\n")
                 main_page = False
             elif not line.strip() and classes:
-                out += documentation(comment, f"\\class {classes[-1]}\n\\details")
+                out += documentation(comment, f"\\{classes[-1]}\n\\details")
             elif line.startswith("#"):
                 out += documentation(comment, "\\file\n")
             comment = []
-        if found := re.match(r"(?:MIDL_INTERFACE\(.*\)|class|struct) (\w+)[^;]*\{$", line):
-            classes.append(found.group(1))
+        if found := re.match(r"(MIDL_INTERFACE\(.*\)|class|struct) (\w+)[^;]*\{$", line):
+            classes.append(("class " if found.group(1) == "class" else "struct ") + found.group(2))
         elif line.startswith("}") and classes:
             classes.pop()
         # A declaration of a namespace with a comment behind it.
