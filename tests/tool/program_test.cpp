@@ -196,8 +196,7 @@ TEST_F(Program, WrongUsageIsRefusedBeforeAnythingIsDone) {
     Make("a.png");
     const std::string a = At("a.png");
     for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{},
-                                               {"paint"},
+         std::vector<std::vector<std::string>>{{"paint"},
                                                {"measure"},
                                                {"measure", a, "--threshold", "magic"},
                                                {"measure", a, "--threshold", "9,1"},
@@ -244,7 +243,7 @@ TEST_F(Program, AMeasurementThatCannotBeMadeFailsWithItsReason) {
     const std::vector<std::pair<std::vector<std::string>, const char*>> cases = {
         {{"--roi", "circle:-500,-500,10"}, "the region holds no pixel of the image"},
         {{"--band", "1"}, "the image has 1 band, so there is no band 1"},
-        {{"--luminance", "0", "300"}, "the luminance range does not lie within the grey levels of a 8-bit image"},
+        {{"--luminance", "0", "300"}, "the luminance range does not lie within the grey levels of an 8-bit image"},
         {{"--luminance", "1", "2"}, "no pixel lies in the luminance range"},
         {{"--threshold", "trim:0.6,0.4"},
          "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0."},

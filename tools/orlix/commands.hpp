@@ -23,5 +23,7 @@ Command AddSave(CLI::App& program);
 Command AddLoad(CLI::App& program);
 Command AddSpecimen(CLI::App& program);
 Command AddDoctor(CLI::App& program);
+Command AddManual(CLI::App& program);
+Command AddCompletion(CLI::App& program);
 
 }  // namespace tool

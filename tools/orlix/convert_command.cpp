@@ -1,9 +1,12 @@
 // orlix convert
+#include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "image_file.hpp"
 #include "measurement.hpp"
 #include "region.hpp"
 #include "subcommand.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -18,7 +21,8 @@ using namespace orlix;
 namespace {
 
 constexpr char kFooter[] = R"(
-The format follows the name of OUT: .png (grey or colour), .pgm (grey), .ppm (colour).
+The format follows the name of OUT: .png (grey or colour), .pgm (grey), .ppm (colour). With - as IN or
+OUT the image comes from standard input or goes to standard output, as PNG.
 Pixel size and texts go along where the format holds them (PNG).
 
 Changing the number of bits spreads the grey levels that --range names over all levels of the new
@@ -32,11 +36,12 @@ Examples:
   orlix convert section.png corner.png --crop 0,0,511,511)";
 
 struct Options {
+    LoadOptions load;
     std::string in, out, crop, range = "full";
     int type = 0;
     LONG band = BI_AllBands;
     double pixelSize = 0;
-    bool plain = false;
+    bool plain = false, force = false, json = false;
 };
 
 ComPtr<IImageVPAExPlus> NewImage() { return CreateObject<IImageVPAExPlus>("Orlix.Image"); }
@@ -79,7 +84,8 @@ std::array<double, 2> Extremes(const ComPtr<IImageVPAExPlus>& image, LONG bands)
 }
 
 template <class From>
-ComPtr<IImageVPAExPlus> Retyped(const ComPtr<IImageVPAExPlus>& image, const Geometry& g, const Options& options) {
+ComPtr<IImageVPAExPlus> Retyped(const ComPtr<IImageVPAExPlus>& image, const Geometry& g, const Options& options,
+                                Json& document) {
     std::array<double, 2> range = {0, static_cast<double>(static_cast<From>(-1))};
     if (options.range == "data") {
         range = Extremes<From>(image, g.bands);
@@ -87,6 +93,11 @@ ComPtr<IImageVPAExPlus> Retyped(const ComPtr<IImageVPAExPlus>& image, const Geom
         const auto numbers = ParseNumbers(options.range, options.range);
         if (numbers.size() != 2 || !(numbers[0] < numbers[1])) throw UsageError("--range is full, data or LOW,HIGH");
         range = {numbers[0], numbers[1]};
+        const double most = static_cast<double>(static_cast<From>(-1));
+        if (range[1] < 0 || range[0] > most || range[0] < 0 || range[1] > most)
+            Warn(document, "levels-outside-type",
+                 "the levels " + options.range + " of --range reach beyond the grey levels of " + TypePhrase(g.type) +
+                     ", 0 to " + Rounded(most, 0));
     }
     auto result = NewImage();
     const LONG type = options.type ? options.type : g.type;
@@ -112,9 +123,12 @@ void CopyTexts(const ComPtr<IImageVPAExPlus>& from, const ComPtr<IImageVPAExPlus
     if (Check(file->GetMicronsPerPixel(&x, &y), file) == S_OK) Check(copy->PutMicronsPerPixel(x, y), copy);
 }
 
-int Convert(const Options& options) {
-    const auto source = NewImage();
-    Check(source->CreateFromFile(Text(options.in)), source);
+int Convert(const Options& options, const Subcommand& command) {
+    CheckOutput(options.out, {options.in}, options.force);
+    if (options.out == "-" && options.json) throw UsageError("standard output holds the image, so --json has no place");
+    if (options.plain && Extension(options.out) == ".png") throw UsageError("--plain is for PGM and PPM, not for PNG");
+    Json document = {{"file", ShownNames({options.in})[0]}, {"output", options.out}};
+    const auto source = options.load.Load(options.in);
     auto image = source;
     if (options.band != BI_AllBands || !options.crop.empty()) {
         const Geometry g = GeometryOf(image);
@@ -132,13 +146,16 @@ int Convert(const Options& options) {
     }
     const Geometry g = GeometryOf(image);
     if ((options.type && options.type != g.type) || options.range != "full")
-        image = g.type == DT_BYTE ? Retyped<uint8_t>(image, g, options) : Retyped<uint16_t>(image, g, options);
+        image = g.type == DT_BYTE ? Retyped<uint8_t>(image, g, options, document)
+                                  : Retyped<uint16_t>(image, g, options, document);
     if (image.get() != source.get()) CopyTexts(source, image);
 
     const auto file = Cast<IImageFile>(image);
     if (options.pixelSize != 0) Check(file->PutMicronsPerPixel(options.pixelSize, options.pixelSize), file);
     const ImageFileFormat plain = g.bands == 1 ? IFF_PlainPGM : IFF_PlainPPM;
-    Check(file->SaveToFile(Text(options.out), options.plain ? plain : IFF_ByExtension), file);
+    SaveImage(image, options.out, options.plain ? plain : IFF_ByExtension);
+    WarnOfLosses(image, options.out, document);
+    PrintOne(command, std::move(document), options.json);
     return kDone;
 }
 
@@ -147,15 +164,20 @@ int Convert(const Options& options) {
 Command AddConvert(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "convert", "Save an image in another format, type or part", kFooter);
-    command.Add("IN", options->in, "PNG, BMP, PGM or PPM file").Required();
-    command.Add("OUT", options->out, "File to write").Required();
-    command.Add("--type", options->type, "Bits of a sample: 8 or 16").OneOf(std::vector{8, 16});
-    command.Add("--range", options->range, "Grey levels to spread: full, data or LOW,HIGH").ShowDefault("full");
+    command.Add("IN", options->in, "PNG, BMP, PGM or PPM file, or -").Required();
+    command.Add("OUT", options->out, "File to write, or -").Required();
+    options->load.Add(command);
+    command.Add("--type", options->type, "Bits of a sample: 8 or 16").OneOf(std::vector{8, 16}).Named("BITS");
+    command.Add("--range", options->range, "Grey levels to spread: full, data or LOW,HIGH")
+        .ShowDefault("full")
+        .Named("LEVELS");
     command.Add("--band", options->band, "This band only, from 0").NotNegative();
-    command.Add("--crop", options->crop, "LEFT,TOP,RIGHT,BOTTOM, both ends included");
-    command.Add("--pixel-size", options->pixelSize, "Microns per pixel to write").Positive();
+    command.Add("--crop", options->crop, "LEFT,TOP,RIGHT,BOTTOM, both ends included").Named("CORNERS");
+    command.Add("--pixel-size", options->pixelSize, "Microns per pixel to write").Positive().Named("MICRONS");
     command.AddFlag("--plain", options->plain, "Plain (text) PGM or PPM");
-    return [options] { return Convert(*options); };
+    command.AddFlag("--force", options->force, "Replace the image itself");
+    command.AddFlag("--json", options->json, "Warnings as JSON");
+    return [options, command] { return Convert(*options, command); };
 }
 
 }  // namespace tool

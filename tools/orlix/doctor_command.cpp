@@ -4,9 +4,11 @@
 #include "measurement.hpp"
 #include "specimen_image.hpp"
 #include "subcommand.hpp"
+#include "subject.hpp"
 
 #include <orlix/client.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <iostream>
@@ -27,11 +29,12 @@ namespace {
 constexpr char kFooter[] = R"(
 Says which copy of the library is in use and how it runs here, which classes are registered and
 where, and measures a built-in specimen whose truth is known, with each pixel counted a second
-time by this program. Every check says PASS or FAIL; the exit code is 1 when one fails, 3 when
-the library cannot be used at all.
+time by this program. The first line is the verdict, PASS or FAIL; the exit code is 1 when a check
+fails, 3 when the library cannot be used at all.
 
-Example:
-  orlix doctor)";
+Examples:
+  orlix doctor
+  orlix doctor --json)";
 
 constexpr const char* kClasses[] = {"Orlix.Image",
                                     "Orlix.Histogram",
@@ -81,52 +84,53 @@ std::string RegisteredServer([[maybe_unused]] const CLSID& id) {
 #endif
 }
 
-void ShowModule() {
+Json Module() {
     const auto module = CreateObject<IModuleInformation>("Orlix.Image");
     Text version, path;
     Check(module->get_Version(version.Out()), module);
     Check(module->get_ModulePath(path.Out()), module);
-    std::cout << "Library   " << version.Utf8() << ", " << 8 * sizeof(void*) << "-bit\n"
-              << "Loaded    " << path.Utf8() << "\nProgram   " ORLIX_TOOL_VERSION "\n\nProcessor variants in use\n";
+    Json out;
+    out["version"] = version.Utf8();
+    out["bits"] = 8 * sizeof(void*);
+    out["path"] = path.Utf8();
+    Json& kernels = out["kernels"] = Json::array();
     LONG count = 0;
     Check(module->get_NumberOfKernels(&count), module);
     for (LONG i = 0; i < count; ++i) {
         Text kernel, variant;
         Check(module->GetKernel(i, kernel.Out(), variant.Out()), module);
-        std::string name = kernel.Utf8();
-        name.resize(std::max<size_t>(name.size(), 28), ' ');
-        std::cout << "  " << name << variant.Utf8() << "\n";
+        kernels.push_back({{"kernel", kernel.Utf8()}, {"variant", variant.Utf8()}});
     }
+    return out;
 }
 
-void ShowClasses() {
-    std::cout << "\nClasses\n";
+Json Classes() {
+    Json out = Json::array();
     for (const char* progId : kClasses) {
-        std::string line = progId;
-        line.resize(30, ' ');
+        Json entry = {{"class", progId}, {"id", nullptr}, {"state", "not registered"}, {"server", nullptr}};
         try {
             const CLSID id = ClassOf(progId);
-            line += TextOf(id);
+            entry["id"] = TextOf(id);
             ComPtr<IUnknown> object;
             const HRESULT result =
                 CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), object.OutVoid());
-            line += SUCCEEDED(result)                     ? "  available"
-                    : result == CLASS_E_CLASSNOTAVAILABLE ? "  not built yet"
-                                                          : "  cannot be created";
-            const std::string server = RegisteredServer(id);
-            if (!server.empty()) line += "  " + server;
+            entry["state"] = SUCCEEDED(result)                     ? "available"
+                             : result == CLASS_E_CLASSNOTAVAILABLE ? "not built yet"
+                                                                   : "cannot be created";
+            if (const std::string server = RegisteredServer(id); !server.empty()) entry["server"] = server;
         } catch (const Error&) {
-            line += "not registered";
+            // Stays as it is.
         }
-        std::cout << "  " << line << "\n";
+        out.push_back(std::move(entry));
     }
+    return out;
 }
 
 class Checks {
 public:
     void That(bool passed, const std::string& what) {
-        std::cout << (passed ? "  PASS  " : "  FAIL  ") << what << "\n";
-        failed_ = failed_ || !passed;
+        list_.push_back({{"check", what}, {"passed", passed}});
+        failed_ += !passed;
     }
     void Run(const std::string& what, const std::function<void()>& body) {
         try {
@@ -135,10 +139,12 @@ public:
             That(false, what + ": " + error.what());
         }
     }
-    bool failed() const { return failed_; }
+    const Json& list() const { return list_; }
+    int failed() const { return failed_; }
 
 private:
-    bool failed_ = false;
+    Json list_ = Json::array();
+    int failed_ = 0;
 };
 
 void MeasureSpecimen(int bits, Checks& checks) {
@@ -187,13 +193,53 @@ void MeasureSpecimen(int bits, Checks& checks) {
     checks.That(inner + outer == count, name + "a circle and its outside cover the image once");
 }
 
-int Examine() {
-    ShowModule();
-    ShowClasses();
-    std::cout << "\nMeasurement of a known specimen\n";
+// Rows with their columns below each other, two blanks apart.
+std::string Table(const std::vector<std::vector<std::string>>& rows) {
+    std::vector<size_t> widths;
+    for (const auto& row : rows)
+        for (size_t i = 0; i < row.size(); ++i) {
+            if (i == widths.size()) widths.push_back(0);
+            widths[i] = std::max(widths[i], row[i].size());
+        }
+    std::string out;
+    for (const auto& row : rows) {
+        std::string line;
+        for (size_t i = 0; i < row.size(); ++i) line += "  " + Padded(row[i], widths[i], false);
+        out += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    }
+    return out;
+}
+
+std::string TextOf(const Json& m) {
+    const auto text = [](const Json& value) { return value.is_string() ? value.get<std::string>() : std::string(); };
+    std::string out = text(m["message"]) + "\n\n";
+    out += "Library   " + text(m["library"]["version"]) + ", " + m["library"]["bits"].dump() + "-bit\nLoaded    " +
+           text(m["library"]["path"]) + "\nProgram   " + text(m["version"]) + "\n\nMeasurement of a known specimen\n";
+    for (const Json& check : m["checks"])
+        out += (check["passed"] ? "  PASS  " : "  FAIL  ") + text(check["check"]) + "\n";
+    std::vector<std::vector<std::string>> rows;
+    for (const Json& entry : m["classes"])
+        rows.push_back({text(entry["class"]), text(entry["state"]), text(entry["id"]), text(entry["server"])});
+    out += "\nClasses\n" + Table(rows);
+    rows.clear();
+    for (const Json& entry : m["library"]["kernels"]) rows.push_back({text(entry["kernel"]), text(entry["variant"])});
+    return out + "\nProcessor variants in use\n" + Table(rows);
+}
+
+int Examine(const Subcommand& command, bool json) {
+    Json document = command.Envelope();
     Checks checks;
+    document["verdict"] = document["message"] = nullptr;  // first, filled in at the end
+    document["library"] = Module();
+    document["classes"] = Classes();
     for (const int bits : {8, 16}) checks.Run(std::to_string(bits) + "-bit", [&] { MeasureSpecimen(bits, checks); });
-    std::cout << (checks.failed() ? "\nFAIL\n" : "\nPASS\n");
+    document["checks"] = checks.list();
+    document["warnings"] = Json::array();
+    const std::string all = std::to_string(checks.list().size());
+    document["verdict"] = checks.failed() ? "fail" : "pass";
+    document["message"] = checks.failed() ? "FAIL: " + std::to_string(checks.failed()) + " of " + all + " checks failed"
+                                          : "PASS: the library works, all " + all + " checks passed";
+    std::cout << (json ? Print(document) : TextOf(document));
     return checks.failed() ? kFailed : kDone;
 }
 
@@ -201,7 +247,9 @@ int Examine() {
 
 Command AddDoctor(CLI::App& program) {
     Subcommand command(program, "doctor", "Check the installed library", kFooter);
-    return [] { return Examine(); };
+    const auto json = std::make_shared<bool>(false);
+    command.AddFlag("--json", *json, "As JSON");
+    return [json, command] { return Examine(command, *json); };
 }
 
 }  // namespace tool

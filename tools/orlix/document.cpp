@@ -1,5 +1,7 @@
 #include "document.hpp"
 
+#include "console.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -25,6 +27,9 @@ Json Finite(double value) { return std::isfinite(value) ? Json(value) : Json(nul
 
 namespace {
 
+// Names of files may be no UTF-8.
+std::string Dumped(const Json& value) { return value.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
 void Print(const Json& value, size_t depth, std::string& out) {
     if (value.is_number_float()) {
         const double number = value.get<double>();
@@ -32,7 +37,7 @@ void Print(const Json& value, size_t depth, std::string& out) {
         return;
     }
     if (!value.is_structured() || value.empty()) {
-        out += value.dump();
+        out += Dumped(value);
         return;
     }
     const bool oneLine =
@@ -48,7 +53,7 @@ void Print(const Json& value, size_t depth, std::string& out) {
         if (!first) out += oneLine ? ", " : ",";
         first = false;
         newLine(depth + 1);
-        if (value.is_object()) out += Json(name).dump() + ": ";
+        if (value.is_object()) out += Dumped(name) + ": ";
         Print(item, depth + 1, out);
     }
     newLine(depth);
@@ -74,7 +79,7 @@ std::string CsvField(const Json& value) {
         return CsvField(joined);
     }
     if (!value.is_string()) return value.dump();
-    const std::string& text = value.get_ref<const std::string&>();
+    const std::string text = ValidUtf8(value.get_ref<const std::string&>());
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     std::string quoted = "\"";
     for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
@@ -114,7 +119,7 @@ double NumberAt(const Json& document, std::string_view path) {
 
 std::string Escaped(std::string_view text) {
     std::string out;
-    for (const char c : text) {
+    for (const char c : ValidUtf8(text)) {
         if (c == '&')
             out += "&amp;";
         else if (c == '<')

@@ -2,6 +2,7 @@
 #include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "image_file.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
 #include "warnings.hpp"
@@ -54,13 +55,14 @@ constexpr Filter kFilters[] = {
 };
 
 struct Options {
+    LoadOptions load;
     std::string filter;
     std::vector<std::string> files;
     SubjectOptions subject{BI_AllBands};
     std::string file, folder;
     std::optional<LONG> halfSize;
     std::vector<double> luminance;
-    bool json = false;
+    bool json = false, force = false;
 };
 
 // Mean, smallest and largest value of the region, over its bands.
@@ -111,7 +113,7 @@ std::string TextOf(const Json& m) {
            TextLine("filter", m["filter"].get<std::string>() +
                                   (m["halfSize"].is_null() ? "" : ", half size " + m["halfSize"].dump())) +
            TextLine("before", values("before")) + TextLine("after", values("after")) +
-           TextLine("written", m["output"].get<std::string>()) + WarningsText(m) + "\n";
+           TextLine("written", OutputName(m)) + WarningsText(m) + "\n";
 }
 
 int FilterAll(const Options& options, const Subcommand& command) {
@@ -125,29 +127,35 @@ int FilterAll(const Options& options, const Subcommand& command) {
     if (!options.luminance.empty() && !(options.luminance[0] <= options.luminance[1]))
         throw UsageError("--luminance: LOW is above HIGH");
     std::optional<OutputFolder> folder;
-    if (!options.folder.empty()) folder.emplace(options.folder);
+    const std::string suffix = "_" + options.filter + ".png";
+    if (!options.folder.empty())
+        folder.emplace(options.folder, options.files, OutputFolder::Plan{{suffix}, {}}, options.force);
+    else
+        CheckOutput(options.file, options.files, options.force);
+    if (options.file == "-" && options.json)
+        throw UsageError("standard output holds the image, so --json has no place");
 
     Batch batch = RunBatch(
         options.files,
         [&](size_t i, const std::string& name, Progress&) {
             Json document = {{"file", name}};
-            const Subject subject(LoadImage(options.files[i]), settings, document);
+            const Subject subject(options.load.Load(options.files[i]), settings, document);
             document["filter"] = options.filter;
             document["halfSize"] = squares ? Json(options.halfSize.value_or(1)) : Json(nullptr);
             if (!options.luminance.empty()) PutLuminance(subject, options.luminance[0], options.luminance[1]);
             document["before"] = Summary(subject);
             Apply(options, subject);
             document["after"] = Summary(subject);
-            const std::string output =
-                folder ? Utf8(folder->At(folder->NameFor(options.files[i]) + "_" + options.filter + ".png"))
-                       : options.file;
-            const auto file = Cast<IImageFile>(subject.image);
-            Check(file->SaveToFile(Text(output), IFF_ByExtension), file);
+            const std::string output = folder ? Utf8(folder->At(folder->NameOf(i) + suffix)) : options.file;
+            if (folder) Sign(subject.image);
+            SaveImage(subject.image, output, IFF_ByExtension);
+            WarnOfLosses(subject.image, output, document);
             document["output"] = output;
             return document;
         },
         [&](const Json& document) {
-            if (!options.json && !document.contains("error")) std::cout << TextOf(document) << std::flush;
+            if (!options.json && !document.contains("error"))
+                (options.file == "-" ? std::cerr : std::cout) << TextOf(document) << std::flush;
         });
     if (options.json) {
         Json document = command.Envelope();
@@ -155,7 +163,7 @@ int FilterAll(const Options& options, const Subcommand& command) {
         document["warnings"] = std::move(batch.warnings);
         std::cout << Print(document);
     }
-    return batch.failed ? kFailed : kDone;
+    return batch.code();
 }
 
 }  // namespace
@@ -166,9 +174,11 @@ Command AddFilter(CLI::App& program) {
     std::vector<std::string> names;
     for (const Filter& filter : kFilters) names.emplace_back(filter.name);
     command.Add("NAME", options->filter, "Filter; see below").Required().OneOf(names);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
-    command.Add("-o,--output", options->file, "File to write, for one image");
-    command.Add("--out", options->folder, "Folder to write to");
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    options->load.Add(command);
+    command.Add("-o,--output", options->file, "File to write, for one image; - is standard output").Named("FILE");
+    command.Add("--out", options->folder, "Folder to write to").Named("DIR");
+    command.AddFlag("--force", options->force, "Replace the image itself, or other files in the folder");
     command.Add("--half-size", options->halfSize, "Of the square of extremum-sharpening, in pixels (default 1)")
         .Between(0, 1000000);
     command.Add("--luminance", options->luminance, "Grey levels that results are clamped to").Pair("LOW HIGH");

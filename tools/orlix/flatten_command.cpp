@@ -5,6 +5,7 @@
 #include "flatten_report.hpp"
 #include "flattening.hpp"
 #include "html_page.hpp"
+#include "image_file.hpp"
 #include "pictures.hpp"
 #include "residual_map.hpp"
 #include "subcommand.hpp"
@@ -60,11 +61,12 @@ Examples:
   orlix flatten ball.png --surface hemisphere --roi circle:400,300,250 --json)";
 
 struct Options {
+    LoadOptions load;
     std::vector<std::string> files;
     SubjectOptions subject;
     std::string surface, out;
     std::optional<double> robust, zScale;
-    bool json = false, csv = false;
+    bool json = false, csv = false, force = false;
 };
 
 std::vector<std::string> Columns(const Options& options) {
@@ -188,15 +190,18 @@ void AddProfiles(const Flattening& flat, const Subject& subject, std::optional<d
 
 class Results {
 public:
-    Results(const Options& options) : folder_(options.out), single_(options.files.size() == 1) {}
+    explicit Results(const Options& options)
+        : single_(options.files.size() == 1), folder_(options.out, options.files, PlanOf(single_), options.force) {}
 
-    void Add(const std::string& file, const Subject& subject, const Flattening& flat, std::optional<double> zScale,
+    void Add(size_t index, const Subject& subject, const Flattening& flat, std::optional<double> zScale,
              Json& document) {
-        const std::string name = folder_.NameFor(file), report = single_ ? "report.html" : name + "_report.html";
-        const auto saved = Cast<IImageFile>(subject.image);
-        Check(saved->SaveToFile(Text(Utf8(folder_.At(name + "_flattened.png"))), IFF_PNG), saved);
+        const std::string& name = folder_.NameOf(index);
+        const std::string report = single_ ? "report.html" : name + "_report.html";
+        Sign(subject.image);
+        SaveImage(subject.image, Utf8(folder_.At(name + "_flattened.png")), IFF_PNG);
 
-        const std::filesystem::path temporary = folder_.At(name + "_report.tmp.png");
+        const TemporaryFile file(".png");
+        const std::filesystem::path& temporary = file.path();
         FlattenPictures pictures;
         AddProfiles(flat, subject, zScale, pictures);
         const double average = NumberAt(document, "surface.average");
@@ -222,13 +227,20 @@ public:
         document["outputs"]["report"] = report;
     }
 
-    void Finish(const Json& images) {
-        if (!single_) WriteFile(folder_.At("report.html"), FlattenOverview(images, ORLIX_TOOL_VERSION));
+    void Finish(const Batch& batch) {
+        if (!single_)
+            WriteFile(folder_.At("report.html"), FlattenOverview(batch.images, batch.warnings, ORLIX_TOOL_VERSION));
     }
 
 private:
-    OutputFolder folder_;
+    static OutputFolder::Plan PlanOf(bool single) {
+        OutputFolder::Plan plan = {{"_flattened.png"}, {"report.html"}};
+        if (!single) plan.suffixes.emplace_back("_report.html");
+        return plan;
+    }
+
     bool single_;
+    OutputFolder folder_;
 };
 
 // Of a colour image the band alone: the others would no longer belong to it.
@@ -251,7 +263,7 @@ int FlattenAll(const Options& options, const Subcommand& command) {
         options.files,
         [&](size_t i, const std::string& name, Progress&) {
             Json document = {{"file", name}};
-            Subject subject(LoadImage(options.files[i]), subjectSettings, document);
+            Subject subject(options.load.Load(options.files[i]), subjectSettings, document);
             if (subject.bands > 1) {
                 SubjectSettings alone = subjectSettings;
                 alone.band = 0;
@@ -260,7 +272,7 @@ int FlattenAll(const Options& options, const Subcommand& command) {
             }
             const Flattening flat = Flatten(subject, settings);
             for (const auto& [member, value] : flat.document.items()) document[member] = value;
-            if (results) results->Add(options.files[i], subject, flat, settings.zScale, document);
+            if (results) NoteOutputError(document, [&] { results->Add(i, subject, flat, settings.zScale, document); });
             return document;
         },
         [&](const Json& document) {
@@ -270,14 +282,14 @@ int FlattenAll(const Options& options, const Subcommand& command) {
                 std::cout << TextOf(document) << std::flush;
         });
 
-    if (results) results->Finish(batch.images);
+    if (results) batch.Write([&] { results->Finish(batch); });
     if (options.json) {
         Json document = command.Envelope();
         document["images"] = std::move(batch.images);
         document["warnings"] = std::move(batch.warnings);
         std::cout << Print(document);
     }
-    return batch.failed ? kFailed : kDone;
+    return batch.code();
 }
 
 }  // namespace
@@ -285,14 +297,16 @@ int FlattenAll(const Options& options, const Subcommand& command) {
 Command AddFlatten(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "flatten", "Remove a fitted surface; roughness before and after", kFooter);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
-    command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames());
-    command.Add("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1");
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    options->load.Add(command);
+    command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames()).Named("SURFACE");
+    command.Add("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1").Named("P");
     options->subject.AddRegion(command);
-    command.Add("--z-scale", options->zScale, "Microns per grey level");
+    command.Add("--z-scale", options->zScale, "Microns per grey level").Named("MICRONS");
     options->subject.AddPixelSize(command);
     options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
-    command.Add("--out", options->out, "Folder for the flattened image and the report");
+    command.Add("--out", options->out, "Folder for the flattened image and the report").Named("DIR");
+    command.AddFlag("--force", options->force, "Replace other files there that have the names of results");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
     command.AddFlag("--csv", options->csv, "Results as CSV").Excludes(json);
     return [options, command] { return FlattenAll(*options, command); };

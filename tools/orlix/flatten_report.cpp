@@ -124,10 +124,11 @@ std::string FlattenReport(const Json& image, const std::string& version, const F
     return Page(name, body, version);
 }
 
-std::string FlattenOverview(const Json& images, const std::string& version) {
+std::string FlattenOverview(const Json& images, const Json& warnings, const std::string& version) {
     std::string body =
-        "<header><h1>" + std::to_string(images.size()) +
-        " flattened images</h1></header>\n<section class='scroll'><table>\n<tr><th>Image</th><th>Surface</th>"
+        "<header><h1>" + std::to_string(images.size()) + " flattened images</h1></header>\n" +
+        WarningsSection({{"warnings", warnings}}) +
+        "<section class='scroll'><table>\n<tr><th>Image</th><th>Surface</th>"
         "<th class='n'>RMS before</th><th class='n'>RMS after</th><th class='n'>Peak to valley after</th>"
         "<th class='n'>Clipped</th></tr>\n";
     for (const Json& image : images) {
@@ -137,8 +138,8 @@ std::string FlattenOverview(const Json& images, const std::string& version) {
                     Escaped(image["error"].get<std::string>()) + "</td></tr>\n";
             continue;
         }
-        body += "<tr><td><a href='" + Escaped(Member(image, "outputs.report").get<std::string>()) + "'>" + name +
-                "</a>" + WarningsCell(image) + "</td><td>" + SurfaceName(image) + "</td>";
+        body += "<tr><td><a " + Href(Member(image, "outputs.report").get<std::string>()) + ">" + name + "</a>" +
+                WarningsCell(image) + "</td><td>" + SurfaceName(image) + "</td>";
         for (const char* path : {"before.rms", "after.rms", "after.peakToValley"})
             body += "<td class='n'>" + Short(image, path) + "</td>";
         body += "<td class='n'>" + Grouped(Plain(NumberAt(image, "clippedPixels"))) + "</td></tr>\n";

@@ -69,9 +69,25 @@ main{max-width:none;padding:0}section,.card,figure,tr{break-inside:avoid}section
 
 std::string Page(const std::string& title, const std::string& body, const std::string& version) {
     return "<!DOCTYPE html>\n<html lang='en'>\n<head>\n<meta charset='utf-8'>\n"
-           "<meta name='viewport' content='width=device-width,initial-scale=1'>\n<title>" +
-           Escaped(title) + "</title>\n<style>" + kStyle + "</style>\n</head>\n<body>\n<main>\n" + body +
-           "<footer>Measured with Orlix " + Escaped(version) + "</footer>\n</main>\n</body>\n</html>\n";
+           "<meta name='viewport' content='width=device-width,initial-scale=1'>\n<meta name='generator' "
+           "content='Orlix " +
+           Escaped(version) + "'>\n<title>" + Escaped(title) + "</title>\n<style>" + kStyle +
+           "</style>\n</head>\n<body>\n<main>\n" + body + "<footer>Measured with Orlix " + Escaped(version) +
+           "</footer>\n</main>\n</body>\n</html>\n";
+}
+
+std::string Href(std::string_view file) {
+    constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string out = "href='";
+    for (const char c : file) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (kPlain.find(c) != std::string_view::npos)
+            out += c;
+        else
+            out += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+    return out + "'";
 }
 
 // Five significant digits or so, never more than whole numbers need.

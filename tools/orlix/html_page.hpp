@@ -11,6 +11,8 @@ namespace tool {
 // The body is HTML, the title plain text.
 std::string Page(const std::string& title, const std::string& body, const std::string& version);
 
+std::string Href(std::string_view file);  // of a link to a file beside the page, in quotes: percent-encoded
+
 std::string Card(const std::string& value, const std::string& caption, bool main = false);
 std::string Row(const std::string& name, const std::string& value);  // of a table of two columns
 

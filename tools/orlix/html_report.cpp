@@ -151,6 +151,7 @@ std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summ
                      "smallest and largest");
         body += "</div>\n";
     }
+    body += WarningsSection(summary);
     body +=
         "<section class='scroll'><table class='batch'>\n<tr><th>Overlay</th><th>Image</th><th class='n'>Area "
         "fraction</th>"
@@ -165,7 +166,7 @@ std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summ
         }
         const double fraction = NumberAt(m, "phase.areaFraction");
         body += "<tr><td class='thumb'><img alt='' src='" + entry.overlayUri + "'></td><td>";
-        body += entry.reportName.empty() ? name : "<a href='" + Escaped(entry.reportName) + "'>" + name + "</a>";
+        body += entry.reportName.empty() ? name : "<a " + Href(entry.reportName) + ">" + name + "</a>";
         body += "<br><small class='sub'>" + Plain(NumberAt(m, "width")) + " × " + Plain(NumberAt(m, "height")) + ", " +
                 m["type"].get<std::string>() + ", " + Calibration(m) + "</small>" + WarningsCell(m) +
                 "</td><td class='n'>" + Percent(fraction) +

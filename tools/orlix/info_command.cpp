@@ -3,6 +3,7 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "document.hpp"
+#include "image_file.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
 #include "warnings.hpp"
@@ -24,8 +25,8 @@ Examples:
   orlix info section.png
   orlix info --json *.png)";
 
-Json InfoOf(const std::string& file, const std::string& name) {
-    const auto image = LoadImage(file);
+Json InfoOf(const LoadOptions& load, const std::string& file, const std::string& name) {
+    const auto image = load.Load(file);
     Json out;
     out["file"] = name;
     LONG bands = 0, width = 0, height = 0, type = 0;
@@ -74,17 +75,21 @@ std::string TextOf(const Json& info) {
 
 Command AddInfo(CLI::App& program) {
     struct Options {
+        LoadOptions load;
         std::vector<std::string> files;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "info", "Say what image files hold", kFooter);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    options->load.Add(command);
     command.AddFlag("--json", options->json, "As JSON");
     return [options, command] {
         Batch batch = RunBatch(
             options->files,
-            [&](size_t i, const std::string& name, Progress&) { return InfoOf(options->files[i], name); },
+            [&](size_t i, const std::string& name, Progress&) {
+                return InfoOf(options->load, options->files[i], name);
+            },
             [&](const Json& info) {
                 if (!options->json && !info.contains("error")) std::cout << TextOf(info) << std::flush;
             });
@@ -94,7 +99,7 @@ Command AddInfo(CLI::App& program) {
             document["warnings"] = std::move(batch.warnings);
             std::cout << Print(document);
         }
-        return batch.failed ? kFailed : kDone;
+        return batch.code();
     };
 }
 

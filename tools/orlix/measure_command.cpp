@@ -3,6 +3,7 @@
 #include "commands.hpp"
 #include "console.hpp"
 #include "html_report.hpp"
+#include "image_file.hpp"
 #include "measurement.hpp"
 #include "pictures.hpp"
 #include "subcommand.hpp"
@@ -64,11 +65,12 @@ Examples:
   orlix measure plate.png --roi oriented:300,80,-12.5,400,300 --roi-polarity outside)";
 
 struct Options {
+    LoadOptions load;
     std::vector<std::string> files;
     SubjectOptions subject;
     std::string threshold = "minimize-variance", flatten, out;
     std::optional<double> flattenRobust;
-    bool dark = false, bright = false, json = false, csv = false;
+    bool dark = false, bright = false, json = false, csv = false, force = false;
     std::vector<double> luminance;
     MeasureSettings settings;
 };
@@ -244,13 +246,15 @@ std::string TextOfSummary(const Json& summary) {
 // Pictures and reports.
 class Results {
 public:
-    Results(const std::string& folder, bool single) : folder_(folder), single_(single) {}
+    explicit Results(const Options& options)
+        : single_(options.files.size() == 1), folder_(options.out, options.files, PlanOf(single_), options.force) {}
 
-    void Add(const std::string& file, Measurement& measurement) {
-        const std::string name = folder_.NameFor(file);
+    void Add(size_t index, Measurement& measurement) {
+        const std::string& name = folder_.NameOf(index);
         const Picture display = DisplayPicture(measurement);
         const Picture overlay = OverlayPicture(measurement, display);
-        const std::filesystem::path temporary = folder_.At(name + "_report.tmp.png");
+        const TemporaryFile file(".png");
+        const std::filesystem::path& temporary = file.path();
         const std::string report = single_ ? "report.html" : name + "_report.html";
         const Json& calibration = measurement.document["micronsPerPixel"];
         SavePng(PhasePicture(measurement.phase), calibration, folder_.At(name + "_bitmap.png"));
@@ -269,27 +273,34 @@ public:
 
     void Keep(const Json& document) { WriteFile(folder_.At("measurement.json"), Print(document)); }
 
-    void Finish(const Json& summary) {
+    void Finish(Json summary, const Json& warnings) {
+        summary["warnings"] = warnings;
         if (!single_) WriteFile(folder_.At("report.html"), BatchReport(entries_, summary, ORLIX_TOOL_VERSION));
     }
 
 private:
-    OutputFolder folder_;
+    static OutputFolder::Plan PlanOf(bool single) {
+        OutputFolder::Plan plan = {{"_bitmap.png", "_overlay.png"}, {"report.html", "measurement.json"}};
+        if (!single) plan.suffixes.emplace_back("_report.html");
+        return plan;
+    }
+
     bool single_;
+    OutputFolder folder_;
     std::vector<BatchEntry> entries_;
 };
 
 int Measure(Options& options, const Subcommand& command) {
     CompleteSettings(options);
     std::optional<Results> results;
-    if (!options.out.empty()) results.emplace(options.out, options.files.size() == 1);
+    if (!options.out.empty()) results.emplace(options);
 
     if (options.csv) std::cout << CsvHeader(kColumns);
     Batch batch = RunBatch(
         options.files,
         [&](size_t i, const std::string& name, Progress& progress) {
-            Measurement measurement = MeasureImage(LoadImage(options.files[i]), name, options.settings);
-            if (results) results->Add(options.files[i], measurement);
+            Measurement measurement = MeasureImage(options.load.Load(options.files[i]), name, options.settings);
+            if (results) NoteOutputError(measurement.document, [&] { results->Add(i, measurement); });
             if (measurement.document["bands"] > 1 && i == 0)
                 progress.Say("orlix: " + name + " has several bands; band " + std::to_string(options.settings.band) +
                              " is measured");
@@ -306,14 +317,14 @@ int Measure(Options& options, const Subcommand& command) {
     Json document = command.Envelope();
     document["images"] = std::move(batch.images);
     document["summary"] = Summary(document["images"]);
-    document["warnings"] = std::move(batch.warnings);
-    if (results) results->Finish(document["summary"]);
-    if (results) results->Keep(document);
+    if (results) batch.Write([&] { results->Finish(document["summary"], batch.warnings); });
+    document["warnings"] = batch.warnings;
+    if (results) batch.Write([&] { results->Keep(document); });
     if (options.json)
         std::cout << Print(document);
     else if (!options.csv)
         std::cout << TextOfSummary(document["summary"]);
-    return batch.failed ? kFailed : kDone;
+    return batch.code();
 }
 
 }  // namespace
@@ -321,13 +332,19 @@ int Measure(Options& options, const Subcommand& command) {
 Command AddMeasure(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase", kFooter);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files").Required();
+    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    options->load.Add(command);
     options->subject.AddRegion(command);
     command.Add("--flatten", options->flatten, "Remove a surface from the region first: " + SurfaceList())
-        .OneOf(SurfaceNames());
-    command.Add("--flatten-robust", options->flattenRobust,
-                "Robust fit of it: probability that a pixel belongs to the surface, up to 1");
-    command.Add("--threshold", options->threshold, "METHOD or LO,HI; see below").ShowDefault("minimize-variance");
+        .OneOf(SurfaceNames())
+        .Named("SURFACE");
+    command
+        .Add("--flatten-robust", options->flattenRobust,
+             "Robust fit of it: probability that a pixel belongs to the surface, up to 1")
+        .Named("P");
+    command.Add("--threshold", options->threshold, "METHOD or LO,HI; see below")
+        .Named("METHOD")
+        .ShowDefault("minimize-variance");
     const Parameter dark =
         command.AddFlag("--dark", options->dark, "The phase is the dark side of the threshold (default)");
     command.AddFlag("--bright", options->bright, "The phase is the bright side").Excludes(dark);
@@ -341,7 +358,8 @@ Command AddMeasure(CLI::App& program) {
         .Add("--smooth", options->settings.smoothing,
              "Smooth the histogram with 3, 5, 7 or 9 binomial weights before choosing thresholds")
         .OneOf(std::vector{0, 3, 5, 7, 9});
-    command.Add("--out", options->out, "Folder for pictures and reports");
+    command.Add("--out", options->out, "Folder for pictures and reports").Named("DIR");
+    command.AddFlag("--force", options->force, "Replace other files there that have the names of results");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
     command.AddFlag("--csv", options->csv, "Results as CSV").Excludes(json);
     return [options, command] { return Measure(*options, command); };

@@ -1,6 +1,7 @@
 #include "measurement.hpp"
 
 #include "console.hpp"
+#include "warnings.hpp"
 
 #include <orlix/client.hpp>
 
@@ -203,6 +204,11 @@ private:
             if (!std::isnan(choice.levels[0])) lower = integer ? std::ceil(choice.levels[0]) : choice.levels[0];
             if (!std::isnan(choice.levels[1])) upper = integer ? std::floor(choice.levels[1]) : choice.levels[1];
             const bool none = lower > upper || lower > TypeMaximum(type_) || upper < TypeMinimum(type_);
+            if (lower < TypeMinimum(type_) || upper > TypeMaximum(type_))
+                Warn(result_.document, "levels-outside-type",
+                     "the levels " + choice.text + (none ? " lie outside" : " reach beyond") + " the grey levels of " +
+                         TypePhrase(type_) + ", 0 to " + Rounded(TypeMaximum(type_), 0) +
+                         (none ? ": no pixel can have them" : ""));
             Check(none ? process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out())
                        : process_->Threshold(lower, upper, 1, result_.phase.Out()),
                   process_);

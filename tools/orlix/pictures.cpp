@@ -1,6 +1,7 @@
 #include "pictures.hpp"
 
 #include "console.hpp"
+#include "image_file.hpp"
 
 #include <orlix/client.hpp>
 
@@ -178,7 +179,8 @@ void SavePng(const Picture& picture, const Json& micronsPerPixel, const std::fil
     }
     const auto file = Cast<IImageFile>(image);
     if (!micronsPerPixel.is_null()) Check(file->PutMicronsPerPixel(micronsPerPixel["x"], micronsPerPixel["y"]), file);
-    Check(file->SaveToFile(Text(Utf8(path)), IFF_PNG), file);
+    Sign(image);
+    SaveImage(image, Utf8(path), IFF_PNG);
 }
 
 std::string DataUri(const Picture& picture, const std::filesystem::path& temporary) {

@@ -2,6 +2,7 @@
 #include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "image_file.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
 #include "vertex_list.hpp"
@@ -194,7 +195,7 @@ int MeasureAll(const Options& options, const Subcommand& command) {
         [&](size_t i, const std::string& name, Progress&) {
             Json document = {{"file", name}};
             Json& outlines = document["outlines"] = Json::array();
-            for (const NamedOutline& outline : ParseOutlines(ReadFile(Path(options.files[i]))))
+            for (const NamedOutline& outline : ParseOutlines(ReadInput(options.files[i])))
                 outlines.push_back(Measured(outline, options));
             return document;
         },
@@ -218,7 +219,7 @@ int MeasureAll(const Options& options, const Subcommand& command) {
         document["warnings"] = std::move(batch.warnings);
         std::cout << Print(document);
     }
-    return batch.failed ? kFailed : kDone;
+    return batch.code();
 }
 
 }  // namespace
@@ -226,10 +227,10 @@ int MeasureAll(const Options& options, const Subcommand& command) {
 Command AddPolygon(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "polygon", "Measure outlines given as lists of vertices", kFooter);
-    command.Add("FILE", options->files, "CSV or JSON files").Required();
+    command.Add("FILE", options->files, "CSV or JSON files; - is standard input").Required();
     command.Add("--point", options->point, "Distances from here").Pair("X Y");
-    command.Add("--circle", options->circle, "Robust circle: probability that a vertex belongs to it");
-    command.Add("--smooth", options->smooth, "Tolerance of a simplified outline, pixels");
+    command.Add("--circle", options->circle, "Robust circle: probability that a vertex belongs to it").Named("P");
+    command.Add("--smooth", options->smooth, "Tolerance of a simplified outline, pixels").Named("T");
     const Parameter json = command.AddFlag("--json", options->json, "As JSON");
     command.AddFlag("--csv", options->csv, "A line for each outline").Excludes(json);
     return [options, command] { return MeasureAll(*options, command); };

@@ -1,6 +1,8 @@
 // orlix render
+#include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "image_file.hpp"
 #include "pictures.hpp"
 #include "subcommand.hpp"
 #include "subject.hpp"
@@ -35,12 +37,13 @@ Examples:
   orlix render weld.png --size 640 480 --surround FFFFFF --overlay-roi circle:400,300,250 -o view.png)";
 
 struct Options {
+    LoadOptions load;
     std::string file, output;
     std::vector<int> size;
     double zoom = 1;
     std::vector<double> center;
     std::optional<double> snap;
-    bool equalize = false, nearest = false, json = false;
+    bool equalize = false, nearest = false, json = false, force = false;
     std::string surround = "000000", overlayColor = "FF0000", overlayPolarity = "frame";
     std::vector<std::string> overlays;
     SubjectOptions subject{BI_AllBands};
@@ -153,12 +156,17 @@ std::string TextOf(const Json& m) {
     return SubjectText(m) + TextLine("grey levels", range("displayRange")) +
            TextLine("shown", "columns " + range("columns") + ", rows " + range("rows")) +
            TextLine("scale", Rounded(NumberAt(m, "viewPixelsPerPixel.x"), 4) + " view pixels for a pixel") +
-           TextLine("written", m["output"].get<std::string>()) + WarningsText(m);
+           TextLine("written", OutputName(m)) + WarningsText(m);
 }
 
 int Render(const Options& options, const Subcommand& command) {
     if (options.size[0] < 1 || options.size[1] < 1 || options.size[0] > 32767 || options.size[1] > 32767)
         throw UsageError("--size: width and height from 1 to 32767");
+    if (options.output != "-" && Extension(options.output) != ".png")
+        throw UsageError("-o " + options.output + ": a view is written as PNG, so its name must end with .png");
+    if (options.output == "-" && options.json)
+        throw UsageError("standard output holds the view, so --json has no place");
+    CheckOutput(options.output, {options.file}, options.force);
     ParseColor(options.surround);
     const uint32_t color = ParseColor(options.overlayColor);
     const PolarityType polarity = ParsePolarity(options.overlayPolarity);
@@ -167,8 +175,8 @@ int Render(const Options& options, const Subcommand& command) {
     SubjectSettings settings;
     options.subject.Complete(settings);
 
-    Json document = {{"file", options.file}};
-    const Subject subject(LoadImage(options.file), settings, document);
+    Json document = {{"file", ShownNames({options.file})[0]}};
+    const Subject subject(options.load.Load(options.file), settings, document);
     View view = Rendered(options, subject);
     for (RegionShape& shape : overlays) {
         shape.polarity = polarity;
@@ -178,13 +186,9 @@ int Render(const Options& options, const Subcommand& command) {
     document["output"] = options.output;
     SavePng(ToPicture(view), document["micronsPerViewPixel"], Path(options.output));
     if (options.json) {
-        if (!document.contains("warnings")) document["warnings"] = Json::array();
-        Json all = command.Envelope();
-        all["images"].push_back(std::move(document));
-        all["warnings"] = Json::array();
-        std::cout << Print(all);
+        PrintOne(command, std::move(document), true);
     } else {
-        std::cout << TextOf(document);
+        (options.output == "-" ? std::cerr : std::cout) << TextOf(document);
     }
     return kDone;
 }
@@ -194,8 +198,10 @@ int Render(const Options& options, const Subcommand& command) {
 Command AddRender(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kFooter);
-    command.Add("IMAGE", options->file, "PNG, BMP, PGM or PPM file").Required();
-    command.Add("-o,--output", options->output, "PNG file to write").Required();
+    command.Add("IMAGE", options->file, "PNG, BMP, PGM or PPM file; - is standard input").Required();
+    options->load.Add(command);
+    command.Add("-o,--output", options->output, "PNG file to write; - is standard output").Required().Named("FILE");
+    command.AddFlag("--force", options->force, "Replace the image itself");
     command.Add("--size", options->size, "Of the view, in pixels").Pair("W H").Required();
     command.Add("--zoom", options->zoom, "Zoom factor (default 1: the whole image)").Named("F");
     command.Add("--center", options->center, "Pixel in the middle (default: the image's)").Pair("X Y");
@@ -203,10 +209,10 @@ Command AddRender(CLI::App& program) {
         .Named("TRIM");
     command.AddFlag("--equalize", options->equalize, "Spread them so that all are about equally frequent");
     command.AddFlag("--nearest", options->nearest, "Show single pixels instead of averages and transitions");
-    command.Add("--surround", options->surround, "Colour beside the image, RRGGBB (default black)");
+    command.Add("--surround", options->surround, "Colour beside the image, RRGGBB (default black)").Named("COLOUR");
     command.Add("--overlay-roi", options->overlays, "Region to draw, as for --roi; may be repeated").Repeated("SHAPE");
-    command.Add("--overlay-polarity", options->overlayPolarity, "inside, outside or frame (default)");
-    command.Add("--overlay-color", options->overlayColor, "RRGGBB (default red)");
+    command.Add("--overlay-polarity", options->overlayPolarity, "inside, outside or frame (default)").Named("SIDE");
+    command.Add("--overlay-color", options->overlayColor, "RRGGBB (default red)").Named("COLOUR");
     options->subject.AddRegion(command);
     options->subject.AddBand(command, "Band to show, from 0 (default: three or more bands in colour, else the first)");
     options->subject.AddPixelSize(command);

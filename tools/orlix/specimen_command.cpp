@@ -1,6 +1,8 @@
 // orlix specimen
+#include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "image_file.hpp"
 #include "specimen_image.hpp"
 #include "subcommand.hpp"
 
@@ -31,9 +33,18 @@ struct Options {
     std::string out, background = "tilted";
     samples::SpecimenSettings settings;
     double pixelSize = 0;
+    bool force = false, json = false;
 };
 
-int WriteSpecimen(Options& options) {
+int WriteSpecimen(Options& options, const Subcommand& command) {
+    CheckOutput(options.out, {}, options.force);
+    std::filesystem::path truth;
+    if (options.out != "-") truth = Path(options.out).replace_extension(".json");
+    if (!options.force && std::filesystem::exists(truth) && !IsSigned(truth))
+        throw UsageError("the truth would replace " + Utf8(truth) +
+                         ", which is not the truth of a specimen; name another image, or give --force");
+    if (options.out == "-" && options.json) throw UsageError("standard output holds the image, so --json has no place");
+
     using samples::Background;
     options.settings.background = options.background == "flat"     ? Background::Flat
                                   : options.background == "tilted" ? Background::Tilted
@@ -47,9 +58,16 @@ int WriteSpecimen(Options& options) {
     const auto image = ImageOf(specimen);
     const auto file = Cast<IImageFile>(image);
     if (options.pixelSize != 0) Check(file->PutMicronsPerPixel(options.pixelSize, options.pixelSize), file);
-    Check(file->SaveToFile(Text(options.out), IFF_ByExtension), file);
-    std::filesystem::path truth = Path(options.out);
-    WriteFile(truth.replace_extension(".json"), Print(TruthOf(specimen)));
+    SaveImage(image, options.out, IFF_ByExtension);
+    Json document = {{"output", options.out}};
+    if (!truth.empty()) {
+        Json text = {{"tool", "orlix"}};  // by which a later run knows that it may replace the file
+        text.update(TruthOf(specimen));
+        WriteFile(truth, Print(text));
+        document["truth"] = Utf8(truth);
+    }
+    WarnOfLosses(image, options.out, document);
+    PrintOne(command, std::move(document), options.json);
     return kDone;
 }
 
@@ -59,7 +77,8 @@ Command AddSpecimen(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     auto& s = options->settings;
     Subcommand command(program, "specimen", "Make a synthetic specimen with known truth", kFooter);
-    command.Add("OUT", options->out, "Image to write: .png or .pgm").Required();
+    command.Add("OUT", options->out, "Image to write: .png or .pgm, or - for PNG on standard output, without its truth")
+        .Required();
     const auto add = [&](const char* name, auto& value, const char* description) {
         command.Add(name, value, description).ShowDefault();
     };
@@ -80,8 +99,12 @@ Command AddSpecimen(CLI::App& program) {
     add("--scratches", s.scratches, "Number of scratches");
     add("--pits", s.pits, "Number of pits");
     add("--noise", s.noise, "Standard deviation in grey levels");
-    command.Add("--pixel-size", options->pixelSize, "Microns per pixel to write into the file").Positive();
-    return [options] { return WriteSpecimen(*options); };
+    command.Add("--pixel-size", options->pixelSize, "Microns per pixel to write into the file")
+        .Positive()
+        .Named("MICRONS");
+    command.AddFlag("--force", options->force, "Replace an OUT.json of other origin");
+    command.AddFlag("--json", options->json, "Names and warnings as JSON");
+    return [options, command] { return WriteSpecimen(*options, command); };
 }
 
 }  // namespace tool

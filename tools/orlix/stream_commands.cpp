@@ -1,12 +1,12 @@
 // orlix save and orlix load
+#include "batch.hpp"
 #include "commands.hpp"
 #include "console.hpp"
+#include "image_file.hpp"
 #include "subcommand.hpp"
-#include "subject.hpp"
 
 #include <orlix/client.hpp>
 
-#include <algorithm>
 #include <memory>
 
 namespace tool {
@@ -32,31 +32,50 @@ Example:
 
 struct Files {
     std::string in, out;
+    bool force = false, json = false;
+    LoadOptions load;
+
+    void Refuse() const {
+        CheckOutput(out, {in}, force);
+        if (out == "-" && json) throw UsageError("standard output holds the result, so --json has no place");
+    }
+    Json Document() const { return {{"file", ShownNames({in})[0]}, {"output", out}}; }
 };
 
 void SaveStream(const ComPtr<IImageVPAExPlus>& image, const std::string& file) {
     const auto persist = Cast<IPersistStreamInitEx>(image);
-    Check(persist->Save(CreateFileStream(file).get(), TRUE), persist);
+    WriteThrough(file,
+                 [&](const std::string& path) { Check(persist->Save(CreateFileStream(path).get(), TRUE), persist); });
 }
 
-int Save(const Files& files) {
-    SaveStream(LoadImage(files.in), files.out);
+int Save(const Files& files, const Subcommand& command) {
+    files.Refuse();
+    SaveStream(files.load.Load(files.in), files.out);
+    PrintOne(command, files.Document(), files.json);
     return kDone;
 }
 
-int Load(const Files& files) {
-    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+int Load(const Files& files, const Subcommand& command) {
+    files.Refuse();
+    const auto image = files.load.NewImage();
     const auto persist = Cast<IPersistStreamInitEx>(image);
-    Check(persist->Load(OpenFileStream(files.in).get()), persist);
-    std::string extension = files.out.substr(std::min(files.out.rfind('.'), files.out.size()));
-    for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    if (extension != ".png" && extension != ".pgm" && extension != ".ppm") {
+    ReadThrough(files.in, [&](const std::string& path) { Check(persist->Load(OpenFileStream(path).get()), persist); });
+    Json document = files.Document();
+    const std::string extension = Extension(files.out);
+    if (files.out == "-" || extension == ".png" || extension == ".pgm" || extension == ".ppm") {
+        SaveImage(image, files.out, IFF_ByExtension);
+        WarnOfLosses(image, files.out, document);
+    } else {
         SaveStream(image, files.out);
-        return kDone;
     }
-    const auto file = Cast<IImageFile>(image);
-    Check(file->SaveToFile(Text(files.out), IFF_ByExtension), file);
+    PrintOne(command, std::move(document), files.json);
     return kDone;
+}
+
+void AddOptions(Subcommand& command, Files& files) {
+    files.load.Add(command);
+    command.AddFlag("--force", files.force, "Replace the input itself");
+    command.AddFlag("--json", files.json, "Warnings as JSON");
 }
 
 }  // namespace
@@ -64,17 +83,19 @@ int Load(const Files& files) {
 Command AddSave(CLI::App& program) {
     const auto files = std::make_shared<Files>();
     Subcommand command(program, "save", "Save an image as a stream, with its settings", kSaveFooter);
-    command.Add("IMAGE", files->in, "PNG, BMP, PGM or PPM file").Required();
-    command.Add("OUT", files->out, "File to write").Required();
-    return [files] { return Save(*files); };
+    command.Add("IMAGE", files->in, "PNG, BMP, PGM or PPM file, or - for standard input").Required();
+    command.Add("OUT", files->out, "File to write, or - for standard output").Required();
+    AddOptions(command, *files);
+    return [files, command] { return Save(*files, command); };
 }
 
 Command AddLoad(CLI::App& program) {
     const auto files = std::make_shared<Files>();
     Subcommand command(program, "load", "Make an image file of a stream", kLoadFooter);
-    command.Add("STREAM", files->in, "Stream of an image").Required();
-    command.Add("OUT", files->out, "File to write").Required();
-    return [files] { return Load(*files); };
+    command.Add("STREAM", files->in, "Stream of an image, or - for standard input").Required();
+    command.Add("OUT", files->out, "File to write, or - for standard output").Required();
+    AddOptions(command, *files);
+    return [files, command] { return Load(*files, command); };
 }
 
 }  // namespace tool

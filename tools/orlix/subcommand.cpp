@@ -1,9 +1,12 @@
 #include "subcommand.hpp"
 
+#include "synopsis.hpp"
+
 #include <CLI/CLI.hpp>
 
 #include <orlix/orlix.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 
@@ -23,6 +26,21 @@ std::string Key(const CLI::Option& option) {
         capital = c == '-';
     }
     return key;
+}
+
+// Of a value, in the help.
+const char* TypeName(const std::string&) { return "TEXT"; }
+const char* TypeName(double) { return "NUMBER"; }
+const char* TypeName(int) { return "N"; }
+const char* TypeName(long) { return "N"; }
+const char* TypeName(uint64_t) { return "N"; }
+template <class T>
+const char* TypeName(const std::optional<T>&) {
+    return TypeName(T());
+}
+template <class T>
+const char* TypeName(const std::vector<T>&) {
+    return TypeName(T());
 }
 
 Json ValueOf(const std::string& value) { return value.empty() ? Json(nullptr) : Json(value); }
@@ -48,7 +66,15 @@ const Parameter& Parameter::Required() const {
 }
 
 const Parameter& Parameter::OneOf(const std::vector<std::string>& names) const {
-    option_->check(CLI::IsMember(names));
+    std::string list;
+    for (const std::string& name : names) list += (list.empty() ? "" : ",") + name;
+    option_->check(CLI::Validator(
+        [names, list](const std::string& value) -> std::string {
+            if (std::find(names.begin(), names.end(), value) != names.end()) return {};
+            const std::string nearest = Nearest(value, names);
+            return value + " is not one of " + list + (nearest.empty() ? "" : "; did you mean " + nearest + "?");
+        },
+        "{" + list + "}"));
     return *this;
 }
 
@@ -123,6 +149,7 @@ Parameter Subcommand::Add(const char* name, T& variable, const std::string& desc
     CLI::Option* const option = command_->add_option(name, variable, description);
     if (!option->get_positional())
         values_.push_back([key = Key(*option), &variable](Json& options) { options[key] = ValueOf(variable); });
+    option->type_name(TypeName(variable));
     return Parameter(*option);
 }
 

@@ -14,8 +14,10 @@ namespace tool {
 using namespace orlix;
 
 void SubjectOptions::AddRegion(Subcommand& command) {
-    command.Add("--roi", region_, "Region: rect:L,T,R,B | oriented:W,H,ANGLE,XC,YC | circle:XC,YC,R");
-    command.Add("--roi-polarity", polarity_, "inside, outside or frame of the region").ShowDefault("inside");
+    command.Add("--roi", region_, "Region: rect:L,T,R,B | oriented:W,H,ANGLE,XC,YC | circle:XC,YC,R").Named("SHAPE");
+    command.Add("--roi-polarity", polarity_, "inside, outside or frame of the region")
+        .ShowDefault("inside")
+        .Named("SIDE");
 }
 
 void SubjectOptions::AddBand(Subcommand& command, const char* description) {
@@ -23,7 +25,7 @@ void SubjectOptions::AddBand(Subcommand& command, const char* description) {
 }
 
 void SubjectOptions::AddPixelSize(Subcommand& command) {
-    command.Add("--pixel-size", pixelSize_, "Microns per pixel, instead of what the file says");
+    command.Add("--pixel-size", pixelSize_, "Microns per pixel, instead of what the file says").Named("MICRONS");
 }
 
 void SubjectOptions::Complete(SubjectSettings& settings) const {
@@ -87,12 +89,6 @@ Json Subject::Area(int64_t pixelCount) const {
     return square > 0 ? Json(static_cast<double>(pixelCount) * square) : Json(nullptr);
 }
 
-ComPtr<IImageVPAExPlus> LoadImage(const std::string& file) {
-    auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
-    Check(image->CreateFromFile(Text(file)), image);
-    return image;
-}
-
 const char* TypeName(LONG dataType) {
     switch (dataType) {
         case DT_BYTE:
@@ -108,6 +104,8 @@ const char* TypeName(LONG dataType) {
     }
 }
 
+std::string TypePhrase(LONG type) { return std::string(type == DT_BYTE ? "an " : "a ") + TypeName(type) + " image"; }
+
 double TypeMinimum(LONG type) { return type == DT_Float ? -std::numeric_limits<double>::infinity() : 0; }
 double TypeMaximum(LONG type) {
     return type == DT_Float ? std::numeric_limits<double>::infinity() : std::ldexp(1.0, static_cast<int>(type)) - 1;
@@ -115,8 +113,8 @@ double TypeMaximum(LONG type) {
 
 void PutLuminance(const Subject& subject, double lower, double upper) {
     if (lower < TypeMinimum(subject.type) || upper > TypeMaximum(subject.type))
-        throw std::runtime_error("the luminance range does not lie within the grey levels of a " +
-                                 std::string(TypeName(subject.type)) + " image");
+        throw std::runtime_error("the luminance range does not lie within the grey levels of " +
+                                 TypePhrase(subject.type));
     const auto process = Cast<IImageProcess>(subject.image);
     Check(process->PutLuminanceRange(lower, upper), process);
 }
@@ -131,6 +129,11 @@ std::string Padded(const std::string& text, size_t width, bool right) {
 
 std::string TextLine(const std::string& name, const std::string& text) {
     return "  " + Padded(name, 12, false) + text + "\n";
+}
+
+std::string OutputName(const Json& m) {
+    const std::string name = m["output"];
+    return name == "-" ? "standard output" : name;
 }
 
 std::string SubjectText(const Json& m) {

@@ -53,9 +53,8 @@ struct Subject {
     double PixelSize() const { return xMicrons == yMicrons ? xMicrons : 0; }  // microns; 0: not known or not square
 };
 
-orlix::ComPtr<IImageVPAExPlus> LoadImage(const std::string& file);
-
-const char* TypeName(LONG dataType);  // "8-bit", "16-bit", ...
+const char* TypeName(LONG dataType);    // "8-bit", "16-bit", ...
+std::string TypePhrase(LONG dataType);  // "an 8-bit image", "a 16-bit image", ...
 // Of the pixel type; those of float are infinite.
 double TypeMinimum(LONG type);
 double TypeMaximum(LONG type);
@@ -66,6 +65,7 @@ void PutLuminance(const Subject& subject, double lower, double upper);
 // Text for a terminal.
 std::string Padded(const std::string& text, size_t width, bool right = true);  // counted in characters
 std::string TextLine(const std::string& name, const std::string& text);        // of the block about one image
+std::string OutputName(const Json& document);                                  // of its member "output"
 std::string SubjectText(const Json& document);                                 // file, image and region
 
 }  // namespace tool
