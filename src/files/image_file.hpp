@@ -18,8 +18,9 @@
 // signature to the end chunk); bytes behind the end of any format are ignored. Readers allocate no more than a few rows,
 // and never more than the file's size can account for. Memory of the sink is touched row by row as rows have been decoded.
 //
-// Size. A file of some kilobytes can hold an image of gigabytes, and be right. What is beyond a limit of samples is refused
-// before a pixel is decoded; a palette, which makes one band or three of its pixels, before the sink hears of the image.
+// Size. A file of some kilobytes can hold an image of gigabytes, and be right. What is beyond a limit of samples is
+// refused before a pixel is decoded; where the pixels decide that a palette makes three bands, before the sink hears of
+// the image.
 #pragma once
 
 #include <orlix/orlix.h>

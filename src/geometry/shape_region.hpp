@@ -29,7 +29,7 @@ struct Box {
 // Before that, and when memory runs out, nothing changes. Arguments that are not numbers give a shape without pixels.
 class ShapeRegion {
 public:
-    // What a disk or an oriented rectangle may cover: 128 MB. Failure beyond: "...: the shape covers more than 16777216 rows."
+    // What a disk or an oriented rectangle may cover, in 128 MB. Beyond: "...: the shape covers more than 16777216 rows."
     static constexpr int64_t kMostRows = int64_t{1} << 24;
 
     // Columns left..right of the rows top..bottom, clipped to the image. Beside the image: reversed runs.

@@ -23,9 +23,9 @@ struct ScaledPair {
     int exponent = 0;
 };
 
-// The sum of a.x b.y - b.x a.y over the edges (a, b) of the closed outline, twice its area; positive where it runs clockwise.
-// Formed without rounding; value has 100 bits of it, and value.high is the double nearest to it, or in rare cases its neighbour.
-// For finite points.
+// The sum of a.x b.y - b.x a.y over the edges (a, b) of the closed outline: twice its area, positive where it runs
+// clockwise. Formed without rounding; value has 100 bits of it, and value.high is the double nearest to it, or in rare
+// cases its neighbour. For finite points.
 ScaledPair TwiceSignedArea(std::span<const Point> outline);
 
 // The root of dx^2 + dy^2: the double nearest to it, or in rare cases its neighbour. Infinite beyond the largest double and for
