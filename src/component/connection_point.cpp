@@ -19,12 +19,14 @@ IConnectionPoint* Counted(const ComPtr<IConnectionPoint>& point) {
     point->AddRef();
     return point.get();
 }
-CONNECTDATA Counted(const std::pair<DWORD, ComPtr<IUnknown>>& connection) {
-    connection.second->AddRef();
-    return {connection.second.get(), connection.first};
+CONNECTDATA Counted(const std::shared_ptr<const ConnectionPoint::Connection>& connection) {
+    connection->sink->AddRef();
+    return {connection->sink.get(), connection->cookie};
 }
 
-// Elements as they were when it was made. Interface is IEnumConnectionPoints or IEnumConnections.
+// Elements as they were when it was made. Interface is IEnumConnectionPoints or IEnumConnections. Clients may call back, and let
+// go of the enumerator, when a reference to them is taken, and call it from the last release of what it held: it is at its end
+// then.
 template <class Interface, class Out, class Element>
 class Enumerator final : public Interface {
 public:
@@ -42,13 +44,19 @@ public:
     STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
     STDMETHODIMP_(ULONG) Release() noexcept override {
         const ULONG left = --references_;
-        if (left == 0) delete this;
+        if (left == 0) {
+            references_ = 1;  // clients take references and give them back meanwhile
+            next_ = 0;
+            std::exchange(elements_, {}).clear();
+            delete this;
+        }
         return left;
     }
 
     STDMETHODIMP Next(ULONG count, Out* out, ULONG* fetched) noexcept override {
         if (fetched) *fetched = 0;
         if (!out || (!fetched && count > 1)) return E_POINTER;
+        const ComPtr<Interface> alive(this);
         ULONG given = 0;
         for (; given < count && next_ < elements_.size(); ++given) out[given] = Counted(elements_[next_++]);
         if (fetched) *fetched = given;
@@ -86,8 +94,7 @@ private:
 
 void ConnectionPoint::Close() noexcept {
     closed_ = true;
-    const std::vector<Connection> gone = std::move(connections_);
-    connections_.clear();
+    const Connections gone = std::exchange(connections_, {});
 }
 
 HRESULT ConnectionPoint::EnumPoints(IEnumConnectionPoints** points) noexcept {
@@ -139,7 +146,7 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
     ComPtr<IUnknown> source;
     if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source || closed_) return CONNECT_E_CANNOTCONNECT;
     try {
-        connections_.push_back({lastCookie_ + 1, std::move(source)});
+        connections_.push_back(std::make_shared<const Connection>(Connection{lastCookie_ + 1, std::move(source)}));
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     }
@@ -149,11 +156,11 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
 
 STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) noexcept {
     const auto found = std::find_if(connections_.begin(), connections_.end(),
-                                    [&](const Connection& connection) { return connection.cookie == cookie; });
+                                    [&](const auto& connection) { return connection->cookie == cookie; });
     if (found == connections_.end()) return CONNECT_E_NOCONNECTION;
     // Let go when the list is in order again: the client's release may call back.
     const ComPtr<IConnectionPoint> alive(this);
-    const Connection gone = std::move(*found);
+    const auto gone = std::move(*found);
     connections_.erase(found);
     return S_OK;
 }
@@ -162,10 +169,7 @@ STDMETHODIMP ConnectionPoint::EnumConnections(IEnumConnections** connections) no
     if (!connections) return E_POINTER;
     *connections = nullptr;
     try {
-        using Element = std::pair<DWORD, ComPtr<IUnknown>>;
-        std::vector<Element> elements;
-        for (const Connection& connection : connections_) elements.emplace_back(connection.cookie, connection.sink);
-        *connections = new Enumerator<IEnumConnections, CONNECTDATA, Element>(std::move(elements));
+        *connections = new Enumerator<IEnumConnections, CONNECTDATA, Connections::value_type>(connections_);
         return S_OK;
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;

@@ -3,6 +3,7 @@
 
 #include <orlix/orlix.h>
 
+#include <memory>
 #include <vector>
 
 #include <orlix/com_ptr.hpp>
@@ -24,8 +25,8 @@ public:
     // Calls tell(interface of each connected client).
     template <class Source, class Tell>
     void Raise(Tell&& tell) const {
-        const std::vector<Connection> connections = connections_;
-        for (const Connection& connection : connections) tell(static_cast<Source*>(connection.sink.get()));
+        const Connections connections = connections_;
+        for (const auto& connection : connections) tell(static_cast<Source*>(connection->sink.get()));
     }
 
     // For the end of the container: disconnects all, and refuses connections from now on.
@@ -44,16 +45,19 @@ public:
     STDMETHODIMP Unadvise(DWORD cookie) noexcept override;
     STDMETHODIMP EnumConnections(IEnumConnections** connections) noexcept override;
 
-private:
     struct Connection {
         DWORD cookie;
         ComPtr<IUnknown> sink;  // the source interface
     };
+
+private:
+    // Shared: the list is copied without calling a client, who could change it meanwhile.
+    using Connections = std::vector<std::shared_ptr<const Connection>>;
     IConnectionPointContainer& container_;
     IID source_;
     DWORD lastCookie_ = 0;
     bool closed_ = false;
-    std::vector<Connection> connections_;
+    Connections connections_;
 };
 
 }  // namespace orlix

@@ -62,7 +62,8 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
     void* base = nullptr;
     VPAEntry* table = nullptr;
     Demand(image_->VPA(band, &base, &table));
-    if (!base || !table || band < 0 || band >= bands_) throw FailedResult(E_FAIL);
+    if (!base || !table || reinterpret_cast<uintptr_t>(table) % alignof(VPAEntry) != 0) throw FailedResult(E_FAIL);
+    if (band < 0 || band >= bands_) throw FailedResult(E_FAIL);
     if (access_ && access_->Accessible() != S_OK) throw FailedResult(E_FAIL);
     LONG bands = 0;
     LONG width = 0;

@@ -33,7 +33,8 @@ struct BandRange {
 BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
-//  (1) calls that fail, sizes below 1, null pointers, an image without pixels and one with a refused buffer are E_FAIL;
+//  (1) calls that fail, sizes below 1, null and misaligned pointers, an image without pixels and one with a refused buffer are
+//      E_FAIL;
 //  (2) size and type are asked for again after the pointers were handed out, and if they have changed it is E_FAIL;
 //  (3) pixels are read in the type that the caller has found in type();
 //  (4) the image is kept alive, and it may call back into anything each time that it is asked: whoever writes somewhere
@@ -58,6 +59,7 @@ public:
         std::vector<PixelView<const Pixel>> views;
         for (int32_t i = 0; i < bands.count(); ++i) {
             const Address address = Locate(bands.first + i);
+            if (reinterpret_cast<uintptr_t>(address.base) % alignof(Pixel) != 0) throw FailedResult(E_FAIL);
             views.emplace_back(static_cast<const Pixel*>(address.base), address.table, width_, height_);
         }
         return views;

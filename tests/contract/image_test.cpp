@@ -390,7 +390,7 @@ TEST(ForeignImages, AreReadThroughTheirTable) {
 }
 
 TEST(ForeignImages, ThatLieOrFailLeaveTheImageAsItWas) {
-    uint8_t pixels[16] = {};
+    alignas(4) uint8_t pixels[64] = {};
     const auto image = ImageOf<uint8_t>(2, {1, 2});
     const auto process = Cast<IImageProcess>(image);
     struct Case {
@@ -404,6 +404,8 @@ TEST(ForeignImages, ThatLieOrFailLeaveTheImageAsItWas) {
         {"no pixels", [](ForeignImage& f) { f.vpaResult = S_FALSE, f.base = nullptr; }},
         {"null base", [](ForeignImage& f) { f.base = nullptr; }},
         {"null table", [](ForeignImage& f) { f.nullTable = true; }},
+        {"a base where no pixel is",
+         [](ForeignImage& f) { f.type = DT_WORD, f.base = static_cast<uint8_t*>(f.base) + 1; }},
         {"zero width", [](ForeignImage& f) { f.width = 0; }},
         {"negative height", [](ForeignImage& f) { f.height = kMinimum; }},
         {"no bands", [](ForeignImage& f) { f.bands = 0; }},

@@ -447,7 +447,11 @@ public:
         AddRef();
         return S_OK;
     }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references; }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override {
+        ++references;
+        if (onAddRef) std::exchange(onAddRef, nullptr)();
+        return references;
+    }
     STDMETHODIMP_(ULONG) Release() noexcept override {  // lives on the test's stack
         if (--references == 0 && onLast_) onLast_();
         return references;
@@ -458,6 +462,7 @@ public:
     }
     ULONG references = 0;
     int calls = 0;
+    std::function<void()> onAddRef;  // once
 
 private:
     std::function<void()> onLast_;
@@ -567,6 +572,43 @@ TEST(PictureEvents, AConnectionKeepsItsClientAndThePointItsObject) {
 }
 
 #ifndef _WIN32
+TEST(PictureEvents, ClientsCallBackWhenTheirReferencesAreTakenOrGivenBack) {
+    IConnectionPoint* point = nullptr;
+    IEnumConnections* connections = nullptr;
+    CONNECTDATA data = {};
+    ULONG fetched = 0;
+    Sink others, kept([&] {  // of an enumerator that is dying: it is at its end
+        EXPECT_EQ(S_FALSE, connections->Next(1, &data, &fetched));
+        connections->AddRef();
+        connections->Release();
+    });
+    Sink last([&] {  // of an image that is dying: nobody connects any more
+        DWORD cookie = 0;
+        EXPECT_EQ(CONNECT_E_CANNOTCONNECT, point->Advise(&others, &cookie));
+    });
+    {
+        const Picture picture = Small();
+        const auto held = PointOf(picture);
+        point = held.get();
+        DWORD cookies[2] = {}, cookie = 0;
+        ASSERT_EQ(S_OK, point->Advise(&kept, &cookies[0]));
+        ASSERT_EQ(S_OK, point->Advise(&last, &cookies[1]));
+        kept.onAddRef = [&] {
+            for (int i = 0; i < 100; ++i) EXPECT_EQ(S_OK, point->Advise(&others, &cookie));
+        };
+        ASSERT_EQ(S_OK, point->EnumConnections(&connections));
+        ASSERT_EQ(S_OK, connections->Next(1, &data, &fetched));
+        EXPECT_EQ(&kept, data.pUnk);
+        EXPECT_EQ(100u, others.references);
+        data.pUnk->Release();
+        EXPECT_EQ(S_OK, point->Unadvise(cookies[0]));
+        EXPECT_EQ(0u, connections->Release());
+        EXPECT_EQ(0u, kept.references);
+    }
+    EXPECT_EQ(0u, last.references);
+    EXPECT_EQ(0u, others.references);
+}
+
 TEST(Picture, HasNoDeviceContextsOffWindows) {
     const Picture picture = Small();
     int handle = 0;
