@@ -118,40 +118,35 @@ void SingularValueDecomposition::Solve(std::span<const double> b, std::span<doub
     }
 }
 
-void SolveRefined(std::span<const DoublePair> matrix, std::span<const DoublePair> b, Road road,
-                  std::span<DoublePair> x) {
+void SolveRefined(std::span<const DoublePair> matrix, std::span<const DoublePair> b, std::span<DoublePair> x) {
     constexpr double kWellConditioned = 1e11;
     constexpr int kMostSteps = 30;  // each gains at least a decimal digit of some 30
-    const size_t rows = b.size(), columns = x.size();
+    const size_t size = x.size();
     std::array<double, kMostUnknowns * kMostUnknowns> entries;
-    for (size_t i = 0; i < rows * columns; ++i) entries[i] = static_cast<double>(matrix[i]);
-    const std::span<const double> rounded(entries.data(), rows * columns);
+    for (size_t i = 0; i < size * size; ++i) entries[i] = static_cast<double>(matrix[i]);
+    const std::span<const double> rounded(entries.data(), size * size);
 
-    std::optional<LuDecomposition> lu;
+    const LuDecomposition lu(rounded, size);
     std::optional<SingularValueDecomposition> singular;
-    if (road == Road::Either) {
-        lu.emplace(rounded, columns);
-        if (!(Norm(rounded) * lu->NormOfInverse() < kWellConditioned)) lu.reset();
-    }
-    if (!lu) singular.emplace(rounded, rows, columns);
+    if (!(Norm(rounded) * lu.NormOfInverse() < kWellConditioned)) singular.emplace(rounded, size, size);
 
     for (DoublePair& value : x) value = 0.0;
     double last = 0;
     for (int step = 0; step < kMostSteps; ++step) {
         std::array<double, kMostUnknowns> rest, change;
-        for (size_t i = 0; i < rows; ++i) {
+        for (size_t i = 0; i < size; ++i) {
             DoublePair sum = b[i];
-            for (size_t j = 0; j < columns; ++j) sum += -(matrix[i * columns + j] * x[j]);
+            for (size_t j = 0; j < size; ++j) sum += -(matrix[i * size + j] * x[j]);
             rest[i] = static_cast<double>(sum);
         }
-        if (lu)
-            lu->Solve(rest, change);
-        else
+        if (singular)
             singular->Solve(rest, change);
-        const double length = Norm({change.data(), columns});
+        else
+            lu.Solve(rest, change);
+        const double length = Norm({change.data(), size});
         if (!(length > 0) || (step > 0 && !(length < 0.5 * last))) break;
         last = length;
-        for (size_t i = 0; i < columns; ++i) x[i] += DoublePair(change[i]);
+        for (size_t i = 0; i < size; ++i) x[i] += DoublePair(change[i]);
     }
 }
 

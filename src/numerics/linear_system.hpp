@@ -14,8 +14,8 @@ inline constexpr double kSingularValueCut = 1e-12;  // of the largest
 
 // Entry (row, column) of a matrix of `columns` columns is matrix[row * columns + column] throughout.
 
-// P A = L U of a square matrix, with partial pivoting: the largest entry of the column, the first of equal ones. A pivot that
-// is exactly zero is replaced by 1e-20, so that nothing is divided by zero.
+// P A = L U of a square matrix, with partial pivoting: the largest entry of the column, the first of equal ones. A
+// pivot that is exactly zero is replaced by 1e-20, so that nothing is divided by zero.
 class LuDecomposition {
 public:
     explicit LuDecomposition(std::span<const double> matrix, size_t size);
@@ -23,7 +23,8 @@ public:
     // A x = b by forward and back substitution. x and b may be the same.
     void Solve(std::span<const double> b, std::span<double> x) const;
 
-    // The Frobenius norm of the inverse, which is at least 1 / (smallest singular value) and at most sqrt(size) times as much.
+    // The Frobenius norm of the inverse, which is at least 1 / (smallest singular value) and at most sqrt(size) times
+    // as much.
     double NormOfInverse() const;
 
 private:
@@ -38,8 +39,8 @@ class SingularValueDecomposition {
 public:
     SingularValueDecomposition(std::span<const double> matrix, size_t rows, size_t columns);
 
-    // Of all x for which |A x - b| is least the shortest one. Singular values up to kSingularValueCut of the largest count
-    // as zero. b has an entry for each row, x one for each column; they must not overlap.
+    // Of all x for which |A x - b| is least the shortest one. Singular values up to kSingularValueCut of the largest
+    // count as zero. b has an entry for each row, x one for each column; they must not overlap.
     void Solve(std::span<const double> b, std::span<double> x) const;
 
     // In the order of the columns, not sorted.
@@ -54,20 +55,13 @@ private:
     std::array<double, kMostUnknowns> values_ = {};
 };
 
-enum class Road {
-    Either,         // LU; where the matrix is singular or nearly so (see below), as SingularValues
-    SingularValues  // the shortest solution of the least squares problem
-};
-
-// A x = b, a row of A for each entry of b and a column for each of x, with entries of more digits than a double: the
-// decomposition of the rounded matrix gives a first solution, which is refined with residuals in DoublePair until it stands still
-// (iterative refinement, J. H. Wilkinson, 1963). Data that a solution of few digits explains give that solution exactly.
-// Road::Either is for square A.
+// A x = b of a square matrix with entries of more digits than a double: the decomposition of the rounded matrix gives a
+// first solution, which is refined with residuals in DoublePair until it stands still (iterative refinement, J. H.
+// Wilkinson, 1963). Data that a solution of few digits explains give that solution exactly.
 //
-// Road::Either takes LU as long as |A| |A^-1| < 1e11 (Frobenius norms). Those are upper bounds of singular values and of
-// their inverses, so no singular value that the cut at 1e-12 would drop goes unnoticed; beyond the bound the singular values
-// themselves decide, and if none is dropped both roads have the same solution.
-void SolveRefined(std::span<const DoublePair> matrix, std::span<const DoublePair> b, Road road,
-                  std::span<DoublePair> x);
+// LU as long as |A| |A^-1| < 1e11 (Frobenius norms). Those are upper bounds of singular values and of their inverses,
+// so no singular value that the cut at 1e-12 would drop goes unnoticed; beyond the bound the singular values themselves
+// decide (the shortest solution of the least squares problem), and if none is dropped both have the same solution.
+void SolveRefined(std::span<const DoublePair> matrix, std::span<const DoublePair> b, std::span<DoublePair> x);
 
 }  // namespace orlix

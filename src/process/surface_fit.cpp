@@ -173,6 +173,13 @@ private:
     Block between_[2];  // whole cells of the first and the second run of rows
 };
 
+bool HasFewerPixels(const RegionRows& rows, const PixelBounds& bounds, size_t than) {
+    size_t pixels = 0;
+    for (int32_t y = bounds.top; y <= bounds.bottom && pixels < than; ++y)
+        for (const Run run : rows.row(y)) pixels += static_cast<size_t>(run.length());
+    return pixels < than;
+}
+
 template <class T>
 auto ChooseMoments(int degree) {
     if constexpr (std::is_same_v<T, float>)
@@ -211,7 +218,7 @@ bool NormalEquations::finite() const {
     return std::all_of(right_.begin(), right_.end(), [](const DoublePair& sum) { return std::isfinite(sum.high); });
 }
 
-SurfacePolynomial NormalEquations::Solve(double origin) const {
+SurfacePolynomial NormalEquations::Solve(double origin) {
     const size_t unknowns = NumberOfMonomials(degree_);
     std::array<DoublePair, kMostUnknowns * kMostUnknowns> matrix;
     for (int q = 0; q <= degree_; ++q)
@@ -219,14 +226,12 @@ SurfacePolynomial NormalEquations::Solve(double origin) const {
             for (int s = 0; s <= degree_; ++s)
                 for (int r = 0; r + s <= degree_; ++r)
                     matrix[MonomialIndex(p, q) * unknowns + MonomialIndex(r, s)] = matrix_[MonomialIndex(p + r, q + s)];
-    const double count = static_cast<double>(matrix_[0]);
+    // The grey values as they are: which of the surfaces that fit equally well is the shortest depends on where 0 is.
+    for (size_t i = 0; i < unknowns; ++i) right_[i] += matrix_[i] * origin;
     std::array<DoublePair, kMostUnknowns> solution;
-    SolveRefined({matrix.data(), unknowns * unknowns}, {right_.data(), unknowns},
-                 count < static_cast<double>(unknowns) ? Road::SingularValues : Road::Either,
-                 {solution.data(), unknowns});
-    solution[0] += DoublePair(origin);
+    SolveRefined({matrix.data(), unknowns * unknowns}, {right_.data(), unknowns}, {solution.data(), unknowns});
     SurfacePolynomial surface = frame_.InPixels(degree_, solution);
-    surface.average = static_cast<double>(DoublePair(origin) + right_[0] / count);
+    surface.average = static_cast<double>(right_[0] / static_cast<double>(matrix_[0]));
     return surface;
 }
 
@@ -237,10 +242,16 @@ SurfaceFitter<T>::SurfaceFitter(int degree, const RegionRows& rows, const PixelB
       bounds_(bounds),
       top_(bounds.top),
       tiles_(kFloat ? 1 : static_cast<size_t>(bounds.right - bounds.left) / kMostOfMoments<T> + 1),
+      few_(HasFewerPixels(rows, bounds, NumberOfMonomials(degree))),
       equations_(degree, rows, bounds) {}
 
 template <class T>
 void SurfaceFitter<T>::operator()(const T* pixels, size_t n, int32_t x, int32_t y) {
+    if (few_) {
+        for (size_t i = 0; i < n; ++i)
+            points_.push_back({x + static_cast<int32_t>(i), y, static_cast<double>(pixels[i])});
+        return;
+    }
     if (y - top_ >= kRowsOfTile) {
         Flush();
         top_ = y;
@@ -307,6 +318,12 @@ void SurfaceFitter<T>::Flush() {
 
 template <class T>
 bool SurfaceFitter<T>::Finish(SurfacePolynomial& surface) {
+    if (few_) {
+        if (!std::all_of(points_.begin(), points_.end(), [](const SurfacePoint& p) { return std::isfinite(p.z); }))
+            return false;
+        surface = ShortestPolynomial(degree_, points_);
+        return true;
+    }
     Flush();
     if (!equations_.finite()) return false;
     surface = equations_.Solve(origin_);

@@ -20,14 +20,13 @@ struct PixelBounds {
 };
 PixelBounds BoundsOf(const RegionRows& rows);
 
-// The normal equations of a fit. In exact arithmetic their solution is that of the equations in x and y; they are formed and
-// solved in the frame's u and v, sums and solution with some 100 bits, so that what is returned is as good as coefficients that
-// are doubles can be, wherever the region lies and however large it is.
+// The normal equations of a fit. In exact arithmetic their solution is that of the equations in x and y; they are
+// formed and solved in the frame's u and v, sums and solution with some 100 bits, so that what is returned is as good
+// as coefficients that are doubles can be, wherever the region lies and however large it is.
 //
-//  (1) At least as many pixels as monomials: LU decomposition, with fewer the singular values.
-//  (2) Pixels that do not determine the surface (a single row, a line, few columns: whatever leaves a singular value of the
-//      matrix in u and v at 1e-12 of the largest or below) take the singular values too. Of the surfaces that fit best they
-//      give the one whose coefficients in u and v have the least sum of squares.
+// Pixels that do not determine the surface (a single row, a line, few columns: whatever leaves a singular value of the
+// matrix in u and v at 1e-12 of the largest or below): of the surfaces that fit best, the one whose coefficients in u
+// and v have the least sum of squares.
 class NormalEquations {
 public:
     // Takes the coordinates of the pixels of rows, which lie in bounds, not empty.
@@ -35,15 +34,15 @@ public:
 
     const SurfaceFrame& frame() const { return frame_; }
 
-    // Sums of grey value times i^p j^q, moments[q][p], p + q <= degree, over pixels at u = uScale i + u, v = vScale j + v. The
-    // scales are powers of two.
+    // Sums of grey value times i^p j^q, moments[q][p], p + q <= degree, over pixels at u = uScale i + u, v = vScale j +
+    // v. The scales are powers of two.
     void AddMoments(DoublePair (&moments)[4][4], double uScale, double u, double vScale, double v);
 
     // Whether every grey value was.
     bool finite() const;
 
     // The grey values gathered are those less the origin.
-    SurfacePolynomial Solve(double origin) const;
+    SurfacePolynomial Solve(double origin);
 
 private:
     int degree_;
@@ -54,8 +53,10 @@ private:
 
 // Gathers the pixels of a region, run by run in the order of the rows. T is uint8_t, uint16_t, uint32_t or float.
 //
-// Integer pixels: sums over tiles of 64 rows by some hundred columns or more are exact integers. Float pixels: sums of a run in
-// doubles, eight lanes, of the difference from the first pixel when that is finite, so that a common offset costs nothing.
+// Fewer pixels than monomials are kept, and give the ShortestPolynomial. For all others the normal equations:
+// Integer pixels: sums over tiles of 64 rows by some hundred columns or more are exact integers. Float pixels: sums of
+// a run in doubles, eight lanes, of the difference from the first pixel when that is finite, so that a common offset
+// costs nothing.
 template <class T>
 class SurfaceFitter {
 public:
@@ -87,6 +88,8 @@ private:
     std::vector<Tile> tiles_;  // side by side; float: one
     bool started_ = false;     // float: whether there is an origin
     double origin_ = 0;
+    bool few_;                          // fewer pixels than monomials
+    std::vector<SurfacePoint> points_;  // those
     NormalEquations equations_;
 };
 

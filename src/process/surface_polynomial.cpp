@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
+
+#include "numerics/shortest_solution.hpp"
 
 namespace orlix {
 namespace {
@@ -52,11 +55,10 @@ SurfacePolynomial SurfaceFrame::InPixels(int degree, std::span<const DoublePair>
 
 SurfacePolynomial PolynomialThrough(int degree, const SurfaceFrame& frame, std::span<const SurfacePoint> points) {
     const size_t unknowns = NumberOfMonomials(degree);
-    const size_t rows = points.size();
     std::array<DoublePair, kMostUnknowns * kMostUnknowns> matrix;
     std::array<DoublePair, kMostUnknowns> z, solution;
     DoublePair sum;
-    for (size_t i = 0; i < rows; ++i) {
+    for (size_t i = 0; i < unknowns; ++i) {
         const double u = frame.u(points[i].x), v = frame.v(points[i].y);
         DoublePair uPower = 1.0;
         for (int p = 0; p <= degree; ++p, uPower *= u) {
@@ -66,10 +68,30 @@ SurfacePolynomial PolynomialThrough(int degree, const SurfaceFrame& frame, std::
         z[i] = points[i].z;
         sum += z[i];
     }
-    SolveRefined({matrix.data(), rows * unknowns}, {z.data(), rows},
-                 rows == unknowns ? Road::Either : Road::SingularValues, {solution.data(), unknowns});
+    SolveRefined({matrix.data(), unknowns * unknowns}, {z.data(), unknowns}, {solution.data(), unknowns});
     SurfacePolynomial polynomial = frame.InPixels(degree, solution);
-    polynomial.average = static_cast<double>(sum / static_cast<double>(rows));
+    polynomial.average = static_cast<double>(sum / static_cast<double>(unknowns));
+    return polynomial;
+}
+
+SurfacePolynomial ShortestPolynomial(int degree, std::span<const SurfacePoint> points) {
+    const size_t unknowns = NumberOfMonomials(degree);
+    std::vector<Integer> matrix(points.size() * unknowns);
+    std::vector<double> z;
+    DoublePair sum;
+    for (size_t i = 0; i < points.size(); ++i) {
+        Integer xPower = 1;
+        for (int p = 0; p <= degree; ++p, xPower = xPower * points[i].x) {
+            Integer power = xPower;
+            for (int q = 0; p + q <= degree; ++q, power = power * points[i].y)
+                matrix[i * unknowns + MonomialIndex(p, q)] = power;
+        }
+        z.push_back(points[i].z);
+        sum += DoublePair(points[i].z);
+    }
+    SurfacePolynomial polynomial;
+    SolveShortest(matrix, z, {polynomial.k.data(), unknowns});
+    polynomial.average = static_cast<double>(sum / static_cast<double>(points.size()));
     return polynomial;
 }
 

@@ -187,7 +187,8 @@ void FillWithNoise(Image<T>& image, uint32_t seed, double scale) {
     image.Fill([&](LONG, LONG) { return scale * static_cast<double>(random() >> 8) * 0x1p-24; });
 }
 
-// ------------------------------------------------------------------------------------------------------------------- fits
+// -------------------------------------------------------------------------------------------------------------------
+// fits
 
 template <class T>
 class SurfaceFit : public ::testing::Test {};
@@ -286,20 +287,41 @@ TYPED_TEST(SurfaceFit, OfOneRowHasNoSlopeAcrossIt) {
     EXPECT_EQ(25, image.Fitted(1).k[0]);
 }
 
-TYPED_TEST(SurfaceFit, OfTwoPixelsPassesThroughThemWithTheLeastSlope) {
+// Fewer pixels than coefficients: the least coefficients in x and y as they are.
+TYPED_TEST(SurfaceFit, OfFewPixelsPassesThroughThemWithTheLeastCoefficients) {
     Image<TypeParam> image(20, 20);
-    image.Fill([](LONG x, LONG) { return 10 * x; });
+    image.Fill([](LONG x, LONG y) { return x == 3 && y == 0 ? 12 : x == 2 && y == 1 ? 200 : 10 * x; });
     image.Rectangle(7, 3, 8, 3);
     const Surface plane = image.Fitted(1);
-    // In u = 2x - 15: half the sum and half the difference.
-    EXPECT_NEAR(10, plane.k[2], 1e-13);
-    EXPECT_NEAR(0, plane.k[0], 1e-12);
+    EXPECT_EQ(10, plane.k[2]);
     EXPECT_EQ(0, plane.k[1]);
+    EXPECT_EQ(0, plane.k[0]);
     EXPECT_EQ(75, plane.average);
+    auto diagonal = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+    Check(diagonal->CreateOrientedRectangleFromCenterLine(20, 20, 3, 0, 2, 1, 0.5), diagonal);
+    image.SetRegion(diagonal);
+    ASSERT_EQ(2u, image.Region().size());
+    const Surface steep = image.Fitted(1);
+    EXPECT_DOUBLE_EQ(-152.0 / 11, steep.k[2]);
+    EXPECT_DOUBLE_EQ(1916.0 / 11, steep.k[1]);
+    EXPECT_DOUBLE_EQ(588.0 / 11, steep.k[0]);
     image.Rectangle(4, 4, 4, 4);
     const Surface one = image.Fitted(3);
-    EXPECT_EQ(40, one.k[0]);
-    for (size_t i = 1; i < 10; ++i) EXPECT_EQ(0, one.k[i]) << i;
+    const double square = 1 + 2 * 16 + 3 * 256 + 4 * 4096;
+    for (size_t i = 0; i < 10; ++i)
+        EXPECT_DOUBLE_EQ(40 * (i == 0 ? 1 : i < 3 ? 4 : i < 6 ? 16 : 64) / square, one.k[i]) << i;
+}
+
+// Two rows hold no second degree in y: which of the surfaces through them is the shortest depends on where the height 0
+// is, not on the type of the pixels.
+TYPED_TEST(SurfaceFit, OfUndeterminedSurfacesIsThatOfBytes) {
+    const auto fill = [](LONG x, LONG y) { return 7 * x + 3 * y + 20; };
+    Image<TypeParam> image(6, 2);
+    Image<uint8_t> bytes(6, 2);
+    image.Fill(fill);
+    bytes.Fill(fill);
+    for (const int degree : {1, 2, 3}) EXPECT_EQ(bytes.Fitted(degree).k, image.Fitted(degree).k) << degree;
+    EXPECT_NEAR(-75, image.Fitted(2).k[1], 30);
 }
 
 TYPED_TEST(SurfaceFit, OfNoPixelsAnswersFalseAndLeavesTheRecord) {
@@ -356,10 +378,11 @@ TEST(SurfaceFitOfBytes, OfALargeCircleIsRightAcrossTiles) {
     EXPECT_NEAR(sum / n - plane.k[2] * mean[0] - plane.k[1] * mean[1], plane.k[0], 1e-10);
 }
 
-// ------------------------------------------------------------------------------------------------------------ large images
+// ------------------------------------------------------------------------------------------------------------ large
+// images
 
-// A cubic of range 2000 sampled as floats over 4096 x 4096 pixels: what rounding the samples to float (2e-8 of the range, at
-// random) does to the coefficients is far below what is allowed here.
+// A cubic of range 2000 sampled as floats over 4096 x 4096 pixels: what rounding the samples to float (2e-8 of the
+// range, at random) does to the coefficients is far below what is allowed here.
 TEST(LargeFit, RecoversACubicToABillionthOfItsRange) {
     constexpr LONG kSize = 4096;
     Image<float> image(kSize, kSize);
@@ -375,7 +398,8 @@ TEST(LargeFit, RecoversACubicToABillionthOfItsRange) {
     EXPECT_LE(most, 1e-9 * 2000);
 }
 
-// The same with samples that are exact: a cubic with whole values in 32 bits. Every coefficient comes back to the last bit.
+// The same with samples that are exact: a cubic with whole values in 32 bits. Every coefficient comes back to the last
+// bit.
 TEST(LargeFit, RecoversAWholeCubicExactly) {
     constexpr LONG kSize = 1024;
     Image<uint32_t> image(kSize, kSize);
@@ -397,7 +421,8 @@ TEST(LargeFit, RecoversAWholeCubicExactly) {
     EXPECT_EQ(static_cast<double>(image.at(300, 700)), fit.At(300, 700));
 }
 
-// -------------------------------------------------------------------------------------------------------------- float data
+// -------------------------------------------------------------------------------------------------------------- float
+// data
 
 TEST(FloatFit, RefusesPixelsThatAreNoNumbers) {
     for (const float bad : {std::nanf(""), HUGE_VALF, -HUGE_VALF})
@@ -427,7 +452,8 @@ TEST(FloatFit, OfExtremeValuesIsFinite) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------- corrections
+// -------------------------------------------------------------------------------------------------------------
+// corrections
 
 TYPED_TEST(SurfaceFit, CorrectionFollowsItsFormulaInTheRegionOnly) {
     Image<TypeParam> image(70, 40);

@@ -7,6 +7,8 @@
 #include <random>
 #include <vector>
 
+#include "numerics/shortest_solution.hpp"
+
 namespace orlix {
 namespace {
 
@@ -102,18 +104,55 @@ TEST(Refinement, SolvesAnIllConditionedSystemExactly) {
             matrix[i * kSize + j] = DoublePair(1.0) / static_cast<double>(i + j + 1);
             b[i] += matrix[i * kSize + j] * static_cast<double>(j + 1);
         }
-    for (const Road road : {Road::Either, Road::SingularValues}) {
-        SolveRefined(matrix, b, road, x);
-        for (size_t j = 0; j < kSize; ++j) EXPECT_EQ(static_cast<double>(j + 1), static_cast<double>(x[j])) << j;
-    }
+    SolveRefined(matrix, b, x);
+    for (size_t j = 0; j < kSize; ++j) EXPECT_EQ(static_cast<double>(j + 1), static_cast<double>(x[j])) << j;
 }
 
 TEST(Refinement, TakesTheSingularValuesWhereTheMatrixIsSingular) {
     const std::vector<DoublePair> matrix = {1.0, 2.0, 2.0, 4.0}, b = {1.0, 2.0};
     std::vector<DoublePair> x(2);
-    SolveRefined(matrix, b, Road::Either, x);
+    SolveRefined(matrix, b, x);
     EXPECT_DOUBLE_EQ(0.2, static_cast<double>(x[0]));
     EXPECT_DOUBLE_EQ(0.4, static_cast<double>(x[1]));
+}
+
+// ----------------------------------------------------------------------------------------------- without any rounding
+
+TEST(Integers, AreExactOfAnySize) {
+    Integer factorial = 1, power = 1;
+    for (int i = 1; i <= 60; ++i) {
+        factorial = factorial * Integer(-i);
+        power = power * Integer(int64_t{1} << 40);
+    }
+    Integer back = factorial;
+    for (int i = 60; i > 1; --i) back = back.DividedExactly(-i);
+    EXPECT_TRUE((back + Integer(1)).IsZero());  // 60 signs and the 1 that was left
+    EXPECT_TRUE(((factorial - power) - (factorial - power)).IsZero());
+    EXPECT_TRUE((factorial * power).DividedExactly(power * power - power * (power - factorial)).IsZero() == false);
+    int exponent = 0;
+    const DoublePair pair = ((power + 1) * (power - 1)).ToPair(exponent);  // 2^4800 - 1
+    EXPECT_EQ(0x1p32, pair.high);
+    EXPECT_EQ(4800 - 32, exponent);
+    EXPECT_TRUE((Integer::Scaled(-0.375, -3) + Integer(3)).IsZero());
+    EXPECT_TRUE((Integer::Scaled(0x1p200, 100) - Integer::Scaled(0x1p100, 0)).IsZero());
+}
+
+TEST(ShortestSolution, OfSystemsWorkedOutByHand) {
+    const auto solve = [](const std::vector<Integer>& matrix, const Numbers& b) {
+        Numbers x(matrix.size() / b.size());
+        SolveShortest(matrix, b, x);
+        return x;
+    };
+    EXPECT_EQ((Numbers{1, 1}), solve({1, 1}, {2}));
+    EXPECT_EQ((Numbers{0.2, 0.4}), solve({1, 2, 2, 4}, {1, 2}));  // the same twice
+    EXPECT_EQ((Numbers{1.5}), solve({1, 1}, {1, 2}));             // a mean
+    EXPECT_EQ((Numbers{0, 0}), solve({0, 0, 0, 0}, {1, 2}));      // nothing
+    EXPECT_EQ((Numbers{0, 0}), solve({3, 4}, {0}));
+    // Two equations that differ in the 62nd bit.
+    const int64_t large = int64_t{1} << 62;
+    EXPECT_EQ((Numbers{-0x1p-126 - 0x1p-128, 1.25}),
+              solve({large, 0, large, 1}, {-0x1p-64 - 0x1p-66, 1.25 - 0x1p-64 - 0x1p-66}));
+    EXPECT_EQ((Numbers{1e-300, 3e38}), solve({1, 0, 0, 1}, {1e-300, 3e38}));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -56,6 +57,61 @@ TEST(PolynomialThrough, DegeneratePointsGivesTheShortestSolution) {
     EXPECT_NEAR(5, thrice.k[0], 1e-14);
     EXPECT_EQ(0, thrice.k[1]);
     EXPECT_EQ(0, thrice.k[2]);
+}
+
+TEST(ShortestPolynomial, OfPixelsWorkedOutByHand) {
+    const SurfacePolynomial two = ShortestPolynomial(1, std::vector<SurfacePoint>{{3, 0, 12}, {2, 1, 200}});
+    EXPECT_DOUBLE_EQ(-152.0 / 11, two.k[2]);
+    EXPECT_DOUBLE_EQ(1916.0 / 11, two.k[1]);
+    EXPECT_DOUBLE_EQ(588.0 / 11, two.k[0]);
+    EXPECT_EQ(106, two.average);
+    // One pixel: its monomials, scaled.
+    for (const int32_t at : {4, 1000000, 2147483647})
+        for (const int degree : {1, 2, 3}) {
+            const SurfacePolynomial one = ShortestPolynomial(degree, std::vector<SurfacePoint>{{at, 3, 40.7}});
+            std::array<long double, 10> monomials = {};
+            long double square = 0;
+            for (int p = 0; p <= degree; ++p)
+                for (int q = 0; p + q <= degree; ++q) {
+                    const long double m = std::pow(static_cast<long double>(at), p) * std::pow(3.0L, q);
+                    monomials[MonomialIndex(p, q)] = m;
+                    square += m * m;
+                }
+            for (size_t i = 0; i < 10; ++i)
+                EXPECT_DOUBLE_EQ(static_cast<double>(monomials[i] * 40.7 / square), one.k[i]) << at << " " << degree;
+        }
+}
+
+// Pixels beside each other fix the slope along x; what is left of the heights is beta y + gamma.
+TEST(ShortestPolynomial, KeepsItsDigitsFarFromTheOrigin) {
+    for (const int32_t x : {0, 600, 1000000, 2147483646})
+        for (const int32_t y : {0, 5, 40000}) {
+            const SurfacePolynomial plane =
+                ShortestPolynomial(1, std::vector<SurfacePoint>{{x, y, 100}, {x + 1, y, 107.25}});
+            const long double rest = 100 - 7.25L * x, ySquare = 1 + static_cast<long double>(y) * y;
+            EXPECT_EQ(7.25, plane.k[2]);
+            EXPECT_DOUBLE_EQ(static_cast<double>(rest * y / ySquare), plane.k[1]) << x << " " << y;
+            EXPECT_DOUBLE_EQ(static_cast<double>(rest / ySquare), plane.k[0]) << x << " " << y;
+        }
+}
+
+// 3 x 3 pixels do not determine a cubic, and are yet too many for one: all but the part of z that goes like
+// (1, -2, 1) along x and y. Shortest means at right angles to (x - 5)(x - 6)(x - 7) and the same in y.
+TEST(ShortestPolynomial, OfASquareOfNineLeavesWhatACubicCannotHold) {
+    const double z[3][3] = {{1, 2, 3}, {4, 5, 9}, {7, 8, 20}}, pattern[3] = {1, -2, 1};
+    std::vector<SurfacePoint> points;
+    double share = 0;
+    for (int j = 0; j < 3; ++j)
+        for (int i = 0; i < 3; ++i) {
+            points.push_back({5 + i, 5 + j, z[j][i]});
+            share += pattern[j] * pattern[i] * z[j][i] / 36;
+        }
+    const auto k = ShortestPolynomial(3, points).k;
+    for (int j = 0; j < 3; ++j)
+        for (int i = 0; i < 3; ++i)
+            EXPECT_NEAR(z[j][i] - share * pattern[j] * pattern[i], At(k.data(), 5 + i, 5 + j), 1e-11);
+    EXPECT_NEAR(0, k[9] - 18 * k[5] + 107 * k[2] - 210 * k[0], 1e-10);
+    EXPECT_NEAR(0, k[6] - 18 * k[3] + 107 * k[1] - 210 * k[0], 1e-10);
 }
 
 TEST(SurfacePolynomial, KnowsWhetherItIsFinite) {
