@@ -1374,11 +1374,13 @@ __CRT_UUID_DECL(IImageProcess, 0x8421327c, 0xdc10, 0x459f, 0xb9,0x86, 0xf9,0xf9,
 // normal equations are solved with twice the digits of double: coefficients are rounded once, at the end, and whole
 // coefficients of exact data come back exactly. Float pixels: sums in double.
 //   A region without pixels: S_FALSE, and the record stays as it was.
-//   Pixels that do not determine the surface (fewer than it has coefficients, one row, a line): of the surfaces
-//   that fit best the one with the least sum of squared coefficients in u = (2x - left - right) / w, v = (2y - top
-//   - bottom) / h, where left..right, top..bottom are the columns and rows of the region and w, h the powers of two
-//   at or above right - left and bottom - top, at least 1. So the plane of one row has no slope in y. Singular
-//   values of the normal matrix in u and v count as zero at or below 1e-12 of the largest.
+//   Fewer pixels than coefficients: of the surfaces that fit best the one with the least sum of squared
+//   coefficients in x and y as they are, computed without rounding and rounded once.
+//   As many or more that do not determine the surface (one row, a line): of the surfaces that fit best the one with
+//   the least sum of squared coefficients in u = (2x - left - right) / w, v = (2y - top - bottom) / h, where
+//   left..right, top..bottom are the columns and rows of the region and w, h the powers of two at or above right -
+//   left and bottom - top, at least 1. So the plane of one row has no slope in y. Singular values of the normal
+//   matrix in u and v count as zero at or below 1e-12 of the largest.
 //   "IOrlixImageProcess::get_PlanarFit: multiband measurement is not supported."
 //   "IOrlixImageProcess::get_PlanarFit: not all pixels are finite." (float images)
 //   The same with get_BiquadraticFit and get_BicubicFit. After a failure the record is as it was.
@@ -1485,10 +1487,14 @@ MIDL_INTERFACE("d1babae8-ed51-4f06-ab58-27db44ec519a") IOrlixImageProcess : publ
     // (tan(m_dAlpha) (x - m_dXCenter) + tan(m_dBeta) (y - m_dYCenter)) / |m_dZScale|. m_dAlpha and m_dBeta, in
     // radians between -pi/2 and pi/2, are the angles by which the base rises along x and y, true angles where
     // |m_dZScale| is the true length of a grey level in pixels. (A rotation would not show: a sphere that is turned
-    // is the same.) Least sum of squares of f(x, y) - z by damped Gauss-Newton steps (Levenberg 1944, Marquardt
-    // 1963) from HemisphereFit; with noise that is normal and not too large it is unbiased. A tilt and a shift of
-    // the centre look alike on a flat cap, so there both are uncertain, though f is not. S_FALSE, and the record
-    // stays as it was, for fewer than seven pixels and where HemisphereFit finds none.
+    // is the same.) Least sum of squares of f(x, y) - z: the smallest that damped Gauss-Newton steps (Levenberg 1944,
+    // Marquardt 1963) reach from HemisphereFit, from a cap whose rim lies outside the region, and from the best of
+    // some whose rim lies in it. That is the least one for level and tilted caps in rectangles and circles, but
+    // where the rim touches the region's outermost pixels it can be another minimum: see docs/accuracy.md. A radius
+    // is told by the fourth order only: where noise hides that, radii are arbitrary and may be thousands of times
+    // the region's width, though f fits. A tilt and a shift of the centre look alike on a flat cap, so there both
+    // are uncertain, though f is not. S_FALSE, and the record stays as it was, for fewer than seven pixels and
+    // where the pixels determine no hemisphere: all on a plane, in one row, of two values only.
     //   "IOrlixImageProcess::get_AngledHemisphereFit: multiband measurement is not supported."
     //   "IOrlixImageProcess::get_AngledHemisphereFit: not all pixels are finite."
     virtual HRESULT STDMETHODCALLTYPE get_AngledHemisphereFit(SAngledHemisphereFit* Fit) = 0;

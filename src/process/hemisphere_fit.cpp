@@ -69,7 +69,7 @@ private:
 }  // namespace
 
 template <class Source>
-std::optional<Hemisphere> FitHemisphere(const Source& source, double average) {
+std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double average) {
     using T = typename Source::Pixel;
     if (source.count() < 5) return std::nullopt;
 
@@ -138,16 +138,26 @@ std::optional<Hemisphere> FitHemisphere(const Source& source, double average) {
     // The radius is stated with the square of zScale, which has lost the ratio when there is no side.
     if (side == 0) square -= ratio * hemisphere.zCenter * hemisphere.zCenter;
     hemisphere.radius = std::sqrt(square);
-    const double all =
-        hemisphere.xCenter + hemisphere.yCenter + hemisphere.zCenter + hemisphere.zScale + hemisphere.radius;
-    if (!std::isfinite(all)) return std::nullopt;
     return hemisphere;
 }
 
+template <class Source>
+std::optional<Hemisphere> FitHemisphere(const Source& source, double average) {
+    const std::optional<Hemisphere> fit = AlgebraicHemisphere(source, average);
+    if (!fit || !std::isfinite(fit->xCenter + fit->yCenter + fit->zCenter + fit->zScale + fit->radius))
+        return std::nullopt;
+    return fit;
+}
+
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint8_t>&, double);
+template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<uint8_t>&, double);
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint16_t>&, double);
+template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<uint16_t>&, double);
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint32_t>&, double);
+template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<uint32_t>&, double);
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<float>&, double);
+template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<float>&, double);
 template std::optional<Hemisphere> FitHemisphere(const PointRuns&, double);
+template std::optional<Hemisphere> AlgebraicHemisphere(const PointRuns&, double);
 
 }  // namespace orlix

@@ -119,8 +119,8 @@ std::optional<AveragedHemisphere> RobustHemisphere(const RegionPixels<T>& pixels
             double sum = 0;
             for (const SurfacePoint& point : points) sum += point.z;
             const double average = sum / static_cast<double>(points.size());
-            const PointRuns runs(points);
-            const auto hemisphere = angled ? FitAngledHemisphere(runs, average) : FitHemisphere(runs, average);
+            const auto hemisphere =
+                angled ? AngledHemisphereThrough(points, average) : FitHemisphere(PointRuns(points), average);
             if (!hemisphere) return std::nullopt;
             return HemisphereSurface(*hemisphere);
         });

@@ -211,8 +211,8 @@ TEST(RobustContract, RecordsHaveTheSameBitsEverywhere) {
            "bytes get_RobustHemisphereFit");
     ASSERT_EQ(S_OK, floats.process->get_RobustAngledHemisphereFit(0.8, &angled));
     expect(&angled.m_dAverage,
-           {0x4062185075075075, 0x40429baa2311679f, 0x403fabb00be8ba06, 0x40358dfd8ba02308, 0x3fdddb72cae62958,
-            0x40501b7f1f92405b, 0xbfa716ac15f7857e, 0x3f96d2a26dba7d93},
+           {0x4062185075075075, 0x40429ba9228acada, 0x403fabb021acd6e6, 0x40358e080de68d9c, 0x3fdddb73dfb3bb37,
+            0x40501b7e82c04730, 0xbfa7169b5503a154, 0x3f96d2a243d1656a},
            "floats get_RobustAngledHemisphereFit");
     ASSERT_EQ(S_OK, floats.process->get_HemisphereFit(&dome));
     expect(&dome.m_dAverage,
@@ -221,8 +221,8 @@ TEST(RobustContract, RecordsHaveTheSameBitsEverywhere) {
            "floats get_HemisphereFit");
     ASSERT_EQ(S_OK, bytes.process->get_AngledHemisphereFit(&angled));
     expect(&angled.m_dAverage,
-           {0x40607510d21dd36c, 0x404969d4c5ac1355, 0x4043b542ce965a01, 0x404a037e93efd16a, 0x3fe1ef1297f2b169,
-            0x404d8d598facc7a1, 0xbf465a6fbbc8c5fa, 0xbf89baf77c02dfc5},
+           {0x40607510d21dd36c, 0x404969728253738e, 0x40438cbfad6ff5f5, 0x404956b66a9ac67e, 0x3fe1c4b51aa77c76,
+            0x404dac2341735ef9, 0xbf438aed3cc02b14, 0xbf6d39e19e761aa9},
            "bytes get_AngledHemisphereFit");
 }
 

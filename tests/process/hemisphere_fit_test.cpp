@@ -183,6 +183,58 @@ TEST(AngledHemisphereFit, FindsTheBallOnItsTiltedBase) {
     EXPECT_LT(Error(truth, *fit), 2e-3);
 }
 
+double MeanSquare(const std::vector<SurfacePoint>& points, const Hemisphere& hemisphere) {
+    double squares = 0;
+    for (const auto& [x, y, z] : points) squares += std::pow(HeightOf(hemisphere, x, y) - z, 2);
+    return squares / static_cast<double>(points.size());
+}
+
+// Caps cut off by the edges of a rectangle, in whole grey levels. The least sum is no larger than that of the truth,
+// whichever side of the rim, and however shallow the cap. Off and tilted are parts of the half diagonal and of the
+// depth.
+TEST(AngledHemisphereFit, LeavesNoMoreThanTheTrueCap) {
+    struct Case {
+        int32_t width, height;
+        double radius, depth, noise, off, tilt;
+    };
+    std::vector<Case> cases;
+    for (const auto& [width, height] : {std::pair{100, 75}, {80, 80}, {110, 55}})
+        for (const double radius : {1.2, 1.5, 2.5, 5.0, 10.0}) {
+            cases.push_back({width, height, radius, 30, 1, 0, 0});
+            cases.push_back({width, height, radius, 30, 1, 0, 1});
+        }
+    for (const double depth : {3, 5, 8}) cases.push_back({200, 150, 2.5, depth, 0, 0, 0});
+    for (const double radius : {0.3, 0.5, 0.8})
+        for (const double off : {0.0, 0.3}) cases.push_back({60, 45, radius, 30, 1, off, 0.6});
+    uint32_t seed = 0;
+    for (const auto& [width, height, radius, depth, noise, off, tilt] : cases) {
+        NormalNoise deviate(++seed);
+        const double a = std::hypot(width, height) / 2, r = radius * a;
+        const double scale = (r - std::sqrt(std::max(0.0, r * r - a * a))) / depth;
+        const Hemisphere truth{
+            width / 2.0 + off * a, height / 2.0, 100 - r / scale, scale, r, std::atan(tilt * depth / a * scale), 0};
+        std::vector<SurfacePoint> points;
+        for (int32_t y = 0; y < height; ++y)
+            for (int32_t x = 0; x < width; ++x)
+                points.push_back({x, y, std::floor(HeightOf(truth, x, y) + noise * deviate() + 0.5)});
+        const auto fit = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+        ASSERT_TRUE(fit);
+        EXPECT_LE(MeanSquare(points, *fit), 1.0001 * MeanSquare(points, truth))
+            << width << "x" << height << ", radius " << radius << ", depth " << depth << ", off " << off << ", tilt "
+            << tilt;
+    }
+}
+
+// The untilted fit of it is nowhere near, or none.
+TEST(AngledHemisphereFit, RecoversAFlatCapOnASlope) {
+    const Hemisphere truth{100.3, 98.7, 20, 0.5, 1e4, 0.01, -0.05};
+    const std::vector<SurfacePoint> points = PointsOn(truth, 200, 200);
+    const auto fit = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+    ASSERT_TRUE(fit);
+    EXPECT_LT(MeanSquare(points, *fit), 1e-14);
+    EXPECT_LT(std::fabs(fit->radius / truth.radius - 1), 1e-3);
+}
+
 // The residuals are orthogonal to every derivative: no surface nearby fits better.
 TEST(AngledHemisphereFit, IsAMinimumOfTheSquaredResiduals) {
     NormalNoise noise(9);

@@ -129,7 +129,8 @@ std::optional<std::array<double, 10>> PlainHemisphere(const RegionPixels<T>& reg
                            for (const SurfacePoint& point : drawn) sum += point.z;
                            const double average = sum / static_cast<double>(drawn.size());
                            const PointRuns runs(drawn);
-                           const auto h = angled ? FitAngledHemisphere(runs, average) : FitHemisphere(runs, average);
+                           const auto h =
+                               angled ? AngledHemisphereThrough(drawn, average) : FitHemisphere(runs, average);
                            if (!h) return std::nullopt;
                            const HemisphereSurface surface(*h);
                            const auto values = [=](const SurfacePoint& at) {
