@@ -37,11 +37,11 @@ TEST_F(FlattenProgram, ReproducesThePublishedRoughnessOfAnInterferometersHeightM
     if (!folder) GTEST_SKIP() << "ORLIX_MICROGRAPHS does not name the folder of interferometer_height_16bit.png";
     const Json m = Flattened({std::string(folder) + "/interferometer_height_16bit.png", "--surface", "biquadratic",
                               "--z-scale", "2.6092529e-5", "--pixel-size", "1.0982520"});
-    EXPECT_NEAR(75.28822, 1000 * NumberAt(m, "before.rmsMicrons"), 5e-6);
+    EXPECT_NEAR(75.28822, 1000 * NumberAt(m, "before.SqMicrons"), 5e-6);
     // Rounding counts to levels moves each height by up to a third of a level, 0.009 nm, and the result by its square.
-    EXPECT_NEAR(3.911386, 1000 * NumberAt(m, "after.rmsMicrons"), 5e-6);
+    EXPECT_NEAR(3.911386, 1000 * NumberAt(m, "after.SqMicrons"), 5e-6);
     // Of the rounded heights, from normal equations in exact rational numbers; less than a millionth for the residuals in float.
-    EXPECT_NEAR(149.904305550907, NumberAt(m, "after.rms"), 1e-6);
+    EXPECT_NEAR(149.904305550907, NumberAt(m, "after.Sq"), 1e-6);
     EXPECT_NEAR(18188.648340381307, NumberAt(m, "surface.coefficients.K0"), 1e-8);
     EXPECT_NEAR(-0.015814030537371262, NumberAt(m, "surface.coefficients.K5"), 1e-14);
     EXPECT_EQ(1, m["clippedPixels"]);  // a pit 28 000 levels deep
@@ -55,20 +55,20 @@ TEST_F(FlattenProgram, FindsTheSpecimensBackgroundAndLeavesItsRounding) {
     EXPECT_NEAR(tilted.background[2], NumberAt(plane, "surface.coefficients.alpha"), 2e-5);
     EXPECT_NEAR(tilted.background[1], NumberAt(plane, "surface.coefficients.beta"), 2e-5);
     EXPECT_NEAR(tilted.background[0], NumberAt(plane, "surface.coefficients.gamma"), 1e-2);
-    EXPECT_NEAR(levels, NumberAt(plane, "after.rms"), 0.005);
-    EXPECT_LE(NumberAt(plane, "after.peakToValley"), 1.02);
-    EXPECT_DOUBLE_EQ(0.001 * NumberAt(plane, "after.rms"), NumberAt(plane, "after.rmsMicrons"));
-    EXPECT_DOUBLE_EQ(0.001 * NumberAt(plane, "before.peakToValley"), NumberAt(plane, "before.peakToValleyMicrons"));
+    EXPECT_NEAR(levels, NumberAt(plane, "after.Sq"), 0.005);
+    EXPECT_LE(NumberAt(plane, "after.Sz"), 1.02);
+    EXPECT_DOUBLE_EQ(0.001 * NumberAt(plane, "after.Sq"), NumberAt(plane, "after.SqMicrons"));
+    EXPECT_DOUBLE_EQ(0.001 * NumberAt(plane, "before.Sz"), NumberAt(plane, "before.SzMicrons"));
     // 0.001 microns a level and 0.5 a pixel: 2 microns a millimetre for a level a pixel.
     EXPECT_NEAR(2 * tilted.background[2], NumberAt(plane, "surface.slopeX"), 4e-5);
     EXPECT_NEAR(2 * tilted.background[1], NumberAt(plane, "surface.slopeY"), 4e-5);
 
     const samples::Specimen domed = Surface("domed.png", samples::Background::Domed);
-    EXPECT_GT(NumberAt(Flattened({At("domed.png"), "--surface", "plane"}), "after.rms"), 1000);
+    EXPECT_GT(NumberAt(Flattened({At("domed.png"), "--surface", "plane"}), "after.Sq"), 1000);
     for (const char* surface : {"biquadratic", "bicubic"}) {
         SCOPED_TRACE(surface);
         const Json m = Flattened({At("domed.png"), "--surface", surface});
-        EXPECT_NEAR(levels, NumberAt(m, "after.rms"), 0.005);
+        EXPECT_NEAR(levels, NumberAt(m, "after.Sq"), 0.005);
         EXPECT_NEAR(domed.background[3], NumberAt(m, "surface.coefficients.K3"), 1e-6);
         EXPECT_NEAR(domed.background[5], NumberAt(m, "surface.coefficients.K5"), 1e-6);
         EXPECT_EQ(nullptr, Member(m, "surface.slopeX"));
@@ -91,8 +91,8 @@ TEST_F(FlattenProgram, KnowsTheRadiusOfABallFromItsCap) {
         const Json m = Flattened({At("ball.pgm"), "--surface", surface, "--z-scale", "0.002", "--pixel-size", "0.5"});
         // The algebraic fit is biased, more the flatter the cap.
         EXPECT_NEAR(kRadius, NumberAt(m, "surface.apexRadius"), std::string(surface) == "hemisphere" ? 0.2 : 0.02);
-        EXPECT_NEAR(std::sqrt(1.0 / 12), NumberAt(m, "after.rms"), 0.02);
-        EXPECT_GT(NumberAt(m, "before.rms"), 300);
+        EXPECT_NEAR(std::sqrt(1.0 / 12), NumberAt(m, "after.Sq"), 0.02);
+        EXPECT_GT(NumberAt(m, "before.Sq"), 300);
     }
 }
 
@@ -104,7 +104,7 @@ TEST_F(FlattenProgram, TheFlattenedFileHoldsTheFiguresAndKeepsPixelsOutsideTheRe
     EXPECT_EQ("8-bit", inside["type"]);
     EXPECT_NEAR(0.5, inside["micronsPerPixel"]["x"], 1e-9);
     EXPECT_NEAR(NumberAt(m, "before.mean"), NumberAt(inside, "grey.mean"), 0.01);
-    EXPECT_NEAR(NumberAt(m, "after.rms"), NumberAt(inside, "grey.standardDeviation"), 0.01);
+    EXPECT_NEAR(NumberAt(m, "after.Sq"), NumberAt(inside, "grey.standardDeviation"), 0.01);
     EXPECT_NEAR(NumberAt(m, "after.minimum"), NumberAt(inside, "grey.minimum"), 0.5);
     EXPECT_NEAR(NumberAt(m, "after.maximum"), NumberAt(inside, "grey.maximum"), 0.5);
 
@@ -159,15 +159,75 @@ TEST_F(FlattenProgram, ReportIsSelfContainedAndABatchHasAnOverview) {
 TEST_F(FlattenProgram, FlatColouredAndTinyImagesAreFlattenedToo) {
     WriteFile(folder_ / "flat.pgm", "P2 3 2 255 7 7 7 7 7 7");
     const Json flat = Flattened({At("flat.pgm"), "--surface", "biquadratic", "--out", At("out")});
-    EXPECT_NEAR(0, NumberAt(flat, "after.rms"), 1e-9);
+    EXPECT_NEAR(0, NumberAt(flat, "after.Sq"), 1e-9);
     WriteFile(folder_ / "one.pgm", "P2 1 1 65535 300");
-    EXPECT_NEAR(0, NumberAt(Flattened({At("one.pgm"), "--surface", "plane", "--out", At("out")}), "after.rms"), 1e-9);
+    EXPECT_NEAR(0, NumberAt(Flattened({At("one.pgm"), "--surface", "plane", "--out", At("out")}), "after.Sq"), 1e-9);
     WriteFile(folder_ / "colour.ppm", "P3 4 1 255 0 10 0 0 20 0 0 30 0 0 40 9");
     const Json green = Flattened({At("colour.ppm"), "--surface", "plane", "--band", "1", "--out", At("out")});
     EXPECT_NEAR(10, NumberAt(green, "surface.coefficients.alpha"), 1e-9);
     const Json info = Json::parse(Orlix({"info", "--json", At("out/colour_flattened.png")}).out);
     EXPECT_EQ(1, info["images"][0]["bands"]);
     EXPECT_EQ(25, Measured({At("out/colour_flattened.png")})["images"][0]["grey"]["minimum"]);
+}
+
+// Heights of 1000 plus 0, 4 and -4 in turn: the mean of |z| is 8/3, of z^2 32/3, of z^4 512/3; and two pixels far off.
+TEST_F(FlattenProgram, RoughnessIsThatOfTheStandardsDefinitions) {
+    std::string pgm = "P2 60 40 65535";
+    for (int i = 0; i < 2400; ++i) {
+        constexpr int kTurn[] = {0, 4, -4, 4, -4, 0, -4, 0, 4};  // no slope in rows or columns
+        pgm.append(" ").append(std::to_string(1000 + kTurn[i / 60 % 3 * 3 + i % 3]));
+    }
+    WriteFile(folder_ / "pattern.pgm", pgm);
+    const Json before = Flattened({At("pattern.pgm"), "--surface", "plane", "--z-scale", "0.5"})["before"];
+    EXPECT_NEAR(8 / 3.0, NumberAt(before, "Sa"), 2e-3);  // 40 rows are not a whole number of turns
+    EXPECT_NEAR(std::sqrt(32 / 3.0), NumberAt(before, "Sq"), 1e-3);
+    EXPECT_NEAR(0, NumberAt(before, "Ssk"), 1e-2);
+    EXPECT_NEAR(512 / 3.0 / (32 / 3.0) / (32 / 3.0), NumberAt(before, "Sku"), 1e-3);
+    EXPECT_EQ(8, before["Sz"]);
+    EXPECT_EQ(4, before["SzMicrons"]);
+
+    pgm.replace(pgm.find(" 1004"), 5, " 60000");
+    pgm.replace(pgm.find(" 996"), 4, " 1");
+    WriteFile(folder_ / "pits.pgm", pgm);
+    const Json pits = Flattened({At("pits.pgm"), "--surface", "plane"})["before"];
+    EXPECT_EQ(59999, pits["Sz"]);
+    EXPECT_EQ(8, pits["trimmedSz"]);  // two pixels at either end are left out
+}
+
+// Rounding errors are all within the limit, outliers far outside: what is left is the fit of least squares without outliers.
+TEST_F(FlattenProgram, ARobustFitEndsWithLeastSquaresOverThePixelsOfTheSurface) {
+    std::string pgm = "P2 90 70 65535", mask = "P2 90 70 1";
+    for (int i = 0; i < 6300; ++i) {
+        const int x = i % 90, y = i / 90;
+        const bool outlier = (x * 7 + y * 13) % 5 == 0;
+        const double z = 20000 + 3.37 * x - 1.73 * y + 0.11 * x * y - 0.0031 * x * x * y;
+        pgm.append(" ").append(std::to_string(std::lround(z) + (outlier ? 5000 + 31 * (i % 17) : 0)));
+        mask.append(outlier ? " 0" : " 1");
+    }
+    WriteFile(folder_ / "o.pgm", pgm);
+    WriteFile(folder_ / "mask.pgm", mask);
+    const Json robust = Flattened({At("o.pgm"), "--surface", "bicubic", "--robust", "0.7"});
+    const Json wanted = Flattened({At("o.pgm"), "--surface", "bicubic", "--mask", At("mask.pgm")});
+    EXPECT_EQ(wanted["surface"]["coefficients"], robust["surface"]["coefficients"]);
+    EXPECT_EQ(wanted["region"]["pixels"], robust["surface"]["refit"]["pixels"]);
+    EXPECT_LT(NumberAt(robust, "surface.refit.within"), 3);
+    EXPECT_EQ(nullptr, wanted["surface"]["refit"]);
+}
+
+// A hemisphere through a saddle.
+TEST_F(FlattenProgram, ASurfaceThatMakesTheImageRougherIsDoubted) {
+    std::string pgm = "P2 60 60 255";
+    for (int i = 0; i < 3600; ++i) {
+        const int x = i % 60 - 30, y = i / 60 - 30;
+        pgm.append(" ").append(std::to_string(128 + (x * x - y * y) / 20 + (i * 7919 % 23)));
+    }
+    WriteFile(folder_ / "saddle.pgm", pgm);
+    const Json m = Flattened({At("saddle.pgm"), "--surface", "hemisphere"});
+    EXPECT_GT(NumberAt(m, "after.Sq"), NumberAt(m, "before.Sq"));
+    ASSERT_EQ(1u, m["warnings"].size()) << m["warnings"];
+    EXPECT_EQ("rougher", m["warnings"][0]["code"]);
+    EXPECT_EQ("rougher", Measured({At("saddle.pgm"), "--flatten", "hemisphere"})["images"][0]["warnings"][0]["code"]);
+    EXPECT_EQ(Json::array(), Flattened({At("saddle.pgm"), "--surface", "biquadratic"})["warnings"]);
 }
 
 TEST_F(FlattenProgram, TooFewPixelsAreRefusedWithTheReason) {
@@ -210,7 +270,7 @@ TEST_F(FlattenProgram, MeasuringATiltedSpecimenNeedsTheTiltRemovedFirst) {
     EXPECT_EQ(0.8, document["options"]["flattenRobust"]);
     const Json& flatten = document["images"][0]["flatten"];
     EXPECT_EQ("plane", flatten["surface"]["kind"]);
-    EXPECT_GT(flatten["before"]["rms"], flatten["after"]["rms"]);
+    EXPECT_GT(flatten["before"]["Sq"], flatten["after"]["Sq"]);
     EXPECT_THAT(ReadFile(folder_ / "out" / "report.html"), HasSubstr("plane, robust with 0.8"));
     EXPECT_EQ(nullptr, Measured({At("t.png")})["images"][0]["flatten"]);
 }

@@ -16,7 +16,7 @@ Json Measured(const std::vector<double>& thresholds, const std::vector<int>& cou
     m["type"] = "8-bit";
     m["histogram"] = {{"firstBin", 0.0}, {"binWidth", 1.0}, {"counts", counts}};
     m["luminance"] = {{"lower", 0}, {"upper", 255}};
-    m["phase"] = {{"method", "minimize-variance"}, {"lower", 0.0}, {"upper", 100.0}};
+    m["phase"] = {{"method", "minimize-variance"}, {"lower", 0.0}, {"upper", 100.0}, {"pixels", 7}};
     for (size_t i = 0; i + 2 < thresholds.size(); ++i)
         m["thresholds"].push_back({{"label", kLabels[i]}, {"chosen", i == 0}, {"threshold", thresholds[i]}});
     m["thresholds"].push_back({{"label", "Trim"},

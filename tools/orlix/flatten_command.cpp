@@ -29,10 +29,15 @@ namespace {
 constexpr char kFooter[] = R"(
 What is done
   A surface is fitted to the grey levels of the region by least squares and subtracted, and their mean
-  is added: it stays, except with --robust. The RMS (about the mean) and the peak to valley are taken
-  before and after, the latter in floating point: rounding to grey levels does not enter. With
-  --z-scale they are also given as heights, with a pixel size too the slopes of a plane and the radius
-  of a hemisphere.
+  is added: it stays, except with --robust. The roughness is taken before and after, the latter in
+  floating point: rounding to grey levels does not enter. With --z-scale it is also given as heights,
+  with a pixel size too the slopes of a plane and the radius of a hemisphere.
+
+Roughness (areal parameters as ISO 25178-2 defines them, of heights z from their mean, no filter)
+  Sa           mean of |z|
+  Sq           root of the mean z^2
+  Sz           from the lowest to the highest; trimmed: without the lowest and the highest 0.1 %
+  Ssk, Sku     mean z^3 by Sq^3 and mean z^4 by Sq^4: 0 and 3 of normally distributed heights
 
 Surfaces (x column, y row, z grey level)
   plane                alpha x + beta y + gamma
@@ -45,7 +50,8 @@ Robust fits
   --robust P takes P as the probability that a pixel belongs to the surface: the fit follows the
   better part P of the pixels, whatever the others are (particles, pits, dust). It draws pixels at
   random, always the same ones for the same image. It needs at least 3 (plane), 6, 10, 5 and 7
-  (angled-hemisphere) pixels.
+  (angled-hemisphere) pixels. As the surface goes through the noise of these few pixels, least
+  squares over all pixels within 2.5 deviations of it follow, until they stay the same.
 
 Output
   A table for people, or with --json one document {..., options, images: [...]} whatever the
@@ -81,17 +87,21 @@ std::vector<std::string> Columns(const Options& options) {
                                         "micronsPerPixel.y",
                                         "region.shape",
                                         "region.polarity",
+                                        "region.mask",
+                                        "region.pixelsLeftOut",
                                         "region.pixels",
                                         "zScale",
                                         "surface.kind",
                                         "surface.robust",
+                                        "surface.refit.pixels",
+                                        "surface.refit.within",
                                         "surface.average"};
     for (const auto& [name, value] : MakeSurface(options.surface)->Coefficients())
         columns.push_back("surface.coefficients." + std::string(name));
     for (const char* name : {"surface.slopeX", "surface.slopeY", "surface.apexRadius"}) columns.emplace_back(name);
     for (const std::string when : {"before.", "after."})
-        for (const char* name :
-             {"mean", "minimum", "maximum", "rms", "peakToValley", "rmsMicrons", "peakToValleyMicrons"})
+        for (const char* name : {"mean", "minimum", "maximum", "Sa", "Sq", "Sz", "trimmedSz", "Ssk", "Sku", "SaMicrons",
+                                 "SqMicrons", "SzMicrons", "trimmedSzMicrons"})
             columns.push_back(when + name);
     columns.emplace_back("clippedPixels");
     columns.emplace_back("warnings");
@@ -111,8 +121,18 @@ std::string TextOf(const Json& m) {
                                 " µm/mm along x and y");
     if (const double radius = NumberAt(m, "surface.apexRadius"); !std::isnan(radius))
         out += TextLine("", "radius of curvature at the apex " + Length(radius));
-    for (const char* when : {"before", "after"})
-        out += TextLine(when, "RMS " + Figure(m, when, "rms") + ", peak to valley " + Figure(m, when, "peakToValley"));
+    if (const double pixels = NumberAt(m, "surface.refit.pixels"); !std::isnan(pixels))
+        out += TextLine("", "least squares over the " + Plain(pixels) + " pixels within " +
+                                Digits(NumberAt(m, "surface.refit.within"), 5) + " grey levels");
+    for (const char* when : {"before", "after"}) {
+        const auto figure = [&](const char* name, const char* member) {
+            return std::string(name) + " " + Figure(m, when, member);
+        };
+        out += TextLine(when, figure("Sa", "Sa") + ", " + figure("Sq", "Sq"));
+        out += TextLine("", figure("Sz", "Sz") + ", trimmed " + Figure(m, when, "trimmedSz"));
+        out += TextLine("", "Ssk " + Digits(NumberAt(m, std::string(when) + ".Ssk"), 5) + ", Sku " +
+                                Digits(NumberAt(m, std::string(when) + ".Sku"), 5));
+    }
     return out + TextLine("clipped", Plain(NumberAt(m, "clippedPixels")) + " pixels of the flattened image") +
            WarningsText(m) + "\n";
 }
@@ -208,13 +228,12 @@ public:
         std::vector<float> after = flat.before;  // pixels outside the region stay as they were
         for (size_t i = 0; i < after.size(); ++i)
             after[i] = std::isnan(flat.residual[i]) ? static_cast<float>(after[i] - average) : flat.residual[i];
-        pictures.before =
-            DataUri(Reduced(Stretched(flat.before, flat.residual, subject, 0, pictures.beforeRange), kLargestInReport),
-                    temporary);
-        pictures.after =
-            DataUri(Reduced(Stretched(after, flat.residual, subject, average, pictures.afterRange), kLargestInReport),
-                    temporary);
-        const double most = NumberAt(document, "after.rms");
+        const double microns = NumberAt(document, "micronsPerPixel.x");
+        pictures.before = ReportPicture(Stretched(flat.before, flat.residual, subject, 0, pictures.beforeRange),
+                                        kLargestInReport, microns, temporary);
+        pictures.after = ReportPicture(Stretched(after, flat.residual, subject, average, pictures.afterRange),
+                                       kLargestInReport, microns, temporary);
+        const double most = NumberAt(document, "after.Sq");
         pictures.limit = ResidualLimit(flat.residual, HeightUnit(4 * most, zScale).scale);
         const auto beyond = std::count_if(flat.residual.begin(), flat.residual.end(),
                                           [&](double residual) { return std::fabs(residual) > pictures.limit; });
@@ -271,6 +290,7 @@ int FlattenAll(const Options& options, const Subcommand& command) {
                 subject = Subject(BandOf(subject.image, subject.band), alone, ignored);
             }
             const Flattening flat = Flatten(subject, settings);
+            for (const auto& [code, message] : flat.warnings) Warn(document, code, message);
             for (const auto& [member, value] : flat.document.items()) document[member] = value;
             if (results) NoteOutputError(document, [&] { results->Add(i, subject, flat, settings.zScale, document); });
             return document;
@@ -302,9 +322,11 @@ Command AddFlatten(CLI::App& program) {
     command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames()).Named("SURFACE");
     command.Add("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1").Named("P");
     options->subject.AddRegion(command);
+    options->subject.AddExclusions(command);
     command.Add("--z-scale", options->zScale, "Microns per grey level").Named("MICRONS");
     options->subject.AddPixelSize(command);
-    options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
+    options->subject.AddBand(
+        command, "Band of a colour image: 0 red (default), 1 green, 2 blue; grey 0.299 R + 0.587 G + 0.114 B", true);
     command.Add("--out", options->out, "Folder for the flattened image and the report").Named("DIR");
     command.AddFlag("--force", options->force, "Replace other files there that have the names of results");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");

@@ -41,14 +41,18 @@ std::string FiguresTable(const Json& image) {
                        (length ? Length(NumberAt(image, when + member + "Microns")) : std::string()) + "</td>";
         out += "</tr>\n";
     };
-    row("RMS about the mean", "rms", true);
-    row("Peak to valley", "peakToValley", true);
+    row("Sa, mean height from the mean", "Sa", true);
+    row("Sq, root mean square of it", "Sq", true);
+    row("Sz, lowest to highest", "Sz", true);
+    row("Sz without the outermost 0.1 %", "trimmedSz", true);
+    row("Ssk, skewness", "Ssk", false);
+    row("Sku, kurtosis", "Sku", false);
     row("Mean", "mean", false);
     row("Minimum", "minimum", false);
     row("Maximum", "maximum", false);
     return out +
-           "</table></div>\n<div class='sub' style='font-size:13px;margin-top:8px'>After: in floating point, before "
-           "rounding to grey levels.</div>\n";
+           "</table></div>\n<div class='sub' style='font-size:13px;margin-top:8px'>Areal parameters as ISO 25178-2 "
+           "defines them, with no filter. After: in floating point, before rounding to grey levels.</div>\n";
 }
 
 std::string Facts(const Json& image) {
@@ -56,6 +60,8 @@ std::string Facts(const Json& image) {
     std::string out = "<div class='two'><table>\n" + Row("Surface", SurfaceName(image));
     for (const auto& [name, coefficient] : Member(image, "surface.coefficients").items())
         out += Row(name, coefficient.is_null() ? "–" : Number(coefficient));
+    if (const double pixels = NumberAt(image, "surface.refit.pixels"); !std::isnan(pixels))
+        out += Row("Pixels of the final least squares", Grouped(Plain(pixels)));
     out += Row("Average grey level", Digits(NumberAt(image, "surface.average"), 9));
     if (const double slope = NumberAt(image, "surface.slopeX"); !std::isnan(slope)) {
         out += Row("Slope along x", Digits(slope, 6) + " µm/mm");
@@ -66,11 +72,11 @@ std::string Facts(const Json& image) {
     out += "</table><table>\n";
     out += Row("Size", value("width") + " × " + value("height") + " pixels");
     out += Row("Type", Escaped(Member(image, "type").get<std::string>()));
-    out += Row("Bands", value("bands") + (NumberAt(image, "bands") > 1 ? ", flattened: " + value("band") : ""));
+    out += Row("Bands", BandsText(image, "flattened"));
     out += Row("Calibration", Calibration(image));
     out += Row("Height of a grey level", image["zScale"].is_null() ? "not known" : Length(NumberAt(image, "zScale")));
     out += Row("Region", RegionText(image));
-    out += Row("Pixels of the region", Grouped(value("region.pixels")));
+    out += Row("Pixels of the region", PixelsText(image));
     out += Row("Clipped by the pixel type", Grouped(value("clippedPixels")) + " pixels");
     return out + "</table></div>\n<div class='sub' style='font-size:13px;margin-top:8px'>" +
            Escaped(Member(image, "surface.formula").get<std::string>()) +
@@ -91,11 +97,12 @@ std::string FlattenReport(const Json& image, const std::string& version, const F
                        " × " + Plain(NumberAt(image, "height")) + " pixels, " +
                        Escaped(image["type"].get<std::string>()) + ", " + Calibration(image) +
                        "</div></header>\n<div class='cards'>\n";
-    body += Card(Short(image, "after.rms"), "RMS after removing the " + kind + (kind.ends_with("c") ? " surface" : ""),
-                 true);
-    body += Card(Short(image, "before.rms"), "RMS before");
-    body += Card(Short(image, "after.peakToValley"), "peak to valley after");
-    body += Card(Short(image, "before.peakToValley"), "peak to valley before");
+    body +=
+        Card(Short(image, "after.Sq"), "Sq after removing the " + kind + (kind.ends_with("c") ? " surface" : ""), true);
+    body += Card(Short(image, "before.Sq"), "Sq before");
+    body += Card(Short(image, "after.Sa"), "Sa after");
+    body += Card(Short(image, "after.trimmedSz"), "Sz after, without the outermost 0.1 %");
+    body += Card(Short(image, "after.Sz"), "Sz after");
     body += Card(Grouped(Plain(NumberAt(image, "clippedPixels"))), "pixels clipped by the pixel type");
     body += "</div>\n" + WarningsSection(image);
 
@@ -114,7 +121,9 @@ std::string FlattenReport(const Json& image, const std::string& version, const F
         "<section><h2>Residual of the fit: " + SurfaceName(image) + "</h2>\n" + pictures.residualMap +
         "<div class='sub' style='font-size:13px;margin-top:8px'>Red above the surface, blue below. Colours end at ±" +
         end + ", " + Percent(pictures.beyond) + " of the pixels lie beyond" +
-        (Member(image, "region.shape") == "whole image" ? "" : "; grey: outside the region " + RegionText(image)) +
+        (Member(image, "region.shape") == "whole image" && !(NumberAt(image, "region.pixelsLeftOut") > 0)
+             ? ""
+             : "; grey: outside the region " + RegionText(image)) +
         ". Dashed: the lines of the profiles.</div></section>\n";
     body += "<section><h2>Profile along row " + std::to_string(pictures.row) + "</h2>\n" +
             ProfilePlot(pictures.horizontal) + "</section>\n<section><h2>Profile along column " +
@@ -125,12 +134,11 @@ std::string FlattenReport(const Json& image, const std::string& version, const F
 }
 
 std::string FlattenOverview(const Json& images, const Json& warnings, const std::string& version) {
-    std::string body =
-        "<header><h1>" + std::to_string(images.size()) + " flattened images</h1></header>\n" +
-        WarningsSection({{"warnings", warnings}}) +
-        "<section class='scroll'><table>\n<tr><th>Image</th><th>Surface</th>"
-        "<th class='n'>RMS before</th><th class='n'>RMS after</th><th class='n'>Peak to valley after</th>"
-        "<th class='n'>Clipped</th></tr>\n";
+    std::string body = "<header><h1>" + std::to_string(images.size()) + " flattened images</h1></header>\n" +
+                       WarningsSection({{"warnings", warnings}}) +
+                       "<section class='scroll'><table>\n<tr><th>Image</th><th>Surface</th>"
+                       "<th class='n'>Sq before</th><th class='n'>Sq after</th><th class='n'>Sz after, trimmed</th>"
+                       "<th class='n'>Clipped</th></tr>\n";
     for (const Json& image : images) {
         const std::string name = Escaped(image["file"].get<std::string>());
         if (image.contains("error")) {
@@ -140,7 +148,7 @@ std::string FlattenOverview(const Json& images, const Json& warnings, const std:
         }
         body += "<tr><td><a " + Href(Member(image, "outputs.report").get<std::string>()) + ">" + name + "</a>" +
                 WarningsCell(image) + "</td><td>" + SurfaceName(image) + "</td>";
-        for (const char* path : {"before.rms", "after.rms", "after.peakToValley"})
+        for (const char* path : {"before.Sq", "after.Sq", "after.trimmedSz"})
             body += "<td class='n'>" + Short(image, path) + "</td>";
         body += "<td class='n'>" + Grouped(Plain(NumberAt(image, "clippedPixels"))) + "</td></tr>\n";
     }

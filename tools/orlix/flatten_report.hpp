@@ -24,7 +24,7 @@ std::string FlattenReport(const Json& image, const std::string& version, const F
 // A batch: a row for each image {file, ...} or {file, error}; each links to outputs.report.
 std::string FlattenOverview(const Json& images, const Json& warnings, const std::string& version);
 
-// "149.9069 grey levels (3.911383 nm)": of before or after, value "rms" or "peakToValley".
+// "149.9069 grey levels (3.911383 nm)": of before or after, value "Sa", "Sq", "Sz" or "trimmedSz".
 std::string Figure(const Json& image, const std::string& when, const std::string& value);
 
 }  // namespace tool

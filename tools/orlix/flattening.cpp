@@ -2,12 +2,15 @@
 
 #include "console.hpp"
 #include "surface.hpp"
+#include "units.hpp"
 
 #include <orlix/client.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <utility>
 
 namespace tool {
 
@@ -24,30 +27,47 @@ std::vector<float> Values(const ComPtr<IImageVPAExPlus>& floats) {
 // Of the values where `region` is a number.
 Json Figures(const std::vector<float>& values, const std::vector<float>& region, double shift,
              std::optional<double> zScale) {
-    double sum = 0, least = std::numeric_limits<double>::infinity(), most = -least;
-    size_t count = 0;
-    for (size_t i = 0; i < values.size(); ++i) {
-        if (!std::isfinite(region[i])) continue;
-        const double value = values[i];
-        sum += value;
-        least = std::min(least, value);
-        most = std::max(most, value);
-        ++count;
-    }
-    const double n = static_cast<double>(count), mean = sum / n;
-    double squares = 0;
+    std::vector<float> heights;
     for (size_t i = 0; i < values.size(); ++i)
-        if (std::isfinite(region[i])) squares += (values[i] - mean) * (values[i] - mean);
-    const double rms = std::sqrt(squares / n);
-    const auto scaled = [&](double levels) { return zScale ? Finite(levels * *zScale) : Json(nullptr); };
+        if (std::isfinite(region[i])) heights.push_back(values[i]);
+    const double n = static_cast<double>(heights.size());
+    double sum = 0, least = std::numeric_limits<double>::infinity(), most = -least;
+    for (const double height : heights) {
+        sum += height;
+        least = std::min(least, height);
+        most = std::max(most, height);
+    }
+    const double mean = sum / n;
+    double sizes = 0, squares = 0, cubes = 0, fourths = 0;
+    for (const double height : heights) {
+        const double z = height - mean, square = z * z;
+        sizes += std::fabs(z);
+        squares += square;
+        cubes += square * z;
+        fourths += square * square;
+    }
+    const double variance = squares / n, deviation = std::sqrt(variance);
+    double inner = std::numeric_limits<double>::quiet_NaN();
+    if (!heights.empty()) {
+        const size_t outermost = heights.size() / 1000;
+        const auto low = heights.begin() + static_cast<std::ptrdiff_t>(outermost),
+                   high = heights.end() - 1 - static_cast<std::ptrdiff_t>(outermost);
+        std::nth_element(heights.begin(), low, heights.end());
+        inner = -static_cast<double>(*low);
+        std::nth_element(heights.begin(), high, heights.end());
+        inner += *high;
+    }
     Json out;
     out["mean"] = Finite(mean + shift);
     out["minimum"] = Finite(least + shift);
     out["maximum"] = Finite(most + shift);
-    out["rms"] = Finite(rms);
-    out["peakToValley"] = Finite(most - least);
-    out["rmsMicrons"] = scaled(rms);
-    out["peakToValleyMicrons"] = scaled(most - least);
+    const std::pair<const char*, double> lengths[] = {
+        {"Sa", sizes / n}, {"Sq", deviation}, {"Sz", most - least}, {"trimmedSz", inner}};
+    for (const auto& [name, levels] : lengths) out[name] = Finite(levels);
+    out["Ssk"] = Finite(cubes / n / (variance * deviation));
+    out["Sku"] = Finite(fourths / n / (variance * variance));
+    for (const auto& [name, levels] : lengths)
+        out[std::string(name) + "Microns"] = zScale ? Finite(levels * *zScale) : Json(nullptr);
     return out;
 }
 
@@ -55,6 +75,7 @@ Json Described(const Surface& surface, const FlattenSettings& settings, double p
     Json out;
     out["kind"] = surface.id();
     out["robust"] = settings.robust ? Json(*settings.robust) : Json(nullptr);
+    out["refit"] = nullptr;
     out["formula"] = surface.formula();
     out["average"] = Finite(surface.average());
     for (const auto& [name, value] : surface.Coefficients()) out["coefficients"][name] = Finite(value);
@@ -80,8 +101,112 @@ FlattenSettings MakeFlattenSettings(const std::string& surface, std::optional<do
     return {surface, robust, zScale};
 }
 
+namespace {
+
+// The subject's band in floating point, so that figures do not hold the rounding to grey levels.
+class Heights {
+public:
+    explicit Heights(const Subject& subject) : region_(subject.region.get()) {
+        image_ = CreateObject<IImageVPAExPlus>("Orlix.Image");
+        Check(image_->Create(subject.width, subject.height, 1, DT_Float, 0), image_);
+        const auto process = Cast<IOrlixImageProcess>(image_);
+        Check(process->CastEquals(subject.image.get(), subject.band), process);
+        inside_ = RegionMask(subject.region, subject.width, subject.height);
+    }
+
+    std::vector<float> Values() const { return tool::Values(image_); }
+
+    // Less the surface; not a number outside the region.
+    std::vector<float> Residual(const Surface& surface) const {
+        auto less = CreateObject<IImageVPAExPlus>("Orlix.Image");
+        Check(less->CreateFromImage(image_.get(), 0), less);
+        const auto process = Cast<IOrlixImageProcess>(less);
+        Check(process->put_RegionOfInterest(region_.get()), process);
+        surface.Subtract(process, 0);
+        std::vector<float> residual = tool::Values(less);
+        for (size_t i = 0; i < inside_.size(); ++i)
+            if (!inside_[i]) residual[i] = std::numeric_limits<float>::quiet_NaN();
+        return residual;
+    }
+
+private:
+    ComPtr<IImageVPAExPlus> image_;
+    ComPtr<IRegionOfInterest> region_;
+    std::vector<uint8_t> inside_;
+};
+
+// Which residuals belong to the surface, and the sum of their squares.
+struct Inliers {
+    std::vector<uint8_t> mask;
+    double limit = 0;  // grey levels
+    int64_t count = 0;
+};
+
+// Within 2.5 deviations, these being estimated from the median of all sizes as if there were no outliers (P. J. Rousseeuw and
+// A. M. Leroy, Robust Regression and Outlier Detection, 1987): with outliers the limit is larger, by no more than 1.6 times,
+// as of fewer good pixels than 70 % a lower quantile takes the place of the median. It is never below what rounding to grey
+// levels makes of pixels on the surface.
+Inliers InliersOf(const std::vector<float>& residual, double good, double rounding) {
+    std::vector<float> sizes;
+    for (const float value : residual)
+        if (std::isfinite(value)) sizes.push_back(std::fabs(value));
+    Inliers inliers;
+    inliers.mask.assign(residual.size(), 0);
+    if (sizes.empty()) return inliers;
+    const double quantile = std::min(0.5, good / 1.4);
+    const auto half = sizes.begin() + static_cast<std::ptrdiff_t>(static_cast<double>(sizes.size() - 1) * quantile);
+    std::nth_element(sizes.begin(), half, sizes.end());
+    constexpr double kNormal = 0.6744897501960817;  // what half of a normal distribution lies within, in deviations
+    inliers.limit = std::max(2.5 * *half / kNormal, rounding);
+    for (size_t i = 0; i < residual.size(); ++i) {
+        inliers.mask[i] = std::fabs(residual[i]) <= inliers.limit;  // not a number: no
+        inliers.count += inliers.mask[i];
+    }
+    return inliers;
+}
+
+double SquaresWithin(const std::vector<uint8_t>& mask, const std::vector<float>& residual) {
+    double sum = 0;
+    for (size_t i = 0; i < mask.size(); ++i)
+        if (mask[i]) sum += double{residual[i]} * residual[i];
+    return sum;
+}
+
+// A robust fit is an exact surface through a few pixels, with their noise. Least squares over the pixels near it, and again over
+// those near the result, take that away. A step that fits its pixels no better is not taken (an algebraic fit may be worse).
+// Describes what was done.
+Json Refit(std::unique_ptr<Surface>& surface, const Subject& subject, const Heights& heights, double good,
+           std::vector<float>& residual) {
+    constexpr int kMostRounds = 50;
+    const auto process = Cast<IOrlixImageProcess>(subject.image);
+    const double rounding =
+        subject.type == DT_Float ? std::ldexp(std::fabs(surface->average()), -20) : 0.5;  // a half: to whole levels
+    Json out;
+    std::vector<uint8_t> last;
+    for (int round = 1; round <= kMostRounds; ++round) {
+        Inliers inliers = InliersOf(residual, good, rounding);
+        if (inliers.mask == last || inliers.count < surface->points()) break;
+        auto candidate = MakeSurface(surface->id());
+        Check(process->put_RegionOfInterest(MakeRegion(inliers.mask, subject.width, subject.height).get()), process);
+        const bool found = candidate->Fit(process, std::nullopt) == S_OK;
+        Check(process->put_RegionOfInterest(subject.region.get()), process);
+        if (!found) break;
+        std::vector<float> candidateResidual = heights.Residual(*candidate);
+        if (!(SquaresWithin(inliers.mask, candidateResidual) < SquaresWithin(inliers.mask, residual))) break;
+        surface = std::move(candidate);
+        residual = std::move(candidateResidual);
+        out = {{"pixels", inliers.count}, {"within", inliers.limit}, {"rounds", round}};
+        last = std::move(inliers.mask);
+    }
+    return out;
+}
+
+std::string Levels(double value) { return Digits(value, 5); }
+
+}  // namespace
+
 Flattening Flatten(const Subject& subject, const FlattenSettings& settings) {
-    const std::unique_ptr<Surface> surface = MakeSurface(settings.surface);
+    std::unique_ptr<Surface> surface = MakeSurface(settings.surface);
     const auto process = Cast<IOrlixImageProcess>(subject.image);
     if (surface->Fit(process, settings.robust) != S_OK) {
         const std::string name = std::string(settings.robust ? "robust " : "") + surface->id();
@@ -92,24 +217,18 @@ Flattening Flatten(const Subject& subject, const FlattenSettings& settings) {
         throw std::runtime_error("the pixels of the region determine no " + name);
     }
 
-    // The figures come from floating point, so that they do not hold the rounding to grey levels.
-    auto floats = CreateObject<IImageVPAExPlus>("Orlix.Image");
-    Check(floats->Create(subject.width, subject.height, 1, DT_Float, 0), floats);
-    const auto floating = Cast<IOrlixImageProcess>(floats);
-    Check(floating->CastEquals(subject.image.get(), subject.band), floating);
+    const Heights heights(subject);
     Flattening result;
-    result.before = Values(floats);
-    Check(floating->put_RegionOfInterest(subject.region.get()), floating);
-    surface->Subtract(floating, 0);
-    result.residual = Values(floats);
-    const std::vector<uint8_t> inside = RegionMask(subject.region, subject.width, subject.height);
-    for (size_t i = 0; i < inside.size(); ++i)
-        if (!inside[i]) result.residual[i] = std::numeric_limits<float>::quiet_NaN();
+    result.before = heights.Values();
+    result.residual = heights.Residual(*surface);
+    Json refit;
+    if (settings.robust) refit = Refit(surface, subject, heights, *settings.robust, result.residual);
     surface->Subtract(process, surface->average());
 
     Json& out = result.document;
     out["zScale"] = settings.zScale ? Json(*settings.zScale) : Json(nullptr);
     out["surface"] = Described(*surface, settings, subject.PixelSize());
+    out["surface"]["refit"] = std::move(refit);
     out["before"] = Figures(result.before, result.residual, 0, settings.zScale);
     out["after"] = Figures(result.residual, result.residual, surface->average(), settings.zScale);
     const double least = TypeMinimum(subject.type) - 0.5, most = TypeMaximum(subject.type) + 0.5;
@@ -117,6 +236,11 @@ Flattening Flatten(const Subject& subject, const FlattenSettings& settings) {
         const double value = residual + surface->average();
         return value < least || value >= most;
     });
+    const double before = NumberAt(out, "before.Sq"), after = NumberAt(out, "after.Sq");
+    if (after > before)
+        result.warnings.push_back({"rougher", "the " + settings.surface + " does not fit: the deviation is " +
+                                                  Levels(after) + " grey levels after removing it, " + Levels(before) +
+                                                  " before"});
     return result;
 }
 

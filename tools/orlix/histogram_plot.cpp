@@ -11,8 +11,8 @@ namespace tool {
 
 namespace {
 
-constexpr double kWidth = 960, kLeft = 80, kPlotHeight = 260, kRow = 20,
-                 kCharacter = 7.2;  // at 12.5 units of font size
+constexpr double kWidth = 960, kLeft = 80, kPlotHeight = 260, kRow = 20, kCharacter = 7.2,
+                 kBold = 8.2;  // at 12.5 units of font size
 
 struct Mark {
     double x = 0;  // grey level
@@ -20,7 +20,7 @@ struct Mark {
     bool chosen = false;
     double at = 0;  // across the drawing
     int row = 0;    // above the plot, 0 the lowest
-    double Width() const { return static_cast<double>(label.size()) * kCharacter + 10; }
+    double Width() const { return static_cast<double>(label.size()) * (chosen ? kBold : kCharacter) + 10; }
 };
 
 std::string Level(double value) { return Rounded(value, value == std::floor(value) ? 0 : 1); }
@@ -114,7 +114,8 @@ std::string HistogramPlot(const Json& measurement) {
     const bool whole = measurement["type"] != "float";
     const double phaseLeft = across(std::isnan(lower) ? low : whole ? lower - 0.5 : lower);
     const double phaseRight = across(std::isnan(upper) ? high : whole ? upper + 0.5 : upper);
-    if (phaseRight > phaseLeft) {
+    const bool phase = !measurement["phase"]["pixels"].is_null() && phaseRight > phaseLeft;
+    if (phase) {
         svg += "<rect x='" + Coordinate(phaseLeft) + "' y='" + Coordinate(top) + "' width='" +
                Coordinate(phaseRight - phaseLeft) + "' height='" + Coordinate(kPlotHeight) +
                "' fill='var(--phase)' opacity='0.13'/>\n";
@@ -130,7 +131,7 @@ std::string HistogramPlot(const Json& measurement) {
     const std::string linear = outline(up);
     svg += "<path d='" + outline(upLogarithmic) + "' fill='var(--fill)' opacity='0.22'/>\n";
     svg += "<path d='" + linear + "' fill='var(--fill)'/>\n";
-    if (phaseRight > phaseLeft) svg += "<path d='" + linear + "' fill='var(--phase)' clip-path='url(#phase)'/>\n";
+    if (phase) svg += "<path d='" + linear + "' fill='var(--phase)' clip-path='url(#phase)'/>\n";
     if (cut) {
         const size_t at = static_cast<size_t>(std::max_element(heights.begin(), heights.end()) - heights.begin());
         const double x = kLeft + width * (static_cast<double>(at) + 0.5) / static_cast<double>(columns);

@@ -142,7 +142,21 @@ std::string Calibration(const Json& m) {
 
 std::string RegionText(const Json& m) {
     const std::string shape = Member(m, "region.shape"), polarity = Member(m, "region.polarity");
-    return Escaped(shape) + (polarity == "inside" ? "" : ", " + polarity);
+    return Escaped(shape) + (polarity == "inside" ? "" : ", " + polarity) +
+           (NumberAt(m, "region.pixelsLeftOut") > 0 ? " less what is masked or ignored" : "");
+}
+
+std::string PixelsText(const Json& m) {
+    const double out = NumberAt(m, "region.pixelsLeftOut");
+    return Grouped(Plain(NumberAt(m, "region.pixels"))) + (out > 0 ? ", left out: " + Grouped(Plain(out)) : "");
+}
+
+std::string BandsText(const Json& m, const char* measured) {
+    const Json& band = m["band"];
+    std::string out = Plain(NumberAt(m, "bands"));
+    if (NumberAt(m, "bands") > 1)
+        out += std::string(", ") + measured + ": " + (band.is_string() ? "grey of all" : Plain(NumberAt(m, "band")));
+    return out;
 }
 
 }  // namespace tool

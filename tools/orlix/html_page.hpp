@@ -23,8 +23,10 @@ std::string Grouped(const std::string& digits);  // 1 234 567
 std::string Percent(double fraction);
 std::string SquareMicrons(double area);
 
-// What the document of an image says in micronsPerPixel and region.
+// What the document of an image says in micronsPerPixel, region and bands.
 std::string Calibration(const Json& image);
 std::string RegionText(const Json& image);
+std::string PixelsText(const Json& image);                       // "1 234 567", and how many were left out
+std::string BandsText(const Json& image, const char* measured);  // "3, measured: 1"
 
 }  // namespace tool

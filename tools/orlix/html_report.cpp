@@ -11,10 +11,16 @@ namespace tool {
 namespace {
 
 std::string PhaseLevels(const Json& m) {
+    if (Member(m, "phase.pixels").is_null()) return "none";
     const double lower = NumberAt(m, "phase.lower"), upper = NumberAt(m, "phase.upper");
     if (lower > upper) return "no grey level";
     return "grey " + (std::isnan(lower) ? std::string("…") : Plain(lower)) + " to " +
            (std::isnan(upper) ? std::string("…") : Plain(upper));
+}
+
+std::string FractionText(const Json& m) {
+    const double fraction = NumberAt(m, "phase.areaFraction");
+    return std::isnan(fraction) ? "–" : Percent(fraction);
 }
 
 std::string MethodLabel(const Json& m) {
@@ -68,16 +74,16 @@ std::string Values(const Json& m) {
     out += Row("Median", value("grey.median"));
     out += Row("Mode", value("grey.mode"));
     out += Row("Skew", value("grey.skew"));
-    out += Row("Kurtosis", value("grey.kurtosis"));
+    out += Row("Excess kurtosis", value("grey.excessKurtosis"));
     out += Row("Entropy, nats", value("grey.entropy"));
     out += Row("Centroid by grey, x, y", Centroid(m, "grey"));
     out += "</table><table>\n";
     out += Row("Size", value("width") + " × " + value("height") + " pixels");
     out += Row("Type", Escaped(Member(m, "type").get<std::string>()));
-    out += Row("Bands", value("bands") + (NumberAt(m, "bands") > 1 ? ", measured: " + value("band") : ""));
+    out += Row("Bands", BandsText(m, "measured"));
     out += Row("Calibration", Calibration(m));
     out += Row("Region", RegionText(m));
-    out += Row("Pixels of the region", Grouped(value("region.pixels")));
+    out += Row("Pixels of the region", PixelsText(m));
     if (Member(m, "region.areaSquareMicrons").is_number())
         out += Row("Area of the region", SquareMicrons(NumberAt(m, "region.areaSquareMicrons")));
     if (!m["flatten"].is_null()) {
@@ -85,9 +91,13 @@ std::string Values(const Json& m) {
         out += Row("Surface removed first", Escaped(Member(m, "flatten.surface.kind").get<std::string>()) +
                                                 (robust.is_null() ? "" : ", robust with " + Number(robust)));
         out += Row("Deviation before, after",
-                   value("flatten.before.rms") + " \u2192 " + value("flatten.after.rms") + " grey levels");
+                   value("flatten.before.Sq") + " \u2192 " + value("flatten.after.Sq") + " grey levels");
         out += Row("Pixels clipped by that", Grouped(value("flatten.clippedPixels")));
     }
+    out += Row("Dip of the histogram",
+               value("histogram.dip") + (NumberAt(m, "histogram.dip") < NumberAt(m, "histogram.leastDipOfTwoPeaks")
+                                             ? ": no second peak"
+                                             : ": two peaks or more"));
     out += Row("Luminance range", value("luminance.lower") + " to " + value("luminance.upper"));
     out += Row("Pixels outside that range", Grouped(value("histogram.pixelsOutside")));
     out += Row("Histogram", value("histogram.bins") + " bins of " + value("histogram.binWidth"));
@@ -105,12 +115,11 @@ std::string ImageReport(const Json& m, const std::string& version, const std::st
                        Plain(NumberAt(m, "height")) + " pixels, " + Escaped(m["type"].get<std::string>()) + ", " +
                        Calibration(m) + "</div></header>\n";
     body += "<div class='cards'>\n";
-    body += Card(Percent(NumberAt(m, "phase.areaFraction")),
-                 "area fraction, " + (polarity == "between" ? "chosen" : polarity) + " phase", true);
+    body += Card(FractionText(m), "area fraction, " + (polarity == "between" ? "chosen" : polarity) + " phase", true);
     const bool calibrated = Member(m, "phase.areaSquareMicrons").is_number();
     if (calibrated) body += Card(SquareMicrons(NumberAt(m, "phase.areaSquareMicrons")), "area of the phase");
-    body += Card(Grouped(Plain(NumberAt(m, "phase.pixels"))),
-                 "pixels of " + Grouped(Plain(NumberAt(m, "region.pixels"))) + " in the region");
+    body +=
+        Card(Grouped(Plain(NumberAt(m, "phase.pixels"))), "pixels of " + Grouped(Plain(NumberAt(m, "region.pixels"))));
     body += Card(MethodLabel(m), "threshold; phase: " + PhaseLevels(m));
     body += Card(Centroid(m, "phase"), "centroid of the phase, pixels");
     body += "</div>\n" + WarningsSection(m);
@@ -123,7 +132,7 @@ std::string ImageReport(const Json& m, const std::string& version, const std::st
              : polarity == "bright" ? "Bright"
                                     : "Dark") +
             " phase";
-    if (Member(m, "region.shape") != "whole image")
+    if (Member(m, "region.shape") != "whole image" || NumberAt(m, "region.pixelsLeftOut") > 0)
         body += " &nbsp; <span class='key' style='background:var(--region)'></span>Region " + RegionText(m);
     body += "</figcaption></figure></div></section>\n";
 
@@ -169,8 +178,9 @@ std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summ
         body += entry.reportName.empty() ? name : "<a " + Href(entry.reportName) + ">" + name + "</a>";
         body += "<br><small class='sub'>" + Plain(NumberAt(m, "width")) + " × " + Plain(NumberAt(m, "height")) + ", " +
                 m["type"].get<std::string>() + ", " + Calibration(m) + "</small>" + WarningsCell(m) +
-                "</td><td class='n'>" + Percent(fraction) +
-                "<div class='bar'><i style='width:" + Rounded(100 * fraction, 1) + "%'></i></div></td><td class='n'>" +
+                "</td><td class='n'>" + FractionText(m) +
+                "<div class='bar'><i style='width:" + Rounded(100 * (fraction > 0 ? fraction : 0), 1) +
+                "%'></i></div></td><td class='n'>" +
                 (Member(m, "phase.areaSquareMicrons").is_number()
                      ? SquareMicrons(NumberAt(m, "phase.areaSquareMicrons"))
                      : Grouped(Plain(NumberAt(m, "phase.pixels"))) + " pixels") +

@@ -1,13 +1,16 @@
 // orlix measure
 #include "batch.hpp"
 #include "commands.hpp"
+#include "confidence.hpp"
 #include "console.hpp"
 #include "html_report.hpp"
 #include "image_file.hpp"
 #include "measurement.hpp"
 #include "pictures.hpp"
+#include "scale_bar.hpp"
 #include "subcommand.hpp"
 #include "surface.hpp"
+#include "units.hpp"
 #include "warnings.hpp"
 
 #include <orlix/client.hpp>
@@ -15,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
+#include <limits>
 #include <memory>
 
 namespace tool {
@@ -23,10 +27,10 @@ namespace {
 
 constexpr char kFooter[] = R"(
 What is measured
-  Grey statistics of the region: count, mean, standard deviation and grey centroid of all its
-  pixels; minimum, maximum, median, mode, skew, kurtosis and entropy of those in the luminance
-  range. The six automatic thresholds, and the area fraction on either side of each. Of the chosen
-  phase: pixels, area fraction of the region, area in square microns, centroid.
+  Of the pixels of the region, less those that --mask and --ignore leave out: count, mean, standard
+  deviation, minimum, maximum, median, mode, skew, excess kurtosis, entropy and grey centroid. The
+  automatic thresholds, and the area fraction on either side of each. Of the chosen phase: pixels,
+  area fraction of these pixels, area in square microns, centroid.
 
 Thresholds (METHOD, or METHOD:PARAMETER,PARAMETER)
   minimize-variance, otsu         smallest fractions of the pixels left and right       0,0
@@ -34,10 +38,16 @@ Thresholds (METHOD, or METHOD:PARAMETER,PARAMETER)
   search-for-minimum, minimum     fractions trimmed off before the search               0.005,0.005
   gaussian-mixture, mixture       smallest fractions left and right                     0.005,0.005
   maximize-entropy, entropy       smallest fractions left and right                     0.005,0.005
-  exponential, exp                fraction left above the threshold                     0.05
+  exponential, exp                fraction left above the threshold; only when chosen   0.05
   LO,HI   the grey levels of the phase, both included; LO, or ,HI for an open end
-  The level of an automatic threshold belongs to the dark side. With trim, the dark phase is
+  The level of an automatic threshold is the last one of the dark side. With trim, the dark phase is
   below the left limit and the bright phase above the right one.
+
+Two peaks
+  A threshold between two classes means something where the histogram has two peaks. The dip
+  (Hartigan and Hartigan 1985) says how far it is from having one: 0 for one peak, about a quarter
+  of the pixels in the smaller of two, at most 0.25. Below 0.003 (more for few pixels) a warning says
+  that there is no second peak; another one, that a side of the threshold has two peaks itself.
 
 Flattening
   --flatten removes a fitted surface from the grey levels of the region before anything is measured;
@@ -45,9 +55,9 @@ Flattening
   particles too: with --flatten-robust 0.7 it follows the better 70 % of the pixels. See orlix flatten.
 
 Histogram
-  8-bit images have 256 bins. For others the luminance range snaps to the region's smallest and
-  largest value (unless --luminance is given); statistics have one bin for each value, thresholds
-  are chosen on neighbouring values added up to at most --bins bins.
+  8-bit images have 256 bins. Of others, thresholds are chosen between the smallest and the largest
+  value on neighbouring values added up to at most --bins bins. --luminance LOW HIGH has thresholds
+  chosen on these grey levels only; what they are applied to, and all figures, stay the same.
 
 Output
   A table for people, or with --json one document {..., options, images: [...], summary}
@@ -92,24 +102,18 @@ void CompleteSettings(Options& options) {
     }
 }
 
-// Half the width of the interval that holds the mean of n values with a probability of 95 %, in standard errors: Student's t
-// (two-sided) for n - 1 degrees of freedom.
-double StudentT95(size_t n) {
-    constexpr double kTable[] = {12.706, 4.303, 3.182, 2.776, 2.571, 2.447, 2.365, 2.306, 2.262, 2.228,
-                                 2.201,  2.179, 2.160, 2.145, 2.131, 2.120, 2.110, 2.101, 2.093, 2.086,
-                                 2.080,  2.074, 2.069, 2.064, 2.060, 2.056, 2.052, 2.048, 2.045, 2.042};
-    const size_t freedom = n - 1;
-    // Beyond the table the first term of the expansion in 1 / freedom, good to 0.001.
-    return freedom <= std::size(kTable) ? kTable[freedom - 1] : 1.960 + 2.372 / static_cast<double>(freedom);
-}
-
 Json Summary(const Json& images) {
     std::vector<double> fractions;
+    size_t failed = 0;
     for (const Json& image : images)
-        if (!image.contains("error")) fractions.push_back(NumberAt(image, "phase.areaFraction"));
+        if (image.contains("error"))
+            ++failed;
+        else if (const double fraction = NumberAt(image, "phase.areaFraction"); !std::isnan(fraction))
+            fractions.push_back(fraction);
     Json out;
-    out["measured"] = fractions.size();
-    out["failed"] = images.size() - fractions.size();
+    out["measured"] = images.size() - failed;
+    out["failed"] = failed;
+    out["withPhase"] = fractions.size();  // the others have no threshold: they do not enter the mean
     if (fractions.size() < 2) return out;
     const double n = static_cast<double>(fractions.size());
     double sum = 0, squares = 0;
@@ -138,12 +142,14 @@ const std::vector<std::string> kColumns = {"file",
                                            "micronsPerPixel.y",
                                            "region.shape",
                                            "region.polarity",
+                                           "region.mask",
+                                           "region.pixelsLeftOut",
                                            "region.pixels",
                                            "region.areaSquareMicrons",
                                            "flatten.surface.kind",
                                            "flatten.surface.robust",
-                                           "flatten.before.rms",
-                                           "flatten.after.rms",
+                                           "flatten.before.Sq",
+                                           "flatten.after.Sq",
                                            "flatten.clippedPixels",
                                            "luminance.lower",
                                            "luminance.upper",
@@ -154,17 +160,17 @@ const std::vector<std::string> kColumns = {"file",
                                            "grey.median",
                                            "grey.mode",
                                            "grey.skew",
-                                           "grey.kurtosis",
+                                           "grey.excessKurtosis",
                                            "grey.entropy",
                                            "grey.xCentroid",
                                            "grey.yCentroid",
+                                           "histogram.dip",
                                            "minimize-variance.threshold",
                                            "trim.left",
                                            "trim.right",
                                            "search-for-minimum.threshold",
                                            "gaussian-mixture.threshold",
                                            "maximize-entropy.threshold",
-                                           "exponential.threshold",
                                            "phase.polarity",
                                            "phase.method",
                                            "phase.lower",
@@ -199,9 +205,13 @@ std::string TextOf(const Json& m) {
     line("grey", "mean " + Plain(m, "grey.mean") + ", deviation " + Plain(m, "grey.standardDeviation") + ", minimum " +
                      Plain(m, "grey.minimum") + ", maximum " + Plain(m, "grey.maximum"));
     line("", "median " + Plain(m, "grey.median") + ", mode " + Plain(m, "grey.mode") + ", skew " +
-                 Plain(m, "grey.skew", 3) + ", kurtosis " + Plain(m, "grey.kurtosis", 3) + ", entropy " +
+                 Plain(m, "grey.skew", 3) + ", excess kurtosis " + Plain(m, "grey.excessKurtosis", 3) + ", entropy " +
                  Plain(m, "grey.entropy", 3));
     line("", "centroid " + Plain(m, "grey.xCentroid") + ", " + Plain(m, "grey.yCentroid"));
+    line("histogram",
+         "dip " + Digits(NumberAt(m, "histogram.dip"), 2) +
+             (NumberAt(m, "histogram.dip") < NumberAt(m, "histogram.leastDipOfTwoPeaks") ? ": no second peak"
+                                                                                         : ": two peaks or more"));
     if (NumberAt(m, "histogram.pixelsOutside") > 0)
         line("luminance", Plain(m, "luminance.lower") + " to " + Plain(m, "luminance.upper") + ", " +
                               Plain(m, "histogram.pixelsOutside") + " pixels outside");
@@ -219,6 +229,10 @@ std::string TextOf(const Json& m) {
                     Padded(Rounded(100 * NumberAt(entry, "brightFraction"), 2) + " %", 11);
         if (entry.contains("note")) text += "  " + entry["note"].get<std::string>();
         line("", text);
+    }
+    if (Member(m, "phase.pixels").is_null()) {
+        line("phase", "none");
+        return out + WarningsText(m) + "\n";
     }
     const double lower = NumberAt(m, "phase.lower"), upper = NumberAt(m, "phase.upper");
     line("phase",
@@ -238,7 +252,7 @@ std::string TextOfSummary(const Json& summary) {
     const auto percent = [&](const char* name) {
         return Rounded(100 * NumberAt(summary["areaFraction"], name), 3) + " %";
     };
-    return Rounded(NumberAt(summary, "measured"), 0) + " images: area fraction " + percent("mean") + " ± " +
+    return Rounded(NumberAt(summary, "withPhase"), 0) + " images: area fraction " + percent("mean") + " ± " +
            percent("confidence95") + " (95 % confidence), deviation " + percent("standardDeviation") + ", from " +
            percent("minimum") + " to " + percent("maximum") + "\n";
 }
@@ -257,12 +271,20 @@ public:
         const std::filesystem::path& temporary = file.path();
         const std::string report = single_ ? "report.html" : name + "_report.html";
         const Json& calibration = measurement.document["micronsPerPixel"];
+        const double microns = NumberAt(measurement.document, "micronsPerPixel.x");
         SavePng(PhasePicture(measurement.phase), calibration, folder_.At(name + "_bitmap.png"));
-        SavePng(overlay, calibration, folder_.At(name + "_overlay.png"));
-        WriteFile(folder_.At(report), ImageReport(measurement.document, ORLIX_TOOL_VERSION,
-                                                  DataUri(Reduced(display, kLargestInReport), temporary),
-                                                  DataUri(Reduced(overlay, kLargestInReport), temporary)));
-        if (!single_) entries_.push_back({measurement.document, report, DataUri(Reduced(overlay, 280), temporary)});
+        const std::filesystem::path overlayFile = folder_.At(name + "_overlay.png");
+        SavePng(WithScaleBar(overlay, microns), calibration, overlayFile);
+        const std::string overlayUri = Reduction(overlay, kLargestInReport) == 1
+                                           ? DataUri(overlayFile)
+                                           : ReportPicture(overlay, kLargestInReport, microns, temporary);
+        WriteFile(folder_.At(report),
+                  ImageReport(measurement.document, ORLIX_TOOL_VERSION,
+                              ReportPicture(display, kLargestInReport, microns, temporary), overlayUri));
+        if (!single_) {
+            constexpr double kNone = std::numeric_limits<double>::quiet_NaN();  // no bar in a thumbnail
+            entries_.push_back({measurement.document, report, ReportPicture(overlay, 280, kNone, temporary)});
+        }
         Json& outputs = measurement.document["outputs"];
         outputs["bitmap"] = name + "_bitmap.png";
         outputs["overlay"] = name + "_overlay.png";
@@ -301,7 +323,7 @@ int Measure(Options& options, const Subcommand& command) {
         [&](size_t i, const std::string& name, Progress& progress) {
             Measurement measurement = MeasureImage(options.load.Load(options.files[i]), name, options.settings);
             if (results) NoteOutputError(measurement.document, [&] { results->Add(i, measurement); });
-            if (measurement.document["bands"] > 1 && i == 0)
+            if (measurement.document["bands"] > 1 && measurement.document["band"].is_number() && i == 0)
                 progress.Say("orlix: " + name + " has several bands; band " + std::to_string(options.settings.band) +
                              " is measured");
             return std::move(measurement.document);
@@ -335,6 +357,7 @@ Command AddMeasure(CLI::App& program) {
     command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
     options->load.Add(command);
     options->subject.AddRegion(command);
+    options->subject.AddExclusions(command);
     command.Add("--flatten", options->flatten, "Remove a surface from the region first: " + SurfaceList())
         .OneOf(SurfaceNames())
         .Named("SURFACE");
@@ -349,9 +372,9 @@ Command AddMeasure(CLI::App& program) {
         command.AddFlag("--dark", options->dark, "The phase is the dark side of the threshold (default)");
     command.AddFlag("--bright", options->bright, "The phase is the bright side").Excludes(dark);
     options->subject.AddPixelSize(command);
-    options->subject.AddBand(command, "Band of a colour image: 0 red, 1 green, 2 blue (default 0)");
-    command.Add("--luminance", options->luminance, "Grey levels that the histogram and its thresholds look at")
-        .Pair("LOW HIGH");
+    options->subject.AddBand(
+        command, "Band of a colour image: 0 red (default), 1 green, 2 blue; grey 0.299 R + 0.587 G + 0.114 B", true);
+    command.Add("--luminance", options->luminance, "Grey levels on which thresholds are chosen").Pair("LOW HIGH");
     command.Add("--bins", options->settings.bins, "Bins at most, where thresholds are chosen (default 1024)")
         .Between(2, 65536);
     command

@@ -1,6 +1,8 @@
 #include "measurement.hpp"
 
 #include "console.hpp"
+#include "peaks.hpp"
+#include "units.hpp"
 #include "warnings.hpp"
 
 #include <orlix/client.hpp>
@@ -9,6 +11,8 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 namespace tool {
 
@@ -67,18 +71,19 @@ class Measuring {
 public:
     Measuring(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const MeasureSettings& settings)
         : settings_(settings),
-          result_{nullptr, nullptr, nullptr, {{"file", shownName}}},
+          result_{nullptr, nullptr, 0, nullptr, {{"file", shownName}}},
           subject_(std::move(image), settings, result_.document),
           process_(Cast<IImageProcess>(subject_.image)),
           type_(subject_.type) {
         result_.image = subject_.image;
         result_.region = subject_.region;
+        result_.band = subject_.band;
     }
 
     Measurement Run() {
         Background();
-        Luminance();
         Grey();
+        Luminance();
         Histograms();
         Thresholds();
         Phase();
@@ -86,51 +91,55 @@ public:
     }
 
 private:
+    void Warn(std::string_view code, const std::string& message) { tool::Warn(result_.document, code, message); }
+
     void Background() {
         Json& out = result_.document["flatten"];
-        if (settings_.flatten) out = Flatten(subject_, *settings_.flatten).document;
+        if (!settings_.flatten) return;
+        Flattening flat = Flatten(subject_, *settings_.flatten);
+        out = std::move(flat.document);
+        for (const auto& [code, message] : flat.warnings) Warn(code, message);
     }
 
-    void Luminance() {
-        const char* source = "type";
-        if (settings_.luminance) {
-            PutLuminance(subject_, (*settings_.luminance)[0], (*settings_.luminance)[1]);
-            source = "given";
-        } else if (type_ != DT_BYTE) {
-            Check(process_->SnapLuminanceRange(0, 0, 0), process_);
-            source = "data";
-        }
-        if (type_ != DT_BYTE) Check(process_->put_NumberOfBins(kFineBins), process_);
-        double lower = 0, upper = 0;
-        Check(process_->GetLuminanceRange(&lower, &upper), process_);
-        Json& out = result_.document["luminance"];
-        out["lower"] = Finite(lower);
-        out["upper"] = Finite(upper);
-        out["source"] = source;
-    }
-
+    // Of all pixels of the region.
     void Grey() {
         Check(process_->get_GrayMeasurements(
                   static_cast<GrayExtractMeasurementType>(GEMT_GrayLocation | GEMT_GrayStatistics), &grey_),
               process_);
+        if (type_ != DT_BYTE) {
+            Check(process_->SnapLuminanceRange(0, 0, 0), process_);
+            Check(process_->put_NumberOfBins(kFineBins), process_);
+        }
         Check(process_->get_Histogram(fine_.Out()), process_);
-        int64_t inside = 0;
-        for (const LONG count : BinsOf(fine_)) inside += count;
-        outside_ = grey_.m_lPixelCount - inside;
-        if (inside < 1) throw std::runtime_error("no pixel lies in the luminance range");
+        largest_ = Property(fine_, &IHistogram::get_Maximum);
         Json& out = result_.document["grey"];
         out["count"] = grey_.m_lPixelCount;
         out["mean"] = Finite(grey_.m_dGrayAverage);
         out["standardDeviation"] = Finite(grey_.m_dGrayStandardDeviation);
         out["minimum"] = Finite(Property(fine_, &IHistogram::get_Minimum));
-        out["maximum"] = Finite(Property(fine_, &IHistogram::get_Maximum));
+        out["maximum"] = Finite(largest_);
         out["median"] = Finite(Property(fine_, &IHistogram::get_Median));
         out["mode"] = Finite(Property(fine_, &IHistogram::get_Mode));
         out["skew"] = Finite(Property(fine_, &IHistogram::get_Skew));
-        out["kurtosis"] = Finite(Property(fine_, &IHistogram::get_Kurtosis));
+        out["excessKurtosis"] = Finite(Property(fine_, &IHistogram::get_Kurtosis));
         out["entropy"] = Finite(Property(fine_, &IHistogram::get_Entropy));
         out["xCentroid"] = Finite(grey_.m_dGrayXCentroid);
         out["yCentroid"] = Finite(grey_.m_dGrayYCentroid);
+    }
+
+    void Luminance() {
+        if (settings_.luminance) {
+            PutLuminance(subject_, (*settings_.luminance)[0], (*settings_.luminance)[1]);
+            Check(process_->get_Histogram(fine_.Out()), process_);
+        }
+        double lower = 0, upper = 0;
+        Check(process_->GetLuminanceRange(&lower, &upper), process_);
+        Json& out = result_.document["luminance"];
+        out["lower"] = Finite(lower);
+        out["upper"] = Finite(upper);
+        out["source"] = settings_.luminance ? "given" : type_ == DT_BYTE ? "type" : "data";
+        for (const LONG count : BinsOf(fine_)) inside_ += count;
+        if (inside_ < 1) throw std::runtime_error("no pixel lies in the luminance range");
     }
 
     void Histograms() {
@@ -147,7 +156,9 @@ private:
         out["firstBin"] = origin;
         out["binWidth"] = step;
         out["smoothing"] = settings_.smoothing;
-        out["pixelsOutside"] = outside_;
+        out["pixelsOutside"] = grey_.m_lPixelCount - inside_;
+        out["dip"] = dip_ = Dip(BinsOf(fine_));
+        out["leastDipOfTwoPeaks"] = LeastDipOfTwoPeaks(inside_);
         out["counts"] = std::move(counts);
     }
 
@@ -170,8 +181,9 @@ private:
         Json& list = result_.document["thresholds"] = Json::array();
         for (const ThresholdMethod& method : ThresholdMethods()) {
             const bool chosen = settings_.threshold.method == &method;
-            const ThresholdResult found =
-                FindThreshold(histogram_, method, chosen ? settings_.threshold.parameters : method.defaults);
+            if (!chosen && !method.always) continue;
+            const ThresholdResult found = FindThreshold(histogram_, type_ != DT_Float, largest_, method,
+                                                        chosen ? settings_.threshold.parameters : method.defaults);
             if (chosen) chosen_ = found;
             Json entry;
             entry["method"] = method.id;
@@ -179,59 +191,100 @@ private:
             entry["chosen"] = chosen;
             for (size_t i = 0; i < 2; ++i)
                 if (*method.parameters[i]) entry["parameters"][method.parameters[i]] = found.parameters[i];
-            if (found.message.empty()) {
-                if (found.locations.size() == 2) {
-                    entry["left"] = Finite(found.locations[0]);
-                    entry["right"] = Finite(found.locations[1]);
+            if (found.levels.empty()) {
+                entry["message"] = found.error.empty() ? found.none : found.error;
+            } else {
+                if (found.levels.size() == 2) {
+                    entry["left"] = Finite(found.levels[0]);
+                    entry["right"] = Finite(found.levels[1]);
                 } else {
-                    entry["threshold"] = Finite(found.locations[0]);
+                    entry["threshold"] = Finite(found.levels[0]);
                 }
                 entry["darkFraction"] = Fraction(CountBits(Side(found.darkCut, false)).pixels);
                 entry["brightFraction"] = Fraction(CountBits(Side(found.brightCut, true)).pixels);
                 if (!found.note.empty()) entry["note"] = found.note;
-            } else {
-                entry["message"] = found.message;
             }
             list.push_back(std::move(entry));
         }
+    }
+
+    // What to doubt about the chosen threshold.
+    void Doubts() {
+        if (!chosen_.none.empty()) {
+            Warn("no-threshold", chosen_.none + ": there is no phase");
+            return;
+        }
+        if (!chosen_.note.empty())
+            Warn(chosen_.noteCode, "the threshold " + Number(chosen_.levels[0]) + " is " + chosen_.note);
+        if (!chosen_.method->twoPeaked) return;
+        const double least = LeastDipOfTwoPeaks(inside_);
+        if (dip_ < least) {
+            Warn("one-peak", "the histogram has one peak only (dip " + Digits(dip_, 2) + ", two have " +
+                                 Digits(least, 2) + " or more): check the threshold by eye");
+            return;
+        }
+        if (!chosen_.note.empty()) return;
+        // A side with two peaks of its own, in parts of all pixels.
+        const std::span<LONG> bins = BinsOf(fine_);
+        double cut = 0;
+        Check(fine_->LocationToBin(chosen_.darkCut, &cut), fine_);
+        const auto dark = static_cast<size_t>(std::clamp(std::floor(cut) + 1, 0.0, static_cast<double>(bins.size())));
+        const auto dipOf = [&](std::span<const LONG> side) {
+            const int64_t pixels = std::accumulate(side.begin(), side.end(), int64_t{0});
+            return Dip(side) * static_cast<double>(pixels) / static_cast<double>(inside_);
+        };
+        constexpr double kThirdPeak = 0.01;
+        for (const auto& [name, side] : {std::pair{"dark", bins.first(dark)}, {"bright", bins.subspan(dark)}})
+            if (const double dip = dipOf(side); dip >= std::max(kThirdPeak, least))
+                Warn("more-than-two-peaks", std::string("the ") + name +
+                                                " side of the threshold has two peaks itself (dip " + Digits(dip, 2) +
+                                                "): more than two phases, of which one threshold makes two");
     }
 
     void Phase() {
         const ThresholdChoice& choice = settings_.threshold;
         const bool integer = type_ != DT_Float;
         double lower = TypeMinimum(type_), upper = TypeMaximum(type_);
+        Json out;
+        out["polarity"] = !choice.method ? "between" : settings_.bright ? "bright" : "dark";
+        out["method"] = choice.method ? choice.method->id : "levels";
+        for (const char* member :
+             {"lower", "upper", "pixels", "areaFraction", "areaSquareMicrons", "xCentroid", "yCentroid"})
+            out[member] = nullptr;
+        bool some = true;
         if (!choice.method) {
             if (!std::isnan(choice.levels[0])) lower = integer ? std::ceil(choice.levels[0]) : choice.levels[0];
             if (!std::isnan(choice.levels[1])) upper = integer ? std::floor(choice.levels[1]) : choice.levels[1];
-            const bool none = lower > upper || lower > TypeMaximum(type_) || upper < TypeMinimum(type_);
+            some = lower <= upper && lower <= TypeMaximum(type_) && upper >= TypeMinimum(type_);
             if (lower < TypeMinimum(type_) || upper > TypeMaximum(type_))
-                Warn(result_.document, "levels-outside-type",
-                     "the levels " + choice.text + (none ? " lie outside" : " reach beyond") + " the grey levels of " +
-                         TypePhrase(type_) + ", 0 to " + Rounded(TypeMaximum(type_), 0) +
-                         (none ? ": no pixel can have them" : ""));
-            Check(none ? process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out())
-                       : process_->Threshold(lower, upper, 1, result_.phase.Out()),
-                  process_);
+                Warn("levels-outside-type", "the levels " + choice.text + (some ? " reach beyond" : " lie outside") +
+                                                " the grey levels of " + TypePhrase(type_) + ", 0 to " +
+                                                Rounded(TypeMaximum(type_), 0) +
+                                                (some ? "" : ": no pixel can have them"));
+            if (some) Check(process_->Threshold(lower, upper, 1, result_.phase.Out()), process_);
         } else {
-            if (!chosen_.message.empty()) throw std::runtime_error(chosen_.message);
+            if (!chosen_.error.empty()) throw std::runtime_error(chosen_.error);
+            Doubts();
+            some = chosen_.none.empty();
             const double cut = settings_.bright ? chosen_.brightCut : chosen_.darkCut;
-            result_.phase = Side(cut, settings_.bright);
+            if (some) result_.phase = Side(cut, settings_.bright);
             if (settings_.bright)
                 lower = integer ? std::max(lower, std::floor(cut) + 1) : cut;
             else
                 upper = integer ? std::min(upper, std::floor(cut)) : cut;
         }
-        const BitCount bits = CountBits(result_.phase);
-        Json& out = result_.document["phase"];
-        out["polarity"] = !choice.method ? "between" : settings_.bright ? "bright" : "dark";
-        out["method"] = choice.method ? choice.method->id : "levels";
-        out["lower"] = Finite(lower);  // the grey levels of the phase, both included; lower > upper: none
-        out["upper"] = Finite(upper);
-        out["pixels"] = bits.pixels;
-        out["areaFraction"] = Fraction(bits.pixels);
-        out["areaSquareMicrons"] = subject_.Area(bits.pixels);
-        out["xCentroid"] = bits.pixels ? Json(bits.xCentroid) : Json(nullptr);
-        out["yCentroid"] = bits.pixels ? Json(bits.yCentroid) : Json(nullptr);
+        if (!some) Check(process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out()), process_);
+        if (some || !choice.method) {
+            const BitCount bits = CountBits(result_.phase);
+            out["lower"] = Finite(lower);  // the grey levels of the phase, both included; lower > upper: none
+            out["upper"] = Finite(upper);
+            out["pixels"] = bits.pixels;
+            out["areaFraction"] = Fraction(bits.pixels);
+            out["areaSquareMicrons"] = subject_.Area(bits.pixels);
+            out["xCentroid"] = bits.pixels ? Json(bits.xCentroid) : Json(nullptr);
+            out["yCentroid"] = bits.pixels ? Json(bits.yCentroid) : Json(nullptr);
+        }
+        result_.document["phase"] = std::move(out);
     }
 
     const MeasureSettings& settings_;
@@ -240,9 +293,11 @@ private:
     ComPtr<IImageProcess> process_;
     LONG type_;
     SGrayMeasurements grey_ = {};
-    ComPtr<IHistogram> fine_;       // as fine as the image gives it: for the statistics
+    ComPtr<IHistogram> fine_;       // as fine as the image gives it
     ComPtr<IHistogram> histogram_;  // of few enough bins, smoothed if wanted: for the thresholds
-    int64_t outside_ = 0;
+    double largest_ = 0;            // grey level of the region
+    int64_t inside_ = 0;            // pixels in the luminance range
+    double dip_ = 0;
     ThresholdResult chosen_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "console.hpp"
 #include "image_file.hpp"
+#include "scale_bar.hpp"
 
 #include <orlix/client.hpp>
 
@@ -85,7 +86,7 @@ Picture DisplayPicture(const Measurement& measurement) {
     picture.width = document["width"];
     picture.height = document["height"];
     picture.samples.resize(Size(picture.width, picture.height));
-    const LONG band = document["band"];
+    const LONG band = measurement.band;
 
     const auto process = Cast<IImageProcess>(measurement.image);
     ComPtr<IHistogram> histogram;
@@ -146,8 +147,12 @@ Picture PhasePicture(const ComPtr<IBitmap>& phase) {
     return picture;
 }
 
+int32_t Reduction(const Picture& picture, int32_t largest) {
+    return (std::max(picture.width, picture.height) + largest - 1) / largest;
+}
+
 Picture Reduced(const Picture& picture, int32_t largest) {
-    const int32_t factor = (std::max(picture.width, picture.height) + largest - 1) / largest;
+    const int32_t factor = Reduction(picture, largest);
     if (factor <= 1) return picture;
     Picture reduced = {
         (picture.width + factor - 1) / factor, (picture.height + factor - 1) / factor, picture.channels, {}};
@@ -183,11 +188,18 @@ void SavePng(const Picture& picture, const Json& micronsPerPixel, const std::fil
     SaveImage(image, Utf8(path), IFF_PNG);
 }
 
+std::string DataUri(const std::filesystem::path& png) { return "data:image/png;base64," + Base64(ReadFile(png)); }
+
 std::string DataUri(const Picture& picture, const std::filesystem::path& temporary) {
     SavePng(picture, nullptr, temporary);
-    const std::string bytes = ReadFile(temporary);
+    std::string uri = DataUri(temporary);
     std::filesystem::remove(temporary);
-    return "data:image/png;base64," + Base64(bytes);
+    return uri;
+}
+
+std::string ReportPicture(const Picture& picture, int32_t largest, double micronsPerPixel,
+                          const std::filesystem::path& temporary) {
+    return DataUri(WithScaleBar(Reduced(picture, largest), micronsPerPixel * Reduction(picture, largest)), temporary);
 }
 
 }  // namespace tool

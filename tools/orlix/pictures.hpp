@@ -30,8 +30,9 @@ Picture OverlayPicture(const Measurement& measurement, const Picture& display);
 // White phase on black.
 Picture PhasePicture(const orlix::ComPtr<IBitmap>& phase);
 
-// Averages over squares so that neither side exceeds `largest`; as it is when it is small enough.
+// Averages over squares of Reduction() pixels a side, so that neither side exceeds `largest`; as it is when it is small enough.
 Picture Reduced(const Picture& picture, int32_t largest);
+int32_t Reduction(const Picture& picture, int32_t largest);
 
 // Pixels, of the larger side of the pictures in a report; the files beside it are whole.
 constexpr int32_t kLargestInReport = 1400;
@@ -41,5 +42,10 @@ void SavePng(const Picture& picture, const Json& micronsPerPixel, const std::fil
 
 // "data:image/png;base64,..." of the picture. It is made through the given file, which is removed again.
 std::string DataUri(const Picture& picture, const std::filesystem::path& temporary);
+std::string DataUri(const std::filesystem::path& png);
+
+// The same of a picture that is reduced to `largest` and has a scale bar where the size of its pixels is known.
+std::string ReportPicture(const Picture& picture, int32_t largest, double micronsPerPixel,
+                          const std::filesystem::path& temporary);
 
 }  // namespace tool

@@ -29,9 +29,12 @@ const char* PolarityName(PolarityType polarity);
 // the whole text.
 std::vector<double> ParseNumbers(std::string_view list, std::string_view whole, bool allowEmpty = false);
 
-orlix::ComPtr<IShapeRegionOfInterest> MakeRegion(const RegionShape& shape, LONG width, LONG height);
+orlix::ComPtr<IRegionOfInterest> MakeRegion(const RegionShape& shape, LONG width, LONG height);
 
 // One byte a pixel, rows from the top: 1 inside. Without a region all are.
-std::vector<uint8_t> RegionMask(const orlix::ComPtr<IShapeRegionOfInterest>& region, LONG width, LONG height);
+std::vector<uint8_t> RegionMask(const orlix::ComPtr<IRegionOfInterest>& region, LONG width, LONG height);
+
+// The region of the pixels whose byte is not 0: an object of this program's own.
+orlix::ComPtr<IRegionOfInterest> MakeRegion(std::vector<uint8_t> mask, LONG width, LONG height);
 
 }  // namespace tool

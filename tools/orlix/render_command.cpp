@@ -79,7 +79,7 @@ std::pair<LONG, LONG> Covered(double origin, double scale, LONG first, LONG last
     return {std::max(from, begin), std::min(to, end)};
 }
 
-void DrawRegion(const ComPtr<IShapeRegionOfInterest>& region, LONG width, LONG height, uint32_t color, View& view) {
+void DrawRegion(const ComPtr<IRegionOfInterest>& region, LONG width, LONG height, uint32_t color, View& view) {
     const std::vector<uint8_t> mask = RegionMask(region, width, height);
     for (LONG y = 0; y < height; ++y) {
         const auto row = mask.begin() + static_cast<ptrdiff_t>(y) * width;

@@ -1,4 +1,4 @@
-// The six automatic thresholds of a histogram, beside each other.
+// The automatic thresholds of a histogram, beside each other.
 #pragma once
 
 #include "document.hpp"
@@ -20,6 +20,8 @@ struct ThresholdMethod {
     const char* label;                      // for people
     std::array<const char*, 2> parameters;  // names; "" where there are fewer
     std::array<double, 2> defaults;
+    bool always;     // tried whether chosen or not
+    bool twoPeaked;  // means anything only where the histogram has two peaks
 };
 
 std::span<const ThresholdMethod> ThresholdMethods();
@@ -39,16 +41,22 @@ ThresholdChoice ParseThreshold(std::string_view text);
 struct ThresholdResult {
     const ThresholdMethod* method = nullptr;
     std::array<double, 2> parameters = {};
-    std::string message;            // why there is none; empty when there is one
-    std::string note;               // what to know about it; mostly empty
-    std::vector<double> locations;  // the threshold; for trim the left and the right limit; grey levels
+    std::string error;  // why the method failed; empty when it did not
+    std::string none;   // why there is no threshold although it did not fail; empty when there is one
+    // What to know about a threshold; mostly empty.
+    std::string note;
+    std::string noteCode;  // see warnings.hpp
     // Dark are the pixels of at most darkCut, bright those above brightCut. The library's thresholds name a bin that belongs
     // to the lower class, so the cut is that bin's upper edge; trim leaves its two bins to neither tail.
     double darkCut = 0;
     double brightCut = 0;
+    // For people and documents: the last dark level, of trim the levels between which neither tail lies. Of integer pixels whole
+    // numbers.
+    std::vector<double> levels;
 };
 
-ThresholdResult FindThreshold(const orlix::ComPtr<IHistogram>& histogram, const ThresholdMethod& method,
-                              const std::array<double, 2>& parameters);
+// The histogram is of integer pixels or not. `largest` is the largest level of the pixels.
+ThresholdResult FindThreshold(const orlix::ComPtr<IHistogram>& histogram, bool integer, double largest,
+                              const ThresholdMethod& method, const std::array<double, 2>& parameters);
 
 }  // namespace tool
