@@ -112,10 +112,11 @@ struct Method {
     int level, strategy;
 };
 constexpr int kBestFilter = -1;
+// The faster ones first: a slower one has to save 3 %. Pictures with colours drawn over grey save 1 to 4 % in three times the
+// time, label images up to a third.
 constexpr Method kMethods[] = {
-    {kBestFilter, 6, Z_RLE},
-    {kNone, 6, Z_DEFAULT_STRATEGY},
-    {kUp, 6, Z_DEFAULT_STRATEGY},
+    {kBestFilter, 6, Z_RLE},        {kNone, 3, Z_DEFAULT_STRATEGY}, {kUp, 3, Z_DEFAULT_STRATEGY},
+    {kNone, 6, Z_DEFAULT_STRATEGY}, {kUp, 6, Z_DEFAULT_STRATEGY},
 };
 
 class RowWriter {
@@ -168,7 +169,7 @@ private:
     std::vector<uint8_t> best_, trial_;  // behind the byte that names the filter
 };
 
-// By the method that makes the least of a strip of rows in the middle.
+// By the method that makes the least of a strip of rows in the middle, or nearly the least in less time.
 void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties, PixelSource& source) {
     constexpr size_t kStrip = 64 * 1024;
     RowWriter rows(properties, source);
@@ -180,7 +181,7 @@ void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties,
     for (const Method& method : kMethods) {
         std::vector<uint8_t> strip;
         rows.Write(first, first + count, method, strip);
-        if (best && strip.size() >= least.size()) continue;
+        if (best && strip.size() * 100 >= least.size() * 97) continue;
         least.swap(strip);
         best = &method;
     }
