@@ -103,17 +103,17 @@ private:
     z_stream stream_ = NewZlibStream();
 };
 
-// How rows are filtered and compressed. Measured on micrographs: with the best filter for each row, noise leaves nothing
-// but runs to be matched, and looking for longer matches makes the file larger and takes five times as long. Label images
-// and drawings repeat themselves, which filters hide. Some height maps use few of their levels: one filter for all rows
-// keeps what they repeat.
+// How rows are filtered and compressed. Measured on micrographs: with the best filter for each row, noise leaves
+// nothing but runs to be matched, and looking for longer matches makes the file larger and takes five times as long.
+// Label images and drawings repeat themselves, which filters hide. Some height maps use few of their levels: one filter
+// for all rows keeps what they repeat.
 struct Method {
     int filter;  // one for all rows, or kBestFilter
     int level, strategy;
 };
 constexpr int kBestFilter = -1;
-// The faster ones first: a slower one has to save 3 %. Pictures with colours drawn over grey save 1 to 4 % in three times the
-// time, label images up to a third.
+// The faster ones first: a slower one has to save 3 %. Pictures with colours drawn over grey save 1 to 4 % in three
+// times the time, label images up to a third.
 constexpr Method kMethods[] = {
     {kBestFilter, 6, Z_RLE},        {kNone, 3, Z_DEFAULT_STRATEGY}, {kUp, 3, Z_DEFAULT_STRATEGY},
     {kNone, 6, Z_DEFAULT_STRATEGY}, {kUp, 6, Z_DEFAULT_STRATEGY},

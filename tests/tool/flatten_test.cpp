@@ -40,7 +40,8 @@ TEST_F(FlattenProgram, ReproducesThePublishedRoughnessOfAnInterferometersHeightM
     EXPECT_NEAR(75.28822, 1000 * NumberAt(m, "before.SqMicrons"), 5e-6);
     // Rounding counts to levels moves each height by up to a third of a level, 0.009 nm, and the result by its square.
     EXPECT_NEAR(3.911386, 1000 * NumberAt(m, "after.SqMicrons"), 5e-6);
-    // Of the rounded heights, from normal equations in exact rational numbers; less than a millionth for the residuals in float.
+    // Of the rounded heights, from normal equations in exact rational numbers; less than a millionth for the residuals
+    // in float.
     EXPECT_NEAR(149.904305550907, NumberAt(m, "after.Sq"), 1e-6);
     EXPECT_NEAR(18188.648340381307, NumberAt(m, "surface.coefficients.K0"), 1e-8);
     EXPECT_NEAR(-0.015814030537371262, NumberAt(m, "surface.coefficients.K5"), 1e-14);
@@ -194,7 +195,8 @@ TEST_F(FlattenProgram, RoughnessIsThatOfTheStandardsDefinitions) {
     EXPECT_EQ(8, pits["trimmedSz"]);  // two pixels at either end are left out
 }
 
-// Rounding errors are all within the limit, outliers far outside: what is left is the fit of least squares without outliers.
+// Rounding errors are all within the limit, outliers far outside: what is left is the fit of least squares without
+// outliers.
 TEST_F(FlattenProgram, ARobustFitEndsWithLeastSquaresOverThePixelsOfTheSurface) {
     std::string pgm = "P2 90 70 65535", mask = "P2 90 70 1";
     for (int i = 0; i < 6300; ++i) {

@@ -142,10 +142,10 @@ struct Inliers {
     int64_t count = 0;
 };
 
-// Within 2.5 deviations, these being estimated from the median of all sizes as if there were no outliers (P. J. Rousseeuw and
-// A. M. Leroy, Robust Regression and Outlier Detection, 1987): with outliers the limit is larger, by no more than 1.6 times,
-// as of fewer good pixels than 70 % a lower quantile takes the place of the median. It is never below what rounding to grey
-// levels makes of pixels on the surface.
+// Within 2.5 deviations, these being estimated from the median of all sizes as if there were no outliers (P. J.
+// Rousseeuw and A. M. Leroy, Robust Regression and Outlier Detection, 1987): with outliers the limit is larger, by no
+// more than 1.6 times, as of fewer good pixels than 70 % a lower quantile takes the place of the median. It is never
+// below what rounding to grey levels makes of pixels on the surface.
 Inliers InliersOf(const std::vector<float>& residual, double good, double rounding) {
     std::vector<float> sizes;
     for (const float value : residual)
@@ -172,9 +172,9 @@ double SquaresWithin(const std::vector<uint8_t>& mask, const std::vector<float>&
     return sum;
 }
 
-// A robust fit is an exact surface through a few pixels, with their noise. Least squares over the pixels near it, and again over
-// those near the result, take that away. A step that fits its pixels no better is not taken (an algebraic fit may be worse).
-// Describes what was done.
+// A robust fit is an exact surface through a few pixels, with their noise. Least squares over the pixels near it, and
+// again over those near the result, take that away. A step that fits its pixels no better is not taken (an algebraic
+// fit may be worse). Describes what was done.
 Json Refit(std::unique_ptr<Surface>& surface, const Subject& subject, const Heights& heights, double good,
            std::vector<float>& residual) {
     constexpr int kMostRounds = 50;

@@ -33,21 +33,22 @@ struct Measurement {
     Json document;
 };
 
-// Members of the document, in this order (null where there is nothing to say; lengths in pixels unless named otherwise):
+// Members of the document, in this order (null where there is nothing to say; lengths in pixels unless named
+// otherwise):
 //   file, width, height, bands, type, band, micronsPerPixel {x, y, source}
 //   region {shape, polarity, mask, pixelsLeftOut, pixels, areaSquareMicrons}
 //   flatten: null, or what was done before anything else was measured (flattening.hpp)
-//   grey {count, mean, standardDeviation, minimum, maximum, median, mode, skew, excessKurtosis, entropy, xCentroid, yCentroid}: of
-//     all pixels of the region that are measured; excess kurtosis is 0 for a normal distribution
+//   grey {count, mean, standardDeviation, minimum, maximum, median, mode, skew, excessKurtosis, entropy, xCentroid,
+//     yCentroid}: of all pixels of the region that are measured; excess kurtosis is 0 for a normal distribution
 //   luminance {lower, upper, source}: the levels that the histogram looks at
-//   histogram {bins, left, right, binWidth, smoothing, pixelsOutside, dip, leastDipOfTwoPeaks, counts}: the one that thresholds were
-//     chosen on; dip is 0 for one peak and grows with the second (peaks.hpp)
-//   thresholds [{method, label, chosen, parameters, threshold | left and right, darkFraction, brightFraction, note, message}]:
-//     threshold is the last dark level; with a message there is none
-//   phase {polarity, method, lower, upper, pixels, areaFraction, areaSquareMicrons, xCentroid, yCentroid}: fractions of the region;
-//     all but the first two are null when the chosen method has found no threshold
-//   warnings [{code, message}] where there are any: resolution-of-paper, rougher (flattening), no-threshold, levels-outside-type,
-//     one-peak, more-than-two-peaks, at-search-limit, above-all-levels (of the chosen threshold)
+//   histogram {bins, left, right, binWidth, smoothing, pixelsOutside, dip, leastDipOfTwoPeaks, counts}: the one that
+//     thresholds were chosen on; dip is 0 for one peak and grows with the second (peaks.hpp)
+//   thresholds [{method, label, chosen, parameters, threshold | left and right, darkFraction, brightFraction, note,
+//     message}]: threshold is the last dark level; with a message there is none
+//   phase {polarity, method, lower, upper, pixels, areaFraction, areaSquareMicrons, xCentroid, yCentroid}: fractions of
+//     the region; all but the first two are null when the chosen method has found no threshold
+//   warnings [{code, message}] where there are any: resolution-of-paper, rougher (flattening), no-threshold,
+//     levels-outside-type, one-peak, more-than-two-peaks, at-search-limit, above-all-levels (of the chosen threshold)
 // Throws orlix::Error, or std::runtime_error with a text for the user.
 Measurement MeasureImage(orlix::ComPtr<IImageVPAExPlus> image, const std::string& shownName,
                          const MeasureSettings& settings);

@@ -9,7 +9,8 @@ namespace tool {
 
 namespace {
 
-// A distribution function: straight lines between knots. Fractions are whole numbers of pixels, places are in intervals.
+// A distribution function: straight lines between knots. Fractions are whole numbers of pixels, places are in
+// intervals.
 struct Knots {
     std::vector<double> at, below;
 };
@@ -87,7 +88,8 @@ std::vector<double> Heights(const Knots& knots, const std::vector<size_t>& hull)
 }  // namespace
 
 // The peak is somewhere in an interval, at first everything. Left of it the nearest distribution is convex, right of it
-// concave. In each step the two hulls of what is left are farthest apart at a knot of one of them, and there the interval is cut.
+// concave. In each step the two hulls of what is left are farthest apart at a knot of one of them, and there the
+// interval is cut.
 double Dip(std::span<const LONG> counts) {
     const Knots knots = Distribution(Intervals(counts));
     if (knots.at.size() < 2) return 0;

@@ -30,7 +30,8 @@ Picture OverlayPicture(const Measurement& measurement, const Picture& display);
 // White phase on black.
 Picture PhasePicture(const orlix::ComPtr<IBitmap>& phase);
 
-// Averages over squares of Reduction() pixels a side, so that neither side exceeds `largest`; as it is when it is small enough.
+// Averages over squares of Reduction() pixels a side, so that neither side exceeds `largest`; as it is when it is small
+// enough.
 Picture Reduced(const Picture& picture, int32_t largest);
 int32_t Reduction(const Picture& picture, int32_t largest);
 

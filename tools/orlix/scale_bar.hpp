@@ -13,8 +13,8 @@ double ScaleBarLength(int32_t width, double micronsPerPixel);
 // "50 µm", "200 nm" or "1 mm".
 std::string ScaleBarText(double microns);
 
-// White bar and text on black, so that they are read on light and on dark pictures. Without a pixel size (not a number) and
-// where the picture is too small there is none.
+// White bar and text on black, so that they are read on light and on dark pictures. Without a pixel size (not a number)
+// and where the picture is too small there is none.
 Picture WithScaleBar(Picture picture, double micronsPerPixel);
 
 }  // namespace tool

@@ -1,5 +1,5 @@
-// What the commands that process images have in common: the band, region and calibration that they work with, and what their
-// documents and texts say of these.
+// What the commands that process images have in common: the band, region and calibration that they work with, and what
+// their documents and texts say of these.
 #pragma once
 
 #include "document.hpp"
@@ -57,19 +57,19 @@ struct Subject {
     int64_t pixels = 0;                 // of the region, in the image
     double xMicrons = 0, yMicrons = 0;  // of a pixel; 0: not known
 
-    // Puts band and region into the image, with the given pixel size if any, and describes them, in this order: width, height,
-    // bands, type, band (null: all; "grey"), micronsPerPixel {x, y, source}, region {shape, polarity, mask, pixelsLeftOut (by
-    // mask or grey level), pixels, areaSquareMicrons}. Warns of a pixel size that is a printer's or a screen's.
-    // std::runtime_error for a band that the image has not and for a region without pixels. With kGreyBand the image of three
-    // bands becomes another one of a single band.
+    // Puts band and region into the image, with the given pixel size if any, and describes them, in this order: width,
+    // height, bands, type, band (null: all; "grey"), micronsPerPixel {x, y, source}, region {shape, polarity, mask,
+    // pixelsLeftOut (by mask or grey level), pixels, areaSquareMicrons}. Warns of a pixel size that is a printer's or a
+    // screen's. std::runtime_error for a band that the image has not and for a region without pixels. With kGreyBand
+    // the image of three bands becomes another one of a single band.
     Subject(orlix::ComPtr<IImageVPAExPlus> image, const SubjectSettings& settings, Json& document);
 
     Json Area(int64_t pixelCount) const;                                      // square microns, or null
     double PixelSize() const { return xMicrons == yMicrons ? xMicrons : 0; }  // microns; 0: not known or not square
 };
 
-// One band of 0.299 red + 0.587 green + 0.114 blue (luma of ITU-R BT.601) of an image's three, of the same pixel type, rounded to the
-// nearest level.
+// One band of 0.299 red + 0.587 green + 0.114 blue (luma of ITU-R BT.601) of an image's three, of the same pixel type,
+// rounded to the nearest level.
 orlix::ComPtr<IImageVPAExPlus> Luma(const orlix::ComPtr<IImageVPAExPlus>& image);
 
 const char* TypeName(LONG dataType);    // "8-bit", "16-bit", ...

@@ -43,8 +43,9 @@ std::vector<int64_t> Cumulative(std::span<const LONG> counts) {
     return sums;
 }
 
-// Whether a threshold lies where its search ends and not where its method has found what it looks for. The minimum is sought
-// in a window: when there is an emptier bin close by, the window ends there. The other methods leave a fraction on either side.
+// Whether a threshold lies where its search ends and not where its method has found what it looks for. The minimum is
+// sought in a window: when there is an emptier bin close by, the window ends there. The other methods leave a fraction
+// on either side.
 bool AtSearchLimit(std::span<const LONG> counts, size_t bin, Index index, double left, double right) {
     if (index == kSearchForMinimum) {
         const size_t close = counts.size() / 100 + 1;

@@ -46,12 +46,12 @@ struct ThresholdResult {
     // What to know about a threshold; mostly empty.
     std::string note;
     std::string noteCode;  // see warnings.hpp
-    // Dark are the pixels of at most darkCut, bright those above brightCut. The library's thresholds name a bin that belongs
-    // to the lower class, so the cut is that bin's upper edge; trim leaves its two bins to neither tail.
+    // Dark are the pixels of at most darkCut, bright those above brightCut. The library's thresholds name a bin that
+    // belongs to the lower class, so the cut is that bin's upper edge; trim leaves its two bins to neither tail.
     double darkCut = 0;
     double brightCut = 0;
-    // For people and documents: the last dark level, of trim the levels between which neither tail lies. Of integer pixels whole
-    // numbers.
+    // For people and documents: the last dark level, of trim the levels between which neither tail lies. Of integer
+    // pixels whole numbers.
     std::vector<double> levels;
 };
 
