@@ -2,7 +2,7 @@
 
 namespace orlix {
 
-void TypedImage::ContentReplaced() { bandToProcess_ = store().layout().bands == 1 ? 0 : BI_AllBands; }
+void TypedImage::ContentReplaced() { bandToProcess_ = store().layout().bands == 1 ? 0 : LONG{BI_AllBands}; }
 
 void TypedImage::PutBandToProcess(LONG band) {
     if (band != BI_AllBands && (band < 0 || band >= store().layout().bands))

@@ -129,7 +129,7 @@ ComPtr<IImageVPAExPlus> FurnishedImage(LONG bands) {
     Check(process->put_BandToProcess(bands - 1));
     const auto display = Cast<IDisplayProcess>(image);
     Check(display->PutDisplayRange(5, 99));
-    Check(display->put_BandToDisplay(bands > 1 ? 1 : BI_AllBands));
+    Check(display->put_BandToDisplay(bands > 1 ? 1 : LONG{BI_AllBands}));
     Check(display->put_ColorTable(200, 0x123456));
     const auto entries = Cast<IImageEntries>(image);
     Check(entries->PutTextEntry(Text("Author"), Text("\xE9\x9D\xA2")));
@@ -182,7 +182,7 @@ TYPED_TEST(ImageStreams, KeepEverything) {
         EXPECT_EQ(5, x);
         EXPECT_EQ(99, y);
         ASSERT_EQ(S_OK, display->get_BandToDisplay(&number));
-        EXPECT_EQ(bands > 1 ? 1 : BI_AllBands, number);
+        EXPECT_EQ(bands > 1 ? 1 : LONG{BI_AllBands}, number);
         OLE_COLOR color = 0;
         ASSERT_EQ(S_OK, display->get_ColorTable(200, &color));
         EXPECT_EQ(0x123456u, color);

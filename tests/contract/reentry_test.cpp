@@ -1,9 +1,14 @@
 // Clients that call back in the middle of a call, and let go of the last reference there.
 #include <gmock/gmock.h>
 
-#include <cstring>
+#include <limits>
+#include <utility>
 
 #include "contract/support.hpp"
+
+#ifdef _WIN32
+#include <olectl.h>
+#endif
 
 namespace orlix::testing {
 namespace {

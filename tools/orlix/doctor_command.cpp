@@ -156,7 +156,8 @@ void MeasureSpecimen(int bits, Checks& checks) {
     settings.particles = 50;
     settings.pits = 0;
     const samples::Specimen specimen = samples::MakeSpecimen(settings);
-    const Measurement measurement = MeasureImage(ImageOf(specimen), "specimen", {});
+    const MeasureSettings measured;
+    const Measurement measurement = MeasureImage(ImageOf(specimen), "specimen", measured);
     const Json& m = measurement.document;
     const std::string name = std::to_string(bits) + "-bit: ";
 
