@@ -1,11 +1,13 @@
 #include "binary/bitmap_store.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
 
 #include "component/failure.hpp"
+#include "platform/memory_probe.hpp"
 
 namespace orlix {
 namespace {
@@ -59,6 +61,9 @@ void BitmapStore::CopyFrom(const BITMAP& source) {
     BitmapStore copy;
     copy.Create(source.bmWidth, source.bmHeight, false);
     const size_t bytes = static_cast<size_t>(std::min<int32_t>(source.bmWidthBytes, copy.record_.bmWidthBytes));
+    const uint64_t span =
+        static_cast<uint64_t>(source.bmWidthBytes) * static_cast<uint64_t>(source.bmHeight - 1) + bytes;
+    if (span > SIZE_MAX || !IsReadable(source.bmBits, static_cast<size_t>(span))) throw FailedResult(E_FAIL);
     const auto* from = static_cast<const uint8_t*>(source.bmBits);
     for (int32_t y = 0; y < copy.height(); ++y)
         std::memcpy(copy.WriteRow(y), from + static_cast<ptrdiff_t>(source.bmWidthBytes) * y, bytes);

@@ -38,7 +38,7 @@ public:
 
     // Becomes a copy of the bitmap that a record describes, which may lie in this store's memory. Its rows may be longer or
     // shorter than here; bytes it does not have are 0. Fails as Create does, and with FailedResult(E_FAIL) for a record that
-    // has no bits, not one bit a pixel or rows too short for its width.
+    // has no bits, bits that cannot be read, not one bit a pixel or rows too short for its width.
     void CopyFrom(const BITMAP& source);
 
     // All bytes, padding included. Marks no row.

@@ -171,6 +171,7 @@ TEST(BitmapStore, ImpossibleRecordsAreRefused) {
         EXPECT_EQ(10, store.width());
     };
     refuse([](BITMAP& b) { b.bmBits = nullptr; });
+    refuse([](BITMAP& b) { b.bmBits = reinterpret_cast<void*>(uintptr_t{16}); });  // not to be read
     refuse([](BITMAP& b) { b.bmWidthBytes = 2; });
     refuse([](BITMAP& b) { b.bmWidthBytes = -4; });
     refuse([](BITMAP& b) { b.bmPlanes = 4; });
