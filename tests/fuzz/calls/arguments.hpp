@@ -1,0 +1,241 @@
+// An argument of each type that the contract's methods take, made by the choices. A type that is not known here does not
+// compile: whoever adds a method of a new type says what its arguments are.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+
+#include "fuzz/calls/devices.hpp"
+#include "fuzz/calls/pages.hpp"
+#include "fuzz/calls/world.hpp"
+
+namespace orlix::fuzz {
+
+template <class T>
+concept Interface = std::is_base_of_v<IUnknown, T>;
+
+// get() is what is passed. Done() is called when the method is back, with its result, and looks at what came out.
+template <class T>
+class Argument;
+
+template <class T>
+requires std::is_integral_v<T>
+class Argument<T> {
+public:
+    explicit Argument(World& world) : value_(static_cast<T>(world.Long())) {}
+    T get() const { return value_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    T value_;
+};
+
+// Members and numbers that are none.
+template <class T>
+requires std::is_enum_v<T>
+class Argument<T> {
+public:
+    explicit Argument(World& world) {
+        // Without an underlying type of its own an enumeration has no value that its members' bits cannot hold.
+        if constexpr (requires { T{0}; })
+            value_ = static_cast<T>(world.Long());
+        else
+            value_ = static_cast<T>(world.choices().Below(4));
+    }
+    T get() const { return value_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    T value_;
+};
+
+template <>
+class Argument<double> {
+public:
+    explicit Argument(World& world) : value_(world.Double()) {}
+    double get() const { return value_; }
+    void put(double value) { value_ = value; }
+    void Done(World&, HRESULT) {}
+
+private:
+    double value_;
+};
+
+template <>
+class Argument<TCoordinateMap> {
+public:
+    explicit Argument(World& world)
+        : value_{world.Double(), world.Double(), {world.Double(), world.Double(), world.Double(), world.Double()}} {}
+    TCoordinateMap get() const { return value_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    TCoordinateMap value_;
+};
+
+template <>
+class Argument<const IID&> {
+public:
+    explicit Argument(World& world) : value_(world.Identifier()) {}
+    const IID& get() const { return value_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    const IID& value_;
+};
+
+template <>
+class Argument<BSTR> {
+public:
+    explicit Argument(World& world) {
+        Choices& choices = world.choices();
+        constexpr const OLECHAR* kTexts[] = {
+            OLESTR("text"),         OLESTR(""),       OLESTR("Description"), OLESTR("MicronsPerPixel"),
+            OLESTR("\u00e4\u9762"), OLESTR(" a  b "), OLESTR("Author")};
+        const size_t kind = choices.Below(12);
+        if (kind < std::size(kTexts)) text_ = SysAllocString(kTexts[kind]);
+        if (kind == 7 || kind == 8) {  // units of any kind, zeros and halves of pairs among them
+            text_ = SysAllocStringLen(nullptr, static_cast<UINT>(choices.Below(kind == 7 ? 90 : 3000)));
+            for (UINT i = 0; text_ && i < SysStringLen(text_); ++i)
+                text_[i] = static_cast<OLECHAR>(i % 7 == 0 ? 0xD800 + choices.Byte() * 8 : choices.Byte());
+        }
+    }
+    ~Argument() { SysFreeString(text_); }
+    Argument(const Argument&) = delete;
+    Argument& operator=(const Argument&) = delete;
+    BSTR get() const { return text_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    BSTR text_ = nullptr;
+};
+
+// Where a method writes a number or a record. On the heap: what is written beyond its end is noticed.
+template <class T>
+requires(std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_class_v<T> || std::is_union_v<T>) &&
+    (!Interface<T>)class Argument<T*> {
+public:
+    explicit Argument(World& world) {
+        if (world.choices().Chance(6)) return;
+        value_ = std::make_unique<T>();
+        if constexpr (requires { value_->m_lSize; }) FillFit(world);
+    }
+    T* get() const { return value_.get(); }
+    void Done(World&, HRESULT) {}
+
+private:
+    // What a method reads: a size and numbers.
+    void FillFit(World& world) {
+        value_->m_lSize = world.choices().Chance(32) ? world.Long() : LONG{sizeof(T)};
+        constexpr size_t kFirst = sizeof(double);  // after the size
+        for (size_t at = kFirst; at + sizeof(double) <= sizeof(T); at += sizeof(double)) {
+            const double number = world.Double();
+            std::memcpy(reinterpret_cast<uint8_t*>(value_.get()) + at, &number, sizeof number);
+        }
+    }
+
+    std::unique_ptr<T> value_;
+};
+
+// An object handed in.
+template <Interface I>
+class Argument<I*> {
+public:
+    explicit Argument(World& world) : held_(world.Argument(__uuidof(I))), pointer_(static_cast<I*>(held_.get())) {}
+    I* get() const { return pointer_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    ComPtr<IUnknown> held_;
+    I* pointer_;
+};
+
+// An object handed out.
+template <Interface I>
+class Argument<I**> {
+public:
+    explicit Argument(World& world) : wanted_(!world.choices().Chance(6)) {}
+    I** get() { return wanted_ ? &pointer_ : nullptr; }
+    void Done(World& world, HRESULT) {
+        if (pointer_) world.Adopt(__uuidof(I), pointer_);
+    }
+
+private:
+    bool wanted_;
+    I* pointer_ = nullptr;
+};
+
+template <>
+class Argument<BSTR*> {
+public:
+    explicit Argument(World& world) : wanted_(!world.choices().Chance(6)) {}
+    BSTR* get() { return wanted_ ? &text_ : nullptr; }
+    void Done(World&, HRESULT) { SysFreeString(text_); }
+
+private:
+    bool wanted_;
+    BSTR text_ = nullptr;
+};
+
+// The address of something inside an object: see what comes after the calls that give it.
+template <class T>
+requires(std::is_void_v<T> || std::is_arithmetic_v<T> || std::is_class_v<T>) && (!Interface<T>)class Argument<T**> {
+public:
+    explicit Argument(World& world) : wanted_(!world.choices().Chance(6)) {}
+    T** get() { return wanted_ ? &pointer_ : nullptr; }
+    T* pointer() const { return pointer_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    bool wanted_;
+    T* pointer_ = nullptr;
+};
+
+// Everywhere but where a method of its own kind says otherwise: a device context.
+template <>
+class Argument<void*> {
+public:
+    explicit Argument(World& world) : context_(DeviceContext(world.choices().Byte())) {}
+    void* get() const { return context_; }
+    void Done(World&, HRESULT) {}
+
+private:
+    void* context_;
+};
+
+// Memory that is as large as it says, or that says what no memory is.
+template <>
+class Argument<SPictureMemory*> {
+public:
+    explicit Argument(World& world) {
+        Choices& choices = world.choices();
+        if (choices.Chance(6)) return;
+        const size_t width = choices.Below(40), height = choices.Below(40), stride = width + choices.Below(5);
+        pixels_ = std::make_unique<unsigned int[]>(stride * height + 1);
+        memory_ = std::make_unique<SPictureMemory>();
+        *memory_ = {pixels_.get(), static_cast<LONG>(width), static_cast<LONG>(height), static_cast<LONG>(stride),
+                    static_cast<LONG>(choices.Below(2))};
+        if (choices.Chance(48) && height > 0) {  // bottom-up
+            memory_->m_pPixels += stride * (height - 1);
+            memory_->m_lStride = -memory_->m_lStride;
+        }
+        if (choices.Chance(6)) memory_->m_pPixels = nullptr;
+        if (choices.Chance(6)) memory_->m_lWidth = -1 - world.Long();
+        if (choices.Chance(6) && memory_->m_lWidth > 0) memory_->m_lWidth = 0;
+        if (choices.Chance(6)) memory_->m_lHeight = -LONG{choices.Byte()};
+        if (choices.Chance(6)) memory_->m_lScaling = world.Long();
+        // A width that the rows do not have goes with a stride that says so.
+        if (memory_->m_lWidth > static_cast<LONG>(width)) memory_->m_lStride = static_cast<LONG>(stride) % 41;
+        if (memory_->m_lWidth > static_cast<LONG>(width) && memory_->m_lWidth <= 40) memory_->m_lWidth = 0;
+    }
+    SPictureMemory* get() const { return memory_.get(); }
+    void Done(World&, HRESULT) {}
+
+private:
+    std::unique_ptr<unsigned int[]> pixels_;
+    std::unique_ptr<SPictureMemory> memory_;
+};
+
+}  // namespace orlix::fuzz
