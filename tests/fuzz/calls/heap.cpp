@@ -15,7 +15,8 @@
 #endif
 #endif
 #ifdef ORLIX_SANITIZED_HEAP
-#include <sanitizer/allocator_interface.h>
+// GCC brings the function, but not the header that declares it.
+extern "C" size_t __sanitizer_get_allocated_size(const volatile void* memory);
 #endif
 
 namespace orlix::fuzz {
