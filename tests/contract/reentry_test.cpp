@@ -121,15 +121,21 @@ TEST(AnImage, LivesUntilItsMethodReturnsWhenARegionLetsGoOfIt) {
     }
 }
 
-TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
-    const Visited image;
-    uint16_t samples[12] = {};
-    const auto source = ForeignImage::Make();
+// A 16-bit image of 4 x 3 of another component.
+ComPtr<ForeignImage> SourceOf(uint16_t (&samples)[12]) {
+    auto source = ForeignImage::Make();
     source->type = DT_WORD;
     source->width = 4;
     source->height = 3;
     source->base = samples;
     source->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
+    return source;
+}
+
+TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
+    const Visited image;
+    uint16_t samples[12] = {};
+    const auto source = SourceOf(samples);
     int asked = 0;
     source->onVpa = [&] { ++asked; };
     for (const LONG band : {LONG{1}, std::numeric_limits<LONG>::max(), std::numeric_limits<LONG>::min()}) {
@@ -144,12 +150,7 @@ TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
 TEST(ASourceThatCallsBack, MayPutTheSettingsAndReplaceTheImage) {
     const Visited image;
     uint16_t samples[12] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
-    const auto source = ForeignImage::Make();
-    source->type = DT_WORD;
-    source->width = 4;
-    source->height = 3;
-    source->base = samples;
-    source->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
+    const auto source = SourceOf(samples);
     source->onVpa = [&] { image.process->PutLuminanceRange(0, 5); };
     ASSERT_EQ(S_OK, image.process->Gaussian3x3(source.get(), 0));
     EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(5));
