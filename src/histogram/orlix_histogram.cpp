@@ -25,13 +25,30 @@ orlix::BinMapping OrlixHistogram::Mapping() const {
 
 // -------------------------------------------------------------------------------------------------- content
 
+orlix::ComPtr<OrlixHistogram> OrlixHistogram::Make(LONG numberOfBins, double left, double right) {
+    auto histogram = Make();
+    histogram->bins_ = CountBuffer(numberOfBins);
+    histogram->left_ = left;
+    histogram->right_ = right;
+    return histogram;
+}
+
+// The detail and smooth bins are as many as the bins, or none.
+void OrlixHistogram::Replace(CountBuffer&& bins) noexcept {
+    if (bins.size() != bins_.size()) {
+        detail_ = CountBuffer();
+        smooth_ = CountBuffer();
+    }
+    bins_ = std::move(bins);
+}
+
 STDMETHODIMP OrlixHistogram::Create(LONG NumberOfBins, double Left, double Right) noexcept {
     return Guarded([&] {
         // A camera loop creates the same shape again and again.
         if (NumberOfBins > 0 && static_cast<size_t>(NumberOfBins) == bins_.size())
             std::ranges::fill(bins_.counts(), 0);
         else
-            bins_ = CountBuffer(NumberOfBins);
+            Replace(CountBuffer(NumberOfBins));
         left_ = Left;
         right_ = Right;
     });
@@ -56,7 +73,7 @@ STDMETHODIMP OrlixHistogram::CreateFromHistogram(IHistogram* Histogram) noexcept
             if (!orlix::IsReadable(source, bins.size() * sizeof(LONG))) throw FailedResult(E_FAIL);
             std::copy_n(source, bins.size(), bins.data());
         }
-        bins_ = std::move(bins);
+        Replace(std::move(bins));
         left_ = left;
         right_ = right;
         return S_OK;

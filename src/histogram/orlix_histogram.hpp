@@ -13,7 +13,10 @@
 
 class OrlixHistogram final : public orlix::Object<OrlixHistogram, IHistogram> {
 public:
-    // For the library's own code, which creates (Create) and then fills the counts without going through the interface.
+    // For the library's own code, which makes histograms and fills their counts in the middle of operations. No method of the
+    // interface may be called there: it clears the thread's error information, which may be a client's.
+    using Object::Make;
+    static orlix::ComPtr<OrlixHistogram> Make(LONG numberOfBins, double left, double right);
     std::span<LONG> counts() noexcept { return bins_.counts(); }
 
     STDMETHODIMP Create(LONG NumberOfBins, double Left, double Right) noexcept override;
@@ -68,6 +71,7 @@ private:
     double LocationOf(int64_t bin) const { return Mapping().Location(static_cast<double>(bin)); }
     double HalfOfBins() const { return 0.5 * static_cast<double>(bins_.size()); }
     HRESULT Smooth(int width) noexcept;
+    void Replace(orlix::CountBuffer&& bins) noexcept;
 
     orlix::CountBuffer bins_;
     double left_ = 0.0;

@@ -81,7 +81,7 @@ void ImageStore::Replace(ImageContent&& content) noexcept {
     SetModified(true);
 }
 
-void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table) {
+void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry> table) {
     content_.layout = layout;
     content_.table = std::move(table);
     content_.refused = false;

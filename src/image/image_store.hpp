@@ -91,12 +91,16 @@ public:
     ImageContent MakeContent(LONG width, LONG height, LONG bands, Bytes bytes = Bytes::Zero) const;
     void Replace(ImageContent&& content) noexcept;
 
-    // Base address of a band, 0 <= band < bands, and the table's entry 0.
-    uint8_t* base(int32_t band) const { return content_.data + static_cast<size_t>(band) * content_.layout.bandSize; }
+    // Base address of a band, 0 <= band < bands, and the table's entry 0. The address of a refused buffer may be anything.
+    uint8_t* base(int32_t band) const {
+        return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(content_.data) +
+                                          static_cast<size_t>(band) * content_.layout.bandSize);
+    }
     VPAEntry* table() { return content_.table.data() + kTableMargin; }
 
 private:
-    void Reset(const ImageLayout& layout, std::vector<VPAEntry>&& table);
+    // table may come out of the content itself.
+    void Reset(const ImageLayout& layout, std::vector<VPAEntry> table);
 
     LONG dataType_;
     bool modified_ = false;

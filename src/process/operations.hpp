@@ -38,14 +38,11 @@ void ApplyTo(const Selection<Pixel>& at, Operation&& operation) {
 
 template <class Pixel>
 ComPtr<OrlixHistogram> HistogramOf(const Selection<Pixel>& at, Pixel lower, Pixel upper, LONG mostBins) {
+    const HistogramShape shape = ShapeOfHistogram(lower, upper, mostBins);
+    auto histogram = OrlixHistogram::Make(shape.bins, shape.left, shape.right);
     Counter<Pixel> counter(lower, upper, mostBins, static_cast<uint64_t>(at.pixels()));
-    auto histogram = OrlixHistogram::Make();
-    const HistogramShape& shape = counter.shape();
-    PassOn(histogram->Create(shape.bins, shape.left, shape.right));
     ApplyTo(at, counter);
-    LONG* bins = nullptr;
-    PassOn(histogram->get_Bins(&bins));
-    counter.Histogram({bins, static_cast<size_t>(shape.bins)});
+    counter.Histogram(histogram->counts());
     return histogram;
 }
 
@@ -70,6 +67,7 @@ std::optional<GreyRange> TrimmedRange(const Selection<Pixel>& at, double trimLow
     const Pixel least = ToPixel<Pixel>(extremes.Min());  // infinities have no place in a histogram
     const Pixel most = ToPixel<Pixel>(extremes.Max());
     const ComPtr<OrlixHistogram> histogram = HistogramOf(at, least, most, mostBins);
+    // May call a client, the one whose error information it clears: the selection is not used from here on.
     PassOn(histogram->AutoThresholdTrim(trimLower, &range.lower, trimUpper, &range.upper));
     if (trimLower == 0.0) range.lower = least;
     if (trimUpper == 0.0) range.upper = most;
@@ -80,9 +78,9 @@ std::optional<GreyRange> TrimmedRange(const Selection<Pixel>& at, double trimLow
 template <class Pixel>
 ComPtr<OrlixBitmap> ThresholdOf(const Selection<Pixel>& at, double lower, double upper, bool inside) {
     auto bitmap = OrlixBitmap::Make();
-    PassOn(bitmap->Create(at.width(), at.height(), 1));
-    const ThresholdOperation<Pixel> threshold(CeilToPixel<Pixel>(lower), FloorToPixel<Pixel>(upper), inside);
     BitmapStore& bits = bitmap->store();
+    bits.Create(at.width(), at.height(), true);
+    const ThresholdOperation<Pixel> threshold(CeilToPixel<Pixel>(lower), FloorToPixel<Pixel>(upper), inside);
     at.ForEachRun(
         [&](const Pixel* pixels, size_t n, int32_t x, int32_t y) { threshold(pixels, n, x, bits.WriteRow(y)); });
     return bitmap;
@@ -119,6 +117,7 @@ Pixel DefaultEntry(const FrameSettings<Pixel>& settings, LONG entry) {
 template <class Pixel>
 std::vector<Pixel> TableOf(const FrameSettings<Pixel>& settings) {
     if (settings.table) return *settings.table;
+    if (settings.bins > kMostBins) throw std::bad_alloc();
     std::vector<Pixel> table(static_cast<size_t>(settings.bins));
     for (size_t i = 0; i < table.size(); ++i) table[i] = DefaultEntry(settings, static_cast<LONG>(i));
     return table;
@@ -129,11 +128,7 @@ std::vector<Pixel> TableOf(const FrameSettings<Pixel>& settings) {
 template <class Pixel>
 std::optional<std::vector<Pixel>> EqualizedTable(const Selection<Pixel>& at, LONG type) {
     const ComPtr<OrlixHistogram> histogram = HistogramOf(at);
-    LONG* bins = nullptr;
-    LONG count = 0;
-    PassOn(histogram->get_Bins(&bins));
-    PassOn(histogram->get_NumberOfBins(&count));
-    const std::span<const LONG> counts(bins, static_cast<size_t>(count));
+    const std::span<const LONG> counts = histogram->counts();
     int64_t total = 0;
     for (const LONG c : counts) total += c;
     if (total < 1) throw Failure("IImageProcess::EqualizeTable: empty histogram");

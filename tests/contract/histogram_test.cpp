@@ -380,9 +380,14 @@ TEST(HistogramContract, TrimSmoothAndDecomposeWorkInPlace) {
     EXPECT_EQ(S_OK, steps->get_SmoothBins(&smooth));
     EXPECT_EQ((std::vector<LONG>{5, 0, -3, 0}), std::vector<LONG>(detail, detail + 4));
     EXPECT_EQ((std::vector<LONG>{5, 5, 5, 5}), std::vector<LONG>(smooth, smooth + 4));
-    // They stay when the counts go.
-    EXPECT_EQ(S_OK, steps->Create(100, 0, 1));
+    // They stay when the counts go, but not when there are more bins than they have entries.
+    EXPECT_EQ(S_OK, steps->Create(4, 0, 1));
     EXPECT_EQ((std::vector<LONG>{5, 0, -3, 0}), std::vector<LONG>(detail, detail + 4));
+    EXPECT_EQ(S_OK, steps->CreateFromHistogram(two.get()));
+    EXPECT_EQ(S_OK, steps->get_DetailBins(&detail));
+    EXPECT_EQ(S_OK, steps->get_SmoothBins(&smooth));
+    EXPECT_EQ(nullptr, detail);
+    EXPECT_EQ(nullptr, smooth);
 }
 
 // ------------------------------------------------------------------------------------------------------ thresholds

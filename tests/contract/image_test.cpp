@@ -229,6 +229,7 @@ TEST(AttachBuffer, UsesTheClientsMemoryWithThePaddedStride) {
     ASSERT_EQ(S_OK, image->AttachBuffer(pixels, 3, 2, 2, DT_WORD, 1));
     EXPECT_EQ(0, pixels[1][1][2]);
     pixels[0][0][0] = 9;
+    EXPECT_EQ(9, Rows<uint16_t>(image, 0)[0][0]);         // the table outlives an attachment of the same shape
     ASSERT_EQ(S_OK, image->Create(3, 2, 2, DT_WORD, 1));  // an own buffer again
     EXPECT_EQ(9, pixels[0][0][0]);
 }
@@ -257,6 +258,9 @@ TEST(AttachBuffer, RefusesMemoryThatCannotBeReadAndStaysPointingAtIt) {
             kSource));
     EXPECT_THAT(DimensionsOf(image), ElementsAre(1, 64, 64));
     EXPECT_EQ(wild, BandOf(image).base);
+    auto* const last = reinterpret_cast<void*>(~uintptr_t{15});
+    EXPECT_EQ(E_FAIL, image->AttachBuffer(last, 64, 1, 2, DT_BYTE, 0));
+    EXPECT_EQ(reinterpret_cast<void*>(uintptr_t{64 - 16}), BandOf(image, 1).base) << "addresses begin anew";
     // Nothing of ours touches it.
     const auto process = Cast<IImageProcess>(image);
     IHistogram* histogram = nullptr;
@@ -266,6 +270,9 @@ TEST(AttachBuffer, RefusesMemoryThatCannotBeReadAndStaysPointingAtIt) {
                       "IImageFile::SaveToFile: no image.", kSource));
     const auto copy = Empty();
     EXPECT_TRUE(FailsSilently(copy->CreateFromImage(image.get(), 0)));
+    const auto sum = ImageOf<uint8_t>(2, {1, 2});
+    EXPECT_TRUE(Fails(Cast<IImageProcess>(sum)->PlusEquals(image.get(), 0),
+                      "IImageProcess::PlusEquals: no source image.", kSource));
     ASSERT_EQ(S_OK, image->Create(2, 1, 1, DT_BYTE, 1));
     EXPECT_EQ(S_OK, process->Invert());
 }

@@ -1,6 +1,7 @@
 // Clients that call back in the middle of a call, and let go of the last reference there.
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -69,6 +70,52 @@ TEST(ARegionThatCallsBack, FromItsLastReleaseFindsAnImageThatIsWhole) {
     image.region = nullptr;
     EXPECT_TRUE(FailsSilently(image.process->ScalarEquals(9)));
     EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), ElementsAre(0));
+}
+
+// Error information that calls back when the thread lets go of it; as often as that may be.
+class CallingErrorInfo final : public IErrorInfo {
+public:
+    std::function<void()> onRelease;
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        *object = iid == __uuidof(IUnknown) || iid == __uuidof(IErrorInfo) ? this : nullptr;
+        return *object ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override { return 2; }
+    STDMETHODIMP_(ULONG) Release() noexcept override {
+        if (const auto call = std::exchange(onRelease, nullptr)) call();
+        return 1;
+    }
+    STDMETHODIMP GetGUID(GUID*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetSource(BSTR*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDescription(BSTR*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetHelpFile(BSTR*) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetHelpContext(DWORD*) noexcept override { return E_NOTIMPL; }
+};
+
+TEST(ErrorInformationThatCallsBack, IsNotLetGoOfInTheMiddleOfAnOperation) {
+    const Visited image;
+    CallingErrorInfo info;
+    ComPtr<IHistogram> histogram;
+    ComPtr<IBitmap> bitmap;
+    const std::pair<const char*, std::function<HRESULT()>> calls[] = {
+        {"histogram", [&] { return image.process->get_Histogram(histogram.Out()); }},
+        {"threshold", [&] { return image.process->Threshold(0, 1, 1, bitmap.Out()); }},
+        {"range", [&] { return image.process->SnapLuminanceRange(0.1, 0.1, 0); }},
+        {"table", [&] { return image.process->EqualizeTable(ET_Uniform); }}};
+    for (const auto& [name, call] : calls) {
+        image.region->onRuns = [&] {
+            info.onRelease = nullptr;  // the thread lets go of it to take it again
+            SetErrorInfo(0, &info);
+            info.onRelease = [&] { image.pixels->Create(1, 1, 1, DT_WORD, 1); };
+        };
+        ASSERT_EQ(S_OK, image.pixels->Create(40, 3, 1, DT_WORD, 1));
+        image.region->runs = {RunOf(0, 39)};
+        EXPECT_EQ(S_OK, call()) << name;
+    }
+    info.onRelease = nullptr;
+    SetErrorInfo(0, nullptr);
+    LONG bins = 0;
+    EXPECT_EQ(S_OK, histogram->get_NumberOfBins(&bins));
 }
 
 TEST(ADyingImage, DoesNothingForARegionThatCallsFromItsLastRelease) {

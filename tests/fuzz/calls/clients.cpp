@@ -431,6 +431,7 @@ public:
     explicit Sink(World& world) : Client(world, "sink") {}
 
     STDMETHODIMP OnRender(IPictureEx* picture, void*, RenderSourceType) noexcept override {
+        const ClientHeap heap;
         // Before anything lets go of the picture.
         if (world_.choices().Chance(64)) world_.AdoptCopy(__uuidof(IPictureEx), picture);
         const Entry entry(*this, "OnRender");
