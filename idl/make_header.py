@@ -40,6 +40,20 @@ BEGIN = """\
 #else
 #include <orlix/platform/component_abi.h>
 #endif
+
+// Interfaces have no destructors: Release ends what is behind them.
+#ifdef __GNUC__
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+"""
+
+END = """\
+#ifdef __GNUC__
+#pragma GCC diagnostic pop
+#endif
+
+#endif
 """
 
 
@@ -142,7 +156,7 @@ def made(build):
             out += ["// The type library OrlixLib."] + lines
         out.append("")
     check_complete(out, contract)
-    return "\n".join(out + ["#endif", ""])
+    return "\n".join(out + [END])
 
 
 def check_complete(out, contract):

@@ -43,6 +43,12 @@
 #include <orlix/platform/component_abi.h>
 #endif
 
+// Interfaces have no destructors: Release ends what is behind them.
+#ifdef __GNUC__
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
 struct IPersistStreamInitEx;
 struct IImageVPA;
 struct IImageVPAEx;
@@ -536,7 +542,8 @@ __CRT_UUID_DECL(IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,
 // variance that would come out negative is 0. Results are the same bits on every platform.
 MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnknown {
     // Sizes the bins, all zero, and stores the range. Nothing is checked: zero or a negative number of bins makes a
-    // histogram without bins; Left may exceed Right. When memory is short the old bins and range stay.
+    // histogram without bins; Left may exceed Right. E_FAIL when memory is short, and for more than 2^24 bins: the
+    // old bins and range stay.
     virtual HRESULT STDMETHODCALLTYPE Create(LONG NumberOfBins, double Left, double Right) = 0;
 
     // Copies bins and range of any histogram. S_FALSE for the object itself. A failure of the source is returned as
@@ -692,13 +699,13 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
     // Both have n entries. A level of m values has its coefficients at h + j, h = (m + 1) / 2:
     // smooth = (x[2j] + x[2j+1]) / 2 toward zero, detail = smooth - x[2j]; an odd last value passes on. The averages
     // are the next level; entry 0 of both is the one that remains.
-    // The bins are null before the first Decompose and stay until the next.
+    // The bins are null before the first Decompose and stay until the next, or until the number of bins changes.
     virtual HRESULT STDMETHODCALLTYPE Decompose() = 0;
 
-    // The detail bins of the last Decompose; null before.
+    // The detail bins of the last Decompose; null before, and when the number of bins has changed since.
     virtual HRESULT STDMETHODCALLTYPE get_DetailBins(LONG** hVal) = 0;
 
-    // The smooth bins of the last Decompose; null before.
+    // The smooth bins of the last Decompose; null before, and when the number of bins has changed since.
     virtual HRESULT STDMETHODCALLTYPE get_SmoothBins(LONG** hVal) = 0;
 };
 DEFINE_GUID(IID_IHistogram, 0x398ff9d8, 0xefff, 0x4d4b, 0x9b,0x58, 0x32,0xa7,0x09,0x13,0x43,0x8c);
@@ -723,8 +730,8 @@ MIDL_INTERFACE("ae6999a0-d64b-4593-9d8d-fa914cd4fa65") IBitmap : public IUnknown
 
     // Copies any bitmap, padding included.
     // It is read through its record: the rows of another component may be longer or shorter than here. S_FALSE for
-    // the object itself. A source without pixels: the texts of Create. A record without bits, with other than one
-    // bit a pixel or with rows too short for its width: E_FAIL without a text.
+    // the object itself. A source without pixels: the texts of Create. A record without bits, with bits that
+    // cannot be read, with other than one bit a pixel or with rows too short for its width: E_FAIL without a text.
     virtual HRESULT STDMETHODCALLTYPE CreateFromBitmap(IBitmap* Bitmap) = 0;
 
     // Clears all bits, those beyond the width included; marks no row as modified.
@@ -1224,8 +1231,10 @@ __CRT_UUID_DECL(IImageProcessBase, 0xb1f2d7fc, 0x2986, 0x467e, 0x9a,0x0e, 0x82,0
 // Those with a Source write this image from one of the same pixel type, unless stated: region, band and luminance
 // range are this image's. Source bands and this image's bands to process must be equally
 // many. "IImageProcess::<Method>: data type mismatch." / "... mismatch in the number of bands to process."
+// "IImageProcess::<Method>: no source image." for one without pixels.
 MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public IImageProcessBase {
     // Sets the number of bins, at least 2; 8-bit images have 256.
+    // Any number is taken, but making a histogram or a table of more than 2^24 fails with E_FAIL, as without memory.
     // "IImageProcess::put_NumberOfBins: number of bins cannot be changed from 256 for byte images."
     // "IImageProcess::put_NumberOfBins: there must be more than one bin."
     virtual HRESULT STDMETHODCALLTYPE put_NumberOfBins(LONG newVal) = 0;
@@ -1401,9 +1410,9 @@ __CRT_UUID_DECL(IImageProcess, 0x8421327c, 0xdc10, 0x459f, 0xb9,0x86, 0xf9,0xf9,
 //     sum of the K = trunc(n p) smallest squared residuals f(x, y) - z, formed in double and compared as if summed
 //     exactly.
 //   - The best score wins; the search ends after N = ceil(25 / p^k) trials in a row that were not better, at once
-//     at a score of 0 (none is better; among others for K = 0), and in any case when such trials have come to 2^39
-//     visits of pixels, each trial counting n + 4096 but no fewer than 1000 of them: minutes. That cuts N only for
-//     small P or huge images (the bicubic surface with P = 0.5: beyond 21 million pixels).
+//     at a score of 0 (none is better; among others for K = 0), and in any case when the call has formed 2^35
+//     residuals, each trial counting as 2^15 more, but not before 200 trials: half a minute. A trial far from the
+//     best forms few, so that cuts N only for small P, or where most pixels of a huge image are not of the surface.
 //   - The random numbers start anew with every call, so the same pixels give the same record, on every system and
 //     processor. Pixels drawn twice or on a line give the polynomial with the least coefficients among those
 //     through them, and no hemisphere.
@@ -1590,7 +1599,7 @@ MIDL_INTERFACE("01b9f7cb-aabe-453b-aae9-6fb7516c999d") IPolygon : public IUnknow
     // through three vertices trunc(u n) drawn at random; its score is the sum of the trunc(n p + 0.5) smallest
     // squares of the residuals, distance from the centre less radius (least trimmed squares, Rousseeuw 1984). The
     // smallest score wins; the search ends after ceil(25 / p^3) trials in a row that were not better; for many
-    // vertices and a small P sooner, after 2^34 visits of vertices, some minutes, but not before 1000 trials.
+    // vertices and a small P sooner, after 2^32 visits of vertices, half a minute, but not before 200 trials.
     // Vertices drawn on a line give no circle. The random numbers start anew with every call: the same vertices
     // give the same circle in every process. Without one (fewer than three vertices, all on a line, P not above 0):
     // 0, 0, 0 and S_FALSE.
@@ -1945,6 +1954,10 @@ class DECLSPEC_UUID("bc6a61f4-18f5-48fe-ba43-c9b34eb702b0") OrlixHistogramDialog
 DEFINE_GUID(CLSID_OrlixHistogramDialog, 0xbc6a61f4, 0x18f5, 0x48fe, 0xba,0x43, 0xc9,0xb3,0x4e,0xb7,0x02,0xb0);
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(OrlixHistogramDialog, 0xbc6a61f4, 0x18f5, 0x48fe, 0xba,0x43, 0xc9,0xb3,0x4e,0xb7,0x02,0xb0)
+#endif
+
+#ifdef __GNUC__
+#pragma GCC diagnostic pop
 #endif
 
 #endif

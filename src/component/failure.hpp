@@ -26,6 +26,12 @@ public:
     const char* what() const noexcept override { return "no image."; }
 };
 
+// The same of an image that was passed in: "IInterface::Method: no source image."
+class NoSourceImage : public NoImage {
+public:
+    const char* what() const noexcept override { return "no source image."; }
+};
+
 // A result without a text: what somebody's interface answered, E_POINTER for a null pointer.
 class FailedResult : public std::exception {
 public:

@@ -46,7 +46,7 @@ std::optional<Circle> RobustCircle(std::span<const Point> points, double probabi
     const size_t n = points.size();
     if (n < 3 || !(probability > 0)) return std::nullopt;
     const double p = std::min(probability, 0.99), count = static_cast<double>(n);
-    const double feasible = std::max(1000.0, std::floor(0x1p34 / (count + 64)));
+    const double feasible = std::max(200.0, std::floor(0x1p32 / (count + 64)));
     const double limit = std::min(std::ceil(25 / (p * p * p)), feasible);
     const auto good = static_cast<size_t>(std::trunc(count * p + 0.5));
 

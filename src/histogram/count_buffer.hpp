@@ -12,15 +12,19 @@
 
 namespace orlix {
 
+// A histogram of more bins fails for want of memory. There is one bin for each value of 24 bits, and no statistic of so many
+// takes more than a second or a gigabyte.
+inline constexpr int64_t kMostBins = int64_t{1} << 24;
+
 // An array of counts, zero at first. Zeroed memory comes from the system, which gives out only the pages that are used: a
 // histogram of very many bins costs what is counted into it. Without bins there is no memory (null).
 class CountBuffer {
 public:
     CountBuffer() = default;
-    // Raises std::bad_alloc; a size below 1 is 0.
+    // Raises std::bad_alloc, also for more than kMostBins; a size below 1 is 0.
     explicit CountBuffer(int64_t size) {
         if (size < 1) return;
-        if (static_cast<uint64_t>(size) > SIZE_MAX / sizeof(LONG)) throw std::bad_alloc();
+        if (size > kMostBins) throw std::bad_alloc();
         size_ = static_cast<size_t>(size);
         memory_.reset(static_cast<LONG*>(std::calloc(size_, sizeof(LONG))));
         if (!memory_) throw std::bad_alloc();

@@ -40,9 +40,9 @@ BandRange BandsOf(LONG band, int32_t bands) {
 }
 
 SourceImage::SourceImage(IImageVPA* image) : image_(image), access_(image_.As<IPixelAccess>()) {
-    Demand(image_->DataType(0, &type_));
     Demand(image_->Dimensions(&bands_, &width_, &height_));
-    if (bands_ < 1 || width_ < 1 || height_ < 1) throw FailedResult(E_FAIL);
+    if (bands_ < 1 || width_ < 1 || height_ < 1) throw NoSourceImage();
+    Demand(image_->DataType(0, &type_));
 }
 
 TCoordinateMap SourceImage::Coordinates() const {
@@ -64,7 +64,7 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
     Demand(image_->VPA(band, &base, &table));
     if (!base || !table || reinterpret_cast<uintptr_t>(table) % alignof(VPAEntry) != 0) throw FailedResult(E_FAIL);
     if (band < 0 || band >= bands_) throw FailedResult(E_FAIL);
-    if (access_ && access_->Accessible() != S_OK) throw FailedResult(E_FAIL);
+    if (access_ && access_->Accessible() != S_OK) throw NoSourceImage();
     LONG bands = 0;
     LONG width = 0;
     LONG height = 0;

@@ -33,8 +33,8 @@ struct BandRange {
 BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
-//  (1) calls that fail, sizes below 1, null and misaligned pointers, an image without pixels and one with a refused buffer are
-//      E_FAIL;
+//  (1) calls that fail, null and misaligned pointers are E_FAIL; an image without pixels (sizes below 1) or with a refused
+//      buffer is NoSourceImage;
 //  (2) size and type are asked for again after the pointers were handed out, and if they have changed it is E_FAIL;
 //  (3) pixels are read in the type that the caller has found in type();
 //  (4) the image is kept alive, and it may call back into anything each time that it is asked: whoever writes somewhere

@@ -35,17 +35,22 @@ private:
 
 using Points = std::span<const SurfacePoint>;
 
+// What a search may take, robust_fit.hpp note (4).
+constexpr int64_t kMostVisits = int64_t{1} << 35, kVisitsOfATrial = 32768, kTrialsInAnyCase = 200;
+
 template <class Surface, class T>
 std::optional<Surface> Search(const RegionPixels<T>& pixels, int points, double probability,
                               const std::function<std::optional<Surface>(Points)>& through) {
     const int64_t n = pixels.count();
     if (n < points) return std::nullopt;
     const double p = std::min(probability, 0.99);
-    const double limit = TrialLimit(p, points, n);
+    const double limit = TrialLimit(p, points);
     TrimmedScore<T, Surface> score(pixels, static_cast<int64_t>(static_cast<double>(n) * p));
     UniformGenerator random(-1);
     std::vector<SurfacePoint> drawn(static_cast<size_t>(points));
+    int64_t trials = 0;
     for (double unsuccessful = 0; unsuccessful < limit && !score.Perfect(); ++unsuccessful) {
+        if (++trials > kTrialsInAnyCase && score.visits() + trials * kVisitsOfATrial > kMostVisits) break;
         bool finite = true;
         for (SurfacePoint& point : drawn) {
             point = pixels.At(static_cast<int64_t>(random() * static_cast<double>(n)));
@@ -80,11 +85,10 @@ double AverageOf(const RegionPixels<T>& pixels) {
 
 }  // namespace
 
-double TrialLimit(double p, int points, int64_t pixels) {
+double TrialLimit(double p, int points) {
     double power = p;
     for (int i = 1; i < points; ++i) power *= p;
-    const double feasible = std::max(1000.0, std::floor(0x1p39 / (static_cast<double>(pixels) + 4096)));
-    return std::min(std::ceil(25.0 / power), feasible);
+    return std::ceil(25.0 / power);
 }
 
 template <class T>

@@ -23,9 +23,9 @@ namespace orlix {
 //      the least coefficients (surface_polynomial.hpp), or no hemisphere at all, and then the trial does not improve. Nor does
 //      one that drew NaN or infinity, or whose score is not finite. NaN and infinite pixels count as bad ones.
 //  (3) Nothing improves on a score of 0, so the search then ends at once: among others for K = 0, where the first surface wins.
-//  (4) For a small p, N has no bound. The search ends after TrialLimit() trials in a row, N or fewer: at 2^39 visits of
-//      pixels, each trial counting as 4096 more, but not before 1000 trials. Those are some minutes at most. N = 25600 (a bicubic
-//      surface, P = 0.5) is cut beyond 21 million pixels, N = 4 million (P = 0.3) beyond 130000.
+//  (4) For a small p, N has no bound. The search also ends when it has formed 2^35 residuals in all, each trial counting as
+//      2^15 more, but not before 200 trials: half a minute. A trial that is far from the best forms few. The worst
+//      case is nothing but noise: 4096 x 4096 pixels of it get 2500 trials, 1024 x 1024 pixels 38000.
 //  (5) The average is that of all pixels but NaN and infinite ones.
 // Nothing for fewer than k pixels, and when no trial has found a surface.
 template <class T>
@@ -33,7 +33,7 @@ std::optional<SurfacePolynomial> RobustPolynomial(const RegionPixels<T>& pixels,
 template <class T>
 std::optional<AveragedHemisphere> RobustHemisphere(const RegionPixels<T>& pixels, bool angled, double probability);
 
-// Trials in a row without improvement that end the search, notes (4).
-double TrialLimit(double p, int points, int64_t pixels);
+// N: trials in a row without improvement that end the search.
+double TrialLimit(double p, int points);
 
 }  // namespace orlix

@@ -68,6 +68,8 @@ public:
     }
 
     const std::optional<Surface>& best() const { return best_; }
+    // Residuals formed so far, samples not counted.
+    int64_t visits() const { return visits_; }
     // Whether the best score is 0, on which nothing improves.
     bool Perfect() const { return best_ && bestScore_.sum == 0; }
 
@@ -91,6 +93,7 @@ private:
             [&](const T* run, size_t n, int32_t x, int32_t y) {
                 for (size_t done = 0; done < n; done += values_.size()) {
                     const size_t part = std::min(n - done, values_.size());
+                    visits_ += static_cast<int64_t>(part);
                     surface.Values(x + static_cast<int32_t>(done), y, part, values_.data());
                     visit(run + done, part);
                 }
@@ -224,6 +227,7 @@ private:
     ClippedSquaresFn<T> clip_;
     DivideSquaresFn<T> divide_;
     std::vector<SurfacePoint> sample_;
+    int64_t visits_ = 0;
     std::vector<double> squares_;  // of the sample
     std::vector<double> middle_;
     std::array<double, 1024> values_;  // of the surface, for a part of a run

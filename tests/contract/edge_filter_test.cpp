@@ -224,7 +224,8 @@ TEST(EdgeFilters, FailuresNameTheMethodAndWriteNothing) {
         EXPECT_TRUE(Fails(filter.apply(*one.process, three.get(), BI_AllBands), bands.c_str(), kSource));
         EXPECT_TRUE(
             Fails(filter.apply(*one.process, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range", kSource));
-        EXPECT_TRUE(FailsSilently(filter.apply(*one.process, empty.get(), 0)));
+        EXPECT_TRUE(Fails(filter.apply(*one.process, empty.get(), 0),
+                          ("IImageProcess::" + filter.name + ": no source image.").c_str(), kSource));
         EXPECT_TRUE(FailsSilently(filter.apply(*one.process, nullptr, 0), E_POINTER));
         EXPECT_TRUE(Fails(filter.apply(*Cast<IImageProcess>(empty), one.source(), 0),
                           ("IImageProcess::" + filter.name + ": no image.").c_str(), kSource));

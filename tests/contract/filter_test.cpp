@@ -316,7 +316,8 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
         EXPECT_TRUE(Fails(one.Apply(filter, foreign.get()), type.c_str(), kSource));
         EXPECT_TRUE(Fails(one.Apply(filter, three.get(), BI_AllBands), bands.c_str(), kSource));
         EXPECT_TRUE(Fails(one.Apply(filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range", kSource));
-        EXPECT_TRUE(FailsSilently(one.Apply(filter, empty.get())));
+        EXPECT_TRUE(Fails(one.Apply(filter, empty.get()),
+                          ("IImageProcess::" + filter.name + ": no source image.").c_str(), kSource));
         EXPECT_TRUE(FailsSilently(one.Apply(filter, nullptr), E_POINTER));
         EXPECT_TRUE(Fails((Cast<IImageProcess>(empty).get()->*filter.method)(one.pixels.get(), 0),
                           ("IImageProcess::" + filter.name + ": no image.").c_str(), kSource));

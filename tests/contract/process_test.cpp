@@ -202,6 +202,17 @@ TEST(NumberOfBins, IsFixedForBytesAndAboveOneForOthers) {
     EXPECT_EQ(S_OK, floats.process->put_NumberOfBins(2));
     ASSERT_EQ(S_OK, floats.process->get_NumberOfBins(&bins));
     EXPECT_EQ(2, bins);
+    // Any number is taken, but no memory is given for more than 2^24.
+    ComPtr<IHistogram> histogram;
+    ASSERT_EQ(S_OK, floats.process->PutLuminanceRange(0, 1));
+    for (const LONG many : {LONG{(1 << 24) + 1}, std::numeric_limits<LONG>::max()}) {
+        EXPECT_EQ(S_OK, floats.process->put_NumberOfBins(many));
+        EXPECT_TRUE(FailsSilently(floats.process->get_Histogram(histogram.Out())));
+        EXPECT_TRUE(FailsSilently(floats.process->put_Table(0, 1)));
+        EXPECT_TRUE(FailsSilently(CreateObject<IHistogram>("Orlix.Histogram")->Create(many, 0, 1)));
+    }
+    EXPECT_EQ(S_OK, floats.process->put_NumberOfBins(1 << 24));
+    EXPECT_EQ(S_OK, floats.process->get_Histogram(histogram.Out()));
 }
 
 // ----------------------------------------------------------------------------------------------------------- measurements

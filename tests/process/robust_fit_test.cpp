@@ -250,15 +250,11 @@ TEST(RobustFit, FindsHemispheresUnderOutliers) {
 
 // ------------------------------------------------------------------------------------------------------------- the rule
 
-TEST(RobustFit, TrialLimitFollowsTheRuleWhileThatIsFeasible) {
-    EXPECT_EQ(200, TrialLimit(0.5, 3, 1000));
-    EXPECT_EQ(26, TrialLimit(0.99, 3, 1));
-    EXPECT_EQ(25600, TrialLimit(0.5, 10, 4096 * 4096));
-    EXPECT_EQ(25e6, TrialLimit(0.01, 3, 100));
-    const double cut = std::floor(0x1p39 / (1e6 + 4096));
-    EXPECT_EQ(cut, TrialLimit(1e-5, 3, 1000000));
-    EXPECT_EQ(cut, TrialLimit(1e-300, 10, 1000000));
-    EXPECT_EQ(1000, TrialLimit(1e-300, 3, int64_t{1} << 40));
+TEST(RobustFit, TrialLimitFollowsTheRule) {
+    EXPECT_EQ(200, TrialLimit(0.5, 3));
+    EXPECT_EQ(26, TrialLimit(0.99, 3));
+    EXPECT_EQ(25600, TrialLimit(0.5, 10));
+    EXPECT_EQ(25e6, TrialLimit(0.01, 3));
 }
 
 TEST(RobustFit, SmallProbabilitiesEnd) {

@@ -260,7 +260,7 @@ std::string FishCompletion(const Synopsis& program) {
             out += " -d '" + Quoted(option.text, "\\") + "'\n";
         }
         if (const auto words = ArgumentChoices(command); !words.empty())
-            out += here + " -a '" + Joined(words, " ") + "'\n";
+            out += here + " -f -a '" + Joined(words, " ") + "'\n";
     }
     return out;
 }

@@ -92,7 +92,9 @@ void ForEachRow(const ComPtr<IImageVPAExPlus>& image, LONG band, LONG type, Visi
 void LeaveOutMasked(const std::string& file, LONG width, LONG height, std::vector<uint8_t>& mask) {
     ComPtr<IImageVPAExPlus> image;
     try {
-        image = LoadOptions{}.Load(file);
+        // At least as many samples as the image has were allowed for that one.
+        const int64_t most = std::max(int64_t{1} << 28, int64_t{width} * height);
+        image = LoadOptions{.maxSamples = static_cast<LONG>(std::min<int64_t>(most, INT32_MAX))}.Load(file);
     } catch (const Error& error) {
         throw std::runtime_error("the mask " + file + ": " + error.what());
     }

@@ -14,6 +14,10 @@
 #error "Off Windows orlix.h needs C++17 (-std=c++17 or later), orlix/client.hpp C++20."
 #endif
 
+// Interfaces have no destructors: Release ends what is behind them.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 // ---------------------------------------------------------------------------------------------------- calling convention
 
 #define STDMETHODCALLTYPE
@@ -391,5 +395,7 @@ ORLIX_API HRESULT DllRegisterServer();
 ORLIX_API HRESULT DllUnregisterServer();
 ORLIX_API int NeedGdiPlus();
 }
+
+#pragma GCC diagnostic pop
 
 #endif
