@@ -19,10 +19,20 @@ TableLookUp<T>::TableLookUp(T lower, T upper, const HistogramShape& shape, std::
 
 template <class T>
 void TableLookUp<T>::operator()(T* pixels, size_t n) const {
-    if constexpr (sizeof(T) == 2)
-        for (size_t i = 0; i < n; ++i) pixels[i] = values_[pixels[i]];
-    else
+    if constexpr (sizeof(T) == 2) {
+        const T* const values = values_.data();
+        // Several at a time: a store may alias the next load, which would have to wait for it.
+        constexpr size_t kTogether = 8;
+        size_t i = 0;
+        for (; i + kTogether <= n; i += kTogether) {
+            T found[kTogether];
+            for (size_t k = 0; k < kTogether; ++k) found[k] = values[pixels[i + k]];
+            std::copy_n(found, kTogether, pixels + i);
+        }
+        for (; i < n; ++i) pixels[i] = values[pixels[i]];
+    } else {
         ThroughBins(pixels, n);
+    }
 }
 
 template <class T>
