@@ -53,22 +53,16 @@ def tracked(*suffixes):
 
 # -------------------------------------------------------------------------------------------------------------- sources
 
-# What the files of each folder of src may include, beside their own folder. Acyclic: a folder is named only after those
-# that it stands on.
-LAYERS = {
-    "platform": [],
-    "component": ["platform"],
-    "numerics": ["platform", "component"],
-    "image": ["platform", "component"],
-    "histogram": ["platform", "component"],
-    "geometry": ["platform", "component", "numerics"],
-    "binary": ["platform", "component", "geometry"],
-    "process": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary"],
-    "display": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary", "process"],
-    "files": ["platform", "component", "image"],
-    "orlix_image": ["platform", "component", "numerics", "image", "histogram", "geometry", "binary", "process", "display", "files"],
-}
-LAYERS["module"] = list(LAYERS)
+
+def layers():
+    """What the files of each folder of src may include besides their own folder: the drawing in docs/architecture.md."""
+    section = (ROOT / "docs/architecture.md").read_text("utf-8").split("\n## Layers\n")[1].split("\n## ")[0]
+    drawing = {}
+    for line in re.findall(r"^    (.*)$", section, re.M):
+        folder, *below = re.findall(r"\w+", line)
+        assert all(other in drawing for other in below), f"docs/architecture.md: {folder} stands on a folder named after it"
+        drawing[folder] = below
+    return drawing
 
 
 def includes(name):
@@ -78,19 +72,23 @@ def includes(name):
 
 
 def wrong_includes():
+    drawing = layers()
+    used = {folder: set() for folder in drawing}
     for name in tracked(".cpp", ".hpp", ".h"):
         parts = name.split("/")
         for number, quoted, included in includes(name):
             place = f"{name}:{number}: includes {included}"
             if parts[0] == "src":
                 own, other = parts[1], included.split("/")[0]
-                if own not in LAYERS:
-                    yield f"{name}: the folder {own} has no place in the order of folders"
+                if own not in drawing:
+                    yield f"{name}: the folder {own} is missing in docs/architecture.md"
                     break
                 if quoted and "/" not in included:
                     yield f"{place}: name it by its folder"
-                elif quoted and other != own and other not in LAYERS[own]:
+                elif quoted and other != own and other not in drawing[own]:
                     yield f"{place}: {own} may not stand on {other}"
+                elif quoted and other != own:
+                    used[own].add(other)
             elif parts[0] == "include":
                 if quoted and "/" in included:
                     yield f"{place}: what is installed is included as <orlix/...>"
@@ -98,6 +96,9 @@ def wrong_includes():
                 # Clients and what they share: the library's inside is out of their sight.
                 if quoted and (ROOT / "src" / included).exists():
                     yield f"{place}: a client includes <orlix/...> only"
+    for folder, below in drawing.items():
+        for other in set(below) - used[folder]:
+            yield f"docs/architecture.md: {folder} does not include {other}"
 
 
 def readme_paths():
