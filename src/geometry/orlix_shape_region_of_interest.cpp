@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "component/strings.hpp"
-#include "platform/elementary.hpp"
+#include "numerics/elementary.hpp"
 
 using namespace orlix;
 

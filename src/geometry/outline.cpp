@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "numerics/double_pair.hpp"
-#include "platform/elementary.hpp"
+#include "numerics/elementary.hpp"
 
 namespace orlix {
 namespace {

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <limits>
 
-#include "histogram/compensated_sum.hpp"
-#include "histogram/power_sums.hpp"
-#include "platform/elementary.hpp"
+#include "numerics/compensated_sum.hpp"
+#include "numerics/elementary.hpp"
+#include "numerics/power_sums.hpp"
 
 namespace orlix {
 namespace {

@@ -6,10 +6,10 @@
 #include <limits>
 
 #include "component/failure.hpp"
-#include "histogram/compensated_sum.hpp"
-#include "histogram/power_sums.hpp"
 #include "histogram/statistics.hpp"
-#include "platform/elementary.hpp"
+#include "numerics/compensated_sum.hpp"
+#include "numerics/elementary.hpp"
+#include "numerics/power_sums.hpp"
 
 namespace orlix {
 namespace {

@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
+#include "numerics/elementary.hpp"
 #include "numerics/linear_system.hpp"
-#include "platform/elementary.hpp"
 #include "process/hemisphere_fit.hpp"
 
 namespace orlix {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/elementary.hpp"
+#include "numerics/elementary.hpp"
 
 namespace orlix {
 

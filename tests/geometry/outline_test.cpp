@@ -1,7 +1,7 @@
 #include "geometry/outline.hpp"
 
 #include "geometry/circle_fit.hpp"
-#include "platform/elementary.hpp"
+#include "numerics/elementary.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

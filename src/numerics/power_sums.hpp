@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <span>
 
-#include "histogram/wide_integer.hpp"
+#include "numerics/wide_integer.hpp"
 
 namespace orlix {
 

@@ -1,4 +1,4 @@
-#include "histogram/wide_integer.hpp"
+#include "numerics/wide_integer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "histogram/histograms.hpp"
-#include "histogram/power_sums.hpp"
+#include "numerics/power_sums.hpp"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/elementary.hpp"
+#include "numerics/elementary.hpp"
 
 #include <array>
 #include <bit>

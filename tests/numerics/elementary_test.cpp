@@ -1,6 +1,6 @@
 // Accuracy against values known to hundreds of digits and against series in extended precision; then the bits of many
 // results as one number, which must be the same in every build.
-#include "platform/elementary.hpp"
+#include "numerics/elementary.hpp"
 
 #include <gtest/gtest.h>
 
