@@ -2,7 +2,7 @@
 #pragma once
 
 #include "display/display_levels.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

@@ -1,5 +1,5 @@
 #include "display/display_level_kernels.hpp"
-#include "process/intrinsics_avx512.hpp"
+#include "vectors/intrinsics_avx512.hpp"
 
 namespace orlix {
 namespace {

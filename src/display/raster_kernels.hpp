@@ -6,7 +6,7 @@
 #include <span>
 
 #include "display/pick_plan.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

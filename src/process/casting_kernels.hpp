@@ -2,7 +2,7 @@
 #pragma once
 
 #include "process/casting.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

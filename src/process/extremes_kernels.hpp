@@ -2,7 +2,7 @@
 #pragma once
 
 #include "process/extremes.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

@@ -1,5 +1,5 @@
 #include "process/extremum_vectors.hpp"
-#include "process/lanes_avx2.hpp"
+#include "vectors/lanes_avx2.hpp"
 
 namespace orlix {
 

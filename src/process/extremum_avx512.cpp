@@ -1,5 +1,5 @@
 #include "process/extremum_vectors.hpp"
-#include "process/lanes_avx512.hpp"
+#include "vectors/lanes_avx512.hpp"
 
 namespace orlix {
 

@@ -1,5 +1,5 @@
 #include "process/extremum_vectors.hpp"
-#include "process/lanes_sse2.hpp"
+#include "vectors/lanes_sse2.hpp"
 
 namespace orlix {
 

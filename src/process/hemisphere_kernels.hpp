@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "process/filter_kernels.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

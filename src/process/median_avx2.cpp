@@ -1,5 +1,5 @@
-#include "process/lanes_avx2.hpp"
 #include "process/median_vectors.hpp"
+#include "vectors/lanes_avx2.hpp"
 
 namespace orlix {
 

@@ -1,5 +1,5 @@
-#include "process/lanes_avx512.hpp"
 #include "process/median_vectors.hpp"
+#include "vectors/lanes_avx512.hpp"
 
 namespace orlix {
 

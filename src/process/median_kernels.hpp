@@ -2,7 +2,7 @@
 #pragma once
 
 #include "process/filter_kernels.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

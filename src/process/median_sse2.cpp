@@ -1,5 +1,5 @@
-#include "process/lanes_sse2.hpp"
 #include "process/median_vectors.hpp"
+#include "vectors/lanes_sse2.hpp"
 
 namespace orlix {
 

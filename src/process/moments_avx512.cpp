@@ -1,4 +1,4 @@
-#include "process/intrinsics_avx512.hpp"
+#include "vectors/intrinsics_avx512.hpp"
 
 #include "process/moments_kernels.hpp"
 

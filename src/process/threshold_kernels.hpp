@@ -2,7 +2,7 @@
 #pragma once
 
 #include "process/threshold.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 

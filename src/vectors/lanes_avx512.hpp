@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "process/intrinsics_avx512.hpp"
+#include "vectors/intrinsics_avx512.hpp"
 
 #define ORLIX_INLINE [[gnu::always_inline]] static inline
 

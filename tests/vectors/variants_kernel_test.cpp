@@ -3,7 +3,7 @@
 
 #include "kernel_testing.hpp"
 #include "orlix_image/kernels_in_use.hpp"
-#include "process/variants.hpp"
+#include "vectors/variants.hpp"
 
 namespace orlix {
 namespace {
