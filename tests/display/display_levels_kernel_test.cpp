@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "display/display_level_kernels.hpp"
-#include "process/kernel_testing.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

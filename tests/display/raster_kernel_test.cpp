@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "process/kernel_testing.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {
