@@ -4,13 +4,13 @@
 #include <cmath>
 
 #include "display/display_level_kernels.hpp"
+#include "measure/counting_kernels.hpp"
+#include "measure/extremes_kernels.hpp"
+#include "measure/measuring_kernels.hpp"
 #include "pictures.hpp"
 #include "process/casting_kernels.hpp"
-#include "process/counting_kernels.hpp"
-#include "process/extremes_kernels.hpp"
 #include "process/extremum_kernels.hpp"
 #include "process/linear_filter_kernels.hpp"
-#include "process/measuring_kernels.hpp"
 #include "process/median_kernels.hpp"
 #include "process/point_kernels.hpp"
 #include "process/sobel_kernels.hpp"

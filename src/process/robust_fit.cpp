@@ -4,11 +4,11 @@
 #include <cmath>
 #include <functional>
 
+#include "measure/measuring.hpp"
 #include "numerics/uniform_generator.hpp"
 #include "process/angled_hemisphere_fit.hpp"
 #include "process/correction_kernels.hpp"
 #include "process/hemisphere_fit.hpp"
-#include "process/measuring.hpp"
 #include "process/trimmed_score.hpp"
 
 namespace orlix {

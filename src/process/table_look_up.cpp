@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "process/counting_kernels.hpp"
+#include "measure/counting_kernels.hpp"
 
 namespace orlix {
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "process/counting.hpp"
+#include "measure/counting.hpp"
 
 namespace orlix {
 

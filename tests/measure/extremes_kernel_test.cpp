@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "kernel_testing.hpp"
-#include "process/extremes_kernels.hpp"
+#include "measure/extremes_kernels.hpp"
 
 namespace orlix {
 namespace {

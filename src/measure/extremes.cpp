@@ -1,8 +1,8 @@
-#include "process/extremes.hpp"
+#include "measure/extremes.hpp"
 
 #include <limits>
 
-#include "process/extremes_kernels.hpp"
+#include "measure/extremes_kernels.hpp"
 
 namespace orlix {
 

@@ -1,11 +1,11 @@
-#include "process/measuring.hpp"
+#include "measure/measuring.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <type_traits>
 
-#include "process/measuring_kernels.hpp"
+#include "measure/measuring_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -1,6 +1,6 @@
 #include <immintrin.h>
 
-#include "process/counting_kernels.hpp"
+#include "measure/counting_kernels.hpp"
 
 namespace orlix {
 

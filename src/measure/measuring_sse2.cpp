@@ -1,6 +1,6 @@
 #include <emmintrin.h>
 
-#include "process/measuring_kernels.hpp"
+#include "measure/measuring_kernels.hpp"
 
 namespace orlix {
 

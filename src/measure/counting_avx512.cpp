@@ -1,6 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include "process/counting_kernels.hpp"
+#include "measure/counting_kernels.hpp"
 
 namespace orlix {
 

@@ -1,6 +1,6 @@
 #include <immintrin.h>
 
-#include "process/extremes_kernels.hpp"
+#include "measure/extremes_kernels.hpp"
 
 namespace orlix {
 namespace {

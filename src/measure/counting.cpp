@@ -1,4 +1,4 @@
-#include "process/counting.hpp"
+#include "measure/counting.hpp"
 
 #include <xmmintrin.h>
 
@@ -7,7 +7,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "process/counting_kernels.hpp"
+#include "measure/counting_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -2,7 +2,7 @@
 #include <numeric>
 
 #include "kernel_testing.hpp"
-#include "process/measuring_kernels.hpp"
+#include "measure/measuring_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -1,6 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include "process/extremes_kernels.hpp"
+#include "measure/extremes_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -1,7 +1,7 @@
 // Kernels of the scan for extremes and their variants.
 #pragma once
 
-#include "process/extremes.hpp"
+#include "measure/extremes.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

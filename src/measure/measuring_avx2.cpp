@@ -1,6 +1,6 @@
 #include <immintrin.h>
 
-#include "process/measuring_kernels.hpp"
+#include "measure/measuring_kernels.hpp"
 
 namespace orlix {
 namespace {

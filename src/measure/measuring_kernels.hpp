@@ -1,7 +1,7 @@
 // Kernels of the grey measurements and their variants.
 #pragma once
 
-#include "process/measuring.hpp"
+#include "measure/measuring.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "kernel_testing.hpp"
-#include "process/counting_kernels.hpp"
+#include "measure/counting_kernels.hpp"
 
 namespace orlix {
 namespace {

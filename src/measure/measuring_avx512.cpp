@@ -1,6 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include "process/measuring_kernels.hpp"
+#include "measure/measuring_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -1,7 +1,7 @@
 // Kernels of the histograms and their variants.
 #pragma once
 
-#include "process/counting.hpp"
+#include "measure/counting.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {
