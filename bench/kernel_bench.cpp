@@ -8,13 +8,13 @@
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
 #include "pictures.hpp"
-#include "process/casting_kernels.hpp"
+#include "points/casting_kernels.hpp"
+#include "points/point_kernels.hpp"
+#include "points/threshold_kernels.hpp"
 #include "process/extremum_kernels.hpp"
 #include "process/linear_filter_kernels.hpp"
 #include "process/median_kernels.hpp"
-#include "process/point_kernels.hpp"
 #include "process/sobel_kernels.hpp"
-#include "process/threshold_kernels.hpp"
 
 namespace orlix::bench {
 namespace {

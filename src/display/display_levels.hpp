@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "process/point_operations.hpp"
+#include "points/point_operations.hpp"
 
 namespace orlix {
 

@@ -6,7 +6,7 @@
 
 #include "display/display_bitmap.hpp"
 #include "display/display_state.hpp"
-#include "process/point_operations.hpp"
+#include "points/point_operations.hpp"
 #include "process/typed_image.hpp"
 
 namespace orlix {

@@ -8,8 +8,8 @@
 #include "display/pick_plan.hpp"
 #include "display/raster_kernels.hpp"
 #include "display/smooth_axis.hpp"
+#include "points/point_operations.hpp"
 #include "process/look_ahead.hpp"
-#include "process/point_operations.hpp"
 
 namespace orlix {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "points/pixel_conversion.hpp"
 #include "process/correction_kernels.hpp"
-#include "process/pixel_conversion.hpp"
 
 namespace orlix {
 

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <type_traits>
 
+#include "points/pixel_conversion.hpp"
 #include "process/linear_filter_kernels.hpp"
-#include "process/pixel_conversion.hpp"
 
 namespace orlix {
 namespace {

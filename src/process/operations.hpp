@@ -15,16 +15,16 @@
 #include "measure/counting.hpp"
 #include "measure/extremes.hpp"
 #include "measure/measuring.hpp"
-#include "process/casting.hpp"
+#include "points/casting.hpp"
+#include "points/point_operations.hpp"
+#include "points/table_look_up.hpp"
+#include "points/threshold.hpp"
 #include "process/correction.hpp"
 #include "process/filtering.hpp"
 #include "process/hemisphere_fit.hpp"
-#include "process/point_operations.hpp"
 #include "process/region_pixels.hpp"
 #include "process/selection.hpp"
 #include "process/surface_fit.hpp"
-#include "process/table_look_up.hpp"
-#include "process/threshold.hpp"
 
 namespace orlix {
 

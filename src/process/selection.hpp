@@ -13,8 +13,8 @@
 #include "geometry/region_rows.hpp"
 #include "image/pixel_view.hpp"
 #include "image/source_image.hpp"
+#include "points/pixel_conversion.hpp"
 #include "process/look_ahead.hpp"
-#include "process/pixel_conversion.hpp"
 
 namespace orlix {
 

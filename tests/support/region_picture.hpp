@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "geometry/foreign_region.hpp"
-#include "process/pixel_conversion.hpp"
+#include "points/pixel_conversion.hpp"
 #include "process/region_pixels.hpp"
 
 namespace orlix {

@@ -1,6 +1,6 @@
 #include <emmintrin.h>
 
-#include "process/threshold_kernels.hpp"
+#include "points/threshold_kernels.hpp"
 
 namespace orlix {
 namespace {

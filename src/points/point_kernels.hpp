@@ -1,7 +1,7 @@
 // Kernels of point operations and their variants. All work in place and accept n = 0.
 #pragma once
 
-#include "process/point_operations.hpp"
+#include "points/point_operations.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

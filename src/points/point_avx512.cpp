@@ -1,6 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include "process/point_kernels.hpp"
+#include "points/point_kernels.hpp"
 
 namespace orlix {
 namespace {

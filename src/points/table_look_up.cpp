@@ -1,4 +1,4 @@
-#include "process/table_look_up.hpp"
+#include "points/table_look_up.hpp"
 
 #include <algorithm>
 #include <numeric>

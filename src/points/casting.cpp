@@ -1,10 +1,10 @@
-#include "process/casting.hpp"
+#include "points/casting.hpp"
 
 #include <cmath>
 #include <cstring>
 #include <type_traits>
 
-#include "process/casting_kernels.hpp"
+#include "points/casting_kernels.hpp"
 
 namespace orlix {
 namespace {

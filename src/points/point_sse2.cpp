@@ -1,6 +1,6 @@
 #include <emmintrin.h>
 
-#include "process/point_kernels.hpp"
+#include "points/point_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -1,6 +1,6 @@
-#include "process/threshold.hpp"
+#include "points/threshold.hpp"
 
-#include "process/threshold_kernels.hpp"
+#include "points/threshold_kernels.hpp"
 
 namespace orlix {
 

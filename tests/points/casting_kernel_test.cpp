@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "kernel_testing.hpp"
-#include "process/casting_kernels.hpp"
+#include "points/casting_kernels.hpp"
 
 namespace orlix {
 namespace {

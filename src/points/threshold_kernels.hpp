@@ -1,7 +1,7 @@
 // Kernels of the threshold and their variants.
 #pragma once
 
-#include "process/threshold.hpp"
+#include "points/threshold.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

@@ -1,6 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include "process/casting_kernels.hpp"
+#include "points/casting_kernels.hpp"
 
 namespace orlix {
 namespace {

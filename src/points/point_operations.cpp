@@ -1,4 +1,4 @@
-#include "process/point_operations.hpp"
+#include "points/point_operations.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -6,8 +6,8 @@
 #include <optional>
 #include <type_traits>
 
-#include "process/pixel_conversion.hpp"
-#include "process/point_kernels.hpp"
+#include "points/pixel_conversion.hpp"
+#include "points/point_kernels.hpp"
 
 namespace orlix {
 namespace {

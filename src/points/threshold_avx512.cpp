@@ -1,6 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include "process/threshold_kernels.hpp"
+#include "points/threshold_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "process/pixel_conversion.hpp"
-#include "process/point_kernels.hpp"
+#include "points/pixel_conversion.hpp"
+#include "points/point_kernels.hpp"
 
 namespace orlix {
 

@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "kernel_testing.hpp"
-#include "process/point_kernels.hpp"
+#include "points/point_kernels.hpp"
 
 namespace orlix {
 namespace {

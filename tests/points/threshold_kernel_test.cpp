@@ -2,7 +2,7 @@
 
 #include "geometry/run.hpp"
 #include "kernel_testing.hpp"
-#include "process/threshold_kernels.hpp"
+#include "points/threshold_kernels.hpp"
 
 namespace orlix {
 namespace {

@@ -1,6 +1,6 @@
 #include <immintrin.h>
 
-#include "process/casting_kernels.hpp"
+#include "points/casting_kernels.hpp"
 
 namespace orlix {
 namespace {

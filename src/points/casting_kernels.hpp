@@ -1,7 +1,7 @@
 // Kernels of casts and of the addition of another image, and their variants.
 #pragma once
 
-#include "process/casting.hpp"
+#include "points/casting.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

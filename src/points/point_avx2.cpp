@@ -1,6 +1,6 @@
 #include <immintrin.h>
 
-#include "process/point_kernels.hpp"
+#include "points/point_kernels.hpp"
 
 namespace orlix {
 namespace {
