@@ -4,6 +4,10 @@
 #include <cmath>
 
 #include "display/display_level_kernels.hpp"
+#include "filters/extremum_sharpening_kernels.hpp"
+#include "filters/linear_filter_kernels.hpp"
+#include "filters/median_kernels.hpp"
+#include "filters/sobel_kernels.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
@@ -11,10 +15,6 @@
 #include "points/casting_kernels.hpp"
 #include "points/point_kernels.hpp"
 #include "points/threshold_kernels.hpp"
-#include "process/extremum_kernels.hpp"
-#include "process/linear_filter_kernels.hpp"
-#include "process/median_kernels.hpp"
-#include "process/sobel_kernels.hpp"
 
 namespace orlix::bench {
 namespace {

@@ -2,6 +2,10 @@
 
 #include "display/display_level_kernels.hpp"
 #include "display/raster_kernels.hpp"
+#include "filters/extremum_sharpening_kernels.hpp"
+#include "filters/linear_filter_kernels.hpp"
+#include "filters/median_kernels.hpp"
+#include "filters/sobel_kernels.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
@@ -9,12 +13,8 @@
 #include "points/point_kernels.hpp"
 #include "points/threshold_kernels.hpp"
 #include "process/correction_kernels.hpp"
-#include "process/extremum_kernels.hpp"
 #include "process/hemisphere_kernels.hpp"
-#include "process/linear_filter_kernels.hpp"
-#include "process/median_kernels.hpp"
 #include "process/moments_kernels.hpp"
-#include "process/sobel_kernels.hpp"
 #include "process/trimming_kernels.hpp"
 
 namespace orlix {

@@ -6,15 +6,15 @@
 #include <utility>
 #include <vector>
 
+#include "filters/extremum_sharpening.hpp"
+#include "filters/linear_filter_kernels.hpp"
+#include "filters/median_kernels.hpp"
+#include "filters/sobel_kernels.hpp"
 #include "image/source_image.hpp"
 #include "process/angled_hemisphere_fit.hpp"
-#include "process/extremum.hpp"
-#include "process/linear_filter_kernels.hpp"
-#include "process/median_kernels.hpp"
 #include "process/operations.hpp"
 #include "process/robust_fit.hpp"
 #include "process/selection.hpp"
-#include "process/sobel_kernels.hpp"
 #include "process/typed_image.hpp"
 
 namespace orlix {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "binary/orlix_bitmap.hpp"
+#include "filters/filtering.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "measure/counting.hpp"
 #include "measure/extremes.hpp"
@@ -20,7 +21,6 @@
 #include "points/table_look_up.hpp"
 #include "points/threshold.hpp"
 #include "process/correction.hpp"
-#include "process/filtering.hpp"
 #include "process/hemisphere_fit.hpp"
 #include "process/region_pixels.hpp"
 #include "process/selection.hpp"

@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "filters/filter_kernels.hpp"
 #include "kernel_testing.hpp"
-#include "process/filter_kernels.hpp"
 
 namespace orlix {
 

@@ -1,0 +1,206 @@
+#include "filters/filtering.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include "component/failure.hpp"
+#include "image/image_layout.hpp"
+
+namespace orlix {
+namespace {
+
+// Columns at a time, so that the rows stay in the first cache. Prefetching much more than a kilobyte before it is needed keeps the
+// kernel waiting.
+constexpr int64_t kDirect = 1024;
+
+// Larger bands than this leave the second cache before the next row needs their samples again.
+constexpr int64_t kCachedBytes = 1 << 20;
+
+template <class T>
+void Prefetch(const T* row, int64_t n) {
+    for (int64_t i = 0; i < n; i += 64 / static_cast<int64_t>(sizeof(T))) __builtin_prefetch(row + i);
+}
+
+// Pixels whose samples do not lie side by side, gathered through the table. Images have one or two of them at either end of each
+// row, and calling a kernel costs as much as dozens of pixels: so they are filtered side by side, those of many rows in one call.
+template <class T>
+class GatheredPixels {
+public:
+    GatheredPixels(FilterFn<T> kernel, int32_t radius, const FilterParameters<T>& parameters)
+        : kernel_(kernel), radius_(radius), parameters_(parameters) {}
+
+    // Columns x..stop - 1 of row y, to be written to `to` by the next Filter() at the latest.
+    void Add(PixelView<const T> from, int64_t x, int64_t stop, int32_t y, T* to) {
+        while (x < stop) {
+            const int64_t room = kSamples - used_ - 2 * radius_;
+            if (room < std::min<int64_t>(stop - x, kShortest)) {
+                Filter();
+                continue;
+            }
+            const int64_t n = std::min(stop - x, room);
+            const VPAEntry* const columns = from.table() + (x - radius_);
+            for (int32_t k = 0; k <= 2 * radius_; ++k) {
+                const T* const row = from.base() + from.table()[y + k - radius_].YEntry;
+                for (int64_t i = 0; i < n + 2 * radius_; ++i) samples_[k][used_ + i] = row[columns[i].XEntry];
+            }
+            pieces_[count_++] = {to, used_, n};
+            used_ += n + 2 * radius_;
+            to += n;
+            x += n;
+        }
+    }
+
+    void Filter() {
+        if (count_ == 0) return;
+        const T* at[2 * kMostRadius + 1];
+        for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] = samples_[k] + radius_;
+        kernel_(at, results_, static_cast<size_t>(used_ - 2 * radius_), parameters_);
+        for (size_t i = 0; i < count_; ++i) std::copy_n(results_ + pieces_[i].first, pieces_[i].length, pieces_[i].to);
+        count_ = 0;
+        used_ = 0;
+    }
+
+private:
+    static constexpr int32_t kMostRadius = NeighbourhoodFilter<T>::kMostRadius;
+    static constexpr int64_t kSamples = 256;  // the five rows stay in the first cache
+    static constexpr int64_t kShortest = 32;  // the rest of a buffer is not worth a shorter part of a longer piece
+
+    struct Piece {
+        T* to;
+        int64_t first, length;  // in the results
+    };
+
+    FilterFn<T> kernel_;
+    int32_t radius_;
+    FilterParameters<T> parameters_;
+    T samples_[2 * kMostRadius + 1][kSamples];
+    T results_[kSamples];
+    Piece pieces_[kSamples];
+    size_t count_ = 0;
+    int64_t used_ = 0;
+};
+
+}  // namespace
+
+// Row y of a band pair.
+template <class T>
+struct NeighbourhoodFilter<T>::Rows {
+    PixelView<const T> from;
+    int32_t y;
+    T* to;
+    const T*
+        nextFrom;  // the rows that the next row reads and writes for the first time; null when not worth asking for
+    const T* nextTo;
+};
+
+template <class T>
+void NeighbourhoodFilter<T>::operator()(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const {
+    const int64_t adjacent = from.AdjacentColumns();
+    const int64_t width = int64_t{from.width()} + kTableMargin - radius_;  // columns that can be filtered
+    const int32_t bottom =
+        static_cast<int32_t>(std::min<int64_t>(region.bottom(), int64_t{from.height()} + kTableMargin - 1 - radius_));
+    const bool prefetch = int64_t{to.width()} * to.height() > kCachedBytes / static_cast<int64_t>(sizeof(T));
+    GatheredPixels<T> gathered(kernel_, radius_, parameters_);
+    for (int32_t y = region.top(); y <= bottom; ++y) {
+        Rows rows{from, y, to.row(y), nullptr, nullptr};
+        if (prefetch && y < bottom) {
+            rows.nextFrom = from.row(y + 1 + radius_);
+            rows.nextTo = to.row(y + 1);
+        }
+        for (const Run run : region.row(y)) {
+            const int64_t start = run.start, stop = std::min(int64_t{run.stop} + 1, width);
+            const int64_t direct = std::clamp<int64_t>(radius_, start, std::max(start, stop));
+            const int64_t directStop = std::clamp<int64_t>(adjacent - radius_, direct, std::max(direct, stop));
+            gathered.Add(from, start, std::min(direct, stop), y, rows.to + start);
+            Direct(rows, direct, directStop);
+            gathered.Add(from, directStop, stop, y, rows.to + directStop);
+        }
+    }
+    gathered.Filter();
+}
+
+template <class T>
+void NeighbourhoodFilter<T>::Direct(const Rows& rows, int64_t x, int64_t stop) const {
+    const T* at[2 * kMostRadius + 1];
+    for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] = rows.from.row(rows.y + k - radius_) + x;
+    for (; x < stop; x += kDirect) {
+        const int64_t n = std::min(stop - x, kDirect);
+        if (rows.nextFrom) {
+            Prefetch(rows.nextFrom + x, n);
+            Prefetch(rows.nextTo + x, n);
+        }
+        kernel_(at, rows.to + x, static_cast<size_t>(n), parameters_);
+        for (int32_t k = 0; k <= 2 * radius_; ++k) at[k] += n;
+    }
+}
+
+template <class T>
+bool SharesMemory(PixelView<const T> view, const void* begin, const void* end) {
+    const VPAEntry* const table = view.table();
+    int64_t least[2] = {table[0].XEntry, table[0].YEntry};
+    int64_t most[2] = {least[0], least[1]};
+    const auto add = [&](int axis, int64_t entry) {
+        least[axis] = std::min(least[axis], entry);
+        most[axis] = std::max(most[axis], entry);
+    };
+    for (int64_t x = -kTableMargin; x < int64_t{view.width()} + kTableMargin; ++x) add(0, table[x].XEntry);
+    for (int64_t y = -kTableMargin; y < int64_t{view.height()} + kTableMargin; ++y) add(1, table[y].YEntry);
+    const auto base = static_cast<int64_t>(reinterpret_cast<uintptr_t>(view.base()));
+    const int64_t size = sizeof(T);
+    return base + (least[0] + least[1]) * size < static_cast<int64_t>(reinterpret_cast<uintptr_t>(end)) &&
+           base + (most[0] + most[1] + 1) * size > static_cast<int64_t>(reinterpret_cast<uintptr_t>(begin));
+}
+
+template <class T>
+SourceCopy<T>::SourceCopy(PixelView<const T> source, int32_t width, int32_t top, int32_t bottom, int32_t radius)
+    : width_(source.width()), height_(source.height()) {
+    struct Range {
+        int64_t first, last;
+        int64_t count() const { return std::max<int64_t>(last - first + 1, 0); }
+        int64_t offset(int64_t i) const { return std::clamp(i, first, std::max(first, last)) - first; }
+    };
+    const auto readable = [&](int64_t first, int64_t last, int64_t size) {
+        return Range{std::max<int64_t>(first - radius, -kTableMargin),
+                     std::min<int64_t>(last + radius, size + kTableMargin - 1)};
+    };
+    const Range columns = readable(0, int64_t{width} - 1, width_);
+    const Range rows = readable(top, bottom, height_);
+    // Both factors are below 2^32.
+    if (rows.count() > 0 && columns.count() > std::numeric_limits<LONG>::max() / rows.count())
+        throw FailedResult(E_FAIL);
+    samples_ = std::make_unique_for_overwrite<T[]>(static_cast<size_t>(columns.count() * rows.count()));
+
+    const int64_t adjacent = source.AdjacentColumns();
+    T* to = samples_.get();
+    for (int64_t y = rows.first; y <= rows.last; ++y)
+        for (int64_t x = columns.first; x <= columns.last;) {
+            const int64_t n = x == 0 ? std::min(adjacent, columns.last + 1) : 1;
+            std::memcpy(to, &source.at(static_cast<int32_t>(x), static_cast<int32_t>(y)),
+                        static_cast<size_t>(n) * sizeof(T));
+            to += n;
+            x += n;
+        }
+
+    const int64_t length = std::max<int64_t>(width_, height_) + 2 * int64_t{kTableMargin};
+    table_.reserve(static_cast<size_t>(length));
+    for (int64_t i = -kTableMargin; i < length - kTableMargin; ++i)
+        table_.push_back({static_cast<LONG>(columns.offset(i)), static_cast<LONG>(rows.offset(i) * columns.count())});
+}
+
+template <class T>
+PixelView<const T> SourceCopy<T>::view() const {
+    return {samples_.get(), table_.data() + kTableMargin, width_, height_};
+}
+
+#define ORLIX_TYPE(T)                                                                        \
+    template class NeighbourhoodFilter<T>;                                                   \
+    template bool SharesMemory(PixelView<const T> view, const void* begin, const void* end); \
+    template class SourceCopy<T>;
+ORLIX_TYPE(uint8_t)
+ORLIX_TYPE(uint16_t)
+ORLIX_TYPE(uint32_t)
+ORLIX_TYPE(float)
+#undef ORLIX_TYPE
+
+}  // namespace orlix

@@ -1,0 +1,73 @@
+// The median of nine by minima and maxima, for any vectors. For the files of one instruction set each.
+#pragma once
+
+#include "filters/median_kernels.hpp"
+
+namespace orlix {
+namespace {
+
+template <class Lanes>
+struct Column {
+    typename Lanes::Vector low, middle, high;
+};
+
+// The three pixels above one another at p[0], p[1], p[2], sorted.
+template <class Lanes>
+[[gnu::always_inline]] inline Column<Lanes> Sorted(const typename Lanes::Pixel* const* p, ptrdiff_t i) {
+    const auto a = Lanes::Load(p[0] + i), b = Lanes::Load(p[1] + i), c = Lanes::Load(p[2] + i);
+    const auto low = Lanes::Min(a, b), high = Lanes::Max(a, b);
+    const auto rest = Lanes::Min(high, c);
+    return {Lanes::Min(low, rest), Lanes::Max(low, rest), Lanes::Max(high, c)};
+}
+
+template <class Lanes>
+[[gnu::always_inline]] inline typename Lanes::Vector MiddleOf(const typename Lanes::Vector& a,
+                                                              const typename Lanes::Vector& b,
+                                                              const typename Lanes::Vector& c) {
+    return Lanes::Max(Lanes::Min(a, b), Lanes::Min(Lanes::Max(a, b), c));
+}
+
+// Columns sorted, the median is that of the greatest minimum, the middle one of the middles and the smallest maximum: each
+// of these three leaves four pixels that cannot be beyond it on either side.
+template <class Lanes>
+[[gnu::always_inline]] inline typename Lanes::Vector MedianOf(const Column<Lanes>& l, const Column<Lanes>& c,
+                                                              const Column<Lanes>& r) {
+    return MiddleOf<Lanes>(Lanes::Max(Lanes::Max(l.low, c.low), r.low), MiddleOf<Lanes>(l.middle, c.middle, r.middle),
+                           Lanes::Min(Lanes::Min(l.high, c.high), r.high));
+}
+
+// Whether it was done: n is at least one vector. Inside the row each column is sorted once and shifted to its neighbours;
+// at the ends columns are read where they are, and the last vector ends with the row. SSE2 takes three instructions for a
+// shift and reads all columns where they are.
+template <class Lanes, class T = typename Lanes::Pixel>
+[[gnu::always_inline]] inline bool MedianRow(const T* const* rows, T* to, size_t n) {
+    constexpr size_t kLanes = Lanes::kLanes;
+    if (n < kLanes) return false;
+    const T* const p[3] = {rows[0], rows[1], rows[2]};
+    const auto alone = [&](size_t i) __attribute__((always_inline)) {
+        const auto x = static_cast<ptrdiff_t>(i);
+        Lanes::Store(to + i, MedianOf(Sorted<Lanes>(p, x - 1), Sorted<Lanes>(p, x), Sorted<Lanes>(p, x + 1)));
+    };
+    alone(0);
+    size_t i = kLanes;
+    if constexpr (requires(const typename Lanes::Vector& v) { Lanes::Before(v, v); })
+        if (i + 2 * kLanes <= n + 1) {
+            auto l = Sorted<Lanes>(p, 0), c = Sorted<Lanes>(p, kLanes);
+            for (; i + 2 * kLanes <= n + 1; i += kLanes) {
+                const auto r = Sorted<Lanes>(p, static_cast<ptrdiff_t>(i + kLanes));
+                const Column<Lanes> before = {Lanes::Before(l.low, c.low), Lanes::Before(l.middle, c.middle),
+                                              Lanes::Before(l.high, c.high)};
+                const Column<Lanes> after = {Lanes::After(c.low, r.low), Lanes::After(c.middle, r.middle),
+                                             Lanes::After(c.high, r.high)};
+                Lanes::Store(to + i, MedianOf(before, c, after));
+                l = c;
+                c = r;
+            }
+        }
+    for (; i + kLanes <= n; i += kLanes) alone(i);
+    if (i < n) alone(n - kLanes);
+    return true;
+}
+
+}  // namespace
+}  // namespace orlix

@@ -1,0 +1,259 @@
+#include <algorithm>
+#include <cmath>
+
+#include "filters/extremum_sharpening.hpp"
+#include "filters/extremum_sharpening_kernels.hpp"
+#include "geometry/foreign_region.hpp"
+#include "image/image_layout.hpp"
+#include "square_testing.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+template <class T>
+class Extremum : public testing::Test {};
+using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
+TYPED_TEST_SUITE(Extremum, PixelTypes, );
+
+// A band with the table that images of this library have.
+template <class T>
+struct Band {
+    int32_t width, height;
+    ImageLayout layout = MakeLayout(width, height, 1, std::is_same_v<T, float> ? LONG{DT_Float} : 8 * LONG{sizeof(T)});
+    std::vector<VPAEntry> table = MakeOffsetTable(layout);
+    std::vector<T> samples = std::vector<T>(layout.totalSize / sizeof(T), T{99});
+
+    PixelView<T> view() { return {samples.data(), table.data() + kTableMargin, width, height}; }
+    PixelView<const T> source() const { return {samples.data(), table.data() + kTableMargin, width, height}; }
+    void AddNoise(uint32_t seed) { samples = Noise<T>(samples.size(), seed); }
+};
+
+// The definition, square by square; false where the square cannot be read.
+template <class T>
+bool Sharpened(PixelView<const T> from, int32_t x, int32_t y, int64_t h, FilterParameters<T> limits, T& result) {
+    if (std::min(x, y) - h < -kTableMargin || x + h >= from.width() + kTableMargin ||
+        y + h >= from.height() + kTableMargin)
+        return false;
+    T high = std::isnan(static_cast<double>(limits.lower)) ? static_cast<T>(-kInfinity) : limits.lower;
+    T low = std::isnan(static_cast<double>(limits.upper)) ? static_cast<T>(kInfinity) : limits.upper;
+    for (int64_t v = y - h; v <= y + h; ++v)
+        for (int64_t u = x - h; u <= x + h; ++u) {
+            const T pixel = from.at(static_cast<int32_t>(u), static_cast<int32_t>(v));
+            if (pixel > high) high = pixel;
+            if (pixel < low) low = pixel;
+        }
+    using Wide = std::conditional_t<std::is_same_v<T, float>, float, int64_t>;
+    const Wide p = from.at(x, y);
+    result = p != p ? static_cast<T>(kNan) : static_cast<T>((p - low >= high - p ? high : low) + T{0});
+    return true;
+}
+
+template <class T>
+using Way = void (ExtremumSharpening<T>::*)(PixelView<const T>, PixelView<T>, const RegionRows&) const;
+
+template <class T>
+void ExpectByDefinition(PixelView<const T> from, Band<T> to, IRegionOfInterest* region, int32_t h,
+                        FilterParameters<T> limits, Way<T> way = &ExtremumSharpening<T>::operator()) {
+    SCOPED_TRACE(testing::Message() << from.width() << " x " << from.height() << " to " << to.width << " x "
+                                    << to.height << ", h " << h);
+    const RegionRows rows(region, to.width, to.height);
+    Band<T> want = to;
+    for (int32_t y = rows.top(); y <= rows.bottom(); ++y)
+        for (const Run run : rows.row(y))
+            for (int32_t x = run.start; x <= run.stop; ++x) Sharpened(from, x, y, h, limits, want.view().at(x, y));
+    (ExtremumSharpening<T>(h, limits).*way)(from, to.view(), rows);
+    EXPECT_TRUE(SameBits(want.samples.data(), to.samples.data(), want.samples.size()));
+}
+
+TYPED_TEST(Extremum, EverySquareGivesTheNearerExtreme) {
+    using T = TypeParam;
+    struct Case {
+        int32_t width, height, h;
+    };
+    const Case cases[] = {{1, 1, 0},   {1, 1, 1},   {1, 1, 3},   {5, 3, 1},    {64, 9, 1},   {40, 30, 0},
+                          {40, 30, 2}, {33, 41, 3}, {67, 20, 5}, {70, 25, 8},  {20, 70, 9},  {97, 12, 15},
+                          {9, 8, 30},  {3, 5, 70},  {6, 7, 200}, {12, 9, 203}, {12, 9, 204}, {12, 9, 206}};
+    for (const Case& c : cases)
+        for (const FilterParameters<T>& limits : LuminanceRanges<T>()) {
+            Band<T> source{c.width, c.height};
+            source.AddNoise(static_cast<uint32_t>(c.width + c.h));
+            const Band<T> to{c.width, c.height};
+            ExpectByDefinition(source.source(), to, nullptr, c.h, limits);
+            ExpectByDefinition(source.source(), to, nullptr, c.h, limits, &ExtremumSharpening<T>::AnySize);
+        }
+}
+
+// More than one strip of columns, and blocks of rows of which the last is not full.
+TYPED_TEST(Extremum, StripsAndBlocksMeetWithoutASeam) {
+    using T = TypeParam;
+    Band<T> source{5000, 8}, tall{1100, 60};
+    source.AddNoise(1);
+    tall.AddNoise(2);
+    ExpectByDefinition(source.source(), Band<T>{5000, 8}, nullptr, 2, LuminanceRanges<T>()[0]);
+    ExpectByDefinition(tall.source(), Band<T>{1100, 60}, nullptr, 4, LuminanceRanges<T>()[0]);
+}
+
+TYPED_TEST(Extremum, RegionsAreKeptAndSizesMayDiffer) {
+    using T = TypeParam;
+    ForeignRegion region;
+    region.box = {0, 0, 400, 300};
+    region.rows = {{3, {MakeRun(2, 5), MakeRun(9, 9)}},
+                   {7, {MakeRun(-5, 90)}},
+                   {20, {MakeRun(0, 0), MakeRun(30, 31), MakeRun(59, 70)}},
+                   {240, {MakeRun(11, 260)}}};
+    Band<T> source{50, 40};
+    source.AddNoise(3);
+    for (const int32_t h : {0, 1, 2, 6, 40}) {
+        ExpectByDefinition(source.source(), Band<T>{60, 45}, &region, h, LuminanceRanges<T>()[1]);
+        ExpectByDefinition(source.source(), Band<T>{300, 260}, &region, h, LuminanceRanges<T>()[0]);
+        ExpectByDefinition(source.source(), Band<T>{20, 15}, &region, h, LuminanceRanges<T>()[0]);
+    }
+}
+
+// A flipped image that shows every other column: nothing lies side by side.
+TYPED_TEST(Extremum, ForeignTablesAreTheTruth) {
+    using T = TypeParam;
+    Band<T> samples{80, 30};
+    samples.AddNoise(4);
+    const Band<T> view{40, 30};
+    std::vector<VPAEntry> table = view.table;
+    for (size_t i = 0; i < table.size(); ++i) {
+        const int32_t x = view.table[i].XEntry, y = view.table[i].YEntry / view.table[kTableMargin + 1].YEntry;
+        table[i] = {2 * (39 - x), samples.table[static_cast<size_t>(kTableMargin + 29 - y)].YEntry};
+    }
+    const PixelView<const T> from(samples.samples.data(), table.data() + kTableMargin, 40, 30);
+    for (const int32_t h : {0, 1, 4, 60}) ExpectByDefinition(from, view, nullptr, h, LuminanceRanges<T>()[1]);
+}
+
+TYPED_TEST(Extremum, NegativeHalfSizesChooseALimit) {
+    using T = TypeParam;
+    for (const int32_t h : {-1, -7, std::numeric_limits<int32_t>::min()}) {
+        Band<T> source{40, 5};
+        source.AddNoise(5);
+        for (const FilterParameters<T>& limits : LuminanceRanges<T>())
+            ExpectByDefinition(source.source(), Band<T>{40, 5}, nullptr, h, limits);
+    }
+    Band<T> source{2, 1}, to{2, 1};
+    source.view().at(0, 0) = T{30};
+    source.view().at(1, 0) = T{29};
+    ExtremumSharpening<T>(-1, {T{20}, T{40}})(source.source(), to.view(), RegionRows(nullptr, 2, 1));
+    EXPECT_EQ(T{20}, to.view().at(0, 0)) << "halfway: lower, which is mx";
+    EXPECT_EQ(T{40}, to.view().at(1, 0));
+}
+
+TYPED_TEST(Extremum, HugeHalfSizesChangeNothing) {
+    using T = TypeParam;
+    Band<T> source{30, 20};
+    source.AddNoise(6);
+    for (const int32_t h : {210, 216, 1000000, std::numeric_limits<int32_t>::max()})
+        ExpectByDefinition(source.source(), Band<T>{30, 20}, nullptr, h, LuminanceRanges<T>()[0]);
+}
+
+TYPED_TEST(Extremum, TiesGoToTheMaximum) {
+    using T = TypeParam;
+    Band<T> source{3, 3}, to{3, 3};
+    source.samples.assign(source.samples.size(), T{20});
+    source.view().at(0, 0) = T{10};
+    source.view().at(2, 2) = T{30};
+    for (const int32_t h : {1, 2}) {
+        ExtremumSharpening<T>(h, LuminanceRanges<T>()[0])(source.source(), to.view(), RegionRows(nullptr, 3, 3));
+        EXPECT_EQ(T{30}, to.view().at(1, 1));
+        ExtremumSharpening<T>(h, {T{20}, T{9}})(source.source(), to.view(), RegionRows(nullptr, 3, 3));
+        EXPECT_EQ(T{30}, to.view().at(1, 1)) << "9 and 30 around 20";
+        ExtremumSharpening<T>(h, {T{35}, T{100}})(source.source(), to.view(), RegionRows(nullptr, 3, 3));
+        EXPECT_EQ(T{10}, to.view().at(1, 1)) << "10 and 35 around 20";
+    }
+}
+
+TEST(ExtremumOfFloats, NanDoesNotCountAndZerosLoseTheirSign) {
+    Band<float> source{3, 1}, to{3, 1};
+    source.samples = {kNan, 4.0f, 1.0f};
+    const RegionRows rows(nullptr, 3, 1);
+    for (const int32_t h : {1, 2}) {
+        ExtremumSharpening<float>(h, {kNan, kNan})(source.source(), to.view(), rows);
+        EXPECT_TRUE(SameBits(&kNan, &to.samples[0], 1));
+        EXPECT_EQ(4.0f, to.samples[1]);
+        EXPECT_EQ(1.0f, to.samples[2]);
+    }
+    source.samples = {-0.0f, -0.0f, -0.0f};
+    for (const int32_t h : {-1, 0, 1, 2}) {
+        ExtremumSharpening<float>(h, {-0.0f, -0.0f})(source.source(), to.view(), rows);
+        for (const float zero : to.samples) EXPECT_FALSE(std::signbit(zero)) << h;
+    }
+}
+
+TYPED_TEST(Extremum, EveryVariantOf3x3EqualsTheDefinition) {
+    using T = TypeParam;
+    for (const FilterParameters<T>& limits : LuminanceRanges<T>())
+        for (const size_t n : kAwkwardSizes) {
+            Squares<T> squares(n, static_cast<uint32_t>(n));
+            ExpectVariantsAgree(kExtremumSharpening3x3<T>, squares, limits);
+        }
+}
+
+// Rows of minima and maxima between guards; values are not NaN and have no negative zero.
+template <class T>
+class Rows {
+public:
+    Rows(size_t n, uint32_t seed, size_t offset)
+        : low_(Numbers(n, seed), offset), high_(Numbers(n, seed + 1), offset) {}
+    ExtremaRow<T> row() { return {low_.data(), high_.data()}; }
+    bool Equals(Rows& other) {
+        return SameBits(low_.data(), other.low_.data(), low_.size()) &&
+               SameBits(high_.data(), other.high_.data(), high_.size()) && low_.GuardsIntact() && high_.GuardsIntact();
+    }
+
+private:
+    static std::vector<T> Numbers(size_t n, uint32_t seed) {
+        std::vector<T> numbers = Noise<T>(n, seed);
+        for (T& number : numbers) number = number == number ? static_cast<T>(number + T{0}) : T{5};
+        return numbers;
+    }
+    Guarded<T> low_, high_;
+};
+
+TYPED_TEST(Extremum, EveryVariantOfTheKernelsEqualsTheDefinition) {
+    using T = TypeParam;
+    const ExtremumKernels<T>& definition = std::end(kExtremum<T>)[-1].fn;
+    for (const auto& variant : SupportedOnThisCpu(kExtremum<T>))
+        for (const size_t n : kAwkwardSizes) {
+            SCOPED_TRACE(testing::Message() << variant.name << " " << n);
+            const ExtremumKernels<T>& kernels = variant.fn;
+            Guarded<T> pixels(Noise<T>(n, static_cast<uint32_t>(n)), n % 5);
+            Rows<T> from(n + 40, 11, 3), other(n, 13, 2), want(n, 15, 1), got(n, 15, 1), wantBoth(n, 17, 0),
+                gotBoth(n, 17, 0);
+
+            definition.extend(pixels.data(), from.row(), want.row(), n);
+            kernels.extend(pixels.data(), from.row(), got.row(), n);
+            ASSERT_TRUE(want.Equals(got));
+            definition.extendAndJoin(pixels.data(), want.row(), want.row(), other.row(), wantBoth.row(), n);
+            kernels.extendAndJoin(pixels.data(), got.row(), got.row(), other.row(), gotBoth.row(), n);
+            ASSERT_TRUE(want.Equals(got));
+            ASSERT_TRUE(wantBoth.Equals(gotBoth));
+            definition.widen(from.row(), want.row(), {1, 17, 40}, n);
+            kernels.widen(from.row(), got.row(), {1, 17, 40}, n);
+            ASSERT_TRUE(want.Equals(got));
+
+            // Squares hold the pixel, so their extremes are on either side of it.
+            Rows<T> square(n + 9, 19, 1);
+            for (size_t i = 0; i < n + 9; ++i) {
+                const T p = i < n ? pixels.data()[i] : T{7};
+                if (p < square.row().low[i]) square.row().low[i] = p;
+                if (p > square.row().high[i]) square.row().high[i] = p;
+            }
+            for (const FilterParameters<T>& limits : LuminanceRanges<T>()) {
+                std::vector<T> sharp(n, T{1});
+                Guarded<T> to(sharp, 3);
+                definition.sharpen(pixels.data(), square.row(), 9, sharp.data(), n, limits);
+                kernels.sharpen(pixels.data(), square.row(), 9, to.data(), n, limits);
+                ASSERT_TRUE(SameBits(sharp.data(), to.data(), n));
+                ASSERT_TRUE(to.GuardsIntact());
+            }
+        }
+}
+
+}  // namespace
+}  // namespace orlix
