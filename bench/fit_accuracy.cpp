@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "process/angled_hemisphere_fit.hpp"
-#include "process/hemisphere_fit.hpp"
-#include "process/robust_fit.hpp"
-#include "process/surface_fit.hpp"
+#include "fits/angled_hemisphere_fit.hpp"
+#include "fits/hemisphere_fit.hpp"
+#include "fits/robust_fit.hpp"
+#include "fits/surface_fit.hpp"
 
 namespace orlix {
 namespace {

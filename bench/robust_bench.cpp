@@ -6,10 +6,10 @@
 
 #include <cstring>
 
+#include "fits/correction_kernels.hpp"
+#include "fits/robust_fit.hpp"
+#include "fits/trimmed_score.hpp"
 #include "pictures.hpp"
-#include "process/correction_kernels.hpp"
-#include "process/robust_fit.hpp"
-#include "process/trimmed_score.hpp"
 
 namespace orlix::bench {
 namespace {

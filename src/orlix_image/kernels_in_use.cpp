@@ -6,16 +6,16 @@
 #include "filters/linear_filter_kernels.hpp"
 #include "filters/median_kernels.hpp"
 #include "filters/sobel_kernels.hpp"
+#include "fits/correction_kernels.hpp"
+#include "fits/hemisphere_kernels.hpp"
+#include "fits/moments_kernels.hpp"
+#include "fits/trimming_kernels.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
 #include "points/casting_kernels.hpp"
 #include "points/point_kernels.hpp"
 #include "points/threshold_kernels.hpp"
-#include "process/correction_kernels.hpp"
-#include "process/hemisphere_kernels.hpp"
-#include "process/moments_kernels.hpp"
-#include "process/trimming_kernels.hpp"
 
 namespace orlix {
 

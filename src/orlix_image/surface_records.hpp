@@ -3,8 +3,8 @@
 
 #include <orlix/orlix.h>
 
-#include "process/hemisphere.hpp"
-#include "process/surface_polynomial.hpp"
+#include "fits/hemisphere.hpp"
+#include "fits/surface_polynomial.hpp"
 
 namespace orlix {
 

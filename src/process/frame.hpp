@@ -10,10 +10,10 @@
 #include "filters/linear_filter_kernels.hpp"
 #include "filters/median_kernels.hpp"
 #include "filters/sobel_kernels.hpp"
+#include "fits/angled_hemisphere_fit.hpp"
+#include "fits/robust_fit.hpp"
 #include "image/source_image.hpp"
-#include "process/angled_hemisphere_fit.hpp"
 #include "process/operations.hpp"
-#include "process/robust_fit.hpp"
 #include "process/selection.hpp"
 #include "process/typed_image.hpp"
 

@@ -12,6 +12,10 @@
 
 #include "binary/orlix_bitmap.hpp"
 #include "filters/filtering.hpp"
+#include "fits/correction.hpp"
+#include "fits/hemisphere_fit.hpp"
+#include "fits/region_pixels.hpp"
+#include "fits/surface_fit.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "measure/counting.hpp"
 #include "measure/extremes.hpp"
@@ -20,11 +24,7 @@
 #include "points/point_operations.hpp"
 #include "points/table_look_up.hpp"
 #include "points/threshold.hpp"
-#include "process/correction.hpp"
-#include "process/hemisphere_fit.hpp"
-#include "process/region_pixels.hpp"
 #include "process/selection.hpp"
-#include "process/surface_fit.hpp"
 
 namespace orlix {
 

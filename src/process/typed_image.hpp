@@ -5,11 +5,11 @@
 #include <orlix/com_ptr.hpp>
 
 #include "binary/orlix_bitmap.hpp"
+#include "fits/hemisphere.hpp"
+#include "fits/surface_polynomial.hpp"
 #include "geometry/region_rows.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "image/image_store.hpp"
-#include "process/hemisphere.hpp"
-#include "process/surface_polynomial.hpp"
 
 namespace orlix {
 

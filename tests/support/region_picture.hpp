@@ -8,9 +8,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "fits/region_pixels.hpp"
 #include "geometry/foreign_region.hpp"
 #include "points/pixel_conversion.hpp"
-#include "process/region_pixels.hpp"
 
 namespace orlix {
 

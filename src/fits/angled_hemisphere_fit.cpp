@@ -1,0 +1,423 @@
+#include "fits/angled_hemisphere_fit.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "fits/hemisphere_fit.hpp"
+#include "numerics/elementary.hpp"
+#include "numerics/linear_system.hpp"
+
+namespace orlix {
+namespace {
+
+// The height is linear in the last four.
+enum Unknown : size_t { kA, kB, kQ, kE, kC, kGx, kGy, kUnknowns };
+constexpr size_t kNonlinear = 3, kLinear = 4;
+using Vector = std::array<double, kUnknowns>;
+
+// Where the unknowns are counted from.
+struct Place {
+    double xMiddle = 0, yMiddle = 0, length = 1, z = 0;
+};
+
+// Sum of squared residuals, half its gradient and the upper triangle of the normal matrix.
+struct Sums {
+    double squares = 0;
+    Vector gradient = {};
+    std::array<Vector, kUnknowns> normal = {};
+
+    void operator+=(const Sums& other) {
+        squares += other.squares;
+        for (size_t i = 0; i < kUnknowns; ++i) {
+            gradient[i] += other.gradient[i];
+            for (size_t j = i; j < kUnknowns; ++j) normal[i][j] += other.normal[i][j];
+        }
+    }
+};
+
+template <class Source>
+Sums SumsOf(const Source& source, const Place& place, const Vector& p) {
+    constexpr double kLeastRoot = 1.0 / 64;
+    Sums total;
+    source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t x, int32_t y) {
+        Sums sums;
+        const double yy = (y - place.yMiddle) / place.length;
+        const double dy = yy - p[kB];
+        for (size_t i = 0; i < n; ++i) {
+            const double xx = ((x - place.xMiddle) + static_cast<double>(i)) / place.length;
+            const double dx = xx - p[kA];
+            const double s = dx * dx + dy * dy;
+            const double square = 1 - p[kQ] * s;
+            const bool inside = square > 0;
+            const double root = inside ? std::sqrt(square) : 0.0;
+            const double phi = inside ? s / (1 + root) : 1 / p[kQ];
+            const double steep = root > kLeastRoot ? root : kLeastRoot;
+            const double byS = inside ? 1 / (2 * steep) : 0.0;
+            const double byQ = inside ? s * phi / (2 * steep * (1 + root)) : -phi * phi;
+            const double residual =
+                p[kE] + p[kGx] * xx + p[kGy] * yy - p[kC] * phi - (static_cast<double>(run[i]) - place.z);
+            const double towards = 2 * p[kC] * byS;
+            const Vector d = {towards * dx, towards * dy, -p[kC] * byQ, 1, -phi, xx, yy};
+            sums.squares += residual * residual;
+            for (size_t j = 0; j < kUnknowns; ++j) {
+                sums.gradient[j] += d[j] * residual;
+                for (size_t k = j; k < kUnknowns; ++k) sums.normal[j][k] += d[j] * d[k];
+            }
+        }
+        total += sums;
+    });
+    return total;
+}
+
+// The sums with the linear unknowns at their best for the other three: those are then all that is left to look for.
+struct Projection {
+    Vector p;                                 // the linear unknowns put at their best
+    double squares;                           // sum of squared residuals there
+    std::array<double, kNonlinear> gradient;  // half of it
+    std::array<double, kNonlinear * kNonlinear> normal;
+    std::array<std::array<double, kLinear>, kNonlinear>
+        followed;  // how the best linear unknowns follow the other three
+};
+
+Projection Project(const Sums& sums, const Vector& p) {
+    const auto normal = [&](size_t i, size_t j) { return i < j ? sums.normal[i][j] : sums.normal[j][i]; };
+    std::array<double, kLinear * kLinear> matrix;
+    for (size_t i = 0; i < kLinear; ++i)
+        for (size_t j = 0; j < kLinear; ++j) matrix[i * kLinear + j] = normal(kNonlinear + i, kNonlinear + j);
+    const LuDecomposition lu(matrix, kLinear);
+    const auto solve = [&](const auto& entry) {
+        std::array<double, kLinear> solution;
+        for (size_t i = 0; i < kLinear; ++i) solution[i] = -entry(kNonlinear + i);
+        lu.Solve(solution, solution);
+        return solution;
+    };
+
+    Projection projection{p, sums.squares, {}, {}, {}};
+    const auto change = solve([&](size_t i) { return sums.gradient[i]; });
+    for (size_t i = 0; i < kLinear; ++i) {
+        projection.p[kNonlinear + i] += change[i];
+        projection.squares += change[i] * sums.gradient[kNonlinear + i];
+    }
+    // The derivatives by the nonlinear unknowns are proportional to c.
+    const double ratio = projection.p[kC] / p[kC];
+    for (size_t i = 0; i < kNonlinear; ++i) {
+        auto& followed = projection.followed[i];
+        followed = solve([&](size_t j) { return normal(i, j); });
+        double gradient = sums.gradient[i];
+        for (size_t k = 0; k < kLinear; ++k) gradient += followed[k] * sums.gradient[kNonlinear + k];
+        projection.gradient[i] = ratio * gradient;
+        for (size_t j = 0; j < kNonlinear; ++j) {
+            double entry = normal(i, j);
+            for (size_t k = 0; k < kLinear; ++k) entry += followed[k] * normal(kNonlinear + k, j);
+            projection.normal[i * kNonlinear + j] = ratio * ratio * entry;
+        }
+        for (double& f : followed) f *= ratio;
+    }
+    return projection;
+}
+
+// Where the search has come to.
+struct Descent {
+    Vector p;
+    double squares;
+};
+
+// Points that starts are followed on, that the scan of rims takes, and that go before all of a large region.
+constexpr int64_t kThin = 2048, kScanned = 512, kFew = 65536;
+
+// A radius of 2^16 half sides of the region, and a centre as many of them away from its middle as is said here: beyond,
+// no hemisphere is told from a paraboloid.
+constexpr double kLeastQ = 0x1p-32, kReach = 1024;
+
+// Sums and projection at p. Far from the best linear unknowns the squares left are a small difference of large sums:
+// there they are summed once more, at the best ones.
+struct Station {
+    Sums sums;
+    Projection at;
+};
+template <class Source>
+Station Visit(const Source& source, const Place& place, const Vector& p) {
+    constexpr double kDifference = 1e-6;
+    Station station;
+    station.sums = SumsOf(source, place, p);
+    station.at = Project(station.sums, p);
+    if (station.at.squares > kDifference * station.sums.squares) return station;
+    const Vector best = station.at.p;
+    station.sums = SumsOf(source, place, best);
+    station.at = Project(station.sums, best);
+    if (station.at.squares > kDifference * station.sums.squares) return station;
+    station.at.p = best;
+    station.at.squares = station.sums.squares;
+    return station;
+}
+
+template <class Source>
+Descent Refine(const Source& source, const Place& place, double deviation, const Vector& start, int mostSteps) {
+    Station here = Visit(source, place, start);
+    double lambda = 1e-3;
+    for (int steps = 0; steps < mostSteps && lambda <= 1e12 && here.at.p[kQ] > kLeastQ; ++steps) {
+        const Projection& at = here.at;
+        auto damped = at.normal;
+        std::array<double, kNonlinear> step;
+        for (size_t i = 0; i < kNonlinear; ++i) {
+            damped[i * kNonlinear + i] *= 1 + lambda;
+            step[i] = -at.gradient[i];
+        }
+        LuDecomposition(damped, kNonlinear).Solve(step, step);
+        const double least = std::max(at.p[kQ] / 8, kLeastQ) - at.p[kQ];
+        if (step[kQ] < least) step[kQ] = least;
+        Vector next = at.p;
+        double moved = 0;
+        for (size_t i = 0; i < kNonlinear; ++i) {
+            next[i] += step[i];
+            for (size_t k = 0; k < kLinear; ++k) next[kNonlinear + k] += at.followed[i][k] * step[i];
+            moved += here.sums.normal[i][i] * step[i] * step[i];
+        }
+        lambda *= 10;
+        if (!(std::fabs(next[kA]) <= kReach && std::fabs(next[kB]) <= kReach)) continue;
+        const Station there = Visit(source, place, next);
+        const double gain = at.squares - there.at.squares;
+        const bool small = moved <= 1e-26 * deviation * deviation * static_cast<double>(source.count()) ||
+                           std::fabs(gain) <= 1e-12 * at.squares;
+        if (gain > 0) {
+            here = there;
+            lambda /= 100;
+        }
+        if (small) break;
+    }
+    return {here.at.p, here.at.squares};
+}
+
+// Every k-th column and row, k = 1, 2, ..., so that no more than about `most` points are left; all of a region of so
+// few rows or columns that hardly any would be.
+template <class Source>
+std::vector<SurfacePoint> Thinned(const Source& source, int64_t most) {
+    auto every =
+        static_cast<int32_t>(std::ceil(std::sqrt(static_cast<double>(source.count()) / static_cast<double>(most))));
+    std::vector<SurfacePoint> points;
+    for (;; every = 1) {
+        source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t x, int32_t y) {
+            if (y % every != 0) return;
+            for (auto i = static_cast<size_t>((every - x % every) % every); i < n; i += static_cast<size_t>(every))
+                points.push_back({x + static_cast<int32_t>(i), y, static_cast<double>(run[i])});
+        });
+        if (every == 1 || static_cast<int64_t>(points.size()) >= most / 16) return points;
+        points.clear();
+    }
+}
+
+// Caps whose rim lies in the region: of circles of a few radii about a grid of centres those that explain most when
+// height and base follow by linear regression. They are starts only: what they cost is some hundred sums over few
+// points.
+class RimScan {
+public:
+    RimScan(const std::vector<SurfacePoint>& points, const Place& place) {
+        std::array<double, 9> matrix = {};
+        std::array<double, 3> right = {};
+        for (const SurfacePoint& point : points) {
+            const Sample sample = {(point.x - place.xMiddle) / place.length, (point.y - place.yMiddle) / place.length,
+                                   point.z - place.z};
+            const std::array<double, 3> base = {1, sample.x, sample.y};
+            for (size_t i = 0; i < 3; ++i) {
+                right[i] += base[i] * sample.z;
+                for (size_t j = 0; j < 3; ++j) matrix[i * 3 + j] += base[i] * base[j];
+            }
+            xMost_ = std::max(xMost_, std::fabs(sample.x));
+            yMost_ = std::max(yMost_, std::fabs(sample.y));
+            samples_.push_back(sample);
+        }
+        lu_.emplace(matrix, 3);
+        std::array<double, 3> plane;
+        lu_->Solve(right, plane);
+        for (Sample& sample : samples_) sample.z -= plane[0] + plane[1] * sample.x + plane[2] * sample.y;
+    }
+
+    // One start for each radius.
+    std::vector<Vector> Starts() const {
+        std::vector<Vector> starts;
+        for (const double radius : {0.3, 0.45, 0.65, 0.95, 1.35}) {
+            const double q = 1 / (radius * radius), apart = 0.7 * radius;
+            const auto columns = static_cast<int>(xMost_ / apart), rows = static_cast<int>(yMost_ / apart);
+            Vector start = {};
+            start[kQ] = q, start[kC] = 1;
+            double most = -1;
+            for (int j = -rows; j <= rows; ++j)
+                for (int i = -columns; i <= columns; ++i) {
+                    const double explained = Explained(apart * i, apart * j, q);
+                    if (!(explained > most)) continue;
+                    most = explained;
+                    start[kA] = apart * i, start[kB] = apart * j;
+                }
+            starts.push_back(start);
+        }
+        return starts;
+    }
+
+private:
+    struct Sample {
+        double x, y, z;  // z less its plane
+    };
+
+    // By how much the cap lowers the sum of squares that the plane leaves.
+    double Explained(double a, double b, double q) const {
+        double phiZ = 0, phiPhi = 0;
+        std::array<double, 3> onBase = {}, share;
+        for (const auto& [x, y, z] : samples_) {
+            const double s = (x - a) * (x - a) + (y - b) * (y - b), square = 1 - q * s;
+            const double phi = square > 0 ? s / (1 + std::sqrt(square)) : 1 / q;
+            phiZ += phi * z;
+            phiPhi += phi * phi;
+            onBase[0] += phi, onBase[1] += phi * x, onBase[2] += phi * y;
+        }
+        lu_->Solve(onBase, share);
+        double rest = phiPhi;
+        for (size_t i = 0; i < 3; ++i) rest -= share[i] * onBase[i];
+        return rest > 1e-9 * phiPhi ? phiZ * phiZ / rest : 0;
+    }
+
+    std::vector<Sample> samples_;
+    std::optional<LuDecomposition> lu_;  // of the plane
+    double xMost_ = 0, yMost_ = 0;
+};
+
+Vector StartFrom(const Hemisphere& hemisphere, const Place& place) {
+    Vector p = {};
+    p[kA] = (hemisphere.xCenter - place.xMiddle) / place.length;
+    p[kB] = (hemisphere.yCenter - place.yMiddle) / place.length;
+    p[kQ] = place.length * place.length / (hemisphere.radius * hemisphere.radius);
+    p[kC] = p[kQ] * hemisphere.radius / hemisphere.zScale;
+    p[kE] = hemisphere.zCenter - place.z + p[kC] / p[kQ];
+    return p;
+}
+
+// The start from which a few steps on the few points come farthest.
+Vector BestRim(const std::vector<SurfacePoint>& points, const Place& place, double deviation) {
+    std::optional<Descent> best;
+    for (const Vector& start : RimScan(points, place).Starts()) {
+        const Descent descent = Refine(PointRuns(points), place, deviation, start, 12);
+        if (!best || descent.squares < best->squares) best = descent;
+    }
+    return best->p;
+}
+
+// The smallest of the sums that the starts lead to. In a large region they are followed on few of its points, and the
+// best on all; so is any other that is nearly as good and not the same.
+template <class Source>
+Vector Search(const Source& source, const Place& place, double deviation, const std::vector<Vector>& starts) {
+    std::vector<Descent> ends;
+    if (source.count() <= kThin) {
+        const double exact = 1e-24 * deviation * deviation * static_cast<double>(source.count());
+        for (const Vector& start : starts) {
+            ends.push_back(Refine(source, place, deviation, start, 200));
+            if (ends.back().squares <= exact) return ends.back().p;
+        }
+    } else {
+        const std::vector<SurfacePoint> points = Thinned(source, kThin);
+        for (const Vector& start : starts) {
+            const Vector p = Refine(PointRuns(points), place, deviation, start, 60).p;
+            ends.push_back({p, SumsOf(source, place, p).squares});
+        }
+    }
+    const auto least = [](const Descent& a, const Descent& b) { return a.squares < b.squares; };
+    std::sort(ends.begin(), ends.end(), least);
+    if (source.count() <= kThin) return ends.front().p;
+
+    const bool large = source.count() >= 4 * kFew;
+    const std::vector<SurfacePoint> few = large ? Thinned(source, kFew) : std::vector<SurfacePoint>();
+    std::optional<Descent> best;
+    for (const Descent& end : ends) {
+        constexpr double kNearly = 1.1, kSame = 0.02;
+        const bool same = std::fabs(end.p[kQ] - ends.front().p[kQ]) <= kSame * ends.front().p[kQ];
+        if (best && (same || !(end.squares <= kNearly * ends.front().squares))) continue;
+        Descent descent;
+        if (large) {
+            descent.p = Refine(PointRuns(few), place, deviation, end.p, 40).p;
+            descent.squares = SumsOf(source, place, descent.p).squares;
+        } else {
+            descent = Refine(source, place, deviation, end.p, 40);
+        }
+        if (!best || descent.squares < best->squares) best = descent;
+    }
+    return large ? Refine(source, place, deviation, best->p, 40).p : best->p;
+}
+
+template <class Source>
+Place PlaceOf(const Source& source, double average) {
+    int32_t left = std::numeric_limits<int32_t>::max(), right = 0, top = left, bottom = 0;
+    source.ForEachRun([&](const typename Source::Pixel*, size_t n, int32_t x, int32_t y) {
+        left = std::min(left, x);
+        right = std::max(right, x + static_cast<int32_t>(n - 1));
+        top = std::min(top, y);
+        bottom = std::max(bottom, y);
+    });
+    return {std::floor((double{1} * left + right) / 2), std::floor((double{1} * top + bottom) / 2),
+            0.5 * std::max(double{1} * right - left, double{1} * bottom - top), average};
+}
+
+template <class Source>
+double DeviationOf(const Source& source, double average) {
+    double squares = 0;
+    source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t, int32_t) {
+        for (size_t i = 0; i < n; ++i) {
+            const double d = static_cast<double>(run[i]) - average;
+            squares += d * d;
+        }
+    });
+    return std::sqrt(squares / static_cast<double>(source.count()));
+}
+
+std::optional<Hemisphere> InPixels(const Place& place, const Vector& p) {
+    Hemisphere hemisphere;
+    hemisphere.xCenter = place.xMiddle + place.length * p[kA];
+    hemisphere.yCenter = place.yMiddle + place.length * p[kB];
+    hemisphere.zCenter = place.z + (p[kE] - p[kC] / p[kQ] + p[kGx] * p[kA] + p[kGy] * p[kB]);
+    hemisphere.radius = place.length / std::sqrt(p[kQ]);
+    hemisphere.zScale = p[kQ] * hemisphere.radius / p[kC];
+    const double angleOf = std::fabs(hemisphere.zScale) / place.length;
+    hemisphere.alpha = ArcTangent(p[kGx] * angleOf);
+    hemisphere.beta = ArcTangent(p[kGy] * angleOf);
+    const double all = hemisphere.xCenter + hemisphere.yCenter + hemisphere.zCenter + hemisphere.zScale +
+                       hemisphere.radius + hemisphere.alpha + hemisphere.beta;
+    if (!std::isfinite(all)) return std::nullopt;
+    return hemisphere;
+}
+
+}  // namespace
+
+template <class Source>
+std::optional<Hemisphere> FitAngledHemisphere(const Source& source, double average) {
+    if (source.count() < static_cast<int64_t>(kUnknowns)) return std::nullopt;
+    const std::optional<Hemisphere> algebraic = AlgebraicHemisphere(source, average);
+    if (!algebraic) return std::nullopt;
+    const Place place = PlaceOf(source, average);
+    const double deviation = DeviationOf(source, average);
+
+    std::vector<Vector> starts;
+    if (std::isfinite(algebraic->radius) && algebraic->zScale != 0) starts.push_back(StartFrom(*algebraic, place));
+    Vector outside = {};
+    outside[kQ] = 0.2, outside[kC] = 1;
+    starts.push_back(outside);
+    starts.push_back(BestRim(Thinned(source, kScanned), place, deviation));
+    return InPixels(place, Search(source, place, deviation, starts));
+}
+
+std::optional<Hemisphere> AngledHemisphereThrough(std::span<const SurfacePoint> points, double average) {
+    const PointRuns runs(points);
+    if (points.size() < kUnknowns) return std::nullopt;
+    const std::optional<Hemisphere> algebraic = FitHemisphere(runs, average);
+    if (!algebraic || algebraic->zScale == 0) return std::nullopt;
+    const Place place = PlaceOf(runs, average);
+    return InPixels(place, Refine(runs, place, DeviationOf(runs, average), StartFrom(*algebraic, place), 200).p);
+}
+
+template std::optional<Hemisphere> FitAngledHemisphere(const RegionPixels<uint8_t>&, double);
+template std::optional<Hemisphere> FitAngledHemisphere(const RegionPixels<uint16_t>&, double);
+template std::optional<Hemisphere> FitAngledHemisphere(const RegionPixels<uint32_t>&, double);
+template std::optional<Hemisphere> FitAngledHemisphere(const RegionPixels<float>&, double);
+template std::optional<Hemisphere> FitAngledHemisphere(const PointRuns&, double);
+
+}  // namespace orlix

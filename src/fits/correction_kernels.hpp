@@ -1,0 +1,94 @@
+// Kernels of corrections and their variants. All accept n = 0.
+#pragma once
+
+#include "fits/correction.hpp"
+#include "vectors/variants.hpp"
+
+namespace orlix {
+
+// shifts[i] = the row's polynomial at x + i. x is a whole number.
+using ShiftsFn = void (*)(double* shifts, size_t n, double x, const RowPolynomial& row);
+
+void Shifts_scalar(double* shifts, size_t n, double x, const RowPolynomial& row);
+void Shifts_sse2(double* shifts, size_t n, double x, const RowPolynomial& row);
+void Shifts_avx2(double* shifts, size_t n, double x, const RowPolynomial& row);
+void Shifts_avx512(double* shifts, size_t n, double x, const RowPolynomial& row);
+
+inline constexpr Variant<ShiftsFn> kShifts[] = {
+    {"avx512", Cpu::Avx512, &Shifts_avx512},
+    {"avx2", Cpu::Avx2, &Shifts_avx2},
+    {"sse2", Cpu::Sse2, &Shifts_sse2},
+    {"scalar", Cpu::Any, &Shifts_scalar},
+};
+
+// Integers: h = floor(s + half) with s + half kept within +-2^33 (NaN: -2^33), q = p + h; q < lower gives lower, else
+// q > upper gives upper, else q. Float: v = p + s in double; v < lower gives lower, else v > upper gives upper, else v rounded.
+template <class T>
+using CorrectFn = void (*)(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
+
+template <class T>
+void Correct_scalar(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
+
+void Correct_sse2(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters);
+void Correct_sse2(float* pixels, const double* shifts, size_t n, const CorrectionParameters<float>& parameters);
+void Correct_avx2(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters);
+void Correct_avx2(uint16_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint16_t>& parameters);
+void Correct_avx2(float* pixels, const double* shifts, size_t n, const CorrectionParameters<float>& parameters);
+void Correct_avx512(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters);
+void Correct_avx512(uint16_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint16_t>& parameters);
+void Correct_avx512(float* pixels, const double* shifts, size_t n, const CorrectionParameters<float>& parameters);
+
+template <class T>
+inline constexpr Variant<CorrectFn<T>> kCorrect[] = {
+    {"avx512", Cpu::Avx512, &Correct_avx512},
+    {"avx2", Cpu::Avx2, &Correct_avx2},
+    {"sse2", Cpu::Sse2, &Correct_sse2},
+    {"scalar", Cpu::Any, &Correct_scalar},
+};
+template <>
+inline constexpr Variant<CorrectFn<uint16_t>> kCorrect<uint16_t>[] = {
+    {"avx512", Cpu::Avx512, &Correct_avx512},
+    {"avx2", Cpu::Avx2, &Correct_avx2},
+    {"scalar", Cpu::Any, &Correct_scalar},
+};
+template <>
+inline constexpr Variant<CorrectFn<uint32_t>> kCorrect<uint32_t>[] = {{"scalar", Cpu::Any, &Correct_scalar}};
+
+// 8 bits, without shifts in memory: Correct with the row's polynomial at x, x + 1, ...
+using CorrectRowFn = void (*)(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                              const CorrectionParameters<uint8_t>& parameters);
+
+void CorrectRow_scalar(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                       const CorrectionParameters<uint8_t>& parameters);
+void CorrectRow_sse2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<uint8_t>& parameters);
+void CorrectRow_avx2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<uint8_t>& parameters);
+void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
+                       const CorrectionParameters<uint8_t>& parameters);
+
+inline constexpr Variant<CorrectRowFn> kCorrectRow[] = {
+    {"avx512", Cpu::Avx512, &CorrectRow_avx512},
+    {"avx2", Cpu::Avx2, &CorrectRow_avx2},
+    {"sse2", Cpu::Sse2, &CorrectRow_sse2},
+    {"scalar", Cpu::Any, &CorrectRow_scalar},
+};
+
+namespace {  // used in files of every instruction set: each keeps its own copy
+
+// A row by way of shifts in memory, a piece at a time.
+template <class T>
+void CorrectInPieces(ShiftsFn fill, CorrectFn<T> correct, T* pixels, size_t n, double x, const RowPolynomial& row,
+                     const CorrectionParameters<T>& parameters) {
+    constexpr size_t kPiece = 512;
+    double shifts[kPiece];
+    for (size_t done = 0; done < n; done += kPiece) {
+        const size_t part = n - done < kPiece ? n - done : kPiece;
+        fill(shifts, part, x + static_cast<double>(done), row);
+        correct(pixels + done, shifts, part, parameters);
+    }
+}
+
+}  // namespace
+
+}  // namespace orlix

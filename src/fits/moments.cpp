@@ -1,0 +1,47 @@
+// The definitions of the kernels of moments.
+#include "fits/moments_kernels.hpp"
+
+namespace orlix {
+
+template <class T, int Degree>
+void Moments_scalar(const T* pixels, size_t n, uint64_t* m) {
+    for (int k = 0; k <= Degree; ++k) m[k] = 0;
+    for (uint64_t i = 0; i < n; ++i) {
+        uint64_t weighted = pixels[i];
+        for (int k = 0; k <= Degree; ++k, weighted *= i) m[k] += weighted;
+    }
+}
+
+template <int Degree>
+void AddFloatMoments(const float* pixels, size_t begin, size_t n, double origin, double first, FloatMoments& m) {
+    for (size_t i = begin; i < n; ++i) {
+        const double t = first + 2 * static_cast<double>(i);
+        double e = static_cast<double>(pixels[i]) - origin;
+        for (int k = 0; k <= Degree; ++k, e *= t) m.lane[k][i % 8] += e;
+    }
+}
+
+template <int Degree>
+void FloatMoments_scalar(const float* pixels, size_t n, double origin, double first, FloatMoments& m) {
+    for (int k = 0; k <= Degree; ++k)
+        for (double& lane : m.lane[k]) lane = 0;
+    AddFloatMoments<Degree>(pixels, 0, n, origin, first, m);
+}
+
+template void Moments_scalar<uint8_t, 1>(const uint8_t*, size_t, uint64_t*);
+template void Moments_scalar<uint8_t, 2>(const uint8_t*, size_t, uint64_t*);
+template void Moments_scalar<uint8_t, 3>(const uint8_t*, size_t, uint64_t*);
+template void Moments_scalar<uint16_t, 1>(const uint16_t*, size_t, uint64_t*);
+template void Moments_scalar<uint16_t, 2>(const uint16_t*, size_t, uint64_t*);
+template void Moments_scalar<uint16_t, 3>(const uint16_t*, size_t, uint64_t*);
+template void Moments_scalar<uint32_t, 1>(const uint32_t*, size_t, uint64_t*);
+template void Moments_scalar<uint32_t, 2>(const uint32_t*, size_t, uint64_t*);
+template void Moments_scalar<uint32_t, 3>(const uint32_t*, size_t, uint64_t*);
+template void AddFloatMoments<1>(const float*, size_t, size_t, double, double, FloatMoments&);
+template void AddFloatMoments<2>(const float*, size_t, size_t, double, double, FloatMoments&);
+template void AddFloatMoments<3>(const float*, size_t, size_t, double, double, FloatMoments&);
+template void FloatMoments_scalar<1>(const float*, size_t, double, double, FloatMoments&);
+template void FloatMoments_scalar<2>(const float*, size_t, double, double, FloatMoments&);
+template void FloatMoments_scalar<3>(const float*, size_t, double, double, FloatMoments&);
+
+}  // namespace orlix

@@ -1,0 +1,160 @@
+#include "fits/correction_kernels.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kernel_testing.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Shifts that a surface may have, and among them exact halves, neighbours of halves, and what no surface should have.
+std::vector<double> ShiftNoise(size_t n, uint32_t seed, double scale) {
+    const double special[] = {0.0,
+                              -0.0,
+                              0.5,
+                              -0.5,
+                              1.5,
+                              -2.5,
+                              0.49999999999999994,
+                              -0.50000000000000011,
+                              65535,
+                              -255,
+                              255,
+                              1e300,
+                              -1e300,
+                              kNaN,
+                              kInfinity,
+                              -kInfinity,
+                              0x1p31,
+                              -0x1p31,
+                              0x1p33,
+                              -0x1p33,
+                              2147483646.5,
+                              32767.5,
+                              -32768.5,
+                              1e-310};
+    std::mt19937 random(seed);
+    std::vector<double> shifts(n);
+    for (double& shift : shifts)
+        shift = random() % 4 == 0 ? special[random() % std::size(special)]
+                                  : static_cast<double>(static_cast<int32_t>(random())) * 0x1p-31 * scale;
+    return shifts;
+}
+
+template <class T>
+class Correcting : public testing::Test {};
+using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
+TYPED_TEST_SUITE(Correcting, PixelTypes, );
+
+TYPED_TEST(Correcting, EveryVariantEqualsTheDefinition) {
+    using T = TypeParam;
+    const T most = std::is_same_v<T, float> ? T{255} : std::numeric_limits<T>::max();
+    const T ranges[][2] = {{std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max()},
+                           {static_cast<T>(most / 16), static_cast<T>(most / 4 * 3)},
+                           {static_cast<T>(most / 2), static_cast<T>(most / 4)}};
+    for (const auto& variant : SupportedOnThisCpu(kCorrect<T>))
+        for (const size_t n : kAwkwardSizes)
+            for (const auto& range : ranges)
+                for (const double scale : {2.0, static_cast<double>(most)}) {
+                    const auto seed = static_cast<uint32_t>(n);
+                    std::vector<T> pixels = Noise<T>(n, seed);
+                    const std::vector<double> shifts = ShiftNoise(n, seed + 1, scale);
+                    CorrectionParameters<T> parameters;
+                    parameters.lower = range[0];
+                    parameters.upper = range[1];
+                    parameters.half = range[0] > range[1] ? 0.0 : 0.5;
+                    Guarded<T> got(pixels, n % 3);
+                    Correct_scalar(pixels.data(), shifts.data(), n, parameters);
+                    variant.fn(got.data(), shifts.data(), n, parameters);
+                    for (size_t i = 0; i < n; ++i)  // which NaN a sum of two passes on is not stated
+                        ASSERT_TRUE(SameBits(&pixels[i], got.data() + i, 1) ||
+                                    (pixels[i] != pixels[i] && got.data()[i] != got.data()[i]))
+                            << variant.name << " " << i << " of " << n << " shift " << shifts[i];
+                    ASSERT_TRUE(got.GuardsIntact());
+                }
+}
+
+TEST(Shifts, EveryVariantEqualsTheDefinitionBitForBit) {
+    const RowPolynomial row = {{12.3, -0.75, 1e-3, -2e-7}};
+    for (const auto& variant : SupportedOnThisCpu(kShifts))
+        for (const size_t n : kAwkwardSizes)
+            for (const double x : {0.0, 600.0, 2147483000.0}) {
+                std::vector<double> want(n);
+                Guarded<double> got(std::vector<double>(n, 1.0), n % 3);
+                Shifts_scalar(want.data(), n, x, row);
+                variant.fn(got.data(), n, x, row);
+                ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                ASSERT_TRUE(got.GuardsIntact());
+            }
+}
+
+// Gentle and steep rows, constants at and beside a half, slopes that pass through halves exactly, and rows beyond all bounds.
+TEST(CorrectRow, EveryVariantEqualsTheDefinition) {
+    const RowPolynomial rows[] = {{{3.3, 0.01, -2e-6, 3e-10}},
+                                  {{0.5, 0, 0, 0}},
+                                  {{std::nextafter(-0.5, 0), 0, 0, 0}},
+                                  {{-20.25, 0.0625, 0, 0}},
+                                  {{12, -0.03125, 0x1p-15, 0}},
+                                  {{100, -0.3, 1e-4, 1e-8}},
+                                  {{-1e6, 1e3, 0.2, -1e-4}},
+                                  {{1e300, -1e300, 1e300, 1e300}},
+                                  {{0, 0, kNaN, 0}}};
+    std::vector<size_t> sizes(std::begin(kAwkwardSizes), std::end(kAwkwardSizes));
+    sizes.push_back(4096);
+    for (const auto& variant : SupportedOnThisCpu(kCorrectRow))
+        for (const RowPolynomial& row : rows)
+            for (const size_t n : sizes)
+                for (const double x : {0.0, 37.0, 100000.0})
+                    for (const uint8_t lower : {uint8_t{0}, uint8_t{20}, uint8_t{240}}) {
+                        CorrectionParameters<uint8_t> parameters;
+                        parameters.lower = lower;
+                        parameters.upper = 230;
+                        parameters.half = lower > 230 ? 0.0 : 0.5;
+                        std::vector<uint8_t> pixels = Noise<uint8_t>(n, static_cast<uint32_t>(n));
+                        Guarded<uint8_t> got(pixels, n % 3);
+                        CorrectRow_scalar(pixels.data(), n, x, row, parameters);
+                        variant.fn(got.data(), n, x, row, parameters);
+                        ASSERT_TRUE(SameBits(pixels.data(), got.data(), n))
+                            << variant.name << " " << row.c[0] << " at " << x;
+                        ASSERT_TRUE(got.GuardsIntact());
+                    }
+}
+
+// v = p + s at p = 10: rounded half up, clamped, and for a range turned round below lower or not.
+TEST(Correction, KnownAnswers) {
+    const double shifts[] = {0.49, 0.5, -0.5, -0.51, -7.5, -7.51, 9.7, kNaN, kInfinity, -kInfinity};
+    uint8_t bytes[10];
+    std::fill_n(bytes, 10, uint8_t{10});
+    Corrector<uint8_t>(3, 18).Apply(bytes, shifts, 10);
+    EXPECT_EQ((std::vector<int>{10, 11, 10, 9, 3, 3, 18, 3, 18, 3}), std::vector<int>(bytes, bytes + 10));
+
+    std::fill_n(bytes, 10, uint8_t{10});
+    Corrector<uint8_t>(10, 4).Apply(bytes, shifts, 10);
+    EXPECT_EQ((std::vector<int>{4, 4, 10, 10, 10, 10, 4, 10, 4, 10}), std::vector<int>(bytes, bytes + 10));
+
+    float floats[4] = {10, 10, 10, std::numeric_limits<float>::quiet_NaN()};
+    const double some[] = {0.25, -9.0, kNaN, 0.0};
+    Corrector<float>(2, 18).Apply(floats, some, 4);
+    EXPECT_EQ(10.25f, floats[0]);
+    EXPECT_EQ(2.0f, floats[1]);
+    EXPECT_TRUE(std::isnan(floats[2]));
+    EXPECT_TRUE(std::isnan(floats[3]));
+}
+
+TEST(Correction, SubtractsThePolynomialInAnyNumberOfPieces) {
+    // f = 1 + 2y + 3x + y^2 at y = 2: 9 + 3x; average 100.
+    SurfacePolynomial surface;
+    surface.k = {1, 2, 3, 1};
+    surface.average = 100;
+    std::vector<uint32_t> pixels(1200);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint32_t>(9 + 3 * (i + 50) + i % 7);
+    Corrector<uint32_t>(0, 4294967295u).Apply(pixels.data(), pixels.size(), 50, 2, surface);
+    for (size_t i = 0; i < pixels.size(); ++i) ASSERT_EQ(100 + i % 7, pixels[i]) << i;
+}
+
+}  // namespace
+}  // namespace orlix

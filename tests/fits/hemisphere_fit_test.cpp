@@ -1,0 +1,279 @@
+#include "fits/hemisphere_fit.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "fits/angled_hemisphere_fit.hpp"
+#include "region_picture.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+double HeightOf(const Hemisphere& hemisphere, int32_t x, int32_t y) {
+    double z = 0;
+    HemisphereSurface(hemisphere).Values(x, y, 1, &z);
+    return z;
+}
+
+// The largest of: centre and radius off by so much of the radius, z scale by so much of itself, angles by so much.
+double Error(const Hemisphere& truth, const Hemisphere& fit) {
+    const double r = truth.radius;
+    double error = 0;
+    for (const double part : {(fit.xCenter - truth.xCenter) / r, (fit.yCenter - truth.yCenter) / r,
+                              (fit.zCenter - truth.zCenter) * truth.zScale / r, fit.zScale / truth.zScale - 1,
+                              fit.radius / r - 1, fit.alpha - truth.alpha, fit.beta - truth.beta})
+        error = std::isnan(part) ? part : std::max(error, std::fabs(part));
+    return error;
+}
+
+std::vector<SurfacePoint> PointsOn(const Hemisphere& truth, int32_t width, int32_t height) {
+    std::vector<SurfacePoint> points;
+    for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x)
+            if (std::hypot(x - truth.xCenter, y - truth.yCenter) < 0.97 * truth.radius)
+                points.push_back({x, y, HeightOf(truth, x, y)});
+    return points;
+}
+
+double AverageOf(const std::vector<SurfacePoint>& points) {
+    double sum = 0;
+    for (const SurfacePoint& point : points) sum += point.z;
+    return sum / static_cast<double>(points.size());
+}
+
+// x, y with x^2 + y^2 a square: pixels whose height above the centre is a whole number, so that integer pixels hold a
+// hemisphere without rounding.
+template <class T>
+void ExpectExactCap(double level, double scale) {
+    ForeignRegion region;
+    region.box = {0, 0, 140, 140};
+    for (int y = 0; y <= 140; ++y)
+        for (int x = 0; x <= 140; ++x) {
+            const int square = 4225 - (x - 70) * (x - 70) - (y - 70) * (y - 70);  // 65^2, a sum of squares in many ways
+            const int root = square < 0 ? -1 : static_cast<int>(std::lround(std::sqrt(square)));
+            if (root >= 0 && root * root == square) region.rows[y].push_back(MakeRun(x, x));
+        }
+    const RegionPicture<T> picture(
+        141, 141,
+        [&](int x, int y) {
+            const double square = 4225.0 - (x - 70) * (x - 70) - (y - 70) * (y - 70);
+            return level + std::sqrt(std::max(0.0, square)) / scale;
+        },
+        &region);
+    ASSERT_GT(picture.region().count(), 100);
+    const auto fit = FitHemisphere(picture.region(), picture.Average());
+    ASSERT_TRUE(fit);
+    EXPECT_LT(Error({70, 70, level, scale, 65}, *fit), 1e-12) << level << " " << scale;
+}
+
+TEST(HemisphereFit, RecoversWholeNumberedCapsOfEveryType) {
+    ExpectExactCap<uint8_t>(20, 0.5);
+    ExpectExactCap<uint8_t>(200, -1);
+    ExpectExactCap<uint16_t>(1000, 1.0 / 64);
+    ExpectExactCap<uint16_t>(60000, -1.0 / 64);
+    ExpectExactCap<uint32_t>(4e9, -0x1p-20);
+    ExpectExactCap<float>(-300, 0.5);
+}
+
+TEST(HemisphereFit, RecoversCapsFromAnywhere) {
+    const Hemisphere caps[] = {{100.3, 98.7, 20, 0.5, 80},   {100.3, 98.7, 20, -0.5, 80}, {100.3, 98.7, -1e6, 0.5, 1e4},
+                               {100.3, 98.7, 1e5, -20, 500}, {-3000, 150, 20, 1e-3, 1e4}, {20, 30, 0, 1e6, 25}};
+    for (const Hemisphere& truth : caps) {
+        const std::vector<SurfacePoint> points = PointsOn(truth, 200, 200);
+        const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));
+        ASSERT_TRUE(fit);
+        EXPECT_LT(Error(truth, *fit), 1e-6) << truth.radius;
+        const auto angled = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+        ASSERT_TRUE(angled);
+        EXPECT_LT(Error(truth, *angled), 1e-6) << truth.radius;
+    }
+    // Five points determine one.
+    const Hemisphere truth{7, 9, 3, -0.25, 20};
+    std::vector<SurfacePoint> five;
+    for (const auto& [x, y] : {std::pair{0, 0}, {7, 9}, {15, 20}, {20, 3}, {3, 22}})
+        five.push_back({x, y, HeightOf(truth, x, y)});
+    const auto fit = FitHemisphere(PointRuns(five), AverageOf(five));
+    ASSERT_TRUE(fit);
+    EXPECT_LT(Error(truth, *fit), 1e-9);
+}
+
+// The stated minimum, looked for by hand: around the result no surface with the same a0 a1 leaves less.
+TEST(HemisphereFit, IsTheMinimumOfTheStatedSum) {
+    NormalNoise noise(3);
+    std::vector<SurfacePoint> points = PointsOn({12, 14, 8, 0.5, 30}, 30, 30);
+    for (SurfacePoint& point : points) point.z += noise();
+    const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));
+    ASSERT_TRUE(fit);
+    const double a1 = fit->zScale * fit->zScale;
+    const long double a5 = fit->xCenter * fit->xCenter + fit->yCenter * fit->yCenter +
+                           a1 * fit->zCenter * fit->zCenter - fit->radius * fit->radius;
+    const std::array<long double, 6> a = {1, a1, -2 * fit->xCenter, -2 * fit->yCenter, -2 * a1 * fit->zCenter, a5};
+    const auto sum = [&](const std::array<long double, 6>& c) {
+        const long double scale = 1 / (c[0] * c[1]);  // squares, of coefficients with a0 a1 = 1
+        long double squares = 0;
+        for (const auto& [x, y, z] : points) {
+            const long double left = c[0] * (x * x + y * y) + c[1] * z * z + c[2] * x + c[3] * y + c[4] * z + c[5];
+            squares += left * left;
+        }
+        return squares * scale;
+    };
+    for (size_t i = 0; i < 6; ++i)
+        for (const long double by : {-1e-4L, 1e-4L}) {
+            auto moved = a;
+            moved[i] *= 1 + by;
+            EXPECT_GT(sum(moved), sum(a)) << i << " " << static_cast<double>(by);
+        }
+}
+
+TEST(HemisphereFit, DoesNotDependOnWhereAndInWhichUnitsTheCapIs) {
+    NormalNoise noise(5);
+    std::vector<SurfacePoint> points = PointsOn({50, 45, 0, 0.5, 60}, 100, 90);
+    for (SurfacePoint& point : points) point.z += 0.5 * noise();
+    std::vector<SurfacePoint> moved;
+    moved.reserve(points.size());
+    for (const SurfacePoint& point : points) moved.push_back({point.x + 30000, point.y + 20000, 16 * point.z + 4096});
+    const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));
+    const auto other = FitHemisphere(PointRuns(moved), AverageOf(moved));
+    ASSERT_TRUE(fit && other);
+    EXPECT_NEAR(fit->xCenter + 30000, other->xCenter, 1e-9);
+    EXPECT_NEAR(fit->yCenter + 20000, other->yCenter, 1e-9);
+    EXPECT_NEAR(16 * fit->zCenter + 4096, other->zCenter, 1e-9);
+    EXPECT_NEAR(fit->zScale / 16, other->zScale, 1e-12);
+    EXPECT_NEAR(fit->radius, other->radius, 1e-9);
+}
+
+TEST(HemisphereFit, NoHemisphereWhereThereIsNone) {
+    const auto none = [](auto&& picture) {
+        const auto pixels = picture.region();
+        return !FitHemisphere(pixels, picture.Average()) && !FitAngledHemisphere(pixels, picture.Average());
+    };
+    EXPECT_TRUE(none(RegionPicture<uint8_t>(20, 20, [](int, int) { return 7; })));
+    EXPECT_TRUE(none(RegionPicture<uint8_t>(20, 20, [](int x, int y) { return x + 2 * y; })));
+    EXPECT_TRUE(none(RegionPicture<float>(20, 20, [](int x, int y) { return 0.1 * x + 0.7 * y; })));
+    EXPECT_TRUE(none(RegionPicture<uint8_t>(20, 20, [](int x, int y) { return (x + y) % 2; })));
+    EXPECT_TRUE(none(RegionPicture<uint8_t>(40, 1, [](int x, int) { return x * x % 97; })));
+    EXPECT_TRUE(none(RegionPicture<uint8_t>(2, 2, [](int x, int y) { return x * y; })));
+    EXPECT_TRUE(none(RegionPicture<uint16_t>(20, 20, [](int x, int y) { return x * x + y * y; })));  // a paraboloid
+    EXPECT_TRUE(none(RegionPicture<float>(20, 20, [](int x, int y) { return x == 3 && y == 3 ? kNaN : x * y; })));
+}
+
+TEST(AngledHemisphereFit, RecoversTiltedCaps) {
+    const Hemisphere caps[] = {{100.3, 98.7, 20, 0.5, 80, 0.1, -0.05},
+                               {100.3, 98.7, 20, -0.5, 120, 0.6, -0.9},
+                               {100.3, 98.7, 20, 0.5, 1000, 0.1, -0.05},
+                               {10, 150, 5e4, 0.01, 300, -0.02, 0.03}};
+    for (const Hemisphere& truth : caps) {
+        const std::vector<SurfacePoint> points = PointsOn(truth, 200, 200);
+        const auto fit = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+        ASSERT_TRUE(fit);
+        EXPECT_LT(Error(truth, *fit), 1e-9) << truth.radius;
+    }
+}
+
+TEST(AngledHemisphereFit, FindsTheBallOnItsTiltedBase) {
+    NormalNoise noise(8);
+    const Hemisphere truth{70.5, 60.25, 50, 0.5, 45, 0.05, -0.1};  // the base is visible around it
+    const RegionPicture<float> picture(140, 120, [&](int x, int y) { return HeightOf(truth, x, y) + 0.2 * noise(); });
+    const auto fit = FitAngledHemisphere(picture.region(), picture.Average());
+    ASSERT_TRUE(fit);
+    EXPECT_LT(Error(truth, *fit), 2e-3);
+}
+
+double MeanSquare(const std::vector<SurfacePoint>& points, const Hemisphere& hemisphere) {
+    double squares = 0;
+    for (const auto& [x, y, z] : points) squares += std::pow(HeightOf(hemisphere, x, y) - z, 2);
+    return squares / static_cast<double>(points.size());
+}
+
+// Caps cut off by the edges of a rectangle, in whole grey levels. The least sum is no larger than that of the truth,
+// whichever side of the rim, and however shallow the cap. Off and tilted are parts of the half diagonal and of the
+// depth.
+TEST(AngledHemisphereFit, LeavesNoMoreThanTheTrueCap) {
+    struct Case {
+        int32_t width, height;
+        double radius, depth, noise, off, tilt;
+    };
+    std::vector<Case> cases;
+    for (const auto& [width, height] : {std::pair{100, 75}, {80, 80}, {110, 55}})
+        for (const double radius : {1.2, 1.5, 2.5, 5.0, 10.0}) {
+            cases.push_back({width, height, radius, 30, 1, 0, 0});
+            cases.push_back({width, height, radius, 30, 1, 0, 1});
+        }
+    for (const double depth : {3, 5, 8}) cases.push_back({200, 150, 2.5, depth, 0, 0, 0});
+    for (const double radius : {0.3, 0.5, 0.8})
+        for (const double off : {0.0, 0.3}) cases.push_back({60, 45, radius, 30, 1, off, 0.6});
+    uint32_t seed = 0;
+    for (const auto& [width, height, radius, depth, noise, off, tilt] : cases) {
+        NormalNoise deviate(++seed);
+        const double a = std::hypot(width, height) / 2, r = radius * a;
+        const double scale = (r - std::sqrt(std::max(0.0, r * r - a * a))) / depth;
+        const Hemisphere truth{
+            width / 2.0 + off * a, height / 2.0, 100 - r / scale, scale, r, std::atan(tilt * depth / a * scale), 0};
+        std::vector<SurfacePoint> points;
+        for (int32_t y = 0; y < height; ++y)
+            for (int32_t x = 0; x < width; ++x)
+                points.push_back({x, y, std::floor(HeightOf(truth, x, y) + noise * deviate() + 0.5)});
+        const auto fit = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+        ASSERT_TRUE(fit);
+        EXPECT_LE(MeanSquare(points, *fit), 1.0001 * MeanSquare(points, truth))
+            << width << "x" << height << ", radius " << radius << ", depth " << depth << ", off " << off << ", tilt "
+            << tilt;
+    }
+}
+
+// The untilted fit of it is nowhere near, or none.
+TEST(AngledHemisphereFit, RecoversAFlatCapOnASlope) {
+    const Hemisphere truth{100.3, 98.7, 20, 0.5, 1e4, 0.01, -0.05};
+    const std::vector<SurfacePoint> points = PointsOn(truth, 200, 200);
+    const auto fit = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+    ASSERT_TRUE(fit);
+    EXPECT_LT(MeanSquare(points, *fit), 1e-14);
+    EXPECT_LT(std::fabs(fit->radius / truth.radius - 1), 1e-3);
+}
+
+// The residuals are orthogonal to every derivative: no surface nearby fits better.
+TEST(AngledHemisphereFit, IsAMinimumOfTheSquaredResiduals) {
+    NormalNoise noise(9);
+    const RegionPicture<float> picture(150, 150, [&](int x, int y) {
+        return HeightOf({75, 70, 3, 0.5, 200, 0.1, 0.2}, x, y) + noise();
+    });
+    const auto fit = FitAngledHemisphere(picture.region(), picture.Average());
+    ASSERT_TRUE(fit);
+    const auto sum = [&](const Hemisphere& h) {
+        double squares = 0;
+        for (int64_t i = 0; i < picture.region().count(); i += 1) {
+            const SurfacePoint point = picture.region().At(i);
+            const double r = HeightOf(h, point.x, point.y) - point.z;
+            squares += r * r;
+        }
+        return squares;
+    };
+    const double least = sum(*fit);
+    EXPECT_NEAR(1.0, least / 22500, 0.03);
+    for (double Hemisphere::*member : {&Hemisphere::xCenter, &Hemisphere::yCenter, &Hemisphere::zCenter,
+                                       &Hemisphere::zScale, &Hemisphere::radius, &Hemisphere::alpha, &Hemisphere::beta})
+        for (const double by : {0.9999, 1.0001}) {
+            Hemisphere moved = *fit;
+            moved.*member *= by;
+            EXPECT_GT(sum(moved), least);
+        }
+}
+
+TEST(Hemisphere, HeightsWorkedOutByHand) {
+    // 3, 4, 5 triangles: at dx 3, dy 4 of a radius of 13 the root is 12.
+    EXPECT_EQ(100 + 24.0, HeightOf({10, 20, 100, 0.5, 13}, 13, 24));
+    EXPECT_EQ(100 - 24.0, HeightOf({10, 20, 100, -0.5, 13}, 13, 24));
+    EXPECT_EQ(100.0, HeightOf({10, 20, 100, 0.5, 13}, 24, 20));  // outside
+    EXPECT_EQ(100.0, HeightOf({10, 20, 100, 0, 13}, 10, 20));
+    const double slope = std::tan(0.3), other = std::tan(-0.2);
+    for (const double scale : {0.5, -0.5})
+        EXPECT_NEAR(100 + 12 / scale + (3 * slope + 4 * other) / 0.5,
+                    HeightOf({10, 20, 100, scale, 13, 0.3, -0.2}, 13, 24), 1e-12);
+}
+
+}  // namespace
+}  // namespace orlix

@@ -1,0 +1,318 @@
+#include "fits/robust_fit.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+#include "fits/angled_hemisphere_fit.hpp"
+#include "fits/correction_kernels.hpp"
+#include "fits/hemisphere_fit.hpp"
+#include "numerics/uniform_generator.hpp"
+#include "region_picture.hpp"
+
+namespace orlix {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// ------------------------------------------------------------------------------------------- the search, the plain way
+// One buffer of squares, sorted; the sums of the K smallest compared exactly by expansions (Shewchuk 1997).
+
+// Numbers that do not overlap, in ascending order, whose sum is that of the terms.
+void Grow(std::vector<double>& expansion, double term) {
+    size_t kept = 0;
+    for (double part : expansion) {
+        if (std::fabs(term) < std::fabs(part)) std::swap(term, part);
+        const double sum = term + part, rest = part - (sum - term);
+        if (rest != 0) expansion[kept++] = rest;
+        term = sum;
+    }
+    expansion.resize(kept);
+    expansion.push_back(term);
+}
+
+using Values = std::function<double(const SurfacePoint&)>;
+struct Trial {
+    Values values;
+    std::array<double, 10> result;
+};
+
+std::optional<std::array<double, 10>> PlainSearch(
+    const std::vector<SurfacePoint>& all, size_t k, double probability,
+    const std::function<std::optional<Trial>(std::span<const SurfacePoint>)>& through) {
+    const size_t n = all.size();
+    if (n < k) return std::nullopt;
+    const double p = probability > 0.99 ? 0.99 : probability;
+    double power = 1;
+    for (size_t i = 0; i < k; ++i) power *= p;
+    const double limit = std::ceil(25.0 / power);
+    const auto good = static_cast<size_t>(static_cast<double>(n) * p);
+    UniformGenerator random(-1);
+    std::optional<std::array<double, 10>> best;
+    std::vector<double> bestSquares, squares(n);
+    double counter = 0;
+    while (counter < limit) {
+        std::vector<SurfacePoint> drawn;
+        for (size_t i = 0; i < k; ++i) drawn.push_back(all[static_cast<size_t>(random() * static_cast<double>(n))]);
+        bool improved = false;
+        const bool finite = std::all_of(drawn.begin(), drawn.end(), [](auto& point) { return std::isfinite(point.z); });
+        const std::optional<Trial> trial = finite ? through(drawn) : std::nullopt;
+        if (trial) {
+            for (size_t i = 0; i < n; ++i) {
+                const double r = trial->values(all[i]) - all[i].z;
+                squares[i] = std::isnan(r * r) ? kInfinity : r * r;
+            }
+            std::sort(squares.begin(), squares.end());
+            if (good == 0 || squares[good - 1] < kInfinity) {
+                improved = !best;
+                if (best) {
+                    std::vector<double> difference;
+                    for (size_t i = 0; i < good; ++i) {
+                        Grow(difference, squares[i]);
+                        Grow(difference, -bestSquares[i]);
+                    }
+                    improved = !difference.empty() && difference.back() < 0;
+                }
+            }
+            if (improved) {
+                best = trial->result;
+                bestSquares = squares;
+            }
+        }
+        counter = improved ? 0 : counter + 1;
+    }
+    return best;
+}
+
+template <class T>
+std::vector<SurfacePoint> PointsOf(const RegionPixels<T>& region) {
+    std::vector<SurfacePoint> points;
+    for (int64_t i = 0; i < region.count(); ++i) points.push_back(region.At(i));
+    return points;
+}
+
+template <class T>
+std::optional<std::array<double, 10>> PlainPolynomial(const RegionPixels<T>& region, int degree, double probability) {
+    const std::vector<SurfacePoint> all = PointsOf(region);
+    if (all.empty()) return std::nullopt;
+    int32_t left = all[0].x, right = left;
+    for (const SurfacePoint& point : all) {
+        left = std::min(left, point.x);
+        right = std::max(right, point.x);
+    }
+    const SurfaceFrame frame(left, all.front().y, right, all.back().y);
+    return PlainSearch(all, NumberOfMonomials(degree), probability, [&](std::span<const SurfacePoint> drawn) {
+        const auto k = PolynomialThrough(degree, frame, drawn).k;
+        const auto values = [=](const SurfacePoint& at) {
+            const double x = at.x, y = at.y;
+            return k[0] + y * (k[1] + y * (k[3] + y * k[6])) +
+                   x * (k[2] + y * (k[4] + y * k[7]) + x * (k[5] + y * k[8] + x * k[9]));
+        };
+        return std::optional<Trial>(Trial{values, k});
+    });
+}
+
+std::array<double, 10> ArrayOf(const Hemisphere& h) {
+    return {h.xCenter, h.yCenter, h.zCenter, h.zScale, h.radius, h.alpha, h.beta};
+}
+
+template <class T>
+std::optional<std::array<double, 10>> PlainHemisphere(const RegionPixels<T>& region, bool angled, double probability) {
+    return PlainSearch(PointsOf(region), angled ? 7 : 5, probability,
+                       [&](std::span<const SurfacePoint> drawn) -> std::optional<Trial> {
+                           double sum = 0;
+                           for (const SurfacePoint& point : drawn) sum += point.z;
+                           const double average = sum / static_cast<double>(drawn.size());
+                           const PointRuns runs(drawn);
+                           const auto h =
+                               angled ? AngledHemisphereThrough(drawn, average) : FitHemisphere(runs, average);
+                           if (!h) return std::nullopt;
+                           const HemisphereSurface surface(*h);
+                           const auto values = [=](const SurfacePoint& at) {
+                               double value = 0;
+                               surface.Values(at.x, at.y, 1, &value);
+                               return value;
+                           };
+                           return Trial{values, ArrayOf(*h)};
+                       });
+}
+
+template <class T>
+void ExpectPlainResult(const RegionPixels<T>& region, double probability, const char* what) {
+    SCOPED_TRACE(std::string(what) + " " + std::to_string(probability) + " pixels " + std::to_string(region.count()));
+    for (int degree = 1; degree <= (probability < 0.6 ? 2 : 3); ++degree) {
+        const auto want = PlainPolynomial(region, degree, probability);
+        const auto got = RobustPolynomial(region, degree, probability);
+        ASSERT_EQ(want.has_value(), got.has_value()) << degree;
+        if (got) {
+            EXPECT_EQ(*want, got->k) << degree;
+        }
+    }
+    for (const bool angled : {false, true}) {
+        const auto want = PlainHemisphere(region, angled, probability);
+        const auto got = RobustHemisphere(region, angled, probability);
+        ASSERT_EQ(want.has_value(), got.has_value()) << angled;
+        if (got) {
+            EXPECT_EQ(*want, ArrayOf(got->hemisphere)) << angled;
+        }
+    }
+}
+
+template <class T>
+void ExpectPlainResults(int32_t width, int32_t height, double probability) {
+    NormalNoise noise(static_cast<uint32_t>(width * 1000 + height));
+    const auto bad = [&](double share, double good) { return noise.Uniform() < share ? 250 * noise.Uniform() : good; };
+    const double level = sizeof(T) == 1 ? 1 : 100;
+    const auto check = [&](const char* what, const auto& heightAt) {
+        const RegionPicture<T> picture(width, height, heightAt);
+        ExpectPlainResult(picture.region(), probability, what);
+    };
+    check("noisy plane", [&](int x, int y) { return level * bad(0.2, 40 + 0.5 * x + 0.3 * y + 2 * noise()); });
+    check("whole plane", [&](int x, int y) { return level * bad(0.2, 10.0 + x + 2 * y); });
+    check("constant", [&](int, int) { return level * bad(0.1, 77); });
+    check("two levels", [&](int, int) { return level * (noise.Uniform() < 0.5 ? 10 : 11); });
+    check("cap", [&](int x, int y) {
+        const double dx = x - width / 2.0, dy = y - height / 2.0;
+        return level * bad(0.1, 20 + std::sqrt(std::max(0.0, 900.0 - dx * dx - dy * dy)) * 3);
+    });
+    if constexpr (std::is_same_v<T, float>)
+        check("with NaN", [&](int x, int y) { return bad(0.1, noise.Uniform() < 0.1 ? kNaN : 0.1 * x - 0.2 * y); });
+}
+
+TEST(RobustFit, EqualsThePlainSearch) {
+    for (const double probability : {0.5, 0.8}) {
+        ExpectPlainResults<uint8_t>(7, 5, probability);
+        ExpectPlainResults<uint16_t>(20, 13, probability);
+        ExpectPlainResults<uint32_t>(11, 1, probability);
+        ExpectPlainResults<float>(3, 20, probability);
+    }
+    ExpectPlainResults<float>(50, 40, 0.9);
+    ExpectPlainResults<uint8_t>(70, 61, 0.9);
+    for (const int32_t few : {1, 2, 3, 5, 7, 9, 10}) ExpectPlainResults<uint8_t>(few, 1, 0.7);
+}
+
+// ---------------------------------------------------------------------------------------------------------- the results
+
+TEST(RobustFit, FindsThePlaneUnderOutliers) {
+    for (const double share : {0.1, 0.2, 0.3})
+        for (const double deviation : {0.0, 0.5}) {
+            NormalNoise noise(11);
+            const RegionPicture<float> picture(200, 150, [&](int x, int y) {
+                return noise.Uniform() < share ? 1000 * noise.Uniform() : 5 + 2.0 * x + 3.0 * y + deviation * noise();
+            });
+            const auto fit = RobustPolynomial(picture.region(), 1, 0.65);
+            ASSERT_TRUE(fit);
+            // Three points determine the plane: with noise its tilt is off by some noise / size.
+            const double tolerance = deviation * 0.02;
+            EXPECT_NEAR(2, fit->k[2], tolerance);
+            EXPECT_NEAR(3, fit->k[1], tolerance);
+            EXPECT_NEAR(5, fit->k[0], tolerance * 200);
+            EXPECT_NEAR(picture.Average(), fit->average, 1e-9);
+        }
+}
+
+TEST(RobustFit, FindsExactPolynomialsUnderOutliers) {
+    NormalNoise noise(12);
+    const auto cubic = [](double x, double y) {
+        return 7 + 2 * y - 3 * x + 0.25 * y * y + 0.5 * x * y - 0.125 * x * x + y * y * y / 64 - x * x * y / 32;
+    };
+    const RegionPicture<float> picture(
+        64, 64, [&](int x, int y) { return noise.Uniform() < 0.2 ? 9999 * noise() : cubic(x, y); });
+    const auto fit = RobustPolynomial(picture.region(), 3, 0.75);
+    ASSERT_TRUE(fit);
+    constexpr double kTruth[] = {7, 2, -3, 0.25, 0.5, -0.125, 1.0 / 64, 0, -1.0 / 32, 0};
+    for (size_t i = 0; i < 10; ++i) EXPECT_NEAR(kTruth[i], fit->k[i], 1e-100) << i;
+}
+
+TEST(RobustFit, FindsHemispheresUnderOutliers) {
+    for (const double scale : {0.5, -0.5})
+        for (const bool angled : {false, true}) {
+            NormalNoise noise(13);
+            const Hemisphere truth{50.25, 45.5, 30, scale, 90, angled ? 0.2 : 0.0, angled ? -0.1 : 0.0};
+            const HemisphereSurface surface(truth);
+            const RegionPicture<float> picture(100, 90, [&](int x, int y) {
+                double z = 0;
+                surface.Values(x, y, 1, &z);
+                return noise.Uniform() < 0.15 ? 500 * noise() : z;
+            });
+            const auto fit = RobustHemisphere(picture.region(), angled, 0.8);
+            ASSERT_TRUE(fit);
+            const auto want = ArrayOf(truth), got = ArrayOf(fit->hemisphere);
+            // Rounding of the pixels to float, 1e-5, seen through five or seven of them.
+            for (size_t i = 0; i < 7; ++i) EXPECT_NEAR(want[i], got[i], 0.02) << i << " " << scale << angled;
+        }
+}
+
+// ------------------------------------------------------------------------------------------------------------- the rule
+
+TEST(RobustFit, TrialLimitFollowsTheRule) {
+    EXPECT_EQ(200, TrialLimit(0.5, 3));
+    EXPECT_EQ(26, TrialLimit(0.99, 3));
+    EXPECT_EQ(25600, TrialLimit(0.5, 10));
+    EXPECT_EQ(25e6, TrialLimit(0.01, 3));
+}
+
+TEST(RobustFit, SmallProbabilitiesEnd) {
+    const RegionPicture<uint8_t> picture(300, 200, [](int x, int y) { return (x * 7 + y * 13) % 251; });
+    for (const double p : {1e-300, 5e-324, 1e-6}) {  // K = 0: the first surface wins
+        EXPECT_TRUE(RobustPolynomial(picture.region(), 1, p));
+        EXPECT_TRUE(RobustPolynomial(picture.region(), 3, p));
+        EXPECT_TRUE(RobustHemisphere(picture.region(), false, p));
+        EXPECT_TRUE(RobustHemisphere(picture.region(), true, p));
+    }
+    EXPECT_TRUE(RobustPolynomial(picture.region(), 1, 3 / 60000.0));  // K = 3: three pixels are met exactly
+}
+
+TEST(RobustFit, OneRowGivesThePlaneAlongIt) {
+    const RegionPicture<uint8_t> row(50, 1, [](int x, int) { return x % 7 == 3 ? 200 : 3 * x + 5; });
+    const auto fit = RobustPolynomial(row.region(), 1, 0.8);
+    ASSERT_TRUE(fit);
+    EXPECT_NEAR(3, fit->k[2], 1e-12);
+    EXPECT_NEAR(5, fit->k[0], 1e-12);
+    EXPECT_EQ(0, fit->k[1]);
+    EXPECT_FALSE(RobustHemisphere(row.region(), false, 0.8));
+}
+
+TEST(RobustFit, NoFinitePixelGivesNoSurface) {
+    const RegionPicture<float> nothing(
+        20, 20, [](int x, int) { return x % 2 ? kNaN : std::numeric_limits<double>::infinity(); });
+    EXPECT_FALSE(RobustPolynomial(nothing.region(), 1, 0.9));
+    EXPECT_FALSE(RobustHemisphere(nothing.region(), false, 0.9));
+    // Too few finite ones for K.
+    RegionPicture<float> half(20, 20, [](int x, int y) { return x < 10 ? x + 2 * y : kNaN; });
+    EXPECT_FALSE(RobustPolynomial(half.region(), 1, 0.6));
+    const auto fit = RobustPolynomial(half.region(), 1, 0.4);
+    ASSERT_TRUE(fit);
+    EXPECT_EQ(1, fit->k[2]);
+    EXPECT_EQ(2, fit->k[1]);
+    EXPECT_EQ(4.5 + 19, fit->average);
+    half.at(3, 3) = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(fit->k, RobustPolynomial(half.region(), 1, 0.4)->k);
+}
+
+TEST(RobustFit, PixelsAreCountedInRunOrder) {
+    ForeignRegion region;
+    region.box = {0, 2, 99, 6};
+    region.rows[2] = {MakeRun(5, 5), MakeRun(10, 12)};
+    region.rows[4] = {MakeRun(0, 1)};
+    region.rows[6] = {MakeRun(98, 200)};
+    const RegionPicture<uint8_t> picture(
+        100, 10, [](int x, int y) { return x + y; }, &region);
+    const RegionPixels<uint8_t> pixels = picture.region();
+    constexpr int kWant[][2] = {{5, 2}, {10, 2}, {11, 2}, {12, 2}, {0, 4}, {1, 4}, {98, 6}, {99, 6}};
+    ASSERT_EQ(8, pixels.count());
+    for (int64_t i = 0; i < 8; ++i) {
+        EXPECT_EQ(kWant[i][0], pixels.At(i).x);
+        EXPECT_EQ(kWant[i][1], pixels.At(i).y);
+        EXPECT_EQ(kWant[i][0] + kWant[i][1], pixels.At(i).z);
+    }
+    ExpectPlainResult(pixels, 0.8, "region");
+}
+
+}  // namespace
+}  // namespace orlix
