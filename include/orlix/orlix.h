@@ -2,25 +2,25 @@
 
 // Orlix: measuring grey-level microscope images of small polished surfaces.
 //
-// This file is the contract. Everything else (the C++ header, the type library) is made from it. Rules that hold for
-// every method and are not repeated below:
+// This file is the contract: the C++ header and the type library are made from it. Rules that hold for every method and
+// are not repeated below:
 //
-//  (1) Results. S_OK; S_FALSE where stated that nothing was done; E_FAIL after a failure, whose text is then the
-//      description of the thread's error information (IErrorInfo) and whose source is the ProgID of the object's class.
+//  (1) Results. S_OK; S_FALSE where a comment says that nothing was done; E_FAIL after a failure. The text of a failure
+//      is the description in the thread's error information (IErrorInfo), its source the ProgID of the object's class.
 //      Texts are quoted below as they are reported. Failures of the system itself (no memory) give E_FAIL without a
-//      text. An image that has no pixels: "IImageProcess::Invert: no image.", likewise each method of IImageFile,
-//      IImageEntries, IImageProcessBase, IImageProcess and IOrlixImageProcess that needs one, in its name and that of
-//      the interface that declares it; IImageVPA, IImageVPAExPlus and IDisplayProcess give E_FAIL without a text.
-//  (2) Null. An output pointer, or an interface argument that a method needs, given as null: E_POINTER, nothing
-//      written, no text. A null string is an empty string, except that a null description is none.
+//      text. For an image without pixels, each method of IImageFile, IImageEntries, IImageProcessBase, IImageProcess
+//      and IOrlixImageProcess that needs pixels reports "IImageProcess::Invert: no image.", under its own name and
+//      interface; IImageVPA, IImageVPAExPlus and IDisplayProcess give E_FAIL without a text.
+//  (2) Null. A null output pointer, and null for an interface that a method needs, give E_POINTER; nothing is written
+//      and there is no text. A null string is an empty string, except that a null description means none.
 //  (3) Checks run in the order in which they are listed and before anything is written, so a failed call leaves its
 //      object unchanged unless stated otherwise.
 //  (4) Coordinates. x is the column, y the row, both from 0; pixel centres lie at whole numbers; angles are in degrees.
 //  (5) Objects are apartment-threaded. Pointers into an object (rows, runs, bins) stay valid until the object is
-//      created anew, changed or released, whichever the method says.
-//  (6) Conversion of a double to an integer pixel, unless stated otherwise: below the type's minimum gives the minimum,
-//      above its maximum the maximum, else floor(v + 0.5); NaN gives the minimum. A float pixel takes the value rounded
-//      to the nearest float; beyond the float range it takes the largest finite float of that sign, and NaN stays NaN.
+//      created again, changed or released, as each method says.
+//  (6) Conversion of a double to an integer pixel, unless stated otherwise: values below the type's minimum give the
+//      minimum, values above its maximum the maximum, all others floor(v + 0.5); NaN gives the minimum. A float pixel
+//      takes the nearest float; values beyond its range give the largest finite float of that sign, and NaN stays NaN.
 //
 // Interfaces may still grow in place until version 1.0; from then on they are immutable.
 //
@@ -84,18 +84,18 @@ struct IHistogramDialogEvents;
 struct IImageViewDisp;
 struct IImageViewEventsDisp;
 
-// The image in a stream.
-// Beside this interface the image answers the system's IPersistStreamInit (and IPersist), from which this one derives. A
-// stream keeps pixels, coordinate map, description, size of a pixel, luminance range, band to
-// process, number of bins, the display settings and all entries (IImageEntries). It does not keep the region of
-// interest and the table, which stay as they are while the pixel type stays. (Not in the type library, which would
-// repeat the system's interfaces.)
+// Saves an image to a stream and loads it again.
+// The image also answers the system's IPersistStreamInit (and IPersist), from which this interface derives. A stream
+// keeps the pixels, the coordinate map, the description, the pixel size, the luminance range, the band to process, the
+// number of bins, the display settings and all entries (IImageEntries). It does not keep the region of interest and the
+// table, which stay unless the pixel type changes. (Not in the type library, which would have to repeat the system's
+// interfaces.)
 //
 // A stream is, in this order:
 //     "qelo", double 1.0, pixel type code
 //     "imba", double 1.3, coordinate map (OrgX OrgY A11 A12 A21 A22, doubles)
 //     bands, width, height, bytes per sample, row stride, size of the pixels in bytes
-//     N = max(width, height) + 400; N entries of the offset table (XEntry, YEntry) from its margin on, 0 if unused
+//     N = max(width, height) + 400; N entries of the offset table (XEntry, YEntry) from its margin on, unused ones 0
 //     L; L bytes: the pixels, band by band in padded rows, as one zlib stream
 //     description
 //     luminance range (lower, upper: one sample each), band to process, number of bins
@@ -103,34 +103,33 @@ struct IImageViewEventsDisp;
 //         are kept as they are
 //     T; T text entries: double 1.0, keyword, text
 //     Z; Z binary entries: double 1.0, keyword, S, S bytes
-// Little-endian; whole numbers have 4 bytes; a string is its number of UTF-16 units and the units. A description
-// without units is none. The size of a pixel in microns, where it is known, is the first binary entry:
-// "MicronsPerPixel", 16 bytes: X and Y as doubles. (Such an entry that a client has put is that size after loading.)
+// Little-endian; integers have 4 bytes; a string is the number of its UTF-16 units, then the units. A description
+// without units means none. If the pixel size in microns is known, it is the first binary entry: "MicronsPerPixel", 16
+// bytes, X and Y as doubles. (Such an entry put by a client becomes the pixel size on loading.)
 //
 // GetClassID     The class of OrlixImage.
-// IsDirty        S_OK when something that a stream keeps was changed since the object was made, loaded, or saved with
-//                fClearDirty; else S_FALSE. Pixels that a client writes by the image's pointers are not noticed.
+// IsDirty        S_OK when something that a stream keeps has changed since the object was made, loaded, or saved with
+//                fClearDirty; else S_FALSE. Writing pixels through the image's pointers goes unnoticed.
 // InitNew        S_OK once; E_UNEXPECTED after InitNew or a successful load. Changes nothing else.
 // Load           E_UNEXPECTED after InitNew or a successful load, before the stream is touched. Reads one image from
-//                the stream, up to its last byte, and no further. A failed load leaves the object as it was, and it can be
-//                loaded still. Nothing in a stream is believed: sizes must agree with each other, the table must be
-//                that of the geometry, and memory grows with the bytes that have arrived. A failure of the stream is
-//                passed on.
+//                the stream and nothing beyond its last byte. A failed load leaves the object as it was, and it can
+//                still be loaded. Nothing in a stream is trusted: sizes must agree with each other, the table must be
+//                the one that the geometry gives, and memory grows with the bytes that have arrived. A failure of the
+//                stream is passed on.
 //                  "IPersistStreamInit::Load: not an image stream."
 //                  "IPersistStreamInit::Load: version compatibility problems." (of the stream, its record or an entry)
 //                  E_FAIL without a text: a pixel type that OrlixImage does not create, or no "imba"
 //                  "IPersistStreamInit::Load: the stream ends early."
 //                  "IPersistStreamInit::Load: the stream is damaged."
 //                  and the texts of IImageFile::SampleLimit
-// Save           All memory is taken before the first byte is written. A failure of the stream is passed on; a write
-//                that stores fewer bytes than asked gives 0x80030103. An object without pixels:
-//                "IPersistStreamInit::Save: no image.". Pixels of 2^32 bytes and more:
-//                "IPersistStreamInit::Save: the image is too large for a stream.".
-// GetSizeMax     No less than Save writes: all is counted exactly, but the compressed pixels as ceil(1.001 size) + 12
-//                bytes.
-//                "IPersistStreamInit::GetSizeMax: no image."
+// Save           All memory is allocated before the first byte is written. A failure of the stream is passed on; a
+//                write that stores fewer bytes than asked gives 0x80030103. Without pixels:
+//                "IPersistStreamInit::Save: no image."; with 2^32 bytes of pixels or more:
+//                "IPersistStreamInit::Save: the image is too large for a stream."
+// GetSizeMax     At least what Save writes: everything is counted exactly, except that the compressed pixels count as
+//                ceil(1.001 size) + 12 bytes. "IPersistStreamInit::GetSizeMax: no image."
 MIDL_INTERFACE("23f98071-2f31-4da6-8b3e-88179a47be27") IPersistStreamInitEx : public IPersistStreamInit {
-    // Load, texts included, whether or not the object was loaded or initialised before.
+    // Does what Load does, with the same texts, even if the object was loaded or initialised before.
     virtual HRESULT STDMETHODCALLTYPE ReLoad(IStream* Stm) = 0;
 };
 DEFINE_GUID(IID_IPersistStreamInitEx, 0x23f98071, 0x2f31, 0x4da6, 0x8b,0x3e, 0x88,0x17,0x9a,0x47,0xbe,0x27);
@@ -162,21 +161,21 @@ typedef enum BandIndexType : LONG {
     BI_AllBands = -1
 } BandIndexType;
 
-// How drawing combines with what is there. Any other value draws as DT_Xor.
+// How drawing combines with the pixels already there. Any other value draws as DT_Xor.
 typedef enum DrawType : LONG {
     DT_On = 0,
     DT_Off = 1,
     DT_Xor = 2
 } DrawType;
 
-// Which side of a shape a region presents. Any other value counts as PT_Inside.
+// Which side of a shape a region selects. Any other value counts as PT_Inside.
 typedef enum PolarityType : LONG {
     PT_Inside = 0,
     PT_Outside = 1,
     PT_Frame = 2
 } PolarityType;
 
-// Kinds of device contexts that pictures are rendered on, numbered as the system does.
+// Kinds of device contexts that pictures are rendered on, with the system's numbers.
 typedef enum RenderSourceType : LONG {
     RST_Display = 3,
     RST_Metafile = 4,
@@ -184,15 +183,15 @@ typedef enum RenderSourceType : LONG {
     RST_EnhancedMetafile = 12
 } RenderSourceType;
 
-// How a picture in memory is made of pixels where it is not shown pixel by pixel.
-//   RS_Smooth   averaged where it shrinks, interpolated linearly where it grows
-//   RS_Nearest  the pixel under the centre is shown
+// How a picture in memory is scaled when it is not shown pixel for pixel.
+//   RS_Smooth   averages where the picture shrinks, interpolates linearly where it grows
+//   RS_Nearest  shows the pixel under the centre
 typedef enum RasterScaling : LONG {
     RS_Smooth = 0,
     RS_Nearest = 1
 } RasterScaling;
 
-// Bit flags: what get_GrayMeasurements gathers; 3 asks for both.
+// Bit flags: what get_GrayMeasurements measures; 3 asks for both.
 typedef enum GrayExtractMeasurementType : LONG {
     GEMT_GrayLocation = 1,
     GEMT_GrayStatistics = 2
@@ -249,8 +248,9 @@ typedef struct SRun {
     struct SRun* m_pRightChild;
 } SRun;
 
-// What get_GrayMeasurements measures.
-// m_lSize is the caller's and is not written. Centroid in pixel coordinates, weighted with the grey value.
+// The results of get_GrayMeasurements.
+// m_lSize belongs to the caller and is not written. The centroid is in pixel coordinates, weighted by the grey
+// value.
 typedef struct SGrayMeasurements {
     LONG m_lSize;
     LONG m_lPixelCount;
@@ -261,7 +261,8 @@ typedef struct SGrayMeasurements {
 } SGrayMeasurements;
 
 // A fitted plane.
-// Coefficients of fitted surfaces, x column, y row, z grey value; m_lSize is the caller's and is not written.
+// In all fitted surfaces x is the column, y the row and z the grey value; m_lSize belongs to the caller and is not
+// written.
 // Plane: z = m_dAlpha x + m_dBeta y + m_dGamma.
 typedef struct SPlanarFit {
     LONG m_lSize;
@@ -285,7 +286,7 @@ typedef struct SBiquadraticFit {
 } SBiquadraticFit;
 
 // A fitted polynomial of degree 3.
-// The biquadratic, then + K6 y^3 + K7 x y^2 + K8 x^2 y + K9 x^3.
+// z = the terms of SBiquadraticFit + K6 y^3 + K7 x y^2 + K8 x^2 y + K9 x^3.
 typedef struct SBicubicFit {
     LONG m_lSize;
     double m_dAverage;
@@ -325,7 +326,7 @@ typedef struct SAngledHemisphereFit {
     double m_dBeta;
 } SAngledHemisphereFit;
 
-// A vertex of a polygon, x the column and y the row.
+// A vertex of a polygon; x is the column, y the row.
 typedef struct SVertice {
     double m_dX;
     double m_dY;
@@ -340,13 +341,12 @@ typedef struct SElement {
     LONG m_lY;
     // 0; consumers may keep an address offset here
     LONG m_lOffset;
-    // of a byte: the bits that are meant, 0x80 the leftmost; else 0
+    // of a byte: the bits that count, 0x80 the leftmost; else 0
     unsigned char m_yValue;
 } SElement;
 
-// Any image that hands out pixels. Whoever consumes one reads it through this interface only, so an image of
-// another component may lay its samples out as it likes (interleaved, flipped, sub-sampled): the table is the
-// truth.
+// Any image that hands out pixels. Consumers use this interface only, so another component may lay out its samples
+// as it likes (interleaved, flipped, sub-sampled): the offset table decides.
 MIDL_INTERFACE("cd1b0330-b898-406c-879a-f9acddba5f55") IImageVPA : public IUnknown {
     // Number of bands, width and height. An empty image gives zeros.
     virtual HRESULT STDMETHODCALLTYPE Dimensions(LONG* Bands, LONG* Width, LONG* Height) = 0;
@@ -354,15 +354,15 @@ MIDL_INTERFACE("cd1b0330-b898-406c-879a-f9acddba5f55") IImageVPA : public IUnkno
     // Type code (enum DataType) of the samples; all bands share it, so the band index is not checked.
     virtual HRESULT STDMETHODCALLTYPE DataType(LONG BandIndex, LONG* DataType) = 0;
 
-    // Base address of a band and the table of offsets, pointing at entry 0. The table reaches 200 entries before 0
-    // and 200 beyond the larger of width and height; entries outside the image mirror it without repeating the edge
-    // (column -1 reads column 1; an axis of length 1 reads 0 everywhere). Entries beyond length + 200 of the
-    // shorter axis are not defined. Both outputs are set to null first; an image without pixels gives S_FALSE.
+    // Base address of a band, and a pointer to entry 0 of the offset table. The table reaches from 200 entries
+    // before 0 to 200 beyond the larger of width and height; entries outside the image mirror it without repeating
+    // the edge (column -1 reads column 1; an axis of length 1 reads 0 everywhere). Entries beyond length + 200 of
+    // the shorter axis are undefined. Both outputs are first set to null; an image without pixels gives S_FALSE.
     // "IImageVPA::VPA: BandIndex is out of range" (also for BI_AllBands).
-    // Both pointers stay valid until the image is created anew or released.
+    // Both pointers stay valid until the image is created again or released.
     virtual HRESULT STDMETHODCALLTYPE VPA(LONG BandIndex, void** hBase, VPAEntry** hVPA) = 0;
 
-    // The coordinate map, identity after a creation.
+    // The coordinate map; each creation resets it to the identity.
     virtual HRESULT STDMETHODCALLTYPE GetCoords(TCoordinateMap* CoordinateMap) = 0;
 
     // Sets the coordinate map; nothing is checked.
@@ -381,55 +381,54 @@ DEFINE_GUID(IID_IImageVPAEx, 0xca4cf0a4, 0x2a5f, 0x462e, 0x89,0xa4, 0xf8,0x6a,0x
 __CRT_UUID_DECL(IImageVPAEx, 0xca4cf0a4, 0x2a5f, 0x462e, 0x89,0xa4, 0xf8,0x6a,0x3f,0x8a,0x35,0xd1)
 #endif
 
-// Creation of images. Each creation replaces the content: pixels, coordinate map, description, text and
-// binary entries, calibration and the band to process (0 for an image of one band, BI_AllBands for several). The
-// client's settings (region, luminance range, number of bins, table) stay while the pixel type stays and start anew
-// when it changes. Failures of this interface return DISP_E_EXCEPTION where no other result is named.
+// Creates images. Each creation replaces the content: pixels, coordinate map, description, text and binary entries,
+// calibration and the band to process (0 for an image of one band, BI_AllBands for several). The client's settings
+// (region, luminance range, number of bins, table) survive until the pixel type changes, which resets them.
+// Failures of this interface return DISP_E_EXCEPTION where no other result is named.
 MIDL_INTERFACE("f7aa9c93-839b-4c96-9cbd-bd0efc09c235") IImageVPAExPlus : public IImageVPAEx {
-    // A copy of the description, null when none is set. Frees the string that *hVal holds on entry: pass null or an
-    // owned string.
+    // A copy of the description, null when none is set. Frees the string that *hVal holds on entry: pass null or a
+    // string that you own.
     virtual HRESULT STDMETHODCALLTYPE get_Description(BSTR* hVal) = 0;
 
-    // Sets the description, from a copy; null removes it.
+    // Sets the description to a copy of the string; null removes it.
     virtual HRESULT STDMETHODCALLTYPE put_Description(BSTR newVal) = 0;
 
-    // A new image. Rows are stored top-down, one band after the other, each row padded to a multiple of 4 bytes.
-    // Zero != 0 clears all samples; with Zero = 0 an image whose geometry stays keeps its samples, and bytes that
-    // are new are 0.
+    // Creates a new image. Rows are stored top-down, one band after the other, each row padded to a multiple of 4
+    // bytes. Zero != 0 clears all samples; with Zero = 0 an image of the same geometry keeps its samples, and new
+    // bytes are 0.
     //   a DataType that OrlixImage does not create: E_FAIL, no text, and the image is empty afterwards
     //   "IImageVPAEx::Create: Width must be positive."
     //   "IImageVPAEx::Create: Height must be positive."
     //   "IImageVPAEx::Create: Bands must be positive."
     //   "ImageVPAExPlus::Create: DataType must specify at least one byte per pixel" (E_FAIL)
-    // An image of more than 2^31 - 1 samples in a band, or one that does not fit into memory, gives E_FAIL and
-    // leaves the image as it was.
+    // More than 2^31 - 1 samples in a band, or an image that does not fit into memory, gives E_FAIL and leaves the
+    // image as it was.
     virtual HRESULT STDMETHODCALLTYPE Create(LONG Width, LONG Height, LONG Bands, LONG DataType, LONG Zero) = 0;
 
-    // Deep copy of one band or of all bands, with the coordinate map and the calibration. S_FALSE for the image
-    // itself.
+    // Makes a deep copy of one band or of all bands, with the coordinate map and the calibration. S_FALSE when
+    // Image is this image.
     virtual HRESULT STDMETHODCALLTYPE CreateFromImage(IImageVPA* Image, LONG BandIndex) = 0;
 
-    // Deep copy of the rectangle with both ends included. The coordinate map is the source's with OrgX = -Left and
-    // OrgY = -Top. Parts outside the source read its mirrored margin; a rectangle that reaches further than 200
-    // samples beyond the source fails. From the image itself it crops in place.
+    // Makes a deep copy of a rectangle, both ends included. The coordinate map is the source's with OrgX = -Left
+    // and OrgY = -Top. Parts outside the source read its mirrored margin; a rectangle that reaches more than 200
+    // samples beyond the source fails. With this image as the source it is cropped in place.
     //   "IImageVPAEx::CreateFromSubImage: the rectangle is too far outside the image."
     virtual HRESULT STDMETHODCALLTYPE CreateFromSubImage(IImageVPA* Image, LONG BandIndex, LONG Left, LONG Top,
         LONG Right, LONG Bottom) = 0;
 
-    // Loads PNG, BMP (8 bits, uncompressed), PGM and PPM (plain and raw), told apart by their content. Grey stays
+    // Loads PNG, BMP (8 bits, uncompressed), PGM and PPM (plain and raw), recognised by their content. Grey stays
     // grey with 8 or 16 bits; colour becomes three bands (red, green, blue); an alpha channel is dropped; gamma and
     // colour profiles are not applied. PNG grey of 1, 2 and 4 bits is scaled to 0..255; PGM and PPM values are kept
-    // as they are, whatever maximum the file declares. A palette is applied, and gives one band where all entries
-    // in use are grey. Pixels per metre (PNG, BMP) become the pixel size. See IImageFile and IImageEntries for what
-    // else is kept. A damaged or incomplete file fails, and a failed load leaves the image as it was.
-    // Memory is taken as pixels are decoded, and for no more of them than IImageFile::SampleLimit allows.
+    // as they are, whatever maximum the file declares. A palette is applied; it gives one band if all entries in
+    // use are grey. Pixels per metre (PNG, BMP) become the pixel size. See IImageFile and IImageEntries for what
+    // else is kept. A damaged or incomplete file fails, and a failed load leaves the image as it was. Memory is
+    // allocated as pixels are decoded, never for more than IImageFile::SampleLimit allows.
     //   "IImageVPAEx::CreateFromFile: failed to open file."
-    //   "IImageVPAEx::CreateFromFile: unknown file format." and the texts of the readers, each of which names
-    //   itself
+    //   "IImageVPAEx::CreateFromFile: unknown file format." and the texts of the readers, each under its own name
     virtual HRESULT STDMETHODCALLTYPE CreateFromFile(BSTR FileName) = 0;
 
-    // Uses the client's memory as the pixels: same layout as Create. The memory must outlive the image or its next
-    // creation. Texts as for Create under its own name, then (E_FAIL)
+    // Uses the client's memory as the pixels, in the layout of Create. The memory must outlive the image or its
+    // next creation. Reports the texts of Create under its own name, then (E_FAIL)
     //   "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading."
     //   "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for writing."
     // after which the image refers to the refused buffer, and any call that would touch its pixels fails.
@@ -441,11 +440,11 @@ DEFINE_GUID(IID_IImageVPAExPlus, 0xf7aa9c93, 0x839b, 0x4c96, 0x9c,0xbd, 0xbd,0x0
 __CRT_UUID_DECL(IImageVPAExPlus, 0xf7aa9c93, 0x839b, 0x4c96, 0x9c,0xbd, 0xbd,0x0e,0xfc,0x09,0xc2,0x35)
 #endif
 
-// What image files keep beside the pixels, how much may be loaded, and saving.
+// Saves image files, and holds the pixel size and the limit of what may be loaded.
 MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnknown {
     // Saves the image. IFF_ByExtension chooses by the file name (.png .pgm .ppm, any case). PNG takes 8- and 16-bit
-    // images of one band (grey) or three (colour); PGM one band, PPM three, 8 or 16 bits. The file is written
-    // beside its final place and then put there, so a failure leaves an older file of that name as it was.
+    // images of one band (grey) or three (colour); PGM one band, PPM three, 8 or 16 bits. The file is written next
+    // to its final place and then moved there, so a failure leaves an older file of that name as it was.
     //   "IImageFile::SaveToFile: no image."
     //   "IImageFile::SaveToFile: unknown file format."
     //   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."
@@ -456,33 +455,35 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     // Physical size of a pixel in microns. S_FALSE and zeros when it is not known.
     virtual HRESULT STDMETHODCALLTYPE GetMicronsPerPixel(double* X, double* Y) = 0;
 
-    // Sets the physical size of a pixel in microns, from finite sizes above 0; 0, 0 for unknown.
+    // Sets the physical size of a pixel in microns: finite values above 0, or 0, 0 for unknown.
     // PNG files keep it (in whole pixels per metre, so to about one part in a million for pixels of a micron).
     // "IImageFile::PutMicronsPerPixel: the pixel size must be positive."
     virtual HRESULT STDMETHODCALLTYPE PutMicronsPerPixel(double X, double Y) = 0;
 
     // The largest image that this object loads, in samples: width times height times bands.
-    // It holds for files (IImageVPAExPlus::CreateFromFile) and streams (IPersistStreamInitEx): a file of 50 kilobytes
-    // can hold an image of gigabytes. Initially 2^28 = 268,435,456: 16384 x 16384 grey pixels, in 256 MB for bytes,
-    // 512 for words, 1024 for doublewords and floats. While there is a limit, an image may not have more than 2^24 rows or columns
-    // either, for these take memory too. 0: no limits. Creations and loading leave it as it is; streams do not keep it.
+    // It applies to files (IImageVPAExPlus::CreateFromFile) and streams (IPersistStreamInitEx), because a file of
+    // 50 kilobytes can hold an image of gigabytes. Initially 2^28 = 268,435,456: 16384 x 16384 grey pixels, taking
+    // 256 MB as bytes, 512 as words, 1024 as doublewords or floats. With a limit, an image may also have no more
+    // than 2^24 rows or columns, because these take memory too. 0 means no limits. Creating or loading an image
+    // does not change the limit; streams do not keep it.
     //   "IImageFile::put_SampleLimit: the limit must not be negative."
-    // What is larger fails before memory is taken for it, and the image stays as it was:
+    // A larger image fails before memory is allocated for it, and the image stays as it was:
     //   "IImageVPAEx::CreateFromFile: the image has 400000000 samples, more than the limit of 268435456."
     //   "IImageVPAEx::CreateFromFile: the image has 20000000 rows or columns, more than the limit of 16777216."
-    // The same with IPersistStreamInit::Load (E_FAIL).
+    // IPersistStreamInit::Load reports the same under its own name (E_FAIL).
     virtual HRESULT STDMETHODCALLTYPE get_SampleLimit(LONG* hVal) = 0;
 
     // The largest image that this object loads, in samples: width times height times bands.
-    // It holds for files (IImageVPAExPlus::CreateFromFile) and streams (IPersistStreamInitEx): a file of 50 kilobytes
-    // can hold an image of gigabytes. Initially 2^28 = 268,435,456: 16384 x 16384 grey pixels, in 256 MB for bytes,
-    // 512 for words, 1024 for doublewords and floats. While there is a limit, an image may not have more than 2^24 rows or columns
-    // either, for these take memory too. 0: no limits. Creations and loading leave it as it is; streams do not keep it.
+    // It applies to files (IImageVPAExPlus::CreateFromFile) and streams (IPersistStreamInitEx), because a file of
+    // 50 kilobytes can hold an image of gigabytes. Initially 2^28 = 268,435,456: 16384 x 16384 grey pixels, taking
+    // 256 MB as bytes, 512 as words, 1024 as doublewords or floats. With a limit, an image may also have no more
+    // than 2^24 rows or columns, because these take memory too. 0 means no limits. Creating or loading an image
+    // does not change the limit; streams do not keep it.
     //   "IImageFile::put_SampleLimit: the limit must not be negative."
-    // What is larger fails before memory is taken for it, and the image stays as it was:
+    // A larger image fails before memory is allocated for it, and the image stays as it was:
     //   "IImageVPAEx::CreateFromFile: the image has 400000000 samples, more than the limit of 268435456."
     //   "IImageVPAEx::CreateFromFile: the image has 20000000 rows or columns, more than the limit of 16777216."
-    // The same with IPersistStreamInit::Load (E_FAIL).
+    // IPersistStreamInit::Load reports the same under its own name (E_FAIL).
     virtual HRESULT STDMETHODCALLTYPE put_SampleLimit(LONG newVal) = 0;
 };
 DEFINE_GUID(IID_IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc);
@@ -490,43 +491,42 @@ DEFINE_GUID(IID_IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9
 __CRT_UUID_DECL(IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc)
 #endif
 
-// Texts and bytes that travel with the image under keywords. Streams keep all of them. PNG files keep the texts: as
-// many as the format can, which is those whose keyword has 1 to 79 Latin-1 characters, no leading, trailing or
-// double blanks. Only a stream brings other keywords, empty texts, or several entries of one keyword; putting
-// changes the first of them, and the entries keep their order. An index below 0 or beyond the last entry, in the
-// name of the method:
-// "IImageEntries::GetTextEntry: Index is out of range.". A keyword that PNG files could not keep:
-// "IImageEntries::PutTextEntry: invalid keyword.", and so PutBinaryEntry.
+// Texts and bytes that travel with the image under keywords. Streams keep all of them. PNG files keep the texts
+// whose keyword the format can hold: 1 to 79 Latin-1 characters without leading, trailing or double blanks. Other
+// keywords, empty texts and several entries of one keyword come from streams only; putting an entry changes the
+// first one of its keyword, and the entries keep their order. An index below 0 or beyond the last entry:
+// "IImageEntries::GetTextEntry: Index is out of range.", with the name of the method. A keyword that PNG files
+// cannot hold: "IImageEntries::PutTextEntry: invalid keyword.", and likewise from PutBinaryEntry.
 MIDL_INTERFACE("ea41b692-ea17-4aad-afe0-f80368ec9549") IImageEntries : public IUnknown {
-    // Number of the text entries.
+    // Number of text entries.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfTextEntries(LONG* hVal) = 0;
 
-    // Keyword and text of an entry; the strings are the caller's to free.
+    // Keyword and text of an entry; the caller frees the strings.
     virtual HRESULT STDMETHODCALLTYPE GetTextEntry(LONG Index, BSTR* Keyword, BSTR* Text) = 0;
 
-    // Makes or replaces the entry; a null or empty text removes all entries of the keyword.
+    // Adds or replaces an entry; a null or empty text removes all entries of the keyword.
     // A text under the keyword "Description" is the image's description and is not counted here.
     virtual HRESULT STDMETHODCALLTYPE PutTextEntry(BSTR Keyword, BSTR Text) = 0;
 
-    // Removes the entry.
+    // Removes a text entry.
     virtual HRESULT STDMETHODCALLTYPE RemoveTextEntry(LONG Index) = 0;
 
-    // Number of the binary entries.
+    // Number of binary entries.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfBinaryEntries(LONG* hVal) = 0;
 
-    // Keyword of an entry, and its number of bytes; the string is the caller's to free.
+    // Keyword of an entry and its number of bytes; the caller frees the string.
     virtual HRESULT STDMETHODCALLTYPE GetBinaryEntry(LONG Index, BSTR* Keyword, LONG* Size) = 0;
 
-    // Copies Size bytes of an entry from Offset on into the caller's memory.
+    // Copies Size bytes of an entry, starting at Offset, into the caller's memory.
     // Nothing is copied unless all of them exist: "IImageEntries::ReadBinaryEntry: the bytes are out of range."
     virtual HRESULT STDMETHODCALLTYPE ReadBinaryEntry(LONG Index, LONG Offset, LONG Size, unsigned char* Bytes) = 0;
 
-    // Makes the entry, of a copy of the bytes, or replaces it.
-    // No bytes are an entry too (Bytes may be null then). A negative number:
+    // Adds or replaces an entry with a copy of the bytes.
+    // An entry may be empty (Bytes may then be null). A negative size:
     // "IImageEntries::PutBinaryEntry: Size must not be negative."
     virtual HRESULT STDMETHODCALLTYPE PutBinaryEntry(BSTR Keyword, LONG Size, unsigned char* Bytes) = 0;
 
-    // Removes the entry.
+    // Removes a binary entry.
     virtual HRESULT STDMETHODCALLTYPE RemoveBinaryEntry(LONG Index) = 0;
 };
 DEFINE_GUID(IID_IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,0x68,0xec,0x95,0x49);
@@ -537,17 +537,17 @@ __CRT_UUID_DECL(IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,
 // Counts over [Left, Right]. Statistics are computed on bin indices and mapped to locations (the caller's units) at
 // the end: location = A bin + B. Notation below: n bins, c[i] counts, N their sum, p[i] = c[i] / N.
 //
-// Counts are whatever is written through Bins. N is a 64-bit sum, so bins that together hold more than 2^31 counts
-// are measured rightly; sums weighted with bins are exact. Negative counts follow the formulas as written; a
-// variance that would come out negative is 0. Results are the same bits on every platform.
+// Clients may write any counts through Bins. N is a 64-bit sum, so totals of more than 2^31 counts are measured
+// correctly; sums weighted by the bin index are exact. Negative counts follow the formulas as written; a variance
+// that would be negative is 0. Results have the same bits on every platform.
 MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnknown {
-    // Sizes the bins, all zero, and stores the range. Nothing is checked: zero or a negative number of bins makes a
-    // histogram without bins; Left may exceed Right. E_FAIL when memory is short, and for more than 2^24 bins: the
-    // old bins and range stay.
+    // Makes the bins, all zero, and stores the range. Nothing is checked: zero or a negative number of bins makes a
+    // histogram without bins; Left may exceed Right. E_FAIL without memory and for more than 2^24 bins; the old
+    // bins and range then stay.
     virtual HRESULT STDMETHODCALLTYPE Create(LONG NumberOfBins, double Left, double Right) = 0;
 
-    // Copies bins and range of any histogram. S_FALSE for the object itself. A failure of the source is returned as
-    // it is, without a text; E_FAIL when its bins are null or no readable memory. Nothing has changed then.
+    // Copies the bins and the range of any histogram. S_FALSE when it is this object. A failure of the source is
+    // passed on without a text; E_FAIL when its bins are null or not readable. Neither changes anything.
     virtual HRESULT STDMETHODCALLTYPE CreateFromHistogram(IHistogram* Histogram) = 0;
 
     // Sets all counts to 0.
@@ -556,30 +556,30 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
     // Number of bins.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfBins(LONG* hVal) = 0;
 
-    // Left end of the range, as it was put.
+    // Left end of the range, as it was set.
     virtual HRESULT STDMETHODCALLTYPE get_Left(double* hVal) = 0;
 
-    // Right end of the range, as it was put.
+    // Right end of the range, as it was set.
     virtual HRESULT STDMETHODCALLTYPE get_Right(double* hVal) = 0;
 
-    // The counts themselves, null without bins.
+    // The counts themselves; null without bins.
     // The caller may write them. Valid until the next Create or CreateFromHistogram.
     virtual HRESULT STDMETHODCALLTYPE get_Bins(LONG** hVal) = 0;
 
-    // Automatic thresholds. Outputs are 0.0 on entry (Left and Right of the histogram for AutoThresholdTrim) and
-    // keep that on failure unless stated. "<Method>: empty histogram" when N < 1, with a final full stop for the
-    // entropy, but not from AutoThresholdTrim and AutoThresholdSearchForMinimum.
+    // Automatic thresholds. Outputs are first set to 0.0 (AutoThresholdTrim: to Left and Right of the histogram)
+    // and keep that on failure unless stated otherwise. All but AutoThresholdTrim and AutoThresholdSearchForMinimum
+    // report "<Method>: empty histogram" when N < 1, the entropy with a final full stop.
 
     // Threshold of greatest variance between the classes (Otsu 1979).
-    // The classes are the bins 0..t and t+1..n-1, the threshold bin t belongs to the lower one. Only thresholds
-    // that leave each class the given probability are tried; the middle of a plateau of equal maxima, rounded down;
-    // bin 0 when there is no such threshold. The probabilities are not checked; NaN lets no threshold through.
+    // The classes are the bins 0..t and t+1..n-1: the threshold bin t belongs to the lower one. Only thresholds
+    // that leave each class the given probability are tried. Equal maxima in neighbouring bins give the middle one,
+    // rounded down; bin 0 when no threshold qualifies. The probabilities are not checked; NaN excludes every
+    // threshold.
     // "IHistogram::AutoThresholdMinimizeVariance: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdMinimizeVariance(double MinimumProbabilityLeft,
         double MinimumProbabilityRight, double* Threshold) = 0;
 
-    // The locations beyond which the given fractions of the counts lie; those of the outermost bins when there are
-    // none.
+    // The locations beyond which the given fractions of the counts lie; the outermost bins where there are none.
     //   "IHistogram::AutoThresholdTrim: the amount trimmed on the left must be between 0.0 and 1.0."
     //   "IHistogram::AutoThresholdTrim: the amount trimmed on the right must be between 0.0 and 1.0."
     //   "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0."
@@ -587,27 +587,28 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
         double* Right) = 0;
 
     // Threshold at the emptiest bin in the middle of the trimmed distribution.
-    // It is sought within 1.2 standard deviations about the centre. Texts of AutoThresholdTrim, and
-    //   "IHistogram::AutoThresholdSearchForMinimum: no counts in bins", which leaves the middle bin, as a bin index,
-    //   in the output
+    // The search covers 1.2 standard deviations on either side of the centre. Texts of AutoThresholdTrim, and
+    //   "IHistogram::AutoThresholdSearchForMinimum: no counts in bins"; the output is then the middle bin, as a bin
+    //   index
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdSearchForMinimum(double TrimLeft, double TrimRight,
         double* Threshold) = 0;
 
-    // Threshold of greatest probability of right classification under two normal distributions.
-    // Their moments are those of the two classes, corrected for truncation; the lowest of equal ones. S_FALSE and
-    // the location of bin 0 when no threshold scores above 0. The probabilities limit the thresholds to the bins at
-    // which the counts from either end still do not exceed that share of N; NaN limits as 0 does.
+    // Threshold of greatest probability of correct classification under two normal distributions.
+    // Their moments are those of the two classes, corrected for truncation. Of equal maxima the lowest is taken.
+    // S_FALSE and the location of bin 0 when no threshold scores above 0. Thresholds lie between the last bins at
+    // which the counts from either end do not exceed the given share of N; NaN acts as 0.
     // "IHistogram::AutoThresholdGaussianMixture: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdGaussianMixture(double MinimumProbabilityLeft,
         double MinimumProbabilityRight, double* Threshold) = 0;
 
     // Threshold of greatest sum of the entropies of the two classes (Kapur, Sahoo and Wong 1985).
-    // The threshold bin counts in both. The lowest of equal ones; bin 0 when no threshold leaves the given
-    // probabilities; NaN restricts nothing. "IHistogram::AutoThresholdMaximizeEntropy: empty histogram." for N = 0.
+    // The threshold bin counts in both. Of equal maxima the lowest is taken; bin 0 when no threshold leaves the
+    // given probabilities; NaN restricts nothing. "IHistogram::AutoThresholdMaximizeEntropy: empty histogram." for
+    // N = 0.
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdMaximizeEntropy(double MinimumProbabilityLeft,
         double MinimumProbabilityRight, double* Threshold) = 0;
 
-    // Threshold beyond which an exponential distribution leaves the fraction TrimRight.
+    // Threshold above which an exponential distribution has the fraction TrimRight.
     // The distribution has the histogram's mean, in bins from bin 0; the result is A (-ln(TrimRight) mean) + B.
     // TrimRight = 0 gives an infinite threshold.
     //   "IHistogram::AutoThresholdExponential: the amount trimmed on the right must be between 0.0 and 1.0."
@@ -615,16 +616,17 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
     //   "IHistogram::AutoThresholdExponential: No bins."
     virtual HRESULT STDMETHODCALLTYPE AutoThresholdExponential(double TrimRight, double* Threshold) = 0;
 
-    // Statistics. "IHistogram::get_<Name>: empty histogram" when N < 1, except Mode, Minimum, Maximum and
-    // MaximumCount. m2, m3 and m4 are central moments, divided by N.
+    // Statistics. All but Mode, Minimum, Maximum and MaximumCount report "IHistogram::get_<Name>: empty histogram"
+    // when N < 1. m2, m3 and m4 are central moments, divided by N.
 
     // Entropy of the counts in nats: -sum p ln p. 0.0 on failure.
     virtual HRESULT STDMETHODCALLTYPE get_Entropy(double* hVal) = 0;
 
-    // Skewness of the counts: m3 / m2^1.5, of bins. NaN when all counts lie in one bin; 0.0 on failure.
+    // Skewness of the counts: m3 / m2^1.5 of the bin indices. NaN when all counts lie in one bin; 0.0 on failure.
     virtual HRESULT STDMETHODCALLTYPE get_Skew(double* hVal) = 0;
 
-    // Excess kurtosis of the counts: m4 / m2^2 - 3, of bins. NaN when all counts lie in one bin; 0.0 on failure.
+    // Excess kurtosis of the counts: m4 / m2^2 - 3 of the bin indices. NaN when all counts lie in one bin; 0.0 on
+    // failure.
     virtual HRESULT STDMETHODCALLTYPE get_Kurtosis(double* hVal) = 0;
 
     // The largest count; 0 without bins.
@@ -633,73 +635,73 @@ MIDL_INTERFACE("398ff9d8-efff-4d4b-9b58-32a70913438c") IHistogram : public IUnkn
     // Mean location: A sum(i p[i]) + B. n / 2 on failure.
     virtual HRESULT STDMETHODCALLTYPE get_Mean(double* hVal) = 0;
 
-    // Location of the first bin where half the counts are reached. n / 2 on failure.
+    // Location of the first bin at which half the counts are reached. n / 2 on failure.
     virtual HRESULT STDMETHODCALLTYPE get_Median(double* hVal) = 0;
 
-    // Location of the lowest bin of the largest count.
+    // Location of the lowest bin with the largest count.
     virtual HRESULT STDMETHODCALLTYPE get_Mode(double* hVal) = 0;
 
     // Variance of the locations: A^2 sum(p (i - mean)^2). 0.0 on failure.
     virtual HRESULT STDMETHODCALLTYPE get_Variance(double* hVal) = 0;
 
-    // Location of the lowest bin with a count; of the last bin if none has.
+    // Location of the lowest bin with a count; of the last bin if there is none.
     virtual HRESULT STDMETHODCALLTYPE get_Minimum(double* hVal) = 0;
 
-    // Location of the highest bin with a count; of the first bin if none has.
+    // Location of the highest bin with a count; of the first bin if there is none.
     virtual HRESULT STDMETHODCALLTYPE get_Maximum(double* hVal) = 0;
 
     // Trimmed mean and winsorized standard deviation.
-    // Mean of the counts without the fraction Trim at each end (see Trim), and the winsorized standard deviation
-    // over (1 - 2 Trim): the bins outside the lowest and highest bin left are empty, and each of these two has the
-    // number trimmed from one end added to its own counts. Both outputs 0.0 first. With Trim of 0.5 or more, or
-    // NaN, or when trimming leaves no count, nothing is left to measure: both stay 0.0, S_FALSE.
+    // The mean leaves out the fraction Trim of the counts at each end (see Trim). The winsorized standard deviation
+    // is divided by (1 - 2 Trim): the bins outside the lowest and the highest bin left are empty, and each of these
+    // two gains the number of counts trimmed from one end. Both outputs are first set to 0.0. With Trim of 0.5 or
+    // more, or NaN, or when trimming leaves no count, both stay 0.0: S_FALSE.
     // "IHistogram::GetTrimmedStatistics: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE GetTrimmedStatistics(double Trim, double* Mean, double* StandardDeviation) = 0;
 
     // Median, and the median of the absolute deviations from it.
-    // The second is at least one bin when n > 1. On failure n / 2 and 0.0.
+    // The second is at least one bin when n > 1. On failure they are n / 2 and 0.0.
     // "IHistogram::GetMedianStatistics: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE GetMedianStatistics(double* Median, double* MedianAbsoluteDeviation) = 0;
 
     // The location of a bin index: A Bin + B.
-    // A range whose ends are whole numbers and hold just n values maps bin i to the value Left + i;
-    // any other range maps bin i to the centre of the i-th of n equal intervals. Without bins, and for one bin over
-    // one whole number: A = 1, B = 0. A range without width has A = 0, and LocationToBin is then infinite or NaN.
+    // If the ends of the range are whole numbers and it holds exactly n of them, bin i has the location Left + i;
+    // otherwise bin i has the centre of the i-th of n equal intervals. Without bins, and for one bin over one whole
+    // number: A = 1, B = 0. A range without width has A = 0, and LocationToBin is then infinite or NaN.
     virtual HRESULT STDMETHODCALLTYPE BinToLocation(double Bin, double* Location) = 0;
 
-    // The bin index, with its fraction, of a location.
+    // The bin index of a location, with its fraction.
     virtual HRESULT STDMETHODCALLTYPE LocationToBin(double dLocation, double* Bin) = 0;
 
     // The two coefficients of location = A Bin + B.
     virtual HRESULT STDMETHODCALLTYPE GetBinToLocationMapping(double* A, double* B) = 0;
 
     // Binomial smoothing with 3, 5, 7 or 9 weights, mirrored at the ends without repeating the end bin, rounded
-    // down. A histogram of fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
+    // down. A histogram with fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
     virtual HRESULT STDMETHODCALLTYPE Smooth3() = 0;
 
     // Binomial smoothing with 3, 5, 7 or 9 weights, mirrored at the ends without repeating the end bin, rounded
-    // down. A histogram of fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
+    // down. A histogram with fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
     virtual HRESULT STDMETHODCALLTYPE Smooth5() = 0;
 
     // Binomial smoothing with 3, 5, 7 or 9 weights, mirrored at the ends without repeating the end bin, rounded
-    // down. A histogram of fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
+    // down. A histogram with fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
     virtual HRESULT STDMETHODCALLTYPE Smooth7() = 0;
 
     // Binomial smoothing with 3, 5, 7 or 9 weights, mirrored at the ends without repeating the end bin, rounded
-    // down. A histogram of fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
+    // down. A histogram with fewer bins than the kernel's half width + 1 stays as it is: S_FALSE.
     virtual HRESULT STDMETHODCALLTYPE Smooth9() = 0;
 
     // Removes the fraction Trim of the counts from each end.
     // That is N Trim counts, rounded to the nearest whole number: bins are emptied until the counts so far exceed
-    // that number, and the last bin keeps the excess. 0.5 or more removes everything, NaN nothing; a negative
+    // that number, and the last of them keeps the excess. 0.5 or more removes everything, NaN nothing; a negative
     // fraction adds to the first and last bin, up to 2^31 - 1. "IHistogram::Trim: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE Trim(double Trim) = 0;
 
-    // Pyramid of pair averages (Haar) of the counts into the detail and smooth bins.
+    // Decomposes the counts into a pyramid of pair averages (Haar): the detail and smooth bins.
     // Both have n entries. A level of m values has its coefficients at h + j, h = (m + 1) / 2:
-    // smooth = (x[2j] + x[2j+1]) / 2 toward zero, detail = smooth - x[2j]; an odd last value passes on. The averages
-    // are the next level; entry 0 of both is the one that remains.
-    // The bins are null before the first Decompose and stay until the next, or until the number of bins changes.
+    // smooth = (x[2j] + x[2j+1]) / 2 toward zero, detail = smooth - x[2j]; an odd last value is passed on. The
+    // averages form the next level; entry 0 of both holds the last one. The bins are null before the first
+    // Decompose and stay until the next, or until the number of bins changes.
     virtual HRESULT STDMETHODCALLTYPE Decompose() = 0;
 
     // The detail bins of the last Decompose; null before, and when the number of bins has changed since.
@@ -713,8 +715,8 @@ DEFINE_GUID(IID_IHistogram, 0x398ff9d8, 0xefff, 0x4d4b, 0x9b,0x58, 0x32,0xa7,0x0
 __CRT_UUID_DECL(IHistogram, 0x398ff9d8, 0xefff, 0x4d4b, 0x9b,0x58, 0x32,0xa7,0x09,0x13,0x43,0x8c)
 #endif
 
-// One bit per pixel. Rows top-down, each of bmWidthBytes (even) bytes; pixel x is bit 0x80 >> (x mod 8) of byte x /
-// 8; 1 is foreground. Bits beyond the width hold anything.
+// One bit per pixel. Rows are stored top-down, each of bmWidthBytes (even) bytes; pixel x is bit 0x80 >> (x mod 8)
+// of byte x / 8; 1 is foreground. Bits beyond the width may have any value.
 MIDL_INTERFACE("ae6999a0-d64b-4593-9d8d-fa914cd4fa65") IBitmap : public IUnknown {
     // Number of columns.
     virtual HRESULT STDMETHODCALLTYPE get_Width(LONG* hVal) = 0;
@@ -723,60 +725,59 @@ MIDL_INTERFACE("ae6999a0-d64b-4593-9d8d-fa914cd4fa65") IBitmap : public IUnknown
     virtual HRESULT STDMETHODCALLTYPE get_Height(LONG* hVal) = 0;
 
     // Sets the size; the pixels stay, byte for byte, or are cleared.
-    // Bytes that existed keep their values under the new geometry, added bytes are 0; bZero != 0 clears all. Beside
-    // its bytes a bitmap takes a bit for each row.
+    // Existing bytes keep their values under the new geometry and added bytes are 0; bZero != 0 clears all. A
+    // bitmap also takes a bit for each row.
     // "CBITMAP::Create: width must be positive" / "CBITMAP::Create: height must be positive"
     virtual HRESULT STDMETHODCALLTYPE Create(LONG Width, LONG Height, LONG bZero) = 0;
 
     // Copies any bitmap, padding included.
-    // It is read through its record: the rows of another component may be longer or shorter than here. S_FALSE for
-    // the object itself. A source without pixels: the texts of Create. A record without bits, with bits that
-    // cannot be read, with other than one bit a pixel or with rows too short for its width: E_FAIL without a text.
+    // It is read through its record: another component's rows may be longer or shorter. S_FALSE when it is this
+    // object. A source without pixels gives the texts of Create. E_FAIL without a text for a record whose bits are
+    // null or not readable, that does not have one bit per pixel, or whose rows are too short for its width.
     virtual HRESULT STDMETHODCALLTYPE CreateFromBitmap(IBitmap* Bitmap) = 0;
 
-    // Clears all bits, those beyond the width included; marks no row as modified.
+    // Clears all bits, including those beyond the width; marks no row as modified.
     virtual HRESULT STDMETHODCALLTYPE Zero() = 0;
 
-    // Sets all bits, those beyond the width included; marks no row as modified.
+    // Sets all bits, including those beyond the width; marks no row as modified.
     virtual HRESULT STDMETHODCALLTYPE One() = 0;
 
-    // Draws a part of a row.
-    // That is the pixels Left..Right, clipped; S_FALSE when all lie outside.
+    // Draws part of a row: the pixels Left..Right, clipped.
+    // S_FALSE when all lie outside.
     // "IBitmapProcess::DrawHorizontalLine: left cannot be larger than right." (DISP_E_EXCEPTION)
     virtual HRESULT STDMETHODCALLTYPE DrawHorizontalLine(LONG Row, LONG Left, LONG Right, DrawType How) = 0;
 
-    // Draws a filled rectangle.
-    // Both ends included; S_FALSE when it misses the bitmap. With Left > Right and both inside nothing is drawn,
-    // and the text of DrawHorizontalLine is left in the error information although the result is S_OK; Top >
-    // Bottom: S_OK.
+    // Draws a filled rectangle, both ends included.
+    // S_FALSE when it misses the bitmap. With Left > Right and both inside, nothing is drawn and the result is
+    // S_OK, although the error information holds the text of DrawHorizontalLine; Top > Bottom: S_OK.
     virtual HRESULT STDMETHODCALLTYPE DrawRectangle(LONG Left, LONG Top, LONG Right, LONG Bottom, DrawType How) = 0;
 
     // Draws a filled disk.
-    // Pixel centres at most Radius from the centre; S_FALSE when it misses the bitmap or an argument is NaN. A
-    // negative radius draws nothing. Rows between the first and the last that hold no pixel centre leave the text
-    // of DrawHorizontalLine in the error information; the result is S_OK all the same.
+    // It covers the pixels whose centres lie at most Radius from the centre; S_FALSE when it misses the bitmap or
+    // an argument is NaN. A negative radius draws nothing. A row between the first and the last that holds no pixel
+    // centre leaves the text of DrawHorizontalLine in the error information, although the result is S_OK.
     virtual HRESULT STDMETHODCALLTYPE DrawDisk(double XCenter, double YCenter, double Radius, DrawType How) = 0;
 
-    // Draws a line of one pixel.
-    // Bresenham line between the end points, each floor(v + 0.5) and both included. Always S_OK, also when no pixel
-    // lies in the bitmap. End points beyond 32 bits are moved to the last 32-bit coordinate; NaN draws nothing.
+    // Draws a line one pixel wide.
+    // It is the Bresenham line between the end points, each floor(v + 0.5) and both included. Always S_OK, even
+    // when no pixel lies in the bitmap. Coordinates are clamped to 32 bits; NaN draws nothing.
     virtual HRESULT STDMETHODCALLTYPE DrawLine(double X1, double Y1, double X2, double Y2, DrawType How) = 0;
 
     // The record; bmBits points to the bitmap's own memory, valid until the next creation.
     virtual HRESULT STDMETHODCALLTYPE get_Bitmap(BITMAP* hVal) = 0;
 
     // The bytes of a row, for reading.
-    // Null first. "IBitmapProcess::GetRowPtr: row is out of bounds"
+    // First set to null. "IBitmapProcess::GetRowPtr: row is out of bounds"
     virtual HRESULT STDMETHODCALLTYPE GetRowPtr(LONG Row, unsigned char** hRow) = 0;
 
-    // The byte that holds a pixel, and its bit in it, for reading.
-    // Null and 0 first. "IBitmapProcess::GetPixelPtr: Y is out of bounds", then "... X is out of bounds"
+    // The byte that holds a pixel and the pixel's bit in it, for reading.
+    // First set to null and 0. "IBitmapProcess::GetPixelPtr: Y is out of bounds", then "... X is out of bounds"
     virtual HRESULT STDMETHODCALLTYPE GetPixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) = 0;
 
     // The value of a pixel: 1 or 0. S_FALSE and 0 outside.
     virtual HRESULT STDMETHODCALLTYPE get_Bit(LONG X, LONG Y, LONG* hVal) = 0;
 
-    // Sets a pixel (any value but 0) or clears it. Outside it fails with the texts of GetPixelPtr.
+    // Sets a pixel (any value but 0) or clears it (0). Outside the bitmap it fails with the texts of GetPixelPtr.
     virtual HRESULT STDMETHODCALLTYPE put_Bit(LONG X, LONG Y, LONG newVal) = 0;
 };
 DEFINE_GUID(IID_IBitmap, 0xae6999a0, 0xd64b, 0x4593, 0x9d,0x8d, 0xfa,0x91,0x4c,0xd4,0xfa,0x65);
@@ -786,10 +787,10 @@ __CRT_UUID_DECL(IBitmap, 0xae6999a0, 0xd64b, 0x4593, 0x9d,0x8d, 0xfa,0x91,0x4c,0
 
 // Write access to the rows of a bitmap.
 MIDL_INTERFACE("467413e9-0f32-4fe5-a3f4-da7a3a33cf7a") IBitmapProcess : public IBitmap {
-    // The bytes of a row, for writing: as GetRowPtr, and marks the row as modified.
+    // The bytes of a row, for writing: like GetRowPtr, but marks the row as modified.
     virtual HRESULT STDMETHODCALLTYPE GetWriteRowPtr(LONG Row, unsigned char** hRow) = 0;
 
-    // The byte that holds a pixel, for writing: as GetPixelPtr, and marks the row as modified.
+    // The byte that holds a pixel, for writing: like GetPixelPtr, but marks the row as modified.
     virtual HRESULT STDMETHODCALLTYPE GetWritePixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) = 0;
 };
 DEFINE_GUID(IID_IBitmapProcess, 0x467413e9, 0x0f32, 0x4fe5, 0xa3,0xf4, 0xda,0x7a,0x3a,0x33,0xcf,0x7a);
@@ -810,8 +811,8 @@ MIDL_INTERFACE("350245b0-5145-4cf4-998f-dfd8d4a5d8a5") IRegionOfInterest : publi
     virtual HRESULT STDMETHODCALLTYPE get_BoundingBox(RECT* hVal) = 0;
 
     // The runs of a row as the half-open array hBegin..hEnd, from left to right. A run may be empty (stop < start)
-    // or reach outside the image: the consumer skips and clips. Both null: no runs; S_FALSE for a row outside the
-    // image. Valid until the next call, creation or release.
+    // or reach outside the image: the consumer skips or clips it. Both are null when there are no runs; S_FALSE for
+    // a row outside the image. Valid until the next call, creation or release.
     virtual HRESULT STDMETHODCALLTYPE GetRowRuns(LONG Row, SRun** hBegin, SRun** hEnd) = 0;
 };
 DEFINE_GUID(IID_IRegionOfInterest, 0x350245b0, 0x5145, 0x4cf4, 0x99,0x8f, 0xdf,0xd8,0xd4,0xa5,0xd8,0xa5);
@@ -819,46 +820,46 @@ DEFINE_GUID(IID_IRegionOfInterest, 0x350245b0, 0x5145, 0x4cf4, 0x99,0x8f, 0xdf,0
 __CRT_UUID_DECL(IRegionOfInterest, 0x350245b0, 0x5145, 0x4cf4, 0x99,0x8f, 0xdf,0xd8,0xd4,0xa5,0xd8,0xa5)
 #endif
 
-// Rectangle, oriented rectangle or disk, and its inside, outside or one-pixel frame.
-// Each creation tests "<Method>: width must be positive." and "<Method>: height must be positive." first, which
-// change nothing; after any other reported failure the new size is stored, the shape has lost its pixels and the box
-// is the old one. Polarity, colour and description survive. A new region is empty: size 0, box (0, 0, -1, -1).
-// Arguments that are not numbers give a shape without pixels. Circles and oriented rectangles take 8 bytes for each
-// row of the image that they cover, and may cover 2^24 rows: "<Method>: the shape covers more than 16777216 rows."
+// A rectangle, oriented rectangle or disk: its inside, outside or one-pixel frame.
+// Each creation first tests "<Method>: width must be positive." and "<Method>: height must be positive."; these
+// failures change nothing. After any other reported failure the size is the new one, the shape has no pixels and
+// the box is the old one. Polarity, colour and description survive. A new region is empty: size 0, box (0, 0, -1,
+// -1). NaN arguments give a shape without pixels. Circles and oriented rectangles take 8 bytes for each image row
+// that they cover, and may cover at most 2^24 rows: "<Method>: the shape covers more than 16777216 rows."
 MIDL_INTERFACE("43459e62-5618-470b-968b-3211a82afcce") IShapeRegionOfInterest : public IRegionOfInterest {
-    // An upright rectangle.
-    // Both ends included. The box and the runs are clipped to the image, which turns those of a rectangle beside it
-    // round.
+    // An upright rectangle, both ends included.
+    // The box and the runs are clipped to the image; where the rectangle misses the image, that reverses their
+    // ends.
     //   "IShapeRegionOfInterest::CreateRectangle: left cannot be greater than right."
     //   "IShapeRegionOfInterest::CreateRectangle: top cannot be below bottom."
     virtual HRESULT STDMETHODCALLTYPE CreateRectangle(LONG ImageWidth, LONG ImageHeight, LONG lLeft, LONG lTop,
         LONG lRight, LONG lBottom) = 0;
 
-    // A rectangle in any direction, by its centre, size and angle.
-    // Centre, width along the direction RectangleOrientation (degrees, from +x towards +y), height across it.
+    // A rectangle in any direction, given by its centre, size and angle.
+    // The width runs along the direction RectangleOrientation (degrees, from +x towards +y), the height across it.
     virtual HRESULT STDMETHODCALLTYPE CreateOrientedRectangle(LONG ImageWidth, LONG ImageHeight, double RectangleWidth,
         double RectangleHeight, double RectangleOrientation, double RectangleXCenter, double RectangleYCenter) = 0;
 
-    // A rectangle in any direction, by its centre line and width.
-    // Pixel centres inside the rectangle about the centre line; a width below 1 gives the one-pixel line (that of
-    // IBitmap::DrawLine). Each row spans the outermost edges that it meets, sought from the ends of the image's row
-    // inwards: a rectangle beside the image, in rows of it, has one pixel a row at the near end.
-    // It reports as "IShapeRegionOfInterest::CreateOrientedRectangle: ...", also "no rectangle center line." for a
-    // centre line of no length (or not a number).
+    // A rectangle in any direction, given by its centre line and width.
+    // It holds the pixel centres inside the rectangle about the centre line; a width below 1 gives the one-pixel
+    // line of IBitmap::DrawLine. Each row spans the outermost edges that it meets, searched from the ends of the
+    // image row inwards: of a rectangle left or right of the image, each row has one pixel at the near end. It
+    // reports as "IShapeRegionOfInterest::CreateOrientedRectangle: ...", including "no rectangle center line." for
+    // a centre line without length (or NaN).
     virtual HRESULT STDMETHODCALLTYPE CreateOrientedRectangleFromCenterLine(LONG ImageWidth, LONG ImageHeight,
         double X1, double Y1, double X2, double Y2, double RectangleWidth) = 0;
 
     // A disk.
-    // Pixel centres at most Radius from the centre. The box is clipped to the image, the runs are not clipped to
-    // its columns. A row without a pixel centre has the run start = stop + 1.
+    // It holds the pixels whose centres lie at most Radius from the centre. The box is clipped to the image; the
+    // runs are not clipped to its columns. A row without a pixel centre has a run with start = stop + 1.
     virtual HRESULT STDMETHODCALLTYPE CreateCircle(LONG ImageWidth, LONG ImageHeight, double XCenter, double YCenter,
         double Radius) = 0;
 
     // Which side of the shape is the region.
-    // Inside: the shape's run in the rows of its box. Outside: what lies left and right of the run, two runs of
-    // which either may be empty, and the whole of the other rows; the box is the image. Frame: the whole run in the
-    // first and the last row of the box; between them its end pixels and all its pixels that the run above or the
-    // run below does not cover, two runs that may overlap.
+    // Inside: the shape's run in the rows of its box. Outside: what lies left and right of the run, as two runs of
+    // which either may be empty, and the other rows in full; the box is the image. Frame: the full run in the first
+    // and the last row of the box; in the rows between, its end pixels and all pixels that the run above or the run
+    // below does not cover, as two runs that may overlap.
     virtual HRESULT STDMETHODCALLTYPE get_Polarity(PolarityType* hVal) = 0;
 
     // Chooses which side of the shape is the region; get_Polarity says what each value means.
@@ -871,34 +872,34 @@ __CRT_UUID_DECL(IShapeRegionOfInterest, 0x43459e62, 0x5618, 0x470b, 0x96,0x8b, 0
 
 // An image as it is shown: its display levels in the colours of its colour table (see IDisplayProcess), on a
 // surface. Rules for the methods that render:
-//  (1) hdcDest is a handle to a device context (HDC), of a display, of memory, of a metafile or of an enhanced
-//      metafile, or the address of such a handle. "IPictureEx::Render: invalid HDC" otherwise. It is left with the
-//      settings that it had. Off Windows, where there are no device contexts, these methods answer E_NOTIMPL;
-//      IPictureMemory draws everywhere.
+//  (1) hdcDest is a handle to a device context (HDC) of a display, memory, a metafile or an enhanced metafile, or
+//      the address of such a handle; otherwise "IPictureEx::Render: invalid HDC". Its settings are restored
+//      afterwards. Off Windows, where there are no device contexts, these methods answer E_NOTIMPL; IPictureMemory
+//      draws everywhere.
 //  (2) DestX, DestY, DestWidth, DestHeight are logical coordinates of the context; the destination is the device
-//      rectangle between (DestX, DestY) and (DestX + DestWidth, DestY + DestHeight). Where its width or its height
-//      is negative the picture is mirrored. A destination without area: S_FALSE, nothing is drawn and nothing
-//      changes. A metafile keeps its mapping mode; all others are drawn on in device coordinates, with no
-//      transformation.
+//      rectangle between (DestX, DestY) and (DestX + DestWidth, DestY + DestHeight). A negative width or height
+//      mirrors the picture. A destination without area: S_FALSE, nothing is drawn and nothing changes. A metafile
+//      keeps its mapping mode; in all other contexts drawing uses device coordinates, without a transformation.
 //  (3) Both maps and DestRect are set before anything is drawn, in device coordinates, and keep their values when
 //      the drawing fails. Pixel centres lie at whole numbers in the image and pixel edges at whole numbers on the
 //      surface.
-//  (4) What of the destination the picture leaves free is filled with Surround.
-//  (5) Pixels are chosen (nearest neighbour) where the picture and the bitmap of the context both have 8 bits a
-//      pixel, else averaged and interpolated as the system does it (HALFTONE).
+//  (4) Parts of the destination that the picture leaves free are filled with Surround.
+//  (5) Pixels are chosen (nearest neighbour) where the picture and the context's bitmap both have 8 bits per pixel,
+//      otherwise averaged and interpolated by the system (HALFTONE).
 //  (6) While a client is connected to IPictureExEvents, a display is drawn on through a bitmap in memory, so that
-//      the picture and what the client draws over it appear at once: "IPictureEx::Render: unable to BitBlt". A
-//      printer is drawn on directly, and so is a display for which the system makes no such bitmap.
+//      the picture and what the client draws over it appear together; failure:
+//      "IPictureEx::Render: unable to BitBlt". Printers, and displays for which the system makes no such bitmap,
+//      are drawn on directly.
 //  (7) "IPictureEx::Render: unable to retrieve bitmap information." (RenderBlt and RenderStretch under their own
-//      names), then "IPictureEx::Render: No image." for an image without pixels. S_FALSE when the system does not draw
-//      the bitmap.
+//      names), then "IPictureEx::Render: No image." for an image without pixels. S_FALSE when the system does not
+//      draw the bitmap.
 MIDL_INTERFACE("fa5a4954-fb40-44c5-9c5b-60410843d9ce") IPictureEx : public IUnknown {
     // The map from the surface to pixels, the inverse of PixelToDestCoords.
     virtual HRESULT STDMETHODCALLTYPE get_DestToPixelCoords(TCoordinateMap* hVal) = 0;
 
     // The map from pixels to the surface, as the last rendering left it; identity before.
-    // x' = OrgX + A11 x + A12 y, y' = OrgY + A21 x + A22 y. With the source rectangle (sx, sy, sw, sh) shown on the
-    // rectangle (fx, fy, fw, fh): A11 = fw / sw, OrgX = fx - (sx - 0.5) A11, y likewise.
+    // x' = OrgX + A11 x + A12 y, y' = OrgY + A21 x + A22 y. When the source rectangle (sx, sy, sw, sh) is shown on
+    // the rectangle (fx, fy, fw, fh), A11 = fw / sw and OrgX = fx - (sx - 0.5) A11; y likewise.
     virtual HRESULT STDMETHODCALLTYPE get_PixelToDestCoords(TCoordinateMap* hVal) = 0;
 
     // Width of the image in pixels, 0 without one.
@@ -908,68 +909,66 @@ MIDL_INTERFACE("fa5a4954-fb40-44c5-9c5b-60410843d9ce") IPictureEx : public IUnkn
     virtual HRESULT STDMETHODCALLTYPE get_Height(LONG* hVal) = 0;
 
     // The device rectangle that the picture filled when it was last rendered, without the surround.
-    // Right and bottom are not part of it, and lie before left and top where it is mirrored. Zeros before the first
-    // rendering.
+    // Right and bottom are exclusive, and lie before left and top where the picture is mirrored. Zeros before the
+    // first rendering.
     virtual HRESULT STDMETHODCALLTYPE get_DestRect(RECT* hVal) = 0;
 
-    // Colour beside the picture, 0x00BBGGRR, initially 0 (black). The high byte is kept and not used.
+    // Colour around the picture, 0x00BBGGRR, initially 0 (black). The high byte is kept but not used.
     virtual HRESULT STDMETHODCALLTYPE get_Surround(OLE_COLOR* hVal) = 0;
 
-    // Colour beside the picture, 0x00BBGGRR, initially 0 (black). The high byte is kept and not used.
+    // Colour around the picture, 0x00BBGGRR, initially 0 (black). The high byte is kept but not used.
     virtual HRESULT STDMETHODCALLTYPE put_Surround(OLE_COLOR newVal) = 0;
 
-    // Draws the zoomed part of the image as large as fits, in the middle of the destination.
-    // The zoomed part (see IPictureExZoom; without zoom the whole image) keeps its aspect. Where the destination is
-    // relatively taller or wider than that part, the part first grows by rows or columns at both of its sides, as
-    // far as the image reaches. The shorter side is rounded half up, and the same number of pixels is left free at
-    // both sides of it.
+    // Draws the zoomed part of the image as large as possible, centred in the destination.
+    // The zoomed part (see IPictureExZoom; without zoom the whole image) keeps its aspect ratio. If the destination
+    // is relatively taller or wider than that part, the part first grows by rows or columns on both sides, as far
+    // as the image reaches. The shorter side is rounded half up, with equal margins on both sides.
     virtual HRESULT STDMETHODCALLTYPE Render(void* hdcDest, LONG DestX, LONG DestY, LONG DestWidth,
         LONG DestHeight) = 0;
 
-    // Draws as Render does, but the picture begins at (DestX, DestY).
+    // Draws like Render, but the picture begins at (DestX, DestY).
     // Texts of Render.
     virtual HRESULT STDMETHODCALLTYPE RenderTopLeft(void* hdcDest, LONG DestX, LONG DestY, LONG DestWidth,
         LONG DestHeight) = 0;
 
     // Draws the image with one device pixel for each of its pixels, whatever the zoom.
     // (SourceX, SourceY) lies in the first column and row of the destination. Parts of the destination beyond the
-    // image are surround; when it shows nothing of the image all of it is, S_FALSE, and the maps and DestRect stay.
-    // Texts of Render but for rule 7, and
+    // image are surround. A destination that shows nothing of the image is all surround: S_FALSE, and the maps and
+    // DestRect stay. Texts of Render except for rule 7, and
     //   "IPictureEx::RenderBlt: unable to retrieve bitmap information."
     virtual HRESULT STDMETHODCALLTYPE RenderBlt(void* hdcDest, LONG DestX, LONG DestY, LONG DestWidth, LONG DestHeight,
         LONG SourceX, LONG SourceY) = 0;
 
     // Draws a rectangle of the image so that it fills the destination, whatever the zoom.
-    // The aspect is that of the destination. Texts of Render but for rule 7, and
+    // The aspect ratio is that of the destination. Texts of Render except for rule 7, and
     //   "IPictureEx::RenderStretch: unable to retrieve bitmap information."
     //   "IPictureEx::RenderStretch: the source rectangle must lie on the image." (also when it is empty)
     virtual HRESULT STDMETHODCALLTYPE RenderStretch(void* hdcDest, LONG DestX, LONG DestY, LONG DestWidth,
         LONG DestHeight, LONG SourceX, LONG SourceY, LONG SourceWidth, LONG SourceHeight) = 0;
 
     // A new bitmap (HBITMAP) of the whole image in the format of a device context.
-    // It has a pixel for each pixel of the image, in the colours shown. Rule 1 does not apply to the context: null
-    // stands for the screen. The caller deletes the bitmap (DeleteObject); *hVal is null after a failure. Off
-    // Windows E_NOTIMPL.
+    // It has one pixel for each pixel of the image, in the colours shown. Rule 1 does not apply to the context:
+    // null stands for the screen. The caller deletes the bitmap (DeleteObject); *hVal is null after a failure. Off
+    // Windows: E_NOTIMPL.
     // "IPictureEx::CreateHBITMAP: No image."
     virtual HRESULT STDMETHODCALLTYPE CreateHBITMAP(void* hdc, void** hVal) = 0;
 
-    // A new bitmap (HBITMAP) of the whole image whose pixels are in memory.
-    // As CreateHBITMAP, but bottom-up with 8 bits and the colour table, or with 32 bits where three bands are
+    // A new bitmap (HBITMAP) of the whole image, with its pixels in memory.
+    // Like CreateHBITMAP, but bottom-up with 8 bits and the colour table, or with 32 bits where three bands are
     // shown. *Bits is the address of its pixels, which live as long as the bitmap.
     // "IPictureEx::CreateDIBSection: No image."
     virtual HRESULT STDMETHODCALLTYPE CreateDIBSection(void** Bits, void** hVal) = 0;
 
-    // Makes the client's memory the image, one band of 8 or 16 bits a pixel.
-    // Layout, rules and texts are those of IImageVPAExPlus::AttachBuffer with DT_BYTE or DT_WORD and without
-    // clearing.
+    // Uses the client's memory as the image: one band of 8 or 16 bits per pixel.
+    // Layout, rules and texts are those of IImageVPAExPlus::AttachBuffer with DT_BYTE or DT_WORD, without clearing.
     //   "IPictureEx::AttachBuffer: the picture must have 8 or 16 bits per pixel."
     virtual HRESULT STDMETHODCALLTYPE AttachBuffer(void* pBuffer, LONG Width, LONG Height, LONG BitsPerPixel) = 0;
 
     // What lies under a device pixel: point of the image, value and colour.
-    // For a display beside the pointer: the point of the image under the centre of the device pixel,
-    // DestToPixelCoords of (DestX + 0.5, DestY + 0.5); the value of the nearest pixel in the band to display (of
-    // band 0 where all are shown); and the colour, 0x00BBGGRR, that shows it. S_FALSE with Value and Color 0 when
-    // the nearest pixel is not on the image, and X and Y as they are.
+    // For showing values at the pointer. X and Y are the point of the image under the centre of the device pixel,
+    // DestToPixelCoords of (DestX + 0.5, DestY + 0.5). Value is that of the nearest pixel in the band to display
+    // (in band 0 when all are shown), Color the colour that shows it, 0x00BBGGRR. When the nearest pixel is not on
+    // the image: S_FALSE, Value and Color are 0, and X and Y are set all the same.
     virtual HRESULT STDMETHODCALLTYPE GetPixelInfo(LONG DestX, LONG DestY, double* X, double* Y, double* Value,
         OLE_COLOR* Color) = 0;
 };
@@ -990,18 +989,18 @@ typedef struct SPictureMemory {
     LONG m_lScaling;
 } SPictureMemory;
 
-// The rendering methods of IPictureEx on the client's memory, on every system and with the same pixels on each.
-// Rectangles, maps, DestRect, results and texts are those of the method of the same name there, rule 1 and the
-// failures of the system apart; the coordinates are pixels of the memory, and what lies outside it is not drawn.
-// Other pixels of the memory stay, and the high byte of those that are drawn is 0. Clients that are connected to
-// IPictureExEvents are not called: who asks for this draws over its memory itself. Every channel of a smooth pixel
-// is (sum of wy wx p + 2^23) / 2^24, rounded down, with weights that are multiples of 2^-12 along either axis; a
-// nearest one is source pixel floor((2 i + 1) s / (2 n)) of s for pixel i of n. At the size of the source both are
-// the same.
-//   E_POINTER for a null Memory or m_pPixels. "IPictureMemory: the memory has no pixels." (m_lWidth or m_lHeight
-//   below 1)
+// The rendering methods of IPictureEx for the client's memory, with the same pixels on every system.
+// Rectangles, maps, DestRect, results and texts are those of the IPictureEx method of the same name, except for
+// rule 1 and failures of the system. Coordinates are pixels of the memory, and nothing is drawn outside it. Pixels
+// that are not drawn stay; those that are drawn have a high byte of 0. Clients connected to IPictureExEvents are
+// not called: the caller draws overlays into the memory itself. Every channel of a smooth pixel is
+// (sum of wy wx p + 2^23) / 2^24, rounded down, with integer weights in units of 2^-12 along either axis; for the
+// nearest pixel, pixel i of n shows source pixel floor((2 i + 1) s / (2 n)) of s. At the size of the source both
+// are the same. Tested in this order, before anything else:
+//   E_POINTER for a null Memory or m_pPixels
+//   "IPictureMemory: the memory has no pixels." (m_lWidth or m_lHeight below 1)
 //   "IPictureMemory: the stride is shorter than a row."
-//   "IPictureMemory: no such scaling." They are tested in this order, before anything else.
+//   "IPictureMemory: no such scaling."
 MIDL_INTERFACE("bed32293-5360-4620-9c09-efc3d5923cc4") IPictureMemory : public IUnknown {
     // IPictureEx::Render on the client's memory.
     virtual HRESULT STDMETHODCALLTYPE RenderToMemory(SPictureMemory* Memory, LONG DestX, LONG DestY, LONG DestWidth,
@@ -1024,15 +1023,15 @@ DEFINE_GUID(IID_IPictureMemory, 0xbed32293, 0x5360, 0x4620, 0x9c,0x09, 0xef,0xc3
 __CRT_UUID_DECL(IPictureMemory, 0xbed32293, 0x5360, 0x4620, 0x9c,0x09, 0xef,0xc3,0xd5,0x92,0x3c,0xc4)
 #endif
 
-// A picture that is zoomed and panned: a magnification and the point of the image that is to appear in the middle.
-// A new image size resets both. Rules:
-//  (1) Render and RenderTopLeft begin with the pixels trunc(ZoomCenterX -+ Width / (2 z) + 0.5), both included, z
-//      the zoom factor or 1 if that is more, and rows likewise; moved into the image where they stick out. A factor
-//      of 1.0 shows the whole image.
-//  (2) Points on the surface are mapped by DestToPixelCoords, so they belong to what was rendered last.
-//  (3) All methods but the three puts return S_OK. They change factor and centre as the puts do: what a put would
-//      refuse leaves the old value, without a text, and the method goes on. PanLeft at the left edge of the image
-//      does nothing.
+// A picture with zoom and pan: a magnification, and the point of the image that appears in the middle. A new image
+// size resets both. Rules:
+//  (1) Render and RenderTopLeft start from the columns trunc(ZoomCenterX -+ Width / (2 z) + 0.5), both included,
+//      where z is the larger of the zoom factor and 1, and from the rows likewise. A part that sticks out is moved
+//      into the image. A factor of 1.0 shows the whole image.
+//  (2) Points on the surface are mapped by DestToPixelCoords, so they refer to the last rendering.
+//  (3) All methods but the three puts return S_OK. They change the factor and the centre as the puts do; a value
+//      that a put would refuse leaves the old one, without a text, and the method goes on. PanLeft at the left edge
+//      of the image does nothing.
 MIDL_INTERFACE("814cd6d8-6d66-4e3e-8455-a534a65f1b2e") IPictureExZoom : public IPictureEx {
     // The magnification; 1 shows the whole image.
     // Stored unchanged. "IPictureZoom: zoom factor must be positive." (0, below, NaN)
@@ -1043,44 +1042,40 @@ MIDL_INTERFACE("814cd6d8-6d66-4e3e-8455-a534a65f1b2e") IPictureExZoom : public I
     virtual HRESULT STDMETHODCALLTYPE put_ZoomFactor(double newVal) = 0;
 
     // Column of the image that appears in the middle.
-    // With r = trunc(newVal + 0.5), 0 < r < Width is accepted, and newVal itself is stored; so the first column is
-    // refused:
+    // Stored unchanged if 0 < trunc(newVal + 0.5) < Width, which excludes the first column:
     // "IPictureZoom::put_ZoomCenterX: x zoom center must be on the image."
     virtual HRESULT STDMETHODCALLTYPE get_ZoomCenterX(double* hVal) = 0;
 
     // Column of the image that appears in the middle.
-    // With r = trunc(newVal + 0.5), 0 < r < Width is accepted, and newVal itself is stored; so the first column is
-    // refused:
+    // Stored unchanged if 0 < trunc(newVal + 0.5) < Width, which excludes the first column:
     // "IPictureZoom::put_ZoomCenterX: x zoom center must be on the image."
     virtual HRESULT STDMETHODCALLTYPE put_ZoomCenterX(double newVal) = 0;
 
     // Row of the image that appears in the middle.
-    // With r = trunc(newVal + 0.5), 0 < r < Height is accepted, and newVal itself is stored; so the first row is
-    // refused:
+    // Stored unchanged if 0 < trunc(newVal + 0.5) < Height, which excludes the first row:
     // "IPictureZoom::put_ZoomCenterY: y zoom center must be on the image."
     virtual HRESULT STDMETHODCALLTYPE get_ZoomCenterY(double* hVal) = 0;
 
     // Row of the image that appears in the middle.
-    // With r = trunc(newVal + 0.5), 0 < r < Height is accepted, and newVal itself is stored; so the first row is
-    // refused:
+    // Stored unchanged if 0 < trunc(newVal + 0.5) < Height, which excludes the first row:
     // "IPictureZoom::put_ZoomCenterY: y zoom center must be on the image."
     virtual HRESULT STDMETHODCALLTYPE put_ZoomCenterY(double newVal) = 0;
 
     // Shows the whole image.
-    // The factor becomes 1, the centre Width / 2 and Height / 2 in whole numbers, whatever the puts would say of
-    // them.
+    // The factor becomes 1 and the centre Width / 2 and Height / 2 in integer division, even where the puts would
+    // refuse it.
     virtual HRESULT STDMETHODCALLTYPE ResetZoom() = 0;
 
-    // Centres a point of the surface and zooms in, as ZoomIn.
+    // Centres a point of the surface and zooms in, like ZoomIn.
     virtual HRESULT STDMETHODCALLTYPE ZoomInFromPoint(LONG DestX, LONG DestY) = 0;
 
-    // Centres a point of the surface and zooms out, as ZoomOut.
+    // Centres a point of the surface and zooms out, like ZoomOut.
     virtual HRESULT STDMETHODCALLTYPE ZoomOutFromPoint(LONG DestX, LONG DestY) = 0;
 
     // Centres a rectangle of the surface and takes the zoom factor from its size.
-    // The middle of the rectangle, from (x1, y1) to (x2, y2) in pixels, becomes the centre, and the smaller of
-    // (x2 - x1 + 1) / Width and (y2 - y1 + 1) / Height the factor: the share of the image that is selected, not its
-    // reciprocal. A rectangle that is drawn to the left or upwards leaves the factor.
+    // In pixels the rectangle reaches from (x1, y1) to (x2, y2). Its middle becomes the centre, and the smaller of
+    // (x2 - x1 + 1) / Width and (y2 - y1 + 1) / Height becomes the factor: the share of the image that is selected,
+    // not its reciprocal. A rectangle drawn to the left or upwards does not change the factor.
     virtual HRESULT STDMETHODCALLTYPE ZoomFromRectangle(LONG DestX, LONG DestY, LONG DestWidth, LONG DestHeight) = 0;
 
     // Multiplies the zoom factor by 1.25, without limit.
@@ -1090,26 +1085,26 @@ MIDL_INTERFACE("814cd6d8-6d66-4e3e-8455-a534a65f1b2e") IPictureExZoom : public I
     virtual HRESULT STDMETHODCALLTYPE ZoomOut() = 0;
 
     // Moves the view to the left, right, top or bottom by one device pixel.
-    // By one image pixel where that is more, from the centre or from the middle of DestRect, whichever lies further
-    // to that side.
+    // By one image pixel where that is more. The move starts from the centre or from the middle of DestRect,
+    // whichever lies further to that side.
     virtual HRESULT STDMETHODCALLTYPE PanLeft() = 0;
 
     // Moves the view to the left, right, top or bottom by one device pixel.
-    // By one image pixel where that is more, from the centre or from the middle of DestRect, whichever lies further
-    // to that side.
+    // By one image pixel where that is more. The move starts from the centre or from the middle of DestRect,
+    // whichever lies further to that side.
     virtual HRESULT STDMETHODCALLTYPE PanRight() = 0;
 
     // Moves the view to the left, right, top or bottom by one device pixel.
-    // By one image pixel where that is more, from the centre or from the middle of DestRect, whichever lies further
-    // to that side.
+    // By one image pixel where that is more. The move starts from the centre or from the middle of DestRect,
+    // whichever lies further to that side.
     virtual HRESULT STDMETHODCALLTYPE ScrollUp() = 0;
 
     // Moves the view to the left, right, top or bottom by one device pixel.
-    // By one image pixel where that is more, from the centre or from the middle of DestRect, whichever lies further
-    // to that side.
+    // By one image pixel where that is more. The move starts from the centre or from the middle of DestRect,
+    // whichever lies further to that side.
     virtual HRESULT STDMETHODCALLTYPE ScrollDown() = 0;
 
-    // Moves the image as a pointer goes that drags it from the first point to the second.
+    // Moves the image as if a pointer dragged it from the first point to the second.
     virtual HRESULT STDMETHODCALLTYPE PanScrollFromPoints(LONG FirstDestX, LONG FirstDestY, LONG SecondDestX,
         LONG SecondDestY) = 0;
 };
@@ -1118,8 +1113,8 @@ DEFINE_GUID(IID_IPictureExZoom, 0x814cd6d8, 0x6d66, 0x4e3e, 0x84,0x55, 0xa5,0x34
 __CRT_UUID_DECL(IPictureExZoom, 0x814cd6d8, 0x6d66, 0x4e3e, 0x84,0x55, 0xa5,0x34,0xa6,0x5f,0x1b,0x2e)
 #endif
 
-// The size and the zoom for scripts: IPictureExZoom's properties of the same names, with its rules and texts. A
-// dispatch interface only, as all that scripts are given here; compiled clients use IPictureExZoom.
+// Size and zoom for scripts: IPictureExZoom's properties of the same names, with its rules and texts. Like
+// everything for scripts it is a dispatch interface only; compiled clients use IPictureExZoom.
 MIDL_INTERFACE("9bff7f4e-10dc-47a1-989c-b53cba2fba6b") IPictureExZoomDisp : public IDispatch {
 };
 DEFINE_GUID(DIID_IPictureExZoomDisp, 0x9bff7f4e, 0x10dc, 0x47a1, 0x98,0x9c, 0xb5,0x3c,0xba,0x2f,0xba,0x6b);
@@ -1127,12 +1122,12 @@ DEFINE_GUID(DIID_IPictureExZoomDisp, 0x9bff7f4e, 0x10dc, 0x47a1, 0x98,0x9c, 0xb5
 __CRT_UUID_DECL(IPictureExZoomDisp, 0x9bff7f4e, 0x10dc, 0x47a1, 0x98,0x9c, 0xb5,0x3c,0xba,0x2f,0xba,0x6b)
 #endif
 
-// What a picture tells those who are connected to it.
+// Events that a picture raises for connected clients.
 MIDL_INTERFACE("13264fd2-890c-4d65-a9c1-e6a23afe1887") IPictureExEvents : public IUnknown {
     // The picture has been drawn: the moment to draw overlays.
-    // Its maps and DestRect are those of this drawing, in the coordinates of hdcDest, a device
-    // context (HDC) to draw overlays on: of memory, where a display is drawn through memory, else the client's own.
-    // SourceType tells which kind the client gave. The result is not used.
+    // Its maps and DestRect are those of this drawing, in the coordinates of hdcDest. Overlays are drawn on
+    // hdcDest, a device context (HDC): of memory where a display is drawn through memory, otherwise the client's
+    // own. SourceType tells which kind the client gave. The result is ignored.
     virtual HRESULT STDMETHODCALLTYPE OnRender(IPictureEx* Picture, void* hdcDest, RenderSourceType SourceType) = 0;
 };
 DEFINE_GUID(IID_IPictureExEvents, 0x13264fd2, 0x890c, 0x4d65, 0xa9,0xc1, 0xe6,0xa2,0x3a,0xfe,0x18,0x87);
@@ -1143,9 +1138,9 @@ __CRT_UUID_DECL(IPictureExEvents, 0x13264fd2, 0x890c, 0x4d65, 0xa9,0xc1, 0xe6,0x
 // Something that can be drawn over an image.
 MIDL_INTERFACE("44f6c88f-d9b8-4f31-bd5b-0856e14c42ce") IGraphicOverlay : public IUnknown {
     // Draws into the device context (HDC) through the view of the picture.
-    // A shape region fills each run, as GetRowRuns hands them out, of the rows of its shape (whatever its polarity)
-    // with its colour: the rectangle from (m_lStart - 0.5, row - 0.5) to (m_lStop + 0.5, row + 0.5) of the image,
-    // its corners mapped by PixelToDestCoords and rounded half up, so that neighbours join without gap or overlap.
+    // A shape region fills, in its colour, each run that GetRowRuns returns for the rows of its shape (whatever its
+    // polarity): the rectangle from (m_lStart - 0.5, row - 0.5) to (m_lStop + 0.5, row + 0.5) of the image, its
+    // corners mapped by PixelToDestCoords and rounded half up, so that neighbours join without gap or overlap.
     // E_FAIL when the picture fails. Off Windows, where there are no device contexts: E_NOTIMPL.
     virtual HRESULT STDMETHODCALLTYPE Render(IPictureEx* Picture, void* hdcDest) = 0;
 
@@ -1155,12 +1150,10 @@ MIDL_INTERFACE("44f6c88f-d9b8-4f31-bd5b-0856e14c42ce") IGraphicOverlay : public 
     // Colour of the overlay, 0x00BBGGRR, initially 0x0000FF00 (green).
     virtual HRESULT STDMETHODCALLTYPE put_Color(OLE_COLOR newVal) = 0;
 
-    // Anything the client likes to keep with the overlay; null when nothing is set. The string is the caller's to
-    // free.
+    // Any text that the client keeps with the overlay; null when none is set. The caller frees the string.
     virtual HRESULT STDMETHODCALLTYPE get_Description(BSTR* hVal) = 0;
 
-    // Anything the client likes to keep with the overlay; null when nothing is set. The string is the caller's to
-    // free.
+    // Any text that the client keeps with the overlay; null when none is set. The caller frees the string.
     virtual HRESULT STDMETHODCALLTYPE put_Description(BSTR newVal) = 0;
 };
 DEFINE_GUID(IID_IGraphicOverlay, 0x44f6c88f, 0xd9b8, 0x4f31, 0xbd,0x5b, 0x08,0x56,0xe1,0x4c,0x42,0xce);
@@ -1180,7 +1173,7 @@ MIDL_INTERFACE("b1f2d7fc-2986-467e-9a0e-82189c1ac2ba") IImageProcessBase : publi
     // "IImageProcess::put_BandToProcess: invalid band to process"
     virtual HRESULT STDMETHODCALLTYPE put_BandToProcess(LONG newVal) = 0;
 
-    // The region of interest, a new reference; null stands for the whole image.
+    // The region of interest, as a new reference; null stands for the whole image.
     virtual HRESULT STDMETHODCALLTYPE get_RegionOfInterest(IRegionOfInterest** hVal) = 0;
 
     // Sets the region of interest; null stands for the whole image.
@@ -1188,36 +1181,36 @@ MIDL_INTERFACE("b1f2d7fc-2986-467e-9a0e-82189c1ac2ba") IImageProcessBase : publi
     virtual HRESULT STDMETHODCALLTYPE put_RegionOfInterest(IRegionOfInterest* newVal) = 0;
 
     // The luminance range: the grey values that are counted, and to which results are clamped.
-    // Initially the full range of the pixel type. For float images that is all finite floats, so that nothing is
-    // clamped: put or snap a range before asking such an image for a histogram.
+    // Initially the full range of the pixel type. For float images that is all finite floats, so nothing is
+    // clamped: put or snap a range before asking a float image for a histogram.
     virtual HRESULT STDMETHODCALLTYPE GetLuminanceRange(double* Lower, double* Upper) = 0;
 
     // Number of bins of the histogram and of entries of the table.
-    // 256 for 8-bit images, always. Initially 256 for the others, settable: the number of equal intervals that the
-    // histogram divides the luminance range into. When a 16- or 32-bit range holds at least two values and
-    // no more than that, the histogram has one bin for each value instead.
+    // Always 256 for 8-bit images. For other types initially 256 and settable: the number of equal intervals into
+    // which the histogram divides the luminance range. When a 16- or 32-bit range holds at least two values and no
+    // more than this number, the histogram has one bin for each value instead.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfBins(LONG* hVal) = 0;
 
-    // A new bitmap of the pixels within two levels, or of those outside them.
+    // A new bitmap of the pixels between two levels, or of those outside them.
     // It has the image's size. Lower is clamped to the type's range and rounded up, Upper clamped and rounded down
-    // (float images: both as they are). A pixel of the region is set when Lower <= p <= Upper, with bInside = 0
+    // (float images: both as they are). A pixel of the region is set when Lower <= p <= Upper, or with bInside = 0
     // when p < Lower or p > Upper; a NaN pixel is never set. Bits outside the region are clear.
     //   "IImageProcess::Threshold: multiband thresholding is not supported."
     //   "IImageProcess::Threshold: Lower cannot be larger than Upper." (also when a bound is NaN)
     virtual HRESULT STDMETHODCALLTYPE Threshold(double Lower, double Upper, LONG bInside, IBitmap** hVal) = 0;
 
     // A new histogram of the region in the bands to process.
-    // 8 bits: 256 bins over [0, 255], counts outside the luminance range left out. Others: NumberOfBins over the
-    // luminance range [Lower, Upper]: bin floor((p - Lower) n / (Upper - Lower)), p = Upper in the last; pixels
-    // outside the range, NaN pixels, and everything when Lower > Upper, left out. A count saturates at 2^31 - 1.
+    // 8-bit images: 256 bins over [0, 255], without the pixels outside the luminance range. Other types:
+    // NumberOfBins over the luminance range [Lower, Upper]; a pixel counts in bin
+    // floor((p - Lower) n / (Upper - Lower)), p = Upper in the last. Pixels outside the range and NaN pixels are
+    // left out, and all pixels when Lower > Upper. A count saturates at 2^31 - 1.
     virtual HRESULT STDMETHODCALLTYPE get_Histogram(IHistogram** hVal) = 0;
 
     // Count, centroid, average and standard deviation of the pixels of the region.
-    // The deviation is that over N. The centroid is the mean
-    // position weighted with the grey value and needs both flags; 0 where not computed. Sums are exact for integer
-    // pixels; for float pixels they are taken in double. A NaN pixel makes the centroid, the average and the standard
-    // deviation NaN; an infinite one the centroid and the standard deviation, and the average infinite (NaN where both
-    // signs occur).
+    // The standard deviation is that over N. The centroid is the mean position weighted by the grey value and needs
+    // both flags; 0 where not computed. Sums are exact for integer pixels and in double for float pixels. A NaN
+    // pixel makes the centroid, the average and the standard deviation NaN. An infinite pixel makes the centroid
+    // and the standard deviation NaN and the average infinite (NaN where both signs occur).
     // "IImageProcessBase::get_GrayMeasurements: multiband measurement is not supported."
     virtual HRESULT STDMETHODCALLTYPE get_GrayMeasurements(GrayExtractMeasurementType Desired,
         SGrayMeasurements* Measure) = 0;
@@ -1228,27 +1221,28 @@ __CRT_UUID_DECL(IImageProcessBase, 0xb1f2d7fc, 0x2986, 0x467e, 0x9a,0x0e, 0x82,0
 #endif
 
 // Point operations, operations with a second image (Source), and neighbourhood filters.
-// Those with a Source write this image from one of the same pixel type, unless stated: region, band and luminance
-// range are this image's. Source bands and this image's bands to process must be equally
-// many. "IImageProcess::<Method>: data type mismatch." / "... mismatch in the number of bands to process."
-// "IImageProcess::<Method>: no source image." for one without pixels.
+// Methods with a Source write this image from a source of the same pixel type, unless stated otherwise; region,
+// band and luminance range are those of this image. Both images must have the same number of bands to process.
+// "IImageProcess::<Method>: data type mismatch." / "... mismatch in the number of bands to process." A source
+// without pixels: "IImageProcess::<Method>: no source image."
 MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public IImageProcessBase {
     // Sets the number of bins, at least 2; 8-bit images have 256.
-    // Any number is taken, but making a histogram or a table of more than 2^24 fails with E_FAIL, as without memory.
+    // Any number is accepted, but making a histogram or a table of more than 2^24 gives E_FAIL, as without memory.
     // "IImageProcess::put_NumberOfBins: number of bins cannot be changed from 256 for byte images."
     // "IImageProcess::put_NumberOfBins: there must be more than one bin."
     virtual HRESULT STDMETHODCALLTYPE put_NumberOfBins(LONG newVal) = 0;
 
-    // Sets the luminance range, as the pixel type holds it.
-    // Truncates toward zero and keeps the low-order bits, without a check (12.9: 12; 256: 0 for bytes). NaN,
-    // infinities and values of 2^63 or more give 0. Float images take the nearest float. Lower may exceed Upper: a
-    // clamp to the range then tests Lower first.
+    // Sets the luminance range, converted to the pixel type.
+    // Truncates toward zero and keeps the low-order bits, without a check (12.9 becomes 12; for bytes 256 becomes
+    // 0). NaN, infinities and values of 2^63 or more give 0. Float images take the nearest float. Lower may exceed
+    // Upper; clamping to the range tests Lower first.
     virtual HRESULT STDMETHODCALLTYPE PutLuminanceRange(double Lower, double Upper) = 0;
 
-    // Makes the luminance range what the pixels of the region take up.
-    // It becomes the smallest and largest value, NaN left out, or, where a trim is not 0, the limit that
-    // AutoThresholdTrim finds, truncated (not for float images). RoundOut != 0 restores the full range of 8-bit images
-    // and has no effect on others. S_FALSE for a region without pixels. Texts of IHistogram::AutoThresholdTrim.
+    // Sets the luminance range to what the pixels of the region span.
+    // That is the smallest and the largest value, without NaN, or, where a trim is not 0, the limit that
+    // AutoThresholdTrim finds, truncated (not for float images). RoundOut != 0 restores the full range of 8-bit
+    // images and has no effect on others. S_FALSE for a region without pixels. Texts of
+    // IHistogram::AutoThresholdTrim.
     virtual HRESULT STDMETHODCALLTYPE SnapLuminanceRange(double TrimLower, double TrimUpper, LONG RoundOut) = 0;
 
     // Not built yet: E_NOTIMPL.
@@ -1259,10 +1253,10 @@ MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public II
 
     // An entry of the look-up table that LUT applies.
     // The table has NumberOfBins pixel values (256 for bytes). A pixel p within the luminance range becomes the
-    // entry of the bin in which get_Histogram counts it; others (and NaN) stay. For bytes that is entry p, whatever
-    // the luminance range. With as many bins as the range has values a 16-bit image is mapped value by value. The
-    // table initially holds the locations of the bins (0 to 255 for bytes), and does so again when the number of
-    // bins changes.
+    // entry of the bin in which get_Histogram counts it; other pixels, and NaN, stay. For bytes that is entry p,
+    // whatever the luminance range. With as many bins as the range has values, a 16-bit image is mapped value by
+    // value. The table initially holds the locations of the bins (0 to 255 for bytes); changing the number of bins
+    // restores that.
     // "IImageProcess::get_Table: Entry is out of range."
     virtual HRESULT STDMETHODCALLTYPE get_Table(LONG Entry, double* hVal) = 0;
 
@@ -1271,12 +1265,13 @@ MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public II
     virtual HRESULT STDMETHODCALLTYPE put_Table(LONG Entry, double newVal) = 0;
 
     // Fills the look-up table so that LUT spreads the levels evenly.
-    // It takes the histogram over the luminance range: entry i = Lower + (Upper - Lower) C[i] / T, or with
-    // the root of C[i] / T for ET_UpperTriangular; C cumulative counts, T their total. Other types change nothing.
+    // It uses the histogram over the luminance range: entry i = Lower + (Upper - Lower) C[i] / T, or with the
+    // square root of C[i] / T for ET_UpperTriangular, where C are the cumulative counts and T is their total. Other
+    // types change nothing.
     // "IImageProcess::EqualizeTable: empty histogram"
     virtual HRESULT STDMETHODCALLTYPE EqualizeTable(EqualizationType Type) = 0;
 
-    // Replaces each pixel within the luminance range by its entry of the look-up table, see get_Table.
+    // Replaces each pixel within the luminance range by its entry in the look-up table, see get_Table.
     virtual HRESULT STDMETHODCALLTYPE LUT() = 0;
 
     // Inverts the grey values: p becomes Upper - p + Lower, clamped to the luminance range.
@@ -1289,14 +1284,14 @@ MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public II
     virtual HRESULT STDMETHODCALLTYPE ScalarEquals(double Value) = 0;
 
     // Divides the pixels by a number, clamped to the type and rounded.
-    // When ln(Value) / ln(2) is a whole number k, an integer pixel is shifted
-    // right by k, by k modulo 32 for a negative k (so 0.5 gives p >> 31); values that have no logarithm (negative,
-    // NaN) take the division. Float images always divide.
+    // When ln(Value) / ln(2) is a whole number k, integer pixels are shifted right by k, or by k modulo 32 for a
+    // negative k (so 0.5 gives p >> 31); values without a logarithm (negative, NaN) divide. Float images always
+    // divide.
     // "IImageProcess::ScalarDivideEquals: cannot divide by zero."
     virtual HRESULT STDMETHODCALLTYPE ScalarDivideEquals(double Value) = 0;
 
     // Adds a number to the pixels, clamped to the luminance range.
-    // Sums within it are rounded, not for float images. NaN gives Lower.
+    // Sums within the range are rounded, except in float images. NaN gives Lower.
     virtual HRESULT STDMETHODCALLTYPE ScalarPlusEquals(double Value) = 0;
 
     // Sets the pixels to those of a source of another type: this = cast(Source).
@@ -1305,43 +1300,45 @@ MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public II
     virtual HRESULT STDMETHODCALLTYPE CastEquals(IImageVPA* Source, LONG SourceBandToProcess) = 0;
 
     // Adds the pixels of a source of any type: this += cast(Source), see CastEquals.
-    // The sum is that of the pixel type's own arithmetic. "IImageProcess::PlusEquals: unsupported DataType."
+    // The sum follows the pixel type's own arithmetic. "IImageProcess::PlusEquals: unsupported DataType."
     virtual HRESULT STDMETHODCALLTYPE PlusEquals(IImageVPA* Source, LONG SourceBandToProcess) = 0;
 
-    // Neighbourhood filters, the eight methods that follow. Pixel (x, y) of the region, in each band to process,
-    // comes from the source around (x, y), with the neighbours of E named
+    // Neighbourhood filters: the following eight methods. Pixel (x, y) of the region, in each band to process, is
+    // computed from the source around (x, y), which is E among its neighbours:
     //     A B C
     //     D E F
     //     G H I
-    //   Border: the source is read through its table (IImageVPA::VPA), whose margin mirrors an image of this library
-    //     without repeating the edge. Pixels whose neighbourhood leaves the table (indices -200 .. size + 199) stay as
-    //     they are.
-    //   Source: of any size. When it lies in the memory of this image, itself above all, the result is that of a copy.
-    //   Clamp: below Lower of this image's luminance range gives Lower, otherwise above Upper gives Upper.
+    //   Border: the source is read through its table (IImageVPA::VPA). Images of this library mirror their pixels
+    //     there, without repeating the edge. Pixels whose neighbourhood leaves the table (indices
+    //     -200 .. size + 199) stay as they are.
+    //   Source: of any size. If it shares memory with this image, above all when it is this image, the result is
+    //     that of a copy.
+    //   Clamp: results below Lower of this image's luminance range become Lower, others above Upper become Upper.
     //   Failures leave all pixels as they were: "IImageProcess::<Method>: data type mismatch." and
-    //     "IImageProcess::<Method>: mismatch in the number of bands to process."; a band that the source does not have
-    //     as the source reports it.
-    //   Rounding of the five linear ones: 8 and 16 bits compute with integers and truncate the quotient toward zero.
-    //     32 bits compute in double, where the sums are exact, and take floor(v + 0.5) of the quotient. Float images
-    //     compute in single precision: columns before rows, opposite neighbours first, and
-    //     E + (4 E - (B + D + F + H)) / 2 and E + (4 E - (B + D + F + H)) for sharpening, so that a flat image comes
-    //     out as it is (Laplacian: 0). Sums beyond the largest float are infinite. NaN among the weighted pixels, and
-    //     infinities that cancel, give a quiet NaN, which is not clamped.
+    //     "IImageProcess::<Method>: mismatch in the number of bands to process."; a band that the source does not
+    //     have fails as the source reports it.
+    //   Rounding of the five linear filters: 8- and 16-bit images compute with integers and truncate the quotient
+    //     toward zero. 32-bit images compute in double, where the sums are exact, and take floor(v + 0.5) of the
+    //     quotient. Float images compute in single precision, columns before rows and opposite neighbours first;
+    //     sharpening takes E + (4 E - (B + D + F + H)) / 2 and E + (4 E - (B + D + F + H)), so that a flat image
+    //     comes out unchanged (Laplacian: 0). Sums beyond the largest float are infinite. NaN among the weighted
+    //     pixels, and infinities that cancel, give a quiet NaN, which is not clamped.
 
     // Magnitude of the gradient: sqrt(gx^2 + gy^2) of the Sobel operator.
     // gx = (C + 2 F + I) - (A + 2 D + G), gy = (G + 2 H + I) - (A + 2 B + C), clamped to the luminance range.
-    //   8 bits: a root by tables of the low 16 bits v of the sum, so sums of 65536 and more wrap (gx = 256, gy = 0
-    //     gives 0). v below 256: root of v; below 4096: of the middle of a bucket of 16 (16 floor(v / 16) + 8); else
-    //     of a bucket of 256 (256 floor(v / 256) + 128). Rounded to nearest; 255 from 65280 on.
+    //   8 bits: the root comes from tables of the low 16 bits v of the sum, so sums of 65536 and more wrap
+    //     (gx = 256, gy = 0 gives 0). v below 256: the root of v; below 4096: that of the middle of a bucket of 16
+    //     (16 floor(v / 16) + 8); else that of a bucket of 256 (256 floor(v / 256) + 128). Rounded to nearest; 255
+    //     from 65280 on.
     //   16 bits: the same tables for sums below 65536, buckets of 65536 (+ 32768) below 2^24 and of 2^24 (+ 2^23)
-    //     from there: coarse where a table begins (256 to 362 all give 314, 4096 to 5792 all give 5017). 65535 from
-    //     2^32 on, no wrap.
+    //     from there. They are coarse where a table begins (magnitudes from 256 to 362 all give 314, from 4096 to
+    //     5792 all give 5017). 65535 from sums of 2^32 on, without a wrap.
     //   32 bits: floor(sqrt + 0.5) in double. Float: single precision; gradients beyond 1.8e19 are infinite; NaN,
     //     and infinities that cancel, give a quiet NaN, which is not clamped.
     virtual HRESULT STDMETHODCALLTYPE Sobel(IImageVPA* Source, LONG SourceBandToProcess) = 0;
 
     // Laplace operator on nine points: ((A + C + G + I) + 4 (B + D + F + H) - 20 E) / 6.
-    // The leading error of it is the same in all directions.
+    // Its leading error is the same in all directions.
     virtual HRESULT STDMETHODCALLTYPE Laplacian(IImageVPA* Source, LONG SourceBandToProcess) = 0;
 
     // Sharpens: (6 E - (B + D + F + H)) / 2, half the strength of SharpenMedium.
@@ -1360,14 +1357,14 @@ MIDL_INTERFACE("8421327c-dc10-459f-b986-f9f9f9af5fa1") IImageProcess : public II
     // In the square of side 2 HalfSize + 1 around p = E, mx is the largest of Lower and the pixels, mn the smallest
     // of Upper and the pixels; p becomes mx when p - mn >= mx - p, else mn. A negative HalfSize makes the square
     // empty (mx = Lower, mn = Upper). The time hardly depends on HalfSize (van Herk 1992); beyond 200, pixels near
-    // the borders stay as they are. Float: the differences are rounded to single precision; NaN is left out of mx
-    // and mn, as a limit too, and a NaN pixel stays a quiet NaN; zeros lose their sign.
+    // the borders stay as they are. Float: differences are rounded to single precision; NaN pixels and NaN limits
+    // are left out of mx and mn; a NaN pixel stays a quiet NaN; zeros lose their sign.
     virtual HRESULT STDMETHODCALLTYPE ExtremumSharpening(LONG HalfSize, IImageVPA* Source,
         LONG SourceBandToProcess) = 0;
 
     // Median of the nine pixels A..I, the fifth smallest; not clamped.
-    // Float: NaN sorts beyond the infinity of its sign and -0 before 0, so fewer than five NaN of one sign give a
-    // number.
+    // Float: NaN sorts beyond the infinity of its sign and -0 before 0, so with fewer than five NaN of one sign the
+    // median is a number.
     virtual HRESULT STDMETHODCALLTYPE Median3x3(IImageVPA* Source, LONG SourceBandToProcess) = 0;
 };
 DEFINE_GUID(IID_IImageProcess, 0x8421327c, 0xdc10, 0x459f, 0xb9,0x86, 0xf9,0xf9,0xf9,0xaf,0x5f,0xa1);
@@ -1379,51 +1376,53 @@ __CRT_UUID_DECL(IImageProcess, 0x8421327c, 0xdc10, 0x459f, 0xb9,0x86, 0xf9,0xf9,
 // x is the column and y the row in this image, neither centred nor scaled.
 //
 // get_PlanarFit, get_BiquadraticFit, get_BicubicFit: least squares. m_dAverage is the mean of the pixels used, the
-// other fields the coefficients; m_lSize is not written. Of integer pixels all sums of pixels are exact, and the
-// normal equations are solved with twice the digits of double: coefficients are rounded once, at the end, and whole
-// coefficients of exact data come back exactly. Float pixels: sums in double.
+// other fields are the coefficients; m_lSize is not written. For integer pixels all sums of pixels are exact, and
+// the normal equations are solved with twice the digits of double: coefficients are rounded once, at the end, and
+// exact data with whole coefficients give exactly these. For float pixels sums are in double.
 //   A region without pixels: S_FALSE, and the record stays as it was.
-//   Fewer pixels than coefficients: of the surfaces that fit best the one with the least sum of squared
-//   coefficients in x and y as they are, computed without rounding and rounded once.
-//   As many or more that do not determine the surface (one row, a line): of the surfaces that fit best the one with
-//   the least sum of squared coefficients in u = (2x - left - right) / w, v = (2y - top - bottom) / h, where
-//   left..right, top..bottom are the columns and rows of the region and w, h the powers of two at or above right -
-//   left and bottom - top, at least 1. So the plane of one row has no slope in y. Singular values of the normal
-//   matrix in u and v count as zero at or below 1e-12 of the largest.
+//   Fewer pixels than coefficients: of the surfaces that fit best, the one with the least sum of squared
+//     coefficients in x and y, computed without rounding and rounded once.
+//   As many pixels or more that do not determine the surface (one row, a line): of the surfaces that fit best, the
+//     one with the least sum of squared coefficients in u = (2x - left - right) / w and v = (2y - top - bottom) /
+//     h. left..right and top..bottom are the columns and rows of the region, and w and h the powers of two at or
+//     above right - left and bottom - top, at least 1. So the plane of one row has no slope in y. Singular values
+//     of the normal matrix in u and v count as zero at or below 1e-12 of the largest.
 //   "IOrlixImageProcess::get_PlanarFit: multiband measurement is not supported."
 //   "IOrlixImageProcess::get_PlanarFit: not all pixels are finite." (float images)
-//   The same with get_BiquadraticFit and get_BicubicFit. After a failure the record is as it was.
+//   Likewise get_BiquadraticFit and get_BicubicFit. A failure leaves the record as it was.
 //
 // CorrectPlanar, CorrectBiquadratic, CorrectBicubic: each pixel p of the region, in every band to process, becomes
-// v = p - f(x, y) + m_dAverage, in double; below Lower of the luminance range it becomes Lower, above Upper Upper,
-// else floor(v + 0.5), for float images v itself. NaN pixels stay NaN. The record need not stem from a fit, and is
-// read only.
+// v = p - f(x, y) + m_dAverage, computed in double: Lower of the luminance range if v is below it, else Upper if v
+// is above it, else floor(v + 0.5), for float images v itself. NaN pixels stay NaN. The record need not come from a
+// fit, and is not written.
 //   "IOrlixImageProcess::CorrectPlanar: the surface is not finite." when a field is NaN or infinite; nothing is
-//   written. The same with CorrectBiquadratic and CorrectBicubic.
+//     written. Likewise CorrectBiquadratic and CorrectBicubic.
 //
-// Least squares by normal equations: C. F. Gauss, 1809; on the choice of the shortest solution: R. Penrose, 1956.
+// Least squares by normal equations: C. F. Gauss, 1809; choice of the shortest solution: R. Penrose, 1956.
 //
-// Robust fits take the probability P that a pixel belongs to the surface, 0 < P <= 1, and with p = min(P, 0.99), n
-// pixels and k pixels that determine the surface (3, 6 and 10 for the plane, the biquadratic and the bicubic
-// surface, 5 and 7 for the hemisphere and the tilted one) do this (least trimmed squares, Rousseeuw 1984):
-//   - A trial draws k pixels at random, trunc(u n) in run order, lays the surface through them and scores it: the
+// Robust fits (least trimmed squares, Rousseeuw 1984) take the probability P, 0 < P <= 1, that a pixel belongs to
+// the surface. Below, p = min(P, 0.99), n is the number of pixels and k the number of pixels that determine the
+// surface (3, 6 and 10 for the plane, the biquadratic and the bicubic surface, 5 and 7 for the hemisphere and the
+// tilted one):
+//   - A trial draws k pixels at random, trunc(u n) in run order, passes the surface through them and scores it: the
 //     sum of the K = trunc(n p) smallest squared residuals f(x, y) - z, formed in double and compared as if summed
 //     exactly.
-//   - The best score wins; the search ends after N = ceil(25 / p^k) trials in a row that were not better, at once
-//     at a score of 0 (none is better; among others for K = 0), and in any case when the call has formed 2^35
-//     residuals, each trial counting as 2^15 more, but not before 200 trials: half a minute. A trial far from the
-//     best forms few, so that cuts N only for small P, or where most pixels of a huge image are not of the surface.
-//   - The random numbers start anew with every call, so the same pixels give the same record, on every system and
+//   - The best score wins. The search ends after N = ceil(25 / p^k) trials in a row that were not better, and at
+//     once at a score of 0, which none can beat (K = 0 gives it too). It also ends, though not before 200 trials,
+//     when the call has formed 2^35 residuals, each trial counting as 2^15 more (half a minute). A trial far from
+//     the best forms few residuals, so this cuts N only for small P, or where most pixels of a huge image are not
+//     of the surface.
+//   - The random numbers start again with every call, so the same pixels give the same record, on every system and
 //     processor. Pixels drawn twice or on a line give the polynomial with the least coefficients among those
 //     through them, and no hemisphere.
-// Pixels that are NaN or infinite count as bad ones and are left out of m_dAverage, else the mean of all pixels.
-// S_FALSE, and the record stays as it was: fewer than k pixels, or no trial with a finite score. For every surface,
-// before anything is written:
-//   "IOrlixImageProcess::get_RobustPlanarFit: good pixel probability must be larger than 0.0 and no larger than 1.0"
-//   (NaN too)
-//   "IOrlixImageProcess::get_RobustPlanarFit: multiband planar fit is not supported." (biquadratic, bicubic,
-//   hemisphere, angled hemisphere)
-// RobustCorrect... is that fit, with its texts and results, and then the correction with its record.
+// NaN and infinite pixels count as bad ones and are left out of m_dAverage, which is otherwise the mean of all
+// pixels. With fewer than k pixels, or without a trial of finite score: S_FALSE, and the record stays as it was.
+// For every surface, before anything is written:
+// "IOrlixImageProcess::get_RobustPlanarFit: good pixel probability must be larger than 0.0 and no larger than 1.0"
+// (NaN too)
+// "IOrlixImageProcess::get_RobustPlanarFit: multiband planar fit is not supported." (biquadratic, bicubic,
+// hemisphere, angled hemisphere)
+// RobustCorrect... does that fit, with its texts and results, and then the correction with its record.
 MIDL_INTERFACE("d1babae8-ed51-4f06-ab58-27db44ec519a") IOrlixImageProcess : public IImageProcess {
     // Robust fit of a plane (least trimmed squares), see the interface.
     virtual HRESULT STDMETHODCALLTYPE get_RobustPlanarFit(double GoodPixelProbability, SPlanarFit* Fit) = 0;
@@ -1468,20 +1467,20 @@ MIDL_INTERFACE("d1babae8-ed51-4f06-ab58-27db44ec519a") IOrlixImageProcess : publ
     // (x - m_dXCenter)^2 + (y - m_dYCenter)^2 + m_dZScale^2 (z - m_dZCenter)^2 = m_dRadius^2, lengths in pixels;
     // |m_dZScale| is the length of a grey level in pixels. m_dZScale is positive where m_dAverage lies above
     // m_dZCenter (the surface is the upper half: a dome), negative where it lies below (a bowl), 0 where they are
-    // equal. An algebraic fit: of all a0 (x^2 + y^2) + a1 z^2 + a2 x + a3 y + a4 z + a5 with a0 a1 = 1 the one with
-    // the least sum of squares (Bookstein 1979). It is biased where noise is not small against the depth of the
-    // cap; docs/accuracy.md says how much, and the tilted fit below is not. S_FALSE, and the record stays as it
-    // was, where the pixels determine no hemisphere: fewer than five, all on a plane, in one row, of two values
-    // only.
+    // equal. Of all a0 (x^2 + y^2) + a1 z^2 + a2 x + a3 y + a4 z + a5 with a0 a1 = 1, the fit is the one with the
+    // least sum of squares (Bookstein 1979). It is biased where noise is not small against the depth of the cap;
+    // docs/accuracy.md says how much, and the tilted fit below is not biased. S_FALSE, and the record stays as it
+    // was, where the pixels do not determine a hemisphere: fewer than five, all on a plane, in one row, or of two
+    // values only.
     //   "IImageProcess::get_HemisphereFit: multiband measurement is not supported."
     //   "IImageProcess::get_HemisphereFit: not all pixels are finite."
     virtual HRESULT STDMETHODCALLTYPE get_HemisphereFit(SHemisphereFit* Fit) = 0;
 
     // Subtracts a hemisphere from the pixels and adds its m_dAverage.
-    // p - f(x, y) + m_dAverage, below the luminance range Lower, above it Upper, else rounded half up (not for
-    // float images), f = m_dZCenter + sqrt(m_dRadius^2 - (x - m_dXCenter)^2 - (y - m_dYCenter)^2) / m_dZScale;
-    // outside the circle of the radius the root is 0, and with m_dZScale 0 f is m_dZCenter.
-    //   "IOrlixImageProcess::CorrectHemisphere: the surface is not finite." (a number of the record)
+    // A pixel p becomes p - f(x, y) + m_dAverage, clamped to the luminance range and rounded half up (not in float
+    // images). f = m_dZCenter + sqrt(m_dRadius^2 - (x - m_dXCenter)^2 - (y - m_dYCenter)^2) / m_dZScale; outside
+    // the circle of the radius the root is 0, and with m_dZScale = 0 f is m_dZCenter.
+    //   "IOrlixImageProcess::CorrectHemisphere: the surface is not finite." (a field of the record)
     virtual HRESULT STDMETHODCALLTYPE CorrectHemisphere(SHemisphereFit* Fit) = 0;
 
     // get_RobustHemisphereFit, and CorrectHemisphere with its record.
@@ -1492,23 +1491,23 @@ MIDL_INTERFACE("d1babae8-ed51-4f06-ab58-27db44ec519a") IOrlixImageProcess : publ
         SAngledHemisphereFit* Fit) = 0;
 
     // Fit of a hemisphere on a base that is not level, by least squares in z.
-    // f as for CorrectHemisphere plus
-    // (tan(m_dAlpha) (x - m_dXCenter) + tan(m_dBeta) (y - m_dYCenter)) / |m_dZScale|. m_dAlpha and m_dBeta, in
-    // radians between -pi/2 and pi/2, are the angles by which the base rises along x and y, true angles where
-    // |m_dZScale| is the true length of a grey level in pixels. (A rotation would not show: a sphere that is turned
-    // is the same.) Least sum of squares of f(x, y) - z: the smallest that damped Gauss-Newton steps (Levenberg 1944,
-    // Marquardt 1963) reach from HemisphereFit, from a cap whose rim lies outside the region, and from the best of
-    // some whose rim lies in it. That is the least one for level and tilted caps in rectangles and circles, but
-    // where the rim touches the region's outermost pixels it can be another minimum: see docs/accuracy.md. A radius
-    // is told by the fourth order only: where noise hides that, radii are arbitrary and may be thousands of times
-    // the region's width, though f fits. A tilt and a shift of the centre look alike on a flat cap, so there both
-    // are uncertain, though f is not. S_FALSE, and the record stays as it was, for fewer than seven pixels and
-    // where the pixels determine no hemisphere: all on a plane, in one row, of two values only.
+    // f is that of CorrectHemisphere plus (tan(m_dAlpha) (x - m_dXCenter) + tan(m_dBeta) (y - m_dYCenter)) /
+    // |m_dZScale|. m_dAlpha and m_dBeta, in radians between -pi/2 and pi/2, are the angles by which the base rises
+    // along x and y; they are true angles where |m_dZScale| is the true length of a grey level in pixels. (A
+    // rotation would not show: a rotated sphere is the same sphere.) The fit has the least sum of squares of
+    // f(x, y) - z that damped Gauss-Newton steps (Levenberg 1944, Marquardt 1963) reach from HemisphereFit, from a
+    // cap whose rim lies outside the region, and from the best of some whose rim lies in it. That is the least sum
+    // for level and tilted caps in rectangles and circles, but where the rim touches the region's outermost pixels
+    // it can be another minimum: see docs/accuracy.md. Only the terms of fourth order tell the radius: where noise
+    // hides them, radii are arbitrary and may be thousands of times the region's width, though f fits. On a flat
+    // cap a tilt and a shift of the centre look alike, so both are uncertain there, though f is not. S_FALSE, and
+    // the record stays as it was, for fewer than seven pixels and where the pixels do not determine a hemisphere:
+    // all on a plane, in one row, or of two values only.
     //   "IOrlixImageProcess::get_AngledHemisphereFit: multiband measurement is not supported."
     //   "IOrlixImageProcess::get_AngledHemisphereFit: not all pixels are finite."
     virtual HRESULT STDMETHODCALLTYPE get_AngledHemisphereFit(SAngledHemisphereFit* Fit) = 0;
 
-    // Subtracts a tilted hemisphere from the pixels and adds its m_dAverage, as CorrectHemisphere.
+    // Subtracts a tilted hemisphere from the pixels and adds its m_dAverage, like CorrectHemisphere.
     // "IOrlixImageProcess::CorrectAngledHemisphere: the surface is not finite."
     virtual HRESULT STDMETHODCALLTYPE CorrectAngledHemisphere(SAngledHemisphereFit* Fit) = 0;
 
@@ -1521,34 +1520,34 @@ __CRT_UUID_DECL(IOrlixImageProcess, 0xd1babae8, 0xed51, 0x4f06, 0xab,0x58, 0x27,
 #endif
 
 // Vertices in the client's order, and the closed outline through them.
-// x is the column and y the row, pixel centres lie at whole numbers, and an edge joins the last vertex with the
-// first. Either way round. A new polygon has no vertices. n is their number, vertex n is vertex 0 again, and the
-// distance of two points is the root of the squares of the differences, right to the last bit or the one beside it,
-// infinite beyond the largest double. Outputs are set to 0 on entry. Vertices may be anything: where they are no
-// finite numbers, so are the results that need them, unless stated.
+// x is the column and y the row, pixel centres lie at whole numbers, and an edge joins the last vertex to the
+// first. The outline may run either way round. A new polygon has no vertices. n is their number, and vertex n is
+// vertex 0 again. The distance between two points is Euclidean, to the nearest double or one next to it, infinite
+// beyond the largest double. Outputs are first set to 0. Vertices may be any numbers: results that depend on a
+// non-finite vertex are not finite either, unless stated otherwise.
 MIDL_INTERFACE("01b9f7cb-aabe-453b-aae9-6fb7516c999d") IPolygon : public IUnknown {
     // Sets the vertices.
-    // They are copied; null: all at (0, 0). After a failure the old vertices stay.
+    // They are copied; null puts all of them at (0, 0). After a failure the old vertices stay.
     // "IPolygon::Create: polygon must be created with at least one vertice."
     virtual HRESULT STDMETHODCALLTYPE Create(LONG lNumberOfVertices, SVertice* Vertices) = 0;
 
     // A new polygon with fewer vertices.
-    // Those left out lie no farther than Tolerance from the edge that replaces them
-    // (Ramer 1972, Douglas and Peucker 1973, on both halves of the outline between vertex 0 and the vertex farthest
-    // from it; the first of equals; both of these stay). An outline that folds back is measured from the edge, not
-    // from the line. Tolerance 0 leaves out vertices on a straight line, a negative one or NaN none. All stay where
-    // one is not finite and for n < 3.
+    // The vertices left out lie at most Tolerance from the edge that replaces them (Ramer 1972, Douglas and Peucker
+    // 1973, on both halves of the outline between vertex 0 and the vertex farthest from it, the first of equals;
+    // these two stay). Distances are measured from the edge, not from the line through it, which matters where an
+    // outline folds back. Tolerance 0 leaves out vertices on a straight line; a negative one or NaN leaves out
+    // none. All vertices stay when one is not finite and for n < 3.
     virtual HRESULT STDMETHODCALLTYPE Smooth(double Tolerance, IPolygon** hVal) = 0;
 
     // Number of vertices.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfVertices(LONG* hVal) = 0;
 
-    // The vertices, the polygon's own; null without any. Valid until the next Create or release.
+    // The polygon's own vertices; null without any. Valid until the next Create or release.
     virtual HRESULT STDMETHODCALLTYPE get_Vertices(SVertice** hVal) = 0;
 
     // The area inside the outline: |S| / 2.
-    // S is the sum of x[i] y[i+1] - x[i+1] y[i], formed without rounding and rounded once: right to the last bit or
-    // the one beside it wherever the outline lies.
+    // S is the sum of x[i] y[i+1] - x[i+1] y[i], formed without rounding and rounded once: the area is the nearest
+    // double or one next to it, wherever the outline lies.
     virtual HRESULT STDMETHODCALLTYPE get_Area(double* hVal) = 0;
 
     // The length of the outline: the sum of the distances from vertex i to vertex i + 1.
@@ -1561,55 +1560,54 @@ MIDL_INTERFACE("01b9f7cb-aabe-453b-aae9-6fb7516c999d") IPolygon : public IUnknow
     virtual HRESULT STDMETHODCALLTYPE get_Diameter(double* hVal) = 0;
 
     // How evenly the vertices lie about their mean: 1 for a regular polygon.
-    // 1 - root of the variance (over n) of the distances from the mean of the vertices, divided by their mean. NaN
-    // where all vertices coincide and without vertices.
+    // It is 1 - s / m, with m the mean and s the standard deviation (over n) of the distances from the mean of the
+    // vertices. NaN when all vertices coincide and without vertices.
     virtual HRESULT STDMETHODCALLTYPE get_Circularity(double* hVal) = 0;
 
-    // The distance of a point from the nearest vertex, and whether it lies inside.
-    // The edges do not count. S_FALSE inside the outline, S_OK outside: the sum of the angles from vertex
-    // i to vertex i + 1 as seen from the point, each between -180 and 180 degrees, is then a multiple of 360 other
-    // than 0; which is decided without rounding. On an edge: its 180 degrees count as 180 where vertex i has the
-    // smaller y or lies in the direction (1, 0), else as -180; a vertex at the point counts as one in that
-    // direction. Not finite: outside.
+    // The distance of a point from the nearest vertex, and whether the point lies inside.
+    // Edges do not count for the distance. S_FALSE inside the outline, S_OK outside. A point lies inside when the
+    // angles from vertex i to vertex i + 1 as seen from it, each between -180 and 180 degrees, add up to a multiple
+    // of 360 other than 0; this is decided without rounding. For a point on an edge the 180 degrees count as 180
+    // where vertex i has the smaller y or lies in the direction (1, 0), else as -180; a vertex at the point counts
+    // as one in that direction. If anything is not finite: outside.
     virtual HRESULT STDMETHODCALLTYPE get_DistanceFromPoint(double XReference, double YReference, double* hVal) = 0;
 
     // The angle in degrees, 0 to 360, that the outline covers as seen from a point.
-    // Each edge covers the shorter way between the
-    // directions of its ends (none where that is a half turn), and what is covered counts once. 360 inside. Edges
-    // of vertices that are at the point or not finite cover nothing. S_OK.
+    // Each edge covers the shorter way between the directions of its ends (nothing for a half turn), and overlaps
+    // count once. 360 inside. Edges with a vertex that is at the point or not finite cover nothing. S_OK.
     virtual HRESULT STDMETHODCALLTYPE get_SubtendedAngle(double XReference, double YReference, double* hVal) = 0;
 
     // The centroid of the area inside the outline, with the sign of S.
-    // Sum of (x[i] + x[i+1]) c[i] over 3 |S| with c[i] = x[i] y[i+1] - x[i+1] y[i], S their sum: the centroid of
-    // the area where S is positive, its negative where S is negative. Not finite where S is 0. Summed about vertex 0
-    // with the digits of two doubles, so that an outline far from (0, 0) loses none.
+    // It is the sum of (x[i] + x[i+1]) c[i] over 3 |S|, with c[i] = x[i] y[i+1] - x[i+1] y[i] and S their sum: the
+    // centroid of the area where S is positive, its negative where S is negative. Not finite where S is 0. Summed
+    // about vertex 0 with the digits of two doubles, so that an outline far from (0, 0) loses no digits.
     virtual HRESULT STDMETHODCALLTYPE GetCentroid(double* XCentroid, double* YCentroid) = 0;
 
     // The diameter and its two vertices.
-    // Of equal distances the pair (i, j), i < j, that comes first. All 0 for fewer than two
-    // vertices and where all coincide.
+    // Of several pairs (i, j), i < j, at that distance it is the first. All 0 for fewer than two vertices and when
+    // all coincide.
     virtual HRESULT STDMETHODCALLTYPE GetDiameter(double* X1, double* Y1, double* X2, double* Y2, double* Diameter) = 0;
 
-    // The nearest and the farthest vertex, the first of equals. Result as for DistanceFromPoint. Without vertices
-    // the nearest distance is the largest double.
+    // The nearest and the farthest vertex, the first of equals. The result is that of DistanceFromPoint. Without
+    // vertices the nearest distance is the largest double.
     virtual HRESULT STDMETHODCALLTYPE GetDistancesFromPoint(double XReference, double YReference, double* XNearest,
         double* YNearest, double* NearestDistance, double* XFarthest, double* YFarthest, double* FarthestDistance) = 0;
 
-    // The circle that fits the better part of the vertices best. With p = min(P, 0.99): a trial puts a circle
-    // through three vertices trunc(u n) drawn at random; its score is the sum of the trunc(n p + 0.5) smallest
-    // squares of the residuals, distance from the centre less radius (least trimmed squares, Rousseeuw 1984). The
-    // smallest score wins; the search ends after ceil(25 / p^3) trials in a row that were not better; for many
-    // vertices and a small P sooner, after 2^32 visits of vertices, half a minute, but not before 200 trials.
-    // Vertices drawn on a line give no circle. The random numbers start anew with every call: the same vertices
-    // give the same circle in every process. Without one (fewer than three vertices, all on a line, P not above 0):
-    // 0, 0, 0 and S_FALSE.
+    // A circle that fits the good vertices best (least trimmed squares, Rousseeuw 1984). With p = min(P, 0.99), a
+    // trial puts a circle through three vertices trunc(u n) drawn at random; its score is the sum of the
+    // trunc(n p + 0.5) smallest squared residuals (distance from the centre minus radius). The smallest score wins.
+    // The search ends after ceil(25 / p^3) trials in a row that were not better; for many vertices and a small P it
+    // ends sooner, after 2^32 visits of vertices, half a minute, but not before 200 trials. Vertices drawn on a
+    // line give no circle. The random numbers start again with every call: the same vertices give the same circle
+    // in every process. Without a circle (fewer than three vertices, all on a line, P not above 0): 0, 0, 0 and
+    // S_FALSE.
     virtual HRESULT STDMETHODCALLTYPE RobustCircleFit(double GoodVerticeProbability, double* XCenter, double* YCenter,
         double* Radius) = 0;
 
-    // A new polygon: the corners of the convex hull.
-    // They come from the lowest vertex (largest y, of these the largest x) on, over the right, top and left in an
-    // image whose y points down. Decided exactly; no vertex on an edge or twice. Vertices that are not finite are
-    // left out. Fewer than three vertices: the same ones. (Graham 1972)
+    // A new polygon: the corners of the convex hull (Graham 1972).
+    // They start at the lowest vertex (largest y, of these the largest x) and go by the right, the top and the left
+    // of an image whose y points down. Decided exactly; no corner lies on an edge or appears twice. Vertices that
+    // are not finite are left out. Fewer than three vertices give the same ones.
     virtual HRESULT STDMETHODCALLTYPE ConvexHull(IPolygon** hVal) = 0;
 
     // The smallest and largest coordinates of the vertices.
@@ -1624,7 +1622,7 @@ __CRT_UUID_DECL(IPolygon, 0x01b9f7cb, 0xaabe, 0x453b, 0xaa,0xe9, 0x6f,0xb7,0x51,
 // Pixels around a reference pixel, in the order in which they were added; duplicates are kept.
 // A new element is empty.
 MIDL_INTERFACE("af4cb52c-e250-4e41-9531-1624e7e2cba1") IStructuringElement : public IUnknown {
-    // Adds a pixel at (X, Y) from the reference pixel.
+    // Adds a pixel at (X, Y), relative to the reference pixel.
     virtual HRESULT STDMETHODCALLTYPE AddElement(LONG X, LONG Y) = 0;
 
     // Number of pixels.
@@ -1634,10 +1632,10 @@ MIDL_INTERFACE("af4cb52c-e250-4e41-9531-1624e7e2cba1") IStructuringElement : pub
     virtual HRESULT STDMETHODCALLTYPE ResetElements() = 0;
 
     // The pixels, in the order in which they were added.
-    // Null as long as there never was one. Valid until the elements change.
+    // Null until the first pixel is added. Valid until the elements change.
     virtual HRESULT STDMETHODCALLTYPE get_Elements(SElement** hVal) = 0;
 
-    // Reflects the pixels at the reference pixel: (X, Y) becomes (-X, -Y); -2^31 stays.
+    // Reflects the pixels through the reference pixel: (X, Y) becomes (-X, -Y); -2^31 stays.
     virtual HRESULT STDMETHODCALLTYPE Reflect() = 0;
 
     // Moves the pixels by (X, Y), modulo 2^32.
@@ -1647,19 +1645,20 @@ MIDL_INTERFACE("af4cb52c-e250-4e41-9531-1624e7e2cba1") IStructuringElement : pub
     virtual HRESULT STDMETHODCALLTYPE GetExtent(LONG* Left, LONG* Top, LONG* Right, LONG* Bottom) = 0;
 
     // Makes the element a disk about the reference pixel.
-    // The pixels (X, Y) whose root of X^2 + Y^2, rounded to double, is at most Radius: row by row from the top,
-    // each from the left. At most 2^24, which is up to a radius of 2310. After a failure the elements are as they were.
+    // It holds the pixels (X, Y) whose sqrt(X^2 + Y^2), rounded to double, is at most Radius: row by row from the
+    // top, each row from the left. At most 2^24 pixels, up to a radius of 2310. A failure leaves the elements as
+    // they were.
     // "IStructuringElement::CreateDisk: radius must be positive" (NaN too)
     // "IStructuringElement::CreateDisk: the disk has more than 16777216 pixels."
     virtual HRESULT STDMETHODCALLTYPE CreateDisk(double Radius) = 0;
 
     // The pixels as bytes of a bitmap's rows (IBitmap).
-    // The reference pixel is bit lBit, 0 the leftmost, of its byte. The result is the half-open array hBegin..hEnd
-    // in the order of first appearance, one entry for each byte. For the pixel at v = lBit + X: byte v / 8,
-    // truncated toward zero, r = v - 8 byte; the bit 0x80 >> r for byte >= 0, else 1 << (-1 - r), 0 where r is
-    // negative and byte is 0 and where v is a negative multiple of 8. Right of the reference byte's left edge (v >=
-    // 0) that is the pixel's own bit: for others translate the element first. Valid until the elements change.
-    // E_INVALIDARG for other lBit, both null.
+    // The reference pixel is bit lBit (0 to 7, 0 the leftmost) of its byte. The result is the half-open array
+    // hBegin..hEnd with one entry for each byte, in the order of first appearance. A pixel at v = lBit + X has
+    // byte = v / 8, truncated toward zero, and r = v - 8 byte; its bit is 0x80 >> r for byte >= 0, else 1 << (-1 -
+    // r). The bit is 0 where r is negative and byte is 0, and where v is a negative multiple of 8. For v >= 0, from
+    // the left edge of the reference byte on, this is the pixel's own bit; for other pixels translate the element
+    // first. Valid until the elements change. Any other lBit gives E_INVALIDARG and two nulls.
     virtual HRESULT STDMETHODCALLTYPE get_BinaryElements(LONG lBit, SElement** hBegin, SElement** hEnd) = 0;
 };
 DEFINE_GUID(IID_IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1);
@@ -1671,16 +1670,16 @@ __CRT_UUID_DECL(IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16
 // The pixels of the band to display become one of 256 display levels, which the colour table turns into colours.
 // For a display range [Lower, Upper] and a pixel p within it
 //   level = floor(255 (p - Lower) / (Upper - Lower) + 0.5)
-// so Lower has level 0 and Upper 255; what lies outside has the level of the nearer end. Exact for integer pixels.
+// so Lower has level 0 and Upper 255; pixels outside have the level of the nearer end. Exact for integer pixels.
 // For float pixels floor((p - Lower) (255 / (Upper - Lower)) + 0.5), every step in double; NaN has level 0. Also
 // defined:
 //   Lower > Upper     the formula holds, and the picture is a negative
 //   Lower = Upper     p <= Lower has level 0, any other 255
 //   a bound is NaN    (float) every pixel has level 0
-// With BI_AllBands as band to display an image of three bands or more is shown in colour: its first three bands are
-// red, green and blue, each through its own component of the colour table; an image of two bands shows the first.
-// The range and the colour table stay while the pixel type of the image stays, and start anew when it changes; the
-// band to display is set by each creation: 0 for an image of one band, BI_AllBands for several.
+// With BI_AllBands as band to display, an image of three or more bands is shown in colour: its first three bands
+// are red, green and blue, each through its own component of the colour table. An image of two bands shows the
+// first. The range and the colour table survive until the pixel type of the image changes, which resets them. Each
+// creation sets the band to display: 0 for an image of one band, BI_AllBands for several.
 MIDL_INTERFACE("5e395b79-dcda-41be-a3ae-26e7fc0c609b") IDisplayProcess : public IUnknown {
     // The band that is shown: an index, or BI_AllBands.
     // Each creation sets it: 0 for an image of one band, BI_AllBands for several. Putting it sets DisplayDirty.
@@ -1692,55 +1691,55 @@ MIDL_INTERFACE("5e395b79-dcda-41be-a3ae-26e7fc0c609b") IDisplayProcess : public 
     //   "IDisplayProcess::put_BandToDisplay: invalid band to process"
     virtual HRESULT STDMETHODCALLTYPE put_BandToDisplay(LONG newVal) = 0;
 
-    // Whether what is shown is out of date: 1 or 0.
+    // Whether the display is out of date: 1 or 0.
     // Set by every method of this library that writes pixels, display range or band to display, and by
-    // IImageProcessBase::put_BandToProcess; cleared when the levels have been computed anew. Whoever
-    // writes pixels through a pointer (IImageVPA::VPA, AttachBuffer) puts it afterwards; levels are computed anew
-    // for the next picture whatever value was put.
+    // IImageProcessBase::put_BandToProcess; cleared when the levels have been computed again. Clients that write
+    // pixels through a pointer (IImageVPA::VPA, AttachBuffer) put it afterwards; any value makes the next picture
+    // compute its levels again.
     virtual HRESULT STDMETHODCALLTYPE get_DisplayDirty(LONG* hVal) = 0;
 
-    // Whether what is shown is out of date: 1 or 0.
+    // Whether the display is out of date: 1 or 0.
     // Set by every method of this library that writes pixels, display range or band to display, and by
-    // IImageProcessBase::put_BandToProcess; cleared when the levels have been computed anew. Whoever
-    // writes pixels through a pointer (IImageVPA::VPA, AttachBuffer) puts it afterwards; levels are computed anew
-    // for the next picture whatever value was put.
+    // IImageProcessBase::put_BandToProcess; cleared when the levels have been computed again. Clients that write
+    // pixels through a pointer (IImageVPA::VPA, AttachBuffer) put it afterwards; any value makes the next picture
+    // compute its levels again.
     virtual HRESULT STDMETHODCALLTYPE put_DisplayDirty(LONG newVal) = 0;
 
-    // The colour of display level Entry as 0x00BBGGRR, initially grey Entry. The top byte of what is put is
+    // The colour of display level Entry as 0x00BBGGRR, initially grey Entry. The top byte of a value that is put is
     // ignored.
     //   "IDisplayProcess: color table entry is out of range." unless 0 <= Entry <= 255
     virtual HRESULT STDMETHODCALLTYPE get_ColorTable(LONG Entry, OLE_COLOR* hVal) = 0;
 
-    // The colour of display level Entry as 0x00BBGGRR, initially grey Entry. The top byte of what is put is
+    // The colour of display level Entry as 0x00BBGGRR, initially grey Entry. The top byte of a value that is put is
     // ignored.
     //   "IDisplayProcess: color table entry is out of range." unless 0 <= Entry <= 255
     virtual HRESULT STDMETHODCALLTYPE put_ColorTable(LONG Entry, OLE_COLOR newVal) = 0;
 
     // Spreads the greys evenly over the pixels.
-    // Counts the levels of the pixels that lie within the display range, in the
-    // band to display (all bands for BI_AllBands) inside the region of interest, and makes entry i the grey
-    // floor(255 C[i] / T + 0.5), C[i] being the count of the levels 0 to i and T that of all. Exact. The range
-    // stays.
-    //   "IDisplayProcess::EqualizeColorTable: empty histogram" when no pixel lies within; the table stays.
+    // Counts the levels of the pixels within the display range, in the band to display (all bands for BI_AllBands)
+    // inside the region of interest, and makes entry i the grey floor(255 C[i] / T + 0.5), where C[i] is the count
+    // of the levels 0 to i and T the count of all. Exact. The range stays.
+    //   "IDisplayProcess::EqualizeColorTable: empty histogram" when no pixel lies within the range; the table
+    //   stays.
     virtual HRESULT STDMETHODCALLTYPE EqualizeColorTable() = 0;
 
-    // The display range, initially the full range of an integer type, [0, 255] for float images.
+    // The display range; initially the full range of an integer type, or [0, 255] for float images.
     virtual HRESULT STDMETHODCALLTYPE GetDisplayRange(double* Lower, double* Upper) = 0;
 
-    // Sets the display range, as the pixel type holds it.
+    // Sets the display range, converted to the pixel type.
     // Truncates toward zero and keeps the low-order bits of the pixel type: 10.9 becomes 10, and for bytes 256
     // becomes 0 and -1 becomes 255. NaN, infinities and magnitudes from 2^63 on become 0. A float image takes the
-    // nearest float, beyond the float range its end. Nothing is checked. Sets DisplayDirty.
+    // nearest float, or the end of the float range beyond it. Nothing is checked. Sets DisplayDirty.
     virtual HRESULT STDMETHODCALLTYPE PutDisplayRange(double Lower, double Upper) = 0;
 
-    // Makes the display range what the pixels of the region take up.
-    // These are the pixels of the band to display (all bands for BI_AllBands) inside the region of interest, and
-    // the range is put as by PutDisplayRange. A trim of 0 is the least or the greatest pixel, any other the
-    // location that IHistogram::AutoThresholdTrim finds in their histogram (256 bins over [0, 255] for bytes,
-    // others 1024 over least to greatest, or one bin for each value where that makes fewer). NaN pixels do not
-    // count. bRoundOut != 0 then widens the range: to [0, 1] when it lies within; else to [0, m] with the first m
-    // of 255, 1023, 4095 and 65535 that Upper does not exceed; it stays when Upper exceeds all. Sets DisplayDirty.
-    // S_FALSE, and nothing changes, for a region without pixels. Texts of IHistogram::AutoThresholdTrim.
+    // Sets the display range to what the pixels of the region span.
+    // Pixels count in the band to display (all bands for BI_AllBands) inside the region of interest, except NaN;
+    // the range is put as by PutDisplayRange. A trim of 0 gives the smallest or the largest pixel, any other trim
+    // the location that IHistogram::AutoThresholdTrim finds in their histogram (256 bins over [0, 255] for bytes;
+    // for other types 1024 from smallest to largest, or one bin for each value where that makes fewer). bRoundOut
+    // != 0 then widens the range: to [0, 1] when it lies within that, else to [0, m] with the first m of 255, 1023,
+    // 4095 and 65535 that Upper does not exceed; it stays when Upper exceeds all of them. Sets DisplayDirty. For a
+    // region without pixels S_FALSE, and nothing changes. Texts of IHistogram::AutoThresholdTrim.
     virtual HRESULT STDMETHODCALLTYPE SnapDisplayRange(double TrimLeft, double TrimRight, LONG bRoundOut) = 0;
 };
 DEFINE_GUID(IID_IDisplayProcess, 0x5e395b79, 0xdcda, 0x41be, 0xa3,0xae, 0x26,0xe7,0xfc,0x0c,0x60,0x9b);
@@ -1748,7 +1747,7 @@ DEFINE_GUID(IID_IDisplayProcess, 0x5e395b79, 0xdcda, 0x41be, 0xa3,0xae, 0x26,0xe
 __CRT_UUID_DECL(IDisplayProcess, 0x5e395b79, 0xdcda, 0x41be, 0xa3,0xae, 0x26,0xe7,0xfc,0x0c,0x60,0x9b)
 #endif
 
-// What this copy of the library is and how it runs here; OrlixImage answers it.
+// The version, the file and the processor variants of this library; OrlixImage implements it.
 MIDL_INTERFACE("421066d7-a5e1-4d31-9b61-7c241f7691e7") IModuleInformation : public IUnknown {
     // The version of the library: "major.minor.patch".
     virtual HRESULT STDMETHODCALLTYPE get_Version(BSTR* hVal) = 0;
@@ -1756,10 +1755,10 @@ MIDL_INTERFACE("421066d7-a5e1-4d31-9b61-7c241f7691e7") IModuleInformation : publ
     // Full path of the module's file.
     virtual HRESULT STDMETHODCALLTYPE get_ModulePath(BSTR* hVal) = 0;
 
-    // Number of the hot operations that have variants for several processors.
+    // Number of kernels: hot operations that have variants for several processors.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfKernels(LONG* hVal) = 0;
 
-    // Name of a hot operation, and the variant (scalar, sse2, avx2, ...) that this process uses.
+    // Name of a kernel, and the variant (scalar, sse2, avx2, ...) that this process uses.
     // "IModuleInformation::GetKernel: Index is out of range."
     virtual HRESULT STDMETHODCALLTYPE GetKernel(LONG Index, BSTR* Kernel, BSTR* Variant) = 0;
 };
@@ -1768,7 +1767,7 @@ DEFINE_GUID(IID_IModuleInformation, 0x421066d7, 0xa5e1, 0x4d31, 0x9b,0x61, 0x7c,
 __CRT_UUID_DECL(IModuleInformation, 0x421066d7, 0xa5e1, 0x4d31, 0x9b,0x61, 0x7c,0x24,0x1f,0x76,0x91,0xe7)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("ac6239fd-350e-4ff0-845e-2c639e5b62ae") ILineGraphicOverlay : public IGraphicOverlay {
 };
@@ -1777,7 +1776,7 @@ DEFINE_GUID(IID_ILineGraphicOverlay, 0xac6239fd, 0x350e, 0x4ff0, 0x84,0x5e, 0x2c
 __CRT_UUID_DECL(ILineGraphicOverlay, 0xac6239fd, 0x350e, 0x4ff0, 0x84,0x5e, 0x2c,0x63,0x9e,0x5b,0x62,0xae)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("2dcd674c-8f2a-4e33-9eb4-93c94f9d0078") ICircleGraphicOverlay : public IGraphicOverlay {
 };
@@ -1786,7 +1785,7 @@ DEFINE_GUID(IID_ICircleGraphicOverlay, 0x2dcd674c, 0x8f2a, 0x4e33, 0x9e,0xb4, 0x
 __CRT_UUID_DECL(ICircleGraphicOverlay, 0x2dcd674c, 0x8f2a, 0x4e33, 0x9e,0xb4, 0x93,0xc9,0x4f,0x9d,0x00,0x78)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("1308ae7d-bd0a-46c5-b65e-c5cf62251797") ITextGraphicOverlay : public IGraphicOverlay {
 };
@@ -1795,7 +1794,7 @@ DEFINE_GUID(IID_ITextGraphicOverlay, 0x1308ae7d, 0xbd0a, 0x46c5, 0xb6,0x5e, 0xc5
 __CRT_UUID_DECL(ITextGraphicOverlay, 0x1308ae7d, 0xbd0a, 0x46c5, 0xb6,0x5e, 0xc5,0xcf,0x62,0x25,0x17,0x97)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("5db69631-7b1a-481a-aaef-380113828dd8") IDIBImage : public IUnknown {
 };
@@ -1804,7 +1803,7 @@ DEFINE_GUID(IID_IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13
 __CRT_UUID_DECL(IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13,0x82,0x8d,0xd8)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("1cc42abb-1f60-40b9-a4de-1da89d85341f") ISplineImage : public IUnknown {
 };
@@ -1813,7 +1812,7 @@ DEFINE_GUID(IID_ISplineImage, 0x1cc42abb, 0x1f60, 0x40b9, 0xa4,0xde, 0x1d,0xa8,0
 __CRT_UUID_DECL(ISplineImage, 0x1cc42abb, 0x1f60, 0x40b9, 0xa4,0xde, 0x1d,0xa8,0x9d,0x85,0x34,0x1f)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("ab13b9e0-d78d-40ad-9a27-cc82a8a736f6") IVBHelper : public IUnknown {
 };
@@ -1822,7 +1821,7 @@ DEFINE_GUID(IID_IVBHelper, 0xab13b9e0, 0xd78d, 0x40ad, 0x9a,0x27, 0xcc,0x82,0xa8
 __CRT_UUID_DECL(IVBHelper, 0xab13b9e0, 0xd78d, 0x40ad, 0x9a,0x27, 0xcc,0x82,0xa8,0xa7,0x36,0xf6)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("3f465cc3-a580-4097-a039-a37e4cca840e") IHistogramDialog : public IUnknown {
 };
@@ -1831,7 +1830,7 @@ DEFINE_GUID(IID_IHistogramDialog, 0x3f465cc3, 0xa580, 0x4097, 0xa0,0x39, 0xa3,0x
 __CRT_UUID_DECL(IHistogramDialog, 0x3f465cc3, 0xa580, 0x4097, 0xa0,0x39, 0xa3,0x7e,0x4c,0xca,0x84,0x0e)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("f6694e07-b1ae-407b-b44e-4ec08e6d66a7") IHistogramDialogEvents : public IUnknown {
 };
@@ -1840,7 +1839,7 @@ DEFINE_GUID(IID_IHistogramDialogEvents, 0xf6694e07, 0xb1ae, 0x407b, 0xb4,0x4e, 0
 __CRT_UUID_DECL(IHistogramDialogEvents, 0xf6694e07, 0xb1ae, 0x407b, 0xb4,0x4e, 0x4e,0xc0,0x8e,0x6d,0x66,0xa7)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("e40f3b84-ec19-4ab2-8849-db88568efb83") IImageViewDisp : public IDispatch {
 };
@@ -1849,7 +1848,7 @@ DEFINE_GUID(DIID_IImageViewDisp, 0xe40f3b84, 0xec19, 0x4ab2, 0x88,0x49, 0xdb,0x8
 __CRT_UUID_DECL(IImageViewDisp, 0xe40f3b84, 0xec19, 0x4ab2, 0x88,0x49, 0xdb,0x88,0x56,0x8e,0xfb,0x83)
 #endif
 
-// Not built yet, without slots until its class is.
+// Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("f25ed9d9-bb5d-416d-afdc-5e1baa4b2f08") IImageViewEventsDisp : public IDispatch {
 };
