@@ -2,6 +2,8 @@
 
 # Results are the same bits on every build: SSE2 arithmetic on 32-bit too, no fused multiply-add.
 add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wconversion;-Wshadow;-ffp-contract=off>")
+# What clang calls -Wconversion includes -Wsign-conversion, unlike GCC's, which the sources are written for.
+add_compile_options("$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-sign-conversion>")
 if(ORLIX_WARNINGS_ARE_ERRORS)
     add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Werror>")
 endif()

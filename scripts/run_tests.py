@@ -128,6 +128,12 @@ def build(preset, *targets):
         raise BuildFailed
 
 
+def test_preset(name):
+    """What CMakePresets.json has for `ctest --preset NAME`."""
+    presets = json.loads((ROOT / "CMakePresets.json").read_text("utf-8"))["testPresets"]
+    return next(preset for preset in presets if preset["name"] == name)
+
+
 def tests_of(preset):
     """Every test that the build registered, as ctest describes it; properties as a dictionary."""
     outcome = run(["ctest", "--test-dir", BUILD / preset, "--show-only=json-v1"])
@@ -237,8 +243,8 @@ def native(tally):
 
 def asan(tally):
     build("asan")
-    os.environ.setdefault("ASAN_OPTIONS", "detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1:allocator_may_return_null=1")
-    os.environ.setdefault("UBSAN_OPTIONS", "print_stacktrace=1")
+    for name, value in test_preset("asan")["environment"].items():
+        os.environ.setdefault(name, value)
     run_tests(tally, "asan")
 
 
