@@ -2,6 +2,7 @@
 
 import argparse
 import concurrent.futures
+import fnmatch
 import json
 import os
 import re
@@ -21,6 +22,7 @@ DEADLINE = time.monotonic() + 60 * float(os.environ.get("ORLIX_TEST_MINUTES", "8
 PROGRAM_SECONDS = {"native": 300, "asan": 900, "win32": 600, "win64": 600}
 
 verbose = False
+choice = None  # of tests; None: all
 
 
 class Unavailable(Exception):
@@ -29,6 +31,10 @@ class Unavailable(Exception):
 
 class BuildFailed(Exception):
     """Already reported."""
+
+
+class NothingChosen(Exception):
+    """No test of a part is among the chosen ones."""
 
 
 class Tally:
@@ -202,6 +208,34 @@ def count(tally, name, outcome, place):
     say(f"{tally.name}: {place}: {name}: {passed} passed, {failed} failed, {skipped} skipped ({outcome.seconds:.0f} s)")
 
 
+class Choice:
+    """Some of the tests: patterns of GoogleTest, 'SUITE.TEST' with * and ?, several joined by colons, those after a dash
+    left out. A suite may be named as in its source, where its full name also tells a type or an instantiation."""
+
+    NAMED = re.compile(r"([\w*?]+)\.([\w*?]+)")
+
+    def __init__(self, patterns):
+        self.text = " ".join(patterns)
+        taken, dash, left_out = ":".join(patterns).partition("-")
+        self.taken = taken.split(":")
+        self.filter = self.full_names(taken) + dash + self.full_names(left_out)
+
+    @classmethod
+    def full_names(cls, patterns):
+        return ":".join(cls.NAMED.sub(r"\1.\2:\1/*.\2:\1.\2/*:*/\1.\2/*:*/\1/*.\2", pattern)
+                        if cls.NAMED.fullmatch(pattern) else pattern for pattern in patterns.split(":"))
+
+    def folders(self, preset):
+        """The folders of tests whose programs may have such tests, by the sources."""
+        return sorted({source.parent.name for source in (ROOT / "tests").glob("*/*_test.cpp")
+                       if (preset.startswith("win") or source.parent.name != "windows") and self.may_be_in(source)})
+
+    def may_be_in(self, source):
+        declared = re.findall(r"^\s*(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)", source.read_text("utf-8"), re.M)
+        names = [f"{suite}.{test}" for suite, test in declared]
+        return any(not self.NAMED.fullmatch(pattern) or fnmatch.filter(names, pattern) for pattern in self.taken)
+
+
 def run_tests(tally, preset, launcher=()):
     seconds = PROGRAM_SECONDS[preset]
 
@@ -215,34 +249,54 @@ def run_tests(tally, preset, launcher=()):
         environment.setdefault("TMPDIR", str(scratch))
         if not is_built(test):
             return Outcome(127, f"{command} was not built", 0)
-        words = [*launcher, *command] if command[0].endswith(".exe") else command
+        words = [*launcher, *command] if command[0].endswith(".exe") else list(command)
+        if choice:
+            words.append(f"--gtest_filter={choice.filter}")
         return run(words, seconds, properties.get("WORKING_DIRECTORY", BUILD / preset), environment)
 
     tests = tests_of(preset)
     if not tests:
         tally.check("the build registers tests", "there is none")
+    if choice:
+        tests = [test for test in tests if test["name"] in choice.folders(preset)]
     # The largest first, so that none is left to run at the end beside an idle processor.
     tests.sort(key=lambda test: Path(test["command"][0]).stat().st_size if is_built(test) else 0, reverse=True)
     alone = [test for test in tests if test["properties"].get("RUN_SERIAL")]
     together = [test for test in tests if test not in alone]
     ended = 0
+
+    def report(test, outcome):
+        if choice and outcome.status == 0 and re.search(r"^\[==========\] Running 0 tests", outcome.output, re.M):
+            return  # its source has such a test, this build of it does not
+        count(tally, test["name"], outcome, f"{ended} of {len(tests)}")
+
     with concurrent.futures.ThreadPoolExecutor(CORES) as pool:
         running = {pool.submit(one, test): test for test in together}
         for future in concurrent.futures.as_completed(running):
             ended += 1
-            count(tally, running[future]["name"], future.result(), f"{ended} of {len(tests)}")
+            report(running[future], future.result())
     for test in alone:
         ended += 1
-        count(tally, test["name"], one(test), f"{ended} of {len(tests)}")
+        report(test, one(test))
+
+
+def programs(preset):
+    """The targets to build for the tests; none stands for all. Raises NothingChosen when no source has a chosen test."""
+    if not choice:
+        return []
+    folders = choice.folders(preset)
+    if not folders:
+        raise NothingChosen
+    return [f"test_{folder}" for folder in folders]
 
 
 def native(tally):
-    build("native")
+    build("native", *programs("native"))
     run_tests(tally, "native")
 
 
 def asan(tally):
-    build("asan")
+    build("asan", *programs("asan"))
     for name, value in test_preset("asan")["environment"].items():
         os.environ.setdefault(name, value)
     run_tests(tally, "asan")
@@ -299,13 +353,17 @@ class Wine:
 
 
 def windows(tally, bits):
-    library = build_windows(bits)
+    targets = programs(f"win{bits}")
+    library = build_windows(bits, *(["orlix", *targets] if targets else []))
     with Wine(bits) as wine:
-        tally.check("regsvr32 registers orlix.dll", wine.register(library))
-        tally.check("its classes are known then", "" if wine.knows("Orlix.Image") else "Orlix.Image is not")
+        registration = Tally(tally.name) if choice else tally  # is none of the chosen tests
+        registration.check("regsvr32 registers orlix.dll", wine.register(library))
+        registration.check("its classes are known then", "" if wine.knows("Orlix.Image") else "Orlix.Image is not")
         run_tests(tally, f"win{bits}", wine.command)
-        tally.check("regsvr32 unregisters orlix.dll", wine.register(library, "/u"))
-        tally.check("its classes are unknown then", "Orlix.Image is known" if wine.knows("Orlix.Image") else "")
+        registration.check("regsvr32 unregisters orlix.dll", wine.register(library, "/u"))
+        registration.check("its classes are unknown then", "Orlix.Image is known" if wine.knows("Orlix.Image") else "")
+        if choice:
+            tally.failed += registration.failed
 
 
 def win32(tally):
@@ -510,18 +568,24 @@ PARTS = {part.__name__: part for part in (native, asan, win32, win64, viewer, ch
 
 
 def main():
-    global verbose
+    global verbose, choice
     parser = argparse.ArgumentParser(prog="scripts/test")
     parser.add_argument("-v", "--verbose", action="store_true")
-    parser.add_argument("parts", nargs="*", metavar="PART", help=", ".join(PARTS))
+    parser.add_argument("words", nargs="*", metavar="PART|PATTERN", help=f"{', '.join(PARTS)}; SUITE.TEST")
     arguments = parser.parse_args()
     verbose = arguments.verbose
-    unknown = [part for part in arguments.parts if part not in PARTS]
+    patterns = [word for word in arguments.words if re.search(r"[.*?:]", word)]
+    parts = [word for word in arguments.words if word not in patterns]
+    unknown = [part for part in parts if part not in PARTS]
     if unknown:
         parser.error(f"no such part: {', '.join(unknown)}")
+    if patterns:
+        choice = Choice(patterns)
+        if not parts or not set(parts) <= set(PROGRAM_SECONDS):
+            parser.error(f"a pattern chooses tests of {', '.join(PROGRAM_SECONDS)}: scripts/test native '{patterns[0]}'")
 
     total = Tally("total")
-    for name in arguments.parts or [part for part in PARTS if part != "tidy"]:
+    for name in parts or [part for part in PARTS if part != "tidy"]:
         tally = Tally(name)
         started = time.monotonic()
         say(f"---- {name}")
@@ -529,6 +593,10 @@ def main():
             if started > DEADLINE:
                 raise TimeoutError("there is no time left")
             PARTS[name](tally)
+            if choice and not tally.passed + tally.failed + tally.skipped:
+                raise NothingChosen
+        except NothingChosen:
+            tally.check(f"tests that match {choice.text}", "there is none")
         except Unavailable as reason:
             tally.skipped += 1
             say(f"skipped {name}: {reason}")
