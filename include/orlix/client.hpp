@@ -12,7 +12,7 @@
 #ifndef ORLIX_CLIENT_HPP
 #define ORLIX_CLIENT_HPP
 
-// 201709 is how GCC 10 counts what it has of C++20.
+// GCC 10 reports 201709 for its part of C++20.
 #if __cplusplus < 201709L && !(defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 #error "orlix/client.hpp needs C++20: compile with -std=c++20, or link with orlix::orlix in CMake, which asks for it."
 #endif
@@ -33,7 +33,7 @@
 
 namespace orlix {
 
-// -------------------------------------------------------------------------------------------------------------- strings
+// ------------------------------------------------------------------------------------------------------------- strings
 
 // Malformed input becomes U+FFFD.
 std::basic_string<OLECHAR> ToUtf16(std::string_view utf8);
@@ -52,7 +52,7 @@ public:
     ~Text() { SysFreeString(bstr_); }
 
     operator BSTR() const noexcept { return bstr_; }
-    // Where a method writes a string; what was held is freed first.
+    // For a method to write a string to; frees the string held so far.
     BSTR* Out() noexcept {
         SysFreeString(std::exchange(bstr_, nullptr));
         return &bstr_;
@@ -63,10 +63,10 @@ private:
     BSTR bstr_ = nullptr;
 };
 
-// --------------------------------------------------------------------------------------------------------------- failures
+// ------------------------------------------------------------------------------------------------------------ failures
 
-// A failed call: its result, and the text and source (ProgID) that the object reported, both empty when it reported none.
-// what() is the text, or else says by the result's name what went wrong, after `subject`:
+// A failed call: its result, and the text and source (ProgID) that the object reported, both empty without a report.
+// what() is the text or, without one, `subject` and the name of the result:
 //     "Orlix.VBHelper.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"
 class Error : public std::runtime_error {
 public:
@@ -81,13 +81,13 @@ private:
     std::string source_;
 };
 
-// "E_POINTER (a null pointer was given)"; "result 0x80070020" for one that has no name here.
+// "E_POINTER (a null pointer was given)", or "result 0x80070020" for a result without a name here.
 std::string Describe(HRESULT result);
 
 [[noreturn]] void ThrowError(HRESULT result, IUnknown* object, REFIID iid);
 
-// Passes S_OK and S_FALSE on and throws Error for a failure. The reported text is taken when the object (the one that was
-// called) says that it reports for the interface.
+// Returns S_OK and S_FALSE, throws Error for a failure. Pass the object that was called: if it says that it reports
+// errors for the interface, the Error has the text that it reported.
 inline HRESULT Check(HRESULT result) {
     if (FAILED(result)) ThrowError(result, nullptr, GUID_NULL);
     return result;
@@ -98,9 +98,9 @@ HRESULT Check(HRESULT result, const ComPtr<I>& object) {
     return result;
 }
 
-// --------------------------------------------------------------------------------------------------------------- creation
+// ------------------------------------------------------------------------------------------------------------ creation
 
-// Makes the thread an apartment of the component runtime (Windows) while it lives; does nothing elsewhere.
+// Puts the thread into an apartment of the component runtime for its lifetime (Windows); does nothing elsewhere.
 class Apartment {
 public:
 #ifdef _WIN32
@@ -114,8 +114,8 @@ public:
     Apartment& operator=(const Apartment&) = delete;
 };
 
-CLSID ClassOf(std::string_view progId);  // Error when nothing of that name is registered
-std::string NameOf(const CLSID& clsid);  // its ProgID, or else the identifier
+CLSID ClassOf(std::string_view progId);  // throws Error when no class has that name
+std::string NameOf(const CLSID& clsid);  // its ProgID, or the identifier itself
 
 template <class I>
 ComPtr<I> CreateObject(const CLSID& clsid) {
@@ -129,7 +129,7 @@ ComPtr<I> CreateObject(std::string_view progId) {
     return CreateObject<I>(ClassOf(progId));
 }
 
-// Another interface of the same object, or Error.
+// Another interface of the same object; throws Error when the object does not have it.
 template <class I, class From>
 ComPtr<I> Cast(const ComPtr<From>& object) {
     ComPtr<I> other;
@@ -138,10 +138,9 @@ ComPtr<I> Cast(const ComPtr<From>& object) {
     return other;
 }
 
-// ---------------------------------------------------------------------------------------------------------------- streams
+// ------------------------------------------------------------------------------------------------------------- streams
 
-// Streams for the image's IPersistStreamInit: both work on every system. The paths are UTF-8. Error when the file cannot be
-// opened.
+// Streams for the image's IPersistStreamInit, on every system. Paths are UTF-8. They throw Error if a file does not open.
 //
 //     Check(Cast<IPersistStreamInit>(image)->Save(CreateFileStream("image.orlix").get(), TRUE));
 //     Check(Cast<IPersistStreamInit>(other)->Load(OpenFileStream("image.orlix").get()));
@@ -151,14 +150,14 @@ ComPtr<IStream> CreateFileStream(std::string_view path);  // a new file, or an o
 ComPtr<IStream> CreateMemoryStream();                     // empty
 void SeekStart(const ComPtr<IStream>& stream);
 
-// ----------------------------------------------------------------------------------------------------------------- pixels
+// -------------------------------------------------------------------------------------------------------------- pixels
 
-// The rows of one band, for images whose columns lie side by side (all that this library makes):
+// The rows of one band, for images with adjacent columns (all images that this library makes):
 //
 //     for (std::span<uint8_t> row : Rows<uint8_t>(image, 0))
 //         for (uint8_t& pixel : row) ...
 //
-// The image must hold pixels of the given size and stay as it is meanwhile.
+// The image must hold pixels of the given size and must not change while its rows are in use.
 template <class Pixel>
 class Rows {
 public:
@@ -213,7 +212,7 @@ private:
     LONG height_ = 0;
 };
 
-// ---------------------------------------------------------------------------------------------------------- implementation
+// ------------------------------------------------------------------------------------------------------ implementation
 
 inline std::basic_string<OLECHAR> ToUtf16(std::string_view utf8) {
     std::basic_string<OLECHAR> out;

@@ -54,7 +54,7 @@ public:
     // Hands the reference to the caller.
     [[nodiscard]] I* Detach() noexcept { return std::exchange(pointer_, nullptr); }
 
-    // Another interface of the same object; null when it does not answer it.
+    // Another interface of the same object; null when the object does not have it.
     template <class Other>
     ComPtr<Other> As() const noexcept {
         void* other = nullptr;
@@ -62,7 +62,7 @@ public:
         return ComPtr<Other>::Attach(static_cast<Other*>(other));
     }
 
-    // Where a method writes an interface; what was held is released first.
+    // For a method to write an interface to; releases the one held so far.
     I** Out() noexcept {
         *this = nullptr;
         return &pointer_;
