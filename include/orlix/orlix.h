@@ -362,7 +362,7 @@ MIDL_INTERFACE("cd1b0330-b898-406c-879a-f9acddba5f55") IImageVPA : public IUnkno
     // Both pointers stay valid until the image is created again or released.
     virtual HRESULT STDMETHODCALLTYPE VPA(LONG BandIndex, void** hBase, VPAEntry** hVPA) = 0;
 
-    // The coordinate map; each creation resets it to the identity.
+    // The coordinate map; the identity in a new image.
     virtual HRESULT STDMETHODCALLTYPE GetCoords(TCoordinateMap* CoordinateMap) = 0;
 
     // Sets the coordinate map; nothing is checked.
@@ -858,8 +858,8 @@ MIDL_INTERFACE("43459e62-5618-470b-968b-3211a82afcce") IShapeRegionOfInterest : 
     // Which side of the shape is the region.
     // Inside: the shape's run in the rows of its box. Outside: what lies left and right of the run, as two runs of
     // which either may be empty, and the other rows in full; the box is the image. Frame: the full run in the first
-    // and the last row of the box; in the rows between, its end pixels and all pixels that the run above or the run
-    // below does not cover, as two runs that may overlap.
+    // and the last row of the box; in the rows between, its end pixels and all its pixels that the run above or the
+    // run below does not cover, as two runs that may overlap.
     virtual HRESULT STDMETHODCALLTYPE get_Polarity(PolarityType* hVal) = 0;
 
     // Chooses which side of the shape is the region; get_Polarity says what each value means.
