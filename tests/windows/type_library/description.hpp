@@ -1,0 +1,61 @@
+// A type library as text.
+#pragma once
+
+#include <orlix/client.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orlix::testing {
+
+std::string ToText(const GUID& guid);
+
+// A type of a library, with its attributes. Methods throw Error where the library fails.
+class Type {
+public:
+    explicit Type(ComPtr<ITypeInfo> info);
+    ~Type() {
+        if (info_) info_->ReleaseTypeAttr(attributes_);
+    }
+    Type(Type&&) noexcept = default;
+    Type& operator=(Type&&) = delete;
+
+    const TYPEATTR& attributes() const { return *attributes_; }
+
+    std::string Name() const { return NameOf(MEMBERID_NIL); }
+    std::string NameOf(MEMBERID member) const;
+    std::string HelpOf(MEMBERID member) const;
+    // As C++ spells it: get_Width.
+    std::string MethodName(const FUNCDESC& function) const;
+
+    // An interface's base, a class's interfaces.
+    Type Implemented(UINT index) const;
+    std::string ImplementedFlags(UINT index) const;  // "[default] [source] "
+
+    std::string Describe(const TYPEDESC& type) const;
+    std::string Describe(const FUNCDESC& function) const;
+
+    void EachFunction(const std::function<void(const FUNCDESC&)>& visit) const;
+    void EachVariable(const std::function<void(const VARDESC&)>& visit) const;
+
+private:
+    Type Referred(HREFTYPE reference) const;
+
+    ComPtr<ITypeInfo> info_;
+    TYPEATTR* attributes_ = nullptr;
+};
+
+// In the order of the library.
+std::vector<Type> TypesOf(const ComPtr<ITypeLib>& library);
+
+struct NamedText {
+    std::string file;
+    std::string text;
+};
+
+// What the library says, without help strings, and the names of the files that keep it. The records come apart: their
+// layout depends on the bit width, the rest does not. Lines end with \n and have up to 120 columns.
+std::vector<NamedText> Describe(const ComPtr<ITypeLib>& library);
+
+}  // namespace orlix::testing
