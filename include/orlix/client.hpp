@@ -140,7 +140,7 @@ ComPtr<I> Cast(const ComPtr<From>& object) {
 
 // ------------------------------------------------------------------------------------------------------------- streams
 
-// Streams for the image's IPersistStreamInit, on every system. Paths are UTF-8. They throw Error if a file does not open.
+// Streams for the image's IPersistStreamInit, on every system. Paths are UTF-8. They throw Error if opening fails.
 //
 //     Check(Cast<IPersistStreamInit>(image)->Save(CreateFileStream("image.orlix").get(), TRUE));
 //     Check(Cast<IPersistStreamInit>(other)->Load(OpenFileStream("image.orlix").get()));
