@@ -21,7 +21,7 @@ Reader ReaderFor(std::span<const uint8_t> bytes) {
     throw Failure("IImageVPAEx::CreateFromFile: unknown file format.", DISP_E_EXCEPTION);
 }
 
-FileContent Load(FileStringView path, size_t maximum) {
+FileContent Load(WideStringView path, size_t maximum) {
     FileContent content;
     switch (ReadWholeFile(path, content, maximum)) {
         case ReadStatus::Done:
@@ -34,14 +34,14 @@ FileContent Load(FileStringView path, size_t maximum) {
     return content;
 }
 
-bool EndsWith(FileStringView text, std::string_view lowerCase) {
+bool EndsWith(WideStringView text, std::string_view lowerCase) {
     if (text.size() < lowerCase.size()) return false;
-    const FileStringView end = text.substr(text.size() - lowerCase.size());
+    const WideStringView end = text.substr(text.size() - lowerCase.size());
     return std::equal(end.begin(), end.end(), lowerCase.begin(),
                       [](OLECHAR c, char wanted) { return (c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c) == wanted; });
 }
 
-ImageFileFormat FormatOfName(FileStringView path) {
+ImageFileFormat FormatOfName(WideStringView path) {
     if (EndsWith(path, ".png")) return IFF_PNG;
     if (EndsWith(path, ".pgm")) return IFF_PGM;
     if (EndsWith(path, ".ppm")) return IFF_PPM;
@@ -54,7 +54,7 @@ FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, co
     return ReaderFor(bytes)(bytes, sink, limit);
 }
 
-FileProperties LoadImageFile(FileStringView path, PixelSink& sink, const SampleLimit& limit) {
+FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const SampleLimit& limit) {
     // A look at the start keeps a huge file that is no image from being read.
     constexpr size_t kStart = 16;
     ReaderFor(Load(path, kStart).bytes());
@@ -75,13 +75,13 @@ std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties
     return WritePnm(format == IFF_PlainPGM || format == IFF_PlainPPM, properties, source);
 }
 
-void SaveImageFile(FileStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source) {
+void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source) {
     if (format == IFF_ByExtension) format = FormatOfName(path);
     if (!WriteWholeFile(path, WriteImageFile(format, properties, source)))
         throw Failure("IImageFile::SaveToFile: failed to write file.");
 }
 
-bool IsFileKeyword(FileStringView keyword) noexcept {
+bool IsFileKeyword(WideStringView keyword) noexcept {
     if (keyword.empty() || keyword.size() > 79 || keyword.front() == ' ' || keyword.back() == ' ') return false;
     for (size_t i = 0; i < keyword.size(); ++i) {
         const OLECHAR c = keyword[i];

@@ -33,17 +33,15 @@
 #include <vector>
 
 #include "files/sample_limit.hpp"
+#include "text/wide_string.hpp"
 
 namespace orlix {
-
-using FileString = std::basic_string<OLECHAR>;
-using FileStringView = std::basic_string_view<OLECHAR>;
 
 // A text that a file keeps under a keyword, see IsFileKeyword(). A file may hold several of one keyword; they come in the
 // order of the file.
 struct FileText {
-    FileString keyword;
-    FileString text;
+    WideString keyword;
+    WideString text;
 };
 
 struct FileProperties {
@@ -86,7 +84,7 @@ FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, co
 
 // Reads the file at a path. "IImageVPAEx::CreateFromFile: failed to open file." for whatever cannot be opened or is not a
 // regular file (folder, device, pipe), "IImageVPAEx::CreateFromFile: failed to read file.", and as ReadImageFile().
-FileProperties LoadImageFile(FileStringView path, PixelSink& sink, const SampleLimit& limit = {});
+FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const SampleLimit& limit = {});
 
 // The bytes of a file of the given format. PNG keeps the texts, and the size of a pixel in whole pixels per metre (it is
 // left out where that is not in 1 .. 2^31 - 1). PGM and PPM keep the pixels only. Checked in this order:
@@ -100,11 +98,11 @@ std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties
 
 // Writes the file at a path. IFF_ByExtension chooses by the path: .png, .pgm (raw) or .ppm (raw), any case. An older file of
 // that name stays as it was unless the new one is complete: "IImageFile::SaveToFile: failed to write file."
-void SaveImageFile(FileStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source);
+void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source);
 
 // Whether a text may be kept under this keyword: 1 to 79 printable Latin-1 characters (32..126, 161..255), without leading,
 // trailing or double blanks.
-bool IsFileKeyword(FileStringView keyword) noexcept;
+bool IsFileKeyword(WideStringView keyword) noexcept;
 
 // For readers that know the size of the image; see SampleLimit::Require().
 inline void RequireWithin(const SampleLimit& limit, int32_t width, int32_t height, int32_t bands) {

@@ -25,7 +25,7 @@ constexpr uint32_t kLargestCount = 0x7FFFFFFF;  // clients count in long
 constexpr uint32_t kLargestSize = 0xFFFFFFFF;
 constexpr size_t kFirstStep = size_t{1} << 16;  // bytes read on trust
 
-constexpr std::basic_string_view<OLECHAR> kMicronsKeyword = OLESTR("MicronsPerPixel");
+constexpr WideStringView kMicronsKeyword = OLESTR("MicronsPerPixel");
 constexpr size_t kMicronsSize = 2 * sizeof(double);
 
 [[noreturn]] void Damaged() { throw Failure("IPersistStreamInit::Load: the stream is damaged."); }
@@ -81,7 +81,7 @@ void PutNumber(Output& output, T value) {
 }
 
 template <class Output>
-void PutString(Output& output, std::basic_string_view<OLECHAR> text) {
+void PutString(Output& output, WideStringView text) {
     PutNumber(output, static_cast<uint32_t>(text.size()));
     output.Put(text.data(), text.size() * sizeof(OLECHAR));
 }
@@ -95,7 +95,7 @@ void PutSample(Output& output, LONG type, double value) {
 }
 
 template <class Output>
-void PutBinary(Output& output, std::basic_string_view<OLECHAR> keyword, std::span<const uint8_t> bytes) {
+void PutBinary(Output& output, WideStringView keyword, std::span<const uint8_t> bytes) {
     PutNumber(output, kEntryVersion);
     PutString(output, keyword);
     PutNumber(output, static_cast<uint32_t>(bytes.size()));

@@ -4,7 +4,7 @@
 
 #include "files/inflater.hpp"
 #include "files/png_format.hpp"
-#include "files/text_encoding.hpp"
+#include "text/encoding.hpp"
 
 namespace orlix::png {
 namespace {
@@ -37,7 +37,7 @@ bool Decompress(Bytes compressed, size_t& budget, std::vector<uint8_t>& text) {
 }
 
 // A text that a PNG file may hold in Latin-1.
-bool IsPlain(FileStringView text) {
+bool IsPlain(WideStringView text) {
     return std::all_of(text.begin(), text.end(),
                        [](OLECHAR c) { return c == '\n' || (c >= 32 && c < 127) || (c >= 160 && c < 256); });
 }
@@ -74,7 +74,7 @@ std::optional<FileText> ReadText(uint32_t type, Bytes data, size_t& budget) {
 }
 
 std::optional<TextChunk> WriteText(const FileText& entry) {
-    FileStringView text = entry.text;
+    WideStringView text = entry.text;
     text = text.substr(0, text.find(OLECHAR{0}));
     if (text.empty() || !IsFileKeyword(entry.keyword)) return std::nullopt;
     const std::string keyword = ToLatin1(entry.keyword) + '\0';

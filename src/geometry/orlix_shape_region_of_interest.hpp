@@ -8,6 +8,7 @@
 
 #include "component/object.hpp"
 #include "geometry/shape_region.hpp"
+#include "text/wide_string.hpp"
 
 class OrlixShapeRegionOfInterest final
     : public orlix::Object<OrlixShapeRegionOfInterest, orlix::Answers<IShapeRegionOfInterest, IRegionOfInterest>,
@@ -46,5 +47,5 @@ private:
     orlix::ShapeRegion shape_;
     std::array<SRun, 2> handedOut_ = {};  // the runs of the row asked for last
     OLE_COLOR color_ = 0x0000FF00;        // 0x00BBGGRR: green
-    std::basic_string<OLECHAR> description_;
+    WideString description_;
 };

@@ -13,13 +13,12 @@
 #include "image/image_layout.hpp"
 #include "image/pixel_buffer.hpp"
 #include "image/pixel_view.hpp"
+#include "text/wide_string.hpp"
 
 namespace orlix {
 
-using WideString = std::basic_string<OLECHAR>;
-
 // The keyword under which files keep the description among their texts.
-inline constexpr std::basic_string_view<OLECHAR> kDescriptionKeyword = OLESTR("Description");
+inline constexpr WideStringView kDescriptionKeyword = OLESTR("Description");
 
 struct TextEntry {
     WideString keyword;

@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-void RegisterClasses(RegistryStore& store, const RegistryText& modulePath) {
+void RegisterClasses(RegistryStore& store, const WideString& modulePath) {
     try {
         for (const ClassRow& row : ClassTable())
             RegistrationScript(RegistrationText(row.script), modulePath).Add(store);
@@ -21,7 +21,7 @@ void RegisterClasses(RegistryStore& store, const RegistryText& modulePath) {
     }
 }
 
-void UnregisterClasses(RegistryStore& store, const RegistryText& modulePath) {
+void UnregisterClasses(RegistryStore& store, const WideString& modulePath) {
     std::exception_ptr failure;
     for (const ClassRow& row : ClassTable()) {
         try {

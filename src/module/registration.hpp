@@ -12,9 +12,9 @@ std::string_view RegistrationText(WORD script);
 
 // Adds the keys of every class. After a failure, which is raised, nothing of the classes is left registered. FailedResult
 // with what the store answered; ScriptError.
-void RegisterClasses(RegistryStore& store, const RegistryText& modulePath);
+void RegisterClasses(RegistryStore& store, const WideString& modulePath);
 
 // Removes them, as far as possible, and raises the first failure at the end.
-void UnregisterClasses(RegistryStore& store, const RegistryText& modulePath);
+void UnregisterClasses(RegistryStore& store, const WideString& modulePath);
 
 }  // namespace orlix

@@ -97,7 +97,7 @@ private:
 
 class Parser {
 public:
-    Parser(std::string_view script, const RegistryText& modulePath) : words_(script), modulePath_(modulePath) {}
+    Parser(std::string_view script, const WideString& modulePath) : words_(script), modulePath_(modulePath) {}
 
     std::vector<Root> Script() {
         std::vector<Root> roots;
@@ -145,7 +145,7 @@ private:
         const int line = words_.line();
         key.name = Name("the name of a key is missing");
         if (key.name.empty()) throw ScriptError(line, "the name of a key is empty");
-        if (key.name.find(OLESTR('\\')) != RegistryText::npos)
+        if (key.name.find(OLESTR('\\')) != WideString::npos)
             throw ScriptError(line, "the name of a key holds a backslash");
         if (rule == Rule::Delete) return key;
         if (words_.Take("=")) key.values.push_back(ValueAfterEquals({}, rule == Rule::NoRemove));
@@ -155,12 +155,12 @@ private:
 
     Value NamedValue(bool keep) {
         words_.Expect("val", "a value is missing");
-        RegistryText name = Name("the name of a value is missing");
+        WideString name = Name("the name of a value is missing");
         words_.Expect("=", "an equals sign is missing");
         return ValueAfterEquals(std::move(name), keep);
     }
 
-    Value ValueAfterEquals(RegistryText name, bool keep) {
+    Value ValueAfterEquals(WideString name, bool keep) {
         Value value;
         value.name = std::move(name);
         value.keep = keep;
@@ -185,15 +185,15 @@ private:
         return number;
     }
 
-    RegistryText Name(const char* otherwise) {
+    WideString Name(const char* otherwise) {
         const int line = words_.line();
         for (const char* taken : {"{", "}", "=", "NoRemove", "ForceRemove", "Delete", "val"})
             if (words_.Is(taken)) throw ScriptError(line, otherwise);
         return Expanded(words_.Next(otherwise));
     }
 
-    RegistryText Expanded(const Word& word) const {
-        RegistryText text;
+    WideString Expanded(const Word& word) const {
+        WideString text;
         for (size_t i = 0; i < word.text.size(); ++i) {
             if (word.text[i] != '%') {
                 text.push_back(static_cast<OLECHAR>(word.text[i]));
@@ -214,10 +214,10 @@ private:
     }
 
     Words words_;
-    const RegistryText& modulePath_;
+    const WideString& modulePath_;
 };
 
-RegistryKey Below(const RegistryKey& parent, const RegistryText& name) {
+RegistryKey Below(const RegistryKey& parent, const WideString& name) {
     return {parent.root, parent.path.empty() ? name : parent.path + OLESTR('\\') + name};
 }
 
@@ -260,7 +260,7 @@ void RemoveKeys(RegistryStore& store, const RegistryKey& parent, const std::vect
 ScriptError::ScriptError(int line, const char* what)
     : std::runtime_error("line " + std::to_string(line) + ": " + what), line_(line) {}
 
-RegistrationScript::RegistrationScript(std::string_view script, const RegistryText& modulePath)
+RegistrationScript::RegistrationScript(std::string_view script, const WideString& modulePath)
     : roots_(Parser(script, modulePath).Script()) {}
 
 void RegistrationScript::Add(RegistryStore& store) const {

@@ -53,7 +53,7 @@ private:
 class RegistrationScript {
 public:
     // Reads the whole script before anything is written. ScriptError.
-    RegistrationScript(std::string_view script, const RegistryText& modulePath);
+    RegistrationScript(std::string_view script, const WideString& modulePath);
 
     // FailedResult with what the store answered, at the first failure.
     void Add(RegistryStore& store) const;
@@ -61,15 +61,15 @@ public:
     void Remove(RegistryStore& store) const;
 
     struct Value {
-        RegistryText name;
+        WideString name;
         bool isNumber = false;
-        RegistryText text;
+        WideString text;
         uint32_t number = 0;
         bool keep = false;  // NoRemove
     };
     enum class Rule { Plain, NoRemove, ForceRemove, Delete };
     struct Key {
-        RegistryText name;
+        WideString name;
         Rule rule = Rule::Plain;
         std::vector<Value> values;
         std::vector<Key> keys;

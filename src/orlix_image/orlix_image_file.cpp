@@ -95,7 +95,7 @@ STDMETHODIMP OrlixImage::SaveToFile(BSTR fileName, ImageFileFormat format) noexc
         file.bits = BitsOf(store.dataType());
         file.micronsX = properties.micronsX;
         file.micronsY = properties.micronsY;
-        if (properties.hasDescription) file.texts.push_back({FileString(kDescriptionKeyword), properties.description});
+        if (properties.hasDescription) file.texts.push_back({WideString(kDescriptionKeyword), properties.description});
         for (const TextEntry& entry : properties.texts) file.texts.push_back({entry.keyword, entry.text});
         StoreSource source(store);
         SaveImageFile(ToView(fileName), format, file, source);

@@ -9,7 +9,7 @@ namespace {
 
 BSTR AsciiToBstr(const char* text) {
     const std::string_view view(text);
-    return CopyToBstr(std::basic_string<OLECHAR>(view.begin(), view.end()));
+    return CopyToBstr(WideString(view.begin(), view.end()));
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include <span>
 #include <string_view>
 
+#include "text/wide_string.hpp"
+
 namespace orlix {
 
 // Memory for the content of a file, not cleared before it is read into.
@@ -36,7 +38,7 @@ enum class ReadStatus {
 // Reads a file, or its first bytes up to the given number. Regular files only: a folder, device or pipe is CannotOpen at
 // once. What another program adds to the file meanwhile is not read, and what it cuts off is missing in the content, which
 // is empty unless the status is Done. Throws std::bad_alloc.
-ReadStatus ReadWholeFile(std::basic_string_view<OLECHAR> path, FileContent& content,
+ReadStatus ReadWholeFile(WideStringView path, FileContent& content,
                          size_t maximum = std::numeric_limits<size_t>::max());
 
 // Makes or replaces a file. The bytes are written and flushed to a new file in the same folder, which then takes the final
@@ -44,6 +46,6 @@ ReadStatus ReadWholeFile(std::basic_string_view<OLECHAR> path, FileContent& cont
 // (false) the old file is as it was and nothing is left beside it. Refused: folders, devices, pipes, and files that may not
 // be written. A symbolic link to a file stays, and the file it leads to is replaced; the new file keeps the access rights
 // of the old one (off Windows).
-bool WriteWholeFile(std::basic_string_view<OLECHAR> path, std::span<const uint8_t> bytes);
+bool WriteWholeFile(WideStringView path, std::span<const uint8_t> bytes);
 
 }  // namespace orlix

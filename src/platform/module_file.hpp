@@ -5,9 +5,11 @@
 
 #include <string>
 
+#include "text/wide_string.hpp"
+
 namespace orlix {
 
 // Full path; empty when the system does not tell. On Windows of any length, without a \\?\ prefix unless the loader used one.
-std::basic_string<OLECHAR> ModulePath();
+WideString ModulePath();
 
 }  // namespace orlix

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <variant>
 
+#include "text/wide_string.hpp"
+
 namespace orlix {
 
 // A key is named by its path, "HKCR\CLSID\{...}": names joined by one backslash each, the first one a root. Names of keys
@@ -20,15 +22,13 @@ namespace orlix {
 // Invariant: a key's parents exist.
 class ProcessRegistry {
 public:
-    using Text = std::basic_string<OLECHAR>;
-    using TextView = std::basic_string_view<OLECHAR>;
-    using Value = std::variant<Text, uint32_t>;
+    using Value = std::variant<WideString, uint32_t>;
     struct IgnoringCase {
         using is_transparent = void;
-        bool operator()(TextView a, TextView b) const noexcept;
+        bool operator()(WideStringView a, WideStringView b) const noexcept;
     };
-    using Values = std::map<Text, Value, IgnoringCase>;
-    using Keys = std::map<Text, Values, IgnoringCase>;  // by path
+    using Values = std::map<WideString, Value, IgnoringCase>;
+    using Keys = std::map<WideString, Values, IgnoringCase>;  // by path
 
     static ProcessRegistry& OfThisProcess();
 
@@ -40,20 +40,20 @@ public:
         return preparation ? preparation() : S_OK;
     }
 
-    void CreateKey(TextView key);                             // with its parents; one that exists stays as it is
-    void SetValue(TextView key, TextView name, Value value);  // creates the key too
-    bool HasKey(TextView key) const;
-    std::optional<Text> FindText(TextView key, TextView name) const;  // nothing for a number, too
+    void CreateKey(WideStringView key);  // with its parents; one that exists stays as it is
+    void SetValue(WideStringView key, WideStringView name, Value value);  // creates the key too
+    bool HasKey(WideStringView key) const;
+    std::optional<WideString> FindText(WideStringView key, WideStringView name) const;  // nothing for a number, too
     // Each tells whether there was something to delete.
-    bool DeleteValue(TextView key, TextView name);
-    bool DeleteTree(TextView key);     // the key and all below it
-    bool DeleteIfEmpty(TextView key);  // a key that has neither values nor keys below it
+    bool DeleteValue(WideStringView key, WideStringView name);
+    bool DeleteTree(WideStringView key);     // the key and all below it
+    bool DeleteIfEmpty(WideStringView key);  // a key that has neither values nor keys below it
 
     Keys Snapshot() const;
 
 private:
-    Keys::iterator Create(TextView key);
-    Keys::iterator EndOfTree(Keys::iterator below, TextView key);
+    Keys::iterator Create(WideStringView key);
+    Keys::iterator EndOfTree(Keys::iterator below, WideStringView key);
 
     mutable std::mutex mutex_;
     Keys keys_;

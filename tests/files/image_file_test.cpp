@@ -36,15 +36,15 @@ protected:
         fs::remove_all(folder_, ignored);
     }
 
-    FileString PathOf(const FileString& name) const { return AsString(folder_ / fs::path(name)); }
-    static FileString AsString(const fs::path& path) {
-        FileString text = path.string<OLECHAR>();
+    WideString PathOf(const WideString& name) const { return AsString(folder_ / fs::path(name)); }
+    static WideString AsString(const fs::path& path) {
+        WideString text = path.string<OLECHAR>();
         return text;
     }
     size_t FilesInFolder() const {
         return static_cast<size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
     }
-    static Bytes Content(const FileString& path) {
+    static Bytes Content(const WideString& path) {
         FileContent content;
         EXPECT_EQ(ReadStatus::Done, ReadWholeFile(path, content));
         return {content.bytes().begin(), content.bytes().end()};
@@ -61,7 +61,7 @@ MemoryImage Ramp(int32_t bands, int32_t bits) {
     return image;
 }
 
-void Save(const FileString& path, ImageFileFormat format, MemoryImage& image) {
+void Save(const WideString& path, ImageFileFormat format, MemoryImage& image) {
     FleetingSource source(image);
     SaveImageFile(path, format, image.properties, source);
 }
@@ -81,9 +81,9 @@ std::string FailureOf(const std::function<void()>& action, HRESULT result) {
 }
 
 TEST_F(ImageFile, SavedImagesLoadAgainUnderAnyNameAndExtension) {
-    for (const FileString& name :
-         {FileString(OLESTR("a.png")), FileString(OLESTR("B.PNG")), FileString(OLESTR("c.pgm")),
-          FileString(OLESTR("d.Pgm")), FileString(OLESTR("\u00B5-\u0416-\u4E2D\u6587-\U0001F52C.png"))}) {
+    for (const WideString& name :
+         {WideString(OLESTR("a.png")), WideString(OLESTR("B.PNG")), WideString(OLESTR("c.pgm")),
+          WideString(OLESTR("d.Pgm")), WideString(OLESTR("\u00B5-\u0416-\u4E2D\u6587-\U0001F52C.png"))}) {
         MemoryImage image = Ramp(1, 16), back;
         Save(PathOf(name), IFF_ByExtension, image);
         LoadImageFile(PathOf(name), back);
@@ -101,14 +101,14 @@ TEST_F(ImageFile, SavedImagesLoadAgainUnderAnyNameAndExtension) {
 }
 
 TEST_F(ImageFile, PathsLongerThanTheClassicalLimitWork) {
-    FileString path = AsString(folder_);
-    for (int i = 0; i < 6; ++i) path += OLECHAR{fs::path::preferred_separator} + FileString(60, OLECHAR{'d'});
+    WideString path = AsString(folder_);
+    for (int i = 0; i < 6; ++i) path += OLECHAR{fs::path::preferred_separator} + WideString(60, OLECHAR{'d'});
 #ifdef _WIN32
     fs::create_directories(fs::path(L"\\\\?\\" + path));
 #else
     fs::create_directories(fs::path(path));
 #endif
-    path += OLECHAR{fs::path::preferred_separator} + FileString(OLESTR("image.png"));
+    path += OLECHAR{fs::path::preferred_separator} + WideString(OLESTR("image.png"));
     ASSERT_GT(path.size(), 260u);
     MemoryImage image = Ramp(1, 8), back;
     Save(path, IFF_PNG, image);
@@ -118,14 +118,14 @@ TEST_F(ImageFile, PathsLongerThanTheClassicalLimitWork) {
 
 TEST_F(ImageFile, WhatCannotBeOpenedIsSaidSo) {
     constexpr auto kText = "IImageVPAEx::CreateFromFile: failed to open file.";
-    const FileString here = PathOf(OLESTR("a.png"));
+    const WideString here = PathOf(OLESTR("a.png"));
     MemoryImage image = Ramp(1, 8);
     Save(here, IFF_PNG, image);
-    const FileString half = {0xD800};
-    for (const FileString& path : {FileString(), PathOf(OLESTR("missing.png")), AsString(folder_),
-                                   here + FileString(1, 0) + FileString(OLESTR("x")), PathOf(OLESTR("no folder/a.png")),
-                                   FileString(OLESTR("/dev/zero")), FileString(OLESTR("/dev/null")),
-                                   AsString(folder_ / "x") + half, FileString(OLESTR("NUL"))}) {
+    const WideString half = {0xD800};
+    for (const WideString& path : {WideString(), PathOf(OLESTR("missing.png")), AsString(folder_),
+                                   here + WideString(1, 0) + WideString(OLESTR("x")), PathOf(OLESTR("no folder/a.png")),
+                                   WideString(OLESTR("/dev/zero")), WideString(OLESTR("/dev/null")),
+                                   AsString(folder_ / "x") + half, WideString(OLESTR("NUL"))}) {
         MemoryImage none;
         EXPECT_EQ(kText, FailureOf([&] { LoadImageFile(path, none); }, DISP_E_EXCEPTION));
         EXPECT_FALSE(none.begun);
@@ -134,7 +134,7 @@ TEST_F(ImageFile, WhatCannotBeOpenedIsSaidSo) {
 
 TEST_F(ImageFile, AFileThatIsNoImageIsOfUnknownFormat) {
     for (const char* content : {"", "B", "P", "hello, world", "GIF89a..."}) {
-        const FileString path = PathOf(OLESTR("a.png"));
+        const WideString path = PathOf(OLESTR("a.png"));
         ASSERT_TRUE(WriteWholeFile(path, FromText(content)));
         MemoryImage none;
         EXPECT_EQ("IImageVPAEx::CreateFromFile: unknown file format.",
@@ -224,7 +224,7 @@ TEST_F(ImageFile, SavingChecksTheImageThenTheFormatThenBitsThenBands) {
 }
 
 TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
-    const FileString path = PathOf(OLESTR("a.png"));
+    const WideString path = PathOf(OLESTR("a.png"));
     ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
     MemoryImage image = Ramp(1, 8);
 
@@ -236,8 +236,8 @@ TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
 
     constexpr auto kText = "IImageFile::SaveToFile: failed to write file.";
     fs::create_directories(folder_ / "folder.png");
-    for (const FileString& bad :
-         {PathOf(OLESTR("folder.png")), PathOf(OLESTR("missing/a.png")), FileString(), path + FileString(1, 0)})
+    for (const WideString& bad :
+         {PathOf(OLESTR("folder.png")), PathOf(OLESTR("missing/a.png")), WideString(), path + WideString(1, 0)})
         EXPECT_EQ(kText, FailureOf([&] { Save(bad, IFF_PNG, image); }, E_FAIL));
     EXPECT_EQ(2u, FilesInFolder());
     EXPECT_TRUE(fs::is_directory(folder_ / "folder.png"));
@@ -245,7 +245,7 @@ TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
 }
 
 TEST_F(ImageFile, SavingReplacesALongerFileWhole) {
-    const FileString path = PathOf(OLESTR("a.pgm"));
+    const WideString path = PathOf(OLESTR("a.pgm"));
     ASSERT_TRUE(WriteWholeFile(path, Bytes(100000, 1)));
     MemoryImage image = Ramp(1, 8);
     Save(path, IFF_PGM, image);
@@ -254,7 +254,7 @@ TEST_F(ImageFile, SavingReplacesALongerFileWhole) {
 }
 
 TEST_F(ImageFile, AnEmptyFileAndTheStartOfALongOneAreRead) {
-    const FileString path = PathOf(OLESTR("a"));
+    const WideString path = PathOf(OLESTR("a"));
     ASSERT_TRUE(WriteWholeFile(path, {}));
     EXPECT_TRUE(Content(path).empty());
     ASSERT_TRUE(WriteWholeFile(path, FromText("0123456789")));
@@ -265,7 +265,7 @@ TEST_F(ImageFile, AnEmptyFileAndTheStartOfALongOneAreRead) {
 
 #ifndef _WIN32
 TEST_F(ImageFile, AWriteThatFailsHalfwayLeavesTheOldFileAndNothingElse) {
-    const FileString path = PathOf(OLESTR("a"));
+    const WideString path = PathOf(OLESTR("a"));
     ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
     rlimit before;
     ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &before));
@@ -291,7 +291,7 @@ TEST_F(ImageFile, APipeIsRefusedWithoutWaitingForItsWriter) {
 }
 
 TEST_F(ImageFile, ALinkStaysAndTheFileItLeadsToIsReplaced) {
-    const FileString path = PathOf(OLESTR("a.pgm"));
+    const WideString path = PathOf(OLESTR("a.pgm"));
     ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
     fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(path, folder_ / "link");
@@ -303,14 +303,14 @@ TEST_F(ImageFile, ALinkStaysAndTheFileItLeadsToIsReplaced) {
 #endif
 
 TEST(FileKeyword, HasOneToSeventyNinePrintableLatinCharactersWithoutSpareBlanks) {
-    for (const FileString& good : {FileString(OLESTR("Title")), FileString(OLESTR("Creation Time")),
-                                   FileString(OLESTR("\u00C5\u00FF!~")), FileString(79, OLECHAR{'x'})})
+    for (const WideString& good : {WideString(OLESTR("Title")), WideString(OLESTR("Creation Time")),
+                                   WideString(OLESTR("\u00C5\u00FF!~")), WideString(79, OLECHAR{'x'})})
         EXPECT_TRUE(IsFileKeyword(good));
-    for (const FileString& bad :
-         {FileString(), FileString(80, OLECHAR{'x'}), FileString(OLESTR(" a")), FileString(OLESTR("a ")),
-          FileString(OLESTR("a  b")), FileString(OLESTR("a\tb")), FileString(OLESTR("\u0100")),
-          FileString(OLESTR("\u00A0")), FileString(OLESTR("\u007F")), FileString(OLESTR("a\0b"), 3),
-          FileString(1, OLECHAR{' '})})
+    for (const WideString& bad :
+         {WideString(), WideString(80, OLECHAR{'x'}), WideString(OLESTR(" a")), WideString(OLESTR("a ")),
+          WideString(OLESTR("a  b")), WideString(OLESTR("a\tb")), WideString(OLESTR("\u0100")),
+          WideString(OLESTR("\u00A0")), WideString(OLESTR("\u007F")), WideString(OLESTR("a\0b"), 3),
+          WideString(1, OLECHAR{' '})})
         EXPECT_FALSE(IsFileKeyword(bad));
 }
 

@@ -36,7 +36,7 @@ inline Bytes Double(double value) {
     return Little32(static_cast<uint32_t>(bits)) + Little32(static_cast<uint32_t>(bits >> 32));
 }
 
-inline Bytes LittleString(std::basic_string_view<OLECHAR> text) {
+inline Bytes LittleString(WideStringView text) {
     Bytes bytes = Little32(static_cast<uint32_t>(text.size()));
     for (const OLECHAR unit : text) bytes = bytes + Little16(unit);
     return bytes;

@@ -355,7 +355,7 @@ TEST(PngReader, TextsOfAllThreeKindsAreKeptInOrderAndOddOnesSkipped) {
                       image));
     const auto& texts = image.properties.texts;
     ASSERT_EQ(5u, texts.size());
-    const FileString expected[][2] = {
+    const WideString expected[][2] = {
         {OLESTR("Title"), OLESTR("5 \u00B5m")},
         {OLESTR("Packed"), OLESTR("a\u00B5b")},
         {OLESTR("Plain"), OLESTR("\u00B5\u20AC\U0001D11E\uFFFDz")},

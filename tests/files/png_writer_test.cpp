@@ -120,14 +120,14 @@ TEST(PngWriter, ThePixelSizeSurvivesToAWholeNumberOfPixelsPerMetre) {
 
 TEST(PngWriter, TextsSurviveWithAnyCharacters) {
     MemoryImage image(1, 1, 1, 8);
-    const FileString surrogate = {0xD834};
+    const WideString surrogate = {0xD834};
     image.properties.texts = {{OLESTR("Plain"), OLESTR("two\nlines, 5 \u00B5m")},
                               {OLESTR("Other"), OLESTR("tab\tand \u4E2D\u6587 \U0001D11E")},
                               {OLESTR("Half"), OLESTR("x") + surrogate},
-                              {OLESTR("Zero"), FileString(OLESTR("a\0b"), 3)},
+                              {OLESTR("Zero"), WideString(OLESTR("a\0b"), 3)},
                               {OLESTR("Empty"), {}},
                               {OLESTR("bad  keyword"), OLESTR("x")},
-                              {OLESTR("Long"), FileString(3000000, OLECHAR{'y'})}};
+                              {OLESTR("Long"), WideString(3000000, OLECHAR{'y'})}};
     const auto texts = Read(Write(image)).properties.texts;
     ASSERT_EQ(5u, texts.size());
     EXPECT_TRUE(texts[0].text == image.properties.texts[0].text);

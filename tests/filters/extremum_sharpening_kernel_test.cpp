@@ -5,7 +5,7 @@
 #include "filters/extremum_sharpening_kernels.hpp"
 #include "geometry/foreign_region.hpp"
 #include "image/image_layout.hpp"
-#include "square_testing.hpp"
+#include "support/square_testing.hpp"
 
 namespace orlix {
 namespace {

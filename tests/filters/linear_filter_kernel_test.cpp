@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "filters/linear_filter_kernels.hpp"
-#include "kernel_testing.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

@@ -2,7 +2,7 @@
 #include <compare>
 
 #include "filters/median_kernels.hpp"
-#include "square_testing.hpp"
+#include "support/square_testing.hpp"
 
 namespace orlix {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "filters/sobel_kernels.hpp"
 #include "filters/sobel_roots.hpp"
-#include "square_testing.hpp"
+#include "support/square_testing.hpp"
 
 namespace orlix {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "kernel_testing.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "fits/angled_hemisphere_fit.hpp"
-#include "region_picture.hpp"
+#include "support/region_picture.hpp"
 
 namespace orlix {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "kernel_testing.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

@@ -12,7 +12,7 @@
 #include "fits/correction_kernels.hpp"
 #include "fits/hemisphere_fit.hpp"
 #include "numerics/uniform_generator.hpp"
-#include "region_picture.hpp"
+#include "support/region_picture.hpp"
 
 namespace orlix {
 namespace {

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "kernel_testing.hpp"
 #include "measure/counting_kernels.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

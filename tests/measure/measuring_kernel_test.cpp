@@ -1,8 +1,8 @@
 #include <cmath>
 #include <numeric>
 
-#include "kernel_testing.hpp"
 #include "measure/measuring_kernels.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

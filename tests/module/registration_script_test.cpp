@@ -17,9 +17,9 @@ using testing::ListRegistry;
 using Lines = std::vector<std::string>;
 
 const RegistryKey kHome = {RegistryRoot::CurrentUser, OLESTR("Software\\Registration script test")};
-const RegistryText kModule = OLESTR("C:\\Program Files\\It's\\100% orlix.dll");
+const WideString kModule = OLESTR("C:\\Program Files\\It's\\100% orlix.dll");
 
-RegistryKey Below(const RegistryText& path) { return {kHome.root, kHome.path + OLESTR('\\') + path}; }
+RegistryKey Below(const WideString& path) { return {kHome.root, kHome.path + OLESTR('\\') + path}; }
 
 // Scripts below one key of the current user.
 std::string At(const std::string& keys) {
@@ -261,13 +261,13 @@ public:
     static constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
 
     HRESULT CreateKey(const RegistryKey& key) override { return Fails() ? kAccessDenied : store_.CreateKey(key); }
-    HRESULT SetText(const RegistryKey& key, const RegistryText& name, const RegistryText& text) override {
+    HRESULT SetText(const RegistryKey& key, const WideString& name, const WideString& text) override {
         return Fails() ? kAccessDenied : store_.SetText(key, name, text);
     }
-    HRESULT SetNumber(const RegistryKey& key, const RegistryText& name, uint32_t number) override {
+    HRESULT SetNumber(const RegistryKey& key, const WideString& name, uint32_t number) override {
         return Fails() ? kAccessDenied : store_.SetNumber(key, name, number);
     }
-    HRESULT DeleteValue(const RegistryKey& key, const RegistryText& name) override {
+    HRESULT DeleteValue(const RegistryKey& key, const WideString& name) override {
         return Fails() ? kAccessDenied : store_.DeleteValue(key, name);
     }
     HRESULT DeleteTree(const RegistryKey& key) override { return Fails() ? kAccessDenied : store_.DeleteTree(key); }

@@ -23,7 +23,7 @@ using testing::ListRegistry;
 using Lines = std::vector<std::string>;
 
 const RegistryKey kClasses = {RegistryRoot::Classes, {}};
-const RegistryText kModule = u"/opt/orlix library/liborlix.so";
+const WideString kModule = u"/opt/orlix library/liborlix.so";
 
 Lines AllLines() {
     Lines lines = {"CLSID"};
@@ -49,7 +49,7 @@ TEST_F(Registration, WritesExactlyTheKeysOfTheFourteenClasses) {
 
 TEST_F(Registration, RepeatedItRepairsWhatWasChanged) {
     RegisterClasses(*store, kModule);
-    const RegistryText view = u"CLSID\\{C35E3781-66F8-4DEE-B487-451882355339}";
+    const WideString view = u"CLSID\\{C35E3781-66F8-4DEE-B487-451882355339}";
     store->SetText({RegistryRoot::Classes, view + u"\\Control"}, u"stale", u"x");
     store->DeleteTree({RegistryRoot::Classes, view + u"\\verb"});
     store->SetText({RegistryRoot::Classes, u"Orlix.Image\\CurVer"}, u"", u"Orlix.Image.0");
@@ -84,13 +84,13 @@ public:
     FullStore(RegistryStore& store, int keys) : store_(store), left_(keys) {}
     static constexpr HRESULT kDiskFull = static_cast<HRESULT>(0x80070070);
     HRESULT CreateKey(const RegistryKey& key) override { return left_-- > 0 ? store_.CreateKey(key) : kDiskFull; }
-    HRESULT SetText(const RegistryKey& key, const RegistryText& name, const RegistryText& text) override {
+    HRESULT SetText(const RegistryKey& key, const WideString& name, const WideString& text) override {
         return store_.SetText(key, name, text);
     }
-    HRESULT SetNumber(const RegistryKey& key, const RegistryText& name, uint32_t number) override {
+    HRESULT SetNumber(const RegistryKey& key, const WideString& name, uint32_t number) override {
         return store_.SetNumber(key, name, number);
     }
-    HRESULT DeleteValue(const RegistryKey& key, const RegistryText& name) override {
+    HRESULT DeleteValue(const RegistryKey& key, const WideString& name) override {
         return store_.DeleteValue(key, name);
     }
     HRESULT DeleteTree(const RegistryKey& key) override { return store_.DeleteTree(key); }
@@ -133,10 +133,10 @@ TEST_F(Registration, TheNameOfAClassIsFoundByItsIdentifier) {
     EXPECT_EQ(nullptr, name);
     RegisterClasses(*store, kModule);
     ASSERT_EQ(S_OK, ProgIDFromCLSID(__uuidof(OrlixHistogram), &name));
-    EXPECT_EQ(std::u16string(u"Orlix.Histogram.1"), name);
+    EXPECT_EQ(WideString(u"Orlix.Histogram.1"), name);
     CoTaskMemFree(name);
     ASSERT_EQ(S_OK, ProgIDFromCLSID(__uuidof(OrlixStructuringElement), &name));
-    EXPECT_EQ(std::u16string(u"orlix.StructuringElement.1"), name);
+    EXPECT_EQ(WideString(u"orlix.StructuringElement.1"), name);
     CoTaskMemFree(name);
     EXPECT_EQ(E_INVALIDARG, ProgIDFromCLSID(__uuidof(OrlixHistogram), nullptr));
 }

@@ -19,7 +19,7 @@
 namespace orlix::testing {
 namespace listing {
 
-inline std::string Line(const std::string& key, const RegistryText& name, const std::string& value) {
+inline std::string Line(const std::string& key, const WideString& name, const std::string& value) {
     return key + (name.empty() ? "" : " : " + ToUtf8(name)) + " = " + value;
 }
 
@@ -73,17 +73,17 @@ inline std::vector<std::string> ListRegistry(const RegistryKey& key) {
     listing::List(open, "", lines);
     RegCloseKey(open);
 #else
-    const RegistryText root = key.root == RegistryRoot::Classes        ? u"HKCR"
-                              : key.root == RegistryRoot::LocalMachine ? u"HKLM"
-                                                                       : u"HKCU";
-    const RegistryText above = key.path.empty() ? root : root + u'\\' + key.path;
+    const WideString root = key.root == RegistryRoot::Classes        ? u"HKCR"
+                            : key.root == RegistryRoot::LocalMachine ? u"HKLM"
+                                                                     : u"HKCU";
+    const WideString above = key.path.empty() ? root : root + u'\\' + key.path;
     for (const auto& [path, values] : ProcessRegistry::OfThisProcess().Snapshot()) {
         if (path.size() < above.size() || path.compare(0, above.size(), above) != 0) continue;
         if (path.size() > above.size() && path[above.size()] != u'\\') continue;
         const std::string relative = path == above ? "" : ToUtf8(path.substr(above.size() + 1));
         if (!relative.empty()) lines.push_back(relative);
         for (const auto& [name, value] : values) {
-            const auto* text = std::get_if<ProcessRegistry::Text>(&value);
+            const auto* text = std::get_if<WideString>(&value);
             lines.push_back(
                 listing::Line(relative, name, text ? ToUtf8(*text) : listing::Number(std::get<uint32_t>(value))));
         }

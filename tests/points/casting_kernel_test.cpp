@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include "kernel_testing.hpp"
 #include "points/casting_kernels.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

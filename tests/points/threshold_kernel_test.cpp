@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "geometry/run.hpp"
-#include "kernel_testing.hpp"
 #include "points/threshold_kernels.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "filters/filter_kernels.hpp"
-#include "kernel_testing.hpp"
+#include "support/kernel_testing.hpp"
 
 namespace orlix {
 

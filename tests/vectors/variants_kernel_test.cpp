@@ -1,8 +1,8 @@
 #include <set>
 #include <string>
 
-#include "kernel_testing.hpp"
 #include "orlix_image/kernels_in_use.hpp"
+#include "support/kernel_testing.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

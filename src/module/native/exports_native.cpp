@@ -30,8 +30,7 @@ HRESULT EnsureRegistered() noexcept {
 bool IsRegistered(REFCLSID clsid) {
     OLECHAR identifier[39];
     StringFromGUID2(clsid, identifier, 39);
-    return ProcessRegistry::OfThisProcess().HasKey(ProcessRegistry::Text(u"HKCR\\CLSID\\") + identifier +
-                                                   u"\\InprocServer32");
+    return ProcessRegistry::OfThisProcess().HasKey(WideString(u"HKCR\\CLSID\\") + identifier + u"\\InprocServer32");
 }
 
 }  // namespace
@@ -61,8 +60,7 @@ HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* clsid) {
     HRESULT found = CO_E_CLASSSTRING;
     const HRESULT result = orlix::ResultOf([&] {
         using orlix::ProcessRegistry;
-        const auto text =
-            ProcessRegistry::OfThisProcess().FindText(ProcessRegistry::Text(u"HKCR\\") + progid + u"\\CLSID", u"");
+        const auto text = ProcessRegistry::OfThisProcess().FindText(WideString(u"HKCR\\") + progid + u"\\CLSID", u"");
         if (text) found = CLSIDFromString(text->c_str(), clsid);
     });
     return FAILED(result) ? result : found;

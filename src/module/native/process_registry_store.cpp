@@ -4,7 +4,7 @@
 namespace orlix {
 namespace {
 
-RegistryText PathOf(const RegistryKey& key) {
+WideString PathOf(const RegistryKey& key) {
     const OLECHAR* root = key.root == RegistryRoot::Classes        ? u"HKCR\\"
                           : key.root == RegistryRoot::LocalMachine ? u"HKLM\\"
                                                                    : u"HKCU\\";
@@ -19,15 +19,15 @@ public:
         registry_.CreateKey(PathOf(key));
         return S_OK;
     }
-    HRESULT SetText(const RegistryKey& key, const RegistryText& name, const RegistryText& text) override {
+    HRESULT SetText(const RegistryKey& key, const WideString& name, const WideString& text) override {
         registry_.SetValue(PathOf(key), name, text);
         return S_OK;
     }
-    HRESULT SetNumber(const RegistryKey& key, const RegistryText& name, uint32_t number) override {
+    HRESULT SetNumber(const RegistryKey& key, const WideString& name, uint32_t number) override {
         registry_.SetValue(PathOf(key), name, number);
         return S_OK;
     }
-    HRESULT DeleteValue(const RegistryKey& key, const RegistryText& name) override {
+    HRESULT DeleteValue(const RegistryKey& key, const WideString& name) override {
         return Done(registry_.DeleteValue(PathOf(key), name));
     }
     HRESULT DeleteTree(const RegistryKey& key) override { return Done(registry_.DeleteTree(PathOf(key))); }

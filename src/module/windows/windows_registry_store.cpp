@@ -37,14 +37,14 @@ public:
         OpenKey open;
         return ResultOf(Create(key, open));
     }
-    HRESULT SetText(const RegistryKey& key, const RegistryText& name, const RegistryText& text) override {
+    HRESULT SetText(const RegistryKey& key, const WideString& name, const WideString& text) override {
         const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(OLECHAR));
         return Set(key, name, REG_SZ, text.c_str(), bytes);
     }
-    HRESULT SetNumber(const RegistryKey& key, const RegistryText& name, uint32_t number) override {
+    HRESULT SetNumber(const RegistryKey& key, const WideString& name, uint32_t number) override {
         return Set(key, name, REG_DWORD, &number, sizeof number);
     }
-    HRESULT DeleteValue(const RegistryKey& key, const RegistryText& name) override {
+    HRESULT DeleteValue(const RegistryKey& key, const WideString& name) override {
         OpenKey open;
         const LSTATUS found = RegOpenKeyExW(RootOf(key), key.path.c_str(), 0, KEY_SET_VALUE, open.Out());
         if (found != ERROR_SUCCESS) return ResultOfDeleting(found);
@@ -73,7 +73,7 @@ private:
         return RegCreateKeyExW(RootOf(key), key.path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                KEY_READ | KEY_SET_VALUE, nullptr, open.Out(), nullptr);
     }
-    static HRESULT Set(const RegistryKey& key, const RegistryText& name, DWORD type, const void* data, DWORD bytes) {
+    static HRESULT Set(const RegistryKey& key, const WideString& name, DWORD type, const void* data, DWORD bytes) {
         OpenKey open;
         if (const LSTATUS created = Create(key, open); created != ERROR_SUCCESS) return ResultOf(created);
         return ResultOf(RegSetValueExW(open.get(), name.c_str(), 0, type, static_cast<const BYTE*>(data), bytes));

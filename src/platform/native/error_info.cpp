@@ -4,6 +4,8 @@
 #include <new>
 #include <string>
 
+#include "text/wide_string.hpp"
+
 namespace {
 
 // The plain error information object: what is put into it can be read from it.
@@ -56,14 +58,14 @@ public:
 private:
     ~ErrorInfo() = default;
 
-    static HRESULT Copy(const std::u16string& from, BSTR* to) noexcept {
+    static HRESULT Copy(const WideString& from, BSTR* to) noexcept {
         if (!to) return E_POINTER;
         *to = nullptr;
         if (from.empty()) return S_OK;
         *to = SysAllocStringLen(from.data(), static_cast<UINT>(from.size()));
         return *to ? S_OK : E_OUTOFMEMORY;
     }
-    static HRESULT Store(LPOLESTR from, std::u16string& to) noexcept {
+    static HRESULT Store(LPOLESTR from, WideString& to) noexcept {
         try {
             to = from ? from : u"";
             return S_OK;
@@ -74,7 +76,7 @@ private:
 
     std::atomic<ULONG> references_{0};
     GUID guid_ = GUID_NULL;
-    std::u16string source_, description_, helpFile_;
+    WideString source_, description_, helpFile_;
     DWORD helpContext_ = 0;
 };
 

@@ -75,7 +75,7 @@ void FlushFolder(const std::string& folder) {
 
 }  // namespace
 
-ReadStatus ReadWholeFile(std::basic_string_view<OLECHAR> path, FileContent& content, size_t maximum) {
+ReadStatus ReadWholeFile(WideStringView path, FileContent& content, size_t maximum) {
     content = {};
     const std::string name = NativePath(path);
     if (name.empty()) return ReadStatus::CannotOpen;
@@ -101,7 +101,7 @@ ReadStatus ReadWholeFile(std::basic_string_view<OLECHAR> path, FileContent& cont
     return ReadStatus::Done;
 }
 
-bool WriteWholeFile(std::basic_string_view<OLECHAR> path, std::span<const uint8_t> bytes) {
+bool WriteWholeFile(WideStringView path, std::span<const uint8_t> bytes) {
     std::string place = NativePath(path);
     if (place.empty()) return false;
 

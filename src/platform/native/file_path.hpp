@@ -8,10 +8,12 @@
 #include <string>
 #include <string_view>
 
+#include "text/wide_string.hpp"
+
 namespace orlix {
 
 // UTF-8. Empty for a path that names no file here: an empty one, one with a character 0 or with half a surrogate pair.
-inline std::string NativePath(std::basic_string_view<OLECHAR> path) {
+inline std::string NativePath(WideStringView path) {
     if (path.find(OLECHAR{0}) != path.npos) return {};
     try {
         return std::filesystem::path(path).native();

@@ -9,7 +9,7 @@
 
 namespace orlix {
 
-std::basic_string<OLECHAR> ModulePath() {
+WideString ModulePath() {
     Dl_info info = {};
     if (dladdr(reinterpret_cast<const void*>(&ModulePath), &info) == 0 || !info.dli_fname) return {};
     const std::unique_ptr<char, decltype(&std::free)> full(realpath(info.dli_fname, nullptr), &std::free);

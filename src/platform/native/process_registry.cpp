@@ -8,17 +8,17 @@ namespace {
 
 constexpr OLECHAR Folded(OLECHAR c) { return c >= u'a' && c <= u'z' ? static_cast<OLECHAR>(c - u'a' + u'A') : c; }
 
-bool LiesBelow(ProcessRegistry::TextView path, ProcessRegistry::TextView key) {
+bool LiesBelow(WideStringView path, WideStringView key) {
     return path.size() > key.size() && path[key.size()] == u'\\' &&
            std::equal(key.begin(), key.end(), path.begin(),
                       [](OLECHAR a, OLECHAR b) { return Folded(a) == Folded(b); });
 }
 
-ProcessRegistry::Text Below(ProcessRegistry::TextView key) { return ProcessRegistry::Text(key) + u'\\'; }
+WideString Below(WideStringView key) { return WideString(key) + u'\\'; }
 
 }  // namespace
 
-bool ProcessRegistry::IgnoringCase::operator()(TextView a, TextView b) const noexcept {
+bool ProcessRegistry::IgnoringCase::operator()(WideStringView a, WideStringView b) const noexcept {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
                                         [](OLECHAR x, OLECHAR y) { return Folded(x) < Folded(y); });
 }
@@ -29,18 +29,18 @@ ProcessRegistry& ProcessRegistry::OfThisProcess() {
     return registry;
 }
 
-ProcessRegistry::Keys::iterator ProcessRegistry::Create(TextView key) {
+ProcessRegistry::Keys::iterator ProcessRegistry::Create(WideStringView key) {
     if (const auto found = keys_.find(key); found != keys_.end()) return found;
-    if (const size_t parent = key.rfind(u'\\'); parent != TextView::npos) Create(key.substr(0, parent));
+    if (const size_t parent = key.rfind(u'\\'); parent != WideStringView::npos) Create(key.substr(0, parent));
     return keys_.emplace(key, Values{}).first;
 }
 
-void ProcessRegistry::CreateKey(TextView key) {
+void ProcessRegistry::CreateKey(WideStringView key) {
     const std::lock_guard lock(mutex_);
     Create(key);
 }
 
-void ProcessRegistry::SetValue(TextView key, TextView name, Value value) {
+void ProcessRegistry::SetValue(WideStringView key, WideStringView name, Value value) {
     const std::lock_guard lock(mutex_);
     Values& values = Create(key)->second;
     const auto found = values.find(name);
@@ -50,22 +50,22 @@ void ProcessRegistry::SetValue(TextView key, TextView name, Value value) {
         values.emplace(name, std::move(value));
 }
 
-bool ProcessRegistry::HasKey(TextView key) const {
+bool ProcessRegistry::HasKey(WideStringView key) const {
     const std::lock_guard lock(mutex_);
     return keys_.contains(key);
 }
 
-std::optional<ProcessRegistry::Text> ProcessRegistry::FindText(TextView key, TextView name) const {
+std::optional<WideString> ProcessRegistry::FindText(WideStringView key, WideStringView name) const {
     const std::lock_guard lock(mutex_);
     const auto found = keys_.find(key);
     if (found == keys_.end()) return std::nullopt;
     const auto value = found->second.find(name);
     if (value == found->second.end()) return std::nullopt;
-    const auto* text = std::get_if<Text>(&value->second);
+    const auto* text = std::get_if<WideString>(&value->second);
     return text ? std::optional(*text) : std::nullopt;
 }
 
-bool ProcessRegistry::DeleteValue(TextView key, TextView name) {
+bool ProcessRegistry::DeleteValue(WideStringView key, WideStringView name) {
     const std::lock_guard lock(mutex_);
     const auto found = keys_.find(key);
     if (found == keys_.end()) return false;
@@ -76,12 +76,12 @@ bool ProcessRegistry::DeleteValue(TextView key, TextView name) {
 }
 
 // Paths that begin with the same units lie side by side in the map.
-ProcessRegistry::Keys::iterator ProcessRegistry::EndOfTree(Keys::iterator below, TextView key) {
+ProcessRegistry::Keys::iterator ProcessRegistry::EndOfTree(Keys::iterator below, WideStringView key) {
     while (below != keys_.end() && LiesBelow(below->first, key)) ++below;
     return below;
 }
 
-bool ProcessRegistry::DeleteTree(TextView key) {
+bool ProcessRegistry::DeleteTree(WideStringView key) {
     const std::lock_guard lock(mutex_);
     const auto found = keys_.find(key);
     if (found == keys_.end()) return false;
@@ -91,7 +91,7 @@ bool ProcessRegistry::DeleteTree(TextView key) {
     return true;
 }
 
-bool ProcessRegistry::DeleteIfEmpty(TextView key) {
+bool ProcessRegistry::DeleteIfEmpty(WideStringView key) {
     const std::lock_guard lock(mutex_);
     const auto found = keys_.find(key);
     if (found == keys_.end() || !found->second.empty()) return false;
@@ -116,8 +116,8 @@ HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progid) {
     OLECHAR identifier[39];
     StringFromGUID2(clsid, identifier, 39);
     try {
-        const auto found = ProcessRegistry::OfThisProcess().FindText(
-            ProcessRegistry::Text(u"HKCR\\CLSID\\") + identifier + u"\\ProgID", u"");
+        const auto found =
+            ProcessRegistry::OfThisProcess().FindText(WideString(u"HKCR\\CLSID\\") + identifier + u"\\ProgID", u"");
         if (!found) return REGDB_E_CLASSNOTREG;
         auto* text = static_cast<OLECHAR*>(CoTaskMemAlloc((found->size() + 1) * sizeof(OLECHAR)));
         if (!text) return E_OUTOFMEMORY;

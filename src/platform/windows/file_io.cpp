@@ -37,7 +37,7 @@ bool StartsWith(const std::wstring& text, std::wstring_view start) { return text
 // The absolute path, in the form without a limit of length where it, or the name of a temporary file in the same folder, would reach
 // the classical limit (260 with the terminator). Empty for a path that names no file: an empty one, one with a character 0,
 // a device ("NUL", "COM1", "\\.\PhysicalDrive0").
-std::wstring NativePath(std::basic_string_view<OLECHAR> path) {
+std::wstring NativePath(WideStringView path) {
     const std::wstring given(path);
     if (given.empty() || given.find(L'\0') != given.npos) return {};
     if (StartsWith(given, L"\\\\?\\")) return given;  // the caller's own choice, not to be interpreted
@@ -97,7 +97,7 @@ std::wstring TargetOf(const std::wstring& path) {
 
 }  // namespace
 
-ReadStatus ReadWholeFile(std::basic_string_view<OLECHAR> path, FileContent& content, size_t maximum) {
+ReadStatus ReadWholeFile(WideStringView path, FileContent& content, size_t maximum) {
     content = {};
     const std::wstring name = NativePath(path);
     if (name.empty()) return ReadStatus::CannotOpen;
@@ -125,7 +125,7 @@ ReadStatus ReadWholeFile(std::basic_string_view<OLECHAR> path, FileContent& cont
     return ReadStatus::Done;
 }
 
-bool WriteWholeFile(std::basic_string_view<OLECHAR> path, std::span<const uint8_t> bytes) {
+bool WriteWholeFile(WideStringView path, std::span<const uint8_t> bytes) {
     std::wstring place = NativePath(path);
     if (place.empty()) return false;
     place = TargetOf(place);

@@ -1,4 +1,4 @@
-#include "files/text_encoding.hpp"
+#include "text/encoding.hpp"
 
 #include <cstddef>
 
@@ -50,33 +50,38 @@ void AppendUtf8(std::string& bytes, uint32_t character) {
 
 }  // namespace
 
-FileString FromLatin1(std::span<const uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
+WideString FromLatin1(std::span<const uint8_t> bytes) { return {bytes.begin(), bytes.end()}; }
 
-FileString FromUtf8(std::span<const uint8_t> bytes) {
-    FileString text;
-    text.reserve(bytes.size());
+size_t FromUtf8(std::span<const uint8_t> bytes, OLECHAR* to) noexcept {
+    OLECHAR* const begin = to;
     while (!bytes.empty()) {
         size_t length = 0;
         uint32_t character = DecodeUtf8(bytes, length);
         bytes = bytes.subspan(length);
         if (character == kMalformed) character = kReplacement;
         if (character >= 0x10000) {
-            text.push_back(static_cast<OLECHAR>(0xD7C0u + (character >> 10)));  // 0xD800 - (0x10000 >> 10)
+            *to++ = static_cast<OLECHAR>(0xD7C0u + (character >> 10));  // 0xD800 - (0x10000 >> 10)
             character = 0xDC00u | (character & 0x3FFu);
         }
-        text.push_back(static_cast<OLECHAR>(character));
+        *to++ = static_cast<OLECHAR>(character);
     }
+    return static_cast<size_t>(to - begin);
+}
+
+WideString FromUtf8(std::span<const uint8_t> bytes) {
+    WideString text(bytes.size(), 0);
+    text.resize(FromUtf8(bytes, text.data()));
     return text;
 }
 
-std::string ToLatin1(FileStringView text) {
+std::string ToLatin1(WideStringView text) {
     std::string bytes;
     bytes.reserve(text.size());
     for (const OLECHAR unit : text) bytes.push_back(static_cast<char>(unit));
     return bytes;
 }
 
-std::string ToUtf8Bytes(FileStringView text) {
+std::string ToUtf8Bytes(WideStringView text) {
     std::string bytes;
     bytes.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {

@@ -1,4 +1,4 @@
-#include "files/text_encoding.hpp"
+#include "text/encoding.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 TEST(TextEncoding, CharactersOfEveryLengthGoBothWays) {
     const std::string bytes = "A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
-    const FileString text = {'A',    0x7F,   0x80,   0x7FF,  0x800,
+    const WideString text = {'A',    0x7F,   0x80,   0x7FF,  0x800,
                              0xFFFF, 0xD800, 0xDC00, 0xDBFF, 0xDFFF};  // the ends of each range
     EXPECT_TRUE(FromUtf8(FromText(bytes)) == text);
     EXPECT_EQ(bytes, ToUtf8Bytes(text));
@@ -30,13 +30,13 @@ TEST(TextEncoding, EveryByteThatStartsNoCharacterBecomesAReplacement) {
           Case{"last surrogate", {0xED, 0xBF, 0xBF}, 3}, Case{"above U+10FFFF", {0xF4, 0x90, 0x80, 0x80}, 4},
           Case{"five bytes", {0xF8, 0x88, 0x80, 0x80, 0x80}, 5}, Case{"cut off", {0xE2, 0x82}, 2},
           Case{"interrupted", {0xE2, 'x'}, 1}, Case{"never used", {0xFE, 0xFF}, 2}}) {
-        const FileString text = FromUtf8(c.bytes + Bytes{'z'});
-        FileString expected(c.replacements, OLECHAR{0xFFFD});
+        const WideString text = FromUtf8(c.bytes + Bytes{'z'});
+        WideString expected(c.replacements, OLECHAR{0xFFFD});
         if (std::string_view(c.name) == "interrupted") expected.push_back('x');
-        EXPECT_TRUE(text == expected + FileString(OLESTR("z"))) << c.name;
+        EXPECT_TRUE(text == expected + WideString(OLESTR("z"))) << c.name;
     }
-    for (const FileString& half :
-         {FileString{0xD800}, FileString{0xDC00}, FileString{0xDC00, 0xD800}, FileString{0xD800, 0xD800}})
+    for (const WideString& half :
+         {WideString{0xD800}, WideString{0xDC00}, WideString{0xDC00, 0xD800}, WideString{0xD800, 0xD800}})
         EXPECT_EQ(half.size() == 1 ? "\xEF\xBF\xBD" : "\xEF\xBF\xBD\xEF\xBF\xBD", ToUtf8Bytes(half));
 }
 

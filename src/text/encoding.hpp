@@ -1,0 +1,25 @@
+// Texts of files: Latin-1 or UTF-8 there, UTF-16 here.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "text/wide_string.hpp"
+
+namespace orlix {
+
+WideString FromLatin1(std::span<const uint8_t> bytes);
+
+// Malformed sequences (truncated, overlong, surrogates, beyond U+10FFFF) become U+FFFD, one for each byte that starts none.
+WideString FromUtf8(std::span<const uint8_t> bytes);
+// The same into memory for bytes.size() units, without a terminator. Returns how many were written.
+size_t FromUtf8(std::span<const uint8_t> bytes, OLECHAR* to) noexcept;
+
+// Precondition: every character is below 256.
+std::string ToLatin1(WideStringView text);
+
+// Half a surrogate pair becomes U+FFFD.
+std::string ToUtf8Bytes(WideStringView text);
+
+}  // namespace orlix
