@@ -47,5 +47,5 @@ private:
     orlix::ShapeRegion shape_;
     std::array<SRun, 2> handedOut_ = {};  // the runs of the row asked for last
     OLE_COLOR color_ = 0x0000FF00;        // 0x00BBGGRR: green
-    WideString description_;
+    orlix::WideString description_;
 };

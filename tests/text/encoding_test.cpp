@@ -2,16 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include "files/hand_made.hpp"
+#include <string>
+#include <vector>
 
-namespace orlix::test {
+namespace orlix::testing {
 namespace {
+
+using Bytes = std::vector<uint8_t>;
 
 TEST(TextEncoding, CharactersOfEveryLengthGoBothWays) {
     const std::string bytes = "A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
     const WideString text = {'A',    0x7F,   0x80,   0x7FF,  0x800,
                              0xFFFF, 0xD800, 0xDC00, 0xDBFF, 0xDFFF};  // the ends of each range
-    EXPECT_TRUE(FromUtf8(FromText(bytes)) == text);
+    EXPECT_TRUE(FromUtf8(Bytes(bytes.begin(), bytes.end())) == text);
     EXPECT_EQ(bytes, ToUtf8Bytes(text));
     EXPECT_TRUE(FromLatin1(Bytes{'a', 0xFF}) == OLESTR("a\u00FF"));
     EXPECT_EQ("a\xFF", ToLatin1(OLESTR("a\u00FF")));
@@ -30,7 +33,9 @@ TEST(TextEncoding, EveryByteThatStartsNoCharacterBecomesAReplacement) {
           Case{"last surrogate", {0xED, 0xBF, 0xBF}, 3}, Case{"above U+10FFFF", {0xF4, 0x90, 0x80, 0x80}, 4},
           Case{"five bytes", {0xF8, 0x88, 0x80, 0x80, 0x80}, 5}, Case{"cut off", {0xE2, 0x82}, 2},
           Case{"interrupted", {0xE2, 'x'}, 1}, Case{"never used", {0xFE, 0xFF}, 2}}) {
-        const WideString text = FromUtf8(c.bytes + Bytes{'z'});
+        Bytes bytes = c.bytes;
+        bytes.push_back('z');
+        const WideString text = FromUtf8(bytes);
         WideString expected(c.replacements, OLECHAR{0xFFFD});
         if (std::string_view(c.name) == "interrupted") expected.push_back('x');
         EXPECT_TRUE(text == expected + WideString(OLESTR("z"))) << c.name;
@@ -41,4 +46,4 @@ TEST(TextEncoding, EveryByteThatStartsNoCharacterBecomesAReplacement) {
 }
 
 }  // namespace
-}  // namespace orlix::test
+}  // namespace orlix::testing

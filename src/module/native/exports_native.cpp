@@ -30,7 +30,8 @@ HRESULT EnsureRegistered() noexcept {
 bool IsRegistered(REFCLSID clsid) {
     OLECHAR identifier[39];
     StringFromGUID2(clsid, identifier, 39);
-    return ProcessRegistry::OfThisProcess().HasKey(WideString(u"HKCR\\CLSID\\") + identifier + u"\\InprocServer32");
+    return ProcessRegistry::OfThisProcess().HasKey(orlix::WideString(u"HKCR\\CLSID\\") + identifier +
+                                                   u"\\InprocServer32");
 }
 
 }  // namespace
@@ -60,7 +61,8 @@ HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* clsid) {
     HRESULT found = CO_E_CLASSSTRING;
     const HRESULT result = orlix::ResultOf([&] {
         using orlix::ProcessRegistry;
-        const auto text = ProcessRegistry::OfThisProcess().FindText(WideString(u"HKCR\\") + progid + u"\\CLSID", u"");
+        const auto text =
+            ProcessRegistry::OfThisProcess().FindText(orlix::WideString(u"HKCR\\") + progid + u"\\CLSID", u"");
         if (text) found = CLSIDFromString(text->c_str(), clsid);
     });
     return FAILED(result) ? result : found;

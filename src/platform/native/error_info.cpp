@@ -58,14 +58,14 @@ public:
 private:
     ~ErrorInfo() = default;
 
-    static HRESULT Copy(const WideString& from, BSTR* to) noexcept {
+    static HRESULT Copy(const orlix::WideString& from, BSTR* to) noexcept {
         if (!to) return E_POINTER;
         *to = nullptr;
         if (from.empty()) return S_OK;
         *to = SysAllocStringLen(from.data(), static_cast<UINT>(from.size()));
         return *to ? S_OK : E_OUTOFMEMORY;
     }
-    static HRESULT Store(LPOLESTR from, WideString& to) noexcept {
+    static HRESULT Store(LPOLESTR from, orlix::WideString& to) noexcept {
         try {
             to = from ? from : u"";
             return S_OK;
@@ -76,7 +76,7 @@ private:
 
     std::atomic<ULONG> references_{0};
     GUID guid_ = GUID_NULL;
-    WideString source_, description_, helpFile_;
+    orlix::WideString source_, description_, helpFile_;
     DWORD helpContext_ = 0;
 };
 
