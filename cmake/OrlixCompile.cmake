@@ -2,8 +2,8 @@
 
 # Results are the same bits on every build: SSE2 arithmetic on 32-bit too, no fused multiply-add.
 add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wconversion;-Wshadow;-ffp-contract=off>")
-# What clang calls -Wconversion includes more than GCC's, which the sources are written for: changes of sign, and sizes that
-# came from an int and go back into one.
+# Clang's -Wconversion warns of more than GCC's, which the sources are written for: of changes of sign, and of sizes
+# that came from an int and go back into one.
 add_compile_options("$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-sign-conversion;-Wno-shorten-64-to-32>")
 if(ORLIX_WARNINGS_ARE_ERRORS)
     add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:-Werror>")

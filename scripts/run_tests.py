@@ -68,7 +68,7 @@ def indent(text):
     return "\n".join("    " + line for line in text.rstrip().splitlines())
 
 
-# ------------------------------------------------------------------------------------------------------------- processes
+# ------------------------------------------------------------------------------------------------------------ processes
 
 
 class Outcome:
@@ -114,7 +114,7 @@ def problem_of(command, seconds=120, cwd=ROOT, env=None):
     return f"{' '.join(map(str, command))}\n{outcome.output}\n{outcome.ending()}"
 
 
-# ----------------------------------------------------------------------------------------------------------------- builds
+# --------------------------------------------------------------------------------------------------------------- builds
 
 built = {}
 
@@ -154,7 +154,7 @@ def is_built(test):
     return bool(test["command"]) and Path(test["command"][0]).exists()
 
 
-# ------------------------------------------------------------------------------------------------------------------ tests
+# ---------------------------------------------------------------------------------------------------------------- tests
 
 
 def without_successes(output):
@@ -209,8 +209,8 @@ def count(tally, name, outcome, place):
 
 
 class Choice:
-    """Some of the tests: patterns of GoogleTest, 'SUITE.TEST' with * and ?, several joined by colons, those after a dash
-    left out. A suite may be named as in its source, where its full name also tells a type or an instantiation."""
+    """Some of the tests, by patterns of GoogleTest: 'SUITE.TEST' with * and ?, joined by colons; a dash leaves out what
+    follows it. A suite may be named as in its source, where its full name also tells a type or an instantiation."""
 
     NAMED = re.compile(r"([\w*?]+)\.([\w*?]+)")
 
@@ -281,7 +281,7 @@ def run_tests(tally, preset, launcher=()):
 
 
 def programs(preset):
-    """The targets to build for the tests; none stands for all. Raises NothingChosen when no source has a chosen test."""
+    """The targets to build for the tests; none stands for all. NothingChosen when no source has a chosen test."""
     if not choice:
         return []
     folders = choice.folders(preset)
@@ -302,7 +302,7 @@ def asan(tally):
     run_tests(tally, "asan")
 
 
-# ---------------------------------------------------------------------------------------------------------------- Windows
+# -------------------------------------------------------------------------------------------------------------- Windows
 
 COMPILER = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}
 
@@ -374,7 +374,7 @@ def win64(tally):
     windows(tally, 64)
 
 
-# ----------------------------------------------------------------------------------------------------------------- viewer
+# --------------------------------------------------------------------------------------------------------------- viewer
 
 
 def viewer(tally):
@@ -383,7 +383,7 @@ def viewer(tally):
     run_checks(tally, [sys.executable, ROOT / "tests" / "viewer" / "run.py", BUILD / "win32"], 400)
 
 
-# ----------------------------------------------------------------------------------------------------------------- checks
+# --------------------------------------------------------------------------------------------------------------- checks
 
 
 def checks(tally):
@@ -428,7 +428,7 @@ def run_checks(tally, command, seconds):
             say(line)
 
 
-# --------------------------------------------------------------------------------------------------------------- consumer
+# ------------------------------------------------------------------------------------------------------------- consumer
 
 
 def readme_project(tally):
@@ -562,7 +562,7 @@ def consumer_by_pkg_config(tally, stage):
     tally.check("native: the program built with pkg-config runs", problem_of([result], env=environment))
 
 
-# ------------------------------------------------------------------------------------------------------------------- main
+# ----------------------------------------------------------------------------------------------------------------- main
 
 PARTS = {part.__name__: part for part in (native, asan, win32, win64, viewer, checks, consumer, tidy)}
 
@@ -582,7 +582,8 @@ def main():
     if patterns:
         choice = Choice(patterns)
         if not parts or not set(parts) <= set(PROGRAM_SECONDS):
-            parser.error(f"a pattern chooses tests of {', '.join(PROGRAM_SECONDS)}: scripts/test native '{patterns[0]}'")
+            with_tests = ", ".join(PROGRAM_SECONDS)
+            parser.error(f"a pattern chooses tests of {with_tests}: scripts/test native '{patterns[0]}'")
 
     total = Tally("total")
     for name in parts or [part for part in PARTS if part != "tidy"]:
