@@ -1,6 +1,7 @@
-// OpenCV beside the library, on one thread: the call that a user would make for the same purpose, in place where the library
-// works in place. It makes byte masks instead of bits, saturates where the library's image addition wraps round, and has
-// moments and deviations in two calls. Its filters mirror the border in the same way and round to nearest.
+// OpenCV beside the library, on one thread: the call that a user would make for the same purpose, in place where the
+// library works in place. It makes byte masks instead of bits, saturates where the library's image addition wraps
+// round, and has moments and deviations in two calls. Its filters mirror the border in the same way and round to
+// nearest.
 #include <benchmark/benchmark.h>
 
 #include <functional>

@@ -9,8 +9,9 @@
 
 namespace orlix::bench {
 
-// A synthetic micrograph: soft-edged bright grains on a darker, tilted ground, and normal noise of 5 grey levels. Grey levels
-// of 0..255 for uint8_t, 257 times as much for uint16_t, and with their fractions for float. The same at every call.
+// A synthetic micrograph: soft-edged bright grains on a darker, tilted ground, and normal noise of 5 grey levels. Grey
+// levels of 0..255 for uint8_t, 257 times as much for uint16_t, and with their fractions for float. The same at every
+// call.
 template <class T>
 const std::vector<T>& Picture(int size);
 

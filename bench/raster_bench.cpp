@@ -1,5 +1,6 @@
-// The raster surface beside a plain copy of as many 32-bit pixels, and OpenCV's resize where installed, on one thread: a window
-// of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit pixels by its conversion of colours.
+// The raster surface beside a plain copy of as many 32-bit pixels, and OpenCV's resize where installed, on one thread:
+// a window of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit pixels by its conversion of
+// colours.
 #include <benchmark/benchmark.h>
 
 #include <cstring>

@@ -1,5 +1,6 @@
 // Robust fits: one trial of the plane beside memcpy of the same picture, and whole searches. A trial is
-//   near   scored 5 % above the best one, so that nearly the whole picture is read before it is clear that it does not win;
+//   near   scored 5 % above the best one, so that nearly the whole picture is read before it is clear that it does not
+//          win;
 //   far    scored many times above it;
 //   winner scored in full.
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
-// Saving into and loading from a stream in memory, beside zlib alone on the same bytes ("zlib" compresses into a buffer, and
-// decompresses into memory, that is there already).
+// Saving into and loading from a stream in memory, beside zlib alone on the same bytes ("zlib" compresses into a
+// buffer, and decompresses into memory, that is there already).
 #include <benchmark/benchmark.h>
 #include <zlib.h>
 #include <orlix/client.hpp>

@@ -62,7 +62,8 @@ struct Disk {
     double x, y, radius;
 };
 
-// Centres known so far, in square cells as wide as the largest distance that matters, so that a question looks at 9 cells.
+// Centres known so far, in square cells as wide as the largest distance that matters, so that a question looks at 9
+// cells.
 class Neighbours {
 public:
     Neighbours(int32_t width, int32_t height, double reach)
@@ -180,7 +181,8 @@ private:
         for (double& value : k) value *= specimen_.levelScale;
     }
 
-    // Straight, one pixel wide, each of its own depth; they end at the border or on the surface, and particles cover them.
+    // Straight, one pixel wide, each of its own depth; they end at the border or on the surface, and particles cover
+    // them.
     void MakeScratches() {
         const SpecimenSettings& s = Settings();
         for (int32_t i = 0; i < s.scratches; ++i) {
@@ -281,7 +283,8 @@ private:
             }
     }
 
-    // Weights 1 2 1 along rows, then along columns; the border repeats. Symmetric, so a straight edge stays where it is.
+    // Weights 1 2 1 along rows, then along columns; the border repeats. Symmetric, so a straight edge stays where it
+    // is.
     void SoftenEdges() {
         const SpecimenSettings& s = Settings();
         std::vector<float> line;

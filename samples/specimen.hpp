@@ -1,12 +1,14 @@
 // Synthetic specimens: a polished surface under uneven light with dark (or bright) particles of known number and area,
 // scratches, pits and noise, and the truth about it.
 //
-//   grey(x,y) = background(x,y) + particle or scratch or pit contrast, edges softened with the 3x3 binomial kernel, + noise,
+//   grey(x,y) = background(x,y) + particle or scratch or pit contrast, edges softened with the 3x3 binomial kernel, +
+//   noise,
 //               clamped to the type's range and rounded half up
 //   background(x,y) = K0 + K1 y + K2 x + K3 y^2 + K4 x y + K5 x^2
 //
 // The same settings give the same pixels on every platform: integer random numbers, and of floating point only
-// + - * / sqrt and floor. Grey levels in the settings are those of an 8-bit image; for 16 bits they are multiplied by 257.
+// + - * / sqrt and floor. Grey levels in the settings are those of an 8-bit image; for 16 bits they are multiplied by
+// 257.
 #pragma once
 
 #include <array>
@@ -70,8 +72,8 @@ struct Specimen {
     std::array<double, 6> background = {};  // K0..K5 in levels of this image
 };
 
-// Every particle is one 4-connected set of pixels; particles keep at least 4 pixels between each other, to pits, and to the
-// image's border. Throws std::invalid_argument for settings out of range (width and height 16..32768; bits 8 or 16;
+// Every particle is one 4-connected set of pixels; particles keep at least 4 pixels between each other, to pits, and to
+// the image's border. Throws std::invalid_argument for settings out of range (width and height 16..32768; bits 8 or 16;
 // particles, scratches and pits 0..100000; radii 1 <= minimum <= maximum; finite levels, noise >= 0) and
 // std::runtime_error when the particles do not fit.
 Specimen MakeSpecimen(const SpecimenSettings& settings);

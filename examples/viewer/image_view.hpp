@@ -1,11 +1,11 @@
 // The view of an image in a window: everything in this example that uses the library.
 //
 // An image object is its own picture. It knows which part of it is shown (IPictureExZoom), draws that part on a window
-// (Render) and maps points of the window to pixels. So there is no drawing and no scaling here; what the program adds is the
-// rubber band, drawn from the event that tells of each drawing (IPictureExEvents).
+// (Render) and maps points of the window to pixels. So there is no drawing and no scaling here; what the program adds
+// is the rubber band, drawn from the event that tells of each drawing (IPictureExEvents).
 //
-// One rule holds everywhere: points are mapped as the picture was drawn LAST. So whoever changes the view has it drawn at
-// once (Redraw) and not at the next opportunity, when other messages may have come in between.
+// One rule holds everywhere: points are mapped as the picture was drawn LAST. So whoever changes the view has it drawn
+// at once (Redraw) and not at the next opportunity, when other messages may have come in between.
 #ifndef ORLIX_EXAMPLES_IMAGE_VIEW_HPP
 #define ORLIX_EXAMPLES_IMAGE_VIEW_HPP
 
@@ -21,8 +21,8 @@
 #include <iterator>
 #include <string>
 
-// Called by the picture whenever it has been drawn. While somebody is connected the picture is drawn into memory first, and
-// the context given here is that memory: picture and frame appear on the screen together, so nothing flickers.
+// Called by the picture whenever it has been drawn. While somebody is connected the picture is drawn into memory first,
+// and the context given here is that memory: picture and frame appear on the screen together, so nothing flickers.
 class RubberBand final : public IPictureExEvents {
 public:
     RECT frame = {};  // in the window's coordinates, which are those of the context; empty: none
@@ -126,8 +126,8 @@ public:
         drag_ = drag;
         first_ = last_ = point;
         SetCapture(window_);
-        // The centre may lie nearer to an edge of the image than half a view, which then does not move before the centre has
-        // come out of there. So a drag starts from what is seen.
+        // The centre may lie nearer to an edge of the image than half a view, which then does not move before the
+        // centre has come out of there. So a drag starts from what is seen.
         if (drag == Drag::Pan) PutCentre(MiddleOfView());
     }
 
@@ -212,8 +212,9 @@ private:
         picture_->put_ZoomCenterY(pixel.y);
     }
 
-    // ZoomInFromPoint and ZoomOutFromPoint bring the pixel under the pointer into the middle of the view. Here it is to stay
-    // under the pointer, so the centre is put where the former middle is then: nearer to that pixel when the scale has grown.
+    // ZoomInFromPoint and ZoomOutFromPoint bring the pixel under the pointer into the middle of the view. Here it is to
+    // stay under the pointer, so the centre is put where the former middle is then: nearer to that pixel when the scale
+    // has grown.
     void ZoomAbout(POINT point, bool in) {
         const Point fixed = ToImage(point.x + 0.5, point.y + 0.5), middle = MiddleOfView();
         double before = 1, after = 1;
@@ -229,9 +230,10 @@ private:
     void ZoomTo(const RECT& rectangle) {
         const LONG width = rectangle.right - rectangle.left, height = rectangle.bottom - rectangle.top;
         Check(picture_->ZoomFromRectangle(rectangle.left, rectangle.top, width, height));
-        // That has put the centre. The factor it leaves is not the magnification but the SHARE of the image that was selected
-        // (0.1 for a tenth of it), the smaller of the shares of width and height; and a factor below 1 shows the whole image.
-        // The magnification is the reciprocal, and must be that of the larger share for the whole rectangle to be seen.
+        // That has put the centre. The factor it leaves is not the magnification but the SHARE of the image that was
+        // selected (0.1 for a tenth of it), the smaller of the shares of width and height; and a factor below 1 shows
+        // the whole image. The magnification is the reciprocal, and must be that of the larger share for the whole
+        // rectangle to be seen.
         LONG imageWidth = 0, imageHeight = 0;
         TCoordinateMap toPixel = {};
         Check(picture_->get_Width(&imageWidth));

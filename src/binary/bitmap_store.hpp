@@ -31,14 +31,14 @@ public:
 
     static int32_t RowBytes(int32_t width) { return (width / 8 + (width % 8 != 0) + 1) / 2 * 2; }
 
-    // Bytes that the store already had keep their values under the new geometry, added ones are 0; zero clears them all.
-    // All rows become modified. "CBITMAP::Create: width must be positive", "CBITMAP::Create: height must be positive"; after
-    // these and std::bad_alloc the store is as it was.
+    // Bytes that the store already had keep their values under the new geometry, added ones are 0; zero clears them
+    // all. All rows become modified. "CBITMAP::Create: width must be positive", "CBITMAP::Create: height must be
+    // positive"; after these and std::bad_alloc the store is as it was.
     void Create(int32_t width, int32_t height, bool zero);
 
-    // Becomes a copy of the bitmap that a record describes, which may lie in this store's memory. Its rows may be longer or
-    // shorter than here; bytes it does not have are 0. Fails as Create does, and with FailedResult(E_FAIL) for a record that
-    // has no bits, bits that cannot be read, not one bit a pixel or rows too short for its width.
+    // Becomes a copy of the bitmap that a record describes, which may lie in this store's memory. Its rows may be
+    // longer or shorter than here; bytes it does not have are 0. Fails as Create does, and with FailedResult(E_FAIL)
+    // for a record that has no bits, bits that cannot be read, not one bit a pixel or rows too short for its width.
     void CopyFrom(const BITMAP& source);
 
     // All bytes, padding included. Marks no row.
@@ -66,8 +66,8 @@ public:
     void MarkModified(int32_t y) { modified_[static_cast<size_t>(y)] = true; }
     void ClearModified(int32_t y) { modified_[static_cast<size_t>(y)] = false; }
 
-    // Byte column and row offset for an index from -kMargin to max(rowBytes, height) + kMargin - 1, each held inside. Not a
-    // table: that of a bitmap a few pixels wide would be many times as large as the bitmap.
+    // Byte column and row offset for an index from -kMargin to max(rowBytes, height) + kMargin - 1, each held inside.
+    // Not a table: that of a bitmap a few pixels wide would be many times as large as the bitmap.
     IndexEntry Index(int64_t i) const {
         return {static_cast<int32_t>(std::clamp<int64_t>(i, 0, record_.bmWidthBytes - 1)),
                 static_cast<ptrdiff_t>(rowBytes() * std::clamp<int64_t>(i, 0, record_.bmHeight - 1))};

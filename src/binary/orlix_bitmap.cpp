@@ -12,7 +12,8 @@ constexpr char kLeftAboveRight[] = "IBitmapProcess::DrawHorizontalLine: left can
 
 }  // namespace
 
-// Every empty span has reported itself, and later rows do not take that back: the text stands although the drawing succeeds.
+// Every empty span has reported itself, and later rows do not take that back: the text stands although the drawing
+// succeeds.
 HRESULT OrlixBitmap::ResultOf(Drawing drawing) noexcept {
     if (drawing == Drawing::WithEmptySpans) ReportError(__uuidof(OrlixBitmap), kLeftAboveRight);
     return drawing == Drawing::Missed ? S_FALSE : S_OK;

@@ -24,9 +24,9 @@ CONNECTDATA Counted(const std::shared_ptr<const ConnectionPoint::Connection>& co
     return {connection->sink.get(), connection->cookie};
 }
 
-// Elements as they were when it was made. Interface is IEnumConnectionPoints or IEnumConnections. Clients may call back, and let
-// go of the enumerator, when a reference to them is taken, and call it from the last release of what it held: it is at its end
-// then.
+// Elements as they were when it was made. Interface is IEnumConnectionPoints or IEnumConnections. Clients may call
+// back, and let go of the enumerator, when a reference to them is taken, and call it from the last release of what it
+// held: it is at its end then.
 template <class Interface, class Out, class Element>
 class Enumerator final : public Interface {
 public:

@@ -10,8 +10,8 @@
 
 namespace orlix {
 
-// A member of the object that raises the events, which derives from IConnectionPointContainer and hands its two methods to this.
-// References to the point are references to the object. Notes:
+// A member of the object that raises the events, which derives from IConnectionPointContainer and hands its two methods
+// to this. References to the point are references to the object. Notes:
 //  (1) Cookies are 1, 2, ... in the order of the connections, and not used again.
 //  (2) Connecting or disconnecting during an event takes effect with the next one.
 class ConnectionPoint final : public IConnectionPoint {

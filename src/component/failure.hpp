@@ -19,8 +19,8 @@ private:
     HRESULT result_;
 };
 
-// There is no image, or it has no pixels that may be touched. The boundary gives the text, "IInterface::Method: no image.", in
-// the name of the method that was called; a method whose contract wants none has just E_FAIL.
+// There is no image, or it has no pixels that may be touched. The boundary gives the text, "IInterface::Method: no
+// image.", in the name of the method that was called; a method whose contract wants none has just E_FAIL.
 class NoImage : public std::exception {
 public:
     const char* what() const noexcept override { return "no image."; }
@@ -47,9 +47,9 @@ inline void Require(const void* pointer) {
     if (!pointer) throw FailedResult(E_POINTER);
 }
 
-// For calls on interfaces: S_OK and S_FALSE are returned, a failure is raised. Demand() makes it E_FAIL, as any internal
-// failure; PassOn() keeps the result, where the contract says so (regions, bitmaps and histograms that processing calls).
-// A text that the callee has reported stays reported.
+// For calls on interfaces: S_OK and S_FALSE are returned, a failure is raised. Demand() makes it E_FAIL, as any
+// internal failure; PassOn() keeps the result, where the contract says so (regions, bitmaps and histograms that
+// processing calls). A text that the callee has reported stays reported.
 inline HRESULT Demand(HRESULT result) {
     if (FAILED(result)) throw FailedResult(E_FAIL);
     return result;

@@ -15,12 +15,13 @@ struct MethodName {
     const char* method = "";
 };
 
-// Inside a handler: reports what was thrown in the name of the class and gives the method's result. A Failure is reported
-// with its text, NoImage in the name of the method; anything but these and FailedResult (no memory, ...) is a bare E_FAIL.
+// Inside a handler: reports what was thrown in the name of the class and gives the method's result. A Failure is
+// reported with its text, NoImage in the name of the method; anything but these and FailedResult (no memory, ...) is a
+// bare E_FAIL.
 HRESULT ResultOfCurrentException(const CLSID& clsid, const MethodName& name = {}) noexcept;
 
-// Runs the body of an interface method. The thread's error information is cleared first, so that after a failure it holds
-// this method's text or none. The body returns an HRESULT, or nothing for S_OK.
+// Runs the body of an interface method. The thread's error information is cleared first, so that after a failure it
+// holds this method's text or none. The body returns an HRESULT, or nothing for S_OK.
 template <class Body>
 HRESULT Guarded(const CLSID& clsid, Body&& body, const MethodName& name = {}) noexcept {
     const FloatingPointScope arithmetic;

@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-// Writes the text in UTF-16 with a terminator. `to` has room for capacity units, one for each byte of the text and one for the
-// terminator: enough for every code page. The code page is the thread's on Windows, UTF-8 elsewhere.
+// Writes the text in UTF-16 with a terminator. `to` has room for capacity units, one for each byte of the text and one
+// for the terminator: enough for every code page. The code page is the thread's on Windows, UTF-8 elsewhere.
 void Widen(const char* text, OLECHAR* to, size_t capacity) noexcept;
 
 // Overwrites the text with that of a string resource of this module. Where there is none the text stays.

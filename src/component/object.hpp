@@ -7,9 +7,10 @@
 // __uuidof(Class) is its CLSID. Notes:
 //  (1) An object lives as long as one of its methods runs, even where a client that the method calls gives the last
 //      reference back. So a method may use its object after it has called somebody else's code.
-//  (2) When the last reference is gone the object lets go of what belongs to clients (LetGo) while it is still whole, and
-//      from then on its methods fail with E_FAIL: a client whose own last reference this was may call back, and finds an
-//      object that does nothing. The destructor calls nobody. Who takes a reference even then keeps the memory, no more.
+//  (2) When the last reference is gone the object lets go of what belongs to clients (LetGo) while it is still whole,
+//      and from then on its methods fail with E_FAIL: a client whose own last reference this was may call back, and
+//      finds an object that does nothing. The destructor calls nobody. Who takes a reference even then keeps the
+//      memory, no more.
 #pragma once
 
 #include <atomic>
@@ -81,7 +82,8 @@ protected:
     Object() noexcept : inner_(*this) { LockModule(); }
     ~Object() { UnlockModule(); }
 
-    // With the interface of the method that calls this, whose name is taken from the call: what a NoImage is reported by.
+    // With the interface of the method that calls this, whose name is taken from the call: what a NoImage is reported
+    // by.
     template <class I = void, class Body>
     HRESULT Guarded(Body&& body, const char* method = __builtin_FUNCTION()) noexcept {
         const KeepAlive alive(inner_);

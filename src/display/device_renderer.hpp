@@ -20,14 +20,14 @@ public:
 
     // What to draw on a device rectangle. Nothing: there is nothing to be done, S_FALSE.
     using MakeDrawing = std::function<std::optional<PictureDrawing>(const Rectangle& dest)>;
-    // Draws what belongs over the picture on the context (HDC), the picture's own or one of memory that is then copied to it.
-    // kind is the client's context's.
+    // Draws what belongs over the picture on the context (HDC), the picture's own or one of memory that is then copied
+    // to it. kind is the client's context's.
     using DrawOver = std::function<void(void* context, RenderSourceType kind)>;
 
-    // hdcDest is an HDC or the address of one; dest is in its logical coordinates. The context is left with the settings
-    // that it had, also when something is raised. An empty drawOver: nothing belongs over the picture.
-    // A display (not a printer) on which something is drawn over the picture is drawn through a bitmap in memory, which is
-    // kept until another size is needed; where the system makes no such bitmap, directly.
+    // hdcDest is an HDC or the address of one; dest is in its logical coordinates. The context is left with the
+    // settings that it had, also when something is raised. An empty drawOver: nothing belongs over the picture.
+    // A display (not a printer) on which something is drawn over the picture is drawn through a bitmap in memory, which
+    // is kept until another size is needed; where the system makes no such bitmap, directly.
     // S_FALSE when the system does not draw the picture. Failures:
     //   "IPictureEx::Render: invalid HDC", "IPictureEx::Render: unable to BitBlt"
     HRESULT Render(void* hdcDest, const Rectangle& dest, const MakeDrawing& makeDrawing, const DrawOver& drawOver);

@@ -35,9 +35,10 @@ inline constexpr Variant<LevelFn<T>> kLevels[] = {
 
 namespace {  // used in files of every instruction set: each keeps its own copy
 
-// What the vector variants compute with, all in double: floor((c - zero) scale + half). With integers half is slightly more
-// than 0.5, so that a rounding of the scale and of the product cannot bring an exact half below the next whole number: all
-// that is not a half keeps a distance of 1 / (2 d) >= 2^-33 from one, and the roundings amount to less than 2^-42.
+// What the vector variants compute with, all in double: floor((c - zero) scale + half). With integers half is slightly
+// more than 0.5, so that a rounding of the scale and of the product cannot bring an exact half below the next whole
+// number: all that is not a half keeps a distance of 1 / (2 d) >= 2^-33 from one, and the roundings amount to less than
+// 2^-42.
 struct LevelLine {
     double least, most, zero, scale, half;
     template <class T>

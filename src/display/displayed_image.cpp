@@ -37,7 +37,8 @@ const DisplayBitmap& DisplayedImage::Display() {
     } else {
         const auto width = static_cast<size_t>(image.layout().width);
         const auto height = static_cast<size_t>(image.layout().height);
-        // At most 4/3 of the image's own bytes, as colours come from three bands or more: the product below does not overflow.
+        // At most 4/3 of the image's own bytes, as colours come from three bands or more: the product below does not
+        // overflow.
         const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
         current_ = false;
         bitmap_.pixels.Resize(height * rowStride);

@@ -18,10 +18,10 @@ struct ShownPixel {
 };
 
 // The operations are those of IDisplayProcess, which documents them. Notes:
-//  (1) The display range and the colour table stay while the pixel type stays; the band to display is set anew by a creation,
-//      as the band to process is.
-//  (2) Display() follows every change that goes through this class or is marked by store().SetModified(true). Whoever writes
-//      pixels through a pointer says so by PutDisplayDirty().
+//  (1) The display range and the colour table stay while the pixel type stays; the band to display is set anew by a
+//      creation, as the band to process is.
+//  (2) Display() follows every change that goes through this class or is marked by store().SetModified(true). Whoever
+//      writes pixels through a pointer says so by PutDisplayDirty().
 class DisplayedImage : public TypedImage {
 public:
     // Null for a type that OrlixImage does not create.
@@ -29,12 +29,12 @@ public:
 
     void ContentReplaced() override;
 
-    // The bitmap as it is now; computed anew only when something changed since the last call. Valid until the next call and
-    // until the image is released. Raises std::bad_alloc.
+    // The bitmap as it is now; computed anew only when something changed since the last call. Valid until the next call
+    // and until the image is released. Raises std::bad_alloc.
     const DisplayBitmap& Display();
 
-    // The pixel of the band that is shown, of band 0 where three are; (x, y) lies on the image. Nothing for an image whose pixels may not
-    // be touched.
+    // The pixel of the band that is shown, of band 0 where three are; (x, y) lies on the image. Nothing for an image
+    // whose pixels may not be touched.
     std::optional<ShownPixel> Shown(int32_t x, int32_t y);
 
     // For streams. band is BI_AllBands or below the number of bands.
@@ -63,8 +63,8 @@ protected:
     // EqualizeColorTable for the counts of the display levels.
     void Equalize(const uint64_t (&counts)[256]);
 
-    // For an image that is not empty: all of three bands or more are shown in colour (the first three of them), else the
-    // band that is chosen, or the first.
+    // For an image that is not empty: all of three bands or more are shown in colour (the first three of them), else
+    // the band that is chosen, or the first.
     bool ShowsColor();
     int32_t ShownBand() const { return state_.band == BI_AllBands ? 0 : state_.band; }
     // The component of the colour table for a channel: 0 red, 1 green, 2 blue.

@@ -10,8 +10,8 @@
 
 namespace orlix {
 
-// Counts the users of a library. The first one starts it, the last one shuts it down; a library that does not start is left
-// alone until the next first user. From any thread.
+// Counts the users of a library. The first one starts it, the last one shuts it down; a library that does not start is
+// left alone until the next first user. From any thread.
 class GraphicsUse {
 public:
     explicit GraphicsUse(std::unique_ptr<GraphicsLibrary> library) : library_(std::move(library)) {}

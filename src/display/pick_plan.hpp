@@ -20,9 +20,10 @@ inline constexpr size_t kPickBlock = 64;
 
 // What kernels see of a plan. Notes:
 //  (1) The columns do not decrease, or do not increase.
-//  (2) Unless ungrouped, group number g, columns g group .. (g + 1) group - 1, lies within window samples that begin at bases[g] and
-//      lie inside the row. Shuffles tell where: 0x80VVVVVV, V the distance from the base. They and the bases go on up to a
-//      multiple of kPickBlock columns as if the last column was repeated. Shuffles are aligned to 64 bytes.
+//  (2) Unless ungrouped, group number g, columns g group .. (g + 1) group - 1, lies within window samples that begin at
+//      bases[g] and lie inside the row. Shuffles tell where: 0x80VVVVVV, V the distance from the base. They and the
+//      bases go on up to a multiple of kPickBlock columns as if the last column was repeated. Shuffles are aligned to
+//      64 bytes.
 struct Picks {
     const int32_t* columns;
     size_t n;

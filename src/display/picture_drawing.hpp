@@ -19,8 +19,8 @@ public:
     // color: 0x00BBGGRR, the high byte is not used.
     virtual void Fill(const Rectangle& rectangle, OLE_COLOR color) = 0;
 
-    // The source rectangle, whose y counts from the bitmap's top row, becomes dest. Neither is empty and source lies inside the
-    // bitmap. False when the system does not draw it.
+    // The source rectangle, whose y counts from the bitmap's top row, becomes dest. Neither is empty and source lies
+    // inside the bitmap. False when the system does not draw it.
     virtual bool Draw(const DisplayBitmap& bitmap, const ColorTable& colors, const Rectangle& source,
                       const Rectangle& dest) = 0;
 };

@@ -22,15 +22,15 @@ using ExpandGreyFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n);
 using ExpandLevelsFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
 using ExpandPlanesFn = void (*)(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 
-// The same of some columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. Groups have one of
-// the shapes that stand beside the kernel in its table.
+// The same of some columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. Groups have
+// one of the shapes that stand beside the kernel in its table.
 template <class Fn>
 struct Picking {
     Fn fn;
     std::span<const PickShape> shapes;  // those for columns close together first
 };
-// next: the row that will be asked for after this one, or any other. Kernels may fetch from it, as the hardware does not
-// foresee where the next row lies.
+// next: the row that will be asked for after this one, or any other. Kernels may fetch from it, as the hardware does
+// not foresee where the next row lies.
 using PickGreyFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
 using PickLevelsFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
                               const LevelColors& colors);
@@ -41,11 +41,11 @@ using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight,
                              size_t n);
 
 // From columns of sums to levels; sums are at most 255 times 4096 and weights that go together sum to 4096.
-//   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left does not
-//                decrease or does not increase, by at most 1 from one to the next. kBeyond sums beyond the last that counts
-//                may be read.
-//   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is 4 or
-//                a multiple of 8; what reaches beyond a pixel's own columns has the weight 0, and may be read.
+//   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left does
+//                not decrease or does not increase, by at most 1 from one to the next. kBeyond sums beyond the last
+//                that counts may be read.
+//   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is 4
+//                or a multiple of 8; what reaches beyond a pixel's own columns has the weight 0, and may be read.
 inline constexpr size_t kBeyond = 17;
 using InterpolateFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
 using AverageFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights,

@@ -49,9 +49,9 @@ void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, c
 
 namespace {
 
-// A table of greys for 32 levels at a time. A shuffle takes the entry that the low half of a byte names, or 0 where bit 7 is
-// set; each step takes 16 off. A byte b below 128 so meets the rows 0 .. b / 16 of its half of the table: each is the
-// exclusive or of the row wanted there and the one before.
+// A table of greys for 32 levels at a time. A shuffle takes the entry that the low half of a byte names, or 0 where bit
+// 7 is set; each step takes 16 off. A byte b below 128 so meets the rows 0 .. b / 16 of its half of the table: each is
+// the exclusive or of the row wanted there and the one before.
 class GreyTable {
 public:
     explicit GreyTable(const uint8_t* greys) {

@@ -6,8 +6,8 @@ namespace {
 
 constexpr size_t kLanes = 64;
 
-// Byte permutations: threefold[k] takes pixels 16 k .. 16 k + 15 of 64 bytes and repeats each three times. The fourth byte of
-// a pixel is masked off.
+// Byte permutations: threefold[k] takes pixels 16 k .. 16 k + 15 of 64 bytes and repeats each three times. The fourth
+// byte of a pixel is masked off.
 struct Indices {
     uint8_t threefold[4][64];
     uint32_t turned[16];  // double words of a 4 x 4 matrix, transposed

@@ -102,7 +102,8 @@ public:
             pickLevels_.fn(to, RowOf(row), picks, RowOf(next), colors_);
     }
 
-    // One channel (0 red, 1 green, 2 blue) of ascending columns: a pointer into the picture, or to scratch (a byte a column).
+    // One channel (0 red, 1 green, 2 blue) of ascending columns: a pointer into the picture, or to scratch (a byte a
+    // column).
     const uint8_t* Channel(size_t channel, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
         const size_t n = columns.size();
         const bool dense = columns.back() - columns.front() == static_cast<int32_t>(n) - 1;
@@ -183,8 +184,8 @@ private:
 // Neighbouring destination columns with the source columns that they are made of.
 class ColumnTile {
 public:
-    // Destination pixels from index `first` on, up to `end` or until enough source columns have come together. The sums of
-    // so many columns stay in the processor's fastest memory.
+    // Destination pixels from index `first` on, up to `end` or until enough source columns have come together. The sums
+    // of so many columns stay in the processor's fastest memory.
     ColumnTile(const SmoothAxis& axis, int64_t origin, int64_t first, int64_t end, bool mirrored)
         : interpolates_(axis.interpolates()), first_(first) {
         constexpr size_t kEnough = 8192;

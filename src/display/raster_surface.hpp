@@ -13,8 +13,8 @@ constexpr uint32_t PixelOfColor(uint32_t color) {
     return (color & 0xff) << 16 | (color & 0xff00) | (color >> 16 & 0xff);
 }
 
-// What is drawn: width x height pixels of somebody's memory, which must outlive the drawing. stride bytes lead from a row to
-// the row below it, and may be negative.
+// What is drawn: width x height pixels of somebody's memory, which must outlive the drawing. stride bytes lead from a
+// row to the row below it, and may be negative.
 struct RasterPicture {
     enum class Layout : uint8_t {
         Levels,  // one byte a pixel, which colors[byte] (256 entries, 0x00RRGGBB, high byte ignored) shows
@@ -28,17 +28,18 @@ struct RasterPicture {
 };
 
 enum class Scaling : uint8_t {
-    // Destination pixel i of n, counted from where the destination begins, shows source pixel floor((2 i + 1) s / (2 n)) of s, the
-    // one under its centre; along either axis.
+    // Destination pixel i of n, counted from where the destination begins, shows source pixel floor((2 i + 1) s / (2
+    // n)) of s, the one under its centre; along either axis.
     Nearest,
-    // Colours are averaged where the picture shrinks and interpolated where it grows, along each axis on its own: every channel is
-    // (sum of wy wx p + 2^23) / 2^24, rounded down, over the pixels and weights of SmoothAxis (smooth_axis.hpp). The source
-    // rectangle ends there: pixels outside it do not count. At the size of the source the same as Nearest.
+    // Colours are averaged where the picture shrinks and interpolated where it grows, along each axis on its own: every
+    // channel is (sum of wy wx p + 2^23) / 2^24, rounded down, over the pixels and weights of SmoothAxis
+    // (smooth_axis.hpp). The source rectangle ends there: pixels outside it do not count. At the size of the source the
+    // same as Nearest.
     Smooth,
 };
 
-// Memory of width x height pixels 0x00RRGGBB. stride pixels lead from a row to the row below it, and may be negative. The
-// surface holds a pointer: the memory is the client's. Whatever is drawn is clipped to it.
+// Memory of width x height pixels 0x00RRGGBB. stride pixels lead from a row to the row below it, and may be negative.
+// The surface holds a pointer: the memory is the client's. Whatever is drawn is clipped to it.
 class RasterSurface {
 public:
     RasterSurface(uint32_t* pixels, ptrdiff_t stride, int32_t width, int32_t height);
@@ -46,9 +47,9 @@ public:
     // Mirrored rectangles cover what they do after Normalized().
     void Fill(const Rectangle& rectangle, uint32_t pixel);
 
-    // source becomes dest, mirrored where dest is (see Rectangle). The high byte of the pixels becomes 0. Nothing is drawn when
-    // source does not lie inside the picture, when one of both is empty, or when dest is larger than 2^32 along an axis.
-    // Takes memory in proportion to the columns that are seen, not to the picture.
+    // source becomes dest, mirrored where dest is (see Rectangle). The high byte of the pixels becomes 0. Nothing is
+    // drawn when source does not lie inside the picture, when one of both is empty, or when dest is larger than 2^32
+    // along an axis. Takes memory in proportion to the columns that are seen, not to the picture.
     void Draw(const RasterPicture& picture, const Rectangle& source, const Rectangle& dest, Scaling scaling);
 
 private:

@@ -13,9 +13,9 @@ struct WeightedPixel {
 
 // source pixels become dest pixels; 0 < source < 2^31, 0 < dest <= 2^32. Destination pixel i covers the source from
 // i source / dest to (i + 1) source / dest.
-//   dest >= source           linear interpolation between the centres of two neighbours at its own centre. The right one has
-//                            the weight round(4096 f), f its share, the left one the rest; beyond the outermost centres the
-//                            outermost pixel.
+//   dest >= source           linear interpolation between the centres of two neighbours at its own centre. The right
+//                            one has the weight round(4096 f), f its share, the left one the rest; beyond the outermost
+//                            centres the outermost pixel.
 //   dest < source            the mean over what it covers: up to the end of any source pixel the weights sum to
 //                            round(4096 o), o the share that lies before that end.
 //   4096 dest < source       4096 pixels of equal weight, evenly spaced: floor((2 k + 1) source / (8192 dest)),
@@ -29,7 +29,8 @@ public:
     // At most two source pixels for each destination pixel, and the first moves on by at most 1 from pixel to pixel.
     bool interpolates() const { return dest_ >= source_; }
 
-    // In ascending positions; consecutive ones but in the last case. From pixel to pixel they overlap or follow each other.
+    // In ascending positions; consecutive ones but in the last case. From pixel to pixel they overlap or follow each
+    // other.
     void Get(int64_t i, std::vector<WeightedPixel>& pixels) const;
 
 private:

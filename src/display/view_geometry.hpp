@@ -11,8 +11,9 @@
 
 namespace orlix {
 
-// Columns x .. x + width - 1 and rows likewise. 64 bits hold every sum of 32-bit coordinates. On a surface the width or the
-// height may be negative: the picture is then mirrored, its first column lies at x and the others to the left of it.
+// Columns x .. x + width - 1 and rows likewise. 64 bits hold every sum of 32-bit coordinates. On a surface the width or
+// the height may be negative: the picture is then mirrored, its first column lies at x and the others to the left of
+// it.
 struct Rectangle {
     int64_t x = 0, y = 0, width = 0, height = 0;
     int64_t right() const { return x + width; }
@@ -37,8 +38,8 @@ PixelPoint Apply(const TCoordinateMap& map, double x, double y);
 
 // A rendered picture. Notes:
 //  (1) Surface pixel X covers X .. X + 1, image pixel x covers x - 0.5 .. x + 0.5; the maps carry edges to edges.
-//  (2) toDest and toPixel are inverse to each other. There and back moves a point by less than 1e-9 pixel while the image and
-//      the distance of the surface's origin, both in image pixels, stay below 2^20.
+//  (2) toDest and toPixel are inverse to each other. There and back moves a point by less than 1e-9 pixel while the
+//      image and the distance of the surface's origin, both in image pixels, stay below 2^20.
 struct View {
     Rectangle source;  // inside the image, never empty once rendered
     Rectangle dest;    // never empty once rendered; mirrored as the rectangle that was asked for
@@ -46,9 +47,9 @@ struct View {
     TCoordinateMap toPixel = kIdentityMap;
 };
 
-// The part of the image that a zoom shows. 1.0 is the whole image and so is anything below or NaN; otherwise width / factor
-// by height / factor pixels about the centre, both end pixels included, moved into the image where it would stick out. A centre
-// off the image counts as one at its edge, NaN as 0.
+// The part of the image that a zoom shows. 1.0 is the whole image and so is anything below or NaN; otherwise width /
+// factor by height / factor pixels about the centre, both end pixels included, moved into the image where it would
+// stick out. A centre off the image counts as one at its edge, NaN as 0.
 // width, height > 0.
 Rectangle SourceRectangle(int32_t width, int32_t height, double factor, double centerX, double centerY);
 
@@ -60,9 +61,9 @@ Rectangle GrownToAspect(const Rectangle& source, int32_t width, int32_t height, 
 
 enum class Placing { Centred, TopLeft };
 
-// The largest rectangle of the source's aspect inside dest, mirrored as dest is. The shorter size is rounded half up, is at least
-// one pixel, and is one more where that lets both bars have the same number of pixels. TopLeft puts it at (dest.x, dest.y).
-// Neither rectangle is empty.
+// The largest rectangle of the source's aspect inside dest, mirrored as dest is. The shorter size is rounded half up,
+// is at least one pixel, and is one more where that lets both bars have the same number of pixels. TopLeft puts it at
+// (dest.x, dest.y). Neither rectangle is empty.
 Rectangle Fitted(const Rectangle& source, const Rectangle& dest, Placing placing);
 
 // Maps between a source and the surface rectangle that it fills: A11 = fw / sw, OrgX = fx - (sx - 0.5) A11, y likewise.
@@ -72,12 +73,13 @@ View ViewOf(const Rectangle& source, const Rectangle& fitted);
 std::optional<View> MakeView(int32_t width, int32_t height, double factor, double centerX, double centerY,
                              const Rectangle& dest, Placing placing);
 
-// One surface pixel for each image pixel: pixel (sourceX, sourceY) lies where dest begins. Shows the part of dest that holds
-// pixels of the image; nothing when there is none.
+// One surface pixel for each image pixel: pixel (sourceX, sourceY) lies where dest begins. Shows the part of dest that
+// holds pixels of the image; nothing when there is none.
 std::optional<View> MakeUnscaledView(int32_t width, int32_t height, const Rectangle& dest, int32_t sourceX,
                                      int32_t sourceY);
 
-// What of dest the fitted rectangle inside it leaves over: left, top, bottom, right. Disjoint; sizes >= 0, any may be empty.
+// What of dest the fitted rectangle inside it leaves over: left, top, bottom, right. Disjoint; sizes >= 0, any may be
+// empty.
 std::array<Rectangle, 4> SurroundBands(const Rectangle& dest, const Rectangle& fitted);
 
 }  // namespace orlix

@@ -8,10 +8,11 @@
 namespace orlix {
 
 // Notes:
-//  (1) Every double and every integer is a defined argument. A factor is above 0 and may be infinite; a centre never is NaN.
+//  (1) Every double and every integer is a defined argument. A factor is above 0 and may be infinite; a centre never is
+//      NaN.
 //  (2) Points and rectangles are given on the surface and mapped by view.toPixel, the view that was rendered last.
-//  (3) The operations put the factor and the centre as a client does. A value that is refused leaves the old one, and the
-//      operation goes on: at the edge of the image PanLeft moves nothing.
+//  (3) The operations put the factor and the centre as a client does. A value that is refused leaves the old one, and
+//      the operation goes on: at the edge of the image PanLeft moves nothing.
 class ZoomState {
 public:
     int32_t width() const { return width_; }
@@ -40,11 +41,11 @@ public:
     // Centre at the point, then as above.
     void ZoomInFromPoint(const View& view, int32_t x, int32_t y);
     void ZoomOutFromPoint(const View& view, int32_t x, int32_t y);
-    // Centre in the middle of the rectangle. The factor becomes the smaller of the fractions (pixels + 1) / size of the image
-    // that the rectangle covers along x and y.
+    // Centre in the middle of the rectangle. The factor becomes the smaller of the fractions (pixels + 1) / size of the
+    // image that the rectangle covers along x and y.
     void ZoomFromRectangle(const View& view, int32_t x, int32_t y, int32_t width, int32_t height);
-    // From the middle of the view or from the centre, whichever is further in that direction, by one surface pixel but at
-    // least by one image pixel.
+    // From the middle of the view or from the centre, whichever is further in that direction, by one surface pixel but
+    // at least by one image pixel.
     void PanLeft(const View& view);
     void PanRight(const View& view);
     void ScrollUp(const View& view);

@@ -1,5 +1,5 @@
-// The stream form of an image: everything needed to rebuild it exactly. Numbers are little-endian, of 4 bytes where nothing
-// else is said; doubles are IEEE 754; a string is the number of its UTF-16 units, then the units.
+// The stream form of an image: everything needed to rebuild it exactly. Numbers are little-endian, of 4 bytes where
+// nothing else is said; doubles are IEEE 754; a string is the number of its UTF-16 units, then the units.
 //
 //   header   "qelo", double 1.0, pixel type code
 //   record   "imba", double 1.3
@@ -15,8 +15,8 @@
 //            T, then T text entries: double 1.0, keyword, text
 //            Z, then Z binary entries: double 1.0, keyword, number of bytes, bytes
 //
-// The size of a pixel in microns, where it is known, is the first binary entry: keyword "MicronsPerPixel", 16 bytes: x and y as
-// doubles.
+// The size of a pixel in microns, where it is known, is the first binary entry: keyword "MicronsPerPixel", 16 bytes: x
+// and y as doubles.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -33,8 +33,8 @@
 
 namespace orlix {
 
-// What a stream keeps of an image beside its content. Ranges are values of the pixel type. A reader gives a band to process
-// and a band to display that exist or are BI_AllBands, and a number of bins that the pixel type allows.
+// What a stream keeps of an image beside its content. Ranges are values of the pixel type. A reader gives a band to
+// process and a band to display that exist or are BI_AllBands, and a number of bins that the pixel type allows.
 struct StreamSettings {
     double luminanceLower = 0;
     double luminanceUpper = 0;
@@ -58,8 +58,8 @@ struct StreamBytes {
     std::array<std::span<const uint8_t>, 3> pieces() const { return {head, pixels.bytes(), tail}; }
 };
 
-// The content has pixels that may be read. "IPersistStreamInit::Save: the image is too large for a stream." where its pixels,
-// compressed or not, take 2^32 bytes or more.
+// The content has pixels that may be read. "IPersistStreamInit::Save: the image is too large for a stream." where its
+// pixels, compressed or not, take 2^32 bytes or more.
 StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings);
 
 // At least what WriteImageStream() gives; only the compressed pixels can be smaller than counted here, whose buffer has
@@ -81,10 +81,10 @@ struct StreamImage {
     StreamSettings settings;
 };
 
-// Reads up to the end of the record, and no byte beyond it. No number of the stream is believed: memory grows with what has
-// arrived (twice as much at most, and 64 KiB), pixels are allocated when so many compressed bytes have arrived that they
-// can be that many, sizes that follow from others must be equal to what they follow from, and the table must be that of the
-// geometry (entries without meaning are not looked at). Failures:
+// Reads up to the end of the record, and no byte beyond it. No number of the stream is believed: memory grows with what
+// has arrived (twice as much at most, and 64 KiB), pixels are allocated when so many compressed bytes have arrived that
+// they can be that many, sizes that follow from others must be equal to what they follow from, and the table must be
+// that of the geometry (entries without meaning are not looked at). Failures:
 //   "IPersistStreamInit::Load: not an image stream."               the first four bytes
 //   "IPersistStreamInit::Load: version compatibility problems."    of the header, the record or an entry
 //   FailedResult(E_FAIL)                                           a type that OrlixImage does not create, or no "imba"

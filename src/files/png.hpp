@@ -8,10 +8,11 @@ namespace orlix {
 // The first four bytes of the signature: what is damaged behind them is still a PNG file, though a bad one.
 bool LooksLikePng(std::span<const uint8_t> bytes) noexcept;
 
-// The structure is checked first, from the signature to the end chunk: lengths, types, order and checksum of every chunk.
-// Texts (plain, compressed, international) and the pixel size are taken wherever they stand; those with impossible
-// contents, with a keyword that IsFileKeyword() refuses, without text, or that decompress to more than a mebibyte (16 for
-// all of them together) are skipped as if they were not there. Other optional chunks are skipped. Failures:
+// The structure is checked first, from the signature to the end chunk: lengths, types, order and checksum of every
+// chunk. Texts (plain, compressed, international) and the pixel size are taken wherever they stand; those with
+// impossible contents, with a keyword that IsFileKeyword() refuses, without text, or that decompress to more than a
+// mebibyte (16 for all of them together) are skipped as if they were not there. Other optional chunks are skipped.
+// Failures:
 //   "IImageVPAEx::CreateFromPng: problems reading png header"
 //   "IImageVPAEx::CreateFromPng: the file is truncated."
 //   "IImageVPAEx::CreateFromPng: a checksum is wrong."

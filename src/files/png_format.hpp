@@ -9,8 +9,8 @@ namespace orlix::png {
 
 constexpr std::array<uint8_t, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
 
-// A chunk: length of its data (4 bytes), type (4 letters), data, CRC-32 of type and data (4 bytes). Numbers are big-endian
-// and below 2^31.
+// A chunk: length of its data (4 bytes), type (4 letters), data, CRC-32 of type and data (4 bytes). Numbers are
+// big-endian and below 2^31.
 constexpr size_t kChunkFrame = 12;
 constexpr uint32_t kLargestNumber = 0x7FFFFFFF;
 

@@ -26,7 +26,7 @@ using namespace png;
 [[noreturn]] void BadPalette() { Fail("IImageVPAEx::CreateFromPng: problems reading png palette"); }
 [[noreturn]] void BadPixels() { Fail("IImageVPAEx::CreateFromPng: problems reading png pixels"); }
 
-// ------------------------------------------------------------------------------------------------------------- structure
+// ----------------------------------------------------------------------------------------------------------- structure
 
 struct PngHeader {
     uint32_t width = 0, height = 0;
@@ -174,7 +174,7 @@ PngFile ParseFile(std::span<const uint8_t> bytes) {
     }
 }
 
-// ---------------------------------------------------------------------------------------------------------------- passes
+// -------------------------------------------------------------------------------------------------------------- passes
 
 // The pixels of a pass: columns x0, x0 + dx, ... of rows y0, y0 + dy, ...
 struct Pass {
@@ -208,7 +208,8 @@ void RequireEnoughBytes(const PngFile& file) {
     }
 }
 
-// Decompresses and unfilters all rows, calling row(pass, y in the image, pixels of the row, bytes). The bytes may be changed.
+// Decompresses and unfilters all rows, calling row(pass, y in the image, pixels of the row, bytes). The bytes may be
+// changed.
 template <class RowFunction>
 void DecodeRows(const PngFile& file, RowFunction&& row) {
     // Rows are decompressed many at a time, which is faster, into a block that stays in the cache.
@@ -245,7 +246,7 @@ void DecodeRows(const PngFile& file, RowFunction&& row) {
     if (!inflater.AtEnd()) BadPixels();
 }
 
-// --------------------------------------------------------------------------------------------------------------- samples
+// ------------------------------------------------------------------------------------------------------------- samples
 
 // Pixel x of a row whose samples have depth bits, at most 8, the first in the high bits.
 uint8_t IndexAt(const uint8_t* bytes, size_t x, uint8_t depth) {

@@ -20,7 +20,8 @@ public:
     // Samples of all bands, 0: no limit.
     explicit SampleLimit(int32_t samples) : samples_(samples) {}
 
-    // The geometry is positive, and its product below 2^64. Failures of the given result, whose texts begin with the method:
+    // The geometry is positive, and its product below 2^64. Failures of the given result, whose texts begin with the
+    // method:
     //   "<Method>: the image has 400000000 samples, more than the limit of 268435456."
     //   "<Method>: the image has 20000000 rows or columns, more than the limit of 16777216."
     void Require(int32_t width, int32_t height, int32_t bands, std::string_view method, HRESULT result) const;

@@ -58,8 +58,8 @@ void FindResults(PixelView<const T> from, const RegionRows& region, int64_t h, R
     columns.last = std::min(columns.last, int64_t{from.width()} + kTableMargin - 1 - h);
 }
 
-// One call of ExtremumSharpening. Strips of columns, each from top to bottom: so the blocks of rows that the running extremes
-// need stay in the second cache, while h allows.
+// One call of ExtremumSharpening. Strips of columns, each from top to bottom: so the blocks of rows that the running
+// extremes need stay in the second cache, while h allows.
 template <class T>
 class Sharpener {
 public:
@@ -132,8 +132,8 @@ private:
         return {low, low + stride_};
     }
 
-    // work(i, count) for columns i..i + count - 1 of n, a short piece of a row at a time, while the same piece of the row
-    // that is needed next is on its way. Its address may be null.
+    // work(i, count) for columns i..i + count - 1 of n, a short piece of a row at a time, while the same piece of the
+    // row that is needed next is on its way. Its address may be null.
     template <class Work>
     static void Ahead(const T* next, size_t n, const Work& work) {
         constexpr size_t kPiece = 1024 / sizeof(T), kLine = 64 / sizeof(T);
@@ -217,8 +217,8 @@ private:
         }
     }
 
-    // Mirrored columns are not read: their extremes are those of columns that are. Returns the columns to read, all of them
-    // where the table is not that simple.
+    // Mirrored columns are not read: their extremes are those of columns that are. Returns the columns to read, all of
+    // them where the table is not that simple.
     Range FindMargins(const Range& columns) {
         margins_.clear();
         const Range core = {std::max<int64_t>(columns.first, 0), std::min(columns.last, adjacent_ - 1)};

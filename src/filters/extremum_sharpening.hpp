@@ -10,16 +10,17 @@
 
 namespace orlix {
 
-// Every pixel p becomes the nearer one of the extremes of its square of side 2h + 1: mx, the largest of lower and the pixels
-// of the square, when p - mn >= mx - p, else mn, the smallest of upper and the pixels. T is uint8_t, uint16_t, uint32_t or
-// float. Notes:
-//  (1) The time per pixel hardly depends on h: extremes of columns are those of a suffix and a prefix of two adjacent blocks
-//      of 2h + 1 rows (van Herk 1992, Gil and Werman 1993), those of rows come from windows that grow fourfold.
-//  (2) The square is read through the table of from, margin included. Where it needs an entry outside -200 .. size + 199,
+// Every pixel p becomes the nearer one of the extremes of its square of side 2h + 1: mx, the largest of lower and the
+// pixels of the square, when p - mn >= mx - p, else mn, the smallest of upper and the pixels. T is uint8_t, uint16_t,
+// uint32_t or float. Notes:
+//  (1) The time per pixel hardly depends on h: extremes of columns are those of a suffix and a prefix of two adjacent
+//      blocks of 2h + 1 rows (van Herk 1992, Gil and Werman 1993), those of rows come from windows that grow fourfold.
+//  (2) The square is read through the table of from, margin included. Where it needs an entry outside -200 .. size +
+//      199,
 //      to(x, y) stays as it is; so for h > 200 only pixels away from the borders change.
 //  (3) A negative h makes the square empty: p becomes lower when p - upper >= lower - p, else upper.
-//  (4) float: differences are rounded to single precision. NaN in the square and limits that are NaN do not count; a pixel
-//      that is NaN becomes the quiet NaN 7fc00000. Zeros lose their sign.
+//  (4) float: differences are rounded to single precision. NaN in the square and limits that are NaN do not count; a
+//      pixel that is NaN becomes the quiet NaN 7fc00000. Zeros lose their sign.
 //  (5) Neither limit clamps: lower > upper is allowed.
 //  (6) from must not lie in the memory of to. std::bad_alloc when the scratch memory (about 0.5 MiB for small h, at
 //      most about the source's band with its margin) cannot be had; nothing has been written then, nor

@@ -16,8 +16,8 @@ struct ExtremaRow {
     operator ExtremaRow<const T>() const { return {low, high}; }
 };
 
-// What ExtremumSharpening is made of. All work on n columns and neither read nor write beyond what is said. Extrema are never
-// NaN, pixels that are NaN change none. Which zero an extreme of float is, is not stated.
+// What ExtremumSharpening is made of. All work on n columns and neither read nor write beyond what is said. Extrema are
+// never NaN, pixels that are NaN change none. Which zero an extreme of float is, is not stated.
 template <class T>
 struct ExtremumKernels {
     // to = from extended by the pixels. to may be from.
@@ -27,7 +27,8 @@ struct ExtremumKernels {
     void (*extendAndJoin)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
                           ExtremaRow<T> both, size_t n);
 
-    // to[i] = from[i], from[i + steps[0]], from[i + steps[1]] and from[i + steps[2]] together. from is readable that far.
+    // to[i] = from[i], from[i + steps[0]], from[i + steps[1]] and from[i + steps[2]] together. from is readable that
+    // far.
     void (*widen)(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
 
     // to[i] = the nearer of the extremes of square[i], square[i + step] and the limits, seen from pixels[i].

@@ -6,8 +6,8 @@
 namespace orlix {
 namespace {
 
-// at(i) for vectors from i on; the last one ends with column n and so may repeat some. False, and nothing was done, where n is
-// less than one vector.
+// at(i) for vectors from i on; the last one ends with column n and so may repeat some. False, and nothing was done,
+// where n is less than one vector.
 template <class Lanes, class At>
 [[gnu::always_inline]] inline bool ForEachVector(size_t n, const At& at) {
     if (n < Lanes::kLanes) return false;
@@ -46,8 +46,8 @@ concept Shifts = requires(size_t step) {
     Lanes::Step(step);
 };
 
-// use(low, high, i) for vectors as ForEachVector() has them: those of the rows at i and at i + steps[0], i + steps[1] ...
-// together.
+// use(low, high, i) for vectors as ForEachVector() has them: those of the rows at i and at i + steps[0], i + steps[1]
+// ... together.
 template <class Lanes, size_t kSteps, class Use, class T = typename Lanes::Pixel>
 [[gnu::always_inline]] inline bool ForEachWindow(ExtremaRow<const T> from, const size_t (&steps)[kSteps], size_t n,
                                                  const Use& use) {

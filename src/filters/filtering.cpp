@@ -10,8 +10,8 @@
 namespace orlix {
 namespace {
 
-// Columns at a time, so that the rows stay in the first cache. Prefetching much more than a kilobyte before it is needed keeps the
-// kernel waiting.
+// Columns at a time, so that the rows stay in the first cache. Prefetching much more than a kilobyte before it is
+// needed keeps the kernel waiting.
 constexpr int64_t kDirect = 1024;
 
 // Larger bands than this leave the second cache before the next row needs their samples again.
@@ -22,8 +22,9 @@ void Prefetch(const T* row, int64_t n) {
     for (int64_t i = 0; i < n; i += 64 / static_cast<int64_t>(sizeof(T))) __builtin_prefetch(row + i);
 }
 
-// Pixels whose samples do not lie side by side, gathered through the table. Images have one or two of them at either end of each
-// row, and calling a kernel costs as much as dozens of pixels: so they are filtered side by side, those of many rows in one call.
+// Pixels whose samples do not lie side by side, gathered through the table. Images have one or two of them at either
+// end of each row, and calling a kernel costs as much as dozens of pixels: so they are filtered side by side, those of
+// many rows in one call.
 template <class T>
 class GatheredPixels {
 public:

@@ -12,8 +12,9 @@
 namespace orlix {
 
 // Applies a kernel to the pixels of a region. T is uint8_t, uint16_t, uint32_t or float. Notes:
-//  (1) to(x, y) comes from from(x - r .. x + r, y - r .. y + r), read through the table of from, margin included. Where that
-//      needs an entry outside -200 .. size + 199, to(x, y) stays as it is: a source may be smaller than the destination.
+//  (1) to(x, y) comes from from(x - r .. x + r, y - r .. y + r), read through the table of from, margin included. Where
+//      that needs an entry outside -200 .. size + 199, to(x, y) stays as it is: a source may be smaller than the
+//      destination.
 //  (2) Where the columns of the source lie side by side the kernel reads them in place; the others (borders, tables of
 //      other components) are gathered into a short buffer. The kernel sees the same samples, so the bits are the same.
 //  (3) from must not lie in the memory of to, see SharesMemory().
@@ -37,13 +38,14 @@ private:
     FilterParameters<T> parameters_;
 };
 
-// Whether the samples of a view, margin included, may lie between two addresses. Compares the first and the last address
-// that the table can give, so an image whose rows are scattered around the other may be called sharing.
+// Whether the samples of a view, margin included, may lie between two addresses. Compares the first and the last
+// address that the table can give, so an image whose rows are scattered around the other may be called sharing.
 template <class T>
 bool SharesMemory(PixelView<const T> view, const void* begin, const void* end);
 
-// A copy of what a filter of the given radius (0 or more) can read of a source for destination columns 0..width-1 and rows
-// top..bottom, to be used in the place of the source. std::bad_alloc, or FailedResult(E_FAIL) where offsets leave 32 bits.
+// A copy of what a filter of the given radius (0 or more) can read of a source for destination columns 0..width-1 and
+// rows top..bottom, to be used in the place of the source. std::bad_alloc, or FailedResult(E_FAIL) where offsets leave
+// 32 bits.
 template <class T>
 class SourceCopy {
 public:

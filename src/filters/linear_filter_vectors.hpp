@@ -2,9 +2,11 @@
 //
 //     struct Lanes {
 //         using Pixel;                       uint8_t, uint16_t or float
-//         using Wide;                        a vector of sums: lanes of twice the size of integer pixels, float for float
+//         using Wide;                        a vector of sums: lanes of twice the size of integer pixels, float for
+//                                            float
 //         static constexpr size_t kPixels;   pixels of a block
-//         static constexpr int kPhases;      pixels that share a lane, 2 or 1: lane j of phase p is for pixel kPhases j + p
+//         static constexpr int kPhases;      pixels that share a lane, 2 or 1: lane j of phase p is for pixel kPhases j
+//         + p
 //         Lanes(const FilterParameters<Pixel>&);
 //         static void Load(const Pixel* from, Wide* phases);
 //         static Wide Add(a, b), Less(a, b); Less: integers stop at 0, which is what their clamp makes of less
@@ -14,8 +16,8 @@
 //         void Store(Pixel* to, const Wide* phases) const;  with the clamp
 //     };
 //
-// A block of a filter is formed in two steps: sums down the columns, the planes, then sums along the row. The columns of the
-// block before are not summed again, its lanes are shifted.
+// A block of a filter is formed in two steps: sums down the columns, the planes, then sums along the row. The columns
+// of the block before are not summed again, its lanes are shifted.
 #pragma once
 
 #include <cstddef>

@@ -27,8 +27,8 @@ template <class Lanes>
     return Lanes::Max(Lanes::Min(a, b), Lanes::Min(Lanes::Max(a, b), c));
 }
 
-// Columns sorted, the median is that of the greatest minimum, the middle one of the middles and the smallest maximum: each
-// of these three leaves four pixels that cannot be beyond it on either side.
+// Columns sorted, the median is that of the greatest minimum, the middle one of the middles and the smallest maximum:
+// each of these three leaves four pixels that cannot be beyond it on either side.
 template <class Lanes>
 [[gnu::always_inline]] inline typename Lanes::Vector MedianOf(const Column<Lanes>& l, const Column<Lanes>& c,
                                                               const Column<Lanes>& r) {
@@ -36,9 +36,9 @@ template <class Lanes>
                            Lanes::Min(Lanes::Min(l.high, c.high), r.high));
 }
 
-// Whether it was done: n is at least one vector. Inside the row each column is sorted once and shifted to its neighbours;
-// at the ends columns are read where they are, and the last vector ends with the row. SSE2 takes three instructions for a
-// shift and reads all columns where they are.
+// Whether it was done: n is at least one vector. Inside the row each column is sorted once and shifted to its
+// neighbours; at the ends columns are read where they are, and the last vector ends with the row. SSE2 takes three
+// instructions for a shift and reads all columns where they are.
 template <class Lanes, class T = typename Lanes::Pixel>
 [[gnu::always_inline]] inline bool MedianRow(const T* const* rows, T* to, size_t n) {
     constexpr size_t kLanes = Lanes::kLanes;

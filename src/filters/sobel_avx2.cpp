@@ -18,8 +18,8 @@ struct Bytes {
     ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
         : lower(_mm256_set1_epi8(static_cast<char>(p.lower))), upper(_mm256_set1_epi8(static_cast<char>(p.upper))) {}
 
-    // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again in
-    // the same order by packing.
+    // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again
+    // in the same order by packing.
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
         const auto load = [&](int k, ptrdiff_t dx) {
             return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p[k] + i + dx));
@@ -36,8 +36,8 @@ struct Bytes {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), clamped);
     }
 
-    // Pairs of bytes (A, I), (G, C), (D, F) and (B, H). The table entries are the rounded roots of the middles of buckets: the
-    // bits of the sum that count, then a one.
+    // Pairs of bytes (A, I), (G, C), (D, F) and (B, H). The table entries are the rounded roots of the middles of
+    // buckets: the bits of the sum that count, then a one.
     ORLIX_INLINE static __m256i Roots(const __m256i& al, const __m256i& gc, const __m256i& df, const __m256i& bh) {
         const __m256i once = _mm256_set1_epi16(0x01ff), twice = _mm256_set1_epi16(0x02fe);
         const __m256i s = _mm256_maddubs_epi16(al, once), t = _mm256_maddubs_epi16(gc, once);
@@ -81,8 +81,8 @@ struct Words {
         const __m256i v = _mm256_blend_epi32(even, _mm256_slli_epi64(odd, 32), 0xaa);
         const __m256i over = _mm256_blend_epi32(_mm256_srli_epi64(even, 32), odd, 0xaa);
 
-        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float, also
-        // when 2^32 is added to what was converted as a negative number.
+        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float,
+        // also when 2^32 is added to what was converted as a negative number.
         const __m256i zero = _mm256_setzero_si256();
         const auto below = [&](int bits) { return _mm256_cmpeq_epi32(_mm256_srli_epi32(v, bits), zero); };
         const __m256i narrow = below(16);

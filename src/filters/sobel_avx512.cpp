@@ -35,8 +35,8 @@ struct Bytes {
     ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
         : lower(_mm512_set1_epi8(static_cast<char>(p.lower))), upper(_mm512_set1_epi8(static_cast<char>(p.upper))) {}
 
-    // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again in
-    // the same order by packing.
+    // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again
+    // in the same order by packing.
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
         const auto load = [&](int k, ptrdiff_t dx) { return _mm512_loadu_si512(p[k] + i + dx); };
         const __m512i a = load(0, -1), b = load(0, 0), c = load(0, 1), d = load(1, -1), f = load(1, 1);

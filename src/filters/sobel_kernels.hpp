@@ -13,8 +13,8 @@ namespace orlix {
 //   16 bits  the table root of the sum, 65535 from 2^32 on;
 //   32 bits  floor(sqrt(gx^2 + gy^2) + 0.5) in double precision, the differences exact;
 //   float    sqrt(gx^2 + gy^2) in single precision, every step rounded: with d = I - A and e = C - G,
-//            gx = (d + e) + 2(F - D), gy = (d - e) + 2(H - B). NaN, which infinite neighbours can give too, is the quiet NaN
-//            7fc00000. Squares of gradients beyond 1.8e19 are infinite.
+//            gx = (d + e) + 2(F - D), gy = (d - e) + 2(H - B). NaN, which infinite neighbours can give too, is the
+//            quiet NaN 7fc00000. Squares of gradients beyond 1.8e19 are infinite.
 // Then it is clamped; NaN stays.
 template <class T>
 void Sobel_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);

@@ -101,8 +101,8 @@ struct Words {
         const __m128i v = Select(evenLanes, even, _mm_slli_epi64(odd, 32));
         const __m128i over = Select(evenLanes, _mm_srli_epi64(even, 32), odd);
 
-        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float, also
-        // when 2^32 is added to what was converted as a negative number.
+        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float,
+        // also when 2^32 is added to what was converted as a negative number.
         const __m128i zero = _mm_setzero_si128();
         const auto below = [&](int bits) { return _mm_cmpeq_epi32(_mm_srli_epi32(v, bits), zero); };
         const __m128i narrow = below(16);

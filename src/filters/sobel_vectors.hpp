@@ -6,8 +6,8 @@
 namespace orlix {
 namespace {
 
-// Whether it was done: n is at least one vector. `vector(p, i)` returns the magnitudes of kLanes pixels from i on, p[k] being
-// the rows. The last vector ends with the row.
+// Whether it was done: n is at least one vector. `vector(p, i)` returns the magnitudes of kLanes pixels from i on, p[k]
+// being the rows. The last vector ends with the row.
 template <class Sobel, class T = typename Sobel::Pixel>
 [[gnu::always_inline]] inline bool SobelRow(const T* const* rows, T* to, size_t n,
                                             const FilterParameters<T>& parameters) {

@@ -21,14 +21,17 @@ struct RowPolynomial {
     double c[4] = {};
 };
 
-// Replaces pixels p by v = p + s, where s = average - f(x, y) is the shift at the pixel: v below lower gives lower, above
-// upper gives upper, else floor(v + 0.5), for float pixels v rounded to float. T is uint8_t, uint16_t, uint32_t or float.
-//  (1) A surface that is no polynomial: fill the shifts of a run, or of a piece that stays in the cache, and call Apply.
-//  (2) Polynomial: s = c[0] + x (c[1] + x (c[2] + x c[3])) with, per row, c[0] = average - (k0 + y (k1 + y (k3 + y k6))),
+// Replaces pixels p by v = p + s, where s = average - f(x, y) is the shift at the pixel: v below lower gives lower,
+// above upper gives upper, else floor(v + 0.5), for float pixels v rounded to float. T is uint8_t, uint16_t, uint32_t
+// or float.
+//  (1) A surface that is no polynomial: fill the shifts of a run, or of a piece that stays in the cache, and call
+//      Apply.
+//  (2) Polynomial: s = c[0] + x (c[1] + x (c[2] + x c[3])) with, per row, c[0] = average - (k0 + y (k1 + y (k3 + y
+//      k6))),
 //      c[1] = -(k2 + y (k4 + y k7)), c[2] = -(k5 + y k8), c[3] = -k9. This order of operations is the definition.
-//  (3) Integers are whole, so floor(v + 0.5) = p + floor(s + 0.5), and v < lower just when p + floor(s) < lower: the shift
-//      is rounded before it is added, beyond 2^33 replaced by +-2^33. For lower > upper the clamp leaves lower below lower and
-//      upper elsewhere.
+//  (3) Integers are whole, so floor(v + 0.5) = p + floor(s + 0.5), and v < lower just when p + floor(s) < lower: the
+//      shift is rounded before it is added, beyond 2^33 replaced by +-2^33. For lower > upper the clamp leaves lower
+//      below lower and upper elsewhere.
 //  (4) A shift of NaN counts as -infinity for integers and makes a float NaN; a NaN pixel stays NaN.
 template <class T>
 class Corrector {

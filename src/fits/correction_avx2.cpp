@@ -5,8 +5,8 @@
 namespace orlix {
 namespace {
 
-// floor(s + half) of eight shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for everything that lifts a
-// pixel of 16 bits over the type's range, -2^31 for what takes it below.
+// floor(s + half) of eight shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for everything that
+// lifts a pixel of 16 bits over the type's range, -2^31 for what takes it below.
 struct Rounder {
     __m256d half, most = _mm256_set1_pd(0x1.fffffffcp30), least = _mm256_set1_pd(-0x1p31);
     explicit Rounder(double h) : half(_mm256_set1_pd(h)) {}
@@ -54,7 +54,8 @@ void Correct_avx2(uint8_t* pixels, const double* shifts, size_t n, const Correct
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Shifts saturated at 2^31 - 1 would overflow when a pixel is added: the shift is, instead, clamped to bounds less the pixel.
+// Shifts saturated at 2^31 - 1 would overflow when a pixel is added: the shift is, instead, clamped to bounds less the
+// pixel.
 void Correct_avx2(uint16_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint16_t>& parameters) {
     if (parameters.lower > parameters.upper) return Correct_scalar(pixels, shifts, n, parameters);
     const Rounder rounder(parameters.half);

@@ -7,8 +7,8 @@
 namespace orlix {
 namespace {
 
-// floor(s + half) of sixteen shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for everything that lifts a
-// pixel of 16 bits over the type's range, -2^31 for what takes it below.
+// floor(s + half) of sixteen shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for everything
+// that lifts a pixel of 16 bits over the type's range, -2^31 for what takes it below.
 struct Rounder {
     __m512d half, most = _mm512_set1_pd(0x1.fffffffcp30), least = _mm512_set1_pd(-0x1p31);
     explicit Rounder(double h) : half(_mm512_set1_pd(h)) {}
@@ -26,8 +26,9 @@ struct Rounder {
 constexpr size_t kSegment = 1024, kBlock = 64;
 constexpr double kMiddle = 0.5 * (kSegment - 1), kRadius = 0.5 * kSegment;
 
-// Taylor's coefficients of a row's polynomial about t. The definition and these differ from the true polynomial by less than
-// 2^-46 of the sum of its terms' magnitudes, single precision within kRadius by less than 2^-22 of that of the expansion's terms.
+// Taylor's coefficients of a row's polynomial about t. The definition and these differ from the true polynomial by less
+// than 2^-46 of the sum of its terms' magnitudes, single precision within kRadius by less than 2^-22 of that of the
+// expansion's terms.
 struct Expansion {
     double a[4];
     double error;
@@ -45,8 +46,8 @@ struct Expansion {
     }
 };
 
-// Columns of a segment, from its middle. Of each block of 64 the eights 0 2 4 6, then 1 3 5 7, as unpacking its bytes to words
-// leaves them in two registers.
+// Columns of a segment, from its middle. Of each block of 64 the eights 0 2 4 6, then 1 3 5 7, as unpacking its bytes
+// to words leaves them in two registers.
 struct Columns {
     alignas(64) float t[kSegment];
     constexpr Columns() : t() {
@@ -134,7 +135,8 @@ void Correct_avx512(uint8_t* pixels, const double* shifts, size_t n, const Corre
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Shifts saturated at 2^31 - 1 would overflow when a pixel is added: the shift is, instead, clamped to bounds less the pixel.
+// Shifts saturated at 2^31 - 1 would overflow when a pixel is added: the shift is, instead, clamped to bounds less the
+// pixel.
 void Correct_avx512(uint16_t* pixels, const double* shifts, size_t n,
                     const CorrectionParameters<uint16_t>& parameters) {
     if (parameters.lower > parameters.upper) return Correct_scalar(pixels, shifts, n, parameters);
@@ -166,9 +168,10 @@ void Correct_avx512(float* pixels, const double* shifts, size_t n, const Correct
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Rounded shifts mostly follow from the polynomial in single precision: about the middle of a segment of 1024 pixels, where
-// that has an error of some 2^-16 grey levels, sixteen values at a time. Only where a value comes closer to a half than the
-// bound of that error may the definition round otherwise; such blocks of 64 pixels take the way of shifts in memory.
+// Rounded shifts mostly follow from the polynomial in single precision: about the middle of a segment of 1024 pixels,
+// where that has an error of some 2^-16 grey levels, sixteen values at a time. Only where a value comes closer to a
+// half than the bound of that error may the definition round otherwise; such blocks of 64 pixels take the way of shifts
+// in memory.
 void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
                        const CorrectionParameters<uint8_t>& parameters) {
     const auto exactly = [&](size_t first, size_t count) {

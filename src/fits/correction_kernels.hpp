@@ -22,7 +22,8 @@ inline constexpr Variant<ShiftsFn> kShifts[] = {
 };
 
 // Integers: h = floor(s + half) with s + half kept within +-2^33 (NaN: -2^33), q = p + h; q < lower gives lower, else
-// q > upper gives upper, else q. Float: v = p + s in double; v < lower gives lower, else v > upper gives upper, else v rounded.
+// q > upper gives upper, else q. Float: v = p + s in double; v < lower gives lower, else v > upper gives upper, else v
+// rounded.
 template <class T>
 using CorrectFn = void (*)(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
 

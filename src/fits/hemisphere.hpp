@@ -9,9 +9,9 @@
 
 namespace orlix {
 
-// Half of the ellipsoid (x - xCenter)^2 + (y - yCenter)^2 + zScale^2 (z - zCenter)^2 = radius^2: the upper half (a dome) where
-// zScale is positive, the lower one (a bowl) where it is negative. |zScale| is the length of a grey level in pixels; in
-// heights |zScale| z it is a hemisphere. Lengths are in pixels, angles in radians.
+// Half of the ellipsoid (x - xCenter)^2 + (y - yCenter)^2 + zScale^2 (z - zCenter)^2 = radius^2: the upper half (a
+// dome) where zScale is positive, the lower one (a bowl) where it is negative. |zScale| is the length of a grey level
+// in pixels; in heights |zScale| z it is a hemisphere. Lengths are in pixels, angles in radians.
 //
 // A tilted one stands on a base that rises by the angle alpha along x and beta along y, as where the specimen or the
 // reference of the instrument is not level: the heights of the two are added,

@@ -40,8 +40,8 @@ struct Nested {
 
 }  // namespace
 
-// Blocks of 16 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest pixel,
-// below 2^32.
+// Blocks of 16 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest
+// pixel, below 2^32.
 template <class T, int Degree>
 void Moments_avx2(const T* pixels, size_t n, uint64_t* m) {
     constexpr size_t kPart = 16 * (sizeof(T) == 1 ? 128 : 32);
@@ -62,8 +62,8 @@ void Moments_avx2(const T* pixels, size_t n, uint64_t* m) {
     }
 }
 
-// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks it
-// adds block b up B - b times.
+// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
+// it adds block b up B - b times.
 template <>
 void Moments_avx2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m) {
     const __m256i zero = _mm256_setzero_si256(), ones = _mm256_set1_epi16(1);

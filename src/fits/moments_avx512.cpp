@@ -40,8 +40,8 @@ alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8
 
 }  // namespace
 
-// Blocks of 32 pixels; those after the last one count as 0 and are not read. 128 blocks of 8 bits and 32 of 16 bits keep the
-// third nested sum, C(B + 3, 4) times the largest pixel, below 2^32.
+// Blocks of 32 pixels; those after the last one count as 0 and are not read. 128 blocks of 8 bits and 32 of 16 bits
+// keep the third nested sum, C(B + 3, 4) times the largest pixel, below 2^32.
 template <class T, int Degree>
 void Moments_avx512(const T* pixels, size_t n, uint64_t* m) {
     for (int k = 0; k <= Degree; ++k) m[k] = 0;
@@ -62,8 +62,8 @@ void Moments_avx512(const T* pixels, size_t n, uint64_t* m) {
     AddNested<Degree>(lanes, (n + 31) / 32, 0, m);
 }
 
-// Blocks of 64 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks it
-// adds block b up B - b times.
+// Blocks of 64 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
+// it adds block b up B - b times.
 template <>
 void Moments_avx512<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m) {
     const __m512i zero = _mm512_setzero_si512(), ones = _mm512_set1_epi16(1);

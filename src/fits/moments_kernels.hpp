@@ -34,8 +34,8 @@ void Moments_avx2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
 template <>
 void Moments_avx512<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
 
-// Float: d = p - origin and t = first + 2i in double; e = d, then e = e t for each further k; lane i % 8 of m[k] takes the e
-// in order of i. The lanes of m are overwritten.
+// Float: d = p - origin and t = first + 2i in double; e = d, then e = e t for each further k; lane i % 8 of m[k] takes
+// the e in order of i. The lanes of m are overwritten.
 struct FloatMoments {
     double lane[4][8];
 };
@@ -92,9 +92,10 @@ struct LanePowers {
     }
 };
 
-// What nested running sums hold. Pixels come in blocks of `Lanes`; with B blocks, a[0] is for each lane the sum of its pixels,
-// a[1] the sum of what a[0] was after each block, and so on: block b was added to a[q] C(B - b + q - 1, q) times. Adds the
-// moments of these pixels, of which the first has the index `first`, to m. Modulo 2^64 throughout; only the result need fit.
+// What nested running sums hold. Pixels come in blocks of `Lanes`; with B blocks, a[0] is for each lane the sum of its
+// pixels, a[1] the sum of what a[0] was after each block, and so on: block b was added to a[q] C(B - b + q - 1, q)
+// times. Adds the moments of these pixels, of which the first has the index `first`, to m. Modulo 2^64 throughout; only
+// the result need fit.
 template <int Degree, size_t Lanes>
 void AddNested(const uint32_t (&a)[Degree + 1][Lanes], uint64_t blocks, uint64_t first, uint64_t* m) {
     uint64_t t[4][4] = {};  // [q][r]: sum over lanes i of i^r a[q][i]

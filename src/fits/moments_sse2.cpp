@@ -40,8 +40,8 @@ struct Nested {
 
 }  // namespace
 
-// Blocks of 8 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest pixel,
-// below 2^32.
+// Blocks of 8 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest
+// pixel, below 2^32.
 template <class T, int Degree>
 void Moments_sse2(const T* pixels, size_t n, uint64_t* m) {
     constexpr size_t kPart = 8 * (sizeof(T) == 1 ? 128 : 32);
@@ -64,8 +64,8 @@ void Moments_sse2(const T* pixels, size_t n, uint64_t* m) {
     }
 }
 
-// Blocks of 16 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks it
-// adds block b up B - b times.
+// Blocks of 16 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
+// it adds block b up B - b times.
 template <>
 void Moments_sse2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m) {
     const __m128i zero = _mm_setzero_si128();

@@ -59,8 +59,9 @@ struct PowerSums {
 };
 constexpr PowerSums kPowerSums;
 
-// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A run of its own is cut at
-// every 256th column: its ends go into exact integer sums of cells of 64 rows, whole cells between them into rectangles.
+// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A run of its own is
+// cut at every 256th column: its ends go into exact integer sums of cells of 64 rows, whole cells between them into
+// rectangles.
 class CoordinateSums {
 public:
     CoordinateSums(int degree, const SurfaceFrame& frame, const PixelBounds& bounds, std::span<DoublePair> sums)

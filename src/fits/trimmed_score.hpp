@@ -17,21 +17,22 @@
 
 namespace orlix {
 
-// Compares surfaces one after the other and keeps the best. The score of a surface f is the sum of the K smallest squares of
-// its residuals f(x, y) - p over the n pixels of a region (Rousseeuw 1984). Notes:
+// Compares surfaces one after the other and keeps the best. The score of a surface f is the sum of the K smallest
+// squares of its residuals f(x, y) - p over the n pixels of a region (Rousseeuw 1984). Notes:
 //  (1) Residuals and squares are formed in double; their sum counts as exact, so its order does not matter and scores
 //      compare the same on every build. NaN counts as larger than every square.
-//  (2) A surface improves on the best one when its score is smaller. A score that is not below the largest double (some of
-//      the K squares are infinite or NaN) never does.
+//  (2) A surface improves on the best one when its score is smaller. A score that is not below the largest double (some
+//      of the K squares are infinite or NaN) never does.
 //  (3) Cost of a surface that does not win: as a rule at most one pass. For every limit T
 //          score >= sum of min(r^2, T) - (n - K) T,
-//      with equality when T is the K-th smallest square. T is estimated from a small fixed sample of pixels, and the pass
-//      ends as soon as the partial sum has passed what the best score allows.
-//  (4) Other surfaces take one pass more: squares below an interval that very likely holds the K-th smallest one are summed
-//      on the spot, and only those inside it are kept and selected from. The two sums are rounded; only when they are too
-//      close to tell which is smaller, both are summed exactly.
+//      with equality when T is the K-th smallest square. T is estimated from a small fixed sample of pixels, and the
+//      pass ends as soon as the partial sum has passed what the best score allows.
+//  (4) Other surfaces take one pass more: squares below an interval that very likely holds the K-th smallest one are
+//      summed on the spot, and only those inside it are kept and selected from. The two sums are rounded; only when
+//      they are too close to tell which is smaller, both are summed exactly.
 //
-// Surface: copyable, with Values(x, y, n, values), which writes f(x, y), f(x + 1, y), ... and is the same on every build.
+// Surface: copyable, with Values(x, y, n, values), which writes f(x, y), f(x + 1, y), ... and is the same on every
+// build.
 template <class T, class Surface>
 class TrimmedScore {
 public:
@@ -42,7 +43,8 @@ public:
           error_((static_cast<double>(pixels.count()) + 16) * 0x1p-52),
           clip_(Choose(kClippedSquares<T>)),
           divide_(Choose(kDivideSquares<T>)) {
-        // The golden section spreads the sample evenly over any shape, without steps that fall into rhythm with the rows.
+        // The golden section spreads the sample evenly over any shape, without steps that fall into rhythm with the
+        // rows.
         const int64_t n = pixels.count();
         const int64_t size = std::min<int64_t>(n / 64, kLargeSample);
         for (int64_t i = 0; i < size; ++i) {

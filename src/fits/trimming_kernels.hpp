@@ -23,8 +23,8 @@ struct SquareClasses {
     uint64_t upToHigh = 0;  // squares <= high
 };
 
-// Adds n pixels to the classes and writes the squares strictly between low and high to middle, in order; returns how many.
-// middle has room for n + 7 numbers, the last ones as scratch.
+// Adds n pixels to the classes and writes the squares strictly between low and high to middle, in order; returns how
+// many. middle has room for n + 7 numbers, the last ones as scratch.
 template <class T>
 using DivideSquaresFn = size_t (*)(const T* pixels, const double* surface, size_t n, double low, double high,
                                    SquareClasses& classes, double* middle);

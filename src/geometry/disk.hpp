@@ -23,8 +23,8 @@ struct Disk {
     int32_t Top() const { return CeilToInt32(y - radius); }
     int32_t Bottom() const { return FloorToInt32(y + radius); }
 
-    // ceil(x - h) .. floor(x + h) with h = sqrt(radius^2 - (row - y)^2), for Top() <= row <= Bottom() of a defined disk.
-    // A row without a pixel gives start = stop + 1.
+    // ceil(x - h) .. floor(x + h) with h = sqrt(radius^2 - (row - y)^2), for Top() <= row <= Bottom() of a defined
+    // disk. A row without a pixel gives start = stop + 1.
     RawRun Row(int32_t row) const {
         const double h = HalfChord(row - y);
         return {CeilToInt32(x - h), FloorToInt32(x + h)};

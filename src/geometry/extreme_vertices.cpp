@@ -10,8 +10,8 @@
 namespace orlix {
 namespace {
 
-// A polygon of up to eight vertices of the outline, those farthest left, right, up, down and along the diagonals. What lies well
-// inside it is no corner of the hull.
+// A polygon of up to eight vertices of the outline, those farthest left, right, up, down and along the diagonals. What
+// lies well inside it is no corner of the hull.
 class Inner {
 public:
     explicit Inner(Outline outline) {
@@ -79,8 +79,8 @@ std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
     });
     std::erase_if(vertices, [&](const Vertex& v) { return v.p == pivot.p; });
 
-    // By angle from the direction (1, 0) over (0, -1) to (-1, 0), then by distance, which grows with -y or, towards (-1, 0), with
-    // -x: the farthest one of a direction comes last and replaces the others.
+    // By angle from the direction (1, 0) over (0, -1) to (-1, 0), then by distance, which grows with -y or, towards
+    // (-1, 0), with -x: the farthest one of a direction comes last and replaces the others.
     std::sort(vertices.begin(), vertices.end(), [&](const Vertex& a, const Vertex& b) {
         if (const int turn = Turn(pivot.p, a.p, b.p)) return turn < 0;
         if (a.p.y != b.p.y) return a.p.y > b.p.y;
@@ -103,9 +103,10 @@ std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
 
 // Vertices that can be an end of the diameter, along the hull, each place once.
 //
-// Distances are rounded, and the first of equal ones is asked for: so a pair within rounding of the largest distance M may win
-// although its vertices are no corners. But each is near one: the line from one vertex through the other leaves the hull at once,
-// through an edge whose ends are both within M of the first; that place is less than 1.5e-7 M from one of them.
+// Distances are rounded, and the first of equal ones is asked for: so a pair within rounding of the largest distance M
+// may win although its vertices are no corners. But each is near one: the line from one vertex through the other leaves
+// the hull at once, through an edge whose ends are both within M of the first; that place is less than 1.5e-7 M from
+// one of them.
 std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std::vector<Vertex>& corners,
                                  double extent) {
     if (corners.size() == vertices.size()) return corners;
@@ -230,8 +231,8 @@ private:
     Diameter best_;
 };
 
-// Where distances are infinite: the first vertex that is infinitely far from another one, and that one. The vertex farthest from
-// any is a corner.
+// Where distances are infinite: the first vertex that is infinitely far from another one, and that one. The vertex
+// farthest from any is a corner.
 Diameter FirstInfinite(Outline outline, const std::vector<Vertex>& corners) {
     const auto isInfinite = [](const Point& a, const Point& b) { return std::isinf(Distance(a, b)); };
     for (uint32_t i = 0; i < outline.size(); ++i) {

@@ -9,8 +9,8 @@
 namespace orlix {
 
 // Between two pixels, both included. Pixel k lies k steps from the first along the longer axis (y when both are equally
-// long) and floor(k * minor / major + 1/2) steps along the other. That is where Bresenham's walk is after k steps: its error
-// term stays below 0 after each decision, so a term of 0 steps, and halves go away from the first end.
+// long) and floor(k * minor / major + 1/2) steps along the other. That is where Bresenham's walk is after k steps: its
+// error term stays below 0 after each decision, so a term of 0 steps, and halves go away from the first end.
 struct Line {
     int32_t x1, y1, x2, y2;
 
@@ -24,8 +24,8 @@ class VisibleSteps {
 public:
     VisibleSteps(const Line& line, int32_t width, int32_t height);
 
-    // Calls plot(x, y) for every pixel of the line in 0 <= x < width, 0 <= y < height, in order. The time taken depends on
-    // their number only, wherever the ends lie.
+    // Calls plot(x, y) for every pixel of the line in 0 <= x < width, 0 <= y < height, in order. The time taken depends
+    // on their number only, wherever the ends lie.
     template <class Plot>
     void ForEach(Plot&& plot) const {
         int64_t along = majorStart_ + majorSign_ * first_;

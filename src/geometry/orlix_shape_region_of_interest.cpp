@@ -10,8 +10,8 @@ using namespace orlix;
 
 namespace {
 
-// An interface pointer begins with the address of its function table, which all objects of a class share and no other class
-// nor another copy of the library has.
+// An interface pointer begins with the address of its function table, which all objects of a class share and no other
+// class nor another copy of the library has.
 const void* FunctionTable(IRegionOfInterest* region) noexcept {
     const void* table;
     std::memcpy(&table, static_cast<const void*>(region), sizeof table);

@@ -16,8 +16,8 @@ class OrlixShapeRegionOfInterest final
 public:
     OrlixShapeRegionOfInterest() noexcept;
 
-    // The shape behind an interface pointer, null when the pointer is not that of an object of this class in this module.
-    // Valid until the next creation or release.
+    // The shape behind an interface pointer, null when the pointer is not that of an object of this class in this
+    // module. Valid until the next creation or release.
     static const orlix::ShapeRegion* ShapeOf(IRegionOfInterest* region) noexcept;
 
     STDMETHODIMP get_Width(LONG* hVal) noexcept override;

@@ -23,7 +23,8 @@ bool IsFinite(Outline outline) {
     return std::all_of(outline.begin(), outline.end(), [](const Point& p) { return IsFinite(p); });
 }
 
-// One coordinate of the vertices, as seen from the first one, in a unit, a power of two, in which none is farther than 2.
+// One coordinate of the vertices, as seen from the first one, in a unit, a power of two, in which none is farther than
+// 2.
 class AxisFromFirst {
 public:
     AxisFromFirst(Outline outline, double Point::*coordinate) : coordinate_(coordinate) {

@@ -23,16 +23,16 @@ namespace orlix {
 //
 //  (1) The rows are those of the region's bounding box that lie in the image. Runs are clipped to the image, empty and
 //      reversed ones left out, the others in order; runs that overlap or touch are joined.
-//  (2) It is a snapshot: the region is asked in the constructor only and may change or go away afterwards, so an operation
-//      that has a RegionRows in its hands cannot be stopped half-way by a region.
+//  (2) It is a snapshot: the region is asked in the constructor only and may change or go away afterwards, so an
+//      operation that has a RegionRows in its hands cannot be stopped half-way by a region.
 //  (3) The constructor calls the region, which may be anybody's code: it may even change the image. Whoever took the
 //      image's size before asks for it again afterwards.
-//  (4) No region, and regions of this module's OrlixShapeRegionOfInterest, cost no allocation and about nothing a row. Any
-//      other region is read out once into one list of runs.
+//  (4) No region, and regions of this module's OrlixShapeRegionOfInterest, cost no allocation and about nothing a row.
+//      Any other region is read out once into one list of runs.
 //
-// The constructor raises FailedResult with the region's own result when the region fails; FailedResult(E_FAIL) for a row of
-// more than width + 1 runs or runs at an address no record can have; std::bad_alloc. Null or reversed run lists and S_FALSE
-// mean a row without runs. width and height below 1 give no rows.
+// The constructor raises FailedResult with the region's own result when the region fails; FailedResult(E_FAIL) for a
+// row of more than width + 1 runs or runs at an address no record can have; std::bad_alloc. Null or reversed run lists
+// and S_FALSE mean a row without runs. width and height below 1 give no rows.
 class RegionRows {
 public:
     RegionRows(IRegionOfInterest* region, int32_t width, int32_t height);
@@ -41,8 +41,8 @@ public:
     int32_t top() const { return top_; }
     int32_t bottom() const { return bottom_; }
 
-    // The runs of a row, none for a row outside top()..bottom(). Valid until the next call, or the next one with the same
-    // buffer.
+    // The runs of a row, none for a row outside top()..bottom(). Valid until the next call, or the next one with the
+    // same buffer.
     using RowBuffer = std::array<Run, 2>;
     std::span<const Run> row(int32_t y) const { return row(y, buffer_); }
     std::span<const Run> row(int32_t y, RowBuffer& buffer) const {

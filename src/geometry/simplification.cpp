@@ -17,9 +17,9 @@ double DistanceToEdge(const Point& p, const Point& a, const Point& b) {
     return std::fabs((p.x - a.x) * y - (p.y - a.y) * x) / Hypotenuse(x, y);
 }
 
-// Finds the vertex of a row that is farthest from an edge. Looking at each of them would take as many steps as there are
-// pairs of vertices, where every step leaves out one vertex only. The distance from an edge is a convex function: in a box
-// no point is farther than the farthest corner.
+// Finds the vertex of a row that is farthest from an edge. Looking at each of them would take as many steps as there
+// are pairs of vertices, where every step leaves out one vertex only. The distance from an edge is a convex function:
+// in a box no point is farther than the farthest corner.
 class FarthestFromEdge {
 public:
     explicit FarthestFromEdge(Outline outline) : outline_(outline) {

@@ -52,8 +52,8 @@ void ByteLists::Reset() {
     for (auto& list : lists_) list.reset();
 }
 
-// In reading order, or against it, elements of one byte stand together whatever the bit. So do those of disks, and most of
-// what clients add. All others are sorted once.
+// In reading order, or against it, elements of one byte stand together whatever the bit. So do those of disks, and most
+// of what clients add. All others are sorted once.
 void ByteLists::Sort(std::span<const SElement> elements) {
     const auto before = [](const SElement& a, const SElement& b) {
         return a.m_lY != b.m_lY ? a.m_lY < b.m_lY : a.m_lX < b.m_lX;

@@ -12,12 +12,12 @@
 
 namespace orlix {
 
-// A histogram of more bins fails for want of memory. There is one bin for each value of 24 bits, and no statistic of so many
-// takes more than a second or a gigabyte.
+// A histogram of more bins fails for want of memory. There is one bin for each value of 24 bits, and no statistic of so
+// many takes more than a second or a gigabyte.
 inline constexpr int64_t kMostBins = int64_t{1} << 24;
 
-// An array of counts, zero at first. Zeroed memory comes from the system, which gives out only the pages that are used: a
-// histogram of very many bins costs what is counted into it. Without bins there is no memory (null).
+// An array of counts, zero at first. Zeroed memory comes from the system, which gives out only the pages that are used:
+// a histogram of very many bins costs what is counted into it. Without bins there is no memory (null).
 class CountBuffer {
 public:
     CountBuffer() = default;

@@ -13,8 +13,8 @@
 
 class OrlixHistogram final : public orlix::Object<OrlixHistogram, IHistogram> {
 public:
-    // For the library's own code, which makes histograms and fills their counts in the middle of operations. No method of the
-    // interface may be called there: it clears the thread's error information, which may be a client's.
+    // For the library's own code, which makes histograms and fills their counts in the middle of operations. No method
+    // of the interface may be called there: it clears the thread's error information, which may be a client's.
     using Object::Make;
     static orlix::ComPtr<OrlixHistogram> Make(LONG numberOfBins, double left, double right);
     std::span<LONG> counts() noexcept { return bins_.counts(); }

@@ -41,8 +41,8 @@ struct Split {
     WeightedSum weighted;
 };
 
-// Compares splits by N^2 sigma^2 = d^2 / (below (N - below)), d = below S - weighted N, S being the sum of i c[i] over all
-// bins: in doubles as long as their rounding cannot matter, else in integers.
+// Compares splits by N^2 sigma^2 = d^2 / (below (N - below)), d = below S - weighted N, S being the sum of i c[i] over
+// all bins: in doubles as long as their rounding cannot matter, else in integers.
 class SeparationOrder {
 public:
     SeparationOrder(int64_t total, const WideInteger& weightedTotal)
@@ -51,10 +51,11 @@ public:
           totalRounded_(static_cast<double>(total)),
           weightedTotalRounded_(weightedTotal.ToDouble()) {}
 
-    // Whether a split, of two classes that are not empty, has a greater (1), equal (0) or smaller (-1) variance than the best so
-    // far, at first 0. A greater one becomes the best.
+    // Whether a split, of two classes that are not empty, has a greater (1), equal (0) or smaller (-1) variance than
+    // the best so far, at first 0. A greater one becomes the best.
     int CompareWithBest(const Split& split) {
-        // Each product is off by at most 5 roundings, so d by their sum; squares and products of both sides add fewer than 16.
+        // Each product is off by at most 5 roundings, so d by their sum; squares and products of both sides add fewer
+        // than 16.
         constexpr double kRounding = 0x1p-53;
         const double first = static_cast<double>(split.below) * weightedTotalRounded_;
         const double second = split.weighted.ToDouble() * totalRounded_;
@@ -109,8 +110,8 @@ constexpr std::array<double, 63> kNormalTable = {
     0.47441, 0.47725, 0.47982, 0.48214, 0.48422, 0.48610, 0.48778, 0.48928, 0.49061, 0.49180, 0.49286, 0.49379, 0.49461,
     0.49534, 0.49598, 0.49653, 0.49702, 0.49744, 0.49781, 0.49813, 0.49841, 0.49865, 0.5,     0.5};
 
-// What the truncation of a class moves its mean by: sigma exp(-distance^2 / (2 variance)) / (sqrt(2 pi) share), share being
-// the part of the normal distribution on the class's side of the threshold; nothing when there is none.
+// What the truncation of a class moves its mean by: sigma exp(-distance^2 / (2 variance)) / (sqrt(2 pi) share), share
+// being the part of the normal distribution on the class's side of the threshold; nothing when there is none.
 double TruncationCorrection(double distance, double variance, double sigma, double share) {
     constexpr double kTwoPi = 6.283185307179586;
     if (share == 0.0) return 0.0;
@@ -136,9 +137,9 @@ int64_t LastWithin(std::span<const LONG> counts, int64_t limit, BinOf binOf) {
 
 // ------------------------------------------------------------------------------------------------- class entropy
 
-// ln P - sum(p ln p) / P of a class that grows bin by bin. With masses m = |N| p, whole numbers, and C their sum this is
-// ln C - sum(m ln m) / C: N drops out. A class of one bin has exactly 0, and two classes of the same bins, grown from
-// opposite ends, have the same entropy: thresholds at the two outermost bins tie.
+// ln P - sum(p ln p) / P of a class that grows bin by bin. With masses m = |N| p, whole numbers, and C their sum this
+// is ln C - sum(m ln m) / C: N drops out. A class of one bin has exactly 0, and two classes of the same bins, grown
+// from opposite ends, have the same entropy: thresholds at the two outermost bins tie.
 class ClassEntropy {
 public:
     void Add(int64_t mass, double information) {  // information: m ln m

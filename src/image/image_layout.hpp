@@ -35,9 +35,9 @@ struct ImageLayout {
 // bits or the storage exceeds the address space.
 ImageLayout MakeLayout(int32_t width, int32_t height, int32_t bands, LONG dataType);
 
-// Entry `index` of the offset table, -kTableMargin <= index < max(width, height) + kTableMargin. Indices outside an axis
-// of length n mirror without repeating the edge: i -> |i| mod 2(n - 1), and what then exceeds n - 1 -> 2(n - 1) - i; all 0
-// when n is 1. Entries of the shorter axis beyond n + kTableMargin - 1 have no meaning and hold 0.
+// Entry `index` of the offset table, -kTableMargin <= index < max(width, height) + kTableMargin. Indices outside an
+// axis of length n mirror without repeating the edge: i -> |i| mod 2(n - 1), and what then exceeds n - 1 -> 2(n - 1) -
+// i; all 0 when n is 1. Entries of the shorter axis beyond n + kTableMargin - 1 have no meaning and hold 0.
 VPAEntry OffsetTableEntry(const ImageLayout& layout, int64_t index);
 constexpr bool HasColumnEntry(const ImageLayout& layout, int64_t index) {
     return index < layout.width + int64_t{kTableMargin};

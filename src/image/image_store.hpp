@@ -78,19 +78,20 @@ public:
     // failure leaves the image as it was.
     void Create(LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
-    // IImageVPAExPlus::AttachBuffer: buffer is not null. Where the buffer is refused (Failure) it stays attached; any other
-    // failure leaves the image as it was. former is the store whose place this one takes, itself or another: a buffer that
-    // overlaps its pixels is refused without being looked at, since those are given back.
+    // IImageVPAExPlus::AttachBuffer: buffer is not null. Where the buffer is refused (Failure) it stays attached; any
+    // other failure leaves the image as it was. former is the store whose place this one takes, itself or another: a
+    // buffer that overlaps its pixels is refused without being looked at, since those are given back.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero, const ImageStore* former);
 
     // A content of its own, to be filled and then put in the place of the old one: a copy or a load that
-    // fails on the way leaves the image as it was, and the source may lie in the old content. All bytes are 0, or, for who
-    // writes each of them, padding included, anything.
+    // fails on the way leaves the image as it was, and the source may lie in the old content. All bytes are 0, or, for
+    // who writes each of them, padding included, anything.
     enum class Bytes { Zero, Unset };
     ImageContent MakeContent(LONG width, LONG height, LONG bands, Bytes bytes = Bytes::Zero) const;
     void Replace(ImageContent&& content) noexcept;
 
-    // Base address of a band, 0 <= band < bands, and the table's entry 0. The address of a refused buffer may be anything.
+    // Base address of a band, 0 <= band < bands, and the table's entry 0. The address of a refused buffer may be
+    // anything.
     uint8_t* base(int32_t band) const {
         return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(content_.data) +
                                           static_cast<size_t>(band) * content_.layout.bandSize);

@@ -11,8 +11,8 @@ namespace orlix {
 // Sample (x, y) is base[table[x].XEntry + table[y].YEntry], offsets in samples. Notes:
 //  (1) table points at entry 0 and is readable from -200 to the larger of width and height + 199;
 //  (2) entries of columns beyond width + 199 and of rows beyond height + 199 are not defined: nothing reads them;
-//  (3) an image of another component may hand out any table (interleaved, flipped, sub-sampled). Kernels need columns that
-//      lie side by side: AdjacentColumns() says how far that goes, and what lies beyond is read through the table.
+//  (3) an image of another component may hand out any table (interleaved, flipped, sub-sampled). Kernels need columns
+//      that lie side by side: AdjacentColumns() says how far that goes, and what lies beyond is read through the table.
 template <class Pixel>
 class PixelView {
 public:

@@ -11,8 +11,8 @@
 #include "image/image_store.hpp"
 #include "image/pixel_view.hpp"
 
-// Answered by this library's images, for its own use: whether the pixels may be touched. An image that points at a refused
-// buffer still hands out its address.
+// Answered by this library's images, for its own use: whether the pixels may be touched. An image that points at a
+// refused buffer still hands out its address.
 MIDL_INTERFACE("31FEAD5E-80E9-4076-8AAC-F1556E2DE0C2")
 IPixelAccess : public IUnknown {
     // S_OK, or S_FALSE when the operating system would not let us read and write the buffer.
@@ -33,8 +33,8 @@ struct BandRange {
 BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
-//  (1) calls that fail, null and misaligned pointers are E_FAIL; an image without pixels (sizes below 1) or with a refused
-//      buffer is NoSourceImage;
+//  (1) calls that fail, null and misaligned pointers are E_FAIL; an image without pixels (sizes below 1) or with a
+//      refused buffer is NoSourceImage;
 //  (2) size and type are asked for again after the pointers were handed out, and if they have changed it is E_FAIL;
 //  (3) pixels are read in the type that the caller has found in type();
 //  (4) the image is kept alive, and it may call back into anything each time that it is asked: whoever writes somewhere

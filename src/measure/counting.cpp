@@ -183,7 +183,8 @@ void Counter<T>::Add(const T* pixels, size_t n) {
     }
 }
 
-// A count that has reached 2^31 - 1 stays there in the end, so it may be cut to that: 2^31 more pixels then fit 32 bits.
+// A count that has reached 2^31 - 1 stays there in the end, so it may be cut to that: 2^31 more pixels then fit 32
+// bits.
 template <class T>
 void Counter<T>::Settle() {
     for (uint32_t& count : counts_) count = std::min(count, kMostCounts);

@@ -19,9 +19,9 @@ struct HistogramShape {
 };
 
 // 8 bits: always {256, 0, 255}: bin i is grey level i. Others: numberOfBins over [lower, upper], but one bin per value,
-// upper - lower + 1 of them, when an integer interval holds at least two values and no more than numberOfBins. (An interval
-// of a single value keeps numberOfBins: a histogram of one bin maps it to location 0, one of many bins and no width maps
-// all of them to the value.) numberOfBins >= 1, not used for 8 bits.
+// upper - lower + 1 of them, when an integer interval holds at least two values and no more than numberOfBins. (An
+// interval of a single value keeps numberOfBins: a histogram of one bin maps it to location 0, one of many bins and no
+// width maps all of them to the value.) numberOfBins >= 1, not used for 8 bits.
 template <class T>
 HistogramShape ShapeOfHistogram(T lower, T upper, int32_t numberOfBins);
 
@@ -42,8 +42,8 @@ BinRule<T> RuleOfHistogram(T lower, T upper, const HistogramShape& shape);
 // uint16_t, uint32_t or float. With n bins over the interval the pixel p is counted in bin
 //   8 bits           p
 //   one per value    p - lower
-//   others           floor((p - lower) n / (upper - lower)), p = upper in bin n - 1; integers exactly, float with the three
-//                    operations in double, in this order
+//   others           floor((p - lower) n / (upper - lower)), p = upper in bin n - 1; integers exactly, float with the
+//                    three operations in double, in this order
 // Pixels outside [lower, upper] and NaN are left out; all when lower > upper. Counts saturate at 2^31 - 1, however many
 // pixels come. Memory: 4 bytes a bin, and up to 513 KiB. Allocation failures throw std::bad_alloc from the constructor.
 template <class T>

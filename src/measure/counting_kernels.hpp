@@ -25,8 +25,8 @@ inline constexpr Variant<BinsFn<float>> kBins<float>[] = {
     {"scalar", Cpu::Any, &Bins_scalar},
 };
 
-// Ways of counting values, in plain C++: one store a clock is the limit whatever the instruction set, and a load that waits
-// for the store just made to the same counter is the danger. "Pairs" makes one update for two pixels.
+// Ways of counting values, in plain C++: one store a clock is the limit whatever the instruction set, and a load that
+// waits for the store just made to the same counter is the danger. "Pairs" makes one update for two pixels.
 constexpr size_t kByteTables = 8;
 void CountBytes(const uint8_t* pixels, size_t n, uint32_t* counts);  // 8 tables of 256, pixel i in any of them
 constexpr size_t kPairSize = 65536 + 256;

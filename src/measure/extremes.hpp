@@ -6,8 +6,8 @@
 
 namespace orlix {
 
-// Gathers the extremes of any number of runs. T is uint8_t, uint16_t, uint32_t or float. NaN is skipped, infinities count,
-// -0 is reported as 0.
+// Gathers the extremes of any number of runs. T is uint8_t, uint16_t, uint32_t or float. NaN is skipped, infinities
+// count, -0 is reported as 0.
 template <class T>
 class Extremes {
 public:

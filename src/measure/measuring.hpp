@@ -43,16 +43,17 @@ struct PixelSums<float> {
     double w[8] = {};  // i p
 };
 
-// Gathers count, grey-weighted centroid, average and standard deviation. T is uint8_t, uint16_t, uint32_t or float. Notes:
+// Gathers count, grey-weighted centroid, average and standard deviation. T is uint8_t, uint16_t, uint32_t or float.
+// Notes:
 //  (1) By the flags: both gather everything; statistics alone leaves the centroid 0; location alone gives the count and
 //      zeros (the weight of the centroid, the sum of p, belongs to the statistics) and reads no pixel.
-//  (2) Integer pixels: all sums are exact and the variance is (N Q - S^2) / N^2 with an exact numerator, so equal pixels
-//      give a standard deviation of exactly 0. The order of the runs does not matter.
+//  (2) Integer pixels: all sums are exact and the variance is (N Q - S^2) / N^2 with an exact numerator, so equal
+//      pixels give a standard deviation of exactly 0. The order of the runs does not matter.
 //  (3) Float pixels: sums in double in a fixed order, the same for every variant; runs may be split where a column is a
 //      multiple of 512. Squares are taken about the very
 //      first pixel when that is finite, so that a large common offset costs no digits and equal pixels give 0.
-//  (4) Nothing gathered: all zero. The centroid is computed when S is not 0 (NaN counts as not 0). A variance that rounding
-//      makes negative counts as 0.
+//  (4) Nothing gathered: all zero. The centroid is computed when S is not 0 (NaN counts as not 0). A variance that
+//      rounding makes negative counts as 0.
 //  (5) A NaN pixel makes the centroid, the average and the standard deviation NaN; an infinite one the centroid and the
 //      standard deviation, and the average infinite, or NaN where both signs occur.
 template <class T>

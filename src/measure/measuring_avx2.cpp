@@ -23,8 +23,8 @@ namespace {
 
 }  // namespace
 
-// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks it
-// adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
+// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
+// it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
 void Sums_avx2(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums) {
     const __m256i zero = _mm256_setzero_si256(), ones = _mm256_set1_epi16(1);
     const __m256i weights = _mm256_set_epi8(31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13,
@@ -46,8 +46,8 @@ void Sums_avx2(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums
     sums.q += SumU32(q);
 }
 
-// Blocks of 16 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a pair
-// reach 2^31, as an unsigned number. The running sums
+// Blocks of 16 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a
+// pair reach 2^31, as an unsigned number. The running sums
 // would pass 31 bits after 255 blocks.
 void Sums_avx2(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& sums) {
     constexpr size_t kPart = 128 * 16;

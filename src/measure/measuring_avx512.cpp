@@ -25,9 +25,9 @@ alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8
 
 }  // namespace
 
-// Blocks of 64 pixels from the cache line on that the first pixel lies in; those before the first and after the last pixel
-// are not read and count as 0. The sum of block number times pixel comes from the running sum of the sums so far: with B
-// blocks it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
+// Blocks of 64 pixels from the cache line on that the first pixel lies in; those before the first and after the last
+// pixel are not read and count as 0. The sum of block number times pixel comes from the running sum of the sums so far:
+// with B blocks it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
 void Sums_avx512(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums) {
     const __m512i zero = _mm512_setzero_si512(), ones = _mm512_set1_epi16(1);
     const __m512i weights = _mm512_loadu_si512(kCounting);
@@ -58,8 +58,8 @@ void Sums_avx512(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& su
     sums.w = 64 * (blocks * sums.s - Sum64(running)) + SumU32(w) - before * sums.s;
 }
 
-// Blocks of 32 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a pair
-// reach 2^31, as an unsigned number. The running sums
+// Blocks of 32 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a
+// pair reach 2^31, as an unsigned number. The running sums
 // would pass 31 bits after 255 blocks.
 void Sums_avx512(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& sums) {
     constexpr size_t kPart = 128 * 32;

@@ -18,10 +18,10 @@
 //         }
 //     }
 //
-// Words are separated by blanks and line ends. A word in single quotes may hold blanks and is never a keyword or a brace;
-// '' in it is one quote. Keywords and roots are read in any case. Values are texts (s) and numbers (d, decimal or 0x...,
-// below 2^32). %MODULE% stands for the module's path and %% for one percent sign, in every word that is not a keyword.
-// Scripts are ASCII. No key name holds a backslash.
+// Words are separated by blanks and line ends. A word in single quotes may hold blanks and is never a keyword or a
+// brace; '' in it is one quote. Keywords and roots are read in any case. Values are texts (s) and numbers (d, decimal
+// or 0x..., below 2^32). %MODULE% stands for the module's path and %% for one percent sign, in every word that is not a
+// keyword. Scripts are ASCII. No key name holds a backslash.
 //
 //                 adding                                        removing
 //     (plain)     creates the key                               deletes it once nothing is left in it

@@ -19,7 +19,8 @@ struct RegistryKey {
     WideString path;
 };
 
-// Names match whatever their case; the value named "" is the key's default value. Deleting what is not there gives S_FALSE.
+// Names match whatever their case; the value named "" is the key's default value. Deleting what is not there gives
+// S_FALSE.
 class RegistryStore {
 public:
     virtual ~RegistryStore() = default;

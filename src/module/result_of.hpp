@@ -5,7 +5,8 @@
 
 namespace orlix {
 
-// S_OK, or the result of what the body throws. Unlike a method an entry point leaves the thread's error information alone.
+// S_OK, or the result of what the body throws. Unlike a method an entry point leaves the thread's error information
+// alone.
 template <class Body>
 HRESULT ResultOf(Body&& body) noexcept {
     try {

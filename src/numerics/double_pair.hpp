@@ -1,11 +1,11 @@
-// Numbers of about 106 bits, each the unevaluated sum of two doubles (T. J. Dekker, 1971). For sums and products in which
-// rounding to double would lose what a difference taken later needs.
+// Numbers of about 106 bits, each the unevaluated sum of two doubles (T. J. Dekker, 1971). For sums and products in
+// which rounding to double would lose what a difference taken later needs.
 #pragma once
 
 namespace orlix {
 
-// high is the sum rounded to double, low what is missing; |low| <= ulp(high) / 2. Results are right to a few units of 2^-104,
-// relative. Operands may be as large as 2^990; infinities and NaN give no number.
+// high is the sum rounded to double, low what is missing; |low| <= ulp(high) / 2. Results are right to a few units of
+// 2^-104, relative. Operands may be as large as 2^990; infinities and NaN give no number.
 struct DoublePair {
     double high = 0;
     double low = 0;

@@ -107,9 +107,10 @@ constexpr double kRounder = 6755399441055744.0;  // 1.5 * 2^52: adding and takin
 
 // --------------------------------------------------------------------------------------------------------- logarithm
 
-// x = 2^k z with z in [0.6875, 1.375), cut into 128 intervals by the leading bits of the mantissa. For each: c near 1/z,
-// a multiple of 2^-8, and -ln c in two parts of which the first is a multiple of 2^-42, as is that of ln 2: k ln 2 - ln c
-// is exact in the first parts. The two intervals beside 1 have c = 1, so that the result keeps its accuracy there.
+// x = 2^k z with z in [0.6875, 1.375), cut into 128 intervals by the leading bits of the mantissa. For each: c near
+// 1/z, a multiple of 2^-8, and -ln c in two parts of which the first is a multiple of 2^-42, as is that of ln 2: k ln 2
+// - ln c is exact in the first parts. The two intervals beside 1 have c = 1, so that the result keeps its accuracy
+// there.
 constexpr uint64_t kLogOrigin = std::bit_cast<uint64_t>(0.6875);
 constexpr int kLogIndexShift = 52 - 7;
 
@@ -192,8 +193,9 @@ Reduced ReduceMedium(double x) {
             static_cast<uint32_t>(std::bit_cast<uint64_t>(shifted))};
 }
 
-// Multiplies the integer mantissa by seven words of 2 / pi, those whose product is neither a multiple of 4 nor too small
-// to matter: at least 138 bits of the fraction are right, and no double comes closer to a multiple of pi/2 than 2^-62.
+// Multiplies the integer mantissa by seven words of 2 / pi, those whose product is neither a multiple of 4 nor too
+// small to matter: at least 138 bits of the fraction are right, and no double comes closer to a multiple of pi/2 than
+// 2^-62.
 Reduced ReduceLarge(double x) {
     constexpr int kWords = 7;
     const uint64_t bits = std::bit_cast<uint64_t>(x);

@@ -8,8 +8,8 @@
 
 namespace orlix {
 
-// The exact sum of up to 2^62 finite doubles >= 0, in any order; two sums compare as the numbers they are. Fixed point over
-// the whole range of double, in digits of 32 bits whose carries wait (Kulisch 1971).
+// The exact sum of up to 2^62 finite doubles >= 0, in any order; two sums compare as the numbers they are. Fixed point
+// over the whole range of double, in digits of 32 bits whose carries wait (Kulisch 1971).
 class ExactAccumulator {
 public:
     void Add(double term) { Add(term, 1); }

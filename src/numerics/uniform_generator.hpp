@@ -8,13 +8,13 @@
 namespace orlix {
 
 // Numbers u with 0 <= u < 1, multiples of 1 / (259200 * 134456) rounded to double: n u < n for every n below 2^50.
-// Three linear congruential generators x' = (a x + c) mod m and a table of 97 numbers that are dealt out shuffled (Bays and
-// Durham 1976): the first gives the leading digits, the second the following ones, and the third chooses the place of the
-// table, whose number is handed out and replaced by the next one.
+// Three linear congruential generators x' = (a x + c) mod m and a table of 97 numbers that are dealt out shuffled (Bays
+// and Durham 1976): the first gives the leading digits, the second the following ones, and the third chooses the place
+// of the table, whose number is handed out and replaced by the next one.
 //
-// The start: x1 = next(54773 - seed), x2 = x1 mod 134456, x1 = next(x1), x3 = x1 mod 243000; then the table is filled from
-// place 0 on. A negative seed restarts: a generator with seed -1 always yields the same numbers. The sequence repeats after
-// 65,345,616,000 numbers.
+// The start: x1 = next(54773 - seed), x2 = x1 mod 134456, x1 = next(x1), x3 = x1 mod 243000; then the table is filled
+// from place 0 on. A negative seed restarts: a generator with seed -1 always yields the same numbers. The sequence
+// repeats after 65,345,616,000 numbers.
 class UniformGenerator {
 public:
     // -200000 <= seed < 0.

@@ -5,7 +5,8 @@
 
 namespace orlix {
 
-// All kernels of the module and the variant that each uses in this process, in a fixed order. Names are ASCII and static.
+// All kernels of the module and the variant that each uses in this process, in a fixed order. Names are ASCII and
+// static.
 struct KernelInUse {
     const char* kernel;   // "threshold 8-bit"
     const char* variant;  // "avx2"

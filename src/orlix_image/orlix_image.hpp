@@ -229,13 +229,13 @@ private:
     // make this object take another typed image while the one it had is at work.
     std::shared_ptr<orlix::DisplayedImage> Typed();
 
-    // The typed image from now on, whose size is the picture's. May be null. The former one goes last: its region may be
-    // given back with it, and call.
+    // The typed image from now on, whose size is the picture's. May be null. The former one goes last: its region may
+    // be given back with it, and call.
     void Take(std::shared_ptr<orlix::DisplayedImage> typed);
 
-    // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A failure
-    // with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without (no memory)
-    // leaves the old image.
+    // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A
+    // failure with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without
+    // (no memory) leaves the old image.
     void CreateTyped(LONG dataType, const std::function<void(orlix::ImageStore&)>& creation);
 
     // Puts a copy of a rectangle of the source in the place of the image.

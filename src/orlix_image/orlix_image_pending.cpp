@@ -1,5 +1,5 @@
-// Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): local extrema and local
-// background correction. They refuse and write nothing.
+// Methods of the contract whose subsystems are not built yet (docs/not-built-yet.md lists them): local extrema and
+// local background correction. They refuse and write nothing.
 
 #include "orlix_image/orlix_image.hpp"
 

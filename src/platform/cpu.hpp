@@ -15,8 +15,8 @@ enum class Cpu : uint8_t { Any, Sse2, Avx2, Avx512 };
 // What this machine offers.
 Cpu CpuOfThisMachine() noexcept;
 
-// What dispatch goes by: CpuOfThisMachine(), or less when the environment variable ORLIX_VARIANT is scalar, sse2, avx2 or
-// avx512 at the first call. Any other value, and one beyond the machine, changes nothing.
+// What dispatch goes by: CpuOfThisMachine(), or less when the environment variable ORLIX_VARIANT is scalar, sse2, avx2
+// or avx512 at the first call. Any other value, and one beyond the machine, changes nothing.
 Cpu CpuInUse() noexcept;
 
 }  // namespace orlix

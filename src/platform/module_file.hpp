@@ -9,7 +9,8 @@
 
 namespace orlix {
 
-// Full path; empty when the system does not tell. On Windows of any length, without a \\?\ prefix unless the loader used one.
+// Full path; empty when the system does not tell. On Windows of any length, without a \\?\ prefix unless the loader
+// used one.
 WideString ModulePath();
 
 }  // namespace orlix

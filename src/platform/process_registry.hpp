@@ -1,4 +1,5 @@
-// What is registered in this process, off Windows, where there is no registry of the system: a tree of keys with values.
+// What is registered in this process, off Windows, where there is no registry of the system: a tree of keys with
+// values.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -16,9 +17,9 @@
 
 namespace orlix {
 
-// A key is named by its path, "HKCR\CLSID\{...}": names joined by one backslash each, the first one a root. Names of keys
-// and values match whatever the case of their ASCII letters, and keep the case in which they were first written. The value
-// named "" is the key's default value. All methods may be called by any thread.
+// A key is named by its path, "HKCR\CLSID\{...}": names joined by one backslash each, the first one a root. Names of
+// keys and values match whatever the case of their ASCII letters, and keep the case in which they were first written.
+// The value named "" is the key's default value. All methods may be called by any thread.
 // Invariant: a key's parents exist.
 class ProcessRegistry {
 public:
@@ -32,7 +33,8 @@ public:
 
     static ProcessRegistry& OfThisProcess();
 
-    // The store of the process starts empty: what a look-up of a class asks for first. The module names its own registration.
+    // The store of the process starts empty: what a look-up of a class asks for first. The module names its own
+    // registration.
     using Preparation = HRESULT (*)() noexcept;
     void PrepareLookUpsWith(Preparation preparation) noexcept { preparation_ = preparation; }
     HRESULT PrepareLookUp() const noexcept {

@@ -7,8 +7,8 @@ namespace {
 
 constexpr size_t kLanes = 8;
 
-// All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads pixels as
-// integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
+// All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads
+// pixels as integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
 [[gnu::always_inline]] inline __m256i Integers(const uint8_t* p) {
     return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }

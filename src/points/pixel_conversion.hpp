@@ -27,8 +27,8 @@ Pixel ToPixel(double v) {
     return static_cast<Pixel>(std::floor(v + 0.5));
 }
 
-// Truncated toward zero, then the low-order bits: 12.9 gives 12, and 256 gives 0 for bytes. NaN, infinities and magnitudes
-// of 2^63 and more give 0. Float pixels take the nearest float, as ToPixel does.
+// Truncated toward zero, then the low-order bits: 12.9 gives 12, and 256 gives 0 for bytes. NaN, infinities and
+// magnitudes of 2^63 and more give 0. Float pixels take the nearest float, as ToPixel does.
 template <class Pixel>
 Pixel TruncateToPixel(double v) {
     if constexpr (kIsFloat<Pixel>) return ToPixel<Pixel>(v);

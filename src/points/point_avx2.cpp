@@ -60,8 +60,8 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     return _mm256_blendv_pd(_mm256_min_pd(upper, s), lower, _mm256_cmp_pd(s, lower, _CMP_LT_OQ));
 }
 
-// Quotients of four integers, rounded and clamped to [0, most], as 32-bit integers. Negative and NaN give 0: maxpd returns
-// its second operand when the first is NaN.
+// Quotients of four integers, rounded and clamped to [0, most], as 32-bit integers. Negative and NaN give 0: maxpd
+// returns its second operand when the first is NaN.
 struct Divider {
     __m256d value, most, half = _mm256_set1_pd(0.5), bias = _mm256_set1_pd(0x1p31);
     __m128i sign = _mm_set1_epi32(static_cast<int>(0x80000000u));
@@ -154,8 +154,8 @@ void Quotient_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& 
 
 // A shuffle looks up 16 entries by the low four bits of an index and gives 0 where bit 7 is set. With each row of 16
 // entries replaced by its difference (exclusive or) from the row before, the rows 0..k that an index less 16 row leaves
-// non-negative combine to row k. The two halves of the table are separate: saturation keeps the other half's pixels, negative
-// as signed bytes, negative.
+// non-negative combine to row k. The two halves of the table are separate: saturation keeps the other half's pixels,
+// negative as signed bytes, negative.
 void LookUp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
     uint8_t rows[256];
     for (int i = 0; i < 256; ++i)

@@ -100,8 +100,8 @@ template <class Step>
     _mm256_mask_storeu_ps(pixels + i, rest, _mm512_cvtpd_ps(step(p)));
 }
 
-// Quotients of eight integers, rounded and clamped to [0, most]. Negative and NaN give 0: vmaxpd returns its second operand
-// when the first is NaN.
+// Quotients of eight integers, rounded and clamped to [0, most]. Negative and NaN give 0: vmaxpd returns its second
+// operand when the first is NaN.
 struct Divider {
     __m512d value, most, half = _mm512_set1_pd(0.5);
     Divider(double divisor, double greatest) : value(_mm512_set1_pd(divisor)), most(_mm512_set1_pd(greatest)) {}

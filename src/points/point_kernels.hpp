@@ -18,8 +18,8 @@ void Sum_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 template <class T>
 void Ramp_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 
-// q = p / value in double, clamped to the type's range (an integer result of NaN is 0), then floor(q + 0.5), for float q
-// rounded to float.
+// q = p / value in double, clamped to the type's range (an integer result of NaN is 0), then floor(q + 0.5), for float
+// q rounded to float.
 template <class T>
 void Quotient_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 
@@ -44,8 +44,8 @@ void Ramp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& para
 void Ramp_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
 void Ramp_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
 
-// Where value is a float, float arithmetic gives the bits of double arithmetic rounded to float: a double has more than twice
-// the digits, so rounding twice cannot go astray in a sum or a quotient of floats.
+// Where value is a float, float arithmetic gives the bits of double arithmetic rounded to float: a double has more than
+// twice the digits, so rounding twice cannot go astray in a sum or a quotient of floats.
 void Sum_sse2(float* pixels, size_t n, const PointParameters<float>& parameters);
 void Sum_avx2(float* pixels, size_t n, const PointParameters<float>& parameters);
 void Sum_avx512(float* pixels, size_t n, const PointParameters<float>& parameters);

@@ -12,8 +12,8 @@
 namespace orlix {
 namespace {
 
-// The summand as a whole number with which p + value in double, clamped and rounded, gives clamp(p + k) for every pixel p of
-// the integer type; nothing where the roundings of the double arithmetic could matter.
+// The summand as a whole number with which p + value in double, clamped and rounded, gives clamp(p + k) for every pixel
+// p of the integer type; nothing where the roundings of the double arithmetic could matter.
 template <class T>
 std::optional<int64_t> WholeSummand(double value) {
     // Beyond twice the type's range every sum and difference is clamped, whatever the pixel.

@@ -10,9 +10,9 @@
 
 namespace orlix {
 
-// A pixel within [lower, upper] becomes the entry of the bin of a histogram of the given shape in which Counter counts it;
-// others, NaN and pixels of a bin without an entry stay. T is uint16_t, uint32_t or float. Applied in place to any number
-// of runs; the table is read as long as the operation lives.
+// A pixel within [lower, upper] becomes the entry of the bin of a histogram of the given shape in which Counter counts
+// it; others, NaN and pixels of a bin without an entry stay. T is uint16_t, uint32_t or float. Applied in place to any
+// number of runs; the table is read as long as the operation lives.
 template <class T>
 class TableLookUp {
 public:

@@ -11,8 +11,8 @@ namespace orlix {
 //  (1) Bit of column x: 0x80 >> (x % 8) of byte x / 8 of the row of bits. Bits are set, never cleared; bits of columns
 //      outside the run stay, and no byte without a column of the run is written.
 //  (2) No pixel outside the run is read.
-//  (3) lo > hi: nothing is inside, all integers are outside. NaN pixels are never set. To compare float pixels with bounds
-//      in double, pass the smallest float not below the lower and the largest not above the upper.
+//  (3) lo > hi: nothing is inside, all integers are outside. NaN pixels are never set. To compare float pixels with
+//      bounds in double, pass the smallest float not below the lower and the largest not above the upper.
 template <class T>
 class ThresholdOperation {
 public:

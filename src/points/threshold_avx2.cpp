@@ -10,8 +10,9 @@ template <class T>
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
-// Bytes 0xff for 32 pixels inside, each eight of them in reverse order, so that the sign bits come out with the first pixel
-// in the most significant bit of each byte. Integers: nothing is left of p - hi and lo - p when they saturate at 0.
+// Bytes 0xff for 32 pixels inside, each eight of them in reverse order, so that the sign bits come out with the first
+// pixel in the most significant bit of each byte. Integers: nothing is left of p - hi and lo - p when they saturate at
+// 0.
 [[gnu::always_inline]] inline __m256i Inside(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
     const __m256i reverse =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
@@ -55,8 +56,9 @@ template <class Eight>
     });
 }
 
-// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 32, the last of which is
-// read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of its byte.
+// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 32, the last of which
+// is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of
+// its byte.
 template <class T, class BitsOf>
 [[gnu::always_inline]] inline void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi,
                                            bool inside, const BitsOf& bitsOf) {

@@ -35,8 +35,8 @@ struct All {};
     return reversed;
 }
 
-// Bits of the 64 pixels of a block that are inside or, where NaN makes a difference, outside: the first pixel of each eight
-// in the most significant bit of its byte.
+// Bits of the 64 pixels of a block that are inside or, where NaN makes a difference, outside: the first pixel of each
+// eight in the most significant bit of its byte.
 template <class There>
 [[gnu::always_inline]] inline uint64_t Set(There there, const uint8_t* pixels, uint8_t lo, uint8_t hi, bool inside) {
     const __m512i reverse =
@@ -86,8 +86,8 @@ template <class There>
     });
 }
 
-// Blocks of 64 pixels. The first starts before the run, at a whole byte of bits and, where that can be had, at a cache line
-// of pixels; pixels that are not there are not read, bytes without a bit of the run neither read nor written.
+// Blocks of 64 pixels. The first starts before the run, at a whole byte of bits and, where that can be had, at a cache
+// line of pixels; pixels that are not there are not read, bytes without a bit of the run neither read nor written.
 template <class T>
 [[gnu::always_inline]] inline void Threshold(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi,
                                              bool inside) {
@@ -100,8 +100,8 @@ template <class T>
     auto* const word = reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(bits) - before / 8);
     const size_t end = before + n;
 
-    // Some pixels of a block, at least one. The first block's bytes are the upper half of a vector, the last one's the lower:
-    // a masked store delays loads that follow from anywhere in its 16 bytes.
+    // Some pixels of a block, at least one. The first block's bytes are the upper half of a vector, the last one's the
+    // lower: a masked store delays loads that follow from anywhere in its 16 bytes.
     const auto partial = [&](size_t block, uint64_t there, unsigned half) {
         const uint64_t set = Set(there, start + block, lo, hi, inside) & WithReversedBytes(there);
         const int firstByte = __builtin_ctzll(there) / 8, lastByte = 7 - __builtin_clzll(there) / 8;

@@ -57,8 +57,9 @@ uint64_t BitsOf(const Mask& mask) {
     return WithReversedBytes(word);
 }
 
-// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 64, the last of which is
-// read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of its byte.
+// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 64, the last of which
+// is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of
+// its byte.
 template <class T, class BitsOf>
 void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside,
              const BitsOf& bitsOf) {

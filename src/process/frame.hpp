@@ -1,5 +1,5 @@
-// The processing frame of one pixel type, above whatever else a TypedImage is to offer (Base): it asks clients for what an
-// operation is to visit, and applies it. Only one file includes this, display/displayed_image.cpp.
+// The processing frame of one pixel type, above whatever else a TypedImage is to offer (Base): it asks clients for what
+// an operation is to visit, and applies it. Only one file includes this, display/displayed_image.cpp.
 #pragma once
 
 #include <memory>

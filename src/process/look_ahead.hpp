@@ -14,8 +14,8 @@ namespace orlix {
 
 constexpr int64_t kCacheLine = 64;  // bytes
 
-// Asks for the beginning of a run in the row given, which the next row's run often resembles: the hardware's own prefetchers
-// notice a run only after its first lines.
+// Asks for the beginning of a run in the row given, which the next row's run often resembles: the hardware's own
+// prefetchers notice a run only after its first lines.
 template <class Pixel>
 void FetchStart(const Pixel* row, const Run& run) {
     const auto* const first = reinterpret_cast<const char*>(row + run.start);
@@ -23,10 +23,10 @@ void FetchStart(const Pixel* row, const Run& run) {
     for (int64_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(first + i);
 }
 
-// Walks the runs of a region some distance ahead of an operation that visits them in order, and asks for their pixels. With
-// images beyond the caches, hardware that loses the trail at the end of every run costs up to half of the bandwidth, and even
-// whole rows gain by a third. Where the image stays in the cache the requests cost more than they bring, and the walk does
-// nothing; neither does it pay for operations with two images.
+// Walks the runs of a region some distance ahead of an operation that visits them in order, and asks for their pixels.
+// With images beyond the caches, hardware that loses the trail at the end of every run costs up to half of the
+// bandwidth, and even whole rows gain by a third. Where the image stays in the cache the requests cost more than they
+// bring, and the walk does nothing; neither does it pay for operations with two images.
 template <class Pixel>
 class LookAhead {
 public:

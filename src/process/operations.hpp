@@ -34,7 +34,7 @@ void ApplyTo(const Selection<Pixel>& at, Operation&& operation) {
     at.ForEachRun([&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
 }
 
-// ------------------------------------------------------------------------------------------------- counting and measuring
+// ---------------------------------------------------------------------------------------------- counting and measuring
 
 template <class Pixel>
 ComPtr<OrlixHistogram> HistogramOf(const Selection<Pixel>& at, Pixel lower, Pixel upper, LONG mostBins) {
@@ -99,7 +99,7 @@ SGrayMeasurements GrayMeasurementsOf(const Selection<Pixel>& at, LONG desired) {
             measures.standardDeviation};
 }
 
-// ------------------------------------------------------------------------------------------------------ the look-up table
+// --------------------------------------------------------------------------------------------------- the look-up table
 
 // An entry that nothing was put into: the location of its bin, so that looking up changes little or nothing.
 template <class Pixel>
@@ -164,7 +164,7 @@ void LookUp(const Selection<Pixel>& at) {
     }
 }
 
-// ----------------------------------------------------------------------------------------------------- operations of two
+// --------------------------------------------------------------------------------------------------- operations of two
 
 // The bands of a source beside those of a selection.
 template <class From>
@@ -211,8 +211,8 @@ void CombineWith(const Selection<Pixel>& at, const SourceViews<From>& sources, c
     }
 }
 
-// filter(from, to, rows) writes the rows of a band from what lies within filter.radius() in a band of the source. A source
-// in the memory of the selection, the same image above all, is copied before anything is written.
+// filter(from, to, rows) writes the rows of a band from what lies within filter.radius() in a band of the source. A
+// source in the memory of the selection, the same image above all, is copied before anything is written.
 template <class Pixel, class Operation>
 void FilterFrom(const Selection<Pixel>& at, SourceViews<Pixel> sources, const Operation& filter) {
     std::vector<SourceCopy<Pixel>> copies;
@@ -225,7 +225,7 @@ void FilterFrom(const Selection<Pixel>& at, SourceViews<Pixel> sources, const Op
         filter(sources[static_cast<size_t>(band)], at.view(band), at.rows());
 }
 
-// ---------------------------------------------------------------------------------------------------------------- surfaces
+// ------------------------------------------------------------------------------------------------------------ surfaces
 
 // S_FALSE, and the surface stays as it was, for a selection without pixels. Of the first band.
 template <class Pixel>

@@ -38,10 +38,12 @@ struct Gathered {
 
 // The pixels that an operation visits, and the settings that it goes by. Notes:
 //  (1) Regions and source images are clients' code, which may call the image back and change all there is to change. So
-//      every client is asked before a selection is made (Gathered), and none is called while one is in use. The library's own
-//      objects are then used without their interfaces: any method clears the thread's error information, a client's maybe.
-//  (2) Only the frame makes selections: it looks whether the image still has the pixels that were gathered, and reads the
-//      settings then. Operations are free functions of a selection, so none can work on anything that was read earlier.
+//      every client is asked before a selection is made (Gathered), and none is called while one is in use. The
+//      library's own objects are then used without their interfaces: any method clears the thread's error information,
+//      a client's maybe.
+//  (2) Only the frame makes selections: it looks whether the image still has the pixels that were gathered, and reads
+//      the settings then. Operations are free functions of a selection, so none can work on anything that was read
+//      earlier.
 template <class Pixel>
 class Selection {
 public:

@@ -13,9 +13,10 @@
 
 namespace orlix {
 
-// Everything that a client can set stays while the pixel type stays: region, luminance range, number of bins, table. Only
-// the band to process is set anew by a creation. The operations are those of IImageProcessBase and IImageProcess, which
-// document them, those of surfaces are IOrlixImageProcess's; failures are raised, and an image without pixels (or with a refused buffer) raises NoImage.
+// Everything that a client can set stays while the pixel type stays: region, luminance range, number of bins, table.
+// Only the band to process is set anew by a creation. The operations are those of IImageProcessBase and IImageProcess,
+// which document them, those of surfaces are IOrlixImageProcess's; failures are raised, and an image without pixels (or
+// with a refused buffer) raises NoImage.
 class TypedImage {
 public:
     virtual ~TypedImage() = default;

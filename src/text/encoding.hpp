@@ -11,7 +11,8 @@ namespace orlix {
 
 WideString FromLatin1(std::span<const uint8_t> bytes);
 
-// Malformed sequences (truncated, overlong, surrogates, beyond U+10FFFF) become U+FFFD, one for each byte that starts none.
+// Malformed sequences (truncated, overlong, surrogates, beyond U+10FFFF) become U+FFFD, one for each byte that starts
+// none.
 WideString FromUtf8(std::span<const uint8_t> bytes);
 // The same into memory for bytes.size() units, without a terminator. Returns how many were written.
 size_t FromUtf8(std::span<const uint8_t> bytes, OLECHAR* to) noexcept;

@@ -35,8 +35,8 @@ std::vector<uint8_t> RowBytes(const BitmapStore& bitmap, int32_t y) {
     return {bitmap.Row(y), bitmap.Row(y) + bitmap.rowBytes()};
 }
 
-// Draws into a bitmap of noise and compares every bit, padding included, with what the rule "inside(x, y)" asks for; so it
-// does for the marks of the rows.
+// Draws into a bitmap of noise and compares every bit, padding included, with what the rule "inside(x, y)" asks for; so
+// it does for the marks of the rows.
 template <class Draw, class Inside>
 void ExpectDrawn(int32_t width, int32_t height, Draw draw, Inside inside) {
     for (const DrawType how : {DT_On, DT_Off, DT_Xor, static_cast<DrawType>(3)}) {
@@ -67,7 +67,7 @@ void ExpectDrawn(int32_t width, int32_t height, Draw draw, Inside inside) {
     }
 }
 
-// ------------------------------------------------------------------------------------------------------------------ spans
+// --------------------------------------------------------------------------------------------------------------- spans
 
 TEST(DrawRow, SetsTheBitsFromLeftToRight) {
     BitmapStore bitmap = Bitmap(24, 1);
@@ -115,7 +115,7 @@ TEST(DrawRow, ASpanBesideTheBitmapMisses) {
     EXPECT_EQ(Drawing::Drawn, DrawRow(bitmap, 1, {kLeast, kMost}, DT_On));
 }
 
-// -------------------------------------------------------------------------------------------------------------- rectangles
+// ---------------------------------------------------------------------------------------------------------- rectangles
 
 TEST(DrawRectangle, DrawsThePixelsBetweenItsEndsWhereverTheyLie) {
     for (const int32_t left : {kLeast, -1, 0, 3, 10})
@@ -143,7 +143,7 @@ TEST(DrawRectangle, SaysWhetherItMissesOrHasEmptySpans) {
     EXPECT_EQ(std::vector<bool>(80), Pixels(bitmap));
 }
 
-// ------------------------------------------------------------------------------------------------------------------- disks
+// --------------------------------------------------------------------------------------------------------------- disks
 
 TEST(DrawDisk, DrawsThePixelCentresWithinTheRadius) {
     // In eighths of a pixel, where all numbers are whole.
@@ -204,7 +204,7 @@ TEST(DrawDisk, DisksBesideTheBitmapAndThoseOfNoNumbersMiss) {
     EXPECT_EQ(std::vector<bool>(144), Pixels(bitmap));
 }
 
-// ------------------------------------------------------------------------------------------------------------------- lines
+// --------------------------------------------------------------------------------------------------------------- lines
 
 TEST(DrawLine, CombinesEachOfItsPixelsOnce) {
     ExpectDrawn(

@@ -95,7 +95,7 @@ public:
     STDMETHODIMP put_Bit(LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
 };
 
-// --------------------------------------------------------------------------------------------------------------- the object
+// ---------------------------------------------------------------------------------------------------------- the object
 
 TEST(BitmapContract, AnswersItsInterfacesWithOneIdentity) {
     const auto bitmap = NewBitmap();
@@ -163,7 +163,7 @@ TEST(BitmapContract, ANewBitmapHasNoPixels) {
     EXPECT_EQ(S_OK, bitmap->One());
 }
 
-// --------------------------------------------------------------------------------------------------------------- creation
+// ------------------------------------------------------------------------------------------------------------ creation
 
 TEST(BitmapContract, RowsAreOfWholeWords) {
     const LONG table[][2] = {{1, 2}, {16, 2}, {17, 4}, {24, 4}};
@@ -260,7 +260,7 @@ TEST(BitmapContract, CopiesForeignBitmapsAndRefusesImpossibleOnes) {
     EXPECT_EQ(1u, foreign.references);
 }
 
-// ------------------------------------------------------------------------------------------------------------ pixel access
+// -------------------------------------------------------------------------------------------------------- pixel access
 
 TEST(BitmapContract, PointersLeadToTheBitsOfThePixels) {
     const auto bitmap = NewBitmap(20, 3);
@@ -338,7 +338,7 @@ TEST(BitmapContract, FillsIncludeThePadding) {
     EXPECT_EQ(std::vector<uint8_t>(4, 0), BytesOf(*bitmap));
 }
 
-// ---------------------------------------------------------------------------------------------------------------- drawing
+// ------------------------------------------------------------------------------------------------------------- drawing
 
 TEST(BitmapContract, HorizontalLinesAreClippedAndSayWhenTheyMiss) {
     const auto bitmap = NewBitmap(10, 2);
@@ -392,7 +392,8 @@ TEST(BitmapContract, ADiskBetweenThePixelCentresSucceedsWithItsRowsReported) {
     EXPECT_EQ(S_OK, bitmap->DrawDisk(5.5, 5.5, 0.5, DT_On));
     EXPECT_EQ(kLeftAboveRight, TakeReported().text);
     EXPECT_EQ(std::string::npos, Picture(*bitmap).find('#'));
-    // Radius 1 about (5.5, 5): its first and last rows, 4 and 6, hold none, and the row between does not take that back.
+    // Radius 1 about (5.5, 5): its first and last rows, 4 and 6, hold none, and the row between does not take that
+    // back.
     EXPECT_EQ(S_OK, bitmap->DrawDisk(5.5, 5, 1, DT_On));
     EXPECT_EQ(kLeftAboveRight, TakeReported().text);
     EXPECT_EQ(".....##....", Picture(*bitmap).substr(5 * 12, 11));

@@ -86,7 +86,7 @@ Image RowOf(const std::vector<Pixel>& pixels) {
     return Image(ImageOf<Pixel>(static_cast<LONG>(pixels.size()), pixels));
 }
 
-// --------------------------------------------------------------------------------------------------- band and dirty flag
+// ------------------------------------------------------------------------------------------------- band and dirty flag
 
 TEST(BandToDisplay, FollowsTheNumberOfBandsAndAcceptsTheBandsOfTheImage) {
     EXPECT_EQ(0, Image(NewImage<uint8_t>(2, 2, 1)).band());
@@ -131,7 +131,7 @@ TEST(DisplayDirty, IsOneOrZeroAndFollowsWhatChangesThePicture) {
     EXPECT_FALSE(image.GetsDirty([&] { return image.process->PutLuminanceRange(1, 2); }));
 }
 
-// ----------------------------------------------------------------------------------------------------------- colour table
+// -------------------------------------------------------------------------------------------------------- colour table
 
 TEST(ColorTable, IsAGreyRampThatTakesRedGreenAndBlue) {
     const Image image = RowOf<uint8_t>({0});
@@ -153,7 +153,7 @@ TEST(ColorTable, IsAGreyRampThatTakesRedGreenAndBlue) {
     EXPECT_TRUE(image.TableIsARamp());
 }
 
-// ------------------------------------------------------------------------------------------------------------------ range
+// --------------------------------------------------------------------------------------------------------------- range
 
 TEST(DisplayRange, IsStoredInThePixelType) {
     const Image bytes(NewImage<uint8_t>(1, 1));
@@ -199,7 +199,7 @@ TEST(DisplaySettings, StayWhileThePixelTypeStays) {
     EXPECT_EQ(0, image.band());
 }
 
-// --------------------------------------------------------------------------------------------------------------- snapping
+// ------------------------------------------------------------------------------------------------------------ snapping
 
 TEST(SnapDisplayRange, TakesTheExtremesWhereNothingIsTrimmed) {
     EXPECT_THAT(RowOf<uint8_t>({9, 7, 180, 8}).Snapped(0, 0, 0), Pair(7, 180));
@@ -296,7 +296,7 @@ TEST(SnapDisplayRange, IsFiniteAlsoForInfinitePixels) {
     EXPECT_THAT(RowOf<float>({kFloatInfinity}).Snapped(0.4, 0.4, 0), Pair(kMost, kMost));
 }
 
-// ------------------------------------------------------------------------------------------------------------- equalising
+// ---------------------------------------------------------------------------------------------------------- equalising
 
 TEST(EqualizeColorTable, SpreadsTheGreysOverTheLevels) {
     const Image image = RowOf<uint8_t>({10, 10, 20, 200});  // cumulated: 2, 3, 4 of 4
@@ -361,7 +361,7 @@ TEST(EqualizeColorTable, FailsWhenNoPixelLiesWithinAndKeepsTheTable) {
     EXPECT_TRUE(floats.TableIsARamp());
 }
 
-// ---------------------------------------------------------------------------------------------------------- odd clients
+// --------------------------------------------------------------------------------------------------------- odd clients
 
 TEST(DisplayProcess, NeedsAnImageAndPlacesForItsResults) {
     const Image image = RowOf<uint8_t>({1});

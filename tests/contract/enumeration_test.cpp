@@ -1,5 +1,5 @@
-// Enumerations as clients may put them: any number. The build with sanitizers would stop where one is read that the type
-// cannot hold.
+// Enumerations as clients may put them: any number. The build with sanitizers would stop where one is read that the
+// type cannot hold.
 #include <limits>
 
 #include "contract/support.hpp"

@@ -1,5 +1,5 @@
-// The neighbourhood filters as their clients see them, against a slow road: weights, whole-number or double arithmetic, and a
-// mirror of its own.
+// The neighbourhood filters as their clients see them, against a slow road: weights, whole-number or double arithmetic,
+// and a mirror of its own.
 
 #include <gmock/gmock.h>
 
@@ -238,8 +238,8 @@ TYPED_TEST(FilterOf, ASmallerSourceServesAsFarAsItsTablesReach) {
         }
 }
 
-// What another component may hand out: bands interleaved, the picture upside down and reversed, rows that share samples; and a
-// margin that repeats the edge instead of mirroring.
+// What another component may hand out: bands interleaved, the picture upside down and reversed, rows that share
+// samples; and a margin that repeats the edge instead of mirroring.
 TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
     using Pixel = TypeParam;
     constexpr LONG width = 290, height = 12;

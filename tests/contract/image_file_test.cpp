@@ -1,4 +1,5 @@
-// Loading and saving as clients do it: what survives, what is reported, and that failures leave image and file as they were.
+// Loading and saving as clients do it: what survives, what is reported, and that failures leave image and file as they
+// were.
 
 #include <gmock/gmock.h>
 

@@ -214,7 +214,7 @@ TEST(ImageContract, NullOutputsAreRefusedAndNothingIsWritten) {
     EXPECT_EQ(&n, base);
 }
 
-// --------------------------------------------------------------------------------------------------------------- buffers
+// ------------------------------------------------------------------------------------------------------------- buffers
 
 TEST(AttachBuffer, UsesTheClientsMemoryWithThePaddedStride) {
     alignas(4) uint16_t pixels[2][2][4] = {};  // two bands of two rows of three pixels and one of padding
@@ -295,7 +295,7 @@ TEST(AttachBuffer, RefusesABufferThatIsTooShort) {
               kSource));
 }
 
-// ---------------------------------------------------------------------------------------------------------------- copies
+// -------------------------------------------------------------------------------------------------------------- copies
 
 TEST(CreateFromImage, CopiesOneBandOrAllWithTheMapAndRefusesItself) {
     const auto source = NewImage<uint16_t>(3, 2, 3);
@@ -373,7 +373,7 @@ TEST(CreateFromSubImage, ReadsTheMirroredMarginAndRefusesToGoBeyondIt) {
     EXPECT_THAT(DimensionsOf(part), ElementsAre(1, 403, 402));
 }
 
-// --------------------------------------------------------------------------------------------- images of other components
+// ------------------------------------------------------------------------------------------ images of other components
 
 TEST(ForeignImages, AreReadThroughTheirTable) {
     // Red, green, blue side by side, bottom row first: band 1 of a 2 x 2 picture.

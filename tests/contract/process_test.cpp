@@ -1,4 +1,5 @@
-// The processing frame as its clients see it: band, region, luminance range, thresholds, measurements, point operations.
+// The processing frame as its clients see it: band, region, luminance range, thresholds, measurements, point
+// operations.
 
 #include <gmock/gmock.h>
 
@@ -82,7 +83,7 @@ SGrayMeasurements Measured(const ComPtr<IImageProcess>& process, int flags) {
     return measure;
 }
 
-// ------------------------------------------------------------------------------------------------------------------ frame
+// --------------------------------------------------------------------------------------------------------------- frame
 
 TEST(BandToProcess, FollowsTheNumberOfBandsAndAcceptsTheBandsOfTheImage) {
     LONG band = 99;
@@ -215,7 +216,7 @@ TEST(NumberOfBins, IsFixedForBytesAndAboveOneForOthers) {
     EXPECT_EQ(S_OK, floats.process->get_Histogram(histogram.Out()));
 }
 
-// ----------------------------------------------------------------------------------------------------------- measurements
+// -------------------------------------------------------------------------------------------------------- measurements
 
 TEST(ImageHistogram, OfBytesHasABinForEachLevelAndLeavesOutWhatTheRangeDoes) {
     const Image<uint8_t> image(6, {0, 10, 10, 20, 255, 30});
@@ -276,7 +277,7 @@ TEST(GrayMeasurements, OfAnEmptyRegionAreZero) {
     EXPECT_EQ(0, measure.m_dGrayAverage);
 }
 
-// ------------------------------------------------------------------------------------------------------------- thresholds
+// ---------------------------------------------------------------------------------------------------------- thresholds
 
 TEST(Threshold, RoundsItsBoundsInwards) {
     std::vector<uint8_t> ramp(256);
@@ -318,7 +319,7 @@ TEST(Threshold, LeavesBitsOutsideTheRegionClear) {
     for (int i = 0; i < 60; ++i) EXPECT_EQ(i >= 27 && i <= 37 ? 1 : 0, bits[static_cast<size_t>(i)]) << i;
 }
 
-// ------------------------------------------------------------------------------------------------------- point operations
+// ---------------------------------------------------------------------------------------------------- point operations
 
 TEST(PointOperations, OfBytesFollowTheirFormulas) {
     struct Case {
@@ -506,7 +507,7 @@ TEST(ForeignRegions, MayReplaceTheImageThatAsksThem) {
     EXPECT_EQ(S_OK, image.process->Invert());
 }
 
-// ------------------------------------------------------------------------------------------------------------------ table
+// --------------------------------------------------------------------------------------------------------------- table
 
 TEST(Table, HoldsConvertedValuesAndIsLookedUp) {
     const Image<uint8_t> image(4, {0, 1, 2, 255});
@@ -570,7 +571,7 @@ TEST(Table, Of16BitsIsReadThroughTheBinsOfTheHistogram) {
     EXPECT_THAT(image.values(), ElementsAre(5, 6, 6, 6, 6, 2000));
 }
 
-// -------------------------------------------------------------------------------------------------------------- snapping
+// ------------------------------------------------------------------------------------------------------------ snapping
 
 TEST(SnapLuminanceRange, TakesTheExtremesOrTheTrimmedLimits) {
     std::vector<uint16_t> ramp(100);
@@ -611,7 +612,7 @@ TEST(SnapLuminanceRange, OfBytesIsUndoneByRoundOut) {
     EXPECT_EQ(255, upper);
 }
 
-// --------------------------------------------------------------------------------------------------------- other images
+// -------------------------------------------------------------------------------------------------------- other images
 
 TEST(CastAndPlus, KeepLowOrderBitsAndNeverSaturate) {
     const Image<uint8_t> bytes(2, {200, 7});

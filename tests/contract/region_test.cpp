@@ -176,7 +176,8 @@ TEST(RegionContract, AnOrientedRectangleLiesAlongItsAngle) {
     }
     ASSERT_EQ(S_OK, region->CreateOrientedRectangle(100, 100, 10, 4, 180, 50, 50));
     EXPECT_EQ((Box{45, 48, 55, 52}), BoxOf(region));
-    // At 30 degrees the pixel 20 to the right and 12 down (30.96 degrees) is in a rectangle 48 long, and 20 right, 12 up is not.
+    // At 30 degrees the pixel 20 to the right and 12 down (30.96 degrees) is in a rectangle 48 long, and 20 right, 12
+    // up is not.
     ASSERT_EQ(S_OK, region->CreateOrientedRectangle(100, 100, 48, 2, 30, 50, 50));
     const Runs below = RunsOf(region, 62);
     const Runs above = RunsOf(region, 38);

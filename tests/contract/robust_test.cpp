@@ -226,7 +226,7 @@ TEST(RobustContract, RecordsHaveTheSameBitsEverywhere) {
            "bytes get_AngledHemisphereFit");
 }
 
-// ---------------------------------------------------------------------------------------------------------- hemispheres
+// --------------------------------------------------------------------------------------------------------- hemispheres
 
 template <class Pixel>
 Picture CapOf(LONG width, LONG height, double base, double scale, double radius) {

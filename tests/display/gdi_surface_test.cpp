@@ -1,4 +1,5 @@
-// The second way of drawing on device contexts, for systems that refuse the first; the first is tested through the image.
+// The second way of drawing on device contexts, for systems that refuse the first; the first is tested through the
+// image.
 #ifdef _WIN32
 
 #include "display/windows/gdi_surface.hpp"

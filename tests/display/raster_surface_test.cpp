@@ -81,8 +81,8 @@ Picture Noise(Kind kind, int32_t width, int32_t height) {
     return picture;
 }
 
-// The weights of the documentation in another way: with counted units and quotients in double. They are exact wherever a
-// half is, and far enough from it elsewhere.
+// The weights of the documentation in another way: with counted units and quotients in double. They are exact wherever
+// a half is, and far enough from it elsewhere.
 std::vector<double> Weights(int64_t source, int64_t dest, int64_t i) {
     std::vector<double> weights(static_cast<size_t>(source));
     const auto weight = [&](int64_t k) -> double& {

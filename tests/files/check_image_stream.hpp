@@ -1,4 +1,5 @@
-// What must hold for any bytes whatever that are read as the stream of an image. A fuzzer and tests feed these functions.
+// What must hold for any bytes whatever that are read as the stream of an image. A fuzzer and tests feed these
+// functions.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +18,8 @@ namespace orlix::test {
 //      gives the same bytes.
 void CheckStreamReading(std::span<const uint8_t> bytes);
 
-// A stream that is sound up to its pixels: a small image whose type and geometry are taken from the first bytes, and then
-// the rest. So damage reaches the fields behind the pixels.
+// A stream that is sound up to its pixels: a small image whose type and geometry are taken from the first bytes, and
+// then the rest. So damage reaches the fields behind the pixels.
 Bytes WithSoundPixels(std::span<const uint8_t> bytes);
 
 // Streams to start from, named stream-...

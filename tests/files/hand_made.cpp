@@ -18,7 +18,7 @@ Bytes Big32(uint32_t v) {
 Bytes Little16(uint32_t v) { return {static_cast<uint8_t>(v), static_cast<uint8_t>(v >> 8)}; }
 Bytes Little32(uint32_t v) { return Little16(v) + Little16(v >> 16); }
 
-// ------------------------------------------------------------------------------------------------------------------- PNG
+// ----------------------------------------------------------------------------------------------------------------- PNG
 
 // Bit by bit: the remainder of the reflected polynomial 0xEDB88320.
 uint32_t Crc32(const Bytes& data) {
@@ -171,7 +171,7 @@ Bytes MakePng(const PngPicture& picture, const Bytes& chunks, int filter) {
            chunks + PngChunk("IDAT", StoredStream(PngRows(picture, filter))) + PngEnd();
 }
 
-// ------------------------------------------------------------------------------------------------------------------- BMP
+// ----------------------------------------------------------------------------------------------------------------- BMP
 
 Bytes MakeBmp(const BmpFile& file) {
     Bytes header = Little32(file.headerSize);

@@ -32,7 +32,7 @@ private:
     uint64_t state_;
 };
 
-// ------------------------------------------------------------------------------------------------------------------- PNG
+// ----------------------------------------------------------------------------------------------------------------- PNG
 
 Bytes PngSignature();
 uint32_t Crc32(const Bytes& data);
@@ -57,7 +57,7 @@ Bytes PngRows(const PngPicture& picture, int filter = -1);
 // Signature, header, the given chunks, one pixel chunk of stored rows, end.
 Bytes MakePng(const PngPicture& picture, const Bytes& chunks = {}, int filter = -1);
 
-// ------------------------------------------------------------------------------------------------------------------- BMP
+// ----------------------------------------------------------------------------------------------------------------- BMP
 
 struct BmpFile {
     uint32_t headerSize = 40;

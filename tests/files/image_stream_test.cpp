@@ -131,8 +131,8 @@ TEST(ImageStream, EveryTruncationFailsAndShortReadsDoNot) {
             << size;
 }
 
-// Up to the pixels every byte is decided by the others, but for the coordinate map and two entries without meaning (rows
-// 203 and 204 of an image of three).
+// Up to the pixels every byte is decided by the others, but for the coordinate map and two entries without meaning
+// (rows 203 and 204 of an image of three).
 TEST(ImageStream, EveryChangeOfAByteBeforeThePixelsIsFound) {
     const HandMadeStream hand;
     Bytes bytes = hand.Whole();

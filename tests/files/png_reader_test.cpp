@@ -182,7 +182,8 @@ TEST(PngReader, DamageBehindARightChecksumGivesAnErrorOrAnImage) {
             damaged[at] = static_cast<uint8_t>(value);
             MemoryImage image;
             const std::string text = FailureOfReading(TinyWith({}, damaged), image);
-            // The two bytes in front name a window size, which may vary, as may the unused bits of the block's first byte.
+            // The two bytes in front name a window size, which may vary, as may the unused bits of the block's first
+            // byte.
             if (value == stream[at] || (at == 2 && value % 8 == 1)) {
                 EXPECT_EQ("", text);
             } else if (at >= 2) {
@@ -344,7 +345,8 @@ TEST(PngReader, TextsOfAllThreeKindsAreKeptInOrderAndOddOnesSkipped) {
         entry("tEXt", "Title", {'5', ' ', 0xB5, 'm'}) + entry("zTXt", "Packed", Bytes{0} + packed) +
         entry("iTXt", "Plain", Bytes{0, 0} + FromText("en") + Bytes{0, 0} + utf8) +
         entry("iTXt", "Small", Bytes{1, 0, 0, 0} + StoredStream({0xC3, 0xA9})) +
-        // Skipped: no keyword, a bad one, no text, an unknown method, a damaged stream, no end of the keyword, a flag of 2.
+        // Skipped: no keyword, a bad one, no text, an unknown method, a damaged stream, no end of the keyword, a flag
+        // of 2.
         entry("tEXt", "", FromText("x")) + entry("tEXt", " Title", FromText("x")) + entry("tEXt", "Empty", {}) +
         entry("zTXt", "Method", Bytes{1} + packed) + entry("zTXt", "Damaged", {0, 1, 2, 3}) +
         PngChunk("tEXt", FromText("Title")) + PngChunk("iTXt", {}) + entry("iTXt", "Flag", {2, 0, 0, 0, 'x'}) +

@@ -38,8 +38,8 @@ std::vector<FilterParameters<T>> Ranges() {
     }
 }
 
-// Rows of n pixels and their margins, each in memory of its own that ends where the row ends: AddressSanitizer sees a read
-// beyond, without an offset also one before.
+// Rows of n pixels and their margins, each in memory of its own that ends where the row ends: AddressSanitizer sees a
+// read beyond, without an offset also one before.
 template <class T>
 struct SourceRows {
     std::vector<std::vector<T>> rows;

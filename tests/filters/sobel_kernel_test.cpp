@@ -15,8 +15,8 @@ FilterParameters<T> Whole() {
     return LuminanceRanges<T>()[0];
 }
 
-// Squares with given gradients, three columns for each, so result 3j belongs to pair j. Gradients of integer images are both
-// even or both odd; beyond that a pair may be out of the type's reach, and is left out.
+// Squares with given gradients, three columns for each, so result 3j belongs to pair j. Gradients of integer images are
+// both even or both odd; beyond that a pair may be out of the type's reach, and is left out.
 template <class T>
 class Gradients {
 public:

@@ -92,7 +92,8 @@ TEST(Shifts, EveryVariantEqualsTheDefinitionBitForBit) {
             }
 }
 
-// Gentle and steep rows, constants at and beside a half, slopes that pass through halves exactly, and rows beyond all bounds.
+// Gentle and steep rows, constants at and beside a half, slopes that pass through halves exactly, and rows beyond all
+// bounds.
 TEST(CorrectRow, EveryVariantEqualsTheDefinition) {
     const RowPolynomial rows[] = {{{3.3, 0.01, -2e-6, 3e-10}},
                                   {{0.5, 0, 0, 0}},

@@ -196,7 +196,7 @@ TEST(RobustFit, EqualsThePlainSearch) {
     for (const int32_t few : {1, 2, 3, 5, 7, 9, 10}) ExpectPlainResults<uint8_t>(few, 1, 0.7);
 }
 
-// ---------------------------------------------------------------------------------------------------------- the results
+// --------------------------------------------------------------------------------------------------------- the results
 
 TEST(RobustFit, FindsThePlaneUnderOutliers) {
     for (const double share : {0.1, 0.2, 0.3})
@@ -248,7 +248,7 @@ TEST(RobustFit, FindsHemispheresUnderOutliers) {
         }
 }
 
-// ------------------------------------------------------------------------------------------------------------- the rule
+// ------------------------------------------------------------------------------------------------------------ the rule
 
 TEST(RobustFit, TrialLimitFollowsTheRule) {
     EXPECT_EQ(200, TrialLimit(0.5, 3));

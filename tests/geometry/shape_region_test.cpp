@@ -64,7 +64,7 @@ std::string FailureOf(Action action) {
     return "";
 }
 
-// ------------------------------------------------------------------------------------------------------------ rectangles
+// ---------------------------------------------------------------------------------------------------------- rectangles
 
 TEST(ShapeRegion, ARectangleIsOneRunInEachRowOfItsBox) {
     const ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
@@ -112,7 +112,7 @@ TEST(ShapeRegion, TheLargestRectangleNeedsNoMemory) {
     EXPECT_THAT(Runs(shape, 1000), Is({{0, -1}, {kMost, kMost - 1}}));
 }
 
-// ---------------------------------------------------------------------------------------------------------------- circles
+// ------------------------------------------------------------------------------------------------------------- circles
 
 TEST(ShapeRegion, ACircleHoldsThePixelCentresWithinItsRadius) {
     const ShapeRegion shape = Circle(100, 100, 50, 50, 2);
@@ -159,7 +159,8 @@ TEST(ShapeRegion, CirclesHoldExactlyThePixelsWithinTheRadius) {
             }
 }
 
-// A circle that reaches row 10 as exactly as its centre and radius can say: there radius^2 - d^2 may come out as -1e-15.
+// A circle that reaches row 10 as exactly as its centre and radius can say: there radius^2 - d^2 may come out as
+// -1e-15.
 TEST(ShapeRegion, RoundingAtTheFirstRowDoesNotLoseIt) {
     int reached = 0;
     int negative = 0;
@@ -200,7 +201,7 @@ TEST(ShapeRegion, CirclesOfAnySizeAreDefined) {
         }
 }
 
-// ---------------------------------------------------------------------------------------------------- oriented rectangles
+// ------------------------------------------------------------------------------------------------- oriented rectangles
 
 TEST(ShapeRegion, AnUprightOrientedRectangleIncludesItsBorder) {
     const ShapeRegion shape = Oriented(100, 100, 55, 50, 45, 50, 4);
@@ -269,8 +270,8 @@ TEST(ShapeRegion, ARowBetweenTwoPixelCentresIsNotInTheBox) {
     EXPECT_THAT(Runs(shape, 10), Is({}));
 }
 
-// The upper edge from A (0.5, 5 +- a little) to B (10.5, 5 -+ a little) counts as horizontal: in row 5 it stands for the end
-// nearer to the row, and the right side adds column 10.5.
+// The upper edge from A (0.5, 5 +- a little) to B (10.5, 5 -+ a little) counts as horizontal: in row 5 it stands for
+// the end nearer to the row, and the right side adds column 10.5.
 TEST(ShapeRegion, AnEdgeThatIsAllButHorizontalStandsForItsNearerEnd) {
     // A 2e-5 below the row, B 3e-5 above it: from A on.
     const ShapeRegion fromA = Oriented(30, 30, 5.5, 4.999995, 5.50005, 14.999995, 10);
@@ -340,10 +341,10 @@ TEST(ShapeRegion, WhatCoversTooManyRowsIsRefusedAndNoLengthOfARowMatters) {
     EXPECT_THAT(Runs(shape, 2), Is({{357913942, 1073741823}}));
 }
 
-// -------------------------------------------------------------------------------------------------------------- the frame
+// ----------------------------------------------------------------------------------------------------------- the frame
 
-// A pixel of the shape belongs to the frame unless it lies between the ends of its run, in a row between the first and the
-// last, and the rows above and below cover it.
+// A pixel of the shape belongs to the frame unless it lies between the ends of its run, in a row between the first and
+// the last, and the rows above and below cover it.
 TEST(ShapeRegion, FramesHoldThePixelsThatTheirNeighboursDoNotCover) {
     std::vector<ShapeRegion> shapes;
     for (const double radius : {0.0, 0.5, 1.0, 1.5, 3.3, 7.0, 12.9, 30.0, 80.0}) {
@@ -380,7 +381,7 @@ TEST(ShapeRegion, OtherPolaritiesCountAsInside) {
     EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());
 }
 
-// ---------------------------------------------------------------------------------------------------------------- failures
+// ------------------------------------------------------------------------------------------------------------ failures
 
 TEST(ShapeRegion, EachCreationTestsWidthThenHeightAndThenChangesNothing) {
     const std::string prefix = "IShapeRegionOfInterest::";

@@ -30,7 +30,8 @@ private:
     uint64_t state_;
 };
 
-// Shapes that occur: flat noise, mostly empty bins, two bumps with an empty or a shallow valley, one bump. At least one count.
+// Shapes that occur: flat noise, mostly empty bins, two bumps with an empty or a shallow valley, one bump. At least one
+// count.
 inline Counts SomeCounts(Random& random, size_t n, LONG most) {
     Counts counts(n, 0);
     const int64_t shape = random.Below(4);

@@ -134,7 +134,8 @@ TEST(Statistics, CountsThatSumBeyond32BitsAreStillCounts) {
     EXPECT_EQ(1.25, VarianceOfBins(counts));
     EXPECT_EQ(1, MedianBin(counts));
     EXPECT_DOUBLE_EQ(std::log(4.0), EntropyOfBins(counts));
-    // Power sums beyond 2^92: a uniform distribution over n bins has variance (n^2 - 1) / 12, kurtosis -6/5 (n^2 + 1) / (n^2 - 1).
+    // Power sums beyond 2^92: a uniform distribution over n bins has variance (n^2 - 1) / 12, kurtosis -6/5 (n^2 + 1) /
+    // (n^2 - 1).
     const Counts many(1000000, kMost);
     EXPECT_EQ(499999.5, MeanBin(many));
     EXPECT_DOUBLE_EQ((1e12 - 1) / 12, VarianceOfBins(many));
@@ -163,7 +164,7 @@ TEST(Statistics, NegativeCountsGiveDefinedResults) {
     EXPECT_TRUE(std::isfinite(EntropyOfBins(extremes)));
 }
 
-// ------------------------------------------------------------------------------------------ medians, modes and extremes
+// ----------------------------------------------------------------------------------------- medians, modes and extremes
 
 TEST(Statistics, TheMedianIsTheFirstBinThatReachesHalf) {
     EXPECT_EQ(1, MedianBin(Counts{0, 5, 5, 0}));  // exactly half
@@ -237,8 +238,8 @@ TEST(Statistics, TrimmingANegativeFractionAddsToTheEndsAndSaturates) {
 }
 
 TEST(Statistics, TrimmedMeanAndWinsorizedDeviationAreKnown) {
-    // 2, 3, 10, 3, 2 without 3 at each end: 0, 2, 10, 2, 0. Winsorized: 3 + 3 at bins 1 and 3, 22 in all (not 20), with the
-    // variance 12 / 22.
+    // 2, 3, 10, 3, 2 without 3 at each end: 0, 2, 10, 2, 0. Winsorized: 3 + 3 at bins 1 and 3, 22 in all (not 20), with
+    // the variance 12 / 22.
     const auto some = StatisticsWithoutTails(Counts{2, 3, 10, 3, 2}, 0.125);
     ASSERT_TRUE(some);
     EXPECT_EQ(2.0, some->mean);

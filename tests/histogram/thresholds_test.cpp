@@ -104,7 +104,8 @@ TEST(Thresholds, SeparationOfKnownHistograms) {
     for (const Case& c : cases) EXPECT_EQ(c.bin, BinOfGreatestSeparation(c.counts, c.left, c.right)) << c.what;
 }
 
-// The textbook's other form of the between-class variance, w0 w1 (mu0 - mu1)^2, as a fraction of integers; small counts only.
+// The textbook's other form of the between-class variance, w0 w1 (mu0 - mu1)^2, as a fraction of integers; small counts
+// only.
 int64_t SlowSeparation(const Counts& counts, double left, double right) {
     const auto n = static_cast<int64_t>(counts.size());
     int64_t bestNumerator = 0;
@@ -348,8 +349,8 @@ TEST(Thresholds, BestClassificationEqualsItsDefinition) {
 }
 
 TEST(Thresholds, BestClassificationOfKnownHistograms) {
-    // Far apart both classes are certain everywhere in the valley: the score is 1, and the lowest such bin wins. The lower class
-    // is a single bin of deviation sqrt(1/12): certain from 3.05 deviations on, 0.88 above it.
+    // Far apart both classes are certain everywhere in the valley: the score is 1, and the lowest such bin wins. The
+    // lower class is a single bin of deviation sqrt(1/12): certain from 3.05 deviations on, 0.88 above it.
     EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
     EXPECT_EQ(4, BinOfBestClassification(Counts{0, 0, 0, 10, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
     // Nothing to separate.

@@ -22,7 +22,8 @@ TEST(Turn, IsTheSignOfWholeNumbers) {
         }
 }
 
-// Near the line y = x through (12, 12) and (24, 24), in steps of the last place of 0.5: the answer is the sign of y - x there.
+// Near the line y = x through (12, 12) and (24, 24), in steps of the last place of 0.5: the answer is the sign of y - x
+// there.
 TEST(Turn, IsExactWhereDoublesRound) {
     const double step = std::ldexp(1.0, -53);
     for (int i = 0; i < 64; ++i)

@@ -54,7 +54,8 @@ TYPED_TEST(CastingKernel, EveryVariantEqualsTheDefinition) {
     expectEqual(kPlus<To, From>, true);
 }
 
-// The rule with numbers of unlimited range: floor division by powers of two in long double, whose 64 digits hold them all.
+// The rule with numbers of unlimited range: floor division by powers of two in long double, whose 64 digits hold them
+// all.
 template <class To, class From>
 To Expected(From p) {
     if constexpr (std::is_same_v<To, float>) {

@@ -19,8 +19,8 @@ uint64_t Fnv1a(const std::vector<uint16_t>& pixels) {
     return hash;
 }
 
-// Sizes of the 8-connected sets of particle pixels, found without regard to the labels' values. The minimum label of the
-// neighbourhood spreads until nothing changes.
+// Sizes of the 8-connected sets of particle pixels, found without regard to the labels' values. The minimum label of
+// the neighbourhood spreads until nothing changes.
 std::map<int32_t, int32_t> ComponentSizes(const Specimen& specimen) {
     const int32_t width = specimen.settings.width, height = specimen.settings.height;
     const auto index = [&](int32_t x, int32_t y) { return static_cast<size_t>(y * width + x); };

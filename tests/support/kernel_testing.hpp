@@ -18,8 +18,9 @@ namespace orlix {
 inline constexpr size_t kAwkwardSizes[] = {0,  1,  2,  3,  4,  5,  7,  8,  9,   15,  16,  17,  23,  31,  32,  33,
                                            47, 63, 64, 65, 71, 95, 96, 97, 127, 128, 129, 191, 255, 257, 511, 1000};
 
-// Uniform over all values of an integer type. float: magnitudes that occur in images, some fractions, and among them every
-// special value: zeros of both signs, denormals, the ends of the range, infinities, quiet and signalling NaN with payloads.
+// Uniform over all values of an integer type. float: magnitudes that occur in images, some fractions, and among them
+// every special value: zeros of both signs, denormals, the ends of the range, infinities, quiet and signalling NaN with
+// payloads.
 template <class T>
 std::vector<T> Noise(size_t n, uint32_t seed) {
     std::mt19937 random(seed);

@@ -1,4 +1,5 @@
-// Files as the user finds them: what is replaced and what is not, names of every kind, reasons, standard input and output, Ctrl-C.
+// Files as the user finds them: what is replaced and what is not, names of every kind, reasons, standard input and
+// output, Ctrl-C.
 #include "batch.hpp"
 #include "html_page.hpp"
 #include "interruption.hpp"

@@ -52,7 +52,8 @@ TEST_F(FilterProgram, OtherBandsPixelsOutsideTheRegionAndTheLuminanceRangeAreKep
     WriteFile(folder_ / "colour.ppm", "P3 4 1 255 10 1 200 50 2 100 10 3 200 90 4 100");
     Filtered({"sharpen-medium", At("colour.ppm"), "-o", At("out.ppm"), "--band", "0", "--roi", "rect:1,0,2,0",
               "--luminance", "5", "120"});
-    // 5 * 50 - 10 - 10 - 50 - 50 = 130, above 120; 5 * 10 - 50 - 90 - 10 - 10 < 5. Rows beyond the edge mirror the only one.
+    // 5 * 50 - 10 - 10 - 50 - 50 = 130, above 120; 5 * 10 - 50 - 90 - 10 - 10 < 5. Rows beyond the edge mirror the only
+    // one.
     EXPECT_EQ((std::vector{10, 120, 5, 90}), Pixels("out.ppm", 0));
     EXPECT_EQ((std::vector{1, 2, 3, 4}), Pixels("out.ppm", 1));
     EXPECT_EQ((std::vector{200, 100, 200, 100}), Pixels("out.ppm", 2));

@@ -1,7 +1,8 @@
 // Works the viewer as a person would: finds its window, moves the mouse, turns the wheel, presses keys. The input goes
 // through the system (SendInput), which finds the window under the pointer or with the focus by itself.
 //
-//     driver find                              waits for the window; prints the top left corner of its picture on the screen
+//     driver find                              waits for the window; prints the top left corner of its picture on the
+//                                              screen
 //     driver size WIDTH HEIGHT                 makes the picture that large and prints the same
 //     driver wheel X Y NOTCHES                 positive is away from the user
 //     driver press|release left|right X Y      moves there first
@@ -71,8 +72,8 @@ bool Resize(HWND window, LONG width, LONG height) {
     return client.right == width && client.bottom == clientHeight;
 }
 
-// One event for both, the place and what happens there: the screen's own reports of where the pointer was may come in between
-// two. `data` is that of the wheel.
+// One event for both, the place and what happens there: the screen's own reports of where the pointer was may come in
+// between two. `data` is that of the wheel.
 bool Mouse(HWND window, LONG x, LONG y, DWORD event, int data = 0) {
     POINT point = {x, y};
     ClientToScreen(window, &point);

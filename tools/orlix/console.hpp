@@ -22,8 +22,8 @@ struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// The arguments without the program's name. On Windows they come as UTF-16 from the system, and * and ? in the last part of
-// a path stand for the files that match, as no shell has done it there.
+// The arguments without the program's name. On Windows they come as UTF-16 from the system, and * and ? in the last
+// part of a path stand for the files that match, as no shell has done it there.
 std::vector<std::string> Arguments(int argc, char** argv);
 
 // Makes standard input and output take bytes as they are, and a Windows console read them as UTF-8.
@@ -53,7 +53,8 @@ void WriteFile(const std::filesystem::path& path, std::string_view content);  //
 // UsageError when the output is "-" and standard output a terminal, which an image would upset.
 void RefuseTerminal(const std::string& output);
 
-// "3 of 20 [=====>     ] name" on standard error while it lasts; nothing unless that is a terminal and there are several.
+// "3 of 20 [=====>     ] name" on standard error while it lasts; nothing unless that is a terminal and there are
+//                      several.
 class Progress {
 public:
     explicit Progress(size_t total);

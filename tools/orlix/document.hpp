@@ -1,5 +1,5 @@
-// What a command has found out, as a tree of values, and its forms as text. JSON, CSV and the report are made from the same
-// tree. The text is the same on every platform: numbers are the shortest that read back as the same double.
+// What a command has found out, as a tree of values, and its forms as text. JSON, CSV and the report are made from the
+// same tree. The text is the same on every platform: numbers are the shortest that read back as the same double.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -21,8 +21,8 @@ Json Finite(double value);
 // Indented by two; an array of numbers stays on one line. Ends with a line feed.
 std::string Print(const Json& document);
 
-// A field of a CSV line (RFC 4180): in quotes where it needs them; null is empty, numbers as in JSON; of a list of warnings (see
-// warnings.hpp) the messages with "; " between them.
+// A field of a CSV line (RFC 4180): in quotes where it needs them; null is empty, numbers as in JSON; of a list of
+// warnings (see warnings.hpp) the messages with "; " between them.
 std::string CsvField(const Json& value);
 
 // Lines of a CSV file, with their ends: the columns are members of the document.

@@ -47,8 +47,9 @@ std::vector<Mark> Marks(const Json& measurement, double low, double high) {
     return marks;
 }
 
-// A label stands to the right of its line. So that no line on its way down runs through another's label, a label whose text
-// reaches over the next lines stands above theirs: rows fall from left to right. Returns how far the last label sticks out.
+// A label stands to the right of its line. So that no line on its way down runs through another's label, a label whose
+// text reaches over the next lines stands above theirs: rows fall from left to right. Returns how far the last label
+// sticks out.
 double Arrange(std::vector<Mark>& marks, double low, double high, double width) {
     double over = 0;
     for (size_t i = marks.size(); i-- > 0;) {

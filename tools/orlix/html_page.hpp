@@ -1,5 +1,5 @@
-// The frame of a report and what its parts have in common. Pages need nothing beside themselves, follow the reader's light or
-// dark setting and print on white.
+// The frame of a report and what its parts have in common. Pages need nothing beside themselves, follow the reader's
+// light or dark setting and print on white.
 #pragma once
 
 #include "document.hpp"

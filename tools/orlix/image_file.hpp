@@ -1,5 +1,6 @@
-// Images in files. The library says that a file cannot be read or written; here are the path and the reason, too. The name "-" is
-// standard input or standard output, and names whose bytes are no UTF-8, which the library's strings do not hold, work as well.
+// Images in files. The library says that a file cannot be read or written; here are the path and the reason, too. The
+// name "-" is standard input or standard output, and names whose bytes are no UTF-8, which the library's strings do not
+// hold, work as well.
 #pragma once
 
 #include "document.hpp"
@@ -17,7 +18,8 @@ namespace tool {
 
 class Subcommand;
 
-// The name of a file that does not exist yet, in the system's folder for such files. What is there in the end is removed.
+// The name of a file that does not exist yet, in the system's folder for such files. What is there in the end is
+// removed.
 class TemporaryFile {
 public:
     explicit TemporaryFile(std::string_view extension = {});
@@ -54,8 +56,8 @@ void SaveImage(const orlix::ComPtr<IImageVPAExPlus>& image, const std::string& f
 // Warns of what a file of that name does not hold: pixel size and texts in PGM and PPM.
 void WarnOfLosses(const orlix::ComPtr<IImageVPAExPlus>& image, const std::string& file, Json& document);
 
-// Results of this program say so in themselves (the text "Software" of PNG files, the generator of pages), so that a second run may
-// replace them and nothing else.
+// Results of this program say so in themselves (the text "Software" of PNG files, the generator of pages), so that a
+// second run may replace them and nothing else.
 void Sign(const orlix::ComPtr<IImageVPAExPlus>& image);
 bool IsSigned(const std::filesystem::path& path);
 

@@ -1,5 +1,6 @@
-// Ctrl-C and the system's other requests to end. A batch is told so, finishes the image in work, and what has been measured comes out;
-// anything else, and a second request, ends the program at once. Either way no unfinished file stays.
+// Ctrl-C and the system's other requests to end. A batch is told so, finishes the image in work, and what has been
+// measured comes out; anything else, and a second request, ends the program at once. Either way no unfinished file
+// stays.
 #pragma once
 
 #include <filesystem>
@@ -30,8 +31,8 @@ public:
     static void Stop(int signal) noexcept;  // as the request does
 };
 
-// Files that are removed when the program is ended at once: temporary files, and those that the library writes beside their final
-// place in the folders.
+// Files that are removed when the program is ended at once: temporary files, and those that the library writes beside
+// their final place in the folders.
 namespace Unfinished {
 void Remember(const std::filesystem::path& file);
 void Forget(const std::filesystem::path& file);

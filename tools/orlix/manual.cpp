@@ -24,7 +24,7 @@ std::string Upper(std::string text) {
     return text;
 }
 
-// ---------------------------------------------------------------------------------------------------------- manual pages
+// -------------------------------------------------------------------------------------------------------- manual pages
 
 // Text that the formatter shall show as it is. A point or quote at the beginning of a line would be a request to it.
 std::string Roff(std::string_view text) {
@@ -97,7 +97,7 @@ std::string Usage(const Synopsis& program, const Synopsis& command) {
     return out + "[\\fIoptions\\fR]\n";
 }
 
-// ----------------------------------------------------------------------------------------------------------- completions
+// --------------------------------------------------------------------------------------------------------- completions
 
 std::vector<std::string> AllNames(const Synopsis& command) {
     std::vector<std::string> names;

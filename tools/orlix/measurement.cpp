@@ -37,8 +37,8 @@ std::span<LONG> BinsOf(const ComPtr<IHistogram>& histogram) {
     return {bins, bins ? static_cast<size_t>(count) : 0};
 }
 
-// Neighbouring bins added up until at most `most` are left. An equal number goes into each, so that no comb appears in the
-// counts as it does when the width of a bin is not a whole number of grey levels.
+// Neighbouring bins added up until at most `most` are left. An equal number goes into each, so that no comb appears in
+// the counts as it does when the width of a bin is not a whole number of grey levels.
 ComPtr<IHistogram> Grouped(const ComPtr<IHistogram>& fine, LONG most) {
     const std::span<LONG> bins = BinsOf(fine);
     const size_t group = (bins.size() + static_cast<size_t>(most) - 1) / static_cast<size_t>(most);

@@ -49,7 +49,8 @@ std::vector<uint8_t> Unpacked(const ComPtr<IBitmap>& bitmap) {
     return out;
 }
 
-// Members of the set with a pixel outside it within the given distance in rows or columns. The image's border is no edge.
+// Members of the set with a pixel outside it within the given distance in rows or columns. The image's border is no
+// edge.
 std::vector<uint8_t> EdgeOf(const std::vector<uint8_t>& set, int32_t width, int32_t height, int32_t distance) {
     std::vector<uint8_t> edge(set.size(), 0);
     for (int32_t y = 0; y < height; ++y)

@@ -16,8 +16,8 @@ struct Profile {
     std::vector<double> values, surface, residuals;
 };
 
-// An SVG element that takes its colours from the page (custom properties --ink, --muted, --grid, --fill, --accent): above the values
-// and the surface, below what is left. A line without values says so.
+// An SVG element that takes its colours from the page (custom properties --ink, --muted, --grid, --fill, --accent):
+// above the values and the surface, below what is left. A line without values says so.
 std::string ProfilePlot(const Profile& profile);
 
 }  // namespace tool

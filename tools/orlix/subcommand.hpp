@@ -40,9 +40,9 @@ class Subcommand {
 public:
     Subcommand(CLI::App& program, const char* name, const char* description, const char* footer);
 
-    // The beginning of every document of --json: schema, tool, version, command, and options with the value of each option
-    // under its long name in camel case, null where it was not given and has no default. The caller adds what it found, and
-    // "warnings" at the end.
+    // The beginning of every document of --json: schema, tool, version, command, and options with the value of each
+    // option under its long name in camel case, null where it was not given and has no default. The caller adds what it
+    // found, and "warnings" at the end.
     Json Envelope() const;
 
     // The variable, which must outlive the parser, keeps its value when the parameter is not given. Types: std::string,

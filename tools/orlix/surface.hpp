@@ -20,8 +20,8 @@ public:
     virtual const char* formula() const = 0;  // "z = alpha x + beta y + gamma"
     virtual int points() const = 0;           // that a robust fit needs at least
 
-    // To the pixels of the region in the band to process; with a probability of a good pixel the robust fit. S_FALSE when
-    // the pixels determine no surface.
+    // To the pixels of the region in the band to process; with a probability of a good pixel the robust fit. S_FALSE
+    // when the pixels determine no surface.
     virtual HRESULT Fit(const orlix::ComPtr<IOrlixImageProcess>& image, std::optional<double> robust) = 0;
     // Pixels less the surface, plus `mean`.
     virtual void Subtract(const orlix::ComPtr<IOrlixImageProcess>& image, double mean) const = 0;

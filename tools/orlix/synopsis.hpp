@@ -1,5 +1,5 @@
-// The program and its commands as the parser knows them, without the parser: manual pages, completions and advice about misspelt
-// words are made from this, so that they follow every change of an option.
+// The program and its commands as the parser knows them, without the parser: manual pages, completions and advice about
+// misspelt words are made from this, so that they follow every change of an option.
 #pragma once
 
 #include <string>
@@ -33,7 +33,8 @@ struct Synopsis {
 Synopsis Describe(const CLI::App& program);
 OptionSynopsis Describe(const CLI::Option& option);
 
-// The known word that was most likely meant: a few letters wrong, missing, added or changed over. Empty when none is near.
+// The known word that was most likely meant: a few letters wrong, missing, added or changed over. Empty when none is
+// near.
 std::string Nearest(std::string_view word, const std::vector<std::string>& known);
 
 }  // namespace tool

@@ -18,14 +18,14 @@
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
-// ---------------------------------------------------------------------------------------------------- calling convention
+// -------------------------------------------------------------------------------------------------- calling convention
 
 #define STDMETHODCALLTYPE
 #define WINAPI
 #define EXTERN_C extern "C"
 #define ORLIX_API __attribute__((visibility("default")))
-// What stands in for a function of the system is called by the system's name and linked by another one: a process may hold
-// a second library that stands in for it.
+// What stands in for a function of the system is called by the system's name and linked by another one: a process may
+// hold a second library that stands in for it.
 #define ORLIX_LINKED_AS(name) __asm__("orlix_" #name)
 #define STDMETHODIMP HRESULT STDMETHODCALLTYPE
 #define STDMETHODIMP_(type) type STDMETHODCALLTYPE
@@ -39,7 +39,7 @@
 #define DECLSPEC_NOVTABLE
 #define MIDL_INTERFACE(uuid) struct
 
-// ------------------------------------------------------------------------------------------------------------ basic types
+// --------------------------------------------------------------------------------------------------------- basic types
 
 typedef unsigned char BYTE;
 typedef uint16_t WORD;
@@ -103,7 +103,7 @@ typedef struct _FILETIME {
 
 typedef void* HGLOBAL;
 
-// ------------------------------------------------------------------------------------------------------------ identifiers
+// --------------------------------------------------------------------------------------------------------- identifiers
 
 typedef struct _GUID {
     uint32_t Data1;
@@ -147,7 +147,7 @@ struct OrlixUuidOf;
     }
 #define __uuidof(type) (OrlixUuidOf<type>::value)
 
-// ---------------------------------------------------------------------------------------------------------------- results
+// ------------------------------------------------------------------------------------------------------------- results
 
 #define S_OK ((HRESULT)0)
 #define S_FALSE ((HRESULT)1)
@@ -176,7 +176,7 @@ struct OrlixUuidOf;
 #define SUCCEEDED(result) ((HRESULT)(result) >= 0)
 #define FAILED(result) ((HRESULT)(result) < 0)
 
-// ------------------------------------------------------------------------------------------------------------- interfaces
+// ---------------------------------------------------------------------------------------------------------- interfaces
 
 struct IUnknown {
     virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppvObject) = 0;
@@ -338,7 +338,7 @@ struct IDispatch : IUnknown {
 DEFINE_GUID(IID_IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46);
 __CRT_UUID_DECL(IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
 
-// -------------------------------------------------------------------------------------------------------------- functions
+// ----------------------------------------------------------------------------------------------------------- functions
 
 extern "C" {
 
@@ -349,7 +349,8 @@ ORLIX_API BSTR SysAllocStringLen(const OLECHAR* text, UINT length) ORLIX_LINKED_
 ORLIX_API void SysFreeString(BSTR text) ORLIX_LINKED_AS(SysFreeString);
 ORLIX_API UINT SysStringLen(BSTR text) ORLIX_LINKED_AS(SysStringLen);  // in UTF-16 units; 0 for null
 
-// The thread's current error information. GetErrorInfo hands it over and clears it: S_FALSE and null when there is none.
+// The thread's current error information. GetErrorInfo hands it over and clears it: S_FALSE and null when there is
+// none.
 ORLIX_API HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) ORLIX_LINKED_AS(SetErrorInfo);
 ORLIX_API HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info) ORLIX_LINKED_AS(GetErrorInfo);
 ORLIX_API HRESULT CreateErrorInfo(ICreateErrorInfo** info) ORLIX_LINKED_AS(CreateErrorInfo);
@@ -370,13 +371,14 @@ ORLIX_API HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD contex
 ORLIX_API HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* reserved, REFIID riid, void** object)
     ORLIX_LINKED_AS(CoGetClassObject);
 
-// A stream in memory. `memory` must be null: the stream makes its own and frees it. Empty at first; clones share the content.
+// A stream in memory. `memory` must be null: the stream makes its own and frees it. Empty at first; clones share the
+// content.
 ORLIX_API HRESULT CreateStreamOnHGlobal(HGLOBAL memory, BOOL deleteOnRelease, IStream** stream)
     ORLIX_LINKED_AS(CreateStreamOnHGlobal);
 
-// A stream on a regular file. mode: one of STGM_READ, STGM_WRITE, STGM_READWRITE, with STGM_CREATE to make the file or empty
-// the one there is. Without STGM_CREATE, `create` makes a file that must not exist yet, and else the file must exist. Sharing
-// flags and attributes are not used, `templateStream` must be null. The file cannot be cloned or locked.
+// A stream on a regular file. mode: one of STGM_READ, STGM_WRITE, STGM_READWRITE, with STGM_CREATE to make the file or
+// empty the one there is. Without STGM_CREATE, `create` makes a file that must not exist yet, and else the file must
+// exist. Sharing flags and attributes are not used, `templateStream` must be null. The file cannot be cloned or locked.
 #define STGM_READ 0
 #define STGM_WRITE 1
 #define STGM_READWRITE 2

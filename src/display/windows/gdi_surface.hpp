@@ -16,7 +16,8 @@ struct BitmapHeader {
     const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(this); }
 };
 
-// Where the device has a palette and the bitmap 8 bits: the bitmap's colours selected as a background palette, while this lives.
+// Where the device has a palette and the bitmap 8 bits: the bitmap's colours selected as a background palette, while
+// this lives.
 class PaletteScope {
 public:
     PaletteScope(HDC context, const DisplayBitmap& bitmap, const ColorTable& colors);
@@ -32,8 +33,8 @@ private:
 
 class GdiSurface final : public PictureSurface {
 public:
-    // Logical coordinates of the context must be its device coordinates. The stretch mode and the palette are as before after
-    // each operation.
+    // Logical coordinates of the context must be its device coordinates. The stretch mode and the palette are as before
+    // after each operation.
     explicit GdiSurface(HDC context) : context_(context) {}
 
     void Fill(const Rectangle& rectangle, OLE_COLOR color) override;
@@ -44,7 +45,8 @@ private:
     HDC context_;
 };
 
-// Video for Windows draws the source rectangle, whose y counts from the top. False when it does not, as for mirrored ones.
+// Video for Windows draws the source rectangle, whose y counts from the top. False when it does not, as for mirrored
+// ones.
 bool DrawWithDrawDib(HDC context, BitmapHeader header, const DisplayBitmap& bitmap, const Rectangle& source,
                      const Rectangle& dest);
 

@@ -16,8 +16,9 @@ namespace {
 
 std::once_flag registered;
 
-// The first look-up fills the store of the process, unless the client has registered or unregistered the module itself by
-// then. The names that failures report as their source are looked up too, for clients that use DllGetClassObject only.
+// The first look-up fills the store of the process, unless the client has registered or unregistered the module itself
+// by then. The names that failures report as their source are looked up too, for clients that use DllGetClassObject
+// only.
 HRESULT EnsureRegistered() noexcept {
     return ResultOf([] { std::call_once(registered, [] { RegisterClasses(*OpenRegistry(), ModulePath()); }); });
 }

@@ -11,8 +11,8 @@
 #include "module/result_of.hpp"
 #include "platform/module_file.hpp"
 
-// There is no DllMain: nothing is to be done there, and switching the calls for threads off would take the runtime's clean-up
-// of thread-local data away.
+// There is no DllMain: nothing is to be done there, and switching the calls for threads off would take the runtime's
+// clean-up of thread-local data away.
 
 namespace orlix {
 namespace {

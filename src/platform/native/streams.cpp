@@ -265,7 +265,8 @@ HRESULT SHCreateStreamOnFileEx(LPCOLESTR path, DWORD mode, DWORD, BOOL create, I
     try {
         const std::string name = NativePath(path);
         if (name.empty()) return FromErrno(ENOENT);
-        // Not blocking: opening a pipe would otherwise wait for its other end. Emptied only once it is known to be a file.
+        // Not blocking: opening a pipe would otherwise wait for its other end. Emptied only once it is known to be a
+        // file.
         int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
         flags |= access == STGM_READ ? O_RDONLY : access == STGM_WRITE ? O_WRONLY : O_RDWR;
         if (mode & STGM_CREATE)

@@ -3,7 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 
-// A BSTR points at its first unit; the four bytes before it hold the length in bytes, a terminator follows the last unit.
+// A BSTR points at its first unit; the four bytes before it hold the length in bytes, a terminator follows the last
+// unit.
 namespace {
 
 constexpr size_t kPrefix = 8;  // keeps what malloc's alignment gives; the length is its last four bytes

@@ -34,9 +34,9 @@ private:
 
 bool StartsWith(const std::wstring& text, std::wstring_view start) { return text.compare(0, start.size(), start) == 0; }
 
-// The absolute path, in the form without a limit of length where it, or the name of a temporary file in the same folder, would reach
-// the classical limit (260 with the terminator). Empty for a path that names no file: an empty one, one with a character 0,
-// a device ("NUL", "COM1", "\\.\PhysicalDrive0").
+// The absolute path, in the form without a limit of length where it, or the name of a temporary file in the same
+// folder, would reach the classical limit (260 with the terminator). Empty for a path that names no file: an empty one,
+// one with a character 0, a device ("NUL", "COM1", "\\.\PhysicalDrive0").
 std::wstring NativePath(WideStringView path) {
     const std::wstring given(path);
     if (given.empty() || given.find(L'\0') != given.npos) return {};

@@ -1,5 +1,5 @@
-// An argument of each type that the contract's methods take, made by the choices. A type that is not known here does not
-// compile: whoever adds a method of a new type says what its arguments are.
+// An argument of each type that the contract's methods take, made by the choices. A type that is not known here does
+// not compile: whoever adds a method of a new type says what its arguments are.
 #pragma once
 
 #include <cstddef>

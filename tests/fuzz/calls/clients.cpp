@@ -20,8 +20,8 @@ std::set<IUnknown*>& LiveClients() {
     return clients;
 }
 
-// Base of all: counts its references, answers its interfaces, and calls the world back whatever it is asked. Within a call it
-// keeps itself: what the world does then may let go of it.
+// Base of all: counts its references, answers its interfaces, and calls the world back whatever it is asked. Within a
+// call it keeps itself: what the world does then may let go of it.
 template <class First, class... Others>
 class Client : public First, public Others... {
 public:

@@ -1,4 +1,5 @@
-// Objects of other components that lie and call back: whatever the library calls of a client is a chance to call the library.
+// Objects of other components that lie and call back: whatever the library calls of a client is a chance to call the
+// library.
 #pragma once
 
 #include "fuzz/calls/world.hpp"

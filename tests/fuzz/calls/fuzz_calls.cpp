@@ -3,10 +3,10 @@
 //     fuzz_calls [--seed N] [--sequences N | --seconds N] [--steps N] [--only I,J,...] [--verbose] [--progress N]
 //                [--slow SECONDS] [--every-method]
 //
-// Sequence k has the seed N + k. --only runs these steps of each sequence alone, --verbose prints the calls, --progress a line
-// every so many seconds. A call that is at work for 5 s is named meanwhile. Status 1: a client's or the library's object was left
-// over, a call took longer than --slow (2 s of the processor), or, with --every-method, a method was not called in ten
-// times as many sequences. A crash names the seed and the step.
+// Sequence k has the seed N + k. --only runs these steps of each sequence alone, --verbose prints the calls, --progress
+// a line every so many seconds. A call that is at work for 5 s is named meanwhile. Status 1: a client's or the
+// library's object was left over, a call took longer than --slow (2 s of the processor), or, with --every-method, a
+// method was not called in ten times as many sequences. A crash names the seed and the step.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// The heap of the fuzzer: a bound on what the library may hold, allocations that fail on request, and, where no sanitizer does
-// it, blocks between canaries whose bytes are overwritten when they are freed and watched for a while.
+// The heap of the fuzzer: a bound on what the library may hold, allocations that fail on request, and, where no
+// sanitizer does it, blocks between canaries whose bytes are overwritten when they are freed and watched for a while.
 #pragma once
 
 #include <cstddef>
@@ -31,7 +31,8 @@ private:
     int failAfterBefore_;
 };
 
-// Looks at the canaries of all live blocks and of all freed ones that are still kept; aborts with a message when one is hurt.
+// Looks at the canaries of all live blocks and of all freed ones that are still kept; aborts with a message when one is
+// hurt.
 void CheckHeap() noexcept;
 
 }  // namespace orlix::fuzz

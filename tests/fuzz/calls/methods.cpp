@@ -12,8 +12,8 @@
 namespace orlix::fuzz {
 namespace {
 
-// What a method hands out is used as a client would use it, while that is allowed: until the object changes. arguments is the
-// tuple of what was passed. Specialised by method.
+// What a method hands out is used as a client would use it, while that is allowed: until the object changes. arguments
+// is the tuple of what was passed. Specialised by method.
 template <auto Pointer>
 struct AfterCall {
     static constexpr bool kLooks = false;
@@ -25,7 +25,8 @@ struct Special {
     static constexpr bool kSpecial = false;
 };
 
-// Robust fits, whose first argument is the probability of a good pixel: small ones ask for millions of trials by contract.
+// Robust fits, whose first argument is the probability of a good pixel: small ones ask for millions of trials by
+// contract.
 template <auto Pointer>
 constexpr bool kRobust = false;
 #define ORLIX_ROBUST(name) \
@@ -92,7 +93,8 @@ HRESULT CallWith(World& world, const Method& method, ComPtr<IUnknown>& target, b
     return call.Result((object->*pointer)(arguments...));
 }
 
-// Mostly small. Else what takes little time, or so much memory that it is refused: some methods look at each pixel many times.
+// Mostly small. Else what takes little time, or so much memory that it is refused: some methods look at each pixel many
+// times.
 struct Size {
     explicit Size(World& world) {
         Choices& choices = world.choices();
@@ -133,7 +135,8 @@ ORLIX_SPECIAL(IImageVPAExPlus, Create) {
 // As large as the images above are at most.
 constexpr size_t kBufferSize = 24 * 24 * 3 * sizeof(double);
 
-// Memory of the client's that may be another image's too, the image's own pixels, or addresses with nothing behind them.
+// Memory of the client's that may be another image's too, the image's own pixels, or addresses with nothing behind
+// them.
 void* BufferFor(World& world, IUnknown& image) {
     Choices& choices = world.choices();
     const size_t kind = choices.Below(8);

@@ -5,8 +5,8 @@
 
 namespace orlix::fuzz {
 
-// One of: null, small numbers, the end of the address space, a page that cannot be read, one that cannot be written, the last
-// bytes of one before a page that cannot be read.
+// One of: null, small numbers, the end of the address space, a page that cannot be read, one that cannot be written,
+// the last bytes of one before a page that cannot be read.
 void* HostileAddress(unsigned which);
 
 }  // namespace orlix::fuzz

@@ -79,7 +79,7 @@ double ProcessorSeconds() noexcept {
 #endif
 }
 
-// ------------------------------------------------------------------------------------------------------------------ calls
+// --------------------------------------------------------------------------------------------------------------- calls
 
 World::Call::Call(World& world, const Method& method, ComPtr<IUnknown>& target, bool held)
     : world_(world),
@@ -169,7 +169,7 @@ void World::CallMethod() {
     if (target) method.call(*this, method, target, !choices_.Chance(48));
 }
 
-// ---------------------------------------------------------------------------------------------------------------- objects
+// ------------------------------------------------------------------------------------------------------------- objects
 
 World::World(Choices& choices, bool verbose) : choices_(choices), verbose_(verbose) {
     constexpr size_t kNeighbours = 32;  // in the table: of the same and of related interfaces
@@ -369,7 +369,7 @@ void World::Step() {
         Drop(choices_.Below(pool_.size()));
 }
 
-// ------------------------------------------------------------------------------------------------------------------ values
+// -------------------------------------------------------------------------------------------------------------- values
 
 LONG World::Long() {
     const int kind = choices_.Byte();

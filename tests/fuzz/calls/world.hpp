@@ -24,8 +24,8 @@ struct Method {
     const char* interfaceName;
     const char* name;
     const IID* iid;
-    // target is an interface pointer of iid. Where it is not to be held, the call lets go of it when it begins, if others refer
-    // to the object, and a client that is called back may let go of the last of those.
+    // target is an interface pointer of iid. Where it is not to be held, the call lets go of it when it begins, if
+    // others refer to the object, and a client that is called back may let go of the last of those.
     void (*call)(World& world, const Method& method, ComPtr<IUnknown>& target, bool held);
 };
 std::span<const Method> Methods();
