@@ -164,7 +164,7 @@ int Convert(const Options& options, const Subcommand& command) {
 Command AddConvert(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "convert", "Save an image in another format, type or part", kFooter);
-    command.Add("IN", options->in, "PNG, BMP, PGM or PPM file, or -").Required();
+    command.Add("IN", options->in, kImageFile).Required();
     command.Add("OUT", options->out, "File to write, or -").Required();
     options->load.Add(command);
     command.Add("--type", options->type, "Bits of a sample: 8 or 16").OneOf(std::vector{8, 16}).Named("BITS");

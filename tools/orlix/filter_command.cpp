@@ -174,7 +174,7 @@ Command AddFilter(CLI::App& program) {
     std::vector<std::string> names;
     for (const Filter& filter : kFilters) names.emplace_back(filter.name);
     command.Add("NAME", options->filter, "Filter; see below").Required().OneOf(names);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     command.Add("-o,--output", options->file, "File to write, for one image; - is standard output").Named("FILE");
     command.Add("--out", options->folder, "Folder to write to").Named("DIR");

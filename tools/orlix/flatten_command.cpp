@@ -317,7 +317,7 @@ int FlattenAll(const Options& options, const Subcommand& command) {
 Command AddFlatten(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "flatten", "Remove a fitted surface; roughness before and after", kFooter);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames()).Named("SURFACE");
     command.Add("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1").Named("P");

@@ -7,6 +7,7 @@
 
 #include <orlix/client.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -65,6 +66,24 @@ void WriteThrough(const std::string& file, const std::function<void(const std::s
         WriteFile(Path(file), ReadFile(copy.path()));
 }
 
+namespace {
+
+// The image files that the library writes, as IFF_ByExtension knows them.
+struct OutputFormat {
+    std::string_view extension;
+    bool holdsProperties;  // pixel size and texts
+};
+constexpr OutputFormat kOutputFormats[] = {{".png", true}, {".pgm", false}, {".ppm", false}};
+
+const OutputFormat* FormatOfName(std::string_view file) {
+    const auto found = std::ranges::find(kOutputFormats, Extension(file), &OutputFormat::extension);
+    return found == std::end(kOutputFormats) ? nullptr : found;
+}
+
+}  // namespace
+
+bool IsImageName(std::string_view file) { return FormatOfName(file) != nullptr; }
+
 std::string ReadInput(const std::string& file) {
     if (file != "-") return ReadFile(Path(file));
     std::string content{std::istreambuf_iterator<char>(std::cin), {}};
@@ -119,7 +138,7 @@ void SaveImage(const ComPtr<IImageVPAExPlus>& image, const std::string& file, Im
 }
 
 void WarnOfLosses(const ComPtr<IImageVPAExPlus>& image, const std::string& file, Json& document) {
-    if (const std::string extension = Extension(file); extension != ".pgm" && extension != ".ppm") return;
+    if (const OutputFormat* format = FormatOfName(file); !format || format->holdsProperties) return;
     const auto imageFile = Cast<IImageFile>(image);
     double x = 0, y = 0;
     if (Check(imageFile->GetMicronsPerPixel(&x, &y), imageFile) == S_OK)

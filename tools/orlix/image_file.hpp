@@ -41,6 +41,13 @@ void WriteThrough(const std::string& file, const std::function<void(const std::s
 
 std::string ReadInput(const std::string& file);  // the bytes of a file or of standard input
 
+// What help texts say of the image files that a command reads.
+constexpr char kImageFile[] = "PNG, BMP, PGM or PPM file; - is standard input";
+constexpr char kImageFiles[] = "PNG, BMP, PGM or PPM files; - is standard input";
+
+// Whether the library writes a file of that name as an image: .png, .pgm or .ppm.
+bool IsImageName(std::string_view file);
+
 // How the images of a command are loaded.
 struct LoadOptions {
     std::optional<LONG> maxSamples;  // 0: no limit; otherwise the library's own

@@ -81,7 +81,7 @@ Command AddInfo(CLI::App& program) {
     };
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "info", "Say what image files hold", kFooter);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     command.AddFlag("--json", options->json, "As JSON");
     return [options, command] {

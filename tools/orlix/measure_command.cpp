@@ -354,7 +354,7 @@ int Measure(Options& options, const Subcommand& command) {
 Command AddMeasure(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase", kFooter);
-    command.Add("IMAGE", options->files, "PNG, BMP, PGM or PPM files; - is standard input").Required();
+    command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     options->subject.AddRegion(command);
     options->subject.AddExclusions(command);

@@ -198,7 +198,7 @@ int Render(const Options& options, const Subcommand& command) {
 Command AddRender(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kFooter);
-    command.Add("IMAGE", options->file, "PNG, BMP, PGM or PPM file; - is standard input").Required();
+    command.Add("IMAGE", options->file, kImageFile).Required();
     options->load.Add(command);
     command.Add("-o,--output", options->output, "PNG file to write; - is standard output").Required().Named("FILE");
     command.AddFlag("--force", options->force, "Replace the image itself");

@@ -61,8 +61,7 @@ int Load(const Files& files, const Subcommand& command) {
     const auto persist = Cast<IPersistStreamInitEx>(image);
     ReadThrough(files.in, [&](const std::string& path) { Check(persist->Load(OpenFileStream(path).get()), persist); });
     Json document = files.Document();
-    const std::string extension = Extension(files.out);
-    if (files.out == "-" || extension == ".png" || extension == ".pgm" || extension == ".ppm") {
+    if (files.out == "-" || IsImageName(files.out)) {
         SaveImage(image, files.out, IFF_ByExtension);
         WarnOfLosses(image, files.out, document);
     } else {
@@ -83,7 +82,7 @@ void AddOptions(Subcommand& command, Files& files) {
 Command AddSave(CLI::App& program) {
     const auto files = std::make_shared<Files>();
     Subcommand command(program, "save", "Save an image as a stream, with its settings", kSaveFooter);
-    command.Add("IMAGE", files->in, "PNG, BMP, PGM or PPM file, or - for standard input").Required();
+    command.Add("IMAGE", files->in, kImageFile).Required();
     command.Add("OUT", files->out, "File to write, or - for standard output").Required();
     AddOptions(command, *files);
     return [files, command] { return Save(*files, command); };
