@@ -55,8 +55,9 @@ def filtered(path):
             classes.append(("class " if found.group(1) == "class" else "struct ") + found.group(2))
         elif line.startswith("}") and classes:
             classes.pop()
-        # A declaration of a namespace with a comment behind it.
-        if found := re.match(r"([^\s#}].*;) +// (.*)$", line):
+        # A declaration of a namespace, a member of a class or an enumerator with a comment behind it.
+        member = r" {4}" if classes else ""
+        if found := re.match(rf"({member}[^\s#}}].*;|\s+\w+,) +// (.*)$", line):
             line = f"{found.group(1)}  /**< {escaped(found.group(2))} */"
         out.append(line)
     return "\n".join(out) + "\n"

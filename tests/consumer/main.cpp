@@ -1,5 +1,5 @@
 #include <cstdio>
-#include <orlix/client.hpp>
+#include <orlix/measure.hpp>
 
 #if !defined(_WIN32) && (defined(interface) || __has_include(<windows.h>))
 #error "the library's headers bring what is Windows's own"
@@ -14,7 +14,7 @@ int main() try {
     Check(bitmap->put_Bit(39, 29, 1), bitmap);
     LONG bit = 0;
     Check(bitmap->get_Bit(39, 29, &bit), bitmap);
-    if (bit != 1) return 1;
+    if (bit != 1 || MeasureBitmap(bitmap).pixelCount != 1) return 1;
     try {
         const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
         Check(image->CreateFromFile(Text("missing.png")), image);

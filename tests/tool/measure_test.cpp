@@ -1,6 +1,4 @@
 // orlix measure: which pixels count, what thresholds say and what is doubted about them.
-#include "confidence.hpp"
-#include "peaks.hpp"
 #include "program_fixture.hpp"
 #include "scale_bar.hpp"
 
@@ -55,30 +53,6 @@ std::vector<int> Mixture(const std::vector<Class>& classes) {
 }
 
 }  // namespace
-
-TEST(Dip, IsZeroForOnePeakAndClosedFormsForTwo) {
-    std::vector<LONG> triangle, skew, stretched;
-    for (LONG i = 0; i < 200; ++i) {
-        triangle.push_back(1000 * std::min(i + 1, 200 - i));
-        skew.push_back(static_cast<LONG>(1e6 * std::exp(-i / 20.0)));
-    }
-    for (const LONG count : triangle) stretched.insert(stretched.end(), {0, count, 0});
-    for (const auto& onePeak : {triangle, skew, stretched, {}, {0, 0}, {5}, {0, 7, 0}, {3, 4}, {9, 9, 9}})
-        EXPECT_NEAR(0, Dip(onePeak), 1e-12) << onePeak.size();
-    // Two levels with nothing between: each is spread over an eighth of the distance.
-    std::vector<LONG> pair(256, 0);
-    pair[0] = pair[255] = 5000;
-    EXPECT_NEAR(7 / 32.0, Dip(pair), 1e-12);
-    // A small second peak: the line that joins the ends of the two rises by 7/8 of its share until that peak begins.
-    pair[255] = 100;
-    EXPECT_NEAR(100 / 5100.0 * 7 / 8 / 2, Dip(pair), 1e-12);
-}
-
-TEST(StudentT, IsThatOfTheTables) {
-    EXPECT_NEAR(12.7062047364, StudentT95(2), 1e-9);
-    EXPECT_NEAR(2.0395134464, StudentT95(32), 1e-9);
-    EXPECT_NEAR(1.9799304051, StudentT95(121), 1e-9);
-}
 
 TEST_F(Measure, MaskAndIgnoredLevelsLeavePixelsOutOfEverything) {
     const std::vector<int> good = {100, 110, 120, 130, 300, 310, 320, 330};

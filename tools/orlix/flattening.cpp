@@ -4,7 +4,7 @@
 #include "surface.hpp"
 #include "units.hpp"
 
-#include <orlix/client.hpp>
+#include <orlix/measure.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -30,42 +30,16 @@ Json Figures(const std::vector<float>& values, const std::vector<float>& region,
     std::vector<float> heights;
     for (size_t i = 0; i < values.size(); ++i)
         if (std::isfinite(region[i])) heights.push_back(values[i]);
-    const double n = static_cast<double>(heights.size());
-    double sum = 0, least = std::numeric_limits<double>::infinity(), most = -least;
-    for (const double height : heights) {
-        sum += height;
-        least = std::min(least, height);
-        most = std::max(most, height);
-    }
-    const double mean = sum / n;
-    double sizes = 0, squares = 0, cubes = 0, fourths = 0;
-    for (const double height : heights) {
-        const double z = height - mean, square = z * z;
-        sizes += std::fabs(z);
-        squares += square;
-        cubes += square * z;
-        fourths += square * square;
-    }
-    const double variance = squares / n, deviation = std::sqrt(variance);
-    double inner = std::numeric_limits<double>::quiet_NaN();
-    if (!heights.empty()) {
-        const size_t outermost = heights.size() / 1000;
-        const auto low = heights.begin() + static_cast<std::ptrdiff_t>(outermost),
-                   high = heights.end() - 1 - static_cast<std::ptrdiff_t>(outermost);
-        std::nth_element(heights.begin(), low, heights.end());
-        inner = -static_cast<double>(*low);
-        std::nth_element(heights.begin(), high, heights.end());
-        inner += *high;
-    }
+    const Roughness roughness = MeasureRoughness(heights);
     Json out;
-    out["mean"] = Finite(mean + shift);
-    out["minimum"] = Finite(least + shift);
-    out["maximum"] = Finite(most + shift);
+    out["mean"] = Finite(roughness.mean + shift);
+    out["minimum"] = Finite(roughness.minimum + shift);
+    out["maximum"] = Finite(roughness.maximum + shift);
     const std::pair<const char*, double> lengths[] = {
-        {"Sa", sizes / n}, {"Sq", deviation}, {"Sz", most - least}, {"trimmedSz", inner}};
+        {"Sa", roughness.Sa}, {"Sq", roughness.Sq}, {"Sz", roughness.Sz}, {"trimmedSz", TrimmedSz(heights, 0.001)}};
     for (const auto& [name, levels] : lengths) out[name] = Finite(levels);
-    out["Ssk"] = Finite(cubes / n / (variance * deviation));
-    out["Sku"] = Finite(fourths / n / (variance * variance));
+    out["Ssk"] = Finite(roughness.Ssk);
+    out["Sku"] = Finite(roughness.Sku);
     for (const auto& [name, levels] : lengths)
         out[std::string(name) + "Microns"] = zScale ? Finite(levels * *zScale) : Json(nullptr);
     return out;

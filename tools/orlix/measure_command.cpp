@@ -1,7 +1,6 @@
 // orlix measure
 #include "batch.hpp"
 #include "commands.hpp"
-#include "confidence.hpp"
 #include "console.hpp"
 #include "html_report.hpp"
 #include "image_file.hpp"
@@ -13,9 +12,8 @@
 #include "units.hpp"
 #include "warnings.hpp"
 
-#include <orlix/client.hpp>
+#include <orlix/statistics.hpp>
 
-#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <limits>
@@ -115,18 +113,13 @@ Json Summary(const Json& images) {
     out["failed"] = failed;
     out["withPhase"] = fractions.size();  // the others have no threshold: they do not enter the mean
     if (fractions.size() < 2) return out;
-    const double n = static_cast<double>(fractions.size());
-    double sum = 0, squares = 0;
-    for (const double fraction : fractions) sum += fraction;
-    const double mean = sum / n;
-    for (const double fraction : fractions) squares += (fraction - mean) * (fraction - mean);
-    const double deviation = std::sqrt(squares / (n - 1));
+    const orlix::SampleStatistics sample = orlix::SummarizeSample(fractions);
     Json& area = out["areaFraction"];
-    area["mean"] = mean;
-    area["standardDeviation"] = deviation;
-    area["confidence95"] = StudentT95(fractions.size()) * deviation / std::sqrt(n);
-    area["minimum"] = *std::min_element(fractions.begin(), fractions.end());
-    area["maximum"] = *std::max_element(fractions.begin(), fractions.end());
+    area["mean"] = sample.mean;
+    area["standardDeviation"] = sample.standardDeviation;
+    area["confidence95"] = sample.confidence95;
+    area["minimum"] = sample.minimum;
+    area["maximum"] = sample.maximum;
     return out;
 }
 

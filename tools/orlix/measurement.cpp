@@ -1,16 +1,13 @@
 #include "measurement.hpp"
 
 #include "console.hpp"
-#include "peaks.hpp"
 #include "units.hpp"
 #include "warnings.hpp"
 
-#include <orlix/client.hpp>
+#include <orlix/measure.hpp>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -27,37 +24,6 @@ double Property(const ComPtr<IHistogram>& histogram, Method method) {
     double value = 0;
     Check((histogram.get()->*method)(&value), histogram);
     return value;
-}
-
-std::span<LONG> BinsOf(const ComPtr<IHistogram>& histogram) {
-    LONG count = 0;
-    LONG* bins = nullptr;
-    Check(histogram->get_NumberOfBins(&count), histogram);
-    Check(histogram->get_Bins(&bins), histogram);
-    return {bins, bins ? static_cast<size_t>(count) : 0};
-}
-
-// Neighbouring bins added up until at most `most` are left. An equal number goes into each, so that no comb appears in
-// the counts as it does when the width of a bin is not a whole number of grey levels.
-ComPtr<IHistogram> Grouped(const ComPtr<IHistogram>& fine, LONG most) {
-    const std::span<LONG> bins = BinsOf(fine);
-    const size_t group = (bins.size() + static_cast<size_t>(most) - 1) / static_cast<size_t>(most);
-    auto coarse = CreateObject<IHistogram>("Orlix.Histogram");
-    if (group <= 1) {
-        Check(coarse->CreateFromHistogram(fine.get()), coarse);
-        return coarse;
-    }
-    const size_t count = (bins.size() + group - 1) / group;
-    double left = 0, right = 0;
-    Check(fine->BinToLocation(-0.5, &left), fine);
-    Check(fine->BinToLocation(static_cast<double>(count * group) - 0.5, &right), fine);
-    Check(coarse->Create(static_cast<LONG>(count), left, right), coarse);
-    const std::span<LONG> sums = BinsOf(coarse);
-    for (size_t i = 0; i < bins.size(); ++i) {
-        LONG& sum = sums[i / group];
-        sum = static_cast<LONG>(std::min<int64_t>(int64_t{sum} + bins[i], std::numeric_limits<LONG>::max()));
-    }
-    return coarse;
 }
 
 void Smooth(const ComPtr<IHistogram>& histogram, LONG weights) {
@@ -138,14 +104,14 @@ private:
         out["lower"] = Finite(lower);
         out["upper"] = Finite(upper);
         out["source"] = settings_.luminance ? "given" : type_ == DT_BYTE ? "type" : "data";
-        for (const LONG count : BinsOf(fine_)) inside_ += count;
+        for (const LONG count : Bins(fine_)) inside_ += count;
         if (inside_ < 1) throw std::runtime_error("no pixel lies in the luminance range");
     }
 
     void Histograms() {
-        histogram_ = Grouped(fine_, settings_.bins);
+        histogram_ = Regrouped(fine_, settings_.bins);
         Json counts = Json::array();
-        for (const LONG count : BinsOf(histogram_)) counts.push_back(count);
+        for (const LONG count : Bins(histogram_)) counts.push_back(count);
         double step = 1, origin = 0;
         Check(histogram_->GetBinToLocationMapping(&step, &origin), histogram_);
         Smooth(histogram_, settings_.smoothing);
@@ -157,7 +123,7 @@ private:
         out["binWidth"] = step;
         out["smoothing"] = settings_.smoothing;
         out["pixelsOutside"] = grey_.m_lPixelCount - inside_;
-        out["dip"] = dip_ = Dip(BinsOf(fine_));
+        out["dip"] = dip_ = Dip(Bins(fine_));
         out["leastDipOfTwoPeaks"] = LeastDipOfTwoPeaks(inside_);
         out["counts"] = std::move(counts);
     }
@@ -179,7 +145,7 @@ private:
 
     void Thresholds() {
         Json& list = result_.document["thresholds"] = Json::array();
-        for (const ThresholdMethod& method : ThresholdMethods()) {
+        for (const NamedThreshold& method : ThresholdMethods()) {
             const bool chosen = settings_.threshold.method == &method;
             if (!chosen && !method.always) continue;
             const ThresholdResult found = FindThreshold(histogram_, type_ != DT_Float, largest_, method,
@@ -200,8 +166,8 @@ private:
                 } else {
                     entry["threshold"] = Finite(found.levels[0]);
                 }
-                entry["darkFraction"] = Fraction(CountBits(Side(found.darkCut, false)).pixels);
-                entry["brightFraction"] = Fraction(CountBits(Side(found.brightCut, true)).pixels);
+                entry["darkFraction"] = Fraction(MeasureBitmap(Side(found.darkCut, false)).pixelCount);
+                entry["brightFraction"] = Fraction(MeasureBitmap(Side(found.brightCut, true)).pixelCount);
                 if (!found.note.empty()) entry["note"] = found.note;
             }
             list.push_back(std::move(entry));
@@ -225,7 +191,7 @@ private:
         }
         if (!chosen_.note.empty()) return;
         // A side with two peaks of its own, in parts of all pixels.
-        const std::span<LONG> bins = BinsOf(fine_);
+        const std::span<LONG> bins = Bins(fine_);
         double cut = 0;
         Check(fine_->LocationToBin(chosen_.darkCut, &cut), fine_);
         const auto dark = static_cast<size_t>(std::clamp(std::floor(cut) + 1, 0.0, static_cast<double>(bins.size())));
@@ -275,14 +241,14 @@ private:
         }
         if (!some) Check(process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out()), process_);
         if (some || !choice.method) {
-            const BitCount bits = CountBits(result_.phase);
+            const BinaryMeasurements bits = MeasureBitmap(result_.phase);
             out["lower"] = Finite(lower);  // the grey levels of the phase, both included; lower > upper: none
             out["upper"] = Finite(upper);
-            out["pixels"] = bits.pixels;
-            out["areaFraction"] = Fraction(bits.pixels);
-            out["areaSquareMicrons"] = subject_.Area(bits.pixels);
-            out["xCentroid"] = bits.pixels ? Json(bits.xCentroid) : Json(nullptr);
-            out["yCentroid"] = bits.pixels ? Json(bits.yCentroid) : Json(nullptr);
+            out["pixels"] = bits.pixelCount;
+            out["areaFraction"] = Fraction(bits.pixelCount);
+            out["areaSquareMicrons"] = subject_.Area(bits.pixelCount);
+            out["xCentroid"] = Finite(bits.xCentroid);
+            out["yCentroid"] = Finite(bits.yCentroid);
         }
         result_.document["phase"] = std::move(out);
     }
@@ -302,35 +268,6 @@ private:
 };
 
 }  // namespace
-
-BitCount CountBits(const ComPtr<IBitmap>& bitmap) {
-    LONG width = 0, height = 0;
-    Check(bitmap->get_Width(&width), bitmap);
-    Check(bitmap->get_Height(&height), bitmap);
-    BitCount count;
-    uint64_t xSum = 0, ySum = 0;
-    const LONG bytes = (width + 7) / 8;
-    for (LONG y = 0; y < height; ++y) {
-        BYTE* row = nullptr;
-        Check(bitmap->GetRowPtr(y, &row), bitmap);
-        uint64_t inRow = 0;
-        for (LONG i = 0; i < bytes; ++i) {
-            uint32_t byte = row[i];
-            if (i == bytes - 1 && width % 8) byte &= 0xff00u >> (width % 8) & 0xffu;  // padding holds anything
-            if (byte == 0) continue;
-            inRow += static_cast<uint64_t>(std::popcount(byte));
-            for (; byte; byte &= byte - 1)  // bit 7 is the leftmost pixel
-                xSum += static_cast<uint64_t>(8 * i + 7 - std::countr_zero(byte));
-        }
-        count.pixels += static_cast<int64_t>(inRow);
-        ySum += inRow * static_cast<uint64_t>(y);
-    }
-    if (count.pixels > 0) {
-        count.xCentroid = static_cast<double>(xSum) / static_cast<double>(count.pixels);
-        count.yCentroid = static_cast<double>(ySum) / static_cast<double>(count.pixels);
-    }
-    return count;
-}
 
 Measurement MeasureImage(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const MeasureSettings& settings) {
     return Measuring(std::move(image), shownName, settings).Run();

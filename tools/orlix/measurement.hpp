@@ -42,7 +42,7 @@ struct Measurement {
 //     yCentroid}: of all pixels of the region that are measured; excess kurtosis is 0 for a normal distribution
 //   luminance {lower, upper, source}: the levels that the histogram looks at
 //   histogram {bins, left, right, binWidth, smoothing, pixelsOutside, dip, leastDipOfTwoPeaks, counts}: the one that
-//     thresholds were chosen on; dip is 0 for one peak and grows with the second (peaks.hpp)
+//     thresholds were chosen on; dip is 0 for one peak and grows with the second (orlix/statistics.hpp)
 //   thresholds [{method, label, chosen, parameters, threshold | left and right, darkFraction, brightFraction, note,
 //     message}]: threshold is the last dark level; with a message there is none
 //   phase {polarity, method, lower, upper, pixels, areaFraction, areaSquareMicrons, xCentroid, yCentroid}: fractions of
@@ -52,12 +52,5 @@ struct Measurement {
 // Throws orlix::Error, or std::runtime_error with a text for the user.
 Measurement MeasureImage(orlix::ComPtr<IImageVPAExPlus> image, const std::string& shownName,
                          const MeasureSettings& settings);
-
-struct BitCount {
-    int64_t pixels = 0;
-    double xCentroid = 0;  // 0 for no pixels
-    double yCentroid = 0;
-};
-BitCount CountBits(const orlix::ComPtr<IBitmap>& bitmap);
 
 }  // namespace tool

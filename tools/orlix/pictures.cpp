@@ -4,7 +4,7 @@
 #include "image_file.hpp"
 #include "scale_bar.hpp"
 
-#include <orlix/client.hpp>
+#include <orlix/measure.hpp>
 
 #include <algorithm>
 #include <array>

@@ -171,21 +171,4 @@ ComPtr<IRegionOfInterest> MakeRegion(std::vector<uint8_t> mask, LONG width, LONG
     return ComPtr<IRegionOfInterest>::Attach(new MaskRegion(std::move(mask), width, height));
 }
 
-std::vector<uint8_t> RegionMask(const ComPtr<IRegionOfInterest>& region, LONG width, LONG height) {
-    const size_t columns = static_cast<size_t>(width), rows = static_cast<size_t>(height);
-    if (!region) return std::vector<uint8_t>(columns * rows, 1);
-    std::vector<uint8_t> mask(columns * rows, 0);
-    for (LONG y = 0; y < height; ++y) {
-        SRun* run = nullptr;
-        SRun* end = nullptr;
-        Check(region->GetRowRuns(y, &run, &end), region);
-        uint8_t* row = mask.data() + static_cast<size_t>(y) * columns;
-        for (; run != end; ++run) {
-            const LONG start = std::max<LONG>(run->m_lStart, 0), stop = std::min<LONG>(run->m_lStop, width - 1);
-            if (start <= stop) std::fill(row + start, row + stop + 1, uint8_t{1});
-        }
-    }
-    return mask;
-}
-
 }  // namespace tool

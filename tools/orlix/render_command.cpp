@@ -8,7 +8,7 @@
 #include "subject.hpp"
 #include "warnings.hpp"
 
-#include <orlix/client.hpp>
+#include <orlix/measure.hpp>
 
 #include <algorithm>
 #include <cmath>

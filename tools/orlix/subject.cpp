@@ -6,7 +6,7 @@
 #include "units.hpp"
 #include "warnings.hpp"
 
-#include <orlix/client.hpp>
+#include <orlix/measure.hpp>
 
 #include <algorithm>
 #include <charconv>

@@ -3,12 +3,8 @@
 #include "console.hpp"
 #include "region.hpp"
 
-#include <orlix/client.hpp>
-
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <numeric>
 
 namespace tool {
 
@@ -16,77 +12,28 @@ using namespace orlix;
 
 namespace {
 
-enum Index : std::ptrdiff_t {
-    kMinimizeVariance,
-    kTrim,
-    kSearchForMinimum,
-    kGaussianMixture,
-    kMaximizeEntropy,
-    kExponential
-};
-
+using Method = ThresholdMethod;
+constexpr std::array kSmallest = {"minimumLeft", "minimumRight"}, kTrimmed = {"trimLeft", "trimRight"};
 // A half per cent of the counts is more than a few hot or dead pixels and less than any phase worth measuring.
-constexpr ThresholdMethod kMethods[] = {
-    {"minimize-variance", "otsu", "Otsu", {"minimumLeft", "minimumRight"}, {0.0, 0.0}, true, true},
-    {"trim", "percentile", "Trim", {"trimLeft", "trimRight"}, {0.05, 0.05}, true, false},
-    {"search-for-minimum", "minimum", "Minimum", {"trimLeft", "trimRight"}, {0.005, 0.005}, true, true},
-    {"gaussian-mixture", "mixture", "Gaussian mixture", {"minimumLeft", "minimumRight"}, {0.005, 0.005}, true, true},
-    {"maximize-entropy", "entropy", "Entropy", {"minimumLeft", "minimumRight"}, {0.005, 0.005}, true, false},
+constexpr NamedThreshold kMethods[] = {
+    {Method::MinimizeVariance, "minimize-variance", "otsu", "Otsu", kSmallest, {0.0, 0.0}, true, true},
+    {Method::Trim, "trim", "percentile", "Trim", kTrimmed, {0.05, 0.05}, true, false},
+    {Method::SearchForMinimum, "search-for-minimum", "minimum", "Minimum", kTrimmed, {0.005, 0.005}, true, true},
+    {Method::GaussianMixture, "gaussian-mixture", "mixture", "Gaussian mixture", kSmallest, {0.005, 0.005}, true, true},
+    {Method::MaximizeEntropy, "maximize-entropy", "entropy", "Entropy", kSmallest, {0.005, 0.005}, true, false},
     // For the tail of a histogram that starts at black; of most images it lies above all levels.
-    {"exponential", "exp", "Exponential", {"trimRight", ""}, {0.05, 0.0}, false, false},
+    {Method::Exponential, "exponential", "exp", "Exponential", {"trimRight", ""}, {0.05, 0.0}, false, false},
 };
-
-// Counts up to each bin, itself included.
-std::vector<int64_t> Cumulative(std::span<const LONG> counts) {
-    std::vector<int64_t> sums(counts.begin(), counts.end());
-    std::partial_sum(sums.begin(), sums.end(), sums.begin());
-    return sums;
-}
-
-// Whether a threshold lies where its search ends and not where its method has found what it looks for. The minimum is
-// sought in a window: when there is an emptier bin close by, the window ends there. The other methods leave a fraction
-// on either side.
-bool AtSearchLimit(std::span<const LONG> counts, size_t bin, Index index, double left, double right) {
-    if (index == kSearchForMinimum) {
-        const size_t close = counts.size() / 100 + 1;
-        const auto around = counts.subspan(bin - std::min(bin, close));
-        return std::ranges::min(around.first(std::min(around.size(), 2 * close + 1))) < counts[bin];
-    }
-    const std::vector<int64_t> below = Cumulative(counts);
-    const int64_t total = below.back();
-    const size_t last = counts.size() - 1;
-    const auto first = [&](auto condition) {
-        size_t i = 0;
-        while (i < last && !condition(i)) ++i;
-        return i;
-    };
-    size_t low = 0, high = last;
-    if (index == kGaussianMixture) {  // the last bins at which the counts from either end do not exceed the fraction
-        const auto limit = [&](double fraction) { return std::floor(static_cast<double>(total) * fraction + 0.5); };
-        low = first([&](size_t i) { return static_cast<double>(below[i + 1]) > limit(left); });
-        high =
-            std::min(first([&](size_t i) { return static_cast<double>(total - below[i]) <= limit(right); }) + 1, last);
-        // and no bin that leaves nothing on one side
-        low = std::max(low, first([&](size_t i) { return below[i] > 0; }));
-        high = std::min(high, first([&](size_t i) { return below[i + 1] == total; }));
-        return low < high && (bin <= low || bin >= high);
-    } else {
-        const auto fraction = [&](int64_t pixels) { return static_cast<double>(pixels) / static_cast<double>(total); };
-        low = first([&](size_t i) { return fraction(below[i]) >= left; });
-        high = first([&](size_t i) { return 1 - fraction(below[i + 1]) < right; });
-    }
-    return (left > 0 && bin <= low) || (right > 0 && bin >= high);
-}
 
 }  // namespace
 
-std::span<const ThresholdMethod> ThresholdMethods() { return kMethods; }
+std::span<const NamedThreshold> ThresholdMethods() { return kMethods; }
 
 ThresholdChoice ParseThreshold(std::string_view text) {
     ThresholdChoice choice;
     choice.text = text;
     const size_t colon = std::min(text.find(':'), text.size());
-    for (const ThresholdMethod& method : kMethods) {
+    for (const NamedThreshold& method : kMethods) {
         if (text.substr(0, colon) != method.id && text.substr(0, colon) != method.alias) continue;
         choice.method = &method;
         choice.parameters = method.defaults;
@@ -99,7 +46,7 @@ ThresholdChoice ParseThreshold(std::string_view text) {
     }
     if (text.find(',') == std::string_view::npos) {
         std::string known;
-        for (const ThresholdMethod& method : kMethods) known += std::string(", ") + method.id;
+        for (const NamedThreshold& method : kMethods) known += std::string(", ") + method.id;
         throw UsageError("'" + choice.text + "' is not a threshold: LO,HI" + known);
     }
     const auto levels = ParseNumbers(text, text, true);
@@ -111,81 +58,36 @@ ThresholdChoice ParseThreshold(std::string_view text) {
 }
 
 ThresholdResult FindThreshold(const ComPtr<IHistogram>& histogram, bool integer, double largest,
-                              const ThresholdMethod& method, const std::array<double, 2>& parameters) {
+                              const NamedThreshold& method, const std::array<double, 2>& parameters) {
+    using Status = AutoThreshold::Status;
     ThresholdResult result;
     result.method = &method;
     result.parameters = parameters;
-    const auto [first, second] = parameters;
-    const auto index = static_cast<Index>(&method - kMethods);
-    double step = 1, origin = 0, location = 0, right = 0;
-    HRESULT found = S_OK;
-    LONG size = 0;
-    LONG* bins = nullptr;
+    AutoThreshold found;
     try {
-        Check(histogram->GetBinToLocationMapping(&step, &origin), histogram);
-        Check(histogram->get_NumberOfBins(&size), histogram);
-        Check(histogram->get_Bins(&bins), histogram);
-        switch (index) {
-            case kMinimizeVariance:
-                found = Check(histogram->AutoThresholdMinimizeVariance(first, second, &location), histogram);
-                break;
-            case kTrim:
-                found = Check(histogram->AutoThresholdTrim(first, &location, second, &right), histogram);
-                break;
-            case kSearchForMinimum:
-                found = Check(histogram->AutoThresholdSearchForMinimum(first, second, &location), histogram);
-                break;
-            case kGaussianMixture:
-                found = Check(histogram->AutoThresholdGaussianMixture(first, second, &location), histogram);
-                break;
-            case kMaximizeEntropy:
-                found = Check(histogram->AutoThresholdMaximizeEntropy(first, second, &location), histogram);
-                break;
-            case kExponential:
-                found = Check(histogram->AutoThresholdExponential(first, &location), histogram);
-        }
+        found = FindAutoThreshold(histogram, method.method, parameters[0], parameters[1]);
     } catch (const Error& error) {
         result.error = error.what();
         return result;
     }
-
-    const std::span<const LONG> counts(bins, static_cast<size_t>(size));
-    if (std::count_if(counts.begin(), counts.end(), [](LONG count) { return count > 0; }) < 2) {
-        result.none = "all pixels have one grey level";
-        return result;
-    }
-    if (found == S_FALSE) {
-        result.none = "no threshold separates two classes";
-        return result;
-    }
-    result.darkCut = result.brightCut = index == kExponential ? location : location + step / 2;
-    if (index == kTrim) {
-        result.darkCut = location - step / 2;
-        result.brightCut = right + step / 2;
-    }
+    result.none = found.status == Status::OneLevel           ? "all pixels have one grey level"
+                  : found.status == Status::NotSeparable     ? "no threshold separates two classes"
+                  : found.status == Status::FractionsNotLeft ? "no threshold leaves these fractions on both sides"
+                                                             : "";
+    if (found.status == Status::OneLevel || found.status == Status::NotSeparable) return result;
+    result.darkCut = found.darkCut;
+    result.brightCut = found.brightCut;
     const auto last = [&](double cut) { return integer ? std::floor(cut) : cut; };
-    if (index == kTrim)
+    if (method.method == Method::Trim)
         result.levels = {integer ? std::floor(result.darkCut) + 1 : result.darkCut, last(result.brightCut)};
     else
         result.levels = {last(result.darkCut)};
-
-    if (index == kExponential) {
-        if (location >= largest) {
-            result.note = "above all grey levels";
-            result.noteCode = "above-all-levels";
-        }
-    } else if (index != kTrim) {
-        const auto bin =
-            static_cast<size_t>(std::clamp<double>(std::floor((location - origin) / step + 0.5), 0, size - 1.0));
-        // The library answers with the first bin when no threshold leaves the fractions that were asked for.
-        const std::vector<int64_t> below = Cumulative(counts);
-        const double dark = static_cast<double>(below[0]) / static_cast<double>(below.back());
-        if (index != kSearchForMinimum && bin == 0 && (dark <= 0 || dark < first || 1 - dark < second)) {
-            result.none = "no threshold leaves these fractions on both sides";
-        } else if (AtSearchLimit(counts, bin, index, first, second)) {
-            result.note = "at the limit of its search";
-            result.noteCode = "at-search-limit";
-        }
+    if (method.method == Method::Exponential && found.darkCut >= largest) {
+        result.note = "above all grey levels";
+        result.noteCode = "above-all-levels";
+    } else if (found.atSearchLimit) {
+        result.note = "at the limit of its search";
+        result.noteCode = "at-search-limit";
     }
     return result;
 }

@@ -3,7 +3,7 @@
 
 #include "document.hpp"
 
-#include <orlix/com_ptr.hpp>
+#include <orlix/measure.hpp>
 
 #include <array>
 #include <optional>
@@ -14,7 +14,8 @@
 
 namespace tool {
 
-struct ThresholdMethod {
+struct NamedThreshold {
+    orlix::ThresholdMethod method;
     const char* id;                         // as on the command line and in the documents
     const char* alias;                      // a shorter or better known name, or ""
     const char* label;                      // for people
@@ -24,11 +25,11 @@ struct ThresholdMethod {
     bool twoPeaked;  // means anything only where the histogram has two peaks
 };
 
-std::span<const ThresholdMethod> ThresholdMethods();
+std::span<const NamedThreshold> ThresholdMethods();
 
 // What the command line says about the threshold: a method, with its own parameters if wanted, or two levels.
 struct ThresholdChoice {
-    const ThresholdMethod* method = nullptr;  // null: levels
+    const NamedThreshold* method = nullptr;  // null: levels
     std::array<double, 2> parameters = {};
     std::array<double, 2> levels = {};  // both belong to the phase; NaN: no bound
     std::string text;                   // as given
@@ -39,7 +40,7 @@ ThresholdChoice ParseThreshold(std::string_view text);
 
 // What one method found.
 struct ThresholdResult {
-    const ThresholdMethod* method = nullptr;
+    const NamedThreshold* method = nullptr;
     std::array<double, 2> parameters = {};
     std::string error;  // why the method failed; empty when it did not
     std::string none;   // why there is no threshold although it did not fail; empty when there is one
@@ -57,6 +58,6 @@ struct ThresholdResult {
 
 // The histogram is of integer pixels or not. `largest` is the largest level of the pixels.
 ThresholdResult FindThreshold(const orlix::ComPtr<IHistogram>& histogram, bool integer, double largest,
-                              const ThresholdMethod& method, const std::array<double, 2>& parameters);
+                              const NamedThreshold& method, const std::array<double, 2>& parameters);
 
 }  // namespace tool

@@ -1,0 +1,281 @@
+// For clients in C++: measurements that take several calls of the interfaces. Failed calls throw Error, see client.hpp.
+//
+//     ComPtr<IHistogram> histogram;
+//     Check(process->get_Histogram(histogram.Out()), process);
+//     const AutoThreshold otsu = FindAutoThreshold(histogram, ThresholdMethod::MinimizeVariance, 0, 0);
+//     if (otsu.status == AutoThreshold::Status::Found && Dip(Bins(histogram)) >= LeastDipOfTwoPeaks(pixels)) {
+//         ComPtr<IBitmap> dark;
+//         Check(process->Threshold(0, otsu.darkCut, 1, dark.Out()), process);
+//         std::printf("%g %%\n", 100.0 * MeasureBitmap(dark).pixelCount / pixels);
+//     }
+#ifndef ORLIX_MEASURE_HPP
+#define ORLIX_MEASURE_HPP
+
+#include <orlix/client.hpp>
+#include <orlix/com_ptr.hpp>
+#include <orlix/statistics.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <span>
+#include <vector>
+
+namespace orlix {
+
+// ------------------------------------------------------------------------------------------------------------- bitmaps
+
+// The pixels of a bitmap that are 1. The centroid is the mean of their columns and rows, in pixels from the centre of
+// the pixel at the top left; it is NaN without such pixels.
+struct BinaryMeasurements {
+    int64_t pixelCount = 0;
+    double xCentroid = implementation::kNaN;
+    double yCentroid = implementation::kNaN;
+};
+
+BinaryMeasurements MeasureBitmap(const ComPtr<IBitmap>& bitmap);
+
+// ---------------------------------------------------------------------------------------------------------- histograms
+
+// The bins of a histogram, which belong to it: valid until it changes or goes. Empty if it has none.
+std::span<LONG> Bins(const ComPtr<IHistogram>& histogram);
+
+// A new histogram of at most `mostBins` bins. The same number of neighbours is added up for each, as few as possible;
+// bins of any other width would put a comb into the counts. The last bin may reach beyond the right end of the given
+// histogram. Sums are limited to 2^31 - 1. A histogram that is small enough is copied. Throws Error (E_INVALIDARG) if
+// `mostBins` is below 1.
+ComPtr<IHistogram> Regrouped(const ComPtr<IHistogram>& histogram, LONG mostBins);
+
+// ---------------------------------------------------------------------------------------------------------- thresholds
+
+// The automatic thresholds of IHistogram, with the two parameters that each takes there.
+enum class ThresholdMethod {
+    MinimizeVariance,  // smallest fractions of the pixels left and right of the threshold
+    Trim,              // fractions that are the dark and the bright tail
+    SearchForMinimum,  // fractions trimmed off left and right before the search
+    GaussianMixture,   // smallest fractions left and right
+    MaximizeEntropy,   // smallest fractions left and right
+    Exponential,       // fraction left above the threshold; the second parameter is not used
+};
+
+// What an automatic threshold means for pixels. The interface gives the location of a bin, which belongs to the lower
+// class; the cuts are the edges of bins. So pixels of at most darkCut are dark and those above brightCut are bright,
+// whatever their type. The cuts are equal but for Trim, which leaves the bins of both limits to neither tail.
+struct AutoThreshold {
+    enum class Status {
+        Found,
+        OneLevel,          // all pixels lie in one bin; the cuts are NaN
+        NotSeparable,      // no threshold separates two classes (the method returned S_FALSE); the cuts are NaN
+        FractionsNotLeft,  // no threshold leaves the fractions asked for; the cuts are those of the first bin
+    };
+    Status status = Status::Found;
+    double darkCut = implementation::kNaN;
+    double brightCut = implementation::kNaN;
+    // The threshold lies where its search ends, not where the method found what it looks for: on the first or last bin
+    // that leaves the fractions asked for, or for SearchForMinimum beside an emptier bin. Look at the histogram.
+    bool atSearchLimit = false;
+};
+
+// Throws Error with the text of the IHistogram method where that fails, for parameters out of range for instance.
+AutoThreshold FindAutoThreshold(const ComPtr<IHistogram>& histogram, ThresholdMethod method, double first,
+                                double second);
+
+// ------------------------------------------------------------------------------------------------------------- regions
+
+// A byte for each pixel of an image of that size, rows from the top: 1 inside the region, 0 outside. Runs are clipped
+// to the image. Without a region all pixels are inside. Throws Error (E_INVALIDARG) if width or height is negative.
+std::vector<uint8_t> RegionMask(const ComPtr<IRegionOfInterest>& region, LONG width, LONG height);
+
+// ------------------------------------------------------------------------------------------------------ implementation
+
+inline BinaryMeasurements MeasureBitmap(const ComPtr<IBitmap>& bitmap) {
+    LONG width = 0, height = 0;
+    Check(bitmap->get_Width(&width), bitmap);
+    Check(bitmap->get_Height(&height), bitmap);
+    BinaryMeasurements out;
+    uint64_t xSum = 0, ySum = 0;
+    const LONG bytes = width / 8 + (width % 8 ? 1 : 0);
+    for (LONG y = 0; y < height && width > 0; ++y) {
+        BYTE* row = nullptr;
+        Check(bitmap->GetRowPtr(y, &row), bitmap);
+        if (!row) throw Error(E_POINTER, "MeasureBitmap: the bitmap has no rows.", {});
+        uint64_t inRow = 0;
+        for (LONG i = 0; i < bytes; ++i) {
+            uint32_t byte = row[i];
+            if (i == bytes - 1 && width % 8) byte &= 0xff00u >> (width % 8) & 0xffu;  // padding bits may be set
+            if (byte == 0) continue;
+            inRow += static_cast<uint64_t>(std::popcount(byte));
+            for (; byte; byte &= byte - 1)  // bit 7 is the leftmost pixel
+                xSum += static_cast<uint64_t>(8 * int64_t{i} + 7 - std::countr_zero(byte));
+        }
+        out.pixelCount += static_cast<int64_t>(inRow);
+        ySum += inRow * static_cast<uint64_t>(y);
+    }
+    if (out.pixelCount > 0) {
+        out.xCentroid = static_cast<double>(xSum) / static_cast<double>(out.pixelCount);
+        out.yCentroid = static_cast<double>(ySum) / static_cast<double>(out.pixelCount);
+    }
+    return out;
+}
+
+inline std::span<LONG> Bins(const ComPtr<IHistogram>& histogram) {
+    LONG count = 0;
+    LONG* bins = nullptr;
+    Check(histogram->get_NumberOfBins(&count), histogram);
+    Check(histogram->get_Bins(&bins), histogram);
+    return {bins, bins && count > 0 ? static_cast<size_t>(count) : 0};
+}
+
+inline ComPtr<IHistogram> Regrouped(const ComPtr<IHistogram>& histogram, LONG mostBins) {
+    if (mostBins < 1) throw Error(E_INVALIDARG, "Regrouped: at least one bin is needed.", {});
+    const std::span<const LONG> bins = Bins(histogram);
+    const size_t most = static_cast<size_t>(mostBins);
+    size_t group = (bins.size() + most - 1) / most;
+    auto coarse = CreateObject<IHistogram>("Orlix.Histogram");
+    if (group <= 1) {
+        Check(coarse->CreateFromHistogram(histogram.get()), coarse);
+        return coarse;
+    }
+    double left = 0, right = 0;
+    Check(histogram->BinToLocation(-0.5, &left), histogram);
+    for (;; ++group) {
+        const size_t count = (bins.size() + group - 1) / group;
+        Check(histogram->BinToLocation(static_cast<double>(count * group) - 0.5, &right), histogram);
+        // Over exactly `count` whole numbers the bins would stand for these and not for intervals.
+        if (count == 1 || left != std::floor(left) || right - left + 1 != static_cast<double>(count)) {
+            Check(coarse->Create(static_cast<LONG>(count), left, right), coarse);
+            break;
+        }
+    }
+    const std::span<LONG> sums = Bins(coarse);
+    for (size_t i = 0; i < bins.size(); ++i) {
+        LONG& sum = sums[i / group];
+        sum = static_cast<LONG>(std::min<int64_t>(int64_t{sum} + bins[i], std::numeric_limits<LONG>::max()));
+    }
+    return coarse;
+}
+
+namespace implementation {
+
+// Sums of the counts up to each bin, the bin included.
+inline std::vector<int64_t> Cumulative(std::span<const LONG> counts) {
+    std::vector<int64_t> sums;
+    int64_t sum = 0;
+    for (const LONG count : counts) sums.push_back(sum += count);
+    return sums;
+}
+
+// Whether the threshold `bin` lies at the end of its search; see AutoThreshold. The minimum is sought in a window: an
+// emptier bin close by shows that the window ended there. The other methods leave a fraction on either side.
+inline bool AtSearchLimit(std::span<const LONG> counts, const std::vector<int64_t>& below, size_t bin,
+                          ThresholdMethod method, double left, double right) {
+    if (method == ThresholdMethod::SearchForMinimum) {
+        const size_t close = counts.size() / 100 + 1;
+        const auto around = counts.subspan(bin - std::min(bin, close));
+        return std::ranges::min(around.first(std::min(around.size(), 2 * close + 1))) < counts[bin];
+    }
+    const int64_t total = below.back();
+    const size_t last = counts.size() - 1;
+    const auto first = [&](auto condition) {
+        size_t i = 0;
+        while (i < last && !condition(i)) ++i;
+        return i;
+    };
+    size_t low = 0, high = last;
+    if (method == ThresholdMethod::GaussianMixture) {
+        // The last bins at which the counts from either end do not exceed the fraction,
+        const auto limit = [&](double fraction) { return std::floor(static_cast<double>(total) * fraction + 0.5); };
+        low = first([&](size_t i) { return static_cast<double>(below[i + 1]) > limit(left); });
+        high =
+            std::min(first([&](size_t i) { return static_cast<double>(total - below[i]) <= limit(right); }) + 1, last);
+        // and no bin that leaves one side without pixels.
+        low = std::max(low, first([&](size_t i) { return below[i] > 0; }));
+        high = std::min(high, first([&](size_t i) { return below[i + 1] == total; }));
+        return low < high && (bin <= low || bin >= high);
+    }
+    const auto fraction = [&](int64_t pixels) { return static_cast<double>(pixels) / static_cast<double>(total); };
+    low = first([&](size_t i) { return fraction(below[i]) >= left; });
+    high = first([&](size_t i) { return 1 - fraction(below[i + 1]) < right; });
+    return (left > 0 && bin <= low) || (right > 0 && bin >= high);
+}
+
+}  // namespace implementation
+
+inline AutoThreshold FindAutoThreshold(const ComPtr<IHistogram>& histogram, ThresholdMethod method, double first,
+                                       double second) {
+    double step = 1, origin = 0, location = 0, right = 0;
+    Check(histogram->GetBinToLocationMapping(&step, &origin), histogram);
+    const auto find = [&] {
+        switch (method) {
+            case ThresholdMethod::MinimizeVariance:
+                return histogram->AutoThresholdMinimizeVariance(first, second, &location);
+            case ThresholdMethod::Trim:
+                return histogram->AutoThresholdTrim(first, &location, second, &right);
+            case ThresholdMethod::SearchForMinimum:
+                return histogram->AutoThresholdSearchForMinimum(first, second, &location);
+            case ThresholdMethod::GaussianMixture:
+                return histogram->AutoThresholdGaussianMixture(first, second, &location);
+            case ThresholdMethod::MaximizeEntropy:
+                return histogram->AutoThresholdMaximizeEntropy(first, second, &location);
+            case ThresholdMethod::Exponential:
+                return histogram->AutoThresholdExponential(first, &location);
+        }
+        return E_INVALIDARG;
+    };
+    const HRESULT found = Check(find(), histogram);
+    const std::span<const LONG> counts = Bins(histogram);
+    AutoThreshold out;
+    if (std::count_if(counts.begin(), counts.end(), [](LONG count) { return count > 0; }) < 2) {
+        out.status = AutoThreshold::Status::OneLevel;
+        return out;
+    }
+    if (found == S_FALSE) {
+        out.status = AutoThreshold::Status::NotSeparable;
+        return out;
+    }
+    if (method == ThresholdMethod::Trim) {
+        out.darkCut = location - step / 2;
+        out.brightCut = right + step / 2;
+        return out;
+    }
+    out.darkCut = out.brightCut = method == ThresholdMethod::Exponential ? location : location + step / 2;
+    if (method == ThresholdMethod::Exponential) return out;
+
+    const double place = std::floor((location - origin) / step + 0.5), last = static_cast<double>(counts.size() - 1);
+    const size_t bin = place > 0 ? static_cast<size_t>(std::min(place, last)) : 0;
+    const std::vector<int64_t> below = implementation::Cumulative(counts);
+    const double dark = static_cast<double>(below[0]) / static_cast<double>(below.back());
+    // The interface answers with the first bin when no threshold leaves the fractions.
+    if (method != ThresholdMethod::SearchForMinimum && bin == 0 && (dark <= 0 || dark < first || 1 - dark < second))
+        out.status = AutoThreshold::Status::FractionsNotLeft;
+    else
+        out.atSearchLimit = implementation::AtSearchLimit(counts, below, bin, method, first, second);
+    return out;
+}
+
+inline std::vector<uint8_t> RegionMask(const ComPtr<IRegionOfInterest>& region, LONG width, LONG height) {
+    if (width < 0 || height < 0) throw Error(E_INVALIDARG, "RegionMask: the size must not be negative.", {});
+    const size_t columns = static_cast<size_t>(width), rows = static_cast<size_t>(height);
+    std::vector<uint8_t> mask;
+    if (rows > 0 && columns > mask.max_size() / rows) throw std::bad_alloc();
+    mask.resize(columns * rows, region ? uint8_t{0} : uint8_t{1});
+    for (LONG y = 0; region && y < height; ++y) {
+        SRun* run = nullptr;
+        SRun* end = nullptr;
+        Check(region->GetRowRuns(y, &run, &end), region);
+        uint8_t* const row = mask.data() + static_cast<size_t>(y) * columns;
+        for (; run && run < end; ++run) {
+            const LONG start = std::max<LONG>(run->m_lStart, 0), stop = std::min<LONG>(run->m_lStop, width - 1);
+            if (start <= stop) std::fill(row + start, row + stop + 1, uint8_t{1});
+        }
+    }
+    return mask;
+}
+
+}  // namespace orlix
+
+#endif

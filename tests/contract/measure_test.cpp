@@ -1,0 +1,128 @@
+// Measurements on top of the interfaces: orlix/measure.hpp.
+#include "contract/support.hpp"
+
+#include <orlix/measure.hpp>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace orlix;
+using namespace orlix::testing;
+
+ComPtr<IHistogram> HistogramOf(const std::vector<LONG>& counts, double left, double right) {
+    auto histogram = CreateObject<IHistogram>("Orlix.Histogram");
+    Check(histogram->Create(static_cast<LONG>(counts.size()), left, right), histogram);
+    std::copy(counts.begin(), counts.end(), Bins(histogram).begin());
+    return histogram;
+}
+
+HRESULT ResultOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const Error& error) {
+        return error.result();
+    }
+    return S_OK;
+}
+
+TEST(MeasureBitmap, CountsBitsAndNotTheirPadding) {
+    for (const LONG width : {11, 16}) {
+        const auto bitmap = CreateObject<IBitmap>("Orlix.Bitmap");
+        Check(bitmap->Create(width, 3, 1), bitmap);
+        EXPECT_EQ(0, MeasureBitmap(bitmap).pixelCount);
+        EXPECT_TRUE(std::isnan(MeasureBitmap(bitmap).xCentroid) && std::isnan(MeasureBitmap(bitmap).yCentroid));
+        for (const auto& [x, y] : {std::pair{0, 0}, {7, 0}, {8, 2}, {10, 2}}) Check(bitmap->put_Bit(x, y, 1), bitmap);
+        BYTE* row = nullptr;
+        Check(bitmap->GetRowPtr(1, &row), bitmap);
+        if (width % 8) row[1] |= 0x1f;
+        const BinaryMeasurements measurements = MeasureBitmap(bitmap);
+        EXPECT_EQ(4, measurements.pixelCount);
+        EXPECT_EQ(25 / 4.0, measurements.xCentroid);
+        EXPECT_EQ(1, measurements.yCentroid);
+    }
+}
+
+TEST(RegroupedHistogram, AddsEqualNumbersOfNeighbours) {
+    const auto fine = HistogramOf({1, 2, 3, 4, 5, 6, 7, INT32_MAX, 9, 10}, 99, 119);  // bins 2 wide
+    const auto coarse = Regrouped(fine, 4);
+    const std::span<LONG> sums = Bins(coarse);
+    EXPECT_EQ((std::vector<LONG>{6, 15, INT32_MAX, 10}), std::vector<LONG>(sums.begin(), sums.end()));
+    double step = 0, origin = 0;
+    Check(coarse->GetBinToLocationMapping(&step, &origin), coarse);
+    EXPECT_EQ(6, step);
+    EXPECT_EQ(102, origin) << "the middle of 100, 102 and 104";
+    for (const LONG most : {10, 11, INT32_MAX}) {
+        const auto copy = Regrouped(fine, most);
+        EXPECT_TRUE(std::ranges::equal(Bins(fine), Bins(copy))) << most;
+        EXPECT_NE(Bins(fine).data(), Bins(copy).data());
+    }
+    EXPECT_EQ(1u, Bins(Regrouped(fine, 1)).size());
+
+    // Four bins from 100 to 103 would be the whole numbers 100, 101, 102 and 103 and not intervals of 0.75.
+    const auto three = Regrouped(HistogramOf(std::vector<LONG>(12, 1), 100, 103), 4);
+    EXPECT_EQ(3u, Bins(three).size());
+    Check(three->GetBinToLocationMapping(&step, &origin), three);
+    EXPECT_EQ(1, step);
+    EXPECT_EQ(100.5, origin);
+    for (const LONG most : {0, -1, INT32_MIN})
+        EXPECT_EQ(E_INVALIDARG, ResultOf([&] { Regrouped(fine, most); })) << most;
+}
+
+TEST(AutoThresholds, CutBetweenBins) {
+    using enum AutoThreshold::Status;
+    using enum ThresholdMethod;
+    // 30 dark pixels in the bins 0 to 2, 46 bright ones in 6 to 8. Bins are 2 wide, the first is centred at 50.
+    const auto pair = HistogramOf({5, 20, 5, 0, 0, 0, 8, 30, 8}, 49, 67);
+    for (const ThresholdMethod method : {MinimizeVariance, SearchForMinimum, GaussianMixture}) {
+        SCOPED_TRACE(static_cast<int>(method));
+        const AutoThreshold found = FindAutoThreshold(pair, method, 0.005, 0.005);
+        EXPECT_EQ(Found, found.status);
+        EXPECT_FALSE(found.atSearchLimit);
+        EXPECT_EQ(found.darkCut, found.brightCut);
+        EXPECT_TRUE(found.darkCut >= 55 && found.darkCut <= 61) << found.darkCut;
+        EXPECT_EQ(0, std::fmod(found.darkCut - 49, 2)) << "the edge of a bin";
+    }
+    // A tenth of 76 pixels lies below bin 1, and a tenth above bin 7.
+    const AutoThreshold tails = FindAutoThreshold(pair, Trim, 0.1, 0.1);
+    EXPECT_EQ(51, tails.darkCut);
+    EXPECT_EQ(65, tails.brightCut);
+
+    struct Case {
+        std::vector<LONG> counts;
+        ThresholdMethod method;
+        double first, second;
+        AutoThreshold::Status status;
+        bool atLimit;
+    };
+    for (const Case& c : {Case{{0, 7, 0}, MinimizeVariance, 0, 0, OneLevel, false},
+                          {{5, 20, 5, 0, 8, 30, 8}, MinimizeVariance, 0.6, 0.6, FractionsNotLeft, false},
+                          {{5, 20, 5, 0, 8, 30, 8}, MinimizeVariance, 0.5, 0, Found, true},
+                          {{5, 20, 5, 0, 8, 30, 8}, MaximizeEntropy, 0, 0.8, Found, true}}) {
+        SCOPED_TRACE(c.counts.size());
+        const auto histogram = HistogramOf(c.counts, 0, static_cast<double>(c.counts.size() - 1));
+        const AutoThreshold found = FindAutoThreshold(histogram, c.method, c.first, c.second);
+        EXPECT_EQ(c.status, found.status);
+        EXPECT_EQ(c.atLimit, found.atSearchLimit);
+        EXPECT_EQ(c.status == OneLevel, std::isnan(found.darkCut));
+    }
+    EXPECT_EQ(E_FAIL, ResultOf([&] { FindAutoThreshold(pair, Trim, -1, 0); }));
+    EXPECT_EQ(E_INVALIDARG, ResultOf([&] { FindAutoThreshold(pair, static_cast<ThresholdMethod>(99), 0, 0); }));
+}
+
+TEST(RegionMask, HasTheRunsClippedToTheImage) {
+    const auto region = ForeignRegion::Make();
+    region->runs = {RunOf(-3, 0), RunOf(2, 1), RunOf(3, INT32_MAX)};
+    const ComPtr<IRegionOfInterest> asked(region.get());
+    EXPECT_EQ((std::vector<uint8_t>{1, 0, 0, 1, 1, 0, 0, 1}), RegionMask(asked, 4, 2));
+    const auto rectangle = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+    Check(rectangle->CreateRectangle(3, 3, 1, 1, 1, 2), rectangle);
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 0, 1, 0, 0, 1, 0}), RegionMask(Cast<IRegionOfInterest>(rectangle), 3, 3));
+    EXPECT_EQ(std::vector<uint8_t>(6, 1), RegionMask(nullptr, 2, 3));
+    EXPECT_TRUE(RegionMask(asked, 0, 3).empty());
+    EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionMask(asked, -1, 3); }));
+    EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionMask(nullptr, 1, INT32_MIN); }));
+}
+
+}  // namespace

@@ -1,0 +1,109 @@
+// Figures that need no object: orlix/statistics.hpp.
+#include <gtest/gtest.h>
+
+#include <orlix/statistics.hpp>
+
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+using namespace orlix;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// z = -1, -1, -1, 3 about the mean 12.
+TEST(RoughnessFigures, AreThoseOfTheStandardsDefinitions) {
+    const Roughness figures = MeasureRoughness(std::vector<float>{11, static_cast<float>(kNaN), 15, 11, 11});
+    EXPECT_EQ(4, figures.count);
+    EXPECT_EQ(12, figures.mean);
+    EXPECT_EQ(11, figures.minimum);
+    EXPECT_EQ(15, figures.maximum);
+    EXPECT_EQ(1.5, figures.Sa);
+    EXPECT_DOUBLE_EQ(std::sqrt(3.0), figures.Sq);
+    EXPECT_EQ(3, figures.Sp);
+    EXPECT_EQ(1, figures.Sv);
+    EXPECT_EQ(4, figures.Sz);
+    EXPECT_DOUBLE_EQ(2 / std::sqrt(3.0), figures.Ssk);
+    EXPECT_DOUBLE_EQ(7 / 3.0, figures.Sku);
+}
+
+TEST(RoughnessFigures, DoNotExistWithoutHeightsOrWithoutRoughness) {
+    const Roughness none = MeasureRoughness(std::vector<double>{kNaN, kInfinity, -kInfinity});
+    EXPECT_EQ(0, none.count);
+    for (const double figure : {none.mean, none.minimum, none.maximum, none.Sa, none.Sq, none.Sz, none.Ssk, none.Sku})
+        EXPECT_TRUE(std::isnan(figure));
+    const Roughness flat = MeasureRoughness(std::vector{7, 7, 7});
+    EXPECT_EQ(7, flat.mean);
+    EXPECT_EQ(0, flat.Sq);
+    EXPECT_TRUE(std::isnan(flat.Ssk) && std::isnan(flat.Sku));
+}
+
+TEST(TrimmedSz, LeavesOutEqualSharesAtEitherEnd) {
+    std::vector<double> heights(2999);
+    for (size_t i = 0; i < heights.size(); ++i) heights[i] = static_cast<double>(i * 1009 % heights.size());
+    for (const auto& [share, range] : {std::pair{0.0, 2998.0}, {0.001, 2994.0}, {0.25, 1500.0}, {0.5, 0.0}})
+        EXPECT_EQ(range, TrimmedSz(heights, share)) << share;
+    heights.push_back(kInfinity);
+    EXPECT_EQ(2994, TrimmedSz(heights, 0.001));
+    for (const double share : {-0.1, 0.51, kNaN}) EXPECT_TRUE(std::isnan(TrimmedSz(heights, share))) << share;
+    EXPECT_TRUE(std::isnan(TrimmedSz(std::vector{1, 2}, 0.5)));
+    EXPECT_TRUE(std::isnan(TrimmedSz(std::vector<float>(), 0)));
+}
+
+// Of 1, 2, 4, 5 the squares about the mean are 4, 1, 1, 4; t for 3 degrees of freedom is 3.182446305.
+TEST(Samples, HaveAMeanAndItsConfidenceInterval) {
+    const SampleStatistics sample = SummarizeSample(std::vector<double>{2, 5, kNaN, 1, 4});
+    EXPECT_EQ(4, sample.count);
+    EXPECT_EQ(3, sample.mean);
+    EXPECT_EQ(1, sample.minimum);
+    EXPECT_EQ(5, sample.maximum);
+    EXPECT_DOUBLE_EQ(std::sqrt(10 / 3.0), sample.standardDeviation);
+    EXPECT_NEAR(3.182446305 * std::sqrt(10 / 3.0) / 2, sample.confidence95, 1e-9);
+
+    const SampleStatistics one = SummarizeSample(std::vector{9.0}), none = SummarizeSample({});
+    EXPECT_EQ(1, one.count);
+    EXPECT_EQ(9, one.mean);
+    EXPECT_TRUE(std::isnan(one.standardDeviation) && std::isnan(one.confidence95));
+    EXPECT_EQ(0, none.count);
+    EXPECT_TRUE(std::isnan(none.mean) && std::isnan(none.minimum));
+}
+
+TEST(StudentT, IsThatOfTheTables) {
+    for (const auto& [freedom, t] : {std::pair<int64_t, double>{1, std::tan(0.95 * std::acos(0.0))},
+                                     {2, 0.95 * std::sqrt(2 / (1 - 0.95 * 0.95))},
+                                     {31, 2.039513446},
+                                     {120, 1.979930405},
+                                     {1000, 1.962339081},
+                                     {INT64_MAX, 1.959963985}})
+        EXPECT_NEAR(t, StudentT95(freedom), 1e-9) << freedom;
+    // Above 1000 degrees of freedom it is a series: z + z (z^2 + 1) / 4 / freedom + 2.8 / freedom^2.
+    EXPECT_NEAR(2.3723 / 1000 / 1001 + 2 * 2.8e-9, StudentT95(1000) - StudentT95(1001), 2e-9);
+    EXPECT_TRUE(std::isnan(StudentT95(0)) && std::isnan(StudentT95(INT64_MIN)));
+}
+
+TEST(Dip, IsZeroForOnePeakAndClosedFormsForTwo) {
+    std::vector<LONG> triangle, skew, stretched;
+    for (LONG i = 0; i < 200; ++i) {
+        triangle.push_back(1000 * std::min(i + 1, 200 - i));
+        skew.push_back(static_cast<LONG>(1e6 * std::exp(-i / 20.0)));
+    }
+    for (const LONG count : triangle) stretched.insert(stretched.end(), {0, count, 0});
+    for (const auto& onePeak :
+         {triangle, skew, stretched, {}, {0, 0}, {5}, {0, 7, 0}, {3, 4}, {9, 9, 9}, {-5, 9, INT32_MIN, -1}})
+        EXPECT_NEAR(0, Dip(onePeak), 1e-12) << onePeak.size();
+    // Two levels with nothing between: each is spread over an eighth of the distance.
+    std::vector<LONG> pair(256, 0);
+    pair[0] = pair[255] = 5000;
+    EXPECT_NEAR(7 / 32.0, Dip(pair), 1e-12);
+    // A small second peak: the line that joins the ends of the two rises by 7/8 of its share until that peak begins.
+    pair[255] = 100;
+    EXPECT_NEAR(100 / 5100.0 * 7 / 8 / 2, Dip(pair), 1e-12);
+    for (const auto& [pixels, least] : {std::pair<int64_t, double>{INT64_MIN, 0.7}, {10000, 0.007}, {100000, 0.003}})
+        EXPECT_DOUBLE_EQ(least, LeastDipOfTwoPeaks(pixels));
+}
+
+}  // namespace
