@@ -1,7 +1,10 @@
 // Windows and OS/2 bitmaps of 8 bits, see image_file.hpp.
 #pragma once
 
-#include "files/image_file.hpp"
+#include <cstdint>
+#include <span>
+
+#include "files/file_types.hpp"
 
 namespace orlix {
 

@@ -1,24 +1,29 @@
 #include "files/image_file.hpp"
 
 #include <algorithm>
+#include <limits>
+#include <string_view>
 
 #include "component/failure.hpp"
-#include "files/bmp.hpp"
-#include "files/png.hpp"
-#include "files/pnm.hpp"
+#include "files/file_formats.hpp"
 #include "platform/file_io.hpp"
 
 namespace orlix {
 namespace {
 
-using Reader = FileProperties (*)(std::span<const uint8_t>, PixelSink&, const SampleLimit&);
+// The first format of the table for which the condition holds, or null.
+template <class Condition>
+const FileFormat* FindFormat(Condition condition) {
+    const auto formats = FileFormats();
+    const auto found = std::ranges::find_if(formats, condition);
+    return found == formats.end() ? nullptr : &*found;
+}
 
-// By the first bytes.
-Reader ReaderFor(std::span<const uint8_t> bytes) {
-    if (LooksLikePng(bytes)) return &ReadPng;
-    if (LooksLikeBmp(bytes)) return &ReadBmp;
-    if (LooksLikePnm(bytes)) return &ReadPnm;
-    throw Failure("IImageVPAEx::CreateFromFile: unknown file format.", DISP_E_EXCEPTION);
+const FileFormat& FormatOfContent(std::span<const uint8_t> bytes) {
+    const auto start = bytes.first(std::min(bytes.size(), kLooksLikeBytes));
+    const FileFormat* format = FindFormat([&](const FileFormat& known) { return known.looksLike(start); });
+    if (!format) throw Failure("IImageVPAEx::CreateFromFile: unknown file format.", DISP_E_EXCEPTION);
+    return *format;
 }
 
 FileContent Load(WideStringView path, size_t maximum) {
@@ -41,42 +46,41 @@ bool EndsWith(WideStringView text, std::string_view lowerCase) {
                       [](OLECHAR c, char wanted) { return (c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c) == wanted; });
 }
 
-ImageFileFormat FormatOfName(WideStringView path) {
-    if (EndsWith(path, ".png")) return IFF_PNG;
-    if (EndsWith(path, ".pgm")) return IFF_PGM;
-    if (EndsWith(path, ".ppm")) return IFF_PPM;
-    return IFF_ByExtension;
+ImageFileFormat FormatOfPath(WideStringView path) {
+    const FileFormat* format = FindFormat(
+        [&](const FileFormat& known) { return !known.extension.empty() && EndsWith(path, known.extension); });
+    return format ? format->code : IFF_ByExtension;
+}
+
+bool Contains(std::span<const int32_t> values, int32_t value) {
+    return std::ranges::find(values, value) != values.end();
 }
 
 }  // namespace
 
 FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
-    return ReaderFor(bytes)(bytes, sink, limit);
+    return FormatOfContent(bytes).read(bytes, sink, limit);
 }
 
 FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const SampleLimit& limit) {
-    // A look at the start keeps a huge file that is no image from being read.
-    constexpr size_t kStart = 16;
-    ReaderFor(Load(path, kStart).bytes());
+    // A look at the start saves reading a huge file that is no image.
+    FormatOfContent(Load(path, kLooksLikeBytes).bytes());
     return ReadImageFile(Load(path, std::numeric_limits<size_t>::max()).bytes(), sink, limit);
 }
 
 std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties& properties, PixelSource& source) {
     if (properties.width <= 0 || properties.height <= 0) throw Failure("IImageFile::SaveToFile: no image.");
-    const bool grey = format == IFF_PGM || format == IFF_PlainPGM;
-    const bool colour = format == IFF_PPM || format == IFF_PlainPPM;
-    if (format != IFF_PNG && !grey && !colour) throw Failure("IImageFile::SaveToFile: unknown file format.");
-    if (properties.bits != 8 && properties.bits != 16)
+    const FileFormat* row = FindFormat([&](const FileFormat& known) { return known.code == format && known.write; });
+    if (!row) throw Failure("IImageFile::SaveToFile: unknown file format.");
+    if (!Contains(row->bits, properties.bits))
         throw Failure("IImageFile::SaveToFile: the format holds 8- and 16-bit images only.");
-    if (!(properties.bands == 1 && !colour) && !(properties.bands == 3 && !grey))
+    if (!Contains(row->bands, properties.bands))
         throw Failure("IImageFile::SaveToFile: the format does not hold this number of bands.");
-
-    if (format == IFF_PNG) return WritePng(properties, source);
-    return WritePnm(format == IFF_PlainPGM || format == IFF_PlainPPM, properties, source);
+    return row->write(properties, source);
 }
 
 void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source) {
-    if (format == IFF_ByExtension) format = FormatOfName(path);
+    if (format == IFF_ByExtension) format = FormatOfPath(path);
     if (!WriteWholeFile(path, WriteImageFile(format, properties, source)))
         throw Failure("IImageFile::SaveToFile: failed to write file.");
 }

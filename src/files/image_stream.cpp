@@ -53,7 +53,8 @@ void WithPixelType(LONG type, Function function) {
 
 // ------------------------------------------------------------------------------------------------------------- writing
 
-class Counter {
+// Counts the bytes that are put.
+class ByteCounter {
 public:
     void Put(const void*, size_t size) { size_ += size; }
     uint64_t size() const { return size_; }
@@ -62,9 +63,10 @@ private:
     uint64_t size_ = 0;
 };
 
-class Appender {
+// Collects the bytes that are put.
+class ByteAppender {
 public:
-    explicit Appender(std::vector<uint8_t>& bytes) : bytes_(bytes) {}
+    explicit ByteAppender(std::vector<uint8_t>& bytes) : bytes_(bytes) {}
     void Put(const void* data, size_t size) {
         const auto* const first = static_cast<const uint8_t*>(data);
         bytes_.insert(bytes_.end(), first, first + size);
@@ -368,15 +370,15 @@ void ReadEntries(Reader& reader, ImageProperties& properties) {
 StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings) {
     StreamBytes stream;
     stream.pixels = Compress({content.data, content.layout.totalSize});
-    Appender head(stream.head);
+    ByteAppender head(stream.head);
     PutHead(head, dataType, content, static_cast<uint32_t>(stream.pixels.bytes().size()));
-    Appender tail(stream.tail);
+    ByteAppender tail(stream.tail);
     PutTail(tail, dataType, content.properties, settings);
     return stream;
 }
 
 uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings) {
-    Counter counter;
+    ByteCounter counter;
     PutHead(counter, dataType, content, 0);
     PutTail(counter, dataType, content.properties, settings);
     return counter.size() + CompressionBuffer(content.layout.totalSize);

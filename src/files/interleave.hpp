@@ -1,10 +1,12 @@
 // Rows as PNG and raw PNM files store them.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "files/byte_order.hpp"
-#include "files/image_file.hpp"
+#include "files/file_types.hpp"
 
 namespace orlix {
 

@@ -1,7 +1,11 @@
 // Portable Network Graphics, see image_file.hpp.
 #pragma once
 
-#include "files/image_file.hpp"
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "files/file_types.hpp"
 
 namespace orlix {
 

@@ -1,10 +1,13 @@
 // Text chunks of PNG files.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
-#include "files/image_file.hpp"
+#include "files/file_types.hpp"
 
 namespace orlix::png {
 

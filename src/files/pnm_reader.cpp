@@ -30,6 +30,11 @@ constexpr bool IsBlank(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r');
 constexpr bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
 constexpr bool IsLineEnd(uint8_t c) { return c == '\n' || c == '\r'; }
 
+// "P" and the digit of the kind, followed by a blank or a comment.
+bool BeginsWith(std::span<const uint8_t> bytes, uint8_t kind) {
+    return bytes.size() >= 3 && bytes[0] == 'P' && bytes[1] == kind && (IsBlank(bytes[2]) || bytes[2] == '#');
+}
+
 constexpr uint32_t kLargestNumber = std::numeric_limits<int32_t>::max();
 constexpr uint32_t kTooLarge = kLargestNumber + 1;
 constexpr uint32_t kNoNumber = kLargestNumber + 2;
@@ -41,7 +46,7 @@ public:
     std::span<const uint8_t> Rest() const { return bytes_.subspan(position_); }
     bool AtEnd() const { return position_ == bytes_.size(); }
 
-    // A decimal number behind any separators; kTooLarge for all above 2^31 - 1; kNoNumber where there is none.
+    // Skips separators and reads a decimal number: kTooLarge above 2^31 - 1, kNoNumber if there is none.
     uint32_t Number() {
         SkipSeparators();
         if (AtEnd() || !IsDigit(bytes_[position_])) return kNoNumber;
@@ -51,7 +56,7 @@ public:
         return static_cast<uint32_t>(number);
     }
 
-    // Passes one blank, or a comment with the end of its line; false where there is neither.
+    // Skips one blank, or a comment with its line end; false if there is neither.
     bool OneSeparator() {
         if (!AtEnd() && bytes_[position_] == '#') SkipComment();
         if (AtEnd() || !IsBlank(bytes_[position_])) return false;
@@ -59,7 +64,7 @@ public:
         return true;
     }
 
-    // Where a number has ended: a separator or nothing may follow.
+    // Whether a number has ended properly: nothing but a separator or the end may follow.
     bool AtSeparator() const { return AtEnd() || IsBlank(bytes_[position_]) || bytes_[position_] == '#'; }
 
 private:
@@ -98,29 +103,29 @@ PnmHeader ReadHeader(std::span<const uint8_t> bytes, Scanner& scanner, const Pnm
     return header;
 }
 
-// Whether n samples of at least `bytesEach` bytes fit into `present` bytes; n = width * height * bands may reach 2^64.
+// Whether the samples, of at least `bytesEach` bytes each, fit into `present` bytes. Their number may reach 2^64.
 bool Fits(const FileProperties& properties, uint64_t bytesEach, uint64_t present) {
     const auto rowBytes = static_cast<uint64_t>(properties.width) * static_cast<uint64_t>(properties.bands) * bytesEach;
     return rowBytes <= present / static_cast<uint64_t>(properties.height);
 }
 
 template <class Sample>
-using Rows = std::array<Sample*, 3>;
+using BandRows = std::array<Sample*, 3>;
 
 template <class Sample>
-Rows<Sample> RowsOf(PixelSink& sink, int32_t bands, int32_t y) {
-    Rows<Sample> rows{};
+BandRows<Sample> RowsOf(PixelSink& sink, int32_t bands, int32_t y) {
+    BandRows<Sample> rows{};
     for (int32_t band = 0; band < bands; ++band)
         rows[static_cast<size_t>(band)] = static_cast<Sample*>(sink.Row(band, y));
     return rows;
 }
 
-// Samples are interleaved in the file, bands of them for each pixel. Returns the largest.
+// Copies a row whose samples are interleaved: kBands of them for each pixel. Returns the largest.
 template <class Sample, size_t kBands>
-uint32_t CopyRawRow(const uint8_t* in, size_t width, Rows<Sample> rows) {
+uint32_t CopyRawRow(const uint8_t* in, size_t width, BandRows<Sample> rows) {
     Sample largest = 0;
     for (size_t band = 0; band < kBands; ++band) {
-        Sample* const out = rows[band];  // in a register: a byte written through it might else be one of the pointers
+        Sample* const out = rows[band];  // a copy, because a byte written through rows[band] might change rows itself
         for (size_t x = 0; x < width; ++x) {
             const uint8_t* at = in + (x * kBands + band) * sizeof(Sample);
             const Sample value = sizeof(Sample) == 1 ? *at : static_cast<Sample>(BigEndian16(at));
@@ -164,11 +169,10 @@ void ReadPlain(Scanner& scanner, const PnmHeader& header, PixelSink& sink, const
 
 }  // namespace
 
-bool LooksLikePnm(std::span<const uint8_t> bytes) noexcept {
-    return bytes.size() >= 3 && bytes[0] == 'P' &&
-           (bytes[1] == '2' || bytes[1] == '3' || bytes[1] == '5' || bytes[1] == '6') &&
-           (IsBlank(bytes[2]) || bytes[2] == '#');
-}
+bool LooksLikePgm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(bytes, '5'); }
+bool LooksLikePpm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(bytes, '6'); }
+bool LooksLikePlainPgm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(bytes, '2'); }
+bool LooksLikePlainPpm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(bytes, '3'); }
 
 FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
     const PnmTexts& texts = bytes[1] == '3' || bytes[1] == '6' ? kPpmTexts : kPgmTexts;
@@ -182,7 +186,7 @@ FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const Sa
     };
 
     if (header.plain) {
-        // A digit and a separator for each, but the last needs no separator.
+        // A value takes a digit and a separator; the last one needs no separator.
         if (!Fits(header.properties, 2, uint64_t{values.size()} + 1)) Fail(texts.tooShort);
         begin();
         wide ? ReadPlain<uint16_t>(scanner, header, sink, texts) : ReadPlain<uint8_t>(scanner, header, sink, texts);

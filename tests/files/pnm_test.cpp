@@ -131,22 +131,6 @@ TEST(Pnm, PlainLinesHoldAtMostSeventyCharactersAndRowsStartOnNewOnes) {
     EXPECT_EQ("P2\n30 2\n65535\n" + full + full + last + full + full + last, std::string(file.begin(), file.end()));
 }
 
-TEST(Pnm, EveryImageComesBackAsItWas) {
-    for (const auto& [format, bands] : std::vector<std::pair<ImageFileFormat, int32_t>>{
-             {IFF_PGM, 1}, {IFF_PlainPGM, 1}, {IFF_PPM, 3}, {IFF_PlainPPM, 3}})
-        for (const int32_t bits : {8, 16})
-            for (const int32_t width : {1, 2, 17, 100})
-                for (const int32_t height : {1, 3}) {
-                    MemoryImage image(width, height, bands, bits), back;
-                    Noise noise(5);
-                    for (auto& byte : image.bytes) byte = static_cast<uint8_t>(noise());
-                    for (auto& word : image.words) word = static_cast<uint16_t>(noise());
-                    FleetingSource source(image);
-                    ASSERT_EQ("", FailureOfReading(WriteImageFile(format, image.properties, source), back));
-                    EXPECT_TRUE(back.SamePixels(image)) << format << " " << bits << " " << width << "x" << height;
-                }
-}
-
 TEST(Pnm, RawFilesAreWrittenByteForByte) {
     MemoryImage grey(2, 1, 1, 16);
     grey.words = {0x0102, 0xFFFE};

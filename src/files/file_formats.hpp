@@ -1,0 +1,35 @@
+// The table of file formats. A new format is a source file with its reader and writer, and a row here.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "files/file_types.hpp"
+
+namespace orlix {
+
+struct FileFormat {
+    std::string_view name;       // "PNG"
+    std::string_view extension;  // chosen for paths that end with it: lower case, with the dot; empty for none
+    ImageFileFormat code;        // chosen by clients
+
+    // From the first kLooksLikeBytes bytes of a file, or all of a shorter one. At most one format answers true.
+    bool (*looksLike)(std::span<const uint8_t> start) noexcept;
+    // Reads a file that looks like this format. See ReadImageFile() for failures.
+    FileProperties (*read)(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit);
+
+    // Writes an image with some rows and columns and with one of the following numbers of bands, and bits per sample.
+    // Null and empty for a format that is read only.
+    std::vector<uint8_t> (*write)(const FileProperties& properties, PixelSource& source);
+    std::span<const int32_t> bands;
+    std::span<const int32_t> bits;
+};
+
+constexpr size_t kLooksLikeBytes = 16;
+
+std::span<const FileFormat> FileFormats() noexcept;
+
+}  // namespace orlix
