@@ -11,8 +11,8 @@
 namespace orlix {
 namespace {
 
-constexpr size_t kFileHeader =
-    14;  // "BM", size of the file (often wrong, not used), 4 reserved bytes, start of the pixels
+// "BM", size of the file (often wrong, not used), 4 reserved bytes, start of the pixels.
+constexpr size_t kFileHeader = 14;
 constexpr uint32_t kCoreHeader = 12;  // OS/2 1.x: sizes of 16 bits, palette entries of 3 bytes
 constexpr uint32_t kInfoHeader = 40;  // longer headers begin with the same fields
 constexpr uint32_t kUncompressed = 0;
@@ -30,7 +30,7 @@ struct BmpLayout {
     Palette palette;
 };
 
-// What an image without a palette means: the indices are the levels.
+// For an image without a palette: its indices are the grey levels.
 Palette GreyRamp() {
     Palette ramp;
     ramp.count = 256;
@@ -39,7 +39,7 @@ Palette GreyRamp() {
     return ramp;
 }
 
-// The palette lies between the header and the pixels; a writer may leave entries out at its end. Stored blue first.
+// The palette lies between the header and the pixels. Entries are stored blue first; writers may omit the last ones.
 Palette ReadPalette(std::span<const uint8_t> bytes, size_t entry, uint32_t declared) {
     const size_t present = std::min<size_t>({bytes.size() / entry, declared == 0 ? 256 : declared, 256});
     if (present == 0) return GreyRamp();
@@ -95,7 +95,7 @@ BmpLayout ReadLayout(std::span<const uint8_t> bytes) {
     layout.pixels = LittleEndian32(bytes.data() + 10);
     const size_t paletteStart = kFileHeader + headerSize;
     if (layout.pixels < paletteStart) BadHeader();
-    // The last row may lack its padding. Below 2^31 rows of at most 2^31 bytes: no overflow.
+    // The last row may lack its padding. Fewer than 2^31 rows of at most 2^31 bytes do not overflow.
     if (layout.pixels + layout.stride * static_cast<uint64_t>(height - 1) + static_cast<uint64_t>(width) > bytes.size())
         throw Failure("IImageVPAEx::CreateFromBmp: the file is too short for its image.", DISP_E_EXCEPTION);
     layout.palette = ReadPalette(bytes.subspan(paletteStart, static_cast<size_t>(layout.pixels) - paletteStart),

@@ -10,8 +10,8 @@ namespace orlix {
 
 bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept;
 
-// Failures, in the order in which they are looked for:
-//   "IImageVPAEx::CreateFromBmp: problems reading bmp header": cut off, an unknown header, no width or height
+// Failures, in the order of the checks:
+//   "IImageVPAEx::CreateFromBmp: problems reading bmp header": truncated, an unknown header, no width or height
 //   "IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported."
 //   "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported."
 //   "IImageVPAEx::CreateFromBmp: the file is too short for its image."

@@ -1,4 +1,4 @@
-// Numbers as files store them, at any address.
+// Numbers in the byte order of a file, at addresses of any alignment.
 #pragma once
 
 #include <cstdint>

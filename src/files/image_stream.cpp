@@ -14,16 +14,16 @@ namespace orlix {
 namespace {
 
 static_assert(std::endian::native == std::endian::little && std::numeric_limits<double>::is_iec559,
-              "numbers are copied as they lie in memory");
+              "numbers are copied as they are in memory");
 
 constexpr uint32_t kOuterMagic = 0x6F6C6571;  // "qelo"
 constexpr uint32_t kInnerMagic = 0x61626D69;  // "imba"
 constexpr double kOuterVersion = 1.0;
 constexpr double kRecordVersion = 1.3;
 constexpr double kEntryVersion = 1.0;
-constexpr uint32_t kLargestCount = 0x7FFFFFFF;  // clients count in long
+constexpr uint32_t kLargestCount = 0x7FFFFFFF;  // clients count in LONG
 constexpr uint32_t kLargestSize = 0xFFFFFFFF;
-constexpr size_t kFirstStep = size_t{1} << 16;  // bytes read on trust
+constexpr size_t kFirstStep = size_t{1} << 16;  // bytes allocated before any have arrived
 
 constexpr WideStringView kMicronsKeyword = OLESTR("MicronsPerPixel");
 constexpr size_t kMicronsSize = 2 * sizeof(double);
@@ -161,12 +161,12 @@ void PutTail(Output& output, LONG type, const ImageProperties& properties, const
 // ceil(1.001 size) + 12
 constexpr uint64_t CompressionBuffer(uint64_t size) { return size + (size + 999) / 1000 + 12; }
 
-// What zlib's compress() gives; that takes its memory elsewhere. Returns the bytes written.
+// Gives the bytes of zlib's compress(), which would not take its memory from operator new. Returns the bytes written.
 size_t Deflate(std::span<const uint8_t> bytes, std::span<uint8_t> room) {
     constexpr size_t kLargestStep = size_t{1} << 30;  // zlib counts in unsigned int
     z_stream stream = NewZlibStream();
     if (::deflateInit(&stream, Z_DEFAULT_COMPRESSION) != Z_OK) throw std::bad_alloc();
-    stream.next_in = const_cast<Bytef*>(bytes.data());  // not written: the interface is older than const
+    stream.next_in = const_cast<Bytef*>(bytes.data());  // zlib only reads; its interface is older than const
     stream.next_out = room.data();
     int state = Z_OK;
     do {
@@ -199,7 +199,7 @@ class Reader {
 public:
     explicit Reader(ByteSource& source) : source_(source) {}
 
-    // How many bytes there were: fewer than asked for only at the end.
+    // Returns the number of bytes read, which is less than `size` only at the end.
     size_t Some(void* data, size_t size) {
         size_t done = 0;
         while (done < size) {
@@ -250,7 +250,7 @@ private:
     ByteSource& source_;
 };
 
-// The geometry, with all that follows from it.
+// The geometry. Checks all sizes that follow from it.
 ImageLayout ReadLayout(Reader& reader, LONG type, const SampleLimit& limit) {
     const auto bands = reader.Number<int32_t>();
     const auto width = reader.Number<int32_t>();
@@ -260,7 +260,7 @@ ImageLayout ReadLayout(Reader& reader, LONG type, const SampleLimit& limit) {
     const auto totalSize = reader.Number<uint32_t>();
     const auto entries = reader.Number<uint32_t>();
     if (bands <= 0 || width <= 0 || height <= 0) Damaged();
-    // Divided rather than multiplied: a geometry that no memory holds is damage too, not a lack of memory.
+    // Division avoids overflow: a geometry beyond all memory counts as damage, not as a lack of memory.
     const uint64_t stride = (uint64_t{static_cast<uint32_t>(width)} * bytesPerSample + 3) / 4 * 4;
     if (bytesPerSample != static_cast<uint32_t>(BytesPerSample(type)) || rowStride != stride ||
         totalSize % stride != 0 || totalSize / stride % static_cast<uint32_t>(height) != 0 ||
@@ -292,7 +292,7 @@ ImageContent ReadPixels(Reader& reader, const ImageLayout& layout, LONG type) {
     const auto compressedSize = reader.Number<uint32_t>();
     if (compressedSize > CompressionBuffer(layout.totalSize) || layout.totalSize > kLargestExpansion * compressedSize)
         Damaged();
-    // When so many bytes have arrived that they can be all pixels, these are allocated; the rest goes through a buffer.
+    // Pixels are allocated once enough bytes have arrived to hold them all; the other bytes pass through a buffer.
     const size_t first = static_cast<size_t>((layout.totalSize + kLargestExpansion - 1) / kLargestExpansion);
     std::vector<uint8_t> buffer = reader.Elements<std::vector<uint8_t>>(first);
     ImageContent content =
@@ -335,7 +335,7 @@ StreamSettings ReadSettings(Reader& reader, LONG type, int32_t bands) {
     return settings;
 }
 
-// Whether the entry is the size of a pixel, which is then taken.
+// If the entry is the size of a pixel, stores it and returns true.
 bool TakeMicrons(const BinaryEntry& entry, ImageProperties& properties) {
     if (entry.keyword != kMicronsKeyword || entry.bytes.size() != kMicronsSize) return false;
     double microns[2];

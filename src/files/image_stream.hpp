@@ -1,13 +1,13 @@
-// The stream form of an image: everything needed to rebuild it exactly. Numbers are little-endian, of 4 bytes where
-// nothing else is said; doubles are IEEE 754; a string is the number of its UTF-16 units, then the units.
+// The stream form of an image: everything needed to rebuild it exactly. Numbers are little-endian and have 4 bytes
+// unless stated otherwise. Doubles are IEEE 754. A string is the number of its UTF-16 units, then the units.
 //
 //   header   "qelo", double 1.0, pixel type code
 //   record   "imba", double 1.3
 //            coordinate map: OrgX OrgY A11 A12 A21 A22 (doubles)
 //            bands, width, height, bytes per sample, row stride, size of the pixels (bands * height * stride)
 //            N = max(width, height) + 400, then the offset table with its margins: N times XEntry, YEntry
-//            L, then L bytes: the pixels as they lie in memory, padding included, as one zlib stream
-//            description (none and empty are both length 0, which is read as none)
+//            L, then L bytes: the pixels as in memory, padding included, as one zlib stream
+//            description (length 0 for none and for an empty one; read as none)
 //            luminance range: lower, upper, one sample each
 //            band to process, number of bins
 //            display range: lower, upper, one sample each
@@ -15,7 +15,7 @@
 //            T, then T text entries: double 1.0, keyword, text
 //            Z, then Z binary entries: double 1.0, keyword, number of bytes, bytes
 //
-// The size of a pixel in microns, where it is known, is the first binary entry: keyword "MicronsPerPixel", 16 bytes: x
+// If the size of a pixel is known, the first binary entry holds it in microns: keyword "MicronsPerPixel", 16 bytes, x
 // and y as doubles.
 #pragma once
 
@@ -33,8 +33,8 @@
 
 namespace orlix {
 
-// What a stream keeps of an image beside its content. Ranges are values of the pixel type. A reader gives a band to
-// process and a band to display that exist or are BI_AllBands, and a number of bins that the pixel type allows.
+// The settings of an image in a stream. Ranges are values of the pixel type. From a reader, the band to process and the
+// band to display exist or are BI_AllBands, and the pixel type allows the number of bins.
 struct StreamSettings {
     double luminanceLower = 0;
     double luminanceUpper = 0;
@@ -49,7 +49,7 @@ struct StreamSettings {
 
 // ------------------------------------------------------------------------------------------------------------- writing
 
-// A stream in the pieces in which it is to be written. Nothing in them refers to the image any more.
+// A stream in the pieces in which it is written. They are copies: nothing in them refers to the image.
 struct StreamBytes {
     std::vector<uint8_t> head;  // up to and including L
     FileContent pixels;
@@ -58,12 +58,12 @@ struct StreamBytes {
     std::array<std::span<const uint8_t>, 3> pieces() const { return {head, pixels.bytes(), tail}; }
 };
 
-// The content has pixels that may be read. "IPersistStreamInit::Save: the image is too large for a stream." where its
-// pixels, compressed or not, take 2^32 bytes or more.
+// The pixels of the content must be readable. "IPersistStreamInit::Save: the image is too large for a stream." if they
+// take 2^32 bytes or more, compressed or not.
 StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings);
 
-// At least what WriteImageStream() gives; only the compressed pixels can be smaller than counted here, whose buffer has
-// ceil(1.001 size) + 12 bytes.
+// An upper bound of the size of WriteImageStream()'s stream: exact but for the compressed pixels, which count with the
+// size of their buffer, ceil(1.001 size) + 12 bytes.
 uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings);
 
 // ------------------------------------------------------------------------------------------------------------- reading
@@ -71,7 +71,8 @@ uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const St
 class ByteSource {
 public:
     virtual ~ByteSource() = default;
-    // The next bytes, at least one and at most `size` of them; 0 at the end. Throws what the caller is to get.
+    // Reads at least one and at most `size` bytes and returns their number; 0 at the end. Exceptions reach the caller
+    // of ReadImageStream().
     virtual size_t Read(uint8_t* bytes, size_t size) = 0;
 };
 
@@ -81,10 +82,10 @@ struct StreamImage {
     StreamSettings settings;
 };
 
-// Reads up to the end of the record, and no byte beyond it. No number of the stream is believed: memory grows with what
-// has arrived (twice as much at most, and 64 KiB), pixels are allocated when so many compressed bytes have arrived that
-// they can be that many, sizes that follow from others must be equal to what they follow from, and the table must be
-// that of the geometry (entries without meaning are not looked at). Failures:
+// Reads up to the end of the record and no byte beyond it. No number of the stream is trusted. Memory grows with the
+// bytes that have arrived: at most twice as much, plus 64 KiB. Pixels are allocated once enough compressed bytes have
+// arrived to hold them. Sizes that follow from others must agree with them, and the table must be that of the geometry
+// (entries without meaning are ignored). Failures:
 //   "IPersistStreamInit::Load: not an image stream."               the first four bytes
 //   "IPersistStreamInit::Load: version compatibility problems."    of the header, the record or an entry
 //   FailedResult(E_FAIL)                                           a type that OrlixImage does not create, or no "imba"

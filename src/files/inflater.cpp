@@ -6,7 +6,7 @@
 namespace orlix {
 namespace {
 
-// zlib counts in unsigned int, which has 32 bits everywhere.
+// zlib counts in unsigned int, which has 32 bits on all platforms.
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 
 }  // namespace
@@ -15,8 +15,8 @@ Inflater::Inflater(std::span<const std::span<const uint8_t>> pieces) : pieces_(p
     if (::inflateInit(&stream_) != Z_OK) throw std::bad_alloc();
 }
 
-// Decompresses as far as the input at hand and the room in the output go. Without input there may still be output, of a
-// match that did not fit before; when there is neither, zlib says Z_BUF_ERROR: the stream is cut off.
+// Decompresses until the input at hand is used up or the output is full. Without input there may still be output, from
+// a match that did not fit before. If there is neither, zlib returns Z_BUF_ERROR: the stream is truncated.
 void Inflater::Step() {
     while (stream_.avail_in == 0 && !(piece_.empty() && pieces_.empty())) {
         if (piece_.empty()) {
@@ -24,7 +24,7 @@ void Inflater::Step() {
             pieces_ = pieces_.subspan(1);
         }
         const size_t step = std::min(piece_.size(), kLargestTransfer);
-        stream_.next_in = const_cast<Bytef*>(piece_.data());  // not written: the interface is older than const
+        stream_.next_in = const_cast<Bytef*>(piece_.data());  // zlib only reads; its interface is older than const
         stream_.avail_in = static_cast<uInt>(step);
         piece_ = piece_.subspan(step);
     }

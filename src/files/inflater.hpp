@@ -1,4 +1,4 @@
-// Decompression of a zlib stream that lies in several pieces.
+// Decompression of a zlib stream that comes in several pieces.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace orlix {
 
-// A deflate stream of n bytes holds at most this times n: a match of 258 bytes takes two bits.
+// Largest ratio of decompressed to compressed bytes: a match of 258 bytes takes two bits.
 constexpr uint64_t kLargestExpansion = 1032;
 
 class Inflater {
@@ -21,16 +21,16 @@ public:
     Inflater& operator=(const Inflater&) = delete;
     ~Inflater() { ::inflateEnd(&stream_); }
 
-    // More of the stream, once what there was is used up; it must stay until it is used up too.
+    // Adds a piece of the stream, once the previous ones are used up. It must stay valid until it is used up too.
     void Feed(std::span<const uint8_t> piece) {
         piece_ = piece;
         if (state_ == Z_BUF_ERROR) state_ = Z_OK;
     }
 
-    // Fills the output and returns its size, or less where the stream ends, is damaged or wants to be fed.
+    // Fills the output and returns its size, or less if the stream ends, is damaged or needs another piece.
     size_t Read(std::span<uint8_t> output);
 
-    // Whether the stream ends here, with the right checksum. What lies behind its end is not looked at.
+    // Whether the stream ends here, with the right checksum. Bytes behind its end are ignored.
     bool AtEnd();
 
     // Whether no byte of the pieces is left.
@@ -41,11 +41,11 @@ private:
 
     z_stream stream_ = NewZlibStream();
     std::span<const std::span<const uint8_t>> pieces_;
-    std::span<const uint8_t> piece_;  // what zlib has not been given yet of the current piece
-    int state_ = Z_OK;                // anything else: the end, or damage
+    std::span<const uint8_t> piece_;  // the part of the current piece that zlib has not been given yet
+    int state_ = Z_OK;                // anything else means the end, or damage
 };
 
-// Decompresses a whole stream; false where it is damaged or holds more than `maximum` bytes.
+// Decompresses a whole stream; false if it is damaged or holds more than `maximum` bytes.
 bool InflateWhole(std::span<const uint8_t> compressed, size_t maximum, std::vector<uint8_t>& output);
 
 }  // namespace orlix

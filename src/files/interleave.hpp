@@ -1,4 +1,4 @@
-// Rows as PNG and raw PNM files store them.
+// Rows in the form in which PNG and raw PNM files store them.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ constexpr size_t PixelBytes(const FileProperties& properties) {
     return static_cast<size_t>(properties.bands) * SampleBytes(properties);
 }
 
-// The samples of each pixel one after the other, 16 bits big-endian: width * PixelBytes() bytes.
+// Writes width * PixelBytes() bytes: the samples pixel by pixel, 16-bit ones big-endian.
 inline void InterleaveRow(PixelSource& source, const FileProperties& properties, int32_t y, uint8_t* out) {
     const auto width = static_cast<size_t>(properties.width);
     const size_t step = PixelBytes(properties);

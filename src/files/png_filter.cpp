@@ -15,8 +15,8 @@ void UndoUp(uint8_t* row, const uint8_t* above, size_t size) {
     for (size_t i = 0; i < size; ++i) row[i] = static_cast<uint8_t>(row[i] + above[i]);
 }
 
-// Filters that wait for the byte at the left. kPixel as a constant keeps the chain's neighbours in registers.
-// Prediction: (left, above, aboveLeft) -> byte.
+// Undoes a filter whose prediction needs the byte on the left. With kPixel as a constant the neighbours stay in
+// registers. Prediction: (left, above, aboveLeft) -> byte.
 template <size_t kPixel, class Prediction>
 void UndoChain(uint8_t* row, const uint8_t* above, size_t size, Prediction prediction) {
     uint8_t left[kPixel] = {}, aboveLeft[kPixel] = {};
@@ -47,7 +47,7 @@ void Undo(uint8_t* row, const uint8_t* above, size_t size, size_t pixel, Predict
     }
 }
 
-// The difference of a byte to its prediction; adds its size to the sum.
+// The difference of a byte from its prediction. Adds its absolute value to the sum.
 uint8_t Difference(uint8_t byte, uint8_t prediction, uint64_t& sum) {
     const auto difference = static_cast<uint8_t>(byte - prediction);
     sum += difference < 128 ? difference : 256u - difference;

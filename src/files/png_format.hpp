@@ -1,4 +1,4 @@
-// Constants of the PNG format that reader and writer share.
+// Constants of the PNG format, for reader and writer.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ constexpr uint32_t kText = ChunkType("tEXt");
 constexpr uint32_t kCompressedText = ChunkType("zTXt");
 constexpr uint32_t kInternationalText = ChunkType("iTXt");
 
-// The first letter is small: a reader may skip the chunk.
+// A small first letter marks chunks that a reader may skip.
 constexpr bool IsOptional(uint32_t type) { return (type >> 24 & 0x20) != 0; }
 
 constexpr size_t kHeaderSize = 13;    // width, height, depth, colour type, compression, filter method, interlace

@@ -34,7 +34,7 @@ struct PngHeader {
     uint8_t colourType = kGrey;
     bool interlaced = false;
 
-    // Of a pixel as stored; an index counts as one.
+    // Samples of a stored pixel; an index counts as one.
     int32_t Samples() const {
         switch (colourType) {
             case kColour:
@@ -55,7 +55,7 @@ struct PngHeader {
 struct PngFile {
     PngHeader header;
     Palette palette;
-    std::vector<std::span<const uint8_t>> pixels;  // the compressed stream, in pieces
+    std::vector<std::span<const uint8_t>> pixels;  // the pieces of the compressed stream
     uint64_t compressedSize = 0;
     double micronsX = 0.0, micronsY = 0.0;
     std::vector<FileText> texts;
@@ -117,7 +117,7 @@ struct Chunk {
     std::span<const uint8_t> data;
 };
 
-// Takes the next chunk off the front.
+// Removes the first chunk from `bytes`.
 Chunk TakeChunk(std::span<const uint8_t>& bytes) {
     if (bytes.size() < kChunkFrame) Fail("IImageVPAEx::CreateFromPng: the file is truncated.");
     const size_t length = BigEndian32(bytes.data());
@@ -194,7 +194,8 @@ std::span<const Pass> PassesOf(const PngHeader& header) {
     return kWholeImage;
 }
 
-// Every row is stored behind a byte that names its filter. Compared by division: the product may reach 2^65.
+// Every row is stored behind a byte that names its filter. Sizes are compared by division, because the product may
+// reach 2^65.
 void RequireEnoughBytes(const PngFile& file) {
     const uint64_t most = file.compressedSize * kLargestExpansion;
     uint64_t total = 0;
@@ -208,11 +209,10 @@ void RequireEnoughBytes(const PngFile& file) {
     }
 }
 
-// Decompresses and unfilters all rows, calling row(pass, y in the image, pixels of the row, bytes). The bytes may be
-// changed.
+// Decompresses and unfilters all rows, and calls row(pass, y in the image, pixels of the row, bytes) for each.
 template <class RowFunction>
 void DecodeRows(const PngFile& file, RowFunction&& row) {
-    // Rows are decompressed many at a time, which is faster, into a block that stays in the cache.
+    // Decompressing many rows at a time is faster; the block is small enough to stay in the cache.
     constexpr uint64_t kBlock = 128 * 1024;
     const uint64_t longest = 1 + file.header.RowBytes(file.header.width);
     const uint64_t blockRows = std::max<uint64_t>(1, kBlock / longest);
@@ -225,7 +225,7 @@ void DecodeRows(const PngFile& file, RowFunction&& row) {
         const uint32_t width = pass.Width(file.header), height = pass.Height(file.header);
         if (width == 0 || height == 0) continue;
         const auto rowBytes = static_cast<size_t>(file.header.RowBytes(width));
-        uint8_t* const above = memory.get();  // the last row of the block before
+        uint8_t* const above = memory.get();  // the last row of the previous block
         uint8_t* const block = above + rowBytes;
         std::memset(above, 0, rowBytes);
         for (uint32_t done = 0; done < height;) {
@@ -248,13 +248,13 @@ void DecodeRows(const PngFile& file, RowFunction&& row) {
 
 // ------------------------------------------------------------------------------------------------------------- samples
 
-// Pixel x of a row whose samples have depth bits, at most 8, the first in the high bits.
+// Pixel x of a row with samples of `depth` bits, at most 8. The first sample of a byte is in its high bits.
 uint8_t IndexAt(const uint8_t* bytes, size_t x, uint8_t depth) {
     const uint64_t bit = uint64_t{x} * depth;
     return static_cast<uint8_t>(bytes[bit / 8] >> (8 - depth - bit % 8) & ((1u << depth) - 1));
 }
 
-// What each byte stands for: the levels of its kPixels pixels.
+// The levels of the kPixels pixels of each possible byte.
 template <size_t kPixels>
 class ByteLevels {
 public:
@@ -265,7 +265,7 @@ public:
         }
     }
 
-    // The levels of a row go to out[0], out[step], ...
+    // Writes the levels of a row to out[0], out[step], ...
     void Apply(const uint8_t* bytes, size_t width, uint8_t* out, size_t step) const {
         if (step == 1)
             for (; width >= kPixels; width -= kPixels, out += kPixels)
@@ -285,7 +285,7 @@ Sample SampleAt(const uint8_t* bytes) {
         return BigEndian16(bytes);
 }
 
-// The first kBands of every kSamples samples go into the rows, at x0, x0 + dx, ...
+// Writes the first kBands of every kSamples samples into the rows, at x0, x0 + dx, ...
 template <class Sample, size_t kSamples, size_t kBands>
 void Separate(const uint8_t* bytes, uint32_t width, const Pass& pass, const std::array<void*, 3>& rows) {
     std::array<Sample*, kBands> out;
@@ -340,7 +340,7 @@ void ReadPacked(const PngFile& file, const Palette& palette, int32_t bands, Pixe
     });
 }
 
-// Indices through a palette whose entries cover all of them.
+// Reads pixels that are indices of a palette. The palette has an entry for each.
 void ReadIndices(const PngFile& file, const Palette& palette, int32_t bands, PixelSink& sink) {
     switch (file.header.depth) {
         case 1:
@@ -354,7 +354,7 @@ void ReadIndices(const PngFile& file, const Palette& palette, int32_t bands, Pix
     }
 }
 
-// Grey of fewer than 8 bits as indices of a palette, which scales it to 0..255.
+// The palette that scales grey of fewer than 8 bits to 0..255.
 Palette GreyLevels(uint8_t depth) {
     Palette levels;
     levels.count = 1 << depth;
@@ -363,7 +363,7 @@ Palette GreyLevels(uint8_t depth) {
     return levels;
 }
 
-// Whole bytes are marked while decoding, and looked into at the end.
+// Decoding marks whole bytes; the pixels inside them are looked up at the end.
 UsedIndices FindUsed(const PngFile& file) {
     const uint8_t depth = file.header.depth;
     const uint32_t perByte = 8u / depth;
@@ -400,7 +400,8 @@ FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const Sa
     properties.bands = file.header.HasColour() ? 3 : 1;
     RequireWithin(limit, properties.width, properties.height, properties.bands);
     if (file.header.colourType == kIndexed) {
-        // Decoded once more, for the number of bands depends on the entries in use. Files with palettes are small.
+        // The number of bands depends on the entries in use, so the pixels are decoded twice. Files with palettes are
+        // small.
         const UsedIndices used = FindUsed(file);
         if (!Covers(file.palette, used)) Fail("IImageVPAEx::CreateFromPng: a pixel is outside the palette.");
         properties.bands = IsGrey(file.palette, used) ? 1 : 3;

@@ -13,7 +13,7 @@ constexpr size_t kLargestText = size_t{1} << 20;
 
 using Bytes = std::span<const uint8_t>;
 
-// Takes the bytes up to the next 0 off the front, and the 0; nothing where there is none.
+// Removes the first string and its terminating 0 from `data`; nullopt without such a 0.
 std::optional<Bytes> TakeString(Bytes& data) {
     const auto zero = std::find(data.begin(), data.end(), uint8_t{0});
     if (zero == data.end()) return std::nullopt;
@@ -36,7 +36,7 @@ bool Decompress(Bytes compressed, size_t& budget, std::vector<uint8_t>& text) {
     return whole;
 }
 
-// A text that a PNG file may hold in Latin-1.
+// Whether a PNG file may hold the text in Latin-1.
 bool IsPlain(WideStringView text) {
     return std::all_of(text.begin(), text.end(),
                        [](OLECHAR c) { return c == '\n' || (c >= 32 && c < 127) || (c >= 160 && c < 256); });
@@ -57,7 +57,7 @@ std::optional<FileText> ReadText(uint32_t type, Bytes data, size_t& budget) {
         compressed = *flag == 1;
     }
     if (type != kText) {
-        const auto method = TakeByte(data);  // of compression; it means nothing where there is none
+        const auto method = TakeByte(data);  // of compression; without meaning if the text is not compressed
         if (!method || (compressed && *method != 0)) return std::nullopt;
     }
     if (type == kInternationalText && (!TakeString(data) || !TakeString(data)))  // language, translated keyword

@@ -11,11 +11,11 @@
 
 namespace orlix::png {
 
-// Decompressed bytes that the texts of one file may take together.
+// Limit of the decompressed bytes of all texts of a file.
 constexpr size_t kTextBudget = size_t{16} << 20;
 
-// The entry that a text chunk holds, nothing where the chunk is to be skipped. What decompression yields is taken from
-// the budget, whatever becomes of it.
+// The entry of a text chunk, or nullopt if the chunk has to be skipped. Decompressed bytes are taken from the budget
+// even if the text is then refused.
 std::optional<FileText> ReadText(uint32_t type, std::span<const uint8_t> data, size_t& budget);
 
 struct TextChunk {
@@ -23,8 +23,8 @@ struct TextChunk {
     std::string data;
 };
 
-// The chunk for an entry: tEXt for printable Latin-1 with line feeds, else iTXt; nothing for an entry that cannot be
-// kept.
+// The chunk of an entry: tEXt for printable Latin-1 and line feeds, iTXt for everything else. nullopt for an entry that
+// is not kept: an empty text, or a keyword that IsFileKeyword() refuses.
 std::optional<TextChunk> WriteText(const FileText& entry);
 
 }  // namespace orlix::png

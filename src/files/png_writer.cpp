@@ -39,7 +39,7 @@ void AppendHeader(std::vector<uint8_t>& bytes, const FileProperties& properties)
     AppendChunk(bytes, kHeader, data);
 }
 
-// Whole pixels per metre, 0 where that is not a number the format holds.
+// Whole pixels per metre, or 0 if the format cannot hold the number.
 uint32_t PerMetre(double microns) {
     const double pixels = std::floor(1e6 / microns + 0.5);
     return microns > 0 && pixels >= 1 && pixels <= kLargestNumber ? static_cast<uint32_t>(pixels) : 0;
@@ -55,7 +55,7 @@ void AppendPixelSize(std::vector<uint8_t>& bytes, const FileProperties& properti
     AppendChunk(bytes, kPixelSize, data);
 }
 
-// A compressed stream, cut into pixel chunks.
+// Writes a compressed stream as a sequence of pixel chunks.
 class Compressor {
 public:
     Compressor(std::vector<uint8_t>& bytes, int level, int strategy) : bytes_(bytes), buffer_(kPiece) {
@@ -103,17 +103,17 @@ private:
     z_stream stream_ = NewZlibStream();
 };
 
-// How rows are filtered and compressed. Measured on micrographs: with the best filter for each row, noise leaves
-// nothing but runs to be matched, and looking for longer matches makes the file larger and takes five times as long.
-// Label images and drawings repeat themselves, which filters hide. Some height maps use few of their levels: one filter
-// for all rows keeps what they repeat.
+// How rows are filtered and compressed. Measured on micrographs: once each row has its best filter, the remaining noise
+// holds runs but no longer matches; a search for these takes five times as long and makes the file larger. Label images
+// and drawings repeat patterns that filters hide. Some height maps use few of their levels; a single filter for all
+// rows keeps their repetitions.
 struct Method {
     int filter;  // one for all rows, or kBestFilter
     int level, strategy;
 };
 constexpr int kBestFilter = -1;
-// The faster ones first: a slower one has to save 3 %. Pictures with colours drawn over grey save 1 to 4 % in three
-// times the time, label images up to a third.
+// Faster methods first; a slower one must save 3 %. Grey pictures with coloured overlays save 1 to 4 % in three times
+// the time, label images up to a third.
 constexpr Method kMethods[] = {
     {kBestFilter, 6, Z_RLE},        {kNone, 3, Z_DEFAULT_STRATEGY}, {kUp, 3, Z_DEFAULT_STRATEGY},
     {kNone, 6, Z_DEFAULT_STRATEGY}, {kUp, 6, Z_DEFAULT_STRATEGY},
@@ -132,7 +132,7 @@ public:
 
     size_t StoredRowBytes() const { return 1 + rowBytes_; }
 
-    // The rows [first, end) as one stream.
+    // Appends the rows [first, end) as one stream.
     void Write(int32_t first, int32_t end, const Method& method, std::vector<uint8_t>& bytes) {
         Compressor compressor(bytes, method.level, method.strategy);
         std::fill(above_.begin(), above_.end(), uint8_t{0});
@@ -165,11 +165,11 @@ private:
     PixelSource& source_;
     size_t pixelBytes_;
     size_t rowBytes_ = 0;
-    std::vector<uint8_t> above_, row_;   // as the format stores them, not filtered
-    std::vector<uint8_t> best_, trial_;  // behind the byte that names the filter
+    std::vector<uint8_t> above_, row_;   // unfiltered, in the format's order
+    std::vector<uint8_t> best_, trial_;  // filtered, behind the byte that names the filter
 };
 
-// By the method that makes the least of a strip of rows in the middle, or nearly the least in less time.
+// Appends the pixels by the method that makes a strip of rows in the middle smallest, or nearly so in less time.
 void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties, PixelSource& source) {
     constexpr size_t kStrip = 64 * 1024;
     RowWriter rows(properties, source);

@@ -1,4 +1,4 @@
-// zlib's state comes from operator new, as all other memory of the library does.
+// zlib's memory comes from operator new, like all other memory of the library.
 #pragma once
 
 #include <zlib.h>
@@ -13,7 +13,7 @@ inline void* AllocateForZlib(void*, uInt items, uInt size) {
 }
 inline void FreeForZlib(void*, void* memory) { ::operator delete(memory); }
 
-// To be initialised by one of zlib's functions.
+// A stream that one of zlib's functions still has to initialise.
 inline z_stream NewZlibStream() {
     z_stream stream = {};
     stream.zalloc = &AllocateForZlib;
