@@ -21,7 +21,7 @@ namespace tool {
 
 namespace {
 
-// The path's last parts, joined; all of it when it has no more.
+// The last parts of the path, joined; the whole path if it has no more parts.
 std::string LastParts(const std::filesystem::path& path, size_t count) {
     std::filesystem::path out = path.filename(), rest = path.parent_path();
     for (size_t i = 1; i < count && rest.has_relative_path(); ++i) {
@@ -31,7 +31,7 @@ std::string LastParts(const std::filesystem::path& path, size_t count) {
     return Utf8(count > 1 && !rest.has_relative_path() && rest.has_root_path() ? rest / out : out);
 }
 
-// Names that the file system may take for the same have the same key.
+// Names that a file system may treat as one name have the same key.
 std::string NameKey(const std::string& name) {
 #ifdef _WIN32
     std::wstring wide = Path(name).wstring();

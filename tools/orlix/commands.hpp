@@ -1,4 +1,4 @@
-// The commands of the program. Each adds itself to the parser and runs when it was named.
+// The commands of the program. Each adds itself to the parser, and runs if the command line names it.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@ class App;
 
 namespace tool {
 
-// Returns the program's exit code; may throw UsageError, orlix::Error or std::exception, which the caller reports.
+// Returns the program's exit code. May throw UsageError, orlix::Error or std::exception; the caller reports them.
 using Command = std::function<int()>;
 
 Command AddMeasure(CLI::App& program);

@@ -76,7 +76,7 @@ std::filesystem::path Path(std::string_view utf8) {
 #ifdef _WIN32
     return std::filesystem::path(orlix::ToUtf16(utf8));
 #else
-    return std::filesystem::path(utf8);  // the system's names are bytes: kept, whatever they mean
+    return std::filesystem::path(utf8);  // file names are bytes here and need not be UTF-8
 #endif
 }
 
@@ -132,14 +132,14 @@ std::string WhyNotWritten(const std::filesystem::path& path) {
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (std::filesystem::is_directory(status)) return "a folder has that name";
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) return "not a regular file";
-    // Only trying tells what access lists, quotas and read-only systems allow. Old content stays.
+    // Only an attempt shows what access lists, quotas and read-only systems allow. It keeps the old content.
     const bool existed = std::filesystem::exists(status);
     errno = 0;
     if (!std::ofstream(path, std::ios::binary | std::ios::app)) return Reason({errno, std::generic_category()});
     if (!existed) {
         std::filesystem::remove(path, error);
     } else {
-        // The library replaces a file by a new one beside it.
+        // The library writes a new file next to the old one, then replaces that.
         std::filesystem::path beside = path;
         beside += ".orlix.tmp";
         errno = 0;

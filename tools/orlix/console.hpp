@@ -1,4 +1,4 @@
-// The world outside: arguments, files, the terminal. Text is UTF-8 throughout, file names too, on every platform.
+// Arguments, files and the terminal. All text is UTF-8 on every platform, file names included.
 #pragma once
 
 #include <filesystem>
@@ -11,50 +11,50 @@ namespace tool {
 
 enum ExitCode {
     kDone = 0,
-    kFailed = 1,        // a file could not be read, measured or written; the others of the batch were
+    kFailed = 1,        // a file could not be read, measured or written; the other files of the batch were
     kUsage = 2,         // the command line is wrong; nothing was done
     kNoModule = 3,      // the library's objects cannot be created
-    kInterrupted = 130  // stopped by Ctrl-C or its like; where the system can say so, the process ends by that signal
+    kInterrupted = 130  // stopped by Ctrl-C or a similar signal; off Windows the process ends by that signal itself
 };
 
-// The command line asks for something that cannot be meant.
+// The command line is invalid.
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// The arguments without the program's name. On Windows they come as UTF-16 from the system, and * and ? in the last
-// part of a path stand for the files that match, as no shell has done it there.
+// The arguments without the program's name. On Windows the system gives them in UTF-16, and * and ? in the last part of
+// a path are expanded here, because no shell has done it.
 std::vector<std::string> Arguments(int argc, char** argv);
 
-// Makes standard input and output take bytes as they are, and a Windows console read them as UTF-8.
+// Makes standard input and output pass bytes unchanged, and a Windows console interpret them as UTF-8.
 void PrepareConsole();
 
 std::filesystem::path Path(std::string_view utf8);
 std::string Utf8(const std::filesystem::path& path);  // with / between the parts
 
-// Off Windows names are bytes. These are for people and documents: what is no UTF-8 becomes U+FFFD.
+// For people and documents. File names off Windows are bytes; those that are not UTF-8 become U+FFFD.
 std::string ValidUtf8(std::string_view text);
-std::string Extension(std::string_view file);  // ".png" of "A.PNG", in small letters
+std::string Extension(std::string_view file);  // in lower case: ".png" of "A.PNG"
 
 // A result that could not be written.
 struct OutputError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Why the system refuses: "no such file", "permission denied" and the like; empty when it does not.
+// The system's reason: "no such file", "permission denied" and the like; empty if it does not refuse.
 std::string WhyNotRead(const std::filesystem::path& path);
 std::string WhyNotWritten(const std::filesystem::path& path);
-std::string WhyWritingFailed(const std::filesystem::path& path);  // the full disk, too
+std::string WhyWritingFailed(const std::filesystem::path& path);  // recognises a full disk as well
 
-// Both name the path and the reason. A file that could not be written completely is removed.
+// Their failures name the path and the reason. A file that cannot be written completely is removed.
 std::string ReadFile(const std::filesystem::path& path);                      // throws std::runtime_error
 void WriteFile(const std::filesystem::path& path, std::string_view content);  // throws OutputError
 
-// UsageError when the output is "-" and standard output a terminal, which an image would upset.
+// Throws UsageError if the output is "-" and standard output is a terminal, which an image would garble.
 void RefuseTerminal(const std::string& output);
 
-// "3 of 20 [=====>     ] name" on standard error while it lasts; nothing unless that is a terminal and there are
-//                      several.
+// Shows "3 of 20 [=====>     ] name" on standard error during its lifetime, if that is a terminal and there are several
+// images.
 class Progress {
 public:
     explicit Progress(size_t total);
@@ -62,8 +62,8 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     void Next(std::string_view name);
-    void Clear();                     // before something is written to a terminal that standard output shares
-    void Say(std::string_view line);  // a line of its own on standard error, in any case
+    void Clear();                     // call it before writing to a standard output that may be the same terminal
+    void Say(std::string_view line);  // writes a line to standard error, with or without a terminal
 
 private:
     size_t total_;

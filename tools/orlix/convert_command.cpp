@@ -56,7 +56,7 @@ Geometry GeometryOf(const ComPtr<IImageVPAExPlus>& image) {
     return g;
 }
 
-// low..high of the source becomes the whole range of the destination, rounded half up.
+// Maps low .. high of the source to the whole range of the destination, rounded half up.
 template <class From, class To>
 void Spread(const ComPtr<IImageVPAExPlus>& from, const ComPtr<IImageVPAExPlus>& to, LONG bands, double low,
             double high) {

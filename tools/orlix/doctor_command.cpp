@@ -70,7 +70,7 @@ std::string TextOf(const CLSID& id) {
     return out + "}";
 }
 
-// The file that the system loads for a class; empty where the system keeps no such list.
+// The file that the system loads for a class; empty on systems without a registry.
 std::string RegisteredServer([[maybe_unused]] const CLSID& id) {
 #ifdef _WIN32
     const std::wstring key = L"CLSID\\" + ToUtf16(TextOf(id)) + L"\\InprocServer32";
@@ -119,7 +119,7 @@ Json Classes() {
                                                                    : "cannot be created";
             if (const std::string server = RegisteredServer(id); !server.empty()) entry["server"] = server;
         } catch (const Error&) {
-            // Stays as it is.
+            // The text stays empty.
         }
         out.push_back(std::move(entry));
     }
@@ -150,7 +150,7 @@ private:
 void MeasureSpecimen(int bits, Checks& checks) {
     samples::SpecimenSettings settings;
     settings.seed = 2;
-    settings.width = 501;  // not a multiple of anything that vectors like
+    settings.width = 501;  // not a multiple of any vector's width
     settings.height = 333;
     settings.bits = bits;
     settings.particles = 50;
@@ -181,7 +181,7 @@ void MeasureSpecimen(int bits, Checks& checks) {
 
     const double truth = static_cast<double>(specimen.particleArea);
     const double error = 100 * (static_cast<double>(dark) - truth) / truth;
-    // Softened edges and noise move single pixels of the outlines; a wrong threshold moves whole per cents.
+    // Soft edges and noise change single pixels of the outlines; a wrong threshold changes whole per cents.
     checks.That(std::fabs(error) <= 2, name + "area of the particles " + std::to_string(dark) + ", truth " +
                                            std::to_string(specimen.particleArea) + " pixels: " + Rounded(error, 2) +
                                            " %");
@@ -194,7 +194,7 @@ void MeasureSpecimen(int bits, Checks& checks) {
     checks.That(inner + outer == count, name + "a circle and its outside cover the image once");
 }
 
-// Rows with their columns below each other, two blanks apart.
+// Rows with aligned columns, two blanks apart.
 std::string Table(const std::vector<std::vector<std::string>>& rows) {
     std::vector<size_t> widths;
     for (const auto& row : rows)
@@ -230,7 +230,7 @@ std::string TextOf(const Json& m) {
 int Examine(const Subcommand& command, bool json) {
     Json document = command.Envelope();
     Checks checks;
-    document["verdict"] = document["message"] = nullptr;  // first, filled in at the end
+    document["verdict"] = document["message"] = nullptr;  // reserves the first places; filled in at the end
     document["library"] = Module();
     document["classes"] = Classes();
     for (const int bits : {8, 16}) checks.Run(std::to_string(bits) + "-bit", [&] { MeasureSpecimen(bits, checks); });

@@ -27,7 +27,7 @@ Json Finite(double value) { return std::isfinite(value) ? Json(value) : Json(nul
 
 namespace {
 
-// Names of files may be no UTF-8.
+// File names need not be UTF-8.
 std::string Dumped(const Json& value) { return value.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 void Print(const Json& value, size_t depth, std::string& out) {

@@ -12,7 +12,7 @@ std::string Coordinate(double value);  // in units of the drawing
 std::string Line(double x1, double y1, double x2, double y2, const std::string& style);
 std::string Label(double x, double y, const std::string& style, const std::string& text);  // the text is escaped
 
-// Digits after the point that tell ticks of this step apart.
+// The number of decimals that tells ticks of this step apart.
 int TickDigits(double step);
 
 }  // namespace tool

@@ -65,7 +65,7 @@ struct Options {
     bool json = false, force = false;
 };
 
-// Mean, smallest and largest value of the region, over its bands.
+// Mean, minimum and maximum of the region, over all bands processed.
 Json Summary(const Subject& subject) {
     const auto process = Cast<IImageProcess>(subject.image);
     const LONG first = subject.band == BI_AllBands ? 0 : subject.band;

@@ -137,7 +137,7 @@ std::string TextOf(const Json& m) {
            WarningsText(m) + "\n";
 }
 
-// Black and white leave out 0.1 % of the region's values at either end.
+// Stretches grey levels so that 0.1 % of the region's values are black and 0.1 % are white.
 Picture Stretched(const std::vector<float>& values, const std::vector<float>& region, const Subject& subject,
                   double shift, std::string& range) {
     std::vector<float> sorted;
@@ -162,7 +162,7 @@ Picture Stretched(const std::vector<float>& values, const std::vector<float>& re
     return picture;
 }
 
-// Through the middle of the region.
+// The profiles through the middle of the region.
 void AddProfiles(const Flattening& flat, const Subject& subject, std::optional<double> zScale, FlattenPictures& out) {
     const auto width = static_cast<size_t>(subject.width);
     int32_t left = subject.width, right = -1, top = subject.height, bottom = -1;
@@ -225,7 +225,7 @@ public:
         FlattenPictures pictures;
         AddProfiles(flat, subject, zScale, pictures);
         const double average = NumberAt(document, "surface.average");
-        std::vector<float> after = flat.before;  // pixels outside the region stay as they were
+        std::vector<float> after = flat.before;  // pixels outside the region are unchanged
         for (size_t i = 0; i < after.size(); ++i)
             after[i] = std::isnan(flat.residual[i]) ? static_cast<float>(after[i] - average) : flat.residual[i];
         const double microns = NumberAt(document, "micronsPerPixel.x");
@@ -262,7 +262,7 @@ private:
     OutputFolder folder_;
 };
 
-// Of a colour image the band alone: the others would no longer belong to it.
+// A copy of one band of a colour image: once that is flattened, the other bands no longer match it.
 ComPtr<IImageVPAExPlus> BandOf(const ComPtr<IImageVPAExPlus>& image, LONG band) {
     auto alone = CreateObject<IImageVPAExPlus>("Orlix.Image");
     Check(alone->CreateFromImage(image.get(), band), alone);

@@ -10,7 +10,7 @@ namespace tool {
 
 namespace {
 
-// In the better unit: length where the z scale is known, else grey levels.
+// A length if the z scale is known, otherwise grey levels.
 std::string Short(const Json& image, const std::string& path) {
     const double microns = NumberAt(image, path + "Microns");
     if (std::isnan(microns)) return Digits(NumberAt(image, path), 5) + " levels";

@@ -24,7 +24,7 @@ std::vector<float> Values(const ComPtr<IImageVPAExPlus>& floats) {
     return out;
 }
 
-// Of the values where `region` is a number.
+// Figures of the values at which `region` is a number.
 Json Figures(const std::vector<float>& values, const std::vector<float>& region, double shift,
              std::optional<double> zScale) {
     std::vector<float> heights;
@@ -77,7 +77,7 @@ FlattenSettings MakeFlattenSettings(const std::string& surface, std::optional<do
 
 namespace {
 
-// The subject's band in floating point, so that figures do not hold the rounding to grey levels.
+// The subject's band in floating point, so that the figures are free of rounding to grey levels.
 class Heights {
 public:
     explicit Heights(const Subject& subject) : region_(subject.region.get()) {
@@ -90,7 +90,7 @@ public:
 
     std::vector<float> Values() const { return tool::Values(image_); }
 
-    // Less the surface; not a number outside the region.
+    // Heights less the surface; NaN outside the region.
     std::vector<float> Residual(const Surface& surface) const {
         auto less = CreateObject<IImageVPAExPlus>("Orlix.Image");
         Check(less->CreateFromImage(image_.get(), 0), less);
@@ -109,17 +109,17 @@ private:
     std::vector<uint8_t> inside_;
 };
 
-// Which residuals belong to the surface, and the sum of their squares.
+// The residuals that belong to the surface.
 struct Inliers {
     std::vector<uint8_t> mask;
     double limit = 0;  // grey levels
     int64_t count = 0;
 };
 
-// Within 2.5 deviations, these being estimated from the median of all sizes as if there were no outliers (P. J.
-// Rousseeuw and A. M. Leroy, Robust Regression and Outlier Detection, 1987): with outliers the limit is larger, by no
-// more than 1.6 times, as of fewer good pixels than 70 % a lower quantile takes the place of the median. It is never
-// below what rounding to grey levels makes of pixels on the surface.
+// Residuals within 2.5 standard deviations. The deviation is estimated from the median of all absolute residuals, as if
+// there were no outliers (P. J. Rousseeuw and A. M. Leroy, Robust Regression and Outlier Detection, 1987). Outliers
+// raise it, by a factor of 1.6 at most: below 70 % of good pixels a lower quantile replaces the median. The limit is at
+// least `rounding`, the residual that rounding to grey levels gives a pixel on the surface.
 Inliers InliersOf(const std::vector<float>& residual, double good, double rounding) {
     std::vector<float> sizes;
     for (const float value : residual)
@@ -130,10 +130,10 @@ Inliers InliersOf(const std::vector<float>& residual, double good, double roundi
     const double quantile = std::min(0.5, good / 1.4);
     const auto half = sizes.begin() + static_cast<std::ptrdiff_t>(static_cast<double>(sizes.size() - 1) * quantile);
     std::nth_element(sizes.begin(), half, sizes.end());
-    constexpr double kNormal = 0.6744897501960817;  // what half of a normal distribution lies within, in deviations
+    constexpr double kNormal = 0.6744897501960817;  // half of a normal distribution lies within so many deviations
     inliers.limit = std::max(2.5 * *half / kNormal, rounding);
     for (size_t i = 0; i < residual.size(); ++i) {
-        inliers.mask[i] = std::fabs(residual[i]) <= inliers.limit;  // not a number: no
+        inliers.mask[i] = std::fabs(residual[i]) <= inliers.limit;  // false for NaN
         inliers.count += inliers.mask[i];
     }
     return inliers;
@@ -146,15 +146,15 @@ double SquaresWithin(const std::vector<uint8_t>& mask, const std::vector<float>&
     return sum;
 }
 
-// A robust fit is an exact surface through a few pixels, with their noise. Least squares over the pixels near it, and
-// again over those near the result, take that away. A step that fits its pixels no better is not taken (an algebraic
-// fit may be worse). Describes what was done.
+// A robust fit passes exactly through a few pixels, and so has their noise. Least squares over the pixels near it, then
+// over those near the result and so on, remove that noise. A step that does not fit its pixels better is not taken (an
+// algebraic fit may be worse). Returns a description of the steps.
 Json Refit(std::unique_ptr<Surface>& surface, const Subject& subject, const Heights& heights, double good,
            std::vector<float>& residual) {
     constexpr int kMostRounds = 50;
     const auto process = Cast<IOrlixImageProcess>(subject.image);
     const double rounding =
-        subject.type == DT_Float ? std::ldexp(std::fabs(surface->average()), -20) : 0.5;  // a half: to whole levels
+        subject.type == DT_Float ? std::ldexp(std::fabs(surface->average()), -20) : 0.5;  // of whole grey levels
     Json out;
     std::vector<uint8_t> last;
     for (int round = 1; round <= kMostRounds; ++round) {

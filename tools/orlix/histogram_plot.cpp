@@ -47,9 +47,9 @@ std::vector<Mark> Marks(const Json& measurement, double low, double high) {
     return marks;
 }
 
-// A label stands to the right of its line. So that no line on its way down runs through another's label, a label whose
-// text reaches over the next lines stands above theirs: rows fall from left to right. Returns how far the last label
-// sticks out.
+// Places the labels, each to the right of its line. No line may cross the label of another, so a label that reaches
+// over the next lines is placed above theirs: rows descend from left to right. Returns how far the last label sticks
+// out.
 double Arrange(std::vector<Mark>& marks, double low, double high, double width) {
     double over = 0;
     for (size_t i = marks.size(); i-- > 0;) {
@@ -82,7 +82,7 @@ std::string HistogramPlot(const Json& measurement) {
     const double top = 14 + rows * kRow, bottom = top + kPlotHeight, right = kLeft + width;
     const auto across = [&](double grey) { return kLeft + std::clamp((grey - low) / (high - low), 0.0, 1.0) * width; };
 
-    // One column a unit of the drawing is enough: neighbouring bins share it and show their largest count.
+    // One column per unit of the drawing is enough. Neighbouring bins share one, which shows their largest count.
     const size_t columns = std::min(counts.size(), static_cast<size_t>(width));
     std::vector<double> heights(columns, 0);
     for (size_t i = 0; i < counts.size(); ++i) {
@@ -110,7 +110,7 @@ std::string HistogramPlot(const Json& measurement) {
     std::string svg = "<svg class='histogram' viewBox='0 0 " + Coordinate(kWidth) + " " + Coordinate(bottom + 46) +
                       "' role='img' aria-label='Histogram with thresholds'>\n";
 
-    // The side of the phase: everything of the plot between its levels.
+    // The side of the phase: the part of the plot between its levels.
     const double lower = NumberAt(measurement, "phase.lower"), upper = NumberAt(measurement, "phase.upper");
     const bool whole = measurement["type"] != "float";
     const double phaseLeft = across(std::isnan(lower) ? low : whole ? lower - 0.5 : lower);

@@ -90,7 +90,7 @@ std::string Href(std::string_view file) {
     return out + "'";
 }
 
-// Five significant digits or so, never more than whole numbers need.
+// About five significant digits; no decimals for numbers that large.
 std::string Significant(double value) {
     const double size = std::fabs(value);
     if (size != 0 && (size < 1e-4 || size >= 1e12)) return Number(value);
@@ -131,7 +131,7 @@ std::string Row(const std::string& name, const std::string& value) {
 std::string Calibration(const Json& m) {
     if (Member(m, "micronsPerPixel").is_null()) return "not calibrated";
     const double x = NumberAt(m, "micronsPerPixel.x"), y = NumberAt(m, "micronsPerPixel.y");
-    const auto shown = [](double size) {  // without the zeros at the end
+    const auto shown = [](double size) {  // without trailing zeros
         std::string text = Significant(size);
         if (text.find('.') != std::string::npos && text.find('e') == std::string::npos)
             text.erase(std::max(text.find_last_not_of('0'), text.find('.') + 1) + 1);

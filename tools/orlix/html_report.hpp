@@ -1,5 +1,4 @@
-// The report of a measurement as one HTML page that needs nothing beside itself; it follows the reader's light or dark
-// setting and prints on white.
+// The report of a measurement as an HTML page; see html_page.hpp.
 #pragma once
 
 #include "document.hpp"
@@ -13,10 +12,10 @@ namespace tool {
 std::string ImageReport(const Json& measurement, const std::string& version, const std::string& imageUri,
                         const std::string& overlayUri);
 
-// A batch: the summary, and a row for each image, linked to its own report where there is one.
+// A batch: the summary, and a row for each image with a link to its report.
 struct BatchEntry {
     Json measurement;        // or {file, error}
-    std::string reportName;  // a file beside this one; empty: none
+    std::string reportName;  // a file in the same folder; empty if there is none
     std::string overlayUri;  // small
 };
 std::string BatchReport(const std::vector<BatchEntry>& entries, const Json& summary, const std::string& version);

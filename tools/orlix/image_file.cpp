@@ -120,7 +120,7 @@ void Sign(const ComPtr<IImageVPAExPlus>& image) {
 bool IsSigned(const std::filesystem::path& path) {
     constexpr std::string_view kPng = "\x89PNG\r\n\x1a\n", kText("tEXtSoftware\0Orlix ", 19);
     constexpr size_t kHead =
-        4096;  // texts precede the pixels, and the pages and documents name their maker at the beginning
+        4096;  // in PNG files texts precede the pixels; pages and documents name their generator at the beginning
     std::ifstream file(path, std::ios::binary);
     std::string head(kHead, '\0');
     file.read(head.data(), static_cast<std::streamsize>(head.size()));

@@ -1,6 +1,6 @@
-// Images in files. The library says that a file cannot be read or written; here are the path and the reason, too. The
-// name "-" is standard input or standard output, and names whose bytes are no UTF-8, which the library's strings do not
-// hold, work as well.
+// Images in files. Where the library only reports that a file cannot be read or written, these functions add the path
+// and the reason. The name "-" is standard input or output. File names that are not UTF-8, which the library's strings
+// cannot hold, work as well.
 #pragma once
 
 #include "document.hpp"
@@ -18,8 +18,7 @@ namespace tool {
 
 class Subcommand;
 
-// The name of a file that does not exist yet, in the system's folder for such files. What is there in the end is
-// removed.
+// The name of a new file in the system's folder for temporary files. The destructor removes the file.
 class TemporaryFile {
 public:
     explicit TemporaryFile(std::string_view extension = {});
@@ -32,11 +31,11 @@ private:
     std::filesystem::path path_;
 };
 
-// Lets `read` open the file under a name that the library takes. An error that the system knows the reason of ends with
-// "(PATH: reason)".
+// Calls `read` with a path that the library accepts. If the system knows the reason of a failure, "(PATH: reason)" is
+// appended to its text.
 void ReadThrough(const std::string& file, const std::function<void(const std::string& path)>& read);
 
-// The same for a file to be written; OutputError "cannot write PATH: reason" when `write` fails.
+// The same for a file to be written. Throws OutputError "cannot write PATH: reason" if `write` fails.
 void WriteThrough(const std::string& file, const std::function<void(const std::string& path)>& write);
 
 std::string ReadInput(const std::string& file);  // the bytes of a file or of standard input
@@ -48,27 +47,27 @@ constexpr char kImageFiles[] = "PNG, BMP, PGM or PPM files; - is standard input"
 // Whether the library writes a file of that name as an image: .png, .pgm or .ppm.
 bool IsImageName(std::string_view file);
 
-// How the images of a command are loaded.
+// The options with which a command loads its images.
 struct LoadOptions {
-    std::optional<LONG> maxSamples;  // 0: no limit; otherwise the library's own
+    std::optional<LONG> maxSamples;  // 0 for no limit; the library's own limit if not given
 
     void Add(Subcommand& command);
     orlix::ComPtr<IImageVPAExPlus> NewImage() const;
     orlix::ComPtr<IImageVPAExPlus> Load(const std::string& file) const;
 };
 
-// IFF_ByExtension is PNG on standard output. Throws as WriteThrough does.
+// IFF_ByExtension means PNG on standard output. Throws like WriteThrough.
 void SaveImage(const orlix::ComPtr<IImageVPAExPlus>& image, const std::string& file, ImageFileFormat format);
 
-// Warns of what a file of that name does not hold: pixel size and texts in PGM and PPM.
+// Warns of properties of the image that a file of that name cannot hold: pixel size and texts in PGM and PPM.
 void WarnOfLosses(const orlix::ComPtr<IImageVPAExPlus>& image, const std::string& file, Json& document);
 
-// Results of this program say so in themselves (the text "Software" of PNG files, the generator of pages), so that a
-// second run may replace them and nothing else.
+// Marks and recognises results of this program, by the text "Software" of PNG files and the generator of pages, so that
+// a later run replaces them and no other files.
 void Sign(const orlix::ComPtr<IImageVPAExPlus>& image);
 bool IsSigned(const std::filesystem::path& path);
 
-// UsageError when the output, which the user named, is one of the inputs or the terminal.
+// Throws UsageError if the output that the user named is one of the inputs or the terminal.
 void CheckOutput(const std::string& output, const std::vector<std::string>& inputs, bool force);
 
 }  // namespace tool

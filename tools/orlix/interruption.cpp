@@ -22,7 +22,7 @@ namespace {
 std::atomic<int> stoppables{0};
 std::atomic<int> stopSignal{0};
 
-// Reached by a thread that outlives main().
+// Used by a thread that may outlive main().
 struct Registry {
     std::mutex mutex;
     std::set<std::filesystem::path> files, folders;
@@ -40,7 +40,7 @@ std::string ProcessNumber() {
 #endif
 }
 
-// What a request does, in a thread of its own. Returns whether the program goes on.
+// Handles a request, in a thread of its own. Returns whether the program continues.
 bool Requested(int signal) {
     if (stoppables > 0 && stopSignal == 0) {
         Stoppable::Stop(signal);
@@ -56,7 +56,7 @@ bool Requested(int signal) {
 
 BOOL WINAPI Listen(DWORD event) {
     if (!Requested(SIGINT)) TerminateProcess(GetCurrentProcess(), kInterrupted);
-    // The system ends the process when this returns from the closing of the console: main() has until then.
+    // When the console is closed, the system ends the process as soon as this handler returns: main() has until then.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(INFINITE);
     return TRUE;
 }
@@ -141,7 +141,7 @@ void Unfinished::RemoveAll() noexcept try {
             if (name.find(mark) <= 1 && name.ends_with(".tmp")) std::filesystem::remove(entry.path(), ignored);
         }
 } catch (...) {
-    // Short of memory: the files stay.
+    // Without memory the files are left where they are.
 }
 
 }  // namespace tool

@@ -1,13 +1,12 @@
-// Ctrl-C and the system's other requests to end. A batch is told so, finishes the image in work, and what has been
-// measured comes out; anything else, and a second request, ends the program at once. Either way no unfinished file
-// stays.
+// Ctrl-C and the system's other requests to end. A batch finishes its current image and outputs what it has measured.
+// All other work ends at once, and so does a batch on a second request. No unfinished file is left behind either way.
 #pragma once
 
 #include <filesystem>
 
 namespace tool {
 
-// Listens while it lives; one object, of main().
+// Listens for requests during its lifetime; main() has the only object.
 class Interruption {
 public:
     Interruption();
@@ -15,11 +14,11 @@ public:
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
-    // When a batch was stopped: ends the process as the request would have done. Returns otherwise.
+    // Ends the process as the request would have done, if a batch was stopped; otherwise returns.
     static void Obey();
 };
 
-// While one lives, a request sets Stopped() instead of ending the program.
+// During its lifetime a request sets Stopped() instead of ending the program.
 class Stoppable {
 public:
     Stoppable();
@@ -28,11 +27,11 @@ public:
     Stoppable& operator=(const Stoppable&) = delete;
 
     static bool Stopped() noexcept;
-    static void Stop(int signal) noexcept;  // as the request does
+    static void Stop(int signal) noexcept;  // acts like a request
 };
 
-// Files that are removed when the program is ended at once: temporary files, and those that the library writes beside
-// their final place in the folders.
+// Files that are removed if the program ends at once: temporary files, and those that the library writes into the given
+// folders before it moves them to their final names.
 namespace Unfinished {
 void Remember(const std::filesystem::path& file);
 void Forget(const std::filesystem::path& file);

@@ -26,7 +26,7 @@ std::string Upper(std::string text) {
 
 // -------------------------------------------------------------------------------------------------------- manual pages
 
-// Text that the formatter shall show as it is. A point or quote at the beginning of a line would be a request to it.
+// Escapes text for the formatter. A point or quote at the beginning of a line would be a request to it.
 std::string Roff(std::string_view text) {
     std::string out = Replaced(Replaced(text, '\\', "\\e"), '-', "\\-");
     return out.starts_with('.') || out.starts_with('\'') ? "\\&" + out : out;
@@ -56,7 +56,8 @@ std::string OptionsSection(const char* title, const std::vector<OptionSynopsis>&
     return out;
 }
 
-// The text after the options: a line at the left margin over indented ones is a heading, other lines keep their layout.
+// The text after the options. A line at the left margin above indented ones is a heading; other lines keep their
+// layout.
 std::string DetailsSection(const std::string& details) {
     std::vector<std::string> lines;
     std::istringstream in(details);
@@ -118,7 +119,7 @@ std::vector<std::string> ArgumentChoices(const Synopsis& command) {
 
 bool IsFolder(const OptionSynopsis& option) { return option.names.back() == "--out"; }
 
-// In single quotes of zsh and fish, whose own signs (brackets and colons of zsh) are made plain.
+// Text for single quotes of zsh and fish, with the shell's special characters (brackets and colons in zsh) escaped.
 std::string Quoted(std::string_view text, std::string_view special) {
     std::string out;
     for (const char c : text) {

@@ -7,11 +7,11 @@
 
 namespace tool {
 
-// In the language of man(7): the page of the program itself, or of one of its commands.
+// The manual page of the program or of one of its commands, in the language of man(7).
 std::string ManualPage(const Synopsis& program, const std::string& version);
 std::string ManualPage(const Synopsis& program, const Synopsis& command, const std::string& version);
 
-// A script that teaches the shell the commands, options and values.
+// A script with which the shell completes commands, options and values.
 std::string BashCompletion(const Synopsis& program);
 std::string ZshCompletion(const Synopsis& program);
 std::string FishCompletion(const Synopsis& program);

@@ -111,7 +111,7 @@ Json Summary(const Json& images) {
     Json out;
     out["measured"] = images.size() - failed;
     out["failed"] = failed;
-    out["withPhase"] = fractions.size();  // the others have no threshold: they do not enter the mean
+    out["withPhase"] = fractions.size();  // images without a threshold do not enter the mean
     if (fractions.size() < 2) return out;
     const orlix::SampleStatistics sample = orlix::SummarizeSample(fractions);
     Json& area = out["areaFraction"];
@@ -123,7 +123,7 @@ Json Summary(const Json& images) {
     return out;
 }
 
-// The columns of a CSV line: members of an image's document, and of its thresholds "METHOD.member".
+// The columns of a CSV line: members of an image's document, those of its thresholds as "METHOD.member".
 const std::vector<std::string> kColumns = {"file",
                                            "error",
                                            "width",

@@ -17,7 +17,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr LONG kFineBins = 65536;  // every value of a 16-bit image has its bin
+constexpr LONG kFineBins = 65536;  // a bin for every value of a 16-bit image
 
 template <class Method>
 double Property(const ComPtr<IHistogram>& histogram, Method method) {
@@ -67,7 +67,7 @@ private:
         for (const auto& [code, message] : flat.warnings) Warn(code, message);
     }
 
-    // Of all pixels of the region.
+    // Figures of all pixels of the region.
     void Grey() {
         Check(process_->get_GrayMeasurements(
                   static_cast<GrayExtractMeasurementType>(GEMT_GrayLocation | GEMT_GrayStatistics), &grey_),
@@ -128,11 +128,11 @@ private:
         out["counts"] = std::move(counts);
     }
 
-    // Pixels of at most the cut, or those above it.
+    // The pixels up to the cut, or those above it.
     ComPtr<IBitmap> Side(double cut, bool bright) const {
         const double least = TypeMinimum(type_);
         ComPtr<IBitmap> bits;
-        if (!(cut >= least))  // below every pixel: all are above it
+        if (!(cut >= least))  // all pixels are above the cut
             Check(process_->Threshold(least, TypeMaximum(type_), bright, bits.Out()), process_);
         else
             Check(process_->Threshold(least, cut, !bright, bits.Out()), process_);
@@ -174,7 +174,7 @@ private:
         }
     }
 
-    // What to doubt about the chosen threshold.
+    // Warns where the chosen threshold is doubtful.
     void Doubts() {
         if (!chosen_.none.empty()) {
             Warn("no-threshold", chosen_.none + ": there is no phase");
@@ -190,7 +190,7 @@ private:
             return;
         }
         if (!chosen_.note.empty()) return;
-        // A side with two peaks of its own, in parts of all pixels.
+        // Does a side have two peaks itself? Its dip is expressed as a fraction of all pixels.
         const std::span<LONG> bins = Bins(fine_);
         double cut = 0;
         Check(fine_->LocationToBin(chosen_.darkCut, &cut), fine_);
@@ -242,7 +242,7 @@ private:
         if (!some) Check(process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out()), process_);
         if (some || !choice.method) {
             const BinaryMeasurements bits = MeasureBitmap(result_.phase);
-            out["lower"] = Finite(lower);  // the grey levels of the phase, both included; lower > upper: none
+            out["lower"] = Finite(lower);  // first and last grey level of the phase; none if lower > upper
             out["upper"] = Finite(upper);
             out["pixels"] = bits.pixelCount;
             out["areaFraction"] = Fraction(bits.pixelCount);
@@ -259,9 +259,9 @@ private:
     ComPtr<IImageProcess> process_;
     LONG type_;
     SGrayMeasurements grey_ = {};
-    ComPtr<IHistogram> fine_;       // as fine as the image gives it
-    ComPtr<IHistogram> histogram_;  // of few enough bins, smoothed if wanted: for the thresholds
-    double largest_ = 0;            // grey level of the region
+    ComPtr<IHistogram> fine_;       // with as many bins as the image offers
+    ComPtr<IHistogram> histogram_;  // for the thresholds: regrouped, and smoothed on request
+    double largest_ = 0;            // largest grey level of the region
     int64_t inside_ = 0;            // pixels in the luminance range
     double dip_ = 0;
     ThresholdResult chosen_;

@@ -1,4 +1,4 @@
-// The measurement of one image: what `orlix measure` does for each, through the interfaces of the library.
+// The measurement of one image, for `orlix measure`, through the interfaces of the library.
 #pragma once
 
 #include "document.hpp"
@@ -21,7 +21,7 @@ struct MeasureSettings : SubjectSettings {
     ThresholdChoice threshold = ParseThreshold("otsu");
     bool bright = false;  // which side of an automatic threshold is the phase
     std::optional<std::array<double, 2>> luminance;
-    LONG bins = 1024;    // at most, of the histogram that thresholds are chosen on
+    LONG bins = 1024;    // most bins of the histogram on which thresholds are chosen
     LONG smoothing = 0;  // 0, or 3, 5, 7 or 9 weights
 };
 
@@ -33,21 +33,21 @@ struct Measurement {
     Json document;
 };
 
-// Members of the document, in this order (null where there is nothing to say; lengths in pixels unless named
+// Members of the document, in this order (null for values that do not apply; lengths are in pixels unless the name says
 // otherwise):
 //   file, width, height, bands, type, band, micronsPerPixel {x, y, source}
 //   region {shape, polarity, mask, pixelsLeftOut, pixels, areaSquareMicrons}
-//   flatten: null, or what was done before anything else was measured (flattening.hpp)
+//   flatten: null, or the surface that was removed before anything else was measured (flattening.hpp)
 //   grey {count, mean, standardDeviation, minimum, maximum, median, mode, skew, excessKurtosis, entropy, xCentroid,
 //     yCentroid}: of all pixels of the region that are measured; excess kurtosis is 0 for a normal distribution
-//   luminance {lower, upper, source}: the levels that the histogram looks at
+//   luminance {lower, upper, source}: the levels that the histogram covers
 //   histogram {bins, left, right, binWidth, smoothing, pixelsOutside, dip, leastDipOfTwoPeaks, counts}: the one that
 //     thresholds were chosen on; dip is 0 for one peak and grows with the second (orlix/statistics.hpp)
 //   thresholds [{method, label, chosen, parameters, threshold | left and right, darkFraction, brightFraction, note,
-//     message}]: threshold is the last dark level; with a message there is none
-//   phase {polarity, method, lower, upper, pixels, areaFraction, areaSquareMicrons, xCentroid, yCentroid}: fractions of
-//     the region; all but the first two are null when the chosen method has found no threshold
-//   warnings [{code, message}] where there are any: resolution-of-paper, rougher (flattening), no-threshold,
+//     message}]: threshold is the last dark level; a message says why there is none
+//   phase {polarity, method, lower, upper, pixels, areaFraction, areaSquareMicrons, xCentroid, yCentroid}: the fraction
+//     is that of the region; all but the first two are null if the chosen method found no threshold
+//   warnings [{code, message}], if there are any: resolution-of-paper, rougher (flattening), no-threshold,
 //     levels-outside-type, one-peak, more-than-two-peaks, at-search-limit, above-all-levels (of the chosen threshold)
 // Throws orlix::Error, or std::runtime_error with a text for the user.
 Measurement MeasureImage(orlix::ComPtr<IImageVPAExPlus> image, const std::string& shownName,

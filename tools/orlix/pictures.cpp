@@ -17,7 +17,7 @@ using namespace orlix;
 namespace {
 
 using Colour = std::array<uint8_t, 3>;
-constexpr Colour kPhase = {255, 106, 0};  // orange: far from grey for every kind of colour vision
+constexpr Colour kPhase = {255, 106, 0};  // orange differs from grey for every kind of colour vision
 constexpr Colour kRegion = {0, 200, 255};
 
 size_t Size(int32_t a, int32_t b) { return static_cast<size_t>(a) * static_cast<size_t>(b); }
@@ -30,7 +30,7 @@ void Stretch(const Measurement& measurement, LONG band, double lower, double upp
     for (const std::span<Pixel> row : rows)
         for (const Pixel pixel : row) {
             const double level = scale == 0 ? 128 : (static_cast<double>(pixel) - lower) * scale + 0.5;
-            *out++ = static_cast<uint8_t>(level > 0 ? std::min(level, 255.0) : 0);  // not a number: black
+            *out++ = static_cast<uint8_t>(level > 0 ? std::min(level, 255.0) : 0);  // NaN becomes black
         }
 }
 
@@ -49,8 +49,8 @@ std::vector<uint8_t> Unpacked(const ComPtr<IBitmap>& bitmap) {
     return out;
 }
 
-// Members of the set with a pixel outside it within the given distance in rows or columns. The image's border is no
-// edge.
+// The pixels of the set from which a pixel outside it lies within the given distance along a row or column. The image's
+// border is no edge.
 std::vector<uint8_t> EdgeOf(const std::vector<uint8_t>& set, int32_t width, int32_t height, int32_t distance) {
     std::vector<uint8_t> edge(set.size(), 0);
     for (int32_t y = 0; y < height; ++y)
@@ -113,7 +113,7 @@ Picture OverlayPicture(const Measurement& measurement, const Picture& display) {
     const std::vector<uint8_t> phase = Unpacked(measurement.phase);
     const std::vector<uint8_t> inside = RegionMask(measurement.region, width, height);
     const std::vector<uint8_t> outline = EdgeOf(phase, width, height, 1);
-    // Two pixels at a usual size; wide enough to be seen in a large image that is looked at as a whole.
+    // A pixel or two at usual sizes; wider in large images, so that it is visible when they are seen as a whole.
     const std::vector<uint8_t> border = EdgeOf(inside, width, height, 1 + std::max(width, height) / 800);
 
     Picture picture = {width, height, 3, {}};

@@ -18,7 +18,7 @@ struct Panel {
     double Y(double value) const { return top + height * (high - value) / (high - low); }
 };
 
-// Around the finite values, with a margin.
+// A panel that holds the finite values and a margin.
 Panel PanelOver(double top, double height, std::initializer_list<const std::vector<double>*> sets, bool symmetric) {
     double low = std::numeric_limits<double>::infinity(), high = -low;
     for (const auto* values : sets)
@@ -37,8 +37,8 @@ Panel PanelOver(double top, double height, std::initializer_list<const std::vect
     return {top, height, low - margin, high + margin};
 }
 
-// A line from value to value, broken where there is none. Where many values share a unit of the drawing, their
-// smallest and their largest.
+// A line through the values, with gaps where there are none. If many values share a unit of the drawing, the line goes
+// through the smallest and the largest of them.
 std::string Curve(const Panel& panel, const std::vector<double>& values, const std::string& style) {
     const size_t n = values.size();
     const size_t group = std::max<size_t>(1, n / static_cast<size_t>(kPlot));

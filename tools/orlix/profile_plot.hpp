@@ -1,4 +1,4 @@
-// Values along a line of an image, with the surface that was fitted to them, as a drawing.
+// A drawing of the values along a line of an image and the surface that was fitted to them.
 #pragma once
 
 #include "units.hpp"
@@ -8,7 +8,7 @@
 
 namespace tool {
 
-// All of the same length, one for each pixel of the line; not a number outside the region.
+// The vectors have a value for each pixel of the line, NaN outside the region.
 struct Profile {
     std::string axis;                            // "x, µm"
     double step = 1;                             // from pixel to pixel, in its unit
@@ -16,8 +16,8 @@ struct Profile {
     std::vector<double> values, surface, residuals;
 };
 
-// An SVG element that takes its colours from the page (custom properties --ink, --muted, --grid, --fill, --accent):
-// above the values and the surface, below what is left. A line without values says so.
+// An SVG element that takes its colours from the page (custom properties --ink, --muted, --grid, --fill, --accent),
+// with values and surface above and residuals below. For a line without values, a sentence that says so.
 std::string ProfilePlot(const Profile& profile);
 
 }  // namespace tool

@@ -38,7 +38,7 @@ Exit codes: 0 done; 1 a file or a measurement failed (a batch goes on after it);
 An IMAGE may be -, standard input; a file to write may be -, standard output.
 'orlix COMMAND --help' says more about a command.)";
 
-// Options with the name of their value and their default; what is checked about a value stands in the text.
+// Shows options with the name and default of their value. The description states which values are accepted.
 class HelpFormatter : public CLI::Formatter {
 public:
     HelpFormatter() {
@@ -59,7 +59,7 @@ public:
     }
 };
 
-// The parser's own message, unless a word is one of ours but for its spelling.
+// The parser's own message, unless a word is a misspelling of one that we know.
 std::string Complaint(const Synopsis& program, const std::vector<std::string>& arguments, const std::string& message) {
     const auto name = std::find_if(arguments.begin(), arguments.end(),
                                    [](const std::string& argument) { return !argument.starts_with('-'); });
@@ -109,9 +109,9 @@ int Run(std::vector<std::string> arguments) {
     }
     try {
         program.parse(
-            std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // the parser takes them from the back
+            std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // the parser expects reverse order
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return program.exit(error);  // help was asked for
+        if (error.get_exit_code() == 0) return program.exit(error);  // a request for help
         std::cerr << "orlix: " << Complaint(Describe(program), arguments, error.what()) << std::endl;
         return kUsage;
     }

@@ -1,4 +1,4 @@
-// The program, apart from its process: what the tests run too.
+// The program without its process, for main() and the tests.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace tool {
 
-// Runs one command line, without the program's name. Results go to std::cout, everything else to std::cerr. Returns the
-// exit code, see ExitCode; throws nothing.
+// Runs a command line, given without the program's name. Results go to std::cout, everything else to std::cerr. Returns
+// the exit code, see ExitCode; never throws.
 int Run(std::vector<std::string> arguments);
 
 }  // namespace tool

@@ -19,15 +19,15 @@ struct RegionShape {
     std::string text;  // as given
 };
 
-// "rect:L,T,R,B" (whole pixels, both ends included), "oriented:W,H,ANGLE,XC,YC" or "circle:XC,YC,R"; UsageError
-// otherwise.
+// Parses "rect:L,T,R,B" (whole pixels, both ends included), "oriented:W,H,ANGLE,XC,YC" or "circle:XC,YC,R". Throws
+// UsageError for anything else.
 RegionShape ParseRegion(std::string_view text);
 // "inside", "outside" or "frame".
 PolarityType ParsePolarity(std::string_view text);
 const char* PolarityName(PolarityType polarity);
 
-// Numbers with commas between them, all finite; an empty one is allowed where asked for and becomes NaN. UsageError
-// names the whole text.
+// Parses finite numbers separated by commas. An empty one becomes NaN if allowed. Throws UsageError, which names the
+// whole text.
 std::vector<double> ParseNumbers(std::string_view list, std::string_view whole, bool allowEmpty = false);
 
 orlix::ComPtr<IRegionOfInterest> MakeRegion(const RegionShape& shape, LONG width, LONG height);

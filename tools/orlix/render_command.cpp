@@ -49,7 +49,7 @@ struct Options {
     SubjectOptions subject{BI_AllBands};
 };
 
-// "RRGGBB", also with a # before it, as 0x00RRGGBB.
+// 0x00RRGGBB from "RRGGBB" or "#RRGGBB".
 uint32_t ParseColor(const std::string& text) {
     const std::string digits = text.starts_with('#') ? text.substr(1) : text;
     if (digits.size() != 6 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
@@ -66,7 +66,7 @@ struct View {
     RECT dest = {};
 };
 
-// Pixel columns (or rows) of the view that image columns first .. last cover, at least the one under their middle.
+// The columns (or rows) of the view that image columns first .. last cover: at least the one under their middle.
 std::pair<LONG, LONG> Covered(double origin, double scale, LONG first, LONG last, LONG begin, LONG end) {
     const auto at = [&](double position, double rounding) {
         return static_cast<LONG>(std::clamp(std::floor(origin + scale * position + rounding), -1e9, 1e9));

@@ -12,7 +12,7 @@ namespace tool {
 namespace {
 
 using Colour = std::array<double, 3>;
-// From the lower end to the upper one in equal steps; lightness rises to the middle and falls alike on both sides.
+// From the lower end to the upper one in equal steps. Lightness falls equally from the middle to both ends.
 constexpr Colour kColours[] = {{18, 44, 110},   {43, 105, 184},  {125, 178, 222}, {200, 222, 238}, {247, 247, 245},
                                {250, 214, 190}, {236, 146, 106}, {196, 62, 50},   {112, 12, 34}};
 constexpr double kSteps = std::size(kColours) - 1;
@@ -65,7 +65,7 @@ Picture ResidualPicture(const std::vector<float>& residual, int32_t width, int32
                     sum += value;
                     ++count;
                 }
-            for (const double channel : ColourOf(sum / count, limit))  // none: 0 / 0
+            for (const double channel : ColourOf(sum / count, limit))  // NaN, so grey, without values
                 picture.samples.push_back(static_cast<uint8_t>(std::lround(channel)));
         }
     return picture;
@@ -95,7 +95,7 @@ std::string ResidualMap(const Json& document, const std::string& pictureUri, dou
     svg += "<rect x='" + Coordinate(kLeft) + "' y='" + Coordinate(kTop) + "' width='" + Coordinate(width) +
            "' height='" + Coordinate(height) + "' fill='none' stroke='var(--muted)'/>\n";
 
-    // Pixel i covers i - 0.5 to i + 0.5.
+    // Pixel i covers the range from i - 0.5 to i + 0.5.
     const auto axis = [&](double pixels, const char* member, bool across) {
         const double micron = NumberAt(document, std::string("micronsPerPixel.") + member);
         const Unit unit = micron > 0 ? LengthUnit(pixels * micron) : Unit{"pixels", 1};

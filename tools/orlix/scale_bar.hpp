@@ -7,14 +7,15 @@
 
 namespace tool {
 
-// 1, 2 or 5 times a power of ten, in microns: the greatest that is at most a quarter as long as the picture is wide.
+// The largest length, in microns, of 1, 2 or 5 times a power of ten that covers at most a quarter of the picture's
+// width.
 double ScaleBarLength(int32_t width, double micronsPerPixel);
 
 // "50 µm", "200 nm" or "1 mm".
 std::string ScaleBarText(double microns);
 
-// White bar and text on black, so that they are read on light and on dark pictures. Without a pixel size (not a number)
-// and where the picture is too small there is none.
+// The picture with a white bar and text on black, legible on light and dark pictures. Without a pixel size (NaN or not
+// above 0) and if the picture is too small, the picture is returned unchanged.
 Picture WithScaleBar(Picture picture, double micronsPerPixel);
 
 }  // namespace tool

@@ -61,7 +61,7 @@ int WriteSpecimen(Options& options, const Subcommand& command) {
     SaveImage(image, options.out, IFF_ByExtension);
     Json document = {{"output", options.out}};
     if (!truth.empty()) {
-        Json text = {{"tool", "orlix"}};  // by which a later run knows that it may replace the file
+        Json text = {{"tool", "orlix"}};  // tells a later run that it may replace the file
         text.update(TruthOf(specimen));
         WriteFile(truth, Print(text));
         document["truth"] = Utf8(truth);

@@ -14,7 +14,7 @@ namespace tool {
 
 namespace {
 
-// Of the documents: grows when a member goes, is renamed or changes its meaning; members may be added at any time.
+// Version of the documents: incremented when a member is removed, renamed or changes its meaning, but not for new ones.
 constexpr int kSchema = 1;
 
 // "--roi-polarity" becomes "roiPolarity".
@@ -28,7 +28,7 @@ std::string Key(const CLI::Option& option) {
     return key;
 }
 
-// Of a value, in the help.
+// The name of a value in the help.
 const char* TypeName(const std::string&) { return "TEXT"; }
 const char* TypeName(double) { return "NUMBER"; }
 const char* TypeName(int) { return "N"; }

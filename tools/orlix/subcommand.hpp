@@ -1,5 +1,5 @@
-// What commands use of the parser of the command line. The parser takes seconds to compile: only subcommand.cpp and the
-// program itself see it.
+// The parser of the command line, as commands use it. The parser itself takes seconds to compile, so only
+// subcommand.cpp and program.cpp include it.
 #pragma once
 
 #include "document.hpp"
@@ -40,12 +40,12 @@ class Subcommand {
 public:
     Subcommand(CLI::App& program, const char* name, const char* description, const char* footer);
 
-    // The beginning of every document of --json: schema, tool, version, command, and options with the value of each
-    // option under its long name in camel case, null where it was not given and has no default. The caller adds what it
-    // found, and "warnings" at the end.
+    // The beginning of every document of --json: schema, tool, version, command, and options, with the value of each
+    // option under its long name in camel case, null if it was not given and has no default. The caller adds its
+    // results and, at the end, "warnings".
     Json Envelope() const;
 
-    // The variable, which must outlive the parser, keeps its value when the parameter is not given. Types: std::string,
+    // The variable must outlive the parser. It keeps its value if the parameter is not given. Types: std::string,
     // double, int, long, uint64_t; std::optional of double and LONG; std::vector of std::string, double and int.
     template <class T>
     Parameter Add(const char* name, T& variable, const std::string& description);
@@ -54,7 +54,7 @@ public:
 private:
     std::string name_;
     CLI::App* command_;
-    std::vector<std::function<void(Json& options)>> values_;  // each puts its own
+    std::vector<std::function<void(Json& options)>> values_;  // each adds one option
 };
 
 }  // namespace tool

@@ -88,11 +88,11 @@ void ForEachRow(const ComPtr<IImageVPAExPlus>& image, LONG band, LONG type, Visi
         rows(float{});
 }
 
-// Takes out of the mask what lies where another image is 0.
+// Removes the pixels at which another image is 0 from the mask.
 void LeaveOutMasked(const std::string& file, LONG width, LONG height, std::vector<uint8_t>& mask) {
     ComPtr<IImageVPAExPlus> image;
     try {
-        // At least as many samples as the image has were allowed for that one.
+        // The limit of the image itself admitted as many samples as it has.
         const int64_t most = std::max(int64_t{1} << 28, int64_t{width} * height);
         image = LoadOptions{.maxSamples = static_cast<LONG>(std::min<int64_t>(most, INT32_MAX))}.Load(file);
     } catch (const Error& error) {
@@ -126,10 +126,11 @@ void LeaveOutIgnored(const Subject& subject, const std::vector<std::array<double
     });
 }
 
-// Dots an inch that files carry because a screen, a printer or a program has them, or 0.
+// Dots per inch, if the pixel size is one that files carry because a screen, a printer or a program has it; otherwise
+// 0.
 int ResolutionOfPaper(double microns) {
     for (const int dots : {72, 75, 90, 96, 100, 120, 144, 150, 192, 200, 240, 300, 600, 1200})
-        // The formats hold whole pixels a metre, rounded or cut off.
+        // The formats hold whole pixels per metre, rounded or truncated.
         if (std::fabs(1e6 / microns - dots / 0.0254) <= 1) return dots;
     return 0;
 }
@@ -193,7 +194,7 @@ Subject::Subject(ComPtr<IImageVPAExPlus> subject, const SubjectSettings& setting
     const bool known = Check(file->GetMicronsPerPixel(&xMicrons, &yMicrons), file) == S_OK;
     if (settings.pixelSize) {
         xMicrons = yMicrons = *settings.pixelSize;
-        Check(file->PutMicronsPerPixel(xMicrons, yMicrons), file);  // so that pictures of the result carry it
+        Check(file->PutMicronsPerPixel(xMicrons, yMicrons), file);  // for the pictures of the result
     }
     Json& size = document["micronsPerPixel"];
     if (known || settings.pixelSize) {
@@ -266,7 +267,7 @@ void PutLuminance(const Subject& subject, double lower, double upper) {
 }
 
 std::string Padded(const std::string& text, size_t width, bool right) {
-    // Bytes that continue a character do not count.
+    // Continuation bytes of UTF-8 do not count.
     const auto length = static_cast<size_t>(
         std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; }));
     const std::string blanks(length < width ? width - length : 0, ' ');

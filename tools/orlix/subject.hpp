@@ -1,5 +1,5 @@
-// What the commands that process images have in common: the band, region and calibration that they work with, and what
-// their documents and texts say of these.
+// The image that a command processes, with its band, region and calibration, and the description of these in documents
+// and texts.
 #pragma once
 
 #include "document.hpp"
@@ -17,24 +17,24 @@ namespace tool {
 
 class Subcommand;
 
-// Not a band of the file: the luma of its three, see Luma().
+// Stands for the luma of three bands, see Luma().
 constexpr LONG kGreyBand = -2;
 
-// What is measured of an image: pixels of the region that the mask has and whose grey level is not ignored.
+// The pixels to be measured: those of the region that the mask keeps and whose grey level is not ignored.
 struct SubjectSettings {
     std::optional<RegionShape> region;
-    std::string mask;                            // file: pixels that are not 0 there; empty: all
-    std::vector<std::array<double, 2>> ignored;  // grey levels from..to, both included; NaN: no bound
-    std::optional<double> pixelSize;             // microns; instead of what the file says
+    std::string mask;                            // image file that keeps the pixels where it is not 0; empty: all
+    std::vector<std::array<double, 2>> ignored;  // first and last grey level; NaN for no bound
+    std::optional<double> pixelSize;             // microns; overrides the file
     LONG band = 0;
 };
 
-// --roi, --roi-polarity, --mask, --ignore, --band and --pixel-size as they come from the command line.
+// The options --roi, --roi-polarity, --mask, --ignore, --band and --pixel-size.
 class SubjectOptions {
 public:
     explicit SubjectOptions(LONG defaultBand = 0) : defaultBand_(defaultBand) {}
     void AddRegion(Subcommand& command);
-    void AddBand(Subcommand& command, const char* description, bool grey = false);  // grey: kGreyBand too
+    void AddBand(Subcommand& command, const char* description, bool grey = false);  // grey: offers kGreyBand
     void AddPixelSize(Subcommand& command);
     void AddExclusions(Subcommand& command);         // --mask and --ignore
     void Complete(SubjectSettings& settings) const;  // throws UsageError
@@ -54,37 +54,37 @@ struct Subject {
     orlix::ComPtr<IImageVPAExPlus> image;
     orlix::ComPtr<IRegionOfInterest> region;  // the pixels that are measured; null: the whole image
     LONG band = 0, bands = 0, width = 0, height = 0, type = 0;
-    int64_t pixels = 0;                 // of the region, in the image
-    double xMicrons = 0, yMicrons = 0;  // of a pixel; 0: not known
+    int64_t pixels = 0;                 // of the region within the image
+    double xMicrons = 0, yMicrons = 0;  // size of a pixel; 0 if unknown
 
-    // Puts band and region into the image, with the given pixel size if any, and describes them, in this order: width,
+    // Sets band and region of the image, and the pixel size if it is given. Describes them, in this order: width,
     // height, bands, type, band (null: all; "grey"), micronsPerPixel {x, y, source}, region {shape, polarity, mask,
-    // pixelsLeftOut (by mask or grey level), pixels, areaSquareMicrons}. Warns of a pixel size that is a printer's or a
-    // screen's. std::runtime_error for a band that the image has not and for a region without pixels. With kGreyBand
-    // the image of three bands becomes another one of a single band.
+    // pixelsLeftOut (by mask or grey level), pixels, areaSquareMicrons}. Warns if the pixel size is that of a printer
+    // or screen. Throws std::runtime_error if the image lacks the band, or the region has no pixels. With kGreyBand an
+    // image of three bands is replaced by one of a single band.
     Subject(orlix::ComPtr<IImageVPAExPlus> image, const SubjectSettings& settings, Json& document);
 
     Json Area(int64_t pixelCount) const;                                      // square microns, or null
-    double PixelSize() const { return xMicrons == yMicrons ? xMicrons : 0; }  // microns; 0: not known or not square
+    double PixelSize() const { return xMicrons == yMicrons ? xMicrons : 0; }  // microns; 0 if unknown or not square
 };
 
-// One band of 0.299 red + 0.587 green + 0.114 blue (luma of ITU-R BT.601) of an image's three, of the same pixel type,
-// rounded to the nearest level.
+// Makes one band of three: 0.299 red + 0.587 green + 0.114 blue (luma of ITU-R BT.601), of the same pixel type, rounded
+// to the nearest level.
 orlix::ComPtr<IImageVPAExPlus> Luma(const orlix::ComPtr<IImageVPAExPlus>& image);
 
 const char* TypeName(LONG dataType);    // "8-bit", "16-bit", ...
 std::string TypePhrase(LONG dataType);  // "an 8-bit image", "a 16-bit image", ...
-// Of the pixel type; those of float are infinite.
+// Least and greatest value of a pixel type; infinite for float.
 double TypeMinimum(LONG type);
 double TypeMaximum(LONG type);
 
-// As the luminance range; std::runtime_error when the pixel type does not hold it.
+// Sets the luminance range. Throws std::runtime_error if the pixel type cannot hold it.
 void PutLuminance(const Subject& subject, double lower, double upper);
 
 // Text for a terminal.
 std::string Padded(const std::string& text, size_t width, bool right = true);  // counted in characters
-std::string TextLine(const std::string& name, const std::string& text);        // of the block about one image
-std::string OutputName(const Json& document);                                  // of its member "output"
+std::string TextLine(const std::string& name, const std::string& text);        // a line of the block about one image
+std::string OutputName(const Json& document);                                  // the member "output"
 std::string SubjectText(const Json& document);                                 // file, image and region
 
 }  // namespace tool

@@ -11,7 +11,7 @@ using namespace orlix;
 
 namespace {
 
-// What the interface and its records offer for one kind of surface.
+// One kind of surface: its methods of the interface and the fields of its record.
 template <class Record>
 struct Kind {
     const char* id;

@@ -8,7 +8,7 @@ namespace tool {
 
 namespace {
 
-// Steps from one word to the other: a letter in, out or changed, or two neighbours changed over.
+// Edit distance: the number of letters inserted, deleted or replaced and of neighbours swapped.
 size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::vector<size_t>> steps(a.size() + 1, std::vector<size_t>(b.size() + 1));
     for (size_t i = 0; i <= a.size(); ++i)
@@ -32,7 +32,7 @@ OptionSynopsis Describe(const CLI::Option& option) {
     for (const std::string& name : option.get_snames()) out.names.push_back("-" + name);
     for (const std::string& name : option.get_lnames()) out.names.push_back("--" + name);
     if (option.get_positional()) out.names = {option.get_name(true)};
-    // "TEXT:{a,b}": the type, and what a check adds to it.
+    // "TEXT:{a,b}": the type, and the values that a check appends to it.
     const std::string type = option.get_type_name();
     out.value = type.substr(0, type.find(':'));
     if (const size_t open = type.find('{'), close = type.rfind('}'); open != std::string::npos && close > open)
@@ -61,7 +61,7 @@ Synopsis Describe(const CLI::App& program) {
 }
 
 std::string Nearest(std::string_view word, const std::vector<std::string>& known) {
-    constexpr size_t kLongest = 40;  // longer words are no misspelt options
+    constexpr size_t kLongest = 40;  // a longer word is no misspelt option
     if (word.size() > kLongest) return {};
     size_t least = 1 + word.size() / 3;
     std::string nearest;

@@ -14,14 +14,14 @@ namespace {
 
 using Method = ThresholdMethod;
 constexpr std::array kSmallest = {"minimumLeft", "minimumRight"}, kTrimmed = {"trimLeft", "trimRight"};
-// A half per cent of the counts is more than a few hot or dead pixels and less than any phase worth measuring.
+// Half a per cent of the counts is more than a few hot or dead pixels and less than any phase worth measuring.
 constexpr NamedThreshold kMethods[] = {
     {Method::MinimizeVariance, "minimize-variance", "otsu", "Otsu", kSmallest, {0.0, 0.0}, true, true},
     {Method::Trim, "trim", "percentile", "Trim", kTrimmed, {0.05, 0.05}, true, false},
     {Method::SearchForMinimum, "search-for-minimum", "minimum", "Minimum", kTrimmed, {0.005, 0.005}, true, true},
     {Method::GaussianMixture, "gaussian-mixture", "mixture", "Gaussian mixture", kSmallest, {0.005, 0.005}, true, true},
     {Method::MaximizeEntropy, "maximize-entropy", "entropy", "Entropy", kSmallest, {0.005, 0.005}, true, false},
-    // For the tail of a histogram that starts at black; of most images it lies above all levels.
+    // For histograms that start at black and have a tail; in most images it lies above all levels.
     {Method::Exponential, "exponential", "exp", "Exponential", {"trimRight", ""}, {0.05, 0.0}, false, false},
 };
 

@@ -1,4 +1,4 @@
-// The automatic thresholds of a histogram, beside each other.
+// The automatic thresholds of a histogram by their names on the command line.
 #pragma once
 
 #include "document.hpp"
@@ -16,47 +16,46 @@ namespace tool {
 
 struct NamedThreshold {
     orlix::ThresholdMethod method;
-    const char* id;                         // as on the command line and in the documents
-    const char* alias;                      // a shorter or better known name, or ""
+    const char* id;                         // on the command line and in documents
+    const char* alias;                      // a shorter or better known name
     const char* label;                      // for people
-    std::array<const char*, 2> parameters;  // names; "" where there are fewer
+    std::array<const char*, 2> parameters;  // names; "" for a missing one
     std::array<double, 2> defaults;
-    bool always;     // tried whether chosen or not
-    bool twoPeaked;  // means anything only where the histogram has two peaks
+    bool always;     // shown even if another method is chosen
+    bool twoPeaked;  // meaningful only if the histogram has two peaks
 };
 
 std::span<const NamedThreshold> ThresholdMethods();
 
-// What the command line says about the threshold: a method, with its own parameters if wanted, or two levels.
+// The threshold of the command line: a method with its parameters, or two levels.
 struct ThresholdChoice {
-    const NamedThreshold* method = nullptr;  // null: levels
+    const NamedThreshold* method = nullptr;  // null for levels
     std::array<double, 2> parameters = {};
-    std::array<double, 2> levels = {};  // both belong to the phase; NaN: no bound
+    std::array<double, 2> levels = {};  // first and last level of the phase; NaN for no bound
     std::string text;                   // as given
 };
 
-// "METHOD", "METHOD:P" or "METHOD:P,P" with an id or alias, or "LO,HI", "LO," or ",HI". UsageError otherwise.
+// Parses "METHOD", "METHOD:P" or "METHOD:P,P" with an id or alias, or "LO,HI", "LO," or ",HI". Throws UsageError for
+// anything else.
 ThresholdChoice ParseThreshold(std::string_view text);
 
-// What one method found.
+// The result of one method.
 struct ThresholdResult {
     const NamedThreshold* method = nullptr;
     std::array<double, 2> parameters = {};
-    std::string error;  // why the method failed; empty when it did not
-    std::string none;   // why there is no threshold although it did not fail; empty when there is one
-    // What to know about a threshold; mostly empty.
-    std::string note;
+    std::string error;     // why the method failed; empty if it did not
+    std::string none;      // why there is no threshold although the method did not fail; empty if there is one
+    std::string note;      // a doubt about the threshold; usually empty
     std::string noteCode;  // see warnings.hpp
-    // Dark are the pixels of at most darkCut, bright those above brightCut. The library's thresholds name a bin that
-    // belongs to the lower class, so the cut is that bin's upper edge; trim leaves its two bins to neither tail.
+    // See orlix::AutoThreshold.
     double darkCut = 0;
     double brightCut = 0;
-    // For people and documents: the last dark level, of trim the levels between which neither tail lies. Of integer
-    // pixels whole numbers.
+    // For people and documents: the last dark level, or for trim the first and last level that belong to neither tail.
+    // Whole numbers for integer pixels.
     std::vector<double> levels;
 };
 
-// The histogram is of integer pixels or not. `largest` is the largest level of the pixels.
+// `integer`: the pixels of the histogram are integers. `largest` is their largest level.
 ThresholdResult FindThreshold(const orlix::ComPtr<IHistogram>& histogram, bool integer, double largest,
                               const NamedThreshold& method, const std::array<double, 2>& parameters);
 

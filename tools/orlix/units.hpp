@@ -1,4 +1,4 @@
-// Lengths and heights as people read them.
+// Lengths and heights as text for people.
 #pragma once
 
 #include <optional>
@@ -8,15 +8,15 @@ namespace tool {
 
 struct Unit {
     std::string name;  // "nm"
-    double scale = 1;  // this many to a micron, or to a grey level or pixel where these have no length
+    double scale = 1;  // units per micron, or per grey level or pixel if these have no length
 };
 
-Unit LengthUnit(double microns);  // nm, µm or mm, the one that gives the smaller numbers from 1 on
+Unit LengthUnit(double microns);  // the largest of nm, µm and mm that gives a number of at least 1
 
-// For values of at most so many grey levels, with the microns of a grey level where known.
+// The unit for values of up to `greyLevels`. zScale: microns per grey level, if known.
 Unit HeightUnit(double greyLevels, std::optional<double> zScale);
 
-std::string Digits(double value, int significant);  // never more than whole numbers need; "–" when not finite
-std::string Length(double microns);                 // "75.28822 nm": seven digits
+std::string Digits(double value, int significant);  // no decimals for larger numbers; "–" if not finite
+std::string Length(double microns);                 // with seven digits: "75.28822 nm"
 
 }  // namespace tool

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r";
 constexpr std::string_view kSeparators = " \t\r,;";
 
-// A number at the beginning, taken off.
+// Removes a number from the beginning of the line.
 std::optional<double> TakeNumber(std::string_view& line) {
     double value = 0;
     const char* const end = line.data() + line.size();

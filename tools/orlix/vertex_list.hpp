@@ -1,4 +1,4 @@
-// Outlines from files.
+// Outlines in files.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -10,13 +10,13 @@
 namespace tool {
 
 struct NamedOutline {
-    std::string name;  // as the file gives it, else its number from 1 on
+    std::string name;  // from the file, or else its number, from 1
     std::vector<SVertice> vertices;
 };
 
-// CSV: x and y a line, separated by a comma, semicolon, tab or blank; an empty line ends an outline; a first line that
-// does not begin with a number is a header; further columns are left out. JSON: [[x, y], ...], {"name": ...,
-// "vertices": [[x, y], ...]}, or an array of these. std::runtime_error, with the number of the line in CSV, for
+// CSV has x and y in each line, separated by a comma, semicolon, tab or blank. An empty line ends an outline. A first
+// line that does not begin with a number is a header. Further columns are ignored. JSON is [[x, y], ...], {"name": ...,
+// "vertices": [[x, y], ...]}, or an array of these. Throws std::runtime_error, with the line's number for CSV, for
 // anything else and for a text without vertices.
 std::vector<NamedOutline> ParseOutlines(std::string_view text);
 
