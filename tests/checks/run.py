@@ -148,12 +148,30 @@ def unknown_texts():
                 yield f"idl/orlix.idl: {text}"
 
 
+def forgotten_kernels():
+    """Tables of variants that no test of kernels compares with their definition, or that no list of kernels in use has."""
+    texts = {name: (ROOT / name).read_text("utf-8") for name in tracked(".cpp", ".hpp")}
+    tests = "".join(text for name, text in texts.items() if name.startswith("tests/"))
+    lists = "".join(text for name, text in texts.items() if name.startswith("src/") and "KernelInUse" in text)
+    tables = {table for name, text in texts.items() if name.startswith("src/")
+              for table, rows in re.findall(r"^inline constexpr Variant<.*> (k\w+)(?:<.*>)?\[\] =([^;]*)", text, re.M)
+              if rows.count('{"') > 1}
+    if not tables:
+        yield "there is no table of variants"
+    for table in sorted(tables):
+        if not re.search(rf"\b{table}\b", tests):
+            yield f"{table} is not tested"
+        if not re.search(rf"\b{table}\b", lists):
+            yield f"{table} is not in the list of kernels"
+
+
 def check_sources():
     paths = [path for path in readme_paths() if not path.startswith("build/")]
     check("what README.md names exists",
           [path for path in paths if not (ROOT / path).exists()] if paths else ["it names nothing"])
     check("each method of the contract goes through the boundary", outside_the_boundary())
     check("the texts that the contract quotes are the library's", unknown_texts())
+    check("each kernel with variants is tested and listed", forgotten_kernels())
     check("folders of src stand on lower ones only, clients on the installed headers only", wrong_includes())
 
     marks = re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b")

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -26,20 +27,36 @@ TEST(Variants, TheChoiceIsNeverBeyondTheMachine) {
     EXPECT_GE(CpuOfThisMachine(), Cpu::Sse2);
 }
 
+// What has variants for newer processors, as users know it.
+std::set<std::string> KernelNames() {
+    std::set<std::string> names = {
+        "look-up table, 8 bits", "cast, 16 bits to 8", "cast, float to 8 bits", "cast, 8 bits to 16",
+        "cast, 8 bits to float", "surface values",     "hemisphere values",     "correct with a polynomial, 8 bits"};
+    const auto add = [&](std::initializer_list<std::string> kernels, std::initializer_list<std::string> kinds) {
+        for (const std::string& kernel : kernels)
+            for (const std::string& kind : kinds) names.insert(kernel + ", " + kind);
+    };
+    add({"invert and add", "threshold", "gray measurements", "extremes", "median", "extremum sharpening",
+         "extremum sharpening of 3x3", "plane", "surfaces", "robust score", "robust score, selection", "correct"},
+        {"8 bits", "16 bits", "32 bits", "float"});
+    add({"divide", "display levels"}, {"16 bits", "32 bits", "float"});
+    add({"histogram"}, {"32 bits", "float"});
+    add({"add image", "Gaussian 3x3", "Gaussian 5x5", "Laplacian", "low sharpening", "medium sharpening", "Sobel"},
+        {"8 bits", "16 bits", "float"});
+    add({"picture"}, {"greys", "colour table", "colours of planes", "greys of some columns",
+                      "colour table of some columns", "pixels of some columns", "rows", "interpolation", "averages"});
+    return names;
+}
+
 TEST(Variants, EveryKernelIsListedOnceWithAVariantOfThisMachine) {
-    const std::set<std::string> known = {"scalar", "sse2", "avx2", "avx512"};
+    const std::string variants[] = {"scalar", "sse2", "avx2", "avx512"};  // in the order of Cpu
     std::set<std::string> kernels;
     for (const KernelInUse& kernel : KernelsInUse()) {
         EXPECT_TRUE(kernels.insert(kernel.kernel).second) << kernel.kernel;
-        EXPECT_EQ(1u, known.count(kernel.variant)) << kernel.kernel << " " << kernel.variant;
-        if (CpuInUse() < Cpu::Avx512) {
-            EXPECT_STRNE("avx512", kernel.variant) << kernel.kernel;
-        }
-        if (CpuInUse() < Cpu::Avx2) {
-            EXPECT_STRNE("avx2", kernel.variant) << kernel.kernel;
-        }
+        const auto cpu = std::find(std::begin(variants), std::end(variants), kernel.variant) - std::begin(variants);
+        EXPECT_LE(cpu, static_cast<ptrdiff_t>(CpuInUse())) << kernel.kernel << " " << kernel.variant;
     }
-    EXPECT_GT(kernels.size(), 20u);
+    EXPECT_EQ(KernelNames(), kernels);
 }
 
 }  // namespace
