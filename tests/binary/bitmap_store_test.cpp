@@ -46,28 +46,6 @@ TEST(BitmapStore, CreationKeepsTheBytesThatWereThere) {
     EXPECT_EQ((std::vector<uint8_t>{1, 2, 0, 0}), Bytes(store));
 }
 
-TEST(BitmapStore, CreationClearsWhenAsked) {
-    BitmapStore store = Counting(30, 5);
-    for (const int32_t width : {20, 30, 3000}) {
-        store.Create(width, 5, true);
-        EXPECT_EQ(std::vector<uint8_t>(static_cast<size_t>(5 * store.rowBytes())), Bytes(store));
-        store.Fill(0xff);
-    }
-}
-
-TEST(BitmapStore, TheRecordDescribesAMonochromeBitmap) {
-    const BitmapStore store = Counting(24, 3);
-    const BITMAP& record = store.record();
-    EXPECT_EQ(0, record.bmType);
-    EXPECT_EQ(24, record.bmWidth);
-    EXPECT_EQ(3, record.bmHeight);
-    EXPECT_EQ(4, record.bmWidthBytes);
-    EXPECT_EQ(1, record.bmPlanes);
-    EXPECT_EQ(1, record.bmBitsPixel);
-    EXPECT_EQ(store.Row(0), record.bmBits);
-    EXPECT_EQ(store.Row(0) + 8, store.Row(2));
-}
-
 TEST(BitmapStore, FailedCreationLeavesEverythingAsItWas) {
     BitmapStore store = Counting(10, 2);
     store.ClearModified(1);

@@ -1,5 +1,5 @@
-// The neighbourhood filters as their clients see them, against a slow road: weights, whole-number or double arithmetic,
-// and a mirror of its own.
+// The neighbourhood filters as their clients see them, against a slow road: definitions in doubles, and a mirror of its
+// own.
 
 #include <gmock/gmock.h>
 
@@ -14,24 +14,78 @@
 namespace orlix::testing {
 namespace {
 
-constexpr const char* kSource = "Orlix.Image.1";
+struct Range {
+    double lower, upper;
+    double Clamped(double v) const { return v < lower ? lower : v > upper ? upper : v; }
+};
+template <class Pixel>
+constexpr Range kFull = {static_cast<double>(std::numeric_limits<Pixel>::lowest()),
+                         static_cast<double>(std::numeric_limits<Pixel>::max())};
+
+// The pixels around one, row by row, as doubles, which hold every pixel exactly.
+using Square = std::vector<double>;
 
 struct Filter {
     std::string name;
-    HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG);
     int radius;
-    int divisor;
-    std::vector<int> weights;  // row by row
+    std::function<HRESULT(IImageProcess&, IImageVPA*, LONG)> apply;
+    std::function<double(const Square&, LONG type, const Range&)> slow;
 };
 
+auto Weighing(int divisor, const std::vector<int>& weights) {
+    return [=](const Square& square, LONG type, const Range& range) {
+        // Of whole numbers far below 2^53, or of floats, rounded.
+        const double v = std::inner_product(square.begin(), square.end(), weights.begin(), 0.0) / divisor;
+        return range.Clamped(type == DT_Float ? v : type == DT_DWORD ? std::floor(v + 0.5) : std::trunc(v));
+    };
+}
+
+// Roots of bytes and words are taken in the middle of buckets of the sum, of which bytes keep 16 bits.
+double SobelOf(const Square& s, LONG type, const Range& range) {
+    const double x = s[2] + 2 * s[5] + s[8] - (s[0] + 2 * s[3] + s[6]);
+    const double y = s[6] + 2 * s[7] + s[8] - (s[0] + 2 * s[1] + s[2]);
+    if (type == DT_Float) return range.Clamped(std::sqrt(x * x + y * y));
+    if (type == DT_DWORD) return range.Clamped(std::floor(std::sqrt(x * x + y * y) + 0.5));
+    const uint64_t sum = static_cast<uint64_t>(x * x + y * y) & (type == DT_BYTE ? 0xffff : ~uint64_t{0});
+    if (sum >> 32) return range.Clamped(65535);
+    const int bits = sum >> 24 ? 24 : sum >> 16 ? 16 : sum >> 12 ? 8 : sum >> 8 ? 4 : 0;
+    const uint64_t middle = bits ? (sum >> bits << bits) + (1u << (bits - 1)) : sum;
+    const double root = std::floor(std::sqrt(static_cast<double>(middle)) + 0.5);
+    return range.Clamped(sum < 65536 ? std::min(root, 255.0) : root);
+}
+
+double MedianOf(Square square, LONG, const Range&) {
+    std::sort(square.begin(), square.end());
+    return square[square.size() / 2];
+}
+
+double NearerExtreme(const Square& square, LONG type, const Range& range) {
+    const double p = square[square.size() / 2];
+    const double high = std::max(range.lower, *std::max_element(square.begin(), square.end()));
+    const double low = std::min(range.upper, *std::min_element(square.begin(), square.end()));
+    const auto distance = [=](double v) { return type == DT_Float ? static_cast<float>(v) : v; };
+    return distance(p - low) >= distance(high - p) ? high : low;
+}
+
 const std::vector<Filter>& Filters() {
+    using P = IImageProcess;
+    const auto by = [](HRESULT (STDMETHODCALLTYPE P::*method)(IImageVPA*, LONG)) {
+        return [method](P& p, IImageVPA* source, LONG band) { return (p.*method)(source, band); };
+    };
+    const auto extremum = [](LONG h) {
+        return [h](P& p, IImageVPA* source, LONG band) { return p.ExtremumSharpening(h, source, band); };
+    };
     static const std::vector<Filter> filters = {
-        {"Laplacian", &IImageProcess::Laplacian, 1, 6, {1, 4, 1, 4, -20, 4, 1, 4, 1}},
-        {"SharpenLow", &IImageProcess::SharpenLow, 1, 2, {0, -1, 0, -1, 6, -1, 0, -1, 0}},
-        {"SharpenMedium", &IImageProcess::SharpenMedium, 1, 1, {0, -1, 0, -1, 5, -1, 0, -1, 0}},
-        {"Gaussian3x3", &IImageProcess::Gaussian3x3, 1, 16, {1, 2, 1, 2, 4, 2, 1, 2, 1}},
-        {"Gaussian5x5", &IImageProcess::Gaussian5x5, 2, 256, {1,  4, 6, 4,  1,  4,  16, 24, 16, 4, 6, 24, 36,
-                                                              24, 6, 4, 16, 24, 16, 4,  1,  4,  6, 4, 1}},
+        {"Laplacian", 1, by(&P::Laplacian), Weighing(6, {1, 4, 1, 4, -20, 4, 1, 4, 1})},
+        {"SharpenLow", 1, by(&P::SharpenLow), Weighing(2, {0, -1, 0, -1, 6, -1, 0, -1, 0})},
+        {"SharpenMedium", 1, by(&P::SharpenMedium), Weighing(1, {0, -1, 0, -1, 5, -1, 0, -1, 0})},
+        {"Gaussian3x3", 1, by(&P::Gaussian3x3), Weighing(16, {1, 2, 1, 2, 4, 2, 1, 2, 1})},
+        {"Gaussian5x5", 2, by(&P::Gaussian5x5),
+         Weighing(256, {1, 4, 6, 4, 1, 4, 16, 24, 16, 4, 6, 24, 36, 24, 6, 4, 16, 24, 16, 4, 1, 4, 6, 4, 1})},
+        {"Sobel", 1, by(&P::Sobel), SobelOf},
+        {"Median3x3", 1, by(&P::Median3x3), MedianOf},
+        {"ExtremumSharpening", 1, extremum(1), NearerExtreme},
+        {"ExtremumSharpening", 4, extremum(4), NearerExtreme},
     };
     return filters;
 }
@@ -61,24 +115,13 @@ Plane<Pixel> Noise(LONG width, LONG height, uint32_t seed) {
     return plane;
 }
 
-struct Range {
-    double lower, upper;
-};
-template <class Pixel>
-constexpr Range kFull = {static_cast<double>(std::numeric_limits<Pixel>::lowest()),
-                         static_cast<double>(std::numeric_limits<Pixel>::max())};
-
 template <class Pixel>
 double Expected(const Filter& filter, const Plane<Pixel>& source, LONG x, LONG y, const Range& range) {
-    double sum = 0;  // of whole numbers far below 2^53, or of floats, rounded
-    size_t i = 0;
-    for (LONG dy = -filter.radius; dy <= filter.radius; ++dy)
-        for (LONG dx = -filter.radius; dx <= filter.radius; ++dx)
-            sum += filter.weights[i++] * static_cast<double>(source.at(x + dx, y + dy));
-    double v = sum / filter.divisor;
-    if (sizeof(Pixel) < 4) v = std::trunc(v);
-    if (std::is_same_v<Pixel, uint32_t>) v = std::floor(v + 0.5);
-    return v < range.lower ? range.lower : v > range.upper ? range.upper : v;
+    Square square;
+    for (LONG v = y - filter.radius; v <= y + filter.radius; ++v)
+        for (LONG u = x - filter.radius; u <= x + filter.radius; ++u)
+            square.push_back(static_cast<double>(source.at(u, v)));
+    return filter.slow(square, kTypeOf<Pixel>, range);
 }
 
 template <class Pixel>
@@ -102,7 +145,7 @@ struct Image {
         Check(process->put_RegionOfInterest(region.get()), process);
     }
     HRESULT Apply(const Filter& filter, IImageVPA* source, LONG band = 0) const {
-        return (process.get()->*filter.method)(source, band);
+        return filter.apply(*process, source, band);
     }
 };
 
@@ -130,7 +173,6 @@ constexpr auto kEverywhere = [](LONG, LONG) { return true; };
 
 template <class Pixel>
 class FilterOf : public ::testing::Test {};
-using PixelTypes = ::testing::Types<uint8_t, uint16_t, uint32_t, float>;
 TYPED_TEST_SUITE(FilterOf, PixelTypes, );
 
 TYPED_TEST(FilterOf, WholeImagesMirrorsTheBorderAndClampsToTheLuminanceRange) {
@@ -312,15 +354,14 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
     for (const Filter& filter : Filters()) {
         const std::string type = "IImageProcess::" + filter.name + ": data type mismatch.";
         const std::string bands = "IImageProcess::" + filter.name + ": mismatch in the number of bands to process.";
-        EXPECT_TRUE(Fails(one.Apply(filter, words.get(), BI_AllBands), type.c_str(), kSource));  // before the bands
-        EXPECT_TRUE(Fails(one.Apply(filter, foreign.get()), type.c_str(), kSource));
-        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), BI_AllBands), bands.c_str(), kSource));
-        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range", kSource));
-        EXPECT_TRUE(Fails(one.Apply(filter, empty.get()),
-                          ("IImageProcess::" + filter.name + ": no source image.").c_str(), kSource));
+        EXPECT_TRUE(Fails(one.Apply(filter, words.get(), BI_AllBands), type));  // before the bands
+        EXPECT_TRUE(Fails(one.Apply(filter, foreign.get()), type));
+        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), BI_AllBands), bands));
+        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range"));
+        EXPECT_TRUE(Fails(one.Apply(filter, empty.get()), "IImageProcess::" + filter.name + ": no source image."));
         EXPECT_TRUE(FailsSilently(one.Apply(filter, nullptr), E_POINTER));
-        EXPECT_TRUE(Fails((Cast<IImageProcess>(empty).get()->*filter.method)(one.pixels.get(), 0),
-                          ("IImageProcess::" + filter.name + ": no image.").c_str(), kSource));
+        EXPECT_TRUE(Fails(filter.apply(*Cast<IImageProcess>(empty), one.pixels.get(), 0),
+                          "IImageProcess::" + filter.name + ": no image."));
     }
     EXPECT_THAT(PixelsOf<uint8_t>(one.pixels), ::testing::Each(9));
 }
@@ -343,6 +384,28 @@ TEST(FilterContract, SourcesThatInterfereDoNoHarm) {
             };
             EXPECT_TRUE(FailsSilently(to.Apply(filter, foreign.get()))) << filter.name;
         }
+}
+
+// Beyond the margin of 200 only pixels away from the borders have a square.
+TEST(ExtremumSharpening, OfHalfSizesBeyondTheMarginIsDefined) {
+    std::vector<uint8_t> pixels(8 * 6, 100);
+    pixels[0] = 10, pixels[47] = 190;
+    const Image<uint8_t> from(Plane<uint8_t>{8, 6, pixels}), to(8, 6);
+    for (const LONG h : {LONG{203}, LONG{100000}, std::numeric_limits<LONG>::max()}) {
+        ASSERT_EQ(S_OK, to.process->ScalarEquals(7));
+        ASSERT_EQ(S_OK, to.process->ExtremumSharpening(h, from.pixels.get(), 0));
+        EXPECT_THAT(PixelsOf<uint8_t>(to.pixels), ::testing::Each(7)) << h;
+    }
+    ASSERT_EQ(S_OK, to.process->ExtremumSharpening(202, from.pixels.get(), 0));
+    std::vector<uint8_t> want(8 * 6, 7);
+    for (size_t y = 2; y <= 3; ++y)
+        for (size_t x = 2; x <= 5; ++x) want[y * 8 + x] = 190;  // 90 below 190 and 90 above 10: a tie
+    EXPECT_EQ(want, PixelsOf<uint8_t>(to.pixels));
+    for (const LONG h : {LONG{-1}, std::numeric_limits<LONG>::min()}) {
+        ASSERT_EQ(S_OK, to.process->ExtremumSharpening(h, from.pixels.get(), 0));
+        EXPECT_EQ(255, PixelsOf<uint8_t>(to.pixels)[0]) << "mn is the upper limit, mx the lower one";
+        EXPECT_EQ(0, PixelsOf<uint8_t>(to.pixels)[47]);
+    }
 }
 
 }  // namespace

@@ -14,8 +14,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr const char* kSource = "Orlix.Image.1";
-
 // A folder of the test's own, with characters beyond Latin-1 in its name.
 class ImageFiles : public ::testing::Test {
 protected:
@@ -134,7 +132,7 @@ TEST_F(ImageFiles, FailedLoadsLeaveTheImageAsItWas) {
           Case{"deep.bmp",
                "IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported."},
           Case{"packed.bmp", "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported."}})
-        EXPECT_TRUE(Fails(image->CreateFromFile(Text(Path(c.name))), c.text, kSource, DISP_E_EXCEPTION)) << c.name;
+        EXPECT_TRUE(Fails(image->CreateFromFile(Text(Path(c.name))), c.text, kImageSource, DISP_E_EXCEPTION)) << c.name;
     EXPECT_EQ(DISP_E_EXCEPTION, image->CreateFromFile(Text(Path("cut.png"))));
     EXPECT_NE("", TakeReported().text);
     EXPECT_EQ(DISP_E_EXCEPTION, image->CreateFromFile(nullptr));
@@ -146,21 +144,17 @@ TEST_F(ImageFiles, TheLimitOfSamplesIsTheObjectsOwn) {
     ASSERT_EQ(S_OK, Save(ImageOf<uint8_t>(3, {1, 2, 3, 4, 5, 6}), Path("six.png")));
     const auto image = ImageOf<uint16_t>(2, {5, 6});
     const auto file = Cast<IImageFile>(image);
-    LONG limit = 0;
-    EXPECT_EQ(S_OK, file->get_SampleLimit(&limit));
-    EXPECT_EQ(268435456, limit);
+    EXPECT_EQ(268435456, Get(file, &IImageFile::get_SampleLimit));
     EXPECT_TRUE(FailsSilently(file->get_SampleLimit(nullptr), E_POINTER));
-    EXPECT_TRUE(
-        Fails(file->put_SampleLimit(-1), "IImageFile::put_SampleLimit: the limit must not be negative.", kSource));
+    EXPECT_TRUE(Fails(file->put_SampleLimit(-1), "IImageFile::put_SampleLimit: the limit must not be negative."));
     EXPECT_EQ(S_OK, file->put_SampleLimit(5));
     EXPECT_TRUE(Fails(image->CreateFromFile(Text(Path("six.png"))),
-                      "IImageVPAEx::CreateFromFile: the image has 6 samples, more than the limit of 5.", kSource,
+                      "IImageVPAEx::CreateFromFile: the image has 6 samples, more than the limit of 5.", kImageSource,
                       DISP_E_EXCEPTION));
     EXPECT_THAT(PixelsOf<uint16_t>(image), ElementsAre(5, 6));
     EXPECT_EQ(S_OK, file->put_SampleLimit(6));
     EXPECT_EQ(S_OK, image->CreateFromFile(Text(Path("six.png"))));
-    EXPECT_EQ(S_OK, file->get_SampleLimit(&limit));
-    EXPECT_EQ(6, limit);
+    EXPECT_EQ(6, Get(file, &IImageFile::get_SampleLimit));
     Load("six.png");  // another object's is the initial one
 
     EXPECT_EQ(S_OK, file->put_SampleLimit(0));
@@ -191,7 +185,7 @@ TEST_F(ImageFiles, RefusedSavesLeaveTheOldFileAsItWas) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
-        EXPECT_TRUE(Fails(Cast<IImageFile>(c.image)->SaveToFile(Text(Path(c.name)), c.format), c.text, kSource));
+        EXPECT_TRUE(Fails(Cast<IImageFile>(c.image)->SaveToFile(Text(Path(c.name)), c.format), c.text));
         EXPECT_EQ("the old content", Read("old.png"));
     }
     EXPECT_EQ(1u, Files());
@@ -206,7 +200,7 @@ TEST(ImageFileProperties, AreChecked) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (const auto& [badX, badY] : {std::pair{0.0, 1.0}, {-1.0, 1.0}, {1.0, infinity}, {infinity - infinity, 1.0}})
         EXPECT_TRUE(Fails(file->PutMicronsPerPixel(badX, badY),
-                          "IImageFile::PutMicronsPerPixel: the pixel size must be positive.", kSource));
+                          "IImageFile::PutMicronsPerPixel: the pixel size must be positive."));
     ASSERT_EQ(S_OK, file->PutMicronsPerPixel(2, 3));
     const auto part = CreateObject<IImageVPAExPlus>("Orlix.Image");
     ASSERT_EQ(S_OK, part->CreateFromSubImage(image.get(), 0, 0, 0, 0, 0));
@@ -217,25 +211,22 @@ TEST(ImageFileProperties, AreChecked) {
 
     const auto entries = Cast<IImageEntries>(image);
     for (const char* const bad : {"", " a", "a ", "a  b", "a\tb", "\xE9\x9D\xA2"})
-        EXPECT_TRUE(Fails(entries->PutTextEntry(Text(bad), Text("x")), "IImageEntries::PutTextEntry: invalid keyword.",
-                          kSource));
+        EXPECT_TRUE(
+            Fails(entries->PutTextEntry(Text(bad), Text("x")), "IImageEntries::PutTextEntry: invalid keyword."));
     ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Lens"), Text("50x")));
     ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Lens"), Text("100x")));
     ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Description"), Text("seen")));
-    LONG count = 0;
-    ASSERT_EQ(S_OK, entries->get_NumberOfTextEntries(&count));
-    EXPECT_EQ(1, count);
+    EXPECT_EQ(1, Get(entries, &IImageEntries::get_NumberOfTextEntries));
     Text description, keyword, text;
     ASSERT_EQ(S_OK, image->get_Description(description.Out()));
     EXPECT_EQ("seen", description.Utf8());
     for (const LONG index : {LONG{-1}, LONG{1}})
         EXPECT_TRUE(Fails(entries->GetTextEntry(index, keyword.Out(), text.Out()),
-                          "IImageEntries::GetTextEntry: Index is out of range.", kSource));
+                          "IImageEntries::GetTextEntry: Index is out of range."));
     ASSERT_EQ(S_OK, entries->GetTextEntry(0, keyword.Out(), text.Out()));
     EXPECT_EQ("100x", text.Utf8());
     ASSERT_EQ(S_OK, entries->PutTextEntry(Text("Lens"), nullptr));
-    ASSERT_EQ(S_OK, entries->get_NumberOfTextEntries(&count));
-    EXPECT_EQ(0, count);
+    EXPECT_EQ(0, Get(entries, &IImageEntries::get_NumberOfTextEntries));
     EXPECT_EQ(E_POINTER, file->GetMicronsPerPixel(&x, nullptr));
     EXPECT_EQ(E_POINTER, entries->get_NumberOfTextEntries(nullptr));
     EXPECT_EQ(E_POINTER, entries->GetTextEntry(0, nullptr, text.Out()));

@@ -12,7 +12,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr const char* kSource = "Orlix.Image.1";
 constexpr LONG kMaximum = std::numeric_limits<LONG>::max();
 constexpr LONG kMinimum = std::numeric_limits<LONG>::min();
 
@@ -91,7 +90,7 @@ TEST(ImageContract, BandsOutOfRangeAreReportedWithNullOutputs) {
     for (const LONG band : {LONG{-1}, LONG{2}, kMinimum, kMaximum}) {
         void* base = image.get();
         VPAEntry* table = reinterpret_cast<VPAEntry*>(image.get());
-        EXPECT_TRUE(Fails(image->VPA(band, &base, &table), "IImageVPA::VPA: BandIndex is out of range", kSource,
+        EXPECT_TRUE(Fails(image->VPA(band, &base, &table), "IImageVPA::VPA: BandIndex is out of range", kImageSource,
                           DISP_E_EXCEPTION));
         EXPECT_EQ(nullptr, base);
         EXPECT_EQ(nullptr, table);
@@ -111,7 +110,8 @@ TEST(ImageContract, CreateChecksItsArgumentsInOrderAndKeepsTheImage) {
                           Case{kMinimum, 1, 1, "IImageVPAEx::Create: Width must be positive."},
                           Case{1, -1, 0, "IImageVPAEx::Create: Height must be positive."},
                           Case{1, 1, 0, "IImageVPAEx::Create: Bands must be positive."}}) {
-        EXPECT_TRUE(Fails(image->Create(c.width, c.height, c.bands, DT_BYTE, 1), c.text, kSource, DISP_E_EXCEPTION));
+        EXPECT_TRUE(
+            Fails(image->Create(c.width, c.height, c.bands, DT_BYTE, 1), c.text, kImageSource, DISP_E_EXCEPTION));
         EXPECT_THAT(PixelsOf<uint8_t>(image), ElementsAre(1, 2, 3));
     }
 }
@@ -128,7 +128,7 @@ TEST(ImageContract, CreateOfAnUnsupportedTypeEmptiesTheImageSilently) {
 
 TEST(ImageContract, ARefusedCreationOfAnotherTypeLeavesAnEmptyImageOfThatType) {
     const auto image = NewImage<uint8_t>(2, 2);
-    EXPECT_TRUE(Fails(image->Create(0, 2, 1, DT_WORD, 1), "IImageVPAEx::Create: Width must be positive.", kSource,
+    EXPECT_TRUE(Fails(image->Create(0, 2, 1, DT_WORD, 1), "IImageVPAEx::Create: Width must be positive.", kImageSource,
                       DISP_E_EXCEPTION));
     EXPECT_THAT(DimensionsOf(image), ElementsAre(0, 0, 0));
     LONG type = 0;
@@ -238,13 +238,13 @@ TEST(AttachBuffer, ChecksItsArgumentsInOrder) {
     const auto image = Empty();
     uint8_t pixels[16] = {};
     EXPECT_TRUE(Fails(image->AttachBuffer(nullptr, 0, 0, 0, DT_BYTE, 0), "IImageVPAEx::AttachBuffer: no source buffer.",
-                      kSource, DISP_E_EXCEPTION));
+                      kImageSource, DISP_E_EXCEPTION));
     EXPECT_TRUE(Fails(image->AttachBuffer(pixels, 0, 0, 0, DT_BYTE, 0),
-                      "IImageVPAEx::AttachBuffer: Width must be positive.", kSource, DISP_E_EXCEPTION));
+                      "IImageVPAEx::AttachBuffer: Width must be positive.", kImageSource, DISP_E_EXCEPTION));
     EXPECT_TRUE(Fails(image->AttachBuffer(pixels, 1, 0, 0, DT_BYTE, 0),
-                      "IImageVPAEx::AttachBuffer: Height must be positive.", kSource, DISP_E_EXCEPTION));
+                      "IImageVPAEx::AttachBuffer: Height must be positive.", kImageSource, DISP_E_EXCEPTION));
     EXPECT_TRUE(Fails(image->AttachBuffer(pixels, 1, 1, 0, DT_BYTE, 0),
-                      "IImageVPAEx::AttachBuffer: Bands must be positive.", kSource, DISP_E_EXCEPTION));
+                      "IImageVPAEx::AttachBuffer: Bands must be positive.", kImageSource, DISP_E_EXCEPTION));
     EXPECT_TRUE(FailsSilently(image->AttachBuffer(pixels, 1, 1, 1, DT_Double, 0)));
 }
 
@@ -254,8 +254,7 @@ TEST(AttachBuffer, RefusesMemoryThatCannotBeReadAndStaysPointingAtIt) {
     for (int again = 0; again < 2; ++again)
         EXPECT_TRUE(Fails(
             image->AttachBuffer(wild, 64, 64, 1, DT_BYTE, 1),
-            "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading.",
-            kSource));
+            "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading."));
     EXPECT_THAT(DimensionsOf(image), ElementsAre(1, 64, 64));
     EXPECT_EQ(wild, BandOf(image).base);
     auto* const last = reinterpret_cast<void*>(~uintptr_t{15});
@@ -266,13 +265,13 @@ TEST(AttachBuffer, RefusesMemoryThatCannotBeReadAndStaysPointingAtIt) {
     IHistogram* histogram = nullptr;
     EXPECT_EQ(E_FAIL, process->Invert());
     EXPECT_EQ(E_FAIL, process->get_Histogram(&histogram));
-    EXPECT_TRUE(Fails(Cast<IImageFile>(image)->SaveToFile(Text("never.png"), IFF_PNG),
-                      "IImageFile::SaveToFile: no image.", kSource));
+    EXPECT_TRUE(
+        Fails(Cast<IImageFile>(image)->SaveToFile(Text("never.png"), IFF_PNG), "IImageFile::SaveToFile: no image."));
     const auto copy = Empty();
     EXPECT_TRUE(FailsSilently(copy->CreateFromImage(image.get(), 0)));
     const auto sum = ImageOf<uint8_t>(2, {1, 2});
-    EXPECT_TRUE(Fails(Cast<IImageProcess>(sum)->PlusEquals(image.get(), 0),
-                      "IImageProcess::PlusEquals: no source image.", kSource));
+    EXPECT_TRUE(
+        Fails(Cast<IImageProcess>(sum)->PlusEquals(image.get(), 0), "IImageProcess::PlusEquals: no source image."));
     ASSERT_EQ(S_OK, image->Create(2, 1, 1, DT_BYTE, 1));
     EXPECT_EQ(S_OK, process->Invert());
 }
@@ -282,8 +281,7 @@ TEST(AttachBuffer, RefusesReadOnlyMemory) {
     const auto image = Empty();
     EXPECT_TRUE(
         Fails(image->AttachBuffer(const_cast<uint8_t*>(kConstant), 64, 64, 1, DT_BYTE, 1),
-              "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for writing.",
-              kSource));
+              "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for writing."));
 }
 
 TEST(AttachBuffer, RefusesABufferThatIsTooShort) {
@@ -291,8 +289,7 @@ TEST(AttachBuffer, RefusesABufferThatIsTooShort) {
     const auto image = Empty();
     EXPECT_TRUE(
         Fails(image->AttachBuffer(pixels.data(), 30000, 60000, 1, DT_BYTE, 0),
-              "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading.",
-              kSource));
+              "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading."));
 }
 
 // -------------------------------------------------------------------------------------------------------------- copies
@@ -322,7 +319,7 @@ TEST(CreateFromImage, CopiesOneBandOrAllWithTheMapAndRefusesItself) {
 TEST(CreateFromImage, FailsAsTheSourceDoesBeforeAnythingChanges) {
     const auto image = ImageOf<uint8_t>(2, {1, 2});
     const auto source = NewImage<uint16_t>(3, 2, 1);
-    EXPECT_TRUE(Fails(image->CreateFromImage(source.get(), 1), "IImageVPA::VPA: BandIndex is out of range", kSource));
+    EXPECT_TRUE(Fails(image->CreateFromImage(source.get(), 1), "IImageVPA::VPA: BandIndex is out of range"));
     EXPECT_TRUE(FailsSilently(image->CreateFromImage(Empty().get(), 0)));
     EXPECT_THAT(PixelsOf<uint8_t>(image), ElementsAre(1, 2));
 }
@@ -364,12 +361,12 @@ TEST(CreateFromSubImage, ReadsTheMirroredMarginAndRefusesToGoBeyondIt) {
     const LONG outside[][4] = {
         {-201, 0, 1, 1}, {0, -201, 1, 1}, {0, 0, 203, 1}, {0, 0, 1, 202}, {kMinimum, kMinimum, kMaximum, kMaximum}};
     for (const auto& r : outside)
-        EXPECT_TRUE(
-            Fails(part->CreateFromSubImage(source.get(), 0, r[0], r[1], r[2], r[3]), text, kSource, DISP_E_EXCEPTION));
+        EXPECT_TRUE(Fails(part->CreateFromSubImage(source.get(), 0, r[0], r[1], r[2], r[3]), text, kImageSource,
+                          DISP_E_EXCEPTION));
     EXPECT_TRUE(Fails(part->CreateFromSubImage(source.get(), 0, 2, 0, 1, 1),
-                      "IImageVPAEx::Create: Width must be positive.", kSource, DISP_E_EXCEPTION));
+                      "IImageVPAEx::Create: Width must be positive.", kImageSource, DISP_E_EXCEPTION));
     EXPECT_TRUE(Fails(part->CreateFromSubImage(source.get(), 0, 0, kMaximum, 1, kMinimum),
-                      "IImageVPAEx::Create: Height must be positive.", kSource, DISP_E_EXCEPTION));
+                      "IImageVPAEx::Create: Height must be positive.", kImageSource, DISP_E_EXCEPTION));
     EXPECT_THAT(DimensionsOf(part), ElementsAre(1, 403, 402));
 }
 
@@ -440,7 +437,8 @@ TEST(ForeignImages, MayCallBackIntoTheImageThatReadsThem) {
     foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 2 * y; });
     const auto image = NewImage<uint8_t>(64, 64);
     foreign->onVpa = [&] { Check(image->Create(1, 1, 1, DT_Float, 1)); };
-    EXPECT_TRUE(FailsSilently(Cast<IImageProcess>(image)->PlusEquals(foreign.get(), 0)) || DimensionsOf(image)[1] == 1);
+    EXPECT_EQ(S_OK, Cast<IImageProcess>(image)->PlusEquals(foreign.get(), 0)) << "to the bytes that were there";
+    EXPECT_THAT(PixelsOf<float>(image), ElementsAre(0.0f));
     ASSERT_EQ(S_OK, image->CreateFromImage(foreign.get(), 0));
     EXPECT_THAT(PixelsOf<uint8_t>(image), ElementsAre(1, 2, 3, 4));
 }

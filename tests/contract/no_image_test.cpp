@@ -1,4 +1,4 @@
-// What methods say of an image that has no pixels. (Filters say it too: filter_test.cpp, edge_filter_test.cpp.)
+// What methods say of an image that has no pixels. (Filters say it too: filter_test.cpp.)
 #include <functional>
 
 #include "contract/support.hpp"
@@ -104,7 +104,7 @@ const Call kPixels[] = {
 void ExpectNoImage(const Interfaces& on, std::span<const Call> calls) {
     for (const Call& call : calls) {
         const std::string text = std::string(call.method) + ": no image.";
-        EXPECT_TRUE(Fails(call.make(on), text.c_str(), "Orlix.Image.1"));
+        EXPECT_TRUE(Fails(call.make(on), text, "Orlix.Image.1"));
     }
 }
 

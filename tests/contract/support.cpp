@@ -29,7 +29,7 @@ Reported TakeReported() {
     return {text.Utf8(), source.Utf8()};
 }
 
-::testing::AssertionResult Fails(HRESULT result, const char* text, const char* source, HRESULT expected) {
+::testing::AssertionResult Fails(HRESULT result, const std::string& text, const char* source, HRESULT expected) {
     const Reported reported = TakeReported();
     if (result == expected && reported.text == text && reported.source == source) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "result 0x" << std::hex << static_cast<uint32_t>(result) << ", text \""

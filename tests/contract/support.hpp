@@ -7,11 +7,17 @@
 #include <orlix/client.hpp>
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
 namespace orlix::testing {
+
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
+inline constexpr const char* kImageSource = "Orlix.Image.1";
 
 // Takes the thread's error information: its text, and where it came from. Both empty when there is none.
 struct Reported {
@@ -21,12 +27,23 @@ struct Reported {
 Reported TakeReported();
 
 // The call failed with the result and reported the text in the name of the source.
-::testing::AssertionResult Fails(HRESULT result, const char* text, const char* source, HRESULT expected = E_FAIL);
+::testing::AssertionResult Fails(HRESULT result, const std::string& text, const char* source = kImageSource,
+                                 HRESULT expected = E_FAIL);
 // The call failed with the result and reported nothing.
 ::testing::AssertionResult FailsSilently(HRESULT result, HRESULT expected = E_FAIL);
 
 ULONG ReferencesOf(IUnknown* object);
 
+// The value of a property.
+template <class Object, class I, class Value>
+Value Get(const Object& object, HRESULT (STDMETHODCALLTYPE I::*property)(Value*)) {
+    Value value;
+    std::memset(&value, 0xa5, sizeof value);
+    Check((object.get()->*property)(&value), object);
+    return value;
+}
+
+using PixelTypes = ::testing::Types<uint8_t, uint16_t, uint32_t, float>;
 template <class Pixel>
 constexpr LONG kTypeOf = 0;
 template <>

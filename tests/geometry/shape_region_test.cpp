@@ -66,34 +66,6 @@ std::string FailureOf(Action action) {
 
 // ---------------------------------------------------------------------------------------------------------- rectangles
 
-TEST(ShapeRegion, ARectangleIsOneRunInEachRowOfItsBox) {
-    const ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
-    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());
-    EXPECT_THAT(Runs(shape, 4), Is({}));
-    for (int32_t y = 5; y <= 8; ++y) EXPECT_THAT(Runs(shape, y), Is({{10, 20}}));
-    EXPECT_THAT(Runs(shape, 9), Is({}));
-}
-
-TEST(ShapeRegion, TheOutsideIsLeftAndRightOfTheShapeAndTheBoxIsTheImage) {
-    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
-    shape.set_polarity(PT_Outside);
-    EXPECT_EQ((Box{0, 0, 99, 49}), shape.BoundingBox());
-    EXPECT_THAT(Runs(shape, 6), Is({{0, 9}, {21, 99}}));
-    EXPECT_THAT(Runs(shape, 4), Is({{0, 99}}));
-    shape.CreateRectangle(100, 50, 0, 0, 99, 49);  // the polarity stays
-    EXPECT_THAT(Runs(shape, 10), Is({{0, -1}, {100, 99}}));
-}
-
-TEST(ShapeRegion, TheFrameOfARectangleIsOnePixelThick) {
-    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
-    shape.set_polarity(PT_Frame);
-    EXPECT_THAT(Runs(shape, 5), Is({{10, 20}}));
-    EXPECT_THAT(Runs(shape, 6), Is({{10, 10}, {20, 20}}));
-    EXPECT_THAT(Runs(shape, 7), Is({{10, 10}, {20, 20}}));
-    EXPECT_THAT(Runs(shape, 8), Is({{10, 20}}));
-    EXPECT_THAT(Runs(shape, 9), Is({}));
-}
-
 TEST(ShapeRegion, ARectangleBesideTheImageHasReversedRunsOrNoRows) {
     EXPECT_EQ((Box{0, 2, -5, 4}), Rectangle(100, 50, -10, 2, -5, 4).BoundingBox());
     EXPECT_THAT(Runs(Rectangle(100, 50, -10, 2, -5, 4), 3), Is({{0, -5}}));
@@ -113,23 +85,6 @@ TEST(ShapeRegion, TheLargestRectangleNeedsNoMemory) {
 }
 
 // ------------------------------------------------------------------------------------------------------------- circles
-
-TEST(ShapeRegion, ACircleHoldsThePixelCentresWithinItsRadius) {
-    const ShapeRegion shape = Circle(100, 100, 50, 50, 2);
-    EXPECT_EQ((Box{48, 48, 52, 52}), shape.BoundingBox());
-    EXPECT_THAT(Runs(shape, 47), Is({}));
-    EXPECT_THAT(Runs(shape, 48), Is({{50, 50}}));
-    EXPECT_THAT(Runs(shape, 49), Is({{49, 51}}));
-    EXPECT_THAT(Runs(shape, 50), Is({{48, 52}}));
-    EXPECT_THAT(Runs(shape, 51), Is({{49, 51}}));
-    EXPECT_THAT(Runs(shape, 52), Is({{50, 50}}));
-}
-
-TEST(ShapeRegion, ACircleAtTheEdgeIsNotClippedToTheColumns) {
-    const ShapeRegion shape = Circle(100, 100, 1, 50, 5);
-    EXPECT_EQ((Box{0, 45, 6, 55}), shape.BoundingBox());
-    EXPECT_THAT(Runs(shape, 50), Is({{-4, 6}}));
-}
 
 TEST(ShapeRegion, ACircleRowWithoutPixelsLeavesItsOutsideWhole) {
     ShapeRegion shape = Circle(100, 100, 5.5, 5.5, 0.5);
@@ -202,14 +157,6 @@ TEST(ShapeRegion, CirclesOfAnySizeAreDefined) {
 }
 
 // ------------------------------------------------------------------------------------------------- oriented rectangles
-
-TEST(ShapeRegion, AnUprightOrientedRectangleIncludesItsBorder) {
-    const ShapeRegion shape = Oriented(100, 100, 55, 50, 45, 50, 4);
-    EXPECT_EQ((Box{45, 48, 55, 52}), shape.BoundingBox());
-    EXPECT_THAT(Runs(shape, 47), Is({}));
-    for (int32_t y = 48; y <= 52; ++y) EXPECT_THAT(Runs(shape, y), Is({{45, 55}}));
-    EXPECT_THAT(Runs(shape, 53), Is({}));
-}
 
 TEST(ShapeRegion, ADiamondIsScannedBetweenItsEdges) {
     // Centre (10, 10), all corners a little less than 5 away, straight up, down, left and right.
@@ -373,32 +320,7 @@ TEST(ShapeRegion, FramesHoldThePixelsThatTheirNeighboursDoNotCover) {
     }
 }
 
-TEST(ShapeRegion, OtherPolaritiesCountAsInside) {
-    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
-    shape.set_polarity(static_cast<PolarityType>(3));
-    EXPECT_EQ(3, static_cast<int>(shape.polarity()));
-    EXPECT_THAT(Runs(shape, 6), Is({{10, 20}}));
-    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());
-}
-
 // ------------------------------------------------------------------------------------------------------------ failures
-
-TEST(ShapeRegion, EachCreationTestsWidthThenHeightAndThenChangesNothing) {
-    const std::string prefix = "IShapeRegionOfInterest::";
-    ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
-    const auto expect = [&](const std::string& method, auto create) {
-        for (const int32_t bad : {0, -1, kLeast}) {
-            EXPECT_EQ(prefix + method + ": width must be positive.", FailureOf([&] { create(bad, bad); }));
-            EXPECT_EQ(prefix + method + ": height must be positive.", FailureOf([&] { create(7, bad); }));
-        }
-        EXPECT_EQ(100, shape.width());
-        EXPECT_THAT(Runs(shape, 6), Is({{10, 20}}));
-    };
-    expect("CreateRectangle", [&](int32_t w, int32_t h) { shape.CreateRectangle(w, h, 9, 9, 1, 1); });
-    expect("CreateCircle", [&](int32_t w, int32_t h) { shape.CreateCircle(w, h, 1, 1, kNaN); });
-    expect("CreateOrientedRectangle",
-           [&](int32_t w, int32_t h) { shape.CreateOrientedRectangle(w, h, 1, 1, 1, 1, 1); });
-}
 
 TEST(ShapeRegion, AFailureAfterTheSizeLeavesTheNewSizeAndNoPixels) {
     ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
@@ -421,14 +343,6 @@ TEST(ShapeRegion, AFailureAfterTheSizeLeavesTheNewSizeAndNoPixels) {
     FailureOf([&] { shape.CreateOrientedRectangle(11, 12, 1, 1, 1, 1, 1); });
     EXPECT_EQ(11, shape.width());
     EXPECT_EQ(12, shape.height());
-}
-
-TEST(ShapeRegion, ANewOneHasNoSizeAndNoPixels) {
-    const ShapeRegion shape;
-    EXPECT_EQ(0, shape.width());
-    EXPECT_EQ(0, shape.height());
-    EXPECT_EQ(PT_Inside, shape.polarity());
-    EXPECT_EQ((Box{0, 0, -1, -1}), shape.BoundingBox());
 }
 
 TEST(Rounding, EveryDoubleBecomesAWholeNumberOf32Bits) {

@@ -5,10 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <functional>
-#include <string>
 
-#include "component/failure.hpp"
 #include "histogram/histograms.hpp"
 #include "histogram/statistics.hpp"
 
@@ -16,15 +13,6 @@ namespace {
 
 using namespace orlix;
 using namespace orlix::testing;
-
-std::string FailureOf(const std::function<void()>& body) {
-    try {
-        body();
-    } catch (const Failure& failure) {
-        return failure.what();
-    }
-    return "";
-}
 
 // ---------------------------------------------------------------------------------------------------------- tail cut
 
@@ -51,25 +39,6 @@ TEST(Thresholds, TheTailCutLeavesTheGivenFractionsOutside) {
         const TailCut cut = CutTails(c.counts, c.left, c.right);
         EXPECT_EQ(c.wantLeft, cut.left) << c.left;
         EXPECT_EQ(c.wantRight, cut.right) << c.right;
-    }
-}
-
-TEST(Thresholds, TheTailCutRefusesFractionsInTheirOrder) {
-    const char* left = "IHistogram::AutoThresholdTrim: the amount trimmed on the left must be between 0.0 and 1.0.";
-    const char* right = "IHistogram::AutoThresholdTrim: the amount trimmed on the right must be between 0.0 and 1.0.";
-    const char* total = "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0.";
-    struct Case {
-        double trimLeft, trimRight;
-        const char* text;
-    };
-    const Case cases[] = {
-        {1.0, 0.0, left},      {-1e-300, 0.0, left}, {kNaN, kNaN, left},      {kInfinity, 2.0, left}, {0.0, 1.0, right},
-        {0.9, -0.1, right},    {0.0, kNaN, right},   {0.9, kInfinity, right}, {0.6, 0.4, total},      {0.5, 0.5, total},
-        {0.999, 0.999, total}, {0.5, 0.49, ""},      {-0.0, -0.0, ""},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.text, FailureOf([&] { CutTails(Counts{1, 2}, c.trimLeft, c.trimRight); }));
-        EXPECT_EQ(c.text, FailureOf([&] { CutTails({}, c.trimLeft, c.trimRight); }));
     }
 }
 
@@ -463,18 +432,6 @@ TEST(Thresholds, GreatestEntropyOfMixedSignsIsSomeBin) {
         const int64_t bin = EntropyBin(counts);
         EXPECT_TRUE(bin >= 0 && bin < static_cast<int64_t>(counts.size()));
     }
-}
-
-// ------------------------------------------------------------------------------------------------------- exponential
-
-TEST(Thresholds, TheExponentialTailFollowsTheMeanBin) {
-    const Counts counts{0, 5, 5, 0};  // mean bin 1.5
-    EXPECT_DOUBLE_EQ(1.5 * std::log(2.0), ExponentialTail(counts, 0.5));
-    EXPECT_DOUBLE_EQ(1.5 * std::log(100.0), ExponentialTail(counts, 0.01));
-    EXPECT_EQ(0.0, ExponentialTail(counts, 1.0));
-    EXPECT_EQ(kInfinity, ExponentialTail(counts, 0.0));
-    EXPECT_DOUBLE_EQ(1e-06 * std::log(2.0), ExponentialTail(Counts{9, 0}, 0.5));
-    EXPECT_DOUBLE_EQ(1e-06 * std::log(2.0), ExponentialTail(Counts{9, -5}, 0.5));  // a negative mean
 }
 
 // ---------------------------------------------------------------------------------------------------------- all builds
