@@ -166,6 +166,8 @@ TEST(DrawDisk, EmptyRowsBetweenPixelCentresDrawNothingAndSaySo) {
     EXPECT_EQ(std::vector<bool>(144), Pixels(bitmap));
     EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, 0}, DT_On));
     EXPECT_TRUE(Bit(bitmap, 5, 5));
+    // The empty row, -1 or 12, is none of the bitmap's.
+    for (const double y : {-0.2, 11.2}) EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5.5, y, 0.9}, DT_On));
 }
 
 TEST(DrawDisk, NegativeRadiiDrawNothingHoweverSmall) {

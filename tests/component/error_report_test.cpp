@@ -138,7 +138,7 @@ TEST_F(Reporter, SetsHelpOnlyWhenContextAndFileAreBothGiven) {
 }
 
 TEST_F(Reporter, AMessageByNumberFallsBackAndMakesItsResultFromTheNumber) {
-    EXPECT_EQ(static_cast<HRESULT>(0x80040000u + 4711), ReportErrorResource(kClass, 4711));
+    EXPECT_EQ(static_cast<HRESULT>(0x80040000u + 4710), ReportErrorResource(kClass, 4710));
     EXPECT_EQ("Unknown Error", Take()->description);
     EXPECT_EQ(static_cast<HRESULT>(0x8004FFFFu), ReportErrorResource(kClass, 0xffff, kInterface));
     EXPECT_TRUE(Take()->guid == kInterface);

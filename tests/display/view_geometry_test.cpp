@@ -117,6 +117,8 @@ TEST(ViewGeometry, FitsTheAspectCentredOrAtTheTopLeft) {
         {"bars at the sides", {0, 0, 2, 4}, {10, 20, 400, 300}, {135, 20, 150, 300}},
         // 33.3 rows of 100: 33, and 67 are left, of which 33 go to each side.
         {"an odd remainder", {0, 0, 3, 1}, {0, 0, 100, 100}, {0, 33, 100, 34}},
+        // 66.7 rows are 67, of which 33 are missing.
+        {"rounded up", {0, 0, 3, 2}, {0, 0, 100, 100}, {0, 16, 100, 68}},
         {"mirrored", {0, 0, 4, 2}, {10, 20, -400, -300}, {10, -30, -400, -200}},
         {"at least a pixel", {0, 0, 1000, 1}, {0, 0, 5, 5}, {0, 2, 5, 1}},
         {"at least a pixel, even", {0, 0, 1, 1000}, {0, 0, 4, 4}, {1, 0, 2, 4}},

@@ -302,7 +302,8 @@ TEST(Statistics, NothingLeftAfterTrimmingIsNoResult) {
     for (const double fraction : {0.5, 0.75, 1e300, kInfinity, kNaN})
         EXPECT_FALSE(StatisticsWithoutTails(counts, fraction));
     EXPECT_FALSE(StatisticsWithoutTails(Counts{1, 1}, 0.49));
-    EXPECT_FALSE(StatisticsWithoutTails(counts, -kInfinity));  // the winsorized total is negative
+    EXPECT_FALSE(StatisticsWithoutTails(Counts{2, -2, 2}, 0.49));  // 1, -2, 1: none in all
+    EXPECT_FALSE(StatisticsWithoutTails(counts, -kInfinity));      // the winsorized total is negative
 }
 
 TEST(Statistics, CountsOfAFractionRoundHalvesUpAndStayInRange) {
