@@ -1,18 +1,18 @@
 #include "component/connection_point.hpp"
 
-#ifdef _WIN32
-#include <olectl.h>
-#endif
-
 #include <algorithm>
-#include <atomic>
 #include <new>
 #include <utility>
+
+#include <orlix/counted_object.hpp>
 
 #include "component/module_lock.hpp"
 
 namespace orlix {
 namespace {
+
+// The system's results of connection points. Its header for them has its place on one system only.
+constexpr auto kNoConnection = static_cast<HRESULT>(0x80040200), kCannotConnect = static_cast<HRESULT>(0x80040202);
 
 // What an enumerator hands out, each with a reference.
 IConnectionPoint* Counted(const ComPtr<IConnectionPoint>& point) {
@@ -28,29 +28,10 @@ CONNECTDATA Counted(const std::shared_ptr<const ConnectionPoint::Connection>& co
 // back, and let go of the enumerator, when a reference to them is taken, and call it from the last release of what it
 // held: it is at its end then.
 template <class Interface, class Out, class Element>
-class Enumerator final : public Interface {
+class Enumerator final : public CountedObject<Interface> {
 public:
     explicit Enumerator(std::vector<Element> elements, size_t next = 0) : elements_(std::move(elements)), next_(next) {
         LockModule();
-    }
-
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        if (!object) return E_POINTER;
-        *object = iid == __uuidof(IUnknown) || iid == __uuidof(Interface) ? static_cast<Interface*>(this) : nullptr;
-        if (!*object) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) {
-            references_ = 1;  // clients take references and give them back meanwhile
-            next_ = 0;
-            std::exchange(elements_, {}).clear();
-            delete this;
-        }
-        return left;
     }
 
     STDMETHODIMP Next(ULONG count, Out* out, ULONG* fetched) noexcept override {
@@ -83,9 +64,13 @@ public:
     }
 
 private:
-    ~Enumerator() { UnlockModule(); }
+    ~Enumerator() override { UnlockModule(); }
 
-    std::atomic<ULONG> references_{1};
+    void LetGo() noexcept override {
+        next_ = 0;
+        std::exchange(elements_, {}).clear();
+    }
+
     std::vector<Element> elements_;
     size_t next_;
 };
@@ -112,7 +97,7 @@ HRESULT ConnectionPoint::EnumPoints(IEnumConnectionPoints** points) noexcept {
 HRESULT ConnectionPoint::FindPoint(REFIID iid, IConnectionPoint** point) noexcept {
     if (!point) return E_POINTER;
     *point = iid == source_ ? this : nullptr;
-    if (!*point) return CONNECT_E_NOCONNECTION;
+    if (!*point) return kNoConnection;
     AddRef();
     return S_OK;
 }
@@ -144,7 +129,7 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
     if (!sink) return E_POINTER;
     const ComPtr<IConnectionPoint> alive(this);
     ComPtr<IUnknown> source;
-    if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source || closed_) return CONNECT_E_CANNOTCONNECT;
+    if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source || closed_) return kCannotConnect;
     try {
         connections_.push_back(std::make_shared<const Connection>(Connection{lastCookie_ + 1, std::move(source)}));
     } catch (const std::bad_alloc&) {
@@ -157,7 +142,7 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
 STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) noexcept {
     const auto found = std::find_if(connections_.begin(), connections_.end(),
                                     [&](const auto& connection) { return connection->cookie == cookie; });
-    if (found == connections_.end()) return CONNECT_E_NOCONNECTION;
+    if (found == connections_.end()) return kNoConnection;
     // Let go when the list is in order again: the client's release may call back.
     const ComPtr<IConnectionPoint> alive(this);
     const auto gone = std::move(*found);

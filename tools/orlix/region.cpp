@@ -3,6 +3,7 @@
 #include "console.hpp"
 
 #include <orlix/client.hpp>
+#include <orlix/counted_object.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -18,7 +19,7 @@ using namespace orlix;
 namespace {
 
 // Makes the runs of a row when it is asked for them. Used by one thread at a time, as the library's objects are.
-class MaskRegion final : public IRegionOfInterest {
+class MaskRegion final : public CountedObject<IRegionOfInterest> {
 public:
     MaskRegion(std::vector<uint8_t> mask, LONG width, LONG height)
         : mask_(std::move(mask)), width_(width), height_(height) {
@@ -32,22 +33,7 @@ public:
                 box_.bottom = y;
             }
     }
-    MaskRegion(const MaskRegion&) = delete;
-    MaskRegion& operator=(const MaskRegion&) = delete;
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        if (!object) return E_POINTER;
-        *object = iid == __uuidof(IUnknown) || iid == __uuidof(IRegionOfInterest) ? this : nullptr;
-        if (!*object) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     STDMETHODIMP get_Width(LONG* width) noexcept override { return width ? (*width = width_, S_OK) : E_POINTER; }
     STDMETHODIMP get_Height(LONG* height) noexcept override { return height ? (*height = height_, S_OK) : E_POINTER; }
     STDMETHODIMP get_BoundingBox(RECT* box) noexcept override { return box ? (*box = box_, S_OK) : E_POINTER; }
@@ -74,7 +60,6 @@ public:
     }
 
 private:
-    ~MaskRegion() = default;
     bool Inside(LONG x, LONG y) const {
         return mask_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] != 0;
     }
@@ -83,7 +68,6 @@ private:
     LONG width_, height_;
     RECT box_ = {0, 0, -1, -1};
     std::vector<SRun> runs_;  // of the row that was asked for last
-    ULONG references_ = 1;
 };
 
 }  // namespace

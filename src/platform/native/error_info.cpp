@@ -1,6 +1,6 @@
 #include <orlix/orlix.h>
+#include <orlix/counted_object.hpp>
 
-#include <atomic>
 #include <new>
 #include <string>
 
@@ -9,26 +9,8 @@
 namespace {
 
 // The plain error information object: what is put into it can be read from it.
-class ErrorInfo final : public IErrorInfo, public ICreateErrorInfo {
+class ErrorInfo final : public orlix::CountedObject<IErrorInfo, ICreateErrorInfo> {
 public:
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        if (!object) return E_POINTER;
-        *object = nullptr;
-        if (iid == __uuidof(IUnknown) || iid == __uuidof(IErrorInfo))
-            *object = static_cast<IErrorInfo*>(this);
-        else if (iid == __uuidof(ICreateErrorInfo))
-            *object = static_cast<ICreateErrorInfo*>(this);
-        if (!*object) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
-
     STDMETHODIMP GetGUID(GUID* guid) noexcept override {
         if (!guid) return E_POINTER;
         *guid = guid_;
@@ -56,8 +38,6 @@ public:
     }
 
 private:
-    ~ErrorInfo() = default;
-
     static HRESULT Copy(const orlix::WideString& from, BSTR* to) noexcept {
         if (!to) return E_POINTER;
         *to = nullptr;
@@ -74,43 +54,29 @@ private:
         }
     }
 
-    std::atomic<ULONG> references_{0};
     GUID guid_ = GUID_NULL;
     orlix::WideString source_, description_, helpFile_;
     DWORD helpContext_ = 0;
 };
 
-// Owns the thread's reference, so that it goes with the thread.
-struct CurrentError {
-    IErrorInfo* info = nullptr;
-    ~CurrentError() {
-        if (info) info->Release();
-    }
-};
-thread_local CurrentError current;
+thread_local orlix::ComPtr<IErrorInfo> current;
 
 }  // namespace
 
 HRESULT CreateErrorInfo(ICreateErrorInfo** info) {
     if (!info) return E_INVALIDARG;
     *info = new (std::nothrow) ErrorInfo;
-    if (!*info) return E_OUTOFMEMORY;
-    (*info)->AddRef();
-    return S_OK;
+    return *info ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info) {
     if (reserved) return E_INVALIDARG;
-    IErrorInfo* const old = current.info;
-    if (info) info->AddRef();
-    current.info = info;
-    if (old) old->Release();
+    current = orlix::ComPtr<IErrorInfo>(info);
     return S_OK;
 }
 
 HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info) {
     if (reserved || !info) return E_INVALIDARG;
-    *info = current.info;
-    current.info = nullptr;
+    *info = current.Detach();
     return *info ? S_OK : S_FALSE;
 }

@@ -1,11 +1,11 @@
 #include <orlix/orlix.h>
+#include <orlix/counted_object.hpp>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -18,30 +18,16 @@
 
 namespace {
 
+using orlix::CountedObject;
+using orlix::DerivedInterface;
 using orlix::NativePath;
 using orlix::Retried;
 
 constexpr int64_t kLargestPosition = std::numeric_limits<int64_t>::max();
 
 // What both kinds of streams have in common. They are direct: nothing to commit, nothing to revert, no locks.
-class Stream : public IStream {
+class Stream : public CountedObject<DerivedInterface<IStream, ISequentialStream>> {
 public:
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        if (!object) return E_POINTER;
-        *object = nullptr;
-        if (iid != __uuidof(IUnknown) && iid != __uuidof(ISequentialStream) && iid != __uuidof(IStream))
-            return E_NOINTERFACE;
-        *object = static_cast<IStream*>(this);
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
-
     // From the current positions of both streams.
     STDMETHODIMP CopyTo(IStream* to, ULARGE_INTEGER size, ULARGE_INTEGER* readOut,
                         ULARGE_INTEGER* writtenOut) noexcept override {
@@ -92,20 +78,13 @@ public:
     STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return STG_E_INVALIDFUNCTION; }
     STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return STG_E_INVALIDFUNCTION; }
 
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
-
 protected:
     explicit Stream(int64_t position = 0) : position_(position) {}
-    virtual ~Stream() = default;
 
     virtual int64_t Size() const noexcept = 0;  // -1 when it cannot be told
     virtual DWORD Mode() const noexcept = 0;
 
     int64_t position_;
-
-private:
-    std::atomic<ULONG> references_{1};
 };
 
 class MemoryStream final : public Stream {
