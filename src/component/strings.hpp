@@ -2,9 +2,7 @@
 #pragma once
 
 #include <orlix/orlix.h>
-
-#include <new>
-#include <string_view>
+#include <orlix/text.hpp>
 
 #include "text/wide_string.hpp"
 
@@ -13,11 +11,8 @@ namespace orlix {
 // The text of a BSTR, which may hold zeros inside and may be null (empty).
 inline WideStringView ToView(BSTR text) { return text ? WideStringView(text, SysStringLen(text)) : WideStringView(); }
 
-// A new BSTR, the receiver's to free.
-inline BSTR CopyToBstr(WideStringView text) {
-    const BSTR copy = SysAllocStringLen(text.data() ? text.data() : OLESTR(""), static_cast<UINT>(text.size()));
-    if (!copy) throw std::bad_alloc();
-    return copy;
-}
+// A new BSTR, the receiver's to free. A method that gives several makes all of them as Text first, and detaches them
+// when nothing can fail any more.
+inline BSTR CopyToBstr(WideStringView text) { return Text(text).Detach(); }
 
 }  // namespace orlix

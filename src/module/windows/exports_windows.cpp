@@ -4,6 +4,7 @@
 #include <string>
 
 #include <orlix/com_ptr.hpp>
+#include <orlix/text.hpp>
 
 #include "component/failure.hpp"
 #include "module/graphics_probe.hpp"
@@ -45,9 +46,8 @@ void RegisterTypeLibrary(const std::wstring& path) {
 void UnregisterTypeLibrary(const std::wstring& path) {
     const TypeLibrary library(path);
     const TLIBATTR& is = library.attributes();
-    BSTR registered = nullptr;
-    if (FAILED(QueryPathOfRegTypeLib(is.guid, is.wMajorVerNum, is.wMinorVerNum, is.lcid, &registered))) return;
-    SysFreeString(registered);
+    Text registered;
+    if (FAILED(QueryPathOfRegTypeLib(is.guid, is.wMajorVerNum, is.wMinorVerNum, is.lcid, registered.Out()))) return;
     PassOn(UnRegisterTypeLib(is.guid, is.wMajorVerNum, is.wMinorVerNum, is.lcid, is.syskind));
 }
 
