@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
+#include <vector>
 
 #include "fits/angled_hemisphere_fit.hpp"
 #include "fits/correction_kernels.hpp"
 #include "fits/hemisphere_fit.hpp"
 #include "fits/trimmed_score.hpp"
 #include "measure/measuring.hpp"
-#include "numerics/uniform_generator.hpp"
+#include "numerics/consensus_search.hpp"
 
 namespace orlix {
 namespace {
@@ -35,30 +37,27 @@ private:
 
 using Points = std::span<const SurfacePoint>;
 
-// What a search may take, robust_fit.hpp note (4).
-constexpr int64_t kMostVisits = int64_t{1} << 35, kVisitsOfATrial = 32768, kTrialsInAnyCase = 200;
+// See robust_fit.hpp note (4).
+constexpr SearchBudget kBudget = {SearchBudget::Lasts::WholeSearch, int64_t{1} << 35, 32768};
 
 template <class Surface, class T>
 std::optional<Surface> Search(const RegionPixels<T>& pixels, int points, double probability,
                               const std::function<std::optional<Surface>(Points)>& through) {
     const int64_t n = pixels.count();
     if (n < points) return std::nullopt;
-    const double p = std::min(probability, 0.99);
-    const double limit = TrialLimit(p, points);
+    const double p = UsableProbability(probability);
     TrimmedScore<T, Surface> score(pixels, static_cast<int64_t>(static_cast<double>(n) * p));
-    UniformGenerator random(-1);
-    std::vector<SurfacePoint> drawn(static_cast<size_t>(points));
-    int64_t trials = 0;
-    for (double unsuccessful = 0; unsuccessful < limit && !score.Perfect(); ++unsuccessful) {
-        if (++trials > kTrialsInAnyCase && score.visits() + trials * kVisitsOfATrial > kMostVisits) break;
-        bool finite = true;
-        for (SurfacePoint& point : drawn) {
-            point = pixels.At(static_cast<int64_t>(random() * static_cast<double>(n)));
-            finite = finite && std::isfinite(point.z);
-        }
-        if (!finite) continue;
+    ConsensusSearch search(n, p, points, kBudget);
+    std::vector<int64_t> indices(static_cast<size_t>(points));
+    std::vector<SurfacePoint> drawn(indices.size());
+    while (!score.Perfect() && search.Draw(indices)) {
+        std::transform(indices.begin(), indices.end(), drawn.begin(), [&](int64_t index) { return pixels.At(index); });
+        if (!std::all_of(drawn.begin(), drawn.end(), [](const auto& point) { return std::isfinite(point.z); }))
+            continue;
         const std::optional<Surface> surface = through(drawn);
-        if (surface && score.Improves(*surface)) unsuccessful = -1;
+        const int64_t before = score.visits();
+        if (surface && score.Improves(*surface)) search.Improved();
+        search.Spend(score.visits() - before);
     }
     return score.best();
 }
@@ -84,12 +83,6 @@ double AverageOf(const RegionPixels<T>& pixels) {
 }
 
 }  // namespace
-
-double TrialLimit(double p, int points) {
-    double power = p;
-    for (int i = 1; i < points; ++i) power *= p;
-    return std::ceil(25.0 / power);
-}
 
 template <class T>
 std::optional<SurfacePolynomial> RobustPolynomial(const RegionPixels<T>& pixels, int degree, double probability) {

@@ -12,8 +12,8 @@
 namespace orlix {
 
 // With probability P of a pixel to belong to the surface, 0 < P <= 1, and p = min(P, 0.99); n pixels; k pixels that
-// determine the surface (3, 6 and 10 for polynomials of degree 1, 2 and 3; 5 for hemispheres, 7 for tilted ones); after
-// Rousseeuw's least median and trimmed squares (1984) and the consensus search of Fischler and Bolles (1981):
+// determine the surface (3, 6 and 10 for polynomials of degree 1, 2 and 3; 5 for hemispheres, 7 for tilted ones); the
+// search is that of numerics/consensus_search.hpp:
 //   - K = trunc(n p) pixels are to fit: the score of a surface is the sum of its K smallest squared residuals
 //     (trimmed_score.hpp);
 //   - a trial draws k numbers u of UniformGenerator(-1), takes the pixels trunc(u n) in run order, puts the surface
@@ -36,8 +36,5 @@ template <class T>
 std::optional<SurfacePolynomial> RobustPolynomial(const RegionPixels<T>& pixels, int degree, double probability);
 template <class T>
 std::optional<AveragedHemisphere> RobustHemisphere(const RegionPixels<T>& pixels, bool angled, double probability);
-
-// N: trials in a row without improvement that end the search.
-double TrialLimit(double p, int points);
 
 }  // namespace orlix

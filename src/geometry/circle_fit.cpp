@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "numerics/uniform_generator.hpp"
+#include "numerics/consensus_search.hpp"
 
 namespace orlix {
 namespace {
@@ -45,19 +45,19 @@ double TrimmedSum(std::span<const double> squares, size_t good, std::vector<doub
 std::optional<Circle> RobustCircle(std::span<const Point> points, double probability) {
     const size_t n = points.size();
     if (n < 3 || !(probability > 0)) return std::nullopt;
-    const double p = std::min(probability, 0.99), count = static_cast<double>(n);
-    const double feasible = std::max(200.0, std::floor(0x1p32 / (count + 64)));
-    const double limit = std::min(std::ceil(25 / (p * p * p)), feasible);
-    const auto good = static_cast<size_t>(std::trunc(count * p + 0.5));
+    const double p = UsableProbability(probability);
+    const auto good = static_cast<size_t>(std::trunc(static_cast<double>(n) * p + 0.5));
+    const auto visits = static_cast<int64_t>(n);
+    const SearchBudget budget = {SearchBudget::Lasts::UntilImprovement, int64_t{1} << 32, visits + 64};
 
     std::vector<double> squares(n), scratch(n);
     std::optional<Circle> best;
     double bestScore = std::numeric_limits<double>::max();
-    UniformGenerator random(-1);
-    for (double unsuccessful = 0; unsuccessful < limit && !(best && bestScore == 0); ++unsuccessful) {
-        Point drawn[3];
-        for (Point& point : drawn) point = points[static_cast<size_t>(random() * count)];
-        const std::optional<Circle> circle = CircleThrough(drawn[0], drawn[1], drawn[2]);
+    ConsensusSearch search(visits, p, 3, budget);
+    int64_t drawn[3];
+    while (!(best && bestScore == 0) && search.Draw(drawn)) {
+        const auto point = [&](int i) { return points[static_cast<size_t>(drawn[i])]; };
+        const std::optional<Circle> circle = CircleThrough(point(0), point(1), point(2));
         if (!circle) continue;
         for (size_t i = 0; i < n; ++i) {
             const double off = Distance(circle->center, points[i]) - circle->radius, square = off * off;
@@ -67,7 +67,7 @@ std::optional<Circle> RobustCircle(std::span<const Point> points, double probabi
         if (score < bestScore) {
             bestScore = score;
             best = circle;
-            unsuccessful = -1;
+            search.Improved();
         }
     }
     return best;

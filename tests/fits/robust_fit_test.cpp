@@ -250,13 +250,6 @@ TEST(RobustFit, FindsHemispheresUnderOutliers) {
 
 // ------------------------------------------------------------------------------------------------------------ the rule
 
-TEST(RobustFit, TrialLimitFollowsTheRule) {
-    EXPECT_EQ(200, TrialLimit(0.5, 3));
-    EXPECT_EQ(26, TrialLimit(0.99, 3));
-    EXPECT_EQ(25600, TrialLimit(0.5, 10));
-    EXPECT_EQ(25e6, TrialLimit(0.01, 3));
-}
-
 TEST(RobustFit, SmallProbabilitiesEnd) {
     const RegionPicture<uint8_t> picture(300, 200, [](int x, int y) { return (x * 7 + y * 13) % 251; });
     for (const double p : {1e-300, 5e-324, 1e-6}) {  // K = 0: the first surface wins
