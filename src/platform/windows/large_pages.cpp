@@ -2,6 +2,9 @@
 
 namespace orlix {
 
+// The system gives large pages to privileged programs only.
+constinit const size_t kLargeBlockAlignment = 64;
+
 void AskForLargePages(void*, size_t) noexcept {}
 
 }  // namespace orlix
