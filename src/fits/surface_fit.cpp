@@ -50,14 +50,14 @@ DoublePair ToPair(uint64_t value) {
 
 // Sums of i^p over i < k, k <= 256. 64 rows of the largest stay below 2^60.
 constexpr int32_t kCell = 256;
-struct PowerSums {
+struct IndexPowerSums {
     uint64_t of[7][kCell + 1] = {};
-    constexpr PowerSums() {
+    constexpr IndexPowerSums() {
         for (uint64_t i = 0; i < kCell; ++i)
             for (uint64_t p = 0, power = 1; p < 7; ++p, power *= i) of[p][i + 1] = of[p][i] + power;
     }
 };
-constexpr PowerSums kPowerSums;
+constexpr IndexPowerSums kIndexPowerSums;
 
 // Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A run of its own is
 // cut at every 256th column: its ends go into exact integer sums of cells of 64 rows, whole cells between them into
@@ -132,7 +132,7 @@ private:
         Cell& cell = cells_[static_cast<size_t>(index)];
         cell.used = true;
         uint64_t powers[7];
-        for (int p = 0; p <= degree_; ++p) powers[p] = kPowerSums.of[p][end] - kPowerSums.of[p][begin];
+        for (int p = 0; p <= degree_; ++p) powers[p] = kIndexPowerSums.of[p][end] - kIndexPowerSums.of[p][begin];
         const auto j = static_cast<uint64_t>(y - top_);
         uint64_t power = 1;
         for (int q = 0; q <= degree_; ++q, power *= j)

@@ -125,7 +125,7 @@ STDMETHODIMP OrlixPolygon::GetDistancesFromPoint(double XReference, double YRefe
     return Guarded([&] {
         RequireZeroed({XNearest, YNearest, NearestDistance, XFarthest, YFarthest, FarthestDistance});
         const Point point = {XReference, YReference};
-        const Extremes extremes = DistancesFrom(point, vertices_);
+        const ExtremeDistances extremes = DistancesFrom(point, vertices_);
         const auto put = [&](int64_t index, double* x, double* y) {
             if (index < 0) return;
             *x = vertices_[static_cast<size_t>(index)].x;

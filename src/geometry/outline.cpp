@@ -143,8 +143,8 @@ Bounds BoundsOf(Outline outline) {
     return bounds;
 }
 
-Extremes DistancesFrom(const Point& point, Outline outline) {
-    Extremes extremes;
+ExtremeDistances DistancesFrom(const Point& point, Outline outline) {
+    ExtremeDistances extremes;
     extremes.nearestDistance = kLargest;
     for (size_t i = 0; i < outline.size(); ++i) {
         const double distance = Distance(point, outline[i]);

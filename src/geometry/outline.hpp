@@ -29,11 +29,11 @@ Bounds BoundsOf(Outline outline);
 
 // Index of the nearest and of the farthest vertex, the first of equals. Only vertices nearer than the largest double
 // and farther than 0 are found; -1 where none is.
-struct Extremes {
+struct ExtremeDistances {
     int64_t nearest = -1, farthest = -1;
     double nearestDistance = 0, farthestDistance = 0;
 };
-Extremes DistancesFrom(const Point& point, Outline outline);
+ExtremeDistances DistancesFrom(const Point& point, Outline outline);
 
 // Whether the outline winds around the point: the angles from vertex to vertex as seen from it, each between -180 and
 // 180 degrees, do not add up to 0. Without rounding. An edge through the point counts as +180 degrees when its first

@@ -30,7 +30,7 @@ void SubtractMultiple(std::vector<uint32_t>& a, size_t at, const std::vector<uin
 Integer::Integer(int64_t value) : negative_(value < 0) {
     const uint64_t magnitude = negative_ ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
     limbs_ = {static_cast<uint32_t>(magnitude), static_cast<uint32_t>(magnitude >> 32)};
-    Trim();
+    DropLeadingZeros();
 }
 
 Integer Integer::Scaled(double value, int exponent) {
@@ -48,7 +48,7 @@ Integer Integer::Scaled(double value, int exponent) {
     return result * power;
 }
 
-void Integer::Trim() {
+void Integer::DropLeadingZeros() {
     while (!limbs_.empty() && limbs_.back() == 0) limbs_.pop_back();
     if (limbs_.empty()) negative_ = false;
 }
@@ -63,7 +63,7 @@ void Integer::ShiftRight(size_t bits) {
             for (size_t i = 0; i < limbs_.size(); ++i)
                 limbs_[i] = limbs_[i] >> rest | (i + 1 < limbs_.size() ? limbs_[i + 1] << (32 - rest) : 0);
     }
-    Trim();
+    DropLeadingZeros();
 }
 
 Integer Integer::Sum(const Integer& a, const Integer& b, bool negativeB) {
@@ -82,7 +82,7 @@ Integer Integer::Sum(const Integer& a, const Integer& b, bool negativeB) {
         }
         sum.limbs_.push_back(static_cast<uint32_t>(carry));
     }
-    sum.Trim();
+    sum.DropLeadingZeros();
     return sum;
 }
 
@@ -98,7 +98,7 @@ Integer operator*(const Integer& a, const Integer& b) {
         }
         product.limbs_[i + b.limbs_.size()] = static_cast<uint32_t>(carry);
     }
-    product.Trim();
+    product.DropLeadingZeros();
     return product;
 }
 
@@ -119,7 +119,7 @@ Integer Integer::DividedExactly(const Integer& divisor) const {
         quotient.limbs_.push_back(rest.limbs_[i] * inverse);
         SubtractMultiple(rest.limbs_, i, odd.limbs_, quotient.limbs_.back());
     }
-    quotient.Trim();
+    quotient.DropLeadingZeros();
     return quotient;
 }
 

@@ -31,7 +31,7 @@ public:
 private:
     static Integer Sum(const Integer& a, const Integer& b, bool negativeB);
     void ShiftRight(size_t bits);
-    void Trim();
+    void DropLeadingZeros();
 
     std::vector<uint32_t> limbs_;  // of the magnitude, lowest first; the last one is not 0
     bool negative_ = false;
