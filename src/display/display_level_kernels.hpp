@@ -14,15 +14,9 @@ using LevelFn = void (*)(const T* pixels, size_t n, const LevelRange<T>& range, 
 template <class T>
 void Levels_scalar(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels);
 
-void Levels_sse2(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
-void Levels_sse2(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
-void Levels_sse2(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
-void Levels_avx2(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
-void Levels_avx2(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
-void Levels_avx2(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
-void Levels_avx512(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
-void Levels_avx512(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
-void Levels_avx512(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
+Kernel<LevelFn<uint16_t>> Levels_sse2, Levels_avx2, Levels_avx512;
+Kernel<LevelFn<uint32_t>> Levels_sse2, Levels_avx2, Levels_avx512;
+Kernel<LevelFn<float>> Levels_sse2, Levels_avx2, Levels_avx512;
 
 // 8 bits: the look-up table, see LevelMapping.
 template <class T>

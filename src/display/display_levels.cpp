@@ -38,30 +38,6 @@ struct ByteLevels {
 }  // namespace
 
 template <class T>
-void Levels_scalar(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels) {
-    const T least = range.least;
-    const T most = range.most;
-    for (size_t i = 0; i < n; ++i) {
-        const T p = pixels[i];
-        if (!(p == p) || !(least < most)) {
-            levels[i] = 0;
-            continue;
-        }
-        const T c = p < least ? least : p > most ? most : p;
-        if constexpr (std::is_floating_point_v<T>) {
-            const double d = static_cast<double>(most) - static_cast<double>(least);
-            const double x = range.falling ? static_cast<double>(most) - static_cast<double>(c)
-                                           : static_cast<double>(c) - static_cast<double>(least);
-            levels[i] = static_cast<uint8_t>(x * (255.0 / d) + 0.5);
-        } else {
-            const uint64_t d = uint64_t{most} - least;
-            const uint64_t x = range.falling ? uint64_t{most} - c : uint64_t{c} - least;
-            levels[i] = static_cast<uint8_t>((510 * x + d) / (2 * d));
-        }
-    }
-}
-
-template <class T>
 LevelMapping<T>::LevelMapping(T lower, T upper) : map_(Choose(kLevels<T>)), range_(RangeOf(lower, upper)) {}
 
 template <class T>
@@ -85,10 +61,6 @@ void LevelMapping<uint8_t>::operator()(const uint8_t* pixels, size_t n, uint8_t*
     }
 }
 
-template void Levels_scalar(const uint8_t* pixels, size_t n, const LevelRange<uint8_t>& range, uint8_t* levels);
-template void Levels_scalar(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels);
-template void Levels_scalar(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels);
-template void Levels_scalar(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels);
 template class LevelMapping<uint16_t>;
 template class LevelMapping<uint32_t>;
 template class LevelMapping<float>;

@@ -1,4 +1,5 @@
 #include "display/display_level_kernels.hpp"
+#include "vectors/inline.hpp"
 #include "vectors/intrinsics_avx512.hpp"
 
 namespace orlix {
@@ -6,42 +7,38 @@ namespace {
 
 struct Line {
     __m512d least, most, zero, scale, half;
-    [[gnu::always_inline]] explicit Line(const LevelLine& line)
+    ORLIX_INLINE explicit Line(const LevelLine& line)
         : least(_mm512_set1_pd(line.least)),
           most(_mm512_set1_pd(line.most)),
           zero(_mm512_set1_pd(line.zero)),
           scale(_mm512_set1_pd(line.scale)),
           half(_mm512_set1_pd(line.half)) {}
-    [[gnu::always_inline]] __m512d Clamp(const __m512d& p) const {
-        return _mm512_min_pd(_mm512_max_pd(p, least), most);
-    }
-    [[gnu::always_inline]] __m512d Value(const __m512d& c) const {
+    ORLIX_INLINE __m512d Clamp(const __m512d& p) const { return _mm512_min_pd(_mm512_max_pd(p, least), most); }
+    ORLIX_INLINE __m512d Value(const __m512d& c) const {
         return _mm512_add_pd(_mm512_mul_pd(_mm512_sub_pd(c, zero), scale), half);
     }
 };
 
 // 8 pixels as doubles within the range, and which of them are numbers.
-[[gnu::always_inline]] inline __m512d Load(const Line& line, const uint16_t* p) {
+ORLIX_INLINE __m512d Load(const Line& line, const uint16_t* p) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     return line.Clamp(_mm512_cvtepi32_pd(_mm256_cvtepu16_epi32(v)));
 }
-[[gnu::always_inline]] inline __m512d Load(const Line& line, const uint32_t* p) {
+ORLIX_INLINE __m512d Load(const Line& line, const uint32_t* p) {
     return line.Clamp(_mm512_cvtepu32_pd(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))));
 }
-[[gnu::always_inline]] inline __m512d Load(const Line& line, const float* p) {
-    return line.Clamp(_mm512_cvtps_pd(_mm256_loadu_ps(p)));
-}
+ORLIX_INLINE __m512d Load(const Line& line, const float* p) { return line.Clamp(_mm512_cvtps_pd(_mm256_loadu_ps(p))); }
 template <class T>
-[[gnu::always_inline]] inline __mmask8 Numbers(const T*) {
+ORLIX_INLINE __mmask8 Numbers(const T*) {
     return 0xff;
 }
-[[gnu::always_inline]] inline __mmask8 Numbers(const float* p) {
+ORLIX_INLINE __mmask8 Numbers(const float* p) {
     const __m256 v = _mm256_loadu_ps(p);
     return _mm256_cmp_ps_mask(v, v, _CMP_ORD_Q);
 }
 
 template <class T>
-[[gnu::always_inline]] inline __m256i Eight(const Line& line, const T* p) {
+ORLIX_INLINE __m256i Eight(const Line& line, const T* p) {
     return _mm512_maskz_cvttpd_epi32(Numbers(p), line.Value(Load(line, p)));
 }
 

@@ -23,14 +23,19 @@ __m128i Truncated(__m128d low, __m128d high) {
 }
 __m128i UpperHalf(__m128i v) { return _mm_shuffle_epi32(v, 0xee); }
 
+// Levels of eight pixels, as 16-bit numbers.
+template <class T>
+struct LevelLanes;
+
 // The clamped pixels come as 16-bit numbers: compared as signed ones with the top bit changed.
-struct Words {
+template <>
+struct LevelLanes<uint16_t> {
     __m128i turn, least, most;
-    explicit Words(const LevelRange<uint16_t>& range)
+    explicit LevelLanes(const LevelRange<uint16_t>& range)
         : turn(_mm_set1_epi16(static_cast<short>(0x8000))),
           least(_mm_set1_epi16(static_cast<short>(range.least ^ 0x8000))),
           most(_mm_set1_epi16(static_cast<short>(range.most ^ 0x8000))) {}
-    __m128i Levels(const Line& line, const uint16_t* p) const {  // of 8 pixels, in 16 bits
+    __m128i Levels(const Line& line, const uint16_t* p) const {
         const __m128i keys = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), turn);
         const __m128i c = _mm_xor_si128(_mm_min_epi16(_mm_max_epi16(keys, least), most), turn);
         return _mm_packs_epi32(Levels(line, _mm_unpacklo_epi16(c, _mm_setzero_si128())),
@@ -41,8 +46,9 @@ struct Words {
     }
 };
 
-struct DoubleWords {
-    explicit DoubleWords(const LevelRange<uint32_t>&) {}
+template <>
+struct LevelLanes<uint32_t> {
+    explicit LevelLanes(const LevelRange<uint32_t>&) {}
     static __m128d Doubles(__m128i turned) { return _mm_add_pd(_mm_cvtepi32_pd(turned), _mm_set1_pd(0x1p31)); }
     static __m128i Four(const Line& line, const uint32_t* p) {
         const __m128i turned = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
@@ -54,8 +60,9 @@ struct DoubleWords {
     }
 };
 
-struct Floats {
-    explicit Floats(const LevelRange<float>&) {}
+template <>
+struct LevelLanes<float> {
+    explicit LevelLanes(const LevelRange<float>&) {}
     static __m128d Value(const Line& line, __m128d p) {
         return _mm_and_pd(line.Value(line.Clamp(p)), _mm_cmpord_pd(p, p));
     }
@@ -66,10 +73,10 @@ struct Floats {
     __m128i Levels(const Line& line, const float* p) const { return _mm_packs_epi32(Four(line, p), Four(line, p + 4)); }
 };
 
-template <class Eight, class T>
+template <class T>
 void Map(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels) {
     const Line line{LevelLine(range)};
-    const Eight eight(range);
+    const LevelLanes<T> eight(range);
     size_t i = 0;
     for (; i + 16 <= n; i += 16)
         _mm_storeu_si128(reinterpret_cast<__m128i*>(levels + i),
@@ -80,13 +87,13 @@ void Map(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels)
 }  // namespace
 
 void Levels_sse2(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels) {
-    Map<Words>(pixels, n, range, levels);
+    Map(pixels, n, range, levels);
 }
 void Levels_sse2(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels) {
-    Map<DoubleWords>(pixels, n, range, levels);
+    Map(pixels, n, range, levels);
 }
 void Levels_sse2(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels) {
-    Map<Floats>(pixels, n, range, levels);
+    Map(pixels, n, range, levels);
 }
 
 }  // namespace orlix

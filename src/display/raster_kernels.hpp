@@ -51,44 +51,15 @@ using InterpolateFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t*
 using AverageFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights,
                            size_t taps, size_t n);
 
-void ExpandGrey_scalar(uint32_t* to, const uint8_t* levels, size_t n);
-void ExpandGrey_sse2(uint32_t* to, const uint8_t* levels, size_t n);
-void ExpandGrey_avx2(uint32_t* to, const uint8_t* levels, size_t n);
-void ExpandGrey_avx512(uint32_t* to, const uint8_t* levels, size_t n);
-
-void ExpandLevels_scalar(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
-void ExpandLevels_avx2(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
-void ExpandLevels_avx512(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
-
-void ExpandPlanes_scalar(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
-void ExpandPlanes_sse2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
-void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
-void ExpandPlanes_avx512(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
-
-void PickGrey_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
-void PickGrey_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
-void PickGrey_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
-
-void PickLevels_scalar(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
-void PickLevels_avx2(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
-void PickLevels_avx512(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next, const LevelColors& colors);
-
-void PickPixels_scalar(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
-void PickPixels_avx2(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
-
-void WeighRows_scalar(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
-void WeighRows_sse2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
-void WeighRows_avx2(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
-void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight, size_t n);
-
-void Interpolate_scalar(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
-void Interpolate_avx2(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
-void Interpolate_avx512(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
-
-void Average_scalar(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
-                    size_t n);
-void Average_avx2(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights, size_t taps,
-                  size_t n);
+Kernel<ExpandGreyFn> ExpandGrey_scalar, ExpandGrey_sse2, ExpandGrey_avx2, ExpandGrey_avx512;
+Kernel<ExpandLevelsFn> ExpandLevels_scalar, ExpandLevels_avx2, ExpandLevels_avx512;
+Kernel<ExpandPlanesFn> ExpandPlanes_scalar, ExpandPlanes_sse2, ExpandPlanes_avx2, ExpandPlanes_avx512;
+Kernel<PickGreyFn> PickGrey_scalar, PickGrey_avx2, PickGrey_avx512;
+Kernel<PickLevelsFn> PickLevels_scalar, PickLevels_avx2, PickLevels_avx512;
+Kernel<PickPixelsFn> PickPixels_scalar, PickPixels_avx2;
+Kernel<WeighRowsFn> WeighRows_scalar, WeighRows_sse2, WeighRows_avx2, WeighRows_avx512;
+Kernel<InterpolateFn> Interpolate_scalar, Interpolate_avx2, Interpolate_avx512;
+Kernel<AverageFn> Average_scalar, Average_avx2;
 
 inline constexpr Variant<ExpandGreyFn> kExpandGrey[] = {
     {"avx512", Cpu::Avx512, &ExpandGrey_avx512},

@@ -3,22 +3,17 @@
 #include <cstring>
 
 #include "display/raster_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-[[gnu::always_inline]] inline __m128i Load16(const uint8_t* p) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-}
-[[gnu::always_inline]] inline __m256i Load8(const int32_t* p) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-}
-[[gnu::always_inline]] inline void Store(uint32_t* p, const __m256i& v) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v);
-}
+ORLIX_INLINE __m128i Load16(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+ORLIX_INLINE __m256i Load8(const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+ORLIX_INLINE void Store(uint32_t* p, const __m256i& v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
 // 16 bytes, and the pixels 0..7 or 8..15 of them.
-[[gnu::always_inline]] inline __m256i Words(const uint8_t* p) { return _mm256_cvtepu8_epi16(Load16(p)); }
+ORLIX_INLINE __m256i Words(const uint8_t* p) { return _mm256_cvtepu8_epi16(Load16(p)); }
 
 }  // namespace
 
@@ -60,7 +55,7 @@ public:
             _mm_store_si128(reinterpret_cast<__m128i*>(rows_ + i), _mm_xor_si128(row, before));
         }
     }
-    [[gnu::always_inline]] __m256i LookUp(const __m256i& levels) const {
+    ORLIX_INLINE __m256i LookUp(const __m256i& levels) const {
         __m256i low = levels, high = _mm256_xor_si256(levels, _mm256_set1_epi8(static_cast<char>(0x80)));
         __m256i greys = _mm256_setzero_si256();
 #pragma GCC unroll 8
@@ -74,14 +69,14 @@ public:
     }
 
 private:
-    [[gnu::always_inline]] __m256i Row(size_t first) const {
+    ORLIX_INLINE __m256i Row(size_t first) const {
         return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(rows_ + first)));
     }
     alignas(16) uint8_t rows_[256];
 };
 
 // 32 greys become pixels, the lower half of greys holding the first four of each eight, the upper half the others.
-[[gnu::always_inline]] inline void StoreGreys(uint32_t* to, const __m256i& greys) {
+ORLIX_INLINE void StoreGreys(uint32_t* to, const __m256i& greys) {
     const __m256i threefold =
         _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 0, -1, 1, 1, 1, -1, 2, 2, 2, -1, 3, 3, 3, -1));
     for (int k = 0; k < 4; ++k)
@@ -89,8 +84,7 @@ private:
 }
 
 // Four entries of a table of pixels. Putting them together spares three of four stores.
-[[gnu::always_inline]] inline void StoreFour(uint32_t* to, const uint32_t* table, uint8_t a, uint8_t b, uint8_t c,
-                                             uint8_t d) {
+ORLIX_INLINE void StoreFour(uint32_t* to, const uint32_t* table, uint8_t a, uint8_t b, uint8_t c, uint8_t d) {
     __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[a]));
     v = _mm_insert_epi32(v, static_cast<int>(table[b]), 1);
     v = _mm_insert_epi32(v, static_cast<int>(table[c]), 2);
@@ -100,7 +94,7 @@ private:
 
 // Eight picked samples as greys.
 template <size_t kGroup>
-[[gnu::always_inline]] inline __m256i Picked8(const uint8_t* row, Picks picks, size_t i) {
+ORLIX_INLINE __m256i Picked8(const uint8_t* row, Picks picks, size_t i) {
     const int32_t* const bases = picks.bases + i / kGroup;
     const __m128i first = Load16(row + bases[0]);
     const __m256i samples = kGroup == 8
@@ -111,7 +105,7 @@ template <size_t kGroup>
 
 // body(to, first) writes kPixels of the picks; what would be written beyond the last one is cut off.
 template <size_t kPixels, class Body>
-[[gnu::always_inline]] inline void ForEachPick(uint32_t* to, size_t n, const Body& body) {
+ORLIX_INLINE void ForEachPick(uint32_t* to, size_t n, const Body& body) {
     size_t i = 0;
     for (; i + kPixels <= n; i += kPixels) body(to + i, i);
     if (i == n) return;
@@ -121,7 +115,7 @@ template <size_t kPixels, class Body>
 }
 
 template <size_t kGroup>
-[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+ORLIX_INLINE void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
     ForEachPick<16>(to, picks.n, [=](uint32_t* pixels, size_t i) {
         __builtin_prefetch(next + picks.bases[i / kGroup]);
         Store(pixels, Picked8<kGroup>(row, picks, i));
@@ -130,8 +124,8 @@ template <size_t kGroup>
 }
 
 template <size_t kGroup>
-[[gnu::always_inline]] inline void PickFromTable(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
-                                                 const GreyTable& table) {
+ORLIX_INLINE void PickFromTable(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                                const GreyTable& table) {
     ForEachPick<32>(to, picks.n, [=, &table](uint32_t* pixels, size_t i) {
         const auto levels = [&](size_t k) {
             return _mm256_and_si256(Picked8<kGroup>(row, picks, i + 8 * k), _mm256_set1_epi32(0xff));

@@ -1,4 +1,5 @@
 #include "display/raster_kernels.hpp"
+#include "vectors/inline.hpp"
 #include "vectors/intrinsics_avx512.hpp"
 
 namespace orlix {
@@ -20,9 +21,9 @@ struct Indices {
 constexpr Indices kIndices;
 constexpr __mmask64 kColorBytes = 0x7777777777777777;
 
-[[gnu::always_inline]] inline __mmask64 First(size_t n) { return ~uint64_t{0} >> (64 - n); }  // 1 <= n <= 64
+ORLIX_INLINE __mmask64 First(size_t n) { return ~uint64_t{0} >> (64 - n); }  // 1 <= n <= 64
 
-[[gnu::always_inline]] inline void Store(uint32_t* to, const __m512i& v, size_t n) {
+ORLIX_INLINE void Store(uint32_t* to, const __m512i& v, size_t n) {
     if (n >= 16)
         _mm512_storeu_si512(to, v);
     else
@@ -30,7 +31,7 @@ constexpr __mmask64 kColorBytes = 0x7777777777777777;
 }
 
 // 1 <= n <= 64
-[[gnu::always_inline]] inline void WriteGrey(uint32_t* to, const __m512i& v, size_t n) {
+ORLIX_INLINE void WriteGrey(uint32_t* to, const __m512i& v, size_t n) {
     for (size_t k = 0; k < 4; ++k)
         if (16 * k < n)
             Store(to + 16 * k, _mm512_maskz_permutexvar_epi8(kColorBytes, _mm512_loadu_si512(kIndices.threefold[k]), v),
@@ -38,13 +39,12 @@ constexpr __mmask64 kColorBytes = 0x7777777777777777;
 }
 
 // 64 bytes in the order in which WriteColor wants them.
-[[gnu::always_inline]] inline __m512i Turned(const __m512i& v) {
+ORLIX_INLINE __m512i Turned(const __m512i& v) {
     return _mm512_permutexvar_epi32(_mm512_loadu_si512(kIndices.turned), v);
 }
 
 // 1 <= n <= 64
-[[gnu::always_inline]] inline void WriteColor(uint32_t* to, const __m512i& red, const __m512i& green,
-                                              const __m512i& blue, size_t n) {
+ORLIX_INLINE void WriteColor(uint32_t* to, const __m512i& red, const __m512i& green, const __m512i& blue, size_t n) {
     const __m512i zero = _mm512_setzero_si512();
     const __m512i low = _mm512_unpacklo_epi8(blue, green), high = _mm512_unpackhi_epi8(blue, green);
     const __m512i lowRed = _mm512_unpacklo_epi8(red, zero), highRed = _mm512_unpackhi_epi8(red, zero);
@@ -57,11 +57,11 @@ constexpr __mmask64 kColorBytes = 0x7777777777777777;
 struct Table {
     __m512i parts[4];
 };
-[[gnu::always_inline]] inline Table LoadTable(const uint8_t* bytes) {
+ORLIX_INLINE Table LoadTable(const uint8_t* bytes) {
     return {{_mm512_loadu_si512(bytes), _mm512_loadu_si512(bytes + 64), _mm512_loadu_si512(bytes + 128),
              _mm512_loadu_si512(bytes + 192)}};
 }
-[[gnu::always_inline]] inline __m512i LookUp(const Table& table, const __m512i& levels) {
+ORLIX_INLINE __m512i LookUp(const Table& table, const __m512i& levels) {
     const __m512i low = _mm512_permutex2var_epi8(table.parts[0], levels, table.parts[1]);
     const __m512i high = _mm512_permutex2var_epi8(table.parts[2], levels, table.parts[3]);
     return _mm512_mask_mov_epi8(low, _mm512_movepi8_mask(levels), high);
@@ -69,13 +69,13 @@ struct Table {
 
 // body(first pixel, pixels) for 64 pixels at a time and what is left.
 template <class Body>
-[[gnu::always_inline]] inline void ForEach64(size_t n, const Body& body) {
+ORLIX_INLINE void ForEach64(size_t n, const Body& body) {
     size_t i = 0;
     for (; i + kLanes <= n; i += kLanes) body(i, kLanes);
     if (i < n) body(i, n - i);
 }
 
-[[gnu::always_inline]] inline __m512i Load(const uint8_t* p, size_t n) {
+ORLIX_INLINE __m512i Load(const uint8_t* p, size_t n) {
     return n == kLanes ? _mm512_loadu_si512(p) : _mm512_maskz_loadu_epi8(First(n), p);
 }
 
@@ -104,7 +104,7 @@ namespace {
 
 // A group of picked samples. The permutation ignores the bits of its indices beyond the window.
 template <int32_t kWindow>
-[[gnu::always_inline]] inline __m512i Permuted(const uint8_t* from, const __m512i& index, __mmask64 kept) {
+ORLIX_INLINE __m512i Permuted(const uint8_t* from, const __m512i& index, __mmask64 kept) {
     if constexpr (kWindow == 64)
         return _mm512_maskz_permutexvar_epi8(kept, index, _mm512_loadu_si512(from));
     else
@@ -112,12 +112,12 @@ template <int32_t kWindow>
 }
 
 template <int32_t kWindow>
-[[gnu::always_inline]] inline void Fetch(const uint8_t* from) {
+ORLIX_INLINE void Fetch(const uint8_t* from) {
     for (int32_t i = 0; i < kWindow; i += 64) __builtin_prefetch(from + i);
 }
 
 template <int32_t kWindow>
-[[gnu::always_inline]] inline void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
+ORLIX_INLINE void PickGreys(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next) {
     for (size_t i = 0; i < picks.n; i += 16) {
         Fetch<kWindow>(next + picks.bases[i / 16]);
         const __m512i index = _mm512_load_si512(picks.shuffles + i);
@@ -126,8 +126,8 @@ template <int32_t kWindow>
 }
 
 template <int32_t kWindow>
-[[gnu::always_inline]] inline void PickColors(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
-                                              const LevelColors& colors) {
+ORLIX_INLINE void PickColors(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
+                             const LevelColors& colors) {
     const Table red = LoadTable(colors.red), green = LoadTable(colors.green), blue = LoadTable(colors.blue);
     ForEach64(picks.n, [&](size_t i, size_t count) {
         __m128i parts[4];

@@ -1,20 +1,17 @@
 #include <emmintrin.h>
 
 #include "display/raster_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
 constexpr size_t kLanes = 16;
 
-[[gnu::always_inline]] inline __m128i Load(const uint8_t* p) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-}
-[[gnu::always_inline]] inline void Store(uint32_t* p, const __m128i& v) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v);
-}
+ORLIX_INLINE __m128i Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+ORLIX_INLINE void Store(uint32_t* p, const __m128i& v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 
-[[gnu::always_inline]] inline void Write(uint32_t* to, const __m128i& red, const __m128i& green, const __m128i& blue) {
+ORLIX_INLINE void Write(uint32_t* to, const __m128i& red, const __m128i& green, const __m128i& blue) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i low = _mm_unpacklo_epi8(blue, green), high = _mm_unpackhi_epi8(blue, green);
     const __m128i lowRed = _mm_unpacklo_epi8(red, zero), highRed = _mm_unpackhi_epi8(red, zero);

@@ -18,44 +18,85 @@ struct ExtremaRow {
 
 // What ExtremumSharpening is made of. All work on n columns and neither read nor write beyond what is said. Extrema are
 // never NaN, pixels that are NaN change none. Which zero an extreme of float is, is not stated.
+
+// to = from extended by the pixels. to may be from.
+template <class T>
+using ExtendFn = void (*)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
+
+// to = from extended by the pixels; both = to and other together. to may be from.
+template <class T>
+using ExtendAndJoinFn = void (*)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                                 ExtremaRow<T> both, size_t n);
+
+// to[i] = from[i], from[i + steps[0]], from[i + steps[1]] and from[i + steps[2]] together. from is readable that far.
+template <class T>
+using WidenFn = void (*)(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
+
+// to[i] = the nearer of the extremes of square[i], square[i + step] and the limits, seen from pixels[i].
+template <class T>
+using SharpenFn = void (*)(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                           const FilterParameters<T>& limits);
+
 template <class T>
 struct ExtremumKernels {
-    // to = from extended by the pixels. to may be from.
-    void (*extend)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
-
-    // to = from extended by the pixels; both = to and other together. to may be from.
-    void (*extendAndJoin)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
-                          ExtremaRow<T> both, size_t n);
-
-    // to[i] = from[i], from[i + steps[0]], from[i + steps[1]] and from[i + steps[2]] together. from is readable that
-    // far.
-    void (*widen)(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
-
-    // to[i] = the nearer of the extremes of square[i], square[i + step] and the limits, seen from pixels[i].
-    void (*sharpen)(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
-                    const FilterParameters<T>& limits);
+    ExtendFn<T> extend;
+    ExtendAndJoinFn<T> extendAndJoin;
+    WidenFn<T> widen;
+    SharpenFn<T> sharpen;
 };
 
-#define ORLIX_EXTREMUM(T, suffix)                                                                       \
-    void Extend_##suffix(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);        \
-    void ExtendAndJoin_##suffix(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to,            \
-                                ExtremaRow<const T> other, ExtremaRow<T> both, size_t n);               \
-    void Widen_##suffix(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t(&steps)[3], size_t n); \
-    void Sharpen_##suffix(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,    \
-                          const FilterParameters<T>& limits);                                           \
-    /* The whole for squares of 3x3. The limits are not NaN. */                                         \
-    void ExtremumSharpening3x3_##suffix(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits);
-#define ORLIX_EXTREMUM_TYPES(suffix) \
-    ORLIX_EXTREMUM(uint8_t, suffix)  \
-    ORLIX_EXTREMUM(uint16_t, suffix) \
-    ORLIX_EXTREMUM(uint32_t, suffix) \
-    ORLIX_EXTREMUM(float, suffix)
-ORLIX_EXTREMUM_TYPES(scalar)
-ORLIX_EXTREMUM_TYPES(sse2)
-ORLIX_EXTREMUM_TYPES(avx2)
-ORLIX_EXTREMUM_TYPES(avx512)
-#undef ORLIX_EXTREMUM_TYPES
-#undef ORLIX_EXTREMUM
+template <class T>
+void Extend_scalar(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
+template <class T>
+void ExtendAndJoin_scalar(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                          ExtremaRow<T> both, size_t n);
+template <class T>
+void Widen_scalar(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
+template <class T>
+void Sharpen_scalar(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                    const FilterParameters<T>& limits);
+// The whole for squares of 3x3. The limits are not NaN.
+template <class T>
+void ExtremumSharpening3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits);
+
+template <class T>
+void Extend_sse2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
+template <class T>
+void ExtendAndJoin_sse2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                        ExtremaRow<T> both, size_t n);
+template <class T>
+void Widen_sse2(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
+template <class T>
+void Sharpen_sse2(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                  const FilterParameters<T>& limits);
+template <class T>
+void ExtremumSharpening3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits);
+
+template <class T>
+void Extend_avx2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
+template <class T>
+void ExtendAndJoin_avx2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                        ExtremaRow<T> both, size_t n);
+template <class T>
+void Widen_avx2(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
+template <class T>
+void Sharpen_avx2(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                  const FilterParameters<T>& limits);
+template <class T>
+void ExtremumSharpening3x3_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits);
+
+template <class T>
+void Extend_avx512(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
+template <class T>
+void ExtendAndJoin_avx512(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                          ExtremaRow<T> both, size_t n);
+template <class T>
+void Widen_avx512(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
+template <class T>
+void Sharpen_avx512(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                    const FilterParameters<T>& limits);
+template <class T>
+void ExtremumSharpening3x3_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits);
 
 template <class T>
 inline constexpr Variant<ExtremumKernels<T>> kExtremum[] = {

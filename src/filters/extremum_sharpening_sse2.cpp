@@ -3,29 +3,54 @@
 
 namespace orlix {
 
-#define ORLIX_EXTREMUM(T, Lanes)                                                                                       \
-    void Extend_sse2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n) {                          \
-        if (!Extend<Lanes>(pixels, from, to, n)) Extend_scalar(pixels, from, to, n);                                   \
-    }                                                                                                                  \
-    void ExtendAndJoin_sse2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,    \
-                            ExtremaRow<T> both, size_t n) {                                                            \
-        if (!ExtendAndJoin<Lanes>(pixels, from, to, other, both, n))                                                   \
-            ExtendAndJoin_scalar(pixels, from, to, other, both, n);                                                    \
-    }                                                                                                                  \
-    void Widen_sse2(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t(&steps)[3], size_t n) {                   \
-        if (!Widen<Lanes>(from, to, steps, n)) Widen_scalar(from, to, steps, n);                                       \
-    }                                                                                                                  \
-    void Sharpen_sse2(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,                       \
-                      const FilterParameters<T>& limits) {                                                             \
-        if (!Sharpen<Lanes>(pixels, square, step, to, n, limits)) Sharpen_scalar(pixels, square, step, to, n, limits); \
-    }                                                                                                                  \
-    void ExtremumSharpening3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits) {        \
-        if (!Sharpen3x3<Lanes>(rows, to, n, limits)) ExtremumSharpening3x3_scalar(rows, to, n, limits);                \
-    }
-ORLIX_EXTREMUM(uint8_t, Bytes)
-ORLIX_EXTREMUM(uint16_t, Words)
-ORLIX_EXTREMUM(uint32_t, DoubleWords)
-ORLIX_EXTREMUM(float, Floats)
-#undef ORLIX_EXTREMUM
+template <class T>
+void Extend_sse2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n) {
+    if (!Extend<PixelLanes<T>>(pixels, from, to, n)) Extend_scalar(pixels, from, to, n);
+}
+
+template <class T>
+void ExtendAndJoin_sse2(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                        ExtremaRow<T> both, size_t n) {
+    if (!ExtendAndJoin<PixelLanes<T>>(pixels, from, to, other, both, n))
+        ExtendAndJoin_scalar(pixels, from, to, other, both, n);
+}
+
+template <class T>
+void Widen_sse2(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n) {
+    if (!Widen<PixelLanes<T>>(from, to, steps, n)) Widen_scalar(from, to, steps, n);
+}
+
+template <class T>
+void Sharpen_sse2(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                  const FilterParameters<T>& limits) {
+    if (!Sharpen<PixelLanes<T>>(pixels, square, step, to, n, limits))
+        Sharpen_scalar(pixels, square, step, to, n, limits);
+}
+
+template <class T>
+void ExtremumSharpening3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits) {
+    if (!Sharpen3x3<PixelLanes<T>>(rows, to, n, limits)) ExtremumSharpening3x3_scalar(rows, to, n, limits);
+}
+
+template Kernel<ExtendFn<uint8_t>> Extend_sse2;
+template Kernel<ExtendAndJoinFn<uint8_t>> ExtendAndJoin_sse2;
+template Kernel<WidenFn<uint8_t>> Widen_sse2;
+template Kernel<SharpenFn<uint8_t>> Sharpen_sse2;
+template Kernel<FilterFn<uint8_t>> ExtremumSharpening3x3_sse2;
+template Kernel<ExtendFn<uint16_t>> Extend_sse2;
+template Kernel<ExtendAndJoinFn<uint16_t>> ExtendAndJoin_sse2;
+template Kernel<WidenFn<uint16_t>> Widen_sse2;
+template Kernel<SharpenFn<uint16_t>> Sharpen_sse2;
+template Kernel<FilterFn<uint16_t>> ExtremumSharpening3x3_sse2;
+template Kernel<ExtendFn<uint32_t>> Extend_sse2;
+template Kernel<ExtendAndJoinFn<uint32_t>> ExtendAndJoin_sse2;
+template Kernel<WidenFn<uint32_t>> Widen_sse2;
+template Kernel<SharpenFn<uint32_t>> Sharpen_sse2;
+template Kernel<FilterFn<uint32_t>> ExtremumSharpening3x3_sse2;
+template Kernel<ExtendFn<float>> Extend_sse2;
+template Kernel<ExtendAndJoinFn<float>> ExtendAndJoin_sse2;
+template Kernel<WidenFn<float>> Widen_sse2;
+template Kernel<SharpenFn<float>> Sharpen_sse2;
+template Kernel<FilterFn<float>> ExtremumSharpening3x3_sse2;
 
 }  // namespace orlix

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "filters/extremum_sharpening_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -9,7 +10,7 @@ namespace {
 // at(i) for vectors from i on; the last one ends with column n and so may repeat some. False, and nothing was done,
 // where n is less than one vector.
 template <class Lanes, class At>
-[[gnu::always_inline]] inline bool ForEachVector(size_t n, const At& at) {
+ORLIX_INLINE bool ForEachVector(size_t n, const At& at) {
     if (n < Lanes::kLanes) return false;
     for (size_t i = 0; i + Lanes::kLanes <= n; i += Lanes::kLanes) at(i);
     if (n % Lanes::kLanes != 0) at(n - Lanes::kLanes);
@@ -17,7 +18,7 @@ template <class Lanes, class At>
 }
 
 template <class Lanes, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool Extend(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n) {
+ORLIX_INLINE bool Extend(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n) {
     return ForEachVector<Lanes>(
         n, [&](size_t i) __attribute__((always_inline)) {
             const auto p = Lanes::Load(pixels + i);
@@ -27,8 +28,8 @@ template <class Lanes, class T = typename Lanes::Pixel>
 }
 
 template <class Lanes, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool ExtendAndJoin(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to,
-                                                 ExtremaRow<const T> other, ExtremaRow<T> both, size_t n) {
+ORLIX_INLINE bool ExtendAndJoin(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
+                                ExtremaRow<T> both, size_t n) {
     return ForEachVector<Lanes>(
         n, [&](size_t i) __attribute__((always_inline)) {
             const auto p = Lanes::Load(pixels + i);
@@ -49,8 +50,7 @@ concept Shifts = requires(size_t step) {
 // use(low, high, i) for vectors as ForEachVector() has them: those of the rows at i and at i + steps[0], i + steps[1]
 // ... together.
 template <class Lanes, size_t kSteps, class Use, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool ForEachWindow(ExtremaRow<const T> from, const size_t (&steps)[kSteps], size_t n,
-                                                 const Use& use) {
+ORLIX_INLINE bool ForEachWindow(ExtremaRow<const T> from, const size_t (&steps)[kSteps], size_t n, const Use& use) {
     if (n < Lanes::kLanes) return false;
     const auto alone = [&](size_t i) __attribute__((always_inline)) {
         auto low = Lanes::Load(from.low + i), high = Lanes::Load(from.high + i);
@@ -86,8 +86,7 @@ template <class Lanes, size_t kSteps, class Use, class T = typename Lanes::Pixel
 }
 
 template <class Lanes, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool Widen(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3],
-                                         size_t n) {
+ORLIX_INLINE bool Widen(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n) {
     return ForEachWindow<Lanes>(
         from, steps, n, [&](const auto& low, const auto& high, size_t i) __attribute__((always_inline)) {
             Lanes::Store(to.low + i, low);
@@ -96,8 +95,8 @@ template <class Lanes, class T = typename Lanes::Pixel>
 }
 
 template <class Lanes, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool Sharpen(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
-                                           const FilterParameters<T>& limits) {
+ORLIX_INLINE bool Sharpen(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
+                          const FilterParameters<T>& limits) {
     const auto lower = Lanes::All(limits.lower), upper = Lanes::All(limits.upper);
     return ForEachWindow<Lanes>(
         square, {step}, n, [&](const auto& low, const auto& high, size_t i) __attribute__((always_inline)) {
@@ -111,8 +110,8 @@ template <class Lanes, class T = typename Lanes::Pixel>
 struct ColumnExtremes {
     typename Lanes::Vector low, middle, high;
 
-    [[gnu::always_inline]] ColumnExtremes(const T* const* p, ptrdiff_t x, const typename Lanes::Vector& lower,
-                                          const typename Lanes::Vector& upper) {
+    ORLIX_INLINE ColumnExtremes(const T* const* p, ptrdiff_t x, const typename Lanes::Vector& lower,
+                                const typename Lanes::Vector& upper) {
         const auto a = Lanes::Load(p[0] + x), c = Lanes::Load(p[2] + x);
         middle = Lanes::Load(p[1] + x);
         low = Lanes::Min(c, Lanes::Min(middle, Lanes::Min(a, upper)));
@@ -122,8 +121,7 @@ struct ColumnExtremes {
 
 // As MedianRow() does it: columns are shifted to their neighbours inside the row and read where they are at its ends.
 template <class Lanes, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool Sharpen3x3(const T* const* rows, T* to, size_t n,
-                                              const FilterParameters<T>& limits) {
+ORLIX_INLINE bool Sharpen3x3(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits) {
     constexpr size_t kLanes = Lanes::kLanes;
     if (n < kLanes) return false;
     using Column = ColumnExtremes<Lanes>;

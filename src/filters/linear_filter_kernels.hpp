@@ -20,7 +20,7 @@ namespace orlix {
 // Notes:
 //  (1) 8 and 16 bits: integers, the division truncates toward zero. 32 bits: double, in which the sums are exact,
 //      floor(v + 0.5) of the quotient. All are then clamped.
-//  (2) float: single precision, summed in the order of the definitions in linear_filters.cpp, which lets a flat image
+//  (2) float: single precision, summed in the order of the definitions (linear_filters_scalar.cpp), which lets a flat image
 //      come out as it is. NaN, and infinities that cancel, give the quiet NaN 0x7fc00000; it is not clamped.
 template <class T>
 void Laplacian_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
@@ -33,33 +33,86 @@ void Gaussian3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParam
 template <class T>
 void Gaussian5x5_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
-#define ORLIX_VARIANT(Name, T, variant) \
-    void Name##_##variant(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
-#define ORLIX_VARIANTS(Name, T)  \
-    ORLIX_VARIANT(Name, T, sse2) \
-    ORLIX_VARIANT(Name, T, avx2) \
-    ORLIX_VARIANT(Name, T, avx512)
-// The compiler's own vectors serve 32 bits.
-#define ORLIX_LINEAR_FILTER(Name)                       \
-    ORLIX_VARIANTS(Name, uint8_t)                       \
-    ORLIX_VARIANTS(Name, uint16_t)                      \
-    ORLIX_VARIANTS(Name, float)                         \
-    template <class T>                                  \
-    inline constexpr Variant<FilterFn<T>> k##Name[] = { \
-        {"avx512", Cpu::Avx512, &Name##_avx512},        \
-        {"avx2", Cpu::Avx2, &Name##_avx2},              \
-        {"sse2", Cpu::Sse2, &Name##_sse2},              \
-        {"scalar", Cpu::Any, &Name##_scalar},           \
-    };                                                  \
-    template <>                                         \
-    inline constexpr Variant<FilterFn<uint32_t>> k##Name<uint32_t>[] = {{"scalar", Cpu::Any, &Name##_scalar}};
-ORLIX_LINEAR_FILTER(Laplacian)
-ORLIX_LINEAR_FILTER(SharpenLow)
-ORLIX_LINEAR_FILTER(SharpenMedium)
-ORLIX_LINEAR_FILTER(Gaussian3x3)
-ORLIX_LINEAR_FILTER(Gaussian5x5)
-#undef ORLIX_LINEAR_FILTER
-#undef ORLIX_VARIANTS
-#undef ORLIX_VARIANT
+// Variants for all types but uint32_t, which the compiler's own vectors serve.
+template <class T>
+void Laplacian_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void SharpenLow_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void SharpenMedium_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Gaussian3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Gaussian5x5_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Laplacian_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void SharpenLow_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void SharpenMedium_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Gaussian3x3_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Gaussian5x5_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Laplacian_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void SharpenLow_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void SharpenMedium_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Gaussian3x3_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Gaussian5x5_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+
+template <class T>
+inline constexpr Variant<FilterFn<T>> kLaplacian[] = {
+    {"avx512", Cpu::Avx512, &Laplacian_avx512},
+    {"avx2", Cpu::Avx2, &Laplacian_avx2},
+    {"sse2", Cpu::Sse2, &Laplacian_sse2},
+    {"scalar", Cpu::Any, &Laplacian_scalar},
+};
+template <>
+inline constexpr Variant<FilterFn<uint32_t>> kLaplacian<uint32_t>[] = {{"scalar", Cpu::Any, &Laplacian_scalar}};
+
+template <class T>
+inline constexpr Variant<FilterFn<T>> kSharpenLow[] = {
+    {"avx512", Cpu::Avx512, &SharpenLow_avx512},
+    {"avx2", Cpu::Avx2, &SharpenLow_avx2},
+    {"sse2", Cpu::Sse2, &SharpenLow_sse2},
+    {"scalar", Cpu::Any, &SharpenLow_scalar},
+};
+template <>
+inline constexpr Variant<FilterFn<uint32_t>> kSharpenLow<uint32_t>[] = {{"scalar", Cpu::Any, &SharpenLow_scalar}};
+
+template <class T>
+inline constexpr Variant<FilterFn<T>> kSharpenMedium[] = {
+    {"avx512", Cpu::Avx512, &SharpenMedium_avx512},
+    {"avx2", Cpu::Avx2, &SharpenMedium_avx2},
+    {"sse2", Cpu::Sse2, &SharpenMedium_sse2},
+    {"scalar", Cpu::Any, &SharpenMedium_scalar},
+};
+template <>
+inline constexpr Variant<FilterFn<uint32_t>> kSharpenMedium<uint32_t>[] = {{"scalar", Cpu::Any, &SharpenMedium_scalar}};
+
+template <class T>
+inline constexpr Variant<FilterFn<T>> kGaussian3x3[] = {
+    {"avx512", Cpu::Avx512, &Gaussian3x3_avx512},
+    {"avx2", Cpu::Avx2, &Gaussian3x3_avx2},
+    {"sse2", Cpu::Sse2, &Gaussian3x3_sse2},
+    {"scalar", Cpu::Any, &Gaussian3x3_scalar},
+};
+template <>
+inline constexpr Variant<FilterFn<uint32_t>> kGaussian3x3<uint32_t>[] = {{"scalar", Cpu::Any, &Gaussian3x3_scalar}};
+
+template <class T>
+inline constexpr Variant<FilterFn<T>> kGaussian5x5[] = {
+    {"avx512", Cpu::Avx512, &Gaussian5x5_avx512},
+    {"avx2", Cpu::Avx2, &Gaussian5x5_avx2},
+    {"sse2", Cpu::Sse2, &Gaussian5x5_sse2},
+    {"scalar", Cpu::Any, &Gaussian5x5_scalar},
+};
+template <>
+inline constexpr Variant<FilterFn<uint32_t>> kGaussian5x5<uint32_t>[] = {{"scalar", Cpu::Any, &Gaussian5x5_scalar}};
 
 }  // namespace orlix

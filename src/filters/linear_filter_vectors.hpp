@@ -1,13 +1,14 @@
 // The linear filters on vectors, for the suffixed files, each of which brings its lanes:
 //
-//     struct Lanes {
+//     template <>
+//     struct LinearLanes<Pixel> {
 //         using Pixel;                       uint8_t, uint16_t or float
 //         using Wide;                        a vector of sums: lanes of twice the size of integer pixels, float for
 //                                            float
 //         static constexpr size_t kPixels;   pixels of a block
-//         static constexpr int kPhases;      pixels that share a lane, 2 or 1: lane j of phase p is for pixel kPhases j
-//         + p
-//         Lanes(const FilterParameters<Pixel>&);
+//         static constexpr int kPhases;      pixels that share a lane, 2 or 1: lane j of phase p is for pixel
+//                                            kPhases j + p
+//         LinearLanes(const FilterParameters<Pixel>&);
 //         static void Load(const Pixel* from, Wide* phases);
 //         static Wide Add(a, b), Less(a, b); Less: integers stop at 0, which is what their clamp makes of less
 //         static Wide Up<bits>(a), Down<bits>(a);  times or over 2^bits; integers are rounded down
@@ -25,11 +26,13 @@
 #include <type_traits>
 
 #include "filters/linear_filter_kernels.hpp"
-
-#define ORLIX_INLINE [[gnu::always_inline]] inline
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
+
+template <class T>
+struct LinearLanes;
 
 // Just above 1/6. Of a whole number a below 2^21 the product lies less than 0.1 above a / 6 and not below it, so that
 // truncation gives the quotient.
@@ -226,24 +229,13 @@ private:
 };
 
 // Rows too short for a block go to the next narrower variant.
-template <class L, class Rule>
-ORLIX_INLINE void FilterRow(const typename L::Pixel* const* rows, typename L::Pixel* to, size_t n,
-                            const FilterParameters<typename L::Pixel>& parameters,
-                            FilterFn<typename L::Pixel> narrower) {
+template <class Rule, class T>
+ORLIX_INLINE void FilterRow(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters,
+                            FilterFn<T> narrower) {
+    using L = LinearLanes<T>;
     if (n < L::kPixels) return narrower(rows, to, n, parameters);
     RowFilter<L, Rule>(rows, to, parameters)(n);
 }
 
 }  // namespace
 }  // namespace orlix
-
-#define ORLIX_LINEAR_FILTER(Name, T, Lanes, variant, narrower)                                            \
-    void Name##_##variant(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) { \
-        FilterRow<Lanes, Name##Rule>(rows, to, n, parameters, &Name##_##narrower);                        \
-    }
-#define ORLIX_LINEAR_FILTERS(T, Lanes, variant, narrower)           \
-    ORLIX_LINEAR_FILTER(Laplacian, T, Lanes, variant, narrower)     \
-    ORLIX_LINEAR_FILTER(SharpenLow, T, Lanes, variant, narrower)    \
-    ORLIX_LINEAR_FILTER(SharpenMedium, T, Lanes, variant, narrower) \
-    ORLIX_LINEAR_FILTER(Gaussian3x3, T, Lanes, variant, narrower)   \
-    ORLIX_LINEAR_FILTER(Gaussian5x5, T, Lanes, variant, narrower)

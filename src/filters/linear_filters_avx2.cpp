@@ -1,6 +1,7 @@
 #include <immintrin.h>
 
 #include "filters/linear_filter_vectors.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -22,13 +23,14 @@ ORLIX_INLINE void StoreVector(T* to, const __m256i& v) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), v);
 }
 
-struct Bytes {
+template <>
+struct LinearLanes<uint8_t> {
     using Pixel = uint8_t;
     using Wide = __m256i;
     static constexpr size_t kPixels = 32;
     static constexpr int kPhases = 2;
     __m256i lower, upper;
-    ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm256_set1_epi8(static_cast<char>(p.lower))), upper(_mm256_set1_epi8(static_cast<char>(p.upper))) {}
 
     ORLIX_INLINE static void Load(const uint8_t* from, Wide* phases) {
@@ -61,13 +63,14 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct LinearLanes<uint16_t> {
     using Pixel = uint16_t;
     using Wide = __m256i;
     static constexpr size_t kPixels = 16;
     static constexpr int kPhases = 2;
     __m256i lower, upper;
-    ORLIX_INLINE explicit Words(const FilterParameters<uint16_t>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<uint16_t>& p)
         : lower(_mm256_set1_epi16(static_cast<short>(p.lower))),
           upper(_mm256_set1_epi16(static_cast<short>(p.upper))) {}
 
@@ -104,13 +107,14 @@ struct Words {
     }
 };
 
-struct Floats {
+template <>
+struct LinearLanes<float> {
     using Pixel = float;
     using Wide = __m256;
     static constexpr size_t kPixels = 8;
     static constexpr int kPhases = 1;
     __m256 lower, upper;
-    ORLIX_INLINE explicit Floats(const FilterParameters<float>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<float>& p)
         : lower(_mm256_set1_ps(p.lower)), upper(_mm256_set1_ps(p.upper)) {}
 
     ORLIX_INLINE static void Load(const float* from, Wide* phases) { phases[0] = _mm256_loadu_ps(from); }
@@ -140,8 +144,41 @@ struct Floats {
 
 }  // namespace
 
-ORLIX_LINEAR_FILTERS(uint8_t, Bytes, avx2, sse2)
-ORLIX_LINEAR_FILTERS(uint16_t, Words, avx2, sse2)
-ORLIX_LINEAR_FILTERS(float, Floats, avx2, sse2)
+template <class T>
+void Laplacian_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<LaplacianRule>(rows, to, n, parameters, &Laplacian_sse2);
+}
+template <class T>
+void SharpenLow_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<SharpenLowRule>(rows, to, n, parameters, &SharpenLow_sse2);
+}
+template <class T>
+void SharpenMedium_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<SharpenMediumRule>(rows, to, n, parameters, &SharpenMedium_sse2);
+}
+template <class T>
+void Gaussian3x3_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<Gaussian3x3Rule>(rows, to, n, parameters, &Gaussian3x3_sse2);
+}
+template <class T>
+void Gaussian5x5_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<Gaussian5x5Rule>(rows, to, n, parameters, &Gaussian5x5_sse2);
+}
+
+template Kernel<FilterFn<uint8_t>> Laplacian_avx2;
+template Kernel<FilterFn<uint16_t>> Laplacian_avx2;
+template Kernel<FilterFn<float>> Laplacian_avx2;
+template Kernel<FilterFn<uint8_t>> SharpenLow_avx2;
+template Kernel<FilterFn<uint16_t>> SharpenLow_avx2;
+template Kernel<FilterFn<float>> SharpenLow_avx2;
+template Kernel<FilterFn<uint8_t>> SharpenMedium_avx2;
+template Kernel<FilterFn<uint16_t>> SharpenMedium_avx2;
+template Kernel<FilterFn<float>> SharpenMedium_avx2;
+template Kernel<FilterFn<uint8_t>> Gaussian3x3_avx2;
+template Kernel<FilterFn<uint16_t>> Gaussian3x3_avx2;
+template Kernel<FilterFn<float>> Gaussian3x3_avx2;
+template Kernel<FilterFn<uint8_t>> Gaussian5x5_avx2;
+template Kernel<FilterFn<uint16_t>> Gaussian5x5_avx2;
+template Kernel<FilterFn<float>> Gaussian5x5_avx2;
 
 }  // namespace orlix

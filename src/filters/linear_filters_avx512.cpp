@@ -1,6 +1,7 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "filters/linear_filter_vectors.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -11,13 +12,14 @@ ORLIX_INLINE __m512i Later32(const __m512i& a, const __m512i& b) {
     return _mm512_alignr_epi32(b, a, kCount);
 }
 
-struct Bytes {
+template <>
+struct LinearLanes<uint8_t> {
     using Pixel = uint8_t;
     using Wide = __m512i;
     static constexpr size_t kPixels = 64;
     static constexpr int kPhases = 2;
     __m512i lower, upper;
-    ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm512_set1_epi8(static_cast<char>(p.lower))), upper(_mm512_set1_epi8(static_cast<char>(p.upper))) {}
 
     ORLIX_INLINE static void Load(const uint8_t* from, Wide* phases) {
@@ -54,13 +56,14 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct LinearLanes<uint16_t> {
     using Pixel = uint16_t;
     using Wide = __m512i;
     static constexpr size_t kPixels = 32;
     static constexpr int kPhases = 2;
     __m512i lower, upper;
-    ORLIX_INLINE explicit Words(const FilterParameters<uint16_t>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<uint16_t>& p)
         : lower(_mm512_set1_epi16(static_cast<short>(p.lower))),
           upper(_mm512_set1_epi16(static_cast<short>(p.upper))) {}
 
@@ -97,13 +100,14 @@ struct Words {
     }
 };
 
-struct Floats {
+template <>
+struct LinearLanes<float> {
     using Pixel = float;
     using Wide = __m512;
     static constexpr size_t kPixels = 16;
     static constexpr int kPhases = 1;
     __m512 lower, upper;
-    ORLIX_INLINE explicit Floats(const FilterParameters<float>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<float>& p)
         : lower(_mm512_set1_ps(p.lower)), upper(_mm512_set1_ps(p.upper)) {}
 
     ORLIX_INLINE static void Load(const float* from, Wide* phases) { phases[0] = _mm512_loadu_ps(from); }
@@ -134,8 +138,41 @@ struct Floats {
 
 }  // namespace
 
-ORLIX_LINEAR_FILTERS(uint8_t, Bytes, avx512, avx2)
-ORLIX_LINEAR_FILTERS(uint16_t, Words, avx512, avx2)
-ORLIX_LINEAR_FILTERS(float, Floats, avx512, avx2)
+template <class T>
+void Laplacian_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<LaplacianRule>(rows, to, n, parameters, &Laplacian_avx2);
+}
+template <class T>
+void SharpenLow_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<SharpenLowRule>(rows, to, n, parameters, &SharpenLow_avx2);
+}
+template <class T>
+void SharpenMedium_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<SharpenMediumRule>(rows, to, n, parameters, &SharpenMedium_avx2);
+}
+template <class T>
+void Gaussian3x3_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<Gaussian3x3Rule>(rows, to, n, parameters, &Gaussian3x3_avx2);
+}
+template <class T>
+void Gaussian5x5_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<Gaussian5x5Rule>(rows, to, n, parameters, &Gaussian5x5_avx2);
+}
+
+template Kernel<FilterFn<uint8_t>> Laplacian_avx512;
+template Kernel<FilterFn<uint16_t>> Laplacian_avx512;
+template Kernel<FilterFn<float>> Laplacian_avx512;
+template Kernel<FilterFn<uint8_t>> SharpenLow_avx512;
+template Kernel<FilterFn<uint16_t>> SharpenLow_avx512;
+template Kernel<FilterFn<float>> SharpenLow_avx512;
+template Kernel<FilterFn<uint8_t>> SharpenMedium_avx512;
+template Kernel<FilterFn<uint16_t>> SharpenMedium_avx512;
+template Kernel<FilterFn<float>> SharpenMedium_avx512;
+template Kernel<FilterFn<uint8_t>> Gaussian3x3_avx512;
+template Kernel<FilterFn<uint16_t>> Gaussian3x3_avx512;
+template Kernel<FilterFn<float>> Gaussian3x3_avx512;
+template Kernel<FilterFn<uint8_t>> Gaussian5x5_avx512;
+template Kernel<FilterFn<uint16_t>> Gaussian5x5_avx512;
+template Kernel<FilterFn<float>> Gaussian5x5_avx512;
 
 }  // namespace orlix

@@ -1,6 +1,7 @@
 #include <emmintrin.h>
 
 #include "filters/linear_filter_vectors.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -24,13 +25,14 @@ ORLIX_INLINE __m128i Choose(const __m128i& mask, const __m128i& yes, const __m12
     return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
 }
 
-struct Bytes {
+template <>
+struct LinearLanes<uint8_t> {
     using Pixel = uint8_t;
     using Wide = __m128i;
     static constexpr size_t kPixels = 16;
     static constexpr int kPhases = 2;
     __m128i lower, upper;
-    ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm_set1_epi8(static_cast<char>(p.lower))), upper(_mm_set1_epi8(static_cast<char>(p.upper))) {}
 
     ORLIX_INLINE static void Load(const uint8_t* from, Wide* phases) {
@@ -64,13 +66,14 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct LinearLanes<uint16_t> {
     using Pixel = uint16_t;
     using Wide = __m128i;
     static constexpr size_t kPixels = 8;
     static constexpr int kPhases = 2;
     __m128i lower, upper;
-    ORLIX_INLINE explicit Words(const FilterParameters<uint16_t>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<uint16_t>& p)
         : lower(_mm_set1_epi16(static_cast<short>(p.lower))), upper(_mm_set1_epi16(static_cast<short>(p.upper))) {}
 
     ORLIX_INLINE static void Load(const uint16_t* from, Wide* phases) {
@@ -111,13 +114,14 @@ struct Words {
     }
 };
 
-struct Floats {
+template <>
+struct LinearLanes<float> {
     using Pixel = float;
     using Wide = __m128;
     static constexpr size_t kPixels = 4;
     static constexpr int kPhases = 1;
     __m128 lower, upper;
-    ORLIX_INLINE explicit Floats(const FilterParameters<float>& p)
+    ORLIX_INLINE explicit LinearLanes(const FilterParameters<float>& p)
         : lower(_mm_set1_ps(p.lower)), upper(_mm_set1_ps(p.upper)) {}
 
     ORLIX_INLINE static void Load(const float* from, Wide* phases) { phases[0] = _mm_loadu_ps(from); }
@@ -150,8 +154,41 @@ struct Floats {
 
 }  // namespace
 
-ORLIX_LINEAR_FILTERS(uint8_t, Bytes, sse2, scalar)
-ORLIX_LINEAR_FILTERS(uint16_t, Words, sse2, scalar)
-ORLIX_LINEAR_FILTERS(float, Floats, sse2, scalar)
+template <class T>
+void Laplacian_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<LaplacianRule>(rows, to, n, parameters, &Laplacian_scalar);
+}
+template <class T>
+void SharpenLow_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<SharpenLowRule>(rows, to, n, parameters, &SharpenLow_scalar);
+}
+template <class T>
+void SharpenMedium_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<SharpenMediumRule>(rows, to, n, parameters, &SharpenMedium_scalar);
+}
+template <class T>
+void Gaussian3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<Gaussian3x3Rule>(rows, to, n, parameters, &Gaussian3x3_scalar);
+}
+template <class T>
+void Gaussian5x5_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    FilterRow<Gaussian5x5Rule>(rows, to, n, parameters, &Gaussian5x5_scalar);
+}
+
+template Kernel<FilterFn<uint8_t>> Laplacian_sse2;
+template Kernel<FilterFn<uint16_t>> Laplacian_sse2;
+template Kernel<FilterFn<float>> Laplacian_sse2;
+template Kernel<FilterFn<uint8_t>> SharpenLow_sse2;
+template Kernel<FilterFn<uint16_t>> SharpenLow_sse2;
+template Kernel<FilterFn<float>> SharpenLow_sse2;
+template Kernel<FilterFn<uint8_t>> SharpenMedium_sse2;
+template Kernel<FilterFn<uint16_t>> SharpenMedium_sse2;
+template Kernel<FilterFn<float>> SharpenMedium_sse2;
+template Kernel<FilterFn<uint8_t>> Gaussian3x3_sse2;
+template Kernel<FilterFn<uint16_t>> Gaussian3x3_sse2;
+template Kernel<FilterFn<float>> Gaussian3x3_sse2;
+template Kernel<FilterFn<uint8_t>> Gaussian5x5_sse2;
+template Kernel<FilterFn<uint16_t>> Gaussian5x5_sse2;
+template Kernel<FilterFn<float>> Gaussian5x5_sse2;
 
 }  // namespace orlix

@@ -10,17 +10,14 @@ namespace orlix {
 // order of IEEE 754: NaN beyond the infinity of its sign, -0 before 0. So the result is one of the nine to the bit, and
 // it is NaN only when five of them are NaN of one sign.
 template <class T>
-void Median3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>&);
+void Median3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
-#define ORLIX_MEDIAN(T)                                                                     \
-    void Median3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>&); \
-    void Median3x3_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>&); \
-    void Median3x3_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>&);
-ORLIX_MEDIAN(uint8_t)
-ORLIX_MEDIAN(uint16_t)
-ORLIX_MEDIAN(uint32_t)
-ORLIX_MEDIAN(float)
-#undef ORLIX_MEDIAN
+template <class T>
+void Median3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Median3x3_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Median3x3_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
 template <class T>
 inline constexpr Variant<FilterFn<T>> kMedian3x3[] = {

@@ -3,14 +3,14 @@
 
 namespace orlix {
 
-#define ORLIX_MEDIAN(T, Lanes)                                                                          \
-    void Median3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) { \
-        if (!MedianRow<Lanes>(rows, to, n)) Median3x3_scalar(rows, to, n, parameters);                  \
-    }
-ORLIX_MEDIAN(uint8_t, Bytes)
-ORLIX_MEDIAN(uint16_t, Words)
-ORLIX_MEDIAN(uint32_t, DoubleWords)
-ORLIX_MEDIAN(float, TotallyOrdered)
-#undef ORLIX_MEDIAN
+template <class T>
+void Median3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    if (!MedianRow<OrderedLanes<T>>(rows, to, n)) Median3x3_scalar(rows, to, n, parameters);
+}
+
+template Kernel<FilterFn<uint8_t>> Median3x3_sse2;
+template Kernel<FilterFn<uint16_t>> Median3x3_sse2;
+template Kernel<FilterFn<uint32_t>> Median3x3_sse2;
+template Kernel<FilterFn<float>> Median3x3_sse2;
 
 }  // namespace orlix

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "filters/median_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -13,7 +14,7 @@ struct Column {
 
 // The three pixels above one another at p[0], p[1], p[2], sorted.
 template <class Lanes>
-[[gnu::always_inline]] inline Column<Lanes> Sorted(const typename Lanes::Pixel* const* p, ptrdiff_t i) {
+ORLIX_INLINE Column<Lanes> Sorted(const typename Lanes::Pixel* const* p, ptrdiff_t i) {
     const auto a = Lanes::Load(p[0] + i), b = Lanes::Load(p[1] + i), c = Lanes::Load(p[2] + i);
     const auto low = Lanes::Min(a, b), high = Lanes::Max(a, b);
     const auto rest = Lanes::Min(high, c);
@@ -21,17 +22,15 @@ template <class Lanes>
 }
 
 template <class Lanes>
-[[gnu::always_inline]] inline typename Lanes::Vector MiddleOf(const typename Lanes::Vector& a,
-                                                              const typename Lanes::Vector& b,
-                                                              const typename Lanes::Vector& c) {
+ORLIX_INLINE typename Lanes::Vector MiddleOf(const typename Lanes::Vector& a, const typename Lanes::Vector& b,
+                                             const typename Lanes::Vector& c) {
     return Lanes::Max(Lanes::Min(a, b), Lanes::Min(Lanes::Max(a, b), c));
 }
 
 // Columns sorted, the median is that of the greatest minimum, the middle one of the middles and the smallest maximum:
 // each of these three leaves four pixels that cannot be beyond it on either side.
 template <class Lanes>
-[[gnu::always_inline]] inline typename Lanes::Vector MedianOf(const Column<Lanes>& l, const Column<Lanes>& c,
-                                                              const Column<Lanes>& r) {
+ORLIX_INLINE typename Lanes::Vector MedianOf(const Column<Lanes>& l, const Column<Lanes>& c, const Column<Lanes>& r) {
     return MiddleOf<Lanes>(Lanes::Max(Lanes::Max(l.low, c.low), r.low), MiddleOf<Lanes>(l.middle, c.middle, r.middle),
                            Lanes::Min(Lanes::Min(l.high, c.high), r.high));
 }
@@ -40,7 +39,7 @@ template <class Lanes>
 // neighbours; at the ends columns are read where they are, and the last vector ends with the row. SSE2 takes three
 // instructions for a shift and reads all columns where they are.
 template <class Lanes, class T = typename Lanes::Pixel>
-[[gnu::always_inline]] inline bool MedianRow(const T* const* rows, T* to, size_t n) {
+ORLIX_INLINE bool MedianRow(const T* const* rows, T* to, size_t n) {
     constexpr size_t kLanes = Lanes::kLanes;
     if (n < kLanes) return false;
     const T* const p[3] = {rows[0], rows[1], rows[2]};

@@ -1,21 +1,21 @@
 #include <immintrin.h>
 
 #include "filters/sobel_vectors.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-#define ORLIX_INLINE [[gnu::always_inline]] inline
-
 // To the nearest integer, halves up. One root of the wide tables is a half in single precision, and not an even one up.
 ORLIX_INLINE __m256i Rounded(const __m256& v) { return _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f))); }
 
-struct Bytes {
+template <>
+struct SobelLanes<uint8_t> {
     using Pixel = uint8_t;
     static constexpr size_t kLanes = 32;
     __m256i lower, upper;
 
-    ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
+    ORLIX_INLINE explicit SobelLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm256_set1_epi8(static_cast<char>(p.lower))), upper(_mm256_set1_epi8(static_cast<char>(p.upper))) {}
 
     // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again
@@ -57,12 +57,13 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct SobelLanes<uint16_t> {
     using Pixel = uint16_t;
     static constexpr size_t kLanes = 8;
     __m256i lower, upper;
 
-    ORLIX_INLINE explicit Words(const FilterParameters<uint16_t>& p)
+    ORLIX_INLINE explicit SobelLanes(const FilterParameters<uint16_t>& p)
         : lower(_mm256_set1_epi32(p.lower)), upper(_mm256_set1_epi32(p.upper)) {}
 
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
@@ -105,12 +106,13 @@ struct Words {
     }
 };
 
-struct Floats {
+template <>
+struct SobelLanes<float> {
     using Pixel = float;
     static constexpr size_t kLanes = 8;
     __m256 lower, upper;
 
-    ORLIX_INLINE explicit Floats(const FilterParameters<float>& p)
+    ORLIX_INLINE explicit SobelLanes(const FilterParameters<float>& p)
         : lower(_mm256_set1_ps(p.lower)), upper(_mm256_set1_ps(p.upper)) {}
 
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
@@ -127,17 +129,15 @@ struct Floats {
     }
 };
 
-#undef ORLIX_INLINE
-
 }  // namespace
 
-#define ORLIX_SOBEL(T, Vectors)                                                                     \
-    void Sobel_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) { \
-        if (!SobelRow<Vectors>(rows, to, n, parameters)) Sobel_sse2(rows, to, n, parameters);       \
-    }
-ORLIX_SOBEL(uint8_t, Bytes)
-ORLIX_SOBEL(uint16_t, Words)
-ORLIX_SOBEL(float, Floats)
-#undef ORLIX_SOBEL
+template <class T>
+void Sobel_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    if (!SobelRow(rows, to, n, parameters)) Sobel_sse2(rows, to, n, parameters);
+}
+
+template Kernel<FilterFn<uint8_t>> Sobel_avx2;
+template Kernel<FilterFn<uint16_t>> Sobel_avx2;
+template Kernel<FilterFn<float>> Sobel_avx2;
 
 }  // namespace orlix

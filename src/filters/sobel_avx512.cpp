@@ -2,11 +2,10 @@
 
 #include "filters/sobel_roots.hpp"
 #include "filters/sobel_vectors.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
-
-#define ORLIX_INLINE [[gnu::always_inline]] inline
 
 // To the nearest integer, halves up. One root of the wide tables is a half in single precision, and not an even one up.
 ORLIX_INLINE __m512i Rounded(const __m512& v) { return _mm512_cvttps_epi32(_mm512_add_ps(v, _mm512_set1_ps(0.5f))); }
@@ -26,13 +25,14 @@ struct Table {
     }
 };
 
-struct Bytes {
+template <>
+struct SobelLanes<uint8_t> {
     using Pixel = uint8_t;
     static constexpr size_t kLanes = 64;
     Table exact{kRoots.exact}, byBits4{kRoots.byBits4}, byBits8{kRoots.byBits8};
     __m512i lower, upper;
 
-    ORLIX_INLINE explicit Bytes(const FilterParameters<uint8_t>& p)
+    ORLIX_INLINE explicit SobelLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm512_set1_epi8(static_cast<char>(p.lower))), upper(_mm512_set1_epi8(static_cast<char>(p.upper))) {}
 
     // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again
@@ -65,12 +65,13 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct SobelLanes<uint16_t> {
     using Pixel = uint16_t;
     static constexpr size_t kLanes = 16;
     __m512i lower, upper;
 
-    ORLIX_INLINE explicit Words(const FilterParameters<uint16_t>& p)
+    ORLIX_INLINE explicit SobelLanes(const FilterParameters<uint16_t>& p)
         : lower(_mm512_set1_epi32(p.lower)), upper(_mm512_set1_epi32(p.upper)) {}
 
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
@@ -110,12 +111,13 @@ struct Words {
     }
 };
 
-struct Floats {
+template <>
+struct SobelLanes<float> {
     using Pixel = float;
     static constexpr size_t kLanes = 16;
     __m512 lower, upper;
 
-    ORLIX_INLINE explicit Floats(const FilterParameters<float>& p)
+    ORLIX_INLINE explicit SobelLanes(const FilterParameters<float>& p)
         : lower(_mm512_set1_ps(p.lower)), upper(_mm512_set1_ps(p.upper)) {}
 
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
@@ -132,17 +134,15 @@ struct Floats {
     }
 };
 
-#undef ORLIX_INLINE
-
 }  // namespace
 
-#define ORLIX_SOBEL(T, Vectors)                                                                       \
-    void Sobel_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) { \
-        if (!SobelRow<Vectors>(rows, to, n, parameters)) Sobel_avx2(rows, to, n, parameters);         \
-    }
-ORLIX_SOBEL(uint8_t, Bytes)
-ORLIX_SOBEL(uint16_t, Words)
-ORLIX_SOBEL(float, Floats)
-#undef ORLIX_SOBEL
+template <class T>
+void Sobel_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    if (!SobelRow(rows, to, n, parameters)) Sobel_avx2(rows, to, n, parameters);
+}
+
+template Kernel<FilterFn<uint8_t>> Sobel_avx512;
+template Kernel<FilterFn<uint16_t>> Sobel_avx512;
+template Kernel<FilterFn<float>> Sobel_avx512;
 
 }  // namespace orlix

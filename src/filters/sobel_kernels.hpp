@@ -19,14 +19,13 @@ namespace orlix {
 template <class T>
 void Sobel_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
-#define ORLIX_SOBEL(T)                                                                             \
-    void Sobel_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters); \
-    void Sobel_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters); \
-    void Sobel_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
-ORLIX_SOBEL(uint8_t)
-ORLIX_SOBEL(uint16_t)
-ORLIX_SOBEL(float)
-#undef ORLIX_SOBEL
+// For all types but uint32_t.
+template <class T>
+void Sobel_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Sobel_avx2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
+template <class T>
+void Sobel_avx512(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
 template <class T>
 inline constexpr Variant<FilterFn<T>> kSobel[] = {

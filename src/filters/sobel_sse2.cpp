@@ -1,6 +1,7 @@
 #include <emmintrin.h>
 
 #include "filters/sobel_vectors.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -14,19 +15,20 @@ __m128i Select(__m128i mask, __m128i yes, __m128i no) {
 
 // gx and gy from the eight neighbours.
 template <class Load, class Add, class Sub, class V>
-[[gnu::always_inline]] inline void Gradient(const Load& at, const Add& add, const Sub& sub, V& gx, V& gy) {
+ORLIX_INLINE void Gradient(const Load& at, const Add& add, const Sub& sub, V& gx, V& gy) {
     const V d = sub(at(2, 1), at(0, -1)), e = sub(at(0, 1), at(2, -1));
     const V x = sub(at(1, 1), at(1, -1)), y = sub(at(2, 0), at(0, 0));
     gx = add(add(d, e), add(x, x));
     gy = add(sub(d, e), add(y, y));
 }
 
-struct Bytes {
+template <>
+struct SobelLanes<uint8_t> {
     using Pixel = uint8_t;
     static constexpr size_t kLanes = 16;
     __m128i lower, upper;
 
-    explicit Bytes(const FilterParameters<uint8_t>& p)
+    explicit SobelLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm_set1_epi8(static_cast<char>(p.lower))), upper(_mm_set1_epi8(static_cast<char>(p.upper))) {}
 
     void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
@@ -43,7 +45,7 @@ struct Bytes {
 
     // The table entries are the rounded roots of the middles of buckets: the bits of the sum that count, then a one.
     template <class At>
-    [[gnu::always_inline]] static inline __m128i Roots(const At& at) {
+    ORLIX_INLINE static __m128i Roots(const At& at) {
         __m128i x, y;
         Gradient(
             at, [](__m128i a, __m128i b) { return _mm_add_epi16(a, b); },
@@ -60,12 +62,13 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct SobelLanes<uint16_t> {
     using Pixel = uint16_t;
     static constexpr size_t kLanes = 8;
     FilterParameters<uint16_t> range;
 
-    explicit Words(const FilterParameters<uint16_t>& p) : range(p) {}
+    explicit SobelLanes(const FilterParameters<uint16_t>& p) : range(p) {}
 
     void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
         const __m128i zero = _mm_setzero_si128();
@@ -81,7 +84,7 @@ struct Words {
     }
 
     template <class At>
-    [[gnu::always_inline]] inline __m128i Roots(const At& at) const {
+    ORLIX_INLINE __m128i Roots(const At& at) const {
         __m128i gx, gy;
         Gradient(
             at, [](__m128i a, __m128i b) { return _mm_add_epi32(a, b); },
@@ -123,12 +126,13 @@ struct Words {
     }
 };
 
-struct Floats {
+template <>
+struct SobelLanes<float> {
     using Pixel = float;
     static constexpr size_t kLanes = 4;
     __m128 lower, upper;
 
-    explicit Floats(const FilterParameters<float>& p) : lower(_mm_set1_ps(p.lower)), upper(_mm_set1_ps(p.upper)) {}
+    explicit SobelLanes(const FilterParameters<float>& p) : lower(_mm_set1_ps(p.lower)), upper(_mm_set1_ps(p.upper)) {}
 
     void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
         __m128 gx, gy;
@@ -146,13 +150,13 @@ struct Floats {
 
 }  // namespace
 
-#define ORLIX_SOBEL(T, Vectors)                                                                     \
-    void Sobel_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) { \
-        if (!SobelRow<Vectors>(rows, to, n, parameters)) Sobel_scalar(rows, to, n, parameters);     \
-    }
-ORLIX_SOBEL(uint8_t, Bytes)
-ORLIX_SOBEL(uint16_t, Words)
-ORLIX_SOBEL(float, Floats)
-#undef ORLIX_SOBEL
+template <class T>
+void Sobel_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
+    if (!SobelRow(rows, to, n, parameters)) Sobel_scalar(rows, to, n, parameters);
+}
+
+template Kernel<FilterFn<uint8_t>> Sobel_sse2;
+template Kernel<FilterFn<uint16_t>> Sobel_sse2;
+template Kernel<FilterFn<float>> Sobel_sse2;
 
 }  // namespace orlix

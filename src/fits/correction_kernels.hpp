@@ -9,10 +9,7 @@ namespace orlix {
 // shifts[i] = the row's polynomial at x + i. x is a whole number.
 using ShiftsFn = void (*)(double* shifts, size_t n, double x, const RowPolynomial& row);
 
-void Shifts_scalar(double* shifts, size_t n, double x, const RowPolynomial& row);
-void Shifts_sse2(double* shifts, size_t n, double x, const RowPolynomial& row);
-void Shifts_avx2(double* shifts, size_t n, double x, const RowPolynomial& row);
-void Shifts_avx512(double* shifts, size_t n, double x, const RowPolynomial& row);
+Kernel<ShiftsFn> Shifts_scalar, Shifts_sse2, Shifts_avx2, Shifts_avx512;
 
 inline constexpr Variant<ShiftsFn> kShifts[] = {
     {"avx512", Cpu::Avx512, &Shifts_avx512},
@@ -30,14 +27,9 @@ using CorrectFn = void (*)(T* pixels, const double* shifts, size_t n, const Corr
 template <class T>
 void Correct_scalar(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
 
-void Correct_sse2(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters);
-void Correct_sse2(float* pixels, const double* shifts, size_t n, const CorrectionParameters<float>& parameters);
-void Correct_avx2(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters);
-void Correct_avx2(uint16_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint16_t>& parameters);
-void Correct_avx2(float* pixels, const double* shifts, size_t n, const CorrectionParameters<float>& parameters);
-void Correct_avx512(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters);
-void Correct_avx512(uint16_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint16_t>& parameters);
-void Correct_avx512(float* pixels, const double* shifts, size_t n, const CorrectionParameters<float>& parameters);
+Kernel<CorrectFn<uint8_t>> Correct_sse2, Correct_avx2, Correct_avx512;
+Kernel<CorrectFn<float>> Correct_sse2, Correct_avx2, Correct_avx512;
+Kernel<CorrectFn<uint16_t>> Correct_avx2, Correct_avx512;
 
 template <class T>
 inline constexpr Variant<CorrectFn<T>> kCorrect[] = {
@@ -59,14 +51,7 @@ inline constexpr Variant<CorrectFn<uint32_t>> kCorrect<uint32_t>[] = {{"scalar",
 using CorrectRowFn = void (*)(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
                               const CorrectionParameters<uint8_t>& parameters);
 
-void CorrectRow_scalar(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
-                       const CorrectionParameters<uint8_t>& parameters);
-void CorrectRow_sse2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
-                     const CorrectionParameters<uint8_t>& parameters);
-void CorrectRow_avx2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
-                     const CorrectionParameters<uint8_t>& parameters);
-void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
-                       const CorrectionParameters<uint8_t>& parameters);
+Kernel<CorrectRowFn> CorrectRow_scalar, CorrectRow_sse2, CorrectRow_avx2, CorrectRow_avx512;
 
 inline constexpr Variant<CorrectRowFn> kCorrectRow[] = {
     {"avx512", Cpu::Avx512, &CorrectRow_avx512},

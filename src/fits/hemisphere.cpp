@@ -6,14 +6,6 @@
 
 namespace orlix {
 
-void HemisphereRow_scalar(const HemisphereRow& row, double x, size_t n, double* values) {
-    for (size_t i = 0; i < n; ++i) {
-        const double dx = (x + static_cast<double>(i)) - row.xCenter;
-        const double square = row.squares - dx * dx;
-        values[i] = (row.base + row.slope * dx) + row.height * std::sqrt(square > 0 ? square : 0.0);
-    }
-}
-
 HemisphereSurface::HemisphereSurface(const Hemisphere& hemisphere)
     : hemisphere_(hemisphere), row_(Choose(kHemisphereRow)) {
     if (hemisphere.zScale == 0) return;

@@ -15,10 +15,7 @@ struct HemisphereRow {
 // values[i] = f(x + i).
 using HemisphereRowFn = void (*)(const HemisphereRow& row, double x, size_t n, double* values);
 
-void HemisphereRow_scalar(const HemisphereRow& row, double x, size_t n, double* values);
-void HemisphereRow_sse2(const HemisphereRow& row, double x, size_t n, double* values);
-void HemisphereRow_avx2(const HemisphereRow& row, double x, size_t n, double* values);
-void HemisphereRow_avx512(const HemisphereRow& row, double x, size_t n, double* values);
+Kernel<HemisphereRowFn> HemisphereRow_scalar, HemisphereRow_sse2, HemisphereRow_avx2, HemisphereRow_avx512;
 
 inline constexpr Variant<HemisphereRowFn> kHemisphereRow[] = {
     {"avx512", Cpu::Avx512, &HemisphereRow_avx512},

@@ -1,17 +1,18 @@
 #include <immintrin.h>
 
 #include "fits/moments_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-[[gnu::always_inline]] inline __m256i Eight(const uint8_t* pixels) {
+ORLIX_INLINE __m256i Eight(const uint8_t* pixels) {
     return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)));
 }
-[[gnu::always_inline]] inline __m256i Eight(const uint16_t* pixels) {
+ORLIX_INLINE __m256i Eight(const uint16_t* pixels) {
     return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)));
 }
-[[gnu::always_inline]] inline uint64_t Sum64(const __m256i& v) {
+ORLIX_INLINE uint64_t Sum64(const __m256i& v) {
     uint64_t lanes[4];
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), v);
     return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
@@ -21,7 +22,7 @@ namespace {
 template <int Degree>
 struct Nested {
     __m256i s0 = _mm256_setzero_si256(), s1 = s0, s2 = s0, s3 = s0;
-    [[gnu::always_inline]] void Add(const __m256i& p) {
+    ORLIX_INLINE void Add(const __m256i& p) {
         s0 = _mm256_add_epi32(s0, p);
         s1 = _mm256_add_epi32(s1, s0);
         if constexpr (Degree >= 2) s2 = _mm256_add_epi32(s2, s1);
@@ -111,13 +112,13 @@ void FloatMoments_avx2(const float* pixels, size_t n, double origin, double firs
     AddFloatMoments<Degree>(pixels, i, n, origin, first, m);
 }
 
-template void Moments_avx2<uint8_t, 2>(const uint8_t*, size_t, uint64_t*);
-template void Moments_avx2<uint8_t, 3>(const uint8_t*, size_t, uint64_t*);
-template void Moments_avx2<uint16_t, 1>(const uint16_t*, size_t, uint64_t*);
-template void Moments_avx2<uint16_t, 2>(const uint16_t*, size_t, uint64_t*);
-template void Moments_avx2<uint16_t, 3>(const uint16_t*, size_t, uint64_t*);
-template void FloatMoments_avx2<1>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_avx2<2>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_avx2<3>(const float*, size_t, double, double, FloatMoments&);
+template Kernel<MomentsFn<uint8_t>> Moments_avx2<uint8_t, 2>;
+template Kernel<MomentsFn<uint8_t>> Moments_avx2<uint8_t, 3>;
+template Kernel<MomentsFn<uint16_t>> Moments_avx2<uint16_t, 1>;
+template Kernel<MomentsFn<uint16_t>> Moments_avx2<uint16_t, 2>;
+template Kernel<MomentsFn<uint16_t>> Moments_avx2<uint16_t, 3>;
+template Kernel<FloatMomentsFn> FloatMoments_avx2<1>;
+template Kernel<FloatMomentsFn> FloatMoments_avx2<2>;
+template Kernel<FloatMomentsFn> FloatMoments_avx2<3>;
 
 }  // namespace orlix

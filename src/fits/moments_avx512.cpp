@@ -1,25 +1,24 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "fits/moments_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-[[gnu::always_inline]] inline __m512i Pixels(const uint8_t* pixels, __mmask16 which) {
+ORLIX_INLINE __m512i Pixels(const uint8_t* pixels, __mmask16 which) {
     return _mm512_cvtepu8_epi32(_mm_maskz_loadu_epi8(which, pixels));
 }
-[[gnu::always_inline]] inline __m512i Pixels(const uint16_t* pixels, __mmask16 which) {
+ORLIX_INLINE __m512i Pixels(const uint16_t* pixels, __mmask16 which) {
     return _mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(which, pixels));
 }
-[[gnu::always_inline]] inline uint64_t Sum64(const __m512i& v) {
-    return static_cast<uint64_t>(_mm512_reduce_add_epi64(v));
-}
+ORLIX_INLINE uint64_t Sum64(const __m512i& v) { return static_cast<uint64_t>(_mm512_reduce_add_epi64(v)); }
 
 // Sums, sums of the sums after each block, and so on; members, as the compiler keeps arrays in memory.
 template <int Degree>
 struct Nested {
     __m512i s0 = _mm512_setzero_si512(), s1 = s0, s2 = s0, s3 = s0;
-    [[gnu::always_inline]] void Add(const __m512i& p) {
+    ORLIX_INLINE void Add(const __m512i& p) {
         s0 = _mm512_add_epi32(s0, p);
         s1 = _mm512_add_epi32(s1, s0);
         if constexpr (Degree >= 2) s2 = _mm512_add_epi32(s2, s1);
@@ -105,13 +104,13 @@ void FloatMoments_avx512(const float* pixels, size_t n, double origin, double fi
     AddFloatMoments<Degree>(pixels, i, n, origin, first, m);
 }
 
-template void Moments_avx512<uint8_t, 2>(const uint8_t*, size_t, uint64_t*);
-template void Moments_avx512<uint8_t, 3>(const uint8_t*, size_t, uint64_t*);
-template void Moments_avx512<uint16_t, 1>(const uint16_t*, size_t, uint64_t*);
-template void Moments_avx512<uint16_t, 2>(const uint16_t*, size_t, uint64_t*);
-template void Moments_avx512<uint16_t, 3>(const uint16_t*, size_t, uint64_t*);
-template void FloatMoments_avx512<1>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_avx512<2>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_avx512<3>(const float*, size_t, double, double, FloatMoments&);
+template Kernel<MomentsFn<uint8_t>> Moments_avx512<uint8_t, 2>;
+template Kernel<MomentsFn<uint8_t>> Moments_avx512<uint8_t, 3>;
+template Kernel<MomentsFn<uint16_t>> Moments_avx512<uint16_t, 1>;
+template Kernel<MomentsFn<uint16_t>> Moments_avx512<uint16_t, 2>;
+template Kernel<MomentsFn<uint16_t>> Moments_avx512<uint16_t, 3>;
+template Kernel<FloatMomentsFn> FloatMoments_avx512<1>;
+template Kernel<FloatMomentsFn> FloatMoments_avx512<2>;
+template Kernel<FloatMomentsFn> FloatMoments_avx512<3>;
 
 }  // namespace orlix

@@ -1,17 +1,16 @@
 #include <emmintrin.h>
 
 #include "fits/moments_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-[[gnu::always_inline]] inline __m128i Words(const uint8_t* pixels) {
+ORLIX_INLINE __m128i Words(const uint8_t* pixels) {
     return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)), _mm_setzero_si128());
 }
-[[gnu::always_inline]] inline __m128i Words(const uint16_t* pixels) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels));
-}
-[[gnu::always_inline]] inline uint64_t Sum64(const __m128i& v) {
+ORLIX_INLINE __m128i Words(const uint16_t* pixels) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)); }
+ORLIX_INLINE uint64_t Sum64(const __m128i& v) {
     uint64_t lanes[2];
     _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), v);
     return lanes[0] + lanes[1];
@@ -21,7 +20,7 @@ namespace {
 template <int Degree>
 struct Nested {
     __m128i s0 = _mm_setzero_si128(), s1 = s0, s2 = s0, s3 = s0;
-    [[gnu::always_inline]] void Add(const __m128i& p) {
+    ORLIX_INLINE void Add(const __m128i& p) {
         s0 = _mm_add_epi32(s0, p);
         s1 = _mm_add_epi32(s1, s0);
         if constexpr (Degree >= 2) s2 = _mm_add_epi32(s2, s1);
@@ -111,13 +110,13 @@ void FloatMoments_sse2(const float* pixels, size_t n, double origin, double firs
     AddFloatMoments<Degree>(pixels, i, n, origin, first, m);
 }
 
-template void Moments_sse2<uint8_t, 2>(const uint8_t*, size_t, uint64_t*);
-template void Moments_sse2<uint8_t, 3>(const uint8_t*, size_t, uint64_t*);
-template void Moments_sse2<uint16_t, 1>(const uint16_t*, size_t, uint64_t*);
-template void Moments_sse2<uint16_t, 2>(const uint16_t*, size_t, uint64_t*);
-template void Moments_sse2<uint16_t, 3>(const uint16_t*, size_t, uint64_t*);
-template void FloatMoments_sse2<1>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_sse2<2>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_sse2<3>(const float*, size_t, double, double, FloatMoments&);
+template Kernel<MomentsFn<uint8_t>> Moments_sse2<uint8_t, 2>;
+template Kernel<MomentsFn<uint8_t>> Moments_sse2<uint8_t, 3>;
+template Kernel<MomentsFn<uint16_t>> Moments_sse2<uint16_t, 1>;
+template Kernel<MomentsFn<uint16_t>> Moments_sse2<uint16_t, 2>;
+template Kernel<MomentsFn<uint16_t>> Moments_sse2<uint16_t, 3>;
+template Kernel<FloatMomentsFn> FloatMoments_sse2<1>;
+template Kernel<FloatMomentsFn> FloatMoments_sse2<2>;
+template Kernel<FloatMomentsFn> FloatMoments_sse2<3>;
 
 }  // namespace orlix

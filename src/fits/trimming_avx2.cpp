@@ -1,34 +1,32 @@
 #include <immintrin.h>
 
 #include "fits/trimming_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
 // Four pixels as doubles.
-[[gnu::always_inline]] inline __m256d Load(const uint8_t* p) {
-    return _mm256_cvtepi32_pd(_mm_cvtepu8_epi32(_mm_loadu_si32(p)));
-}
-[[gnu::always_inline]] inline __m256d Load(const uint16_t* p) {
+ORLIX_INLINE __m256d Load(const uint8_t* p) { return _mm256_cvtepi32_pd(_mm_cvtepu8_epi32(_mm_loadu_si32(p))); }
+ORLIX_INLINE __m256d Load(const uint16_t* p) {
     return _mm256_cvtepi32_pd(_mm_cvtepu16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
 }
-[[gnu::always_inline]] inline __m256d Load(const uint32_t* p) {
+ORLIX_INLINE __m256d Load(const uint32_t* p) {
     // As signed numbers about 2^31, which converts without rounding.
     const __m128i about =
         _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), _mm_set1_epi32(INT32_MIN));
     return _mm256_add_pd(_mm256_cvtepi32_pd(about), _mm256_set1_pd(0x1p31));
 }
-[[gnu::always_inline]] inline __m256d Load(const float* p) { return _mm256_cvtps_pd(_mm_loadu_ps(p)); }
+ORLIX_INLINE __m256d Load(const float* p) { return _mm256_cvtps_pd(_mm_loadu_ps(p)); }
 
 template <class T>
-[[gnu::always_inline]] inline __m256d Square(const T* pixel, const double* surface) {
+ORLIX_INLINE __m256d Square(const T* pixel, const double* surface) {
     const __m256d r = _mm256_sub_pd(_mm256_loadu_pd(surface), Load(pixel));
     return _mm256_mul_pd(r, r);
 }
 
 template <class T>
-[[gnu::always_inline]] inline void Clipped(const T* pixels, const double* surface, size_t n, double limit,
-                                           double (&sums)[8]) {
+ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
     const __m256d most = _mm256_set1_pd(limit);
     __m256d sum0 = _mm256_loadu_pd(sums), sum1 = _mm256_loadu_pd(sums + 4);
     size_t i = 0;
@@ -43,8 +41,8 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline size_t Divide(const T* pixels, const double* surface, size_t n, double low, double high,
-                                            SquareClasses& classes, double* middle) {
+ORLIX_INLINE size_t Divide(const T* pixels, const double* surface, size_t n, double low, double high,
+                           SquareClasses& classes, double* middle) {
     const __m256d lower = _mm256_set1_pd(low), upper = _mm256_set1_pd(high);
     __m256d below[2] = {_mm256_loadu_pd(classes.below), _mm256_loadu_pd(classes.below + 4)};
     __m256i fewer = _mm256_setzero_si256(), upToLow = fewer, upToHigh = fewer;

@@ -1,31 +1,31 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "fits/trimming_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
 // Eight pixels as doubles.
-[[gnu::always_inline]] inline __m512d Load(const uint8_t* p) {
+ORLIX_INLINE __m512d Load(const uint8_t* p) {
     return _mm512_cvtepi32_pd(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
 }
-[[gnu::always_inline]] inline __m512d Load(const uint16_t* p) {
+ORLIX_INLINE __m512d Load(const uint16_t* p) {
     return _mm512_cvtepi32_pd(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))));
 }
-[[gnu::always_inline]] inline __m512d Load(const uint32_t* p) {
+ORLIX_INLINE __m512d Load(const uint32_t* p) {
     return _mm512_cvtepu32_pd(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
 }
-[[gnu::always_inline]] inline __m512d Load(const float* p) { return _mm512_cvtps_pd(_mm256_loadu_ps(p)); }
+ORLIX_INLINE __m512d Load(const float* p) { return _mm512_cvtps_pd(_mm256_loadu_ps(p)); }
 
 template <class T>
-[[gnu::always_inline]] inline __m512d Square(const T* pixel, const double* surface) {
+ORLIX_INLINE __m512d Square(const T* pixel, const double* surface) {
     const __m512d r = _mm512_sub_pd(_mm512_loadu_pd(surface), Load(pixel));
     return _mm512_mul_pd(r, r);
 }
 
 template <class T>
-[[gnu::always_inline]] inline void Clipped(const T* pixels, const double* surface, size_t n, double limit,
-                                           double (&sums)[8]) {
+ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
     const __m512d most = _mm512_set1_pd(limit);
     __m512d sum = _mm512_loadu_pd(sums);
     size_t i = 0;
@@ -36,8 +36,8 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline size_t Divide(const T* pixels, const double* surface, size_t n, double low, double high,
-                                            SquareClasses& classes, double* middle) {
+ORLIX_INLINE size_t Divide(const T* pixels, const double* surface, size_t n, double low, double high,
+                           SquareClasses& classes, double* middle) {
     const __m512d lower = _mm512_set1_pd(low), upper = _mm512_set1_pd(high);
     const __m512i one = _mm512_set1_epi64(1);
     __m512d below = _mm512_loadu_pd(classes.below);

@@ -35,42 +35,14 @@ template <class T>
 size_t DivideSquares_scalar(const T* pixels, const double* surface, size_t n, double low, double high,
                             SquareClasses& classes, double* middle);
 
-void ClippedSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_sse2(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_sse2(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_sse2(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-size_t DivideSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-size_t DivideSquares_sse2(const uint16_t* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-size_t DivideSquares_sse2(const uint32_t* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-size_t DivideSquares_sse2(const float* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-void ClippedSquares_avx2(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_avx2(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_avx2(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_avx2(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-size_t DivideSquares_avx2(const uint8_t* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-size_t DivideSquares_avx2(const uint16_t* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-size_t DivideSquares_avx2(const uint32_t* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-size_t DivideSquares_avx2(const float* pixels, const double* surface, size_t n, double low, double high,
-                          SquareClasses& classes, double* middle);
-void ClippedSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_avx512(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_avx512(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-void ClippedSquares_avx512(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
-size_t DivideSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double low, double high,
-                            SquareClasses& classes, double* middle);
-size_t DivideSquares_avx512(const uint16_t* pixels, const double* surface, size_t n, double low, double high,
-                            SquareClasses& classes, double* middle);
-size_t DivideSquares_avx512(const uint32_t* pixels, const double* surface, size_t n, double low, double high,
-                            SquareClasses& classes, double* middle);
-size_t DivideSquares_avx512(const float* pixels, const double* surface, size_t n, double low, double high,
-                            SquareClasses& classes, double* middle);
+Kernel<ClippedSquaresFn<uint8_t>> ClippedSquares_sse2, ClippedSquares_avx2, ClippedSquares_avx512;
+Kernel<ClippedSquaresFn<uint16_t>> ClippedSquares_sse2, ClippedSquares_avx2, ClippedSquares_avx512;
+Kernel<ClippedSquaresFn<uint32_t>> ClippedSquares_sse2, ClippedSquares_avx2, ClippedSquares_avx512;
+Kernel<ClippedSquaresFn<float>> ClippedSquares_sse2, ClippedSquares_avx2, ClippedSquares_avx512;
+Kernel<DivideSquaresFn<uint8_t>> DivideSquares_sse2, DivideSquares_avx2, DivideSquares_avx512;
+Kernel<DivideSquaresFn<uint16_t>> DivideSquares_sse2, DivideSquares_avx2, DivideSquares_avx512;
+Kernel<DivideSquaresFn<uint32_t>> DivideSquares_sse2, DivideSquares_avx2, DivideSquares_avx512;
+Kernel<DivideSquaresFn<float>> DivideSquares_sse2, DivideSquares_avx2, DivideSquares_avx512;
 
 template <class T>
 inline constexpr Variant<ClippedSquaresFn<T>> kClippedSquares[] = {

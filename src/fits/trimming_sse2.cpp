@@ -1,6 +1,7 @@
 #include <emmintrin.h>
 
 #include "fits/trimming_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -9,22 +10,20 @@ namespace {
 struct Pairs {
     __m128d pair[4];
 };
-[[gnu::always_inline]] inline Pairs FromInt32(__m128i low, __m128i high) {
+ORLIX_INLINE Pairs FromInt32(__m128i low, __m128i high) {
     return {{_mm_cvtepi32_pd(low), _mm_cvtepi32_pd(_mm_unpackhi_epi64(low, low)), _mm_cvtepi32_pd(high),
              _mm_cvtepi32_pd(_mm_unpackhi_epi64(high, high))}};
 }
-[[gnu::always_inline]] inline Pairs FromWords(__m128i words) {
+ORLIX_INLINE Pairs FromWords(__m128i words) {
     const __m128i zero = _mm_setzero_si128();
     return FromInt32(_mm_unpacklo_epi16(words, zero), _mm_unpackhi_epi16(words, zero));
 }
-[[gnu::always_inline]] inline Pairs Load(const uint8_t* p) {
+ORLIX_INLINE Pairs Load(const uint8_t* p) {
     const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
     return FromWords(_mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
 }
-[[gnu::always_inline]] inline Pairs Load(const uint16_t* p) {
-    return FromWords(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-}
-[[gnu::always_inline]] inline Pairs Load(const uint32_t* p) {
+ORLIX_INLINE Pairs Load(const uint16_t* p) { return FromWords(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
+ORLIX_INLINE Pairs Load(const uint32_t* p) {
     // As signed numbers about 2^31, which converts without rounding.
     const __m128i sign = _mm_set1_epi32(INT32_MIN);
     const auto about = [&](const uint32_t* q) {
@@ -34,14 +33,14 @@ struct Pairs {
     for (__m128d& pair : pixels.pair) pair = _mm_add_pd(pair, _mm_set1_pd(0x1p31));
     return pixels;
 }
-[[gnu::always_inline]] inline Pairs Load(const float* p) {
+ORLIX_INLINE Pairs Load(const float* p) {
     const __m128 low = _mm_loadu_ps(p), high = _mm_loadu_ps(p + 4);
     return {{_mm_cvtps_pd(low), _mm_cvtps_pd(_mm_movehl_ps(low, low)), _mm_cvtps_pd(high),
              _mm_cvtps_pd(_mm_movehl_ps(high, high))}};
 }
 
 template <class T>
-[[gnu::always_inline]] inline Pairs Squares(const T* pixels, const double* surface) {
+ORLIX_INLINE Pairs Squares(const T* pixels, const double* surface) {
     Pairs squares = Load(pixels);
     for (size_t k = 0; k < 4; ++k) {
         const __m128d r = _mm_sub_pd(_mm_loadu_pd(surface + 2 * k), squares.pair[k]);
@@ -51,8 +50,7 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline void Clipped(const T* pixels, const double* surface, size_t n, double limit,
-                                           double (&sums)[8]) {
+ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
     const __m128d most = _mm_set1_pd(limit);
     __m128d sum[4];
     for (size_t k = 0; k < 4; ++k) sum[k] = _mm_loadu_pd(sums + 2 * k);
@@ -67,8 +65,8 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline size_t Divide(const T* pixels, const double* surface, size_t n, double low, double high,
-                                            SquareClasses& classes, double* middle) {
+ORLIX_INLINE size_t Divide(const T* pixels, const double* surface, size_t n, double low, double high,
+                           SquareClasses& classes, double* middle) {
     const __m128d lower = _mm_set1_pd(low), upper = _mm_set1_pd(high);
     __m128d below[4];
     for (size_t k = 0; k < 4; ++k) below[k] = _mm_loadu_pd(classes.below + 2 * k);

@@ -39,29 +39,6 @@ HistogramShape ShapeOfHistogram(T lower, T upper, int32_t numberOfBins) {
     }
 }
 
-template <class T>
-void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins) {
-    for (size_t i = 0; i < n; ++i) {
-        const T p = pixels[i];
-        if (!(p >= rule.lower && p <= rule.upper)) {
-            bins[i] = rule.bins;
-        } else if (p == rule.upper) {
-            bins[i] = rule.bins - 1;
-        } else if constexpr (std::is_same_v<T, float>) {
-            const double above = static_cast<double>(p) - static_cast<double>(rule.lower);
-            const double width = static_cast<double>(rule.upper) - static_cast<double>(rule.lower);
-            const double bin = above * rule.bins / width;
-            // Not below for a pixel that rounding carries past the last bin, and for an infinite interval.
-            bins[i] = bin < rule.bins ? static_cast<uint32_t>(bin) : rule.bins - 1;
-        } else if (rule.onePerValue) {
-            bins[i] = p - rule.lower;
-        } else {
-            const uint64_t above = p - rule.lower;
-            bins[i] = static_cast<uint32_t>(above * rule.bins / (rule.upper - rule.lower));
-        }
-    }
-}
-
 void CountBytes(const uint8_t* pixels, size_t n, uint32_t* counts) {
     size_t i = 0;
     for (; i + 8 <= n; i += 8) {
@@ -239,9 +216,6 @@ template HistogramShape ShapeOfHistogram(uint8_t, uint8_t, int32_t);
 template HistogramShape ShapeOfHistogram(uint16_t, uint16_t, int32_t);
 template HistogramShape ShapeOfHistogram(uint32_t, uint32_t, int32_t);
 template HistogramShape ShapeOfHistogram(float, float, int32_t);
-template void Bins_scalar(const uint16_t*, size_t, const BinRule<uint16_t>&, uint32_t*);
-template void Bins_scalar(const uint32_t*, size_t, const BinRule<uint32_t>&, uint32_t*);
-template void Bins_scalar(const float*, size_t, const BinRule<float>&, uint32_t*);
 template BinRule<uint16_t> RuleOfHistogram(uint16_t, uint16_t, const HistogramShape&);
 template BinRule<uint32_t> RuleOfHistogram(uint32_t, uint32_t, const HistogramShape&);
 template BinRule<float> RuleOfHistogram(float, float, const HistogramShape&);

@@ -13,8 +13,7 @@ using BinsFn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint3
 template <class T>
 void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
 
-void Bins_avx2(const float* pixels, size_t n, const BinRule<float>& rule, uint32_t* bins);
-void Bins_avx512(const float* pixels, size_t n, const BinRule<float>& rule, uint32_t* bins);
+Kernel<BinsFn<float>> Bins_avx2, Bins_avx512;
 
 template <class T>
 inline constexpr Variant<BinsFn<T>> kBins[] = {{"scalar", Cpu::Any, &Bins_scalar}};

@@ -1,43 +1,14 @@
-#include "vectors/intrinsics_avx512.hpp"
-
 #include "measure/extremes_kernels.hpp"
+#include "vectors/lanes_avx512.hpp"
 
 namespace orlix {
 namespace {
 
-struct Bytes {
-    using Vector = __m512i;
-    static Vector Load(const uint8_t* p) { return _mm512_loadu_si512(p); }
-    static Vector Min(const Vector& a, const Vector& b) { return _mm512_min_epu8(a, b); }
-    static Vector Max(const Vector& a, const Vector& b) { return _mm512_max_epu8(a, b); }
-    static void Store(uint8_t* p, const Vector& v) { _mm512_storeu_si512(p, v); }
-};
-struct Words {
-    using Vector = __m512i;
-    static Vector Load(const uint16_t* p) { return _mm512_loadu_si512(p); }
-    static Vector Min(const Vector& a, const Vector& b) { return _mm512_min_epu16(a, b); }
-    static Vector Max(const Vector& a, const Vector& b) { return _mm512_max_epu16(a, b); }
-    static void Store(uint16_t* p, const Vector& v) { _mm512_storeu_si512(p, v); }
-};
-struct DoubleWords {
-    using Vector = __m512i;
-    static Vector Load(const uint32_t* p) { return _mm512_loadu_si512(p); }
-    static Vector Min(const Vector& a, const Vector& b) { return _mm512_min_epu32(a, b); }
-    static Vector Max(const Vector& a, const Vector& b) { return _mm512_max_epu32(a, b); }
-    static void Store(uint32_t* p, const Vector& v) { _mm512_storeu_si512(p, v); }
-};
-// The minimum and maximum of floats return their second operand when one is NaN: a pixel that is NaN changes nothing.
-struct Floats {
-    using Vector = __m512;
-    static Vector Load(const float* p) { return _mm512_loadu_ps(p); }
-    static Vector Min(const Vector& pixels, const Vector& sofar) { return _mm512_min_ps(pixels, sofar); }
-    static Vector Max(const Vector& pixels, const Vector& sofar) { return _mm512_max_ps(pixels, sofar); }
-    static void Store(float* p, const Vector& v) { _mm512_storeu_ps(p, v); }
-};
-
-template <class Lanes, class T>
+// Lanes::Min and Max return their second operand when one is NaN: a pixel that is NaN changes nothing.
+template <class T>
 void Scan(const T* pixels, size_t n, T& min, T& max) {
-    constexpr size_t kLanes = 64 / sizeof(T);
+    using Lanes = PixelLanes<T>;
+    constexpr size_t kLanes = Lanes::kLanes;
     size_t i = 0;
     if (n >= kLanes) {
         T least[kLanes], most[kLanes];
@@ -66,13 +37,9 @@ void Scan(const T* pixels, size_t n, T& min, T& max) {
 
 }  // namespace
 
-void Extremes_avx512(const uint8_t* pixels, size_t n, uint8_t& min, uint8_t& max) { Scan<Bytes>(pixels, n, min, max); }
-void Extremes_avx512(const uint16_t* pixels, size_t n, uint16_t& min, uint16_t& max) {
-    Scan<Words>(pixels, n, min, max);
-}
-void Extremes_avx512(const uint32_t* pixels, size_t n, uint32_t& min, uint32_t& max) {
-    Scan<DoubleWords>(pixels, n, min, max);
-}
-void Extremes_avx512(const float* pixels, size_t n, float& min, float& max) { Scan<Floats>(pixels, n, min, max); }
+void Extremes_avx512(const uint8_t* pixels, size_t n, uint8_t& min, uint8_t& max) { Scan(pixels, n, min, max); }
+void Extremes_avx512(const uint16_t* pixels, size_t n, uint16_t& min, uint16_t& max) { Scan(pixels, n, min, max); }
+void Extremes_avx512(const uint32_t* pixels, size_t n, uint32_t& min, uint32_t& max) { Scan(pixels, n, min, max); }
+void Extremes_avx512(const float* pixels, size_t n, float& min, float& max) { Scan(pixels, n, min, max); }
 
 }  // namespace orlix

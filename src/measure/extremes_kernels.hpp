@@ -13,18 +13,10 @@ using ExtremesFn = void (*)(const T* pixels, size_t n, T& min, T& max);
 template <class T>
 void Extremes_scalar(const T* pixels, size_t n, T& min, T& max);
 
-void Extremes_sse2(const uint8_t* pixels, size_t n, uint8_t& min, uint8_t& max);
-void Extremes_sse2(const uint16_t* pixels, size_t n, uint16_t& min, uint16_t& max);
-void Extremes_sse2(const uint32_t* pixels, size_t n, uint32_t& min, uint32_t& max);
-void Extremes_sse2(const float* pixels, size_t n, float& min, float& max);
-void Extremes_avx2(const uint8_t* pixels, size_t n, uint8_t& min, uint8_t& max);
-void Extremes_avx2(const uint16_t* pixels, size_t n, uint16_t& min, uint16_t& max);
-void Extremes_avx2(const uint32_t* pixels, size_t n, uint32_t& min, uint32_t& max);
-void Extremes_avx2(const float* pixels, size_t n, float& min, float& max);
-void Extremes_avx512(const uint8_t* pixels, size_t n, uint8_t& min, uint8_t& max);
-void Extremes_avx512(const uint16_t* pixels, size_t n, uint16_t& min, uint16_t& max);
-void Extremes_avx512(const uint32_t* pixels, size_t n, uint32_t& min, uint32_t& max);
-void Extremes_avx512(const float* pixels, size_t n, float& min, float& max);
+Kernel<ExtremesFn<uint8_t>> Extremes_sse2, Extremes_avx2, Extremes_avx512;
+Kernel<ExtremesFn<uint16_t>> Extremes_sse2, Extremes_avx2, Extremes_avx512;
+Kernel<ExtremesFn<uint32_t>> Extremes_sse2, Extremes_avx2, Extremes_avx512;
+Kernel<ExtremesFn<float>> Extremes_sse2, Extremes_avx2, Extremes_avx512;
 
 template <class T>
 inline constexpr Variant<ExtremesFn<T>> kExtremes[] = {

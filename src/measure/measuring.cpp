@@ -114,36 +114,6 @@ void WideSum::Add(uint64_t a, uint64_t b) {
 }
 
 template <class T>
-void Sums_scalar(const T* pixels, size_t n, [[maybe_unused]] double origin, PixelSums<T>& sums) {
-    sums = {};
-    if constexpr (std::is_same_v<T, float>) {
-        AddRest(pixels, 0, n, origin, sums);
-    } else {
-        for (size_t i = 0; i < n; ++i) {
-            const uint64_t p = pixels[i];
-            sums.s += p;
-            sums.w += i * p;
-            if constexpr (std::is_same_v<T, uint32_t>) {
-                sums.q += static_cast<uint32_t>(p * p);
-                sums.qHigh += p * p >> 32;
-            } else {
-                sums.q += p * p;
-            }
-        }
-    }
-}
-
-void AddRest(const float* pixels, size_t first, size_t n, double origin, PixelSums<float>& sums) {
-    for (size_t i = first; i < n; ++i) {
-        const double p = static_cast<double>(pixels[i]);
-        const double d = p - origin;
-        sums.s[i % 8] += p;
-        sums.q[i % 8] += d * d;
-        sums.w[i % 8] += static_cast<double>(i) * p;
-    }
-}
-
-template <class T>
 Measurer<T>::Measurer(bool location, bool statistics)
     : sum_(Choose(kSums<T>)), location_(location), statistics_(statistics) {}
 
@@ -225,10 +195,6 @@ GrayMeasures Measurer<float>::Finish() const {
     return measures;
 }
 
-template void Sums_scalar(const uint8_t*, size_t, double, PixelSums<uint8_t>&);
-template void Sums_scalar(const uint16_t*, size_t, double, PixelSums<uint16_t>&);
-template void Sums_scalar(const uint32_t*, size_t, double, PixelSums<uint32_t>&);
-template void Sums_scalar(const float*, size_t, double, PixelSums<float>&);
 template class Measurer<uint8_t>;
 template class Measurer<uint16_t>;
 template class Measurer<uint32_t>;

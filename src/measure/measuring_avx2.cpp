@@ -1,22 +1,23 @@
 #include <immintrin.h>
 
 #include "measure/measuring_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-[[gnu::always_inline]] inline __m256i Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
-[[gnu::always_inline]] inline uint64_t Sum64(const __m256i& v) {
+ORLIX_INLINE __m256i Load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+ORLIX_INLINE uint64_t Sum64(const __m256i& v) {
     uint64_t lanes[4];
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), v);
     return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
 // Unsigned and signed 32-bit lanes.
-[[gnu::always_inline]] inline uint64_t SumU32(const __m256i& v) {
+ORLIX_INLINE uint64_t SumU32(const __m256i& v) {
     const __m256i low = _mm256_and_si256(v, _mm256_set1_epi64x(0xffffffff));
     return Sum64(_mm256_add_epi64(low, _mm256_srli_epi64(v, 32)));
 }
-[[gnu::always_inline]] inline uint64_t SumI32(const __m256i& v) {
+ORLIX_INLINE uint64_t SumI32(const __m256i& v) {
     const __m256i low = _mm256_cvtepi32_epi64(_mm256_castsi256_si128(v));
     return Sum64(_mm256_add_epi64(low, _mm256_cvtepi32_epi64(_mm256_extracti128_si256(v, 1))));
 }

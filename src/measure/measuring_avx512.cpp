@@ -1,19 +1,18 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "measure/measuring_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
-[[gnu::always_inline]] inline uint64_t Sum64(const __m512i& v) {
-    return static_cast<uint64_t>(_mm512_reduce_add_epi64(v));
-}
+ORLIX_INLINE uint64_t Sum64(const __m512i& v) { return static_cast<uint64_t>(_mm512_reduce_add_epi64(v)); }
 // Unsigned and signed 32-bit lanes.
-[[gnu::always_inline]] inline uint64_t SumU32(const __m512i& v) {
+ORLIX_INLINE uint64_t SumU32(const __m512i& v) {
     const __m512i low = _mm512_and_si512(v, _mm512_set1_epi64(0xffffffff));
     return Sum64(_mm512_add_epi64(low, _mm512_srli_epi64(v, 32)));
 }
-[[gnu::always_inline]] inline uint64_t SumI32(const __m512i& v) {
+ORLIX_INLINE uint64_t SumI32(const __m512i& v) {
     const __m512i low = _mm512_cvtepi32_epi64(_mm512_castsi512_si256(v));
     return Sum64(_mm512_add_epi64(low, _mm512_cvtepi32_epi64(_mm512_extracti64x4_epi64(v, 1))));
 }

@@ -16,14 +16,9 @@ void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums);
 // Adds the pixels first..n-1 to sums, the definition's way.
 void AddRest(const float* pixels, size_t first, size_t n, double origin, PixelSums<float>& sums);
 
-void Sums_sse2(const uint8_t* pixels, size_t n, double origin, PixelSums<uint8_t>& sums);
-void Sums_sse2(const float* pixels, size_t n, double origin, PixelSums<float>& sums);
-void Sums_avx2(const uint8_t* pixels, size_t n, double origin, PixelSums<uint8_t>& sums);
-void Sums_avx2(const uint16_t* pixels, size_t n, double origin, PixelSums<uint16_t>& sums);
-void Sums_avx2(const float* pixels, size_t n, double origin, PixelSums<float>& sums);
-void Sums_avx512(const uint8_t* pixels, size_t n, double origin, PixelSums<uint8_t>& sums);
-void Sums_avx512(const uint16_t* pixels, size_t n, double origin, PixelSums<uint16_t>& sums);
-void Sums_avx512(const float* pixels, size_t n, double origin, PixelSums<float>& sums);
+Kernel<SumsFn<uint8_t>> Sums_sse2, Sums_avx2, Sums_avx512;
+Kernel<SumsFn<float>> Sums_sse2, Sums_avx2, Sums_avx512;
+Kernel<SumsFn<uint16_t>> Sums_avx2, Sums_avx512;
 
 template <class T>
 inline constexpr Variant<SumsFn<T>> kSums[] = {

@@ -1,6 +1,7 @@
 #include <immintrin.h>
 
 #include "points/casting_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -9,16 +10,14 @@ constexpr size_t kLanes = 8;
 
 // All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads
 // pixels as integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
-[[gnu::always_inline]] inline __m256i Integers(const uint8_t* p) {
+ORLIX_INLINE __m256i Integers(const uint8_t* p) {
     return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
-[[gnu::always_inline]] inline __m256i Integers(const uint16_t* p) {
+ORLIX_INLINE __m256i Integers(const uint16_t* p) {
     return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
 }
-[[gnu::always_inline]] inline __m256i Integers(const uint32_t* p) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-}
-[[gnu::always_inline]] inline __m256i Integers(const float* p) {
+ORLIX_INLINE __m256i Integers(const uint32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+ORLIX_INLINE __m256i Integers(const float* p) {
     const __m256i converted = _mm256_cvttps_epi32(_mm256_loadu_ps(p));
     // -2^31 stands for everything that does not fit 32 bits: rare, and left to the definition.
     const __m256i misfit = _mm256_cmpeq_epi32(converted, _mm256_set1_epi32(static_cast<int>(0x80000000u)));
@@ -28,30 +27,28 @@ constexpr size_t kLanes = 8;
     return Integers(bits);
 }
 
-[[gnu::always_inline]] inline void Write(uint8_t* p, const __m256i& v) {
+ORLIX_INLINE void Write(uint8_t* p, const __m256i& v) {
     const __m256i low = _mm256_and_si256(v, _mm256_set1_epi32(0xff));
     const __m128i words = _mm_packus_epi32(_mm256_castsi256_si128(low), _mm256_extracti128_si256(low, 1));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(words, words));
 }
-[[gnu::always_inline]] inline void Write(uint16_t* p, const __m256i& v) {
+ORLIX_INLINE void Write(uint16_t* p, const __m256i& v) {
     const __m256i low = _mm256_and_si256(v, _mm256_set1_epi32(0xffff));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p),
                      _mm_packus_epi32(_mm256_castsi256_si128(low), _mm256_extracti128_si256(low, 1)));
 }
-[[gnu::always_inline]] inline void Write(uint32_t* p, const __m256i& v) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v);
-}
+ORLIX_INLINE void Write(uint32_t* p, const __m256i& v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
-[[gnu::always_inline]] inline __m256 Floats(const uint8_t* p) { return _mm256_cvtepi32_ps(Integers(p)); }
-[[gnu::always_inline]] inline __m256 Floats(const uint16_t* p) { return _mm256_cvtepi32_ps(Integers(p)); }
+ORLIX_INLINE __m256 Floats(const uint8_t* p) { return _mm256_cvtepi32_ps(Integers(p)); }
+ORLIX_INLINE __m256 Floats(const uint16_t* p) { return _mm256_cvtepi32_ps(Integers(p)); }
 // Conversions are of signed integers only. Both halves are exact; their sum is rounded once.
-[[gnu::always_inline]] inline __m256 Floats(const uint32_t* p) {
+ORLIX_INLINE __m256 Floats(const uint32_t* p) {
     const __m256i v = Integers(p);
     const __m256 low = _mm256_cvtepi32_ps(_mm256_and_si256(v, _mm256_set1_epi32(0xffff)));
     const __m256 high = _mm256_cvtepi32_ps(_mm256_srli_epi32(v, 16));
     return _mm256_add_ps(_mm256_mul_ps(high, _mm256_set1_ps(65536.0f)), low);
 }
-[[gnu::always_inline]] inline __m256 Floats(const float* p) { return _mm256_loadu_ps(p); }
+ORLIX_INLINE __m256 Floats(const float* p) { return _mm256_loadu_ps(p); }
 
 template <class To, class From>
 void Cast(To* to, const From* from, size_t n) {
@@ -127,9 +124,9 @@ void Plus_avx2(To* to, const From* from, size_t n) {
     Plus(to, from, n);
 }
 
-#define ORLIX_PAIR(To, From)                                \
-    template void Cast_avx2(To* to, const From*, size_t n); \
-    template void Plus_avx2(To* to, const From*, size_t n);
+#define ORLIX_PAIR(To, From)                     \
+    template Kernel<CastFn<To, From>> Cast_avx2; \
+    template Kernel<CastFn<To, From>> Plus_avx2;
 #define ORLIX_PAIRS(To)      \
     ORLIX_PAIR(To, uint8_t)  \
     ORLIX_PAIR(To, uint16_t) \

@@ -1,6 +1,7 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "points/casting_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -9,14 +10,14 @@ constexpr size_t kLanes = 16;
 
 // All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads
 // pixels as integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
-[[gnu::always_inline]] inline __m512i Integers(const uint8_t* p) {
+ORLIX_INLINE __m512i Integers(const uint8_t* p) {
     return _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
 }
-[[gnu::always_inline]] inline __m512i Integers(const uint16_t* p) {
+ORLIX_INLINE __m512i Integers(const uint16_t* p) {
     return _mm512_cvtepu16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
 }
-[[gnu::always_inline]] inline __m512i Integers(const uint32_t* p) { return _mm512_loadu_si512(p); }
-[[gnu::always_inline]] inline __m512i Integers(const float* p) {
+ORLIX_INLINE __m512i Integers(const uint32_t* p) { return _mm512_loadu_si512(p); }
+ORLIX_INLINE __m512i Integers(const float* p) {
     const __m512i converted = _mm512_cvttps_epi32(_mm512_loadu_ps(p));
     // -2^31 stands for everything that does not fit 32 bits: rare, and left to the definition.
     if (_mm512_cmpeq_epi32_mask(converted, _mm512_set1_epi32(static_cast<int>(0x80000000u))) == 0) return converted;
@@ -25,19 +26,19 @@ constexpr size_t kLanes = 16;
     return Integers(bits);
 }
 
-[[gnu::always_inline]] inline void Write(uint8_t* p, const __m512i& v) {
+ORLIX_INLINE void Write(uint8_t* p, const __m512i& v) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm512_cvtepi32_epi8(v));
 }
-[[gnu::always_inline]] inline void Write(uint16_t* p, const __m512i& v) {
+ORLIX_INLINE void Write(uint16_t* p, const __m512i& v) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_cvtepi32_epi16(v));
 }
-[[gnu::always_inline]] inline void Write(uint32_t* p, const __m512i& v) { _mm512_storeu_si512(p, v); }
+ORLIX_INLINE void Write(uint32_t* p, const __m512i& v) { _mm512_storeu_si512(p, v); }
 
 template <class From>
-[[gnu::always_inline]] inline __m512 Floats(const From* p) {
+ORLIX_INLINE __m512 Floats(const From* p) {
     return _mm512_cvtepu32_ps(Integers(p));
 }
-[[gnu::always_inline]] inline __m512 Floats(const float* p) { return _mm512_loadu_ps(p); }
+ORLIX_INLINE __m512 Floats(const float* p) { return _mm512_loadu_ps(p); }
 
 template <class To, class From>
 void Cast(To* to, const From* from, size_t n) {
@@ -84,12 +85,16 @@ void Plus(float* to, const From* from, size_t n) {
     Plus_scalar(to + i, from + i, n - i);
 }
 
-struct Bytes {
+template <class T>
+struct SumLanes;
+template <>
+struct SumLanes<uint8_t> {
     static __m512i Add(const __m512i& a, const __m512i& b) { return _mm512_add_epi8(a, b); }
     static __m512i Load(uint64_t mask, const uint8_t* p) { return _mm512_maskz_loadu_epi8(mask, p); }
     static void Store(uint64_t mask, uint8_t* p, const __m512i& v) { _mm512_mask_storeu_epi8(p, mask, v); }
 };
-struct Words {
+template <>
+struct SumLanes<uint16_t> {
     static __m512i Add(const __m512i& a, const __m512i& b) { return _mm512_add_epi16(a, b); }
     static __m512i Load(uint64_t mask, const uint16_t* p) {
         return _mm512_maskz_loadu_epi16(static_cast<__mmask32>(mask), p);
@@ -98,8 +103,9 @@ struct Words {
         _mm512_mask_storeu_epi16(p, static_cast<__mmask32>(mask), v);
     }
 };
-template <class Lanes, class T>
-[[gnu::always_inline]] inline void PlusSame(T* to, const T* from, size_t n) {
+template <class T>
+ORLIX_INLINE void PlusSame(T* to, const T* from, size_t n) {
+    using Lanes = SumLanes<T>;
     const auto some = [](T* t, const T* f, uint64_t mask) {
         Lanes::Store(mask, t, Lanes::Add(Lanes::Load(mask, t), Lanes::Load(mask, f)));
     };
@@ -113,8 +119,8 @@ template <class Lanes, class T>
         _mm512_storeu_si512(to + i, Lanes::Add(_mm512_loadu_si512(to + i), _mm512_loadu_si512(from + i)));
     if (i < n) some(to + i, from + i, (uint64_t{1} << (n - i)) - 1);
 }
-void Plus(uint8_t* to, const uint8_t* from, size_t n) { PlusSame<Bytes>(to, from, n); }
-void Plus(uint16_t* to, const uint16_t* from, size_t n) { PlusSame<Words>(to, from, n); }
+void Plus(uint8_t* to, const uint8_t* from, size_t n) { PlusSame(to, from, n); }
+void Plus(uint16_t* to, const uint16_t* from, size_t n) { PlusSame(to, from, n); }
 
 }  // namespace
 
@@ -127,9 +133,9 @@ void Plus_avx512(To* to, const From* from, size_t n) {
     Plus(to, from, n);
 }
 
-#define ORLIX_PAIR(To, From)                                  \
-    template void Cast_avx512(To* to, const From*, size_t n); \
-    template void Plus_avx512(To* to, const From*, size_t n);
+#define ORLIX_PAIR(To, From)                       \
+    template Kernel<CastFn<To, From>> Cast_avx512; \
+    template Kernel<CastFn<To, From>> Plus_avx512;
 #define ORLIX_PAIRS(To)      \
     ORLIX_PAIR(To, uint8_t)  \
     ORLIX_PAIR(To, uint16_t) \

@@ -1,14 +1,18 @@
 #include <immintrin.h>
 
 #include "points/point_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
 // Lanes of each integer type: clamp to [first, last], then offset + p or offset - p.
-struct Bytes {
+template <class T>
+struct RampLanes;
+template <>
+struct RampLanes<uint8_t> {
     __m256i first, last, offset;
-    explicit Bytes(const PointParameters<uint8_t>& p)
+    explicit RampLanes(const PointParameters<uint8_t>& p)
         : first(_mm256_set1_epi8(static_cast<char>(p.first))),
           last(_mm256_set1_epi8(static_cast<char>(p.last))),
           offset(_mm256_set1_epi8(static_cast<char>(p.offset))) {}
@@ -17,9 +21,10 @@ struct Bytes {
     __m256i Falling(const __m256i& p) const { return _mm256_sub_epi8(offset, Clamp(p)); }
 };
 
-struct Words {
+template <>
+struct RampLanes<uint16_t> {
     __m256i first, last, offset;
-    explicit Words(const PointParameters<uint16_t>& p)
+    explicit RampLanes(const PointParameters<uint16_t>& p)
         : first(_mm256_set1_epi16(static_cast<short>(p.first))),
           last(_mm256_set1_epi16(static_cast<short>(p.last))),
           offset(_mm256_set1_epi16(static_cast<short>(p.offset))) {}
@@ -28,9 +33,10 @@ struct Words {
     __m256i Falling(const __m256i& p) const { return _mm256_sub_epi16(offset, Clamp(p)); }
 };
 
-struct DoubleWords {
+template <>
+struct RampLanes<uint32_t> {
     __m256i first, last, offset;
-    explicit DoubleWords(const PointParameters<uint32_t>& p)
+    explicit RampLanes(const PointParameters<uint32_t>& p)
         : first(_mm256_set1_epi32(static_cast<int>(p.first))),
           last(_mm256_set1_epi32(static_cast<int>(p.last))),
           offset(_mm256_set1_epi32(static_cast<int>(p.offset))) {}
@@ -39,10 +45,10 @@ struct DoubleWords {
     __m256i Falling(const __m256i& p) const { return _mm256_sub_epi32(offset, Clamp(p)); }
 };
 
-template <class Lanes, class T>
+template <class T>
 void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     constexpr size_t kLanes = 32 / sizeof(T);
-    const Lanes lanes(parameters);
+    const RampLanes<T> lanes(parameters);
     const auto at = [&](size_t i) { return reinterpret_cast<__m256i*>(pixels + i); };
     size_t i = 0;
     if (parameters.falling)
@@ -53,10 +59,10 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
 }
 
 // vminps and vmaxps would not test lower first; where s is NaN both comparisons fail and it stays.
-[[gnu::always_inline]] inline __m256 Clamped(const __m256& s, const __m256& lower, const __m256& upper) {
+ORLIX_INLINE __m256 Clamped(const __m256& s, const __m256& lower, const __m256& upper) {
     return _mm256_blendv_ps(_mm256_min_ps(upper, s), lower, _mm256_cmp_ps(s, lower, _CMP_LT_OQ));
 }
-[[gnu::always_inline]] inline __m256d Clamped(const __m256d& s, const __m256d& lower, const __m256d& upper) {
+ORLIX_INLINE __m256d Clamped(const __m256d& s, const __m256d& lower, const __m256d& upper) {
     return _mm256_blendv_pd(_mm256_min_pd(upper, s), lower, _mm256_cmp_pd(s, lower, _CMP_LT_OQ));
 }
 
@@ -77,15 +83,9 @@ struct Divider {
 
 }  // namespace
 
-void Ramp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
-    Ramp<Bytes>(pixels, n, parameters);
-}
-void Ramp_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
-    Ramp<Words>(pixels, n, parameters);
-}
-void Ramp_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
-    Ramp<DoubleWords>(pixels, n, parameters);
-}
+void Ramp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) { Ramp(pixels, n, parameters); }
+void Ramp_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) { Ramp(pixels, n, parameters); }
+void Ramp_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) { Ramp(pixels, n, parameters); }
 
 void Sum_avx2(float* pixels, size_t n, const PointParameters<float>& parameters) {
     const bool falling = parameters.falling;

@@ -1,15 +1,19 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "points/point_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
 // Lanes of each integer type: clamp to [first, last], then offset + p or offset - p. Runs end in a masked vector.
-struct Bytes {
+template <class T>
+struct RampLanes;
+template <>
+struct RampLanes<uint8_t> {
     using Mask = __mmask64;
     __m512i first, last, offset;
-    explicit Bytes(const PointParameters<uint8_t>& p)
+    explicit RampLanes(const PointParameters<uint8_t>& p)
         : first(_mm512_set1_epi8(static_cast<char>(p.first))),
           last(_mm512_set1_epi8(static_cast<char>(p.last))),
           offset(_mm512_set1_epi8(static_cast<char>(p.offset))) {}
@@ -20,10 +24,11 @@ struct Bytes {
     __m512i Falling(const __m512i& p) const { return _mm512_sub_epi8(offset, Clamp(p)); }
 };
 
-struct Words {
+template <>
+struct RampLanes<uint16_t> {
     using Mask = __mmask32;
     __m512i first, last, offset;
-    explicit Words(const PointParameters<uint16_t>& p)
+    explicit RampLanes(const PointParameters<uint16_t>& p)
         : first(_mm512_set1_epi16(static_cast<short>(p.first))),
           last(_mm512_set1_epi16(static_cast<short>(p.last))),
           offset(_mm512_set1_epi16(static_cast<short>(p.offset))) {}
@@ -34,10 +39,11 @@ struct Words {
     __m512i Falling(const __m512i& p) const { return _mm512_sub_epi16(offset, Clamp(p)); }
 };
 
-struct DoubleWords {
+template <>
+struct RampLanes<uint32_t> {
     using Mask = __mmask16;
     __m512i first, last, offset;
-    explicit DoubleWords(const PointParameters<uint32_t>& p)
+    explicit RampLanes(const PointParameters<uint32_t>& p)
         : first(_mm512_set1_epi32(static_cast<int>(p.first))),
           last(_mm512_set1_epi32(static_cast<int>(p.last))),
           offset(_mm512_set1_epi32(static_cast<int>(p.offset))) {}
@@ -48,9 +54,10 @@ struct DoubleWords {
     __m512i Falling(const __m512i& p) const { return _mm512_sub_epi32(offset, Clamp(p)); }
 };
 
-template <class Lanes, class T>
+template <class T>
 void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     constexpr size_t kLanes = 64 / sizeof(T);
+    using Lanes = RampLanes<T>;
     const Lanes lanes(parameters);
     const auto some = [&](T* vector, uint64_t bits) {
         const auto mask = static_cast<typename Lanes::Mask>(bits);
@@ -70,16 +77,16 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
 }
 
 // vminps and vmaxps would not test lower first; where s is NaN both comparisons fail and it stays.
-[[gnu::always_inline]] inline __m512 Clamped(const __m512& s, const __m512& lower, const __m512& upper) {
+ORLIX_INLINE __m512 Clamped(const __m512& s, const __m512& lower, const __m512& upper) {
     return _mm512_mask_mov_ps(_mm512_min_ps(upper, s), _mm512_cmp_ps_mask(s, lower, _CMP_LT_OQ), lower);
 }
-[[gnu::always_inline]] inline __m512d Clamped(const __m512d& s, const __m512d& lower, const __m512d& upper) {
+ORLIX_INLINE __m512d Clamped(const __m512d& s, const __m512d& lower, const __m512d& upper) {
     return _mm512_mask_mov_pd(_mm512_min_pd(upper, s), _mm512_cmp_pd_mask(s, lower, _CMP_LT_OQ), lower);
 }
 
 // Applies step to vectors of 16 floats, the last one masked, or to vectors of 8 floats widened to double.
 template <class Step>
-[[gnu::always_inline]] inline void InFloat(float* pixels, size_t n, const Step& step) {
+ORLIX_INLINE void InFloat(float* pixels, size_t n, const Step& step) {
     const auto some = [&](float* vector, uint64_t bits) {
         const auto mask = static_cast<__mmask16>(bits);
         _mm512_mask_storeu_ps(vector, mask, step(_mm512_maskz_loadu_ps(mask, vector)));
@@ -91,7 +98,7 @@ template <class Step>
     if (i < n) some(pixels + i, (uint64_t{1} << (n - i)) - 1);
 }
 template <class Step>
-[[gnu::always_inline]] inline void InDouble(float* pixels, size_t n, const Step& step) {
+ORLIX_INLINE void InDouble(float* pixels, size_t n, const Step& step) {
     size_t i = 0;
     for (; i + 8 <= n; i += 8)
         _mm256_storeu_ps(pixels + i, _mm512_cvtpd_ps(step(_mm512_cvtps_pd(_mm256_loadu_ps(pixels + i)))));
@@ -114,14 +121,12 @@ struct Divider {
 
 }  // namespace
 
-void Ramp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
-    Ramp<Bytes>(pixels, n, parameters);
-}
+void Ramp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) { Ramp(pixels, n, parameters); }
 void Ramp_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
-    Ramp<Words>(pixels, n, parameters);
+    Ramp(pixels, n, parameters);
 }
 void Ramp_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
-    Ramp<DoubleWords>(pixels, n, parameters);
+    Ramp(pixels, n, parameters);
 }
 
 void Sum_avx512(float* pixels, size_t n, const PointParameters<float>& parameters) {

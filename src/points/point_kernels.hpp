@@ -2,6 +2,7 @@
 #pragma once
 
 #include "points/point_operations.hpp"
+#include "vectors/inline.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {
@@ -28,43 +29,29 @@ template <class T>
 void Shift_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 
 // table[p].
-void LookUp_scalar(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+Kernel<PointFn<uint8_t>> LookUp_scalar;
 
 // Every pixel becomes offset.
 template <class T>
 void Fill_scalar(T* pixels, size_t n, const PointParameters<T>& parameters);
 
-void Ramp_sse2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
-void Ramp_sse2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
-void Ramp_sse2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
-void Ramp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
-void Ramp_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
-void Ramp_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
-void Ramp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
-void Ramp_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
-void Ramp_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
+Kernel<PointFn<uint8_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
+Kernel<PointFn<uint16_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
+Kernel<PointFn<uint32_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
 
 // Where value is a float, float arithmetic gives the bits of double arithmetic rounded to float: a double has more than
 // twice the digits, so rounding twice cannot go astray in a sum or a quotient of floats.
-void Sum_sse2(float* pixels, size_t n, const PointParameters<float>& parameters);
-void Sum_avx2(float* pixels, size_t n, const PointParameters<float>& parameters);
-void Sum_avx512(float* pixels, size_t n, const PointParameters<float>& parameters);
-void Quotient_sse2(float* pixels, size_t n, const PointParameters<float>& parameters);
-void Quotient_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
-void Quotient_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
-void Quotient_avx2(float* pixels, size_t n, const PointParameters<float>& parameters);
-void Quotient_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters);
-void Quotient_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters);
-void Quotient_avx512(float* pixels, size_t n, const PointParameters<float>& parameters);
-
-void LookUp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
-void LookUp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters);
+Kernel<PointFn<float>> Sum_sse2, Sum_avx2, Sum_avx512;
+Kernel<PointFn<float>> Quotient_sse2, Quotient_avx2, Quotient_avx512;
+Kernel<PointFn<uint16_t>> Quotient_avx2, Quotient_avx512;
+Kernel<PointFn<uint32_t>> Quotient_avx2, Quotient_avx512;
+Kernel<PointFn<uint8_t>> LookUp_avx2, LookUp_avx512;
 
 namespace {  // used in files of every instruction set: each keeps its own copy
 
 constexpr float kMostFloat = 0x1.fffffep127f;
 
-[[gnu::always_inline]] inline bool IsExact(float narrow, double value) {
+ORLIX_INLINE bool IsExact(float narrow, double value) {
     return !(static_cast<double>(narrow) < value) && !(static_cast<double>(narrow) > value) && value == value;
 }
 

@@ -48,23 +48,23 @@ void Fill_scalar(T* pixels, size_t n, const PointParameters<T>& parameters) {
     std::fill_n(pixels, n, parameters.offset);
 }
 
-template void Sum_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
-template void Sum_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
-template void Sum_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void Sum_scalar(float*, size_t, const PointParameters<float>&);
-template void Ramp_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
-template void Ramp_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
-template void Ramp_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void Quotient_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
-template void Quotient_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
-template void Quotient_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void Quotient_scalar(float*, size_t, const PointParameters<float>&);
-template void Shift_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
-template void Shift_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
-template void Shift_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void Fill_scalar(uint8_t*, size_t, const PointParameters<uint8_t>&);
-template void Fill_scalar(uint16_t*, size_t, const PointParameters<uint16_t>&);
-template void Fill_scalar(uint32_t*, size_t, const PointParameters<uint32_t>&);
-template void Fill_scalar(float*, size_t, const PointParameters<float>&);
+template Kernel<PointFn<uint8_t>> Sum_scalar;
+template Kernel<PointFn<uint16_t>> Sum_scalar;
+template Kernel<PointFn<uint32_t>> Sum_scalar;
+template Kernel<PointFn<float>> Sum_scalar;
+template Kernel<PointFn<uint8_t>> Ramp_scalar;
+template Kernel<PointFn<uint16_t>> Ramp_scalar;
+template Kernel<PointFn<uint32_t>> Ramp_scalar;
+template Kernel<PointFn<uint8_t>> Quotient_scalar;
+template Kernel<PointFn<uint16_t>> Quotient_scalar;
+template Kernel<PointFn<uint32_t>> Quotient_scalar;
+template Kernel<PointFn<float>> Quotient_scalar;
+template Kernel<PointFn<uint8_t>> Shift_scalar;
+template Kernel<PointFn<uint16_t>> Shift_scalar;
+template Kernel<PointFn<uint32_t>> Shift_scalar;
+template Kernel<PointFn<uint8_t>> Fill_scalar;
+template Kernel<PointFn<uint16_t>> Fill_scalar;
+template Kernel<PointFn<uint32_t>> Fill_scalar;
+template Kernel<PointFn<float>> Fill_scalar;
 
 }  // namespace orlix

@@ -6,9 +6,12 @@ namespace orlix {
 namespace {
 
 // Lanes of each integer type: clamp to [first, last], then offset + p or offset - p.
-struct Bytes {
+template <class T>
+struct RampLanes;
+template <>
+struct RampLanes<uint8_t> {
     __m128i first, last, offset;
-    explicit Bytes(const PointParameters<uint8_t>& p)
+    explicit RampLanes(const PointParameters<uint8_t>& p)
         : first(_mm_set1_epi8(static_cast<char>(p.first))),
           last(_mm_set1_epi8(static_cast<char>(p.last))),
           offset(_mm_set1_epi8(static_cast<char>(p.offset))) {}
@@ -17,9 +20,10 @@ struct Bytes {
     __m128i Falling(__m128i p) const { return _mm_sub_epi8(offset, Clamp(p)); }
 };
 
-struct Words {
+template <>
+struct RampLanes<uint16_t> {
     __m128i first, last, offset;
-    explicit Words(const PointParameters<uint16_t>& p)
+    explicit RampLanes(const PointParameters<uint16_t>& p)
         : first(_mm_set1_epi16(static_cast<short>(p.first))),
           last(_mm_set1_epi16(static_cast<short>(p.last))),
           offset(_mm_set1_epi16(static_cast<short>(p.offset))) {}
@@ -32,9 +36,10 @@ struct Words {
     __m128i Falling(__m128i p) const { return _mm_sub_epi16(offset, Clamp(p)); }
 };
 
-struct DoubleWords {
+template <>
+struct RampLanes<uint32_t> {
     __m128i first, last, offset, sign = _mm_set1_epi32(static_cast<int>(0x80000000u));
-    explicit DoubleWords(const PointParameters<uint32_t>& p)
+    explicit RampLanes(const PointParameters<uint32_t>& p)
         : first(_mm_set1_epi32(static_cast<int>(p.first))),
           last(_mm_set1_epi32(static_cast<int>(p.last))),
           offset(_mm_set1_epi32(static_cast<int>(p.offset))) {}
@@ -52,10 +57,10 @@ struct DoubleWords {
     __m128i Falling(__m128i p) const { return _mm_sub_epi32(offset, Clamp(p)); }
 };
 
-template <class Lanes, class T>
+template <class T>
 void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     constexpr size_t kLanes = 16 / sizeof(T);
-    const Lanes lanes(parameters);
+    const RampLanes<T> lanes(parameters);
     const auto at = [&](size_t i) { return reinterpret_cast<__m128i*>(pixels + i); };
     size_t i = 0;
     if (parameters.falling)
@@ -77,15 +82,9 @@ __m128d Clamped(__m128d s, __m128d lower, __m128d upper) {
 
 }  // namespace
 
-void Ramp_sse2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
-    Ramp<Bytes>(pixels, n, parameters);
-}
-void Ramp_sse2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
-    Ramp<Words>(pixels, n, parameters);
-}
-void Ramp_sse2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
-    Ramp<DoubleWords>(pixels, n, parameters);
-}
+void Ramp_sse2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) { Ramp(pixels, n, parameters); }
+void Ramp_sse2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) { Ramp(pixels, n, parameters); }
+void Ramp_sse2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) { Ramp(pixels, n, parameters); }
 
 void Sum_sse2(float* pixels, size_t n, const PointParameters<float>& parameters) {
     const bool falling = parameters.falling;

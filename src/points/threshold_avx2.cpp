@@ -1,19 +1,20 @@
 #include <immintrin.h>
 
 #include "points/threshold_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
 
 template <class T>
-[[gnu::always_inline]] inline __m256i Load(const T* p) {
+ORLIX_INLINE __m256i Load(const T* p) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
 // Bytes 0xff for 32 pixels inside, each eight of them in reverse order, so that the sign bits come out with the first
 // pixel in the most significant bit of each byte. Integers: nothing is left of p - hi and lo - p when they saturate at
 // 0.
-[[gnu::always_inline]] inline __m256i Inside(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
+ORLIX_INLINE __m256i Inside(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
     const __m256i reverse =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
     const __m256i p = _mm256_shuffle_epi8(Load(pixels), reverse);
@@ -22,7 +23,7 @@ template <class T>
     return _mm256_cmpeq_epi8(_mm256_or_si256(above, below), _mm256_setzero_si256());
 }
 
-[[gnu::always_inline]] inline __m256i Inside(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
+ORLIX_INLINE __m256i Inside(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
     const auto sixteen = [&](const uint16_t* at) {
         const __m256i p = Load(at);
         const __m256i above = _mm256_subs_epu16(p, _mm256_set1_epi16(static_cast<short>(hi)));
@@ -38,7 +39,7 @@ template <class T>
 
 // Four comparisons of eight pixels to 32 bytes in the order above. Packing leaves fours in the order 0 2 4 6, 1 3 5 7.
 template <class Eight>
-[[gnu::always_inline]] inline __m256i Packed(const Eight& eight) {
+ORLIX_INLINE __m256i Packed(const Eight& eight) {
     const __m256i packed =
         _mm256_packs_epi16(_mm256_packs_epi32(eight(0), eight(8)), _mm256_packs_epi32(eight(16), eight(24)));
     const __m256i ordered = _mm256_permutevar8x32_epi32(packed, _mm256_set_epi32(3, 7, 2, 6, 1, 5, 0, 4));
@@ -47,7 +48,7 @@ template <class Eight>
     return _mm256_shuffle_epi8(ordered, reverse);
 }
 
-[[gnu::always_inline]] inline __m256i Inside(const uint32_t* pixels, uint32_t lo, uint32_t hi) {
+ORLIX_INLINE __m256i Inside(const uint32_t* pixels, uint32_t lo, uint32_t hi) {
     const __m256i low = _mm256_set1_epi32(static_cast<int>(lo)), high = _mm256_set1_epi32(static_cast<int>(hi));
     return Packed([&](int first) {
         const __m256i p = Load(pixels + first);
@@ -60,8 +61,8 @@ template <class Eight>
 // is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of
 // its byte.
 template <class T, class BitsOf>
-[[gnu::always_inline]] inline void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi,
-                                           bool inside, const BitsOf& bitsOf) {
+ORLIX_INLINE void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside,
+                          const BitsOf& bitsOf) {
     if (firstBit > 0) {
         const size_t head = n < 8 - firstBit ? n : 8 - firstBit;
         Threshold_scalar(pixels, head, bits, firstBit, lo, hi, inside);

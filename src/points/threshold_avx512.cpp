@@ -1,6 +1,7 @@
 #include "vectors/intrinsics_avx512.hpp"
 
 #include "points/threshold_kernels.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -8,25 +9,21 @@ namespace {
 // Pixels of a block of 64 that are there, bit i for pixel i. All: a constant that needs no masked loads.
 struct All {};
 
-[[gnu::always_inline]] inline __m512i Load8(All, const uint8_t* p) { return _mm512_loadu_si512(p); }
-[[gnu::always_inline]] inline __m512i Load8(uint64_t there, const uint8_t* p) {
-    return _mm512_maskz_loadu_epi8(there, p);
-}
-[[gnu::always_inline]] inline __m512i Load16(All, const uint16_t* p, int first) {
-    return _mm512_loadu_si512(p + first);
-}
-[[gnu::always_inline]] inline __m512i Load16(uint64_t there, const uint16_t* p, int first) {
+ORLIX_INLINE __m512i Load8(All, const uint8_t* p) { return _mm512_loadu_si512(p); }
+ORLIX_INLINE __m512i Load8(uint64_t there, const uint8_t* p) { return _mm512_maskz_loadu_epi8(there, p); }
+ORLIX_INLINE __m512i Load16(All, const uint16_t* p, int first) { return _mm512_loadu_si512(p + first); }
+ORLIX_INLINE __m512i Load16(uint64_t there, const uint16_t* p, int first) {
     return _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there >> first), p + first);
 }
-[[gnu::always_inline]] inline __m512i Load32(All, const void* p, int first) {
+ORLIX_INLINE __m512i Load32(All, const void* p, int first) {
     return _mm512_loadu_si512(static_cast<const uint32_t*>(p) + first);
 }
-[[gnu::always_inline]] inline __m512i Load32(uint64_t there, const void* p, int first) {
+ORLIX_INLINE __m512i Load32(uint64_t there, const void* p, int first) {
     return _mm512_maskz_loadu_epi32(static_cast<__mmask16>(there >> first), static_cast<const uint32_t*>(p) + first);
 }
 
 // The bits of each byte in reverse order: multiplication with the mirrored unit matrix.
-[[gnu::always_inline]] inline uint64_t WithReversedBytes(uint64_t bits) {
+ORLIX_INLINE uint64_t WithReversedBytes(uint64_t bits) {
     const __m128i mirror = _mm_set1_epi64x(static_cast<long long>(0x8040201008040201));
     __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&bits));
     bytes = _mm_gf2p8affine_epi64_epi8(bytes, mirror, 0);
@@ -38,7 +35,7 @@ struct All {};
 // Bits of the 64 pixels of a block that are inside or, where NaN makes a difference, outside: the first pixel of each
 // eight in the most significant bit of its byte.
 template <class There>
-[[gnu::always_inline]] inline uint64_t Set(There there, const uint8_t* pixels, uint8_t lo, uint8_t hi, bool inside) {
+ORLIX_INLINE uint64_t Set(There there, const uint8_t* pixels, uint8_t lo, uint8_t hi, bool inside) {
     const __m512i reverse =
         _mm512_set4_epi64(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
     const __m512i p = _mm512_shuffle_epi8(Load8(there, pixels), reverse);
@@ -48,7 +45,7 @@ template <class There>
 }
 
 template <class There>
-[[gnu::always_inline]] inline uint64_t Set(There there, const uint16_t* pixels, uint16_t lo, uint16_t hi, bool inside) {
+ORLIX_INLINE uint64_t Set(There there, const uint16_t* pixels, uint16_t lo, uint16_t hi, bool inside) {
     const __m512i reverse =
         _mm512_set4_epi64(0x0100030205040706, 0x09080b0a0d0c0f0e, 0x0100030205040706, 0x09080b0a0d0c0f0e);
     const auto half = [&](int first) -> uint64_t {
@@ -61,13 +58,13 @@ template <class There>
 }
 
 template <class Sixteen>
-[[gnu::always_inline]] inline uint64_t Joined(const Sixteen& sixteen) {
+ORLIX_INLINE uint64_t Joined(const Sixteen& sixteen) {
     return WithReversedBytes(static_cast<uint64_t>(sixteen(0)) | static_cast<uint64_t>(sixteen(16)) << 16 |
                              static_cast<uint64_t>(sixteen(32)) << 32 | static_cast<uint64_t>(sixteen(48)) << 48);
 }
 
 template <class There>
-[[gnu::always_inline]] inline uint64_t Set(There there, const uint32_t* pixels, uint32_t lo, uint32_t hi, bool inside) {
+ORLIX_INLINE uint64_t Set(There there, const uint32_t* pixels, uint32_t lo, uint32_t hi, bool inside) {
     const __m512i low = _mm512_set1_epi32(static_cast<int>(lo)), high = _mm512_set1_epi32(static_cast<int>(hi));
     const uint64_t bits = Joined([&](int first) -> __mmask16 {
         const __m512i p = Load32(there, pixels, first);
@@ -77,7 +74,7 @@ template <class There>
 }
 
 template <class There>
-[[gnu::always_inline]] inline uint64_t Set(There there, const float* pixels, float lo, float hi, bool inside) {
+ORLIX_INLINE uint64_t Set(There there, const float* pixels, float lo, float hi, bool inside) {
     const __m512 low = _mm512_set1_ps(lo), high = _mm512_set1_ps(hi);
     return Joined([&](int first) -> __mmask16 {
         const __m512 p = _mm512_castsi512_ps(Load32(there, pixels, first));
@@ -89,8 +86,7 @@ template <class There>
 // Blocks of 64 pixels. The first starts before the run, at a whole byte of bits and, where that can be had, at a cache
 // line of pixels; pixels that are not there are not read, bytes without a bit of the run neither read nor written.
 template <class T>
-[[gnu::always_inline]] inline void Threshold(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi,
-                                             bool inside) {
+ORLIX_INLINE void Threshold(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside) {
     if (n == 0) return;
     const auto address = reinterpret_cast<uintptr_t>(pixels) - firstBit * sizeof(T);
     const size_t past = address % 64 / sizeof(T);

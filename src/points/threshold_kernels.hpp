@@ -13,27 +13,10 @@ using ThresholdFn = void (*)(const T* pixels, size_t n, uint8_t* bits, unsigned 
 template <class T>
 void Threshold_scalar(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside);
 
-void Threshold_sse2(const uint8_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint8_t lo, uint8_t hi,
-                    bool inside);
-void Threshold_sse2(const uint16_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint16_t lo, uint16_t hi,
-                    bool inside);
-void Threshold_sse2(const uint32_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint32_t lo, uint32_t hi,
-                    bool inside);
-void Threshold_sse2(const float* pixels, size_t n, uint8_t* bits, unsigned firstBit, float lo, float hi, bool inside);
-void Threshold_avx2(const uint8_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint8_t lo, uint8_t hi,
-                    bool inside);
-void Threshold_avx2(const uint16_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint16_t lo, uint16_t hi,
-                    bool inside);
-void Threshold_avx2(const uint32_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint32_t lo, uint32_t hi,
-                    bool inside);
-void Threshold_avx2(const float* pixels, size_t n, uint8_t* bits, unsigned firstBit, float lo, float hi, bool inside);
-void Threshold_avx512(const uint8_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint8_t lo, uint8_t hi,
-                      bool inside);
-void Threshold_avx512(const uint16_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint16_t lo, uint16_t hi,
-                      bool inside);
-void Threshold_avx512(const uint32_t* pixels, size_t n, uint8_t* bits, unsigned firstBit, uint32_t lo, uint32_t hi,
-                      bool inside);
-void Threshold_avx512(const float* pixels, size_t n, uint8_t* bits, unsigned firstBit, float lo, float hi, bool inside);
+Kernel<ThresholdFn<uint8_t>> Threshold_sse2, Threshold_avx2, Threshold_avx512;
+Kernel<ThresholdFn<uint16_t>> Threshold_sse2, Threshold_avx2, Threshold_avx512;
+Kernel<ThresholdFn<uint32_t>> Threshold_sse2, Threshold_avx2, Threshold_avx512;
+Kernel<ThresholdFn<float>> Threshold_sse2, Threshold_avx2, Threshold_avx512;
 
 template <class T>
 inline constexpr Variant<ThresholdFn<T>> kThreshold[] = {

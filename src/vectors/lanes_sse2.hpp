@@ -6,13 +6,13 @@
 
 #include <emmintrin.h>
 
-#include <cstddef>
-#include <cstdint>
+#include "vectors/lanes.hpp"
 
 namespace orlix {
 namespace {
 
-struct Bytes {
+template <>
+struct PixelLanes<uint8_t> {
     using Pixel = uint8_t;
     using Vector = __m128i;
     static constexpr size_t kLanes = 16;
@@ -21,7 +21,6 @@ struct Bytes {
     static Vector All(Pixel p) { return _mm_set1_epi8(static_cast<char>(p)); }
     static Vector Min(Vector a, Vector b) { return _mm_min_epu8(a, b); }
     static Vector Max(Vector a, Vector b) { return _mm_max_epu8(a, b); }
-    // high where p - low >= high - p, else low; low <= p <= high.
     static Vector Nearer(Vector p, Vector low, Vector high) {
         const Vector under = _mm_sub_epi8(p, low), over = _mm_sub_epi8(high, p);
         const Vector up = _mm_cmpeq_epi8(_mm_max_epu8(under, over), under);
@@ -29,7 +28,8 @@ struct Bytes {
     }
 };
 
-struct Words {
+template <>
+struct PixelLanes<uint16_t> {
     using Pixel = uint16_t;
     using Vector = __m128i;
     static constexpr size_t kLanes = 8;
@@ -46,7 +46,7 @@ struct Words {
     }
 };
 
-struct SignedKeys {
+struct SignedLanes {
     using Vector = __m128i;
     static constexpr size_t kLanes = 4;
     static Vector Select(Vector mask, Vector yes, Vector no) {
@@ -56,7 +56,8 @@ struct SignedKeys {
     static Vector Max(Vector a, Vector b) { return Select(_mm_cmpgt_epi32(a, b), a, b); }
 };
 
-struct DoubleWords : SignedKeys {
+template <>
+struct PixelLanes<uint32_t> : SignedLanes {
     using Pixel = uint32_t;
     static Vector Turned(Vector v) { return _mm_xor_si128(v, _mm_set1_epi32(static_cast<int>(0x80000000u))); }
     static Vector Load(const Pixel* p) { return Turned(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
@@ -68,16 +69,15 @@ struct DoubleWords : SignedKeys {
     }
 };
 
-// The total order of IEEE 754: negative NaN, -infinity, ..., -0, 0, ..., infinity, NaN.
-struct TotallyOrdered : SignedKeys {
+struct TotallyOrderedLanes : SignedLanes {
     using Pixel = float;
     static Vector Turned(Vector v) { return _mm_xor_si128(v, _mm_srli_epi32(_mm_srai_epi32(v, 31), 1)); }
     static Vector Load(const Pixel* p) { return Turned(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
     static void Store(Pixel* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), Turned(v)); }
 };
 
-// Min and Max return the second operand when one is NaN.
-struct Floats {
+template <>
+struct PixelLanes<float> {
     using Pixel = float;
     using Vector = __m128;
     static constexpr size_t kLanes = 4;
@@ -86,7 +86,6 @@ struct Floats {
     static Vector All(Pixel p) { return _mm_set1_ps(p); }
     static Vector Min(Vector a, Vector b) { return _mm_min_ps(a, b); }
     static Vector Max(Vector a, Vector b) { return _mm_max_ps(a, b); }
-    // The quiet NaN where p is NaN. Zeros lose their sign.
     static Vector Nearer(Vector p, Vector low, Vector high) {
         const Vector up = _mm_cmpge_ps(_mm_sub_ps(p, low), _mm_sub_ps(high, p));
         const Vector nearer = _mm_add_ps(_mm_or_ps(_mm_and_ps(up, high), _mm_andnot_ps(up, low)), _mm_setzero_ps());

@@ -1,18 +1,39 @@
-// Every hot kernel has one table of variants, best first. Dispatch, tests and benchmarks read the same table:
+// How kernels are declared and chosen. A kernel has a type and a definition, which sum_scalar.cpp holds and all other
+// variants equal bit for bit:
 //
-//     constexpr Variant<SumFn> kSum[] = {
-//         {"avx2",   Cpu::Avx2, &Sum_avx2},
-//         {"scalar", Cpu::Any,  &Sum_scalar},   // the definition: the others equal it bit for bit
+//     template <class T>
+//     using SumFn = void (*)(const T* pixels, size_t n, uint64_t& sum);
+//     template <class T>
+//     void Sum_scalar(const T* pixels, size_t n, uint64_t& sum);
+//
+// Its variants for an instruction set are written for one type of pixels each, or are a template as the definition is:
+//
+//     Kernel<SumFn<uint8_t>> Sum_avx2;                       // sum_avx2.cpp
+//     Kernel<SumFn<uint16_t>> Sum_avx2;
+//
+// The file of a template ends with its instances: template Kernel<SumFn<uint8_t>> Sum_scalar;
+//
+// One table names the variants, best first. Dispatch, tests and benchmarks read the same table:
+//
+//     template <class T>
+//     inline constexpr Variant<SumFn<T>> kSum[] = {
+//         {"avx2", Cpu::Avx2, &Sum_avx2},
+//         {"scalar", Cpu::Any, &Sum_scalar},
 //     };
-//     const SumFn sum = Choose(kSum);           // once per image, not per row
+//     const SumFn<T> sum = Choose(kSum<T>);                  // once per image, not per row
 #pragma once
 
 #include <cstddef>
 #include <span>
+#include <type_traits>
 
 #include "platform/cpu.hpp"
 
 namespace orlix {
+
+// The function that a pointer of the type Fn points at.
+template <class Fn>
+using Kernel = std::remove_pointer_t<Fn>;
 
 template <class Fn>
 struct Variant {

@@ -85,16 +85,25 @@ void Gaussian5x5_scalar(const T* const* rows, T* to, size_t n, const FilterParam
     });
 }
 
-#define ORLIX_TYPE(T)                                                                                       \
-    template void Laplacian_scalar(const T* const*, T*, size_t, const FilterParameters<T>& parameters);     \
-    template void SharpenLow_scalar(const T* const*, T*, size_t, const FilterParameters<T>& parameters);    \
-    template void SharpenMedium_scalar(const T* const*, T*, size_t, const FilterParameters<T>& parameters); \
-    template void Gaussian3x3_scalar(const T* const*, T*, size_t, const FilterParameters<T>& parameters);   \
-    template void Gaussian5x5_scalar(const T* const*, T*, size_t, const FilterParameters<T>& parameters);
-ORLIX_TYPE(uint8_t)
-ORLIX_TYPE(uint16_t)
-ORLIX_TYPE(uint32_t)
-ORLIX_TYPE(float)
-#undef ORLIX_TYPE
+template Kernel<FilterFn<uint8_t>> Laplacian_scalar;
+template Kernel<FilterFn<uint16_t>> Laplacian_scalar;
+template Kernel<FilterFn<uint32_t>> Laplacian_scalar;
+template Kernel<FilterFn<float>> Laplacian_scalar;
+template Kernel<FilterFn<uint8_t>> SharpenLow_scalar;
+template Kernel<FilterFn<uint16_t>> SharpenLow_scalar;
+template Kernel<FilterFn<uint32_t>> SharpenLow_scalar;
+template Kernel<FilterFn<float>> SharpenLow_scalar;
+template Kernel<FilterFn<uint8_t>> SharpenMedium_scalar;
+template Kernel<FilterFn<uint16_t>> SharpenMedium_scalar;
+template Kernel<FilterFn<uint32_t>> SharpenMedium_scalar;
+template Kernel<FilterFn<float>> SharpenMedium_scalar;
+template Kernel<FilterFn<uint8_t>> Gaussian3x3_scalar;
+template Kernel<FilterFn<uint16_t>> Gaussian3x3_scalar;
+template Kernel<FilterFn<uint32_t>> Gaussian3x3_scalar;
+template Kernel<FilterFn<float>> Gaussian3x3_scalar;
+template Kernel<FilterFn<uint8_t>> Gaussian5x5_scalar;
+template Kernel<FilterFn<uint16_t>> Gaussian5x5_scalar;
+template Kernel<FilterFn<uint32_t>> Gaussian5x5_scalar;
+template Kernel<FilterFn<float>> Gaussian5x5_scalar;
 
 }  // namespace orlix

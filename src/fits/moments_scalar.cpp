@@ -28,20 +28,20 @@ void FloatMoments_scalar(const float* pixels, size_t n, double origin, double fi
     AddFloatMoments<Degree>(pixels, 0, n, origin, first, m);
 }
 
-template void Moments_scalar<uint8_t, 1>(const uint8_t*, size_t, uint64_t*);
-template void Moments_scalar<uint8_t, 2>(const uint8_t*, size_t, uint64_t*);
-template void Moments_scalar<uint8_t, 3>(const uint8_t*, size_t, uint64_t*);
-template void Moments_scalar<uint16_t, 1>(const uint16_t*, size_t, uint64_t*);
-template void Moments_scalar<uint16_t, 2>(const uint16_t*, size_t, uint64_t*);
-template void Moments_scalar<uint16_t, 3>(const uint16_t*, size_t, uint64_t*);
-template void Moments_scalar<uint32_t, 1>(const uint32_t*, size_t, uint64_t*);
-template void Moments_scalar<uint32_t, 2>(const uint32_t*, size_t, uint64_t*);
-template void Moments_scalar<uint32_t, 3>(const uint32_t*, size_t, uint64_t*);
+template Kernel<MomentsFn<uint8_t>> Moments_scalar<uint8_t, 1>;
+template Kernel<MomentsFn<uint8_t>> Moments_scalar<uint8_t, 2>;
+template Kernel<MomentsFn<uint8_t>> Moments_scalar<uint8_t, 3>;
+template Kernel<MomentsFn<uint16_t>> Moments_scalar<uint16_t, 1>;
+template Kernel<MomentsFn<uint16_t>> Moments_scalar<uint16_t, 2>;
+template Kernel<MomentsFn<uint16_t>> Moments_scalar<uint16_t, 3>;
+template Kernel<MomentsFn<uint32_t>> Moments_scalar<uint32_t, 1>;
+template Kernel<MomentsFn<uint32_t>> Moments_scalar<uint32_t, 2>;
+template Kernel<MomentsFn<uint32_t>> Moments_scalar<uint32_t, 3>;
 template void AddFloatMoments<1>(const float*, size_t, size_t, double, double, FloatMoments&);
 template void AddFloatMoments<2>(const float*, size_t, size_t, double, double, FloatMoments&);
 template void AddFloatMoments<3>(const float*, size_t, size_t, double, double, FloatMoments&);
-template void FloatMoments_scalar<1>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_scalar<2>(const float*, size_t, double, double, FloatMoments&);
-template void FloatMoments_scalar<3>(const float*, size_t, double, double, FloatMoments&);
+template Kernel<FloatMomentsFn> FloatMoments_scalar<1>;
+template Kernel<FloatMomentsFn> FloatMoments_scalar<2>;
+template Kernel<FloatMomentsFn> FloatMoments_scalar<3>;
 
 }  // namespace orlix

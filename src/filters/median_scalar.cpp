@@ -30,9 +30,9 @@ void Median3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParamet
     }
 }
 
-template void Median3x3_scalar(const uint8_t* const*, uint8_t*, size_t, const FilterParameters<uint8_t>&);
-template void Median3x3_scalar(const uint16_t* const*, uint16_t*, size_t, const FilterParameters<uint16_t>&);
-template void Median3x3_scalar(const uint32_t* const*, uint32_t*, size_t, const FilterParameters<uint32_t>&);
-template void Median3x3_scalar(const float* const*, float*, size_t, const FilterParameters<float>&);
+template Kernel<FilterFn<uint8_t>> Median3x3_scalar;
+template Kernel<FilterFn<uint16_t>> Median3x3_scalar;
+template Kernel<FilterFn<uint32_t>> Median3x3_scalar;
+template Kernel<FilterFn<float>> Median3x3_scalar;
 
 }  // namespace orlix

@@ -1,3 +1,4 @@
+// The definitions of the kernels of trimmed sums.
 #include "fits/trimming_kernels.hpp"
 
 namespace orlix {
@@ -29,13 +30,13 @@ size_t DivideSquares_scalar(const T* pixels, const double* surface, size_t n, do
     return kept;
 }
 
-template void ClippedSquares_scalar(const uint8_t*, const double*, size_t, double, double (&)[8]);
-template void ClippedSquares_scalar(const uint16_t*, const double*, size_t, double, double (&)[8]);
-template void ClippedSquares_scalar(const uint32_t*, const double*, size_t, double, double (&)[8]);
-template void ClippedSquares_scalar(const float*, const double*, size_t, double, double (&)[8]);
-template size_t DivideSquares_scalar(const uint8_t*, const double*, size_t, double, double, SquareClasses&, double*);
-template size_t DivideSquares_scalar(const uint16_t*, const double*, size_t, double, double, SquareClasses&, double*);
-template size_t DivideSquares_scalar(const uint32_t*, const double*, size_t, double, double, SquareClasses&, double*);
-template size_t DivideSquares_scalar(const float*, const double*, size_t, double, double, SquareClasses&, double*);
+template Kernel<ClippedSquaresFn<uint8_t>> ClippedSquares_scalar;
+template Kernel<ClippedSquaresFn<uint16_t>> ClippedSquares_scalar;
+template Kernel<ClippedSquaresFn<uint32_t>> ClippedSquares_scalar;
+template Kernel<ClippedSquaresFn<float>> ClippedSquares_scalar;
+template Kernel<DivideSquaresFn<uint8_t>> DivideSquares_scalar;
+template Kernel<DivideSquaresFn<uint16_t>> DivideSquares_scalar;
+template Kernel<DivideSquaresFn<uint32_t>> DivideSquares_scalar;
+template Kernel<DivideSquaresFn<float>> DivideSquares_scalar;
 
 }  // namespace orlix

@@ -51,9 +51,9 @@ void Sobel_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<
     }
 }
 
-template void Sobel_scalar(const uint8_t* const*, uint8_t*, size_t, const FilterParameters<uint8_t>&);
-template void Sobel_scalar(const uint16_t* const*, uint16_t*, size_t, const FilterParameters<uint16_t>&);
-template void Sobel_scalar(const uint32_t* const*, uint32_t*, size_t, const FilterParameters<uint32_t>&);
-template void Sobel_scalar(const float* const*, float*, size_t, const FilterParameters<float>&);
+template Kernel<FilterFn<uint8_t>> Sobel_scalar;
+template Kernel<FilterFn<uint16_t>> Sobel_scalar;
+template Kernel<FilterFn<uint32_t>> Sobel_scalar;
+template Kernel<FilterFn<float>> Sobel_scalar;
 
 }  // namespace orlix

@@ -1,3 +1,4 @@
+// The definitions of the kernels of raster pictures.
 #include "display/raster_kernels.hpp"
 
 namespace orlix {

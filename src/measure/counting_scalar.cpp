@@ -1,0 +1,35 @@
+// The definition of the bins of pixels.
+#include <type_traits>
+
+#include "measure/counting_kernels.hpp"
+
+namespace orlix {
+
+template <class T>
+void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins) {
+    for (size_t i = 0; i < n; ++i) {
+        const T p = pixels[i];
+        if (!(p >= rule.lower && p <= rule.upper)) {
+            bins[i] = rule.bins;
+        } else if (p == rule.upper) {
+            bins[i] = rule.bins - 1;
+        } else if constexpr (std::is_same_v<T, float>) {
+            const double above = static_cast<double>(p) - static_cast<double>(rule.lower);
+            const double width = static_cast<double>(rule.upper) - static_cast<double>(rule.lower);
+            const double bin = above * rule.bins / width;
+            // Not below for a pixel that rounding carries past the last bin, and for an infinite interval.
+            bins[i] = bin < rule.bins ? static_cast<uint32_t>(bin) : rule.bins - 1;
+        } else if (rule.onePerValue) {
+            bins[i] = p - rule.lower;
+        } else {
+            const uint64_t above = p - rule.lower;
+            bins[i] = static_cast<uint32_t>(above * rule.bins / (rule.upper - rule.lower));
+        }
+    }
+}
+
+template Kernel<BinsFn<uint16_t>> Bins_scalar;
+template Kernel<BinsFn<uint32_t>> Bins_scalar;
+template Kernel<BinsFn<float>> Bins_scalar;
+
+}  // namespace orlix
