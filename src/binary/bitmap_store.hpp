@@ -59,6 +59,13 @@ public:
         return bytes_.data() + y * rowBytes();
     }
 
+    // Pixels of the bitmap. SetBit marks the row.
+    bool Bit(int32_t x, int32_t y) const { return (Row(y)[x / 8] & MaskOf(x)) != 0; }
+    void SetBit(int32_t x, int32_t y, bool bit) {
+        uint8_t& target = WriteRow(y)[x / 8];
+        target = static_cast<uint8_t>(bit ? target | MaskOf(x) : target & ~MaskOf(x));
+    }
+
     static uint8_t MaskOf(int32_t x) { return static_cast<uint8_t>(0x80 >> (x % 8)); }
 
     // Whoever keeps something derived from a row makes it anew when the row is marked, and takes the mark away.

@@ -31,30 +31,30 @@ uint8_t* OrlixBitmap::RequirePixel(LONG x, LONG y) {
     return RequireRow(y) + x / 8;
 }
 
-STDMETHODIMP OrlixBitmap::get_Width(LONG* hVal) noexcept {
+STDMETHODIMP OrlixBitmap::get_Width(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = store_.width();
+        Require(value);
+        *value = store_.width();
     });
 }
 
-STDMETHODIMP OrlixBitmap::get_Height(LONG* hVal) noexcept {
+STDMETHODIMP OrlixBitmap::get_Height(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = store_.height();
+        Require(value);
+        *value = store_.height();
     });
 }
 
-STDMETHODIMP OrlixBitmap::Create(LONG Width, LONG Height, LONG bZero) noexcept {
-    return Guarded([&] { store_.Create(Width, Height, bZero != 0); });
+STDMETHODIMP OrlixBitmap::Create(LONG width, LONG height, LONG zero) noexcept {
+    return Guarded([&] { store_.Create(width, height, zero != 0); });
 }
 
-STDMETHODIMP OrlixBitmap::CreateFromBitmap(IBitmap* Bitmap) noexcept {
+STDMETHODIMP OrlixBitmap::CreateFromBitmap(IBitmap* bitmap) noexcept {
     return Guarded([&] {
-        Require(Bitmap);
-        if (IsSelf(Bitmap)) return S_FALSE;
+        Require(bitmap);
+        if (IsSelf(bitmap)) return S_FALSE;
         BITMAP source = {};
-        Demand(Bitmap->get_Bitmap(&source));
+        Demand(bitmap->get_Bitmap(&source));
         store_.CopyFrom(source);
         return S_OK;
     });
@@ -68,90 +68,88 @@ STDMETHODIMP OrlixBitmap::One() noexcept {
     return Guarded([&] { store_.Fill(0xff); });
 }
 
-STDMETHODIMP OrlixBitmap::DrawHorizontalLine(LONG Row, LONG Left, LONG Right, DrawType How) noexcept {
+STDMETHODIMP OrlixBitmap::DrawHorizontalLine(LONG row, LONG left, LONG right, DrawType how) noexcept {
     return Guarded([&] {
-        if (Left > Right) throw Failure(kLeftAboveRight, DISP_E_EXCEPTION);
-        return ResultOf(DrawRow(store_, Row, {Left, Right}, How));
+        if (left > right) throw Failure(kLeftAboveRight, DISP_E_EXCEPTION);
+        return ResultOf(DrawRow(store_, row, {left, right}, how));
     });
 }
 
-STDMETHODIMP OrlixBitmap::DrawRectangle(LONG Left, LONG Top, LONG Right, LONG Bottom, DrawType How) noexcept {
-    return Guarded([&] { return ResultOf(orlix::DrawRectangle(store_, Left, Top, Right, Bottom, How)); });
+STDMETHODIMP OrlixBitmap::DrawRectangle(LONG left, LONG top, LONG right, LONG bottom, DrawType how) noexcept {
+    return Guarded([&] { return ResultOf(orlix::DrawRectangle(store_, left, top, right, bottom, how)); });
 }
 
-STDMETHODIMP OrlixBitmap::DrawDisk(double XCenter, double YCenter, double Radius, DrawType How) noexcept {
-    return Guarded([&] { return ResultOf(orlix::DrawDisk(store_, {XCenter, YCenter, Radius}, How)); });
+STDMETHODIMP OrlixBitmap::DrawDisk(double xCenter, double yCenter, double radius, DrawType how) noexcept {
+    return Guarded([&] { return ResultOf(orlix::DrawDisk(store_, {xCenter, yCenter, radius}, how)); });
 }
 
-STDMETHODIMP OrlixBitmap::DrawLine(double X1, double Y1, double X2, double Y2, DrawType How) noexcept {
+STDMETHODIMP OrlixBitmap::DrawLine(double x1, double y1, double x2, double y2, DrawType how) noexcept {
     return Guarded([&] {
-        if (std::isnan(X1) || std::isnan(Y1) || std::isnan(X2) || std::isnan(Y2)) return;
-        orlix::DrawLine(store_, Line::BetweenRounded(X1, Y1, X2, Y2), How);
+        if (std::isnan(x1) || std::isnan(y1) || std::isnan(x2) || std::isnan(y2)) return;
+        orlix::DrawLine(store_, Line::BetweenRounded(x1, y1, x2, y2), how);
     });
 }
 
-STDMETHODIMP OrlixBitmap::get_Bitmap(BITMAP* hVal) noexcept {
+STDMETHODIMP OrlixBitmap::get_Bitmap(BITMAP* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = store_.record();
+        Require(value);
+        *value = store_.record();
     });
 }
 
-STDMETHODIMP OrlixBitmap::GetRowPtr(LONG Row, unsigned char** hRow) noexcept {
+STDMETHODIMP OrlixBitmap::GetRowPtr(LONG row, unsigned char** pointer) noexcept {
     return Guarded([&] {
-        Require(hRow);
-        *hRow = nullptr;
-        *hRow = RequireRow(Row);
+        Require(pointer);
+        *pointer = nullptr;
+        *pointer = RequireRow(row);
     });
 }
 
-STDMETHODIMP OrlixBitmap::GetPixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) noexcept {
+STDMETHODIMP OrlixBitmap::GetPixelPtr(LONG x, LONG y, unsigned char** pointer, unsigned char* mask) noexcept {
     return Guarded([&] {
-        Require(hRow);
-        Require(Mask);
-        *hRow = nullptr;
-        *Mask = 0;
-        *hRow = RequirePixel(X, Y);
-        *Mask = BitmapStore::MaskOf(X);
+        Require(pointer);
+        Require(mask);
+        *pointer = nullptr;
+        *mask = 0;
+        *pointer = RequirePixel(x, y);
+        *mask = BitmapStore::MaskOf(x);
     });
 }
 
-STDMETHODIMP OrlixBitmap::get_Bit(LONG X, LONG Y, LONG* hVal) noexcept {
+STDMETHODIMP OrlixBitmap::get_Bit(LONG x, LONG y, LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = 0;
-        if (!store_.Contains(X, Y)) return S_FALSE;
-        *hVal = (*RequirePixel(X, Y) & BitmapStore::MaskOf(X)) != 0;
+        Require(value);
+        *value = 0;
+        if (!store_.Contains(x, y)) return S_FALSE;
+        *value = store_.Bit(x, y);
         return S_OK;
     });
 }
 
-STDMETHODIMP OrlixBitmap::put_Bit(LONG X, LONG Y, LONG newVal) noexcept {
+STDMETHODIMP OrlixBitmap::put_Bit(LONG x, LONG y, LONG value) noexcept {
     return Guarded([&] {
-        uint8_t& target = *RequirePixel(X, Y);
-        store_.MarkModified(Y);
-        const uint8_t mask = BitmapStore::MaskOf(X);
-        target = static_cast<uint8_t>(newVal != 0 ? target | mask : target & ~mask);
+        RequirePixel(x, y);
+        store_.SetBit(x, y, value != 0);
     });
 }
 
-STDMETHODIMP OrlixBitmap::GetWriteRowPtr(LONG Row, unsigned char** hRow) noexcept {
+STDMETHODIMP OrlixBitmap::GetWriteRowPtr(LONG row, unsigned char** pointer) noexcept {
     return Guarded([&] {
-        Require(hRow);
-        *hRow = nullptr;
-        *hRow = RequireRow(Row);
-        store_.MarkModified(Row);
+        Require(pointer);
+        *pointer = nullptr;
+        *pointer = RequireRow(row);
+        store_.MarkModified(row);
     });
 }
 
-STDMETHODIMP OrlixBitmap::GetWritePixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) noexcept {
+STDMETHODIMP OrlixBitmap::GetWritePixelPtr(LONG x, LONG y, unsigned char** pointer, unsigned char* mask) noexcept {
     return Guarded([&] {
-        Require(hRow);
-        Require(Mask);
-        *hRow = nullptr;
-        *Mask = 0;
-        *hRow = RequirePixel(X, Y);
-        store_.MarkModified(Y);
-        *Mask = BitmapStore::MaskOf(X);
+        Require(pointer);
+        Require(mask);
+        *pointer = nullptr;
+        *mask = 0;
+        *pointer = RequirePixel(x, y);
+        store_.MarkModified(y);
+        *mask = BitmapStore::MaskOf(x);
     });
 }

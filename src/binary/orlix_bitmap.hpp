@@ -12,23 +12,23 @@ public:
     // For the library's own code, which creates and writes without going through the interface.
     orlix::BitmapStore& store() { return store_; }
 
-    STDMETHODIMP get_Width(LONG* hVal) noexcept override;
-    STDMETHODIMP get_Height(LONG* hVal) noexcept override;
-    STDMETHODIMP Create(LONG Width, LONG Height, LONG bZero) noexcept override;
-    STDMETHODIMP CreateFromBitmap(IBitmap* Bitmap) noexcept override;
+    STDMETHODIMP get_Width(LONG* value) noexcept override;
+    STDMETHODIMP get_Height(LONG* value) noexcept override;
+    STDMETHODIMP Create(LONG width, LONG height, LONG zero) noexcept override;
+    STDMETHODIMP CreateFromBitmap(IBitmap* bitmap) noexcept override;
     STDMETHODIMP Zero() noexcept override;
     STDMETHODIMP One() noexcept override;
-    STDMETHODIMP DrawHorizontalLine(LONG Row, LONG Left, LONG Right, DrawType How) noexcept override;
-    STDMETHODIMP DrawRectangle(LONG Left, LONG Top, LONG Right, LONG Bottom, DrawType How) noexcept override;
-    STDMETHODIMP DrawDisk(double XCenter, double YCenter, double Radius, DrawType How) noexcept override;
-    STDMETHODIMP DrawLine(double X1, double Y1, double X2, double Y2, DrawType How) noexcept override;
-    STDMETHODIMP get_Bitmap(BITMAP* hVal) noexcept override;
-    STDMETHODIMP GetRowPtr(LONG Row, unsigned char** hRow) noexcept override;
-    STDMETHODIMP GetPixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) noexcept override;
-    STDMETHODIMP get_Bit(LONG X, LONG Y, LONG* hVal) noexcept override;
-    STDMETHODIMP put_Bit(LONG X, LONG Y, LONG newVal) noexcept override;
-    STDMETHODIMP GetWriteRowPtr(LONG Row, unsigned char** hRow) noexcept override;
-    STDMETHODIMP GetWritePixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) noexcept override;
+    STDMETHODIMP DrawHorizontalLine(LONG row, LONG left, LONG right, DrawType how) noexcept override;
+    STDMETHODIMP DrawRectangle(LONG left, LONG top, LONG right, LONG bottom, DrawType how) noexcept override;
+    STDMETHODIMP DrawDisk(double xCenter, double yCenter, double radius, DrawType how) noexcept override;
+    STDMETHODIMP DrawLine(double x1, double y1, double x2, double y2, DrawType how) noexcept override;
+    STDMETHODIMP get_Bitmap(BITMAP* value) noexcept override;
+    STDMETHODIMP GetRowPtr(LONG row, unsigned char** pointer) noexcept override;
+    STDMETHODIMP GetPixelPtr(LONG x, LONG y, unsigned char** pointer, unsigned char* mask) noexcept override;
+    STDMETHODIMP get_Bit(LONG x, LONG y, LONG* value) noexcept override;
+    STDMETHODIMP put_Bit(LONG x, LONG y, LONG value) noexcept override;
+    STDMETHODIMP GetWriteRowPtr(LONG row, unsigned char** pointer) noexcept override;
+    STDMETHODIMP GetWritePixelPtr(LONG x, LONG y, unsigned char** pointer, unsigned char* mask) noexcept override;
 
 private:
     HRESULT ResultOf(orlix::Drawing drawing) noexcept;

@@ -41,132 +41,131 @@ HRESULT OrlixPolygon::Measure(double* out, const Measurement& measurement) noexc
     });
 }
 
-STDMETHODIMP OrlixPolygon::Create(LONG lNumberOfVertices, SVertice* Vertices) noexcept {
+STDMETHODIMP OrlixPolygon::Create(LONG numberOfVertices, SVertice* vertices) noexcept {
     return Guarded([&] {
-        if (lNumberOfVertices < 1)
-            throw Failure("IPolygon::Create: polygon must be created with at least one vertice.");
-        std::vector<Point> vertices(static_cast<size_t>(lNumberOfVertices));
-        if (Vertices)
-            for (size_t i = 0; i < vertices.size(); ++i) vertices[i] = {Vertices[i].m_dX, Vertices[i].m_dY};
-        vertices_ = std::move(vertices);
+        if (numberOfVertices < 1) throw Failure("IPolygon::Create: polygon must be created with at least one vertice.");
+        std::vector<Point> points(static_cast<size_t>(numberOfVertices));
+        if (vertices)
+            for (size_t i = 0; i < points.size(); ++i) points[i] = {vertices[i].m_dX, vertices[i].m_dY};
+        vertices_ = std::move(points);
     });
 }
 
-STDMETHODIMP OrlixPolygon::Smooth(double Tolerance, IPolygon** hVal) noexcept {
+STDMETHODIMP OrlixPolygon::Smooth(double tolerance, IPolygon** value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = nullptr;
-        *hVal = Chosen(Simplify(vertices_, Tolerance)).Detach();
+        Require(value);
+        *value = nullptr;
+        *value = Chosen(Simplify(vertices_, tolerance)).Detach();
     });
 }
 
-STDMETHODIMP OrlixPolygon::get_NumberOfVertices(LONG* hVal) noexcept {
+STDMETHODIMP OrlixPolygon::get_NumberOfVertices(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = static_cast<LONG>(vertices_.size());
+        Require(value);
+        *value = static_cast<LONG>(vertices_.size());
     });
 }
 
-STDMETHODIMP OrlixPolygon::get_Vertices(SVertice** hVal) noexcept {
+STDMETHODIMP OrlixPolygon::get_Vertices(SVertice** value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = vertices_.empty() ? nullptr : reinterpret_cast<SVertice*>(vertices_.data());
+        Require(value);
+        *value = vertices_.empty() ? nullptr : reinterpret_cast<SVertice*>(vertices_.data());
     });
 }
 
-STDMETHODIMP OrlixPolygon::get_Area(double* hVal) noexcept { return Measure(hVal, Area); }
-STDMETHODIMP OrlixPolygon::get_Perimeter(double* hVal) noexcept { return Measure(hVal, Perimeter); }
-STDMETHODIMP OrlixPolygon::get_PerimeterEquivalentRadius(double* hVal) noexcept {
-    return Measure(hVal, [](Outline outline) { return Perimeter(outline) * 0.15915494309189535; });
+STDMETHODIMP OrlixPolygon::get_Area(double* value) noexcept { return Measure(value, Area); }
+STDMETHODIMP OrlixPolygon::get_Perimeter(double* value) noexcept { return Measure(value, Perimeter); }
+STDMETHODIMP OrlixPolygon::get_PerimeterEquivalentRadius(double* value) noexcept {
+    return Measure(value, PerimeterEquivalentRadius);
 }
-STDMETHODIMP OrlixPolygon::get_Diameter(double* hVal) noexcept {
-    return Measure(hVal, [](Outline outline) { return DiameterOf(outline).length; });
+STDMETHODIMP OrlixPolygon::get_Diameter(double* value) noexcept {
+    return Measure(value, [](Outline outline) { return DiameterOf(outline).length; });
 }
-STDMETHODIMP OrlixPolygon::get_Circularity(double* hVal) noexcept { return Measure(hVal, Circularity); }
+STDMETHODIMP OrlixPolygon::get_Circularity(double* value) noexcept { return Measure(value, Circularity); }
 
-STDMETHODIMP OrlixPolygon::get_DistanceFromPoint(double XReference, double YReference, double* hVal) noexcept {
+STDMETHODIMP OrlixPolygon::get_DistanceFromPoint(double xReference, double yReference, double* value) noexcept {
     return Guarded([&] {
-        RequireZeroed({hVal});
-        const Point point = {XReference, YReference};
-        *hVal = DistancesFrom(point, vertices_).nearestDistance;
+        RequireZeroed({value});
+        const Point point = {xReference, yReference};
+        *value = DistancesFrom(point, vertices_).nearestDistance;
         return Encloses(vertices_, point) ? S_FALSE : S_OK;
     });
 }
 
-STDMETHODIMP OrlixPolygon::get_SubtendedAngle(double XReference, double YReference, double* hVal) noexcept {
-    return Measure(hVal, [&](Outline outline) { return SubtendedAngle(outline, {XReference, YReference}); });
+STDMETHODIMP OrlixPolygon::get_SubtendedAngle(double xReference, double yReference, double* value) noexcept {
+    return Measure(value, [&](Outline outline) { return SubtendedAngle(outline, {xReference, yReference}); });
 }
 
-STDMETHODIMP OrlixPolygon::GetCentroid(double* XCentroid, double* YCentroid) noexcept {
+STDMETHODIMP OrlixPolygon::GetCentroid(double* xCentroid, double* yCentroid) noexcept {
     return Guarded([&] {
-        RequireZeroed({XCentroid, YCentroid});
+        RequireZeroed({xCentroid, yCentroid});
         const Point centroid = SignedCentroid(vertices_);
-        *XCentroid = centroid.x;
-        *YCentroid = centroid.y;
+        *xCentroid = centroid.x;
+        *yCentroid = centroid.y;
     });
 }
 
-STDMETHODIMP OrlixPolygon::GetDiameter(double* X1, double* Y1, double* X2, double* Y2, double* Diameter) noexcept {
+STDMETHODIMP OrlixPolygon::GetDiameter(double* x1, double* y1, double* x2, double* y2, double* diameter) noexcept {
     return Guarded([&] {
-        RequireZeroed({X1, Y1, X2, Y2, Diameter});
+        RequireZeroed({x1, y1, x2, y2, diameter});
         const auto [i, j, length] = DiameterOf(vertices_);
         if (!(length > 0)) return;
-        *X1 = vertices_[i].x;
-        *Y1 = vertices_[i].y;
-        *X2 = vertices_[j].x;
-        *Y2 = vertices_[j].y;
-        *Diameter = length;
+        *x1 = vertices_[i].x;
+        *y1 = vertices_[i].y;
+        *x2 = vertices_[j].x;
+        *y2 = vertices_[j].y;
+        *diameter = length;
     });
 }
 
-STDMETHODIMP OrlixPolygon::GetDistancesFromPoint(double XReference, double YReference, double* XNearest,
-                                                 double* YNearest, double* NearestDistance, double* XFarthest,
-                                                 double* YFarthest, double* FarthestDistance) noexcept {
+STDMETHODIMP OrlixPolygon::GetDistancesFromPoint(double xReference, double yReference, double* xNearest,
+                                                 double* yNearest, double* nearestDistance, double* xFarthest,
+                                                 double* yFarthest, double* farthestDistance) noexcept {
     return Guarded([&] {
-        RequireZeroed({XNearest, YNearest, NearestDistance, XFarthest, YFarthest, FarthestDistance});
-        const Point point = {XReference, YReference};
+        RequireZeroed({xNearest, yNearest, nearestDistance, xFarthest, yFarthest, farthestDistance});
+        const Point point = {xReference, yReference};
         const ExtremeDistances extremes = DistancesFrom(point, vertices_);
         const auto put = [&](int64_t index, double* x, double* y) {
             if (index < 0) return;
             *x = vertices_[static_cast<size_t>(index)].x;
             *y = vertices_[static_cast<size_t>(index)].y;
         };
-        put(extremes.nearest, XNearest, YNearest);
-        put(extremes.farthest, XFarthest, YFarthest);
-        *NearestDistance = extremes.nearestDistance;
-        *FarthestDistance = extremes.farthestDistance;
+        put(extremes.nearest, xNearest, yNearest);
+        put(extremes.farthest, xFarthest, yFarthest);
+        *nearestDistance = extremes.nearestDistance;
+        *farthestDistance = extremes.farthestDistance;
         return Encloses(vertices_, point) ? S_FALSE : S_OK;
     });
 }
 
-STDMETHODIMP OrlixPolygon::RobustCircleFit(double GoodVerticeProbability, double* XCenter, double* YCenter,
-                                           double* Radius) noexcept {
+STDMETHODIMP OrlixPolygon::RobustCircleFit(double goodVerticeProbability, double* xCenter, double* yCenter,
+                                           double* radius) noexcept {
     return Guarded([&] {
-        RequireZeroed({XCenter, YCenter, Radius});
-        const std::optional<Circle> circle = RobustCircle(vertices_, GoodVerticeProbability);
+        RequireZeroed({xCenter, yCenter, radius});
+        const std::optional<Circle> circle = RobustCircle(vertices_, goodVerticeProbability);
         if (!circle) return S_FALSE;
-        *XCenter = circle->center.x;
-        *YCenter = circle->center.y;
-        *Radius = circle->radius;
+        *xCenter = circle->center.x;
+        *yCenter = circle->center.y;
+        *radius = circle->radius;
         return S_OK;
     });
 }
 
-STDMETHODIMP OrlixPolygon::ConvexHull(IPolygon** hVal) noexcept {
+STDMETHODIMP OrlixPolygon::ConvexHull(IPolygon** value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = nullptr;
-        *hVal = (vertices_.size() < 3 ? Of(vertices_) : Chosen(orlix::ConvexHull(vertices_))).Detach();
+        Require(value);
+        *value = nullptr;
+        *value = (vertices_.size() < 3 ? Of(vertices_) : Chosen(orlix::ConvexHull(vertices_))).Detach();
     });
 }
 
-STDMETHODIMP OrlixPolygon::GetBounds(double* Left, double* Top, double* Right, double* Bottom) noexcept {
+STDMETHODIMP OrlixPolygon::GetBounds(double* left, double* top, double* right, double* bottom) noexcept {
     return Guarded([&] {
-        RequireZeroed({Left, Top, Right, Bottom});
+        RequireZeroed({left, top, right, bottom});
         const Bounds bounds = BoundsOf(vertices_);
-        *Left = bounds.left;
-        *Top = bounds.top;
-        *Right = bounds.right;
-        *Bottom = bounds.bottom;
+        *left = bounds.left;
+        *top = bounds.top;
+        *right = bounds.right;
+        *bottom = bounds.bottom;
     });
 }

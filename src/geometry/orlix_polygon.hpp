@@ -14,26 +14,26 @@ public:
     // For the library's own code.
     static orlix::ComPtr<OrlixPolygon> Of(std::vector<orlix::Point> vertices);
 
-    STDMETHODIMP Create(LONG lNumberOfVertices, SVertice* Vertices) noexcept override;
-    STDMETHODIMP Smooth(double Tolerance, IPolygon** hVal) noexcept override;
-    STDMETHODIMP get_NumberOfVertices(LONG* hVal) noexcept override;
-    STDMETHODIMP get_Vertices(SVertice** hVal) noexcept override;
-    STDMETHODIMP get_Area(double* hVal) noexcept override;
-    STDMETHODIMP get_Perimeter(double* hVal) noexcept override;
-    STDMETHODIMP get_PerimeterEquivalentRadius(double* hVal) noexcept override;
-    STDMETHODIMP get_Diameter(double* hVal) noexcept override;
-    STDMETHODIMP get_Circularity(double* hVal) noexcept override;
-    STDMETHODIMP get_DistanceFromPoint(double XReference, double YReference, double* hVal) noexcept override;
-    STDMETHODIMP get_SubtendedAngle(double XReference, double YReference, double* hVal) noexcept override;
-    STDMETHODIMP GetCentroid(double* XCentroid, double* YCentroid) noexcept override;
-    STDMETHODIMP GetDiameter(double* X1, double* Y1, double* X2, double* Y2, double* Diameter) noexcept override;
-    STDMETHODIMP GetDistancesFromPoint(double XReference, double YReference, double* XNearest, double* YNearest,
-                                       double* NearestDistance, double* XFarthest, double* YFarthest,
-                                       double* FarthestDistance) noexcept override;
-    STDMETHODIMP RobustCircleFit(double GoodVerticeProbability, double* XCenter, double* YCenter,
-                                 double* Radius) noexcept override;
-    STDMETHODIMP ConvexHull(IPolygon** hVal) noexcept override;
-    STDMETHODIMP GetBounds(double* Left, double* Top, double* Right, double* Bottom) noexcept override;
+    STDMETHODIMP Create(LONG numberOfVertices, SVertice* vertices) noexcept override;
+    STDMETHODIMP Smooth(double tolerance, IPolygon** value) noexcept override;
+    STDMETHODIMP get_NumberOfVertices(LONG* value) noexcept override;
+    STDMETHODIMP get_Vertices(SVertice** value) noexcept override;
+    STDMETHODIMP get_Area(double* value) noexcept override;
+    STDMETHODIMP get_Perimeter(double* value) noexcept override;
+    STDMETHODIMP get_PerimeterEquivalentRadius(double* value) noexcept override;
+    STDMETHODIMP get_Diameter(double* value) noexcept override;
+    STDMETHODIMP get_Circularity(double* value) noexcept override;
+    STDMETHODIMP get_DistanceFromPoint(double xReference, double yReference, double* value) noexcept override;
+    STDMETHODIMP get_SubtendedAngle(double xReference, double yReference, double* value) noexcept override;
+    STDMETHODIMP GetCentroid(double* xCentroid, double* yCentroid) noexcept override;
+    STDMETHODIMP GetDiameter(double* x1, double* y1, double* x2, double* y2, double* diameter) noexcept override;
+    STDMETHODIMP GetDistancesFromPoint(double xReference, double yReference, double* xNearest, double* yNearest,
+                                       double* nearestDistance, double* xFarthest, double* yFarthest,
+                                       double* farthestDistance) noexcept override;
+    STDMETHODIMP RobustCircleFit(double goodVerticeProbability, double* xCenter, double* yCenter,
+                                 double* radius) noexcept override;
+    STDMETHODIMP ConvexHull(IPolygon** value) noexcept override;
+    STDMETHODIMP GetBounds(double* left, double* top, double* right, double* bottom) noexcept override;
 
 private:
     // A measurement of one number, 0 until it is known.

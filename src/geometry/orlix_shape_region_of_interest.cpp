@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "component/strings.hpp"
-#include "numerics/elementary.hpp"
 
 using namespace orlix;
 
@@ -31,110 +30,105 @@ const ShapeRegion* OrlixShapeRegionOfInterest::ShapeOf(IRegionOfInterest* region
     return &static_cast<OrlixShapeRegionOfInterest*>(static_cast<IShapeRegionOfInterest*>(region))->shape_;
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::get_Width(LONG* hVal) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::get_Width(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = shape_.width();
+        Require(value);
+        *value = shape_.width();
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::get_Height(LONG* hVal) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::get_Height(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = shape_.height();
+        Require(value);
+        *value = shape_.height();
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::get_BoundingBox(RECT* hVal) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::get_BoundingBox(RECT* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
+        Require(value);
         const Box box = shape_.BoundingBox();
-        *hVal = {box.left, box.top, box.right, box.bottom};
+        *value = {box.left, box.top, box.right, box.bottom};
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::GetRowRuns(LONG Row, SRun** hBegin, SRun** hEnd) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept {
     return Guarded([&] {
-        Require(hBegin);
-        Require(hEnd);
-        *hBegin = nullptr;
-        *hEnd = nullptr;
-        if (Row < 0 || Row >= shape_.height()) return S_FALSE;
-        const ShapeRegion::RowRuns runs = shape_.Row(Row);
+        Require(begin);
+        Require(end);
+        *begin = nullptr;
+        *end = nullptr;
+        if (row < 0 || row >= shape_.height()) return S_FALSE;
+        const ShapeRegion::RowRuns runs = shape_.Row(row);
         if (runs.count == 0) return S_OK;
         for (size_t i = 0; i < static_cast<size_t>(runs.count); ++i) {
             handedOut_[i] = {};
             handedOut_[i].m_lStart = runs.runs[i].start;
             handedOut_[i].m_lStop = runs.runs[i].stop;
         }
-        *hBegin = handedOut_.data();
-        *hEnd = handedOut_.data() + runs.count;
+        *begin = handedOut_.data();
+        *end = handedOut_.data() + runs.count;
         return S_OK;
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::CreateRectangle(LONG ImageWidth, LONG ImageHeight, LONG lLeft, LONG lTop,
-                                                         LONG lRight, LONG lBottom) noexcept {
-    return Guarded([&] { shape_.CreateRectangle(ImageWidth, ImageHeight, lLeft, lTop, lRight, lBottom); });
+STDMETHODIMP OrlixShapeRegionOfInterest::CreateRectangle(LONG imageWidth, LONG imageHeight, LONG left, LONG top,
+                                                         LONG right, LONG bottom) noexcept {
+    return Guarded([&] { shape_.CreateRectangle(imageWidth, imageHeight, left, top, right, bottom); });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::CreateOrientedRectangle(LONG ImageWidth, LONG ImageHeight,
-                                                                 double RectangleWidth, double RectangleHeight,
-                                                                 double RectangleOrientation, double RectangleXCenter,
-                                                                 double RectangleYCenter) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::CreateOrientedRectangle(LONG imageWidth, LONG imageHeight,
+                                                                 double rectangleWidth, double rectangleHeight,
+                                                                 double rectangleOrientation, double rectangleXCenter,
+                                                                 double rectangleYCenter) noexcept {
     return Guarded([&] {
-        const double radians = RectangleOrientation * 0.017453292519943295;  // pi / 180
-        const double c = Cos(radians);
-        const double s = Sin(radians);
-        const double half = RectangleWidth * 0.5;
-        return CreateOrientedRectangleFromCenterLine(ImageWidth, ImageHeight, RectangleXCenter + half * c,
-                                                     RectangleYCenter + half * s, RectangleXCenter - half * c,
-                                                     RectangleYCenter - half * s, RectangleHeight);
+        shape_.CreateOrientedRectangleAround(imageWidth, imageHeight, rectangleXCenter, rectangleYCenter,
+                                             rectangleWidth, rectangleHeight, rectangleOrientation);
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::CreateOrientedRectangleFromCenterLine(LONG ImageWidth, LONG ImageHeight,
-                                                                               double X1, double Y1, double X2,
-                                                                               double Y2,
-                                                                               double RectangleWidth) noexcept {
-    return Guarded([&] { shape_.CreateOrientedRectangle(ImageWidth, ImageHeight, X1, Y1, X2, Y2, RectangleWidth); });
+STDMETHODIMP OrlixShapeRegionOfInterest::CreateOrientedRectangleFromCenterLine(LONG imageWidth, LONG imageHeight,
+                                                                               double x1, double y1, double x2,
+                                                                               double y2,
+                                                                               double rectangleWidth) noexcept {
+    return Guarded([&] { shape_.CreateOrientedRectangle(imageWidth, imageHeight, x1, y1, x2, y2, rectangleWidth); });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::CreateCircle(LONG ImageWidth, LONG ImageHeight, double XCenter, double YCenter,
-                                                      double Radius) noexcept {
-    return Guarded([&] { shape_.CreateCircle(ImageWidth, ImageHeight, XCenter, YCenter, Radius); });
+STDMETHODIMP OrlixShapeRegionOfInterest::CreateCircle(LONG imageWidth, LONG imageHeight, double xCenter, double yCenter,
+                                                      double radius) noexcept {
+    return Guarded([&] { shape_.CreateCircle(imageWidth, imageHeight, xCenter, yCenter, radius); });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::get_Polarity(PolarityType* hVal) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::get_Polarity(PolarityType* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = shape_.polarity();
+        Require(value);
+        *value = shape_.polarity();
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::put_Polarity(PolarityType newVal) noexcept {
-    return Guarded([&] { shape_.set_polarity(newVal); });
+STDMETHODIMP OrlixShapeRegionOfInterest::put_Polarity(PolarityType value) noexcept {
+    return Guarded([&] { shape_.set_polarity(value); });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::get_Color(OLE_COLOR* hVal) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::get_Color(OLE_COLOR* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = color_;
+        Require(value);
+        *value = color_;
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::put_Color(OLE_COLOR newVal) noexcept {
-    return Guarded([&] { color_ = newVal; });
+STDMETHODIMP OrlixShapeRegionOfInterest::put_Color(OLE_COLOR value) noexcept {
+    return Guarded([&] { color_ = value; });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::get_Description(BSTR* hVal) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::get_Description(BSTR* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = nullptr;
-        if (!description_.empty()) *hVal = CopyToBstr(description_);
+        Require(value);
+        *value = nullptr;
+        if (!description_.empty()) *value = CopyToBstr(description_);
     });
 }
 
-STDMETHODIMP OrlixShapeRegionOfInterest::put_Description(BSTR newVal) noexcept {
-    return Guarded([&] { description_ = ToView(newVal); });
+STDMETHODIMP OrlixShapeRegionOfInterest::put_Description(BSTR value) noexcept {
+    return Guarded([&] { description_ = ToView(value); });
 }

@@ -20,28 +20,28 @@ public:
     // module. Valid until the next creation or release.
     static const orlix::ShapeRegion* ShapeOf(IRegionOfInterest* region) noexcept;
 
-    STDMETHODIMP get_Width(LONG* hVal) noexcept override;
-    STDMETHODIMP get_Height(LONG* hVal) noexcept override;
-    STDMETHODIMP get_BoundingBox(RECT* hVal) noexcept override;
-    STDMETHODIMP GetRowRuns(LONG Row, SRun** hBegin, SRun** hEnd) noexcept override;
+    STDMETHODIMP get_Width(LONG* value) noexcept override;
+    STDMETHODIMP get_Height(LONG* value) noexcept override;
+    STDMETHODIMP get_BoundingBox(RECT* value) noexcept override;
+    STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override;
 
-    STDMETHODIMP CreateRectangle(LONG ImageWidth, LONG ImageHeight, LONG lLeft, LONG lTop, LONG lRight,
-                                 LONG lBottom) noexcept override;
-    STDMETHODIMP CreateOrientedRectangle(LONG ImageWidth, LONG ImageHeight, double RectangleWidth,
-                                         double RectangleHeight, double RectangleOrientation, double RectangleXCenter,
-                                         double RectangleYCenter) noexcept override;
-    STDMETHODIMP CreateOrientedRectangleFromCenterLine(LONG ImageWidth, LONG ImageHeight, double X1, double Y1,
-                                                       double X2, double Y2, double RectangleWidth) noexcept override;
-    STDMETHODIMP CreateCircle(LONG ImageWidth, LONG ImageHeight, double XCenter, double YCenter,
-                              double Radius) noexcept override;
-    STDMETHODIMP get_Polarity(PolarityType* hVal) noexcept override;
-    STDMETHODIMP put_Polarity(PolarityType newVal) noexcept override;
+    STDMETHODIMP CreateRectangle(LONG imageWidth, LONG imageHeight, LONG left, LONG top, LONG right,
+                                 LONG bottom) noexcept override;
+    STDMETHODIMP CreateOrientedRectangle(LONG imageWidth, LONG imageHeight, double rectangleWidth,
+                                         double rectangleHeight, double rectangleOrientation, double rectangleXCenter,
+                                         double rectangleYCenter) noexcept override;
+    STDMETHODIMP CreateOrientedRectangleFromCenterLine(LONG imageWidth, LONG imageHeight, double x1, double y1,
+                                                       double x2, double y2, double rectangleWidth) noexcept override;
+    STDMETHODIMP CreateCircle(LONG imageWidth, LONG imageHeight, double xCenter, double yCenter,
+                              double radius) noexcept override;
+    STDMETHODIMP get_Polarity(PolarityType* value) noexcept override;
+    STDMETHODIMP put_Polarity(PolarityType value) noexcept override;
 
-    STDMETHODIMP Render(IPictureEx* Picture, void* hdcDest) noexcept override;
-    STDMETHODIMP get_Color(OLE_COLOR* hVal) noexcept override;
-    STDMETHODIMP put_Color(OLE_COLOR newVal) noexcept override;
-    STDMETHODIMP get_Description(BSTR* hVal) noexcept override;
-    STDMETHODIMP put_Description(BSTR newVal) noexcept override;
+    STDMETHODIMP Render(IPictureEx* picture, void* hdcDest) noexcept override;
+    STDMETHODIMP get_Color(OLE_COLOR* value) noexcept override;
+    STDMETHODIMP put_Color(OLE_COLOR value) noexcept override;
+    STDMETHODIMP get_Description(BSTR* value) noexcept override;
+    STDMETHODIMP put_Description(BSTR value) noexcept override;
 
 private:
     orlix::ShapeRegion shape_;

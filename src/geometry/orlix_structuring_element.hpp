@@ -10,15 +10,15 @@
 
 class OrlixStructuringElement final : public orlix::Object<OrlixStructuringElement, IStructuringElement> {
 public:
-    STDMETHODIMP AddElement(LONG X, LONG Y) noexcept override;
-    STDMETHODIMP get_NumberOfElements(LONG* hVal) noexcept override;
+    STDMETHODIMP AddElement(LONG x, LONG y) noexcept override;
+    STDMETHODIMP get_NumberOfElements(LONG* value) noexcept override;
     STDMETHODIMP ResetElements() noexcept override;
-    STDMETHODIMP get_Elements(SElement** hVal) noexcept override;
+    STDMETHODIMP get_Elements(SElement** value) noexcept override;
     STDMETHODIMP Reflect() noexcept override;
-    STDMETHODIMP Translate(LONG X, LONG Y) noexcept override;
-    STDMETHODIMP GetExtent(LONG* Left, LONG* Top, LONG* Right, LONG* Bottom) noexcept override;
-    STDMETHODIMP CreateDisk(double Radius) noexcept override;
-    STDMETHODIMP get_BinaryElements(LONG lBit, SElement** hBegin, SElement** hEnd) noexcept override;
+    STDMETHODIMP Translate(LONG x, LONG y) noexcept override;
+    STDMETHODIMP GetExtent(LONG* left, LONG* top, LONG* right, LONG* bottom) noexcept override;
+    STDMETHODIMP CreateDisk(double radius) noexcept override;
+    STDMETHODIMP get_BinaryElements(LONG bit, SElement** begin, SElement** end) noexcept override;
 
 private:
     std::vector<SElement> elements_;

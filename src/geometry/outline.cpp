@@ -88,6 +88,10 @@ double Perimeter(Outline outline) {
     return sum;
 }
 
+double PerimeterEquivalentRadius(Outline outline) {
+    return Perimeter(outline) * 0.15915494309189535;  // 1 / (2 pi)
+}
+
 double Circularity(Outline outline) {
     // A ratio of lengths: in a unit, a power of two, in which neither sums nor squares leave the range of double.
     double largest = 0;

@@ -15,6 +15,8 @@ using Outline = std::span<const Point>;
 // Of the exact sum over the edges: the double nearest to it, or in rare cases its neighbour.
 double Area(Outline outline);
 double Perimeter(Outline outline);
+// Of the circle with this perimeter.
+double PerimeterEquivalentRadius(Outline outline);
 // 1 - root of the variance of the distances from the mean vertex, over their mean.
 double Circularity(Outline outline);
 // Divided by the area without its sign: negated where the signed area is negative; not finite where that is 0. With the

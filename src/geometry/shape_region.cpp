@@ -7,6 +7,7 @@
 #include "geometry/disk.hpp"
 #include "geometry/line.hpp"
 #include "geometry/rounding.hpp"
+#include "numerics/elementary.hpp"
 
 namespace orlix {
 namespace {
@@ -172,6 +173,15 @@ void ShapeRegion::CreateLine(int32_t width, int32_t height, double x1, double y1
     box_ = box;
     first_ = box.top;
     rows_ = std::move(shared);
+}
+
+void ShapeRegion::CreateOrientedRectangleAround(int32_t width, int32_t height, double x, double y, double along,
+                                                double across, double degrees) {
+    const double radians = degrees * 0.017453292519943295;  // pi / 180
+    const double c = Cos(radians);
+    const double s = Sin(radians);
+    const double half = along * 0.5;
+    CreateOrientedRectangle(width, height, x + half * c, y + half * s, x - half * c, y - half * s, across);
 }
 
 Box ShapeRegion::BoundingBox() const { return polarity_ == PT_Outside ? Box{0, 0, width_ - 1, height_ - 1} : box_; }

@@ -46,6 +46,10 @@ public:
     // image, at rows within it, has one pixel a row at the near end. Below a width of 1: the one-pixel line (line.hpp).
     void CreateOrientedRectangle(int32_t width, int32_t height, double x1, double y1, double x2, double y2,
                                  double across);
+    // The same about the centre line through (x, y) that is `along` long in the direction of `degrees`, from the x axis
+    // toward the y axis.
+    void CreateOrientedRectangleAround(int32_t width, int32_t height, double x, double y, double along, double across,
+                                       double degrees);
 
     // Any value is kept; what is neither PT_Outside nor PT_Frame counts as PT_Inside.
     PolarityType polarity() const { return polarity_; }

@@ -10,6 +10,10 @@
 namespace orlix {
 namespace {
 
+// Modulo 2^32.
+LONG Sum(LONG a, LONG b) { return static_cast<LONG>(static_cast<ULONG>(a) + static_cast<ULONG>(b)); }
+LONG Negative(LONG a) { return static_cast<LONG>(0 - static_cast<ULONG>(a)); }
+
 // Columns -n..n of the row belong to the disk; -1 for none. Coordinates below 2^16.
 int64_t HalfWidth(int64_t y, double radius) {
     const auto inside = [&](int64_t x) { return std::sqrt(static_cast<double>(x * x + y * y)) <= radius; };
@@ -45,6 +49,26 @@ std::vector<SElement> DiskElements(double radius) {
         for (int64_t x = -half; x <= half; ++x) disk.push_back({static_cast<LONG>(x), static_cast<LONG>(y), 0, 0});
     }
     return disk;
+}
+
+void Reflect(std::span<SElement> elements) {
+    for (SElement& element : elements) {
+        element.m_lX = Negative(element.m_lX);
+        element.m_lY = Negative(element.m_lY);
+    }
+}
+
+void Translate(std::span<SElement> elements, LONG x, LONG y) {
+    for (SElement& element : elements) {
+        element.m_lX = Sum(element.m_lX, x);
+        element.m_lY = Sum(element.m_lY, y);
+    }
+}
+
+Extent ExtentOf(std::span<const SElement> elements) {
+    const auto [left, right] = std::ranges::minmax(elements, {}, &SElement::m_lX);
+    const auto [top, bottom] = std::ranges::minmax(elements, {}, &SElement::m_lY);
+    return {left.m_lX, top.m_lY, right.m_lX, bottom.m_lY};
 }
 
 void ByteLists::Reset() {

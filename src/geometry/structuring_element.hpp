@@ -16,6 +16,16 @@ namespace orlix {
 constexpr int64_t kLargestDisk = int64_t{1} << 24;
 std::vector<SElement> DiskElements(double radius);
 
+// Modulo 2^32.
+void Reflect(std::span<SElement> elements);
+void Translate(std::span<SElement> elements, LONG x, LONG y);
+
+// Columns and rows of the outermost elements. At least one element.
+struct Extent {
+    LONG left, top, right, bottom;
+};
+Extent ExtentOf(std::span<const SElement> elements);
+
 // Elements as bytes with masks, for each place of the reference pixel in its byte, 0 the leftmost; the contract of
 // IStructuringElement::BinaryElements has the rule. Each list is made when it is first asked for.
 class ByteLists {

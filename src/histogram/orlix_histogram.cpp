@@ -42,30 +42,30 @@ void OrlixHistogram::Replace(CountBuffer&& bins) noexcept {
     bins_ = std::move(bins);
 }
 
-STDMETHODIMP OrlixHistogram::Create(LONG NumberOfBins, double Left, double Right) noexcept {
+STDMETHODIMP OrlixHistogram::Create(LONG numberOfBins, double left, double right) noexcept {
     return Guarded([&] {
         // A camera loop creates the same shape again and again.
-        if (NumberOfBins > 0 && static_cast<size_t>(NumberOfBins) == bins_.size())
+        if (numberOfBins > 0 && static_cast<size_t>(numberOfBins) == bins_.size())
             std::ranges::fill(bins_.counts(), 0);
         else
-            Replace(CountBuffer(NumberOfBins));
-        left_ = Left;
-        right_ = Right;
+            Replace(CountBuffer(numberOfBins));
+        left_ = left;
+        right_ = right;
     });
 }
 
-STDMETHODIMP OrlixHistogram::CreateFromHistogram(IHistogram* Histogram) noexcept {
+STDMETHODIMP OrlixHistogram::CreateFromHistogram(IHistogram* histogram) noexcept {
     return Guarded([&] {
-        Require(Histogram);
-        if (IsSelf(Histogram)) return S_FALSE;
+        Require(histogram);
+        if (IsSelf(histogram)) return S_FALSE;
         LONG n = 0;
         double left = 0.0;
         double right = 0.0;
         LONG* source = nullptr;
-        Demand(Histogram->get_NumberOfBins(&n));
-        Demand(Histogram->get_Left(&left));
-        Demand(Histogram->get_Right(&right));
-        Demand(Histogram->get_Bins(&source));
+        Demand(histogram->get_NumberOfBins(&n));
+        Demand(histogram->get_Left(&left));
+        Demand(histogram->get_Right(&right));
+        Demand(histogram->get_Bins(&source));
 
         // The source may be a wrapper of this very histogram: the old bins stay until the copy is made.
         CountBuffer bins(n);
@@ -84,242 +84,242 @@ STDMETHODIMP OrlixHistogram::Zero() noexcept {
     return Guarded([&] { std::ranges::fill(bins_.counts(), 0); });
 }
 
-STDMETHODIMP OrlixHistogram::get_NumberOfBins(LONG* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_NumberOfBins(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = static_cast<LONG>(bins_.size());
+        Require(value);
+        *value = static_cast<LONG>(bins_.size());
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Left(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Left(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = left_;
+        Require(value);
+        *value = left_;
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Right(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Right(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = right_;
+        Require(value);
+        *value = right_;
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Bins(LONG** hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Bins(LONG** value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = bins_.data();
+        Require(value);
+        *value = bins_.data();
     });
 }
 
 // ------------------------------------------------------------------------------------------------ thresholds
 
-STDMETHODIMP OrlixHistogram::AutoThresholdMinimizeVariance(double MinimumProbabilityLeft,
-                                                           double MinimumProbabilityRight, double* Threshold) noexcept {
+STDMETHODIMP OrlixHistogram::AutoThresholdMinimizeVariance(double minimumProbabilityLeft,
+                                                           double minimumProbabilityRight, double* threshold) noexcept {
     return Guarded([&] {
-        Require(Threshold);
-        *Threshold = 0.0;
+        Require(threshold);
+        *threshold = 0.0;
         const auto counts = CountsOr("IHistogram::AutoThresholdMinimizeVariance: empty histogram");
-        *Threshold =
-            LocationOf(orlix::BinOfGreatestSeparation(counts, MinimumProbabilityLeft, MinimumProbabilityRight));
+        *threshold =
+            LocationOf(orlix::BinOfGreatestSeparation(counts, minimumProbabilityLeft, minimumProbabilityRight));
     });
 }
 
-STDMETHODIMP OrlixHistogram::AutoThresholdTrim(double TrimLeft, double* Left, double TrimRight,
-                                               double* Right) noexcept {
+STDMETHODIMP OrlixHistogram::AutoThresholdTrim(double trimLeft, double* left, double trimRight,
+                                               double* right) noexcept {
     return Guarded([&] {
-        Require(Left);
-        Require(Right);
-        *Left = left_;
-        *Right = right_;
-        const orlix::TailCut cut = orlix::CutTails(Counts(), TrimLeft, TrimRight);
-        *Left = LocationOf(cut.left);
-        *Right = LocationOf(cut.right);
+        Require(left);
+        Require(right);
+        *left = left_;
+        *right = right_;
+        const orlix::TailCut cut = orlix::CutTails(Counts(), trimLeft, trimRight);
+        *left = LocationOf(cut.left);
+        *right = LocationOf(cut.right);
     });
 }
 
-STDMETHODIMP OrlixHistogram::AutoThresholdSearchForMinimum(double TrimLeft, double TrimRight,
-                                                           double* Threshold) noexcept {
+STDMETHODIMP OrlixHistogram::AutoThresholdSearchForMinimum(double trimLeft, double trimRight,
+                                                           double* threshold) noexcept {
     return Guarded([&] {
-        Require(Threshold);
-        *Threshold = 0.0;
-        const orlix::TailCut cut = orlix::CutTails(Counts(), TrimLeft, TrimRight);
+        Require(threshold);
+        *threshold = 0.0;
+        const orlix::TailCut cut = orlix::CutTails(Counts(), trimLeft, trimRight);
         const int64_t middle = (cut.left + cut.right) / 2;
-        *Threshold = static_cast<double>(middle);
+        *threshold = static_cast<double>(middle);
         const std::optional<int64_t> bin = orlix::BinOfMinimum(Counts(), cut);
         if (!bin) throw Failure("IHistogram::AutoThresholdSearchForMinimum: no counts in bins");
-        *Threshold = LocationOf(*bin);
+        *threshold = LocationOf(*bin);
     });
 }
 
-STDMETHODIMP OrlixHistogram::AutoThresholdGaussianMixture(double MinimumProbabilityLeft, double MinimumProbabilityRight,
-                                                          double* Threshold) noexcept {
+STDMETHODIMP OrlixHistogram::AutoThresholdGaussianMixture(double minimumProbabilityLeft, double minimumProbabilityRight,
+                                                          double* threshold) noexcept {
     return Guarded([&] {
-        Require(Threshold);
-        *Threshold = 0.0;
+        Require(threshold);
+        *threshold = 0.0;
         const auto counts = CountsOr("IHistogram::AutoThresholdGaussianMixture: empty histogram");
         const std::optional<int64_t> bin =
-            orlix::BinOfBestClassification(counts, MinimumProbabilityLeft, MinimumProbabilityRight);
-        *Threshold = LocationOf(bin.value_or(0));
+            orlix::BinOfBestClassification(counts, minimumProbabilityLeft, minimumProbabilityRight);
+        *threshold = LocationOf(bin.value_or(0));
         return bin ? S_OK : S_FALSE;
     });
 }
 
-STDMETHODIMP OrlixHistogram::AutoThresholdMaximizeEntropy(double MinimumProbabilityLeft, double MinimumProbabilityRight,
-                                                          double* Threshold) noexcept {
+STDMETHODIMP OrlixHistogram::AutoThresholdMaximizeEntropy(double minimumProbabilityLeft, double minimumProbabilityRight,
+                                                          double* threshold) noexcept {
     return Guarded([&] {
-        Require(Threshold);
-        *Threshold = 0.0;
+        Require(threshold);
+        *threshold = 0.0;
         if (orlix::TotalCount(Counts()) == 0)
             throw Failure("IHistogram::AutoThresholdMaximizeEntropy: empty histogram.");
-        *Threshold = LocationOf(
-            orlix::BinOfGreatestEntropy(Counts(), MinimumProbabilityLeft, MinimumProbabilityRight, entropies_));
+        *threshold = LocationOf(
+            orlix::BinOfGreatestEntropy(Counts(), minimumProbabilityLeft, minimumProbabilityRight, entropies_));
     });
 }
 
-STDMETHODIMP OrlixHistogram::AutoThresholdExponential(double TrimRight, double* Threshold) noexcept {
+STDMETHODIMP OrlixHistogram::AutoThresholdExponential(double trimRight, double* threshold) noexcept {
     return Guarded([&] {
-        Require(Threshold);
-        *Threshold = 0.0;
-        if (!(TrimRight >= 0.0 && TrimRight <= 1.0))
+        Require(threshold);
+        *threshold = 0.0;
+        if (!(trimRight >= 0.0 && trimRight <= 1.0))
             throw Failure(
                 "IHistogram::AutoThresholdExponential: the amount trimmed on the right must be between 0.0 and 1.0.");
         if (bins_.size() < 1) throw Failure("IHistogram::AutoThresholdExponential: No bins.");
         const auto counts = CountsOr("IHistogram::AutoThresholdExponential: empty histogram");
-        *Threshold = Mapping().Location(orlix::ExponentialTail(counts, TrimRight));
+        *threshold = Mapping().Location(orlix::ExponentialTail(counts, trimRight));
     });
 }
 
 // ------------------------------------------------------------------------------------------------ statistics
 
-STDMETHODIMP OrlixHistogram::get_Entropy(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Entropy(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = 0.0;
-        *hVal = orlix::EntropyOfBins(CountsOr("IHistogram::get_Entropy: empty histogram"));
+        Require(value);
+        *value = 0.0;
+        *value = orlix::EntropyOfBins(CountsOr("IHistogram::get_Entropy: empty histogram"));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Skew(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Skew(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = 0.0;
-        *hVal = orlix::SkewOfBins(CountsOr("IHistogram::get_Skew: empty histogram"));
+        Require(value);
+        *value = 0.0;
+        *value = orlix::SkewOfBins(CountsOr("IHistogram::get_Skew: empty histogram"));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Kurtosis(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Kurtosis(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = 0.0;
-        *hVal = orlix::KurtosisOfBins(CountsOr("IHistogram::get_Kurtosis: empty histogram"));
+        Require(value);
+        *value = 0.0;
+        *value = orlix::KurtosisOfBins(CountsOr("IHistogram::get_Kurtosis: empty histogram"));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_MaximumCount(LONG* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_MaximumCount(LONG* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = orlix::LargestCount(Counts());
+        Require(value);
+        *value = orlix::LargestCount(Counts());
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Mean(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Mean(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = HalfOfBins();
-        *hVal = Mapping().Location(orlix::MeanBin(CountsOr("IHistogram::get_Mean: empty histogram")));
+        Require(value);
+        *value = HalfOfBins();
+        *value = Mapping().Location(orlix::MeanBin(CountsOr("IHistogram::get_Mean: empty histogram")));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Median(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Median(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = HalfOfBins();
-        *hVal = LocationOf(orlix::MedianBin(CountsOr("IHistogram::get_Median: empty histogram")));
+        Require(value);
+        *value = HalfOfBins();
+        *value = LocationOf(orlix::MedianBin(CountsOr("IHistogram::get_Median: empty histogram")));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Mode(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Mode(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = LocationOf(orlix::ModeBin(Counts()));
+        Require(value);
+        *value = LocationOf(orlix::ModeBin(Counts()));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Variance(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Variance(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = 0.0;
+        Require(value);
+        *value = 0.0;
         const double variance = orlix::VarianceOfBins(CountsOr("IHistogram::get_Variance: empty histogram"));
         const double a = Mapping().a;
-        *hVal = a * a * variance;
+        *value = a * a * variance;
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Minimum(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Minimum(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = LocationOf(orlix::LowestOccupiedBin(Counts()));
+        Require(value);
+        *value = LocationOf(orlix::LowestOccupiedBin(Counts()));
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_Maximum(double* hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_Maximum(double* value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = LocationOf(orlix::HighestOccupiedBin(Counts()));
+        Require(value);
+        *value = LocationOf(orlix::HighestOccupiedBin(Counts()));
     });
 }
 
-STDMETHODIMP OrlixHistogram::GetTrimmedStatistics(double Trim, double* Mean, double* StandardDeviation) noexcept {
+STDMETHODIMP OrlixHistogram::GetTrimmedStatistics(double trim, double* mean, double* standardDeviation) noexcept {
     return Guarded([&] {
-        Require(Mean);
-        Require(StandardDeviation);
-        *Mean = 0.0;
-        *StandardDeviation = 0.0;
+        Require(mean);
+        Require(standardDeviation);
+        *mean = 0.0;
+        *standardDeviation = 0.0;
         const auto counts = CountsOr("IHistogram::GetTrimmedStatistics: empty histogram");
-        const auto statistics = orlix::StatisticsWithoutTails(counts, Trim);
+        const auto statistics = orlix::StatisticsWithoutTails(counts, trim);
         if (!statistics) return S_FALSE;
-        *Mean = Mapping().Location(statistics->mean);
-        *StandardDeviation = Mapping().a * statistics->deviation;
+        *mean = Mapping().Location(statistics->mean);
+        *standardDeviation = Mapping().a * statistics->deviation;
         return S_OK;
     });
 }
 
-STDMETHODIMP OrlixHistogram::GetMedianStatistics(double* Median, double* MedianAbsoluteDeviation) noexcept {
+STDMETHODIMP OrlixHistogram::GetMedianStatistics(double* median, double* medianAbsoluteDeviation) noexcept {
     return Guarded([&] {
-        Require(Median);
-        Require(MedianAbsoluteDeviation);
-        *Median = HalfOfBins();
-        *MedianAbsoluteDeviation = 0.0;
+        Require(median);
+        Require(medianAbsoluteDeviation);
+        *median = HalfOfBins();
+        *medianAbsoluteDeviation = 0.0;
         const auto statistics = orlix::MedianAndDeviation(CountsOr("IHistogram::GetMedianStatistics: empty histogram"));
-        *Median = LocationOf(statistics.median);
-        *MedianAbsoluteDeviation = Mapping().a * static_cast<double>(statistics.deviation);
+        *median = LocationOf(statistics.median);
+        *medianAbsoluteDeviation = Mapping().a * static_cast<double>(statistics.deviation);
     });
 }
 
 // ------------------------------------------------------------------------------------------- bins and locations
 
-STDMETHODIMP OrlixHistogram::BinToLocation(double Bin, double* Location) noexcept {
+STDMETHODIMP OrlixHistogram::BinToLocation(double bin, double* location) noexcept {
     return Guarded([&] {
-        Require(Location);
-        *Location = Mapping().Location(Bin);
+        Require(location);
+        *location = Mapping().Location(bin);
     });
 }
 
-STDMETHODIMP OrlixHistogram::LocationToBin(double dLocation, double* Bin) noexcept {
+STDMETHODIMP OrlixHistogram::LocationToBin(double location, double* bin) noexcept {
     return Guarded([&] {
-        Require(Bin);
-        *Bin = Mapping().Bin(dLocation);
+        Require(bin);
+        *bin = Mapping().Bin(location);
     });
 }
 
-STDMETHODIMP OrlixHistogram::GetBinToLocationMapping(double* A, double* B) noexcept {
+STDMETHODIMP OrlixHistogram::GetBinToLocationMapping(double* a, double* b) noexcept {
     return Guarded([&] {
-        Require(A);
-        Require(B);
+        Require(a);
+        Require(b);
         const orlix::BinMapping mapping = Mapping();
-        *A = mapping.a;
-        *B = mapping.b;
+        *a = mapping.a;
+        *b = mapping.b;
     });
 }
 
@@ -333,10 +333,10 @@ STDMETHODIMP OrlixHistogram::Smooth5() noexcept { return Smooth(5); }
 STDMETHODIMP OrlixHistogram::Smooth7() noexcept { return Smooth(7); }
 STDMETHODIMP OrlixHistogram::Smooth9() noexcept { return Smooth(9); }
 
-STDMETHODIMP OrlixHistogram::Trim(double Trim) noexcept {
+STDMETHODIMP OrlixHistogram::Trim(double trim) noexcept {
     return Guarded([&] {
         CountsOr("IHistogram::Trim: empty histogram");
-        orlix::TrimTails(bins_.counts(), Trim);
+        orlix::TrimTails(bins_.counts(), trim);
     });
 }
 
@@ -353,16 +353,16 @@ STDMETHODIMP OrlixHistogram::Decompose() noexcept {
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_DetailBins(LONG** hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_DetailBins(LONG** value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = detail_.data();
+        Require(value);
+        *value = detail_.data();
     });
 }
 
-STDMETHODIMP OrlixHistogram::get_SmoothBins(LONG** hVal) noexcept {
+STDMETHODIMP OrlixHistogram::get_SmoothBins(LONG** value) noexcept {
     return Guarded([&] {
-        Require(hVal);
-        *hVal = smooth_.data();
+        Require(value);
+        *value = smooth_.data();
     });
 }

@@ -19,49 +19,49 @@ public:
     static orlix::ComPtr<OrlixHistogram> Make(LONG numberOfBins, double left, double right);
     std::span<LONG> counts() noexcept { return bins_.counts(); }
 
-    STDMETHODIMP Create(LONG NumberOfBins, double Left, double Right) noexcept override;
-    STDMETHODIMP CreateFromHistogram(IHistogram* Histogram) noexcept override;
+    STDMETHODIMP Create(LONG numberOfBins, double left, double right) noexcept override;
+    STDMETHODIMP CreateFromHistogram(IHistogram* histogram) noexcept override;
     STDMETHODIMP Zero() noexcept override;
-    STDMETHODIMP get_NumberOfBins(LONG* hVal) noexcept override;
-    STDMETHODIMP get_Left(double* hVal) noexcept override;
-    STDMETHODIMP get_Right(double* hVal) noexcept override;
-    STDMETHODIMP get_Bins(LONG** hVal) noexcept override;
+    STDMETHODIMP get_NumberOfBins(LONG* value) noexcept override;
+    STDMETHODIMP get_Left(double* value) noexcept override;
+    STDMETHODIMP get_Right(double* value) noexcept override;
+    STDMETHODIMP get_Bins(LONG** value) noexcept override;
 
-    STDMETHODIMP AutoThresholdMinimizeVariance(double MinimumProbabilityLeft, double MinimumProbabilityRight,
-                                               double* Threshold) noexcept override;
-    STDMETHODIMP AutoThresholdTrim(double TrimLeft, double* Left, double TrimRight, double* Right) noexcept override;
-    STDMETHODIMP AutoThresholdSearchForMinimum(double TrimLeft, double TrimRight, double* Threshold) noexcept override;
-    STDMETHODIMP AutoThresholdGaussianMixture(double MinimumProbabilityLeft, double MinimumProbabilityRight,
-                                              double* Threshold) noexcept override;
-    STDMETHODIMP AutoThresholdMaximizeEntropy(double MinimumProbabilityLeft, double MinimumProbabilityRight,
-                                              double* Threshold) noexcept override;
-    STDMETHODIMP AutoThresholdExponential(double TrimRight, double* Threshold) noexcept override;
+    STDMETHODIMP AutoThresholdMinimizeVariance(double minimumProbabilityLeft, double minimumProbabilityRight,
+                                               double* threshold) noexcept override;
+    STDMETHODIMP AutoThresholdTrim(double trimLeft, double* left, double trimRight, double* right) noexcept override;
+    STDMETHODIMP AutoThresholdSearchForMinimum(double trimLeft, double trimRight, double* threshold) noexcept override;
+    STDMETHODIMP AutoThresholdGaussianMixture(double minimumProbabilityLeft, double minimumProbabilityRight,
+                                              double* threshold) noexcept override;
+    STDMETHODIMP AutoThresholdMaximizeEntropy(double minimumProbabilityLeft, double minimumProbabilityRight,
+                                              double* threshold) noexcept override;
+    STDMETHODIMP AutoThresholdExponential(double trimRight, double* threshold) noexcept override;
 
-    STDMETHODIMP get_Entropy(double* hVal) noexcept override;
-    STDMETHODIMP get_Skew(double* hVal) noexcept override;
-    STDMETHODIMP get_Kurtosis(double* hVal) noexcept override;
-    STDMETHODIMP get_MaximumCount(LONG* hVal) noexcept override;
-    STDMETHODIMP get_Mean(double* hVal) noexcept override;
-    STDMETHODIMP get_Median(double* hVal) noexcept override;
-    STDMETHODIMP get_Mode(double* hVal) noexcept override;
-    STDMETHODIMP get_Variance(double* hVal) noexcept override;
-    STDMETHODIMP get_Minimum(double* hVal) noexcept override;
-    STDMETHODIMP get_Maximum(double* hVal) noexcept override;
-    STDMETHODIMP GetTrimmedStatistics(double Trim, double* Mean, double* StandardDeviation) noexcept override;
-    STDMETHODIMP GetMedianStatistics(double* Median, double* MedianAbsoluteDeviation) noexcept override;
+    STDMETHODIMP get_Entropy(double* value) noexcept override;
+    STDMETHODIMP get_Skew(double* value) noexcept override;
+    STDMETHODIMP get_Kurtosis(double* value) noexcept override;
+    STDMETHODIMP get_MaximumCount(LONG* value) noexcept override;
+    STDMETHODIMP get_Mean(double* value) noexcept override;
+    STDMETHODIMP get_Median(double* value) noexcept override;
+    STDMETHODIMP get_Mode(double* value) noexcept override;
+    STDMETHODIMP get_Variance(double* value) noexcept override;
+    STDMETHODIMP get_Minimum(double* value) noexcept override;
+    STDMETHODIMP get_Maximum(double* value) noexcept override;
+    STDMETHODIMP GetTrimmedStatistics(double trim, double* mean, double* standardDeviation) noexcept override;
+    STDMETHODIMP GetMedianStatistics(double* median, double* medianAbsoluteDeviation) noexcept override;
 
-    STDMETHODIMP BinToLocation(double Bin, double* Location) noexcept override;
-    STDMETHODIMP LocationToBin(double dLocation, double* Bin) noexcept override;
-    STDMETHODIMP GetBinToLocationMapping(double* A, double* B) noexcept override;
+    STDMETHODIMP BinToLocation(double bin, double* location) noexcept override;
+    STDMETHODIMP LocationToBin(double location, double* bin) noexcept override;
+    STDMETHODIMP GetBinToLocationMapping(double* a, double* b) noexcept override;
 
     STDMETHODIMP Smooth3() noexcept override;
     STDMETHODIMP Smooth5() noexcept override;
     STDMETHODIMP Smooth7() noexcept override;
     STDMETHODIMP Smooth9() noexcept override;
-    STDMETHODIMP Trim(double Trim) noexcept override;
+    STDMETHODIMP Trim(double trim) noexcept override;
     STDMETHODIMP Decompose() noexcept override;
-    STDMETHODIMP get_DetailBins(LONG** hVal) noexcept override;
-    STDMETHODIMP get_SmoothBins(LONG** hVal) noexcept override;
+    STDMETHODIMP get_DetailBins(LONG** value) noexcept override;
+    STDMETHODIMP get_SmoothBins(LONG** value) noexcept override;
 
 private:
     std::span<const LONG> Counts() const { return bins_.counts(); }

@@ -29,12 +29,12 @@ RECT Mapped(const TCoordinateMap& map, double left, double top, double right, do
 
 }  // namespace
 
-STDMETHODIMP OrlixShapeRegionOfInterest::Render(IPictureEx* Picture, void* hdcDest) noexcept {
+STDMETHODIMP OrlixShapeRegionOfInterest::Render(IPictureEx* picture, void* hdcDest) noexcept {
     return Guarded([&] {
-        Require(Picture);
+        Require(picture);
         Require(hdcDest);
         TCoordinateMap map = {};
-        Demand(Picture->get_PixelToDestCoords(&map));
+        Demand(picture->get_PixelToDestCoords(&map));
         const Brush brush(CreateSolidBrush(color_ & 0x00ffffff));
         if (!brush) throw FailedResult(E_FAIL);
 
