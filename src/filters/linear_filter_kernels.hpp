@@ -20,8 +20,8 @@ namespace orlix {
 // Notes:
 //  (1) 8 and 16 bits: integers, the division truncates toward zero. 32 bits: double, in which the sums are exact,
 //      floor(v + 0.5) of the quotient. All are then clamped.
-//  (2) float: single precision, summed in the order of the definitions (linear_filters_scalar.cpp), which lets a flat image
-//      come out as it is. NaN, and infinities that cancel, give the quiet NaN 0x7fc00000; it is not clamped.
+//  (2) float: single precision, summed in the order of the definitions (linear_filters_scalar.cpp), which lets a flat
+//      image come out as it is. NaN, and infinities that cancel, give the quiet NaN 0x7fc00000; it is not clamped.
 template <class T>
 void Laplacian_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 template <class T>

@@ -6,8 +6,8 @@
 //     static Vector Load(p), All(pixel);       kLanes pixels from p on; the same one in all lanes
 //     static void Store(p, v);
 //     static Vector Min(a, b), Max(a, b);      of floats the second operand when one is NaN
-//     static Vector Nearer(p, low, high);      high where p - low >= high - p, else low; low <= p <= high. Of floats the
-//                                              quiet NaN where p is NaN, and zeros lose their sign
+//     static Vector Nearer(p, low, high);      high where p - low >= high - p, else low; low <= p <= high. Of floats
+//                                              the quiet NaN where p is NaN, and zeros lose their sign
 //     static Vector Before(a, b), After(b, c); the pixels just before and just after those of b, of the vectors a, b, c
 //                                              side by side; not with SSE2, where they take three instructions
 //
