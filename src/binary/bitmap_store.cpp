@@ -12,7 +12,7 @@
 namespace orlix {
 namespace {
 
-// More than a process can address: refused without asking for it.
+// More than a process can address is refused without an attempt.
 constexpr uint64_t kMostBytes = std::min<uint64_t>(PTRDIFF_MAX, uint64_t{1} << 46);
 
 void RequireSize(int32_t width, int32_t height) {
@@ -29,13 +29,13 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
     if (total > kMostBytes) throw std::bad_alloc();
     const size_t size = static_cast<size_t>(total);
 
-    // What can fail comes first: the bytes, the largest piece, before the others.
+    // Allocations that can fail come first, the largest one, the bytes, before the others.
     std::vector<uint8_t> moved;
     const bool move = size > bytes_.capacity();
     if (move) moved.reserve(size);
     std::vector<bool> modified(static_cast<size_t>(height), true);
 
-    // From here on nothing fails: bytes are added within what is reserved.
+    // From here on nothing can fail: bytes are added within the reserved memory.
     if (zero) bytes_.clear();
     if (move) {
         moved.assign(bytes_.begin(), bytes_.end());

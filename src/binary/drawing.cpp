@@ -67,7 +67,7 @@ Drawing DrawDisk(BitmapStore& bitmap, const Disk& disk, DrawType how) {
     if (!disk.Defined() || disk.Bottom() < 0 || disk.Top() > bitmap.height() - 1 ||
         FloorToInt32(disk.x - disk.radius) > bitmap.width() - 1 || CeilToInt32(disk.x + disk.radius) < 0)
         return Drawing::Missed;
-    // Where the radius is lost beside the centre's coordinates, a negative one could still reach a row.
+    // If rounding absorbs the radius in the centre's coordinates, a negative one could still reach a row.
     if (disk.radius < 0) return Drawing::Drawn;
     const int32_t bottom = std::min(disk.Bottom(), bitmap.height() - 1);
     Drawing result = Drawing::Drawn;

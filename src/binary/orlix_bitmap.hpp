@@ -1,4 +1,4 @@
-// The component class of binary images. The interfaces are documented in the contract.
+// The component class of binary images. The contract documents the interfaces.
 #pragma once
 
 #include <orlix/orlix.h>

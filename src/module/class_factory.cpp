@@ -10,7 +10,7 @@
 namespace orlix {
 namespace {
 
-// References to a factory are not counted: LockServer is what keeps the module in memory.
+// References to a factory are not counted: clients keep the module in memory with LockServer.
 class ClassFactory final : public IClassFactory {
 public:
     explicit ClassFactory(const ClassRow& row) noexcept : row_(row) {}

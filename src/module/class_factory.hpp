@@ -1,4 +1,4 @@
-// The class factories: one for each class that is built, living as long as the module.
+// The class factories: one for each class that is built. They live as long as the module.
 #pragma once
 
 #include <orlix/orlix.h>

@@ -13,7 +13,7 @@ using CreateFunction = HRESULT (*)(IUnknown* outer, REFIID iid, void** object) n
 struct ClassRow {
     const CLSID* clsid;
     WORD script;            // number of its registration script
-    CreateFunction create;  // null while the class is not built: it is registered, and creating it is refused
+    CreateFunction create;  // null for a class that is not built yet: it is registered, but cannot be created
 };
 
 constexpr size_t kNumberOfClasses = 14;

@@ -5,7 +5,7 @@
 
 namespace orlix {
 
-// 0 when the library loads, has its entry points and starts with a token, 1 in every other case. Leaves it unloaded.
+// Returns 0 if the library loads, has its entry points and starts with a token, otherwise 1. Leaves it unloaded.
 int ProbeGraphicsLibrary(GraphicsLibrary& library) noexcept;
 
 }  // namespace orlix

@@ -15,7 +15,7 @@ void RegisterClasses(RegistryStore& store, const WideString& modulePath) {
         const std::exception_ptr failure = std::current_exception();
         try {
             UnregisterClasses(store, modulePath);
-        } catch (...) {  // what cannot be written cannot be removed either; the first failure tells more
+        } catch (...) {  // keys that cannot be written cannot be removed either; the first failure says more
         }
         std::rethrow_exception(failure);
     }

@@ -7,14 +7,14 @@
 
 namespace orlix {
 
-// The script of that number, embedded in the module. std::out_of_range when there is none.
+// The embedded script with that number. Throws std::out_of_range if there is none.
 std::string_view RegistrationText(WORD script);
 
-// Adds the keys of every class. After a failure, which is raised, nothing of the classes is left registered.
-// FailedResult with what the store answered; ScriptError.
+// Adds the keys of all classes. After a failure no class is left registered. Throws FailedResult with the store's
+// result, or ScriptError.
 void RegisterClasses(RegistryStore& store, const WideString& modulePath);
 
-// Removes them, as far as possible, and raises the first failure at the end.
+// Removes them as far as possible, and throws the first failure at the end.
 void UnregisterClasses(RegistryStore& store, const WideString& modulePath);
 
 }  // namespace orlix

@@ -239,7 +239,7 @@ void Note(HRESULT result, HRESULT& first) {
     if (FAILED(result) && SUCCEEDED(first)) first = result;
 }
 
-// From the last key to the first and from the innermost out: the reverse of adding.
+// In the reverse order of adding: from the last key to the first, and from the innermost outwards.
 void RemoveKeys(RegistryStore& store, const RegistryKey& parent, const std::vector<Key>& keys, HRESULT& failure) {
     for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
         const RegistryKey here = Below(parent, key->name);

@@ -1,4 +1,4 @@
-// Registration scripts: the keys and values that a class needs, as text, to be added to a registry and removed from it.
+// Registration scripts: texts that list the keys and values of a class, to be added to a registry or removed from it.
 //
 //     HKCR                                                     a root: HKCR, HKLM or HKCU
 //     {
@@ -40,7 +40,7 @@
 
 namespace orlix {
 
-// A script that cannot be read. what() names the line, counted from 1.
+// A syntax error in a script. what() names the line, counted from 1.
 class ScriptError : public std::runtime_error {
 public:
     ScriptError(int line, const char* what);
@@ -52,12 +52,12 @@ private:
 
 class RegistrationScript {
 public:
-    // Reads the whole script before anything is written. ScriptError.
+    // Parses the whole script, so errors are found before anything is written. Throws ScriptError.
     RegistrationScript(std::string_view script, const WideString& modulePath);
 
-    // FailedResult with what the store answered, at the first failure.
+    // Throws FailedResult with the store's result at the first failure.
     void Add(RegistryStore& store) const;
-    // Goes on after a failure, so that as much as possible goes, and raises the first one at the end.
+    // Continues after a failure, to remove as much as possible, and throws the first one at the end.
     void Remove(RegistryStore& store) const;
 
     struct Value {

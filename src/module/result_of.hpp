@@ -1,12 +1,12 @@
-// The boundary of the entry points, which belong to no class.
+// The boundary of entry points that belong to no class.
 #pragma once
 
 #include "component/guard.hpp"
 
 namespace orlix {
 
-// S_OK, or the result of what the body throws. Unlike a method an entry point leaves the thread's error information
-// alone.
+// S_OK, or the result of the exception that the body throws. Unlike a method, an entry point does not touch the
+// thread's error information.
 template <class Body>
 HRESULT ResultOf(Body&& body) noexcept {
     try {

@@ -3,8 +3,8 @@
 
 namespace orlix {
 
-// Keeps what each addition rounds away. The same terms in the same order give the same bits, forwards or backwards
-// through an array. Infinite or NaN terms make the value NaN.
+// Keeps the rounding error of each addition. The same terms in the same order give the same bits, whether an array is
+// read forwards or backwards. An infinite or NaN term makes the value NaN.
 class CompensatedSum {
 public:
     void Add(double term) {

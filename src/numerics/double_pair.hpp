@@ -1,17 +1,17 @@
-// Numbers of about 106 bits, each the unevaluated sum of two doubles (T. J. Dekker, 1971). For sums and products in
-// which rounding to double would lose what a difference taken later needs.
+// Numbers of about 106 bits, each the unevaluated sum of two doubles (T. J. Dekker, 1971). They serve sums and products
+// from which differences are taken later: rounding to double would lose the digits that these need.
 #pragma once
 
 namespace orlix {
 
-// high is the sum rounded to double, low what is missing; |low| <= ulp(high) / 2. Results are right to a few units of
-// 2^-104, relative. Operands may be as large as 2^990; infinities and NaN give no number.
+// high is the sum rounded to double, low the remainder; |low| <= ulp(high) / 2. The relative error of results is a few
+// units of 2^-104. Operands may be as large as 2^990; infinities and NaN give NaN.
 struct DoublePair {
     double high = 0;
     double low = 0;
 
     DoublePair() = default;
-    DoublePair(double value) : high(value) {}  // a double is a number of this kind
+    DoublePair(double value) : high(value) {}  // implicit: every double is such a number
     DoublePair(double h, double l) : high(h), low(l) {}
 
     explicit operator double() const { return high; }
@@ -31,7 +31,7 @@ inline DoublePair ExactSumOrdered(double a, double b) {
     return {sum, b - (sum - a)};
 }
 
-// a b, exactly (barring underflow): products of halves of 26 bits.
+// a b, exactly (barring underflow), from the products of halves of 26 bits.
 inline DoublePair ExactProduct(double a, double b) {
     constexpr double kSplit = 134217729.0;  // 2^27 + 1
     const double product = a * b;

@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <limits>
 
-// Each function reduces its argument exactly, or with an error term, to a small remainder about an entry of a table, so
-// that the polynomial is a small correction and its rounding hardly shows. The tables are computed by the compiler, in
-// pairs of doubles, from the series that define them.
+// Each function reduces its argument, exactly or with an error term, to a small remainder about an entry of a table.
+// The polynomial is then a small correction whose rounding hardly matters. The compiler computes the tables, in pairs
+// of doubles, from the series that define them.
 
 namespace orlix {
 namespace {
@@ -103,7 +103,7 @@ constexpr double RoundTo(double x, int bits) {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kRounder = 6755399441055744.0;  // 1.5 * 2^52: adding and taking it away rounds to an integer
+constexpr double kRounder = 6755399441055744.0;  // 1.5 * 2^52: adding and subtracting it rounds to an integer
 
 // --------------------------------------------------------------------------------------------------------- logarithm
 
@@ -193,8 +193,8 @@ Reduced ReduceMedium(double x) {
             static_cast<uint32_t>(std::bit_cast<uint64_t>(shifted))};
 }
 
-// Multiplies the integer mantissa by seven words of 2 / pi, those whose product is neither a multiple of 4 nor too
-// small to matter: at least 138 bits of the fraction are right, and no double comes closer to a multiple of pi/2 than
+// Multiplies the integer mantissa by the seven words of 2 / pi whose product is neither a multiple of 4 nor too small
+// to matter. At least 138 bits of the fraction are correct, and no double comes closer to a multiple of pi/2 than
 // 2^-62.
 Reduced ReduceLarge(double x) {
     constexpr int kWords = 7;
@@ -223,7 +223,7 @@ Reduced ReduceLarge(double x) {
         return static_cast<uint32_t>(pair >> position % 32);
     };
     uint32_t quadrant = word(fractionBits);
-    const bool above = (word(fractionBits - 32) & 0x80000000) != 0;  // a half or more: count from the next quadrant
+    const bool above = (word(fractionBits - 32) & 0x80000000) != 0;  // at least a half: count from the next quadrant
     if (above) ++quadrant;
 
     Pair fraction;
@@ -258,7 +258,7 @@ constexpr auto kCircularTable = [] {
     return table;
 }();
 
-// For an angle of at least 0: the entry before or after it, and the sine and 1 - cosine of what is left, |rest| < 2^-8.
+// For an angle of at least 0: the entry before or after it, and the sine and 1 - cosine of the rest, |rest| < 2^-8.
 struct Neighbour {
     const CircularEntry& entry;
     double rest;

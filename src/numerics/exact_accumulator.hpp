@@ -1,4 +1,4 @@
-// Sums of doubles without any rounding.
+// Sums of doubles without rounding.
 #pragma once
 
 #include <array>
@@ -8,8 +8,8 @@
 
 namespace orlix {
 
-// The exact sum of up to 2^62 finite doubles >= 0, in any order; two sums compare as the numbers they are. Fixed point
-// over the whole range of double, in digits of 32 bits whose carries wait (Kulisch 1971).
+// The exact sum of up to 2^62 finite doubles >= 0, in any order; sums can be compared. It is a fixed-point number over
+// the whole range of double, in digits of 32 bits with deferred carries (U. Kulisch, 1971).
 class ExactAccumulator {
 public:
     void Add(double term) { Add(term, 1); }
@@ -27,7 +27,7 @@ private:
     std::array<uint64_t, kDigits> Normal() const;
 
     std::array<uint64_t, kDigits> digits_ = {};  // lowest first
-    uint32_t waiting_ = 0;                       // additions since the carries were last taken
+    uint32_t waiting_ = 0;                       // additions since carries were last propagated
 };
 
 }  // namespace orlix

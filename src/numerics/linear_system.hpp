@@ -1,4 +1,4 @@
-// Linear systems of up to ten unknowns. Only + - * / and square roots, in a fixed order: the same bits on every build.
+// Linear systems of up to ten unknowns. Only + - * / and square roots, in a fixed order: the same bits in every build.
 #pragma once
 
 #include <array>
@@ -39,8 +39,8 @@ class SingularValueDecomposition {
 public:
     SingularValueDecomposition(std::span<const double> matrix, size_t rows, size_t columns);
 
-    // Of all x for which |A x - b| is least the shortest one. Singular values up to kSingularValueCut of the largest
-    // count as zero. b has an entry for each row, x one for each column; they must not overlap.
+    // The shortest of all x that minimise |A x - b|. Singular values up to kSingularValueCut times the largest count as
+    // zero. b has an entry for each row, x one for each column; they must not overlap.
     void Solve(std::span<const double> b, std::span<double> x) const;
 
     // In the order of the columns, not sorted.
@@ -55,13 +55,13 @@ private:
     std::array<double, kMostUnknowns> values_ = {};
 };
 
-// A x = b of a square matrix with entries of more digits than a double: the decomposition of the rounded matrix gives a
-// first solution, which is refined with residuals in DoublePair until it stands still (iterative refinement, J. H.
-// Wilkinson, 1963). Data that a solution of few digits explains give that solution exactly.
+// A x = b of a square matrix whose entries have more digits than a double. The decomposition of the rounded matrix
+// gives a first solution, which is refined with residuals in DoublePair until it no longer changes (iterative
+// refinement, J. H. Wilkinson, 1963). If a solution of few digits explains the data, it is found exactly.
 //
-// LU as long as |A| |A^-1| < 1e11 (Frobenius norms). Those are upper bounds of singular values and of their inverses,
-// so no singular value that the cut at 1e-12 would drop goes unnoticed; beyond the bound the singular values themselves
-// decide (the shortest solution of the least squares problem), and if none is dropped both have the same solution.
+// LU is used if |A| |A^-1| < 1e11 (Frobenius norms). These norms are upper bounds of the singular values and of their
+// inverses, so the cut at 1e-12 would drop none of them. Otherwise the singular values decide: the result is then the
+// shortest least-squares solution, which is the solution of LU if no singular value is dropped.
 void SolveRefined(std::span<const DoublePair> matrix, std::span<const DoublePair> b, std::span<DoublePair> x);
 
 }  // namespace orlix

@@ -1,4 +1,4 @@
-// Decisions and lengths in the plane, the same on every build.
+// Decisions and lengths in the plane, the same in every build.
 #pragma once
 
 #include <span>
@@ -14,8 +14,8 @@ struct Point {
 };
 
 // The sign of (b - a) x (c - a) = (b.x - a.x) (c.y - a.y) - (b.y - a.y) (c.x - a.x) without rounding: 1, 0 or -1. With
-// x to the right and y downwards, 1 where a, b, c turn clockwise. For any finite points. (Shewchuk 1997 for the
-// filter.)
+// x to the right and y downwards, 1 means that a, b, c turn clockwise. For all finite points. (The filter is that of
+// J. R. Shewchuk, 1997.)
 int Turn(const Point& a, const Point& b, const Point& c);
 
 // value 2^exponent: a number that may lie beyond the range of double. 0 has the value 0.
@@ -24,13 +24,13 @@ struct ScaledPair {
     int exponent = 0;
 };
 
-// The sum of a.x b.y - b.x a.y over the edges (a, b) of the closed outline: twice its area, positive where it runs
-// clockwise. Formed without rounding; value has 100 bits of it, and value.high is the double nearest to it, or in rare
-// cases its neighbour. For finite points.
+// The sum of a.x b.y - b.x a.y over the edges (a, b) of the closed outline: twice its area, positive if it runs
+// clockwise. It is formed without rounding. The value has 100 bits of it, and value.high is the nearest double or, in
+// rare cases, its neighbour. For finite points.
 ScaledPair TwiceSignedArea(std::span<const Point> outline);
 
-// The root of dx^2 + dy^2: the double nearest to it, or in rare cases its neighbour. Infinite beyond the largest double
-// and for infinities, also beside NaN; else NaN for NaN.
+// The root of dx^2 + dy^2: the nearest double or, in rare cases, its neighbour. Infinite beyond the largest double and
+// if dx or dy is infinite, even if the other is NaN; otherwise NaN for NaN.
 double Hypotenuse(double dx, double dy);
 
 inline double Distance(const Point& a, const Point& b) { return Hypotenuse(b.x - a.x, b.y - a.y); }

@@ -71,13 +71,13 @@ public:
         return 0;
     }
 
-    // The nearest double, of two equally near ones the even one.
+    // The nearest double; of two equally near ones the even one.
     double ToDouble() const {
         if (Sign() < 0) return -(WideInteger() - *this).ToDouble();
         size_t top = kLimbs - 1;
         while (top > 0 && limbs_[top] == 0) --top;
         const int length = static_cast<int>(top) * 32 + std::bit_width(limbs_[top]);
-        // The leading 62 bits, the last of them set when anything but zeros follows: one rounding then sees all.
+        // The leading 62 bits. The last of them is set if anything but zeros follows, so that one rounding suffices.
         const int dropped = length > 62 ? length - 62 : 0;
         const size_t first = static_cast<size_t>(dropped) / 32;
         const int offset = dropped % 32;

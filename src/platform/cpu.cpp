@@ -10,7 +10,7 @@ namespace {
 
 constexpr bool HasAll(unsigned value, unsigned bits) { return (value & bits) == bits; }
 
-// Register state that the operating system saves: 0 when it does not say.
+// The register state that the operating system saves; 0 if that is unknown.
 uint64_t SavedState() noexcept {
     unsigned a = 0, b = 0, c = 0, d = 0;
     if (!__get_cpuid(1, &a, &b, &c, &d) || !(c & bit_OSXSAVE)) return 0;

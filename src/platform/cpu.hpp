@@ -1,4 +1,4 @@
-// Which instruction sets kernels may use in this process.
+// The instruction sets that kernels may use in this process.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@ namespace orlix {
 //   Avx512  AVX-512 F, BW, VL, DQ, VBMI and GFNI (Ice Lake, Zen 4 and later), and a system that saves 512-bit registers
 enum class Cpu : uint8_t { Any, Sse2, Avx2, Avx512 };
 
-// What this machine offers.
+// The best instruction set of this machine.
 Cpu CpuOfThisMachine() noexcept;
 
-// What dispatch goes by: CpuOfThisMachine(), or less when the environment variable ORLIX_VARIANT is scalar, sse2, avx2
-// or avx512 at the first call. Any other value, and one beyond the machine, changes nothing.
+// The best instruction set for dispatch: CpuOfThisMachine(), or less if the environment variable ORLIX_VARIANT is
+// scalar, sse2, avx2 or avx512 at the first call. Other values, and those beyond the machine, change nothing.
 Cpu CpuInUse() noexcept;
 
 }  // namespace orlix

@@ -14,7 +14,7 @@
 
 namespace orlix {
 
-// Memory for the content of a file, not cleared before it is read into.
+// Memory for the content of a file, initially not cleared.
 class FileContent {
 public:
     FileContent() = default;
@@ -31,21 +31,21 @@ private:
 
 enum class ReadStatus {
     Done,
-    CannotOpen,  // no such file, no right to read it, not a regular file, or a path that names none
-    CannotRead,  // opened, but reading failed
+    CannotOpen,  // no such file, no permission, not a regular file, or a path that cannot name one
+    CannotRead,  // the file was opened, but reading failed
 };
 
-// Reads a file, or its first bytes up to the given number. Regular files only: a folder, device or pipe is CannotOpen
-// at once. What another program adds to the file meanwhile is not read, and what it cuts off is missing in the content,
-// which is empty unless the status is Done. Throws std::bad_alloc.
+// Reads a file, or its first bytes up to the given number. Only regular files: a folder, device or pipe gives
+// CannotOpen at once. Bytes that another program appends meanwhile are not read; bytes that it cuts off are missing in
+// the content. The content is empty unless the status is Done. Throws std::bad_alloc.
 ReadStatus ReadWholeFile(WideStringView path, FileContent& content,
                          size_t maximum = std::numeric_limits<size_t>::max());
 
-// Makes or replaces a file. The bytes are written and flushed to a new file in the same folder, which then takes the
-// final place in one step, so that at any moment the path names the complete old file or the complete new one. After a
-// failure (false) the old file is as it was and nothing is left beside it. Refused: folders, devices, pipes, and files
-// that may not be written. A symbolic link to a file stays, and the file it leads to is replaced; the new file keeps
-// the access rights of the old one (off Windows).
+// Creates or replaces a file. The bytes are written and flushed to a new file in the same folder, which is then renamed
+// in one step, so the path always names the complete old file or the complete new one. After a failure (false) the old
+// file is unchanged and no other file is left. Refuses folders, devices, pipes, and files without permission to write.
+// A symbolic link is kept, and the file that it leads to is replaced. Off Windows the new file keeps the access rights
+// of the old one.
 bool WriteWholeFile(WideStringView path, std::span<const uint8_t> bytes);
 
 }  // namespace orlix

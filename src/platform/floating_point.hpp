@@ -1,5 +1,6 @@
-// The floating-point control that all arithmetic of the library counts on, whatever the host has set: round to nearest,
-// no flushing of denormals, exceptions masked, and (x87, which 32-bit mathematical functions use) a 64-bit mantissa.
+// The floating-point control on which all arithmetic of the library relies, whatever the host has set: round to
+// nearest, no flushing of denormals, exceptions masked, and a 64-bit mantissa in x87, which 32-bit mathematical
+// functions use.
 #pragma once
 
 #include <emmintrin.h>
@@ -21,7 +22,7 @@ public:
 #endif
     }
     ~FloatingPointScope() {
-        // Status bits raised inside are dropped: with its exceptions unmasked the host would trap on them later.
+        // Status bits raised inside are dropped: a host with unmasked exceptions would trap on them later.
         if ((sse_ & ~kSseStatus) != kSseDefault) _mm_setcsr(sse_);
 #if defined(__i386__)
         if (x87_ != kX87Default) __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(x87_));

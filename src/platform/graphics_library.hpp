@@ -1,4 +1,4 @@
-// The system's graphics library (GDI+), which pictures keep running.
+// The system's graphics library (GDI+), which runs while there are pictures.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ public:
     virtual void Unload() noexcept = 0;
 };
 
-// Off Windows there is none: one that does not load.
+// Off Windows this is a library that does not load.
 std::unique_ptr<GraphicsLibrary> MakeGraphicsLibrary();
 
 }  // namespace orlix

@@ -9,8 +9,8 @@
 
 namespace orlix {
 
-// Full path; empty when the system does not tell. On Windows of any length, without a \\?\ prefix unless the loader
-// used one.
+// The full path; empty if the system does not tell it. On Windows it may have any length, and has a \\?\ prefix only if
+// the loader used one.
 WideString ModulePath();
 
 }  // namespace orlix

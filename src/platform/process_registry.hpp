@@ -1,5 +1,5 @@
-// What is registered in this process, off Windows, where there is no registry of the system: a tree of keys with
-// values.
+// The registry of the process, a tree of keys with values. It takes the place of the system's registry, which only
+// Windows has.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -33,8 +33,8 @@ public:
 
     static ProcessRegistry& OfThisProcess();
 
-    // The store of the process starts empty: what a look-up of a class asks for first. The module names its own
-    // registration.
+    // Sets the function that look-ups of classes call first. The store of the process starts empty; the module passes
+    // its own registration here.
     using Preparation = HRESULT (*)() noexcept;
     void PrepareLookUpsWith(Preparation preparation) noexcept { preparation_ = preparation; }
     HRESULT PrepareLookUp() const noexcept {
@@ -42,11 +42,11 @@ public:
         return preparation ? preparation() : S_OK;
     }
 
-    void CreateKey(WideStringView key);  // with its parents; one that exists stays as it is
+    void CreateKey(WideStringView key);  // and its parents; an existing key is unchanged
     void SetValue(WideStringView key, WideStringView name, Value value);  // creates the key too
     bool HasKey(WideStringView key) const;
-    std::optional<WideString> FindText(WideStringView key, WideStringView name) const;  // nothing for a number, too
-    // Each tells whether there was something to delete.
+    std::optional<WideString> FindText(WideStringView key, WideStringView name) const;  // nullopt for a number as well
+    // Each returns whether there was something to delete.
     bool DeleteValue(WideStringView key, WideStringView name);
     bool DeleteTree(WideStringView key);     // the key and all below it
     bool DeleteIfEmpty(WideStringView key);  // a key that has neither values nor keys below it

@@ -10,7 +10,7 @@ constexpr uint32_t kMalformed = 0xFFFFFFFF;
 
 bool IsSurrogate(uint32_t character) { return character >= 0xD800 && character < 0xE000; }
 
-// The character at the start of `bytes` (not empty) and its length; kMalformed and 1 where there is none.
+// The character at the start of `bytes` (not empty) and its length; kMalformed and 1 if the bytes are malformed.
 uint32_t DecodeUtf8(std::span<const uint8_t> bytes, size_t& length) {
     const uint8_t first = bytes[0];
     length = 1;

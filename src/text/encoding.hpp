@@ -1,4 +1,4 @@
-// Texts of files: Latin-1 or UTF-8 there, UTF-16 here.
+// Conversions between Latin-1 or UTF-8, as in files, and UTF-16.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ WideString FromLatin1(std::span<const uint8_t> bytes);
 // Malformed sequences (truncated, overlong, surrogates, beyond U+10FFFF) become U+FFFD, one for each byte that starts
 // none.
 WideString FromUtf8(std::span<const uint8_t> bytes);
-// The same into memory for bytes.size() units, without a terminator. Returns how many were written.
+// The same into memory for bytes.size() units, without a terminator. Returns the number of units written.
 size_t FromUtf8(std::span<const uint8_t> bytes, OLECHAR* to) noexcept;
 
 // Precondition: every character is below 256.

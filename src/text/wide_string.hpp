@@ -1,4 +1,4 @@
-// The library's texts: UTF-16, as the contract's strings are.
+// The library's strings: UTF-16, like those of the contract.
 #pragma once
 
 #include <orlix/orlix.h>

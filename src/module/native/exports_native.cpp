@@ -16,9 +16,9 @@ namespace {
 
 std::once_flag registered;
 
-// The first look-up fills the store of the process, unless the client has registered or unregistered the module itself
-// by then. The names that failures report as their source are looked up too, for clients that use DllGetClassObject
-// only.
+// The first look-up fills the store of the process, unless the client has already registered or unregistered the module
+// itself. Failures look up the names that they report as their source, so this also serves clients that only use
+// DllGetClassObject.
 HRESULT EnsureRegistered() noexcept {
     return ResultOf([] { std::call_once(registered, [] { RegisterClasses(*OpenRegistry(), ModulePath()); }); });
 }

@@ -11,7 +11,7 @@ HKEY RootOf(const RegistryKey& key) {
 
 HRESULT ResultOf(LSTATUS status) { return HRESULT_FROM_WIN32(static_cast<DWORD>(status)); }
 
-// Not being there is no failure of a deletion.
+// A deletion does not fail if there is nothing to delete.
 HRESULT ResultOfDeleting(LSTATUS status) {
     return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND ? S_FALSE : ResultOf(status);
 }

@@ -17,7 +17,7 @@
 namespace orlix {
 namespace {
 
-// One call reads or writes no more than this; the system's own limit is just below 2^31.
+// The most that one call reads or writes; the system's own limit is just below 2^31.
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 
 class Descriptor {
@@ -44,7 +44,7 @@ std::string FolderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// A new file of a name that nobody else uses; `path` receives it.
+// Creates a file with an unused name; `path` receives the name.
 int CreateBeside(const std::string& folder, std::string& path) {
     static std::atomic<unsigned> counter{0};
     for (int attempt = 0; attempt < 100; ++attempt) {
@@ -67,7 +67,7 @@ bool WriteAll(int file, std::span<const uint8_t> bytes) {
     return true;
 }
 
-// Makes the renaming itself survive a power failure. Some file systems cannot do it, which is no reason to fail.
+// Makes the renaming survive a power failure. Some file systems cannot do that, which is no reason to fail.
 void FlushFolder(const std::string& folder) {
     const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (descriptor) ::fsync(descriptor.number());
@@ -121,7 +121,7 @@ bool WriteWholeFile(WideStringView path, std::span<const uint8_t> bytes) {
     if (!file) return false;
     const bool complete = (!replaces || ::fchmod(file.number(), old.st_mode & 07777) == 0) &&
                           WriteAll(file.number(), bytes) && Retried([&] { return ::fsync(file.number()); }) == 0;
-    // Closed before it is renamed: network file systems report a full disk only now.
+    // Closed before renaming: network file systems report a full disk only now.
     if (!file.Close() || !complete || ::rename(temporary.c_str(), place.c_str()) != 0) {
         ::unlink(temporary.c_str());
         return false;

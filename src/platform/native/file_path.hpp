@@ -1,4 +1,4 @@
-// What everything here that opens files shares.
+// Paths and system calls, for all code here that opens files.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -12,7 +12,7 @@
 
 namespace orlix {
 
-// UTF-8. Empty for a path that names no file here: an empty one, one with a character 0 or with half a surrogate pair.
+// The path in UTF-8. Empty for a path that cannot name a file: empty, with a character 0 or with half a surrogate pair.
 inline std::string NativePath(WideStringView path) {
     if (path.find(OLECHAR{0}) != path.npos) return {};
     try {
@@ -22,7 +22,7 @@ inline std::string NativePath(WideStringView path) {
     }
 }
 
-// A system call, again as long as a signal interrupts it.
+// Repeats a system call while signals interrupt it.
 template <class Call>
 auto Retried(Call call) {
     auto result = call();

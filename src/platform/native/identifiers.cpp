@@ -4,13 +4,13 @@ namespace {
 
 constexpr char16_t kDigits[] = u"0123456789ABCDEF";
 
-// Two digits a byte, high one first.
+// Two digits per byte, the high one first.
 OLECHAR* PutHex(OLECHAR* out, uint64_t value, int bytes) {
     for (int shift = 8 * bytes - 4; shift >= 0; shift -= 4) *out++ = kDigits[(value >> shift) & 15];
     return out;
 }
 
-// False at the first unit that is no digit.
+// Returns false if a unit is no digit.
 bool GetHex(const OLECHAR*& in, int bytes, uint32_t& value) {
     value = 0;
     for (int digit = 0; digit < 2 * bytes; ++digit, ++in) {

@@ -24,7 +24,7 @@ bool ProcessRegistry::IgnoringCase::operator()(WideStringView a, WideStringView 
 }
 
 ProcessRegistry& ProcessRegistry::OfThisProcess() {
-    // Never destroyed: objects that outlive the program's own static objects may still report.
+    // Never destroyed: objects that outlive the program's static objects may still report failures.
     static ProcessRegistry& registry = *new ProcessRegistry;
     return registry;
 }
@@ -75,7 +75,7 @@ bool ProcessRegistry::DeleteValue(WideStringView key, WideStringView name) {
     return true;
 }
 
-// Paths that begin with the same units lie side by side in the map.
+// Paths with a common beginning are neighbours in the map.
 ProcessRegistry::Keys::iterator ProcessRegistry::EndOfTree(Keys::iterator below, WideStringView key) {
     while (below != keys_.end() && LiesBelow(below->first, key)) ++below;
     return below;

@@ -7,7 +7,7 @@
 // unit.
 namespace {
 
-constexpr size_t kPrefix = 8;  // keeps what malloc's alignment gives; the length is its last four bytes
+constexpr size_t kPrefix = 8;  // keeps an alignment of 8 bytes; the length is its last four bytes
 constexpr UINT kMaximumLength = 0x7ffffff0u / sizeof(OLECHAR);
 
 UINT LengthOf(const OLECHAR* text) {

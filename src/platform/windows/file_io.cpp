@@ -12,7 +12,7 @@
 namespace orlix {
 namespace {
 
-constexpr size_t kLargestTransfer = size_t{1} << 30;  // of one call, whose length has 32 bits
+constexpr size_t kLargestTransfer = size_t{1} << 30;  // for one call, because lengths have 32 bits
 
 class Handle {
 public:
@@ -34,9 +34,9 @@ private:
 
 bool StartsWith(const std::wstring& text, std::wstring_view start) { return text.compare(0, start.size(), start) == 0; }
 
-// The absolute path, in the form without a limit of length where it, or the name of a temporary file in the same
-// folder, would reach the classical limit (260 with the terminator). Empty for a path that names no file: an empty one,
-// one with a character 0, a device ("NUL", "COM1", "\\.\PhysicalDrive0").
+// The absolute path. If it, or the name of a temporary file in the same folder, would reach the classical limit (260
+// with the terminator), it has the form without that limit. Empty for a path that names no file: an empty path, one
+// with a character 0, a device ("NUL", "COM1", "\\.\PhysicalDrive0").
 std::wstring NativePath(WideStringView path) {
     const std::wstring given(path);
     if (given.empty() || given.find(L'\0') != given.npos) return {};
@@ -47,7 +47,7 @@ std::wstring NativePath(WideStringView path) {
         const DWORD length = ::GetFullPathNameW(given.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
         if (length == 0) return {};
         const bool fits = length < full.size();
-        full.resize(length);  // without the terminator when it fits, with it when not
+        full.resize(length);  // the length excludes the terminator if the path fits, and includes it if not
         if (fits) break;
     }
     if (StartsWith(full, L"\\\\.\\")) return {};
@@ -56,7 +56,7 @@ std::wstring NativePath(WideStringView path) {
     return StartsWith(full, L"\\\\") ? L"\\\\?\\UNC\\" + full.substr(2) : L"\\\\?\\" + full;
 }
 
-// A new file of a name that nobody else uses, in the folder of `place`; `path` receives it.
+// Creates a file with an unused name in the folder of `place`; `path` receives the name.
 HANDLE CreateBeside(const std::wstring& place, std::wstring& path) {
     static std::atomic<unsigned> counter{0};
     const std::wstring folder = place.substr(0, place.find_last_of(L"\\/") + 1);
@@ -80,7 +80,7 @@ bool WriteAll(HANDLE file, std::span<const uint8_t> bytes) {
     return true;
 }
 
-// Where a link leads, so that the link stays; the path itself when it is none or cannot be followed.
+// The target of a link, which keeps the link itself; the path itself if it is no link or cannot be followed.
 std::wstring TargetOf(const std::wstring& path) {
     const DWORD attributes = ::GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_REPARSE_POINT)) return path;
@@ -130,7 +130,7 @@ bool WriteWholeFile(WideStringView path, std::span<const uint8_t> bytes) {
     if (place.empty()) return false;
     place = TargetOf(place);
 
-    // Asked here, since not every system refuses to put a file in the place of one that may only be read.
+    // Checked here, because not every system refuses to replace a read-only file.
     const DWORD old = ::GetFileAttributesW(place.c_str());
     if (old != INVALID_FILE_ATTRIBUTES && (old & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY))) return false;
 

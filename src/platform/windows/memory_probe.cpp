@@ -10,8 +10,8 @@ namespace {
 constexpr DWORD kWritable = PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
 constexpr DWORD kReadable = kWritable | PAGE_READONLY | PAGE_EXECUTE_READ;
 
-// The page protections, region by region. The old calls for this purpose touch the memory under an exception
-// handler: they race, and they use up guard pages.
+// Checks page protections, region by region. The system's older functions touch the memory under an exception
+// handler: they race with other threads and use up guard pages.
 bool Accessible(const void* memory, size_t size, DWORD allowed) {
     if (size == 0) return true;
     uintptr_t next = reinterpret_cast<uintptr_t>(memory);
