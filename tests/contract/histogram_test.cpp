@@ -177,8 +177,8 @@ TEST(HistogramContract, ArgumentsOutOfRangeAreReportedInTheirOrder) {
             EXPECT_TRUE(Fails(histogram->AutoThresholdExponential(fraction, &threshold), outside, kSource));
             EXPECT_EQ(0.0, threshold);
         }
-    double threshold = kSentinel, left0 = 0, right0 = 0;
-    EXPECT_EQ(S_OK, With({1, 2, 3})->AutoThresholdTrim(-0.0, &left0, 0.49, &right0));
+    double threshold = kSentinel, other = kSentinel;
+    EXPECT_EQ(S_OK, With({1, 2, 3})->AutoThresholdTrim(-0.0, &threshold, 0.49, &other)) << "a negative zero is zero";
     EXPECT_TRUE(Fails(NewHistogram()->AutoThresholdExponential(1.0, &threshold),
                       "IHistogram::AutoThresholdExponential: No bins.", kSource));
     EXPECT_EQ(0.0, threshold);
@@ -551,30 +551,30 @@ TEST(HistogramContract, EveryMethodSurvivesEveryKindOfContent) {
         std::function<HRESULT(IHistogram*, double x, double* a, double* b)> call;
     };
     const AnyCall calls[] = {
-        {"variance", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdMinimizeVariance(x, x, a); }},
-        {"tails", 2, [](auto* h, double x, auto* a, auto* b) { return h->AutoThresholdTrim(x, a, x, b); }},
-        {"minimum", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdSearchForMinimum(x, x, a); }},
-        {"mixture", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdGaussianMixture(x, x, a); }},
-        {"entropies", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdMaximizeEntropy(x, x, a); }},
-        {"exponential", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdExponential(x, a); }},
-        {"entropy", 1, [](auto* h, double, auto* a, auto*) { return h->get_Entropy(a); }},
-        {"skew", 1, [](auto* h, double, auto* a, auto*) { return h->get_Skew(a); }},
-        {"kurtosis", 1, [](auto* h, double, auto* a, auto*) { return h->get_Kurtosis(a); }},
-        {"mean", 1, [](auto* h, double, auto* a, auto*) { return h->get_Mean(a); }},
-        {"median", 1, [](auto* h, double, auto* a, auto*) { return h->get_Median(a); }},
-        {"mode", 1, [](auto* h, double, auto* a, auto*) { return h->get_Mode(a); }},
-        {"second moment", 1, [](auto* h, double, auto* a, auto*) { return h->get_Variance(a); }},
-        {"least", 1, [](auto* h, double, auto* a, auto*) { return h->get_Minimum(a); }},
-        {"most", 1, [](auto* h, double, auto* a, auto*) { return h->get_Maximum(a); }},
-        {"trimmed", 2, [](auto* h, double x, auto* a, auto* b) { return h->GetTrimmedStatistics(x, a, b); }},
-        {"of the median", 2, [](auto* h, double, auto* a, auto* b) { return h->GetMedianStatistics(a, b); }},
-        {"location", 1, [](auto* h, double x, auto* a, auto*) { return h->BinToLocation(x, a); }},
-        {"bin", 1, [](auto* h, double x, auto* a, auto*) { return h->LocationToBin(x, a); }},
-        {"mapping", 2, [](auto* h, double, auto* a, auto* b) { return h->GetBinToLocationMapping(a, b); }},
-        {"smooth 3", 0, [](auto* h, double, auto*, auto*) { return h->Smooth3(); }},
-        {"smooth 9", 0, [](auto* h, double, auto*, auto*) { return h->Smooth9(); }},
-        {"decompose", 0, [](auto* h, double, auto*, auto*) { return h->Decompose(); }},
-        {"trim", 0, [](auto* h, double x, auto*, auto*) { return h->Trim(x); }},
+        {"MinVariance", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdMinimizeVariance(x, x, a); }},
+        {"TrimTails", 2, [](auto* h, double x, auto* a, auto* b) { return h->AutoThresholdTrim(x, a, x, b); }},
+        {"SearchMin", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdSearchForMinimum(x, x, a); }},
+        {"Mixture", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdGaussianMixture(x, x, a); }},
+        {"MaxEntropy", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdMaximizeEntropy(x, x, a); }},
+        {"Exponential", 1, [](auto* h, double x, auto* a, auto*) { return h->AutoThresholdExponential(x, a); }},
+        {"Entropy", 1, [](auto* h, double, auto* a, auto*) { return h->get_Entropy(a); }},
+        {"Skew", 1, [](auto* h, double, auto* a, auto*) { return h->get_Skew(a); }},
+        {"Kurtosis", 1, [](auto* h, double, auto* a, auto*) { return h->get_Kurtosis(a); }},
+        {"Mean", 1, [](auto* h, double, auto* a, auto*) { return h->get_Mean(a); }},
+        {"Median", 1, [](auto* h, double, auto* a, auto*) { return h->get_Median(a); }},
+        {"Mode", 1, [](auto* h, double, auto* a, auto*) { return h->get_Mode(a); }},
+        {"Variance", 1, [](auto* h, double, auto* a, auto*) { return h->get_Variance(a); }},
+        {"Minimum", 1, [](auto* h, double, auto* a, auto*) { return h->get_Minimum(a); }},
+        {"Maximum", 1, [](auto* h, double, auto* a, auto*) { return h->get_Maximum(a); }},
+        {"TrimmedStatistics", 2, [](auto* h, double x, auto* a, auto* b) { return h->GetTrimmedStatistics(x, a, b); }},
+        {"MedianStatistics", 2, [](auto* h, double, auto* a, auto* b) { return h->GetMedianStatistics(a, b); }},
+        {"BinToLocation", 1, [](auto* h, double x, auto* a, auto*) { return h->BinToLocation(x, a); }},
+        {"LocationToBin", 1, [](auto* h, double x, auto* a, auto*) { return h->LocationToBin(x, a); }},
+        {"BinToLocationMapping", 2, [](auto* h, double, auto* a, auto* b) { return h->GetBinToLocationMapping(a, b); }},
+        {"Smooth3", 0, [](auto* h, double, auto*, auto*) { return h->Smooth3(); }},
+        {"Smooth9", 0, [](auto* h, double, auto*, auto*) { return h->Smooth9(); }},
+        {"Decompose", 0, [](auto* h, double, auto*, auto*) { return h->Decompose(); }},
+        {"Trim", 0, [](auto* h, double x, auto*, auto*) { return h->Trim(x); }},
     };
     for (const auto& counts : contents)
         for (const double left : {0.0, 1e308, kNaN, -kInfinity})
