@@ -2,6 +2,7 @@
 // "circle" the largest circle in it, by pixels visited. memcpy copies the same picture.
 #include <benchmark/benchmark.h>
 #include <orlix/client.hpp>
+#include <orlix/filters.hpp>
 
 #include <cstring>
 #include <functional>
@@ -142,18 +143,12 @@ void RegisterType() {
     RegisterSourced<T, uint16_t>("cast from u16", &IImageProcess::CastEquals);
     RegisterSourced<T, float>("cast from f32", &IImageProcess::CastEquals);
     RegisterSourced<T>(std::string("plus ") + NameOf<T>(), &IImageProcess::PlusEquals);
-    RegisterSourced<T>("Median3x3", &IImageProcess::Median3x3);
-    RegisterSourced<T>("Sobel", &IImageProcess::Sobel);
+    for (const NamedFilter& filter : kNamedFilters) RegisterSourced<T>(filter.name, filter.apply);
     for (const LONG halfSize : {1, 15, 63})
         RegisterSourced<T>("ExtremumSharpening " + std::to_string(halfSize),
                            [=](IImageProcess* process, IImageVPA* source, LONG band) {
                                return process->ExtremumSharpening(halfSize, source, band);
                            });
-    RegisterSourced<T>("Gaussian3x3", &IImageProcess::Gaussian3x3);
-    RegisterSourced<T>("Gaussian5x5", &IImageProcess::Gaussian5x5);
-    RegisterSourced<T>("Laplacian", &IImageProcess::Laplacian);
-    RegisterSourced<T>("SharpenLow", &IImageProcess::SharpenLow);
-    RegisterSourced<T>("SharpenMedium", &IImageProcess::SharpenMedium);
     RegisterSurface<T>("plane", &IOrlixImageProcess::get_PlanarFit, &IOrlixImageProcess::CorrectPlanar);
     RegisterSurface<T>("biquadratic", &IOrlixImageProcess::get_BiquadraticFit, &IOrlixImageProcess::CorrectBiquadratic);
     RegisterSurface<T>("bicubic", &IOrlixImageProcess::get_BicubicFit, &IOrlixImageProcess::CorrectBicubic);

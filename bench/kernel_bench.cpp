@@ -5,9 +5,7 @@
 
 #include "display/display_level_kernels.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
-#include "filters/linear_filter_kernels.hpp"
-#include "filters/median_kernels.hpp"
-#include "filters/sobel_kernels.hpp"
+#include "filters/filter_table.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
@@ -57,8 +55,8 @@ void RegisterCasts() {
 }
 
 // Row by row, without the columns whose neighbours lie outside.
-template <class T, class Table>
-void RegisterFilter(const std::string& kernel, const Table& table, size_t radius) {
+template <class T>
+void RegisterFilter(const std::string& kernel, std::span<const Variant<FilterFn<T>>> table, size_t radius) {
     for (const auto& variant : SupportedOnThisCpu(table))
         Register<T>(kernel, variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {
             const auto size = static_cast<size_t>(std::sqrt(static_cast<double>(pixels.size())));
@@ -127,14 +125,9 @@ void RegisterType() {
     RegisterCasts<T, uint8_t>();
     RegisterCasts<T, uint16_t>();
     RegisterCasts<T, float>();
-    RegisterFilter<T>("Gaussian3x3", kGaussian3x3<T>, 1);
-    RegisterFilter<T>("Gaussian5x5", kGaussian5x5<T>, 2);
-    RegisterFilter<T>("Laplacian", kLaplacian<T>, 1);
-    RegisterFilter<T>("SharpenLow", kSharpenLow<T>, 1);
-    RegisterFilter<T>("SharpenMedium", kSharpenMedium<T>, 1);
-    RegisterFilter<T>("Median3x3", kMedian3x3<T>, 1);
-    RegisterFilter<T>("Sobel", kSobel<T>, 1);
-    RegisterFilter<T>("ExtremumSharpening 1", kExtremumSharpening3x3<T>, 1);
+    for (const FilterRow<T>& row : kFilters<T>)
+        RegisterFilter<T>(row.name, row.kernels, static_cast<size_t>(row.radius));
+    RegisterFilter<T>("ExtremumSharpening 1", std::span(kExtremumSharpening3x3<T>), 1);
 }
 
 void RegisterHistograms() {

@@ -19,17 +19,27 @@ private:
     HRESULT result_;
 };
 
-// There is no image, or it has no pixels that may be touched. The boundary gives the text, "IInterface::Method: no
-// image.", in the name of the method that was called; a method whose contract wants none has just E_FAIL.
-class NoImage : public std::exception {
+// A failure of whichever method was called: the boundary puts "IInterface::Method: " in front of the rest, which is a
+// literal at the place of the failure. A method whose contract wants no text has just E_FAIL.
+class MethodFailure : public std::exception {
 public:
-    const char* what() const noexcept override { return "no image."; }
+    explicit MethodFailure(const char* rest) noexcept : rest_(rest) {}
+    const char* what() const noexcept override { return rest_; }
+
+private:
+    const char* rest_;
 };
 
-// The same of an image that was passed in: "IInterface::Method: no source image."
-class NoSourceImage : public NoImage {
+// There is no image, or it has no pixels that may be touched.
+class NoImage : public MethodFailure {
 public:
-    const char* what() const noexcept override { return "no source image."; }
+    NoImage() noexcept : MethodFailure("no image.") {}
+};
+
+// The same of an image that was passed in.
+class NoSourceImage : public MethodFailure {
+public:
+    NoSourceImage() noexcept : MethodFailure("no source image.") {}
 };
 
 // A result without a text: what somebody's interface answered, E_POINTER for a null pointer.

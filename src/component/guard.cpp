@@ -12,7 +12,7 @@ HRESULT ResultOfCurrentException(const CLSID& clsid, const MethodName& name) noe
     } catch (const Failure& failure) {
         ReportError(clsid, failure.what());
         return failure.result();
-    } catch (const NoImage& failure) {
+    } catch (const MethodFailure& failure) {
         if (!name.owner.empty()) {
             char text[128];  // longer than any name of the contract
             std::snprintf(text, sizeof text, "%.*s::%s: %s", static_cast<int>(name.owner.size()), name.owner.data(),

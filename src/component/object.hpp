@@ -2,8 +2,9 @@
 //
 //     class OrlixBitmap final : public orlix::Object<OrlixBitmap, orlix::Answers<IBitmapProcess, IBitmap>> { ... };
 //
-// Each entry is an interface that the class implements, or Answers<I, Parents...>: I and the interfaces it derives from
-// that are answered too. The first entry is the default interface. The class is named as the contract's coclass is, so
+// Each entry is an interface that the class implements; or Answers<I, Parents...>: I and the interfaces it derives from
+// that are answered too; or Part<Base, I, Parents...>: the same where Base, which derives from I alone, implements its
+// methods. The first entry is the default interface. The class is named as the contract's coclass is, so
 // __uuidof(Class) is its CLSID. Notes:
 //  (1) An object lives as long as one of its methods runs, even where a client that the method calls gives the last
 //      reference back. So a method may use its object after it has called somebody else's code.
@@ -24,8 +25,80 @@
 
 namespace orlix {
 
+// The object's own IUnknown: counts the references, those of methods that run included.
+class ObjectLife : public IUnknown {
+public:
+    STDMETHODIMP_(ULONG) AddRef() noexcept final { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    STDMETHODIMP_(ULONG) Release() noexcept final {
+        const ULONG left = count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+        if (left == 0) End();
+        return left;
+    }
+
+    // Runs the body of a method of the class, see Object::Guarded.
+    template <class I, class Body>
+    HRESULT Guarded(const CLSID& clsid, Body& body, const char* method) noexcept {
+        const KeepAlive alive(*this);
+        MethodName name;
+        if constexpr (!std::is_void_v<I>) name = {NameOf<I>(), method};
+        return orlix::Guarded(
+            clsid,
+            [&] {
+                if (closed_) throw FailedResult(E_FAIL);
+                return body();
+            },
+            name);
+    }
+
+protected:
+    ~ObjectLife() = default;
+
+    // Lets go of what belongs to clients.
+    virtual void Close() noexcept = 0;
+    virtual void Destroy() noexcept = 0;
+
+private:
+    class KeepAlive {
+    public:
+        explicit KeepAlive(ObjectLife& life) noexcept : life_(life) { life_.AddRef(); }
+        ~KeepAlive() { life_.Release(); }
+        KeepAlive(const KeepAlive&) = delete;
+        KeepAlive& operator=(const KeepAlive&) = delete;
+
+    private:
+        ObjectLife& life_;
+    };
+
+    // When the last reference is gone. Every method has a place that may come here (KeepAlive): one copy for all.
+    [[gnu::noinline]] void End() noexcept {
+        if (!closed_) {
+            closed_ = true;
+            // Clients may take and give back references meanwhile; who keeps one puts the end off.
+            count_.store(1, std::memory_order_relaxed);
+            Close();
+            if (count_.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
+        }
+        count_.store(1, std::memory_order_relaxed);  // a reference taken and given back by the destructor itself
+        Destroy();
+    }
+
+    std::atomic<ULONG> count_{1};
+    bool closed_ = false;  // the last reference is gone
+};
+
+// Whether two interface pointers, of whatever objects, belong to the same one.
+inline bool AreSame(IUnknown* one, IUnknown* other) noexcept {
+    ComPtr<IUnknown> identities[2];
+    return one && other && SUCCEEDED(one->QueryInterface(__uuidof(IUnknown), identities[0].OutVoid())) &&
+           SUCCEEDED(other->QueryInterface(__uuidof(IUnknown), identities[1].OutVoid())) &&
+           identities[0].get() == identities[1].get();
+}
+
 template <class I, class... Parents>
 struct Answers {};
+
+template <class Base, class I, class... Parents>
+struct Part {};
 
 template <class Entry>
 struct InterfaceEntry {
@@ -37,6 +110,11 @@ template <class I, class... Parents>
 struct InterfaceEntry<Answers<I, Parents...>> {
     using Interface = I;
     static bool Covers(REFIID iid) noexcept { return iid == __uuidof(I) || (... || (iid == __uuidof(Parents))); }
+};
+
+template <class Base, class I, class... Parents>
+struct InterfaceEntry<Part<Base, I, Parents...>> : InterfaceEntry<Answers<I, Parents...>> {
+    using Interface = Base;
 };
 
 template <class Class, class... Entries>
@@ -82,36 +160,25 @@ protected:
     Object() noexcept : inner_(*this) { LockModule(); }
     ~Object() { UnlockModule(); }
 
-    // With the interface of the method that calls this, whose name is taken from the call: what a NoImage is reported
-    // by.
+    // With the interface of the method that calls this, whose name is taken from the call: what a MethodFailure is
+    // reported by.
     template <class I = void, class Body>
     HRESULT Guarded(Body&& body, const char* method = __builtin_FUNCTION()) noexcept {
-        const KeepAlive alive(inner_);
-        MethodName name;
-        if constexpr (!std::is_void_v<I>) name = {NameOf<I>(), method};
-        return orlix::Guarded(
-            __uuidof(Class),
-            [&] {
-                if (inner_.closed()) throw FailedResult(E_FAIL);
-                return body();
-            },
-            name);
+        return inner_.template Guarded<I>(__uuidof(Class), body, method);
     }
+
+    // For parts of the class that run methods themselves.
+    ObjectLife& life() noexcept { return inner_; }
 
     // Hidden by classes that hold interfaces of clients: releases all of them. Nothing can be put in their place, as
     // methods fail already.
     void LetGo() noexcept {}
 
-    // Whether an interface pointer, of whatever object, belongs to this very object.
-    bool IsSelf(IUnknown* other) noexcept {
-        ComPtr<IUnknown> identity;
-        return other && SUCCEEDED(other->QueryInterface(__uuidof(IUnknown), identity.OutVoid())) &&
-               identity.get() == Identity().get();
-    }
+    bool IsSelf(IUnknown* other) noexcept { return AreSame(controlling_, other); }
 
 private:
-    // The object's own IUnknown: counts the references, and answers the interfaces without asking an outer object.
-    class Inner final : public IUnknown {
+    // Answers the interfaces without asking an outer object.
+    class Inner final : public ObjectLife {
     public:
         explicit Inner(Object& owner) noexcept : owner_(owner) {}
         STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
@@ -121,49 +188,13 @@ private:
             static_cast<IUnknown*>(*object)->AddRef();
             return S_OK;
         }
-        STDMETHODIMP_(ULONG) AddRef() noexcept override { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
-        STDMETHODIMP_(ULONG) Release() noexcept override {
-            const ULONG left = count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-            if (left == 0) End();
-            return left;
-        }
-        bool closed() const noexcept { return closed_; }
 
     private:
-        // When the last reference is gone. Every method has a place that may come here (KeepAlive): one copy for all.
-        [[gnu::noinline]] void End() noexcept {
-            if (!closed_) {
-                closed_ = true;
-                // Clients may take and give back references meanwhile; who keeps one puts the end off.
-                count_.store(1, std::memory_order_relaxed);
-                static_cast<Class&>(owner_).LetGo();
-                if (count_.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
-            }
-            count_.store(1, std::memory_order_relaxed);  // a reference taken and given back by the destructor itself
-            delete static_cast<Class*>(&owner_);
-        }
+        void Close() noexcept override { static_cast<Class&>(owner_).LetGo(); }
+        void Destroy() noexcept override { delete static_cast<Class*>(&owner_); }
 
         Object& owner_;
-        std::atomic<ULONG> count_{1};
-        bool closed_ = false;  // the last reference is gone
     };
-
-    class KeepAlive {
-    public:
-        explicit KeepAlive(Inner& inner) noexcept : inner_(inner) { inner_.AddRef(); }
-        ~KeepAlive() { inner_.Release(); }
-        KeepAlive(const KeepAlive&) = delete;
-        KeepAlive& operator=(const KeepAlive&) = delete;
-
-    private:
-        Inner& inner_;
-    };
-
-    ComPtr<IUnknown> Identity() noexcept {
-        ComPtr<IUnknown> identity;
-        controlling_->QueryInterface(__uuidof(IUnknown), identity.OutVoid());
-        return identity;
-    }
 
     void* Find(REFIID iid) noexcept {
         void* found = nullptr;

@@ -1,4 +1,4 @@
-// What an image keeps for being shown, beside the display range, which is of its pixel type.
+// What an image keeps for being shown.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -33,7 +33,9 @@ struct CarriedSetting {
 };
 
 struct DisplayState {
-    LONG band = 0;  // index, or BI_AllBands
+    LONG band = 0;     // index, or BI_AllBands
+    double lower = 0;  // the display range: values of the pixel type, which a double holds exactly
+    double upper = 255;
     ColorTable colors = GreyRamp();
     CarriedSetting carried;
 };

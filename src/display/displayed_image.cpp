@@ -3,91 +3,171 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <utility>
+#include <vector>
 
-#include "display/display_frame.hpp"
+#include "display/display_levels.hpp"
+#include "display/raster_kernels.hpp"
+#include "points/point_operations.hpp"
+#include "process/frame.hpp"
+#include "process/measurements.hpp"
 
 namespace orlix {
 
-std::unique_ptr<DisplayedImage> DisplayedImage::Make(LONG dataType) {
-    switch (dataType) {
-        case DT_BYTE:
-            return std::make_unique<DisplayFrame<CImageBase<BYTE, int16_t, int32_t>>>(dataType);
-        case DT_WORD:
-            return std::make_unique<DisplayFrame<CImageBase<WORD, int32_t, int64_t>>>(dataType);
-        case DT_DWORD:
-            return std::make_unique<DisplayFrame<CImageBase<uint32_t, int64_t, double>>>(dataType);
-        case DT_Float:
-            return std::make_unique<DisplayFrame<CImageBase<float, float, double>>>(dataType);
-        default:
-            return nullptr;
+namespace {
+
+// The levels of a band, rows padded with zeros.
+template <class Pixel>
+void ComputeLevels(const PixelView<Pixel>& view, const LevelMapping<Pixel>& levelsOf, const DisplayBitmap& bitmap) {
+    const auto width = static_cast<size_t>(bitmap.width);
+    for (int32_t y = 0; y < bitmap.height; ++y) {
+        uint8_t* const levels = bitmap.row(y);
+        levelsOf(view.row(y), width, levels);
+        std::fill(levels + width, levels + bitmap.rowStride, uint8_t{0});
     }
 }
 
+// The component of the colour table for a channel: 0 red, 1 green, 2 blue.
+PointOperation<uint8_t> ColorsOf(const ColorTable& colors, int32_t channel) {
+    uint8_t table[256];
+    std::transform(colors.begin(), colors.end(), table, [&](const PaletteEntry& color) {
+        return channel == 0 ? color.red : channel == 1 ? color.green : color.blue;
+    });
+    return PointOperation<uint8_t>::LookUp(table);
+}
+
+template <class Pixel>
+void ComputeColors(Frame<Pixel>& frame, const LevelMapping<Pixel>& levelsOf, const ColorTable& colors,
+                   const DisplayBitmap& bitmap) {
+    const auto width = static_cast<size_t>(bitmap.width);
+    const ExpandPlanesFn join = Choose(kExpandPlanes);
+    const PixelView<Pixel> bands[] = {frame.view(0), frame.view(1), frame.view(2)};
+    const PointOperation<uint8_t> tables[] = {ColorsOf(colors, 0), ColorsOf(colors, 1), ColorsOf(colors, 2)};
+    std::vector<uint8_t> levels(3 * width);
+    for (int32_t y = 0; y < bitmap.height; ++y) {
+        for (size_t channel = 0; channel < 3; ++channel) {
+            uint8_t* const plane = levels.data() + channel * width;
+            levelsOf(bands[channel].row(y), width, plane);
+            tables[channel](plane, width);
+        }
+        join(reinterpret_cast<uint32_t*>(bitmap.row(y)), levels.data(), levels.data() + width,
+             levels.data() + 2 * width, width);
+    }
+}
+
+template <class Pixel>
+LevelMapping<Pixel> LevelsOf(const DisplayState& state) {
+    return {static_cast<Pixel>(state.lower), static_cast<Pixel>(state.upper)};
+}
+
+// Adds the pixels inside the range to the counts of their levels.
+template <class Pixel>
+void CountLevels(const Selection<Pixel>& at, const DisplayState& state, uint64_t (&counts)[256]) {
+    constexpr size_t kPart = 512;  // the levels stay in the first cache
+    const auto levelsOf = LevelsOf<Pixel>(state);
+    const auto least = static_cast<Pixel>(std::min(state.lower, state.upper));
+    const auto most = static_cast<Pixel>(std::max(state.lower, state.upper));
+    uint64_t found[2][256] = {};  // outside, inside
+    at.Apply([&](const Pixel* pixels, size_t n) {
+        uint8_t levels[kPart];
+        for (size_t done = 0; done < n; done += kPart) {
+            const size_t part = std::min(n - done, kPart);
+            levelsOf(pixels + done, part, levels);
+            for (size_t i = 0; i < part; ++i) {
+                const Pixel p = pixels[done + i];
+                ++found[p >= least && p <= most][levels[i]];
+            }
+        }
+    });
+    std::copy(std::begin(found[1]), std::end(found[1]), counts);
+}
+
+}  // namespace
+
+std::unique_ptr<DisplayedImage> DisplayedImage::Make(LONG dataType, Changes& changes) {
+    std::unique_ptr<TypedImage> typed = TypedImage::Make(dataType, changes);
+    return std::unique_ptr<DisplayedImage>(typed ? new DisplayedImage(std::move(typed)) : nullptr);
+}
+
+DisplayedImage::DisplayedImage(std::unique_ptr<TypedImage> typed) : typed_(std::move(typed)) {
+    WithFrame(*typed_, [&]<class Pixel>(Frame<Pixel>&) {
+        // Float images are mostly cast from bytes, and keep their grey levels.
+        if constexpr (kIsFloat<Pixel>) return;
+        state_.lower = static_cast<double>(kTypeMinimum<Pixel>);
+        state_.upper = static_cast<double>(kTypeMaximum<Pixel>);
+    });
+    PutDisplayDirty(true);
+}
+
 void DisplayedImage::ContentReplaced() {
-    TypedImage::ContentReplaced();
-    state_.band = bandToProcess();
+    typed_->ContentReplaced();
+    state_.band = typed_->bandToProcess();
     PutDisplayDirty(true);
 }
 
 const DisplayBitmap& DisplayedImage::Display() {
     if (current_ && !DisplayDirty()) return bitmap_;
-    const ImageStore& image = store();
-    if (image.empty() || image.refused()) {
+    if (store().empty() || store().refused()) {
         bitmap_ = DisplayBitmap();
     } else {
-        const auto width = static_cast<size_t>(image.layout().width);
-        const auto height = static_cast<size_t>(image.layout().height);
-        // At most 4/3 of the image's own bytes, as colours come from three bands or more: the product below does not
-        // overflow.
-        const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
-        current_ = false;
-        bitmap_.pixels.Resize(height * rowStride);
-        bitmap_.width = image.layout().width;
-        bitmap_.height = image.layout().height;
-        bitmap_.bitsPerPixel = ShowsColor() ? 32 : 8;
-        bitmap_.rowStride = rowStride;
-        ComputeLevels(bitmap_);
+        Compute();
     }
     PutDisplayDirty(false);
     current_ = true;
     return bitmap_;
 }
 
+void DisplayedImage::Compute() {
+    const ImageLayout& layout = store().layout();
+    const auto width = static_cast<size_t>(layout.width);
+    const auto height = static_cast<size_t>(layout.height);
+    // At most 4/3 of the image's own bytes, as colours come from three bands or more: the product below does not
+    // overflow.
+    const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
+    current_ = false;
+    bitmap_.pixels.Resize(height * rowStride);
+    bitmap_.width = layout.width;
+    bitmap_.height = layout.height;
+    bitmap_.bitsPerPixel = ShowsColor() ? 32 : 8;
+    bitmap_.rowStride = rowStride;
+    WithFrame(*typed_, [&]<class Pixel>(Frame<Pixel>& frame) {
+        const auto levelsOf = LevelsOf<Pixel>(state_);
+        if (ShowsColor()) return ComputeColors(frame, levelsOf, state_.colors, bitmap_);
+        ComputeLevels(frame.view(ShownBand()), levelsOf, bitmap_);
+    });
+}
+
 std::optional<ShownPixel> DisplayedImage::Shown(int32_t x, int32_t y) {
     const DisplayBitmap& bitmap = Display();
     if (bitmap.bitsPerPixel == 0) return std::nullopt;
+    const double value =
+        WithFrame(*typed_, [&](auto& frame) { return static_cast<double>(frame.view(ShownBand()).row(y)[x]); });
     const uint8_t* const row = bitmap.row(y);
-    if (bitmap.bitsPerPixel == 8) return ShownPixel{ShownValue(x, y), GetColor(row[x])};
+    if (bitmap.bitsPerPixel == 8) return ShownPixel{value, GetColor(row[x])};
     const uint8_t* const pixel = row + 4 * static_cast<ptrdiff_t>(x);
-    return ShownPixel{ShownValue(x, y), static_cast<OLE_COLOR>(pixel[0] << 16 | pixel[1] << 8 | pixel[2])};
+    return ShownPixel{value, static_cast<OLE_COLOR>(pixel[0] << 16 | pixel[1] << 8 | pixel[2])};
 }
 
 bool DisplayedImage::ShowsColor() { return state_.band == BI_AllBands && store().layout().bands >= 3; }
 
-PointOperation<uint8_t> DisplayedImage::ColorsOf(int32_t channel) const {
-    uint8_t table[256];
-    std::transform(state_.colors.begin(), state_.colors.end(), table, [&](const PaletteEntry& color) {
-        return channel == 0 ? color.red : channel == 1 ? color.green : color.blue;
-    });
-    return PointOperation<uint8_t>::LookUp(table);
-}
-
 void DisplayedImage::PutDisplayState(const DisplayState& state) {
     state_ = state;
-    PutDisplayDirty(true);
+    PutDisplayRange(state.lower, state.upper);
 }
 
 void DisplayedImage::PutBandToDisplay(LONG band) {
     if (band != BI_AllBands && (band < 0 || band >= store().layout().bands))
         throw Failure("IDisplayProcess::put_BandToDisplay: invalid band to process");
     state_.band = band;
+    ++store().changes().kept;
     PutDisplayDirty(true);
 }
 
 void DisplayedImage::PutDisplayDirty(bool dirty) {
     current_ = false;
-    dirty_ = dirty;
-    seen_ = store().changes();
+    Changes& changes = store().changes();
+    shown_ = changes;
+    if (dirty) ++changes.display;
 }
 
 OLE_COLOR DisplayedImage::GetColor(LONG entry) const {
@@ -100,10 +180,42 @@ void DisplayedImage::PutColor(LONG entry, OLE_COLOR color) {
     if (entry < 0 || entry > 255) throw Failure("IDisplayProcess: color table entry is out of range.");
     state_.colors[static_cast<size_t>(entry)] = {static_cast<uint8_t>(color >> 16), static_cast<uint8_t>(color >> 8),
                                                  static_cast<uint8_t>(color), 0};
+    ++store().changes().kept;
     if (bitmap_.bitsPerPixel == 32) current_ = false;
 }
 
-void DisplayedImage::Equalize(const uint64_t (&counts)[256]) {
+void DisplayedImage::PutDisplayRange(double lower, double upper) {
+    WithFrame(*typed_, [&]<class Pixel>(Frame<Pixel>&) {
+        state_.lower = static_cast<double>(TruncateToPixel<Pixel>(lower));
+        state_.upper = static_cast<double>(TruncateToPixel<Pixel>(upper));
+    });
+    ++store().changes().kept;
+    PutDisplayDirty(true);
+}
+
+HRESULT DisplayedImage::SnapDisplayRange(double trimLeft, double trimRight, bool roundOut) {
+    constexpr LONG kBins = 1024;
+    const auto range = WithFrame(
+        *typed_, [&](auto& frame) { return TrimmedRange(frame.Select(bandToDisplay()), trimLeft, trimRight, kBins); });
+    if (!range) return S_FALSE;
+    PutDisplayRange(range->lower, range->upper);
+    if (!roundOut) return S_OK;
+    if (state_.lower >= 0 && state_.upper <= 1) {
+        PutDisplayRange(0, 1);
+        return S_OK;
+    }
+    const double steps[] = {255.0, 1023.0, 4095.0, 65535.0};
+    const auto most = std::find_if(std::begin(steps), std::end(steps), [&](double v) { return state_.upper <= v; });
+    if (most != std::end(steps)) PutDisplayRange(0, *most);
+    return S_OK;
+}
+
+void DisplayedImage::EqualizeColorTable() {
+    uint64_t counts[256] = {};
+    WithFrame(*typed_, [&](auto& frame) {
+        const auto at = frame.Select(bandToDisplay());  // before the range is read: clients may put it
+        CountLevels(at, state_, counts);
+    });
     const uint64_t total = std::accumulate(std::begin(counts), std::end(counts), uint64_t{0});
     if (total < 1) throw Failure("IDisplayProcess::EqualizeColorTable: empty histogram");
     uint64_t sum = 0;

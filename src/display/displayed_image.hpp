@@ -1,12 +1,14 @@
-// One typed image with its processing frame and its display: what OrlixImage forwards to.
+// One typed image and its display: what the image object forwards to.
 #pragma once
+
+#include <orlix/orlix.h>
 
 #include <memory>
 #include <optional>
 
 #include "display/display_bitmap.hpp"
 #include "display/display_state.hpp"
-#include "points/point_operations.hpp"
+#include "image/changes.hpp"
 #include "process/typed_image.hpp"
 
 namespace orlix {
@@ -20,14 +22,18 @@ struct ShownPixel {
 // The operations are those of IDisplayProcess, which documents them. Notes:
 //  (1) The display range and the colour table stay while the pixel type stays; the band to display is set anew by a
 //      creation, as the band to process is.
-//  (2) Display() follows every change that goes through this class or is marked by store().SetModified(true). Whoever
-//      writes pixels through a pointer says so by PutDisplayDirty().
-class DisplayedImage : public TypedImage {
+//  (2) Display() follows every change that is counted in the image's record (image/changes.hpp). Whoever writes pixels
+//      through a pointer says so by PutDisplayDirty().
+class DisplayedImage {
 public:
-    // Null for a type that OrlixImage does not create.
-    static std::unique_ptr<DisplayedImage> Make(LONG dataType);
+    // Null for a type that images do not have. changes: the record of the image object, which outlives this.
+    static std::unique_ptr<DisplayedImage> Make(LONG dataType, Changes& changes);
 
-    void ContentReplaced() override;
+    TypedImage& typed() { return *typed_; }
+    ImageStore& store() { return typed_->store(); }
+
+    // To be called after every creation.
+    void ContentReplaced();
 
     // The bitmap as it is now; computed anew only when something changed since the last call. Valid until the next call
     // and until the image is released. Raises std::bad_alloc.
@@ -44,41 +50,35 @@ public:
     LONG bandToDisplay() const { return state_.band; }
     void PutBandToDisplay(LONG band);
 
-    bool DisplayDirty() { return dirty_ || store().changes() != seen_; }
+    bool DisplayDirty() { return !store().changes().ShownAs(shown_); }
     // Either value has the levels computed anew.
     void PutDisplayDirty(bool dirty);
 
     OLE_COLOR GetColor(LONG entry) const;
     void PutColor(LONG entry, OLE_COLOR color);
-    virtual void EqualizeColorTable() = 0;
+    void EqualizeColorTable();
 
-    // The range is held in the pixel type; a double holds every value of it exactly.
-    virtual void GetDisplayRange(double& lower, double& upper) const = 0;
-    virtual void PutDisplayRange(double lower, double upper) = 0;
-    virtual HRESULT SnapDisplayRange(double trimLeft, double trimRight, bool roundOut) = 0;
+    void GetDisplayRange(double& lower, double& upper) const {
+        lower = state_.lower;
+        upper = state_.upper;
+    }
+    void PutDisplayRange(double lower, double upper);
+    HRESULT SnapDisplayRange(double trimLeft, double trimRight, bool roundOut);
 
-protected:
-    DisplayedImage() = default;
+private:
+    explicit DisplayedImage(std::unique_ptr<TypedImage> typed);
 
-    // EqualizeColorTable for the counts of the display levels.
-    void Equalize(const uint64_t (&counts)[256]);
-
+    void Compute();
     // For an image that is not empty: all of three bands or more are shown in colour (the first three of them), else
     // the band that is chosen, or the first.
     bool ShowsColor();
     int32_t ShownBand() const { return state_.band == BI_AllBands ? 0 : state_.band; }
-    // The component of the colour table for a channel: 0 red, 1 green, 2 blue.
-    PointOperation<uint8_t> ColorsOf(int32_t channel) const;
-    virtual double ShownValue(int32_t x, int32_t y) = 0;
-    // Fills the bitmap; its size has been set.
-    virtual void ComputeLevels(const DisplayBitmap& bitmap) = 0;
 
-private:
+    std::unique_ptr<TypedImage> typed_;
     DisplayState state_;
     DisplayBitmap bitmap_;
-    bool current_ = false;  // bitmap_ was computed since the display was last changed
-    bool dirty_ = true;
-    uint64_t seen_ = 0;  // store().changes() that dirty_ speaks of
+    bool current_ = false;  // bitmap_ was computed of what shown_ tells
+    Changes shown_;
 };
 
 }  // namespace orlix

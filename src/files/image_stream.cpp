@@ -295,8 +295,7 @@ ImageContent ReadPixels(Reader& reader, const ImageLayout& layout, LONG type) {
     // Pixels are allocated once enough bytes have arrived to hold them all; the other bytes pass through a buffer.
     const size_t first = static_cast<size_t>((layout.totalSize + kLargestExpansion - 1) / kLargestExpansion);
     std::vector<uint8_t> buffer = reader.Elements<std::vector<uint8_t>>(first);
-    ImageContent content =
-        ImageStore(type).MakeContent(layout.width, layout.height, layout.bands, ImageStore::Bytes::Unset);
+    ImageContent content = MakeContent(type, layout.width, layout.height, layout.bands, Samples::Unset);
     Inflater inflater({});
     size_t done = 0;
     uint32_t left = compressedSize - static_cast<uint32_t>(first);

@@ -61,14 +61,14 @@ void ImageStore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG 
     if (zero) std::memset(buffer, 0, layout.totalSize);
 }
 
-ImageContent ImageStore::MakeContent(LONG width, LONG height, LONG bands, Bytes bytes) const {
+ImageContent MakeContent(LONG dataType, LONG width, LONG height, LONG bands, Samples samples) {
     if (width <= 0) throw Failure("IImageVPAEx::Create: Width must be positive.", DISP_E_EXCEPTION);
     if (height <= 0) throw Failure("IImageVPAEx::Create: Height must be positive.", DISP_E_EXCEPTION);
     if (bands <= 0) throw Failure("IImageVPAEx::Create: Bands must be positive.", DISP_E_EXCEPTION);
     ImageContent content;
-    content.layout = MakeLayout(width, height, bands, dataType_);
+    content.layout = MakeLayout(width, height, bands, dataType);
     content.table = MakeOffsetTable(content.layout);
-    if (bytes == Bytes::Unset)
+    if (samples == Samples::Unset)
         content.owned = PixelBuffer::Unset(content.layout.totalSize);
     else
         content.owned.Resize(content.layout.totalSize);
@@ -78,7 +78,7 @@ ImageContent ImageStore::MakeContent(LONG width, LONG height, LONG bands, Bytes 
 
 void ImageStore::Replace(ImageContent&& content) noexcept {
     content_ = std::move(content);
-    SetModified(true);
+    ++changes_.pixels;
 }
 
 void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry> table) {
@@ -87,7 +87,7 @@ void ImageStore::Reset(const ImageLayout& layout, std::vector<VPAEntry> table) {
     content_.refused = false;
     content_.coordinates = kIdentityMap;
     content_.properties = ImageProperties();
-    SetModified(true);
+    ++changes_.pixels;
 }
 
 }  // namespace orlix

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "component/failure.hpp"
+#include "image/changes.hpp"
 #include "image/coordinate_map.hpp"
 #include "image/image_layout.hpp"
 #include "image/pixel_buffer.hpp"
@@ -53,26 +54,38 @@ struct ImageContent {
     ImageProperties properties;
 };
 
+// What a new content holds. Unset leaves the bytes uninitialised, for callers that overwrite all of them, the padding
+// included.
+enum class Samples { Zero, Unset };
+
+// A content of its own, to be filled and then put in the place of an old one: a copy or a load that fails on the way
+// leaves the image as it was, and the source may lie in the old content. The texts are those of
+// IImageVPAExPlus::Create.
+ImageContent MakeContent(LONG dataType, LONG width, LONG height, LONG bands, Samples samples = Samples::Zero);
+
 class ImageStore {
 public:
-    explicit ImageStore(LONG dataType) : dataType_(dataType) {}
+    // changes: the record of the image object, which outlives this.
+    ImageStore(LONG dataType, Changes& changes) : dataType_(dataType), changes_(changes) {}
 
     LONG dataType() const { return dataType_; }
     const ImageLayout& layout() const { return content_.layout; }
     bool empty() const { return !content_.data; }
     bool refused() const { return content_.refused; }
     const ImageContent& content() const { return content_; }
-    TCoordinateMap& coordinates() { return content_.coordinates; }
-    ImageProperties& properties() { return content_.properties; }
+    Changes& changes() { return changes_; }
 
-    // Set by every creation and every operation that writes pixels or settings that a stream keeps; saving clears it.
-    bool modified() const { return modified_; }
-    void SetModified(bool modified) {
-        modified_ = modified;
-        if (modified) ++changes_;
+    const TCoordinateMap& coordinates() const { return content_.coordinates; }
+    void PutCoordinates(const TCoordinateMap& coordinates) {
+        content_.coordinates = coordinates;
+        ++changes_.kept;
     }
-    // How often it was set: what was computed from the pixels holds as long as this stays.
-    uint64_t changes() const { return changes_; }
+    const ImageProperties& properties() const { return content_.properties; }
+    // For a change that nothing refuses any more.
+    ImageProperties& ChangeProperties() {
+        ++changes_.kept;
+        return content_.properties;
+    }
 
     // IImageVPAExPlus::Create for an image of this type: checks, texts and what stays as documented there. A
     // failure leaves the image as it was.
@@ -83,11 +96,7 @@ public:
     // buffer that overlaps its pixels is refused without being looked at, since those are given back.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero, const ImageStore* former);
 
-    // A content of its own, to be filled and then put in the place of the old one: a copy or a load that
-    // fails on the way leaves the image as it was, and the source may lie in the old content. All bytes are 0, or, for
-    // who writes each of them, padding included, anything.
-    enum class Bytes { Zero, Unset };
-    ImageContent MakeContent(LONG width, LONG height, LONG bands, Bytes bytes = Bytes::Zero) const;
+    // Puts a content of this image's type in the place of the old one.
     void Replace(ImageContent&& content) noexcept;
 
     // Base address of a band, 0 <= band < bands, and the table's entry 0. The address of a refused buffer may be
@@ -103,8 +112,7 @@ private:
     void Reset(const ImageLayout& layout, std::vector<VPAEntry> table);
 
     LONG dataType_;
-    bool modified_ = false;
-    uint64_t changes_ = 0;
+    Changes& changes_;
     ImageContent content_;
 };
 

@@ -1,11 +1,13 @@
 #include "orlix_image/kernels_in_use.hpp"
 
+#include <cstddef>
+#include <iterator>
+#include <vector>
+
 #include "display/display_level_kernels.hpp"
 #include "display/raster_kernels.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
-#include "filters/linear_filter_kernels.hpp"
-#include "filters/median_kernels.hpp"
-#include "filters/sobel_kernels.hpp"
+#include "filters/filter_table.hpp"
 #include "fits/correction_kernels.hpp"
 #include "fits/hemisphere_kernels.hpp"
 #include "fits/moments_kernels.hpp"
@@ -19,8 +21,24 @@
 
 namespace orlix {
 
-std::span<const KernelInUse> KernelsInUse() {
-    static const KernelInUse kernels[] = {
+namespace {
+
+// The rows of the filters, where there is a choice of variants.
+void AddFilters(std::vector<KernelInUse>& kernels) {
+    for (size_t i = 0; i < std::size(kFilters<uint8_t>); ++i) {
+        const auto add = [&](const auto& row, const char* pixels) {
+            if (row.kernels.size() == 1) return;
+            kernels.push_back({std::string(row.name) + ", " + pixels, ChosenVariant(row.kernels).name});
+        };
+        add(kFilters<uint8_t>[i], "8 bits");
+        add(kFilters<uint16_t>[i], "16 bits");
+        add(kFilters<uint32_t>[i], "32 bits");
+        add(kFilters<float>[i], "float");
+    }
+}
+
+std::vector<KernelInUse> Collect() {
+    std::vector<KernelInUse> kernels = {
         {"invert and add, 8 bits", ChosenVariant(kRamp<uint8_t>).name},
         {"invert and add, 16 bits", ChosenVariant(kRamp<uint16_t>).name},
         {"invert and add, 32 bits", ChosenVariant(kRamp<uint32_t>).name},
@@ -50,72 +68,61 @@ std::span<const KernelInUse> KernelsInUse() {
         {"add image, 8 bits", ChosenVariant(kPlus<uint8_t, uint8_t>).name},
         {"add image, 16 bits", ChosenVariant(kPlus<uint16_t, uint16_t>).name},
         {"add image, float", ChosenVariant(kPlus<float, float>).name},
-        {"Gaussian 3x3, 8 bits", ChosenVariant(kGaussian3x3<uint8_t>).name},
-        {"Gaussian 3x3, 16 bits", ChosenVariant(kGaussian3x3<uint16_t>).name},
-        {"Gaussian 3x3, float", ChosenVariant(kGaussian3x3<float>).name},
-        {"Gaussian 5x5, 8 bits", ChosenVariant(kGaussian5x5<uint8_t>).name},
-        {"Gaussian 5x5, 16 bits", ChosenVariant(kGaussian5x5<uint16_t>).name},
-        {"Gaussian 5x5, float", ChosenVariant(kGaussian5x5<float>).name},
-        {"Laplacian, 8 bits", ChosenVariant(kLaplacian<uint8_t>).name},
-        {"Laplacian, 16 bits", ChosenVariant(kLaplacian<uint16_t>).name},
-        {"Laplacian, float", ChosenVariant(kLaplacian<float>).name},
-        {"low sharpening, 8 bits", ChosenVariant(kSharpenLow<uint8_t>).name},
-        {"low sharpening, 16 bits", ChosenVariant(kSharpenLow<uint16_t>).name},
-        {"low sharpening, float", ChosenVariant(kSharpenLow<float>).name},
-        {"medium sharpening, 8 bits", ChosenVariant(kSharpenMedium<uint8_t>).name},
-        {"medium sharpening, 16 bits", ChosenVariant(kSharpenMedium<uint16_t>).name},
-        {"medium sharpening, float", ChosenVariant(kSharpenMedium<float>).name},
-        {"Sobel, 8 bits", ChosenVariant(kSobel<uint8_t>).name},
-        {"Sobel, 16 bits", ChosenVariant(kSobel<uint16_t>).name},
-        {"Sobel, float", ChosenVariant(kSobel<float>).name},
-        {"median, 8 bits", ChosenVariant(kMedian3x3<uint8_t>).name},
-        {"median, 16 bits", ChosenVariant(kMedian3x3<uint16_t>).name},
-        {"median, 32 bits", ChosenVariant(kMedian3x3<uint32_t>).name},
-        {"median, float", ChosenVariant(kMedian3x3<float>).name},
-        {"extremum sharpening, 8 bits", ChosenVariant(kExtremum<uint8_t>).name},
-        {"extremum sharpening, 16 bits", ChosenVariant(kExtremum<uint16_t>).name},
-        {"extremum sharpening, 32 bits", ChosenVariant(kExtremum<uint32_t>).name},
-        {"extremum sharpening, float", ChosenVariant(kExtremum<float>).name},
-        {"extremum sharpening of 3x3, 8 bits", ChosenVariant(kExtremumSharpening3x3<uint8_t>).name},
-        {"extremum sharpening of 3x3, 16 bits", ChosenVariant(kExtremumSharpening3x3<uint16_t>).name},
-        {"extremum sharpening of 3x3, 32 bits", ChosenVariant(kExtremumSharpening3x3<uint32_t>).name},
-        {"extremum sharpening of 3x3, float", ChosenVariant(kExtremumSharpening3x3<float>).name},
-        {"plane, 8 bits", ChosenVariant(kMoments<uint8_t, 1>).name},
-        {"plane, 16 bits", ChosenVariant(kMoments<uint16_t, 1>).name},
-        {"plane, 32 bits", ChosenVariant(kMoments<uint32_t, 1>).name},
-        {"plane, float", ChosenVariant(kFloatMoments<1>).name},
-        {"surfaces, 8 bits", ChosenVariant(kMoments<uint8_t, 3>).name},
-        {"surfaces, 16 bits", ChosenVariant(kMoments<uint16_t, 3>).name},
-        {"surfaces, 32 bits", ChosenVariant(kMoments<uint32_t, 3>).name},
-        {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
-        {"surface values", ChosenVariant(kShifts).name},
-        {"hemisphere values", ChosenVariant(kHemisphereRow).name},
-        {"robust score, 8 bits", ChosenVariant(kClippedSquares<uint8_t>).name},
-        {"robust score, selection, 8 bits", ChosenVariant(kDivideSquares<uint8_t>).name},
-        {"robust score, 16 bits", ChosenVariant(kClippedSquares<uint16_t>).name},
-        {"robust score, selection, 16 bits", ChosenVariant(kDivideSquares<uint16_t>).name},
-        {"robust score, 32 bits", ChosenVariant(kClippedSquares<uint32_t>).name},
-        {"robust score, selection, 32 bits", ChosenVariant(kDivideSquares<uint32_t>).name},
-        {"robust score, float", ChosenVariant(kClippedSquares<float>).name},
-        {"robust score, selection, float", ChosenVariant(kDivideSquares<float>).name},
-        {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
-        {"correct with a polynomial, 8 bits", ChosenVariant(kCorrectRow).name},
-        {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
-        {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
-        {"correct, float", ChosenVariant(kCorrect<float>).name},
-        {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
-        {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
-        {"display levels, float", ChosenVariant(kLevels<float>).name},
-        {"picture, greys", ChosenVariant(kExpandGrey).name},
-        {"picture, colour table", ChosenVariant(kExpandLevels).name},
-        {"picture, colours of planes", ChosenVariant(kExpandPlanes).name},
-        {"picture, greys of some columns", ChosenVariant(kPickGrey).name},
-        {"picture, colour table of some columns", ChosenVariant(kPickLevels).name},
-        {"picture, pixels of some columns", ChosenVariant(kPickPixels).name},
-        {"picture, rows", ChosenVariant(kWeighRows).name},
-        {"picture, interpolation", ChosenVariant(kInterpolate).name},
-        {"picture, averages", ChosenVariant(kAverage).name},
     };
+    AddFilters(kernels);
+    kernels.insert(kernels.end(),
+                   {
+                       {"extremum sharpening, 8 bits", ChosenVariant(kExtremum<uint8_t>).name},
+                       {"extremum sharpening, 16 bits", ChosenVariant(kExtremum<uint16_t>).name},
+                       {"extremum sharpening, 32 bits", ChosenVariant(kExtremum<uint32_t>).name},
+                       {"extremum sharpening, float", ChosenVariant(kExtremum<float>).name},
+                       {"extremum sharpening of 3x3, 8 bits", ChosenVariant(kExtremumSharpening3x3<uint8_t>).name},
+                       {"extremum sharpening of 3x3, 16 bits", ChosenVariant(kExtremumSharpening3x3<uint16_t>).name},
+                       {"extremum sharpening of 3x3, 32 bits", ChosenVariant(kExtremumSharpening3x3<uint32_t>).name},
+                       {"extremum sharpening of 3x3, float", ChosenVariant(kExtremumSharpening3x3<float>).name},
+                       {"plane, 8 bits", ChosenVariant(kMoments<uint8_t, 1>).name},
+                       {"plane, 16 bits", ChosenVariant(kMoments<uint16_t, 1>).name},
+                       {"plane, 32 bits", ChosenVariant(kMoments<uint32_t, 1>).name},
+                       {"plane, float", ChosenVariant(kFloatMoments<1>).name},
+                       {"surfaces, 8 bits", ChosenVariant(kMoments<uint8_t, 3>).name},
+                       {"surfaces, 16 bits", ChosenVariant(kMoments<uint16_t, 3>).name},
+                       {"surfaces, 32 bits", ChosenVariant(kMoments<uint32_t, 3>).name},
+                       {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
+                       {"surface values", ChosenVariant(kShifts).name},
+                       {"hemisphere values", ChosenVariant(kHemisphereRow).name},
+                       {"robust score, 8 bits", ChosenVariant(kClippedSquares<uint8_t>).name},
+                       {"robust score, selection, 8 bits", ChosenVariant(kDivideSquares<uint8_t>).name},
+                       {"robust score, 16 bits", ChosenVariant(kClippedSquares<uint16_t>).name},
+                       {"robust score, selection, 16 bits", ChosenVariant(kDivideSquares<uint16_t>).name},
+                       {"robust score, 32 bits", ChosenVariant(kClippedSquares<uint32_t>).name},
+                       {"robust score, selection, 32 bits", ChosenVariant(kDivideSquares<uint32_t>).name},
+                       {"robust score, float", ChosenVariant(kClippedSquares<float>).name},
+                       {"robust score, selection, float", ChosenVariant(kDivideSquares<float>).name},
+                       {"correct, 8 bits", ChosenVariant(kCorrect<uint8_t>).name},
+                       {"correct with a polynomial, 8 bits", ChosenVariant(kCorrectRow).name},
+                       {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
+                       {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
+                       {"correct, float", ChosenVariant(kCorrect<float>).name},
+                       {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
+                       {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
+                       {"display levels, float", ChosenVariant(kLevels<float>).name},
+                       {"picture, greys", ChosenVariant(kExpandGrey).name},
+                       {"picture, colour table", ChosenVariant(kExpandLevels).name},
+                       {"picture, colours of planes", ChosenVariant(kExpandPlanes).name},
+                       {"picture, greys of some columns", ChosenVariant(kPickGrey).name},
+                       {"picture, colour table of some columns", ChosenVariant(kPickLevels).name},
+                       {"picture, pixels of some columns", ChosenVariant(kPickPixels).name},
+                       {"picture, rows", ChosenVariant(kWeighRows).name},
+                       {"picture, interpolation", ChosenVariant(kInterpolate).name},
+                       {"picture, averages", ChosenVariant(kAverage).name},
+                   });
+    return kernels;
+}
+
+}  // namespace
+
+std::span<const KernelInUse> KernelsInUse() {
+    static const std::vector<KernelInUse> kernels = Collect();
     return kernels;
 }
 

@@ -2,13 +2,13 @@
 #pragma once
 
 #include <span>
+#include <string>
 
 namespace orlix {
 
-// All kernels of the module and the variant that each uses in this process, in a fixed order. Names are ASCII and
-// static.
+// All kernels of the module and the variant that each uses in this process, in a fixed order. Names are ASCII.
 struct KernelInUse {
-    const char* kernel;   // "threshold 8-bit"
+    std::string kernel;   // "threshold, 8 bits"
     const char* variant;  // "avx2"
 };
 std::span<const KernelInUse> KernelsInUse();

@@ -6,27 +6,23 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <utility>
 #include <vector>
 
 #include "geometry/region_rows.hpp"
 #include "image/pixel_view.hpp"
 #include "image/source_image.hpp"
-#include "points/pixel_conversion.hpp"
+#include "process/frame_settings.hpp"
 #include "process/look_ahead.hpp"
 
 namespace orlix {
 
-// What a client sets for the operations of one pixel type.
 template <class Pixel>
-struct FrameSettings {
-    Pixel lower = kTypeMinimum<Pixel>;  // the luminance range
-    Pixel upper = kTypeMaximum<Pixel>;
-    LONG bins = 256;
-    // Of as many entries as bins; null while all hold their default. Shared with selections, which only read it.
-    std::shared_ptr<std::vector<Pixel>> table;
-};
+class Frame;
+
+// The bands of a source beside those of a selection.
+template <class From>
+using SourceViews = std::vector<PixelView<const From>>;
 
 // What clients have answered so far: the rows to visit, for the image as it was when they were asked.
 struct Gathered {
@@ -68,10 +64,14 @@ public:
     void ForEachRun(const Visit& visit) const {
         for (int32_t band = 0; band < bands(); ++band) ForEachRunOf(view(band), visit);
     }
+    // operation(pixels, n) on all of them.
+    template <class Operation>
+    void Apply(Operation&& operation) const {
+        ForEachRun([&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
+    }
 
 private:
-    template <class Image, class Base>
-    friend class Frame;
+    friend class Frame<Pixel>;
 
     Selection(Gathered&& gathered, const FrameSettings<Pixel>& settings, PixelView<Pixel> first, size_t bandSize)
         : gathered_(std::move(gathered)), settings_(settings), first_(first), bandSamples_(bandSize / sizeof(Pixel)) {}

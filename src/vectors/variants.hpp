@@ -43,24 +43,39 @@ struct Variant {
 };
 
 // The best variants that a processor can run, best first. Every table ends with a variant for Cpu::Any.
+template <class Fn>
+std::span<const Variant<Fn>> SupportedBy(Cpu cpu, std::span<const Variant<Fn>> table) noexcept {
+    while (table.size() > 1 && table.front().cpu > cpu) table = table.subspan(1);
+    return table;
+}
 template <class Fn, size_t N>
 std::span<const Variant<Fn>> SupportedBy(Cpu cpu, const Variant<Fn> (&table)[N]) noexcept {
-    size_t first = 0;
-    while (first + 1 < N && table[first].cpu > cpu) ++first;
-    return {table + first, N - first};
+    return SupportedBy(cpu, std::span<const Variant<Fn>>(table));
 }
 
 // For tests and benchmarks, whatever ORLIX_VARIANT says.
+template <class Fn>
+std::span<const Variant<Fn>> SupportedOnThisCpu(std::span<const Variant<Fn>> table) noexcept {
+    return SupportedBy(CpuOfThisMachine(), table);
+}
 template <class Fn, size_t N>
 std::span<const Variant<Fn>> SupportedOnThisCpu(const Variant<Fn> (&table)[N]) noexcept {
     return SupportedBy(CpuOfThisMachine(), table);
 }
 
-template <class Fn, size_t N>
-const Variant<Fn>& ChosenVariant(const Variant<Fn> (&table)[N]) noexcept {
+template <class Fn>
+const Variant<Fn>& ChosenVariant(std::span<const Variant<Fn>> table) noexcept {
     return SupportedBy(CpuInUse(), table).front();
 }
+template <class Fn, size_t N>
+const Variant<Fn>& ChosenVariant(const Variant<Fn> (&table)[N]) noexcept {
+    return ChosenVariant(std::span<const Variant<Fn>>(table));
+}
 
+template <class Fn>
+Fn Choose(std::span<const Variant<Fn>> table) noexcept {
+    return ChosenVariant(table).fn;
+}
 template <class Fn, size_t N>
 Fn Choose(const Variant<Fn> (&table)[N]) noexcept {
     return ChosenVariant(table).fn;

@@ -9,6 +9,8 @@
 #include <numeric>
 #include <random>
 
+#include <orlix/filters.hpp>
+
 #include "contract/support.hpp"
 
 namespace orlix::testing {
@@ -88,6 +90,17 @@ const std::vector<Filter>& Filters() {
         {"ExtremumSharpening", 4, extremum(4), NearerExtreme},
     };
     return filters;
+}
+
+TEST(NamedFilters, AreAllTestedHereAndFoundByNameAndWord) {
+    for (const NamedFilter& named : kNamedFilters) {
+        EXPECT_TRUE(std::any_of(Filters().begin(), Filters().end(), [&](const Filter& f) {
+            return f.name == named.name;
+        })) << named.name;
+        EXPECT_EQ(&named, FindFilter(named.name));
+        EXPECT_EQ(&named, FindFilter(named.word));
+    }
+    EXPECT_EQ(nullptr, FindFilter("sobel "));
 }
 
 // Pixels without an image: any column and row can be asked for.

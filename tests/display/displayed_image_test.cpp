@@ -7,9 +7,17 @@
 namespace orlix {
 namespace {
 
+struct TestImage {
+    explicit TestImage(LONG dataType) : image(DisplayedImage::Make(dataType, *changes)) {}
+    DisplayedImage* operator->() const { return image.get(); }
+
+    std::unique_ptr<Changes> changes = std::make_unique<Changes>();
+    std::unique_ptr<DisplayedImage> image;
+};
+
 // Pixel (x, y) of a band is 100 band + 10 y + x.
-std::unique_ptr<DisplayedImage> Bytes(LONG width, LONG height, LONG bands) {
-    auto image = DisplayedImage::Make(DT_BYTE);
+TestImage Bytes(LONG width, LONG height, LONG bands) {
+    TestImage image(DT_BYTE);
     image->store().Create(width, height, bands, DT_BYTE, true);
     image->ContentReplaced();
     for (LONG band = 0; band < bands; ++band)
@@ -55,7 +63,8 @@ TEST(DisplayBitmap, IsComputedAnewOnlyAfterAChange) {
         EXPECT_EQ(pixel, shown());
         EXPECT_FALSE(image->DisplayDirty());
     }
-    image->Invert();
+    pixel = static_cast<uint8_t>(255 - pixel);
+    ++image.changes->pixels;
     EXPECT_TRUE(image->DisplayDirty());
     EXPECT_EQ(255 - 11, shown());
     image->PutColor(0, 0xffffff);  // the levels are the same
@@ -101,7 +110,7 @@ TEST(DisplayBitmap, InColourPassesEachChannelThroughItsPartOfTheTable) {
 }
 
 TEST(DisplayBitmap, OfAnImageWithoutPixelsHasNoBits) {
-    const auto image = DisplayedImage::Make(DT_Float);
+    const TestImage image(DT_Float);
     EXPECT_EQ(0, image->Display().bitsPerPixel);
     EXPECT_EQ(0, image->Display().width);
     image->store().Create(5, 7, 1, DT_Float, true);

@@ -107,7 +107,7 @@ std::vector<Seed> MakeStreamSeeds() {
     for (const LONG type : {DT_BYTE, DT_WORD, DT_DWORD, DT_Float}) {
         StreamImage image;
         image.dataType = type;
-        image.content = ImageStore(type).MakeContent(6, 5, 2);
+        image.content = MakeContent(type, 6, 5, 2);
         for (size_t i = 0; i < image.content.layout.totalSize; ++i)
             image.content.data[i] = static_cast<uint8_t>(37 * i);
         image.content.properties.texts = {{OLESTR("Title"), OLESTR("text")}};

@@ -108,7 +108,7 @@ TEST(ImageStream, TableReachesBeyondTheShorterAxisWithZeros) {
     for (const auto& [width, height] : {std::pair{250, 3}, {3, 250}, {1, 1}, {2, 700}}) {
         StreamImage image;
         image.dataType = DT_WORD;
-        image.content = ImageStore(DT_WORD).MakeContent(width, height, 2);
+        image.content = MakeContent(DT_WORD, width, height, 2);
         const Bytes written = Written(image);
         const auto stride = static_cast<uint32_t>((2 * width + 3) / 4 * 4);
         const auto entries = static_cast<size_t>(std::max(width, height) + 400);
@@ -249,7 +249,7 @@ TEST(ImageStream, RefusesWhatDoesNotFitTogether) {
 TEST(ImageStream, LongBlocksAreReadToTheirLastByteAndNoFurther) {
     StreamImage image;
     image.dataType = DT_BYTE;
-    image.content = ImageStore(DT_BYTE).MakeContent(400, 500, 1);
+    image.content = MakeContent(DT_BYTE, 400, 500, 1);
     Noise noise(3);
     for (size_t i = 0; i < 200000; ++i) image.content.data[i] = static_cast<uint8_t>(noise());
     const Bytes pixels(image.content.data, image.content.data + 200000);

@@ -165,15 +165,16 @@ TEST(AttachingMemory, FailsWithoutATrace) {
     for (const LONG type : {DT_BYTE, DT_WORD, DT_Float}) {
         const auto image = Furnished(DT_WORD);
         std::vector<uint8_t> buffer(64 * 64 * 4, 7);
-        const int failures = FailuresUntilDone([&] { return image->AttachBuffer(buffer.data(), 64, 64, 1, type, 0); },
-                                               [&] {
-                                                   LONG bands = 0, width = 0, height = 0, before = 0;
-                                                   EXPECT_EQ(S_OK, image->Dimensions(&bands, &width, &height));
-                                                   EXPECT_EQ(S_OK, image->DataType(0, &before));
-                                                   EXPECT_EQ(300 * 200 * 2, bands * width * height);
-                                                   EXPECT_EQ(DT_WORD, before);
-                                                   EXPECT_EQ(S_OK, image->Invert());
-                                               });
+        const int failures =
+            FailuresUntilDone([&] { return image->ImagePixels::AttachBuffer(buffer.data(), 64, 64, 1, type, 0); },
+                              [&] {
+                                  LONG bands = 0, width = 0, height = 0, before = 0;
+                                  EXPECT_EQ(S_OK, image->Dimensions(&bands, &width, &height));
+                                  EXPECT_EQ(S_OK, image->DataType(0, &before));
+                                  EXPECT_EQ(300 * 200 * 2, bands * width * height);
+                                  EXPECT_EQ(DT_WORD, before);
+                                  EXPECT_EQ(S_OK, image->Invert());
+                              });
         EXPECT_GE(failures, 2);
     }
 }

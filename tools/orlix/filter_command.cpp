@@ -8,10 +8,15 @@
 #include "warnings.hpp"
 
 #include <orlix/client.hpp>
+#include <orlix/filters.hpp>
 
 #include <algorithm>
+#include <iomanip>
 #include <iostream>
 #include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace tool {
 
@@ -19,17 +24,9 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
-Filters (E the pixel, A B C / D . F / G H I its neighbours; beyond its edge an image is mirrored)
-  sobel                  strength of edges: root of the squares of both 3x3 gradients
-  laplacian              (A + C + G + I + 4 (B + D + F + H) - 20 E) / 6
-  sharpen-low            (6 E - B - D - F - H) / 2
-  sharpen-medium         5 E - B - D - F - H
-  gaussian3x3            smoothing with the weights 1 2 1 in both directions
-  gaussian5x5            smoothing with the weights 1 4 6 4 1 in both directions
-  extremum-sharpening    the smallest or largest of a square, whichever is nearer; --half-size 1 is 3x3
-  median3x3              the fifth largest of the nine
+constexpr char kExtremumSharpening[] = "extremum-sharpening";
 
+constexpr char kFooter[] = R"(
 Results are clamped to the luminance range (those of median3x3 are not). Pixels outside the region,
 and with --band the other bands, keep their values.
 The format follows the name of OUT: .png, .pgm or .ppm. With --out DIR: NAME_FILTER.png.
@@ -39,20 +36,17 @@ Examples:
   orlix filter sobel weld.png -o edges.png --roi circle:400,300,250
   orlix filter extremum-sharpening *.png --half-size 3 --out sharpened)";
 
-struct Filter {
-    const char* name;
-    HRESULT (STDMETHODCALLTYPE IImageProcess::*method)(IImageVPA*, LONG);  // null: takes the half size
-};
-constexpr Filter kFilters[] = {
-    {"sobel", &IImageProcess::Sobel},
-    {"laplacian", &IImageProcess::Laplacian},
-    {"sharpen-low", &IImageProcess::SharpenLow},
-    {"sharpen-medium", &IImageProcess::SharpenMedium},
-    {"gaussian3x3", &IImageProcess::Gaussian3x3},
-    {"gaussian5x5", &IImageProcess::Gaussian5x5},
-    {"extremum-sharpening", nullptr},
-    {"median3x3", &IImageProcess::Median3x3},
-};
+// What kFooter is the rest of.
+std::string ListOfFilters() {
+    std::ostringstream list;
+    list << "\nFilters (E the pixel, A B C / D . F / G H I its neighbours; beyond its edge an image is mirrored)";
+    const auto add = [&](const char* word, const char* formula) {
+        list << "\n  " << std::left << std::setw(23) << word << formula;
+    };
+    for (const NamedFilter& filter : kNamedFilters) add(filter.word, filter.formula);
+    add(kExtremumSharpening, "the smallest or largest of a square, whichever is nearer; --half-size 1 is 3x3");
+    return list.str() + "\n";
+}
 
 struct Options {
     LoadOptions load;
@@ -96,10 +90,8 @@ void Apply(const Options& options, const Subject& subject) {
     auto source = CreateObject<IImageVPAExPlus>("Orlix.Image");
     Check(source->CreateFromImage(subject.image.get(), BI_AllBands), source);
     const auto process = Cast<IImageProcess>(subject.image);
-    const auto filter = std::find_if(std::begin(kFilters), std::end(kFilters),
-                                     [&](const Filter& known) { return options.filter == known.name; });
-    if (filter->method)
-        Check((process.get()->*filter->method)(source.get(), subject.band), process);
+    if (const NamedFilter* filter = FindFilter(options.filter))
+        Check((process.get()->*filter->apply)(source.get(), subject.band), process);
     else
         Check(process->ExtremumSharpening(options.halfSize.value_or(1), source.get(), subject.band), process);
 }
@@ -119,7 +111,7 @@ std::string TextOf(const Json& m) {
 int FilterAll(const Options& options, const Subcommand& command) {
     SubjectSettings settings;
     options.subject.Complete(settings);
-    const bool squares = options.filter == "extremum-sharpening";
+    const bool squares = options.filter == kExtremumSharpening;
     if (options.file.empty() == options.folder.empty()) throw UsageError("give either -o OUT or --out DIR");
     if (!options.file.empty() && options.files.size() != 1)
         throw UsageError("-o is for one image; --out takes several");
@@ -170,9 +162,10 @@ int FilterAll(const Options& options, const Subcommand& command) {
 
 Command AddFilter(CLI::App& program) {
     const auto options = std::make_shared<Options>();
-    Subcommand command(program, "filter", "Smooth, sharpen or find edges", kFooter);
+    Subcommand command(program, "filter", "Smooth, sharpen or find edges", ListOfFilters() + kFooter);
     std::vector<std::string> names;
-    for (const Filter& filter : kFilters) names.emplace_back(filter.name);
+    for (const NamedFilter& filter : kNamedFilters) names.emplace_back(filter.word);
+    names.emplace_back(kExtremumSharpening);
     command.Add("NAME", options->filter, "Filter; see below").Required().OneOf(names);
     command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);

@@ -128,7 +128,7 @@ const Parameter& Parameter::ShowDefault(const char* text) const {
     return *this;
 }
 
-Subcommand::Subcommand(CLI::App& program, const char* name, const char* description, const char* footer)
+Subcommand::Subcommand(CLI::App& program, const char* name, const char* description, const std::string& footer)
     : name_(name), command_(program.add_subcommand(name, description)) {
     command_->footer(footer);
 }

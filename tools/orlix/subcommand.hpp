@@ -38,7 +38,7 @@ private:
 
 class Subcommand {
 public:
-    Subcommand(CLI::App& program, const char* name, const char* description, const char* footer);
+    Subcommand(CLI::App& program, const char* name, const char* description, const std::string& footer);
 
     // The beginning of every document of --json: schema, tool, version, command, and options, with the value of each
     // option under its long name in camel case, null if it was not given and has no default. The caller adds its

@@ -141,7 +141,10 @@ int main(int count, char** words) {
         }
     }
     PrintProgress(ReachedEdges());
-    if (tally.slowCalls > 0) status = 1;
+    if (tally.slowCalls > 0) {
+        std::printf("slow calls: %llu\n", static_cast<unsigned long long>(tally.slowCalls));
+        status = 1;
+    }
     if (options->everyMethod)
         for (const Method* const method : NeverCalled()) {
             std::printf("never called: %s::%s\n", method->interfaceName, method->name);

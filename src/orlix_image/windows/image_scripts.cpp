@@ -1,12 +1,13 @@
+#include "orlix_image/windows/image_scripts.hpp"
+
 // The zoom for scripts: IPictureExZoomDisp.
 
 #include <algorithm>
 #include <iterator>
 
-#include "orlix_image/orlix_image.hpp"
 #include "platform/module_file.hpp"
 
-using namespace orlix;
+namespace orlix {
 
 namespace {
 
@@ -22,42 +23,35 @@ constexpr struct {
                    {L"ZoomCenterX", kZoomCenterX},
                    {L"ZoomCenterY", kZoomCenterY}};
 
-HRESULT GetProperty(OrlixImage& image, DISPID id, VARIANT& result) {
-    double real = 0;
-    LONG whole = 0;
-    HRESULT got = DISP_E_MEMBERNOTFOUND;
+HRESULT GetProperty(const ZoomState& zoom, DISPID id, VARIANT& result) {
     switch (id) {
         case kWidth:
         case kHeight:
-            got = id == kWidth ? image.get_Width(&whole) : image.get_Height(&whole);
             result.vt = VT_I4;
-            result.lVal = whole;
-            return got;
+            result.lVal = id == kWidth ? zoom.width() : zoom.height();
+            return S_OK;
         case kZoomFactor:
-            got = image.get_ZoomFactor(&real);
-            break;
         case kZoomCenterX:
-            got = image.get_ZoomCenterX(&real);
-            break;
         case kZoomCenterY:
-            got = image.get_ZoomCenterY(&real);
-            break;
+            result.vt = VT_R8;
+            result.dblVal = id == kZoomFactor ? zoom.factor() : id == kZoomCenterX ? zoom.centerX() : zoom.centerY();
+            return S_OK;
         default:
-            return got;
+            return DISP_E_MEMBERNOTFOUND;
     }
-    result.vt = VT_R8;
-    result.dblVal = real;
-    return got;
 }
 
-HRESULT PutProperty(OrlixImage& image, DISPID id, double value) {
+HRESULT PutProperty(ZoomState& zoom, DISPID id, double value) {
     switch (id) {
         case kZoomFactor:
-            return image.put_ZoomFactor(value);
+            zoom.PutFactor(value);
+            return S_OK;
         case kZoomCenterX:
-            return image.put_ZoomCenterX(value);
+            zoom.PutCenterX(value);
+            return S_OK;
         case kZoomCenterY:
-            return image.put_ZoomCenterY(value);
+            zoom.PutCenterY(value);
+            return S_OK;
         default:
             return DISP_E_MEMBERNOTFOUND;
     }
@@ -79,13 +73,13 @@ HRESULT ExceptionOf(HRESULT result, EXCEPINFO* exception) {
 
 }  // namespace
 
-STDMETHODIMP OrlixImage::GetTypeInfoCount(UINT* count) noexcept {
+STDMETHODIMP ImageScripts::GetTypeInfoCount(UINT* count) noexcept {
     if (!count) return E_POINTER;
     *count = 1;
     return S_OK;
 }
 
-STDMETHODIMP OrlixImage::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
+STDMETHODIMP ImageScripts::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
     if (!info) return E_POINTER;
     *info = nullptr;
     if (index != 0) return DISP_E_BADINDEX;
@@ -96,7 +90,7 @@ STDMETHODIMP OrlixImage::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcep
     });
 }
 
-STDMETHODIMP OrlixImage::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
+STDMETHODIMP ImageScripts::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!names || !ids) return E_POINTER;
     bool all = true;
@@ -112,8 +106,8 @@ STDMETHODIMP OrlixImage::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, 
     return all ? S_OK : DISP_E_UNKNOWNNAME;
 }
 
-STDMETHODIMP OrlixImage::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
-                                EXCEPINFO* exception, UINT* badArgument) noexcept {
+STDMETHODIMP ImageScripts::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
+                                  EXCEPINFO* exception, UINT* badArgument) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!arguments) return E_POINTER;
     // Numbers are put by value: there is no DISPATCH_PROPERTYPUTREF.
@@ -126,13 +120,15 @@ STDMETHODIMP OrlixImage::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPAR
             if (badArgument) *badArgument = 0;
             return changed;
         }
-        return ExceptionOf(PutProperty(*this, id, number.dblVal), exception);
+        return ExceptionOf(Guarded([&] { return PutProperty(core().zoom, id, number.dblVal); }), exception);
     }
     if (!(flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD))) return DISP_E_MEMBERNOTFOUND;
     if (arguments->cArgs != 0) return DISP_E_BADPARAMCOUNT;
     VARIANT value;
     VariantInit(&value);
-    const HRESULT got = GetProperty(*this, id, value);
+    const HRESULT got = Guarded([&] { return GetProperty(core().zoom, id, value); });
     if (SUCCEEDED(got) && result) *result = value;
     return ExceptionOf(got, exception);
 }
+
+}  // namespace orlix

@@ -1,20 +1,18 @@
+#include "orlix_image/image_module.hpp"
+
 #include "component/strings.hpp"
 #include "orlix_image/kernels_in_use.hpp"
-#include "orlix_image/orlix_image.hpp"
 #include "platform/module_file.hpp"
 
-using namespace orlix;
+namespace orlix {
 
 namespace {
 
-BSTR AsciiToBstr(const char* text) {
-    const std::string_view view(text);
-    return CopyToBstr(WideString(view.begin(), view.end()));
-}
+BSTR AsciiToBstr(std::string_view text) { return CopyToBstr(WideString(text.begin(), text.end())); }
 
 }  // namespace
 
-STDMETHODIMP OrlixImage::get_Version(BSTR* version) noexcept {
+STDMETHODIMP ImageModule::get_Version(BSTR* version) noexcept {
     return Guarded([&] {
         Require(version);
         *version = nullptr;
@@ -22,7 +20,7 @@ STDMETHODIMP OrlixImage::get_Version(BSTR* version) noexcept {
     });
 }
 
-STDMETHODIMP OrlixImage::get_ModulePath(BSTR* path) noexcept {
+STDMETHODIMP ImageModule::get_ModulePath(BSTR* path) noexcept {
     return Guarded([&] {
         Require(path);
         *path = nullptr;
@@ -30,14 +28,14 @@ STDMETHODIMP OrlixImage::get_ModulePath(BSTR* path) noexcept {
     });
 }
 
-STDMETHODIMP OrlixImage::get_NumberOfKernels(LONG* number) noexcept {
+STDMETHODIMP ImageModule::get_NumberOfKernels(LONG* number) noexcept {
     return Guarded([&] {
         Require(number);
         *number = static_cast<LONG>(KernelsInUse().size());
     });
 }
 
-STDMETHODIMP OrlixImage::GetKernel(LONG index, BSTR* kernel, BSTR* variant) noexcept {
+STDMETHODIMP ImageModule::GetKernel(LONG index, BSTR* kernel, BSTR* variant) noexcept {
     return Guarded([&] {
         Require(kernel), Require(variant);
         *kernel = nullptr;
@@ -56,3 +54,5 @@ STDMETHODIMP OrlixImage::GetKernel(LONG index, BSTR* kernel, BSTR* variant) noex
         *kernel = name;
     });
 }
+
+}  // namespace orlix

@@ -1,10 +1,11 @@
+#include "orlix_image/image_streams.hpp"
+
 #include <algorithm>
 #include <cstring>
 
 #include "files/image_stream.hpp"
-#include "orlix_image/orlix_image.hpp"
 
-using namespace orlix;
+namespace orlix {
 
 namespace {
 
@@ -38,14 +39,18 @@ void WriteTo(IStream* stream, std::span<const uint8_t> bytes) {
     }
 }
 
-StreamSettings SettingsOf(DisplayedImage& typed) {
+StreamSettings SettingsOf(DisplayedImage& image) {
     StreamSettings settings;
-    typed.GetLuminanceRange(settings.luminanceLower, settings.luminanceUpper);
-    settings.bandToProcess = typed.bandToProcess();
-    settings.numberOfBins = typed.numberOfBins();
-    typed.GetDisplayRange(settings.displayLower, settings.displayUpper);
-    const DisplayState& display = typed.displayState();
+    WithFrame(image.typed(), [&](auto& frame) {
+        settings.luminanceLower = static_cast<double>(frame.settings().lower());
+        settings.luminanceUpper = static_cast<double>(frame.settings().upper());
+        settings.numberOfBins = frame.settings().bins();
+    });
+    settings.bandToProcess = image.typed().bandToProcess();
+    const DisplayState& display = image.displayState();
     settings.bandToDisplay = display.band;
+    settings.displayLower = display.lower;
+    settings.displayUpper = display.upper;
     static_assert(sizeof display.colors == sizeof settings.palette);
     std::memcpy(settings.palette.data(), &display.colors, sizeof settings.palette);
     const CarriedSetting& carried = display.carried;
@@ -56,48 +61,51 @@ StreamSettings SettingsOf(DisplayedImage& typed) {
 }
 
 // What a reader has checked: nothing here fails.
-void PutSettings(const StreamSettings& settings, DisplayedImage& typed) {
-    typed.PutNumberOfBins(settings.numberOfBins);
-    typed.PutLuminanceRange(settings.luminanceLower, settings.luminanceUpper);
-    typed.PutBandToProcess(settings.bandToProcess);
-    typed.PutDisplayRange(settings.displayLower, settings.displayUpper);
+void PutSettings(const StreamSettings& settings, DisplayedImage& image) {
+    WithFrame(image.typed(), [&](auto& frame) {
+        frame.PutNumberOfBins(settings.numberOfBins);
+        frame.PutLuminanceRange(settings.luminanceLower, settings.luminanceUpper);
+    });
+    image.typed().PutBandToProcess(settings.bandToProcess);
     DisplayState display;
     display.band = settings.bandToDisplay;
+    display.lower = settings.displayLower;
+    display.upper = settings.displayUpper;
     std::memcpy(&display.colors, settings.palette.data(), sizeof display.colors);
     CarriedSetting& carried = display.carried;
     std::memcpy(&carried.number, settings.displaySetting.data(), sizeof carried.number);
     std::memcpy(carried.values, settings.displaySetting.data() + sizeof carried.number, sizeof carried.values);
-    typed.PutDisplayState(display);
+    image.PutDisplayState(display);
 }
 
 }  // namespace
 
-void OrlixImage::LoadFrom(IStream* stream) {
+void ImageStreams::LoadFrom(IStream* stream) {
     StreamSource source(stream);
-    StreamImage image = ReadImageStream(source, SampleLimit(sampleLimit_));
-    std::shared_ptr<DisplayedImage> target = typed_;
-    if (!target || target->store().dataType() != image.dataType) target = DisplayedImage::Make(image.dataType);
+    StreamImage image = ReadImageStream(source, SampleLimit(core().sampleLimit));
+    std::shared_ptr<DisplayedImage> target = core().typed();
+    if (!target || target->store().dataType() != image.dataType)
+        target = DisplayedImage::Make(image.dataType, core().changes);
     target->store().Replace(std::move(image.content));
     target->ContentReplaced();
     PutSettings(image.settings, *target);
-    target->store().SetModified(false);
-    modified_ = false;
+    core().saved = core().changes;
     initialised_ = true;
-    Take(target);
+    core().Take(target);
 }
 
-STDMETHODIMP OrlixImage::GetClassID(CLSID* clsid) noexcept {
+STDMETHODIMP ImageStreams::GetClassID(CLSID* clsid) noexcept {
     return Guarded([&] {
         Require(clsid);
         *clsid = __uuidof(OrlixImage);
     });
 }
 
-STDMETHODIMP OrlixImage::IsDirty() noexcept {
-    return Guarded([&] { return modified_ || (typed_ && typed_->store().modified()) ? S_OK : S_FALSE; });
+STDMETHODIMP ImageStreams::IsDirty() noexcept {
+    return Guarded([&] { return core().changes.SavedAs(core().saved) ? S_FALSE : S_OK; });
 }
 
-STDMETHODIMP OrlixImage::Load(IStream* stream) noexcept {
+STDMETHODIMP ImageStreams::Load(IStream* stream) noexcept {
     return Guarded([&] {
         Require(stream);
         if (initialised_) throw FailedResult(E_UNEXPECTED);
@@ -105,48 +113,44 @@ STDMETHODIMP OrlixImage::Load(IStream* stream) noexcept {
     });
 }
 
-STDMETHODIMP OrlixImage::ReLoad(IStream* stream) noexcept {
+STDMETHODIMP ImageStreams::ReLoad(IStream* stream) noexcept {
     return Guarded([&] {
         Require(stream);
         LoadFrom(stream);
     });
 }
 
-STDMETHODIMP OrlixImage::Save(IStream* stream, BOOL clearDirty) noexcept {
+STDMETHODIMP ImageStreams::Save(IStream* stream, BOOL clearDirty) noexcept {
     return Guarded([&] {
         Require(stream);
-        if (!typed_ || typed_->store().empty()) throw Failure("IPersistStreamInit::Save: no image.");
-        const std::shared_ptr<DisplayedImage> typed = typed_;
-        ImageStore& store = typed->store();
+        const std::shared_ptr<DisplayedImage> typed = core().typed();
+        if (!typed || typed->store().empty()) throw Failure("IPersistStreamInit::Save: no image.");
+        const ImageStore& store = typed->store();
         if (store.refused()) throw FailedResult(E_FAIL);
         // All of it before the first write: the stream may call back and change the image.
         const StreamBytes bytes = WriteImageStream(store.dataType(), store.content(), SettingsOf(*typed));
+        const Changes written = core().changes;
         const ComPtr<IStream> held(stream);
-        const uint64_t changes = store.changes();
-        const bool modified = std::exchange(modified_, false);  // what the stream's calls change sets it again
-        try {
-            for (const std::span<const uint8_t> piece : bytes.pieces()) WriteTo(stream, piece);
-        } catch (...) {
-            modified_ |= modified;
-            throw;
-        }
-        if (!clearDirty) modified_ |= modified;
-        if (clearDirty && store.changes() == changes) store.SetModified(false);
+        for (const std::span<const uint8_t> piece : bytes.pieces()) WriteTo(stream, piece);
+        if (clearDirty && core().changes.SavedAs(written)) core().saved = written;
     });
 }
 
-STDMETHODIMP OrlixImage::GetSizeMax(ULARGE_INTEGER* size) noexcept {
+STDMETHODIMP ImageStreams::GetSizeMax(ULARGE_INTEGER* size) noexcept {
     return Guarded([&] {
         Require(size);
-        if (!typed_ || typed_->store().empty()) throw Failure("IPersistStreamInit::GetSizeMax: no image.");
-        const ImageStore& store = typed_->store();
-        size->QuadPart = LargestImageStream(store.dataType(), store.content(), SettingsOf(*typed_));
+        const std::shared_ptr<DisplayedImage>& typed = core().typed();
+        if (!typed || typed->store().empty()) throw Failure("IPersistStreamInit::GetSizeMax: no image.");
+        const ImageStore& store = typed->store();
+        size->QuadPart = LargestImageStream(store.dataType(), store.content(), SettingsOf(*typed));
     });
 }
 
-STDMETHODIMP OrlixImage::InitNew() noexcept {
+STDMETHODIMP ImageStreams::InitNew() noexcept {
     return Guarded([&] {
         if (initialised_) throw FailedResult(E_UNEXPECTED);
         initialised_ = true;
     });
 }
+
+}  // namespace orlix

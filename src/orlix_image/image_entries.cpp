@@ -1,11 +1,12 @@
+#include "orlix_image/image_entries.hpp"
+
 #include <algorithm>
 #include <cstring>
 
 #include "component/strings.hpp"
 #include "files/image_file.hpp"
-#include "orlix_image/orlix_image.hpp"
 
-using namespace orlix;
+namespace orlix {
 
 namespace {
 
@@ -15,10 +16,11 @@ auto& EntryAt(Entries& entries, LONG index, const char* outOfRange) {
     return entries[static_cast<size_t>(index)];
 }
 
-template <class Entries>
-void RemoveAt(Entries& entries, LONG index, const char* outOfRange) {
-    EntryAt(entries, index, outOfRange);
-    entries.erase(entries.begin() + index);
+template <class Entry>
+void RemoveAt(ImageStore& store, std::vector<Entry> ImageProperties::*entries, LONG index, const char* outOfRange) {
+    EntryAt(store.properties().*entries, index, outOfRange);
+    std::vector<Entry>& all = store.ChangeProperties().*entries;
+    all.erase(all.begin() + index);
 }
 
 template <class Entries>
@@ -28,14 +30,14 @@ auto FindKeyword(Entries& entries, const WideString& keyword) {
 
 }  // namespace
 
-STDMETHODIMP OrlixImage::get_NumberOfTextEntries(LONG* number) noexcept {
+STDMETHODIMP ImageEntries::get_NumberOfTextEntries(LONG* number) noexcept {
     return Guarded<IImageEntries>([&] {
         Require(number);
         *number = static_cast<LONG>(Typed()->store().properties().texts.size());
     });
 }
 
-STDMETHODIMP OrlixImage::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept {
+STDMETHODIMP ImageEntries::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noexcept {
     return Guarded<IImageEntries>([&] {
         Require(keyword), Require(text);
         *keyword = nullptr;
@@ -53,12 +55,13 @@ STDMETHODIMP OrlixImage::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) noe
     });
 }
 
-STDMETHODIMP OrlixImage::PutTextEntry(BSTR keyword, BSTR text) noexcept {
+STDMETHODIMP ImageEntries::PutTextEntry(BSTR keyword, BSTR text) noexcept {
     return Guarded<IImageEntries>([&] {
-        ImageProperties& properties = Typed()->store().properties();
+        ImageStore& store = Typed()->store();
         WideString key(ToView(keyword));
         WideString value(ToView(text));
         if (!IsFileKeyword(key)) throw Failure("IImageEntries::PutTextEntry: invalid keyword.");
+        ImageProperties& properties = store.ChangeProperties();
         std::vector<TextEntry>& texts = properties.texts;
         const auto found = FindKeyword(texts, key);
         if (key == kDescriptionKeyword) {
@@ -71,25 +74,24 @@ STDMETHODIMP OrlixImage::PutTextEntry(BSTR keyword, BSTR text) noexcept {
         } else {
             texts.push_back({std::move(key), std::move(value)});
         }
-        modified_ = true;
     });
 }
 
-STDMETHODIMP OrlixImage::RemoveTextEntry(LONG index) noexcept {
+STDMETHODIMP ImageEntries::RemoveTextEntry(LONG index) noexcept {
     return Guarded<IImageEntries>([&] {
-        RemoveAt(Typed()->store().properties().texts, index, "IImageEntries::RemoveTextEntry: Index is out of range.");
-        modified_ = true;
+        RemoveAt(Typed()->store(), &ImageProperties::texts, index,
+                 "IImageEntries::RemoveTextEntry: Index is out of range.");
     });
 }
 
-STDMETHODIMP OrlixImage::get_NumberOfBinaryEntries(LONG* number) noexcept {
+STDMETHODIMP ImageEntries::get_NumberOfBinaryEntries(LONG* number) noexcept {
     return Guarded<IImageEntries>([&] {
         Require(number);
         *number = static_cast<LONG>(Typed()->store().properties().binaries.size());
     });
 }
 
-STDMETHODIMP OrlixImage::GetBinaryEntry(LONG index, BSTR* keyword, LONG* size) noexcept {
+STDMETHODIMP ImageEntries::GetBinaryEntry(LONG index, BSTR* keyword, LONG* size) noexcept {
     return Guarded<IImageEntries>([&] {
         Require(keyword), Require(size);
         *keyword = nullptr;
@@ -101,7 +103,7 @@ STDMETHODIMP OrlixImage::GetBinaryEntry(LONG index, BSTR* keyword, LONG* size) n
     });
 }
 
-STDMETHODIMP OrlixImage::ReadBinaryEntry(LONG index, LONG offset, LONG size, unsigned char* bytes) noexcept {
+STDMETHODIMP ImageEntries::ReadBinaryEntry(LONG index, LONG offset, LONG size, unsigned char* bytes) noexcept {
     return Guarded<IImageEntries>([&] {
         Require(bytes);
         const BinaryEntry& entry = EntryAt(Typed()->store().properties().binaries, index,
@@ -112,26 +114,27 @@ STDMETHODIMP OrlixImage::ReadBinaryEntry(LONG index, LONG offset, LONG size, uns
     });
 }
 
-STDMETHODIMP OrlixImage::PutBinaryEntry(BSTR keyword, LONG size, unsigned char* bytes) noexcept {
+STDMETHODIMP ImageEntries::PutBinaryEntry(BSTR keyword, LONG size, unsigned char* bytes) noexcept {
     return Guarded<IImageEntries>([&] {
         if (size > 0) Require(bytes);
-        std::vector<BinaryEntry>& binaries = Typed()->store().properties().binaries;
+        ImageStore& store = Typed()->store();
         WideString key(ToView(keyword));
         if (!IsFileKeyword(key)) throw Failure("IImageEntries::PutBinaryEntry: invalid keyword.");
         if (size < 0) throw Failure("IImageEntries::PutBinaryEntry: Size must not be negative.");
         std::vector<uint8_t> copy(bytes, bytes + size);
+        std::vector<BinaryEntry>& binaries = store.ChangeProperties().binaries;
         if (const auto found = FindKeyword(binaries, key); found != binaries.end())
             found->bytes = std::move(copy);
         else
             binaries.push_back({std::move(key), std::move(copy)});
-        modified_ = true;
     });
 }
 
-STDMETHODIMP OrlixImage::RemoveBinaryEntry(LONG index) noexcept {
+STDMETHODIMP ImageEntries::RemoveBinaryEntry(LONG index) noexcept {
     return Guarded<IImageEntries>([&] {
-        RemoveAt(Typed()->store().properties().binaries, index,
+        RemoveAt(Typed()->store(), &ImageProperties::binaries, index,
                  "IImageEntries::RemoveBinaryEntry: Index is out of range.");
-        modified_ = true;
     });
 }
+
+}  // namespace orlix
