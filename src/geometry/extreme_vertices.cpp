@@ -130,15 +130,15 @@ std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std:
             }
     std::vector<Vertex> ends;
     for (const Vertex& corner : corners) {
-        std::vector<Vertex>& near = cells[keyOf(corner.p, 0, 0)];
-        std::sort(near.begin(), near.end(), [](const Vertex& a, const Vertex& b) {
+        std::vector<Vertex>& around = cells[keyOf(corner.p, 0, 0)];
+        std::sort(around.begin(), around.end(), [](const Vertex& a, const Vertex& b) {
             if (a.p.x != b.p.x) return a.p.x < b.p.x;
             return a.p.y != b.p.y ? a.p.y < b.p.y : a.index < b.index;
         });
         const auto last =
-            std::unique(near.begin(), near.end(), [](const Vertex& a, const Vertex& b) { return a.p == b.p; });
-        ends.insert(ends.end(), near.begin(), last);
-        near.clear();  // several corners may share a cell
+            std::unique(around.begin(), around.end(), [](const Vertex& a, const Vertex& b) { return a.p == b.p; });
+        ends.insert(ends.end(), around.begin(), last);
+        around.clear();  // several corners may share a cell
     }
     return ends;
 }

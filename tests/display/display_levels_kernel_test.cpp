@@ -133,8 +133,8 @@ TYPED_TEST(DisplayLevelKernel, RoundsHalvesAndTheirNeighboursAlike) {
     using T = TypeParam;
     std::mt19937 random(5);
     for (int round = 0; round < 300; ++round) {
-        const bool small = round % 2 == 0;
-        const auto d = static_cast<uint32_t>(small || sizeof(T) == 2    ? random() % 65535 + 1
+        const bool few = round % 2 == 0;
+        const auto d = static_cast<uint32_t>(few || sizeof(T) == 2      ? random() % 65535 + 1
                                              : std::is_same_v<T, float> ? random() % 0xffffff + 1
                                                                         : random());
         const uint64_t least = sizeof(T) == 2 ? random() % (65536 - d) : 0;

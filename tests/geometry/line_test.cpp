@@ -149,11 +149,11 @@ TEST(Line, RoundsItsEndsUpFromTheHalfAndHoldsThemIn32Bits) {
     EXPECT_EQ(3, line.y1);
     EXPECT_EQ(-2, line.x2);
     EXPECT_EQ(3, line.y2);
-    const Line far = Line::BetweenRounded(1e300, -inf, inf, -2147483649.0);
-    EXPECT_EQ(kMost, far.x1);
-    EXPECT_EQ(kLeast, far.y1);
-    EXPECT_EQ(kMost, far.x2);
-    EXPECT_EQ(kLeast, far.y2);
+    const Line outside = Line::BetweenRounded(1e300, -inf, inf, -2147483649.0);
+    EXPECT_EQ(kMost, outside.x1);
+    EXPECT_EQ(kLeast, outside.y1);
+    EXPECT_EQ(kMost, outside.x2);
+    EXPECT_EQ(kLeast, outside.y2);
 }
 
 }  // namespace

@@ -11,8 +11,8 @@ using namespace orlix;
 
 TEST(Turn, IsTheSignOfWholeNumbers) {
     std::mt19937 random(1);
-    std::uniform_int_distribution<int64_t> small(-4, 4), large(-1000000000, 1000000000);
-    for (auto* range : {&small, &large})
+    std::uniform_int_distribution<int64_t> little(-4, 4), large(-1000000000, 1000000000);
+    for (auto* range : {&little, &large})
         for (int k = 0; k < 2000; ++k) {
             int64_t c[6];
             for (int64_t& v : c) v = (*range)(random);
