@@ -11,6 +11,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 from pathlib import Path
 
@@ -20,6 +21,9 @@ CORES = os.cpu_count() or 1
 BUILD_SECONDS = 3000
 DEADLINE = time.monotonic() + 60 * float(os.environ.get("ORLIX_TEST_MINUTES", "80"))  # the sum is printed soon after it
 PROGRAM_SECONDS = {"native": 300, "asan": 900, "win32": 600, "win64": 600}
+
+running = set()  # the processes that run
+printing = threading.Lock()
 
 verbose = False
 choice = None  # of tests; None: all
@@ -61,7 +65,8 @@ class Tally:
 
 
 def say(text):
-    print(text, flush=True)
+    with printing:  # builds report in between
+        print(text, flush=True)
 
 
 def indent(text):
@@ -95,6 +100,7 @@ def run(command, seconds=120, cwd=ROOT, env=None, shown=False):
         process = subprocess.Popen(
             [str(word) for word in command], cwd=cwd, stdin=subprocess.DEVNULL, stdout=None if shown else output,
             stderr=None if shown else subprocess.STDOUT, start_new_session=True, env={**os.environ, **(env or {})})
+        running.add(process)
         timed_out = False
         try:
             process.wait(max(1, min(seconds, DEADLINE - started)))
@@ -102,6 +108,9 @@ def run(command, seconds=120, cwd=ROOT, env=None, shown=False):
             timed_out = True
             os.killpg(process.pid, signal.SIGKILL)
             process.wait()
+        finally:
+            if process.returncode is not None:
+                running.discard(process)
         output.seek(0)
         return Outcome(process.returncode, output.read().decode("utf-8", "replace").replace("\r\n", "\n"),
                        time.monotonic() - started, timed_out)
@@ -116,22 +125,44 @@ def problem_of(command, seconds=120, cwd=ROOT, env=None):
 
 # --------------------------------------------------------------------------------------------------------------- builds
 
-built = {}
+builder = concurrent.futures.ThreadPoolExecutor(1)
+builds = {}  # preset and targets -> whether it built, as soon as that is known
+
+
+def start_build(preset, *targets):
+    """Puts a preset, or some targets of it, into the queue of builds, once."""
+    key = (preset, *targets)
+    if (preset,) in builds:
+        key = (preset,)  # with all targets
+    if key not in builds:
+        builds[key] = builder.submit(run_build, *key)
+    return builds[key]
+
+
+def run_build(preset, *targets):
+    """How far it is and what is wrong is shown as it comes, in lines, because tests report in between."""
+    outcome = run([ROOT / "scripts/build", preset, *targets], BUILD_SECONDS, env={"TERM": "dumb"}, shown=True)
+    if outcome.status != 0:
+        say(f"FAILED  {preset}: the build {outcome.ending()}")
+    return outcome.status == 0
 
 
 def build(preset, *targets):
-    """Builds a preset once, or only some targets of it; raises BuildFailed when it does not build, now or earlier.
-    How far it is and what is wrong is shown as it comes."""
-    key = (preset, *targets)
-    if (preset,) in built:
-        key = (preset,)  # with all targets
-    if key not in built:
-        outcome = run([ROOT / "scripts/build", preset, *targets], BUILD_SECONDS, shown=True)
-        built[key] = outcome.status == 0
-        if not built[key]:
-            say(f"FAILED  {preset}: the build {outcome.ending()}")
-    if not built[key]:
+    """Builds a preset once, or only some targets of it; raises BuildFailed when it does not build, now or earlier."""
+    if not start_build(preset, *targets).result():
         raise BuildFailed
+
+
+def build_ahead(parts):
+    """Queues the builds of the parts, so that the next one is built while the tests of the last one run."""
+    for part in parts:
+        if part in PROGRAM_SECONDS:
+            try:
+                if part.startswith("win"):
+                    need_compilers(int(part[3:]))
+                start_build(part, *programs(part))
+            except (NothingChosen, Unavailable):
+                pass  # the part says so
 
 
 def test_preset(name):
@@ -259,8 +290,8 @@ def run_tests(tally, preset, launcher=()):
         tally.check("the build registers tests", "there is none")
     if choice:
         tests = [test for test in tests if test["name"] in choice.folders(preset)]
-    # The largest first, so that none is left to run at the end beside an idle processor.
-    tests.sort(key=lambda test: Path(test["command"][0]).stat().st_size if is_built(test) else 0, reverse=True)
+    # The longest first, as in ctest, so that none is left to run at the end beside an idle processor.
+    tests.sort(key=lambda test: test["properties"].get("COST", 0), reverse=True)
     alone = [test for test in tests if test["properties"].get("RUN_SERIAL")]
     together = [test for test in tests if test not in alone]
     ended = 0
@@ -287,7 +318,8 @@ def programs(preset):
     folders = choice.folders(preset)
     if not folders:
         raise NothingChosen
-    return [f"test_{folder}" for folder in folders]
+    module = ["orlix"] if preset.startswith("win") else []  # to be registered
+    return [*module, *(f"test_{folder}" for folder in folders)]
 
 
 def native(tally):
@@ -311,11 +343,14 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def build_windows(bits, *targets):
-    compiler = f"{COMPILER[bits]}-g++-posix"
-    for tool in (compiler, "i686-w64-mingw32-widl"):
+def need_compilers(bits):
+    for tool in (f"{COMPILER[bits]}-g++-posix", "i686-w64-mingw32-widl"):
         if not shutil.which(tool):
             raise Unavailable(f"there is no {tool}")
+
+
+def build_windows(bits, *targets):
+    need_compilers(bits)
     build(f"win{bits}", *targets)
     return library_in(BUILD / f"win{bits}")
 
@@ -353,8 +388,7 @@ class Wine:
 
 
 def windows(tally, bits):
-    targets = programs(f"win{bits}")
-    library = build_windows(bits, *(["orlix", *targets] if targets else []))
+    library = build_windows(bits, *programs(f"win{bits}"))
     with Wine(bits) as wine:
         registration = Tally(tally.name) if choice else tally  # is none of the chosen tests
         registration.check("regsvr32 registers orlix.dll", wine.register(library))
@@ -403,11 +437,12 @@ def checks(tally):
 def tidy(tally):
     if not shutil.which("clang-tidy"):
         raise Unavailable("there is no clang-tidy")
-    problem = problem_of(["cmake", "--preset", "native"], 300)
+    # Every file by itself, without the precompiled headers of the other presets.
+    problem = problem_of(["cmake", "--preset", "dev"], 300)
     if problem:
         tally.check("the configuration", problem)
         return
-    run_checks(tally, [sys.executable, ROOT / "tests" / "checks" / "run.py", "--tidy", BUILD / "native"], 3000)
+    run_checks(tally, [sys.executable, ROOT / "tests" / "checks" / "run.py", "--tidy", BUILD / "dev"], 3000)
 
 
 def run_checks(tally, command, seconds):
@@ -586,7 +621,9 @@ def main():
             parser.error(f"a pattern chooses tests of {with_tests}: scripts/test native '{patterns[0]}'")
 
     total = Tally("total")
-    for name in parts or [part for part in PARTS if part != "tidy"]:
+    parts = parts or [part for part in PARTS if part != "tidy"]
+    build_ahead(parts)
+    for name in parts:
         tally = Tally(name)
         started = time.monotonic()
         say(f"---- {name}")
@@ -611,4 +648,11 @@ def main():
     return 1 if total.failed or not total.passed else 0
 
 
-sys.exit(main())
+try:
+    status = main()
+except KeyboardInterrupt:
+    builder.shutdown(wait=False, cancel_futures=True)
+    for process in list(running):
+        os.killpg(process.pid, signal.SIGKILL)
+    status = 128 + signal.SIGINT
+sys.exit(status)
