@@ -13,6 +13,7 @@
 
 #include <orlix/client.hpp>
 #include <orlix/com_ptr.hpp>
+#include <orlix/counted_object.hpp>
 #include <orlix/statistics.hpp>
 
 #include <algorithm>
@@ -23,6 +24,7 @@
 #include <limits>
 #include <new>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace orlix {
@@ -63,8 +65,9 @@ enum class ThresholdMethod {
 };
 
 // What an automatic threshold means for pixels. The interface gives the location of a bin, which belongs to the lower
-// class; the cuts are the edges of bins. So pixels of at most darkCut are dark and those above brightCut are bright,
-// whatever their type. The cuts are equal but for Trim, which leaves the bins of both limits to neither tail.
+// class; the cuts are the edges of bins (the location itself for Exponential). Pixels of at most darkCut are dark and
+// those above brightCut are bright, whatever their type. The cuts are equal except for Trim, which leaves the bins of
+// both limits to neither tail.
 struct AutoThreshold {
     enum class Status {
         Found,
@@ -89,6 +92,10 @@ AutoThreshold FindAutoThreshold(const ComPtr<IHistogram>& histogram, ThresholdMe
 // A byte for each pixel of an image of that size, rows from the top: 1 inside the region, 0 outside. Runs are clipped
 // to the image. Without a region all pixels are inside. Throws Error (E_INVALIDARG) if width or height is negative.
 std::vector<uint8_t> RegionMask(const ComPtr<IRegionOfInterest>& region, LONG width, LONG height);
+
+// The reverse: a region of that size with the pixels whose byte is not 0. A new object, which keeps the mask. Throws
+// Error (E_INVALIDARG) unless the mask has width * height bytes.
+ComPtr<IRegionOfInterest> RegionOfMask(std::vector<uint8_t> mask, LONG width, LONG height);
 
 // ------------------------------------------------------------------------------------------------------ implementation
 
@@ -274,6 +281,68 @@ inline std::vector<uint8_t> RegionMask(const ComPtr<IRegionOfInterest>& region, 
         }
     }
     return mask;
+}
+
+namespace implementation {
+
+// Makes the runs of a row on demand. For one thread at a time, like the library's objects.
+class MaskRegion final : public CountedObject<IRegionOfInterest> {
+public:
+    MaskRegion(std::vector<uint8_t> mask, LONG width, LONG height)
+        : mask_(std::move(mask)), width_(width), height_(height) {
+        for (LONG y = 0; y < height; ++y)
+            for (LONG x = 0; x < width; ++x) {
+                if (!Inside(x, y)) continue;
+                const bool first = box_.right < box_.left;
+                box_.left = first ? x : std::min(box_.left, x);
+                box_.right = first ? x : std::max(box_.right, x);
+                box_.top = first ? y : box_.top;
+                box_.bottom = y;
+            }
+    }
+
+    STDMETHODIMP get_Width(LONG* width) noexcept override { return width ? (*width = width_, S_OK) : E_POINTER; }
+    STDMETHODIMP get_Height(LONG* height) noexcept override { return height ? (*height = height_, S_OK) : E_POINTER; }
+    STDMETHODIMP get_BoundingBox(RECT* box) noexcept override { return box ? (*box = box_, S_OK) : E_POINTER; }
+    STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override {
+        if (!begin || !end) return E_POINTER;
+        *begin = *end = nullptr;
+        if (row < 0 || row >= height_) return S_FALSE;
+        try {
+            runs_.clear();
+            for (LONG x = 0; x < width_; ++x) {
+                if (!Inside(x, row)) continue;
+                SRun run = {};
+                run.m_lStart = x;
+                while (x + 1 < width_ && Inside(x + 1, row)) ++x;
+                run.m_lStop = x;
+                runs_.push_back(run);
+            }
+        } catch (const std::bad_alloc&) {
+            return E_OUTOFMEMORY;
+        }
+        *begin = runs_.data();
+        *end = runs_.data() + runs_.size();
+        return S_OK;
+    }
+
+private:
+    bool Inside(LONG x, LONG y) const {
+        return mask_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] != 0;
+    }
+
+    std::vector<uint8_t> mask_;
+    LONG width_, height_;
+    RECT box_ = {0, 0, -1, -1};
+    std::vector<SRun> runs_;  // of the last row asked for
+};
+
+}  // namespace implementation
+
+inline ComPtr<IRegionOfInterest> RegionOfMask(std::vector<uint8_t> mask, LONG width, LONG height) {
+    if (width < 0 || height < 0 || static_cast<uint64_t>(width) * static_cast<uint64_t>(height) != mask.size())
+        throw Error(E_INVALIDARG, "RegionOfMask: the mask must have width * height bytes.", {});
+    return ComPtr<IRegionOfInterest>(MakeCounted<implementation::MaskRegion>(std::move(mask), width, height).get());
 }
 
 }  // namespace orlix

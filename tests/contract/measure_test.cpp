@@ -3,6 +3,7 @@
 
 #include <orlix/measure.hpp>
 
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -123,6 +124,32 @@ TEST(RegionMask, HasTheRunsClippedToTheImage) {
     EXPECT_TRUE(RegionMask(asked, 0, 3).empty());
     EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionMask(asked, -1, 3); }));
     EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionMask(nullptr, 1, INT32_MIN); }));
+}
+
+TEST(RegionOfMask, HasThePixelsThatAreNotZero) {
+    const std::vector<uint8_t> mask = {0, 0, 0, 0, 0, 7, 1, 0, 0, 1, 0, 255};
+    const auto region = RegionOfMask(mask, 4, 3);
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 0, 0, 1, 1, 0, 0, 1, 0, 1}), RegionMask(region, 4, 3));
+    RECT box = {};
+    Check(region->get_BoundingBox(&box), region);
+    EXPECT_EQ((std::array<LONG, 4>{1, 1, 3, 2}), (std::array<LONG, 4>{box.left, box.top, box.right, box.bottom}));
+    SRun *begin = nullptr, *end = nullptr;
+    for (const LONG row : {-1, 3, INT32_MIN, INT32_MAX}) EXPECT_EQ(S_FALSE, region->GetRowRuns(row, &begin, &end));
+    EXPECT_EQ(E_POINTER, region->GetRowRuns(0, nullptr, &end));
+
+    // The library measures these pixels: 10, 20, 30 and 40 of a ramp.
+    const auto image = ImageOf<uint8_t>(4, {0, 0, 0, 0, 0, 10, 20, 0, 0, 30, 0, 40});
+    const auto process = Cast<IImageProcess>(image);
+    Check(process->put_RegionOfInterest(region.get()), process);
+    SGrayMeasurements grey = {};
+    Check(process->get_GrayMeasurements(GEMT_GrayStatistics, &grey), process);
+    EXPECT_EQ(4, grey.m_lPixelCount);
+    EXPECT_EQ(25, grey.m_dGrayAverage);
+
+    Check(RegionOfMask({}, 0, 5)->get_BoundingBox(&box), region);
+    EXPECT_LT(box.right, box.left);
+    EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionOfMask(mask, 4, 2); }));
+    EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionOfMask(mask, -4, -3); }));
 }
 
 }  // namespace

@@ -161,7 +161,7 @@ Json Refit(std::unique_ptr<Surface>& surface, const Subject& subject, const Heig
         Inliers inliers = InliersOf(residual, good, rounding);
         if (inliers.mask == last || inliers.count < surface->points()) break;
         auto candidate = MakeSurface(surface->id());
-        Check(process->put_RegionOfInterest(MakeRegion(inliers.mask, subject.width, subject.height).get()), process);
+        Check(process->put_RegionOfInterest(RegionOfMask(inliers.mask, subject.width, subject.height).get()), process);
         const bool found = candidate->Fit(process, std::nullopt) == S_OK;
         Check(process->put_RegionOfInterest(subject.region.get()), process);
         if (!found) break;

@@ -3,74 +3,15 @@
 #include "console.hpp"
 
 #include <orlix/client.hpp>
-#include <orlix/counted_object.hpp>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <new>
-#include <utility>
 
 namespace tool {
 
 using namespace orlix;
-
-namespace {
-
-// Makes the runs of a row when it is asked for them. Used by one thread at a time, as the library's objects are.
-class MaskRegion final : public CountedObject<IRegionOfInterest> {
-public:
-    MaskRegion(std::vector<uint8_t> mask, LONG width, LONG height)
-        : mask_(std::move(mask)), width_(width), height_(height) {
-        for (LONG y = 0; y < height; ++y)
-            for (LONG x = 0; x < width; ++x) {
-                if (!Inside(x, y)) continue;
-                const bool first = box_.right < box_.left;
-                box_.left = first ? x : std::min(box_.left, x);
-                box_.right = first ? x : std::max(box_.right, x);
-                box_.top = first ? y : box_.top;
-                box_.bottom = y;
-            }
-    }
-
-    STDMETHODIMP get_Width(LONG* width) noexcept override { return width ? (*width = width_, S_OK) : E_POINTER; }
-    STDMETHODIMP get_Height(LONG* height) noexcept override { return height ? (*height = height_, S_OK) : E_POINTER; }
-    STDMETHODIMP get_BoundingBox(RECT* box) noexcept override { return box ? (*box = box_, S_OK) : E_POINTER; }
-    STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override {
-        if (!begin || !end) return E_POINTER;
-        *begin = *end = nullptr;
-        if (row < 0 || row >= height_) return S_FALSE;
-        try {
-            runs_.clear();
-            for (LONG x = 0; x < width_; ++x) {
-                if (!Inside(x, row)) continue;
-                SRun run = {};
-                run.m_lStart = x;
-                while (x + 1 < width_ && Inside(x + 1, row)) ++x;
-                run.m_lStop = x;
-                runs_.push_back(run);
-            }
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
-        }
-        *begin = runs_.data();
-        *end = runs_.data() + runs_.size();
-        return S_OK;
-    }
-
-private:
-    bool Inside(LONG x, LONG y) const {
-        return mask_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] != 0;
-    }
-
-    std::vector<uint8_t> mask_;
-    LONG width_, height_;
-    RECT box_ = {0, 0, -1, -1};
-    std::vector<SRun> runs_;  // of the row that was asked for last
-};
-
-}  // namespace
 
 std::vector<double> ParseNumbers(std::string_view list, std::string_view whole, bool allowEmpty) {
     std::vector<double> numbers;
@@ -149,10 +90,6 @@ ComPtr<IRegionOfInterest> MakeRegion(const RegionShape& shape, LONG width, LONG 
     }
     Check(region->put_Polarity(shape.polarity), region);
     return ComPtr<IRegionOfInterest>(region.get());
-}
-
-ComPtr<IRegionOfInterest> MakeRegion(std::vector<uint8_t> mask, LONG width, LONG height) {
-    return ComPtr<IRegionOfInterest>::Attach(new MaskRegion(std::move(mask), width, height));
 }
 
 }  // namespace tool

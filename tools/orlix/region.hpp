@@ -32,7 +32,4 @@ std::vector<double> ParseNumbers(std::string_view list, std::string_view whole, 
 
 orlix::ComPtr<IRegionOfInterest> MakeRegion(const RegionShape& shape, LONG width, LONG height);
 
-// The region of the pixels whose byte is not 0: an object of this program's own.
-orlix::ComPtr<IRegionOfInterest> MakeRegion(std::vector<uint8_t> mask, LONG width, LONG height);
-
 }  // namespace tool

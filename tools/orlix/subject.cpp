@@ -218,7 +218,7 @@ Subject::Subject(ComPtr<IImageVPAExPlus> subject, const SubjectSettings& setting
     if (!settings.ignored.empty()) LeaveOutIgnored(*this, settings.ignored, mask);
     pixels = count();
     if (pixels < 1) throw std::runtime_error("all pixels of the region are left out by --mask and --ignore");
-    if (pixels < inRegion) region = MakeRegion(std::move(mask), width, height);
+    if (pixels < inRegion) region = RegionOfMask(std::move(mask), width, height);
     const auto process = Cast<IImageProcess>(image);
     Check(process->put_BandToProcess(band), process);
     Check(process->put_RegionOfInterest(region.get()), process);
