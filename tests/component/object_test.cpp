@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <orlix/counted_object.hpp>
+
 #include <functional>
 #include <new>
 #include <stdexcept>
@@ -184,7 +186,7 @@ TEST_F(Objects, KnowThemselvesBehindAnyInterface) {
 }
 
 // Holds a TestClass inside and answers its interfaces as its own, but for ITestOther, which it answers itself.
-class Outer final : public ITestOther {
+class Outer final : public CountedObject<ITestOther> {
 public:
     static inline int alive = 0;
     Outer() { ++alive; }
@@ -193,18 +195,8 @@ public:
     IUnknown* inner() const { return inner_.get(); }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        if (iid == __uuidof(IUnknown) || iid == __uuidof(ITestOther)) {
-            *object = static_cast<ITestOther*>(this);
-            AddRef();
-            return S_OK;
-        }
-        return inner_->QueryInterface(iid, object);
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
+        const HRESULT own = CountedObject::QueryInterface(iid, object);
+        return own == E_NOINTERFACE ? inner_->QueryInterface(iid, object) : own;
     }
     STDMETHODIMP Other(LONG* value) noexcept override {
         *value = 30;
@@ -212,17 +204,14 @@ public:
     }
 
 private:
-    ~Outer() {
-        ++references_;  // as an aggregating object protects itself while it lets its inner objects go
-        inner_ = nullptr;
-        --alive;
-    }
+    ~Outer() override { --alive; }
+    void LetGo() noexcept override { inner_ = nullptr; }
+
     ComPtr<IUnknown> inner_;
-    ULONG references_ = 1;
 };
 
 TEST_F(Objects, AggregatedSpeakForTheOuterObject) {
-    auto outer = ComPtr<Outer>::Attach(new Outer);
+    auto outer = MakeCounted<Outer>();
     ASSERT_EQ(S_OK, outer->Hold());
     EXPECT_EQ(1u, ReferencesOf(outer.get()));  // the inner object does not count its owner
 
@@ -242,7 +231,7 @@ TEST_F(Objects, AggregatedSpeakForTheOuterObject) {
 }
 
 TEST_F(Objects, AggregatedKeepAnIdentityOfTheirOwnForTheOuterObjectOnly) {
-    const auto outer = ComPtr<Outer>::Attach(new Outer);
+    const auto outer = MakeCounted<Outer>();
     ASSERT_EQ(S_OK, outer->Hold());
     IUnknown* const inner = outer->inner();
     EXPECT_NE(inner, outer.As<IUnknown>().get());
@@ -257,7 +246,7 @@ TEST_F(Objects, AggregatedKeepAnIdentityOfTheirOwnForTheOuterObjectOnly) {
 }
 
 TEST_F(Objects, AggregatedDieWithTheirOuterObject) {
-    auto outer = ComPtr<Outer>::Attach(new Outer);
+    auto outer = MakeCounted<Outer>();
     ASSERT_EQ(S_OK, outer->Hold());
     auto base = outer.As<ITestBase>();
     outer = nullptr;
@@ -269,7 +258,7 @@ TEST_F(Objects, AggregatedDieWithTheirOuterObject) {
 }
 
 TEST_F(Objects, AreAggregatedByTheirIdentityOnly) {
-    const auto outer = ComPtr<Outer>::Attach(new Outer);
+    const auto outer = MakeCounted<Outer>();
     for (const IID& iid : kAnswered) {
         if (iid == __uuidof(IUnknown)) continue;
         void* object = &object;

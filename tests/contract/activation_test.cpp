@@ -293,36 +293,24 @@ TEST(Factories, AnEnumeratorOfConnectionsLocksTheModuleToo) {
 }
 
 // An object of a client that holds one of this library inside and answers everything through it.
-class Holder final : public IUnknown {
+class Holder final : public CountedObject<IUnknown> {
 public:
     HRESULT Hold(const CLSID& clsid) { return Create(clsid, __uuidof(IUnknown), inner_, this); }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        if (iid != __uuidof(IUnknown)) return inner_->QueryInterface(iid, object);
-        *object = static_cast<IUnknown*>(this);
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
+        return iid == __uuidof(IUnknown) ? CountedObject::QueryInterface(iid, object)
+                                         : inner_->QueryInterface(iid, object);
     }
 
 private:
-    ~Holder() {
-        ++references_;  // the inner object may touch its owner while it goes
-        inner_ = nullptr;
-    }
-    ULONG references_ = 1;
+    void LetGo() noexcept override { inner_ = nullptr; }
     ComPtr<IUnknown> inner_;
 };
 
 TEST(Aggregation, EachClassCanBePartOfAnotherObject) {
     for (const Creatable& creatable : Creatables()) {
         SCOPED_TRACE(creatable.name);
-        const auto holder = ComPtr<Holder>::Attach(new Holder);
+        const auto holder = MakeCounted<Holder>();
         ASSERT_EQ(S_OK, holder->Hold(creatable.clsid));
         for (const IID& iid : creatable.interfaces) {
             ComPtr<IUnknown> part;
@@ -340,7 +328,7 @@ TEST(Aggregation, EachClassCanBePartOfAnotherObject) {
 }
 
 TEST(Aggregation, AnObjectInsideAnotherWorksAndReports) {
-    const auto holder = ComPtr<Holder>::Attach(new Holder);
+    const auto holder = MakeCounted<Holder>();
     ASSERT_EQ(S_OK, holder->Hold(__uuidof(OrlixHistogram)));
     const auto histogram = holder.As<IHistogram>();
     ASSERT_TRUE(histogram);

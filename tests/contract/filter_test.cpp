@@ -299,7 +299,7 @@ TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
     using Pixel = TypeParam;
     constexpr LONG width = 290, height = 12;
     auto memory = Noise<Pixel>(3 * width, height, 21).pixels;
-    const auto foreign = ForeignImage::Make();
+    const auto foreign = MakeCounted<ForeignImage>();
     foreign->width = width, foreign->height = height, foreign->type = kTypeOf<Pixel>;
     const struct {
         size_t base;
@@ -347,7 +347,7 @@ TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
 
 TEST(FilterOfForeignMargin, TakesWhatTheTableSays) {
     std::vector<uint8_t> memory = {10, 20, 30, 250};
-    const auto foreign = ForeignImage::Make();
+    const auto foreign = MakeCounted<ForeignImage>();
     foreign->width = 3, foreign->base = memory.data();
     foreign->SetOffsets([](LONG x) { return x; }, [](LONG) { return 0; });
     for (size_t i = 0; i < 200; ++i) foreign->table[i].XEntry = 3;  // columns before 0 read 250
@@ -362,7 +362,7 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
     const auto words = NewImage<uint16_t>(4, 3, 3);
     const auto three = NewImage<uint8_t>(4, 3, 3);
     const auto empty = CreateObject<IImageVPAExPlus>("Orlix.Image");
-    const auto foreign = ForeignImage::Make();
+    const auto foreign = MakeCounted<ForeignImage>();
     foreign->type = DT_Char;
     for (const Filter& filter : Filters()) {
         const std::string type = "IImageProcess::" + filter.name + ": data type mismatch.";
@@ -385,7 +385,7 @@ TEST(FilterContract, SourcesThatInterfereDoNoHarm) {
     for (const Filter& filter : Filters())
         for (const bool changesItself : {false, true}) {
             const Image<uint8_t> to(64, 64);
-            const auto foreign = ForeignImage::Make();
+            const auto foreign = MakeCounted<ForeignImage>();
             foreign->width = foreign->height = 64;
             foreign->base = memory.data();
             foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 64 * y; });

@@ -382,29 +382,13 @@ TEST(HistogramContract, TheExponentialThresholdIsNeitherRoundedNorLimited) {
 
 // A histogram of another component, of which only the four properties that a copy needs are there. onBins runs when the
 // bins are asked for, the last of the four.
-class ForeignHistogram final : public IHistogram {
+class ForeignHistogram final : public CountedObject<IHistogram> {
 public:
-    static ComPtr<ForeignHistogram> Make() { return ComPtr<ForeignHistogram>::Attach(new ForeignHistogram); }
-
     std::vector<LONG> counts{4, 5, 6};
     LONG n = 3;
     LONG* bins = counts.data();
     HRESULT numberResult = S_OK, leftResult = S_OK, rightResult = S_OK, binsResult = S_OK;
     std::function<void()> onBins;
-
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        *object = nullptr;
-        if (iid != __uuidof(IUnknown) && iid != __uuidof(IHistogram)) return E_NOINTERFACE;
-        *object = static_cast<IHistogram*>(this);
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
 
     STDMETHODIMP get_NumberOfBins(LONG* value) noexcept override { return *value = n, numberResult; }
     STDMETHODIMP get_Left(double* value) noexcept override { return *value = -1, leftResult; }
@@ -446,11 +430,6 @@ public:
     STDMETHODIMP Decompose() noexcept override { return E_NOTIMPL; }
     STDMETHODIMP get_DetailBins(LONG**) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP get_SmoothBins(LONG**) noexcept override { return E_NOTIMPL; }
-
-private:
-    ForeignHistogram() = default;
-    ~ForeignHistogram() = default;
-    ULONG references_ = 1;
 };
 
 TEST(HistogramContract, ACopyHasItsOwnBins) {
@@ -474,7 +453,7 @@ TEST(HistogramContract, ACopyOfItselfIsNone) {
 }
 
 TEST(HistogramContract, HistogramsOfOtherComponentsCanBeCopied) {
-    const auto foreign = ForeignHistogram::Make();
+    const auto foreign = MakeCounted<ForeignHistogram>();
     const auto histogram = NewHistogram();
     EXPECT_EQ(S_OK, histogram->CreateFromHistogram(foreign.get()));
     EXPECT_EQ((std::vector<LONG>{4, 5, 6}), CountsOf(histogram));
@@ -503,7 +482,7 @@ TEST(HistogramContract, AForeignHistogramThatFailsOrLiesChangesNothing) {
         {"far more bins than memory holds", [](auto& f) { f.n = std::numeric_limits<int32_t>::max(); }},
     };
     for (const Case& c : cases) {
-        const auto foreign = ForeignHistogram::Make();
+        const auto foreign = MakeCounted<ForeignHistogram>();
         c.spoil(*foreign);
         const auto histogram = With({1, 2, 3}, 10, 20);
         EXPECT_TRUE(FailsSilently(histogram->CreateFromHistogram(foreign.get()))) << c.what;
@@ -515,7 +494,7 @@ TEST(HistogramContract, AForeignHistogramThatFailsOrLiesChangesNothing) {
 
 TEST(HistogramContract, AWrapperOfTheHistogramItselfCanBeCopied) {
     const auto histogram = With({1, 2, 3}, 10, 20);
-    const auto wrapper = ForeignHistogram::Make();
+    const auto wrapper = MakeCounted<ForeignHistogram>();
     ASSERT_EQ(S_OK, histogram->get_Bins(&wrapper->bins));
     EXPECT_EQ(S_OK, histogram->CreateFromHistogram(wrapper.get()));
     EXPECT_EQ((std::vector<LONG>{1, 2, 3}), CountsOf(histogram));
@@ -524,7 +503,7 @@ TEST(HistogramContract, AWrapperOfTheHistogramItselfCanBeCopied) {
 
 TEST(HistogramContract, ASourceThatChangesTheHistogramMeanwhileIsStillCopied) {
     const auto histogram = With({1, 2, 3}, 10, 20);
-    const auto foreign = ForeignHistogram::Make();
+    const auto foreign = MakeCounted<ForeignHistogram>();
     foreign->onBins = [&] { histogram->Create(100, 0, 1); };
     EXPECT_EQ(S_OK, histogram->CreateFromHistogram(foreign.get()));
     EXPECT_EQ((std::vector<LONG>{4, 5, 6}), CountsOf(histogram));

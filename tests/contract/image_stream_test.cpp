@@ -17,10 +17,10 @@ constexpr HRESULT kShortWrite = static_cast<HRESULT>(0x80030103);
 constexpr HRESULT kStreamFailure = static_cast<HRESULT>(0x8003001E);
 
 // A client's stream, whose calls can be made to go wrong. It lies about its size, and knows no other call.
-class ClientStream final : public IStream {
+class ClientStream final : public CountedObject<IStream> {
 public:
     static ComPtr<ClientStream> Make(std::string content = {}) {
-        auto stream = ComPtr<ClientStream>::Attach(new ClientStream);
+        auto stream = MakeCounted<ClientStream>();
         stream->bytes = std::move(content);
         return stream;
     }
@@ -33,16 +33,6 @@ public:
     LONG claimedTooMuch = 0;   // added to what a read says
     std::function<void()> onCall;
 
-    STDMETHODIMP QueryInterface(REFIID, void** object) noexcept override {
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     STDMETHODIMP Read(void* to, ULONG size, ULONG* read) noexcept override {
         if (Fails()) return kStreamFailure;
         const size_t step = std::min<size_t>({size, piece, bytes.size() - at});
@@ -75,14 +65,11 @@ public:
     STDMETHODIMP Clone(IStream**) noexcept override { return E_NOTIMPL; }
 
 private:
-    ClientStream() = default;
-    ~ClientStream() = default;
     bool Fails() {
         if (onCall) onCall();
         return calls_++ == failingCall;
     }
     int calls_ = 0;
-    ULONG references_ = 1;
 };
 
 template <class I>

@@ -375,7 +375,7 @@ TEST(CreateFromSubImage, ReadsTheMirroredMarginAndRefusesToGoBeyondIt) {
 TEST(ForeignImages, AreReadThroughTheirTable) {
     // Red, green, blue side by side, bottom row first: band 1 of a 2 x 2 picture.
     uint8_t interleaved[2][2][3] = {{{1, 2, 3}, {4, 5, 6}}, {{7, 8, 9}, {10, 11, 12}}};
-    const auto foreign = ForeignImage::Make();
+    const auto foreign = MakeCounted<ForeignImage>();
     foreign->width = foreign->height = 2;
     foreign->base = &interleaved[0][0][1];
     foreign->SetOffsets([](LONG x) { return 3 * x; }, [](LONG y) { return 6 * (1 - y); });
@@ -417,7 +417,7 @@ TEST(ForeignImages, ThatLieOrFailLeaveTheImageAsItWas) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        const auto foreign = ForeignImage::Make();
+        const auto foreign = MakeCounted<ForeignImage>();
         foreign->width = foreign->height = 4;
         foreign->base = pixels;
         foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
@@ -431,7 +431,7 @@ TEST(ForeignImages, ThatLieOrFailLeaveTheImageAsItWas) {
 
 TEST(ForeignImages, MayCallBackIntoTheImageThatReadsThem) {
     uint8_t pixels[4] = {1, 2, 3, 4};
-    const auto foreign = ForeignImage::Make();
+    const auto foreign = MakeCounted<ForeignImage>();
     foreign->width = foreign->height = 2;
     foreign->base = pixels;
     foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 2 * y; });

@@ -113,7 +113,7 @@ TEST(AutoThresholds, CutBetweenBins) {
 }
 
 TEST(RegionMask, HasTheRunsClippedToTheImage) {
-    const auto region = ForeignRegion::Make();
+    const auto region = MakeCounted<ForeignRegion>();
     region->runs = {RunOf(-3, 0), RunOf(2, 1), RunOf(3, INT32_MAX)};
     const ComPtr<IRegionOfInterest> asked(region.get());
     EXPECT_EQ((std::vector<uint8_t>{1, 0, 0, 1, 1, 0, 0, 1}), RegionMask(asked, 4, 2));

@@ -445,7 +445,7 @@ TEST(LargeImages, GiveWhatTheirRowsGive) {
 
 TEST(ForeignRegions, ThatFailHalfWayChangeNothing) {
     const Image<uint8_t> image(NewImage<uint8_t>(4, 3));
-    const auto region = ForeignRegion::Make();
+    const auto region = MakeCounted<ForeignRegion>();
     region->runs = {RunOf(0, 3)};
     region->failingRow = 2;
     region->runsResult = E_UNEXPECTED;
@@ -460,7 +460,7 @@ TEST(ForeignRegions, ThatFailHalfWayChangeNothing) {
 
 TEST(ForeignRegions, VisitEachPixelOnceWhateverTheRuns) {
     const Image<uint8_t> image(NewImage<uint8_t>(4, 3));
-    const auto region = ForeignRegion::Make();
+    const auto region = MakeCounted<ForeignRegion>();
     region->runs = {RunOf(2, 1000), RunOf(3, 1), RunOf(-5, 2)};
     ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
     ASSERT_EQ(S_OK, image.process->ScalarPlusEquals(1));
@@ -471,7 +471,7 @@ TEST(ForeignRegions, VisitEachPixelOnceWhateverTheRuns) {
 
 TEST(ForeignRegions, MayReplaceTheImageThatAsksThem) {
     const Image<uint8_t> image(NewImage<uint8_t>(4, 3));
-    const auto region = ForeignRegion::Make();
+    const auto region = MakeCounted<ForeignRegion>();
     region->runs = {RunOf(0, 3)};
     ASSERT_EQ(S_OK, image.process->put_RegionOfInterest(region.get()));
     for (const LONG type : {LONG{DT_BYTE}, LONG{DT_WORD}, LONG{DT_Double}}) {
@@ -597,7 +597,7 @@ TEST(CastAndPlus, KeepLowOrderBitsAndNeverSaturate) {
 
 TEST(CastAndPlus, CheckTypeAndBands) {
     const Image<uint8_t> image(NewImage<uint8_t>(2, 2, 1));
-    const auto foreign = ForeignImage::Make();
+    const auto foreign = MakeCounted<ForeignImage>();
     foreign->type = DT_Double;
     EXPECT_TRUE(Fails(image.process->CastEquals(foreign.get(), 0), "IImageProcess::CastEquals: unsupported DataType."));
     EXPECT_TRUE(Fails(image.process->PlusEquals(foreign.get(), 0), "IImageProcess::PlusEquals: unsupported DataType."));

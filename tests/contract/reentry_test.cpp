@@ -21,7 +21,7 @@ using ::testing::ElementsAre;
 struct Visited {
     ComPtr<IImageVPAExPlus> pixels = NewImage<uint16_t>(4, 3);
     ComPtr<IImageProcess> process = Cast<IImageProcess>(pixels);
-    ComPtr<ForeignRegion> region = ForeignRegion::Make();
+    ComPtr<ForeignRegion> region = MakeCounted<ForeignRegion>();
     Visited() {
         region->runs = {RunOf(0, 3)};
         Check(process->put_RegionOfInterest(region.get()), process);
@@ -119,7 +119,7 @@ TEST(ADyingImage, DoesNothingForARegionThatCallsFromItsLastRelease) {
     Visited image;
     IImageVPAExPlus* const pixels = image.pixels.get();
     IImageProcess* const process = image.process.get();
-    const auto other = ForeignRegion::Make();
+    const auto other = MakeCounted<ForeignRegion>();
     int calls = 0;
     image.region->onLastRelease = [&, pixels, process] {
         ++calls;
@@ -167,7 +167,7 @@ TEST(AnImage, LivesUntilItsMethodReturnsWhenARegionLetsGoOfIt) {
 
 // A 16-bit image of 4 x 3 of another component.
 ComPtr<ForeignImage> SourceOf(uint16_t (&samples)[12]) {
-    auto source = ForeignImage::Make();
+    auto source = MakeCounted<ForeignImage>();
     source->type = DT_WORD;
     source->width = 4;
     source->height = 3;
@@ -221,27 +221,13 @@ TEST(AttachBuffer, RefusesTheImagesOwnPixels) {
 }
 
 // A sink of pictures that calls back when it is given back.
-class LastSink final : public IPictureExEvents {
+class LastSink final : public CountedObject<IPictureExEvents> {
 public:
     explicit LastSink(std::function<void()> onLastRelease) : onLastRelease_(std::move(onLastRelease)) {}
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        *object = iid == __uuidof(IUnknown) || iid == __uuidof(IPictureExEvents) ? this : nullptr;
-        if (!*object) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override {
-        if (--references_ > 0) return references_;
-        onLastRelease_();
-        delete this;
-        return 0;
-    }
     STDMETHODIMP OnRender(IPictureEx*, void*, RenderSourceType) noexcept override { return S_OK; }
 
 private:
-    ~LastSink() = default;
-    ULONG references_ = 1;
+    void LetGo() noexcept override { onLastRelease_(); }
     std::function<void()> onLastRelease_;
 };
 
@@ -250,13 +236,13 @@ TEST(ADyingImage, TakesNoConnectionFromASinkThatCallsFromItsLastRelease) {
     ComPtr<IConnectionPoint> point;
     Check(Cast<IConnectionPointContainer>(image)->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
     HRESULT advised = S_OK, processed = S_OK;
-    const auto other = ComPtr<LastSink>::Attach(new LastSink([] {}));
+    const auto other = MakeCounted<LastSink>([] {});
     DWORD cookie = 0;
     const auto sink = [&, raw = point.get(), process = Cast<IImageProcess>(image).get()] {
         advised = raw->Advise(other.get(), &cookie);
         processed = process->Invert();
     };
-    ASSERT_EQ(S_OK, point->Advise(ComPtr<LastSink>::Attach(new LastSink(sink)).get(), &cookie));
+    ASSERT_EQ(S_OK, point->Advise(MakeCounted<LastSink>(sink).get(), &cookie));
     point = nullptr;
     image = nullptr;
     EXPECT_EQ(CONNECT_E_CANNOTCONNECT, advised);

@@ -54,20 +54,6 @@ void ForeignImage::SetOffsets(const std::function<LONG(LONG)>& column, const std
     for (LONG i = -200; i < longer + 200; ++i) table.push_back({column(inside(i, width)), row(inside(i, height))});
 }
 
-HRESULT ForeignImage::QueryInterface(REFIID iid, void** object) noexcept {
-    *object = nullptr;
-    if (iid != __uuidof(IUnknown) && iid != __uuidof(IImageVPA)) return E_NOINTERFACE;
-    *object = static_cast<IImageVPA*>(this);
-    AddRef();
-    return S_OK;
-}
-
-ULONG ForeignImage::Release() noexcept {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-}
-
 HRESULT ForeignImage::Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight) noexcept {
     *outBands = bands;
     *outWidth = width;
@@ -91,21 +77,6 @@ HRESULT ForeignImage::VPA(LONG, void** outBase, VPAEntry** outTable) noexcept {
 HRESULT ForeignImage::GetCoords(TCoordinateMap* map) noexcept {
     *map = {7, 8, {1, 2, 3, 4}};
     return coordsResult;
-}
-
-STDMETHODIMP ForeignRegion::QueryInterface(REFIID iid, void** object) noexcept {
-    *object = iid == __uuidof(IUnknown) || iid == __uuidof(IRegionOfInterest) ? this : nullptr;
-    if (!*object) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-}
-
-STDMETHODIMP_(ULONG) ForeignRegion::Release() noexcept {
-    const ULONG left = --references_;
-    if (left > 0) return left;
-    if (onLastRelease) onLastRelease();
-    delete this;
-    return 0;
 }
 
 STDMETHODIMP ForeignRegion::GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept {

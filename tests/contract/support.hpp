@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <orlix/client.hpp>
+#include <orlix/counted_object.hpp>
 
 #include <cstdint>
 #include <cstring>
@@ -82,10 +83,8 @@ std::vector<Pixel> PixelsOf(const ComPtr<I>& image, LONG band = 0) {
 
 // An image of another component: what each method does can be changed. The sample offsets need not be those of this
 // library, see Interleaved().
-class ForeignImage final : public IImageVPA {
+class ForeignImage final : public CountedObject<IImageVPA> {
 public:
-    static ComPtr<ForeignImage> Make() { return ComPtr<ForeignImage>::Attach(new ForeignImage); }
-
     LONG bands = 1, width = 1, height = 1, type = DT_BYTE;
     void* base = nullptr;
     std::vector<VPAEntry> table;  // margin included
@@ -97,46 +96,33 @@ public:
     // Offsets of a table of the size, from the given functions of the in-range column and row.
     void SetOffsets(const std::function<LONG(LONG)>& column, const std::function<LONG(LONG)>& row);
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override;
     STDMETHODIMP Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight) noexcept override;
     STDMETHODIMP DataType(LONG, LONG* outType) noexcept override;
     STDMETHODIMP VPA(LONG band, void** outBase, VPAEntry** outTable) noexcept override;
     STDMETHODIMP GetCoords(TCoordinateMap* map) noexcept override;
     STDMETHODIMP SetCoords(TCoordinateMap) noexcept override { return S_OK; }
-
-private:
-    ForeignImage() = default;
-    ~ForeignImage() = default;
-    ULONG references_ = 1;
 };
 
 inline SRun RunOf(LONG start, LONG stop) { return {start, stop, 0, nullptr, nullptr, nullptr, nullptr}; }
 
 // A region of another component: a box of rows that all have the same runs. The hooks may call anything.
-class ForeignRegion final : public IRegionOfInterest {
+class ForeignRegion final : public CountedObject<IRegionOfInterest> {
 public:
-    static ComPtr<ForeignRegion> Make() { return ComPtr<ForeignRegion>::Attach(new ForeignRegion); }
-
     RECT box = {0, 0, 3, 2};
     std::vector<SRun> runs;
     HRESULT boxResult = S_OK, runsResult = S_OK;  // the latter of the failing row only
     LONG failingRow = -1;
     std::function<void()> onRuns, onLastRelease;
 
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() noexcept override;
     STDMETHODIMP get_Width(LONG* width) noexcept override { return *width = box.right + 1, S_OK; }
     STDMETHODIMP get_Height(LONG* height) noexcept override { return *height = box.bottom + 1, S_OK; }
     STDMETHODIMP get_BoundingBox(RECT* outBox) noexcept override { return *outBox = box, boxResult; }
     STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override;
 
 private:
-    ForeignRegion() = default;
-    ~ForeignRegion() = default;
-    ULONG references_ = 1;
+    void LetGo() noexcept override {
+        if (onLastRelease) onLastRelease();
+    }
 };
 
 }  // namespace orlix::testing
