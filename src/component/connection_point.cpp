@@ -55,6 +55,7 @@ public:
     STDMETHODIMP Clone(Interface** clone) noexcept override {
         if (!clone) return E_POINTER;
         *clone = nullptr;
+        const ComPtr<Interface> alive(this);
         try {
             *clone = new Enumerator(elements_, next_);
             return S_OK;
@@ -140,11 +141,11 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
 }
 
 STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) noexcept {
+    const ComPtr<IConnectionPoint> alive(this);  // before the list is read: an outer object may call back
     const auto found = std::find_if(connections_.begin(), connections_.end(),
                                     [&](const auto& connection) { return connection->cookie == cookie; });
     if (found == connections_.end()) return kNoConnection;
     // Let go when the list is in order again: the client's release may call back.
-    const ComPtr<IConnectionPoint> alive(this);
     const auto gone = std::move(*found);
     connections_.erase(found);
     return S_OK;

@@ -158,7 +158,7 @@ def forgotten_kernels():
     """Tables of variants that no test of kernels compares with their definition, or that no list of kernels in use has."""
     texts = {name: (ROOT / name).read_text("utf-8") for name in tracked(".cpp", ".hpp")}
     tests = "".join(text for name, text in texts.items() if name.startswith("tests/"))
-    lists = "".join(text for name, text in texts.items() if name.startswith("src/") and "KernelInUse" in text)
+    lists = "".join(text for name, text in texts.items() if name.startswith("src/") and ("KernelInUse" in text or "FilterRow" in text))
     tables = {table for name, text in texts.items() if name.startswith("src/")
               for table, rows in re.findall(r"^inline constexpr Variant<.*> (k\w+)(?:<.*>)?\[\] =([^;]*)", text, re.M)
               if rows.count('{"') > 1}

@@ -250,5 +250,54 @@ TEST(ADyingImage, TakesNoConnectionFromASinkThatCallsFromItsLastRelease) {
     EXPECT_EQ(1u, ReferencesOf(other.get()));
 }
 
+// Holds an image, and calls back when somebody takes a reference.
+class CallingOuter final : public CountedObject<IUnknown> {
+public:
+    std::function<void()> onAddRef;
+
+    void Hold() {
+        Check(CoCreateInstance(__uuidof(OrlixImage), this, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), inner_.OutVoid()));
+    }
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        return iid == __uuidof(IUnknown) ? CountedObject::QueryInterface(iid, object)
+                                         : inner_->QueryInterface(iid, object);
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override {
+        const ULONG references = CountedObject::AddRef();
+        if (const auto call = std::exchange(onAddRef, nullptr)) call();
+        return references;
+    }
+
+private:
+    void LetGo() noexcept override { inner_ = nullptr; }
+    ComPtr<IUnknown> inner_;
+};
+
+TEST(ConnectionPoints, MayBeCalledByTheOuterObjectThatTheyReferTo) {
+    const auto outer = MakeCounted<CallingOuter>();
+    outer->Hold();
+    const auto container = outer.As<IConnectionPointContainer>();
+    ComPtr<IConnectionPoint> point;
+    Check(container->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
+    ComPtr<LastSink> sinks[2];
+    for (auto& sink : sinks) {
+        sink = ComPtr<LastSink>::Attach(new LastSink([] {}));
+        DWORD cookie = 0;
+        ASSERT_EQ(S_OK, point->Advise(sink.get(), &cookie));
+    }
+    outer->onAddRef = [&] { EXPECT_EQ(S_OK, point->Unadvise(1)); };
+    EXPECT_EQ(S_OK, point->Unadvise(2));
+    for (const auto& sink : sinks) EXPECT_EQ(1u, ReferencesOf(sink.get()));
+
+    ComPtr<IEnumConnectionPoints> points, clone;
+    Check(container->EnumConnectionPoints(points.Out()));
+    IEnumConnectionPoints* const raw = points.get();
+    outer->onAddRef = [&] { points = nullptr; };
+    ASSERT_EQ(S_OK, raw->Clone(clone.Out()));
+    ComPtr<IConnectionPoint> same;
+    EXPECT_EQ(S_OK, clone->Next(1, same.Out(), nullptr));
+    EXPECT_EQ(point.get(), same.get());
+}
+
 }  // namespace
 }  // namespace orlix::testing
