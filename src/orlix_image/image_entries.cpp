@@ -44,14 +44,9 @@ STDMETHODIMP ImageEntries::GetTextEntry(LONG index, BSTR* keyword, BSTR* text) n
         *text = nullptr;
         const TextEntry& entry =
             EntryAt(Typed()->store().properties().texts, index, "IImageEntries::GetTextEntry: Index is out of range.");
-        BSTR copy = CopyToBstr(entry.keyword);
-        try {
-            *text = CopyToBstr(entry.text);
-        } catch (...) {
-            SysFreeString(copy);
-            throw;
-        }
-        *keyword = copy;
+        Text first(entry.keyword), second(entry.text);
+        *keyword = first.Detach();
+        *text = second.Detach();
     });
 }
 

@@ -6,17 +6,11 @@
 
 namespace orlix {
 
-namespace {
-
-BSTR AsciiToBstr(std::string_view text) { return CopyToBstr(WideString(text.begin(), text.end())); }
-
-}  // namespace
-
 STDMETHODIMP ImageModule::get_Version(BSTR* version) noexcept {
     return Guarded([&] {
         Require(version);
         *version = nullptr;
-        *version = AsciiToBstr(ORLIX_VERSION);
+        *version = Text(std::string_view(ORLIX_VERSION)).Detach();
     });
 }
 
@@ -44,14 +38,9 @@ STDMETHODIMP ImageModule::GetKernel(LONG index, BSTR* kernel, BSTR* variant) noe
         if (index < 0 || static_cast<size_t>(index) >= kernels.size())
             throw Failure("IModuleInformation::GetKernel: Index is out of range.");
         const KernelInUse& entry = kernels[static_cast<size_t>(index)];
-        BSTR name = AsciiToBstr(entry.kernel);
-        try {
-            *variant = AsciiToBstr(entry.variant);
-        } catch (...) {
-            SysFreeString(name);
-            throw;
-        }
-        *kernel = name;
+        Text first(entry.kernel), second(std::string_view(entry.variant));
+        *kernel = first.Detach();
+        *variant = second.Detach();
     });
 }
 
