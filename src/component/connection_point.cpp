@@ -11,10 +11,10 @@
 namespace orlix {
 namespace {
 
-// The system's results of connection points. Its header for them has its place on one system only.
+// The system's result codes for connection points. The header that declares them is available on Windows only.
 constexpr auto kNoConnection = static_cast<HRESULT>(0x80040200), kCannotConnect = static_cast<HRESULT>(0x80040202);
 
-// What an enumerator hands out, each with a reference.
+// Returns an element as an enumerator hands it out, with a reference added.
 IConnectionPoint* Counted(const ComPtr<IConnectionPoint>& point) {
     point->AddRef();
     return point.get();
@@ -24,9 +24,9 @@ CONNECTDATA Counted(const std::shared_ptr<const ConnectionPoint::Connection>& co
     return {connection->sink.get(), connection->cookie};
 }
 
-// Elements as they were when it was made. Interface is IEnumConnectionPoints or IEnumConnections. Clients may call
-// back, and let go of the enumerator, when a reference to them is taken, and call it from the last release of what it
-// held: it is at its end then.
+// Enumerates a snapshot of the elements. Interface is IEnumConnectionPoints or IEnumConnections. A client may call
+// back, and even release the enumerator, while a reference to it is taken. Releasing the elements may call the
+// enumerator too: it is at its end by then.
 template <class Interface, class Out, class Element>
 class Enumerator final : public CountedObject<Interface> {
 public:
@@ -145,7 +145,7 @@ STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) noexcept {
     const auto found = std::find_if(connections_.begin(), connections_.end(),
                                     [&](const auto& connection) { return connection->cookie == cookie; });
     if (found == connections_.end()) return kNoConnection;
-    // Let go when the list is in order again: the client's release may call back.
+    // Released once the list is consistent again: the client's Release may call back.
     const auto gone = std::move(*found);
     connections_.erase(found);
     return S_OK;

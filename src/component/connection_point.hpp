@@ -10,26 +10,26 @@
 
 namespace orlix {
 
-// A member of the object that raises the events, which derives from IConnectionPointContainer and hands its two methods
-// to this. References to the point are references to the object. Notes:
-//  (1) Cookies are 1, 2, ... in the order of the connections, and not used again.
+// A member of the object that raises the events. The object derives from IConnectionPointContainer and forwards its two
+// methods here. References to the point are references to the object. Notes:
+//  (1) Cookies are 1, 2, ... in the order of the connections and are never reused.
 //  (2) Connecting or disconnecting during an event takes effect with the next one.
 class ConnectionPoint final : public IConnectionPoint {
 public:
-    // source: the interface that those who connect must answer.
+    // source: the interface that connecting clients must implement.
     ConnectionPoint(IConnectionPointContainer& container, REFIID source) noexcept
         : container_(container), source_(source) {}
 
     bool connected() const { return !connections_.empty(); }
 
-    // Calls tell(interface of each connected client).
+    // Calls tell(interface) for each connected client.
     template <class Source, class Tell>
     void Raise(Tell&& tell) const {
         const Connections connections = connections_;
         for (const auto& connection : connections) tell(static_cast<Source*>(connection->sink.get()));
     }
 
-    // For the end of the container: disconnects all, and refuses connections from now on.
+    // Called at the end of the container's life: disconnects all clients and refuses new connections from then on.
     void Close() noexcept;
 
     // The container's two methods.
@@ -51,7 +51,7 @@ public:
     };
 
 private:
-    // Shared: the list is copied without calling a client, who could change it meanwhile.
+    // Shared, so the list can be copied without calling clients, which could change it meanwhile.
     using Connections = std::vector<std::shared_ptr<const Connection>>;
     IConnectionPointContainer& container_;
     IID source_;

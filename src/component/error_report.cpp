@@ -11,7 +11,7 @@
 namespace orlix {
 namespace {
 
-// A text in UTF-16: on the stack while it needs at most 1024 bytes.
+// A text in UTF-16, on the stack if it needs at most 1024 bytes.
 class WideText {
 public:
     explicit WideText(const char* text) noexcept {
@@ -25,7 +25,7 @@ public:
         }
         Widen(text, units_, units);
     }
-    OLECHAR* get() const noexcept { return units_; }  // null when memory was short
+    OLECHAR* get() const noexcept { return units_; }  // null when memory ran out
 
 private:
     OLECHAR near_[512];

@@ -1,4 +1,4 @@
-// What logic and objects raise. Guarded() (guard.hpp) is the one place that turns it into a result.
+// The exceptions of the library. Guarded() (guard.hpp) is the only place that converts them to results.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-// A failure with the text that the client is to see. The text is a literal at the place of the failure.
+// A failure with the text for the client. The text is a literal where the failure is raised.
 class Failure : public std::exception {
 public:
     explicit Failure(const char* message, HRESULT result = E_FAIL) noexcept : message_(message), result_(result) {}
@@ -19,8 +19,8 @@ private:
     HRESULT result_;
 };
 
-// A failure of whichever method was called: the boundary puts "IInterface::Method: " in front of the rest, which is a
-// literal at the place of the failure. A method whose contract wants no text has just E_FAIL.
+// A failure of whichever method was called: the boundary prefixes "IInterface::Method: " to the rest, which is a
+// literal where the failure is raised. A method whose contract specifies no text gives just E_FAIL.
 class MethodFailure : public std::exception {
 public:
     explicit MethodFailure(const char* rest) noexcept : rest_(rest) {}
@@ -30,19 +30,19 @@ private:
     const char* rest_;
 };
 
-// There is no image, or it has no pixels that may be touched.
+// There is no image, or its pixels must not be touched.
 class NoImage : public MethodFailure {
 public:
     NoImage() noexcept : MethodFailure("no image.") {}
 };
 
-// The same of an image that was passed in.
+// The same for an image that was passed in.
 class NoSourceImage : public MethodFailure {
 public:
     NoSourceImage() noexcept : MethodFailure("no source image.") {}
 };
 
-// A result without a text: what somebody's interface answered, E_POINTER for a null pointer.
+// A result without a text: the result of a foreign interface, or E_POINTER for a null pointer.
 class FailedResult : public std::exception {
 public:
     explicit FailedResult(HRESULT result) noexcept : result_(result) {}
@@ -57,9 +57,9 @@ inline void Require(const void* pointer) {
     if (!pointer) throw FailedResult(E_POINTER);
 }
 
-// For calls on interfaces: S_OK and S_FALSE are returned, a failure is raised. Demand() makes it E_FAIL, as any
-// internal failure; PassOn() keeps the result, where the contract says so (regions, bitmaps and histograms that
-// processing calls). A text that the callee has reported stays reported.
+// For calls on interfaces: return S_OK and S_FALSE, raise failures. Demand() turns them into E_FAIL, like any internal
+// failure. PassOn() keeps the result, where the contract says so (regions, bitmaps and histograms that processing
+// calls). A text reported by the callee stays reported.
 inline HRESULT Demand(HRESULT result) {
     if (FAILED(result)) throw FailedResult(E_FAIL);
     return result;

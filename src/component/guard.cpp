@@ -14,7 +14,7 @@ HRESULT ResultOfCurrentException(const CLSID& clsid, const MethodName& name) noe
         return failure.result();
     } catch (const MethodFailure& failure) {
         if (!name.owner.empty()) {
-            char text[128];  // longer than any name of the contract
+            char text[128];  // longer than any name in the contract
             std::snprintf(text, sizeof text, "%.*s::%s: %s", static_cast<int>(name.owner.size()), name.owner.data(),
                           name.method, failure.what());
             ReportError(clsid, text);

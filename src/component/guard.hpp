@@ -9,15 +9,15 @@
 
 namespace orlix {
 
-// A method of the contract: "IImageProcess", "Invert". Without the interface's name a MethodFailure has no text.
+// A method of the contract: "IImageProcess", "Invert". Without an interface name a MethodFailure has no text.
 struct MethodName {
     std::string_view owner;
     const char* method = "";
 };
 
-// Inside a handler: reports what was thrown in the name of the class and gives the method's result. A Failure is
-// reported with its text, a MethodFailure in the name of the method; anything but these and FailedResult (no memory,
-// ...) is a bare E_FAIL.
+// Call this in an exception handler: it reports the current exception on behalf of the class and returns the method's
+// result. A Failure is reported with its text, a MethodFailure with the method's name in front; anything other than
+// these and FailedResult (out of memory, ...) is a bare E_FAIL.
 HRESULT ResultOfCurrentException(const CLSID& clsid, const MethodName& name = {}) noexcept;
 
 // Runs the body of an interface method. The thread's error information is cleared first, so that after a failure it

@@ -1,4 +1,4 @@
-// Texts that the system decides on: the code page of narrow ones, and the module's resources.
+// System-dependent text: the code page of narrow strings, and the module's resources.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -8,10 +8,10 @@
 namespace orlix {
 
 // Writes the text in UTF-16 with a terminator. `to` has room for capacity units, one for each byte of the text and one
-// for the terminator: enough for every code page. The code page is the thread's on Windows, UTF-8 elsewhere.
+// for the terminator, which suffices for every code page. The code page is the thread's on Windows, UTF-8 elsewhere.
 void Widen(const char* text, OLECHAR* to, size_t capacity) noexcept;
 
-// Overwrites the text with that of a string resource of this module. Where there is none the text stays.
+// Overwrites the text with a string resource of this module. Without such a resource the text stays.
 void LoadText(WORD resource, OLECHAR (&text)[1024]) noexcept;
 
 }  // namespace orlix

@@ -1,4 +1,4 @@
-// The module's one lock count: live objects plus locks on class factories.
+// The module's only lock count: live objects plus locks on class factories.
 #pragma once
 
 namespace orlix {

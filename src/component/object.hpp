@@ -2,16 +2,16 @@
 //
 //     class OrlixBitmap final : public orlix::Object<OrlixBitmap, orlix::Answers<IBitmapProcess, IBitmap>> { ... };
 //
-// Each entry is an interface that the class implements; or Answers<I, Parents...>: I and the interfaces it derives from
-// that are answered too; or Part<Base, I, Parents...>: the same where Base, which derives from I alone, implements its
-// methods. The first entry is the default interface. The class is named as the contract's coclass is, so
-// __uuidof(Class) is its CLSID. Notes:
-//  (1) An object lives as long as one of its methods runs, even where a client that the method calls gives the last
-//      reference back. So a method may use its object after it has called somebody else's code.
-//  (2) When the last reference is gone the object lets go of what belongs to clients (LetGo) while it is still whole,
-//      and from then on its methods fail with E_FAIL: a client whose own last reference this was may call back, and
-//      finds an object that does nothing. The destructor calls nobody. Who takes a reference even then keeps the
-//      memory, no more.
+// Each entry is one of the following; the first one is the default interface:
+//     I                          an interface that the class implements
+//     Answers<I, Parents...>     the same, and QueryInterface also answers these base interfaces of I
+//     Part<Base, I, Parents...>  the same, where Base, which derives from I alone, implements the methods of I
+// The class has the name of the contract's coclass, so __uuidof(Class) is its CLSID. Notes:
+//  (1) An object stays alive while one of its methods runs, even when a client called by the method gives back the last
+//      reference. So a method may use its object after calling foreign code.
+//  (2) When the last reference is gone, the object first releases what belongs to clients (LetGo) while it is still
+//      intact, and from then on its methods fail with E_FAIL: a client released here may call back and finds an object
+//      that does nothing. The destructor calls no foreign code. A reference taken this late keeps only the memory.
 #pragma once
 
 #include <atomic>
@@ -25,7 +25,7 @@
 
 namespace orlix {
 
-// The object's own IUnknown: counts the references, those of methods that run included.
+// The object's own IUnknown. The count includes a reference for each running method.
 class ObjectLife : public IUnknown {
 public:
     STDMETHODIMP_(ULONG) AddRef() noexcept final { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
@@ -35,7 +35,7 @@ public:
         return left;
     }
 
-    // Runs the body of a method of the class, see Object::Guarded.
+    // Runs the body of a method of the class; see Object::Guarded.
     template <class I, class Body>
     HRESULT Guarded(const CLSID& clsid, Body& body, const char* method) noexcept {
         const KeepAlive alive(*this);
@@ -53,7 +53,7 @@ public:
 protected:
     ~ObjectLife() = default;
 
-    // Lets go of what belongs to clients.
+    // Releases what belongs to clients.
     virtual void Close() noexcept = 0;
     virtual void Destroy() noexcept = 0;
 
@@ -69,16 +69,16 @@ private:
         ObjectLife& life_;
     };
 
-    // When the last reference is gone. Every method has a place that may come here (KeepAlive): one copy for all.
+    // Called when the last reference is gone. Every method can reach it (KeepAlive), so there is one copy for all.
     [[gnu::noinline]] void End() noexcept {
         if (!closed_) {
             closed_ = true;
-            // Clients may take and give back references meanwhile; who keeps one puts the end off.
+            // Clients may take and give back references meanwhile; one that keeps a reference postpones the end.
             count_.store(1, std::memory_order_relaxed);
             Close();
             if (count_.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
         }
-        count_.store(1, std::memory_order_relaxed);  // a reference taken and given back by the destructor itself
+        count_.store(1, std::memory_order_relaxed);  // for a reference that the destructor itself takes and gives back
         Destroy();
     }
 
@@ -86,7 +86,7 @@ private:
     bool closed_ = false;  // the last reference is gone
 };
 
-// Whether two interface pointers, of whatever objects, belong to the same one.
+// Whether two interface pointers, of any objects, belong to the same object.
 inline bool AreSame(IUnknown* one, IUnknown* other) noexcept {
     ComPtr<IUnknown> identities[2];
     return one && other && SUCCEEDED(one->QueryInterface(__uuidof(IUnknown), identities[0].OutVoid())) &&
@@ -120,8 +120,8 @@ struct InterfaceEntry<Part<Base, I, Parents...>> : InterfaceEntry<Answers<I, Par
 template <class Class, class... Entries>
 class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErrorInfo {
 public:
-    // As a class factory does it: with an outer object only IUnknown may be asked for, and what is handed out is the
-    // inner object's own IUnknown.
+    // For class factories. With an outer object the client may request only IUnknown, and gets the inner object's own
+    // IUnknown.
     static HRESULT CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept {
         if (!object) return E_POINTER;
         *object = nullptr;
@@ -140,7 +140,7 @@ public:
         return result;
     }
 
-    // A new object with one reference, for the library's own use.
+    // A new object with one reference, for use inside the library.
     static ComPtr<Class> Make() { return ComPtr<Class>::Attach(new Class); }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
@@ -160,24 +160,24 @@ protected:
     Object() noexcept : inner_(*this) { LockModule(); }
     ~Object() { UnlockModule(); }
 
-    // With the interface of the method that calls this, whose name is taken from the call: what a MethodFailure is
-    // reported by.
+    // I is the interface of the calling method, whose name is taken from the call. Both go into the text of a
+    // MethodFailure.
     template <class I = void, class Body>
     HRESULT Guarded(Body&& body, const char* method = __builtin_FUNCTION()) noexcept {
         return inner_.template Guarded<I>(__uuidof(Class), body, method);
     }
 
-    // For parts of the class that run methods themselves.
+    // For parts of the class that run methods on their own.
     ObjectLife& life() noexcept { return inner_; }
 
-    // Hidden by classes that hold interfaces of clients: releases all of them. Nothing can be put in their place, as
-    // methods fail already.
+    // Classes that hold client interfaces hide this function and release all of them in it. No new ones can arrive, as
+    // all methods already fail.
     void LetGo() noexcept {}
 
     bool IsSelf(IUnknown* other) noexcept { return AreSame(controlling_, other); }
 
 private:
-    // Answers the interfaces without asking an outer object.
+    // Answers interface requests without asking an outer object.
     class Inner final : public ObjectLife {
     public:
         explicit Inner(Object& owner) noexcept : owner_(owner) {}
@@ -206,7 +206,7 @@ private:
     }
 
     Inner inner_;
-    IUnknown* controlling_ = &inner_;  // not counted when it is an outer object: that one owns this
+    IUnknown* controlling_ = &inner_;  // an outer object is not counted: it owns this one
 };
 
 }  // namespace orlix

@@ -1,4 +1,4 @@
-// Strings across the interface.
+// Strings that cross the interface.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -8,11 +8,11 @@
 
 namespace orlix {
 
-// The text of a BSTR, which may hold zeros inside and may be null (empty).
+// The text of a BSTR, which may contain zeros and may be null (empty).
 inline WideStringView ToView(BSTR text) { return text ? WideStringView(text, SysStringLen(text)) : WideStringView(); }
 
-// A new BSTR, the receiver's to free. A method that gives several makes all of them as Text first, and detaches them
-// when nothing can fail any more.
+// A new BSTR that the receiver frees. A method that returns several first creates all of them as Text, and detaches
+// them when nothing can fail any more.
 inline BSTR CopyToBstr(WideStringView text) { return Text(text).Detach(); }
 
 }  // namespace orlix

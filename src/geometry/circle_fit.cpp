@@ -23,7 +23,7 @@ std::optional<Circle> CircleThrough(const Point& a, const Point& b, const Point&
     return circle;
 }
 
-// The sum of the `good` smallest of the squares. `scratch` is as long.
+// The sum of the `good` smallest squares. `scratch` has as many elements as `squares`.
 double TrimmedSum(std::span<const double> squares, size_t good, std::vector<double>& scratch) {
     if (good == 0) return 0;
     std::copy(squares.begin(), squares.end(), scratch.begin());

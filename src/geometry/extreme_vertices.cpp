@@ -10,8 +10,8 @@
 namespace orlix {
 namespace {
 
-// A polygon of up to eight vertices of the outline, those farthest left, right, up, down and along the diagonals. What
-// lies well inside it is no corner of the hull.
+// A polygon of up to eight extreme vertices: those farthest left, right, up, down and along the diagonals. A vertex
+// well inside it is no corner of the hull.
 class Inner {
 public:
     explicit Inner(Outline outline) {
@@ -27,7 +27,7 @@ public:
         }
         if (!farthest[0]) return;
         const double size = std::max(farthest[6]->x - farthest[2]->x, farthest[0]->y - farthest[4]->y);
-        // Rounding of a cross product of differences is below 1e-15 of the square.
+        // A cross product of differences has a rounding error below 1e-15 of the square.
         margin_ = 1e-12 * size * size;
         if (!std::isnormal(margin_)) return;
         for (int k = 0; k < 8; ++k) {
@@ -59,7 +59,7 @@ struct Vertex {
     uint32_t index;
 };
 
-// Vertices that may be corners: the finite ones but those well inside.
+// The vertices that may be corners: all finite ones except those well inside.
 std::vector<Vertex> OuterVertices(Outline outline) {
     const Inner inner(outline);
     std::vector<Vertex> vertices;
@@ -79,8 +79,8 @@ std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
     });
     std::erase_if(vertices, [&](const Vertex& v) { return v.p == pivot.p; });
 
-    // By angle from the direction (1, 0) over (0, -1) to (-1, 0), then by distance, which grows with -y or, towards
-    // (-1, 0), with -x: the farthest one of a direction comes last and replaces the others.
+    // Sorted by angle from (1, 0) over (0, -1) to (-1, 0), then by distance, which grows with -y or, towards (-1, 0),
+    // with -x: the farthest vertex in a direction comes last and replaces the others.
     std::sort(vertices.begin(), vertices.end(), [&](const Vertex& a, const Vertex& b) {
         if (const int turn = Turn(pivot.p, a.p, b.p)) return turn < 0;
         if (a.p.y != b.p.y) return a.p.y > b.p.y;
@@ -101,12 +101,12 @@ std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
     return stack;
 }
 
-// Vertices that can be an end of the diameter, along the hull, each place once.
+// Vertices that can be an end of the diameter, in hull order, each position once.
 //
-// Distances are rounded, and the first of equal ones is asked for: so a pair within rounding of the largest distance M
-// may win although its vertices are no corners. But each is near one: the line from one vertex through the other leaves
-// the hull at once, through an edge whose ends are both within M of the first; that place is less than 1.5e-7 M from
-// one of them.
+// Distances are rounded and the first of equal distances wins, so a pair within rounding of the largest distance M may
+// win although its vertices are no corners. But each of them is close to a corner: the line from one vertex through the
+// other leaves the hull at once, through an edge whose ends are both within M of the first vertex; the point where it
+// leaves is less than 1.5e-7 M from one of these ends.
 std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std::vector<Vertex>& corners,
                                  double extent) {
     if (corners.size() == vertices.size()) return corners;
@@ -143,7 +143,7 @@ std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std:
     return ends;
 }
 
-// The first of the largest distances, by halving rows of vertices for as long as what is left may hold a larger one.
+// The first of the largest distances. Splits ranges of vertices in half as long as they may hold a larger distance.
 class FarthestPair {
 public:
     explicit FarthestPair(std::vector<Vertex> vertices) : vertices_(std::move(vertices)) {
@@ -165,7 +165,8 @@ private:
         Row Half(int k) const { return k == 0 ? Row{2 * node, first, middle()} : Row{2 * node + 1, middle(), end}; }
     };
 
-    // bulge_[node]: no vertex of the row is farther from the line segment between its first and last.
+    // bulge_[node]: an upper bound for the distance of the range's vertices from the segment between its first and
+    // last.
     void BuildBulge(size_t node, size_t first, size_t end) {
         const Point &a = vertices_[first].p, &b = vertices_[end - 1].p;
         double bulge = 0;
@@ -181,7 +182,7 @@ private:
         bulge_[node] = bulge;
     }
 
-    // No distance between vertices of the rows is larger, rounding included.
+    // Upper bound for the distances between vertices of the two ranges, rounding included.
     double Bound(const Row& a, const Row& b) const {
         const Point &a1 = vertices_[a.first].p, &a2 = vertices_[a.end - 1].p;
         const Point &b1 = vertices_[b.first].p, &b2 = vertices_[b.end - 1].p;
@@ -205,7 +206,7 @@ private:
             SearchBetter(a, b.Half(0), a, b.Half(1));
         }
     }
-    // The pair that promises more first.
+    // The more promising pair first.
     void SearchBetter(const Row& a, const Row& b, const Row& c, const Row& d) {
         const bool firstIsBetter = Bound(a, b) >= Bound(c, d);
         Search(firstIsBetter ? a : c, firstIsBetter ? b : d);
@@ -231,8 +232,8 @@ private:
     Diameter best_;
 };
 
-// Where distances are infinite: the first vertex that is infinitely far from another one, and that one. The vertex
-// farthest from any is a corner.
+// For infinite distances: the first vertex that is infinitely far from another one, and that other one. The vertex
+// farthest from a given one is always a corner.
 Diameter FirstInfinite(Outline outline, const std::vector<Vertex>& corners) {
     const auto isInfinite = [](const Point& a, const Point& b) { return std::isinf(Distance(a, b)); };
     for (uint32_t i = 0; i < outline.size(); ++i) {
@@ -268,7 +269,7 @@ Diameter DiameterOf(Outline outline) {
     if (std::isfinite(4 * extent)) return FarthestPair(DiameterEnds(vertices, corners, extent)).result();
 
     if (const Diameter first = FirstInfinite(outline, corners); first.length > 0) return first;
-    // Large, but finite after all: multiples by a power of two.
+    // Very large but finite: scaled by a power of two.
     std::vector<Point> scaled;
     for (const Point& p : outline) scaled.push_back({p.x * 0.0625, p.y * 0.0625});
     Diameter diameter = DiameterOf(scaled);

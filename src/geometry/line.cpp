@@ -10,7 +10,7 @@ struct Steps {
     int64_t first, last;
 };
 
-// Which numbers of steps from start keep a coordinate within 0 .. size - 1.
+// The step counts from start that keep a coordinate within 0 .. size - 1.
 Steps StepsInside(int64_t start, int64_t sign, int64_t size) {
     return sign > 0 ? Steps{-start, size - 1 - start} : Steps{start - (size - 1), start};
 }
@@ -37,8 +37,8 @@ VisibleSteps::VisibleSteps(const Line& line, int32_t width, int32_t height) {
     last_ = FirstStepWithSide(side.last + 1, first, end) - 1;
     if (first_ > last_) return;
 
-    // The walk's error term before its decision at first_, 2 minor - major + 2 minor k - 2 major side, without forming
-    // its products, which need 66 bits.
+    // The error term of Bresenham's algorithm before its decision at first_: 2 minor - major + 2 minor k - 2 major
+    // side. Computed without these products, which need 66 bits.
     firstSide_ = Side(first_);
     if (major_ == 0) return;
     const uint64_t product = static_cast<uint64_t>(first_) * static_cast<uint64_t>(minor_);

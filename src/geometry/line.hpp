@@ -8,9 +8,10 @@
 
 namespace orlix {
 
-// Between two pixels, both included. Pixel k lies k steps from the first along the longer axis (y when both are equally
-// long) and floor(k * minor / major + 1/2) steps along the other. That is where Bresenham's walk is after k steps: its
-// error term stays below 0 after each decision, so a term of 0 steps, and halves go away from the first end.
+// A line between two pixels, both included. Pixel k lies k steps from the first along the longer axis (y when both are
+// equally long) and floor(k * minor / major + 1/2) steps along the other. This is the position of Bresenham's algorithm
+// after k steps: its error term stays below 0 after each decision, so a term of 0 takes the step, and halves round away
+// from the first end.
 struct Line {
     int32_t x1, y1, x2, y2;
 
@@ -19,13 +20,13 @@ struct Line {
     }
 };
 
-// The steps of a line that lie in an image, as positions along the longer axis (major) and the other one.
+// The steps of a line that lie in an image, as positions along the longer (major) and the shorter (minor) axis.
 class VisibleSteps {
 public:
     VisibleSteps(const Line& line, int32_t width, int32_t height);
 
-    // Calls plot(x, y) for every pixel of the line in 0 <= x < width, 0 <= y < height, in order. The time taken depends
-    // on their number only, wherever the ends lie.
+    // Calls plot(x, y) for every pixel of the line in 0 <= x < width, 0 <= y < height, in order. The time depends only
+    // on the number of these pixels, not on where the ends lie.
     template <class Plot>
     void ForEach(Plot&& plot) const {
         int64_t along = majorStart_ + majorSign_ * first_;
@@ -45,13 +46,13 @@ public:
         }
     }
 
-    // Rows in which the line has pixels there.
+    // The number of rows in which the line has visible pixels.
     int64_t Rows() const {
         if (first_ > last_) return 0;
         return 1 + (steep_ ? last_ - first_ : Side(last_) - Side(first_));
     }
 
-    // Calls visit(y, left, right) for each of these rows, in order. The time taken depends on their number only.
+    // Calls visit(y, left, right) for each of these rows, in order. The time depends only on their number.
     template <class Visit>
     void ForEachRow(Visit&& visit) const {
         if (steep_) return ForEach([&](int32_t x, int32_t y) { visit(y, x, x); });
@@ -71,8 +72,8 @@ public:
     }
 
 private:
-    int64_t Side(int64_t k) const;  // steps along the other axis before pixel k
-    int64_t FirstStepWithSide(int64_t side, int64_t from, int64_t to) const;  // to, when there is none below it
+    int64_t Side(int64_t k) const;  // steps along the minor axis before pixel k
+    int64_t FirstStepWithSide(int64_t side, int64_t from, int64_t to) const;  // `to` when there is none below it
 
     bool steep_;
     int64_t major_, minor_;            // lengths, 0 .. 2^32 - 1, minor <= major

@@ -1,4 +1,4 @@
-// The component class of outlines. The interface is documented in the contract.
+// The component class of polygons. The interface is documented in the contract.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -11,7 +11,7 @@
 
 class OrlixPolygon final : public orlix::Object<OrlixPolygon, IPolygon> {
 public:
-    // For the library's own code.
+    // For use inside the library.
     static orlix::ComPtr<OrlixPolygon> Of(std::vector<orlix::Point> vertices);
 
     STDMETHODIMP Create(LONG numberOfVertices, SVertice* vertices) noexcept override;
@@ -36,12 +36,12 @@ public:
     STDMETHODIMP GetBounds(double* left, double* top, double* right, double* bottom) noexcept override;
 
 private:
-    // A measurement of one number, 0 until it is known.
+    // Evaluates one measurement; *out is 0 until its value is known.
     template <class Measurement>
     HRESULT Measure(double* out, const Measurement& measurement) noexcept;
-    // A new polygon of some of the vertices.
+    // A new polygon with the chosen vertices.
     orlix::ComPtr<OrlixPolygon> Chosen(const std::vector<uint32_t>& indices) const;
 
-    // SVertice has the layout of Point: what is handed out are these.
+    // SVertice has the layout of Point, so get_Vertices hands out this array.
     std::vector<orlix::Point> vertices_;
 };

@@ -9,8 +9,8 @@ using namespace orlix;
 
 namespace {
 
-// An interface pointer begins with the address of its function table, which all objects of a class share and no other
-// class nor another copy of the library has.
+// The first word at an interface pointer is the address of its function table. All objects of a class share this table;
+// no other class and no other copy of the library does.
 const void* FunctionTable(IRegionOfInterest* region) noexcept {
     const void* table;
     std::memcpy(&table, static_cast<const void*>(region), sizeof table);

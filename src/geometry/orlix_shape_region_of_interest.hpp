@@ -16,8 +16,8 @@ class OrlixShapeRegionOfInterest final
 public:
     OrlixShapeRegionOfInterest() noexcept;
 
-    // The shape behind an interface pointer, null when the pointer is not that of an object of this class in this
-    // module. Valid until the next creation or release.
+    // The shape behind an interface pointer; null unless the object belongs to this class in this module. Valid until
+    // the shape is next created or released.
     static const orlix::ShapeRegion* ShapeOf(IRegionOfInterest* region) noexcept;
 
     STDMETHODIMP get_Width(LONG* value) noexcept override;
@@ -45,7 +45,7 @@ public:
 
 private:
     orlix::ShapeRegion shape_;
-    std::array<SRun, 2> handedOut_ = {};  // the runs of the row asked for last
+    std::array<SRun, 2> handedOut_ = {};  // the runs of the row requested last
     OLE_COLOR color_ = 0x0000FF00;        // 0x00BBGGRR: green
     orlix::WideString description_;
 };

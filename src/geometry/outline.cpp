@@ -23,14 +23,14 @@ bool IsFinite(Outline outline) {
     return std::all_of(outline.begin(), outline.end(), [](const Point& p) { return IsFinite(p); });
 }
 
-// One coordinate of the vertices, as seen from the first one, in a unit, a power of two, in which none is farther than
-// 2.
+// One coordinate of the vertices relative to the first vertex, in a power-of-two unit in which no vertex is farther
+// away than 2.
 class AxisFromFirst {
 public:
     AxisFromFirst(Outline outline, double Point::*coordinate) : coordinate_(coordinate) {
         double largest = 0, farthest = 0;
         for (const Point& p : outline) largest = std::max(largest, std::fabs(p.*coordinate));
-        if (largest >= 0x1p960) before_ = 0x1p-64;  // or differences might overflow
+        if (largest >= 0x1p960) before_ = 0x1p-64;  // differences could overflow otherwise
         first_ = outline[0].*coordinate * before_;
         for (const Point& p : outline) farthest = std::max(farthest, std::fabs(p.*coordinate * before_ - first_));
         if (farthest > 0) exponent_ = std::max(std::ilogb(farthest), -900);
@@ -42,7 +42,7 @@ public:
         const DoublePair offset = ExactSum(p.*coordinate_ * before_, -first_);
         return {offset.high * perUnit_, offset.low * perUnit_};
     }
-    // Back from units to the coordinate.
+    // Converts an offset back to a coordinate.
     double At(const DoublePair& offset) const {
         const DoublePair sum = ExactSum(first_, offset.high * unit_);
         return (sum.high + (sum.low + offset.low * unit_)) / before_;
@@ -51,7 +51,7 @@ public:
 
 private:
     double Point::*coordinate_;
-    double before_ = 1;  // what coordinates are multiplied with first
+    double before_ = 1;  // coordinates are multiplied by this first
     double first_ = 0;
     int exponent_ = 0;
     double unit_ = 1, perUnit_ = 1;
@@ -63,11 +63,11 @@ DoublePair Quotient(const DoublePair& a, const DoublePair& b) {
     return ExactSumOrdered(first, rest.high / b.high);
 }
 
-// The direction (-1, 0), in which angles leap from 180 to -180 degrees, belongs to the upper half.
+// The direction (-1, 0), where angles jump from 180 to -180 degrees, belongs to the upper half.
 bool HasPositiveAngle(const Point& p, const Point& from) { return p.y > from.y || (p.y == from.y && p.x < from.x); }
 bool HasNegativeAngle(const Point& p, const Point& from) { return p.y < from.y; }
 
-// 0 to 360, of a point other than `from`.
+// Direction of p as seen from `from`, 0 to 360 degrees; p is not `from`.
 double DegreesOf(const Point& p, const Point& from) {
     constexpr double kDegrees = 57.295779513082323;
     const double angle = ArcTangent(p.y - from.y, p.x - from.x) * kDegrees;
@@ -93,7 +93,7 @@ double PerimeterEquivalentRadius(Outline outline) {
 }
 
 double Circularity(Outline outline) {
-    // A ratio of lengths: in a unit, a power of two, in which neither sums nor squares leave the range of double.
+    // A ratio of lengths, computed in a power-of-two unit in which neither sums nor squares overflow or underflow.
     double largest = 0;
     for (const Point& p : outline) largest = std::max({largest, std::fabs(p.x), std::fabs(p.y)});
     const int exponent = largest > 0 && std::isfinite(largest) ? std::ilogb(largest) : 0;
@@ -164,8 +164,8 @@ ExtremeDistances DistancesFrom(const Point& point, Outline outline) {
     return extremes;
 }
 
-// The differences of the angles of neighbours add up to 0 around the outline; what brings one into -180..180 degrees is
-// 360 wherever an edge passes the direction (-1, 0).
+// Around the outline, the raw differences between neighbouring angles sum to 0. Only the corrections into -180..180
+// degrees remain: 360 degrees for each edge that crosses the direction (-1, 0).
 bool Encloses(Outline outline, const Point& point) {
     if (!IsFinite(point)) return false;
     int64_t turns = 0;

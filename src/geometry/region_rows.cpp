@@ -9,7 +9,7 @@
 namespace orlix {
 namespace {
 
-// Clips a run; whether anything is left of it.
+// Clips a run; false when nothing is left of it.
 bool Clip(int32_t start, int32_t stop, int32_t width, Run& run) {
     run = {std::max(start, 0), std::min(stop, width - 1)};
     return run.start <= run.stop;
@@ -56,7 +56,7 @@ std::span<const Run> RegionRows::ShapeRow(int32_t y, RowBuffer& buffer) const {
 }
 
 void RegionRows::Gather(IRegionOfInterest& region) {
-    const ComPtr<IRegionOfInterest> held(&region);  // its own methods may make its owner let go of it
+    const ComPtr<IRegionOfInterest> held(&region);  // the region's methods may make its owner release it
     RECT box = {0, 0, -1, -1};
     PassOn(region.get_BoundingBox(&box));
     top_ = std::max<int32_t>(box.top, 0);
@@ -73,7 +73,7 @@ void RegionRows::Gather(IRegionOfInterest& region) {
 }
 
 void RegionRows::GatherRow(const SRun* begin, const SRun* end) {
-    // Compared as addresses: the two need not point into one array.
+    // Compared as addresses: the pointers need not belong to one array.
     const auto first = reinterpret_cast<uintptr_t>(begin);
     const auto past = reinterpret_cast<uintptr_t>(end);
     if (first == 0 || past <= first) return;

@@ -1,4 +1,4 @@
-// The pixels that an operation visits: the one place where processing code consumes a region.
+// The pixels that an operation visits: the only place where processing code consumes a region.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -21,18 +21,18 @@ namespace orlix {
 //     for (int32_t y = region.top(); y <= region.bottom(); ++y)
 //         for (const Run run : region.row(y)) Kernel(view.row(y) + run.start, run.length());
 //
-//  (1) The rows are those of the region's bounding box that lie in the image. Runs are clipped to the image, empty and
-//      reversed ones left out, the others in order; runs that overlap or touch are joined.
-//  (2) It is a snapshot: the region is asked in the constructor only and may change or go away afterwards, so an
-//      operation that has a RegionRows in its hands cannot be stopped half-way by a region.
-//  (3) The constructor calls the region, which may be anybody's code: it may even change the image. Whoever took the
-//      image's size before asks for it again afterwards.
-//  (4) No region, and regions of this module's OrlixShapeRegionOfInterest, cost no allocation and about nothing a row.
-//      Any other region is read out once into one list of runs.
+//  (1) The rows are those of the region's bounding box that lie in the image. Runs are clipped to the image and sorted;
+//      empty and reversed runs are dropped, overlapping and touching ones joined.
+//  (2) It is a snapshot: only the constructor calls the region, which may change or go away afterwards. So once an
+//      operation has a RegionRows, no region can stop it half-way.
+//  (3) The constructor calls the region, which may be foreign code: it may even change the image. A caller that read
+//      the image's size before must read it again afterwards.
+//  (4) A null region and this module's OrlixShapeRegionOfInterest need no allocation and almost no time per row. Any
+//      other region is read once into a single list of runs.
 //
 // The constructor raises FailedResult with the region's own result when the region fails; FailedResult(E_FAIL) for a
-// row of more than width + 1 runs or runs at an address no record can have; std::bad_alloc. Null or reversed run lists
-// and S_FALSE mean a row without runs. width and height below 1 give no rows.
+// row of more than width + 1 runs or for misaligned runs; std::bad_alloc. Null or reversed run lists and S_FALSE mean a
+// row without runs. A width or height below 1 gives no rows.
 class RegionRows {
 public:
     RegionRows(IRegionOfInterest* region, int32_t width, int32_t height);
@@ -41,8 +41,8 @@ public:
     int32_t top() const { return top_; }
     int32_t bottom() const { return bottom_; }
 
-    // The runs of a row, none for a row outside top()..bottom(). Valid until the next call, or the next one with the
-    // same buffer.
+    // The runs of a row; none for a row outside top()..bottom(). Valid until the next call or, with a buffer, the next
+    // call with the same buffer.
     using RowBuffer = std::array<Run, 2>;
     std::span<const Run> row(int32_t y) const { return row(y, buffer_); }
     std::span<const Run> row(int32_t y, RowBuffer& buffer) const {
@@ -58,9 +58,9 @@ public:
         return {runs_.data() + ends_[i], ends_[i + 1] - ends_[i]};
     }
 
-    // Whether it is every pixel of the image.
+    // Whether every pixel of the image belongs to it.
     bool whole() const { return whole_; }
-    // How many pixels it is. Walks the rows.
+    // The number of pixels. Walks the rows.
     int64_t pixels() const;
 
 private:
@@ -78,10 +78,10 @@ private:
     Source source_ = Source::Image;
     bool whole_ = false;
     ShapeRegion shape_;               // shares its rows with the region it was taken from
-    std::span<const RawRun> inside_;  // Shape: of the rows from top on, where each has just its stored run
+    std::span<const RawRun> inside_;  // Shape: of the rows from top on, where each row is exactly its stored run
     std::vector<Run> runs_;           // Gathered: of all rows
     std::vector<size_t> ends_;        // Gathered: row top + i holds runs ends_[i] .. ends_[i + 1] - 1
-    mutable RowBuffer buffer_ = {};   // Image: the one run. Shape: the runs of the row asked for last
+    mutable RowBuffer buffer_ = {};   // Image: the one run. Shape: the runs of the row requested last
 };
 
 }  // namespace orlix

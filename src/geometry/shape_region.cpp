@@ -19,7 +19,7 @@ struct Point {
     double x, y;
 };
 
-// sqrt(dx^2 + dy^2) with the same bits everywhere, without overflow on the way. NaN when an argument is NaN.
+// sqrt(dx^2 + dy^2) with the same bits on every platform, without intermediate overflow. NaN when an argument is NaN.
 double Length(double dx, double dy) {
     const double square = dx * dx + dy * dy;
     if (square > 1e-280 && square < 1e300) return std::sqrt(square);
@@ -46,7 +46,7 @@ Box Clipped(const Box& box, int32_t width, int32_t height) {
             std::min(box.bottom, height - 1)};
 }
 
-// Contains nothing yet: widening it by a pixel of the image makes it that pixel.
+// An empty box: widening it by a pixel of the image gives that pixel.
 Box NoBox(int32_t width, int32_t height) { return {width - 1, height - 1, 0, 0}; }
 
 void Widen(Box& box, int32_t left, int32_t right, int32_t row) {
@@ -60,7 +60,7 @@ int64_t RowsBetween(int32_t top, int32_t bottom) { return std::max<int64_t>(int6
 
 }  // namespace
 
-// The stored run of a row without pixels is empty, except in an image one pixel wide, where it reads as column 0.
+// The run of a row without pixels is empty, except in an image one pixel wide, where it reads as column 0.
 void ShapeRegion::Reset(int32_t width, int32_t height) {
     width_ = width;
     height_ = height;

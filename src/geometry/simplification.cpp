@@ -1,4 +1,4 @@
-// Fewer vertices within a tolerance.
+// Polygon simplification within a tolerance.
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -17,9 +17,9 @@ double DistanceToEdge(const Point& p, const Point& a, const Point& b) {
     return std::fabs((p.x - a.x) * y - (p.y - a.y) * x) / Hypotenuse(x, y);
 }
 
-// Finds the vertex of a row that is farthest from an edge. Looking at each of them would take as many steps as there
-// are pairs of vertices, where every step leaves out one vertex only. The distance from an edge is a convex function:
-// in a box no point is farther than the farthest corner.
+// Finds the vertex of a range that is farthest from an edge. Testing every vertex could take time quadratic in their
+// number, since a step may separate only one vertex from the rest. The distance from an edge is a convex function: no
+// point of a box is farther than its farthest corner.
 class FarthestFromEdge {
 public:
     explicit FarthestFromEdge(Outline outline) : outline_(outline) {
@@ -29,7 +29,8 @@ public:
         Build({1, 0, static_cast<uint32_t>(outline.size())});
     }
 
-    // The first of the farthest vertices first <= i < end that are farther than the tolerance; `end` where none is.
+    // The first of the farthest vertices first <= i < end that are farther than the tolerance; `end` when there is
+    // none.
     uint32_t Find(uint32_t first, uint32_t end, const Point& a, const Point& b, double tolerance) {
         a_ = a;
         b_ = b;
@@ -37,7 +38,7 @@ public:
         end_ = found_ = end;
         farthest_ = tolerance;
         const Row all = {1, 0, static_cast<uint32_t>(outline_.size())};
-        // Somewhere near the largest distance, so that what is clearly nearer need not be looked at.
+        // An estimate close to the largest distance, so that vertices clearly nearer need not be tested.
         atLeast_ = end - first > kLeaf ? Probe(all) : 0;
         Search(all);
         return found_;
@@ -71,7 +72,7 @@ private:
 
     bool Meets(const Row& row) const { return row.first < end_ && row.end > first_; }
 
-    // No vertex of the row has a larger distance, as that is computed.
+    // Upper bound for the computed distances of the range's vertices.
     double Bound(const Row& row) const {
         const Bounds& box = boxes_[row.node];
         double most = 0, reach = 0;
@@ -81,7 +82,7 @@ private:
                 reach = std::max(
                     {reach, std::fabs(x - a_.x), std::fabs(y - a_.y), std::fabs(x - b_.x), std::fabs(y - b_.y)});
             }
-        // Rounding, of products that cancel, and below the normal numbers.
+        // Rounding errors, of products that cancel and below the normal numbers.
         return most + 1e-14 * reach + 1e-140;
     }
 
@@ -118,7 +119,7 @@ private:
     double farthest_ = 0, atLeast_ = 0;
 };
 
-// In a unit, a power of two, in which no product overflows, and none of the larger coordinates vanishes.
+// Coordinates in a power-of-two unit in which no product overflows and none of the larger coordinates vanishes.
 std::vector<Point> Scaled(Outline outline, double& tolerance) {
     double largest = 0;
     for (const Point& p : outline) largest = std::max({largest, std::fabs(p.x), std::fabs(p.y)});
@@ -150,9 +151,9 @@ std::vector<uint32_t> Simplify(Outline given, double tolerance) {
             most = distance;
             opposite = i;
         }
-    if (opposite == 0) return {0};  // all at one place
+    if (opposite == 0) return {0};  // all vertices coincide
 
-    // Vertex n is vertex 0.
+    // Index n is vertex 0 again.
     const auto at = [&](uint32_t i) -> const Point& { return outline[i == n ? 0 : i]; };
     std::vector<bool> stays(n + size_t{1}, false);
     stays[0] = stays[opposite] = true;

@@ -14,7 +14,7 @@ namespace {
 LONG Sum(LONG a, LONG b) { return static_cast<LONG>(static_cast<ULONG>(a) + static_cast<ULONG>(b)); }
 LONG Negative(LONG a) { return static_cast<LONG>(0 - static_cast<ULONG>(a)); }
 
-// Columns -n..n of the row belong to the disk; -1 for none. Coordinates below 2^16.
+// Columns -n..n of the row belong to the disk; -1 for none. Coordinates stay below 2^16.
 int64_t HalfWidth(int64_t y, double radius) {
     const auto inside = [&](int64_t x) { return std::sqrt(static_cast<double>(x * x + y * y)) <= radius; };
     const double square = radius * radius - static_cast<double>(y * y);
@@ -32,7 +32,7 @@ uint8_t MaskOf(int64_t byte, int64_t rest) {
 }  // namespace
 
 std::vector<SElement> DiskElements(double radius) {
-    // Beyond this the area alone, pi radius^2, is too large.
+    // For larger radii the area alone, pi radius^2, exceeds the limit.
     constexpr double kLargestRadius = 2320;
     int64_t count = 0;
     if (radius < kLargestRadius) {
@@ -76,8 +76,8 @@ void ByteLists::Reset() {
     for (auto& list : lists_) list.reset();
 }
 
-// In reading order, or against it, elements of one byte stand together whatever the bit. So do those of disks, and most
-// of what clients add. All others are sorted once.
+// When elements are in reading order or its reverse, those of one byte are adjacent whatever the bit. Disks and most
+// client lists are. All others are sorted once.
 void ByteLists::Sort(std::span<const SElement> elements) {
     const auto before = [](const SElement& a, const SElement& b) {
         return a.m_lY != b.m_lY ? a.m_lY < b.m_lY : a.m_lX < b.m_lX;
@@ -97,7 +97,7 @@ std::vector<SElement>& ByteLists::At(int32_t bit, std::span<const SElement> elem
     if (list) return *list;
     if (!inOrder_) Sort(elements);
 
-    // m_lOffset holds the index of the first element of the byte, until the bytes are in the order of these.
+    // m_lOffset holds the index of the byte's first element until the bytes have been sorted by it.
     std::vector<SElement> bytes;
     bool ordered = true;
     for (size_t i = 0; i < elements.size(); ++i) {

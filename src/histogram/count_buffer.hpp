@@ -12,16 +12,16 @@
 
 namespace orlix {
 
-// A histogram of more bins fails for want of memory. There is one bin for each value of 24 bits; the slowest statistic
-// of so many (the mixture) takes about a second, and none takes more than half a gigabyte.
+// The limit on bins; more fail for want of memory. It allows one bin for each 24-bit value. The slowest statistic of
+// that many bins (the mixture) takes about a second, and none takes more than half a gigabyte.
 inline constexpr int64_t kMostBins = int64_t{1} << 24;
 
-// An array of counts, zero at first. Zeroed memory comes from the system, which gives out only the pages that are used:
-// a histogram of very many bins costs what is counted into it. Without bins there is no memory (null).
+// An array of counts, initially zero. The system zeroes the memory and commits only pages in use, so a histogram of
+// very many bins costs only what is counted into it. No bins, no memory (null).
 class CountBuffer {
 public:
     CountBuffer() = default;
-    // Raises std::bad_alloc, also for more than kMostBins; a size below 1 is 0.
+    // Raises std::bad_alloc when memory runs out and for more than kMostBins; a size below 1 counts as 0.
     explicit CountBuffer(int64_t size) {
         if (size < 1) return;
         if (size > kMostBins) throw std::bad_alloc();

@@ -33,7 +33,7 @@ orlix::ComPtr<OrlixHistogram> OrlixHistogram::Make(LONG numberOfBins, double lef
     return histogram;
 }
 
-// The detail and smooth bins are as many as the bins, or none.
+// There are as many detail and smooth bins as bins, or none.
 void OrlixHistogram::Replace(CountBuffer&& bins) noexcept {
     if (bins.size() != bins_.size()) {
         detail_ = CountBuffer();
@@ -44,7 +44,7 @@ void OrlixHistogram::Replace(CountBuffer&& bins) noexcept {
 
 STDMETHODIMP OrlixHistogram::Create(LONG numberOfBins, double left, double right) noexcept {
     return Guarded([&] {
-        // A camera loop creates the same shape again and again.
+        // A camera loop creates the same histogram shape again and again.
         if (numberOfBins > 0 && static_cast<size_t>(numberOfBins) == bins_.size())
             std::ranges::fill(bins_.counts(), 0);
         else
@@ -67,7 +67,7 @@ STDMETHODIMP OrlixHistogram::CreateFromHistogram(IHistogram* histogram) noexcept
         Demand(histogram->get_Right(&right));
         Demand(histogram->get_Bins(&source));
 
-        // The source may be a wrapper of this very histogram: the old bins stay until the copy is made.
+        // The source may be a wrapper of this very histogram, so the old bins stay until the copy is complete.
         CountBuffer bins(n);
         if (bins.size() > 0) {
             if (!orlix::IsReadable(source, bins.size() * sizeof(LONG))) throw FailedResult(E_FAIL);

@@ -13,8 +13,8 @@
 
 class OrlixHistogram final : public orlix::Object<OrlixHistogram, IHistogram> {
 public:
-    // For the library's own code, which makes histograms and fills their counts in the middle of operations. No method
-    // of the interface may be called there: it clears the thread's error information, which may be a client's.
+    // For use inside the library, where operations create histograms and fill their counts. Such code must not call
+    // interface methods: they clear the thread's error information, which may be a client's.
     using Object::Make;
     static orlix::ComPtr<OrlixHistogram> Make(LONG numberOfBins, double left, double right);
     std::span<LONG> counts() noexcept { return bins_.counts(); }
@@ -65,7 +65,7 @@ public:
 
 private:
     std::span<const LONG> Counts() const { return bins_.counts(); }
-    // The counts when there is at least one, else a Failure with the message.
+    // The counts if there is at least one, otherwise a Failure with the message.
     std::span<const LONG> CountsOr(const char* message) const;
     orlix::BinMapping Mapping() const;
     double LocationOf(int64_t bin) const { return Mapping().Location(static_cast<double>(bin)); }
@@ -78,6 +78,6 @@ private:
     double right_ = 0.0;
     orlix::CountBuffer detail_;
     orlix::CountBuffer smooth_;
-    std::vector<LONG> extended_;     // scratch of the smoothing and of the pyramid
+    std::vector<LONG> extended_;     // scratch of smoothing and of the pyramid
     std::vector<double> entropies_;  // scratch of the entropy threshold
 };

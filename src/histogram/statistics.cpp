@@ -19,7 +19,7 @@ LONG Saturated(int64_t value) {
         std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
 
-// p ln p for p = count / total, 0 < count. Near p = 1 the logarithm is taken of the exact complement.
+// p ln p for p = count / total, 0 < count. Near p = 1 the logarithm is computed from the exact complement.
 double Information(int64_t count, int64_t total) {
     const auto whole = static_cast<double>(total);
     const double p = static_cast<double>(count) / whole;
@@ -29,7 +29,7 @@ double Information(int64_t count, int64_t total) {
     return u == 1.0 ? x : p * (Log(u) * (x / (u - 1.0)));
 }
 
-// What trimming leaves: all counts of the bins between low and high, and the given counts in these two.
+// The counts left after trimming: all those of the bins between low and high, and atLow and atHigh in these two bins.
 struct Trimmed {
     int64_t removed;
     int64_t low;
@@ -175,7 +175,7 @@ double KurtosisOfBins(std::span<const LONG> counts) {
     const PowerSums<4> s(counts);
     const WideInteger m2 = ScaledVariance(s);
     if (m2.Sign() <= 0) return kNaN;
-    // N^4 m4 = N^3 S4 - 4 N^2 S1 S3 + 6 N S1^2 S2 - 3 S1^4; three times (N^2 m2)^2 goes off before anything is rounded.
+    // N^4 m4 = N^3 S4 - 4 N^2 S1 S3 + 6 N S1^2 S2 - 3 S1^4; 3 (N^2 m2)^2 is subtracted before anything is rounded.
     const WideInteger square = s[1] * s[1];
     const WideInteger m4 = s[0] * s[0] * (s[0] * s[4] - s[1] * s[3] * 4) + square * (s[0] * s[2] * 6 - square * 3);
     const WideInteger m2Squared = m2 * m2;
@@ -256,7 +256,7 @@ void DecomposeCounts(std::span<const LONG> counts, std::span<LONG> detail, std::
     while (level.size() >= 2) {
         const size_t m = level.size();
         const size_t h = (m + 1) / 2;
-        // A level may lie in the averages itself: entry j is written after entries 2j and 2j + 1 were read.
+        // A level may itself lie in `averages`: entry j is written after entries 2j and 2j + 1 have been read.
         for (size_t j = 0; j < m / 2; ++j) {
             const int64_t first = level[2 * j];
             const int64_t average = (first + level[2 * j + 1]) / 2;

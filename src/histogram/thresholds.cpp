@@ -14,7 +14,7 @@
 namespace orlix {
 namespace {
 
-// To an integer; beyond 2^62, far outside of any histogram, that. NaN gives 0.
+// Rounds down to an integer, limited to 2^62 in magnitude, far outside any histogram. NaN gives 0.
 int64_t Floor(double v) {
     if (std::isnan(v)) return 0;
     return static_cast<int64_t>(std::clamp(std::floor(v), -0x1p62, 0x1p62));
@@ -41,8 +41,8 @@ struct Split {
     WeightedSum weighted;
 };
 
-// Compares splits by N^2 sigma^2 = d^2 / (below (N - below)), d = below S - weighted N, S being the sum of i c[i] over
-// all bins: in doubles as long as their rounding cannot matter, else in integers.
+// Compares splits by N^2 sigma^2 = d^2 / (below (N - below)), where d = below S - weighted N and S is the sum of i c[i]
+// over all bins. Uses doubles as long as their rounding cannot matter, otherwise integers.
 class SeparationOrder {
 public:
     SeparationOrder(int64_t total, const WideInteger& weightedTotal)
@@ -51,11 +51,11 @@ public:
           totalRounded_(static_cast<double>(total)),
           weightedTotalRounded_(weightedTotal.ToDouble()) {}
 
-    // Whether a split, of two classes that are not empty, has a greater (1), equal (0) or smaller (-1) variance than
-    // the best so far, at first 0. A greater one becomes the best.
+    // Whether a split into two non-empty classes has a greater (1), equal (0) or smaller (-1) variance than the best so
+    // far, initially 0. A greater one becomes the best.
     int CompareWithBest(const Split& split) {
-        // Each product is off by at most 5 roundings, so d by their sum; squares and products of both sides add fewer
-        // than 16.
+        // Each product is off by at most 5 roundings, and d by the sum of both errors; squares and products of both
+        // sides add fewer than 16.
         constexpr double kRounding = 0x1p-53;
         const double first = static_cast<double>(split.below) * weightedTotalRounded_;
         const double second = split.weighted.ToDouble() * totalRounded_;
@@ -102,7 +102,7 @@ private:
 
 // ---------------------------------------------------------------------------------------------- normal mixture
 
-// Phi(z) - 0.5 for z = 0, 0.05, ..., 3.05, and one entry more for the interpolation at 3.05.
+// Phi(z) - 0.5 for z = 0, 0.05, ..., 3.05, and one extra entry for the interpolation at 3.05.
 constexpr std::array<double, 63> kNormalTable = {
     0.00000, 0.01994, 0.03983, 0.05962, 0.07926, 0.09871, 0.11791, 0.13683, 0.15542, 0.17364, 0.19146, 0.20884, 0.22575,
     0.24215, 0.25804, 0.27337, 0.28814, 0.30234, 0.31594, 0.32894, 0.34134, 0.35314, 0.36433, 0.37493, 0.38493, 0.39435,
@@ -110,8 +110,8 @@ constexpr std::array<double, 63> kNormalTable = {
     0.47441, 0.47725, 0.47982, 0.48214, 0.48422, 0.48610, 0.48778, 0.48928, 0.49061, 0.49180, 0.49286, 0.49379, 0.49461,
     0.49534, 0.49598, 0.49653, 0.49702, 0.49744, 0.49781, 0.49813, 0.49841, 0.49865, 0.5,     0.5};
 
-// What the truncation of a class moves its mean by: sigma exp(-distance^2 / (2 variance)) / (sqrt(2 pi) share), share
-// being the part of the normal distribution on the class's side of the threshold; nothing when there is none.
+// The shift of a class's mean by truncation: sigma exp(-distance^2 / (2 variance)) / (sqrt(2 pi) share), where share is
+// the part of the normal distribution on the class's side of the threshold; 0 when share is 0.
 double TruncationCorrection(double distance, double variance, double sigma, double share) {
     constexpr double kTwoPi = 6.283185307179586;
     if (share == 0.0) return 0.0;
@@ -123,7 +123,8 @@ double AtLeastUniform(double variance) {
     return variance > kVarianceOfOneBin ? variance : kVarianceOfOneBin;
 }
 
-// The last bin, from one end, at which the counts so far still do not exceed the limit; the end itself if it does.
+// The last bin, counted from one end, at which the cumulative count does not yet exceed the limit; the end bin itself
+// if even that exceeds it.
 template <class BinOf>
 int64_t LastWithin(std::span<const LONG> counts, int64_t limit, BinOf binOf) {
     int64_t sum = 0;
@@ -137,9 +138,9 @@ int64_t LastWithin(std::span<const LONG> counts, int64_t limit, BinOf binOf) {
 
 // ------------------------------------------------------------------------------------------------- class entropy
 
-// ln P - sum(p ln p) / P of a class that grows bin by bin. With masses m = |N| p, whole numbers, and C their sum this
-// is ln C - sum(m ln m) / C: N drops out. A class of one bin has exactly 0, and two classes of the same bins, grown
-// from opposite ends, have the same entropy: thresholds at the two outermost bins tie.
+// ln P - sum(p ln p) / P of a class that grows bin by bin. With the integer masses m = |N| p and their sum C this is
+// ln C - sum(m ln m) / C: N drops out. A class of one bin has exactly 0, and two classes of the same bins, grown from
+// opposite ends, have the same entropy: thresholds at the two outermost bins tie.
 class ClassEntropy {
 public:
     void Add(int64_t mass, double information) {  // information: m ln m
@@ -194,15 +195,15 @@ int64_t BinOfGreatestSeparation(std::span<const LONG> counts, double leftProbabi
     const int64_t total = TotalCount(counts);
     SeparationOrder order(total, PowerSums<1>(counts)[1]);
     const double highest = 1.0 - rightProbability;
-    // Of classes that are not empty, the lower one has a probability above 0 and at most 1.
+    // With non-empty classes, the lower one has a probability above 0 and at most 1.
     const bool unrestricted = leftProbability <= 0.0 && highest >= 1.0;
 
     Split split;
     int64_t first = 0;
-    int64_t last = -1;  // of the best run; below first: none yet
+    int64_t last = -1;  // of the best run; last < first: none yet
     for (int64_t t = 0; t < NumberOfBins(counts); ++t) {
         const int64_t count = CountAt(counts, t);
-        if (count == 0) {  // the classes of the bin before
+        if (count == 0) {  // same classes as at the bin before
             if (last >= first && last == t - 1) last = t;
             continue;
         }

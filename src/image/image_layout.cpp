@@ -32,7 +32,7 @@ ImageLayout MakeLayout(int32_t width, int32_t height, int32_t bands, LONG dataTy
     layout.rowStride = (int64_t{width} * layout.bytesPerSample + 3) / 4 * 4;
     const int64_t samplesPerRow = layout.rowStride / layout.bytesPerSample;
     if (height > 1 && samplesPerRow > kLargestOffset / (height - 1)) throw FailedResult(E_FAIL);
-    // At most 2^31 (rows) * 2^34 bytes, and less after the test above.
+    // At most 2^31 rows of 2^34 bytes, and less after the test above.
     const uint64_t bandSize = static_cast<uint64_t>(layout.rowStride) * static_cast<uint64_t>(height);
     const uint64_t limit = std::numeric_limits<ptrdiff_t>::max();
     if (bandSize > limit / static_cast<uint64_t>(bands)) throw FailedResult(E_FAIL);

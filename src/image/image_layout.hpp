@@ -9,16 +9,16 @@
 
 namespace orlix {
 
-// Margin of the offset table on each side, in entries. Neighbourhood operations count on it.
+// Margin of the offset table on each side, in entries. Neighbourhood operations rely on it.
 inline constexpr int32_t kTableMargin = 200;
 
-// Bytes that a sample takes: the bits of the type code (its low nine bits), rounded up to whole bytes; 3
-// becomes 4, and 5 to 7 become 8. More than 64 bits raise FailedResult(E_FAIL). For codes of fewer than 8
-// bits the result is 1 or 0: callers refuse them first.
+// Bytes per sample: the bits of the type code (its low nine bits), rounded up to whole bytes; 3 becomes 4, and 5 to 7
+// become 8. More than 64 bits raise FailedResult(E_FAIL). Codes of fewer than 8 bits give 1 or 0: callers refuse them
+// first.
 int32_t BytesPerSample(LONG dataType);
 
-// Planar storage: bands one after the other, rows top-down within a band, samples side by side within a row.
-// Each row is padded to a multiple of 4 bytes. All sizes are in bytes.
+// Planar storage: bands one after the other, rows top-down within a band, samples adjacent within a row. Each row is
+// padded to a multiple of 4 bytes. All sizes are in bytes.
 struct ImageLayout {
     int32_t width = 0;
     int32_t height = 0;
@@ -31,13 +31,13 @@ struct ImageLayout {
     friend bool operator==(const ImageLayout&, const ImageLayout&) = default;
 };
 
-// Width, height and bands are positive. Raises FailedResult(E_FAIL) where the offsets of the rows leave 32
-// bits or the storage exceeds the address space.
+// Width, height and bands must be positive. Raises FailedResult(E_FAIL) when the row offsets exceed 32 bits or the
+// storage exceeds the address space.
 ImageLayout MakeLayout(int32_t width, int32_t height, int32_t bands, LONG dataType);
 
 // Entry `index` of the offset table, -kTableMargin <= index < max(width, height) + kTableMargin. Indices outside an
-// axis of length n mirror without repeating the edge: i -> |i| mod 2(n - 1), and what then exceeds n - 1 -> 2(n - 1) -
-// i; all 0 when n is 1. Entries of the shorter axis beyond n + kTableMargin - 1 have no meaning and hold 0.
+// axis of length n mirror without repeating the edge: i -> |i| mod 2(n - 1), and results above n - 1 -> 2(n - 1) - i;
+// all 0 when n is 1. Entries of the shorter axis beyond n + kTableMargin - 1 have no meaning and are 0.
 VPAEntry OffsetTableEntry(const ImageLayout& layout, int64_t index);
 constexpr bool HasColumnEntry(const ImageLayout& layout, int64_t index) {
     return index < layout.width + int64_t{kTableMargin};
@@ -46,7 +46,7 @@ constexpr bool HasRowEntry(const ImageLayout& layout, int64_t index) {
     return index < layout.height + int64_t{kTableMargin};
 }
 
-// Number of entries, and all of them: entry 0 is element kTableMargin.
+// The number of entries, and the whole table, in which entry 0 is element kTableMargin.
 constexpr int64_t OffsetTableSize(const ImageLayout& layout) {
     return (layout.width > layout.height ? layout.width : layout.height) + 2 * int64_t{kTableMargin};
 }

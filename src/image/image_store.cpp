@@ -36,11 +36,11 @@ void ImageStore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG 
     if ((dataType & 0x1ff) < 8)
         throw Failure("ImageVPAEx::AttachBuffer: DataType must specify at least one byte per pixel");
 
-    // Everything that can fail for want of memory comes before the first change.
+    // Everything that can run out of memory comes before the first change.
     const ImageLayout layout = MakeLayout(width, height, bands, dataType);
     std::vector<VPAEntry> table;
     if (layout != content_.layout) table = MakeOffsetTable(layout);
-    // Sample (x, y) of a client's buffer is read as a whole pixel, so its address must be one that a pixel may have.
+    // Sample (x, y) of a client's buffer is read as a whole pixel, so the buffer must be aligned for pixels.
     const bool readable = reinterpret_cast<uintptr_t>(buffer) % static_cast<uintptr_t>(layout.bytesPerSample) == 0 &&
                           !(former && former->content_.owned.Overlaps(buffer, layout.totalSize)) &&
                           IsReadable(buffer, layout.totalSize);

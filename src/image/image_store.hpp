@@ -1,5 +1,5 @@
-// What an image holds, whatever its pixel type: storage, offset table, coordinate map, description, file
-// properties.
+// The contents of an image that do not depend on its pixel type: storage, offset table, coordinate map, description,
+// file properties.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -18,7 +18,7 @@
 
 namespace orlix {
 
-// The keyword under which files keep the description among their texts.
+// The keyword under which files store the description among their texts.
 inline constexpr WideStringView kDescriptionKeyword = OLESTR("Description");
 
 struct TextEntry {
@@ -31,7 +31,7 @@ struct BinaryEntry {
     std::vector<uint8_t> bytes;
 };
 
-// What files and streams keep beside the pixels.
+// What files and streams store in addition to the pixels.
 struct ImageProperties {
     WideString description;
     bool hasDescription = false;  // an empty description is not the same as none
@@ -41,8 +41,8 @@ struct ImageProperties {
     std::vector<BinaryEntry> binaries;
 };
 
-// The content that a creation replaces. Notes:
-//  (1) data points into owned, or to a client's buffer of layout.totalSize bytes; null while the image is empty;
+// The content that creating an image replaces as a whole. Notes:
+//  (1) data points into owned or to a client's buffer of layout.totalSize bytes; null while the image is empty;
 //  (2) a refused buffer is one that the operating system would not let us read and write: nothing may touch it.
 struct ImageContent {
     ImageLayout layout;
@@ -54,18 +54,17 @@ struct ImageContent {
     ImageProperties properties;
 };
 
-// What a new content holds. Unset leaves the bytes uninitialised, for callers that overwrite all of them, the padding
+// Initial bytes of a new content. Unset leaves them uninitialised, for callers that overwrite all of them, padding
 // included.
 enum class Samples { Zero, Unset };
 
-// A content of its own, to be filled and then put in the place of an old one: a copy or a load that fails on the way
-// leaves the image as it was, and the source may lie in the old content. The texts are those of
-// IImageVPAExPlus::Create.
+// A separate content, to be filled and then swapped in: a copy or a load that fails on the way leaves the image as it
+// was, and the source may lie in the old content. The failure texts are those of IImageVPAExPlus::Create.
 ImageContent MakeContent(LONG dataType, LONG width, LONG height, LONG bands, Samples samples = Samples::Zero);
 
 class ImageStore {
 public:
-    // changes: the record of the image object, which outlives this.
+    // changes: the record of the image object, which outlives this store.
     ImageStore(LONG dataType, Changes& changes) : dataType_(dataType), changes_(changes) {}
 
     LONG dataType() const { return dataType_; }
@@ -81,25 +80,25 @@ public:
         ++changes_.kept;
     }
     const ImageProperties& properties() const { return content_.properties; }
-    // For a change that nothing refuses any more.
+    // For a change that can no longer fail.
     ImageProperties& ChangeProperties() {
         ++changes_.kept;
         return content_.properties;
     }
 
-    // IImageVPAExPlus::Create for an image of this type: checks, texts and what stays as documented there. A
-    // failure leaves the image as it was.
+    // IImageVPAExPlus::Create for an image of this type: its checks, its texts and what it preserves are documented
+    // there. A failure leaves the image as it was.
     void Create(LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
-    // IImageVPAExPlus::AttachBuffer: buffer is not null. Where the buffer is refused (Failure) it stays attached; any
-    // other failure leaves the image as it was. former is the store whose place this one takes, itself or another: a
-    // buffer that overlaps its pixels is refused without being looked at, since those are given back.
+    // IImageVPAExPlus::AttachBuffer; buffer is not null. A refused buffer (Failure) stays attached; any other failure
+    // leaves the image as it was. former is the store that this one replaces, itself or another: a buffer that overlaps
+    // its pixels is refused without being accessed, since those pixels are freed.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero, const ImageStore* former);
 
-    // Puts a content of this image's type in the place of the old one.
+    // Replaces the content by another one of this image's type.
     void Replace(ImageContent&& content) noexcept;
 
-    // Base address of a band, 0 <= band < bands, and the table's entry 0. The address of a refused buffer may be
+    // Base address of a band, 0 <= band < bands, and entry 0 of the table. The address of a refused buffer may be
     // anything.
     uint8_t* base(int32_t band) const {
         return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(content_.data) +
@@ -108,7 +107,7 @@ public:
     VPAEntry* table() { return content_.table.data() + kTableMargin; }
 
 private:
-    // table may come out of the content itself.
+    // table may have been moved out of content_.
     void Reset(const ImageLayout& layout, std::vector<VPAEntry> table);
 
     LONG dataType_;
@@ -116,8 +115,8 @@ private:
     ImageContent content_;
 };
 
-// An image of one pixel type. The accumulators are the types in which sums of a neighbourhood (Accumulator)
-// and products of such sums (BigAccumulator) of these pixels are formed without overflow.
+// An image of one pixel type. Accumulator holds sums over a neighbourhood of these pixels, BigAccumulator products of
+// such sums, both without overflow.
 template <class PixelType, class AccumulatorType, class BigAccumulatorType>
 class CImageBase : public ImageStore {
 public:

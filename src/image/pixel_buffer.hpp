@@ -12,8 +12,8 @@
 
 namespace orlix {
 
-// Bytes aligned for the widest vectors, that is to 64. Resizing keeps the bytes that were there and zeroes
-// new ones; when memory is short it raises std::bad_alloc and nothing has changed.
+// Bytes aligned to 64, for the widest vectors. Resizing keeps the existing bytes and zeroes new ones; when memory runs
+// out it raises std::bad_alloc and changes nothing.
 class PixelBuffer {
 public:
     PixelBuffer() = default;
@@ -27,13 +27,13 @@ public:
     uint8_t* data() const { return bytes_; }
     size_t size() const { return size_; }
 
-    // Whether any of the size bytes at an address belong to this buffer.
+    // Whether any of the size bytes at the given address belong to this buffer.
     bool Overlaps(const void* bytes, size_t size) const {
         const auto first = reinterpret_cast<uintptr_t>(bytes), own = reinterpret_cast<uintptr_t>(bytes_);
         return first < own ? own - first < size && capacity_ > 0 : first - own < capacity_;
     }
 
-    // Of any content.
+    // A buffer of uninitialised bytes.
     static PixelBuffer Unset(size_t size) {
         PixelBuffer buffer;
         buffer.bytes_ = Allocate(size);

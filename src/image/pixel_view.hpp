@@ -1,4 +1,4 @@
-// A band of an image as kernels see it.
+// A band of an image, as kernels see it.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -10,9 +10,9 @@ namespace orlix {
 
 // Sample (x, y) is base[table[x].XEntry + table[y].YEntry], offsets in samples. Notes:
 //  (1) table points at entry 0 and is readable from -200 to the larger of width and height + 199;
-//  (2) entries of columns beyond width + 199 and of rows beyond height + 199 are not defined: nothing reads them;
-//  (3) an image of another component may hand out any table (interleaved, flipped, sub-sampled). Kernels need columns
-//      that lie side by side: AdjacentColumns() says how far that goes, and what lies beyond is read through the table.
+//  (2) entries of columns beyond width + 199 and of rows beyond height + 199 are undefined and never read;
+//  (3) an image of another component may have any table (interleaved, flipped, sub-sampled). Kernels need adjacent
+//      columns: AdjacentColumns() tells how many there are, and the rest is read through the table.
 template <class Pixel>
 class PixelView {
 public:
@@ -30,7 +30,7 @@ public:
     // Column 0 of row y; row(y)[x] is sample (x, y) for the first AdjacentColumns() columns.
     Pixel* row(int32_t y) const { return base_ + (static_cast<ptrdiff_t>(table_[0].XEntry) + table_[y].YEntry); }
 
-    // How many columns from 0 on lie side by side: at least 1, at most the width.
+    // The number of adjacent columns from column 0 on: at least 1, at most the width.
     int32_t AdjacentColumns() const {
         const int64_t first = table_[0].XEntry;
         int32_t x = 1;

@@ -6,7 +6,7 @@
 namespace orlix {
 namespace {
 
-// Pixel is an unsigned integer of the sample's size: a copy moves bits, whatever they mean.
+// Pixel is an unsigned integer of the sample's size: a copy moves bits, whatever they represent.
 template <class Pixel>
 void CopyBand(PixelView<const Pixel> from, int32_t left, int32_t top, PixelView<Pixel> to) {
     bool adjacent = true;

@@ -1,5 +1,4 @@
-// An image that a client hands in: any implementation of IImageVPA, believed only as far as it can be
-// checked.
+// An image passed in by a client: any implementation of IImageVPA, trusted only as far as it can be checked.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -11,8 +10,8 @@
 #include "image/image_store.hpp"
 #include "image/pixel_view.hpp"
 
-// Answered by this library's images, for its own use: whether the pixels may be touched. An image that points at a
-// refused buffer still hands out its address.
+// An internal interface of this library's images: whether the pixels may be touched. An image attached to a refused
+// buffer still hands out its address.
 MIDL_INTERFACE("31FEAD5E-80E9-4076-8AAC-F1556E2DE0C2")
 IPixelAccess : public IUnknown {
     // S_OK, or S_FALSE when the operating system would not let us read and write the buffer.
@@ -29,16 +28,16 @@ struct BandRange {
     int32_t count() const { return last - first + 1; }
 };
 
-// BI_AllBands gives all bands, any other value just that band, which is not checked: it may not exist.
+// BI_AllBands gives all bands. Any other value gives just that band, unchecked: it may not exist.
 BandRange BandsOf(LONG band, int32_t bands);
 
 // Notes:
-//  (1) calls that fail, null and misaligned pointers are E_FAIL; an image without pixels (sizes below 1) or with a
-//      refused buffer is NoSourceImage;
-//  (2) size and type are asked for again after the pointers were handed out, and if they have changed it is E_FAIL;
-//  (3) pixels are read in the type that the caller has found in type();
-//  (4) the image is kept alive, and it may call back into anything each time that it is asked: whoever writes somewhere
-//      gets all views first and looks at the place afterwards.
+//  (1) Failing calls and null or misaligned pointers are E_FAIL. An image without pixels (sizes below 1) or with a
+//      refused buffer is NoSourceImage.
+//  (2) Size and type are read again after the pointers were handed out; if they have changed, it is E_FAIL.
+//  (3) Pixels are read in the type that the caller found in type().
+//  (4) The image is kept alive, and any call to it may call back into anything: a caller that writes to a destination
+//      gets all views first and looks up the destination afterwards.
 class SourceImage {
 public:
     // image is not null.
@@ -49,10 +48,10 @@ public:
     int32_t bands() const { return bands_; }
     LONG type() const { return type_; }
     TCoordinateMap Coordinates() const;
-    // Calibration, where the image answers IImageFile; zeros otherwise.
+    // Calibration when the image implements IImageFile, otherwise zeros.
     void GetMicronsPerPixel(double& x, double& y) const;
 
-    // A band that does not exist fails as the image itself reports it, and with E_FAIL where the image says nothing.
+    // For a band that does not exist, fails as the image itself reports it, with E_FAIL if the image reports nothing.
     void RequireBand(int32_t band) const { Locate(band); }
     template <class Pixel>
     std::vector<PixelView<const Pixel>> views(BandRange bands) const {
@@ -80,8 +79,8 @@ private:
     LONG type_ = 0;
 };
 
-// Copies the rectangle of destination.width x destination.height whose top left is (left, top) of the source.
-// It must not leave the source by more than the table's margin.
+// Copies the rectangle of destination.width x destination.height whose top left corner is (left, top) of the source. It
+// must not extend beyond the source by more than the table's margin.
 void CopySamples(const SourceImage& source, BandRange bands, int32_t left, int32_t top, ImageContent& destination);
 
 }  // namespace orlix

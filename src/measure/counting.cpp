@@ -15,7 +15,7 @@ namespace {
 constexpr uint32_t kMostCounts = 0x7fffffff;
 constexpr uint64_t kSettleAfter = uint64_t{1} << 31;
 
-// From here on pairs of bytes are worth their table of 256 KiB (it is cleared once and read once).
+// From this size on, counting pairs of bytes pays for its 256 KiB table, which is cleared once and read once.
 constexpr uint64_t kPairsFrom = 1 << 18;
 
 template <class T>
@@ -60,7 +60,7 @@ void CountBytePairs(const uint8_t* pixels, size_t n, uint32_t* counts) {
         std::memcpy(words, pixels + i, kBlock);
         if (words[0] == words[1] && words[1] == words[2] && words[2] == words[3] &&
             words[0] == (words[0] >> 16 | words[0] << 48)) {
-            // Flat areas: one update of a counter, as sixteen would wait for one another on most processors.
+            // Flat areas: one update of a counter, because sixteen would wait for one another on most processors.
             counts[words[0] & 0xffff] += kBlock / 2;
             continue;
         }
@@ -110,7 +110,7 @@ Counter<T>::Counter(T lower, T upper, int32_t numberOfBins, [[maybe_unused]] uin
         counts_.resize(kWordTables * 65536);
     } else {
         binsOf_ = Choose(kBins<T>);
-        // One more than there are bins, for pixels left out; several tables while they stay in the first-level cache.
+        // One more than there are bins, for excluded pixels. Several tables as long as they fit the first-level cache.
         tables_ = rule_.bins < 1024 ? 4 : 1;
         counts_.resize(tables_ * (size_t{rule_.bins} + 1));
     }
@@ -160,8 +160,7 @@ void Counter<T>::Add(const T* pixels, size_t n) {
     }
 }
 
-// A count that has reached 2^31 - 1 stays there in the end, so it may be cut to that: 2^31 more pixels then fit 32
-// bits.
+// A count that has reached 2^31 - 1 will end there, so it may be clamped now: 2^31 more pixels then fit 32 bits.
 template <class T>
 void Counter<T>::Settle() {
     for (uint32_t& count : counts_) count = std::min(count, kMostCounts);
@@ -188,7 +187,8 @@ void Counter<T>::Histogram(std::span<LONG> out) {
             for (size_t table = 0; table < tables_; ++table)
                 for (size_t value = 0; value < kValues; ++value) counts[value] += counts_[table * kValues + value];
         }
-        // floor((value - lower) bins / width) for ascending values, by steps: bins <= width unless bins are values.
+        // floor((value - lower) bins / width) for ascending values, incrementally: bins <= width unless bins are
+        // values.
         const uint32_t width = static_cast<uint32_t>(rule_.upper) - rule_.lower;
         uint32_t bin = std::is_same_v<T, uint8_t> ? rule_.lower : 0;
         uint32_t remainder = 0;

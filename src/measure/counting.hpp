@@ -10,7 +10,7 @@
 
 namespace orlix {
 
-// How the histogram of a grey interval [lower, upper] is laid out: what IHistogram::Create takes.
+// The layout of the histogram of a grey interval [lower, upper], as IHistogram::Create takes it.
 struct HistogramShape {
     int32_t bins;
     double left;
@@ -18,14 +18,14 @@ struct HistogramShape {
     friend bool operator==(const HistogramShape&, const HistogramShape&) = default;
 };
 
-// 8 bits: always {256, 0, 255}: bin i is grey level i. Others: numberOfBins over [lower, upper], but one bin per value,
-// upper - lower + 1 of them, when an integer interval holds at least two values and no more than numberOfBins. (An
-// interval of a single value keeps numberOfBins: a histogram of one bin maps it to location 0, one of many bins and no
-// width maps all of them to the value.) numberOfBins >= 1, not used for 8 bits.
+// 8 bits: always {256, 0, 255}, bin i is grey level i. Others: numberOfBins over [lower, upper]. But an integer
+// interval that holds at least two values and no more than numberOfBins gets one bin per value, upper - lower + 1 bins
+// in all. (An interval of a single value keeps numberOfBins: a histogram of one bin maps it to location 0, one of many
+// bins and no width maps all of them to the value.) numberOfBins >= 1, not used for 8 bits.
 template <class T>
 HistogramShape ShapeOfHistogram(T lower, T upper, int32_t numberOfBins);
 
-// Which bin a pixel belongs to; bins itself stands for "left out".
+// Maps pixels to bins; the value `bins` means that the pixel is excluded.
 template <class T>
 struct BinRule {
     T lower;
@@ -39,23 +39,24 @@ template <class T>
 BinRule<T> RuleOfHistogram(T lower, T upper, const HistogramShape& shape);
 
 // Counts the pixels of any number of runs into the bins of ShapeOfHistogram(lower, upper, numberOfBins). T is uint8_t,
-// uint16_t, uint32_t or float. With n bins over the interval the pixel p is counted in bin
+// uint16_t, uint32_t or float. With n bins over the interval, pixel p is counted in bin
 //   8 bits           p
 //   one per value    p - lower
 //   others           floor((p - lower) n / (upper - lower)), p = upper in bin n - 1; integers exactly, float with the
 //                    three operations in double, in this order
-// Pixels outside [lower, upper] and NaN are left out; all when lower > upper. Counts saturate at 2^31 - 1, however many
-// pixels come. Memory: 4 bytes a bin, and up to 513 KiB. Allocation failures throw std::bad_alloc from the constructor.
+// Pixels outside [lower, upper] and NaN are excluded, as are all pixels when lower > upper. Counts saturate at 2^31 - 1
+// for any number of pixels. Memory: 4 bytes per bin plus at most 513 KiB. Allocation failures throw std::bad_alloc from
+// the constructor.
 template <class T>
 class Counter {
 public:
-    // expectedPixels, a hint, chooses between ways that differ in speed only.
+    // expectedPixels, a hint, chooses between methods that differ only in speed.
     Counter(T lower, T upper, int32_t numberOfBins, uint64_t expectedPixels);
 
     const HistogramShape& shape() const { return shape_; }
     void operator()(const T* pixels, size_t n);
 
-    // Writes the counts; out.size() == shape().bins. Counting may go on afterwards.
+    // Writes the counts; out.size() == shape().bins. Counting may continue afterwards.
     void Histogram(std::span<LONG> out);
 
 private:
@@ -66,7 +67,7 @@ private:
     HistogramShape shape_;
     BinRule<T> rule_;
     Fn binsOf_ = nullptr;
-    size_t tables_ = 1;       // tables of counts side by side, the sum of which is meant
+    size_t tables_ = 1;       // partial count tables; a count is their sum
     uint64_t unsettled_ = 0;  // pixels since counts were last clamped to 2^31 - 1; at most 2^31
     std::vector<uint32_t> counts_;
 };

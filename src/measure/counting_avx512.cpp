@@ -4,8 +4,8 @@
 
 namespace orlix {
 
-// The pixel upper needs no test of its own: its quotient is the number of bins or, for an interval without width, NaN,
-// and neither is less than the number of bins.
+// The pixel `upper` needs no test of its own: its quotient is the number of bins or, for an interval without width,
+// NaN, and neither is less than the number of bins.
 void Bins_avx512(const float* pixels, size_t n, const BinRule<float>& rule, uint32_t* bins) {
     const __m256 lower = _mm256_set1_ps(rule.lower), upper = _mm256_set1_ps(rule.upper);
     const __m512d from = _mm512_set1_pd(static_cast<double>(rule.lower));

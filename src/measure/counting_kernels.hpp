@@ -1,4 +1,4 @@
-// Kernels of the histograms and their variants.
+// Kernels of histograms and their variants.
 #pragma once
 
 #include "measure/counting.hpp"
@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-// The bin of each pixel, rule.bins for those left out.
+// The bin of each pixel; rule.bins for excluded pixels.
 template <class T>
 using BinsFn = void (*)(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bins);
 
@@ -24,8 +24,8 @@ inline constexpr Variant<BinsFn<float>> kBins<float>[] = {
     {"scalar", Cpu::Any, &Bins_scalar},
 };
 
-// Ways of counting values, in plain C++: one store a clock is the limit whatever the instruction set, and a load that
-// waits for the store just made to the same counter is the danger. "Pairs" makes one update for two pixels.
+// Value counters in plain C++. Whatever the instruction set, one store per clock is the limit, and the danger is a load
+// that waits for the preceding store to the same counter. "Pairs" makes one update for two pixels.
 constexpr size_t kByteTables = 8;
 void CountBytes(const uint8_t* pixels, size_t n, uint32_t* counts);  // 8 tables of 256, pixel i in any of them
 constexpr size_t kPairSize = 65536 + 256;

@@ -1,4 +1,4 @@
-// The definition of the bins of pixels.
+// The definition of the mapping from pixels to bins.
 #include <type_traits>
 
 #include "measure/counting_kernels.hpp"
@@ -17,7 +17,7 @@ void Bins_scalar(const T* pixels, size_t n, const BinRule<T>& rule, uint32_t* bi
             const double above = static_cast<double>(p) - static_cast<double>(rule.lower);
             const double width = static_cast<double>(rule.upper) - static_cast<double>(rule.lower);
             const double bin = above * rule.bins / width;
-            // Not below for a pixel that rounding carries past the last bin, and for an infinite interval.
+            // The comparison fails when rounding carries a pixel past the last bin, and for an infinite interval.
             bins[i] = bin < rule.bins ? static_cast<uint32_t>(bin) : rule.bins - 1;
         } else if (rule.onePerValue) {
             bins[i] = p - rule.lower;

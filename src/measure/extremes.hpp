@@ -16,13 +16,13 @@ public:
         if (n > 0) scan_(pixels, n, min_, max_);
     }
 
-    // Whether anything but NaN was seen; Min() and Max() mean nothing before.
+    // Whether any pixel other than NaN was seen; until then Min() and Max() are meaningless.
     bool Any() const { return min_ <= max_; }
     T Min() const { return static_cast<T>(min_ + T{0}); }
     T Max() const { return static_cast<T>(max_ + T{0}); }
 
 private:
-    // Extends [min, max] by the pixels; starts from the emptiest interval of the type.
+    // Extends [min, max] by the pixels, starting from the emptiest interval of the type.
     using Fn = void (*)(const T* pixels, size_t n, T& min, T& max);
     Fn scan_;
     T min_;

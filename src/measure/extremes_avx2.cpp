@@ -4,7 +4,7 @@
 namespace orlix {
 namespace {
 
-// Lanes::Min and Max return their second operand when one is NaN: a pixel that is NaN changes nothing.
+// Lanes::Min and Max return their second operand when either is NaN, so a NaN pixel changes nothing.
 template <class T>
 void Scan(const T* pixels, size_t n, T& min, T& max) {
     using Lanes = PixelLanes<T>;

@@ -1,4 +1,4 @@
-// Kernels of the scan for extremes and their variants.
+// Kernels of the extremes scan and their variants.
 #pragma once
 
 #include "measure/extremes.hpp"
@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-// Extends [min, max] by n pixels that are not NaN. Which zero represents 0 in a float result is not stated.
+// Extends [min, max] by n pixels, ignoring NaN. The sign of a zero in a float result is unspecified.
 template <class T>
 using ExtremesFn = void (*)(const T* pixels, size_t n, T& min, T& max);
 

@@ -1,4 +1,4 @@
-// The definition of the scan for extremes.
+// The definition of the extremes scan.
 #include "measure/extremes_kernels.hpp"
 
 namespace orlix {

@@ -10,7 +10,7 @@
 namespace orlix {
 namespace {
 
-constexpr size_t kMostPixels = 65536;  // of one call of a kernel
+constexpr size_t kMostPixels = 65536;  // per call of a kernel
 constexpr size_t kFloatPart = 512;     // columns; see note (3) of Measurer
 
 // An unsigned number of 256 bits, low limbs first.
@@ -57,14 +57,13 @@ Wide Difference(const Wide& a, const Wide& b) {
 double ToDouble(const Wide& value) {
     int top = 7;
     while (top > 1 && value.limb[top] == 0) --top;
-    // The three highest limbs hold at least 65 significant bits unless they hold all; what is below can only break a
-    // tie.
+    // The three highest limbs hold at least 65 significant bits unless they hold all; lower limbs can only break a tie.
     const int low = std::max(top - 2, 0);
     uint32_t limbs[3] = {value.limb[low], value.limb[low + 1], value.limb[low + 2]};
     for (int i = 0; i < low; ++i)
         if (value.limb[i] != 0) limbs[0] |= 1;
-    // 96 bits to the 64 that start at the highest one set, with the rest gathered in the last of them; then one
-    // rounding.
+    // Normalises 96 bits to the 64 that start at the highest set bit, folding the remaining bits into the lowest one;
+    // then one rounding.
     uint64_t high = uint64_t{limbs[2]} << 32 | limbs[1];
     uint32_t rest = limbs[0];
     int exponent = 32 + 32 * low;
@@ -82,8 +81,8 @@ double ToDouble(const Wide& value) {
 
 double ToDouble(const WideSum& sum) { return ToDouble(Product(sum, {1, 0})); }
 
-// a / b for b > 0 and a / b < 2^52, from exact integers: rounded once where both are doubles, else exact where the
-// quotient is a whole number, and otherwise within a unit in the last place.
+// a / b for b > 0 and a / b < 2^52, from exact integers: rounded once when both are doubles, otherwise exact when the
+// quotient is a whole number, else within a unit in the last place.
 double Quotient(const WideSum& a, const WideSum& b) {
     constexpr uint64_t kExact = uint64_t{1} << 53;
     const double estimate = ToDouble(a) / ToDouble(b);

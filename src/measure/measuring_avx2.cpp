@@ -12,7 +12,7 @@ ORLIX_INLINE uint64_t Sum64(const __m256i& v) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(lanes), v);
     return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
-// Unsigned and signed 32-bit lanes.
+// Sums of unsigned and of signed 32-bit lanes.
 ORLIX_INLINE uint64_t SumU32(const __m256i& v) {
     const __m256i low = _mm256_and_si256(v, _mm256_set1_epi64x(0xffffffff));
     return Sum64(_mm256_add_epi64(low, _mm256_srli_epi64(v, 32)));
@@ -24,8 +24,8 @@ ORLIX_INLINE uint64_t SumI32(const __m256i& v) {
 
 }  // namespace
 
-// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
-// it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
+// Blocks of 32 pixels. A running total of the partial sums gives the sum of block number times pixel: with B blocks it
+// includes block b B - b times. With 65536 pixels every 32-bit lane stays below 2^31.
 void Sums_avx2(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums) {
     const __m256i zero = _mm256_setzero_si256(), ones = _mm256_set1_epi16(1);
     const __m256i weights = _mm256_set_epi8(31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13,
@@ -48,8 +48,7 @@ void Sums_avx2(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums
 }
 
 // Blocks of 16 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a
-// pair reach 2^31, as an unsigned number. The running sums
-// would pass 31 bits after 255 blocks.
+// pair reach 2^31, as an unsigned number. The running totals would exceed 31 bits after 255 blocks.
 void Sums_avx2(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& sums) {
     constexpr size_t kPart = 128 * 16;
     const __m256i zero = _mm256_setzero_si256(), ones = _mm256_set1_epi16(1);
@@ -57,7 +56,7 @@ void Sums_avx2(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& su
     const __m256i half = _mm256_set1_epi64x(0xffffffff);
     const __m256i weights = _mm256_set_epi16(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
     __m256i q = zero;
-    uint64_t sumT = 0, sumW = 0;  // modulo 2^64, they may be negative
+    uint64_t sumT = 0, sumW = 0;  // modulo 2^64, as they may be negative
     size_t done = 0;
     while (n - done >= 16) {
         const size_t part = n - done < kPart ? (n - done) / 16 * 16 : kPart;

@@ -7,7 +7,7 @@ namespace orlix {
 namespace {
 
 ORLIX_INLINE uint64_t Sum64(const __m512i& v) { return static_cast<uint64_t>(_mm512_reduce_add_epi64(v)); }
-// Unsigned and signed 32-bit lanes.
+// Sums of unsigned and of signed 32-bit lanes.
 ORLIX_INLINE uint64_t SumU32(const __m512i& v) {
     const __m512i low = _mm512_and_si512(v, _mm512_set1_epi64(0xffffffff));
     return Sum64(_mm512_add_epi64(low, _mm512_srli_epi64(v, 32)));
@@ -24,9 +24,9 @@ alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8
 
 }  // namespace
 
-// Blocks of 64 pixels from the cache line on that the first pixel lies in; those before the first and after the last
-// pixel are not read and count as 0. The sum of block number times pixel comes from the running sum of the sums so far:
-// with B blocks it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
+// Blocks of 64 pixels, starting at the cache line that holds the first pixel; lanes before the first and after the last
+// pixel are not read and count as 0. A running total of the partial sums gives the sum of block number times pixel:
+// with B blocks it includes block b B - b times. With 65536 pixels every 32-bit lane stays below 2^31.
 void Sums_avx512(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums) {
     const __m512i zero = _mm512_setzero_si512(), ones = _mm512_set1_epi16(1);
     const __m512i weights = _mm512_loadu_si512(kCounting);
@@ -58,8 +58,7 @@ void Sums_avx512(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& su
 }
 
 // Blocks of 32 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a
-// pair reach 2^31, as an unsigned number. The running sums
-// would pass 31 bits after 255 blocks.
+// pair reach 2^31, as an unsigned number. The running totals would exceed 31 bits after 255 blocks.
 void Sums_avx512(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& sums) {
     constexpr size_t kPart = 128 * 32;
     const __m512i zero = _mm512_setzero_si512(), ones = _mm512_set1_epi16(1);
@@ -67,7 +66,7 @@ void Sums_avx512(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& 
     const __m512i half = _mm512_set1_epi64(0xffffffff);
     const __m512i weights = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(kCounting)));
     __m512i q = zero;
-    uint64_t sumT = 0, sumW = 0;  // modulo 2^64, they may be negative
+    uint64_t sumT = 0, sumW = 0;  // modulo 2^64, as they may be negative
     for (size_t done = 0; done < n; done += kPart) {
         const size_t end = n - done < kPart ? n : done + kPart;
         __m512i s = zero, running = zero, w = zero;
@@ -84,7 +83,7 @@ void Sums_avx512(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& 
         size_t i = done;
         for (; i + 32 <= end; i += 32) add(_mm512_xor_si512(_mm512_loadu_si512(pixels + i), sign));
         if (i < end) {
-            // Pixels that are not there count as t = 0.
+            // Lanes outside the run count as t = 0.
             const auto rest = static_cast<__mmask32>((uint64_t{1} << (end - i)) - 1);
             add(_mm512_maskz_add_epi16(rest, _mm512_maskz_loadu_epi16(rest, pixels + i), sign));
         }

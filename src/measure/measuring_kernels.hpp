@@ -1,4 +1,4 @@
-// Kernels of the grey measurements and their variants.
+// Kernels of grey measurements and their variants.
 #pragma once
 
 #include "measure/measuring.hpp"
@@ -6,14 +6,14 @@
 
 namespace orlix {
 
-// Writes the sums over n <= 65536 pixels. origin is for float pixels only.
+// Writes the sums over n <= 65536 pixels. Only float pixels use origin.
 template <class T>
 using SumsFn = void (*)(const T* pixels, size_t n, double origin, PixelSums<T>& sums);
 
 template <class T>
 void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums);
 
-// Adds the pixels first..n-1 to sums, the definition's way.
+// Adds the pixels first..n-1 to sums exactly as the definition does.
 void AddRest(const float* pixels, size_t first, size_t n, double origin, PixelSums<float>& sums);
 
 Kernel<SumsFn<uint8_t>> Sums_sse2, Sums_avx2, Sums_avx512;

@@ -1,4 +1,4 @@
-// The definition of the sums of grey measurements.
+// The definition of the sums for grey measurements.
 #include <type_traits>
 
 #include "measure/measuring_kernels.hpp"

@@ -4,8 +4,8 @@
 
 namespace orlix {
 
-// Blocks of 16 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
-// it adds block b up B - b times. 65536 pixels stay below 2^31 in every 32-bit lane.
+// Blocks of 16 pixels. A running total of the partial sums gives the sum of block number times pixel: with B blocks it
+// includes block b B - b times. With 65536 pixels every 32-bit lane stays below 2^31.
 void Sums_sse2(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i lowWeights = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);

@@ -1,4 +1,4 @@
-// Pixels of one type into an image of another.
+// Conversion of pixels to the type of another image.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ namespace orlix {
 //   to an integer from float        truncated toward zero, then the low-order bits (-1.2 gives 255 in 8 bits);
 //                                   NaN, infinities and |v| >= 2^63 give 0
 //   to float                        the nearest float, ties to even
-// to and from hold n pixels each. They may be the same pixels when To is From; else they must not overlap.
+// `to` and `from` hold n pixels each. They may be the same pixels when To is From; otherwise they must not overlap.
 template <class To, class From>
 class CastOperation {
 public:
@@ -23,8 +23,8 @@ private:
     Fn apply_;
 };
 
-// to = to + cast(from) in To's own arithmetic: modulo 2^bits for integers, in float for float (the sum of two NaN is a
-// NaN, which of them is not stated).
+// to = to + cast(from) in To's own arithmetic: modulo 2^bits for integers, in float for float (the sum of two NaNs is a
+// NaN, unspecified which).
 template <class To, class From>
 class PlusOperation {
 public:

@@ -8,8 +8,8 @@ namespace {
 
 constexpr size_t kLanes = 8;
 
-// All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads
-// pixels as integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
+// All pairs of types go through 32-bit lanes, except those of short integers that have a direct conversion. Integers()
+// reads pixels as integers modulo 2^32, truncating floats toward zero first; Write() keeps the low-order bits.
 ORLIX_INLINE __m256i Integers(const uint8_t* p) {
     return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
@@ -19,7 +19,7 @@ ORLIX_INLINE __m256i Integers(const uint16_t* p) {
 ORLIX_INLINE __m256i Integers(const uint32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 ORLIX_INLINE __m256i Integers(const float* p) {
     const __m256i converted = _mm256_cvttps_epi32(_mm256_loadu_ps(p));
-    // -2^31 stands for everything that does not fit 32 bits: rare, and left to the definition.
+    // -2^31 stands for every value that does not fit 32 bits: rare, and left to the definition.
     const __m256i misfit = _mm256_cmpeq_epi32(converted, _mm256_set1_epi32(static_cast<int>(0x80000000u)));
     if (_mm256_testz_si256(misfit, misfit)) return converted;
     uint32_t bits[kLanes];
@@ -41,7 +41,7 @@ ORLIX_INLINE void Write(uint32_t* p, const __m256i& v) { _mm256_storeu_si256(rei
 
 ORLIX_INLINE __m256 Floats(const uint8_t* p) { return _mm256_cvtepi32_ps(Integers(p)); }
 ORLIX_INLINE __m256 Floats(const uint16_t* p) { return _mm256_cvtepi32_ps(Integers(p)); }
-// Conversions are of signed integers only. Both halves are exact; their sum is rounded once.
+// The instructions convert signed integers only. Both halves are exact; their sum is rounded once.
 ORLIX_INLINE __m256 Floats(const uint32_t* p) {
     const __m256i v = Integers(p);
     const __m256 low = _mm256_cvtepi32_ps(_mm256_and_si256(v, _mm256_set1_epi32(0xffff)));

@@ -8,8 +8,8 @@ namespace {
 
 constexpr size_t kLanes = 16;
 
-// All pairs of types go through 32-bit lanes, except those of short integers that have a direct way. Integers reads
-// pixels as integers modulo 2^32, floats truncated toward zero first; Write keeps the low-order bits.
+// All pairs of types go through 32-bit lanes, except those of short integers that have a direct conversion. Integers()
+// reads pixels as integers modulo 2^32, truncating floats toward zero first; Write() keeps the low-order bits.
 ORLIX_INLINE __m512i Integers(const uint8_t* p) {
     return _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
 }
@@ -19,7 +19,7 @@ ORLIX_INLINE __m512i Integers(const uint16_t* p) {
 ORLIX_INLINE __m512i Integers(const uint32_t* p) { return _mm512_loadu_si512(p); }
 ORLIX_INLINE __m512i Integers(const float* p) {
     const __m512i converted = _mm512_cvttps_epi32(_mm512_loadu_ps(p));
-    // -2^31 stands for everything that does not fit 32 bits: rare, and left to the definition.
+    // -2^31 stands for every value that does not fit 32 bits: rare, and left to the definition.
     if (_mm512_cmpeq_epi32_mask(converted, _mm512_set1_epi32(static_cast<int>(0x80000000u))) == 0) return converted;
     uint32_t bits[kLanes];
     Cast_scalar(bits, p, kLanes);

@@ -1,4 +1,4 @@
-// Kernels of casts and of the addition of another image, and their variants.
+// Kernels that cast pixels or add another image, and their variants.
 #pragma once
 
 #include "points/casting.hpp"
@@ -23,7 +23,7 @@ void Plus_avx2(To* to, const From* from, size_t n);
 template <class To, class From>
 void Plus_avx512(To* to, const From* from, size_t n);
 
-// Without AVX2 the definitions serve, which the compiler turns into SSE2 vectors for integers.
+// Without AVX2 the definitions are used; the compiler vectorises them with SSE2 for integers.
 template <class To, class From>
 inline constexpr Variant<CastFn<To, From>> kCast[] = {
     {"avx512", Cpu::Avx512, &Cast_avx512},

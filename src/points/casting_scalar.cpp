@@ -1,4 +1,4 @@
-// The definitions of casts and of the addition of another image.
+// The definitions of casting and of adding another image.
 #include <cmath>
 #include <cstring>
 #include <type_traits>
@@ -11,7 +11,8 @@ namespace {
 template <class To, class From>
 To CastPixel(From p) {
     if constexpr (std::is_same_v<From, float> && !std::is_same_v<To, float>) {
-        // 2^63 is a float. Smaller magnitudes fit a signed 64-bit integer, whose conversion to unsigned keeps the bits.
+        // 2^63 is a float. Smaller magnitudes fit a signed 64-bit integer, and its conversion to unsigned keeps the
+        // bits.
         if (!(std::fabs(p) < 0x1p63f)) return 0;
         return static_cast<To>(static_cast<uint64_t>(static_cast<int64_t>(p)));
     } else {

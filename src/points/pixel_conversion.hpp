@@ -1,4 +1,4 @@
-// Conversions of doubles to pixels. All are total: NaN, infinities and values beyond any integer have a defined result.
+// Conversions from double to pixels. NaN, infinities and values beyond any integer all have a defined result.
 #pragma once
 
 #include <cmath>
@@ -16,8 +16,8 @@ inline constexpr Pixel kTypeMinimum = std::numeric_limits<Pixel>::lowest();
 template <class Pixel>
 inline constexpr Pixel kTypeMaximum = std::numeric_limits<Pixel>::max();
 
-// Below the type's minimum gives the minimum, above its maximum the maximum, else floor(v + 0.5), for float pixels the
-// nearest float. NaN gives the minimum of an integer type and stays NaN in a float.
+// Clamped to the type's range, otherwise floor(v + 0.5); for float pixels the nearest float. NaN gives the minimum of
+// an integer type and stays NaN in a float.
 template <class Pixel>
 Pixel ToPixel(double v) {
     if (v < static_cast<double>(kTypeMinimum<Pixel>)) return kTypeMinimum<Pixel>;
@@ -28,7 +28,7 @@ Pixel ToPixel(double v) {
 }
 
 // Truncated toward zero, then the low-order bits: 12.9 gives 12, and 256 gives 0 for bytes. NaN, infinities and
-// magnitudes of 2^63 and more give 0. Float pixels take the nearest float, as ToPixel does.
+// magnitudes of 2^63 and more give 0. Float pixels get the nearest float, as in ToPixel.
 template <class Pixel>
 Pixel TruncateToPixel(double v) {
     if constexpr (kIsFloat<Pixel>) return ToPixel<Pixel>(v);
@@ -36,8 +36,8 @@ Pixel TruncateToPixel(double v) {
     return static_cast<Pixel>(static_cast<uint64_t>(static_cast<int64_t>(v)));
 }
 
-// Threshold bounds: clamped to the type's range, then rounded up or down; float pixels compare with the bound's nearest
-// float on the inner side, so that p >= v holds for the float p just when it holds for the bound. v is not NaN.
+// Threshold bounds: clamped to the type's range, then rounded up or down. For float pixels the bound becomes the
+// nearest float on the inner side, so a float p compares with it exactly as with the bound itself. v is not NaN.
 template <class Pixel>
 Pixel CeilToPixel(double v) {
     if (v <= static_cast<double>(kTypeMinimum<Pixel>)) return kTypeMinimum<Pixel>;

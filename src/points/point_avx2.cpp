@@ -58,7 +58,7 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     Ramp_scalar(pixels + i, n - i, parameters);
 }
 
-// vminps and vmaxps would not test lower first; where s is NaN both comparisons fail and it stays.
+// vminps and vmaxps would not test lower first. When s is NaN both comparisons fail and s stays.
 ORLIX_INLINE __m256 Clamped(const __m256& s, const __m256& lower, const __m256& upper) {
     return _mm256_blendv_ps(_mm256_min_ps(upper, s), lower, _mm256_cmp_ps(s, lower, _CMP_LT_OQ));
 }
@@ -66,14 +66,14 @@ ORLIX_INLINE __m256d Clamped(const __m256d& s, const __m256d& lower, const __m25
     return _mm256_blendv_pd(_mm256_min_pd(upper, s), lower, _mm256_cmp_pd(s, lower, _CMP_LT_OQ));
 }
 
-// Quotients of four integers, rounded and clamped to [0, most], as 32-bit integers. Negative and NaN give 0: maxpd
-// returns its second operand when the first is NaN.
+// Quotients of four integers, rounded and clamped to [0, most], as 32-bit integers. Negative quotients and NaN give 0:
+// maxpd returns its second operand when the first is NaN.
 struct Divider {
     __m256d value, most, half = _mm256_set1_pd(0.5), bias = _mm256_set1_pd(0x1p31);
     __m128i sign = _mm_set1_epi32(static_cast<int>(0x80000000u));
     Divider(double divisor, double greatest) : value(_mm256_set1_pd(divisor)), most(_mm256_set1_pd(greatest)) {}
     __m128i operator()(__m128i pixels) const {
-        // There are conversions of signed integers only.
+        // The instructions convert signed integers only.
         const __m256d p = _mm256_add_pd(_mm256_cvtepi32_pd(_mm_xor_si128(pixels, sign)), bias);
         const __m256d q = _mm256_min_pd(_mm256_max_pd(_mm256_div_pd(p, value), _mm256_setzero_pd()), most);
         const __m256d rounded = _mm256_floor_pd(_mm256_add_pd(q, half));
@@ -152,10 +152,10 @@ void Quotient_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& 
     Quotient_scalar(pixels + i, n - i, parameters);
 }
 
-// A shuffle looks up 16 entries by the low four bits of an index and gives 0 where bit 7 is set. With each row of 16
-// entries replaced by its difference (exclusive or) from the row before, the rows 0..k that an index less 16 row leaves
-// non-negative combine to row k. The two halves of the table are separate: saturation keeps the other half's pixels,
-// negative as signed bytes, negative.
+// A shuffle looks up 16 entries by the low four bits of an index and gives 0 when bit 7 is set. Each row of 16 entries
+// is replaced by its exclusive or with the preceding row. Row k contributes when the index minus 16 k is not negative,
+// so an index in row k combines the rows 0..k into the original row k. The two halves of the table are separate:
+// saturation keeps pixels of the other half, which are negative as signed bytes, negative.
 void LookUp_avx2(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
     uint8_t rows[256];
     for (int i = 0; i < 256; ++i)

@@ -76,7 +76,7 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     if (i < n) some(pixels + i, (uint64_t{1} << (n - i)) - 1);
 }
 
-// vminps and vmaxps would not test lower first; where s is NaN both comparisons fail and it stays.
+// vminps and vmaxps would not test lower first. When s is NaN both comparisons fail and s stays.
 ORLIX_INLINE __m512 Clamped(const __m512& s, const __m512& lower, const __m512& upper) {
     return _mm512_mask_mov_ps(_mm512_min_ps(upper, s), _mm512_cmp_ps_mask(s, lower, _CMP_LT_OQ), lower);
 }
@@ -107,8 +107,8 @@ ORLIX_INLINE void InDouble(float* pixels, size_t n, const Step& step) {
     _mm256_mask_storeu_ps(pixels + i, rest, _mm512_cvtpd_ps(step(p)));
 }
 
-// Quotients of eight integers, rounded and clamped to [0, most]. Negative and NaN give 0: vmaxpd returns its second
-// operand when the first is NaN.
+// Quotients of eight integers, rounded and clamped to [0, most]. Negative quotients and NaN give 0: vmaxpd returns its
+// second operand when the first is NaN.
 struct Divider {
     __m512d value, most, half = _mm512_set1_pd(0.5);
     Divider(double divisor, double greatest) : value(_mm512_set1_pd(divisor)), most(_mm512_set1_pd(greatest)) {}
@@ -185,7 +185,7 @@ void Quotient_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>
     _mm256_mask_storeu_epi32(pixels + i, rest, divide(_mm256_maskz_loadu_epi32(rest, pixels + i)));
 }
 
-// The whole table is in four registers; two permutations look up either half, the top bit of the pixel chooses.
+// The whole table is in four registers. Two permutations each look up one half, and the top bit of the pixel selects.
 void LookUp_avx512(uint8_t* pixels, size_t n, const PointParameters<uint8_t>& parameters) {
     const __m512i t0 = _mm512_loadu_si512(parameters.table);
     const __m512i t1 = _mm512_loadu_si512(parameters.table + 64);

@@ -39,8 +39,8 @@ Kernel<PointFn<uint8_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
 Kernel<PointFn<uint16_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
 Kernel<PointFn<uint32_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
 
-// Where value is a float, float arithmetic gives the bits of double arithmetic rounded to float: a double has more than
-// twice the digits, so rounding twice cannot go astray in a sum or a quotient of floats.
+// When value is a float, float arithmetic gives the bits of double arithmetic rounded to float: a double has more than
+// twice the digits, so double rounding cannot change a sum or a quotient of floats.
 Kernel<PointFn<float>> Sum_sse2, Sum_avx2, Sum_avx512;
 Kernel<PointFn<float>> Quotient_sse2, Quotient_avx2, Quotient_avx512;
 Kernel<PointFn<uint16_t>> Quotient_avx2, Quotient_avx512;
@@ -95,7 +95,7 @@ inline constexpr Variant<PointFn<uint8_t>> kLookUp[] = {
     {"scalar", Cpu::Any, &LookUp_scalar},
 };
 
-// The compiler's own vectors reach the limit of memory in these.
+// For these, the compiler's own vectors already reach memory bandwidth.
 template <class T>
 inline constexpr Variant<PointFn<T>> kShift[] = {{"scalar", Cpu::Any, &Shift_scalar}};
 template <class T>

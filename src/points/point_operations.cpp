@@ -12,23 +12,25 @@
 namespace orlix {
 namespace {
 
-// The summand as a whole number with which p + value in double, clamped and rounded, gives clamp(p + k) for every pixel
-// p of the integer type; nothing where the roundings of the double arithmetic could matter.
+// The integer summand k such that p + value in double, clamped and rounded, equals clamp(p + k) for every pixel p of
+// the integer type; `nullopt` when rounding in double could matter.
 template <class T>
 std::optional<int64_t> WholeSummand(double value) {
     // Beyond twice the type's range every sum and difference is clamped, whatever the pixel.
     const double width = 2 * static_cast<double>(kTypeMaximum<T>) + 2;
     if (value > width) return static_cast<int64_t>(width);
     if (value < -width) return -static_cast<int64_t>(width);
-    // |p + value| < 2^34 from here on, so a multiple of 2^-16 is added, and 0.5 after it, without rounding.
+    // From here on |p + value| < 2^34, so adding a multiple of 2^-16, and then 0.5, does not round.
     const double rounded = std::floor(value + 0.5);
     if (std::floor(value * 0x1p16) == value * 0x1p16) return static_cast<int64_t>(rounded);
-    // Otherwise two roundings of at most 2^-19 each; they cannot carry a fraction that is farther from 1/2 across it.
+    // Otherwise there are two roundings of at most 2^-19 each; they cannot carry a fraction that is farther than that
+    // from 1/2 across it.
     if (std::fabs(value - std::floor(value) - 0.5) > 0x1p-10) return static_cast<int64_t>(rounded);
     return std::nullopt;
 }
 
-// p + k or k - p clamped to [lower, upper], lower <= upper: clamp p to where the result lies inside, then offset.
+// p + k or k - p clamped to [lower, upper], lower <= upper: clamps p to where the result is in range, then adds or
+// subtracts.
 template <class T>
 PointParameters<T> Ramp(int64_t k, bool falling, T lower, T upper) {
     const int64_t least = falling ? k - upper : lower - k;
@@ -36,7 +38,7 @@ PointParameters<T> Ramp(int64_t k, bool falling, T lower, T upper) {
     PointParameters<T> parameters;
     parameters.falling = falling;
     if (most < 0 || least > kTypeMaximum<T>) {
-        // Every result is clamped, to the same end.
+        // Every result is clamped to the same end.
         const bool high = (most < 0) != falling;
         parameters.falling = false;
         parameters.offset = high ? upper : lower;
@@ -48,7 +50,7 @@ PointParameters<T> Ramp(int64_t k, bool falling, T lower, T upper) {
     return parameters;
 }
 
-// The ramp that equals a table, if one does.
+// The ramp equal to the table, if there is one.
 std::optional<PointParameters<uint8_t>> RampOf(const uint8_t (&table)[256]) {
     PointParameters<uint8_t> ramp;
     const auto [least, most] = std::minmax_element(table, table + 256);
@@ -74,7 +76,7 @@ std::optional<PointParameters<uint8_t>> RampOf(const uint8_t (&table)[256]) {
 
 }  // namespace
 
-// 8 bits: all results of a kernel's definition are in a table of 256 entries, which is then applied the fastest way.
+// 8 bits: the results of the definition for all 256 values form a table, which is then applied the fastest way.
 template <class T>
 PointOperation<T> PointOperation<T>::Tabulated(Fn definition, PointParameters<T> parameters) {
     if constexpr (std::is_same_v<T, uint8_t>) {

@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-// What the kernels of point operations take (point_kernels.hpp); each uses a part of it.
+// The parameters of the point kernels (point_kernels.hpp); each kernel uses some of them.
 template <class T>
 struct PointParameters {
     double value = 0;                   // summand or divisor
@@ -17,8 +17,8 @@ struct PointParameters {
     T table[256] = {};
 };
 
-// A point operation made ready: parameters examined and the processor variant chosen once, then applied in place to any
-// number of runs. T is uint8_t, uint16_t, uint32_t or float. Notes:
+// A point operation ready to run: parameters checked and the processor variant chosen once, then applied in place to
+// any number of runs. T is uint8_t, uint16_t, uint32_t or float. Notes:
 //  (1) A clamp to [lower, upper] tests lower first, also when lower > upper: v < lower gives lower, else v > upper
 //      gives upper. NaN passes a clamp unchanged.
 //  (2) All variants give the same bits.
@@ -27,18 +27,18 @@ template <class T>
 class PointOperation {
 public:
     // upper - p + lower without overflow, clamped to [lower, upper]. float: lower + upper is summed first, in double,
-    // so that the full range of float inverts to -p; one rounding to float at the end.
+    // so the full range of float inverts to -p; one rounding to float at the end.
     static PointOperation Invert(T lower, T upper);
 
     // s = p + value in double, clamped to [lower, upper], else floor(s + 0.5) (float: rounded to float). A NaN value
     // gives lower for every pixel; infinities give lower or upper (float: infinity of the other sign gives NaN).
     static PointOperation Add(double value, T lower, T upper);
 
-    // Integers, value = 2^k exactly: p >> k (0 from k = 32 on); for negative k, p >> (k modulo 32). "Exactly" is
-    // decided on the bits of value; a quotient of logarithms, taken in floating point, would miss some powers and catch
-    // neighbours. Every other value, and float: q = p / value in double, clamped to the type's range, then floor(q +
-    // 0.5) (float: rounded to float, the range being all finite floats). An integer result of NaN (value NaN, or 0 / 0)
-    // is 0.
+    // Integers, value = 2^k exactly: p >> k (0 from k = 32 on); for negative k, p >> (k modulo 32). Whether value is
+    // such a power is decided on its bits; a quotient of logarithms in floating point would miss some powers and accept
+    // neighbours of others. Every other value, and float: q = p / value in double, clamped to the type's range, then
+    // floor(q + 0.5) (float: rounded to float, the range being all finite floats). An integer result of NaN (value NaN,
+    // or 0 / 0) is 0.
     static PointOperation Divide(double value);
 
     // Every pixel becomes value.

@@ -27,7 +27,7 @@ struct RampLanes<uint16_t> {
         : first(_mm_set1_epi16(static_cast<short>(p.first))),
           last(_mm_set1_epi16(static_cast<short>(p.last))),
           offset(_mm_set1_epi16(static_cast<short>(p.offset))) {}
-    // No unsigned 16-bit minimum before SSE4.1: saturating differences instead.
+    // SSE2 has no unsigned 16-bit minimum (SSE4.1 does), so saturating differences are used.
     __m128i Clamp(__m128i p) const {
         p = _mm_add_epi16(_mm_subs_epu16(p, first), first);
         return _mm_sub_epi16(p, _mm_subs_epu16(p, last));
@@ -70,7 +70,7 @@ void Ramp(T* pixels, size_t n, const PointParameters<T>& parameters) {
     Ramp_scalar(pixels + i, n - i, parameters);
 }
 
-// minps and maxps would not test lower first; where s is NaN both comparisons fail and it stays.
+// minps and maxps would not test lower first. When s is NaN both comparisons fail and s stays.
 __m128 Clamped(__m128 s, __m128 lower, __m128 upper) {
     const __m128 below = _mm_cmplt_ps(s, lower);
     return _mm_or_ps(_mm_and_ps(below, lower), _mm_andnot_ps(below, _mm_min_ps(upper, s)));

@@ -10,7 +10,7 @@ namespace orlix {
 template <class T>
 TableLookUp<T>::TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table)
     : binsOf_(Choose(kBins<T>)), rule_(RuleOfHistogram(lower, upper, shape)), table_(table) {
-    if constexpr (sizeof(T) == 2) {  // few values: one load for each pixel
+    if constexpr (sizeof(T) == 2) {  // few values: one load per pixel
         values_.resize(65536);
         std::iota(values_.begin(), values_.end(), T{0});
         ThroughBins(values_.data(), values_.size());
@@ -21,7 +21,7 @@ template <class T>
 void TableLookUp<T>::operator()(T* pixels, size_t n) const {
     if constexpr (sizeof(T) == 2) {
         const T* const values = values_.data();
-        // Several at a time: a store may alias the next load, which would have to wait for it.
+        // Several at a time: each store may alias the next load, which would have to wait for it.
         constexpr size_t kTogether = 8;
         size_t i = 0;
         for (; i + kTogether <= n; i += kTogether) {

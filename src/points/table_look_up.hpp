@@ -1,4 +1,4 @@
-// The look-up table of images that are not 8-bit.
+// The look-up table for images that are not 8-bit.
 #pragma once
 
 #include <cstddef>
@@ -10,9 +10,9 @@
 
 namespace orlix {
 
-// A pixel within [lower, upper] becomes the entry of the bin of a histogram of the given shape in which Counter counts
-// it; others, NaN and pixels of a bin without an entry stay. T is uint16_t, uint32_t or float. Applied in place to any
-// number of runs; the table is read as long as the operation lives.
+// A pixel within [lower, upper] is replaced by the table entry of the bin in which Counter counts it, for a histogram
+// of the given shape. Other pixels, NaN and pixels of a bin without an entry stay. T is uint16_t, uint32_t or float.
+// Applied in place to any number of runs; the table must outlive the operation.
 template <class T>
 class TableLookUp {
 public:
@@ -27,7 +27,7 @@ private:
     Fn binsOf_;
     BinRule<T> rule_;
     std::span<const T> table_;
-    std::vector<T> values_;  // 16 bits: of each value what it becomes
+    std::vector<T> values_;  // 16 bits: the result for each value
 };
 
 extern template class TableLookUp<uint16_t>;

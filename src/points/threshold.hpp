@@ -1,4 +1,4 @@
-// Pixels to bits.
+// Conversion of pixels to bits.
 #pragma once
 
 #include <cstddef>

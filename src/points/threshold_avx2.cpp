@@ -11,9 +11,8 @@ ORLIX_INLINE __m256i Load(const T* p) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
 }
 
-// Bytes 0xff for 32 pixels inside, each eight of them in reverse order, so that the sign bits come out with the first
-// pixel in the most significant bit of each byte. Integers: nothing is left of p - hi and lo - p when they saturate at
-// 0.
+// Bytes of 0xff for those of 32 pixels that are inside. Each group of eight is reversed, so the sign bits put the first
+// pixel in the most significant bit of each byte. Integers: p - hi and lo - p, saturated at 0, are both 0 inside.
 ORLIX_INLINE __m256i Inside(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
     const __m256i reverse =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
@@ -30,14 +29,15 @@ ORLIX_INLINE __m256i Inside(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
         const __m256i below = _mm256_subs_epu16(_mm256_set1_epi16(static_cast<short>(lo)), p);
         return _mm256_cmpeq_epi16(_mm256_or_si256(above, below), _mm256_setzero_si256());
     };
-    // Packing leaves eights of pixels in the order 0 2 1 3.
+    // Packing leaves groups of eight pixels in the order 0 2 1 3.
     const __m256i packed = _mm256_packs_epi16(sixteen(pixels), sixteen(pixels + 16));
     const __m256i reverse =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
     return _mm256_shuffle_epi8(_mm256_permute4x64_epi64(packed, 0xd8), reverse);
 }
 
-// Four comparisons of eight pixels to 32 bytes in the order above. Packing leaves fours in the order 0 2 4 6, 1 3 5 7.
+// Packs four comparisons of eight pixels into 32 bytes in the order above. Packing leaves groups of four in the order
+// 0 2 4 6, 1 3 5 7.
 template <class Eight>
 ORLIX_INLINE __m256i Packed(const Eight& eight) {
     const __m256i packed =
@@ -57,9 +57,9 @@ ORLIX_INLINE __m256i Inside(const uint32_t* pixels, uint32_t lo, uint32_t hi) {
     });
 }
 
-// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 32, the last of which
-// is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of
-// its byte.
+// The definition handles the pixels before the first whole byte of bits. The rest goes in blocks of 32, the last of
+// which is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit
+// of its byte.
 template <class T, class BitsOf>
 ORLIX_INLINE void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside,
                           const BitsOf& bitsOf) {

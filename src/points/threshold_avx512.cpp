@@ -6,7 +6,7 @@
 namespace orlix {
 namespace {
 
-// Pixels of a block of 64 that are there, bit i for pixel i. All: a constant that needs no masked loads.
+// Masks of the accessible pixels of a block of 64, bit i for pixel i. All: a constant that needs no masked loads.
 struct All {};
 
 ORLIX_INLINE __m512i Load8(All, const uint8_t* p) { return _mm512_loadu_si512(p); }
@@ -22,7 +22,7 @@ ORLIX_INLINE __m512i Load32(uint64_t there, const void* p, int first) {
     return _mm512_maskz_loadu_epi32(static_cast<__mmask16>(there >> first), static_cast<const uint32_t*>(p) + first);
 }
 
-// The bits of each byte in reverse order: multiplication with the mirrored unit matrix.
+// Reverses the bits of each byte: multiplication with the mirrored unit matrix.
 ORLIX_INLINE uint64_t WithReversedBytes(uint64_t bits) {
     const __m128i mirror = _mm_set1_epi64x(static_cast<long long>(0x8040201008040201));
     __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&bits));
@@ -32,8 +32,8 @@ ORLIX_INLINE uint64_t WithReversedBytes(uint64_t bits) {
     return reversed;
 }
 
-// Bits of the 64 pixels of a block that are inside or, where NaN makes a difference, outside: the first pixel of each
-// eight in the most significant bit of its byte.
+// The bits of a block of 64 pixels that are inside or outside the bounds, as requested; NaN is neither. The first pixel
+// of each eight is in the most significant bit of its byte.
 template <class There>
 ORLIX_INLINE uint64_t Set(There there, const uint8_t* pixels, uint8_t lo, uint8_t hi, bool inside) {
     const __m512i reverse =
@@ -83,8 +83,8 @@ ORLIX_INLINE uint64_t Set(There there, const float* pixels, float lo, float hi, 
     });
 }
 
-// Blocks of 64 pixels. The first starts before the run, at a whole byte of bits and, where that can be had, at a cache
-// line of pixels; pixels that are not there are not read, bytes without a bit of the run neither read nor written.
+// Blocks of 64 pixels. The first block starts before the run, at a whole byte of bits and, if possible, at a cache line
+// of pixels. Pixels outside the run are not read; bytes without a bit of the run are neither read nor written.
 template <class T>
 ORLIX_INLINE void Threshold(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside) {
     if (n == 0) return;
@@ -96,8 +96,8 @@ ORLIX_INLINE void Threshold(const T* pixels, size_t n, uint8_t* bits, unsigned f
     auto* const word = reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(bits) - before / 8);
     const size_t end = before + n;
 
-    // Some pixels of a block, at least one. The first block's bytes are the upper half of a vector, the last one's the
-    // lower: a masked store delays loads that follow from anywhere in its 16 bytes.
+    // Some pixels of a block, at least one. The first block's bytes use the upper half of a vector, the last block's
+    // the lower, because a masked store delays subsequent loads from anywhere in its 16 bytes.
     const auto partial = [&](size_t block, uint64_t there, unsigned half) {
         const uint64_t set = Set(there, start + block, lo, hi, inside) & WithReversedBytes(there);
         const int firstByte = __builtin_ctzll(there) / 8, lastByte = 7 - __builtin_clzll(there) / 8;

@@ -5,7 +5,7 @@
 namespace orlix {
 namespace {
 
-// 0xff for each of 16 pixels inside, in order. Integers: nothing is left of p - hi and lo - p when they saturate at 0.
+// 0xff for each of 16 pixels inside, in order. Integers: p - hi and lo - p, saturated at 0, are both 0 inside.
 struct Inside {
     template <class T>
     static __m128i Load(const T* p) {
@@ -48,7 +48,7 @@ uint64_t WithReversedBytes(uint64_t bits) {
     return (bits & 0x0f0f0f0f0f0f0f0f) << 4 | (bits >> 4 & 0x0f0f0f0f0f0f0f0f);
 }
 
-// mask(first) gives 0xff for each set pixel of the 16 from the first.
+// mask(first) gives 0xff for each set pixel among the 16 from first on.
 template <class Mask>
 uint64_t BitsOf(const Mask& mask) {
     uint64_t word = 0;
@@ -57,9 +57,9 @@ uint64_t BitsOf(const Mask& mask) {
     return WithReversedBytes(word);
 }
 
-// The pixels before the first whole byte of bits go the definition's way, the rest in blocks of 64, the last of which
-// is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit of
-// its byte.
+// The definition handles the pixels before the first whole byte of bits. The rest goes in blocks of 64, the last of
+// which is read through a buffer. bitsOf(pixels) gives the bits of a block, the first pixel in the most significant bit
+// of its byte.
 template <class T, class BitsOf>
 void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside,
              const BitsOf& bitsOf) {

@@ -1,5 +1,5 @@
-// The one macro of kernels: functions that must become part of their caller. A call would keep vectors of 256 bits and
-// more in memory, and in a suffixed file an ordinary inline function may be the copy that the linker keeps for all.
+// The only macro of the kernels: functions that must be inlined. A call would keep vectors of 256 bits and more in
+// memory, and the linker may keep a suffixed file's copy of an ordinary inline function for all CPUs.
 #pragma once
 
 #define ORLIX_INLINE [[gnu::always_inline]] inline

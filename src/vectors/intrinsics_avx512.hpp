@@ -18,12 +18,12 @@
 namespace orlix {
 namespace {  // used in several files of this instruction set: each keeps its own copy
 
-// The pixels before the first whole cache line as lanes of the vector that begins the line they are in. Vectors that
-// straddle two lines take twice the loads and stores, and a masked store delays whatever is loaded from its 64 bytes
-// soon after, so these end where the next vector begins. Lanes outside the run are not accessed.
+// The pixels before the first whole cache line, as lanes of the vector that starts at their line. Vectors that straddle
+// two lines take twice the loads and stores, and a masked store delays any load from its 64 bytes soon after, so this
+// vector ends where the next one begins. Lanes outside the run are not accessed.
 template <class T>
 struct Head {
-    size_t pixels;  // 0: the run begins with a line
+    size_t pixels;  // 0: the run starts at a line
     size_t firstLane;
     T* vector;
     Head(T* run, size_t n) {

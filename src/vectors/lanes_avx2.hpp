@@ -1,4 +1,4 @@
-// Vectors of pixels for kernels that compare and select, with AVX2. For the files of this suffix only.
+// Vectors of pixels for kernels that compare and select, with AVX2. Only for files of this suffix.
 #pragma once
 
 #include <immintrin.h>
@@ -8,7 +8,7 @@
 namespace orlix {
 namespace {
 
-// The pixels just before and just after those of b, of the vectors a, b, c side by side.
+// The pixels just before and just after those of b, where a, b, c are adjacent vectors.
 template <int bytes>
 ORLIX_INLINE __m256i Before(const __m256i& a, const __m256i& b) {
     return _mm256_alignr_epi8(b, _mm256_permute2x128_si256(a, b, 0x21), 16 - bytes);

@@ -1,4 +1,4 @@
-// Vectors of pixels for kernels that compare and select, with AVX-512. For the files of this suffix only.
+// Vectors of pixels for kernels that compare and select, with AVX-512. Only for files of this suffix.
 #pragma once
 
 #include "vectors/intrinsics_avx512.hpp"
@@ -7,7 +7,7 @@
 namespace orlix {
 namespace {
 
-// Indices first, first + 1, ... of bytes, words and double words.
+// Indices first, first + 1, ... as bytes, words and double words.
 struct LaneIndices {
     uint8_t bytes[128];
     uint16_t words[64];
@@ -44,7 +44,8 @@ struct PixelLanes<uint8_t> : IntegerLanes<uint8_t> {
     ORLIX_INLINE static Vector After(const Vector& b, const Vector& c) {
         return _mm512_permutex2var_epi8(b, _mm512_loadu_si512(kLaneIndices.bytes + 1), c);
     }
-    // Steps of up to kLanes pixels: the pixels that far after those of b, c being the vector after b.
+    // Offsets of up to kLanes pixels: After() gives the pixels that far after those of b, where c is the vector after
+    // b.
     ORLIX_INLINE static __m512i Step(size_t step) { return _mm512_loadu_si512(kLaneIndices.bytes + step); }
     ORLIX_INLINE static Vector After(const Vector& b, const Vector& c, const __m512i& step) {
         return _mm512_permutex2var_epi8(b, step, c);

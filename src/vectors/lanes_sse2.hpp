@@ -1,7 +1,7 @@
-// Vectors of pixels for kernels that compare and select, with SSE2. For the files of this suffix only.
+// Vectors of pixels for kernels that compare and select, with SSE2. Only for files of this suffix.
 //
-// A vector holds keys that order as the pixels do: SSE2 compares 16- and 32-bit numbers as signed ones only, so
-// unsigned pixels change their top bit on loading and storing. Differences of keys are differences of pixels.
+// A vector holds keys that order as the pixels do: SSE2 compares 16- and 32-bit numbers only as signed, so loading and
+// storing flip the top bit of unsigned pixels. Differences of keys are differences of pixels.
 #pragma once
 
 #include <emmintrin.h>

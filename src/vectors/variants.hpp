@@ -1,12 +1,12 @@
-// How kernels are declared and chosen. A kernel has a type and a definition, which sum_scalar.cpp holds and all other
-// variants equal bit for bit:
+// How kernels are declared and chosen. A kernel has a type and a definition in its scalar file; all other variants
+// equal the definition bit for bit:
 //
 //     template <class T>
 //     using SumFn = void (*)(const T* pixels, size_t n, uint64_t& sum);
 //     template <class T>
-//     void Sum_scalar(const T* pixels, size_t n, uint64_t& sum);
+//     void Sum_scalar(const T* pixels, size_t n, uint64_t& sum);     // sum_scalar.cpp
 //
-// Its variants for an instruction set are written for one type of pixels each, or are a template as the definition is:
+// The variants for an instruction set are functions for one pixel type each, or a template like the definition:
 //
 //     Kernel<SumFn<uint8_t>> Sum_avx2;                       // sum_avx2.cpp
 //     Kernel<SumFn<uint16_t>> Sum_avx2;
@@ -31,7 +31,7 @@
 
 namespace orlix {
 
-// The function that a pointer of the type Fn points at.
+// The function type that the pointer type Fn points to.
 template <class Fn>
 using Kernel = std::remove_pointer_t<Fn>;
 
@@ -42,7 +42,7 @@ struct Variant {
     Fn fn;
 };
 
-// The best variants that a processor can run, best first. Every table ends with a variant for Cpu::Any.
+// The variants that a processor can run, best first. Every table ends with a variant for Cpu::Any.
 template <class Fn>
 std::span<const Variant<Fn>> SupportedBy(Cpu cpu, std::span<const Variant<Fn>> table) noexcept {
     while (table.size() > 1 && table.front().cpu > cpu) table = table.subspan(1);
@@ -53,7 +53,7 @@ std::span<const Variant<Fn>> SupportedBy(Cpu cpu, const Variant<Fn> (&table)[N])
     return SupportedBy(cpu, std::span<const Variant<Fn>>(table));
 }
 
-// For tests and benchmarks, whatever ORLIX_VARIANT says.
+// For tests and benchmarks; ignores ORLIX_VARIANT.
 template <class Fn>
 std::span<const Variant<Fn>> SupportedOnThisCpu(std::span<const Variant<Fn>> table) noexcept {
     return SupportedBy(CpuOfThisMachine(), table);

@@ -1,4 +1,4 @@
-// A region of another component, which may say anything.
+// A region of another component, which may return anything.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -17,7 +17,7 @@ inline SRun MakeRun(LONG start, LONG stop) {
     return run;
 }
 
-// Lives on the stack of a test, which looks at its counts afterwards.
+// Lives on the stack of a test, which checks its counts afterwards.
 class ForeignRegion final : public IRegionOfInterest {
 public:
     RECT box = {0, 0, -1, -1};

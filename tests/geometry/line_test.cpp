@@ -21,7 +21,7 @@ struct Pixel {
     }
 };
 
-// The pixels, which are the same step by step and row by row.
+// The visible pixels. Checks that ForEach and ForEachRow yield the same ones.
 std::vector<Pixel> Visible(const Line& line, int32_t width, int32_t height) {
     const VisibleSteps steps(line, width, height);
     std::vector<Pixel> pixels, ofRows;
@@ -39,7 +39,7 @@ std::vector<Pixel> Visible(const Line& line, int32_t width, int32_t height) {
     return pixels;
 }
 
-// Bresenham's walk as it is written in textbooks, from end to end; a pixel outside is walked over.
+// The textbook form of Bresenham's algorithm, from end to end; pixels outside the image are skipped.
 std::vector<Pixel> Walked(const Line& line, int32_t width, int32_t height) {
     std::vector<Pixel> pixels;
     const int64_t ax = 2 * std::abs(int64_t{line.x2} - line.x1);
@@ -91,7 +91,7 @@ TEST(Line, EqualsTheWalkWhenMostOfItLiesOutside) {
     std::uniform_int_distribution<int32_t> anywhere(-20000, 20000);
     size_t seen = 0;
     for (int i = 0; i < 3000; ++i) {
-        // Through a point of the image, so that most lines show something.
+        // Passes through a point of the image, so that most lines are visible.
         const Line line{anywhere(random), anywhere(random), static_cast<int32_t>(random() % 300),
                         static_cast<int32_t>(random() % 200)};
         const Line through{line.x1, line.y1, 2 * line.x2 - line.x1, 2 * line.y2 - line.y1};
@@ -102,7 +102,7 @@ TEST(Line, EqualsTheWalkWhenMostOfItLiesOutside) {
     EXPECT_GT(seen, 100000u);
 }
 
-// A pixel k steps along lies within half a step of the true line: -major < 2 (side major - k minor) <= major.
+// Pixel k lies within half a step of the true line: -major < 2 (side major - k minor) <= major.
 TEST(Line, AThousandMillionStepsAwayThePixelsAreStillThoseOfTheLine) {
     const Line line{-500000000, -300000001, 500000000, 300000002};
     const int64_t major = int64_t{line.x2} - line.x1;
@@ -124,12 +124,12 @@ TEST(Line, ReachesFromOneEndOfTheNumbersToTheOther) {
     for (size_t i = 0; i < diagonal.size(); ++i)
         EXPECT_EQ((Pixel{static_cast<int64_t>(i), static_cast<int64_t>(i)}), diagonal[i]);
 
-    // 2^32 - 1 steps to the right and one down: the step comes when half of them are done, between columns -1 and 0.
+    // 2^32 - 1 steps to the right and one down: the downward step comes half-way, between columns -1 and 0.
     EXPECT_THAT(Visible({kLeast, 0, kMost, 1}, 2, 2), testing::ElementsAre(Pixel{0, 1}, Pixel{1, 1}));
     EXPECT_THAT(Visible({kMost, 0, kLeast, 1}, 2, 2), testing::ElementsAre(Pixel{1, 0}, Pixel{0, 0}));
     EXPECT_THAT(Visible({0, kLeast, 1, kMost}, 2, 2), testing::ElementsAre(Pixel{1, 0}, Pixel{1, 1}));
 
-    // Down to the left across the first column of an image as tall as they come.
+    // Down to the left across the first column of an image of the largest height.
     const auto anti = Visible({kMost, kLeast, kLeast, kMost}, 1, kMost);
     EXPECT_TRUE(anti.empty());
     EXPECT_THAT(Visible({kMost, kLeast + 1, kLeast + 1, kMost}, kMost, kMost), testing::ElementsAre(Pixel{0, 0}));

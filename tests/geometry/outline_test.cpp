@@ -20,7 +20,7 @@ namespace {
 constexpr double kPi = 3.141592653589793, kInfinity = std::numeric_limits<double>::infinity();
 const double kNan = std::nan("");
 
-// What random outlines are made of: coarse grids have many equal and collinear vertices.
+// Random outlines of several kinds: coarse grids give many equal and collinear vertices.
 std::vector<Point> RandomOutline(std::mt19937& random, int kind, size_t n) {
     std::vector<Point> outline;
     std::uniform_int_distribution<int> grid(0, kind == 0 ? 3 : 40);
@@ -31,24 +31,24 @@ std::vector<Point> RandomOutline(std::mt19937& random, int kind, size_t n) {
             outline.push_back({static_cast<double>(grid(random)), static_cast<double>(grid(random))});
         else if (kind == 2)
             outline.push_back({real(random), 1e6 + real(random)});
-        else  // a regular polygon, whose diameters differ by rounding only
+        else  // a regular polygon, whose diameters differ only by rounding
             outline.push_back({Cos(angle), Sin(angle)});
     }
     return outline;
 }
 
-// A vertex is a corner unless it lies in a triangle or on a segment of others, or equals an earlier one.
+// A vertex is a corner unless it lies in a triangle of others, on a segment between others, or equals an earlier one.
 bool IsCorner(const std::vector<Point>& points, size_t k) {
     const Point& p = points[k];
     for (size_t i = 0; i < k; ++i)
         if (points[i] == p) return false;
-    // All others on one side of some line through p: the directions from p span less than half a turn.
+    // All others lie on one side of some line through p: the directions from p span less than half a turn.
     for (const Point& a : points) {
         if (a == p) continue;
         const bool first = std::all_of(points.begin(), points.end(), [&](const Point& b) {
             if (b == p) return true;
             const int turn = Turn(p, a, b);
-            // On the line through a: on its side of p.
+            // On the line through a: must lie on a's side of p.
             return turn > 0 || (turn == 0 && (a.x - p.x) * (b.x - p.x) + (a.y - p.y) * (b.y - p.y) > 0);
         });
         if (first) return true;
@@ -66,7 +66,7 @@ Diameter PlainDiameter(const std::vector<Point>& points) {
 
 }  // namespace
 
-// Half a unit wide, anywhere and of any size: what moves and stretches an outline moves and stretches its centroid.
+// Shifting or scaling an outline shifts or scales its centroid, anywhere and at any size.
 TEST(Area, AndCentroidDependOnNeitherPlaceNorSize) {
     const std::vector<Point> shape = {{0, 0}, {3, 0}, {3, 1}, {1, 1}, {1, 4}, {0, 4}};  // an L: area 6, about (1, 1.5)
     const Point centroid = {1, 1.5};
@@ -81,11 +81,11 @@ TEST(Area, AndCentroidDependOnNeitherPlaceNorSize) {
             std::reverse(outline.begin(), outline.end());
             EXPECT_EQ((Point{-(centroid.x + place) * size, -(centroid.y - 2 * place) * size}), SignedCentroid(outline));
         }
-    // Three pixels of a particle far from the image's corner; thirds do not come out even.
+    // Three pixels of a particle far from the image's corner; thirds are not exact.
     const std::vector<Point> three = {{1000000, 1000000}, {1000001, 1000000}, {1000000, 1000001}};
     EXPECT_EQ(0.5, Area(three));
     EXPECT_EQ((Point{1000000 + 1. / 3, 1000000 + 1. / 3}), SignedCentroid(three));
-    // One axis huge, the other tiny: an area of 4 and one of 1e600.
+    // One axis huge, the other tiny: an area of 4. Then an area of about 1e617, which overflows.
     EXPECT_EQ(4, Area(std::vector<Point>{
                      {-0x1p1000, -0x1p-1000}, {0x1p1000, -0x1p-1000}, {0x1p1000, 0x1p-1000}, {-0x1p1000, 0x1p-1000}}));
     const std::vector<Point> whole = {
@@ -95,7 +95,7 @@ TEST(Area, AndCentroidDependOnNeitherPlaceNorSize) {
     EXPECT_EQ(1, Circularity(whole));
 }
 
-// Products of doubles of 53 bits, which long double would round.
+// Products of 53-bit doubles, which long double would round.
 TEST(Area, IsRoundedOnce) {
     // 2 area = (2^53 - 1) (2^53 - 1) - 2^53 (2^53 - 2) = 1
     const double most = 0x1p53 - 1;
@@ -154,7 +154,7 @@ TEST(Diameter, IsTheFirstOfEqualPairsAsAllPairsTell) {
         }
 }
 
-// Next to the ends there are vertices that are no corners, yet as far apart when distances are rounded.
+// Next to the ends lie vertices that are no corners, yet equally far apart once distances are rounded.
 TEST(Diameter, LooksBesideTheCorners) {
     const double inside = std::nextafter(1e6, 0.0), tiny = 1e-11;
     std::mt19937 random(5);
@@ -180,7 +180,7 @@ TEST(Diameter, IsDefinedForEverySizeOfNumbers) {
     EXPECT_EQ(Hypotenuse(3e-320, 1e-320), DiameterOf(std::vector<Point>{{0, 0}, {3e-320, 0}, {0, 1e-320}}).length);
 }
 
-// Whole numbers: the winding number by counting crossings of a ray to the right, for points off the outline.
+// For whole numbers: the winding number from the crossings of a ray to the right, for points off the outline.
 TEST(Encloses, CountsTurns) {
     std::mt19937 random(6);
     for (int k = 0; k < 300; ++k) {
@@ -202,7 +202,8 @@ TEST(Encloses, CountsTurns) {
     }
     const std::vector<Point> square = {{0, 0}, {2, 0}, {2, 2}, {0, 2}};
     EXPECT_TRUE(Encloses(square, {1, 1}));
-    // On the outline as the contract says: an edge that starts at the smaller y or to the right counts as 180 degrees.
+    // Points on the outline follow the contract: an edge that starts at the smaller y or to the right counts as 180
+    // degrees.
     EXPECT_TRUE(Encloses(square, {2, 1}));
     EXPECT_FALSE(Encloses(square, {0, 1}));
     EXPECT_FALSE(Encloses(square, {1, 0}));
@@ -214,9 +215,9 @@ TEST(Encloses, CountsTurns) {
 TEST(SubtendedAngle, MergesArcsAlsoAcrossZero) {
     const std::vector<Point> square = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
     EXPECT_EQ(360, SubtendedAngle(square, {0, 0}));
-    EXPECT_DOUBLE_EQ(90, SubtendedAngle(square, {-2, 0}));  // from 315 to 45 degrees
+    EXPECT_DOUBLE_EQ(90, SubtendedAngle(square, {-2, 0}));  // 315 to 45 degrees
     EXPECT_DOUBLE_EQ(90, SubtendedAngle(square, {2, 0}));
-    EXPECT_NEAR(2 * 45, SubtendedAngle(square, {1, -1}), 1e-13);  // at a vertex: between its neighbours
+    EXPECT_NEAR(2 * 45, SubtendedAngle(square, {1, -1}), 1e-13);  // at a vertex: the angle between its neighbours
     EXPECT_NEAR(180, SubtendedAngle(square, {0, -1}), 1e-13);     // on an edge that counts as outside
     EXPECT_EQ(360, SubtendedAngle(square, {0, 1}));
     EXPECT_EQ(0, SubtendedAngle(std::vector<Point>{{3, 4}}, {0, 0}));
@@ -241,7 +242,7 @@ TEST(Simplify, LeavesNoVertexFartherThanTheToleranceFromItsEdge) {
             const uint32_t last = k + 1 < kept.size() ? kept[k + 1] : 500;
             const Point &a = outline[kept[k]], &b = outline[last % 500];
             for (uint32_t i = kept[k]; i < last; ++i) {
-                double least = kInfinity;  // by steps along the edge
+                double least = kInfinity;  // measured in steps along the edge
                 for (int s = 0; s <= 1000; ++s)
                     least = std::min(
                         least, Distance(outline[i], {a.x + (b.x - a.x) * s / 1000, a.y + (b.y - a.y) * s / 1000}));
@@ -257,7 +258,7 @@ TEST(Simplify, LeavesNoVertexFartherThanTheToleranceFromItsEdge) {
     EXPECT_THAT(Simplify(std::vector<Point>(1000000, {1, 1}), 0), ElementsAre(0));
 }
 
-// Every vertex of the part looked at in turn.
+// Tests every vertex of a part in turn.
 std::vector<uint32_t> PlainSimplify(const std::vector<Point>& outline, double tolerance) {
     const auto n = static_cast<uint32_t>(outline.size());
     const auto at = [&](uint32_t i) { return outline[i % n]; };
@@ -303,7 +304,7 @@ TEST(Simplify, KeepsWhatLookingAtEveryVertexKeeps) {
                 for (size_t i = 0; i < n; ++i) {
                     const auto k = static_cast<double>(i);
                     if (kind == 4)
-                        p = {k, i % 2 ? k : -k};  // only one vertex is left out at a time
+                        p = {k, i % 2 ? k : -k};  // only one vertex splits off at a time
                     else if (kind == 5)
                         p = {p.x + real(random), p.y + real(random)};
                     else
@@ -325,7 +326,7 @@ TEST(Simplify, KeepsWhatLookingAtEveryVertexKeeps) {
         }
 }
 
-// Looked at one by one these are 10^10 distances, some minutes.
+// Tested one by one, these would be 10^10 distances and take minutes.
 TEST(Simplify, TakesNoTimeForEveryPairOfVertices) {
     std::vector<Point> outline;
     for (int i = 0; i < 100000; ++i) outline.push_back({1. * i, i % 2 ? 1. * i : -1. * i});

@@ -48,7 +48,7 @@ std::vector<bool> Mask(const RegionRows& rows, int32_t width, int32_t height) {
     return mask;
 }
 
-// What the interface hands out, pixel by pixel: in a row of the box, covered by a run.
+// The pixels covered by runs from the interface, tested one by one, in the rows of the box.
 std::vector<bool> MaskByInterface(IRegionOfInterest& region, int32_t width, int32_t height) {
     std::vector<bool> mask(static_cast<size_t>(width) * static_cast<size_t>(height));
     RECT box = {0, 0, -1, -1};
@@ -76,7 +76,7 @@ void ExpectCanonical(const RegionRows& rows, int32_t width, int32_t height) {
             ASSERT_GE(run.start, free);
             ASSERT_LE(run.start, run.stop);
             ASSERT_LT(run.stop, width);
-            free = run.stop + 2;  // at least one column between two runs
+            free = run.stop + 2;  // at least one column lies between two runs
             pixels += run.length();
         }
     }
@@ -192,7 +192,7 @@ TEST(RegionRows, NoReferenceToARegionIsKept) {
     EXPECT_EQ(1u, foreign.references);
 }
 
-// A component may aggregate a shape and answer the region itself, in its own way: then it is asked.
+// A component may aggregate a shape and implement the region itself, in its own way: then that implementation is asked.
 TEST(RegionRows, ARegionThatContainsAShapeIsAskedItself) {
     const auto shape = MakeShape();
     shape->CreateRectangle(10, 10, 0, 0, 9, 9);
@@ -297,7 +297,7 @@ TEST(RegionRows, MoreRunsThanARowCanHoldFailAtOnce) {
     EXPECT_EQ(S_OK, ResultOf(region, 10, 1));
     region.rows[0].push_back(MakeRun(1, 1));
     EXPECT_EQ(E_FAIL, ResultOf(region, 10, 1));
-    // A million million runs that are not there: nothing is read.
+    // A million million runs that do not exist: nothing is read.
     region.answer = [](LONG, SRun** begin, SRun** end) {
         *begin = reinterpret_cast<SRun*>(alignof(SRun));
         *end = reinterpret_cast<SRun*>(static_cast<uintptr_t>(-1) / 2);

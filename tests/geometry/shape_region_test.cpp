@@ -94,7 +94,7 @@ TEST(ShapeRegion, ACircleRowWithoutPixelsLeavesItsOutsideWhole) {
     EXPECT_THAT(Runs(shape, 5), Is({{0, 5}, {6, 99}}));
 }
 
-// In eighths of a pixel everything is a whole number, and membership is (8x - cx)^2 + (8y - cy)^2 <= r^2.
+// In eighths of a pixel every coordinate is an integer, and membership is (8x - cx)^2 + (8y - cy)^2 <= r^2.
 TEST(ShapeRegion, CirclesHoldExactlyThePixelsWithinTheRadius) {
     constexpr int32_t kSize = 24;
     for (int64_t cx : {-9, 0, 60, 64, 67, 100, 191})
@@ -114,8 +114,8 @@ TEST(ShapeRegion, CirclesHoldExactlyThePixelsWithinTheRadius) {
             }
 }
 
-// A circle that reaches row 10 as exactly as its centre and radius can say: there radius^2 - d^2 may come out as
-// -1e-15.
+// A circle that just reaches row 10, as exactly as its centre and radius can express; there radius^2 - d^2 may come out
+// as -1e-15.
 TEST(ShapeRegion, RoundingAtTheFirstRowDoesNotLoseIt) {
     int reached = 0;
     int negative = 0;
@@ -139,7 +139,7 @@ TEST(ShapeRegion, CirclesOfAnySizeAreDefined) {
     EXPECT_THAT(Runs(Circle(100, 100, 50, 1e200, 2e200), 99), Is({{kLeast, kMost}}));  // both squares overflow
     EXPECT_THAT(Runs(Circle(100, 100, 50, 50, -3), 50), Is({}));
     EXPECT_THAT(Runs(Circle(100, 100, 50, 50, 0), 50), Is({{50, 50}}));
-    // A half-plane: the edge of a huge disk, tangent at column 10. Rows of the image see it straight.
+    // A half-plane: a huge disk, tangent at column 10, whose edge is straight at the scale of the image.
     EXPECT_THAT(Runs(Circle(100, 100, 1e12 + 10, 50, 1e12), 50), Is({{10, kMost}}));
     for (const double bad : {kNaN, kInf, -kInf})
         for (const double radius : {1.0, kInf, kNaN}) {
@@ -159,7 +159,7 @@ TEST(ShapeRegion, CirclesOfAnySizeAreDefined) {
 // ------------------------------------------------------------------------------------------------- oriented rectangles
 
 TEST(ShapeRegion, ADiamondIsScannedBetweenItsEdges) {
-    // Centre (10, 10), all corners a little less than 5 away, straight up, down, left and right.
+    // Centre (10, 10), with the corners a little less than 5 above, below, left and right of it.
     const ShapeRegion shape =
         Oriented(21, 21, 7.5 + 1e-9, 7.5 + 1e-9, 12.5 - 1e-9, 12.5 - 1e-9, std::sqrt(50.0) - 1e-9);
     EXPECT_EQ((Box{6, 6, 14, 14}), shape.BoundingBox());
@@ -169,8 +169,8 @@ TEST(ShapeRegion, ADiamondIsScannedBetweenItsEdges) {
     EXPECT_THAT(Runs(shape, 14), Is({{10, 10}}));
 }
 
-// Coordinates along and across the centre line decide, without edges and rows. Pixels within 1e-9 of the border, which
-// rounding may put on either side, are left out.
+// Independent of edges and rows: compares coordinates along and across the centre line. Skips pixels within 1e-9 of the
+// border, which rounding may put on either side.
 TEST(ShapeRegion, OrientedRectanglesHoldThePixelsBetweenTheirSides) {
     constexpr int32_t kSize = 60;
     std::mt19937 random(7);
@@ -206,25 +206,25 @@ TEST(ShapeRegion, ARectangleBesideTheImageHasThePixelAtTheNearEnd) {
     const ShapeRegion right = Oriented(100, 50, 130, 10, 120, 10, 6);
     EXPECT_EQ((Box{99, 7, 99, 13}), right.BoundingBox());
     EXPECT_THAT(Runs(right, 10), Is({{99, 99}}));
-    // Above the image there are no rows: the box stays as the search began.
+    // No rows lie above the image: the box stays as the search began.
     EXPECT_EQ((Box{99, 49, 0, 0}), Oriented(100, 50, 10, -20, 20, -20, 6).BoundingBox());
 }
 
 TEST(ShapeRegion, ARowBetweenTwoPixelCentresIsNotInTheBox) {
-    // Half a pixel long about column 10.5: no pixel centre lies in it.
+    // Half a pixel long about column 10.5, so it holds no pixel centre.
     const ShapeRegion shape = Oriented(100, 50, 10.25, 10, 10.75, 10, 2);
     EXPECT_EQ((Box{99, 49, 0, 0}), shape.BoundingBox());
     EXPECT_THAT(Runs(shape, 10), Is({}));
 }
 
-// The upper edge from A (0.5, 5 +- a little) to B (10.5, 5 -+ a little) counts as horizontal: in row 5 it stands for
-// the end nearer to the row, and the right side adds column 10.5.
+// The upper edge from A (0.5, 5 +- a little) to B (10.5, 5 -+ a little) counts as horizontal: in row 5 it is
+// represented by its end nearer to the row, and the right side adds column 10.5.
 TEST(ShapeRegion, AnEdgeThatIsAllButHorizontalStandsForItsNearerEnd) {
-    // A 2e-5 below the row, B 3e-5 above it: from A on.
+    // A is 2e-5 below the row, B 3e-5 above it: the run starts at A.
     const ShapeRegion fromA = Oriented(30, 30, 5.5, 4.999995, 5.50005, 14.999995, 10);
     EXPECT_EQ(5, fromA.BoundingBox().top);
     EXPECT_THAT(Runs(fromA, 5), Is({{1, 10}}));
-    // A 3e-5 below, B 2e-5 above: both edges meet the row at B, between two columns.
+    // A is 3e-5 below, B 2e-5 above: both edges meet the row at B, between two columns.
     const ShapeRegion fromB = Oriented(30, 30, 5.5, 5.000005, 5.50005, 15.000005, 10);
     EXPECT_EQ(6, fromB.BoundingBox().top);
     EXPECT_THAT(Runs(fromB, 6), Is({{1, 10}}));
@@ -236,7 +236,7 @@ TEST(ShapeRegion, BelowAWidthOfOneItIsTheOnePixelLine) {
     EXPECT_THAT(Runs(shape, 2), Is({{2, 3}}));
     EXPECT_THAT(Runs(shape, 3), Is({{4, 6}}));
     EXPECT_THAT(Runs(shape, 4), Is({{7, 8}}));
-    // A width of -3 is below 1 too; what lies outside the image is left out.
+    // A width of -3 is below 1 too; pixels outside the image are dropped.
     const ShapeRegion across = Oriented(10, 10, -1e9, -1e9, 1e9, 1e9, -3);
     EXPECT_EQ((Box{0, 0, 9, 9}), across.BoundingBox());
     for (int32_t y = 0; y < 10; ++y) EXPECT_THAT(Runs(across, y), Is({{y, y}}));
@@ -244,7 +244,7 @@ TEST(ShapeRegion, BelowAWidthOfOneItIsTheOnePixelLine) {
 }
 
 TEST(ShapeRegion, InAnImageOnePixelWideTheEmptyRunReadsAsColumnZero) {
-    // Nothing of the line is in the image; the box that the search began with is its one pixel.
+    // No part of the line is in the image; the initial box of the search is its one pixel.
     const ShapeRegion shape = Oriented(1, 1, 20, 20, 30, 30, 0);
     EXPECT_EQ((Box{0, 0, 0, 0}), shape.BoundingBox());
     EXPECT_THAT(Runs(shape, 0), Is({{0, 0}}));
@@ -269,7 +269,7 @@ TEST(ShapeRegion, CentreLinesOfAnyLengthAreDefined) {
     EXPECT_THAT(Runs(Oriented(10, 10, 0, 0, 9, 9, kNaN), 5), Is({}));
 }
 
-// Whole numbers only, but images of 2^31 rows or columns.
+// Integers only, but images of 2^31 rows or columns.
 TEST(ShapeRegion, WhatCoversTooManyRowsIsRefusedAndNoLengthOfARowMatters) {
     ShapeRegion shape = Rectangle(100, 50, 10, 5, 20, 8);
     const std::string disk = "IShapeRegionOfInterest::CreateCircle: the shape covers more than 16777216 rows.";
@@ -290,8 +290,8 @@ TEST(ShapeRegion, WhatCoversTooManyRowsIsRefusedAndNoLengthOfARowMatters) {
 
 // ----------------------------------------------------------------------------------------------------------- the frame
 
-// A pixel of the shape belongs to the frame unless it lies between the ends of its run, in a row between the first and
-// the last, and the rows above and below cover it.
+// A pixel of the shape belongs to the frame unless its row is neither the first nor the last, it lies strictly within
+// its run, and the rows above and below cover it.
 TEST(ShapeRegion, FramesHoldThePixelsThatTheirNeighboursDoNotCover) {
     std::vector<ShapeRegion> shapes;
     for (const double radius : {0.0, 0.5, 1.0, 1.5, 3.3, 7.0, 12.9, 30.0, 80.0}) {
@@ -328,7 +328,7 @@ TEST(ShapeRegion, AFailureAfterTheSizeLeavesTheNewSizeAndNoPixels) {
               FailureOf([&] { shape.CreateRectangle(30, 7, 2, 3, 1, 2); }));
     EXPECT_EQ(30, shape.width());
     EXPECT_EQ(7, shape.height());
-    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());  // of rows that the image no longer has
+    EXPECT_EQ((Box{10, 5, 20, 8}), shape.BoundingBox());  // its rows exceed the new image
     EXPECT_THAT(Runs(shape, 5), Is({{29, 0}}));
     shape.set_polarity(PT_Frame);
     EXPECT_THAT(Runs(shape, 6), Is({{29, 0}, {29, 0}}));

@@ -41,7 +41,7 @@ TEST(DiskElements, AreThePixelsWithinTheRadiusInReadingOrder) {
 
 namespace {
 
-// The rule as the contract has it, element by element.
+// The rule as the contract states it, element by element.
 std::vector<SElement> PlainList(LONG bit, const std::vector<SElement>& elements) {
     std::vector<SElement> list;
     for (const SElement& element : elements) {
@@ -90,7 +90,7 @@ TEST(ByteLists, MasksAsTheContractSays) {
     }
 }
 
-// Whatever the order of the elements: one entry for each byte, where its first element stands.
+// In any order of the elements: one entry per byte, at the position of its first element.
 TEST(ByteLists, AreInTheOrderOfFirstAppearance) {
     std::mt19937 random(1);
     std::vector<SElement> elements = DiskElements(6.5);

@@ -1,4 +1,4 @@
-// Counts for the tests of this folder.
+// Random counts for the tests of this folder.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -30,8 +30,8 @@ private:
     uint64_t state_;
 };
 
-// Shapes that occur: flat noise, mostly empty bins, two bumps with an empty or a shallow valley, one bump. At least one
-// count.
+// Typical shapes: flat noise, mostly empty bins, two bumps with an empty or a shallow valley, one bump. Holds at least
+// one count.
 inline Counts SomeCounts(Random& random, size_t n, LONG most) {
     Counts counts(n, 0);
     const int64_t shape = random.Below(4);
@@ -48,7 +48,7 @@ inline Counts SomeCounts(Random& random, size_t n, LONG most) {
     return counts;
 }
 
-// Values whose last places may differ by a few roundings.
+// For values whose last digits may differ by a few roundings.
 inline double Tolerance(long double value) { return 1e-14 * (1.0 + static_cast<double>(std::fabs(value))); }
 
 }  // namespace orlix::testing

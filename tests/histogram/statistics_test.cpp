@@ -24,10 +24,10 @@ TEST(Statistics, WholeRangesMapBinsToValuesAndOthersToTheMiddlesOfIntervals) {
         {1, 7, 7, 1, 0},           // a single value has no scale
         {2, 7, 8, 1, 7},           //
         {3, -1, 1, 1, -1},         //
-        {4, 0.5, 2.5, 0.5, 0.75},  // no whole ends
+        {4, 0.5, 2.5, 0.5, 0.75},  // ends are not whole numbers
         {10, 0, 1, 0.1, 0.05},     //
         {1, 0, 10, 10, 5},         //
-        {4, 3, 1, -0.5, 2.75},     // falling
+        {4, 3, 1, -0.5, 2.75},     // descending
         {4, 2, 2, 0, 2},           // no width
         {0, 0, 255, 1, 0},         // no bins
         {0, 1, 0, 1, 0},           // holds "0 values"
@@ -170,7 +170,7 @@ TEST(Statistics, TheMedianIsTheFirstBinThatReachesHalf) {
     EXPECT_EQ(1, MedianBin(Counts{0, 5, 5, 0}));  // exactly half
     EXPECT_EQ(2, MedianBin(Counts{0, 5, 6, 0}));
     EXPECT_EQ(0, MedianBin(Counts{1}));
-    // Seven sevenths of 1/14: quotients added up would miss 0.5.
+    // Seven bins of 1/14 each are exactly half, but adding up the quotients would miss 0.5.
     EXPECT_EQ(6, MedianBin(Counts(14, 1)));
     for (LONG n = 2; n < 400; n += 2) EXPECT_EQ(n / 2 - 1, MedianBin(Counts(static_cast<size_t>(n), 3)));
 }
@@ -239,7 +239,7 @@ TEST(Statistics, TrimmingANegativeFractionAddsToTheEndsAndSaturates) {
 
 TEST(Statistics, TrimmedMeanAndWinsorizedDeviationAreKnown) {
     // 2, 3, 10, 3, 2 without 3 at each end: 0, 2, 10, 2, 0. Winsorized: 3 + 3 at bins 1 and 3, 22 in all (not 20), with
-    // the variance 12 / 22.
+    // variance 12 / 22.
     const auto some = StatisticsWithoutTails(Counts{2, 3, 10, 3, 2}, 0.125);
     ASSERT_TRUE(some);
     EXPECT_EQ(2.0, some->mean);
@@ -266,7 +266,7 @@ TEST(Statistics, TrimmedStatisticsEqualTheirDefinitions) {
         const int64_t total = std::accumulate(counts.begin(), counts.end(), int64_t{0});
         const auto k = static_cast<int64_t>(std::floor(static_cast<double>(total) * fraction + 0.5));
 
-        // Count by count, from a sorted list.
+        // From a sorted list of the individual counts.
         std::vector<size_t> list;
         for (size_t i = 0; i < n; ++i) list.insert(list.end(), static_cast<size_t>(counts[i]), i);
         const auto got = StatisticsWithoutTails(counts, fraction);
@@ -280,7 +280,7 @@ TEST(Statistics, TrimmedStatisticsEqualTheirDefinitions) {
                                        list.end() - static_cast<std::ptrdiff_t>(cut));
         const long double mean =
             std::accumulate(kept.begin(), kept.end(), 0.0L) / static_cast<long double>(kept.size());
-        // The bins of the outermost counts kept hold all their own counts and k more each.
+        // The outermost bins kept hold all their own counts and k more each.
         std::vector<size_t> winsorized;
         for (const size_t i : list)
             if (i >= kept.front() && i <= kept.back()) winsorized.push_back(i);
@@ -302,7 +302,7 @@ TEST(Statistics, NothingLeftAfterTrimmingIsNoResult) {
     for (const double fraction : {0.5, 0.75, 1e300, kInfinity, kNaN})
         EXPECT_FALSE(StatisticsWithoutTails(counts, fraction));
     EXPECT_FALSE(StatisticsWithoutTails(Counts{1, 1}, 0.49));
-    EXPECT_FALSE(StatisticsWithoutTails(Counts{2, -2, 2}, 0.49));  // 1, -2, 1: none in all
+    EXPECT_FALSE(StatisticsWithoutTails(Counts{2, -2, 2}, 0.49));  // 1, -2, 1: a total of 0
     EXPECT_FALSE(StatisticsWithoutTails(counts, -kInfinity));      // the winsorized total is negative
 }
 

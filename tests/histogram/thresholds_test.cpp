@@ -29,7 +29,7 @@ TEST(Thresholds, TheTailCutLeavesTheGivenFractionsOutside) {
         {flat, 0.99, 0, 99, 99},                   //
         {flat, 0.005, 0.0049, 1, 99},              // half a count rounds up
         {{0, 0, 5, 0, 5, 0}, 0, 0, 2, 4},          // empty ends are cut even without trimming
-        {{0, 0, 5, 0, 5, 0}, 0.5, 0.49, 4, 2},     // 5 of 10 from either side: left lies above right
+        {{0, 0, 5, 0, 5, 0}, 0.5, 0.49, 4, 2},     // 5 of 10 from either side: left ends up above right
         {Counts(7, 0), 0.3, 0.3, 0, 6},            // nothing to exceed
         {{}, 0.3, 0.3, 0, -1},                     //
         {{-3, 1}, 0.2, 0.2, 0, 1},                 // N = -2: nothing exceeds 0 from the left
@@ -73,8 +73,8 @@ TEST(Thresholds, SeparationOfKnownHistograms) {
     for (const Case& c : cases) EXPECT_EQ(c.bin, BinOfGreatestSeparation(c.counts, c.left, c.right)) << c.what;
 }
 
-// The textbook's other form of the between-class variance, w0 w1 (mu0 - mu1)^2, as a fraction of integers; small counts
-// only.
+// The textbook's other form of the between-class variance, w0 w1 (mu0 - mu1)^2, as a fraction of integers. For small
+// counts only.
 int64_t SlowSeparation(const Counts& counts, double left, double right) {
     const auto n = static_cast<int64_t>(counts.size());
     int64_t bestNumerator = 0;
@@ -117,7 +117,7 @@ TEST(Thresholds, SeparationEqualsItsDefinitionInIntegers) {
 }
 
 TEST(Thresholds, SeparationScalesWithTheCountsUpToTheLargest) {
-    // The same histogram times any factor has the same plateau; 2^31 - 1 in 65536 bins and beyond.
+    // The same histogram times any factor has the same plateau, even with counts of 2^31 - 1 in 65536 bins and more.
     Random random(12);
     for (const size_t n : {4, 9, 100, 1000}) {
         Counts counts = SomeCounts(random, n, 7);
@@ -128,7 +128,7 @@ TEST(Thresholds, SeparationScalesWithTheCountsUpToTheLargest) {
     EXPECT_EQ(32767, BinOfGreatestSeparation(Counts(65536, kMost), 0, 0));
     EXPECT_EQ(49999, BinOfGreatestSeparation(Counts(100000, kMost), 0, 0));
     EXPECT_EQ(49999, BinOfGreatestSeparation(Counts(99999 + 1, 1), 0, 0));
-    // An odd number of equal bins: the two middle cuts are equally good, whatever the rounding.
+    // An odd number of equal bins: the two middle cuts tie, whatever the rounding.
     for (const size_t n : {3, 5, 77, 255, 1001, 65535}) {
         EXPECT_EQ(static_cast<int64_t>(n) / 2 - 1, BinOfGreatestSeparation(Counts(n, 1), 0, 0)) << n;
         EXPECT_EQ(static_cast<int64_t>(n) / 2 - 1, BinOfGreatestSeparation(Counts(n, kMost), 0, 0)) << n;
@@ -136,9 +136,9 @@ TEST(Thresholds, SeparationScalesWithTheCountsUpToTheLargest) {
 }
 
 TEST(Thresholds, SeparationSeesTheLastCountOfBillions) {
-    // Two bins apart, equal but for one count in 2^31: a plateau all the same, since the bins between hold nothing ...
+    // Two bins far apart, equal but for one count in 2^31: still a plateau, since the bins between are empty ...
     EXPECT_EQ(1, BinOfGreatestSeparation(Counts{kMost, 0, 0, kMost - 1}, 0, 0));
-    // ... while three full bins prefer the side of the larger.
+    // ... while three full bins prefer the larger side.
     EXPECT_EQ(0, BinOfGreatestSeparation(Counts{kMost, kMost - 1, kMost - 1}, 0, 0));
     EXPECT_EQ(1, BinOfGreatestSeparation(Counts{kMost - 1, kMost - 1, kMost}, 0, 0));
 }
@@ -163,9 +163,10 @@ int64_t MinimumOf(const Counts& counts) {
 
 TEST(Thresholds, TheMinimumOfKnownHistograms) {
     EXPECT_EQ(2, MinimumOf({9, 5, 1, 5, 9}));
-    // Mean 2.5, deviation about 1.9, so 2.25 to either side: bins 0..5. Of the empty bins 1..4 the scan meets 3 first.
+    // Mean 2.5, deviation about 1.9, so 2.25 to either side: bins 0..5. Of the empty bins 1..4 the scan reaches 3
+    // first.
     EXPECT_EQ(3, MinimumOf({5, 0, 0, 0, 0, 5}));
-    // From the mean downwards first: bin 1 before bin 3, although both lie one bin away.
+    // The scan first goes down from the mean: bin 1 before bin 3, although both lie one bin away.
     EXPECT_EQ(1, MinimumOf({4, 1, 4, 1, 4}));
     EXPECT_EQ(3, MinimumOf({4, 2, 4, 1, 4}));
     EXPECT_EQ(0, MinimumOf({7}));
@@ -173,7 +174,7 @@ TEST(Thresholds, TheMinimumOfKnownHistograms) {
     EXPECT_EQ(-99, MinimumOf({0, 0, 0}));
     EXPECT_FALSE(BinOfMinimum({}, {0, -1}));
     EXPECT_FALSE(BinOfMinimum(Counts{1, 1}, {1, 0}));
-    // Nothing is smaller than the start value: the mean's bin.
+    // No count is below the initial value, so the result is the mean's bin.
     EXPECT_EQ(2, MinimumOf(Counts(4, kMost)));
 }
 
@@ -202,7 +203,7 @@ TEST(Thresholds, TheMinimumEqualsItsDefinition) {
         const int64_t low = std::max(left, static_cast<int64_t>(std::floor(mean - (d + w) + 0.5L)));
         const int64_t high = std::min(right, static_cast<int64_t>(std::floor(mean + (w - d) + 0.5L)));
         const auto start = static_cast<int64_t>(std::floor(mean + 0.5L));
-        // Bins in the order of preference; the first of the smallest wins.
+        // Bins in order of preference; the first of the smallest wins.
         std::vector<int64_t> order;
         for (int64_t i = start; i >= low; --i) order.push_back(i);
         for (int64_t i = start + 1; i <= high; ++i) order.push_back(i);
@@ -215,7 +216,7 @@ TEST(Thresholds, TheMinimumEqualsItsDefinition) {
 }
 
 TEST(Thresholds, TheMinimumOfNegativeCountsStaysInMemory) {
-    // The mean lies far outside of the bins.
+    // The mean lies far outside the bins.
     EXPECT_TRUE(BinOfMinimum(Counts{-99, 0, 0, 100}, {0, 3}));
     EXPECT_TRUE(BinOfMinimum(Counts{100, 0, 0, -99}, {0, 3}));
     EXPECT_TRUE(BinOfMinimum(Counts{kMost, kLeast, 2}, {0, 2}));
@@ -252,7 +253,7 @@ long double TablePhi(long double z) {
     return z < 0 ? 0.5L - value : 0.5L + value;
 }
 
-// The score of one threshold, its classes summed anew; below 0 for no candidate.
+// The score of one threshold, with its classes summed afresh; negative if it is no candidate.
 long double SlowScore(const Counts& counts, size_t t, int64_t kLeft, int64_t kRight) {
     struct Class {
         long double n = 0, mean = 0, variance = 0;
@@ -268,7 +269,7 @@ long double SlowScore(const Counts& counts, size_t t, int64_t kLeft, int64_t kRi
         const long double d = static_cast<long double>(i) - classOf(i).mean;
         classOf(i).variance += counts[i] * d * d / classOf(i).n;
     }
-    // The bins within the limits are those below the first that exceeds them, and one at least.
+    // The bins within the limits are those before the first that exceeds them, but at least one.
     int64_t sum = 0;
     int64_t low = -1;
     while (low + 1 < static_cast<int64_t>(counts.size()) && (sum += counts[static_cast<size_t>(low + 1)]) <= kLeft)
@@ -312,20 +313,21 @@ TEST(Thresholds, BestClassificationEqualsItsDefinition) {
             continue;
         }
         ASSERT_TRUE(got);
-        // The best but for rounding, and no lower bin better than by rounding.
+        // No bin scores higher by more than rounding errors.
         EXPECT_NEAR(static_cast<double>(best), static_cast<double>(scores[static_cast<size_t>(*got)]), 1e-10) << trial;
     }
 }
 
 TEST(Thresholds, BestClassificationOfKnownHistograms) {
-    // Far apart both classes are certain everywhere in the valley: the score is 1, and the lowest such bin wins. The
-    // lower class is a single bin of deviation sqrt(1/12): certain from 3.05 deviations on, 0.88 above it.
+    // When the classes are far apart, both are certain everywhere in the valley: the score is 1, and the lowest such
+    // bin wins. The lower class is a single bin of deviation sqrt(1/12): certain from 3.05 deviations on, 0.88 above
+    // it.
     EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
     EXPECT_EQ(4, BinOfBestClassification(Counts{0, 0, 0, 10, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
     // Nothing to separate.
     EXPECT_FALSE(BinOfBestClassification(Counts{0, 9, 0}, 0, 0));
     EXPECT_FALSE(BinOfBestClassification(Counts{9}, 0, 0));
-    // No bin between the limits, and limits that are no numbers.
+    // No bin between the limits; NaN and extreme limits.
     EXPECT_FALSE(BinOfBestClassification(Counts{10, 0, 0, 0, 0, 10}, 0.9, 0.9));
     EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, kNaN, kNaN));
     EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, -kInfinity, -1e300));
@@ -369,7 +371,7 @@ TEST(Thresholds, GreatestEntropyEqualsItsDefinition) {
         const size_t n = 1 + static_cast<size_t>(random.Below(40));
         Counts counts = SomeCounts(random, n, trial % 2 ? 12 : kMost / 2);
         if (trial % 5 == 0)
-            for (LONG& c : counts) c = -c;  // a negative total turns the signs around
+            for (LONG& c : counts) c = -c;  // a negative total reverses the signs
         const double left = trial % 3 ? 0.0 : static_cast<double>(random.Below(60)) / 100;
         const double right = trial % 3 ? 0.0 : static_cast<double>(random.Below(60)) / 100;
         const auto got = static_cast<size_t>(EntropyBin(counts, left, right));
@@ -393,7 +395,7 @@ TEST(Thresholds, GreatestEntropyEqualsItsDefinition) {
 }
 
 TEST(Thresholds, GreatestEntropyOfKnownHistograms) {
-    EXPECT_EQ(0, EntropyBin({10, 0, 0, 10}));  // ln 2 for the class that holds both peaks, everywhere but in the valley
+    EXPECT_EQ(0, EntropyBin({10, 0, 0, 10}));   // ln 2 for the class that holds both peaks, except in the valley
     EXPECT_EQ(2, EntropyBin({1, 1, 1, 1, 1}));  // ln 3 + ln 3
     EXPECT_EQ(1, EntropyBin({1, 1, 1, 1}));     // ln 2 + ln 3 on both sides of the middle: the lower
     EXPECT_EQ(0, EntropyBin({0, 9, 0}));
@@ -415,7 +417,7 @@ TEST(Thresholds, GreatestEntropyOfMirroredHistogramsTakesTheLowerOfTwoEqualBins)
 }
 
 TEST(Thresholds, GreatestEntropyTiesAtTheOutermostBinsForTheLowest) {
-    // H + 0 at one end, 0 + H at the other, and the same in the empty bins before.
+    // H + 0 at one end and 0 + H at the other tie, as do the empty bins before.
     Random random(37);
     for (int trial = 0; trial < 2000; ++trial) {
         Counts counts(10, 0);
@@ -437,7 +439,7 @@ TEST(Thresholds, GreatestEntropyOfMixedSignsIsSomeBin) {
 // ---------------------------------------------------------------------------------------------------------- all builds
 
 TEST(Thresholds, EveryBuildGivesTheSameBits) {
-    // The hash is this implementation's own, entered after the comparisons with the definitions had passed.
+    // The hash is this implementation's own, recorded after the comparisons with the definitions had passed.
     Random random(41);
     std::vector<double> scratch;
     uint64_t hash = 0xcbf29ce484222325u;

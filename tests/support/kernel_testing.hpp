@@ -1,4 +1,4 @@
-// What the tests of kernels share: noise, pixels between guards, awkward sizes.
+// Shared by the kernel tests: noise, pixels between guards, awkward sizes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,8 +18,8 @@ namespace orlix {
 inline constexpr size_t kAwkwardSizes[] = {0,  1,  2,  3,  4,  5,  7,  8,  9,   15,  16,  17,  23,  31,  32,  33,
                                            47, 63, 64, 65, 71, 95, 96, 97, 127, 128, 129, 191, 255, 257, 511, 1000};
 
-// Uniform over all values of an integer type. float: magnitudes that occur in images, some fractions, and among them
-// every special value: zeros of both signs, denormals, the ends of the range, infinities, quiet and signalling NaN with
+// Integer types: uniform over all values. float: magnitudes typical of images with some fractions, mixed with every
+// special value: zeros of both signs, denormals, the ends of the range, infinities, quiet and signalling NaN with
 // payloads.
 template <class T>
 std::vector<T> Noise(size_t n, uint32_t seed) {
@@ -44,7 +44,7 @@ std::vector<T> Noise(size_t n, uint32_t seed) {
     return pixels;
 }
 
-// As Noise, without NaN and infinities.
+// Like Noise, without NaN and infinities.
 inline std::vector<float> FiniteNoise(size_t n, uint32_t seed) {
     std::vector<float> pixels = Noise<float>(n, seed);
     for (float& pixel : pixels)
@@ -52,7 +52,7 @@ inline std::vector<float> FiniteNoise(size_t n, uint32_t seed) {
     return pixels;
 }
 
-// Pixels at a given number of pixels past a 64-byte boundary, between bytes that nobody may change.
+// Pixels at a given offset, in pixels, from a 64-byte boundary, between guard bytes that must not change.
 template <class T>
 class Guarded {
 public:
@@ -78,7 +78,7 @@ private:
     size_t first_ = 0;
 };
 
-// Equal bits; names the first difference.
+// Compares bits; names the first difference.
 template <class T>
 testing::AssertionResult SameBits(const T* want, const T* got, size_t n) {
     for (size_t i = 0; i < n; ++i)

@@ -1,4 +1,4 @@
-// Small pictures as processing code sees them, for tests of what visits a region more than once.
+// Small pictures as processing code sees them, for tests of operations that visit a region more than once.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +17,7 @@ namespace orlix {
 template <class T>
 class RegionPicture {
 public:
-    // height(x, y) is converted as a pixel.
+    // heightAt(x, y) is converted to a pixel.
     template <class Height>
     RegionPicture(int32_t width, int32_t height, const Height& heightAt, IRegionOfInterest* region = nullptr)
         : pixels_(static_cast<size_t>(width) * static_cast<size_t>(height)),

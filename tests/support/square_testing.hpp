@@ -1,4 +1,4 @@
-// What the tests of 3x3 kernels share.
+// Shared by the tests of 3x3 kernels.
 #pragma once
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-// Three rows of n + 2 pixels, each between guards of its own and at another alignment, and room for n results.
+// Three rows of n + 2 pixels, each between its own guards and at a different alignment, and room for n results.
 template <class T>
 class Squares {
 public:
@@ -21,7 +21,7 @@ public:
     // Column -1 <= x <= n() of row 0, 1 or 2.
     T at(ptrdiff_t x, size_t row) { return rows_[row].data()[x + 1]; }
 
-    // A result that writes elsewhere fails the test.
+    // Fails the test if the kernel writes outside the n results.
     template <class Fn>
     std::vector<T> Filtered(const Fn& fn, const FilterParameters<T>& parameters) {
         const T* const rows[3] = {rows_[0].data() + 1, rows_[1].data() + 1, rows_[2].data() + 1};
@@ -35,7 +35,7 @@ private:
     std::array<Guarded<T>, 3> rows_;
 };
 
-// Every variant of a table gives the bits of the definition.
+// Checks that every variant in a table gives the bits of the definition.
 template <class T, class Table>
 void ExpectVariantsAgree(const Table& table, Squares<T>& squares, const FilterParameters<T>& parameters) {
     const std::vector<T> want = squares.Filtered(std::end(table)[-1].fn, parameters);
@@ -44,7 +44,7 @@ void ExpectVariantsAgree(const Table& table, Squares<T>& squares, const FilterPa
             << variant.name;
 }
 
-// The whole range, a part of it, an empty and a reversed one.
+// The full range, a part of it, an empty one and a reversed one.
 template <class T>
 std::vector<FilterParameters<T>> LuminanceRanges() {
     const T most = std::numeric_limits<T>::max();

@@ -5,7 +5,7 @@
 namespace orlix {
 namespace {
 
-// The thread's ANSI code page, which its locale decides.
+// The thread's ANSI code page, as determined by its locale.
 UINT ThreadCodePage() {
     DWORD page = 0;
     const int found = GetLocaleInfoA(GetThreadLocale(), LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,

@@ -2,7 +2,7 @@
 
 using namespace orlix;
 
-// There are no device contexts here.
+// This platform has no device contexts.
 STDMETHODIMP OrlixShapeRegionOfInterest::Render(IPictureEx*, void*) noexcept {
     return Guarded([] { throw FailedResult(E_NOTIMPL); });
 }

@@ -14,7 +14,7 @@ struct DeleteBrush {
 };
 using Brush = std::unique_ptr<std::remove_pointer_t<HBRUSH>, DeleteBrush>;
 
-// The device rectangle between the images of two corners; GDI leaves out its right and bottom edge.
+// The device rectangle between two mapped corners. GDI excludes its right and bottom edge.
 RECT Mapped(const TCoordinateMap& map, double left, double top, double right, double bottom) {
     const auto x = [&](double px, double py) {
         return RoundToInt32(map.OrgX + map.Matrix.A11 * px + map.Matrix.A12 * py);
