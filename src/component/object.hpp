@@ -6,6 +6,7 @@
 //     I                          an interface that the class implements
 //     Answers<I, Parents...>     the same, and QueryInterface also answers these base interfaces of I
 //     Part<Base, I, Parents...>  the same, where Base, which derives from I alone, implements the methods of I
+//
 // The class has the name of the contract's coclass, so __uuidof(Class) is its CLSID. Notes:
 //  (1) An object stays alive while one of its methods runs, even when a client called by the method gives back the last
 //      reference. So a method may use its object after calling foreign code.

@@ -37,8 +37,8 @@ VisibleSteps::VisibleSteps(const Line& line, int32_t width, int32_t height) {
     last_ = FirstStepWithSide(side.last + 1, first, end) - 1;
     if (first_ > last_) return;
 
-    // The error term of Bresenham's algorithm before its decision at first_: 2 minor - major + 2 minor k - 2 major
-    // side. Computed without these products, which need 66 bits.
+    // The error term of Bresenham's algorithm before its decision at first_,
+    // 2 minor - major + 2 minor k - 2 major side, computed without these products, which need 66 bits.
     firstSide_ = Side(first_);
     if (major_ == 0) return;
     const uint64_t product = static_cast<uint64_t>(first_) * static_cast<uint64_t>(minor_);

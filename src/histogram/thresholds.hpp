@@ -17,10 +17,9 @@ struct TailCut {
 };
 // The first bin from each end at which the cumulative count exceeds CountsOfFraction(N, its fraction); 0 and n - 1 when
 // it never does, so also for an empty histogram. Failures, in this order (NaN fails too):
-//   "IHistogram::AutoThresholdTrim: the amount trimmed on the left must be between 0.0 and 1.0."   unless 0 <= left < 1
-//   "IHistogram::AutoThresholdTrim: the amount trimmed on the right must be between 0.0 and 1.0."  unless 0 <= right <
-//   1
-//   "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0."           unless their sum < 1
+//  "IHistogram::AutoThresholdTrim: the amount trimmed on the left must be between 0.0 and 1.0."  unless 0 <= left < 1
+//  "IHistogram::AutoThresholdTrim: the amount trimmed on the right must be between 0.0 and 1.0." unless 0 <= right < 1
+//  "IHistogram::AutoThresholdTrim: the total amount of trimming must be less than 1.0."          unless their sum < 1
 TailCut CutTails(std::span<const LONG> counts, double trimLeft, double trimRight);
 
 // The bin t with the greatest variance between the classes 0..t and t+1..n-1: sigma^2 = (w muT - mu)^2 / (w (1 - w)),

@@ -31,7 +31,7 @@ struct BinaryEntry {
     std::vector<uint8_t> bytes;
 };
 
-// What files and streams store in addition to the pixels.
+// The properties that files and streams store in addition to the pixels.
 struct ImageProperties {
     WideString description;
     bool hasDescription = false;  // an empty description is not the same as none

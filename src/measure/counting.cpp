@@ -52,7 +52,7 @@ void CountBytes(const uint8_t* pixels, size_t n, uint32_t* counts) {
 void CountBytePairs(const uint8_t* pixels, size_t n, uint32_t* counts) {
     constexpr size_t kBlock = 32;
     constexpr size_t kAhead =
-        2048;  // bytes; rows of 4096 bytes are pages, where the processor's own prefetching starts anew
+        2048;  // bytes; rows of 4096 bytes are pages, and hardware prefetching restarts at each page
     size_t i = 0;
     for (; i + kBlock <= n; i += kBlock) {
         _mm_prefetch(reinterpret_cast<const char*>(pixels) + i + kAhead, _MM_HINT_T0);

@@ -182,7 +182,7 @@ TEST(Statistics, TheDeviationGrowsUntilHalfIsCovered) {
     };
     const Case cases[] = {
         {{0, 0, 10, 0, 0}, 2, 1},          // the first step is always taken
-        {{9}, 0, 0},                       // there is none to take
+        {{9}, 0, 0},                       // no step to take
         {{1, 1, 1, 1, 1, 1, 1, 1}, 3, 2},  // 3 of 8 within 1, 5 within 2
         {{4, 0, 0, 0, 5, 0}, 4, 1},        //
         {{4, 0, 0, 1, 0, 0, 4}, 3, 3},     // both ends at once
