@@ -1,6 +1,6 @@
-// Measures what docs/accuracy.md says about fits of hemispheres and about robust fits: synthetic surfaces, rounded to
-// whole grey levels unless told otherwise, with normal noise from fixed seeds, against the truth. Prints tables; takes
-// some minutes.
+// Measures the figures in docs/accuracy.md for hemisphere fits and robust fits: synthetic surfaces, rounded to whole
+// grey levels unless stated otherwise, with normal noise from fixed seeds, compared with the truth. Prints tables;
+// takes several minutes.
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -50,8 +50,8 @@ double RmsOf(const std::vector<SurfacePoint>& points, const Hemisphere& hemisphe
     return std::sqrt(squares / static_cast<double>(points.size()));
 }
 
-// A cap in a rectangle, or in the circle that touches its longer sides. Radius and offset of the centre in units of
-// a, the distance of the region's outermost pixels from its middle; tilt (along both axes) in depths over a.
+// A cap in a rectangle, or in the circle that touches its longer sides. Radius and offset of the centre are in units of
+// a, the distance of the region's outermost pixels from its middle; tilt (along both axes) is in depths per a.
 struct Cap {
     bool circle = false;
     int32_t width = 100, height = 75;
@@ -82,7 +82,7 @@ Sampled Sample(const Cap& cap, uint32_t seed) {
     return sampled;
 }
 
-// How often the tilted fit leaves more than the truth does (by more than 0.1 %), and its scatter of the radius.
+// How often the tilted fit has a larger residual than the truth (by more than 0.1 %), and the scatter of its radius.
 void TiltedFits() {
     std::puts(
         "Tilted fits: of each row 3 shapes, 2 tilts (0, 1), 2 offsets (0, 0.4), 2 noises (0.03, 0.1 of the depth)\n"
@@ -125,7 +125,7 @@ void TiltedFits() {
         }
 }
 
-// The algebraic fit of level caps: curvature at the top, radius, z scale, and how far the surface is off.
+// The algebraic fit of level caps: curvature at the top, radius, z scale, and the error of the surface.
 void AlgebraicFits() {
     std::puts(
         "\nAlgebraic fits of level caps, no rounding, R/a 1.5 to 5: curvature, surface off by (in s; rms, worst)");

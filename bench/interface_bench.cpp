@@ -1,5 +1,5 @@
-// The operations as a client calls them: through IImageProcess, objects created by ProgID. "whole" is the whole image,
-// "circle" the largest circle in it, by pixels visited. memcpy copies the same picture.
+// The operations as a client calls them: through IImageProcess, on objects created by ProgID. "whole" is the whole
+// image, "circle" the largest circle in it; rates count visited pixels. memcpy copies the same picture.
 #include <benchmark/benchmark.h>
 #include <orlix/client.hpp>
 #include <orlix/filters.hpp>
@@ -20,10 +20,10 @@ constexpr LONG TypeOf() {
 
 template <class T>
 constexpr double Scale() {
-    return std::is_same_v<T, uint16_t> ? 257.0 : 1.0;  // of a grey level
+    return std::is_same_v<T, uint16_t> ? 257.0 : 1.0;  // per grey level
 }
 
-// One image with the picture.
+// An image with the picture.
 template <class T>
 struct Subject {
     ComPtr<IImageVPAExPlus> image = CreateObject<IImageVPAExPlus>("Orlix.Image");
@@ -69,7 +69,7 @@ void Register(const std::string& operation, const Call<T>& prepare, const Call<T
                                          });
 }
 
-// call(process, source, band) or a method of IImageProcess.
+// Calls call(process, source, band), or a method of IImageProcess.
 template <class T, class From = T, class Call>
 void RegisterSourced(const std::string& operation, const Call& call) {
     for (const int size : kSizes)
@@ -84,7 +84,7 @@ void RegisterSourced(const std::string& operation, const Call& call) {
                                          });
 }
 
-// The fit of a surface, and its correction with what was fitted to the picture.
+// The fit of a surface, and the correction by the surface fitted to the picture.
 template <class T, class Record>
 void RegisterSurface(const std::string& surface, HRESULT (STDMETHODCALLTYPE IOrlixImageProcess::*fit)(Record*),
                      HRESULT (STDMETHODCALLTYPE IOrlixImageProcess::*correct)(Record*)) {
@@ -135,7 +135,7 @@ void RegisterType() {
     Register<T>(
         "lut",
         [=](Subject<T>& s) {
-            // A permutation, so that looking up again and again keeps all levels.
+            // A permutation, so that repeated look-ups keep all levels.
             for (LONG i = 0; i < 256; ++i) Check(s.process->put_Table(i, (i * 167 + 13) % 256 * level));
         },
         [](Subject<T>& s) { Check(s.process->LUT()); });

@@ -1,4 +1,4 @@
-// Every variant of every kernel that this processor can run, on whole pictures in one call.
+// Every variant of every kernel that this processor supports, on whole pictures in one call.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -54,7 +54,7 @@ void RegisterCasts() {
     each("plus" + from, kPlus<To, From>);
 }
 
-// Row by row, without the columns whose neighbours lie outside.
+// Row by row, excluding the columns whose neighbours lie outside.
 template <class T>
 void RegisterFilter(const std::string& kernel, std::span<const Variant<FilterFn<T>>> table, size_t radius) {
     for (const auto& variant : SupportedOnThisCpu(table))

@@ -1,7 +1,7 @@
-// OpenCV beside the library, on one thread: the call that a user would make for the same purpose, in place where the
-// library works in place. It makes byte masks instead of bits, saturates where the library's image addition wraps
-// round, and has moments and deviations in two calls. Its filters mirror the border in the same way and round to
-// nearest.
+// OpenCV for comparison, on one thread: the call that a user would make for the same purpose, in place where the
+// library works in place. OpenCV makes byte masks instead of bit masks, saturates where the library's image addition
+// wraps around, and needs two calls for moments and deviations. Its filters mirror the border in the same way and round
+// to nearest.
 #include <benchmark/benchmark.h>
 
 #include <functional>
@@ -25,7 +25,7 @@ void Register(const std::string& operation, const std::function<void(cv::Mat& im
         benchmark::RegisterBenchmark(Name<T>(operation, size, "opencv").c_str(), [=](benchmark::State& state) {
             cv::Mat image = Image<T>(size);
             cv::Mat result;
-            call(image, result);  // the result exists beforehand
+            call(image, result);  // the result is already allocated
             for (auto _ : state) call(image, result);
             state.SetItemsProcessed(state.iterations() * int64_t{size} * size);
         });
@@ -71,7 +71,7 @@ void RegisterType() {
     });
 }
 
-// Kernels for filter2D that say what the library's filters compute.
+// Kernels with which filter2D computes the library's filters.
 template <class T>
 void RegisterFilters() {
     const auto kernel = [](float corner, float side, float centre) {
@@ -86,7 +86,7 @@ void RegisterFilters() {
     Register<T>("Gaussian3x3", [](cv::Mat& image, cv::Mat& result) { cv::GaussianBlur(image, result, {3, 3}, 0); });
     Register<T>("Gaussian5x5", [](cv::Mat& image, cv::Mat& result) { cv::GaussianBlur(image, result, {5, 5}, 0); });
     Register<T>("Median3x3", [](cv::Mat& image, cv::Mat& result) { cv::medianBlur(image, result, 3); });
-    // Gradients in float, of which the magnitude is rounded to the type of the image.
+    // Gradients in float; the magnitude is rounded to the type of the image.
     Register<T>("Sobel", [](cv::Mat& image, cv::Mat& result) {
         static cv::Mat dx, dy, magnitude;
         cv::Sobel(image, dx, CV_32F, 1, 0);
@@ -94,7 +94,7 @@ void RegisterFilters() {
         cv::magnitude(dx, dy, magnitude);
         magnitude.convertTo(result, image.type());
     });
-    // The extremes alone, without the choice between them.
+    // Only the extremes, without the choice between them.
     for (const int halfSize : {1, 15}) {
         const cv::Mat square = cv::getStructuringElement(cv::MORPH_RECT, {2 * halfSize + 1, 2 * halfSize + 1});
         Register<T>("ExtremumSharpening " + std::to_string(halfSize), [=](cv::Mat& image, cv::Mat& result) {

@@ -1,5 +1,5 @@
-// Hull, diameter and bounds of a million vertices beside OpenCV's convex hull (of single precision, its widest type)
-// and memcpy.
+// Hull, diameter and bounds of a million vertices, compared with OpenCV's convex hull (in single precision, its widest
+// type) and memcpy.
 #include <benchmark/benchmark.h>
 
 #include <cmath>

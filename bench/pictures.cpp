@@ -8,7 +8,7 @@
 namespace orlix::bench {
 namespace {
 
-// Levels in 1/257 of a grey level.
+// Levels in units of 1/257 grey level.
 std::vector<float> Levels(int size) {
     std::mt19937 random(7);
     std::uniform_real_distribution<float> unit(0.0f, 1.0f);

@@ -1,4 +1,4 @@
-// The pictures that benchmarks work on, and the names that results go by.
+// The pictures that benchmarks work on, and the names of their results.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,9 @@
 
 namespace orlix::bench {
 
-// A synthetic micrograph: soft-edged bright grains on a darker, tilted ground, and normal noise of 5 grey levels. Grey
-// levels of 0..255 for uint8_t, 257 times as much for uint16_t, and with their fractions for float. The same at every
-// call.
+// A synthetic micrograph: bright grains with soft edges on a darker, tilted background, with normal noise of 5 grey
+// levels. Grey levels are 0..255 for uint8_t, 257 times that for uint16_t, and keep their fractions for float.
+// Identical in every call.
 template <class T>
 const std::vector<T>& Picture(int size);
 
@@ -28,7 +28,7 @@ std::string Name(const std::string& operation, int size, const std::string& who)
     return operation + "/" + NameOf<T>() + "/" + std::to_string(size) + "/" + who;
 }
 
-// For each way of OpenCV; does nothing when it is not there.
+// Registers each OpenCV benchmark; does nothing when OpenCV is not installed.
 void RegisterOpenCv();
 
 }  // namespace orlix::bench

@@ -1,6 +1,6 @@
-// The raster surface beside a plain copy of as many 32-bit pixels, and OpenCV's resize where installed, on one thread:
-// a window of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit pixels by its conversion of
-// colours.
+// The raster surface, compared with a plain copy of the same number of 32-bit pixels and with OpenCV's resize where
+// installed, on one thread: a window of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit
+// pixels by its colour conversion.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -58,7 +58,7 @@ void RegisterRaster() {
     Register("window", "memcpy", [] { std::memcpy(surface.data(), other.data(), surface.size() * 4); });
     for (const Case& c : kCases) {
         const auto draw = [](const Case& drawn, RasterPicture::Layout layout, size_t table, Scaling scaling) {
-            // In a buffer like those of images, whose pages are large where the system has them.
+            // In a buffer like an image's, with large pages where the system has them.
             const bool pixels = layout == RasterPicture::Layout::Pixels;
             static const PixelBuffer colors = [] {
                 PixelBuffer all = PixelBuffer::Unset(picture.size() * sizeof(uint32_t));

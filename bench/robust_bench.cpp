@@ -1,4 +1,4 @@
-// Robust fits: one trial of the plane beside memcpy of the same picture, and whole searches. A trial is
+// Robust fits: one trial of the plane, compared with memcpy of the same picture, and whole searches. A trial is
 //   near   scored 5 % above the best one, so that nearly the whole picture is read before it is clear that it does not
 //          win;
 //   far    scored many times above it;
@@ -58,7 +58,7 @@ void RegisterType() {
                 benchmark::ClobberMemory();
             }
         });
-        // The background of the picture at P = 0.5: 70 + 20 x / size, deviation 5 and more.
+        // The background of the picture at P = 0.5: 70 + 20 x / size, deviation 5 or more.
         const double slope = 20.0 / size, level = std::is_same_v<T, uint16_t> ? 257 : 1;
         const auto trial = [=](double off) {
             return [=](benchmark::State& state, const Scene<T>& scene) {

@@ -1,5 +1,5 @@
-// Saving into and loading from a stream in memory, beside zlib alone on the same bytes ("zlib" compresses into a
-// buffer, and decompresses into memory, that is there already).
+// Saving to and loading from a stream in memory, compared with zlib alone on the same bytes ("zlib" compresses into an
+// existing buffer and decompresses into existing memory).
 #include <benchmark/benchmark.h>
 #include <zlib.h>
 #include <orlix/client.hpp>
@@ -62,7 +62,7 @@ void Register(const std::string& operation, const std::string& who, void (Subjec
             Subject<T> subject(size);
             for (auto _ : state) (subject.*call)();
             state.SetItemsProcessed(state.iterations() * size * size);
-        })->MinTime(1.5);  // memory that the system hands out for the first time costs it more
+        })->MinTime(1.5);  // memory costs extra when the system hands it out for the first time
 }
 
 template <class T>

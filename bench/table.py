@@ -9,7 +9,7 @@ BYTES = {"u8": 1, "u16": 2, "f32": 4, "f64": 8}
 
 
 def read(path):
-    """Rates in pixels a second by (operation, type, size, who), medians, and the time of the run."""
+    """Median rates in pixels per second by (operation, type, size, who), and the context of the run."""
     with open(path) as file:
         results = json.load(file)
     rates = {}

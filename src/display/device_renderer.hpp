@@ -1,4 +1,4 @@
-// Pictures on device contexts of the system. Off Windows there are none: every operation raises E_NOTIMPL.
+// Draws pictures on the system's device contexts. Outside Windows there are none: every operation raises E_NOTIMPL.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -18,22 +18,23 @@ public:
     DeviceRenderer(const DeviceRenderer&) = delete;
     DeviceRenderer& operator=(const DeviceRenderer&) = delete;
 
-    // What to draw on a device rectangle. Nothing: there is nothing to be done, S_FALSE.
+    // What to draw on a device rectangle. nullopt: there is nothing to draw, and Render returns S_FALSE.
     using MakeDrawing = std::function<std::optional<PictureDrawing>(const Rectangle& dest)>;
-    // Draws what belongs over the picture on the context (HDC), the picture's own or one of memory that is then copied
-    // to it. kind is the client's context's.
+    // Draws the overlay on the context (HDC): the picture's own, or a memory context that is then copied to it. kind is
+    // the kind of the client's context.
     using DrawOver = std::function<void(void* context, RenderSourceType kind)>;
 
-    // hdcDest is an HDC or the address of one; dest is in its logical coordinates. The context is left with the
-    // settings that it had, also when something is raised. An empty drawOver: nothing belongs over the picture.
-    // A display (not a printer) on which something is drawn over the picture is drawn through a bitmap in memory, which
-    // is kept until another size is needed; where the system makes no such bitmap, directly.
-    // S_FALSE when the system does not draw the picture. Failures:
+    // hdcDest is an HDC or the address of one; dest is in its logical coordinates. The context keeps its settings, also
+    // when a failure is raised. An empty drawOver means that there is no overlay. On a display (not a printer) a
+    // picture with an overlay is drawn through a bitmap in memory, which is kept until another size is needed, or
+    // directly where the system cannot make that bitmap.
+    // Returns S_FALSE when the system does not draw the picture. Failures:
     //   "IPictureEx::Render: invalid HDC", "IPictureEx::Render: unable to BitBlt"
     HRESULT Render(void* hdcDest, const Rectangle& dest, const MakeDrawing& makeDrawing, const DrawOver& drawOver);
 
-    // New bitmaps (HBITMAP) with the pixels of the bitmap: in the format of the context, null for the screen; and with
-    // memory of their own, whose address *bits becomes. E_FAIL when the system makes none.
+    // Make new bitmaps (HBITMAP) with the pixels of the bitmap: MakeCompatible in the format of the context (null: of
+    // the screen); MakeSection with memory of their own, whose address it stores in *bits. E_FAIL when the system
+    // cannot make one.
     static void* MakeCompatible(void* context, const DisplayBitmap& bitmap, const ColorTable& colors);
     static void* MakeSection(const DisplayBitmap& bitmap, const ColorTable& colors, void** bits);
 

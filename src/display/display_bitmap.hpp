@@ -1,4 +1,4 @@
-// What a picture of an image is drawn from.
+// The bitmap that a picture of an image is drawn from.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,9 @@
 namespace orlix {
 
 // A device-independent bitmap. Notes:
-//  (1) 8 bits a pixel: display levels, the colour of a level being its entry of the colour table. 32 bits: blue, green,
-//      red and 0, each colour having gone through its component of the table. 0 bits and no width: there is no image.
-//  (2) Bottom-up, as the system's drawing functions have bitmaps, its rows padded with zeros to a multiple of 4 bytes.
+//  (1) 8 bits per pixel: display levels, which the entries of the colour table turn into colours. 32 bits: blue, green,
+//      red and 0, with the colour table already applied to each channel. 0 bits and no width: there is no image.
+//  (2) Bottom-up, as the system's drawing functions expect, with rows padded with zeros to a multiple of 4 bytes.
 struct DisplayBitmap {
     int32_t width = 0;
     int32_t height = 0;

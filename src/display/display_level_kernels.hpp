@@ -1,4 +1,4 @@
-// Kernels of the mapping to display levels and their variants.
+// Kernels that map pixels to display levels, and their variants.
 #pragma once
 
 #include "display/display_levels.hpp"
@@ -10,7 +10,8 @@ template <class T>
 using LevelFn = void (*)(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels);
 
 // c = p clamped to the range, x = c - least, or most - c when falling, d = most - least.
-// Integers: floor(255 x / d + 1/2), exact. float: floor(x (255 / d) + 0.5) in double; NaN has level 0. 0 when d is 0.
+// Integers: floor(255 x / d + 1/2), exact. float: floor(x (255 / d) + 0.5) in double; NaN gives level 0. All levels are
+// 0 when d is 0.
 template <class T>
 void Levels_scalar(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels);
 
@@ -29,10 +30,10 @@ inline constexpr Variant<LevelFn<T>> kLevels[] = {
 
 namespace {  // used in files of every instruction set: each keeps its own copy
 
-// What the vector variants compute with, all in double: floor((c - zero) scale + half). With integers half is slightly
-// more than 0.5, so that a rounding of the scale and of the product cannot bring an exact half below the next whole
-// number: all that is not a half keeps a distance of 1 / (2 d) >= 2^-33 from one, and the roundings amount to less than
-// 2^-42.
+// Parameters of the vector variants, which compute floor((c - zero) scale + half) in double. For integers half is
+// slightly more than 0.5, so that rounding the scale and the product cannot take an exact half below the next integer:
+// every value that is not a half is at least 1 / (2 d) >= 2^-33 away from one, and the rounding errors amount to less
+// than 2^-42.
 struct LevelLine {
     double least, most, zero, scale, half;
     template <class T>

@@ -18,7 +18,7 @@ LevelRange<T> RangeOf(T lower, T upper) {
             if (!std::isfinite(lower) || !std::isfinite(upper)) return {};
         return {std::min(lower, upper), std::max(lower, upper), lower > upper};
     }
-    // Empty: the next value above is the upper end, if there is one.
+    // Empty range: its upper end becomes the next larger value, if there is one.
     if (lower == std::numeric_limits<T>::max()) return {lower, lower, false};
     if constexpr (std::is_floating_point_v<T>)
         return {lower, std::nextafter(lower, std::numeric_limits<T>::infinity()), false};
@@ -53,7 +53,7 @@ void LevelMapping<uint8_t>::operator()(const uint8_t* pixels, size_t n, uint8_t*
         std::memcpy(levels, pixels, n);
         return;
     }
-    constexpr size_t kPart = 8192;  // the copy is still in the first cache when it is looked up
+    constexpr size_t kPart = 8192;  // the copy is still in the L1 cache when it is looked up
     for (size_t done = 0; done < n; done += kPart) {
         const size_t part = std::min(n - done, kPart);
         std::memcpy(levels + done, pixels + done, part);

@@ -1,4 +1,4 @@
-// The display levels of pixels.
+// Mapping of pixels to display levels.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 
 namespace orlix {
 
-// The pixels that the levels 0 to 255 are spread over. A pixel outside counts as the nearer end. least < most, or both
-// are equal: then every pixel has level 0.
+// The pixel range that the levels 0 to 255 are spread over. A pixel outside counts as the nearer end. least < most, or
+// both are equal, in which case every pixel has level 0.
 template <class T>
 struct LevelRange {
     T least = 0;
@@ -17,9 +17,9 @@ struct LevelRange {
     bool falling = false;  // most has level 0, least 255
 };
 
-// The levels of pixels for a display range, by the rules of IDisplayProcess; prepared once, then applied to any number
-// of runs. T is uint8_t, uint16_t, uint32_t or float. All variants give the same bits. Bounds that are not finite give
-// level 0 for every pixel; infinite pixels count as the largest finite ones.
+// Maps pixels to the levels of a display range, by the rules of IDisplayProcess; prepared once, then applied to any
+// number of runs. T is uint8_t, uint16_t, uint32_t or float. All variants give the same bits. Bounds that are not
+// finite give level 0 for every pixel; infinite pixels count as the largest finite ones.
 template <class T>
 class LevelMapping {
 public:
@@ -34,7 +34,7 @@ private:
     LevelRange<T> range_;
 };
 
-// 8 bits: the levels of the 256 pixels in a table, or a copy where each is its own.
+// 8 bits: a table of the levels of the 256 pixel values, or a plain copy where each pixel is its own level.
 template <>
 class LevelMapping<uint8_t> {
 public:

@@ -24,7 +24,7 @@ struct Line {
 template <class T>
 struct LevelLanes;
 
-// 16 bits: clamped before they become doubles.
+// 16 bits: clamped before the conversion to double.
 template <>
 struct LevelLanes<uint16_t> {
     __m128i least, most;

@@ -19,7 +19,7 @@ struct Line {
     }
 };
 
-// 8 pixels as doubles within the range, and which of them are numbers.
+// 8 pixels as doubles within the range, and which of them are not NaN.
 ORLIX_INLINE __m512d Load(const Line& line, const uint16_t* p) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     return line.Clamp(_mm512_cvtepi32_pd(_mm256_cvtepu16_epi32(v)));

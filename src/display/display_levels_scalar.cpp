@@ -1,4 +1,4 @@
-// The definition of the mapping to display levels.
+// Reference implementation of the mapping to display levels.
 #include <type_traits>
 
 #include "display/display_level_kernels.hpp"

@@ -17,7 +17,7 @@ struct Line {
     __m128d Value(__m128d c) const { return _mm_add_pd(_mm_mul_pd(_mm_sub_pd(c, zero), scale), half); }
 };
 
-// Two and two values, truncated.
+// Two pairs of values, truncated.
 __m128i Truncated(__m128d low, __m128d high) {
     return _mm_unpacklo_epi64(_mm_cvttpd_epi32(low), _mm_cvttpd_epi32(high));
 }
@@ -27,7 +27,7 @@ __m128i UpperHalf(__m128i v) { return _mm_shuffle_epi32(v, 0xee); }
 template <class T>
 struct LevelLanes;
 
-// The clamped pixels come as 16-bit numbers: compared as signed ones with the top bit changed.
+// The clamped pixels are 16-bit numbers: compared as signed numbers after inverting the top bit.
 template <>
 struct LevelLanes<uint16_t> {
     __m128i turn, least, most;

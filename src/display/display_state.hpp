@@ -1,4 +1,4 @@
-// What an image keeps for being shown.
+// The display settings of an image.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-// As in the palette of a device-independent bitmap. reserved is 0 unless a stream brought something else.
+// As in the palette of a device-independent bitmap. reserved is 0 unless a stream provided another value.
 struct PaletteEntry {
     uint8_t blue = 0, green = 0, red = 0, reserved = 0;
     friend bool operator==(const PaletteEntry&, const PaletteEntry&) = default;
@@ -26,7 +26,7 @@ constexpr ColorTable GreyRamp() {
     return table;
 }
 
-// Kept for the streams that carry it; nothing in this library depends on it.
+// Kept only for the streams that contain it; nothing in this library depends on it.
 struct CarriedSetting {
     int32_t number = 0;
     double values[3] = {};

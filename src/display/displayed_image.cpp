@@ -16,7 +16,7 @@ namespace orlix {
 
 namespace {
 
-// The levels of a band, rows padded with zeros.
+// The levels of a band, with rows padded with zeros.
 template <class Pixel>
 void ComputeLevels(const PixelView<Pixel>& view, const LevelMapping<Pixel>& levelsOf, const DisplayBitmap& bitmap) {
     const auto width = static_cast<size_t>(bitmap.width);
@@ -63,7 +63,7 @@ LevelMapping<Pixel> LevelsOf(const DisplayState& state) {
 // Adds the pixels inside the range to the counts of their levels.
 template <class Pixel>
 void CountLevels(const Selection<Pixel>& at, const DisplayState& state, uint64_t (&counts)[256]) {
-    constexpr size_t kPart = 512;  // the levels stay in the first cache
+    constexpr size_t kPart = 512;  // the levels stay in the L1 cache
     const auto levelsOf = LevelsOf<Pixel>(state);
     const auto least = static_cast<Pixel>(std::min(state.lower, state.upper));
     const auto most = static_cast<Pixel>(std::max(state.lower, state.upper));
@@ -91,7 +91,7 @@ std::unique_ptr<DisplayedImage> DisplayedImage::Make(LONG dataType, Changes& cha
 
 DisplayedImage::DisplayedImage(std::unique_ptr<TypedImage> typed) : typed_(std::move(typed)) {
     WithFrame(*typed_, [&]<class Pixel>(Frame<Pixel>&) {
-        // Float images are mostly cast from bytes, and keep their grey levels.
+        // Float images are mostly converted from bytes and keep their grey levels.
         if constexpr (kIsFloat<Pixel>) return;
         state_.lower = static_cast<double>(kTypeMinimum<Pixel>);
         state_.upper = static_cast<double>(kTypeMaximum<Pixel>);
@@ -121,8 +121,8 @@ void DisplayedImage::Compute() {
     const ImageLayout& layout = store().layout();
     const auto width = static_cast<size_t>(layout.width);
     const auto height = static_cast<size_t>(layout.height);
-    // At most 4/3 of the image's own bytes, as colours come from three bands or more: the product below does not
-    // overflow.
+    // At most 4/3 of the size of the image itself, as a colour display needs at least three bands: the product below
+    // does not overflow.
     const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
     current_ = false;
     bitmap_.pixels.Resize(height * rowStride);
@@ -213,7 +213,7 @@ HRESULT DisplayedImage::SnapDisplayRange(double trimLeft, double trimRight, bool
 void DisplayedImage::EqualizeColorTable() {
     uint64_t counts[256] = {};
     WithFrame(*typed_, [&](auto& frame) {
-        const auto at = frame.Select(bandToDisplay());  // before the range is read: clients may put it
+        const auto at = frame.Select(bandToDisplay());  // before the range is read: clients may set it
         CountLevels(at, state_, counts);
     });
     const uint64_t total = std::accumulate(std::begin(counts), std::end(counts), uint64_t{0});

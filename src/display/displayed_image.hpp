@@ -1,4 +1,4 @@
-// One typed image and its display: what the image object forwards to.
+// A typed image and its display: the object to which the image object forwards.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -20,13 +20,13 @@ struct ShownPixel {
 };
 
 // The operations are those of IDisplayProcess, which documents them. Notes:
-//  (1) The display range and the colour table stay while the pixel type stays; the band to display is set anew by a
-//      creation, as the band to process is.
-//  (2) Display() follows every change that is counted in the image's record (image/changes.hpp). Whoever writes pixels
-//      through a pointer says so by PutDisplayDirty().
+//  (1) The display range and the colour table survive until the pixel type changes; every creation sets the band to
+//      display anew, like the band to process.
+//  (2) Display() follows every change that is counted in the image's record (image/changes.hpp). Code that writes
+//      pixels through a pointer must report it by PutDisplayDirty().
 class DisplayedImage {
 public:
-    // Null for a type that images do not have. changes: the record of the image object, which outlives this.
+    // Null for a type that images cannot have. changes: the record of the image object, which outlives this object.
     static std::unique_ptr<DisplayedImage> Make(LONG dataType, Changes& changes);
 
     TypedImage& typed() { return *typed_; }
@@ -35,12 +35,12 @@ public:
     // To be called after every creation.
     void ContentReplaced();
 
-    // The bitmap as it is now; computed anew only when something changed since the last call. Valid until the next call
-    // and until the image is released. Raises std::bad_alloc.
+    // The current bitmap, recomputed only when something has changed since the last call. Valid until the next call and
+    // until the image is released. Raises std::bad_alloc.
     const DisplayBitmap& Display();
 
-    // The pixel of the band that is shown, of band 0 where three are; (x, y) lies on the image. Nothing for an image
-    // whose pixels may not be touched.
+    // The pixel of the band shown, or of band 0 where three bands are shown; (x, y) lies on the image. nullopt for an
+    // image whose pixels may not be accessed.
     std::optional<ShownPixel> Shown(int32_t x, int32_t y);
 
     // For streams. band is BI_AllBands or below the number of bands.
@@ -51,7 +51,7 @@ public:
     void PutBandToDisplay(LONG band);
 
     bool DisplayDirty() { return !store().changes().ShownAs(shown_); }
-    // Either value has the levels computed anew.
+    // Either value causes the levels to be recomputed.
     void PutDisplayDirty(bool dirty);
 
     OLE_COLOR GetColor(LONG entry) const;
@@ -69,15 +69,15 @@ private:
     explicit DisplayedImage(std::unique_ptr<TypedImage> typed);
 
     void Compute();
-    // For an image that is not empty: all of three bands or more are shown in colour (the first three of them), else
-    // the band that is chosen, or the first.
+    // For an image that is not empty: whether all of its bands are shown and there are at least three. The first three
+    // are then shown in colour; otherwise the selected band is shown, or the first.
     bool ShowsColor();
     int32_t ShownBand() const { return state_.band == BI_AllBands ? 0 : state_.band; }
 
     std::unique_ptr<TypedImage> typed_;
     DisplayState state_;
     DisplayBitmap bitmap_;
-    bool current_ = false;  // bitmap_ was computed of what shown_ tells
+    bool current_ = false;  // bitmap_ was computed from the state in shown_
     Changes shown_;
 };
 

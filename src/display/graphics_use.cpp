@@ -16,7 +16,7 @@ void GraphicsUse::Begin() noexcept {
     try {
         Start();
     } catch (...) {
-        // Pictures are drawn without it.
+        // Pictures are drawn without the library.
         ShutDown();
     }
 }

@@ -1,4 +1,4 @@
-// The module-wide start of the graphics library: it runs while a picture exists.
+// Module-wide start of the system's graphics library, which runs while a picture exists.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace orlix {
 
-// Counts the users of a library. The first one starts it, the last one shuts it down; a library that does not start is
-// left alone until the next first user. From any thread.
+// Counts the users of a library. The first one starts it, the last one shuts it down; after a failed start the next
+// attempt is made by the next first user. Callable from any thread.
 class GraphicsUse {
 public:
     explicit GraphicsUse(std::unique_ptr<GraphicsLibrary> library) : library_(std::move(library)) {}
@@ -30,7 +30,7 @@ private:
     std::unique_ptr<GraphicsLibrary> library_;
 };
 
-// A user of the system's library, while it lives.
+// One user of the system's library, for the lifetime of this object.
 class GraphicsShare {
 public:
     GraphicsShare();

@@ -1,4 +1,4 @@
-// Pictures in the client's memory.
+// Draws pictures into the client's memory.
 #pragma once
 
 #include "display/picture_drawing.hpp"

@@ -1,4 +1,4 @@
-// The columns that a drawing takes from every row, worked out once for all rows.
+// The columns that a drawing picks from every row, computed once for all rows.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-// Neighbouring columns that a kernel takes out of so many samples of a row at once.
+// Neighbouring columns that a kernel picks at once from a window of samples of a row.
 struct PickShape {
     size_t group;  // a power of two up to kPickBlock
     int32_t window;
@@ -19,11 +19,11 @@ inline constexpr PickShape kUngrouped = {0, 0};
 inline constexpr size_t kPickBlock = 64;
 
 // What kernels see of a plan. Notes:
-//  (1) The columns do not decrease, or do not increase.
-//  (2) Unless ungrouped, group number g, columns g group .. (g + 1) group - 1, lies within window samples that begin at
-//      bases[g] and lie inside the row. Shuffles tell where: 0x80VVVVVV, V the distance from the base. They and the
-//      bases go on up to a multiple of kPickBlock columns as if the last column was repeated. Shuffles are aligned to
-//      64 bytes.
+//  (1) The columns are non-decreasing or non-increasing.
+//  (2) Unless ungrouped, group number g, columns g group .. (g + 1) group - 1, lies within `window` samples that begin
+//      at bases[g] and lie inside the row. Shuffles give the positions: 0x80VVVVVV, V the distance from the base. They
+//      and the bases continue up to a multiple of kPickBlock columns as if the last column were repeated. Shuffles are
+//      aligned to 64 bytes.
 struct Picks {
     const int32_t* columns;
     size_t n;
@@ -34,7 +34,7 @@ struct Picks {
 
 class PickPlan {
 public:
-    // For rows of so many samples. Takes the first of the shapes that all columns are close enough for, or none.
+    // For rows of rowLength samples. Uses the first of the shapes that all columns are close enough for, or none.
     PickPlan(std::vector<int32_t> columns, int32_t rowLength, std::span<const PickShape> shapes);
 
     // Valid while the plan lives.

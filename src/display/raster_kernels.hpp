@@ -1,4 +1,4 @@
-// Rows of raster pictures: 8-bit samples to 32-bit pixels 0x00RRGGBB, the choice of columns, and weighted sums.
+// Row kernels of raster pictures: 8-bit samples to 32-bit pixels 0x00RRGGBB, selection of columns, and weighted sums.
 #pragma once
 
 #include <cstddef>
@@ -10,42 +10,42 @@
 
 namespace orlix {
 
-// The colours of the 256 levels, whole and by channel.
+// The colours of the 256 levels, as pixels and by channel.
 struct LevelColors {
     uint32_t pixels[256];
     uint8_t red[256], green[256], blue[256];
-    bool grey;  // the three are equal
+    bool grey;  // all three channels are equal
 };
 
-// to and the samples do not overlap. Nothing outside the n pixels and their samples is accessed.
+// `to` and the samples must not overlap. Nothing outside the n pixels and their samples is accessed.
 using ExpandGreyFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n);
 using ExpandLevelsFn = void (*)(uint32_t* to, const uint8_t* levels, size_t n, const LevelColors& colors);
 using ExpandPlanesFn = void (*)(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n);
 
-// The same of some columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. Groups have
-// one of the shapes that stand beside the kernel in its table.
+// The same for selected columns: pixel i shows sample columns[i] of the row. Any sample of the row may be read. Groups
+// have one of the shapes listed with the kernel in its table.
 template <class Fn>
 struct Picking {
     Fn fn;
-    std::span<const PickShape> shapes;  // those for columns close together first
+    std::span<const PickShape> shapes;  // shapes for close columns first
 };
-// next: the row that will be asked for after this one, or any other. Kernels may fetch from it, as the hardware does
-// not foresee where the next row lies.
+// next: the row that will probably be requested after this one; any other row is allowed. Kernels may prefetch from it,
+// since the hardware cannot predict where the next row lies.
 using PickGreyFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next);
 using PickLevelsFn = void (*)(uint32_t* to, const uint8_t* row, Picks picks, const uint8_t* next,
                               const LevelColors& colors);
 using PickPixelsFn = void (*)(uint32_t* to, const uint32_t* row, Picks picks, const uint32_t* next);
 
-// sums[i] += aWeight a[i] + bWeight b[i]; weights are at most 4096. a may be b.
+// sums[i] += aWeight a[i] + bWeight b[i]; weights are at most 4096. a and b may be the same row.
 using WeighRowsFn = void (*)(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const uint8_t* b, uint32_t bWeight,
                              size_t n);
 
-// From columns of sums to levels; sums are at most 255 times 4096 and weights that go together sum to 4096.
-//   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left does
-//                not decrease or does not increase, by at most 1 from one to the next. kBeyond sums beyond the last
-//                that counts may be read.
+// From columns of sums to levels; sums are at most 255 times 4096, and the weights of one result sum to 4096.
+//   Interpolate  (sums[left[i]] (4096 - share[i]) + sums[left[i] + 1] share[i] + 2^23) / 2^24, rounded down. left is
+//                non-decreasing or non-increasing, in steps of at most 1. Up to kBeyond sums after the last one used
+//                may be read.
 //   Average      (sum of weights[taps i + k] sums[first[i] + k] over k < taps + 2^23) / 2^24, rounded down. taps is 4
-//                or a multiple of 8; what reaches beyond a pixel's own columns has the weight 0, and may be read.
+//                or a multiple of 8; sums beyond a pixel's own columns have the weight 0, and may be read.
 inline constexpr size_t kBeyond = 17;
 using InterpolateFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* left, const uint16_t* share, size_t n);
 using AverageFn = void (*)(uint8_t* to, const uint32_t* sums, const int32_t* first, const uint16_t* weights,
@@ -91,7 +91,7 @@ inline constexpr Variant<Picking<PickLevelsFn>> kPickLevels[] = {
     {"avx2", Cpu::Avx2, {&PickLevels_avx2, kPickShapes_avx2}},
     {"scalar", Cpu::Any, {&PickLevels_scalar, {}}},
 };
-// Wider vectors bring nothing more.
+// Wider vectors are no faster.
 inline constexpr Variant<Picking<PickPixelsFn>> kPickPixels[] = {
     {"avx2", Cpu::Avx2, {&PickPixels_avx2, kPickPixelsShapes_avx2}},
     {"scalar", Cpu::Any, {&PickPixels_scalar, {}}},

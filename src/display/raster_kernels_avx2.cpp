@@ -12,7 +12,7 @@ ORLIX_INLINE __m128i Load16(const uint8_t* p) { return _mm_loadu_si128(reinterpr
 ORLIX_INLINE __m256i Load8(const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 ORLIX_INLINE void Store(uint32_t* p, const __m256i& v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 
-// 16 bytes, and the pixels 0..7 or 8..15 of them.
+// 16 bytes, and their pixels 0..7 or 8..15.
 ORLIX_INLINE __m256i Words(const uint8_t* p) { return _mm256_cvtepu8_epi16(Load16(p)); }
 
 }  // namespace
@@ -32,7 +32,7 @@ void ExpandGrey_avx2(uint32_t* to, const uint8_t* levels, size_t n) {
 void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t n) {
     size_t i = 0;
     for (; i + 16 <= n; i += 16) {
-        // Pixels 0-7 and 8-15 in one half each; the interleaving brings 0-3 and 8-11, 4-7 and 12-15 together.
+        // Pixels 0-7 and 8-15 in one half each; interleaving brings 0-3 and 8-11, and 4-7 and 12-15, together.
         const __m256i blueGreen = _mm256_or_si256(Words(blue + i), _mm256_slli_epi16(Words(green + i), 8));
         const __m256i reds = Words(red + i);
         const __m256i low = _mm256_unpacklo_epi16(blueGreen, reds), high = _mm256_unpackhi_epi16(blueGreen, reds);
@@ -44,9 +44,9 @@ void ExpandPlanes_avx2(uint32_t* to, const uint8_t* red, const uint8_t* green, c
 
 namespace {
 
-// A table of greys for 32 levels at a time. A shuffle takes the entry that the low half of a byte names, or 0 where bit
-// 7 is set; each step takes 16 off. A byte b below 128 so meets the rows 0 .. b / 16 of its half of the table: each is
-// the exclusive or of the row wanted there and the one before.
+// Looks up a table of greys for 32 levels at a time. A shuffle returns the entry selected by the low half of a byte, or
+// 0 where bit 7 is set; each step subtracts 16. A byte b below 128 thus selects from the rows 0 .. b / 16 of its half
+// of the table: each row is the exclusive or of the row wanted there and the one before.
 class GreyTable {
 public:
     explicit GreyTable(const uint8_t* greys) {
@@ -75,7 +75,7 @@ private:
     alignas(16) uint8_t rows_[256];
 };
 
-// 32 greys become pixels, the lower half of greys holding the first four of each eight, the upper half the others.
+// Stores 32 greys as pixels; the lower half of greys holds the first four of each eight, the upper half the others.
 ORLIX_INLINE void StoreGreys(uint32_t* to, const __m256i& greys) {
     const __m256i threefold =
         _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 0, 0, -1, 1, 1, 1, -1, 2, 2, 2, -1, 3, 3, 3, -1));
@@ -83,7 +83,7 @@ ORLIX_INLINE void StoreGreys(uint32_t* to, const __m256i& greys) {
         Store(to + 8 * k, _mm256_shuffle_epi8(greys, _mm256_add_epi8(threefold, _mm256_set1_epi32(k * 0x040404))));
 }
 
-// Four entries of a table of pixels. Putting them together spares three of four stores.
+// Stores four entries of a table of pixels. Combining them saves three of four stores.
 ORLIX_INLINE void StoreFour(uint32_t* to, const uint32_t* table, uint8_t a, uint8_t b, uint8_t c, uint8_t d) {
     __m128i v = _mm_cvtsi32_si128(static_cast<int>(table[a]));
     v = _mm_insert_epi32(v, static_cast<int>(table[b]), 1);
@@ -103,7 +103,7 @@ ORLIX_INLINE __m256i Picked8(const uint8_t* row, Picks picks, size_t i) {
     return _mm256_shuffle_epi8(samples, _mm256_load_si256(reinterpret_cast<const __m256i*>(picks.shuffles + i)));
 }
 
-// body(to, first) writes kPixels of the picks; what would be written beyond the last one is cut off.
+// Calls body(to, first) for kPixels picks at a time; anything written beyond the last pick is cut off.
 template <size_t kPixels, class Body>
 ORLIX_INLINE void ForEachPick(uint32_t* to, size_t n, const Body& body) {
     size_t i = 0;

@@ -8,7 +8,7 @@ namespace {
 constexpr size_t kLanes = 64;
 
 // Byte permutations: threefold[k] takes pixels 16 k .. 16 k + 15 of 64 bytes and repeats each three times. The fourth
-// byte of a pixel is masked off.
+// byte of a pixel is masked out.
 struct Indices {
     uint8_t threefold[4][64];
     uint32_t turned[16];  // double words of a 4 x 4 matrix, transposed
@@ -38,7 +38,7 @@ ORLIX_INLINE void WriteGrey(uint32_t* to, const __m512i& v, size_t n) {
                   n - 16 * k);
 }
 
-// 64 bytes in the order in which WriteColor wants them.
+// 64 bytes in the order that WriteColor expects.
 ORLIX_INLINE __m512i Turned(const __m512i& v) {
     return _mm512_permutexvar_epi32(_mm512_loadu_si512(kIndices.turned), v);
 }
@@ -67,7 +67,7 @@ ORLIX_INLINE __m512i LookUp(const Table& table, const __m512i& levels) {
     return _mm512_mask_mov_epi8(low, _mm512_movepi8_mask(levels), high);
 }
 
-// body(first pixel, pixels) for 64 pixels at a time and what is left.
+// Calls body(first pixel, pixels) for 64 pixels at a time, then for the remainder.
 template <class Body>
 ORLIX_INLINE void ForEach64(size_t n, const Body& body) {
     size_t i = 0;
@@ -169,7 +169,7 @@ void WeighRows_avx512(uint32_t* sums, const uint8_t* a, uint32_t aWeight, const 
     const __m512i weights = _mm512_set1_epi32(static_cast<int>(bWeight << 16 | aWeight));
     size_t i = 0;
     for (; i + 32 <= n; i += 32) {
-        // Each 128-bit part holds eight pixels of either row.
+        // Each 128-bit part holds eight pixels of both rows.
         const __m512i as = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(a + i)));
         const __m512i bs = _mm512_cvtepu8_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(b + i)));
         const __m512i low = _mm512_madd_epi16(_mm512_unpacklo_epi16(as, bs), weights);

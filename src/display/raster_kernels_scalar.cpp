@@ -1,4 +1,4 @@
-// The definitions of the kernels of raster pictures.
+// Reference implementations of the kernels of raster pictures.
 #include "display/raster_kernels.hpp"
 
 namespace orlix {

@@ -16,7 +16,7 @@ namespace {
 
 using Layout = RasterPicture::Layout;
 
-// A place on the surface to a source pixel, along one axis.
+// Maps surface positions to source pixels along one axis.
 class Axis {
 public:
     Axis(int64_t source, int64_t sourceLength, int64_t dest, int64_t destLength)
@@ -32,7 +32,7 @@ public:
     int64_t source() const { return source_; }
     int64_t sourceLength() const { return sourceLength_; }
 
-    // From where the destination begins; and back, which is the same for mirrored ones.
+    // Distance from where the destination begins. For a mirrored destination the function is its own inverse.
     int64_t Index(int64_t at) const { return mirrored_ ? dest_ - 1 - at : at - dest_; }
     int32_t Nearest(int64_t at) const {
         const uint64_t doubled = 2 * static_cast<uint64_t>(Index(at)) + 1;  // below 2^33
@@ -59,7 +59,7 @@ LevelColors ColorsOf(const RasterPicture& picture) {
     return colors;
 }
 
-// The picture with the kernels that its layout asks for.
+// The picture with the kernels for its layout.
 class Rows {
 public:
     explicit Rows(const RasterPicture& picture)
@@ -74,7 +74,7 @@ public:
     // 1 when all channels are equal.
     size_t channels() const { return colors_.grey ? 1 : 3; }
 
-    // Columns first .. first + n - 1. next is the row that will follow, for either kind of columns.
+    // Expands columns first .. first + n - 1. next is the row that will follow, here and in ExpandPicked.
     void Expand(uint32_t* to, int32_t row, int32_t first, size_t n, int32_t next) const {
         if (picture_.layout == Layout::Pixels) {
             for (size_t i = 0; i < n; i += kCacheLine / sizeof *to) __builtin_prefetch(PixelsOf(next) + first + i);
@@ -86,7 +86,7 @@ public:
         }
     }
 
-    // Columns in any monotone order, for ExpandPicked.
+    // Plans columns in any monotone order, for ExpandPicked.
     PickPlan Plan(std::vector<int32_t> columns) const {
         return {std::move(columns), picture_.width,
                 picture_.layout == Layout::Pixels ? pickPixels_.shapes
@@ -102,8 +102,8 @@ public:
             pickLevels_.fn(to, RowOf(row), picks, RowOf(next), colors_);
     }
 
-    // One channel (0 red, 1 green, 2 blue) of ascending columns: a pointer into the picture, or to scratch (a byte a
-    // column).
+    // One channel (0 red, 1 green, 2 blue) of ascending columns: returns a pointer into the picture, or to scratch (one
+    // byte per column).
     const uint8_t* Channel(size_t channel, int32_t row, const std::vector<int32_t>& columns, uint8_t* scratch) const {
         const size_t n = columns.size();
         const bool dense = columns.back() - columns.front() == static_cast<int32_t>(n) - 1;
@@ -125,7 +125,7 @@ public:
         return scratch;
     }
 
-    // Of as many channels as channels() says, n bytes each.
+    // Joins channels() channels of n bytes each.
     void Join(uint32_t* to, const uint8_t* samples, size_t n) const {
         if (channels() == 1)
             expandGrey_(to, samples, n);
@@ -138,7 +138,7 @@ private:
     const uint32_t* PixelsOf(int32_t row) const { return reinterpret_cast<const uint32_t*>(RowOf(row)); }
 
     const RasterPicture& picture_;
-    LevelColors colors_;  // of levels, as all up to ramp_
+    LevelColors colors_;  // of levels, likewise all members up to ramp_
     PointOperation<uint8_t> tables_[3];
     bool ramp_;  // each level is its own grey
     ExpandGreyFn expandGrey_ = Choose(kExpandGrey);
@@ -149,7 +149,7 @@ private:
     Picking<PickPixelsFn> pickPixels_ = Choose(kPickPixels);
 };
 
-// Channels of some columns of rows. The last two rows are kept, which neighbours on the surface mostly share.
+// Channels of selected columns of rows. Keeps the last two rows, which neighbouring surface rows mostly share.
 class ChannelRows {
 public:
     ChannelRows(const Rows& rows, const std::vector<int32_t>& columns)
@@ -181,11 +181,11 @@ private:
     size_t next_[3] = {};
 };
 
-// Neighbouring destination columns with the source columns that they are made of.
+// Neighbouring destination columns with the source columns that they are computed from.
 class ColumnTile {
 public:
-    // Destination pixels from index `first` on, up to `end` or until enough source columns have come together. The sums
-    // of so many columns stay in the processor's fastest memory.
+    // Covers destination pixels from index `first` on, up to `end` or until there are enough source columns: the sums
+    // of that many columns stay in the L1 cache.
     ColumnTile(const SmoothAxis& axis, int64_t origin, int64_t first, int64_t end, bool mirrored)
         : interpolates_(axis.interpolates()), first_(first) {
         constexpr size_t kEnough = 8192;
@@ -220,10 +220,10 @@ public:
     int64_t end() const { return end_; }
     size_t size() const { return starts_.size(); }
     const std::vector<int32_t>& columns() const { return columns_; }
-    // Sums that Reduce may read: those of the columns, and any beyond.
+    // The number of sums that Reduce may read: those of the columns, and some beyond.
     size_t sums() const { return columns_.size() + std::max(taps_, kBeyond); }
 
-    // sums: of weighted rows, one a source column.
+    // sums: of weighted rows, one per source column.
     void Reduce(uint8_t* to, const uint32_t* sums) const {
         if (interpolates_)
             interpolate_(to, sums, starts_.data(), weights_.data(), size());
@@ -235,9 +235,9 @@ private:
     bool interpolates_;
     int64_t first_, end_;
     std::vector<int32_t> columns_;
-    std::vector<int32_t> starts_;    // index of the first source column of each destination column, from left to right
-    size_t taps_ = 0;                // for each of them
-    std::vector<uint16_t> weights_;  // taps_ each; that of the second one only when interpolating
+    std::vector<int32_t> starts_;    // index of the first source column of each destination column, left to right
+    size_t taps_ = 0;                // source columns for each of them
+    std::vector<uint16_t> weights_;  // taps_ each; when interpolating, only the weight of the second one
     InterpolateFn interpolate_ = Choose(kInterpolate);
     AverageFn average_ = Choose(kAverage);
 };

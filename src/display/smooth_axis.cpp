@@ -29,7 +29,7 @@ void SmoothAxis::Get(int64_t i, std::vector<WeightedPixel>& pixels) const {
             pixels.push_back(At(left + 1, share));
         }
     } else if (source_ <= kWhole * dest_) {
-        // In units of 1 / dest source pixel: this one begins at i source and is source long.
+        // In units of 1 / dest source pixel: this destination pixel begins at i source and is source long.
         const uint64_t begin = index * source_, end = begin + source_;
         uint64_t before = 0;
         for (uint64_t position = begin / dest_; position * dest_ < end; ++position) {

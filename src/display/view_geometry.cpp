@@ -12,7 +12,7 @@ struct Interval {
     int64_t first, end;
 };
 
-// One axis of SourceRectangle.
+// SourceRectangle along one axis.
 Interval ShownInterval(int32_t length, double zoom, double center) {
     // Far enough outside to be moved to the edge, near enough for sums to keep their last digit.
     constexpr double kFar = 8589934592.0;
@@ -34,12 +34,13 @@ Interval ShownInterval(int32_t length, double zoom, double center) {
 
 double Quotient(int64_t a, int64_t b) { return static_cast<double>(a) / static_cast<double>(b); }
 
-// The interval after so many steps, each of which adds one at either end that has room.
+// The interval after the given number of steps, each of which adds one pixel at every end that has room.
 Interval Grown(const Interval& interval, int64_t length, int64_t steps) {
     return {interval.first - std::min(steps, interval.first), interval.end + std::min(steps, length - interval.end)};
 }
 
-// The interval after the last step whose size `fits`. Sizes increase with the steps, and those that fit come first.
+// The interval after the last step with a size that `fits`. Sizes increase with the steps, and those that fit come
+// first.
 template <class Fits>
 Interval GrownWhile(const Interval& interval, int64_t length, const Fits& fits) {
     int64_t good = 0, bad = std::max(interval.first, length - interval.end) + 1;
@@ -51,7 +52,7 @@ Interval GrownWhile(const Interval& interval, int64_t length, const Fits& fits) 
     return Grown(interval, length, good);
 }
 
-// Size and offset of the shorter side of a fit inside `available` pixels; both have its sign.
+// Size and offset of the shorter side of a fit inside `available` pixels; both have the sign of `available`.
 struct Side {
     int64_t offset, size;
 };

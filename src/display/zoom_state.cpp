@@ -8,7 +8,7 @@
 namespace orlix {
 namespace {
 
-// NaN is on no image.
+// NaN lies on no image.
 bool IsOn(int32_t length, double center) {
     const double nearest = std::trunc(center + 0.5);
     return nearest > 0 && nearest < length;
@@ -92,7 +92,7 @@ void ZoomState::ZoomFromRectangle(const View& view, int32_t x, int32_t y, int32_
     const PixelPoint second =
         Apply(view.toPixel, static_cast<double>(int64_t{x} + width), static_cast<double>(int64_t{y} + height));
     CenterOn({(first.x + second.x) / 2, (first.y + second.y) / 2});
-    // The fraction, not its reciprocal. NaN in either is refused; without an image there are no fractions.
+    // The fraction itself, not its reciprocal. NaN in either is refused; without an image there are no fractions.
     if (width_ <= 0 || height_ <= 0) return;
     const double alongX = (second.x - first.x + 1) / width_, alongY = (second.y - first.y + 1) / height_;
     if (!std::isnan(alongX)) TryFactor(std::min(alongY, alongX));

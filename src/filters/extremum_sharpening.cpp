@@ -15,13 +15,13 @@
 namespace orlix {
 namespace {
 
-// For the square without pixels.
+// For a square without pixels.
 template <class T>
 void ChooseLimit(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits) {
     for (size_t i = 0; i < n; ++i) to[i] = NearerExtreme(rows[0][i], limits.upper, limits.lower);
 }
 
-// The ends of the type's order, which any pixel replaces.
+// The identities of min and max: every pixel replaces them.
 template <class T>
 constexpr T kFirst = std::numeric_limits<T>::has_infinity ? -std::numeric_limits<T>::infinity()
                                                           : std::numeric_limits<T>::lowest();
@@ -43,7 +43,7 @@ struct Range {
     int64_t count() const { return last - first + 1; }
 };
 
-// Rows and columns of the results: the bounding box of the runs, as far as their squares can be read.
+// Rows and columns of the results: the bounding box of the runs, reduced to the pixels whose squares are readable.
 template <class T>
 void FindResults(PixelView<const T> from, const RegionRows& region, int64_t h, Range& rows, Range& columns) {
     rows = {std::max<int64_t>(region.top(), h - kTableMargin),
@@ -58,8 +58,8 @@ void FindResults(PixelView<const T> from, const RegionRows& region, int64_t h, R
     columns.last = std::min(columns.last, int64_t{from.width()} + kTableMargin - 1 - h);
 }
 
-// One call of ExtremumSharpening. Strips of columns, each from top to bottom: so the blocks of rows that the running
-// extremes need stay in the second cache, while h allows.
+// One call of ExtremumSharpening. Works in strips of columns, each from top to bottom, so that the blocks of rows
+// behind the running extremes stay in the L2 cache as long as h permits.
 template <class T>
 class Sharpener {
 public:
@@ -78,11 +78,11 @@ public:
           slots_(std::min(side_, rows.count())),
           scratch_(scratch) {
         margins_.reserve(2 * kTableMargin);
-        // Neighbouring strips share 2h columns, so they are not made narrower than that.
+        // Neighbouring strips share 2h columns, so strips are at least 4h wide where the image allows.
         const auto size = static_cast<int64_t>(sizeof(T));
         const int64_t fitting = std::min(kSlotBytes / (2 * slots_ * size), kRowBytes / size) - 2 * h_;
         width_ = std::min(columns.count(), std::max({fitting, 4 * h_, int64_t{512}}));
-        // A whole number of cache lines, odd in number: rows do not compete for the same sets of a cache.
+        // An odd number of cache lines: rows do not compete for the same cache sets.
         stride_ = ((width_ + 2 * h_) * size / 128 * 128 + 320) / size;
         const int64_t samples = (2 * slots_ + 9) * stride_;
         if (static_cast<uint64_t>(samples) > std::numeric_limits<size_t>::max() / sizeof(T)) throw std::bad_alloc();
@@ -132,8 +132,8 @@ private:
         return {low, low + stride_};
     }
 
-    // work(i, count) for columns i..i + count - 1 of n, a short piece of a row at a time, while the same piece of the
-    // row that is needed next is on its way. Its address may be null.
+    // Calls work(i, count) for columns i..i + count - 1 of n, one short piece at a time, and prefetches the same piece
+    // of the row needed next. `next` may be null.
     template <class Work>
     static void Ahead(const T* next, size_t n, const Work& work) {
         constexpr size_t kPiece = 1024 / sizeof(T), kLine = 64 / sizeof(T);
@@ -145,14 +145,14 @@ private:
         }
     }
 
-    // Columns first..last of row y where they lie side by side, else null. The row may be beyond the table.
+    // Columns first..last of row y where they are contiguous in memory, else null. The row may be beyond the table.
     const T* InPlace(int64_t y, const Range& columns) const {
         if (columns.first < 0 || columns.last >= adjacent_ || y >= int64_t{from_.height()} + kTableMargin)
             return nullptr;
         return from_.row(static_cast<int32_t>(y)) + columns.first;
     }
 
-    // The same, gathered through the table where they do not. The row is in the table.
+    // The same columns, gathered through the table where they are not contiguous. The row is in the table.
     const T* Pixels(int64_t y, const Range& columns) const {
         if (const T* const pixels = InPlace(y, columns)) return pixels;
         const auto row = static_cast<int32_t>(y);
@@ -173,12 +173,12 @@ private:
         const Range read = {strip.first - h_, strip.last + h_};
         const Range core = FindMargins(read);
         const auto n = static_cast<size_t>(core.count());
-        // The core begins at a cache line.
+        // The core begins on a cache line.
         const size_t offset = static_cast<size_t>(core.first - read.first);
         joined_ = Row(slots_ + 1) + (-offset * sizeof(T)) % 64 / sizeof(T);
         ExtremaRow<const T> prefix = nothing_;
         for (int64_t y = rows_.first; y <= rows_.last; ++y) {
-            // The square's rows are the last side_ - phase ones of a block and the first phase ones of the next.
+            // The square covers the last side_ - phase rows of a block and the first `phase` rows of the next.
             const int64_t phase = (y - rows_.first) % side_;
             const Range span = Span(y, strip);
             if (phase == 0) {
@@ -204,7 +204,7 @@ private:
         }
     }
 
-    // Slot j: the extremes of rows y - h + j .. y + h. Those of all rows are what `whole` gets.
+    // Slot j receives the extremes of rows y - h + j .. y + h, and `whole` those of all side_ rows.
     void FindSuffixes(int64_t y, const Range& columns, ExtremaRow<T> whole) {
         const int64_t slots = std::min(side_, rows_.last - y + 1);
         ExtremaRow<const T> last = nothing_;
@@ -217,8 +217,8 @@ private:
         }
     }
 
-    // Mirrored columns are not read: their extremes are those of columns that are. Returns the columns to read, all of
-    // them where the table is not that simple.
+    // Mirrored columns are not read: their extremes are those of the columns they mirror. Returns the columns to read;
+    // all of them where the table is not a simple mirror.
     Range FindMargins(const Range& columns) {
         margins_.clear();
         const Range core = {std::max<int64_t>(columns.first, 0), std::min(columns.last, adjacent_ - 1)};
@@ -239,7 +239,7 @@ private:
         return core;
     }
 
-    // From the first to the last column of the strip that the region has in row y.
+    // From the region's first column to its last in row y, within the strip.
     Range Span(int64_t y, const Range& strip) const {
         Range span = {strip.last + 1, strip.first - 1};
         for (const Run run : region_.row(static_cast<int32_t>(y))) {
@@ -250,7 +250,7 @@ private:
         return span;
     }
 
-    // joined_ holds the extremes of the columns of the squares, from strip.first - h on.
+    // joined_ holds the extremes of each column over the square's rows, from column strip.first - h on.
     void SharpenRow(int64_t y, const Range& strip, const Range& span) {
         ExtremaRow<const T> window = joined_ + static_cast<size_t>(span.first - strip.first);
         ExtremaRow<T> to = widened_, other = joined_;

@@ -1,4 +1,4 @@
-// Kernels of the extremum sharpening and their variants. T is uint8_t, uint16_t, uint32_t or float.
+// Extremum sharpening kernels and their variants. T is uint8_t, uint16_t, uint32_t or float.
 #pragma once
 
 #include "filters/filter_kernels.hpp"
@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-// Minima and maxima side by side.
+// A row of minima and a row of maxima.
 template <class T>
 struct ExtremaRow {
     T* low;
@@ -16,23 +16,24 @@ struct ExtremaRow {
     operator ExtremaRow<const T>() const { return {low, high}; }
 };
 
-// What ExtremumSharpening is made of. All work on n columns and neither read nor write beyond what is said. Extrema are
-// never NaN, pixels that are NaN change none. Which zero an extreme of float is, is not stated.
+// The steps of ExtremumSharpening. Each processes n columns and accesses nothing beyond the stated range. Extrema are
+// never NaN; NaN pixels are ignored. The sign of a float extreme that is zero is unspecified.
 
-// to = from extended by the pixels. to may be from.
+// to = from extended by the pixels. to may be the same row as from.
 template <class T>
 using ExtendFn = void (*)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, size_t n);
 
-// to = from extended by the pixels; both = to and other together. to may be from.
+// to = from extended by the pixels; both = the extremes of to and other. to may be the same row as from.
 template <class T>
 using ExtendAndJoinFn = void (*)(const T* pixels, ExtremaRow<const T> from, ExtremaRow<T> to, ExtremaRow<const T> other,
                                  ExtremaRow<T> both, size_t n);
 
-// to[i] = from[i], from[i + steps[0]], from[i + steps[1]] and from[i + steps[2]] together. from is readable that far.
+// to[i] = the extremes of from[i], from[i + steps[0]], from[i + steps[1]] and from[i + steps[2]]; from is readable that
+// far.
 template <class T>
 using WidenFn = void (*)(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&steps)[3], size_t n);
 
-// to[i] = the nearer of the extremes of square[i], square[i + step] and the limits, seen from pixels[i].
+// to[i] = the extreme nearer to pixels[i], out of square[i], square[i + step] and the limits.
 template <class T>
 using SharpenFn = void (*)(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
                            const FilterParameters<T>& limits);
@@ -55,7 +56,7 @@ void Widen_scalar(ExtremaRow<const T> from, ExtremaRow<T> to, const size_t (&ste
 template <class T>
 void Sharpen_scalar(const T* pixels, ExtremaRow<const T> square, size_t step, T* to, size_t n,
                     const FilterParameters<T>& limits);
-// The whole for squares of 3x3. The limits are not NaN.
+// The complete filter for 3x3 squares. The limits are not NaN.
 template <class T>
 void ExtremumSharpening3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits);
 

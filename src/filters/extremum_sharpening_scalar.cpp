@@ -1,11 +1,11 @@
-// The definitions of the kernels of the extremum sharpening.
+// Reference implementations of the extremum sharpening kernels.
 #include "filters/extremum_sharpening_kernels.hpp"
 #include "filters/extremum_sharpening_nearer.hpp"
 
 namespace orlix {
 namespace {
 
-// `sofar` where the pixel is NaN.
+// `sofar` when the pixel is NaN.
 template <class T>
 T Least(T pixel, T sofar) {
     return pixel < sofar ? pixel : sofar;

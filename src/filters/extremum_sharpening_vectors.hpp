@@ -1,4 +1,4 @@
-// The kernels of the extremum sharpening for any vectors. For the files of one instruction set each.
+// The extremum sharpening kernels for any vector type. Included by the files of one instruction set each.
 #pragma once
 
 #include "filters/extremum_sharpening_kernels.hpp"
@@ -7,8 +7,8 @@
 namespace orlix {
 namespace {
 
-// at(i) for vectors from i on; the last one ends with column n and so may repeat some. False, and nothing was done,
-// where n is less than one vector.
+// Calls at(i) for each vector of columns starting at i; the last vector ends with column n - 1 and so may repeat some
+// columns. Returns false, having done nothing, when n is less than one vector.
 template <class Lanes, class At>
 ORLIX_INLINE bool ForEachVector(size_t n, const At& at) {
     if (n < Lanes::kLanes) return false;
@@ -41,14 +41,14 @@ ORLIX_INLINE bool ExtendAndJoin(const T* pixels, ExtremaRow<const T> from, Extre
         });
 }
 
-// Whether vectors can be shifted by any number of pixels, which spares loads that straddle two cache lines.
+// Whether vectors can be shifted by any number of pixels, which avoids loads that straddle two cache lines.
 template <class Lanes>
 concept Shifts = requires(size_t step) {
     Lanes::Step(step);
 };
 
-// use(low, high, i) for vectors as ForEachVector() has them: those of the rows at i and at i + steps[0], i + steps[1]
-// ... together.
+// Calls use(low, high, i) for the vectors of ForEachVector(), with the extremes of the rows at i, i + steps[0],
+// i + steps[1], ...
 template <class Lanes, size_t kSteps, class Use, class T = typename Lanes::Pixel>
 ORLIX_INLINE bool ForEachWindow(ExtremaRow<const T> from, const size_t (&steps)[kSteps], size_t n, const Use& use) {
     if (n < Lanes::kLanes) return false;
@@ -105,7 +105,7 @@ ORLIX_INLINE bool Sharpen(const T* pixels, ExtremaRow<const T> square, size_t st
         });
 }
 
-// Extremes of three pixels above one another and the limits. NaN among the pixels must not be the second operand.
+// Extremes of three vertically adjacent pixels and the limits. NaN pixels must not be the second operand.
 template <class Lanes, class T = typename Lanes::Pixel>
 struct ColumnExtremes {
     typename Lanes::Vector low, middle, high;
@@ -119,7 +119,8 @@ struct ColumnExtremes {
     }
 };
 
-// As MedianRow() does it: columns are shifted to their neighbours inside the row and read where they are at its ends.
+// Like MedianRow(): inside the row, columns are shifted to their neighbours; at its ends they are loaded where they
+// are.
 template <class Lanes, class T = typename Lanes::Pixel>
 ORLIX_INLINE bool Sharpen3x3(const T* const* rows, T* to, size_t n, const FilterParameters<T>& limits) {
     constexpr size_t kLanes = Lanes::kLanes;

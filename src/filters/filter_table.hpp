@@ -1,4 +1,4 @@
-// The neighbourhood filters: one row each, whose kernels are chosen when the filter is applied.
+// The neighbourhood filters, one entry each; the kernel variant is chosen when the filter is applied.
 #pragma once
 
 #include <cstddef>

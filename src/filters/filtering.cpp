@@ -10,11 +10,11 @@
 namespace orlix {
 namespace {
 
-// Columns at a time, so that the rows stay in the first cache. Prefetching much more than a kilobyte before it is
-// needed keeps the kernel waiting.
+// Columns per kernel call, so that the rows stay in the L1 cache. Prefetching much more than a kilobyte ahead stalls
+// the kernel.
 constexpr int64_t kDirect = 1024;
 
-// Larger bands than this leave the second cache before the next row needs their samples again.
+// Larger bands than this leave the L2 cache before the next row needs their samples again.
 constexpr int64_t kCachedBytes = 1 << 20;
 
 template <class T>
@@ -22,16 +22,16 @@ void Prefetch(const T* row, int64_t n) {
     for (int64_t i = 0; i < n; i += 64 / static_cast<int64_t>(sizeof(T))) __builtin_prefetch(row + i);
 }
 
-// Pixels whose samples do not lie side by side, gathered through the table. Images have one or two of them at either
-// end of each row, and calling a kernel costs as much as dozens of pixels: so they are filtered side by side, those of
-// many rows in one call.
+// Pixels whose samples are not contiguous, gathered through the table. Images have one or two of them at each end of a
+// row, and a kernel call costs as much as dozens of pixels, so the pixels of many rows are collected and filtered in
+// one call.
 template <class T>
 class GatheredPixels {
 public:
     GatheredPixels(FilterFn<T> kernel, int32_t radius, const FilterParameters<T>& parameters)
         : kernel_(kernel), radius_(radius), parameters_(parameters) {}
 
-    // Columns x..stop - 1 of row y, to be written to `to` by the next Filter() at the latest.
+    // Columns x..stop - 1 of row y. They are written to `to` by the next Filter() at the latest.
     void Add(PixelView<const T> from, int64_t x, int64_t stop, int32_t y, T* to) {
         while (x < stop) {
             const int64_t room = kSamples - used_ - 2 * radius_;
@@ -64,8 +64,8 @@ public:
 
 private:
     static constexpr int32_t kMostRadius = NeighbourhoodFilter<T>::kMostRadius;
-    static constexpr int64_t kSamples = 256;  // the five rows stay in the first cache
-    static constexpr int64_t kShortest = 32;  // the rest of a buffer is not worth a shorter part of a longer piece
+    static constexpr int64_t kSamples = 256;  // the five rows stay in the L1 cache
+    static constexpr int64_t kShortest = 32;  // a smaller rest of the buffer is not worth splitting a piece for
 
     struct Piece {
         T* to;
@@ -84,14 +84,13 @@ private:
 
 }  // namespace
 
-// Row y of a band pair.
+// Row y of a source band and a destination band.
 template <class T>
 struct NeighbourhoodFilter<T>::Rows {
     PixelView<const T> from;
     int32_t y;
     T* to;
-    const T*
-        nextFrom;  // the rows that the next row reads and writes for the first time; null when not worth asking for
+    const T* nextFrom;  // first needed by the next row; null: no prefetch
     const T* nextTo;
 };
 

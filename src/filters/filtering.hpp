@@ -1,4 +1,4 @@
-// Neighbourhood filters on whole bands: from the kernel of a row to regions, borders and sources of any kind.
+// Neighbourhood filters on whole bands: takes a row kernel to regions, borders and sources of any kind.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,12 @@
 namespace orlix {
 
 // Applies a kernel to the pixels of a region. T is uint8_t, uint16_t, uint32_t or float. Notes:
-//  (1) to(x, y) comes from from(x - r .. x + r, y - r .. y + r), read through the table of from, margin included. Where
-//      that needs an entry outside -200 .. size + 199, to(x, y) stays as it is: a source may be smaller than the
-//      destination.
-//  (2) Where the columns of the source lie side by side the kernel reads them in place; the others (borders, tables of
-//      other components) are gathered into a short buffer. The kernel sees the same samples, so the bits are the same.
+//  (1) to(x, y) is computed from from(x - r .. x + r, y - r .. y + r), read through the table of `from`, margin
+//      included. Where that needs an entry outside -200 .. size + 199, to(x, y) is left unchanged: a source may be
+//      smaller than the destination.
+//  (2) The kernel reads contiguous source columns in place; all others (borders, tables of other components) are
+//      gathered into a short buffer. The kernel sees the same samples, so the results are bit-identical.
+//  (3) `from` must not share memory with `to`, see SharesMemory().
 //  (3) from must not lie in the memory of to, see SharesMemory().
 template <class T>
 class NeighbourhoodFilter {
@@ -38,20 +39,22 @@ private:
     FilterParameters<T> parameters_;
 };
 
-// Whether the samples of a view, margin included, may lie between two addresses. Compares the first and the last
-// address that the table can give, so an image whose rows are scattered around the other may be called sharing.
+// Whether the samples of a view, margin included, may lie between two addresses. Compares only the lowest and the
+// highest address that the table can give, so it may also be true for an image whose rows lie on both sides of the
+// other.
 template <class T>
 bool SharesMemory(PixelView<const T> view, const void* begin, const void* end);
 
-// A copy of what a filter of the given radius (0 or more) can read of a source for destination columns 0..width-1 and
-// rows top..bottom, to be used in the place of the source. std::bad_alloc, or FailedResult(E_FAIL) where offsets leave
-// 32 bits.
+// A copy of everything that a filter of the given radius (>= 0) can read from a source for destination columns
+// 0..width-1 and rows top..bottom, to be used in place of the source. Throws std::bad_alloc, or FailedResult(E_FAIL)
+// when offsets exceed 32 bits.
 template <class T>
 class SourceCopy {
 public:
     SourceCopy(PixelView<const T> source, int32_t width, int32_t top, int32_t bottom, int32_t radius);
 
-    // Valid as long as the copy, of the source's size. Reads beyond what was copied give some sample of the copy.
+    // Valid as long as the copy, of the source's size. Reads outside the copied area give an arbitrary sample of the
+    // copy.
     PixelView<const T> view() const;
 
 private:

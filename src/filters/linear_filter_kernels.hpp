@@ -1,4 +1,4 @@
-// Kernels of the linear filters and their variants. T is uint8_t, uint16_t, uint32_t or float.
+// Linear filter kernels and their variants. T is uint8_t, uint16_t, uint32_t or float.
 #pragma once
 
 #include <cstdint>
@@ -18,10 +18,11 @@ namespace orlix {
 // and radius 2:
 //     Gaussian5x5    binomial weights (1 4 6 4 1) along both axes, over 256
 // Notes:
-//  (1) 8 and 16 bits: integers, the division truncates toward zero. 32 bits: double, in which the sums are exact,
-//      floor(v + 0.5) of the quotient. All are then clamped.
-//  (2) float: single precision, summed in the order of the definitions (linear_filters_scalar.cpp), which lets a flat
-//      image come out as it is. NaN, and infinities that cancel, give the quiet NaN 0x7fc00000; it is not clamped.
+//  (1) 8 and 16 bits: integer arithmetic, the division truncates toward zero. 32 bits: double, in which the sums are
+//      exact, and floor(v + 0.5) of the quotient. All results are then clamped.
+//  (2) float: single precision, summed in the order of the reference kernels (linear_filters_scalar.cpp), so that
+//      flat images come out exactly. NaN, and infinities that cancel, give the quiet NaN 0x7fc00000, which is not
+//      clamped.
 template <class T>
 void Laplacian_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 template <class T>
@@ -33,7 +34,7 @@ void Gaussian3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParam
 template <class T>
 void Gaussian5x5_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
-// Variants for all types but uint32_t, which the compiler's own vectors serve.
+// Variants for all types except uint32_t, whose loops the compiler vectorises.
 template <class T>
 void Laplacian_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 template <class T>

@@ -1,4 +1,4 @@
-// The linear filters on vectors, for the suffixed files, each of which brings its lanes:
+// The linear filters on vectors, for the suffixed files. Each of these supplies its lanes:
 //
 //     template <>
 //     struct LinearLanes<Pixel> {
@@ -6,19 +6,19 @@
 //         using Wide;                        a vector of sums: lanes of twice the size of integer pixels, float for
 //                                            float
 //         static constexpr size_t kPixels;   pixels of a block
-//         static constexpr int kPhases;      pixels that share a lane, 2 or 1: lane j of phase p is for pixel
+//         static constexpr int kPhases;      pixels that share a lane, 2 or 1: lane j of phase p holds pixel
 //                                            kPhases j + p
 //         LinearLanes(const FilterParameters<Pixel>&);
 //         static void Load(const Pixel* from, Wide* phases);
-//         static Wide Add(a, b), Less(a, b); Less: integers stop at 0, which is what their clamp makes of less
-//         static Wide Up<bits>(a), Down<bits>(a);  times or over 2^bits; integers are rounded down
+//         static Wide Add(a, b), Less(a, b); Less: integers saturate at 0, to which negative values are clamped anyway
+//         static Wide Up<bits>(a), Down<bits>(a);  multiplies or divides by 2^bits; integers are rounded down
 //         static Wide Sixth(a);                    a / 6; integers are rounded down
 //         static Wide Later<n>(a, b);        lanes n, n + 1, ... of a followed by b
 //         void Store(Pixel* to, const Wide* phases) const;  with the clamp
 //     };
 //
-// A block of a filter is formed in two steps: sums down the columns, the planes, then sums along the row. The columns
-// of the block before are not summed again, its lanes are shifted.
+// A filter computes a block in two steps: sums down the columns (the planes), then sums along the row. The columns of
+// the previous block are not summed again; its lanes are shifted.
 #pragma once
 
 #include <cstddef>
@@ -34,11 +34,11 @@ namespace {
 template <class T>
 struct LinearLanes;
 
-// Just above 1/6. Of a whole number a below 2^21 the product lies less than 0.1 above a / 6 and not below it, so that
+// Slightly above 1/6. For an integer a below 2^21 the product is at least a / 6 and exceeds it by less than 0.1, so
 // truncation gives the quotient.
 [[maybe_unused]] constexpr float kSixth = 1.0f / 6;
 
-// Powers of two and their sums, which rounds as one product does.
+// Sums of powers of two, which round as a single product does.
 template <class L, int kFactor>
 ORLIX_INLINE typename L::Wide Times(const typename L::Wide& a) {
     if constexpr (kFactor == 2) return L::Add(a, a);
@@ -48,7 +48,7 @@ ORLIX_INLINE typename L::Wide Times(const typename L::Wide& a) {
     if constexpr (kFactor == 20) return L::template Up<2>(Times<L, 5>(a));
 }
 
-// Up and down neighbours; the pixels themselves.
+// The neighbours above and below, and the pixels themselves.
 struct Cross {
     static constexpr int kRadius = 1;
     static constexpr int kPlanes = 2;
@@ -142,7 +142,7 @@ struct Gaussian5x5Rule {
     }
 };
 
-// A filter of rows of at least one block.
+// Filters rows of at least one block.
 template <class L, class Rule>
 class RowFilter {
 public:
@@ -158,8 +158,8 @@ public:
         for (int k = 0; k <= 2 * kRadius; ++k) rows_[k] = rows[k] - kRadius;
     }
 
-    // The first block, then whole vectors of the destination, then the block that ends the row. The last block that can
-    // look at the columns after it does not read beyond n + kRadius - 1.
+    // The first block, then whole vectors of the destination, then the block that ends the row. The last block that
+    // looks at the columns following it does not read beyond n + kRadius - 1.
     ORLIX_INLINE void operator()(size_t n) const {
         Block(0);
         size_t i = LaneToLine();
@@ -183,13 +183,13 @@ public:
 private:
     static constexpr int kColumns = 2 * kRadius + kPhases;
 
-    // Pixels of the first block that come before a whole vector's boundary, 1 at least.
+    // Pixels of the first block that precede a vector boundary of the destination, at least 1.
     ORLIX_INLINE size_t LaneToLine() const {
         constexpr size_t kBytes = kPixels * sizeof(Pixel);
         return kPixels - reinterpret_cast<uintptr_t>(to_) % kBytes / sizeof(Pixel);
     }
 
-    // Planes of the columns of a block, counted from kRadius before its first pixel.
+    // Planes of the columns of a block, starting kRadius before its first pixel.
     ORLIX_INLINE void Planes(size_t first, Wide (&planes)[kPlanes][kPhases]) const {
         Wide in[2 * kRadius + 1][kPhases];
         for (int k = 0; k <= 2 * kRadius; ++k) L::Load(rows_[k] + first, in[k]);
@@ -223,12 +223,12 @@ private:
         Finish(columns, first);
     }
 
-    const Pixel* rows_[2 * kRadius + 1];  // at the column kRadius before the first
+    const Pixel* rows_[2 * kRadius + 1];  // kRadius columns to the left of the first one
     Pixel* to_;
     L lanes_;
 };
 
-// Rows too short for a block go to the next narrower variant.
+// Rows shorter than a block go to the next narrower variant.
 template <class Rule, class T>
 ORLIX_INLINE void FilterRow(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters,
                             FilterFn<T> narrower) {

@@ -48,7 +48,7 @@ struct LinearLanes<uint8_t> {
     ORLIX_INLINE static Wide Down(const Wide& a) {
         return _mm256_srli_epi16(a, kBits);
     }
-    // 10923 / 65536 exceeds 1/6 by 5.1e-6, which for a of at most 5100 stays below a sixth.
+    // 10923 / 65536 exceeds 1/6 by 5.1e-6: for a <= 5100 the error stays below 1/6, so the quotient is exact.
     ORLIX_INLINE static Wide Sixth(const Wide& a) { return _mm256_mulhi_epu16(a, _mm256_set1_epi16(10923)); }
     template <int kCount>
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
@@ -133,7 +133,7 @@ struct LinearLanes<float> {
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
         return _mm256_castsi256_ps(LaterBytes<4 * kCount>(_mm256_castps_si256(a), _mm256_castps_si256(b)));
     }
-    // vminps gives its second operand where one is NaN.
+    // vminps returns its second operand when either is NaN.
     ORLIX_INLINE void Store(float* to, const Wide* phases) const {
         const __m256 v = phases[0];
         const __m256 clamped = _mm256_blendv_ps(_mm256_min_ps(upper, v), lower, _mm256_cmp_ps(v, lower, _CMP_LT_OQ));

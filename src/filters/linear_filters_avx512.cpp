@@ -37,7 +37,7 @@ struct LinearLanes<uint8_t> {
     ORLIX_INLINE static Wide Down(const Wide& a) {
         return _mm512_srli_epi16(a, kBits);
     }
-    // 10923 / 65536 exceeds 1/6 by 5.1e-6, which for a of at most 5100 stays below a sixth.
+    // 10923 / 65536 exceeds 1/6 by 5.1e-6: for a <= 5100 the error stays below 1/6, so the quotient is exact.
     ORLIX_INLINE static Wide Sixth(const Wide& a) { return _mm512_mulhi_epu16(a, _mm512_set1_epi16(10923)); }
     template <int kCount>
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
@@ -126,7 +126,7 @@ struct LinearLanes<float> {
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
         return _mm512_castsi512_ps(Later32<kCount>(_mm512_castps_si512(a), _mm512_castps_si512(b)));
     }
-    // vminps gives its second operand where one is NaN.
+    // vminps returns its second operand when either is NaN.
     ORLIX_INLINE void Store(float* to, const Wide* phases) const {
         const __m512 v = phases[0];
         const __m512 clamped =

@@ -1,4 +1,4 @@
-// The definitions of the linear filters.
+// Reference implementations of the linear filters.
 #include <bit>
 #include <cmath>
 #include <type_traits>
@@ -9,7 +9,7 @@
 namespace orlix {
 namespace {
 
-// What sums of T are formed in.
+// The type in which sums of T are computed.
 template <class T>
 using Sum = std::conditional_t<kIsFloat<T>, float, std::conditional_t<std::is_same_v<T, uint32_t>, double, int32_t>>;
 
@@ -24,14 +24,14 @@ T Finished(Sum<T> sum, int divisor, const FilterParameters<T>& parameters) {
     return static_cast<T>(v);
 }
 
-// value(s) of each pixel, s(dx, dy) being the source sample beside it.
+// value(s) for each pixel, s(dx, dy) being the source sample at that offset from it.
 template <int kRadius, class T, class Value>
 void ForEachPixel(const T* const* rows, T* to, size_t n, const Value& value) {
     for (ptrdiff_t i = 0; i < static_cast<ptrdiff_t>(n); ++i)
         to[i] = value([&](ptrdiff_t dx, ptrdiff_t dy) { return static_cast<Sum<T>>(rows[dy + kRadius][i + dx]); });
 }
 
-// Binomial weights. Of five equal values all partial sums are powers of two times the value.
+// Binomial weights. For five equal values every partial sum is the value times a power of two.
 template <class S>
 S Weighted(S a, S b, S c) {
     return (a + c) + 2 * b;

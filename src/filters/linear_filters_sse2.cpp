@@ -50,13 +50,13 @@ struct LinearLanes<uint8_t> {
     ORLIX_INLINE static Wide Down(const Wide& a) {
         return _mm_srli_epi16(a, kBits);
     }
-    // 10923 / 65536 exceeds 1/6 by 5.1e-6, which for a of at most 5100 stays below a sixth.
+    // 10923 / 65536 exceeds 1/6 by 5.1e-6: for a <= 5100 the error stays below 1/6, so the quotient is exact.
     ORLIX_INLINE static Wide Sixth(const Wide& a) { return _mm_mulhi_epu16(a, _mm_set1_epi16(10923)); }
     template <int kCount>
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
         return LaterBytes<2 * kCount>(a, b);
     }
-    // Results are below 2^15, except those of Gaussians, which need no limit and are below 256.
+    // Results are below 2^15, except those of the Gaussians, which need no limit and are below 256.
     ORLIX_INLINE void Store(uint8_t* to, const Wide* phases) const {
         const __m128i most = _mm_set1_epi16(0xff);
         const __m128i odd = _mm_slli_epi16(_mm_min_epi16(phases[1], most), 8);
@@ -101,7 +101,7 @@ struct LinearLanes<uint16_t> {
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
         return LaterBytes<4 * kCount>(a, b);
     }
-    // All 16 low bits set where a sum exceeds them.
+    // All 16 low bits set where a sum exceeds 65535.
     ORLIX_INLINE static Wide Limited(const Wide& a) {
         return _mm_or_si128(a, _mm_cmpgt_epi32(a, _mm_set1_epi32(0xffff)));
     }
@@ -140,7 +140,7 @@ struct LinearLanes<float> {
     ORLIX_INLINE static Wide Later(const Wide& a, const Wide& b) {
         return _mm_castsi128_ps(LaterBytes<4 * kCount>(_mm_castps_si128(a), _mm_castps_si128(b)));
     }
-    // minps gives its second operand where one is NaN.
+    // minps returns its second operand when either is NaN.
     ORLIX_INLINE void Store(float* to, const Wide* phases) const {
         const __m128 v = phases[0];
         const auto choose = [](const __m128& mask, const __m128& yes, const __m128& no) {

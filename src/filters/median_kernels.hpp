@@ -1,4 +1,4 @@
-// Kernels of the 3x3 median and their variants.
+// 3x3 median kernels and their variants.
 #pragma once
 
 #include "filters/filter_kernels.hpp"
@@ -6,9 +6,9 @@
 
 namespace orlix {
 
-// The fifth smallest of the nine pixels of each square, not clamped to the luminance range. Floats are in the total
-// order of IEEE 754: NaN beyond the infinity of its sign, -0 before 0. So the result is one of the nine to the bit, and
-// it is NaN only when five of them are NaN of one sign.
+// The fifth smallest of the nine pixels of each square, not clamped to the luminance range. Floats follow the total
+// order of IEEE 754: NaN lies beyond the infinity of its sign, -0 before 0. So the result is bit-identical to one of
+// the nine pixels, and it is NaN only when at least five of them are NaN of the same sign.
 template <class T>
 void Median3x3_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 

@@ -1,4 +1,4 @@
-// The definition of the median.
+// Reference implementation of the median.
 #include <algorithm>
 #include <bit>
 #include <type_traits>
@@ -8,7 +8,7 @@
 namespace orlix {
 namespace {
 
-// Orders as the pixels do.
+// Keys that compare as the pixels do.
 template <class T>
 T Key(T pixel) {
     return pixel;

@@ -1,4 +1,4 @@
-// The median of nine by minima and maxima, for any vectors. For the files of one instruction set each.
+// The median of nine by minima and maxima, for any vector type. Included by the files of one instruction set each.
 #pragma once
 
 #include "filters/median_kernels.hpp"
@@ -12,7 +12,7 @@ struct Column {
     typename Lanes::Vector low, middle, high;
 };
 
-// The three pixels above one another at p[0], p[1], p[2], sorted.
+// The three vertically adjacent pixels at p[0], p[1], p[2], sorted.
 template <class Lanes>
 ORLIX_INLINE Column<Lanes> Sorted(const typename Lanes::Pixel* const* p, ptrdiff_t i) {
     const auto a = Lanes::Load(p[0] + i), b = Lanes::Load(p[1] + i), c = Lanes::Load(p[2] + i);
@@ -27,17 +27,18 @@ ORLIX_INLINE typename Lanes::Vector MiddleOf(const typename Lanes::Vector& a, co
     return Lanes::Max(Lanes::Min(a, b), Lanes::Min(Lanes::Max(a, b), c));
 }
 
-// Columns sorted, the median is that of the greatest minimum, the middle one of the middles and the smallest maximum:
-// each of these three leaves four pixels that cannot be beyond it on either side.
+// With sorted columns, the median of nine is the median of the greatest minimum, the median of the middle values and
+// the smallest maximum: of the other six pixels, three have at least five pixels not below them, and three at least
+// five not above them.
 template <class Lanes>
 ORLIX_INLINE typename Lanes::Vector MedianOf(const Column<Lanes>& l, const Column<Lanes>& c, const Column<Lanes>& r) {
     return MiddleOf<Lanes>(Lanes::Max(Lanes::Max(l.low, c.low), r.low), MiddleOf<Lanes>(l.middle, c.middle, r.middle),
                            Lanes::Min(Lanes::Min(l.high, c.high), r.high));
 }
 
-// Whether it was done: n is at least one vector. Inside the row each column is sorted once and shifted to its
-// neighbours; at the ends columns are read where they are, and the last vector ends with the row. SSE2 takes three
-// instructions for a shift and reads all columns where they are.
+// Returns false, having done nothing, when n is less than one vector. Inside the row each column is sorted once and
+// shifted to its neighbours; at the ends columns are loaded where they are, and the last vector ends with the row. A
+// shift takes SSE2 three instructions, so it loads all columns where they are.
 template <class Lanes, class T = typename Lanes::Pixel>
 ORLIX_INLINE bool MedianRow(const T* const* rows, T* to, size_t n) {
     constexpr size_t kLanes = Lanes::kLanes;

@@ -6,7 +6,8 @@
 namespace orlix {
 namespace {
 
-// To the nearest integer, halves up. One root of the wide tables is a half in single precision, and not an even one up.
+// To the nearest integer, halves up. One root of the wide tables is an exact half in single precision, which rounding
+// to even would round down.
 ORLIX_INLINE __m256i Rounded(const __m256& v) { return _mm256_cvttps_epi32(_mm256_add_ps(v, _mm256_set1_ps(0.5f))); }
 
 template <>
@@ -18,8 +19,7 @@ struct SobelLanes<uint8_t> {
     ORLIX_INLINE explicit SobelLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm256_set1_epi8(static_cast<char>(p.lower))), upper(_mm256_set1_epi8(static_cast<char>(p.upper))) {}
 
-    // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again
-    // in the same order by packing.
+    // Pairs of pixels are weighted and added in one instruction; packing restores the order that unpacking changed.
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
         const auto load = [&](int k, ptrdiff_t dx) {
             return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p[k] + i + dx));
@@ -36,8 +36,8 @@ struct SobelLanes<uint8_t> {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), clamped);
     }
 
-    // Pairs of bytes (A, I), (G, C), (D, F) and (B, H). The table entries are the rounded roots of the middles of
-    // buckets: the bits of the sum that count, then a one.
+    // Pairs of bytes (A, I), (G, C), (D, F) and (B, H). The table entries are the rounded roots of bucket centres: the
+    // significant bits of the sum, followed by a one.
     ORLIX_INLINE static __m256i Roots(const __m256i& al, const __m256i& gc, const __m256i& df, const __m256i& bh) {
         const __m256i once = _mm256_set1_epi16(0x01ff), twice = _mm256_set1_epi16(0x02fe);
         const __m256i s = _mm256_maddubs_epi16(al, once), t = _mm256_maddubs_epi16(gc, once);
@@ -48,7 +48,7 @@ struct SobelLanes<uint8_t> {
         const __m256i zero = _mm256_setzero_si256();
         const __m256i below256 = _mm256_cmpeq_epi16(_mm256_srli_epi16(v, 8), zero);
         const __m256i below4096 = _mm256_cmpeq_epi16(_mm256_srli_epi16(v, 12), zero);
-        // The bits that do not count: 0, 4 or 8 low ones.
+        // The insignificant bits: 0, 4 or 8 low ones.
         const __m256i low = _mm256_andnot_si256(
             below256, _mm256_blendv_epi8(_mm256_set1_epi16(0xff), _mm256_set1_epi16(0xf), below4096));
         const __m256i middle = _mm256_sub_epi16(_mm256_or_si256(v, low), _mm256_srli_epi16(low, 1));
@@ -75,19 +75,19 @@ struct SobelLanes<uint16_t> {
         const __m256i gx = _mm256_add_epi32(_mm256_add_epi32(d, e), _mm256_add_epi32(x, x));
         const __m256i gy = _mm256_add_epi32(_mm256_sub_epi32(d, e), _mm256_add_epi32(y, y));
 
-        // Sums of 64 bits in the even and in the odd lanes.
+        // 64-bit sums of the even and of the odd lanes.
         const __m256i ox = _mm256_srli_epi64(gx, 32), oy = _mm256_srli_epi64(gy, 32);
         const __m256i even = _mm256_add_epi64(_mm256_mul_epi32(gx, gx), _mm256_mul_epi32(gy, gy));
         const __m256i odd = _mm256_add_epi64(_mm256_mul_epi32(ox, ox), _mm256_mul_epi32(oy, oy));
         const __m256i v = _mm256_blend_epi32(even, _mm256_slli_epi64(odd, 32), 0xaa);
         const __m256i over = _mm256_blend_epi32(_mm256_srli_epi64(even, 32), odd, 0xaa);
 
-        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float,
-        // also when 2^32 is added to what was converted as a negative number.
+        // The centre of the bucket: the significant bits, followed by a one. It has at most 9 bits, so it is exact in a
+        // float, also when 2^32 is added to a sum that was converted as a negative number.
         const __m256i zero = _mm256_setzero_si256();
         const auto below = [&](int bits) { return _mm256_cmpeq_epi32(_mm256_srli_epi32(v, bits), zero); };
         const __m256i narrow = below(16);
-        __m256i low = _mm256_set1_epi32(0xffffff);  // the bits that do not count
+        __m256i low = _mm256_set1_epi32(0xffffff);  // the insignificant bits
         low = _mm256_blendv_epi8(low, _mm256_set1_epi32(0xffff), below(24));
         low = _mm256_blendv_epi8(low, _mm256_set1_epi32(0xff), narrow);
         low = _mm256_blendv_epi8(low, _mm256_set1_epi32(0xf), below(12));
@@ -123,7 +123,7 @@ struct SobelLanes<float> {
         const __m256 gy = _mm256_add_ps(_mm256_sub_ps(d, e), _mm256_add_ps(y, y));
         const __m256 v = _mm256_sqrt_ps(_mm256_add_ps(_mm256_mul_ps(gx, gx), _mm256_mul_ps(gy, gy)));
         const __m256 nan = _mm256_castsi256_ps(_mm256_set1_epi32(0x7fc00000));
-        __m256 clamped = _mm256_min_ps(upper, v);  // v where it or the limit is NaN
+        __m256 clamped = _mm256_min_ps(upper, v);  // v when it or the limit is NaN
         clamped = _mm256_blendv_ps(clamped, lower, _mm256_cmp_ps(v, lower, _CMP_LT_OQ));
         _mm256_storeu_ps(to, _mm256_blendv_ps(clamped, nan, _mm256_cmp_ps(v, v, _CMP_UNORD_Q)));
     }

@@ -7,10 +7,11 @@
 namespace orlix {
 namespace {
 
-// To the nearest integer, halves up. One root of the wide tables is a half in single precision, and not an even one up.
+// To the nearest integer, halves up. One root of the wide tables is an exact half in single precision, which rounding
+// to even would round down.
 ORLIX_INLINE __m512i Rounded(const __m512& v) { return _mm512_cvttps_epi32(_mm512_add_ps(v, _mm512_set1_ps(0.5f))); }
 
-// 64 entries of a table from entry `first` on.
+// 64 table entries starting at `first`.
 ORLIX_INLINE __m512i Entries(const uint8_t* table, size_t first) { return _mm512_loadu_si512(table + first); }
 
 // A table of 256 bytes.
@@ -35,8 +36,7 @@ struct SobelLanes<uint8_t> {
     ORLIX_INLINE explicit SobelLanes(const FilterParameters<uint8_t>& p)
         : lower(_mm512_set1_epi8(static_cast<char>(p.lower))), upper(_mm512_set1_epi8(static_cast<char>(p.upper))) {}
 
-    // Pairs of pixels are weighted and added in one instruction; the halves that unpacking gives are put together again
-    // in the same order by packing.
+    // Pairs of pixels are weighted and added in one instruction; packing restores the order that unpacking changed.
     ORLIX_INLINE void operator()(const Pixel* const* p, ptrdiff_t i, Pixel* to) const {
         const auto load = [&](int k, ptrdiff_t dx) { return _mm512_loadu_si512(p[k] + i + dx); };
         const __m512i a = load(0, -1), b = load(0, 0), c = load(0, 1), d = load(1, -1), f = load(1, 1);
@@ -83,18 +83,19 @@ struct SobelLanes<uint16_t> {
         const __m512i gx = _mm512_add_epi32(_mm512_add_epi32(d, e), _mm512_add_epi32(x, x));
         const __m512i gy = _mm512_add_epi32(_mm512_sub_epi32(d, e), _mm512_add_epi32(y, y));
 
-        // Sums of 64 bits in the even and in the odd lanes.
+        // 64-bit sums of the even and of the odd lanes.
         const __m512i ox = _mm512_srli_epi64(gx, 32), oy = _mm512_srli_epi64(gy, 32);
         const __m512i even = _mm512_add_epi64(_mm512_mul_epi32(gx, gx), _mm512_mul_epi32(gy, gy));
         const __m512i odd = _mm512_add_epi64(_mm512_mul_epi32(ox, ox), _mm512_mul_epi32(oy, oy));
         const __m512i v = _mm512_mask_shuffle_epi32(even, 0xaaaa, odd, static_cast<_MM_PERM_ENUM>(0xa0));
         const __m512i over = _mm512_mask_shuffle_epi32(odd, 0x5555, even, static_cast<_MM_PERM_ENUM>(0xf5));
 
-        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float.
+        // The centre of the bucket: the significant bits, followed by a one. It has at most 9 bits, so it is exact in a
+        // float.
         const auto reach = [&](uint32_t least) {
             return _mm512_cmpge_epu32_mask(v, _mm512_set1_epi32(static_cast<int>(least)));
         };
-        __m512i low = _mm512_setzero_si512();  // the bits that do not count
+        __m512i low = _mm512_setzero_si512();  // the insignificant bits
         low = _mm512_mask_mov_epi32(low, reach(1u << 8), _mm512_set1_epi32(0xf));
         low = _mm512_mask_mov_epi32(low, reach(1u << 12), _mm512_set1_epi32(0xff));
         const __mmask16 wide = reach(1u << 16);
@@ -128,7 +129,7 @@ struct SobelLanes<float> {
         const __m512 gy = _mm512_add_ps(_mm512_sub_ps(d, e), _mm512_add_ps(y, y));
         const __m512 v = _mm512_sqrt_ps(_mm512_add_ps(_mm512_mul_ps(gx, gx), _mm512_mul_ps(gy, gy)));
         const __m512 nan = _mm512_castsi512_ps(_mm512_set1_epi32(0x7fc00000));
-        __m512 clamped = _mm512_min_ps(upper, v);  // v where it or the limit is NaN
+        __m512 clamped = _mm512_min_ps(upper, v);  // v when it or the limit is NaN
         clamped = _mm512_mask_mov_ps(clamped, _mm512_cmp_ps_mask(v, lower, _CMP_LT_OQ), lower);
         _mm512_storeu_ps(to, _mm512_mask_mov_ps(clamped, _mm512_cmp_ps_mask(v, v, _CMP_UNORD_Q), nan));
     }

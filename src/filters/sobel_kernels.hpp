@@ -1,4 +1,4 @@
-// Kernels of the Sobel gradient magnitude and their variants.
+// Sobel gradient magnitude kernels and their variants.
 #pragma once
 
 #include "filters/filter_kernels.hpp"
@@ -13,13 +13,13 @@ namespace orlix {
 //   16 bits  the table root of the sum, 65535 from 2^32 on;
 //   32 bits  floor(sqrt(gx^2 + gy^2) + 0.5) in double precision, the differences exact;
 //   float    sqrt(gx^2 + gy^2) in single precision, every step rounded: with d = I - A and e = C - G,
-//            gx = (d + e) + 2(F - D), gy = (d - e) + 2(H - B). NaN, which infinite neighbours can give too, is the
+//            gx = (d + e) + 2(F - D), gy = (d - e) + 2(H - B). NaN, also from infinite neighbours, becomes the
 //            quiet NaN 7fc00000. Squares of gradients beyond 1.8e19 are infinite.
-// Then it is clamped; NaN stays.
+// The magnitude is then clamped; NaN is kept.
 template <class T>
 void Sobel_scalar(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 
-// For all types but uint32_t.
+// For all types except uint32_t.
 template <class T>
 void Sobel_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters);
 template <class T>

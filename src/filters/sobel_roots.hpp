@@ -1,4 +1,4 @@
-// Square roots by tables, as the gradient magnitude of integer images takes them.
+// Square roots from tables, for the gradient magnitude of integer images.
 #pragma once
 
 #include <cstdint>
@@ -6,14 +6,14 @@
 
 namespace orlix {
 
-// Rounded roots of the middles of buckets of sums. A sum v is looked up by its highest bits that are not all zero:
+// Rounded roots of bucket centres. A sum v is looked up by its highest bits that are not all zero:
 //   bits 24..31   byBits24[v >> 24]   buckets of 2^24     16-bit images only
 //   bits 16..23   byBits16[v >> 16]   buckets of 65536    16-bit images only
 //   bits 12..15   byBits8[v >> 8]     buckets of 256; entry 255 is 255, not 256
 //   bits  8..11   byBits4[v >> 4]     buckets of 16
 //   else          exact[v]
-// So a root is within 3.2 % up to sums of 65535, but the first buckets of the wide tables are coarse: every sum from
-// 65536 to 131071 (roots of 256 to 362) gives 314, and those from 2^24 on (4096 to 5793) give 5017.
+// A root is thus within 3.2 % for sums up to 65535, but the first buckets of the wide tables are coarse: every sum from
+// 65536 to 131071 (roots of 256 to 362) gives 314, and sums from 2^24 on (4096 to 5793) give 5017.
 struct RootTables {
     uint8_t exact[256];
     uint8_t byBits4[256];
@@ -24,7 +24,7 @@ struct RootTables {
 
 consteval RootTables MakeRootTables() {
     RootTables tables = {};
-    // Entries grow, so each search goes on where the last one ended. (2r + 1)^2 <= 4m: r + 1/2 is not above the root of
+    // Entries grow, so each search continues from the previous one. (2r + 1)^2 <= 4m: r + 1/2 is not above the root of
     // m.
     const auto fill = [](auto& table, uint64_t step, uint64_t middle) {
         constexpr uint64_t most = sizeof(table[0]) == 1 ? 255 : 65535;

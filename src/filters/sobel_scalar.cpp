@@ -1,4 +1,4 @@
-// The definition of the Sobel magnitude.
+// Reference implementation of the Sobel magnitude.
 #include <cmath>
 #include <limits>
 

@@ -6,7 +6,8 @@
 namespace orlix {
 namespace {
 
-// To the nearest integer, halves up. One root of the wide tables is a half in single precision, and not an even one up.
+// To the nearest integer, halves up. One root of the wide tables is an exact half in single precision, which rounding
+// to even would round down.
 inline __m128i Rounded(__m128 v) { return _mm_cvttps_epi32(_mm_add_ps(v, _mm_set1_ps(0.5f))); }
 
 __m128i Select(__m128i mask, __m128i yes, __m128i no) {
@@ -43,7 +44,7 @@ struct SobelLanes<uint8_t> {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), Select(enough, _mm_min_epu8(root, upper), lower));
     }
 
-    // The table entries are the rounded roots of the middles of buckets: the bits of the sum that count, then a one.
+    // The table entries are the rounded roots of bucket centres: the significant bits of the sum, followed by a one.
     template <class At>
     ORLIX_INLINE static __m128i Roots(const At& at) {
         __m128i x, y;
@@ -54,7 +55,7 @@ struct SobelLanes<uint8_t> {
         const __m128i zero = _mm_setzero_si128();
         const __m128i below256 = _mm_cmpeq_epi16(_mm_srli_epi16(v, 8), zero);
         const __m128i below4096 = _mm_cmpeq_epi16(_mm_srli_epi16(v, 12), zero);
-        // The bits that do not count: 0, 4 or 8 low ones.
+        // The insignificant bits: 0, 4 or 8 low ones.
         const __m128i low = _mm_andnot_si128(below256, Select(below4096, _mm_set1_epi16(0xf), _mm_set1_epi16(0xff)));
         const __m128i middle = _mm_sub_epi16(_mm_or_si128(v, low), _mm_srli_epi16(low, 1));
         const auto root = [](__m128i m) { return Rounded(_mm_sqrt_ps(_mm_cvtepi32_ps(m))); };
@@ -77,7 +78,7 @@ struct SobelLanes<uint16_t> {
         };
         const __m128i v = Roots([&](int k, ptrdiff_t dx) { return _mm_unpacklo_epi16(load(k, dx), zero); });
         const __m128i w = Roots([&](int k, ptrdiff_t dx) { return _mm_unpackhi_epi16(load(k, dx), zero); });
-        // Packing saturates signed numbers, so 32768 is taken off for its time.
+        // Packing saturates signed numbers, so 32768 is subtracted first and restored afterwards.
         const __m128i half = _mm_set1_epi32(32768);
         const __m128i words = _mm_packs_epi32(_mm_sub_epi32(v, half), _mm_sub_epi32(w, half));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_xor_si128(words, _mm_set1_epi16(-32768)));
@@ -96,7 +97,7 @@ struct SobelLanes<uint16_t> {
         gx = magnitude(gx);
         gy = magnitude(gy);
 
-        // Sums of 64 bits in the even and in the odd lanes.
+        // 64-bit sums of the even and of the odd lanes.
         const __m128i ox = _mm_srli_epi64(gx, 32), oy = _mm_srli_epi64(gy, 32);
         const __m128i even = _mm_add_epi64(_mm_mul_epu32(gx, gx), _mm_mul_epu32(gy, gy));
         const __m128i odd = _mm_add_epi64(_mm_mul_epu32(ox, ox), _mm_mul_epu32(oy, oy));
@@ -104,12 +105,12 @@ struct SobelLanes<uint16_t> {
         const __m128i v = Select(evenLanes, even, _mm_slli_epi64(odd, 32));
         const __m128i over = Select(evenLanes, _mm_srli_epi64(even, 32), odd);
 
-        // The middle of the bucket: the bits that count, then a one. It has at most 9 bits, so it is exact in a float,
-        // also when 2^32 is added to what was converted as a negative number.
+        // The centre of the bucket: the significant bits, followed by a one. It has at most 9 bits, so it is exact in a
+        // float, also when 2^32 is added to a sum that was converted as a negative number.
         const __m128i zero = _mm_setzero_si128();
         const auto below = [&](int bits) { return _mm_cmpeq_epi32(_mm_srli_epi32(v, bits), zero); };
         const __m128i narrow = below(16);
-        __m128i low = _mm_set1_epi32(0xffffff);  // the bits that do not count
+        __m128i low = _mm_set1_epi32(0xffffff);  // the insignificant bits
         low = _mm_andnot_si128(_mm_andnot_si128(_mm_set1_epi32(0xffff), below(24)), low);
         low = _mm_andnot_si128(_mm_andnot_si128(_mm_set1_epi32(0xff), narrow), low);
         low = _mm_andnot_si128(_mm_andnot_si128(_mm_set1_epi32(0xf), below(12)), low);
@@ -141,7 +142,7 @@ struct SobelLanes<float> {
                  [](__m128 a, __m128 b) { return _mm_sub_ps(a, b); }, gx, gy);
         const __m128 v = _mm_sqrt_ps(_mm_add_ps(_mm_mul_ps(gx, gx), _mm_mul_ps(gy, gy)));
         const __m128 nan = _mm_castsi128_ps(_mm_set1_epi32(0x7fc00000));
-        const __m128 least = _mm_min_ps(upper, v);  // v where it or the limit is NaN
+        const __m128 least = _mm_min_ps(upper, v);  // v when it or the limit is NaN
         const __m128 under = _mm_cmplt_ps(v, lower), unknown = _mm_cmpunord_ps(v, v);
         const __m128 clamped = _mm_or_ps(_mm_and_ps(under, lower), _mm_andnot_ps(under, least));
         _mm_storeu_ps(to, _mm_or_ps(_mm_and_ps(unknown, nan), _mm_andnot_ps(unknown, clamped)));

@@ -1,4 +1,4 @@
-// How the vector kernels of the Sobel magnitude walk a row. For the files of one instruction set each.
+// How the Sobel vector kernels traverse a row. Included by the files of one instruction set each.
 #pragma once
 
 #include "filters/sobel_kernels.hpp"
@@ -15,7 +15,7 @@ namespace {
 template <class T>
 struct SobelLanes;
 
-// Whether it was done: n is at least one vector. The last vector ends with the row.
+// Returns false, having done nothing, when n is less than one vector. The last vector ends with the row.
 template <class T>
 ORLIX_INLINE bool SobelRow(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
     constexpr size_t kLanes = SobelLanes<T>::kLanes;

@@ -19,7 +19,7 @@ enum Unknown : size_t { kA, kB, kQ, kE, kC, kGx, kGy, kUnknowns };
 constexpr size_t kNonlinear = 3, kLinear = 4;
 using Vector = std::array<double, kUnknowns>;
 
-// Where the unknowns are counted from.
+// Origin and unit of the unknowns' coordinates.
 struct Place {
     double xMiddle = 0, yMiddle = 0, length = 1, z = 0;
 };
@@ -73,14 +73,14 @@ Sums SumsOf(const Source& source, const Place& place, const Vector& p) {
     return total;
 }
 
-// The sums with the linear unknowns at their best for the other three: those are then all that is left to look for.
+// The sums with the linear unknowns optimal for the other three, so that only those three are left to search for.
 struct Projection {
-    Vector p;                                 // the linear unknowns put at their best
+    Vector p;                                 // with the optimal linear unknowns
     double squares;                           // sum of squared residuals there
-    std::array<double, kNonlinear> gradient;  // half of it
+    std::array<double, kNonlinear> gradient;  // half the gradient of squares
     std::array<double, kNonlinear * kNonlinear> normal;
     std::array<std::array<double, kLinear>, kNonlinear>
-        followed;  // how the best linear unknowns follow the other three
+        followed;  // derivatives of the optimal linear unknowns by the other three
 };
 
 Projection Project(const Sums& sums, const Vector& p) {
@@ -102,7 +102,7 @@ Projection Project(const Sums& sums, const Vector& p) {
         projection.p[kNonlinear + i] += change[i];
         projection.squares += change[i] * sums.gradient[kNonlinear + i];
     }
-    // The derivatives by the nonlinear unknowns are proportional to c.
+    // The derivatives with respect to the nonlinear unknowns are proportional to c.
     const double ratio = projection.p[kC] / p[kC];
     for (size_t i = 0; i < kNonlinear; ++i) {
         auto& followed = projection.followed[i];
@@ -120,21 +120,21 @@ Projection Project(const Sums& sums, const Vector& p) {
     return projection;
 }
 
-// Where the search has come to.
+// The current state of the search.
 struct Descent {
     Vector p;
     double squares;
 };
 
-// Points that starts are followed on, that the scan of rims takes, and that go before all of a large region.
+// Numbers of points: to follow the starts on, for the scan of rims, and to use before all points of a large region.
 constexpr int64_t kThin = 2048, kScanned = 512, kFew = 65536;
 
-// A radius of 2^16 half sides of the region, and a centre as many of them away from its middle as is said here: beyond,
-// no hemisphere is told from a paraboloid.
+// Bounds: a radius of 2^16 half sides of the region (kLeastQ), and a centre kReach half sides away from its middle.
+// Beyond them, a hemisphere cannot be told from a paraboloid.
 constexpr double kLeastQ = 0x1p-32, kReach = 1024;
 
-// Sums and projection at p. Far from the best linear unknowns the squares left are a small difference of large sums:
-// there they are summed once more, at the best ones.
+// Sums and projection at p. Far from the optimal linear unknowns the remaining squares are a small difference of large
+// sums; there they are summed again, at the optimal ones.
 struct Station {
     Sums sums;
     Projection at;
@@ -192,8 +192,8 @@ Descent Refine(const Source& source, const Place& place, double deviation, const
     return {here.at.p, here.at.squares};
 }
 
-// Every k-th column and row, k = 1, 2, ..., so that no more than about `most` points are left; all of a region of so
-// few rows or columns that hardly any would be.
+// Every k-th column and row, k = 1, 2, ..., so that no more than about `most` points are left; all points of a region
+// with so few rows or columns that hardly any would be left.
 template <class Source>
 std::vector<SurfacePoint> Thinned(const Source& source, int64_t most) {
     auto every =
@@ -210,9 +210,8 @@ std::vector<SurfacePoint> Thinned(const Source& source, int64_t most) {
     }
 }
 
-// Caps whose rim lies in the region: of circles of a few radii about a grid of centres those that explain most when
-// height and base follow by linear regression. They are starts only: what they cost is some hundred sums over few
-// points.
+// Caps whose rim lies in the region: among circles of a few radii about a grid of centres, those that explain most when
+// height and base follow by linear regression. They only serve as starts; they cost some hundred sums over few points.
 class RimScan {
 public:
     RimScan(const std::vector<SurfacePoint>& points, const Place& place) {
@@ -236,7 +235,7 @@ public:
         for (Sample& sample : samples_) sample.z -= plane[0] + plane[1] * sample.x + plane[2] * sample.y;
     }
 
-    // One start for each radius.
+    // One start per radius.
     std::vector<Vector> Starts() const {
         std::vector<Vector> starts;
         for (const double radius : {0.3, 0.45, 0.65, 0.95, 1.35}) {
@@ -259,10 +258,10 @@ public:
 
 private:
     struct Sample {
-        double x, y, z;  // z less its plane
+        double x, y, z;  // z minus the fitted plane
     };
 
-    // By how much the cap lowers the sum of squares that the plane leaves.
+    // The reduction by the cap of the sum of squares that the plane leaves.
     double Explained(double a, double b, double q) const {
         double phiZ = 0, phiPhi = 0;
         std::array<double, 3> onBase = {}, share;
@@ -280,7 +279,7 @@ private:
     }
 
     std::vector<Sample> samples_;
-    std::optional<LuDecomposition> lu_;  // of the plane
+    std::optional<LuDecomposition> lu_;  // for the plane
     double xMost_ = 0, yMost_ = 0;
 };
 
@@ -294,7 +293,7 @@ Vector StartFrom(const Hemisphere& hemisphere, const Place& place) {
     return p;
 }
 
-// The start from which a few steps on the few points come farthest.
+// The start from which a few steps on the few points get farthest.
 Vector BestRim(const std::vector<SurfacePoint>& points, const Place& place, double deviation) {
     std::optional<Descent> best;
     for (const Vector& start : RimScan(points, place).Starts()) {
@@ -304,8 +303,8 @@ Vector BestRim(const std::vector<SurfacePoint>& points, const Place& place, doub
     return best->p;
 }
 
-// The smallest of the sums that the starts lead to. In a large region they are followed on few of its points, and the
-// best on all; so is any other that is nearly as good and not the same.
+// The smallest of the sums that the starts lead to. In a large region they are followed on a few of its points, and the
+// best continues on all points, as does any other that is nearly as good and distinct.
 template <class Source>
 Vector Search(const Source& source, const Place& place, double deviation, const std::vector<Vector>& starts) {
     std::vector<Descent> ends;

@@ -5,12 +5,12 @@
 namespace orlix {
 namespace {
 
-// floor(s + half) of eight shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for everything that
-// lifts a pixel of 16 bits over the type's range, -2^31 for what takes it below.
+// floor(s + half) of eight shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for every shift
+// that raises a 16-bit pixel above the type's range, -2^31 for every shift that lowers it below.
 struct Rounder {
     __m256d half, most = _mm256_set1_pd(0x1.fffffffcp30), least = _mm256_set1_pd(-0x1p31);
     explicit Rounder(double h) : half(_mm256_set1_pd(h)) {}
-    // maxpd and minpd return the second operand where one is NaN.
+    // maxpd and minpd return the second operand when either is NaN.
     __m128i Four(const double* shifts) const {
         const __m256d s = _mm256_add_pd(_mm256_loadu_pd(shifts), half);
         return _mm256_cvttpd_epi32(_mm256_floor_pd(_mm256_min_pd(_mm256_max_pd(s, least), most)));
@@ -43,7 +43,7 @@ void Correct_avx2(uint8_t* pixels, const double* shifts, size_t n, const Correct
     const __m256i lower = _mm256_set1_epi16(parameters.lower), upper = _mm256_set1_epi16(parameters.upper);
     size_t i = 0;
     for (; i + 16 <= n; i += 16) {
-        // Packing works in each half: the quarters come out as 0 2 1 3.
+        // Packing works in each half separately: the quarters come out as 0 2 1 3.
         const __m256i packed = _mm256_packs_epi32(rounder.Eight(shifts + i), rounder.Eight(shifts + i + 8));
         const __m256i h = _mm256_permute4x64_epi64(packed, 0xd8);
         __m128i* const at = reinterpret_cast<__m128i*>(pixels + i);
@@ -54,8 +54,8 @@ void Correct_avx2(uint8_t* pixels, const double* shifts, size_t n, const Correct
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Shifts saturated at 2^31 - 1 would overflow when a pixel is added: the shift is, instead, clamped to bounds less the
-// pixel.
+// Shifts saturated at 2^31 - 1 would overflow when added to a pixel, so the shift is clamped instead, to the bounds
+// minus the pixel.
 void Correct_avx2(uint16_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint16_t>& parameters) {
     if (parameters.lower > parameters.upper) return Correct_scalar(pixels, shifts, n, parameters);
     const Rounder rounder(parameters.half);

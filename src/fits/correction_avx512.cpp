@@ -7,12 +7,12 @@
 namespace orlix {
 namespace {
 
-// floor(s + half) of sixteen shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for everything
-// that lifts a pixel of 16 bits over the type's range, -2^31 for what takes it below.
+// floor(s + half) of sixteen shifts within +-2^33 as 32-bit integers, which saturate: 2^31 - 1 stands for every shift
+// that raises a 16-bit pixel above the type's range, -2^31 for every shift that lowers it below.
 struct Rounder {
     __m512d half, most = _mm512_set1_pd(0x1.fffffffcp30), least = _mm512_set1_pd(-0x1p31);
     explicit Rounder(double h) : half(_mm512_set1_pd(h)) {}
-    // maxpd and minpd return the second operand where one is NaN.
+    // maxpd and minpd return the second operand when either is NaN.
     __m256i Eight(const double* shifts) const {
         const __m512d s = _mm512_add_pd(_mm512_loadu_pd(shifts), half);
         const __m512d kept = _mm512_min_pd(_mm512_max_pd(s, least), most);
@@ -26,9 +26,9 @@ struct Rounder {
 constexpr size_t kSegment = 1024, kBlock = 64;
 constexpr double kMiddle = 0.5 * (kSegment - 1), kRadius = 0.5 * kSegment;
 
-// Taylor's coefficients of a row's polynomial about t. The definition and these differ from the true polynomial by less
-// than 2^-46 of the sum of its terms' magnitudes, single precision within kRadius by less than 2^-22 of that of the
-// expansion's terms.
+// Taylor coefficients of a row's polynomial about t. Both the definition and these differ from the true polynomial by
+// less than 2^-46 of the sum of its terms' magnitudes; in single precision, within kRadius, by less than 2^-22 of the
+// sum of the magnitudes of the expansion's terms.
 struct Expansion {
     double a[4];
     double error;
@@ -46,8 +46,8 @@ struct Expansion {
     }
 };
 
-// Columns of a segment, from its middle. Of each block of 64 the eights 0 2 4 6, then 1 3 5 7, as unpacking its bytes
-// to words leaves them in two registers.
+// Columns of a segment, relative to its middle. In each block of 64, the groups of eight are in the order 0 2 4 6, then
+// 1 3 5 7, as unpacking bytes to words leaves them in two registers.
 struct Columns {
     alignas(64) float t[kSegment];
     constexpr Columns() : t() {
@@ -59,11 +59,11 @@ struct Columns {
 };
 constexpr Columns kColumns;
 
-// Blocks of 64 pixels, up to the first in which a value lies too near to a half; gives the pixels done.
+// Processes blocks of 64 pixels up to the first with a value too close to a half; returns the number of pixels done.
 template <int Degree>
 size_t CorrectBlocks(uint8_t* pixels, size_t n, const Expansion& expansion, const float* columns,
                      const CorrectionParameters<uint8_t>& parameters) {
-    // Added to a float below 2^22 this leaves the nearest whole number in the low bits.
+    // Added to a float below 2^22, this leaves the nearest integer in the low bits.
     const __m512 magic = _mm512_set1_ps(0x1.8p23f);
     const __m512 f0 = _mm512_set1_ps(static_cast<float>(expansion.a[0]));
     const __m512 f1 = _mm512_set1_ps(static_cast<float>(expansion.a[1]));
@@ -135,8 +135,8 @@ void Correct_avx512(uint8_t* pixels, const double* shifts, size_t n, const Corre
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Shifts saturated at 2^31 - 1 would overflow when a pixel is added: the shift is, instead, clamped to bounds less the
-// pixel.
+// Shifts saturated at 2^31 - 1 would overflow when added to a pixel, so the shift is clamped instead, to the bounds
+// minus the pixel.
 void Correct_avx512(uint16_t* pixels, const double* shifts, size_t n,
                     const CorrectionParameters<uint16_t>& parameters) {
     if (parameters.lower > parameters.upper) return Correct_scalar(pixels, shifts, n, parameters);
@@ -168,10 +168,10 @@ void Correct_avx512(float* pixels, const double* shifts, size_t n, const Correct
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Rounded shifts mostly follow from the polynomial in single precision: about the middle of a segment of 1024 pixels,
-// where that has an error of some 2^-16 grey levels, sixteen values at a time. Only where a value comes closer to a
-// half than the bound of that error may the definition round otherwise; such blocks of 64 pixels take the way of shifts
-// in memory.
+// Rounded shifts mostly follow from the polynomial in single precision: expanded about the middle of a segment of 1024
+// pixels, where it has an error of some 2^-16 grey levels, sixteen values at a time. Only where a value comes closer to
+// a half than the bound of that error may the definition round differently; such blocks of 64 pixels are corrected by
+// way of shifts in memory.
 void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
                        const CorrectionParameters<uint8_t>& parameters) {
     const auto exactly = [&](size_t first, size_t count) {
@@ -183,7 +183,7 @@ void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial&
     while (i + kBlock <= n) {
         const size_t end = n - i < kSegment ? i + (n - i) / kBlock * kBlock : i + kSegment;
         const Expansion expansion(row, x + static_cast<double>(i) + kMiddle);
-        if (!(expansion.error < 0x1p-6)) {  // NaN too
+        if (!(expansion.error < 0x1p-6)) {  // also for NaN
             exactly(i, end - i);
         } else {
             const auto blocks = expansion.a[3] != 0   ? &CorrectBlocks<3>

@@ -1,4 +1,4 @@
-// Kernels of corrections and their variants. All accept n = 0.
+// Correction kernels and their variants. All accept n = 0.
 #pragma once
 
 #include "fits/correction.hpp"
@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-// shifts[i] = the row's polynomial at x + i. x is a whole number.
+// shifts[i] = the row's polynomial at x + i. x is an integer.
 using ShiftsFn = void (*)(double* shifts, size_t n, double x, const RowPolynomial& row);
 
 Kernel<ShiftsFn> Shifts_scalar, Shifts_sse2, Shifts_avx2, Shifts_avx512;
@@ -18,9 +18,9 @@ inline constexpr Variant<ShiftsFn> kShifts[] = {
     {"scalar", Cpu::Any, &Shifts_scalar},
 };
 
-// Integers: h = floor(s + half) with s + half kept within +-2^33 (NaN: -2^33), q = p + h; q < lower gives lower, else
-// q > upper gives upper, else q. Float: v = p + s in double; v < lower gives lower, else v > upper gives upper, else v
-// rounded.
+// Integers: h = floor(s + half) with s + half limited to +-2^33 (NaN: -2^33), q = p + h; the result is lower if
+// q < lower, else upper if q > upper, else q. Float: v = p + s in double; lower if v < lower, else upper if v > upper,
+// else v rounded to float.
 template <class T>
 using CorrectFn = void (*)(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
 
@@ -62,7 +62,7 @@ inline constexpr Variant<CorrectRowFn> kCorrectRow[] = {
 
 namespace {  // used in files of every instruction set: each keeps its own copy
 
-// A row by way of shifts in memory, a piece at a time.
+// Corrects a row by way of shifts in memory, a piece at a time.
 template <class T>
 void CorrectInPieces(ShiftsFn fill, CorrectFn<T> correct, T* pixels, size_t n, double x, const RowPolynomial& row,
                      const CorrectionParameters<T>& parameters) {

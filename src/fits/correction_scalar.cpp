@@ -1,4 +1,4 @@
-// The definitions of the kernels of corrections.
+// Reference implementations of the correction kernels.
 #include <cmath>
 
 #include "fits/correction_kernels.hpp"

@@ -5,15 +5,15 @@
 namespace orlix {
 namespace {
 
-// floor(s + half) of four shifts, those beyond +-1024 replaced by +-1024, as 32-bit integers.
+// floor(s + half) of four shifts, limited to +-1024, as 32-bit integers.
 struct Rounder {
     __m128d half, most = _mm_set1_pd(1024.0), least = _mm_set1_pd(-1024.0);
     explicit Rounder(double h) : half(_mm_set1_pd(h)) {}
-    // maxpd and minpd return the second operand where one is NaN.
+    // maxpd and minpd return the second operand when either is NaN.
     __m128i Two(const double* shifts) const {
         const __m128d s = _mm_min_pd(_mm_max_pd(_mm_add_pd(_mm_loadu_pd(shifts), half), least), most);
         const __m128i truncated = _mm_cvttpd_epi32(s);
-        // -1 where truncation went up.
+        // -1 where truncation rounded up.
         const __m128i above = _mm_castpd_si128(_mm_cmpgt_pd(_mm_cvtepi32_pd(truncated), s));
         return _mm_add_epi32(truncated, _mm_shuffle_epi32(above, _MM_SHUFFLE(3, 3, 2, 0)));
     }

@@ -14,7 +14,7 @@ void HemisphereRow_avx2(const HemisphereRow& row, double x, size_t n, double* va
     size_t i = 0;
     for (; i + 4 <= n; i += 4) {
         const __m256d dx = _mm256_sub_pd(at, center);
-        // The maximum takes its second operand when the first is NaN.
+        // The maximum returns its second operand when the first is NaN.
         const __m256d square = _mm256_max_pd(_mm256_sub_pd(squares, _mm256_mul_pd(dx, dx)), zero);
         const __m256d plane = _mm256_add_pd(base, _mm256_mul_pd(slope, dx));
         _mm256_storeu_pd(values + i, _mm256_add_pd(plane, _mm256_mul_pd(height, _mm256_sqrt_pd(square))));

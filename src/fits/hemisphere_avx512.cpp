@@ -14,7 +14,7 @@ void HemisphereRow_avx512(const HemisphereRow& row, double x, size_t n, double* 
     size_t i = 0;
     for (; i + 8 <= n; i += 8) {
         const __m512d dx = _mm512_sub_pd(at, center);
-        // The maximum takes its second operand when the first is NaN.
+        // The maximum returns its second operand when the first is NaN.
         const __m512d square = _mm512_max_pd(_mm512_sub_pd(squares, _mm512_mul_pd(dx, dx)), zero);
         const __m512d plane = _mm512_add_pd(base, _mm512_mul_pd(slope, dx));
         _mm512_storeu_pd(values + i, _mm512_add_pd(plane, _mm512_mul_pd(height, _mm512_sqrt_pd(square))));

@@ -11,7 +11,7 @@ namespace {
 // The regression on u = x - xMiddle, v = y - yMiddle, t = z - zMiddle and 1, in this order.
 using Four = std::array<double, 4>;
 
-// Squares and products of the regressors; summed run by run, so that rounding does not grow with the image.
+// Squares and products of the regressors, summed run by run, so that the rounding error does not grow with the image.
 struct Moments {
     double n = 0, u = 0, v = 0, t = 0, uu = 0, uv = 0, ut = 0, vv = 0, vt = 0, tt = 0;
     void operator+=(const Moments& m) {
@@ -20,7 +20,7 @@ struct Moments {
     }
 };
 
-// A regressed number: its products with the regressors, and its square.
+// A regressed quantity: its products with the regressors, and its square.
 struct Regressed {
     double u = 0, v = 0, t = 0, one = 0, square = 0;
     void Add(double value, double pu, double pv, double pt) {
@@ -33,7 +33,7 @@ struct Regressed {
     void operator+=(const Regressed& r) { u += r.u, v += r.v, t += r.t, one += r.one, square += r.square; }
 };
 
-// Normal equations of the regressors less their means.
+// Normal equations of the regressors minus their means.
 class Regression {
 public:
     explicit Regression(const Moments& m) : m_(m), lu_(Centred(m), 3) {
@@ -41,11 +41,11 @@ public:
         const double uu = a[0], uv = a[1], ut = a[2], vv = a[4], vt = a[5], tt = a[8];
         const double vvRest = vv - uv * uv / uu, vtRest = vt - uv * ut / uu;
         const double ttRest = tt - ut * ut / uu - vtRest * vtRest / vvRest;
-        // The square of 1e-6: what is left of a regressor that depends on the others but for single precision.
+        // (1e-6)^2: the remainder of a regressor that depends on the others apart from single-precision rounding.
         constexpr double kLeast = 1e-12;
         determined_ = uu > 0 && vvRest > kLeast * vv && ttRest > kLeast * tt;
     }
-    // False where a regressor depends on the others, and for NaN.
+    // False when a regressor depends on the others, and for NaN.
     bool determined() const { return determined_; }
 
     Four Solve(const Regressed& r) const {
@@ -119,7 +119,7 @@ std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double avera
         return rest.square - (more[0] * rest.u + more[1] * rest.v + more[2] * rest.t + more[3] * rest.one);
     };
     const double a = correct(wOn, wRest), d = correct(qOn, qRest);
-    // Residuals of the order of rounding: 1e-14 of the regressed number.
+    // Residuals on the order of rounding: 1e-14 of the regressed quantity.
     constexpr double kLeast = 1e-28;
     if (!(a > kLeast * ofW.square && d > kLeast * ofQ.square)) return std::nullopt;
 
@@ -135,7 +135,7 @@ std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double avera
     const double side = above > 0 ? 1 : above < 0 ? -1 : 0;
     hemisphere.zScale = std::sqrt(ratio) * side;
     double square = xOff * xOff + yOff * yOff + ratio * zOff * zOff + on[3];
-    // The radius is stated with the square of zScale, which has lost the ratio when there is no side.
+    // The radius refers to the square of zScale, which is 0 instead of the ratio when there is no side.
     if (side == 0) square -= ratio * hemisphere.zCenter * hemisphere.zCenter;
     hemisphere.radius = std::sqrt(square);
     return hemisphere;

@@ -1,4 +1,4 @@
-// Kernels of the height of a hemisphere along a row and their variants.
+// Kernels for the height of a hemisphere along a row, and their variants.
 #pragma once
 
 #include <cstddef>

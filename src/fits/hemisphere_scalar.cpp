@@ -1,4 +1,4 @@
-// The definition of the height of a hemisphere along a row.
+// Reference implementation of the height of a hemisphere along a row.
 #include <cmath>
 
 #include "fits/hemisphere_kernels.hpp"

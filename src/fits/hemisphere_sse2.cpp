@@ -12,7 +12,7 @@ void HemisphereRow_sse2(const HemisphereRow& row, double x, size_t n, double* va
     size_t i = 0;
     for (; i + 2 <= n; i += 2) {
         const __m128d dx = _mm_sub_pd(at, center);
-        // The maximum takes its second operand when the first is NaN.
+        // The maximum returns its second operand when the first is NaN.
         const __m128d square = _mm_max_pd(_mm_sub_pd(squares, _mm_mul_pd(dx, dx)), zero);
         const __m128d plane = _mm_add_pd(base, _mm_mul_pd(slope, dx));
         _mm_storeu_pd(values + i, _mm_add_pd(plane, _mm_mul_pd(height, _mm_sqrt_pd(square))));

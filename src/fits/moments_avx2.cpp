@@ -18,7 +18,7 @@ ORLIX_INLINE uint64_t Sum64(const __m256i& v) {
     return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]);
 }
 
-// Sums, sums of the sums after each block, and so on; members, as the compiler keeps arrays in memory.
+// Sums, sums of the sums after each block, and so on; separate members because the compiler keeps arrays in memory.
 template <int Degree>
 struct Nested {
     __m256i s0 = _mm256_setzero_si256(), s1 = s0, s2 = s0, s3 = s0;
@@ -41,8 +41,8 @@ struct Nested {
 
 }  // namespace
 
-// Blocks of 16 pixels. 128 blocks of 8 bits and 32 of 16 bits keep the third nested sum, C(B + 3, 4) times the largest
-// pixel, below 2^32.
+// Blocks of 16 pixels. 128 blocks of 8-bit pixels, or 32 of 16-bit pixels, keep the third nested sum, C(B + 3, 4) times
+// the largest pixel, below 2^32.
 template <class T, int Degree>
 void Moments_avx2(const T* pixels, size_t n, uint64_t* m) {
     constexpr size_t kPart = 16 * (sizeof(T) == 1 ? 128 : 32);
@@ -63,8 +63,8 @@ void Moments_avx2(const T* pixels, size_t n, uint64_t* m) {
     }
 }
 
-// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
-// it adds block b up B - b times.
+// Blocks of 32 pixels. The sum of block number times pixel comes from the running sum of the prefix sums: after B
+// blocks it contains block b B - b times.
 template <>
 void Moments_avx2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m) {
     const __m256i zero = _mm256_setzero_si256(), ones = _mm256_set1_epi16(1);

@@ -14,7 +14,7 @@ ORLIX_INLINE __m512i Pixels(const uint16_t* pixels, __mmask16 which) {
 }
 ORLIX_INLINE uint64_t Sum64(const __m512i& v) { return static_cast<uint64_t>(_mm512_reduce_add_epi64(v)); }
 
-// Sums, sums of the sums after each block, and so on; members, as the compiler keeps arrays in memory.
+// Sums, sums of the sums after each block, and so on; separate members because the compiler keeps arrays in memory.
 template <int Degree>
 struct Nested {
     __m512i s0 = _mm512_setzero_si512(), s1 = s0, s2 = s0, s3 = s0;
@@ -39,8 +39,8 @@ alignas(16) constexpr uint8_t kCounting[64] = {0,  1,  2,  3,  4,  5,  6,  7,  8
 
 }  // namespace
 
-// Blocks of 32 pixels; those after the last one count as 0 and are not read. 128 blocks of 8 bits and 32 of 16 bits
-// keep the third nested sum, C(B + 3, 4) times the largest pixel, below 2^32.
+// Blocks of 32 pixels; pixels after the last one count as 0 and are not read. 128 blocks of 8-bit pixels, or 32 of
+// 16-bit pixels, keep the third nested sum, C(B + 3, 4) times the largest pixel, below 2^32.
 template <class T, int Degree>
 void Moments_avx512(const T* pixels, size_t n, uint64_t* m) {
     for (int k = 0; k <= Degree; ++k) m[k] = 0;
@@ -61,8 +61,8 @@ void Moments_avx512(const T* pixels, size_t n, uint64_t* m) {
     AddNested<Degree>(lanes, (n + 31) / 32, 0, m);
 }
 
-// Blocks of 64 pixels. The sum of block number times pixel comes from the running sum of the sums so far: with B blocks
-// it adds block b up B - b times.
+// Blocks of 64 pixels. The sum of block number times pixel comes from the running sum of the prefix sums: after B
+// blocks it contains block b B - b times.
 template <>
 void Moments_avx512<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m) {
     const __m512i zero = _mm512_setzero_si512(), ones = _mm512_set1_epi16(1);

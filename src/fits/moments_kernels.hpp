@@ -8,7 +8,8 @@
 
 namespace orlix {
 
-// Most pixels of one call, for integers: sum of i^3 p[i] stays below 2^54, so that 64 rows of it fit 64 bits.
+// Maximum number of integer pixels per call: the sum of i^3 p[i] stays below 2^54, so that 64 rows of it fit in 64
+// bits.
 template <class T>
 inline constexpr size_t kMostOfMoments = sizeof(T) == 1   ? 4096
                                          : sizeof(T) == 2 ? 1024
@@ -34,8 +35,8 @@ void Moments_avx2<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
 template <>
 void Moments_avx512<uint8_t, 1>(const uint8_t* pixels, size_t n, uint64_t* m);
 
-// Float: d = p - origin and t = first + 2i in double; e = d, then e = e t for each further k; lane i % 8 of m[k] takes
-// the e in order of i. The lanes of m are overwritten.
+// Float: d = p - origin and t = first + 2i in double; e = d, then e = e t for each further k; lane i % 8 of m[k]
+// accumulates e in order of i. The lanes of m are overwritten.
 struct FloatMoments {
     double lane[4][8];
 };
@@ -50,7 +51,7 @@ void FloatMoments_avx2(const float* pixels, size_t n, double origin, double firs
 template <int Degree>
 void FloatMoments_avx512(const float* pixels, size_t n, double origin, double first, FloatMoments& m);
 
-// Adds the pixels begin..n-1 to lanes, the definition's way.
+// Adds the pixels begin..n-1 to lanes as the reference kernel does.
 template <int Degree>
 void AddFloatMoments(const float* pixels, size_t begin, size_t n, double origin, double first, FloatMoments& m);
 
@@ -75,8 +76,8 @@ inline constexpr Variant<FloatMomentsFn> kFloatMoments[] = {
 
 namespace {  // used in files of every instruction set: each keeps its own copy
 
-// Sums m[p] of weights times t^p, p = 0..degree, become those of weights times (t + by)^p. T: DoublePair by double, or
-// integers modulo 2^64.
+// Converts sums m[p] of weights times t^p, p = 0..degree, to sums of weights times (t + by)^p. T: DoublePair by double,
+// or integers modulo 2^64.
 template <class T, class By>
 void ShiftMoments(T* m, int degree, By by) {
     for (int pass = 0; pass < degree; ++pass)
@@ -92,10 +93,10 @@ struct LanePowers {
     }
 };
 
-// What nested running sums hold. Pixels come in blocks of `Lanes`; with B blocks, a[0] is for each lane the sum of its
-// pixels, a[1] the sum of what a[0] was after each block, and so on: block b was added to a[q] C(B - b + q - 1, q)
-// times. Adds the moments of these pixels, of which the first has the index `first`, to m. Modulo 2^64 throughout; only
-// the result need fit.
+// Converts nested running sums to moments. Pixels come in blocks of `Lanes`; after B blocks, a[0] is for each lane the
+// sum of its pixels, a[1] the sum of the values of a[0] after each block, and so on: block b was added to a[q]
+// C(B - b + q - 1, q) times. Adds the moments of these pixels, the first of which has the index `first`, to m. Modulo
+// 2^64 throughout; only the result has to fit.
 template <int Degree, size_t Lanes>
 void AddNested(const uint32_t (&a)[Degree + 1][Lanes], uint64_t blocks, uint64_t first, uint64_t* m) {
     uint64_t t[4][4] = {};  // [q][r]: sum over lanes i of i^r a[q][i]

@@ -1,4 +1,4 @@
-// The definitions of the kernels of moments.
+// Reference implementations of the moment kernels.
 #include "fits/moments_kernels.hpp"
 
 namespace orlix {

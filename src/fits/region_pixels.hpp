@@ -1,4 +1,4 @@
-// The pixels of a region in one band, for operations that visit them more than once or one by one.
+// The pixels of a region in one band, for operations that visit them several times or individually.
 #pragma once
 
 #include <algorithm>
@@ -29,12 +29,13 @@ public:
 
     int64_t count() const { return starts_.back(); }
 
-    // visit(pixels, n, x, y): n >= 1 pixels from (x, y) on; top to bottom, left to right. This is the run order.
+    // Calls visit(pixels, n, x, y) for n >= 1 pixels from (x, y) on; top to bottom, left to right. This is the run
+    // order.
     template <class Visit>
     void ForEachRun(Visit&& visit) const {
         for (int32_t y = rows_.top(); y <= rows_.bottom(); ++y) ForEachRunOf(y, visit);
     }
-    // As ForEachRun; stops after the row for which more() gives false.
+    // Like ForEachRun, but stops after the row for which more() returns false.
     template <class Visit, class More>
     void ForEachRun(Visit&& visit, More&& more) const {
         for (int32_t y = rows_.top(); y <= rows_.bottom(); ++y) {
@@ -43,7 +44,7 @@ public:
         }
     }
 
-    // Pixel number index in run order, 0 <= index < count(). Takes a search over the rows.
+    // Pixel number `index` in run order, 0 <= index < count(). Requires a search over the rows.
     SurfacePoint At(int64_t index) const {
         const auto after = std::upper_bound(starts_.begin(), starts_.end(), index);
         const auto row = static_cast<int32_t>(after - starts_.begin()) - 1;
@@ -68,10 +69,10 @@ private:
 
     PixelView<T> view_;
     const RegionRows& rows_;
-    std::vector<int64_t> starts_;  // index of the first pixel of each row, and the number of all pixels
+    std::vector<int64_t> starts_;  // index of the first pixel of each row, then the total number of pixels
 };
 
-// A few pixels as runs of one.
+// A few pixels, presented as runs of one.
 class PointRuns {
 public:
     using Pixel = double;

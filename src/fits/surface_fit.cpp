@@ -27,7 +27,8 @@ void Scale(DoublePair* m, int degree, double scale) {
     for (int k = 1; k <= degree; ++k) m[k] *= power *= scale;
 }
 
-// Moments m[q][p] of columns i and rows j become those of u = uScale i + u, v = vScale j + v and are added to sums.
+// Converts moments m[q][p] of columns i and rows j to moments of u = uScale i + u, v = vScale j + v and adds them to
+// sums.
 template <size_t N>
 void AddMapped(DoublePair (&m)[N][N], int degree, double uScale, double u, double vScale, double v,
                std::span<DoublePair> sums) {
@@ -48,7 +49,7 @@ DoublePair ToPair(uint64_t value) {
     return ExactSum(static_cast<double>(value >> 32) * 0x1p32, static_cast<double>(value & 0xffffffff));
 }
 
-// Sums of i^p over i < k, k <= 256. 64 rows of the largest stay below 2^60.
+// Sums of i^p over i < k, k <= 256. 64 rows of the largest one stay below 2^60.
 constexpr int32_t kCell = 256;
 struct IndexPowerSums {
     uint64_t of[7][kCell + 1] = {};
@@ -59,8 +60,8 @@ struct IndexPowerSums {
 };
 constexpr IndexPowerSums kIndexPowerSums;
 
-// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A run of its own is
-// cut at every 256th column: its ends go into exact integer sums of cells of 64 rows, whole cells between them into
+// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A separate run is cut
+// at every 256th column: its ends go into exact integer sums of cells of 64 rows, the whole cells between them into
 // rectangles.
 class CoordinateSums {
 public:
@@ -73,7 +74,7 @@ public:
           cells_(static_cast<size_t>(bounds.right - bounds.left) / kCell + 1) {}
 
     void Add(const RegionRows& rows) {
-        Block same;  // rows of one run, the same in each
+        Block same;  // rows of a single run, identical in each
         for (int32_t y = bounds_.top; y <= bounds_.bottom; ++y) {
             const std::span<const Run> runs = rows.row(y);
             if (runs.size() == 1 && same.Grow(runs[0], y)) continue;
@@ -169,7 +170,7 @@ private:
     const SurfaceFrame& frame_;
     PixelBounds bounds_;
     std::span<DoublePair> sums_;
-    int32_t top_;  // of the cells at work
+    int32_t top_;  // of the current cells
     std::vector<Cell> cells_;
     Block between_[2];  // whole cells of the first and the second run of rows
 };
@@ -227,7 +228,7 @@ SurfacePolynomial NormalEquations::Solve(double origin) {
             for (int s = 0; s <= degree_; ++s)
                 for (int r = 0; r + s <= degree_; ++r)
                     matrix[MonomialIndex(p, q) * unknowns + MonomialIndex(r, s)] = matrix_[MonomialIndex(p + r, q + s)];
-    // The grey values as they are: which of the surfaces that fit equally well is the shortest depends on where 0 is.
+    // The unshifted grey values: which of several equally good surfaces is the shortest depends on where 0 is.
     for (size_t i = 0; i < unknowns; ++i) right_[i] += matrix_[i] * origin;
     std::array<DoublePair, kMostUnknowns> solution;
     SolveRefined({matrix.data(), unknowns * unknowns}, {right_.data(), unknowns}, {solution.data(), unknowns});

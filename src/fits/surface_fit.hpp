@@ -13,35 +13,35 @@ namespace orlix {
 
 struct FloatMoments;
 
-// The smallest rectangle that holds all pixels of a region; left > right when there are none.
+// The smallest rectangle that holds all pixels of a region; left > right for an empty region.
 struct PixelBounds {
     int32_t left = 0, top = 0, right = -1, bottom = -1;
     bool empty() const { return right < left; }
 };
 PixelBounds BoundsOf(const RegionRows& rows);
 
-// The normal equations of a fit. In exact arithmetic their solution is that of the equations in x and y; they are
-// formed and solved in the frame's u and v, sums and solution with some 100 bits, so that what is returned is as good
-// as coefficients that are doubles can be, wherever the region lies and however large it is.
+// The normal equations of a fit. In exact arithmetic their solution is that of the equations in x and y. They are
+// formed and solved in the frame's u and v, with sums and solution in some 100 bits, so that the results are as
+// accurate as double coefficients can be, wherever the region lies and however large it is.
 //
-// Pixels that do not determine the surface (a single row, a line, few columns: whatever leaves a singular value of the
-// matrix in u and v at 1e-12 of the largest or below): of the surfaces that fit best, the one whose coefficients in u
-// and v have the least sum of squares.
+// Where the pixels do not determine the surface (a single row, a line, few columns: whatever makes a singular value of
+// the matrix in u and v at most 1e-12 of the largest), the solution is, among the surfaces that fit best, the one whose
+// coefficients in u and v have the least sum of squares.
 class NormalEquations {
 public:
-    // Takes the coordinates of the pixels of rows, which lie in bounds, not empty.
+    // Takes the coordinates of the pixels of rows. bounds contains them and is not empty.
     NormalEquations(int degree, const RegionRows& rows, const PixelBounds& bounds);
 
     const SurfaceFrame& frame() const { return frame_; }
 
-    // Sums of grey value times i^p j^q, moments[q][p], p + q <= degree, over pixels at u = uScale i + u, v = vScale j +
-    // v. The scales are powers of two.
+    // Adds sums of grey value times i^p j^q, moments[q][p], p + q <= degree, over pixels at u = uScale i + u,
+    // v = vScale j + v. The scales are powers of two.
     void AddMoments(DoublePair (&moments)[4][4], double uScale, double u, double vScale, double v);
 
-    // Whether every grey value was.
+    // Whether all grey values were finite.
     bool finite() const;
 
-    // The grey values gathered are those less the origin.
+    // Takes the gathered grey values as differences from origin.
     SurfacePolynomial Solve(double origin);
 
 private:
@@ -51,12 +51,12 @@ private:
     std::array<DoublePair, 10> right_;   // sum of z u^p v^q, p + q <= 3
 };
 
-// Gathers the pixels of a region, run by run in the order of the rows. T is uint8_t, uint16_t, uint32_t or float.
+// Gathers the pixels of a region, run by run in row order. T is uint8_t, uint16_t, uint32_t or float.
 //
-// Fewer pixels than monomials are kept, and give the ShortestPolynomial. For all others the normal equations:
-// Integer pixels: sums over tiles of 64 rows by some hundred columns or more are exact integers. Float pixels: sums of
-// a run in doubles, eight lanes, of the difference from the first pixel when that is finite, so that a common offset
-// costs nothing.
+// If there are fewer pixels than monomials, they are kept and give the ShortestPolynomial. Otherwise they enter the
+// normal equations. Integer pixels: sums over tiles of 64 rows by some hundred columns or more are exact integers.
+// Float pixels: the sums of a run are doubles in eight lanes, of the difference from the first pixel if that is finite,
+// so that a common offset costs no precision.
 template <class T>
 class SurfaceFitter {
 public:
@@ -65,7 +65,7 @@ public:
 
     void operator()(const T* pixels, size_t n, int32_t x, int32_t y);
 
-    // After the last run. False when a pixel is NaN or infinite.
+    // To be called after the last run. Returns false when a pixel is NaN or infinite.
     bool Finish(SurfacePolynomial& surface);
 
 private:
@@ -84,12 +84,12 @@ private:
     Fn moments_;
     int degree_;
     PixelBounds bounds_;
-    int32_t top_;              // of the tiles at work
-    std::vector<Tile> tiles_;  // side by side; float: one
+    int32_t top_;              // of the current tiles
+    std::vector<Tile> tiles_;  // adjacent columns; float: a single tile
     bool started_ = false;     // float: whether there is an origin
     double origin_ = 0;
     bool few_;                          // fewer pixels than monomials
-    std::vector<SurfacePoint> points_;  // those
+    std::vector<SurfacePoint> points_;  // the pixels, if few_
     NormalEquations equations_;
 };
 

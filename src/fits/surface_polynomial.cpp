@@ -17,7 +17,7 @@ double PowerOfTwoAtLeast(double value) {
     return power;
 }
 
-// Coefficients c[0..degree] of a polynomial in t = scale s + by become those in s. scale is a power of two.
+// Converts coefficients c[0..degree] of a polynomial in t = scale s + by to coefficients in s. scale is a power of two.
 void Substitute(DoublePair* c, int degree, double scale, double by) {
     for (int pass = 0; pass < degree; ++pass)
         for (int p = degree; p-- > pass;) c[p] += c[p + 1] * by;

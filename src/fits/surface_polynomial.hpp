@@ -1,5 +1,5 @@
-// Polynomial surfaces z = f(x, y) of degree 1, 2 or 3, x column and y row: how they are written, shifted and solved
-// for.
+// Polynomial surfaces z = f(x, y) of degree 1, 2 or 3, x column and y row: representation, shift of origin and
+// solution.
 #pragma once
 
 #include <array>
@@ -11,8 +11,8 @@
 
 namespace orlix {
 
-// Monomials in the order of the records of the biquadratic and the bicubic fit: 1, y, x, y^2, xy, x^2, y^3, x y^2, x^2
-// y, x^3.
+// Monomials in the order of the records of the biquadratic and the bicubic fit:
+// 1, y, x, y^2, xy, x^2, y^3, x y^2, x^2 y, x^3.
 constexpr size_t MonomialIndex(int powerOfX, int powerOfY) {
     const int degree = powerOfX + powerOfY;
     return static_cast<size_t>(degree * (degree + 1) / 2 + powerOfX);
@@ -27,9 +27,9 @@ struct SurfacePolynomial {
     bool finite() const;  // the coefficients and the average
 };
 
-// Where the pixels of a fit lie: sums are taken and systems solved in u = (2x - left - right) / width, v likewise, with
-// width the power of two at or above right - left (1 for a single column). So |u|, |v| <= 1, every pixel's u and v and
-// the two changes of coordinates are exact, and what is fitted does not depend on where in the image the region lies.
+// The coordinates of a fit: sums are taken and systems solved in u = (2x - left - right) / width, v likewise, with
+// width the power of two at or above right - left (1 for a single column). So |u|, |v| <= 1; every pixel's u and v and
+// the two changes of coordinates are exact, and the fit does not depend on where in the image the region lies.
 class SurfaceFrame {
 public:
     SurfaceFrame() = default;
@@ -41,7 +41,8 @@ public:
     double width() const { return width_; }
     double height() const { return height_; }
 
-    // Coefficients of a polynomial in u, v (in the order of MonomialIndex) as those in x, y, each rounded once.
+    // Converts coefficients of a polynomial in u, v (in the order of MonomialIndex) to coefficients in x, y, each
+    // rounded once.
     SurfacePolynomial InPixels(int degree, std::span<const DoublePair> coefficients) const;
 
 private:
@@ -54,15 +55,15 @@ struct SurfacePoint {
     double z;
 };
 
-// The polynomial through exactly as many points as it has monomials. Points that do not determine it (on a line, twice
-// the same): of the polynomials with the least sum of squared residuals the one with the shortest coefficients in u, v.
-// The average is that of the points.
+// The polynomial through exactly as many points as it has monomials. If the points do not determine it (on a line, or
+// the same point twice), the result is, among the polynomials with the least sum of squared residuals, the one with the
+// shortest coefficients in u, v. The average is that of the points.
 SurfacePolynomial PolynomialThrough(int degree, const SurfaceFrame& frame, std::span<const SurfacePoint> points);
 
-// Of fewer points than monomials, at least one: of the polynomials with the least sum of squared residuals (0, unless
-// points lie such that even these are too many for some curve, as five of a line for a cubic) the one with the shortest
-// coefficients in x and y as they are. No digit is lost on the way, wherever the points lie: each coefficient is
-// rounded once.
+// For fewer points than monomials, at least one: among the polynomials with the least sum of squared residuals (0,
+// unless the points lie such that even these are too many for some curve, like five points of a line for a cubic), the
+// one with the shortest coefficients in x and y themselves. No digit is lost on the way, wherever the points lie: each
+// coefficient is rounded once.
 SurfacePolynomial ShortestPolynomial(int degree, std::span<const SurfacePoint> points);
 
 }  // namespace orlix

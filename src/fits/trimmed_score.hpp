@@ -19,20 +19,20 @@ namespace orlix {
 
 // Compares surfaces one after the other and keeps the best. The score of a surface f is the sum of the K smallest
 // squares of its residuals f(x, y) - p over the n pixels of a region (Rousseeuw 1984). Notes:
-//  (1) Residuals and squares are formed in double; their sum counts as exact, so its order does not matter and scores
+//  (1) Residuals and squares are computed in double; their sum counts as exact, so its order does not matter and scores
 //      compare the same on every build. NaN counts as larger than every square.
 //  (2) A surface improves on the best one when its score is smaller. A score that is not below the largest double (some
 //      of the K squares are infinite or NaN) never does.
-//  (3) Cost of a surface that does not win: as a rule at most one pass. For every limit T
+//  (3) A surface that does not win usually costs at most one pass. For every limit T
 //          score >= sum of min(r^2, T) - (n - K) T,
 //      with equality when T is the K-th smallest square. T is estimated from a small fixed sample of pixels, and the
-//      pass ends as soon as the partial sum has passed what the best score allows.
-//  (4) Other surfaces take one pass more: squares below an interval that very likely holds the K-th smallest one are
-//      summed on the spot, and only those inside it are kept and selected from. The two sums are rounded; only when
-//      they are too close to tell which is smaller, both are summed exactly.
+//      pass ends as soon as the partial sum exceeds what the best score allows.
+//  (4) Other surfaces take one more pass: squares below an interval that very likely contains the K-th smallest one are
+//      summed immediately, and only those inside it are kept and selected from. The two sums are rounded; only when
+//      they are too close to tell which is smaller are both summed exactly.
 //
-// Surface: copyable, with Values(x, y, n, values), which writes f(x, y), f(x + 1, y), ... and is the same on every
-// build.
+// Surface: copyable, with Values(x, y, n, values), which writes f(x, y), f(x + 1, y), ... and gives the same bits on
+// every build.
 template <class T, class Surface>
 class TrimmedScore {
 public:
@@ -43,8 +43,7 @@ public:
           error_((static_cast<double>(pixels.count()) + 16) * 0x1p-52),
           clip_(Choose(kClippedSquares<T>)),
           divide_(Choose(kDivideSquares<T>)) {
-        // The golden section spreads the sample evenly over any shape, without steps that fall into rhythm with the
-        // rows.
+        // The golden section spreads the sample evenly over any shape, with no step that could resonate with the rows.
         const int64_t n = pixels.count();
         const int64_t size = std::min<int64_t>(n / 64, kLargeSample);
         for (int64_t i = 0; i < size; ++i) {
@@ -53,7 +52,7 @@ public:
         }
     }
 
-    // Whether the surface improves on the best one so far; it is then the best.
+    // Whether the surface improves on the best one so far; it then becomes the best.
     bool Improves(const Surface& surface) {
         if (good_ == 0) {
             if (best_) return false;
@@ -70,9 +69,9 @@ public:
     }
 
     const std::optional<Surface>& best() const { return best_; }
-    // Residuals formed so far, samples not counted.
+    // Residuals computed so far, excluding samples.
     int64_t visits() const { return visits_; }
-    // Whether the best score is 0, on which nothing improves.
+    // Whether the best score is 0, on which no surface improves.
     bool Perfect() const { return best_ && bestScore_.sum == 0; }
 
 private:
@@ -85,7 +84,7 @@ private:
         double low, middle, high;
     };
 
-    // A tenth and a fiftieth of the pixels lie in an interval estimated from so many.
+    // About a tenth and a fiftieth of the pixels lie in an interval estimated from samples of these sizes.
     static constexpr size_t kSmallSample = 1024, kLargeSample = 32768;
     static constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
@@ -118,7 +117,7 @@ private:
         }
         const auto m = static_cast<double>(squares_.size());
         const double rank = static_cast<double>(good_) / static_cast<double>(pixels_.count()) * m;
-        // Three standard deviations of the rank and a little for the smallest samples.
+        // Three standard deviations of the rank, plus a margin for the smallest samples.
         const double width = 1.5 * std::sqrt(m) + 2;
         const auto at = [&](double r) {
             const auto nth = squares_.begin() + static_cast<ptrdiff_t>(std::clamp(r, 0.0, m - 1));
@@ -143,7 +142,7 @@ private:
         return total * (1 - 2 * error_) >= allowed;
     }
 
-    // Nothing when the score is not below the largest double.
+    // nullopt when the score is not below the largest double.
     std::optional<Score> Measure(const Surface& surface, const Interval& expected) {
         double low = expected.low, high = expected.high;
         const auto good = static_cast<uint64_t>(good_);
@@ -225,7 +224,7 @@ private:
 
     const RegionPixels<T>& pixels_;
     int64_t good_;
-    double error_;  // of a rounded sum of as many squares, relative
+    double error_;  // bound of the relative error of a rounded sum over the pixels
     ClippedSquaresFn<T> clip_;
     DivideSquaresFn<T> divide_;
     std::vector<SurfacePoint> sample_;

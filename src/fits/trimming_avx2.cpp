@@ -12,7 +12,7 @@ ORLIX_INLINE __m256d Load(const uint16_t* p) {
     return _mm256_cvtepi32_pd(_mm_cvtepu16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
 }
 ORLIX_INLINE __m256d Load(const uint32_t* p) {
-    // As signed numbers about 2^31, which converts without rounding.
+    // Converted as signed numbers about 2^31, which is exact.
     const __m128i about =
         _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), _mm_set1_epi32(INT32_MIN));
     return _mm256_add_pd(_mm256_cvtepi32_pd(about), _mm256_set1_pd(0x1p31));
@@ -30,7 +30,7 @@ ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, doub
     const __m256d most = _mm256_set1_pd(limit);
     __m256d sum0 = _mm256_loadu_pd(sums), sum1 = _mm256_loadu_pd(sums + 4);
     size_t i = 0;
-    // The minimum takes its second operand when the first is NaN.
+    // The minimum returns its second operand when the first is NaN.
     for (; i + 8 <= n; i += 8) {
         sum0 = _mm256_add_pd(sum0, _mm256_min_pd(Square(pixels + i, surface + i), most));
         sum1 = _mm256_add_pd(sum1, _mm256_min_pd(Square(pixels + i + 4, surface + i + 4), most));

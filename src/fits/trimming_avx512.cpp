@@ -29,7 +29,7 @@ ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, doub
     const __m512d most = _mm512_set1_pd(limit);
     __m512d sum = _mm512_loadu_pd(sums);
     size_t i = 0;
-    // The minimum takes its second operand when the first is NaN.
+    // The minimum returns its second operand when the first is NaN.
     for (; i + 8 <= n; i += 8) sum = _mm512_add_pd(sum, _mm512_min_pd(Square(pixels + i, surface + i), most));
     _mm512_storeu_pd(sums, sum);
     ClippedSquares_scalar(pixels + i, surface + i, n - i, limit, sums);

@@ -1,4 +1,4 @@
-// Kernels of the trimmed sum of squared residuals and their variants.
+// Kernels for trimmed sums of squared residuals, and their variants.
 #pragma once
 
 #include <cstddef>
@@ -8,23 +8,23 @@
 
 namespace orlix {
 
-// The residual of pixel p[i] against a surface of value f[i] is r = f[i] - p[i], in double, and its square r r. A NaN
+// The residual of pixel p[i] against a surface value f[i] is r = f[i] - p[i], in double, and its square r r. A NaN
 // residual counts as larger than all others. T is uint8_t, uint16_t, uint32_t or float.
 
 // Adds min(r r, limit) to sums[i % 8].
 template <class T>
 using ClippedSquaresFn = void (*)(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
 
-// Squares on the two sides of an interval low <= high, either of which may be infinite.
+// Squares classified by an interval low <= high, either end of which may be infinite.
 struct SquareClasses {
-    double below[8] = {};   // sums of the squares below low, pixel i of a call in below[i % 8]
-    uint64_t fewer = 0;     // squares below low
-    uint64_t upToLow = 0;   // squares <= low
-    uint64_t upToHigh = 0;  // squares <= high
+    double below[8] = {};   // sums of the squares below low; pixel i of a call goes to below[i % 8]
+    uint64_t fewer = 0;     // number of squares below low
+    uint64_t upToLow = 0;   // number of squares <= low
+    uint64_t upToHigh = 0;  // number of squares <= high
 };
 
-// Adds n pixels to the classes and writes the squares strictly between low and high to middle, in order; returns how
-// many. middle has room for n + 7 numbers, the last ones as scratch.
+// Adds n pixels to the classes and writes the squares strictly between low and high to middle, in order; returns their
+// number. middle has room for n + 7 numbers, the last 7 as scratch.
 template <class T>
 using DivideSquaresFn = size_t (*)(const T* pixels, const double* surface, size_t n, double low, double high,
                                    SquareClasses& classes, double* middle);

@@ -1,4 +1,4 @@
-// The definitions of the kernels of trimmed sums.
+// Reference implementations of the trimmed sum kernels.
 #include "fits/trimming_kernels.hpp"
 
 namespace orlix {

@@ -24,7 +24,7 @@ ORLIX_INLINE Pairs Load(const uint8_t* p) {
 }
 ORLIX_INLINE Pairs Load(const uint16_t* p) { return FromWords(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
 ORLIX_INLINE Pairs Load(const uint32_t* p) {
-    // As signed numbers about 2^31, which converts without rounding.
+    // Converted as signed numbers about 2^31, which is exact.
     const __m128i sign = _mm_set1_epi32(INT32_MIN);
     const auto about = [&](const uint32_t* q) {
         return _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(q)), sign);
@@ -57,7 +57,7 @@ ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, doub
     size_t i = 0;
     for (; i + 8 <= n; i += 8) {
         const Pairs squares = Squares(pixels + i, surface + i);
-        // The minimum takes its second operand when the first is NaN.
+        // The minimum returns its second operand when the first is NaN.
         for (size_t k = 0; k < 4; ++k) sum[k] = _mm_add_pd(sum[k], _mm_min_pd(squares.pair[k], most));
     }
     for (size_t k = 0; k < 4; ++k) _mm_storeu_pd(sums + 2 * k, sum[k]);

@@ -7,7 +7,7 @@ namespace orlix {
 
 namespace {
 
-// Collects what a file holds, as the content of an image of the type that the file decides.
+// Collects the content of a file in an image whose type the file determines.
 class ContentSink final : public PixelSink {
 public:
     void Begin(const FileProperties& file) override {
@@ -25,7 +25,7 @@ public:
             }
         }
     }
-    // Nothing of the row was written before: its padding becomes 0 here.
+    // The rows are uninitialised, so their padding is set to 0 here.
     void* Row(int32_t band, int32_t y) override {
         const ImageLayout& layout = content_.layout;
         uint8_t* const row = content_.data + static_cast<size_t>(band) * layout.bandSize +

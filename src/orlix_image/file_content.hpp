@@ -1,4 +1,4 @@
-// The content of an image as image files have it.
+// Conversion between image files and the content of an image.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -11,13 +11,13 @@
 namespace orlix {
 
 struct LoadedImage {
-    LONG dataType;  // decided by the file
+    LONG dataType;  // determined by the file
     ImageContent content;
 };
 
 // Failures are those of LoadImageFile and SaveImageFile.
 LoadedImage LoadImage(WideStringView fileName, const SampleLimit& limit);
-// An image that is not empty and whose pixels may be touched.
+// The image must not be empty, and its pixels must be accessible.
 void SaveImage(WideStringView fileName, ImageFileFormat format, const ImageStore& image);
 
 }  // namespace orlix

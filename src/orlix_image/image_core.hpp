@@ -1,4 +1,4 @@
-// What the parts of the image object share.
+// State and helpers shared by the parts of the image object.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -23,28 +23,28 @@ public:
     ImageCore(ObjectLife& life, IConnectionPointContainer& container) noexcept
         : events(container, __uuidof(IPictureExEvents)), life_(life) {}
 
-    // Object::Guarded, for the parts.
+    // Object::Guarded, made available to the parts.
     template <class I, class Body>
     HRESULT Guarded(Body& body, const char* method) noexcept {
         return life_.Guarded<I>(__uuidof(OrlixImage), body, method);
     }
 
-    // The typed image, or NoImage. Shared: a client's region or source may call back and make this object take another
-    // typed image while the one it had is at work.
+    // The typed image; throws NoImage when there is none. Shared: a client's region or source may call back and make
+    // this object take another typed image while the current one is in use.
     std::shared_ptr<DisplayedImage> Typed() const;
-    // The same, or null.
+    // The same, but null when there is none.
     const std::shared_ptr<DisplayedImage>& typed() const { return typed_; }
 
-    // The typed image from now on, whose size is the picture's. May be null. The former one goes last: its region may
-    // be given back with it, and call.
+    // Replaces the typed image, and gives the picture its size. typed may be null. The former one is released last:
+    // this may release its region, which may call back.
     void Take(std::shared_ptr<DisplayedImage> typed);
 
-    // Runs a creation of an image of the type. Where the type changes, the creation is tried on a new typed image. A
-    // failure with a text (a refused argument) then leaves that one, empty, in the place of the old image; one without
-    // (no memory) leaves the old image.
+    // Runs a creation of an image of the given type. If the type changes, the creation is tried on a new typed image.
+    // After a failure with a text (a refused argument) that image, empty, replaces the old one; after any other failure
+    // (out of memory) the old image remains.
     void CreateTyped(LONG dataType, const std::function<void(ImageStore&)>& creation);
 
-    // IImageVPAEx::AttachBuffer, which pictures have too.
+    // IImageVPAEx::AttachBuffer, which pictures offer too.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
     Changes changes;
@@ -53,7 +53,7 @@ public:
     View view;  // of the last rendering
     OLE_COLOR surround = 0;
     ConnectionPoint events;
-    LONG sampleLimit = SampleLimit::kInitially;  // of what is loaded, see files/sample_limit.hpp
+    LONG sampleLimit = SampleLimit::kInitially;  // for loading, see files/sample_limit.hpp
 
 private:
     ObjectLife& life_;
@@ -61,7 +61,7 @@ private:
     std::shared_ptr<DisplayedImage> typed_;
 };
 
-// A part of the image object: the methods of one interface, or of one interface more than the part that it derives
+// A part of the image object: the methods of one interface, or those that one interface adds to the part it derives
 // from. OrlixImage is composed of its parts.
 template <class I>
 class ImagePart : public I {
@@ -70,7 +70,7 @@ protected:
 
     virtual ImageCore& core() noexcept = 0;
 
-    // As Object::Guarded.
+    // See Object::Guarded.
     template <class Named = void, class Body>
     HRESULT Guarded(Body&& body, const char* method = __builtin_FUNCTION()) noexcept {
         return core().template Guarded<Named>(body, method);
@@ -78,10 +78,10 @@ protected:
 
     std::shared_ptr<DisplayedImage> Typed() { return core().Typed(); }
 
-    // use(frame), the frame being that of the pixel type; NoImage.
+    // Calls use(frame) with the frame of the pixel type; throws NoImage.
     template <class Use>
     decltype(auto) WithFrame(Use&& use) {
-        const std::shared_ptr<DisplayedImage> typed = Typed();  // a client may replace it while it is at work
+        const std::shared_ptr<DisplayedImage> typed = Typed();  // a client may replace it meanwhile
         return orlix::WithFrame(typed->typed(), use);
     }
 

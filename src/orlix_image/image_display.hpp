@@ -1,4 +1,4 @@
-// How the image is shown.
+// The display of the image.
 #pragma once
 
 #include "orlix_image/image_core.hpp"

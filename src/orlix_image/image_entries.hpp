@@ -1,4 +1,4 @@
-// Texts and binary entries that files and streams keep beside the pixels.
+// Text and binary entries that files and streams store with the pixels.
 #pragma once
 
 #include "orlix_image/image_core.hpp"

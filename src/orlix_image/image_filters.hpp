@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    // The method that calls this is named in the texts of failures.
+    // The calling method's name appears in the failure texts.
     HRESULT Filter(FilterKind kind, IImageVPA* source, LONG band, const char* method = __builtin_FUNCTION()) noexcept;
 };
 

@@ -1,5 +1,5 @@
-// What processing works on, and what it measures: the first of the interfaces of processing, each of which extends the
-// one before.
+// What processing works on, and measurements: the first of the processing interfaces, each of which extends the one
+// before.
 #pragma once
 
 #include "orlix_image/image_core.hpp"

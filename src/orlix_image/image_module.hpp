@@ -1,4 +1,4 @@
-// What the module tells of itself.
+// Information about the module.
 #pragma once
 
 #include "orlix_image/image_core.hpp"

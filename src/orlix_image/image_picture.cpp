@@ -5,7 +5,7 @@
 namespace orlix {
 
 HRESULT ImagePicture::RenderOnDevice(void* hdcDest, const Rectangle& dest, const RenderKind& kind) {
-    const std::shared_ptr<DisplayedImage> typed = core().typed();  // what is drawn over the picture may replace it
+    const std::shared_ptr<DisplayedImage> typed = core().typed();  // drawing the overlay may replace it
     DeviceRenderer::DrawOver drawOver;
     if (core().events.connected())
         drawOver = [&](void* context, RenderSourceType source) {

@@ -1,4 +1,4 @@
-// The image as a picture, on devices.
+// The image as a picture on devices.
 #pragma once
 
 #include "orlix_image/image_core.hpp"

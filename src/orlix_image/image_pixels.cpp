@@ -126,7 +126,8 @@ void ImagePixels::Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle) 
         throw Failure("IImageVPAEx::CreateFromSubImage: the rectangle is too far outside the image.", DISP_E_EXCEPTION);
 
     core().CreateTyped(source.type(), [&](ImageStore& store) {
-        // What lies inside the source's margin is less than 2^31 + 400 wide; what is not is refused as too large.
+        // A rectangle inside the source's margin is less than 2^31 + 400 wide; more than INT32_MAX is refused as too
+        // large.
         if (width > INT32_MAX || height > INT32_MAX) throw FailedResult(E_FAIL);
         ImageContent content = MakeContent(source.type(), static_cast<LONG>(std::max<int64_t>(width, 0)),
                                            static_cast<LONG>(std::max<int64_t>(height, 0)), bands.count());

@@ -28,7 +28,7 @@ public:
                               LONG zero) noexcept override;
 
 private:
-    // Puts a copy of a rectangle of the source in the place of the image.
+    // Replaces the image by a copy of a rectangle of the source.
     void Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle);
 };
 

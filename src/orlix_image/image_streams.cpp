@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 
-// What a write that stores too little returns. (The system's headers call this number STG_E_CANTSAVE.)
+// Returned by a write that stores too little. (The system's headers call this number STG_E_CANTSAVE.)
 constexpr HRESULT kShortWrite = static_cast<HRESULT>(0x80030103);
 
 class StreamSource final : public ByteSource {
@@ -60,7 +60,7 @@ StreamSettings SettingsOf(DisplayedImage& image) {
     return settings;
 }
 
-// What a reader has checked: nothing here fails.
+// The reader has checked the settings: nothing here fails.
 void PutSettings(const StreamSettings& settings, DisplayedImage& image) {
     WithFrame(image.typed(), [&](auto& frame) {
         frame.PutNumberOfBins(settings.numberOfBins);
@@ -127,7 +127,7 @@ STDMETHODIMP ImageStreams::Save(IStream* stream, BOOL clearDirty) noexcept {
         if (!typed || typed->store().empty()) throw Failure("IPersistStreamInit::Save: no image.");
         const ImageStore& store = typed->store();
         if (store.refused()) throw FailedResult(E_FAIL);
-        // All of it before the first write: the stream may call back and change the image.
+        // Complete before the first write: the stream may call back and change the image.
         const StreamBytes bytes = WriteImageStream(store.dataType(), store.content(), SettingsOf(*typed));
         const Changes written = core().changes;
         const ComPtr<IStream> held(stream);

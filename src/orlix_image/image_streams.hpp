@@ -16,7 +16,7 @@ public:
     STDMETHODIMP ReLoad(IStream* stream) noexcept override;
 
 private:
-    // Puts what a stream holds in the place of the image; a failure leaves everything as it was.
+    // Replaces the image by the content of a stream; a failure leaves everything unchanged.
     void LoadFrom(IStream* stream);
 
     bool initialised_ = false;  // by Load, ReLoad or InitNew

@@ -36,7 +36,7 @@ constexpr RobustTexts kRobustAngledHemisphere = {
     "than 1.0",
     "IOrlixImageProcess::get_RobustAngledHemisphereFit: multiband angled hemisphere fit is not supported."};
 
-// The fits of the two families. kind is the degree of a polynomial, or whether a hemisphere is tilted.
+// Fits of the two families. kind is the degree of a polynomial, or whether a hemisphere is tilted.
 template <class Pixel>
 HRESULT FitTo(Frame<Pixel>& frame, int degree, const FitTexts& texts, SurfacePolynomial& surface) {
     return PolynomialOf(frame.Select(frame.SingleBand(texts.multiband)), degree, texts.notFinite, surface);
@@ -63,7 +63,7 @@ void CorrectBy(Frame<Pixel>& frame, const AveragedHemisphere& surface, const cha
     frame.Change([&](const auto& at) { SubtractHemisphere(at, heights, surface.average); });
 }
 
-// What a method does with the frame of the image.
+// What a method does with the image's frame.
 template <class Record, class Kind>
 auto Fitting(Record* fit, Kind kind, const FitTexts& texts) {
     return [=](auto& frame) {
@@ -87,7 +87,7 @@ template <class Record>
 auto Correcting(const Record* fit, const char* notFinite) {
     return [=](auto& frame) { CorrectBy(frame, Read(*fit), notFinite); };
 }
-// Failures are those of the fit, under its name.
+// Failures are reported as those of the fit.
 template <class Surface, class Kind>
 auto CorrectingRobustly(Kind kind, double probability, const RobustTexts& texts, const char* notFinite) {
     return [=](auto& frame) {
@@ -184,7 +184,7 @@ STDMETHODIMP ImageSurfaces::RobustCorrectBicubic(double probability) noexcept {
 }
 
 STDMETHODIMP ImageSurfaces::get_HemisphereFit(SHemisphereFit* fit) noexcept {
-    // The prefix of the interface that this one extends: so the contract says.
+    // The prefix is that of the interface that this one extends, as the contract requires.
     constexpr FitTexts kTexts = {"IImageProcess::get_HemisphereFit: multiband measurement is not supported.",
                                  "IImageProcess::get_HemisphereFit: not all pixels are finite."};
     return Guarded<IOrlixImageProcess>([&] {

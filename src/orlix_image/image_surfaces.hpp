@@ -1,4 +1,4 @@
-// Surfaces through the grey levels, and corrections by them.
+// Surface fits to the grey levels, and corrections by them.
 #pragma once
 
 #include "orlix_image/image_filters.hpp"

@@ -1,4 +1,4 @@
-// The part of the image that its picture shows.
+// The part of the image that the picture shows.
 #pragma once
 
 #include "orlix_image/image_picture.hpp"

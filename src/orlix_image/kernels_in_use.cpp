@@ -23,7 +23,7 @@ namespace orlix {
 
 namespace {
 
-// The rows of the filters, where there is a choice of variants.
+// The filter kernels that have a choice of variants.
 void AddFilters(std::vector<KernelInUse>& kernels) {
     for (size_t i = 0; i < std::size(kFilters<uint8_t>); ++i) {
         const auto add = [&](const auto& row, const char* pixels) {

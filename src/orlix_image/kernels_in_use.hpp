@@ -1,4 +1,4 @@
-// The processor variants at work.
+// The processor variants in use.
 #pragma once
 
 #include <span>
@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-// All kernels of the module and the variant that each uses in this process, in a fixed order. Names are ASCII.
+// All kernels of the module and the variant that each one uses in this process, in a fixed order. Names are ASCII.
 struct KernelInUse {
     std::string kernel;   // "threshold, 8 bits"
     const char* variant;  // "avx2"

@@ -1,5 +1,5 @@
-// The image object, composed of one part per group of interfaces: a new interface is a part in files of its own and an
-// entry below.
+// The image object, composed of one part per group of interfaces. To add an interface, write its part in files of its
+// own and add an entry below.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -37,7 +37,7 @@ class OrlixImage final
                            orlix::Part<orlix::ImageModule, IModuleInformation>,  //
                            orlix::Part<orlix::ImageAccess, IPixelAccess>> {
 public:
-    // For Object.
+    // Called by Object.
     void LetGo() noexcept {
         core_.events.Close();
         core_.Take(nullptr);

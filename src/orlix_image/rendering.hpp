@@ -1,4 +1,4 @@
-// What the renderings of a picture share: surfaces and views differ.
+// The steps common to all renderings of a picture, whatever the surface and the view.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -13,7 +13,7 @@
 
 namespace orlix {
 
-// How a rendering chooses what it shows, and its name in a text.
+// How a rendering chooses its view, and the text of its failure without a bitmap.
 struct RenderKind {
     const char* noBitmap;
     std::function<std::optional<View>(const DisplayBitmap& bitmap, const Rectangle& dest)> view;
@@ -21,13 +21,13 @@ struct RenderKind {
 
 RenderKind Fit(const ZoomState& zoom, Placing placing);
 RenderKind Blt(LONG sourceX, LONG sourceY);
-// The view raises a Failure where the source rectangle leaves the image.
+// The view raises a Failure where the source rectangle extends beyond the image.
 RenderKind Stretch(const Rectangle& source);
 
-// The bitmap of an image that may be missing (null) or empty; the text that fits.
+// The bitmap of an image that may be missing (null) or empty; either raises its own text.
 const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage);
 
-// Nothing for an empty destination. lastView is the view of the drawing, if it has one.
+// nullopt for an empty destination. lastView is set to the view of the drawing, if it has one.
 std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind& kind, const Rectangle& dest,
                                         OLE_COLOR surround, View& lastView);
 

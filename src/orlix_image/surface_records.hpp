@@ -1,4 +1,4 @@
-// The surfaces of the logic as the records of the contract and back.
+// Conversion between the surfaces of the logic and the records of the contract.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-// Write() leaves m_lSize, which is the caller's.
+// Write() does not change m_lSize, which belongs to the caller.
 inline void Write(const SurfacePolynomial& surface, SPlanarFit& fit) {
     fit.m_dAverage = surface.average;
     fit.m_dAlpha = surface.k[MonomialIndex(1, 0)];

@@ -15,8 +15,8 @@
 
 namespace orlix {
 
-// filter(from, to, rows) writes the rows of a band from what lies within filter.radius() in a band of the source. A
-// source in the memory of the selection, the same image above all, is copied before anything is written.
+// filter(from, to, rows) writes the rows of a band, reading a band of the source within filter.radius() of them. A
+// source that shares memory with the selection, in particular the same image, is copied before anything is written.
 template <class Pixel, class Operation>
 void FilterFrom(const Selection<Pixel>& at, SourceViews<Pixel> sources, const Operation& filter) {
     std::vector<SourceCopy<Pixel>> copies;

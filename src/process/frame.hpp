@@ -1,4 +1,4 @@
-// The processing frame of one pixel type: asks clients for what an operation is to visit, and makes the selection.
+// The processing frame of one pixel type: asks clients which pixels an operation visits, and makes the selection.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -38,8 +38,8 @@ struct ImageOf<float> : CImageBase<float, float, double> {
     using CImageBase::CImageBase;
 };
 
-// Operations are free functions of a selection (measurements.hpp, pixel_changes.hpp, filtering.hpp, surfaces.hpp),
-// which the methods of the image object choose. An image without pixels (or with a refused buffer) is NoImage.
+// Operations are free functions of a selection (measurements.hpp, pixel_changes.hpp, filtering.hpp, surfaces.hpp); the
+// methods of the image object choose among them. An image without pixels (or with a refused buffer) raises NoImage.
 template <class Pixel>
 class Frame final : public TypedImage {
 public:
@@ -64,14 +64,14 @@ public:
         if (image_.empty() || image_.refused()) throw NoImage();
     }
 
-    // The band to process, for operations that work on one only.
+    // The band to process, for operations that work on a single band.
     LONG SingleBand(const char* message) const {
         const BandRange bands = BandsOf(bandToProcess(), image_.layout().bands);
         if (bands.count() > 1) throw Failure(message);
         return bands.first;
     }
 
-    // What an operation without a source visits of a band, or of all bands.
+    // The pixels that an operation without a source visits in a band, or in all bands.
     Selection<Pixel> Select() { return Select(bandToProcess()); }
     Selection<Pixel> Select(LONG band) { return Finish(Gather(band)); }
 
@@ -82,7 +82,7 @@ public:
         ++image_.changes().pixels;
     }
 
-    // operation(selection, views) on the bands to process and as many of a source of any pixel type.
+    // operation(selection, views) on the bands to process and as many bands of a source of any pixel type.
     template <class Operation>
     void ChangeFrom(IImageVPA* image, LONG band, const Operation& operation) {
         RequirePixels();
@@ -101,7 +101,7 @@ public:
         }
     }
 
-    // A filter of the table; its source has the same pixel type.
+    // Applies a filter of the table; its source has the same pixel type.
     void Filter(FilterKind kind, IImageVPA* image, LONG band) {
         FilterFromSource(image, band, [kind](const Selection<Pixel>& at, SourceViews<Pixel>&& sources) {
             FilterBy(at, std::move(sources), kind);
@@ -114,7 +114,8 @@ public:
     }
 
 private:
-    // Asks the region. The reference to it is given back before anything is relied on: the last one may call back, too.
+    // Asks the region. The reference to it is released before anything is relied on: the last release may call back,
+    // too.
     Gathered Gather(LONG band) {
         RequirePixels();
         const int32_t width = image_.layout().width;
@@ -124,7 +125,7 @@ private:
         return {width, height, bands, {asked.get(), width, height}};
     }
 
-    // To be called when all clients that an operation needs have been asked.
+    // To be called after all clients that an operation needs have been asked.
     Selection<Pixel> Finish(Gathered&& gathered) {
         RequirePixels();
         const ImageLayout& layout = image_.layout();
@@ -159,7 +160,7 @@ private:
     FrameSettings<Pixel> settings_;
 };
 
-// use(frame), the frame being that of the image's pixel type.
+// Calls use(frame) with the frame of the image's pixel type.
 template <class Use>
 decltype(auto) WithFrame(TypedImage& image, Use&& use) {
     switch (image.store().dataType()) {

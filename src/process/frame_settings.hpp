@@ -1,4 +1,4 @@
-// What a client sets for the operations of one pixel type.
+// Client settings for the operations of one pixel type.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -16,14 +16,14 @@
 
 namespace orlix {
 
-// The luminance range, the number of bins and the look-up table of IImageProcess, which documents them.
+// The luminance range, the number of bins and the look-up table, as documented in IImageProcess.
 template <class Pixel>
 class FrameSettings {
 public:
     Pixel lower() const { return lower_; }
     Pixel upper() const { return upper_; }
     LONG bins() const { return bins_; }
-    // Of as many entries as bins; null while all hold their default.
+    // One entry per bin; null while all entries have their default.
     const std::vector<Pixel>* table() const { return table_.get(); }
 
     void PutRange(double lower, double upper) {
@@ -57,7 +57,7 @@ public:
     // Of bins() entries.
     void PutTable(std::vector<Pixel> table) { table_ = std::make_shared<std::vector<Pixel>>(std::move(table)); }
 
-    // The table with its defaults written out.
+    // The table with its default entries filled in.
     std::vector<Pixel> WholeTable() const {
         if (table_) return *table_;
         if (bins_ > kMostBins) throw std::bad_alloc();
@@ -69,7 +69,7 @@ public:
 private:
     static constexpr bool kIsByte = std::is_same_v<Pixel, BYTE>;
 
-    // An entry that nothing was put into: the location of its bin, so that looking up changes little or nothing.
+    // An entry that was never set: the location of its bin, so that applying the table changes little or nothing.
     Pixel DefaultEntry(LONG entry) const {
         if constexpr (kIsByte) {
             return static_cast<Pixel>(entry);
@@ -84,7 +84,7 @@ private:
     Pixel lower_ = kTypeMinimum<Pixel>;
     Pixel upper_ = kTypeMaximum<Pixel>;
     LONG bins_ = 256;
-    // Shared with the copies that operations under way hold, and written only while nobody else has it.
+    // Shared with the copies that running operations hold; written only while nobody else holds it.
     std::shared_ptr<std::vector<Pixel>> table_;
 };
 

@@ -1,4 +1,4 @@
-// Fetching pixels before an operation reaches them. Requests change no result and cannot fail.
+// Prefetching of pixels before an operation reaches them. Prefetches change no result and cannot fail.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,8 @@ namespace orlix {
 
 constexpr int64_t kCacheLine = 64;  // bytes
 
-// Asks for the beginning of a run in the row given, which the next row's run often resembles: the hardware's own
-// prefetchers notice a run only after its first lines.
+// Prefetches the beginning of a run in the given row, which the next row's run often resembles: hardware prefetchers
+// detect a run only after its first cache lines.
 template <class Pixel>
 void FetchStart(const Pixel* row, const Run& run) {
     const auto* const first = reinterpret_cast<const char*>(row + run.start);
@@ -23,14 +23,14 @@ void FetchStart(const Pixel* row, const Run& run) {
     for (int64_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(first + i);
 }
 
-// Walks the runs of a region some distance ahead of an operation that visits them in order, and asks for their pixels.
-// With images beyond the caches, hardware that loses the trail at the end of every run costs up to half of the
-// bandwidth, and even whole rows gain by a third. Where the image stays in the cache the requests cost more than they
-// bring, and the walk does nothing; neither does it pay for operations with two images.
+// Walks the runs of a region some distance ahead of an operation that visits them in order, and prefetches their
+// pixels. For images beyond the caches, hardware that loses track at the end of every run costs up to half of the
+// bandwidth, and even whole rows gain by a third. For images that fit the cache, prefetching costs more than it gains,
+// and the walk does nothing; nor does it pay for operations on two images.
 template <class Pixel>
 class LookAhead {
 public:
-    // Runs are to be visited in parts that end where a column is a multiple of this: short enough to stay close behind.
+    // Operations should split runs at columns that are a multiple of this: short enough to stay close behind.
     static constexpr int32_t kPart = static_cast<int32_t>(2048 / sizeof(Pixel));
 
     LookAhead(const RegionRows& rows, const PixelView<Pixel>& view, size_t bytes)
@@ -62,15 +62,16 @@ public:
     }
 
 private:
-    static constexpr size_t kCached = size_t{24} << 20;  // bytes; third-level caches of today's processors hold 32 MiB
+    static constexpr size_t kCached = size_t{24} << 20;  // bytes; L3 caches of today's processors hold 32 MiB
 
     const RegionRows& rows_;
     PixelView<Pixel> view_;
     RegionRows::RowBuffer buffer_ = {};
-    std::span<const Run> runs_;  // of row y_ - 1; of run next_ of these done_ pixels have been asked for
+    std::span<const Run> runs_;  // of row y_ - 1; the first done_ pixels of run next_ have been prefetched
     size_t next_ = 0;
     int64_t done_ = 0;
-    int64_t distance_ = static_cast<int64_t>(8192 / sizeof(Pixel));  // pixels to be ahead, until they are
+    int64_t distance_ =
+        static_cast<int64_t>(8192 / sizeof(Pixel));  // the lead in pixels, gained by the first Advance()
     int32_t y_;
     bool active_;
 };

@@ -1,4 +1,4 @@
-// What operations read from a selection: histograms, ranges, thresholds, grey measurements.
+// Operations that read a selection: histograms, ranges, thresholds, grey measurements.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -42,25 +42,25 @@ struct GreyRange {
     double upper;
 };
 
-// The least and the greatest pixel where nothing is to be trimmed, else what AutoThresholdTrim finds in a histogram
-// between the two. None for a selection without pixels; the texts of AutoThresholdTrim.
+// Each end is the extreme pixel when nothing is to be trimmed there, else the result of AutoThresholdTrim on a
+// histogram between the extremes. nullopt for a selection without pixels; fails with the texts of AutoThresholdTrim.
 template <class Pixel>
 std::optional<GreyRange> TrimmedRange(const Selection<Pixel>& at, double trimLower, double trimUpper, LONG mostBins) {
     Extremes<Pixel> extremes;
     at.Apply(extremes);
     if (!extremes.Any()) return {};
     GreyRange range = {};
-    const Pixel least = ToPixel<Pixel>(extremes.Min());  // infinities have no place in a histogram
+    const Pixel least = ToPixel<Pixel>(extremes.Min());  // a histogram cannot hold infinities
     const Pixel most = ToPixel<Pixel>(extremes.Max());
     const ComPtr<OrlixHistogram> histogram = HistogramOf(at, least, most, mostBins);
-    // May call a client, the one whose error information it clears: the selection is not used from here on.
+    // May call a client, the one whose error information it clears: the selection must not be used after this.
     PassOn(histogram->AutoThresholdTrim(trimLower, &range.lower, trimUpper, &range.upper));
     if (trimLower == 0.0) range.lower = least;
     if (trimUpper == 0.0) range.upper = most;
     return range;
 }
 
-// Of the first band. lower <= upper.
+// Processes the first band. lower <= upper.
 template <class Pixel>
 ComPtr<OrlixBitmap> ThresholdOf(const Selection<Pixel>& at, double lower, double upper, bool inside) {
     auto bitmap = OrlixBitmap::Make();

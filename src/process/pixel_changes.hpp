@@ -1,4 +1,4 @@
-// What operations make of each pixel of a selection by itself, or with the pixel of a source at the same place.
+// Operations that change each pixel of a selection on its own, or with the source pixel at the same place.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -37,7 +37,7 @@ void Add(const Selection<Pixel>& at, double value) {
     at.Apply(PointOperation<Pixel>::Add(value, at.settings().lower(), at.settings().upper()));
 }
 
-// By a value other than 0.
+// Divides by a value other than 0.
 template <class Pixel>
 void Divide(const Selection<Pixel>& at, double value) {
     at.Apply(PointOperation<Pixel>::Divide(value));
@@ -45,7 +45,7 @@ void Divide(const Selection<Pixel>& at, double value) {
 
 // --------------------------------------------------------------------------------------------------- the look-up table
 
-// The table that spreads the counts of the selection over the luminance range; none for a type that is not one of
+// The table that spreads the counts of the selection over the luminance range; nullopt for a type outside
 // EqualizationType. "IImageProcess::EqualizeTable: empty histogram".
 template <class Pixel>
 std::optional<std::vector<Pixel>> EqualizedTable(const Selection<Pixel>& at, LONG type) {
@@ -87,8 +87,8 @@ void LookUp(const Selection<Pixel>& at) {
 
 // ------------------------------------------------------------------------------------------------------- with a source
 
-// Where the source's columns lie side by side its pixels are read where they are, elsewhere through the table into a
-// short buffer. Pixels beyond the source's margin stay as they are.
+// Contiguous source columns are read in place, others are gathered through the table into a short buffer. Pixels beyond
+// the source's margin stay unchanged.
 template <class Pixel, class From, class Operation>
 void CombineRun(const Operation& operation, PixelView<const From> from, int32_t adjacent, Pixel* row, Run run,
                 int32_t y) {
@@ -107,7 +107,7 @@ void CombineRun(const Operation& operation, PixelView<const From> from, int32_t 
     }
 }
 
-// operation(to, from, n) on the pixels of the selection and those of the source at the same places.
+// Calls operation(to, from, n) on the pixels of the selection and the source pixels at the same places.
 template <class Pixel, class From, class Operation>
 void CombineWith(const Selection<Pixel>& at, const SourceViews<From>& sources, const Operation& operation) {
     const RegionRows& rows = at.rows();

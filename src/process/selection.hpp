@@ -1,4 +1,4 @@
-// What an operation of the frame works on.
+// The pixels and settings that an operation of the frame works on.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -20,11 +20,11 @@ namespace orlix {
 template <class Pixel>
 class Frame;
 
-// The bands of a source beside those of a selection.
+// The source bands that correspond to the bands of a selection.
 template <class From>
 using SourceViews = std::vector<PixelView<const From>>;
 
-// What clients have answered so far: the rows to visit, for the image as it was when they were asked.
+// The clients' answers so far: the rows to visit, for the image as it was when they were asked.
 struct Gathered {
     int32_t width;
     int32_t height;
@@ -32,14 +32,13 @@ struct Gathered {
     RegionRows rows;
 };
 
-// The pixels that an operation visits, and the settings that it goes by. Notes:
-//  (1) Regions and source images are clients' code, which may call the image back and change all there is to change. So
-//      every client is asked before a selection is made (Gathered), and none is called while one is in use. The
-//      library's own objects are then used without their interfaces: any method clears the thread's error information,
-//      a client's maybe.
-//  (2) Only the frame makes selections: it looks whether the image still has the pixels that were gathered, and reads
-//      the settings then. Operations are free functions of a selection, so none can work on anything that was read
-//      earlier.
+// The pixels that an operation visits, and the settings that it uses. Notes:
+//  (1) Regions and source images are clients' code, which may call the image back and change anything. So every client
+//      is asked before a selection is made (Gathered), and none is called while one is in use. From then on the
+//      library's own objects are used without their interfaces, since any method clears the thread's error information,
+//      which may be a client's.
+//  (2) Only the frame makes selections: it checks that the image still has the pixels that were gathered, and reads the
+//      settings then. Operations are free functions of a selection, so none can work on anything read earlier.
 template <class Pixel>
 class Selection {
 public:
@@ -48,7 +47,7 @@ public:
     const RegionRows& rows() const { return gathered_.rows; }
     const FrameSettings<Pixel>& settings() const { return settings_; }
 
-    // The bands to work on, numbered from 0.
+    // The number of bands to work on, which are numbered from 0.
     int32_t bands() const { return gathered_.bands.count(); }
     PixelView<Pixel> view(int32_t band) const {
         return {first_.base() + static_cast<size_t>(band) * bandSamples_, first_.table(), width(), height()};
@@ -58,13 +57,13 @@ public:
 
     int64_t pixels() const { return rows().pixels() * bands(); }
 
-    // visit(pixels, n, x, y): n pixels from (x, y) on, band by band, top to bottom, left to right. Runs of large images
-    // come in parts.
+    // Calls visit(pixels, n, x, y) for n pixels from (x, y) on, band by band, top to bottom, left to right. Runs of
+    // large images are split into parts.
     template <class Visit>
     void ForEachRun(const Visit& visit) const {
         for (int32_t band = 0; band < bands(); ++band) ForEachRunOf(view(band), visit);
     }
-    // operation(pixels, n) on all of them.
+    // Calls operation(pixels, n) on all pixels.
     template <class Operation>
     void Apply(Operation&& operation) const {
         ForEachRun([&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
@@ -100,7 +99,7 @@ private:
     Gathered gathered_;
     FrameSettings<Pixel> settings_;
     PixelView<Pixel> first_;  // of the first band to work on
-    size_t bandSamples_;      // from a band to the next
+    size_t bandSamples_;      // from one band to the next
 };
 
 }  // namespace orlix

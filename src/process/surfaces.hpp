@@ -1,4 +1,4 @@
-// Surfaces through the pixels of a selection, and corrections that take them off.
+// Surface fits to the pixels of a selection, and corrections that subtract the surfaces.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -22,7 +22,7 @@
 
 namespace orlix {
 
-// S_FALSE, and the surface stays as it was, for a selection without pixels. Of the first band.
+// Fits the first band. S_FALSE for a selection without pixels; the surface is then unchanged.
 template <class Pixel>
 HRESULT PolynomialOf(const Selection<Pixel>& at, int degree, const char* notFinite, SurfacePolynomial& surface) {
     const PixelBounds bounds = BoundsOf(at.rows());
@@ -39,7 +39,7 @@ void SubtractPolynomial(const Selection<Pixel>& at, const SurfacePolynomial& sur
     at.ForEachRun([&](Pixel* pixels, size_t n, int32_t x, int32_t y) { corrector.Apply(pixels, n, x, y, surface); });
 }
 
-// S_FALSE, and the surface stays as it was, where the pixels determine no hemisphere. Of the first band.
+// Fits the first band. S_FALSE where the pixels determine no hemisphere; the surface is then unchanged.
 template <class Pixel>
 HRESULT HemisphereOf(const Selection<Pixel>& at, bool angled, const char* notFinite, AveragedHemisphere& surface) {
     const RegionPixels<Pixel> pixels(at.view(0), at.rows());
@@ -58,7 +58,7 @@ template <class Pixel>
 void SubtractHemisphere(const Selection<Pixel>& at, const HemisphereSurface& heights, double average) {
     const Corrector<Pixel> corrector(at.settings().lower(), at.settings().upper());
     at.ForEachRun([&](Pixel* pixels, size_t n, int32_t x, int32_t y) {
-        constexpr size_t kPiece = 512;  // the shifts stay in the first cache
+        constexpr size_t kPiece = 512;  // the shifts stay in the L1 cache
         double shifts[kPiece];
         for (size_t done = 0; done < n; done += kPiece) {
             const size_t part = std::min(n - done, kPiece);
@@ -69,8 +69,8 @@ void SubtractHemisphere(const Selection<Pixel>& at, const HemisphereSurface& hei
     });
 }
 
-// The robust fits of degree 1, 2 or 3, or of a hemisphere, tilted or not. S_FALSE, and the surface stays as it was, for
-// too few pixels or none that a surface was found through. Of the first band.
+// The robust fits of degree 1, 2 or 3, or of a hemisphere, tilted or not, to the first band. S_FALSE when there are too
+// few pixels or no surface was found through any of them; the surface is then unchanged.
 template <class Pixel>
 HRESULT RobustSurfaceOf(const Selection<Pixel>& at, int degree, double probability, SurfacePolynomial& surface) {
     const auto fit = RobustPolynomial(RegionPixels<Pixel>(at.view(0), at.rows()), degree, probability);

@@ -10,7 +10,7 @@
 namespace orlix {
 namespace {
 
-// 0 for what is no device context.
+// 0 for anything that is not a device context.
 DWORD KindOf(HDC context) {
     const DWORD kind = GetObjectType(context);
     return kind == OBJ_DC || kind == OBJ_MEMDC || kind == OBJ_METADC || kind == OBJ_ENHMETADC ? kind : 0;
@@ -26,7 +26,7 @@ HDC ContextOf(void* value) {
     throw Failure("IPictureEx::Render: invalid HDC");
 }
 
-// A context whose settings come back at the end.
+// Restores the settings of a context at the end of its scope.
 class SavedContext {
 public:
     explicit SavedContext(HDC context) : context_(context), saved_(SaveDC(context)) {}
@@ -41,7 +41,7 @@ private:
     int saved_;
 };
 
-// The device rectangle of a logical one; a metafile of the old kind has no device, and keeps the coordinates.
+// Converts a logical rectangle to device coordinates; an old-style metafile has no device and keeps the coordinates.
 Rectangle ToDevice(HDC context, const Rectangle& logical) {
     POINT corners[] = {{SaturateToInt32(logical.x), SaturateToInt32(logical.y)},
                        {SaturateToInt32(logical.right()), SaturateToInt32(logical.bottom())}};
@@ -102,7 +102,7 @@ HRESULT DeviceRenderer::Render(void* hdcDest, const Rectangle& dest, const MakeD
     const std::optional<PictureDrawing> drawing = makeDrawing(device);
     if (!drawing) return S_FALSE;
 
-    // Taken out of its place meanwhile: what is drawn over the picture may render again.
+    // Taken out of buffer_ meanwhile: drawing the overlay may render again.
     std::unique_ptr<BackBuffer> buffer;
     const Rectangle covered = Normalized(device);
     if (drawOver && kind == OBJ_DC && GetDeviceCaps(context, TECHNOLOGY) != DT_RASPRINTER && covered.right() > 0 &&

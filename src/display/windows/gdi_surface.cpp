@@ -13,7 +13,7 @@ struct DeleteGdiObject {
 };
 using Brush = std::unique_ptr<std::remove_pointer_t<HBRUSH>, DeleteGdiObject>;
 
-// How many bits a pixel has in the bitmap of a context; 0 where there is none.
+// The bits per pixel of the bitmap selected into a context; 0 where there is none.
 int BitsOfSelectedBitmap(HDC context) {
     BITMAP selected = {};
     const HGDIOBJ bitmap = GetCurrentObject(context, OBJ_BITMAP);
@@ -21,7 +21,7 @@ int BitsOfSelectedBitmap(HDC context) {
     return selected.bmBitsPixel * selected.bmPlanes;
 }
 
-// Pixels are chosen where both have 8 bits, averaged elsewhere. A context without a bitmap keeps its own mode.
+// Selects pixels when both bitmaps have 8 bits, averages otherwise. A context without a bitmap keeps its mode.
 class StretchModeScope {
 public:
     StretchModeScope(HDC context, const DisplayBitmap& bitmap) : context_(context) {
@@ -69,7 +69,7 @@ BitmapHeader::BitmapHeader(const DisplayBitmap& bitmap, const ColorTable& table)
     header.biPlanes = 1;
     header.biBitCount = static_cast<WORD>(bitmap.bitsPerPixel);
     header.biCompression = BI_RGB;
-    // Without it metafiles keep no pixels.
+    // Without it metafiles store no pixels.
     header.biSizeImage = static_cast<DWORD>(bitmap.rowStride * static_cast<size_t>(bitmap.height));
     if (bitmap.bitsPerPixel != 8) return;
     header.biClrUsed = static_cast<DWORD>(table.size());
@@ -117,19 +117,19 @@ bool GdiSurface::Draw(const DisplayBitmap& bitmap, const ColorTable& colors, con
     const StretchModeScope mode(context_, bitmap);
     const Sides from(source);
     Sides to(dest);
-    // The system draws from this pixel to the left, and upwards, where sizes are negative.
+    // For negative sizes the system draws from this pixel to the left, and upwards.
     if (to.width < 0) --to.x;
     if (to.height < 0) --to.y;
     const int drawn =
         StretchDIBits(context_, to.x, to.y, to.width, to.height, from.x, bitmap.height - from.y - from.height,
                       from.width, from.height, bitmap.pixels.data(), header.info(), DIB_RGB_COLORS, SRCCOPY);
-    // GDI_ERROR is -1
+    // GDI_ERROR is -1.
     return drawn >= from.height || DrawWithDrawDib(context_, header, bitmap, source, dest);
 }
 
 bool DrawWithDrawDib(HDC context, BitmapHeader header, const DisplayBitmap& bitmap, const Rectangle& source,
                      const Rectangle& dest) {
-    if (dest.width < 0 || dest.height < 0) return false;  // it mirrors nothing
+    if (dest.width < 0 || dest.height < 0) return false;  // DrawDib does not mirror
     const DrawDib draw(DrawDibOpen());
     if (!draw) return false;
     const Sides from(source), to(dest);

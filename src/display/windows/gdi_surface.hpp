@@ -1,4 +1,4 @@
-// Pictures on a device context.
+// Draws pictures on a device context.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-// A device-independent bitmap's header with its colours.
+// The header of a device-independent bitmap with its colours.
 struct BitmapHeader {
     BITMAPINFOHEADER header;
     RGBQUAD colors[256];
@@ -16,8 +16,8 @@ struct BitmapHeader {
     const BITMAPINFO* info() const { return reinterpret_cast<const BITMAPINFO*>(this); }
 };
 
-// Where the device has a palette and the bitmap 8 bits: the bitmap's colours selected as a background palette, while
-// this lives.
+// Selects the bitmap's colours as a background palette for the lifetime of this object, if the device has a palette and
+// the bitmap 8 bits.
 class PaletteScope {
 public:
     PaletteScope(HDC context, const DisplayBitmap& bitmap, const ColorTable& colors);
@@ -33,8 +33,8 @@ private:
 
 class GdiSurface final : public PictureSurface {
 public:
-    // Logical coordinates of the context must be its device coordinates. The stretch mode and the palette are as before
-    // after each operation.
+    // Logical coordinates of the context must equal its device coordinates. Each operation restores the stretch mode
+    // and the palette.
     explicit GdiSurface(HDC context) : context_(context) {}
 
     void Fill(const Rectangle& rectangle, OLE_COLOR color) override;
@@ -45,8 +45,8 @@ private:
     HDC context_;
 };
 
-// Video for Windows draws the source rectangle, whose y counts from the top. False when it does not, as for mirrored
-// ones.
+// Draws the source rectangle, whose y counts from the top, with Video for Windows. Returns false when that fails, as
+// for mirrored rectangles.
 bool DrawWithDrawDib(HDC context, BitmapHeader header, const DisplayBitmap& bitmap, const Rectangle& source,
                      const Rectangle& dest);
 

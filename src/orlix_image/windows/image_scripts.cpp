@@ -11,7 +11,7 @@ namespace orlix {
 
 namespace {
 
-// As the contract numbers them.
+// Numbered by the contract.
 enum Property : DISPID { kWidth = 1, kHeight, kZoomFactor, kZoomCenterX, kZoomCenterY };
 
 constexpr struct {
@@ -57,7 +57,7 @@ HRESULT PutProperty(ZoomState& zoom, DISPID id, double value) {
     }
 }
 
-// What a property's put or get reported, for a script.
+// Translates the reported result of a property's put or get for a script.
 HRESULT ExceptionOf(HRESULT result, EXCEPINFO* exception) {
     if (SUCCEEDED(result) || result == DISP_E_MEMBERNOTFOUND) return result;
     if (!exception) return DISP_E_EXCEPTION;
@@ -96,7 +96,7 @@ STDMETHODIMP ImageScripts::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count
     bool all = true;
     for (UINT i = 0; i < count; ++i) {
         const auto found = std::find_if(std::begin(kProperties), std::end(kProperties), [&](const auto& property) {
-            // Only the first name is a property's, the others are those of arguments, of which there are none.
+            // Only the first name can be a property; the others name arguments, of which there are none.
             return i == 0 && names[i] && lstrcmpiW(names[i], property.name) == 0;
         });
         ids[i] = DISPID_UNKNOWN;
@@ -110,7 +110,7 @@ STDMETHODIMP ImageScripts::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPP
                                   EXCEPINFO* exception, UINT* badArgument) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!arguments) return E_POINTER;
-    // Numbers are put by value: there is no DISPATCH_PROPERTYPUTREF.
+    // Numbers are set by value: DISPATCH_PROPERTYPUTREF is not supported.
     if (flags & DISPATCH_PROPERTYPUT) {
         if (arguments->cArgs != 1) return DISP_E_BADPARAMCOUNT;
         VARIANT number;
