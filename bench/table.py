@@ -46,8 +46,10 @@ def row(*cells):
 
 
 def interface(rates):
-    print("Rates in 10^9 pixels a second. *x memcpy*: pixels against memcpy of the same picture (casts from another type: bytes\n"
-          "read and written against those of memcpy). *x OpenCV*: pixels. *circle*: time for a pixel of the largest circle\n"
+    print("Rates in 10^9 pixels a second. *x memcpy*: pixels against memcpy of the same picture "
+          "(casts from another type: bytes\n"
+          "read and written against those of memcpy). "
+          "*x OpenCV*: pixels. *circle*: time for a pixel of the largest circle\n"
           "over that for a pixel of the whole image.\n")
     row("operation", "type", "size", "rate", "x memcpy", "x OpenCV", "circle")
     row("---", "---", "--:", "--:", "--:", "--:", "--:")
@@ -76,8 +78,10 @@ def kernels(rates):
 
 
 def robust(rates):
-    print("Trials: rates in 10^9 pixels a second and, in brackets, against memcpy of the same picture; *near*: scored 5 % above the best\n"
-          "surface so far, *far*: many times above it, *winner*: scored in full. Searches: milliseconds until the result.\n")
+    print("Trials: rates in 10^9 pixels a second and, in brackets, against memcpy of the same picture; "
+          "*near*: scored 5 % above the best\n"
+          "surface so far, *far*: many times above it, *winner*: scored in full. "
+          "Searches: milliseconds until the result.\n")
     row("fit", "type", "size", "figures")
     row("---", "---", "--:", "---")
     groups = collections.defaultdict(list)
@@ -103,7 +107,8 @@ def outlines(rates):
 
 
 def raster(rates):
-    print("A window of 1920 x 1080 pixels of 32 bits onto a picture of 4096 x 4096: rates in 10^9 pixels of the window a second and, in\n"
+    print("A window of 1920 x 1080 pixels of 32 bits onto a picture of 4096 x 4096: "
+          "rates in 10^9 pixels of the window a second and, in\n"
           "brackets, against memcpy of the window. The part of the picture that is shown is named first.\n")
     row("part and scaling", "figures")
     row("---", "---")

@@ -48,8 +48,9 @@ function(orlix_instruction_sets)
                 COMPILE_OPTIONS "-mavx2;-mbmi;-mbmi2;-mpopcnt")
         elseif(file MATCHES "_avx512\\.cpp$")
             # VBMI and GFNI came with the processors that the variant is chosen on (Ice Lake, Zen 4 and later).
-            set_source_files_properties(${file} PROPERTIES SKIP_PRECOMPILE_HEADERS ON COMPILE_OPTIONS
-                "-mavx512f;-mavx512bw;-mavx512vl;-mavx512dq;-mavx512vbmi;-mgfni;-mavx2;-mbmi;-mbmi2;-mpopcnt;-mprefer-vector-width=512")
+            string(CONCAT options "-mavx512f;-mavx512bw;-mavx512vl;-mavx512dq;-mavx512vbmi;-mgfni;"
+                "-mavx2;-mbmi;-mbmi2;-mpopcnt;-mprefer-vector-width=512")
+            set_source_files_properties(${file} PROPERTIES SKIP_PRECOMPILE_HEADERS ON COMPILE_OPTIONS "${options}")
         endif()
     endforeach()
 endfunction()

@@ -2,9 +2,9 @@
 
     reference_filter.py HEADER
 
-A comment directly above a declaration documents it, one inside a class with an empty line below it documents the class, and
-the one at the top of orlix.h is the main page. The text is taken as it is written: no character is a command, and lines
-that are indented or set in columns keep their layout.
+A comment directly above a declaration documents it, one inside a class with an empty line below it documents the
+class, and the one at the top of orlix.h is the main page. The text is taken as it is written: no character is a
+command, and lines that are indented or set in columns keep their layout.
 """
 
 import re

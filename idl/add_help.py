@@ -2,8 +2,8 @@
 
     add_help.py OUTPUT
 
-For the type library. (The interface compiler takes no help strings for members of enumerations and records. Classes have
-their own, which are part of the contract.) Lines keep their numbers.
+For the type library. (The interface compiler takes no help strings for members of enumerations and records. Classes
+have their own, which are part of the contract.) Lines keep their numbers.
 """
 
 import re

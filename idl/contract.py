@@ -1,8 +1,8 @@
 """Reads orlix.idl: what it declares, and the comment that belongs to each declaration.
 
-A comment belongs to the declarations below it, up to the next comment or empty line, or to the one in front of it on its
-line. A comment that an empty line follows belongs to none: it introduces those that come next. The first sentence of a
-comment says briefly what the declaration is; it becomes the help string of the type library.
+A comment belongs to the declarations below it, up to the next comment or empty line, or to the one in front of it on
+its line. A comment followed by an empty line belongs to none: it introduces those that come next. The first sentence of
+a comment says briefly what the declaration is; it becomes the help string of the type library.
 """
 
 import re

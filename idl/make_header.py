@@ -2,8 +2,9 @@
 
     make_header.py BUILD [HEADER]
 
-BUILD is a configured Windows build, whose cache says where the interface compiler and its imports are. The compiler decides
-what is in the header: types, order of the methods, identifiers. Here it becomes a header to read and to include anywhere:
+BUILD is a configured Windows build, whose cache says where the interface compiler and its imports are. The compiler
+decides what is in the header: types, order of the methods, identifiers. Here it becomes a header to read and to include
+anywhere:
 
   - It includes the system's headers on Windows only, and does not count on their macro `interface`: clients off Windows
     have neither, nor a header that passes for one of the system's.
@@ -97,7 +98,8 @@ def signature(text):
 def identifiers(lines):
     """The lines that give a type its identifier, for __uuidof too where the compiler does not know it by itself."""
     found = [line for line in lines if line.startswith("DEFINE_GUID(")]
-    return found + ["#ifdef __CRT_UUID_DECL"] + [line for line in lines if line.startswith("__CRT_UUID_DECL(")] + ["#endif"]
+    uuids = [line for line in lines if line.startswith("__CRT_UUID_DECL(")]
+    return found + ["#ifdef __CRT_UUID_DECL"] + uuids + ["#endif"]
 
 
 def interface(block, contract):
@@ -133,7 +135,8 @@ def made(build):
     contract = Contract()
     text = compiled(build)
     names = re.findall(r"^typedef interface (\w+) \1;", text, re.M)
-    out = ["// Made from idl/orlix.idl by idl/make_header.py: not to be edited.", "", *comment(contract.head), "", BEGIN]
+    out = ["// Made from idl/orlix.idl by idl/make_header.py: not to be edited.", ""]
+    out += [*comment(contract.head), "", BEGIN]
     out += [f"struct {name};" for name in names] + [""]
     parts = re.finditer(r"^typedef (?:enum|struct) \w+ \{\n(?:.*\n)*?\} \w+;$"
                         r"|^DEFINE_GUID\(D?IID_.*\n(?:.*\n)*?__CRT_UUID_DECL\(.*$"

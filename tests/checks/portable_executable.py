@@ -16,7 +16,8 @@ class PortableExecutable:
         self.bits = {0x10B: 32, 0x20B: 64}[self.number("<H", optional)]
         directories = optional + (96 if self.bits == 32 else 112)
         # (address, size in the file, place in the file)
-        self.sections = [struct.unpack_from("<III", data, optional + optional_size + 40 * i + 12) for i in range(sections)]
+        table = optional + optional_size + 12
+        self.sections = [struct.unpack_from("<III", data, table + 40 * i) for i in range(sections)]
         exports, imports, resources = (self.number("<I", directories + 8 * i) for i in range(3))
         self.exports = self.read_exports(exports) if exports else []
         self.imports = self.read_imports(imports) if imports else []

@@ -55,12 +55,13 @@ def tracked(*suffixes):
 
 
 def layers():
-    """What the files of each folder of src may include besides their own folder: the drawing in docs/architecture.md."""
+    """The folders that each folder of src may include besides itself: the drawing in docs/architecture.md."""
     section = (ROOT / "docs/architecture.md").read_text("utf-8").split("\n## Layers\n")[1].split("\n## ")[0]
     drawing = {}
     for line in re.findall(r"^    (.*)$", section, re.M):
         folder, *below = re.findall(r"\w+", line)
-        assert all(other in drawing for other in below), f"docs/architecture.md: {folder} stands on a folder named after it"
+        assert all(other in drawing for other in below), (
+            f"docs/architecture.md: {folder} stands on a folder named after it")
         drawing[folder] = below
     return drawing
 
@@ -135,13 +136,14 @@ def outside_the_boundary():
                    *(function for function, body in bodies(text) if re.search(r"\bGuarded\b", body))}
         for found in re.finditer(r"^ *STDMETHODIMP (?:\w+::)?(\w+)\([^;{]*\{", text, re.M):
             body = next((body for function, body in bodies(text[found.start():].lstrip())), "")
-            if found.group(1) in methods and not any(re.search(rf"\b{function}(<\w+>)?\(", body) for function in guarded):
+            calls_guard = any(re.search(rf"\b{function}(<\w+>)?\(", body) for function in guarded)
+            if found.group(1) in methods and not calls_guard:
                 yield f"{name}: {found.group(1)}"
 
 
 def unknown_texts():
-    """Texts that the contract quotes and the library does not have. (Those with a number in them are put together when they are
-    reported; so are those of a MethodFailure, whose rest after the name of the method is looked for.)"""
+    """Texts that the contract quotes and the library does not have. (Those with a number in them are put together when
+    they are reported; so are those of a MethodFailure, where only the part after the method's name is looked for.)"""
     sources = "".join((ROOT / name).read_text("utf-8") for name in tracked(".cpp", ".hpp") if name.startswith("src/"))
     sources = re.sub(r'"\s*"', "", re.sub(r"//.*", "", sources))  # a literal in several parts is one
     rests = set(re.findall(r'\bMethodFailure\("([^"]*)"\)', sources))
@@ -155,10 +157,11 @@ def unknown_texts():
 
 
 def forgotten_kernels():
-    """Tables of variants that no test of kernels compares with their definition, or that no list of kernels in use has."""
+    """Tables of variants that no kernel test compares with their definition, or that no list of kernels in use has."""
     texts = {name: (ROOT / name).read_text("utf-8") for name in tracked(".cpp", ".hpp")}
     tests = "".join(text for name, text in texts.items() if name.startswith("tests/"))
-    lists = "".join(text for name, text in texts.items() if name.startswith("src/") and ("KernelInUse" in text or "FilterRow" in text))
+    lists = "".join(text for name, text in texts.items()
+                    if name.startswith("src/") and ("KernelInUse" in text or "FilterRow" in text))
     tables = {table for name, text in texts.items() if name.startswith("src/")
               for table, rows in re.findall(r"^inline constexpr Variant<.*> (k\w+)(?:<.*>)?\[\] =([^;]*)", text, re.M)
               if rows.count('{"') > 1}
@@ -182,18 +185,21 @@ def check_sources():
 
     marks = re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b")
     check("nothing is marked as to be done later",
-          (f"{name}:{number}: {line.strip()}" for name in tracked(".cpp", ".hpp", ".h", ".idl", ".py", ".cmake", ".md", ".txt")
+          (f"{name}:{number}: {line.strip()}"
+           for name in tracked(".cpp", ".hpp", ".h", ".idl", ".py", ".cmake", ".md", ".txt")
            for number, line in enumerate((ROOT / name).read_text("utf-8").splitlines(), 1) if marks.search(line)))
 
     # The formatter breaks code and leaves comments and literals as they are.
     check("no comment goes beyond 120 columns",
           (f"{name}:{number}" for name in tracked(".cpp", ".hpp", ".h", ".idl")
-           for number, line in enumerate((ROOT / name).read_text("utf-8").splitlines(), 1) if len(line) > 120 and "//" in line))
+           for number, line in enumerate((ROOT / name).read_text("utf-8").splitlines(), 1)
+           if len(line) > 120 and "//" in line))
 
     sources = [name for name in tracked(".cpp", ".hpp", ".h") if name != GENERATED]
     if shutil.which("clang-format"):
         _, said = output_of("clang-format", "--dry-run", "-Werror", *sources, cwd=ROOT)
-        check("sources are formatted by .clang-format", sorted({line.split(":")[0] for line in said.splitlines() if ": error:" in line}))
+        check("sources are formatted by .clang-format",
+              sorted({line.split(":")[0] for line in said.splitlines() if ": error:" in line}))
     else:
         report("skipped", "sources are formatted: there is no clang-format")
 
@@ -218,17 +224,17 @@ def compiled(build):
     return [file for file in files if file.startswith(f"{ROOT}/") and not file.startswith(f"{ROOT}/build/")]
 
 
-# --------------------------------------------------------------------------------------------------------------- binaries
+# ------------------------------------------------------------------------------------------------------------- binaries
 
 EXPORTS = {"DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer", "NeedGdiPlus"}
 SYSTEM_LIBRARIES = {"advapi32.dll", "comctl32.dll", "comdlg32.dll", "gdi32.dll", "gdiplus.dll", "kernel32.dll",
-                    "msimg32.dll", "msvcrt.dll", "msvfw32.dll", "ole32.dll", "oleaut32.dll", "shell32.dll", "shlwapi.dll", "user32.dll",
-                    "version.dll"}
+                    "msimg32.dll", "msvcrt.dll", "msvfw32.dll", "ole32.dll", "oleaut32.dll", "shell32.dll",
+                    "shlwapi.dll", "user32.dll", "version.dll"}
 
 
 def foreign_templates(build):
-    """Functions for a newer processor that the linker may take for the ones that every processor runs: whatever an object
-    of such a file defines weakly under a name that does not say so."""
+    """Functions for a newer processor that the linker may choose for all processors: every weak definition in an object
+    of such a file whose name does not show the instruction set."""
     for suffix in ("avx2", "avx512"):
         for file in sorted([*build.rglob(f"*_{suffix}.cpp.o"), *build.rglob(f"*_{suffix}.cpp.obj")]):
             _, said = output_of("nm", "-C", "--defined-only", file)
@@ -336,7 +342,8 @@ def check_contract(build):
         found = (ROOT / GENERATED).read_text("utf-8").splitlines()
         first = next((i for i, (a, b) in enumerate(zip(wanted, found)) if a != b), min(len(wanted), len(found)))
         if wanted != found:
-            problems.append(f"{GENERATED}:{first + 1}: is not what idl/make_header.py makes of idl/orlix.idl from here on")
+            problems.append(f"{GENERATED}:{first + 1}: "
+                            "is not what idl/make_header.py makes of idl/orlix.idl from here on")
     except Exception as failure:
         problems += str(failure).splitlines()
     check(f"{GENERATED} is what idl/orlix.idl gives", problems)
@@ -350,8 +357,8 @@ def check_reference(build):
     output = build / "reference"
     shutil.rmtree(output, ignore_errors=True)
     settings = (ROOT / "docs/Doxyfile").read_text("utf-8") + f"\nOUTPUT_DIRECTORY = {build.resolve()}\n"
-    result = subprocess.run(["doxygen", "-"], cwd=ROOT, input=settings, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                            text=True)
+    result = subprocess.run(["doxygen", "-"], cwd=ROOT, input=settings, stdout=subprocess.PIPE,
+                            stderr=subprocess.STDOUT, text=True)
     problems = result.stdout.splitlines()
     pages = {page.stem for page in output.rglob("*.html")}
     for declaration in Contract().declarations:
@@ -361,7 +368,7 @@ def check_reference(build):
     check("the reference is made without warnings and has a page for each interface and record", problems)
 
 
-# ------------------------------------------------------------------------------------------------------------------- main
+# ----------------------------------------------------------------------------------------------------------------- main
 
 
 def main():

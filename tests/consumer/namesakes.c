@@ -1,5 +1,5 @@
-/* Another library of the process that stands in for the same functions of the system. If one of these is called, the two got
-   into each other's way. */
+/* Another library of the process that stands in for the same functions of the system. None of these may be called: a
+   call means that the two libraries interfere with each other. */
 #include <stdlib.h>
 
 void* SysAllocString(void) { abort(); }

@@ -3,8 +3,8 @@
     run.py BUILD                      one line for each check; the last line is the sum
     run.py BUILD --picture PNG IMAGE  a picture of the viewer instead, zoomed in and with a rectangle being drawn
 
-BUILD is a folder of the 32-bit Windows build. For the picture the frame wants Wine's own fonts: tahoma.ttf and marlett.ttf of
-the Debian package fonts-wine, copied to windows/Fonts of the environment's drive C (see scripts/wine).
+BUILD is a folder of the 32-bit Windows build. For the picture the frame needs Wine's own fonts: tahoma.ttf and
+marlett.ttf of the Debian package fonts-wine, copied to windows/Fonts of the environment's drive C (see scripts/wine).
 """
 
 import argparse
@@ -37,7 +37,7 @@ class Unavailable(Exception):
     """What the tests need and this machine has not."""
 
 
-# ------------------------------------------------------------------------------------------------------------ the programs
+# --------------------------------------------------------------------------------------------------------- the programs
 
 
 def windows_path(path):
@@ -138,7 +138,7 @@ class Viewer:
         return self.process.wait(10)
 
 
-# --------------------------------------------------------------------------------------------------------------- the image
+# ------------------------------------------------------------------------------------------------------------ the image
 
 # 8 x 6 blocks of 25 x 25 pixels, each of a grey of its own.
 BLOCK, COLUMNS, ROWS = 25, 8, 6
@@ -167,13 +167,14 @@ def write_image(file):
 
 def differences(picture, wanted):
     """Where the picture is not as wanted: {point: colour}."""
-    wrong = [f"{point}: {picture[point]} instead of {color}" for point, color in wanted.items() if picture[point] != color]
+    wrong = [f"{point}: {picture[point]} instead of {color}"
+             for point, color in wanted.items() if picture[point] != color]
     return "\n".join(wrong[:5] + ([f"... at {len(wrong)} of {len(wanted)} points"] if len(wrong) > 5 else []))
 
 
 def blocks(left, top, size, columns=range(COLUMNS), rows=range(ROWS)):
-    """The middles of blocks, shown from (left, top) on with sides of `size`, have their greys. (Between blocks the system
-    interpolates.)"""
+    """The middles of blocks, shown from (left, top) on with sides of `size`, have their greys. (Between blocks the
+    system interpolates.)"""
     return {(left + i * size + size // 2, top + k * size + size // 2): grey(column, row)
             for i, column in enumerate(columns) for k, row in enumerate(rows)}
 
@@ -190,7 +191,7 @@ def exactly(wanted):
 
 
 def moved_by(former, dx, dy):
-    """What was inside of a block is now (dx, dy) further. A view begins with a whole pixel of the image, here 4 pixels of
+    """The inside of each block has moved by (dx, dy). A view begins with a whole pixel of the image, here 4 pixels of
     the screen, so the insides keep 6 pixels from the edges; and where whole pixels do not fill the window there is some
     surround at its edges."""
     edge, wanted = 15, {}
@@ -205,7 +206,7 @@ def moved_by(former, dx, dy):
     return lambda picture: differences(picture, wanted)
 
 
-# -------------------------------------------------------------------------------------------------------------- the checks
+# ----------------------------------------------------------------------------------------------------------- the checks
 
 
 def check_showing(viewer):

@@ -32,7 +32,7 @@ class Picture:
 
 
 class Screen:
-    """An X server without a monitor, which keeps what it shows in a file: no tool stands between the test and the pixels."""
+    """An X server without a monitor, which keeps its screen in a file: the test reads the pixels without any tool."""
 
     def __init__(self, width=800, height=600):
         self.size = f"{width}x{height}x24"
@@ -64,7 +64,7 @@ class Screen:
         self.folder.cleanup()
 
     def picture(self):
-        """The file is an X window dump of version 7: a head of big-endian numbers, colours, rows of pixels B, G, R, 0."""
+        """The file is an X window dump, version 7: a head of big-endian numbers, colours, rows of pixels B, G, R, 0."""
         content = (Path(self.folder.name) / "Xvfb_screen0").read_bytes()
         head = struct.unpack_from(">25I", content)
         head_size, version, width, height, bits, stride, colors = (head[i] for i in (0, 1, 4, 5, 11, 12, 19))
