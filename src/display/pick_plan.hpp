@@ -18,7 +18,7 @@ inline constexpr PickShape kUngrouped = {0, 0};
 
 inline constexpr size_t kPickBlock = 64;
 
-// What kernels see of a plan. Notes:
+// A plan as the kernels use it. Notes:
 //  (1) The columns are non-decreasing or non-increasing.
 //  (2) Unless ungrouped, group number g, columns g group .. (g + 1) group - 1, lies within `window` samples that begin
 //      at bases[g] and lie inside the row. Shuffles give the positions: 0x80VVVVVV, V the distance from the base. They

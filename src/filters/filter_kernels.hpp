@@ -1,4 +1,4 @@
-// What kernels of neighbourhood filters accept and guarantee.
+// The contract of neighbourhood filter kernels.
 #pragma once
 
 #include <cstddef>

@@ -60,9 +60,9 @@ struct IndexPowerSums {
 };
 constexpr IndexPowerSums kIndexPowerSums;
 
-// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. A separate run is cut
-// at every 256th column: its ends go into exact integer sums of cells of 64 rows, the whole cells between them into
-// rectangles.
+// Sums of u^p v^q over the pixels of a region. Rectangles of many rows are summed in closed form. Any other
+// run is cut at every 256th column: its ends go into exact integer sums of cells of 64 rows, the whole cells between
+// them into rectangles.
 class CoordinateSums {
 public:
     CoordinateSums(int degree, const SurfaceFrame& frame, const PixelBounds& bounds, std::span<DoublePair> sums)

@@ -85,7 +85,7 @@ private:
     int degree_;
     PixelBounds bounds_;
     int32_t top_;              // of the current tiles
-    std::vector<Tile> tiles_;  // adjacent columns; float: a single tile
+    std::vector<Tile> tiles_;  // adjacent tiles; float: a single one
     bool started_ = false;     // float: whether there is an origin
     double origin_ = 0;
     bool few_;                          // fewer pixels than monomials

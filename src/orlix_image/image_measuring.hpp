@@ -1,5 +1,5 @@
-// What processing works on, and measurements: the first of the processing interfaces, each of which extends the one
-// before.
+// The band, region and range to process, and measurements: the first of the processing interfaces, each of which
+// extends the one before.
 #pragma once
 
 #include "orlix_image/image_core.hpp"

@@ -63,7 +63,7 @@ void CorrectBy(Frame<Pixel>& frame, const AveragedHemisphere& surface, const cha
     frame.Change([&](const auto& at) { SubtractHemisphere(at, heights, surface.average); });
 }
 
-// What a method does with the image's frame.
+// Operations on the image's frame, for WithFrame().
 template <class Record, class Kind>
 auto Fitting(Record* fit, Kind kind, const FitTexts& texts) {
     return [=](auto& frame) {
