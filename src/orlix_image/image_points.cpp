@@ -1,5 +1,6 @@
 #include "orlix_image/image_points.hpp"
 
+#include <type_traits>
 #include <utility>
 
 #include "process/pixel_changes.hpp"

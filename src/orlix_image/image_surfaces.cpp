@@ -1,5 +1,7 @@
 #include "orlix_image/image_surfaces.hpp"
 
+#include <cmath>
+
 #include "orlix_image/surface_records.hpp"
 #include "process/surfaces.hpp"
 
