@@ -1,10 +1,10 @@
 #include "module/class_table.hpp"
 
-#include "binary/orlix_bitmap.hpp"
 #include "geometry/orlix_polygon.hpp"
 #include "geometry/orlix_shape_region_of_interest.hpp"
 #include "geometry/orlix_structuring_element.hpp"
 #include "histogram/orlix_histogram.hpp"
+#include "orlix_bitmap/orlix_bitmap.hpp"
 #include "orlix_image/orlix_image.hpp"
 
 namespace orlix {

@@ -11,11 +11,11 @@
 
 #include <orlix/com_ptr.hpp>
 
-#include "binary/orlix_bitmap.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "measure/counting.hpp"
 #include "measure/extremes.hpp"
 #include "measure/measuring.hpp"
+#include "orlix_bitmap/orlix_bitmap.hpp"
 #include "points/pixel_conversion.hpp"
 #include "points/threshold.hpp"
 #include "process/selection.hpp"

@@ -1,4 +1,4 @@
-#include "binary/orlix_bitmap.hpp"
+#include "orlix_bitmap/orlix_bitmap.hpp"
 
 #include <cmath>
 
