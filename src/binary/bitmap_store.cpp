@@ -12,9 +12,6 @@
 namespace orlix {
 namespace {
 
-// More than a process can address is refused without an attempt.
-constexpr uint64_t kMostBytes = std::min<uint64_t>(PTRDIFF_MAX, uint64_t{1} << 46);
-
 void RequireSize(int32_t width, int32_t height) {
     if (width < 1) throw Failure("CBITMAP::Create: width must be positive");
     if (height < 1) throw Failure("CBITMAP::Create: height must be positive");

@@ -19,6 +19,8 @@ class BitmapStore {
 public:
     // Reads up to this many bytes or rows beyond an edge find the nearest one.
     static constexpr int32_t kMargin = 200;
+    // More than a process can address is refused without an attempt.
+    static constexpr uint64_t kMostBytes = std::min<uint64_t>(PTRDIFF_MAX, uint64_t{1} << 46);
 
     struct IndexEntry {
         int32_t column;    // in bytes

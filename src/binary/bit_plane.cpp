@@ -1,0 +1,78 @@
+#include "binary/bit_plane.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <new>
+
+namespace orlix {
+namespace {
+
+uint64_t FromBytes(uint64_t bytes) {
+    return std::endian::native == std::endian::little ? __builtin_bswap64(bytes) : bytes;
+}
+
+// Bits first..last of a word as pixels are counted, 0 <= first <= last <= 63.
+uint64_t Span(int32_t first, int32_t last) { return ~uint64_t{0} >> first & ~uint64_t{0} << (63 - last); }
+
+}  // namespace
+
+BitRows RowsOf(const BitmapStore& store) { return {store.Row(0), store.rowBytes(), store.width(), store.height()}; }
+
+uint64_t LoadWord(const uint8_t* row, size_t i, size_t bytes) {
+    uint64_t word = 0;
+    if (bytes - 8 * i >= 8)
+        std::memcpy(&word, row + 8 * i, 8);
+    else
+        std::memcpy(&word, row + 8 * i, bytes - 8 * i);
+    return FromBytes(word);
+}
+
+void StoreWord(uint8_t* row, size_t i, size_t bytes, uint64_t word) {
+    word = FromBytes(word);
+    if (bytes - 8 * i >= 8)
+        std::memcpy(row + 8 * i, &word, 8);
+    else
+        std::memcpy(row + 8 * i, &word, bytes - 8 * i);
+}
+
+BitPlane::BitPlane(int32_t width, int32_t height)
+    : width_(width), height_(height), wordsPerRow_((static_cast<size_t>(width) + 63) / 64) {
+    const uint64_t words = uint64_t{wordsPerRow_} * static_cast<uint64_t>(height);
+    if (words > BitmapStore::kMostBytes / sizeof(uint64_t)) throw std::bad_alloc();
+    words_.resize(static_cast<size_t>(words));
+}
+
+BitPlane::BitPlane(const BitRows& rows) : BitPlane(rows.width, rows.height) {
+    if (wordsPerRow_ == 0) return;
+    const size_t bytes = rows.usedBytes();
+    for (int32_t y = 0; y < height_; ++y) {
+        const uint8_t* from = rows.row(y);
+        uint64_t* to = row(y);
+        for (size_t i = 0; i < wordsPerRow_; ++i) to[i] = LoadWord(from, i, bytes);
+        to[wordsPerRow_ - 1] &= lastWordMask();
+    }
+}
+
+void Store(const BitPlane& from, BitmapStore& to, const RegionRows& region) {
+    const size_t bytes = RowsOf(to).usedBytes();
+    for (int32_t y = region.top(); y <= region.bottom(); ++y) {
+        const std::span<const Run> runs = region.row(y);
+        if (runs.empty()) continue;
+        const uint64_t* words = from.row(y);
+        uint8_t* row = to.WriteRow(y);
+        for (const Run run : runs) {
+            const int32_t first = run.start / 64, last = run.stop / 64;
+            for (int32_t i = first; i <= last; ++i) {
+                const auto word = static_cast<size_t>(i);
+                const uint64_t mask = Span(i == first ? run.start % 64 : 0, i == last ? run.stop % 64 : 63);
+                if (mask == ~uint64_t{0})
+                    StoreWord(row, word, bytes, words[word]);
+                else
+                    StoreWord(row, word, bytes, (words[word] & mask) | (LoadWord(row, word, bytes) & ~mask));
+            }
+        }
+    }
+}
+
+}  // namespace orlix
