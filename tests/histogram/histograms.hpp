@@ -5,17 +5,13 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
-namespace orlix::testing {
+#include "support/special_numbers.hpp"
+
+namespace orlix {
 
 using Counts = std::vector<LONG>;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr LONG kMost = std::numeric_limits<int32_t>::max();
-constexpr LONG kLeast = std::numeric_limits<int32_t>::min();
 
 class Random {
 public:
@@ -51,4 +47,4 @@ inline Counts SomeCounts(Random& random, size_t n, LONG most) {
 // For values whose last digits may differ by a few roundings.
 inline double Tolerance(long double value) { return 1e-14 * (1.0 + static_cast<double>(std::fabs(value))); }
 
-}  // namespace orlix::testing
+}  // namespace orlix

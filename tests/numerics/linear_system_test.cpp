@@ -40,14 +40,9 @@ TEST(DoublePairs, KeepWhatADoubleLoses) {
     EXPECT_LE(std::fabs(static_cast<double>(product - 1.0)), 0x1p-100);
 }
 
-TEST(Lu, ExchangesRowsAndSolves) {
+TEST(Lu, ExchangesRowsAndReplacesAPivotOfExactlyZero) {
     // y + z = 5, x + 2y = 5, 4x - z = 1: x = 1, y = 2, z = 3.
     EXPECT_EQ((Numbers{1, 2, 3}), SolvedByLu({0, 1, 1, 1, 2, 0, 4, 0, -1}, {5, 5, 1}));
-    EXPECT_EQ((Numbers{7}), SolvedByLu({2}, {14}));
-}
-
-TEST(Lu, ReplacesAPivotOfExactlyZero) {
-    EXPECT_EQ((Numbers{1, 0}), SolvedByLu({1, 1, 1, 1}, {1, 1}));
     EXPECT_EQ((Numbers{1 - 1e20, 1e20}), SolvedByLu({1, 1, 1, 1}, {1, 2}));
     EXPECT_EQ((Numbers{3e20}), SolvedByLu({0}, {3}));
     EXPECT_DOUBLE_EQ(std::sqrt(0.25 + 0.0625), LuDecomposition(Numbers{2, 0, 0, 4}, 2).NormOfInverse());
@@ -70,13 +65,34 @@ void ExpectNear(const Numbers& want, const Numbers& got, double tolerance) {
     for (size_t i = 0; i < want.size(); ++i) EXPECT_NEAR(want[i], got[i], tolerance) << i;
 }
 
-TEST(SingularValues, GiveTheShortestSolution) {
-    ExpectNear({1, 1}, SolvedBySingularValues({1, 1}, {2}, 2), 1e-15);                   // fewer equations
-    ExpectNear({0.2, 0.4}, SolvedBySingularValues({1, 2, 2, 4}, {1, 2}, 2), 1e-15);      // the same twice
-    ExpectNear({1.5}, SolvedBySingularValues({1, 1}, {1, 2}, 1), 1e-15);                 // a mean
-    ExpectNear({0, 0}, SolvedBySingularValues({0, 0, 0, 0}, {1, 2}, 2), 0);              // nothing
+Numbers SolvedWithoutRounding(const Numbers& matrix, const Numbers& b) {
+    std::vector<Integer> integers;
+    for (const double entry : matrix) integers.push_back(static_cast<int64_t>(entry));
+    Numbers x(matrix.size() / b.size());
+    SolveShortest(integers, b, x);
+    return x;
+}
+
+TEST(ShortestSolution, OfSystemsWorkedOutByHand) {
+    const struct {
+        const char* what;
+        Numbers matrix, b, x;
+    } cases[] = {{"fewer equations", {1, 1}, {2}, {1, 1}},
+                 {"the same twice", {1, 2, 2, 4}, {1, 2}, {0.2, 0.4}},
+                 {"a mean", {1, 1}, {1, 2}, {1.5}},
+                 {"nothing", {0, 0, 0, 0}, {1, 2}, {0, 0}},
+                 {"zeros", {3, 4}, {0}, {0, 0}}};
+    for (const auto& [what, matrix, b, x] : cases) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(x, SolvedWithoutRounding(matrix, b));
+        ExpectNear(x, SolvedBySingularValues(matrix, b, x.size()), 1e-15);
+    }
     ExpectNear({1, 0}, SolvedBySingularValues({1, 0, 0, 0.9e-12}, {1, 1}, 2), 0);        // below the cut
     ExpectNear({1, 0.5e12}, SolvedBySingularValues({1, 0, 0, 2e-12}, {1, 1}, 2), 1e-2);  // above it
+    EXPECT_EQ((Numbers{1e-300, 3e38}), SolvedWithoutRounding({1, 0, 0, 1}, {1e-300, 3e38}));
+    // Two equations that differ in the 62nd bit.
+    EXPECT_EQ((Numbers{-0x1p-126 - 0x1p-128, 1.25}),
+              SolvedWithoutRounding({0x1p62, 0, 0x1p62, 1}, {-0x1p-64 - 0x1p-66, 1.25 - 0x1p-64 - 0x1p-66}));
 }
 
 TEST(BothRoads, AgreeOnRandomSystemsOfEverySize) {
@@ -135,24 +151,6 @@ TEST(Integers, AreExactOfAnySize) {
     EXPECT_EQ(4800 - 32, exponent);
     EXPECT_TRUE((Integer::Scaled(-0.375, -3) + Integer(3)).IsZero());
     EXPECT_TRUE((Integer::Scaled(0x1p200, 100) - Integer::Scaled(0x1p100, 0)).IsZero());
-}
-
-TEST(ShortestSolution, OfSystemsWorkedOutByHand) {
-    const auto solve = [](const std::vector<Integer>& matrix, const Numbers& b) {
-        Numbers x(matrix.size() / b.size());
-        SolveShortest(matrix, b, x);
-        return x;
-    };
-    EXPECT_EQ((Numbers{1, 1}), solve({1, 1}, {2}));
-    EXPECT_EQ((Numbers{0.2, 0.4}), solve({1, 2, 2, 4}, {1, 2}));  // the same twice
-    EXPECT_EQ((Numbers{1.5}), solve({1, 1}, {1, 2}));             // a mean
-    EXPECT_EQ((Numbers{0, 0}), solve({0, 0, 0, 0}, {1, 2}));      // nothing
-    EXPECT_EQ((Numbers{0, 0}), solve({3, 4}, {0}));
-    // Two equations that differ in the 62nd bit.
-    const int64_t large = int64_t{1} << 62;
-    EXPECT_EQ((Numbers{-0x1p-126 - 0x1p-128, 1.25}),
-              solve({large, 0, large, 1}, {-0x1p-64 - 0x1p-66, 1.25 - 0x1p-64 - 0x1p-66}));
-    EXPECT_EQ((Numbers{1e-300, 3e38}), solve({1, 0, 0, 1}, {1e-300, 3e38}));
 }
 
 }  // namespace

@@ -5,9 +5,11 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <string>
 
-using namespace orlix;
+#include "support/special_numbers.hpp"
+
+namespace orlix {
+namespace {
 
 TEST(Turn, IsTheSignOfWholeNumbers) {
     std::mt19937 random(1);
@@ -60,11 +62,13 @@ TEST(Hypotenuse, IsRightToTheLastBitOfLongDouble) {
         const long double root = std::sqrt(static_cast<long double>(a) * a + static_cast<long double>(b) * b);
         const double expected = std::ldexp(static_cast<double>(root), e);
         // Rounding twice, and numbers below the normal ones, leave a last place.
-        const double last = std::nextafter(expected, std::numeric_limits<double>::infinity()) - expected;
+        const double last = std::nextafter(expected, kInfinity) - expected;
         EXPECT_LE(std::fabs(Hypotenuse(x, y) - expected), last) << x << ' ' << y;
     }
-    const double infinity = std::numeric_limits<double>::infinity(), nan = std::nan("");
-    EXPECT_EQ(infinity, Hypotenuse(1.7e308, 1.7e308));
-    EXPECT_EQ(infinity, Hypotenuse(nan, -infinity));
-    EXPECT_TRUE(std::isnan(Hypotenuse(nan, 1)));
+    EXPECT_EQ(kInfinity, Hypotenuse(1.7e308, 1.7e308));
+    EXPECT_EQ(kInfinity, Hypotenuse(kNaN, -kInfinity));
+    EXPECT_TRUE(std::isnan(Hypotenuse(kNaN, 1)));
 }
+
+}  // namespace
+}  // namespace orlix

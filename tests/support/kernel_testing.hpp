@@ -13,6 +13,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "vectors/variants.hpp"
+
 namespace orlix {
 
 inline constexpr size_t kAwkwardSizes[] = {0,  1,  2,  3,  4,  5,  7,  8,  9,   15,  16,  17,  23,  31,  32,  33,
@@ -86,6 +88,28 @@ testing::AssertionResult SameBits(const T* want, const T* got, size_t n) {
             return testing::AssertionFailure()
                    << "pixel " << i << " of " << n << " is " << +got[i] << " instead of " << +want[i];
     return testing::AssertionSuccess();
+}
+
+// The same for results of arithmetic: which NaN a sum of two passes on is not stated.
+template <class T>
+testing::AssertionResult SameNumbers(const T* want, T* got, size_t n) {
+    for (size_t i = 0; i < n; ++i)
+        if (want[i] != want[i] && got[i] != got[i]) got[i] = want[i];
+    return SameBits(want, got, n);
+}
+
+// run(fn, to) with the definition, the last one of the table, and with each of its variants: what they write over
+// `before`, and nothing beside it, agrees.
+template <class Table, class T, class Run>
+void ExpectTheDefinition(const Table& table, const std::vector<T>& before, const Run& run) {
+    std::vector<T> want = before;
+    run(std::end(table)[-1].fn, want.data());
+    for (const auto& variant : SupportedOnThisCpu(table)) {
+        Guarded<T> got(before, before.size() % 4);
+        run(variant.fn, got.data());
+        ASSERT_TRUE(SameNumbers(want.data(), got.data(), want.size())) << variant.name;
+        ASSERT_TRUE(got.GuardsIntact()) << variant.name << ", " << want.size() << " pixels";
+    }
 }
 
 template <class T>
