@@ -40,6 +40,8 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
     }
     bytes_.resize(size);
     modified_ = std::move(modified);
+    lent_.clear();
+    runs_.reset();
     record_ = {};
     record_.bmWidth = width;
     record_.bmHeight = height;
@@ -67,6 +69,16 @@ void BitmapStore::CopyFrom(const BITMAP& source) {
     *this = std::move(copy);
 }
 
-void BitmapStore::Fill(uint8_t value) { std::fill(bytes_.begin(), bytes_.end(), value); }
+void BitmapStore::Fill(uint8_t value) {
+    std::fill(bytes_.begin(), bytes_.end(), value);
+    runs_.reset();
+}
+
+std::span<const Run> BitmapStore::RowRuns(int32_t y) {
+    if (!runs_) runs_ = std::make_unique<RowRunCache>(width(), height());
+    const RowRunCache::Row row = runs_->At(y, Row(y), Modified(y));
+    if (row.kept) ClearModified(y);
+    return row.runs;
+}
 
 }  // namespace orlix

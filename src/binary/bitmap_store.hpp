@@ -6,7 +6,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <vector>
+
+#include "binary/row_run_cache.hpp"
 
 namespace orlix {
 
@@ -43,7 +47,7 @@ public:
     // for a record that has no bits, bits that cannot be read, not one bit a pixel or rows too short for its width.
     void CopyFrom(const BITMAP& source);
 
-    // All bytes, padding included. Marks no row.
+    // All bytes, padding included. Marks no row; runs that were kept are forgotten.
     void Fill(uint8_t value);
 
     int32_t width() const { return record_.bmWidth; }
@@ -70,10 +74,24 @@ public:
 
     static uint8_t MaskOf(int32_t x) { return static_cast<uint8_t>(0x80 >> (x % 8)); }
 
-    // Whoever keeps something derived from a row makes it anew when the row is marked, and takes the mark away.
+    // Whoever keeps something derived from a row makes it anew when the row is marked, and takes the mark away. The
+    // only one to do so is RowRuns.
     bool Modified(int32_t y) const { return modified_[static_cast<size_t>(y)]; }
     void MarkModified(int32_t y) { modified_[static_cast<size_t>(y)] = true; }
-    void ClearModified(int32_t y) { modified_[static_cast<size_t>(y)] = false; }
+    void ClearModified(int32_t y) { modified_[static_cast<size_t>(y)] = lent(y); }
+
+    // A row whose address goes to somebody who may write to it at any later time: it stays marked until the next
+    // creation.
+    void Lend(int32_t y) {
+        if (lent_.empty()) lent_.resize(modified_.size());
+        lent_[static_cast<size_t>(y)] = true;
+        MarkModified(y);
+    }
+
+    // The runs of set pixels of a row, in order and apart. They are kept until the row is modified, from the first call
+    // on; a bitmap of which nobody asks for runs spends nothing on them. Valid until the next call and until the bitmap
+    // changes.
+    std::span<const Run> RowRuns(int32_t y);
 
     // Byte column and row offset for an index from -kMargin to max(rowBytes, height) + kMargin - 1, each held inside.
     // Not a table: that of a bitmap a few pixels wide would be many times as large as the bitmap.
@@ -83,9 +101,13 @@ public:
     }
 
 private:
+    bool lent(int32_t y) const { return !lent_.empty() && lent_[static_cast<size_t>(y)]; }
+
     BITMAP record_ = {};
     std::vector<uint8_t> bytes_;
     std::vector<bool> modified_;  // of each row: a bit, for there are bitmaps of two bytes a row
+    std::vector<bool> lent_;      // empty: none
+    std::unique_ptr<RowRunCache> runs_;
 };
 
 }  // namespace orlix

@@ -137,8 +137,9 @@ STDMETHODIMP OrlixBitmap::GetWriteRowPtr(LONG row, unsigned char** pointer) noex
     return Guarded([&] {
         Require(pointer);
         *pointer = nullptr;
-        *pointer = RequireRow(row);
-        store_.MarkModified(row);
+        uint8_t* const first = RequireRow(row);
+        store_.Lend(row);
+        *pointer = first;
     });
 }
 
@@ -148,8 +149,9 @@ STDMETHODIMP OrlixBitmap::GetWritePixelPtr(LONG x, LONG y, unsigned char** point
         Require(mask);
         *pointer = nullptr;
         *mask = 0;
-        *pointer = RequirePixel(x, y);
-        store_.MarkModified(y);
+        uint8_t* const byte = RequirePixel(x, y);
+        store_.Lend(y);
+        *pointer = byte;
         *mask = BitmapStore::MaskOf(x);
     });
 }
