@@ -149,9 +149,9 @@ STDMETHODIMP OrlixBitmap::GetWritePixelPtr(LONG x, LONG y, unsigned char** point
         Require(mask);
         *pointer = nullptr;
         *mask = 0;
-        uint8_t* const byte = RequirePixel(x, y);
+        uint8_t* const found = RequirePixel(x, y);
         store_.Lend(y);
-        *pointer = byte;
+        *pointer = found;
         *mask = BitmapStore::MaskOf(x);
     });
 }
