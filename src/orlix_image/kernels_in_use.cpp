@@ -4,6 +4,7 @@
 #include <iterator>
 #include <vector>
 
+#include "binary/logic_kernels.hpp"
 #include "display/display_level_kernels.hpp"
 #include "display/raster_kernels.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
@@ -68,6 +69,9 @@ std::vector<KernelInUse> Collect() {
         {"add image, 8 bits", ChosenVariant(kPlus<uint8_t, uint8_t>).name},
         {"add image, 16 bits", ChosenVariant(kPlus<uint16_t, uint16_t>).name},
         {"add image, float", ChosenVariant(kPlus<float, float>).name},
+        {"bitmap logic", ChosenVariant(kCombine<BitLogic::And>).name},
+        {"bitmap count", ChosenVariant(kCountBits).name},
+        {"bitmap translation", ChosenVariant(kMoveBits).name},
     };
     AddFilters(kernels);
     kernels.insert(kernels.end(),

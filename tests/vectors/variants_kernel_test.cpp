@@ -29,9 +29,17 @@ TEST(Variants, TheChoiceIsNeverBeyondTheMachine) {
 
 // What has variants for newer processors, as users know it.
 std::set<std::string> KernelNames() {
-    std::set<std::string> names = {
-        "look-up table, 8 bits", "cast, 16 bits to 8", "cast, float to 8 bits", "cast, 8 bits to 16",
-        "cast, 8 bits to float", "surface values",     "hemisphere values",     "correct with a polynomial, 8 bits"};
+    std::set<std::string> names = {"look-up table, 8 bits",
+                                   "cast, 16 bits to 8",
+                                   "cast, float to 8 bits",
+                                   "cast, 8 bits to 16",
+                                   "cast, 8 bits to float",
+                                   "bitmap logic",
+                                   "bitmap count",
+                                   "bitmap translation",
+                                   "surface values",
+                                   "hemisphere values",
+                                   "correct with a polynomial, 8 bits"};
     const auto add = [&](std::initializer_list<std::string> kernels, std::initializer_list<std::string> kinds) {
         for (const std::string& kernel : kernels)
             for (const std::string& kind : kinds) names.insert(kernel + ", " + kind);
