@@ -1,83 +1,34 @@
-// What the program says to people about itself, and doubtful requests.
+// What the program says about itself, what every document of --json has in common, and warnings in all forms of a
+// result.
+#include "batch.hpp"
+#include "html_page.hpp"
 #include "manual.hpp"
 #include "program_fixture.hpp"
 #include "synopsis.hpp"
+#include "warnings.hpp"
 
-using namespace tool;
-using testing::HasSubstr;
+namespace tool {
+namespace {
 
 using Commands = Program;
 
-TEST(Advice, AloneShowsItsHelp) {
-    const Result result = Orlix({});
-    EXPECT_EQ(kDone, result.code);
-    EXPECT_EQ(Orlix({"--help"}).out, result.out);
-}
-
-TEST(Advice, AdvisesAboutMisspeltWords) {
-    const struct {
-        std::vector<std::string> arguments;
-        const char* text;
-    } cases[] = {
-        {{"mesure", "a.png"}, "there is no command mesure; did you mean measure?"},
-        {{"xyzzy"}, "there is no command xyzzy.\n"},
-        {{"measure", "a.png", "--treshold", "otsu"}, "measure has no option --treshold; did you mean --threshold?"},
-        {{"flatten", "a.png", "--surfcae=plane"}, "flatten has no option --surfcae; did you mean --surface?"},
-        {{"flatten", "a.png", "--surface", "plan"}, "did you mean plane?"},
-        {{"filter", "sobol", "a.png", "-o", "b.png"}, "did you mean sobel?"},
-        {{"measure", "a.png", "--xyzzy"}, "measure has no option --xyzzy.\n'orlix measure --help'"},
-    };
-    for (const auto& c : cases) {
-        const Result result = Orlix(c.arguments);
-        EXPECT_EQ(kUsage, result.code);
-        EXPECT_THAT(result.err, HasSubstr(c.text));
-        EXPECT_EQ("", result.out);
-    }
-}
-
-TEST_F(Commands, DoubtfulRequestsAreRefusedOrWarnedOf) {
-    Make("a.png");  // calibrated
-    for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{"measure", At("a.png"), "--pixel-size", "0"},
-                                               {"render", At("a.png"), "--size", "9", "9", "-o", At("z.jpg")},
-                                               {"convert", At("a.png"), At("z.png"), "--plain"}})
-        EXPECT_EQ(kUsage, Orlix(arguments).code) << arguments[0];
-    const struct {
-        std::vector<std::string> arguments;
-        const char* code;
-    } cases[] = {
-        {{"convert", At("a.png"), At("a.pgm")}, "calibration-lost"},
-        {{"filter", "sobel", At("a.png"), "-o", At("b.pgm")}, "calibration-lost"},
-        {{"specimen", At("c.pgm"), "--pixel-size", "0.5"}, "calibration-lost"},
-        {{"convert", At("a.png"), At("d.png"), "--range", "0,300"}, "levels-outside-type"},
-        {{"measure", At("a.png"), "--threshold", "300,400"}, "levels-outside-type"},
-        {{"measure", At("a.png"), "--threshold", "-5,100"}, "levels-outside-type"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.arguments));
-        const Json warnings =
-            DocumentOf(c.arguments[0], {c.arguments.begin() + 1, c.arguments.end()})["images"][0]["warnings"];
-        ASSERT_EQ(1u, warnings.size());
-        EXPECT_EQ(c.code, warnings[0]["code"]);
-        const Result text = Orlix(c.arguments);
-        EXPECT_EQ(kDone, text.code);
-        EXPECT_THAT(text.out + text.err, HasSubstr(warnings[0]["message"].get<std::string>()));
-    }
-    for (const char* name : {"d.pgm", "e.png"})  // nothing is lost: no calibration, or a format that holds it
-        EXPECT_EQ("", Orlix({"convert", At(name[0] == 'd' ? "a.pgm" : "a.png"), At(name)}).err);
-}
-
-TEST_F(Commands, ManualAndCompletionsHoldEveryOption) {
-    const std::string help = Orlix({"--help"}).out;
-    ASSERT_EQ(kDone, Orlix({"man", "--out", At("man1")}).code);
-    const std::string bash = Orlix({"completion", "bash"}).out, zsh = Orlix({"completion", "zsh"}).out,
-                      fish = Orlix({"completion", "fish"}).out;
-    for (const char* command : {"measure", "flatten", "filter", "polygon", "render", "info", "convert", "save", "load",
-                                "specimen", "doctor"}) {
+TEST_F(Commands, HelpManualAndCompletionsHoldEveryOption) {
+    const Result help = Orlix({"--help"});
+    EXPECT_EQ(kDone, help.code);
+    EXPECT_EQ(help.out, Orlix({}).out);
+    EXPECT_THAT(help.out, HasSubstr("Exit codes"));
+    ASSERT_EQ(kDone, Orlix("man --out man1").code);
+    const std::string bash = Orlix("completion bash").out, zsh = Orlix("completion zsh").out,
+                      fish = Orlix("completion fish").out;
+    for (const std::string command : {"measure", "flatten", "filter", "polygon", "render", "info", "convert", "save",
+                                      "load", "specimen", "doctor"}) {
         SCOPED_TRACE(command);
-        const std::string page = ReadFile(folder_ / "man1" / ("orlix-" + std::string(command) + ".1"));
+        const std::string page = ReadFile(Path("man1/orlix-" + command + ".1"));
         EXPECT_EQ(page, Orlix({"man", command}).out);
-        std::istringstream lines(Orlix({command, "--help"}).out);
+        const Result own = Orlix({command, "--help"});
+        EXPECT_EQ(kDone, own.code);
+        EXPECT_THAT(own.out, HasSubstr("\n  orlix " + command)) << "an example";
+        std::istringstream lines(own.out);
         int options = 0;
         for (std::string line; std::getline(lines, line);) {
             const size_t start = line.find("--");
@@ -88,22 +39,91 @@ TEST_F(Commands, ManualAndCompletionsHoldEveryOption) {
             for (const char c : option) roff += c == '-' ? "\\-" : std::string(1, c);
             EXPECT_THAT(page, HasSubstr("\\fB" + roff + "\\fR")) << option;
             for (const std::string* script : {&bash, &zsh}) EXPECT_THAT(*script, HasSubstr(option));
-            EXPECT_THAT(fish, HasSubstr(std::string("from ") + command + "'")) << option;
+            EXPECT_THAT(fish, HasSubstr("from " + command + "'")) << option;
             EXPECT_THAT(fish, HasSubstr("-l " + option.substr(2)));
         }
         EXPECT_GT(options, 0);
     }
     EXPECT_THAT(bash, HasSubstr("measure:--flatten) COMPREPLY=($(compgen -W 'plane "));
-    EXPECT_EQ(kUsage, Orlix({"man", "xyzzy"}).code);
 }
 
-TEST_F(Commands, TheDoctorsDocumentSaysWhatItsTextSays) {
-    const Json m = DocumentOf("doctor", {});
+TEST_F(Commands, TheDoctorFindsTheLibraryWellInItsTextAsInItsDocument) {
+    const Json m = DocumentOf({"doctor"});
     EXPECT_EQ("pass", m["verdict"]);
     EXPECT_EQ(14u, m["classes"].size());
     const std::string text = Orlix({"doctor"}).out;
     EXPECT_THAT(text, testing::StartsWith("PASS: the library works, all 10 checks passed\n"));
+    EXPECT_THAT(text, HasSubstr("Orlix.Image"));
+    for (const char* trouble : {"FAIL", "no InprocServer32"}) EXPECT_THAT(text, Not(HasSubstr(trouble)));
     for (const Json& entry : m["library"]["kernels"])  // each row with two blanks at least between its columns
         EXPECT_THAT(text, testing::ContainsRegex("\n  " + entry["kernel"].get<std::string>() + "   *" +
                                                  entry["variant"].get<std::string>() + "\n"));
 }
+
+TEST_F(Commands, EveryCommandsDocumentBeginsAndEndsAlike) {
+    Make("a.png");
+    WriteFile(Path("a.csv"), "0,0\n4,0\n0,3\n");
+    for (const Words& words : std::vector<Words>{{"measure", "a.png", "--roi-polarity", "inside"},
+                                                 {"flatten", "a.png", "--surface", "plane"},
+                                                 {"filter", "sobel", "a.png", "-o", "b.png"},
+                                                 {"info", "a.png"},
+                                                 {"render", "a.png", "-o", "c.png", "--size", "40", "30"},
+                                                 {"polygon", "a.csv"}}) {
+        SCOPED_TRACE(words[0]);
+        const Json document = DocumentOf(words);
+        ASSERT_TRUE(document.is_object());
+        for (const char* name : {"tool", "version", "options"}) EXPECT_TRUE(document.contains(name)) << name;
+        EXPECT_EQ(1, document["schema"]);
+        EXPECT_EQ(words[0], document["command"]);
+        EXPECT_EQ(Json::array(), document["warnings"]);
+        const Json& results = document.contains("images") ? document["images"] : document["files"];
+        ASSERT_EQ(1u, results.size());
+        EXPECT_EQ(Json::array(), results[0]["warnings"]);
+    }
+    const Json options = DocumentOf("measure a.png --pixel-size 0.25 --bins 64 --luminance 0 200")["options"];
+    for (const auto& [name, value] : {std::pair<const char*, Json>{"pixelSize", 0.25},
+                                      {"bins", 64},
+                                      {"luminance", {0.0, 200.0}},
+                                      {"roiPolarity", "inside"},
+                                      {"roi", nullptr},
+                                      {"bright", false}})
+        EXPECT_EQ(value, options[name]) << name;
+    EXPECT_FALSE(options.contains("json"));
+}
+
+TEST_F(Commands, DoubtfulRequestsAreWarnedOf) {
+    Make("a.png");  // calibrated
+    for (const auto& [words, code] : std::vector<std::pair<Words, const char*>>{
+             {{"convert", "a.png", "a.pgm"}, "calibration-lost"},
+             {{"filter", "sobel", "a.png", "-o", "b.pgm"}, "calibration-lost"},
+             {{"specimen", "c.pgm", "--pixel-size", "0.5"}, "calibration-lost"},
+             {{"convert", "a.png", "d.png", "--range", "0,300"}, "levels-outside-type"},
+             {{"measure", "a.png", "--threshold", "300,400"}, "levels-outside-type"},
+             {{"measure", "a.png", "--threshold", "-5,100"}, "levels-outside-type"}}) {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const Json warnings = ImageOf(words)["warnings"];
+        ASSERT_EQ(1u, warnings.size());
+        EXPECT_EQ(code, warnings[0]["code"]);
+        const Result text = Orlix(words);
+        EXPECT_EQ(kDone, text.code);
+        EXPECT_THAT(text.out + text.err, HasSubstr(warnings[0]["message"].get<std::string>()));
+    }
+    // Nothing is lost: no calibration, or a format that holds it.
+    EXPECT_EQ("", Orlix("convert a.pgm d.pgm").err + Orlix("convert a.png e.png").err);
+}
+
+TEST(Warnings, AppearInTextCsvAndPages) {
+    Json document = {{"file", "a.png"}};
+    EXPECT_EQ("", WarningsText(document) + WarningsSection(document) + WarningsCell(document));
+    Warn(document, "first", "1 < 2");
+    Warn(document, "second", "more");
+    EXPECT_EQ("  warning     1 < 2\n  warning     more\n", WarningsText(document));
+    EXPECT_EQ("a.png,1 < 2; more\r\n", CsvLine({"file", "warnings"}, document));
+    EXPECT_THAT(WarningsSection(document), HasSubstr("<li>1 &lt; 2</li>\n<li>more</li>"));
+    EXPECT_THAT(WarningsCell(document), HasSubstr("1 &lt; 2"));
+    EXPECT_EQ(Json::parse(R"([{"code": "first", "message": "1 < 2"}, {"code": "second", "message": "more"}])"),
+              Warnings(document));
+}
+
+}  // namespace
+}  // namespace tool

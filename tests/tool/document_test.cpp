@@ -5,56 +5,61 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
-using namespace tool;
-
+namespace tool {
 namespace {
 
-const double kNan = std::numeric_limits<double>::quiet_NaN();
-const double kInfinity = std::numeric_limits<double>::infinity();
-
-}  // namespace
+using Limits = std::numeric_limits<double>;
 
 TEST(Document, NumbersAreTheShortestThatReadBackTheSame) {
-    EXPECT_EQ("0.1", Number(0.1));
-    EXPECT_EQ("0.30000000000000004", Number(0.1 + 0.2));
-    EXPECT_EQ("255", Number(255));
-    EXPECT_EQ("5e-324", Number(5e-324));
-}
-
-TEST(Document, RoundedNumbersKeepTheirDigitsAndHaveNoNegativeZero) {
-    EXPECT_EQ("12.30", Rounded(12.3, 2));
-    EXPECT_EQ("0.00", Rounded(-0.001, 2));
-    EXPECT_EQ("-0.01", Rounded(-0.009, 2));
-    EXPECT_EQ("–", Rounded(kNan, 2));
-    EXPECT_EQ("–", Rounded(-kInfinity, 0));
-    EXPECT_EQ(309u, Rounded(std::numeric_limits<double>::max(), 0).size());
+    for (const auto& [number, text] :
+         {std::pair{0.1, "0.1"}, {0.1 + 0.2, "0.30000000000000004"}, {255.0, "255"}, {5e-324, "5e-324"}})
+        EXPECT_EQ(text, Number(number));
+    for (const auto& [number, digits, text] : {std::tuple{12.3, 2, "12.30"},
+                                               {-0.001, 2, "0.00"},
+                                               {-0.009, 2, "-0.01"},
+                                               {Limits::quiet_NaN(), 2, "–"},
+                                               {-Limits::infinity(), 0, "–"}})
+        EXPECT_EQ(text, Rounded(number, digits));
+    EXPECT_EQ(309u, Rounded(Limits::max(), 0).size());
 }
 
 TEST(Document, PrintsArraysOfNumbersOnOneLineAndEverythingElseIndented) {
     Json document;
     document["name"] = "a \"b\" é";
-    document["values"] = {1, 0.1, kNan};
+    document["values"] = {1, 0.1, Limits::quiet_NaN()};
     document["empty"] = Json::array();
     document["nested"]["on"] = true;
     document["list"].push_back({{"x", 1}});
-    EXPECT_EQ(
-        "{\n  \"name\": \"a \\\"b\\\" é\",\n  \"values\": [1, 0.1, null],\n  \"empty\": [],\n  \"nested\": {\n    "
-        "\"on\": "
-        "true\n  },\n  \"list\": [\n    {\n      \"x\": 1\n    }\n  ]\n}\n",
-        Print(document));
+    EXPECT_EQ(R"({
+  "name": "a \"b\" é",
+  "values": [1, 0.1, null],
+  "empty": [],
+  "nested": {
+    "on": true
+  },
+  "list": [
+    {
+      "x": 1
+    }
+  ]
+}
+)",
+              Print(document));
     document["values"] = {1, 0.1};
     EXPECT_EQ(document, Json::parse(Print(document)));
 }
 
 TEST(Document, CsvFieldsAreQuotedWhereTheyMustBe) {
-    EXPECT_EQ("plain", CsvField("plain"));
-    EXPECT_EQ("\"a,b\"", CsvField("a,b"));
-    EXPECT_EQ("\"say \"\"so\"\"\"", CsvField("say \"so\""));
-    EXPECT_EQ("", CsvField(nullptr));
-    EXPECT_EQ("0.25", CsvField(0.25));
-    EXPECT_EQ("7", CsvField(7));
+    for (const auto& [value, field] : {std::pair<Json, const char*>{"plain", "plain"},
+                                       {"a,b", "\"a,b\""},
+                                       {"say \"so\"", "\"say \"\"so\"\"\""},
+                                       {nullptr, ""},
+                                       {0.25, "0.25"},
+                                       {7, "7"}})
+        EXPECT_EQ(field, CsvField(value));
 }
 
 TEST(Document, MembersAreFoundByTheirPathOrAreNull) {
@@ -63,7 +68,7 @@ TEST(Document, MembersAreFoundByTheirPathOrAreNull) {
     for (const char* path : {"a.x", "x", "c.d", "a.b.c"}) EXPECT_TRUE(Member(document, path).is_null()) << path;
 }
 
-TEST(Arguments, RegionsAreReadAndMistakesNamed) {
+TEST(CommandLineWords, RegionsAreReadAndMistakesNamed) {
     const RegionShape circle = ParseRegion("circle:10.5,-2,1e2");
     EXPECT_EQ(RegionShape::Kind::Circle, circle.kind);
     EXPECT_EQ((std::array<double, 5>{10.5, -2, 100, 0, 0}), circle.values);
@@ -77,7 +82,7 @@ TEST(Arguments, RegionsAreReadAndMistakesNamed) {
     EXPECT_THROW(ParsePolarity("Inside"), UsageError);
 }
 
-TEST(Arguments, ThresholdsAreReadAndMistakesNamed) {
+TEST(CommandLineWords, ThresholdsAreReadAndMistakesNamed) {
     EXPECT_STREQ("minimize-variance", ParseThreshold("otsu").method->id);
     EXPECT_STREQ("maximize-entropy", ParseThreshold("maximize-entropy").method->id);
     EXPECT_EQ((std::array{0.1, 0.05}), ParseThreshold("trim:0.1").parameters);
@@ -90,3 +95,6 @@ TEST(Arguments, ThresholdsAreReadAndMistakesNamed) {
     for (const char* text : {"", "20", ",", "20,10", "1,2,3", "a,b", "otsu:x", "exponential:0.1,0.2", "mode"})
         EXPECT_THROW(ParseThreshold(text), UsageError) << text;
 }
+
+}  // namespace
+}  // namespace tool

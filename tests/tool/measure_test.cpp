@@ -3,56 +3,42 @@
 #include "scale_bar.hpp"
 
 #include <cmath>
-#include <numeric>
-#include <random>
 
-using namespace tool;
-using testing::Contains;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-
+namespace tool {
 namespace {
+
+using testing::Contains;
+using testing::IsEmpty;
 
 class Measure : public Program {
 protected:
     // A PGM file of one row.
-    std::string Row(const std::string& name, const std::vector<int>& levels, int largest = 255) const {
-        std::string pgm = "P2 " + std::to_string(levels.size()) + " 1 " + std::to_string(largest);
-        for (const int level : levels) pgm.append(" ").append(std::to_string(level));
-        WriteFile(folder_ / Path(name), pgm);
-        return At(name);
+    static std::string Row(const std::string& name, const std::vector<int>& levels, int largest = 255) {
+        WritePgm(name, static_cast<int>(levels.size()), largest, levels);
+        return name;
     }
-    static Json Image(const std::vector<std::string>& arguments) {
-        const Json document = Measured(arguments);
-        return document.is_null() ? Json() : document["images"][0];
+    // So many pixels of each class, normally distributed.
+    struct Class {
+        int pixels;
+        double mean, deviation;
+    };
+    static std::string Mixture(const std::string& name, const std::vector<Class>& classes) {
+        samples::Random random(7);
+        std::vector<int> levels;
+        for (const Class& c : classes)
+            for (int i = 0; i < c.pixels; ++i)
+                levels.push_back(
+                    std::clamp(static_cast<int>(std::lround(c.mean + c.deviation * random.Normal())), 0, 255));
+        return Row(name, levels);
     }
-    static std::vector<std::string> Codes(const Json& image) {
-        std::vector<std::string> codes;
-        if (image.contains("warnings"))
-            for (const Json& warning : image["warnings"]) codes.push_back(warning["code"]);
+    // The warnings about the first image.
+    static Words Codes(const Words& words) {
+        Words codes;
+        const Json image = Measured(words);
+        for (const Json& warning : image["warnings"]) codes.push_back(warning["code"]);
         return codes;
     }
 };
-
-// So many pixels of each class, normally distributed.
-struct Class {
-    int pixels;
-    double mean, deviation;
-};
-std::vector<int> Mixture(const std::vector<Class>& classes) {
-    std::mt19937 random(7);
-    std::vector<int> levels;
-    for (const Class& c : classes)
-        for (int i = 0; i < c.pixels; ++i) {
-            double sum = -6;  // twelve uniform numbers: the same on every system
-            for (int k = 0; k < 12; ++k) sum += static_cast<double>(random()) / 4294967296.0;
-            levels.push_back(std::clamp(static_cast<int>(std::lround(c.mean + c.deviation * sum)), 0, 255));
-        }
-    return levels;
-}
-
-}  // namespace
 
 TEST_F(Measure, MaskAndIgnoredLevelsLeavePixelsOutOfEverything) {
     const std::vector<int> good = {100, 110, 120, 130, 300, 310, 320, 330};
@@ -60,36 +46,23 @@ TEST_F(Measure, MaskAndIgnoredLevelsLeavePixelsOutOfEverything) {
     levels.insert(levels.end(), {0, 65535, 0, 5000, 200});
     mask.insert(mask.end(), {1, 1, 1, 1, 0});
     const std::string all = Row("all.pgm", levels, 65535);
-    const Json wanted = Image({Row("good.pgm", good, 65535)});
-    const Json m = Image({all, "--ignore", ",0", "--ignore", "4000,", "--mask", Row("mask.pgm", mask)});
+    const Words left = {"--ignore", ",0", "--ignore", "4000,", "--mask", Row("mask.pgm", mask)};
+    const Json wanted = Measured({Row("good.pgm", good, 65535)}), m = Measured(Words{all} + left);
     EXPECT_EQ(8, m["region"]["pixels"]);
     EXPECT_EQ(5, m["region"]["pixelsLeftOut"]);
     for (const char* member : {"grey", "luminance", "histogram", "thresholds", "phase"})
         EXPECT_EQ(wanted[member], m[member]) << member;
 
-    const auto deviation = [&](std::vector<std::string> options) {
-        options.insert(options.begin(), {all, "--surface", "plane"});
-        return NumberAt(DocumentOf("flatten", options)["images"][0], "before.Sq");
+    const auto deviation = [&](const Words& options) {
+        return NumberAt(ImageOf(Words{"flatten", all, "--surface", "plane"} + options), "before.Sq");
     };
-    EXPECT_NEAR(NumberAt(wanted, "grey.standardDeviation"),
-                deviation({"--ignore", ",0", "--ignore", "4000,", "--mask", At("mask.pgm")}), 1e-4);
+    EXPECT_NEAR(NumberAt(wanted, "grey.standardDeviation"), deviation(left), 1e-4);
     EXPECT_GT(deviation({}), 10000);
-
-    for (const auto& [option, value, reason] :
-         {std::tuple{"--mask", Row("short.pgm", {1, 2}), "the mask has 2 x 1 pixels, the image 13 x 1"},
-          {"--mask", At("none.pgm"), "the mask "},
-          {"--ignore", std::string("0,65535"), "all pixels of the region are left out"}}) {
-        const Result result = Orlix({"measure", all, option, value});
-        EXPECT_EQ(kFailed, result.code);
-        EXPECT_THAT(result.err, HasSubstr(reason));
-    }
-    for (const char* range : {"5", "9,1", ",", "a,b"})
-        EXPECT_EQ(kUsage, Orlix({"measure", all, "--ignore", range}).code) << range;
 }
 
 TEST_F(Measure, GreyFiguresAreOfAllPixelsWhateverThresholdsLookAt) {
     Make("a.png", {.bits = 16});
-    const Json whole = Image({At("a.png")}), part = Image({At("a.png"), "--luminance", "20000", "40000"});
+    const Json whole = Measured({"a.png"}), part = Measured("a.png --luminance 20000 40000");
     EXPECT_EQ(whole["grey"], part["grey"]);
     EXPECT_EQ(20000, part["luminance"]["lower"]);
     EXPECT_GT(part["histogram"]["pixelsOutside"], 0);
@@ -100,7 +73,7 @@ TEST_F(Measure, ThePrintedLevelIsTheLastOfTheDarkSide) {
     for (const int bits : {8, 16}) {
         SCOPED_TRACE(bits);
         const samples::Specimen specimen = Make("a.png", {.bits = bits});
-        const Json m = Image({At("a.png"), "--threshold", "exponential:0.5"});
+        const Json m = Measured("a.png --threshold exponential:0.5");
         const auto fraction = [&](const auto& condition) {
             return static_cast<double>(std::count_if(specimen.pixels.begin(), specimen.pixels.end(), condition)) /
                    static_cast<double>(specimen.pixels.size());
@@ -117,80 +90,89 @@ TEST_F(Measure, ThePrintedLevelIsTheLastOfTheDarkSide) {
         }
         EXPECT_EQ(m["phase"]["upper"], m["thresholds"][5]["threshold"]);
     }
-    EXPECT_EQ(5u, Image({At("a.png")})["thresholds"].size()) << "the exponential one only when it is chosen";
+    EXPECT_EQ(5u, Measured({"a.png"})["thresholds"].size()) << "the exponential one only when it is chosen";
+}
+
+// The phase is the chosen side of the threshold within the region; the two sides of a trim leave its middle out.
+TEST_F(Measure, DarkAndBrightAreEachOthersComplement) {
+    Make("a.png");
+    const Words region = "a.png --roi circle:300,200,150 --threshold";
+    for (const char* method : {"otsu", "entropy", "mixture", "minimum", "exponential:0.2"}) {
+        SCOPED_TRACE(method);
+        const Json dark = Measured(region + Words{method, "--dark"}),
+                   bright = Measured(region + Words{method, "--bright"});
+        EXPECT_EQ(dark["region"]["pixels"], dark["phase"]["pixels"].get<int>() + bright["phase"]["pixels"].get<int>());
+        for (const Json& entry : dark["thresholds"]) {
+            const double below = entry["darkFraction"], above = entry["brightFraction"];
+            if (entry["method"] == "trim")
+                EXPECT_LE(std::max(below, above), 0.05);
+            else
+                EXPECT_DOUBLE_EQ(1.0, below + above) << entry["method"];
+        }
+    }
 }
 
 TEST_F(Measure, AnImageOfOneGreyLevelHasNoPhaseWhateverItsType) {
     for (const int largest : {255, 65535}) {
         Row("flat.pgm", std::vector<int>(20, 200), largest);
-        const Json m = Image({At("flat.pgm"), "--out", At("out")});
+        const Json m = Measured("flat.pgm --out out");
         EXPECT_EQ(200, m["grey"]["median"]);
         for (const Json& entry : m["thresholds"]) EXPECT_EQ("all pixels have one grey level", entry["message"]);
         for (const char* member : {"pixels", "areaFraction", "lower", "upper"}) EXPECT_EQ(nullptr, m["phase"][member]);
-        EXPECT_THAT(Codes(m), testing::ElementsAre("no-threshold"));
+        EXPECT_THAT(Codes({"flat.pgm"}), testing::ElementsAre("no-threshold"));
         for (const std::string& form :
-             {Orlix({"measure", At("flat.pgm")}).out, Orlix({"measure", At("flat.pgm"), "--csv"}).out,
-              ReadFile(folder_ / "out" / "report.html")})
+             {Orlix("measure flat.pgm").out, Orlix("measure flat.pgm --csv").out, ReadFile(Path("out/report.html"))})
             EXPECT_THAT(form, HasSubstr("all pixels have one grey level: there is no phase"));
     }
     // It does not enter the mean of a batch.
     Row("two.pgm", {0, 0, 0, 9});
-    const Json summary = Measured({At("flat.pgm"), At("two.pgm"), At("two.pgm")})["summary"];
+    const Json summary = DocumentOf("measure flat.pgm two.pgm two.pgm")["summary"];
     EXPECT_EQ(3, summary["measured"]);
     EXPECT_EQ(2, summary["withPhase"]);
     EXPECT_EQ(0.75, summary["areaFraction"]["mean"]);
 }
 
 TEST_F(Measure, DoubtsAreNamed) {
-    const std::string two = Row("two.pgm", Mixture({{12000, 80, 10}, {18000, 170, 10}}));
-    const std::string few = Row("few.pgm", Mixture({{29985, 160, 8}, {15, 60, 4}}));  // 0.05 % of particles
-    const std::string three = Row("three.pgm", Mixture({{3420, 60, 8}, {14100, 120, 8}, {12480, 190, 8}}));
-    const std::string flat = Row("uniform.pgm", [] {
-        std::vector<int> levels(25600);
-        for (size_t i = 0; i < levels.size(); ++i) levels[i] = static_cast<int>(i % 256);
-        return levels;
-    }());
-    const auto codes = [](std::vector<std::string> arguments) { return Codes(Image(arguments)); };
+    const std::string two = Mixture("two.pgm", {{12000, 80, 10}, {18000, 170, 10}});
+    const std::string few = Mixture("few.pgm", {{29985, 160, 8}, {15, 60, 4}});  // 0.05 % of particles
+    const std::string three = Mixture("three.pgm", {{3420, 60, 8}, {14100, 120, 8}, {12480, 190, 8}});
+    const std::string one = Mixture("one.pgm", {{30000, 120, 12}});
+    WritePgm("uniform.pgm", 256, 100, 255, [](int x, int) { return x; });
     for (const char* method : {"otsu", "minimum", "mixture", "entropy", "trim", "80,120"})
-        EXPECT_THAT(codes({two, "--threshold", method}), IsEmpty()) << method;
-    EXPECT_THAT(codes({few}), Contains("one-peak"));
-    EXPECT_THAT(codes({flat}), Contains("one-peak"));
-    EXPECT_THAT(codes({few, "--threshold", "0,90"}), IsEmpty());
-    EXPECT_THAT(codes({three}), Contains("more-than-two-peaks"));
-    EXPECT_THAT(codes({two, "--threshold", "otsu:0.5,0"}), Contains("at-search-limit"));
-    EXPECT_THAT(codes({two, "--threshold", "otsu:0.6,0.6"}), Contains("no-threshold"));
-    const std::string one = Row("one.pgm", Mixture({{30000, 120, 12}}));
-    EXPECT_THAT(codes({one, "--threshold", "mixture"}), Contains("at-search-limit"));
-    EXPECT_THAT(codes({two, "--threshold", "exponential"}), Contains("above-all-levels"));
-    EXPECT_THAT(codes({two, "--threshold", "300,400"}), Contains("levels-outside-type"));
+        EXPECT_THAT(Codes({two, "--threshold", method}), IsEmpty()) << method;
+    EXPECT_THAT(Codes({few, "--threshold", "0,90"}), IsEmpty());
+    for (const auto& [words, doubt] :
+         std::vector<std::pair<Words, const char*>>{{{few}, "one-peak"},
+                                                    {{"uniform.pgm"}, "one-peak"},
+                                                    {{three}, "more-than-two-peaks"},
+                                                    {{two, "--threshold", "otsu:0.5,0"}, "at-search-limit"},
+                                                    {{two, "--threshold", "otsu:0.6,0.6"}, "no-threshold"},
+                                                    {{one, "--threshold", "mixture"}, "at-search-limit"},
+                                                    {{two, "--threshold", "exponential"}, "above-all-levels"}})
+        EXPECT_THAT(Codes(words), Contains(doubt)) << testing::PrintToString(words);
 }
 
 // 96 dots an inch are 3780 pixels a metre: 264.55 microns.
 TEST_F(Measure, ResolutionsOfScreensAndPrintersAreDoubted) {
     Make("a.png");
-    const auto codes = [&](const std::string& size) {
-        EXPECT_EQ(kDone, Orlix({"measure", At("a.png"), "--pixel-size", size, "--out", At("out")}).code);
-        return Codes(Image({At("out/a_bitmap.png"), "--threshold", "255,"}));
-    };
-    EXPECT_THAT(codes("264.583"), Contains("resolution-of-paper"));
-    EXPECT_THAT(codes("352.778"), Contains("resolution-of-paper"));
-    EXPECT_THAT(codes("0.65"), IsEmpty());
-    EXPECT_THAT(Codes(Image({At("out/a_bitmap.png"), "--threshold", "255,", "--pixel-size", "264.583"})), IsEmpty());
+    const Words bitmap = "out/a_bitmap.png --threshold 255,";
+    for (const auto& [size, doubted] : {std::pair{"0.65", false}, {"352.778", true}, {"264.583", true}}) {
+        EXPECT_EQ(kDone, Orlix({"measure", "a.png", "--pixel-size", size, "--out", "out"}).code);
+        EXPECT_EQ(doubted ? Words{"resolution-of-paper"} : Words{}, Codes(bitmap)) << size;
+    }
+    EXPECT_THAT(Codes(bitmap + Words("--pixel-size 264.583")), IsEmpty());
 }
 
 // 0.299 R + 0.587 G + 0.114 B.
 TEST_F(Measure, GreyIsTheLumaOfThreeBands) {
-    WriteFile(folder_ / "c.ppm", "P3 4 1 255 10 20 30 255 0 0 0 255 0 77 77 77");
-    const Json m = Image({At("c.ppm"), "--band", "grey"});
+    WriteFile(Path("c.ppm"), "P3 4 1 255 10 20 30 255 0 0 0 255 0 77 77 77");
+    const Json m = Measured("c.ppm --band grey");
     EXPECT_EQ("grey", m["band"]);
     EXPECT_EQ(3, m["bands"]);
     EXPECT_EQ(18, m["grey"]["minimum"]);   // 18.15
     EXPECT_EQ(150, m["grey"]["maximum"]);  // 149.685
     EXPECT_EQ((18 + 76 + 150 + 77) / 4.0, m["grey"]["mean"]);
-    EXPECT_EQ(18, DocumentOf("flatten", {At("c.ppm"), "--band", "grey", "--surface", "plane", "--out",
-                                         At("out")})["images"][0]["before"]["minimum"]);
-    EXPECT_EQ(kUsage, Orlix({"measure", At("c.ppm"), "--band", "gray1"}).code);
-    EXPECT_EQ(kUsage, Orlix({"filter", "sobel", At("c.ppm"), "-o", At("d.png"), "--band", "grey"}).code);
+    EXPECT_EQ(18, ImageOf("flatten c.ppm --band grey --surface plane")["before"]["minimum"]);
 }
 
 TEST(ScaleBar, HasTheGreatestRoundLengthWithinAQuarterOfThePicture) {
@@ -217,3 +199,6 @@ TEST(ScaleBar, HasTheGreatestRoundLengthWithinAQuarterOfThePicture) {
     }
     EXPECT_EQ(std::vector<uint8_t>(12, 9), WithScaleBar({2, 2, 3, std::vector<uint8_t>(12, 9)}, 0.5).samples);
 }
+
+}  // namespace
+}  // namespace tool
