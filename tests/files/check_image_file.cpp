@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 
 #include "files/byte_order.hpp"
@@ -11,12 +10,7 @@
 namespace orlix::test {
 namespace {
 
-constexpr int32_t kMostSamples = 1 << 24;
 constexpr uint64_t kMostSamplesWritten = uint64_t{1} << 16;
-
-void Rule(bool holds, const char* rule) {
-    if (!holds) throw std::logic_error(rule);
-}
 
 uint64_t SamplesOf(const FileProperties& properties) {
     return static_cast<uint64_t>(properties.width) * static_cast<uint64_t>(properties.height) *
@@ -95,11 +89,10 @@ void CheckWriting(std::span<const uint8_t> bytes) {
     CheckedSink sink(bytes.size(), 0);
     if (!ReadInto(bytes, sink) || SamplesOf(sink.image.properties) > kMostSamplesWritten) return;
     const FileProperties& properties = sink.image.properties;
-    FleetingSource source(sink.image);
     const bool colour = properties.bands == 3;
     for (const ImageFileFormat format : {IFF_PNG, colour ? IFF_PPM : IFF_PGM, colour ? IFF_PlainPPM : IFF_PlainPGM}) {
         MemoryImage back;
-        ReadImageFile(WriteImageFile(format, properties, source), back);
+        ReadImageFile(Written(format, sink.image), back);
         Rule(back.SamePixels(sink.image), "the same pixels after writing");
         if (format != IFF_PNG) continue;
         Rule(SameTexts(back.properties, WithTextsAsKept(properties)), "the same texts after writing");

@@ -3,12 +3,19 @@
 
 #include <cstdint>
 #include <span>
+#include <stdexcept>
 
 #include "files/hand_made.hpp"
 
 namespace orlix::test {
 
-// Both throw std::logic_error with the rule that is broken. Images of more than 2^24 samples are not looked at.
+inline void Rule(bool holds, const char* rule) {
+    if (!holds) throw std::logic_error(rule);
+}
+
+constexpr int32_t kMostSamples = 1 << 24;
+
+// Both throw std::logic_error with the rule that is broken. Images of more than kMostSamples are not looked at.
 //  (1) A reader gives an image, or a Failure whose text names the reader and whose result is DISP_E_EXCEPTION.
 //  (2) What it asks the sink to hold can come out of a file of this size.
 //  (3) It begins the sink once, stays inside the image and writes every sample.

@@ -2,27 +2,14 @@
 
 #include <cmath>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 
 #include "component/failure.hpp"
+#include "files/check_image_file.hpp"
 #include "files/memory_stream.hpp"
 
 namespace orlix::test {
 namespace {
-
-constexpr int32_t kMostSamples = 1 << 24;
-
-void Rule(bool holds, const char* rule) {
-    if (!holds) throw std::logic_error(rule);
-}
-
-Bytes Written(const StreamImage& image) {
-    const StreamBytes stream = WriteImageStream(image.dataType, image.content, image.settings);
-    Bytes all;
-    for (const auto piece : stream.pieces()) all.insert(all.end(), piece.begin(), piece.end());
-    return all;
-}
 
 bool IsDocumented(const Failure& failure) {
     for (const char* const text :
@@ -91,10 +78,7 @@ Bytes WithSoundPixels(std::span<const uint8_t> bytes) {
     for (const double value : {0.0, 0.0, 1.0, 0.0, 0.0, 1.0}) stream = stream + Double(value);
     for (const uint32_t value : {bands, width, height, sample, stride, bands * height * stride, entries})
         stream = stream + Little32(value);
-    const auto x = Zigzag(width, 1, entries), y = Zigzag(height, stride / sample, entries);
-    for (size_t i = 0; i < entries; ++i)
-        for (const uint32_t value : {x[i], y[i]})
-            for (int shift = 0; shift < 32; shift += 8) stream.push_back(static_cast<uint8_t>(value >> shift));
+    stream = stream + ZigzagTable(width, height, stride / sample);
     const Bytes pixels = StoredStream(Bytes(bands * height * stride, bytes[4]));
     return stream + Little32(static_cast<uint32_t>(pixels.size())) + pixels +
            Bytes(bytes.begin() + kStart, bytes.end());

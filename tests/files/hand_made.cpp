@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include <zlib.h>
+
 namespace orlix::test {
 
 Bytes operator+(Bytes left, const Bytes& right) {
@@ -30,6 +32,12 @@ uint32_t Crc32(const Bytes& data) {
     return ~crc;
 }
 
+int PaethByDefinition(int a, int b, int c) {
+    const int p = a + b - c;
+    if (std::abs(p - a) <= std::abs(p - b) && std::abs(p - a) <= std::abs(p - c)) return a;
+    return std::abs(p - b) <= std::abs(p - c) ? b : c;
+}
+
 namespace {
 
 uint32_t Adler32(const Bytes& data) {
@@ -41,38 +49,10 @@ uint32_t Adler32(const Bytes& data) {
     return b << 16 | a;
 }
 
-const Bytes kStreamHeader = {0x78, 0x01};
-
-class BitWriter {
-public:
-    // Lowest bit first, as numbers are stored; Huffman codes go highest bit first.
-    void Number(uint32_t value, int bits) {
-        for (int i = 0; i < bits; ++i) Bit(value >> i & 1);
-    }
-    void Code(uint32_t code, int bits) {
-        for (int i = bits - 1; i >= 0; --i) Bit(code >> i & 1);
-    }
-    const Bytes& bytes() const { return bytes_; }
-
-private:
-    void Bit(uint32_t bit) {
-        if (count_++ % 8 == 0) bytes_.push_back(0);
-        bytes_.back() = static_cast<uint8_t>(bytes_.back() | bit << (count_ - 1) % 8);
-    }
-    Bytes bytes_;
-    size_t count_ = 0;
-};
-
 // The pass of every pixel, repeated every 8 by 8.
 constexpr int kPassOf[8][8] = {{1, 6, 4, 6, 2, 6, 4, 6}, {7, 7, 7, 7, 7, 7, 7, 7}, {5, 6, 5, 6, 5, 6, 5, 6},
                                {7, 7, 7, 7, 7, 7, 7, 7}, {3, 6, 4, 6, 3, 6, 4, 6}, {7, 7, 7, 7, 7, 7, 7, 7},
                                {5, 6, 5, 6, 5, 6, 5, 6}, {7, 7, 7, 7, 7, 7, 7, 7}};
-
-int PaethByDefinition(int a, int b, int c) {
-    const int p = a + b - c;
-    if (std::abs(p - a) <= std::abs(p - b) && std::abs(p - a) <= std::abs(p - c)) return a;
-    return std::abs(p - b) <= std::abs(p - c) ? b : c;
-}
 
 Bytes Filtered(int filter, const Bytes& row, const Bytes& above, size_t pixel) {
     Bytes out = {static_cast<uint8_t>(filter)};
@@ -102,9 +82,12 @@ Bytes PngHeader(uint32_t width, uint32_t height, uint32_t depth, uint32_t colour
 }
 
 Bytes PngEnd() { return PngChunk("IEND", {}); }
+Bytes PngFile(const Bytes& header, const Bytes& stream, const Bytes& before) {
+    return PngSignature() + header + before + PngChunk("IDAT", stream) + PngEnd();
+}
 
 Bytes StoredStream(const Bytes& data, size_t block) {
-    Bytes stream = kStreamHeader;
+    Bytes stream = {0x78, 0x01};
     size_t start = 0;
     do {
         const size_t size = std::min(block, data.size() - start);
@@ -118,25 +101,12 @@ Bytes StoredStream(const Bytes& data, size_t block) {
     return std::move(stream) + Big32(Adler32(data));
 }
 
-Bytes RunStream(const Bytes& data) {
-    BitWriter bits;
-    bits.Number(1, 1);  // the last block
-    bits.Number(1, 2);  // fixed codes
-    for (size_t i = 0; i < data.size();) {
-        // A run of 258 behind its first byte is one match: length code 285, distance code 0.
-        size_t run = 0;
-        while (i > 0 && run < 258 && i + run < data.size() && data[i + run] == data[i - 1]) ++run;
-        if (run == 258) {
-            bits.Code(0b11000101, 8);
-            bits.Code(0, 5);
-            i += run;
-            continue;
-        }
-        data[i] < 144 ? bits.Code(0b00110000u + data[i], 8) : bits.Code(0b110010000u + data[i] - 144u, 9);
-        ++i;
-    }
-    bits.Code(0, 7);  // end of block
-    return kStreamHeader + bits.bytes() + Big32(Adler32(data));
+Bytes PackedStream(const Bytes& data) {
+    uLongf size = compressBound(static_cast<uLong>(data.size()));
+    Bytes stream(size);
+    compress2(stream.data(), &size, data.data(), static_cast<uLong>(data.size()), 9);
+    stream.resize(size);
+    return stream;
 }
 
 Bytes PngRows(const PngPicture& picture, int filter) {
@@ -166,9 +136,9 @@ Bytes PngRows(const PngPicture& picture, int filter) {
 }
 
 Bytes MakePng(const PngPicture& picture, const Bytes& chunks, int filter) {
-    return PngSignature() +
-           PngHeader(picture.width, picture.height, picture.depth, picture.colourType, picture.interlaced ? 1 : 0) +
-           chunks + PngChunk("IDAT", StoredStream(PngRows(picture, filter))) + PngEnd();
+    return PngFile(
+        PngHeader(picture.width, picture.height, picture.depth, picture.colourType, picture.interlaced ? 1 : 0),
+        StoredStream(PngRows(picture, filter)), chunks);
 }
 
 // ----------------------------------------------------------------------------------------------------------------- BMP

@@ -1,4 +1,4 @@
-// Files built from the formats' definitions, slowly and without the library's code or zlib.
+// Files built from the formats' definitions, slowly and without the library's code.
 #pragma once
 
 #include <cstdint>
@@ -40,9 +40,22 @@ Bytes PngChunk(std::string_view type, const Bytes& data);
 Bytes PngHeader(uint32_t width, uint32_t height, uint32_t depth, uint32_t colourType, uint32_t interlace = 0);
 Bytes PngEnd();
 
-// zlib streams: stored blocks of at most `block` bytes; fixed Huffman codes with runs as matches of distance 1.
+// One pixel chunk of this stream, behind other chunks.
+Bytes PngFile(const Bytes& header, const Bytes& stream, const Bytes& before = {});
+
+// zlib streams: stored blocks of at most `block` bytes, and what zlib makes of them.
 Bytes StoredStream(const Bytes& data, size_t block = 65535);
-Bytes RunStream(const Bytes& data);
+Bytes PackedStream(const Bytes& data);
+
+// Left, above, above left.
+int PaethByDefinition(int a, int b, int c);
+
+// All there are.
+struct PngKind {
+    uint32_t colourType, depth;
+};
+inline constexpr PngKind kPngKinds[] = {{0, 1}, {0, 2}, {0, 4}, {0, 8}, {0, 16}, {2, 8}, {2, 16}, {3, 1},
+                                        {3, 2}, {3, 4}, {3, 8}, {4, 8}, {4, 16}, {6, 8}, {6, 16}};
 
 struct PngPicture {
     uint32_t width, height, depth, colourType;

@@ -1,13 +1,10 @@
 #include "files/image_file.hpp"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 
-#include "files/hand_made.hpp"
-#include "files/memory_image.hpp"
+#include "files/reading.hpp"
 #include "platform/file_io.hpp"
 
 #ifndef _WIN32
@@ -36,38 +33,38 @@ protected:
         fs::remove_all(folder_, ignored);
     }
 
-    WideString PathOf(const WideString& name) const { return AsString(folder_ / fs::path(name)); }
-    static WideString AsString(const fs::path& path) {
-        WideString text = path.string<OLECHAR>();
-        return text;
-    }
+    WideString PathOf(const fs::path& name) const { return (folder_ / name).string<OLECHAR>(); }
     size_t FilesInFolder() const {
         return static_cast<size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
     }
-    static Bytes Content(const WideString& path) {
+    static Bytes Content(const WideString& path, size_t most = SIZE_MAX) {
         FileContent content;
-        EXPECT_EQ(ReadStatus::Done, ReadWholeFile(path, content));
+        EXPECT_EQ(ReadStatus::Done, ReadWholeFile(path, content, most));
         return {content.bytes().begin(), content.bytes().end()};
+    }
+    // A file of another content.
+    WideString OldFile(const fs::path& name) const {
+        EXPECT_TRUE(WriteWholeFile(PathOf(name), FromText("old")));
+        return PathOf(name);
     }
 
     fs::path folder_;
 };
 
 MemoryImage Ramp(int32_t bands, int32_t bits) {
-    MemoryImage image(6, 4, bands, bits);
-    for (int32_t band = 0; band < bands; ++band)
-        for (int32_t y = 0; y < 4; ++y)
-            for (int32_t x = 0; x < 6; ++x) image.set(band, x, y, static_cast<uint32_t>(x + 10 * y + 100 * band));
-    return image;
+    return {6, 4, bands, bits,
+            [](int32_t band, int32_t x, int32_t y) { return static_cast<uint32_t>(x + 10 * y + 100 * band); }};
 }
 
 void Save(const WideString& path, ImageFileFormat format, MemoryImage& image) {
     FleetingSource source(image);
     SaveImageFile(path, format, image.properties, source);
 }
-Bytes Written(ImageFileFormat format, MemoryImage& image) {
-    FleetingSource source(image);
-    return WriteImageFile(format, image.properties, source);
+void ExpectSaved(const WideString& path, ImageFileFormat format, MemoryImage image) {
+    MemoryImage back;
+    Save(path, format, image);
+    LoadImageFile(path, back);
+    EXPECT_TRUE(back.SamePixels(image)) << fs::path(path);
 }
 
 std::string FailureOf(const std::function<void()>& action, HRESULT result) {
@@ -80,65 +77,39 @@ std::string FailureOf(const std::function<void()>& action, HRESULT result) {
     }
 }
 
+void ExpectNotLoaded(const std::string& text, const WideString& path) {
+    MemoryImage none;
+    EXPECT_EQ(text, FailureOf([&] { LoadImageFile(path, none); }, DISP_E_EXCEPTION)) << fs::path(path);
+    EXPECT_FALSE(none.begun);
+}
+
 TEST_F(ImageFile, SavedImagesLoadAgainUnderAnyNameAndExtension) {
-    for (const WideString& name :
-         {WideString(OLESTR("a.png")), WideString(OLESTR("B.PNG")), WideString(OLESTR("c.pgm")),
-          WideString(OLESTR("d.Pgm")), WideString(OLESTR("\u00B5-\u0416-\u4E2D\u6587-\U0001F52C.png"))}) {
-        MemoryImage image = Ramp(1, 16), back;
-        Save(PathOf(name), IFF_ByExtension, image);
-        LoadImageFile(PathOf(name), back);
-        EXPECT_TRUE(back.SamePixels(image));
-    }
-    MemoryImage colour = Ramp(3, 8), back;
-    Save(PathOf(OLESTR("e.ppm")), IFF_ByExtension, colour);
-    LoadImageFile(PathOf(OLESTR("e.ppm")), back);
-    EXPECT_TRUE(back.SamePixels(colour));
+    for (const fs::path name : {u"a.png", u"B.PNG", u"c.pgm", u"d.Pgm", u"\u00B5-\u0416-\u4E2D\u6587-\U0001F52C.png"})
+        ExpectSaved(PathOf(name), IFF_ByExtension, Ramp(1, 16));
+    ExpectSaved(PathOf("e.ppm"), IFF_ByExtension, Ramp(3, 8));
+    ExpectSaved(PathOf("f.pgm"), IFF_PNG, Ramp(3, 8));  // the content tells the format, not the name
 
-    MemoryImage other;
-    Save(PathOf(OLESTR("f.pgm")), IFF_PNG, colour);
-    LoadImageFile(PathOf(OLESTR("f.pgm")), other);
-    EXPECT_TRUE(other.SamePixels(colour)) << "the content tells the format, not the name";
-}
-
-TEST_F(ImageFile, PathsLongerThanTheClassicalLimitWork) {
-    WideString path = AsString(folder_);
-    for (int i = 0; i < 6; ++i) path += OLECHAR{fs::path::preferred_separator} + WideString(60, OLECHAR{'d'});
+    fs::path deep = folder_;  // longer than the classical limit
+    for (int i = 0; i < 6; ++i) deep /= std::string(60, 'd');
 #ifdef _WIN32
-    fs::create_directories(fs::path(L"\\\\?\\" + path));
+    fs::create_directories(fs::path(L"\\\\?\\" + deep.wstring()));
 #else
-    fs::create_directories(fs::path(path));
+    fs::create_directories(deep);
 #endif
-    path += OLECHAR{fs::path::preferred_separator} + WideString(OLESTR("image.png"));
-    ASSERT_GT(path.size(), 260u);
-    MemoryImage image = Ramp(1, 8), back;
-    Save(path, IFF_PNG, image);
-    LoadImageFile(path, back);
-    EXPECT_TRUE(back.SamePixels(image));
+    ASSERT_GT(deep.native().size(), 260u);
+    ExpectSaved(PathOf(deep / "image.png"), IFF_PNG, Ramp(1, 8));
 }
 
-TEST_F(ImageFile, WhatCannotBeOpenedIsSaidSo) {
-    constexpr auto kText = "IImageVPAEx::CreateFromFile: failed to open file.";
-    const WideString here = PathOf(OLESTR("a.png"));
-    MemoryImage image = Ramp(1, 8);
-    Save(here, IFF_PNG, image);
-    const WideString half = {0xD800};
-    for (const WideString& path : {WideString(), PathOf(OLESTR("missing.png")), AsString(folder_),
-                                   here + WideString(1, 0) + WideString(OLESTR("x")), PathOf(OLESTR("no folder/a.png")),
-                                   WideString(OLESTR("/dev/zero")), WideString(OLESTR("/dev/null")),
-                                   AsString(folder_ / "x") + half, WideString(OLESTR("NUL"))}) {
-        MemoryImage none;
-        EXPECT_EQ(kText, FailureOf([&] { LoadImageFile(path, none); }, DISP_E_EXCEPTION));
-        EXPECT_FALSE(none.begun);
-    }
-}
-
-TEST_F(ImageFile, AFileThatIsNoImageIsOfUnknownFormat) {
+TEST_F(ImageFile, WhatCannotBeOpenedOrIsNoImageIsSaidSo) {
+    const WideString here = OldFile("a.png");
+    for (const WideString& path :
+         {WideString(), PathOf("missing.png"), PathOf(folder_), PathOf("no folder/a.png"),
+          here + WideString(1, 0) + OLECHAR{'x'}, PathOf("x") + OLECHAR{0xD800}, WideString(OLESTR("/dev/zero")),
+          WideString(OLESTR("/dev/null")), WideString(OLESTR("NUL"))})
+        ExpectNotLoaded("IImageVPAEx::CreateFromFile: failed to open file.", path);
     for (const char* content : {"", "B", "P", "hello, world", "GIF89a..."}) {
-        const WideString path = PathOf(OLESTR("a.png"));
-        ASSERT_TRUE(WriteWholeFile(path, FromText(content)));
-        MemoryImage none;
-        EXPECT_EQ("IImageVPAEx::CreateFromFile: unknown file format.",
-                  FailureOf([&] { LoadImageFile(path, none); }, DISP_E_EXCEPTION));
+        ASSERT_TRUE(WriteWholeFile(here, FromText(content)));
+        ExpectNotLoaded("IImageVPAEx::CreateFromFile: unknown file format.", here);
     }
 }
 
@@ -168,30 +139,27 @@ TEST(SampleLimits, RefuseAnImageBeforeTheSinkHearsOfIt) {
                  {"plain PPM", FromText("P3 3 2 9 1 2 3 4 5 6 7 8 9 1 2 3 4 5 6 7 8 9"), 18}};
     for (const auto& [what, bytes, samples] : cases) {
         SCOPED_TRACE(what);
-        for (const int32_t enough : {0, samples, 0x7FFFFFFF}) {
-            MemoryImage image;
-            EXPECT_EQ("", FailureOfReading(bytes, image, SampleLimit(enough)));
-        }
+        MemoryImage images[3];
+        EXPECT_EQ("", FailureOfReading(bytes, images[0], SampleLimit(0)));
+        EXPECT_EQ("", FailureOfReading(bytes, images[1], SampleLimit(samples)));
+        EXPECT_EQ("", FailureOfReading(bytes, images[2], SampleLimit(0x7FFFFFFF)));
         for (const int32_t less : {samples - 1, 1}) {
             // That a palette makes three bands of the pixels is known when they are.
             const int32_t known = std::string(what) == "colour palette" && less == 1 ? 6 : samples;
-            MemoryImage none;
-            EXPECT_EQ("IImageVPAEx::CreateFromFile: the image has " + std::to_string(known) +
-                          " samples, more than the limit of " + std::to_string(less) + ".",
-                      FailureOfReading(bytes, none, SampleLimit(less)));
-            EXPECT_FALSE(none.begun);
+            ExpectRefused("IImageVPAEx::CreateFromFile: the image has " + std::to_string(known) +
+                              " samples, more than the limit of " + std::to_string(less) + ".",
+                          bytes, false, SampleLimit(less));
         }
     }
     // 50 kilobytes that are an image of 1.2 thousand million samples, and rightly so.
-    MemoryImage none;
-    const std::string large = FailureOfReading(
-        PngSignature() + PngHeader(20000, 20000, 1, 0) + PngChunk("IDAT", Bytes(48500)) + PngEnd(), none);
-    EXPECT_EQ("IImageVPAEx::CreateFromFile: the image has 400000000 samples, more than the limit of 268435456.", large);
+    ExpectRefused("IImageVPAEx::CreateFromFile: the image has 400000000 samples, more than the limit of 268435456.",
+                  PngFile(PngHeader(20000, 20000, 1, 0), Bytes(48500)));
     const Bytes column = FromText("P5 1 16777217 255\n") + Bytes(16777217);
-    EXPECT_EQ("IImageVPAEx::CreateFromFile: the image has 16777217 rows or columns, more than the limit of 16777216.",
-              FailureOfReading(column, none));
-    EXPECT_FALSE(none.begun);
-    EXPECT_EQ("", FailureOfReading(column, none, SampleLimit(0)));
+    ExpectRefused(
+        "IImageVPAEx::CreateFromFile: the image has 16777217 rows or columns, more than the limit of 16777216.",
+        column);
+    MemoryImage unlimited;
+    EXPECT_EQ("", FailureOfReading(column, unlimited, SampleLimit(0)));
 }
 
 TEST_F(ImageFile, SavingChecksTheImageThenTheFormatThenBitsThenBands) {
@@ -211,21 +179,23 @@ TEST_F(ImageFile, SavingChecksTheImageThenTheFormatThenBitsThenBands) {
     EXPECT_EQ(kNoImage, save(IFF_BMP, 0, 32, 2));
     for (const int format : {0, 6, 7, -1, 1000}) EXPECT_EQ(kFormat, save(format, 1, 32, 2));
     for (const int bits : {0, 1, 32, -8}) EXPECT_EQ(kBits, save(IFF_PNG, 1, bits, 2));
-    for (const int bands : {0, 2, 4}) EXPECT_EQ(kBands, save(IFF_PNG, 1, 8, bands));
-    EXPECT_EQ(kBands, save(IFF_PGM, 1, 8, 3));
-    EXPECT_EQ(kBands, save(IFF_PlainPGM, 1, 8, 3));
-    EXPECT_EQ(kBands, save(IFF_PPM, 1, 8, 1));
-    EXPECT_EQ(kBands, save(IFF_PlainPPM, 1, 8, 1));
+    for (const auto& [format, bands] : {std::pair{IFF_PNG, 0},
+                                        {IFF_PNG, 2},
+                                        {IFF_PNG, 4},
+                                        {IFF_PGM, 3},
+                                        {IFF_PlainPGM, 3},
+                                        {IFF_PPM, 1},
+                                        {IFF_PlainPPM, 1}})
+        EXPECT_EQ(kBands, save(format, 1, 8, bands)) << format;
 
     MemoryImage image = Ramp(1, 8);
-    for (const auto* name : {OLESTR("a.bmp"), OLESTR("a"), OLESTR("png"), OLESTR("a.png.tif")})
+    for (const char* name : {"a.bmp", "a", "png", "a.png.tif"})
         EXPECT_EQ(kFormat, FailureOf([&] { Save(PathOf(name), IFF_ByExtension, image); }, E_FAIL));
     EXPECT_EQ(0u, FilesInFolder());
 }
 
 TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
-    const WideString path = PathOf(OLESTR("a.png"));
-    ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
+    const WideString path = OldFile("a.png");
     MemoryImage image = Ramp(1, 8);
 
     class FailingSource final : public PixelSource {
@@ -236,37 +206,29 @@ TEST_F(ImageFile, AFailedSaveLeavesTheOldFileAndNothingElse) {
 
     constexpr auto kText = "IImageFile::SaveToFile: failed to write file.";
     fs::create_directories(folder_ / "folder.png");
-    for (const WideString& bad :
-         {PathOf(OLESTR("folder.png")), PathOf(OLESTR("missing/a.png")), WideString(), path + WideString(1, 0)})
+    for (const WideString& bad : {PathOf("folder.png"), PathOf("missing/a.png"), WideString(), path + WideString(1, 0)})
         EXPECT_EQ(kText, FailureOf([&] { Save(bad, IFF_PNG, image); }, E_FAIL));
     EXPECT_EQ(2u, FilesInFolder());
     EXPECT_TRUE(fs::is_directory(folder_ / "folder.png"));
     EXPECT_EQ(FromText("old"), Content(path));
 }
 
-TEST_F(ImageFile, SavingReplacesALongerFileWhole) {
-    const WideString path = PathOf(OLESTR("a.pgm"));
+TEST_F(ImageFile, FilesAreReplacedAndReadWholeOrToALimit) {
+    const WideString path = PathOf("a.pgm");
     ASSERT_TRUE(WriteWholeFile(path, Bytes(100000, 1)));
     MemoryImage image = Ramp(1, 8);
     Save(path, IFF_PGM, image);
     EXPECT_EQ(Written(IFF_PGM, image), Content(path));
     EXPECT_EQ(1u, FilesInFolder());
-}
-
-TEST_F(ImageFile, AnEmptyFileAndTheStartOfALongOneAreRead) {
-    const WideString path = PathOf(OLESTR("a"));
+    ASSERT_TRUE(WriteWholeFile(path, FromText("0123456789")));
+    EXPECT_EQ(FromText("0123"), Content(path, 4));
     ASSERT_TRUE(WriteWholeFile(path, {}));
     EXPECT_TRUE(Content(path).empty());
-    ASSERT_TRUE(WriteWholeFile(path, FromText("0123456789")));
-    FileContent content;
-    EXPECT_EQ(ReadStatus::Done, ReadWholeFile(path, content, 4));
-    EXPECT_EQ(FromText("0123"), Bytes(content.bytes().begin(), content.bytes().end()));
 }
 
 #ifndef _WIN32
 TEST_F(ImageFile, AWriteThatFailsHalfwayLeavesTheOldFileAndNothingElse) {
-    const WideString path = PathOf(OLESTR("a"));
-    ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
+    const WideString path = OldFile("a");
     rlimit before;
     ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &before));
     rlimit small = before;
@@ -285,17 +247,16 @@ TEST_F(ImageFile, APipeIsRefusedWithoutWaitingForItsWriter) {
     const fs::path pipe = folder_ / "pipe.png";
     ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
     FileContent content;
-    EXPECT_EQ(ReadStatus::CannotOpen, ReadWholeFile(AsString(pipe), content));
-    EXPECT_FALSE(WriteWholeFile(AsString(pipe), FromText("x")));
+    EXPECT_EQ(ReadStatus::CannotOpen, ReadWholeFile(PathOf(pipe), content));
+    EXPECT_FALSE(WriteWholeFile(PathOf(pipe), FromText("x")));
     EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
 TEST_F(ImageFile, ALinkStaysAndTheFileItLeadsToIsReplaced) {
-    const WideString path = PathOf(OLESTR("a.pgm"));
-    ASSERT_TRUE(WriteWholeFile(path, FromText("old")));
+    const WideString path = OldFile("a.pgm");
     fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(path, folder_ / "link");
-    ASSERT_TRUE(WriteWholeFile(PathOf(OLESTR("link")), FromText("new")));
+    ASSERT_TRUE(WriteWholeFile(PathOf("link"), FromText("new")));
     EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
     EXPECT_EQ(FromText("new"), Content(path));
     EXPECT_EQ(fs::perms::owner_read | fs::perms::owner_write, fs::status(path).permissions());

@@ -16,6 +16,18 @@ class MemoryImage final : public PixelSink {
 public:
     MemoryImage() = default;
     MemoryImage(int32_t width, int32_t height, int32_t bands, int32_t bits) { Allocate(width, height, bands, bits); }
+    template <class LevelAt>
+    MemoryImage(int32_t width, int32_t height, int32_t bands, int32_t bits, const LevelAt& levelAt)
+        : MemoryImage(width, height, bands, bits) {
+        size_t i = 0;
+        for (int32_t band = 0; band < bands; ++band)
+            for (int32_t y = 0; y < height; ++y)
+                for (int32_t x = 0; x < width; ++x, ++i) {
+                    const uint32_t level = levelAt(band, x, y);
+                    bits == 8 ? void(bytes[i] = static_cast<uint8_t>(level))
+                              : void(words[i] = static_cast<uint16_t>(level));
+                }
+    }
 
     void Begin(const FileProperties& given) override {
         if (begun) throw std::logic_error("begun twice");
@@ -31,15 +43,10 @@ public:
             static_cast<size_t>(properties.width);
         return properties.bits == 8 ? static_cast<void*>(&bytes[index]) : static_cast<void*>(&words[index]);
     }
-    uint32_t at(int32_t band, int32_t x, int32_t y) {
-        const void* row = Row(band, y);
-        return properties.bits == 8 ? static_cast<const uint8_t*>(row)[x] : static_cast<const uint16_t*>(row)[x];
-    }
-    void set(int32_t band, int32_t x, int32_t y, uint32_t value) {
-        if (properties.bits == 8)
-            static_cast<uint8_t*>(Row(band, y))[x] = static_cast<uint8_t>(value);
-        else
-            static_cast<uint16_t*>(Row(band, y))[x] = static_cast<uint16_t>(value);
+    // Band by band, row by row.
+    std::vector<uint32_t> Levels() const {
+        return properties.bits == 8 ? std::vector<uint32_t>(bytes.begin(), bytes.end())
+                                    : std::vector<uint32_t>(words.begin(), words.end());
     }
     bool SamePixels(const MemoryImage& other) const {
         return properties.width == other.properties.width && properties.height == other.properties.height &&
@@ -80,6 +87,11 @@ private:
     MemoryImage& image_;
     std::vector<uint16_t> row_;
 };
+
+inline std::vector<uint8_t> Written(ImageFileFormat format, MemoryImage& image) {
+    FleetingSource source(image);
+    return WriteImageFile(format, image.properties, source);
+}
 
 // The text of the failure that reading these bytes gives, "" when they can be read.
 inline std::string FailureOfReading(std::span<const uint8_t> bytes, MemoryImage& image, const SampleLimit& limit = {}) {

@@ -42,6 +42,13 @@ inline Bytes LittleString(WideStringView text) {
     return bytes;
 }
 
+inline Bytes Written(const StreamImage& image) {
+    const StreamBytes stream = WriteImageStream(image.dataType, image.content, image.settings);
+    Bytes all;
+    for (const auto piece : stream.pieces()) all.insert(all.end(), piece.begin(), piece.end());
+    return all;
+}
+
 // Lines up a column -200 .. n + 199 by walking to and fro between its ends; `entries` of them, 0 behind that.
 inline std::vector<uint32_t> Zigzag(uint32_t length, uint32_t step, size_t entries) {
     std::vector<uint32_t> offsets(entries, 0);
@@ -58,18 +65,24 @@ inline std::vector<uint32_t> Zigzag(uint32_t length, uint32_t step, size_t entri
     return offsets;
 }
 
+// The table of offsets of rows and columns.
+inline Bytes ZigzagTable(uint32_t width, uint32_t height, uint32_t rowStep) {
+    const size_t entries = std::max(width, height) + 400;
+    const auto x = Zigzag(width, 1, entries), y = Zigzag(height, rowStep, entries);
+    Bytes table;
+    for (size_t i = 0; i < entries; ++i)
+        for (const uint32_t offset : {x[i], y[i]})
+            for (const uint8_t byte : Little32(offset)) table.push_back(byte);
+    return table;
+}
+
 // A stream of one band of bytes, 5 x 3, rows padded to 8. Everything differs from what an image starts with.
 struct HandMadeStream {
     Bytes outer = FromText("qelo") + Double(1.0) + Little32(8);
     Bytes inner = FromText("imba") + Double(1.3);
     Bytes map = Double(-1.5) + Double(2.5) + Double(3) + Double(4) + Double(5) + Double(6);
     Bytes geometry = Little32(1) + Little32(5) + Little32(3) + Little32(1) + Little32(8) + Little32(24) + Little32(405);
-    Bytes table = [] {
-        Bytes bytes;
-        const auto x = Zigzag(5, 1, 405), y = Zigzag(3, 8, 405);
-        for (size_t i = 0; i < 405; ++i) bytes = bytes + Little32(x[i]) + Little32(y[i]);
-        return bytes;
-    }();
+    Bytes table = ZigzagTable(5, 3, 8);
     Bytes pixels = {1, 2, 3, 4, 5, 0, 0, 0, 11, 12, 13, 14, 15, 0, 0, 0, 21, 22, 23, 24, 255, 0, 0, 0};
     Bytes description = LittleString(OLESTR("a\u9762"));
     Bytes processing = Bytes{7, 200} + Little32(0xFFFFFFFF) + Little32(256);

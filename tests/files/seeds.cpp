@@ -5,37 +5,29 @@
 namespace orlix::test {
 namespace {
 
-uint32_t Pattern(uint32_t x, uint32_t y, uint32_t sample) { return 37 * x + 11 * y * y + 91 * sample; }
-
 void AddPng(std::vector<Seed>& seeds) {
     const auto add = [&](const std::string& name, const Bytes& bytes) { seeds.push_back({"png-" + name, bytes}); };
     Bytes palette;
     for (int i = 0; i < 256; ++i)
         palette = palette + Bytes{static_cast<uint8_t>(i), static_cast<uint8_t>(i / 2), static_cast<uint8_t>(255 - i)};
-    for (const uint32_t colourType : {0u, 2u, 3u, 4u, 6u})
-        for (const uint32_t depth : {1u, 2u, 4u, 8u, 16u}) {
-            if (depth < 8 && colourType != 0 && colourType != 3) continue;
-            if (depth == 16 && colourType == 3) continue;
-            for (const bool interlaced : {false, true}) {
-                const PngPicture picture{9,
-                                         6,
-                                         depth,
-                                         colourType,
-                                         interlaced,
-                                         [=](uint32_t x, uint32_t y, uint32_t s) {
-                                             return Pattern(x, y, s) & ((1u << depth) - 1); }};
-                const Bytes chunk =
-                    PngChunk("PLTE", Bytes(palette.begin(), palette.begin() + (3 << std::min(depth, 8u))));
-                add(std::to_string(colourType) + "-" + std::to_string(depth) + (interlaced ? "-interlaced" : ""),
-                    MakePng(picture, colourType == 3 ? chunk : Bytes{}));
-            }
+    for (const auto& [colourType, depth] : kPngKinds)
+        for (const bool interlaced : {false, true}) {
+            const uint32_t most = (1u << depth) - 1;
+            const PngPicture picture = {
+                9,          6,
+                depth,      colourType,
+                interlaced, [=](uint32_t x, uint32_t y, uint32_t s) {
+                                            return (37 * x + 11 * y * y + 91 * s) & most; }};
+            const Bytes chunk = PngChunk("PLTE", Bytes(palette.begin(), palette.begin() + (3 << std::min(depth, 8u))));
+            add(std::to_string(colourType) + "-" + std::to_string(depth) + (interlaced ? "-interlaced" : ""),
+                MakePng(picture, colourType == 3 ? chunk : Bytes{}));
         }
     const auto text = [](std::string_view type, const Bytes& rest) {
         return PngChunk(type, FromText("Title") + Bytes{0} + rest);
     };
     add("chunks", PngSignature() + PngHeader(3, 1, 8, 0) + PngChunk("pHYs", Big32(1000) + Big32(2000) + Bytes{1}) +
                       PngChunk("gAMA", Big32(45455)) + text("tEXt", FromText("text")) +
-                      text("zTXt", Bytes{0} + RunStream(Bytes(600, 'x'))) +
+                      text("zTXt", Bytes{0} + PackedStream(Bytes(600, 'x'))) +
                       text("iTXt", Bytes{0, 0, 0, 0, 0xC3, 0xA9}) +
                       text("iTXt", Bytes{1, 0, 'e', 'n', 0, 't', 0} + StoredStream({0xE2, 0x82, 0xAC})) +
                       PngChunk("IDAT", {0x78}) + PngChunk("IDAT", {}) +
@@ -47,31 +39,28 @@ void AddPng(std::vector<Seed>& seeds) {
                       PngEnd() + FromText("behind"));
     // Some bytes of the file for many pixels, in one band and in three.
     for (const uint8_t blue : {uint8_t{9}, uint8_t{10}})
-        add(blue == 9 ? "wide-grey" : "wide-colour", PngSignature() + PngHeader(4001, 30, 1, 3) +
-                                                         PngChunk("PLTE", {9, 9, blue, 1, 2, 3}) +
-                                                         PngChunk("IDAT", RunStream(Bytes(30 * 502))) + PngEnd());
-    Bytes flat(80 * 81);
-    add("flat", PngSignature() + PngHeader(80, 80, 8, 0) + PngChunk("IDAT", RunStream(flat)) + PngEnd());
+        add(blue == 9 ? "wide-grey" : "wide-colour",
+            PngFile(PngHeader(4001, 30, 1, 3), PackedStream(Bytes(30 * 502)), PngChunk("PLTE", {9, 9, blue, 1, 2, 3})));
+    add("flat", PngFile(PngHeader(80, 80, 8, 0), PackedStream(Bytes(80 * 81))));
 }
 
 void AddBmp(std::vector<Seed>& seeds) {
-    for (const uint32_t headerSize : {12u, 40u, 108u, 124u})
-        for (const int32_t height : {3, -3}) {
-            if (headerSize == 12 && height < 0) continue;
-            BmpFile file;
-            file.headerSize = headerSize;
-            file.width = 5;
-            file.height = height;
-            file.perMetreX = file.perMetreY = 2000000;
-            file.coloursUsed = 16;
-            file.palette = GreyRampPalette(headerSize == 12 ? 3 : 4);
-            file.palette.resize(16 * (headerSize == 12 ? 3 : 4));
-            for (uint32_t i = 0; i < 24; ++i) file.rows.push_back(static_cast<uint8_t>(i % 16));
-            const std::string name = "bmp-" + std::to_string(headerSize) + (height < 0 ? "-down" : "");
-            seeds.push_back({name, MakeBmp(file)});
-            file.palette[1] = 99;
-            seeds.push_back({name + "-colour", MakeBmp(file)});
-        }
+    for (const auto& [headerSize, height] : {std::pair{12u, 3}, {40u, 3}, {40u, -3}, {108u, 3}, {124u, -3}}) {
+        const int entry = headerSize == 12 ? 3 : 4;
+        BmpFile file;
+        file.headerSize = headerSize;
+        file.width = 5;
+        file.height = height;
+        file.perMetreX = file.perMetreY = 2000000;
+        file.coloursUsed = 16;
+        file.palette = GreyRampPalette(entry);
+        file.palette.resize(static_cast<size_t>(16 * entry));
+        for (uint32_t i = 0; i < 24; ++i) file.rows.push_back(static_cast<uint8_t>(i % 16));
+        const std::string name = "bmp-" + std::to_string(headerSize) + (height < 0 ? "-down" : "");
+        seeds.push_back({name, MakeBmp(file)});
+        file.palette[1] = 99;
+        seeds.push_back({name + "-colour", MakeBmp(file)});
+    }
 }
 
 void AddPnm(std::vector<Seed>& seeds) {
@@ -87,19 +76,15 @@ void AddPnm(std::vector<Seed>& seeds) {
 void AddWritten(std::vector<Seed>& seeds) {
     for (const int32_t bands : {1, 3})
         for (const int32_t bits : {8, 16}) {
-            MemoryImage image(12, 10, bands, bits);
-            for (int32_t band = 0; band < bands; ++band)
-                for (int32_t y = 0; y < 10; ++y)
-                    for (int32_t x = 0; x < 12; ++x)
-                        image.set(band, x, y, static_cast<uint32_t>(20 * x + 3 * y * y + 5 * band));
+            MemoryImage image(12, 10, bands, bits, [](int32_t band, int32_t x, int32_t y) {
+                return static_cast<uint32_t>(20 * x + 3 * y * y + 5 * band);
+            });
             image.properties.micronsX = image.properties.micronsY = 0.25;
             image.properties.texts = {{OLESTR("Title"), OLESTR("a\u00B5")}, {OLESTR("Other"), OLESTR("\u4E2D")}};
-            FleetingSource source(image);
             const std::string name = std::to_string(bands) + "-" + std::to_string(bits);
-            const auto write = [&](ImageFileFormat format) { return WriteImageFile(format, image.properties, source); };
-            seeds.push_back({"png-written-" + name, write(IFF_PNG)});
-            seeds.push_back({"pnm-raw-" + name, write(bands == 3 ? IFF_PPM : IFF_PGM)});
-            seeds.push_back({"pnm-plain-" + name, write(bands == 3 ? IFF_PlainPPM : IFF_PlainPGM)});
+            seeds.push_back({"png-written-" + name, Written(IFF_PNG, image)});
+            seeds.push_back({"pnm-raw-" + name, Written(bands == 3 ? IFF_PPM : IFF_PGM, image)});
+            seeds.push_back({"pnm-plain-" + name, Written(bands == 3 ? IFF_PlainPPM : IFF_PlainPGM, image)});
         }
 }
 
