@@ -1,7 +1,9 @@
 // The creatable classes as clients know them, written out once more.
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orlix::testing {
@@ -13,93 +15,81 @@ struct ClassFacts {
     const char* progIdText;
     const char* classText;
     int script;
-    const char* defaultInterface;
-    const char* sourceInterface;  // "" without events
     bool built;
 };
 
 inline constexpr ClassFacts kClassFacts[] = {
     {"OrlixPolygon", "{E0AF5E0B-FB80-4687-B204-943EBC39CFF8}", "Orlix.Polygon", "Polygon Class", "Polygon Class", 101,
-     "IPolygon", "", true},
+     true},
     {"OrlixHistogram", "{9CC2D5EE-E548-46B4-86D0-6D11326DA63F}", "Orlix.Histogram", "Histogram Class",
-     "Histogram Class", 102, "IHistogram", "", true},
+     "Histogram Class", 102, true},
     {"OrlixBitmap", "{5FDD9A2B-F56C-4C60-8009-CC17CB4A1AF0}", "Orlix.Bitmap", "Bitmap Class", "Bitmap Class", 103,
-     "IBitmap", "", true},
-    {"OrlixImage", "{AA7A9966-C648-40D2-8BC7-8D5367631BCE}", "Orlix.Image", "Image Class", "Image Class", 104,
-     "IImageVPAEx", "IPictureExEvents", true},
+     true},
+    {"OrlixImage", "{AA7A9966-C648-40D2-8BC7-8D5367631BCE}", "Orlix.Image", "Image Class", "Image Class", 104, true},
     {"OrlixStructuringElement", "{0A872D7F-8E99-44D0-91CF-E008F8FB3092}", "orlix.StructuringElement",
-     "StructuringElement Class", "StructuringElement Class", 105, "IStructuringElement", "", true},
+     "StructuringElement Class", "StructuringElement Class", 105, true},
     {"OrlixLineGraphicOverlay", "{31A46664-0854-4433-88AA-EB0F8CEE1204}", "Orlix.LineGraphicOverlay",
-     "LineGraphicOverlay Class", "LineGraphicOverlay Class", 106, "ILineGraphicOverlay", "", false},
+     "LineGraphicOverlay Class", "LineGraphicOverlay Class", 106, false},
     {"OrlixCircleGraphicOverlay", "{CEC08100-A391-41C1-8FB8-D300572684FD}", "Orlix.CircleGraphicOverlay",
-     "CircleGraphicOverlay Class", "CircleGraphicOverlay Class", 109, "ICircleGraphicOverlay", "", false},
+     "CircleGraphicOverlay Class", "CircleGraphicOverlay Class", 109, false},
     {"OrlixBuffer", "{BC38C191-D432-4762-B996-3D15755DA2FD}", "Orlix.OrlixBuffer", "OrlixBuffer Class",
-     "OrlixBuffer Class", 110, "IDIBImage", "IPictureExEvents", false},
+     "OrlixBuffer Class", 110, false},
     {"OrlixSplineImage", "{DB2CB075-8206-40E3-8FCA-CFC5003943D6}", "Orlix.SplineImage", "SplineImage Class",
-     "SplineImage Class", 111, "ISplineImage", "", false},
+     "SplineImage Class", 111, false},
     {"OrlixShapeRegionOfInterest", "{BC786B12-4454-4230-86D9-B49519E208BF}", "Orlix.ShapeRegionOfInterest",
-     "ShapeRegionOfInterest Class", "ShapeRegionOfInterest Class", 113, "IShapeRegionOfInterest", "", true},
+     "ShapeRegionOfInterest Class", "ShapeRegionOfInterest Class", 113, true},
     {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", "VBHelper Class", "VBHelper Class",
-     114, "IVBHelper", "", false},
+     114, false},
     {"OrlixImageView", "{C35E3781-66F8-4DEE-B487-451882355339}", "Orlix.ImageView", "ImageView", "ImageView Class", 116,
-     "IImageViewDisp", "IImageViewEventsDisp", false},
+     false},
     {"OrlixTextGraphicOverlay", "{D51CC6A3-98FA-44AE-9505-778148FED93C}", "Orlix.TextGraphicOverlay",
-     "TextGraphicOverlay Class", "TextGraphicOverlay Class", 117, "ITextGraphicOverlay", "", false},
+     "TextGraphicOverlay Class", "TextGraphicOverlay Class", 117, false},
     {"OrlixHistogramDialog", "{BC6A61F4-18F5-48FE-BA43-C9B34EB702B0}", "Orlix.HistogramDialog", "HistogramDialog Class",
-     "HistogramDialog Class", 120, "IHistogramDialog", "IHistogramDialogEvents", false},
+     "HistogramDialog Class", 120, false},
 };
 
 inline constexpr const char* kTypeLibraryId = "{9DE17042-4E68-4807-B2EE-9607EC37664C}";
 
 // What the classes' root of the registry holds for the class, in the form of ListRegistry (registry_listing.hpp).
 inline std::vector<std::string> RegisteredLines(const ClassFacts& facts, const std::string& modulePath) {
-    const std::string name = facts.progId;
-    const std::string versioned = name + ".1";
-    const std::string id = std::string("CLSID\\") + facts.clsid;
-    std::vector<std::string> lines = {
-        versioned,
-        versioned + " = " + facts.progIdText,
-        versioned + "\\CLSID",
-        versioned + "\\CLSID = " + facts.clsid,
-        name,
-        name + " = " + facts.progIdText,
-        name + "\\CLSID",
-        name + "\\CLSID = " + facts.clsid,
-        name + "\\CurVer",
-        name + "\\CurVer = " + versioned,
-        id,
-        id + " = " + facts.classText,
-        id + "\\ProgID",
-        id + "\\ProgID = " + versioned,
-        id + "\\VersionIndependentProgID",
-        id + "\\VersionIndependentProgID = " + name,
-        id + "\\InprocServer32",
-        id + "\\InprocServer32 = " + modulePath,
-        id + "\\InprocServer32 : ThreadingModel = Apartment",
-        id + "\\TypeLib",
-        id + "\\TypeLib = " + kTypeLibraryId,
+    const std::string name = facts.progId, versioned = name + ".1", id = std::string("CLSID\\") + facts.clsid;
+    std::vector<std::pair<std::string, std::string>> keys = {
+        {versioned, facts.progIdText},
+        {versioned + "\\CLSID", facts.clsid},
+        {name, facts.progIdText},
+        {name + "\\CLSID", facts.clsid},
+        {name + "\\CurVer", versioned},
+        {id, facts.classText},
+        {id + "\\ProgID", versioned},
+        {id + "\\VersionIndependentProgID", name},
+        {id + "\\InprocServer32", modulePath},
+        {id + "\\TypeLib", kTypeLibraryId},
     };
     if (std::string(facts.coclass) == "OrlixImageView") {
-        const std::vector<std::string> control = {
-            versioned + "\\Insertable",
-            id + "\\Programmable",
-            id + "\\Control",
-            id + "\\Insertable",
-            id + "\\ToolboxBitmap32",
-            id + "\\ToolboxBitmap32 = " + modulePath + ", 115",
-            id + "\\MiscStatus",
-            id + "\\MiscStatus = 0",
-            id + "\\MiscStatus\\1",
-            id + "\\MiscStatus\\1 = 131473",
-            id + "\\Version",
-            id + "\\Version = 1.0",
-            id + "\\verb",
-            id + "\\verb\\0",
-            id + "\\verb\\0 = &Load Image...,0,2",
-        };
-        lines.insert(lines.end(), control.begin(), control.end());
+        for (const char* mark : {"\\Programmable", "\\Control", "\\Insertable", "\\verb"})
+            keys.emplace_back(id + mark, "");
+        keys.insert(keys.end(), {{versioned + "\\Insertable", ""},
+                                 {id + "\\ToolboxBitmap32", modulePath + ", 115"},
+                                 {id + "\\MiscStatus", "0"},
+                                 {id + "\\MiscStatus\\1", "131473"},
+                                 {id + "\\Version", "1.0"},
+                                 {id + "\\verb\\0", "&Load Image...,0,2"}});
+    }
+    std::vector<std::string> lines = {id + "\\InprocServer32 : ThreadingModel = Apartment"};
+    for (const auto& [key, value] : keys) {
+        lines.push_back(key);
+        if (!value.empty()) lines.push_back(key + " = " + value);
     }
     return lines;
+}
+
+// And what it holds for all of them, in alphabetical order.
+inline std::vector<std::string> AllRegisteredLines(const std::string& modulePath) {
+    std::vector<std::string> all = {"CLSID"};
+    for (const ClassFacts& facts : kClassFacts)
+        for (const std::string& line : RegisteredLines(facts, modulePath)) all.push_back(line);
+    std::sort(all.begin(), all.end());
+    return all;
 }
 
 }  // namespace orlix::testing

@@ -1,18 +1,15 @@
 #include "module/registration_script.hpp"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "component/failure.hpp"
+#include "module/failing_store.hpp"
 #include "module/registry_listing.hpp"
 
 namespace orlix {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::ListRegistry;
 using Lines = std::vector<std::string>;
 
@@ -38,149 +35,100 @@ protected:
     std::unique_ptr<RegistryStore> store = OpenRegistry();
 };
 
-TEST_F(RegistrationScripts, AddingWritesKeysDefaultValuesAndNamedValues) {
-    Add(R"(Shape = s 'A shape'
-           {
-               val Sides = d 3
-               val Limit = d 4294967295
-               val Mask = d 0x1F
-               val 'Full name' = s 'A plane shape'
-               Corner { Angle = s '60' }
-               Empty
-           })");
-    EXPECT_THAT(Left(), ElementsAre("Shape", "Shape : Full name = A plane shape", "Shape : Limit = #4294967295",
-                                    "Shape : Mask = #31", "Shape : Sides = #3", "Shape = A shape", "Shape\\Corner",
-                                    "Shape\\Corner\\Angle", "Shape\\Corner\\Angle = 60", "Shape\\Empty"));
+// Scripts one after the other, "+" to add and "-" to remove, and what is there at the end.
+TEST_F(RegistrationScripts, LeaveWhatTheyAddAndTakeAwayWhatIsTheirs) {
+    const std::string twice = "+A = s 'x' { val v = s 'y' ForceRemove B { C } }",
+                      own = "A { Own } B { Own { val own = s 'z' } } C { Own }",
+                      marked = "NoRemove Shared = s 'text' { NoRemove val kept = s 'x' val own = s 'y' Own = s 'z' }";
+    const struct {
+        const char* rule;
+        std::vector<std::string> scripts;
+        Lines left;
+    } cases[] = {
+        {"keys, default values and named values",
+         {R"(+Shape = s 'A shape'
+             {
+                 val Sides = d 3
+                 val Limit = d 4294967295
+                 val Mask = d 0x1F
+                 val 'Full name' = s 'A plane shape'
+                 Corner { Angle = s '60' }
+                 Empty
+             })"},
+         {"Shape", "Shape : Full name = A plane shape", "Shape : Limit = #4294967295", "Shape : Mask = #31",
+          "Shape : Sides = #3", "Shape = A shape", "Shape\\Corner", "Shape\\Corner\\Angle", "Shape\\Corner\\Angle = 60",
+          "Shape\\Empty"}},
+        {"words may be quoted, and placeholders stand for the module",
+         {"+'Two words' = s 'it''s %module%, 115' '{' = s '' 'val' = s 'NoRemove' Rate%% = s '50 %%'"},
+         {"Rate%", "Rate% = 50 %", "Two words", "Two words = it's C:\\Program Files\\It's\\100% orlix.dll, 115", "val",
+          "val = NoRemove", "{", "{ = "}},
+        {"adding twice is adding once", {twice, twice}, {"A", "A : v = y", "A = x", "A\\B", "A\\B\\C"}},
+        {"adding overwrites values and keeps what it does not name",
+         {"+A = s 'old' { val v = s 'old' val other = s 'other' Foreign }", "+A = s 'new' { val v = d 1 }"},
+         {"A", "A : other = other", "A : v = #1", "A = new", "A\\Foreign"}},
+        {"ForceRemove adds its key anew",
+         {"+A { Stale { Deep = s 'x' } val stale = s 'y' }", "+ForceRemove A = s 'fresh' { New }"},
+         {"A", "A = fresh", "A\\New"}},
+        {"Delete removes a tree when adding and does nothing when removing",
+         {"+A { B { C } } D", "+Delete A", "-Delete D"},
+         {"D"}},
+        {"removing leaves everything foreign",
+         {"+A { Foreign { Deep = s 'x' } } B { val foreign = s 'y' } C = s 'default' D", "+" + own, "-" + own},
+         {"A", "A\\Foreign", "A\\Foreign\\Deep", "A\\Foreign\\Deep = x", "B", "B : foreign = y", "C", "C = default",
+          "D"}},
+        {"removing a tree by force takes foreign keys below it too",
+         {"+ForceRemove A { Own }", "+A { Foreign { Deep } }", "-ForceRemove A { Own }"},
+         {}},
+        {"keys and values marked so are kept, what is below them is not",
+         {"+" + marked, "-" + marked},
+         {"Shared", "Shared : kept = x", "Shared = text"}},
+        {"a key with a kept value stays",
+         {"+A { NoRemove val kept = d 5 }", "-A { NoRemove val kept = d 5 }"},
+         {"A", "A : kept = #5"}},
+        {"removing what is not there", {"-A = s 'x' { B { val v = s 'y' } } ForceRemove C { D }"}, {}},
+        {"the case of names does not count",
+         {"+Orlix.Shape.1 { CLSID = s 'x' }", "-orlix.shape.1 { clsid = s 'x' }"},
+         {}},
+        {"names that begin alike are kept apart",
+         {"+A { B } 'A B' { C } AB 'A-' { D }", "-ForceRemove A"},
+         {"A B", "A B\\C", "A-", "A-\\D", "AB"}},
+    };
+    for (const auto& [rule, scripts, left] : cases) {
+        SCOPED_TRACE(rule);
+        store->DeleteTree(kHome);
+        for (const std::string& script : scripts) script[0] == '+' ? Add(script.substr(1)) : Remove(script.substr(1));
+        EXPECT_EQ(left, Left());
+    }
 }
 
-TEST_F(RegistrationScripts, WordsMayBeQuotedAndPlaceholdersStandForTheModule) {
-    Add(R"('Two words' = s 'it''s %module%, 115'
-           '{' = s ''
-           'val' = s 'NoRemove'
-           Rate%% = s '50 %%')");
-    EXPECT_THAT(Left(), ElementsAre("Rate%", "Rate% = 50 %", "Two words",
-                                    "Two words = it's C:\\Program Files\\It's\\100% orlix.dll, 115", "val",
-                                    "val = NoRemove", "{", "{ = "));
+TEST_F(RegistrationScripts, RemovingTakesAwayWhatAddingWrote) {
+    for (const char* keys :
+         {"A", "A = s 'x'", "A { val v = s 'x' val n = d 1 }", "A = s 'x' { B = s 'y' { C { D = s 'z' } } E }",
+          "ForceRemove A { B { C } val v = s 'x' }", "A = s 'x' B = s 'y' { val v = s 'z' }", "A { B } A { C }"}) {
+        SCOPED_TRACE(keys);
+        Add(keys);
+        EXPECT_NE(Lines{}, Left());
+        Remove(keys);
+        EXPECT_EQ(Lines{}, Left());
+    }
 }
 
 TEST_F(RegistrationScripts, KeywordsAndRootsAreReadInAnyCase) {
     RegistrationScript(
         "hkcu { noremove Software { NOREMOVE 'Registration script test' { A = S 'x' { VAL b = D 7 } } } }", kModule)
         .Add(*store);
-    EXPECT_THAT(Left(), ElementsAre("A", "A : b = #7", "A = x"));
-}
-
-TEST_F(RegistrationScripts, AddingTwiceIsAddingOnce) {
-    const std::string keys = "A = s 'x' { val v = s 'y' ForceRemove B { C } }";
-    Add(keys);
-    const Lines once = Left();
-    Add(keys);
-    EXPECT_EQ(once, Left());
-}
-
-TEST_F(RegistrationScripts, AddingOverwritesValuesAndKeepsWhatItDoesNotName) {
-    Add("A = s 'old' { val v = s 'old' val other = s 'other' Foreign }");
-    Add("A = s 'new' { val v = d 1 }");
-    EXPECT_THAT(Left(), ElementsAre("A", "A : other = other", "A : v = #1", "A = new", "A\\Foreign"));
-}
-
-TEST_F(RegistrationScripts, ForceRemoveAddsItsKeyAnew) {
-    Add("A { Stale { Deep = s 'x' } val stale = s 'y' }");
-    Add("ForceRemove A = s 'fresh' { New }");
-    EXPECT_THAT(Left(), ElementsAre("A", "A = fresh", "A\\New"));
-}
-
-TEST_F(RegistrationScripts, DeleteRemovesATreeWhenAddingAndDoesNothingWhenRemoving) {
-    Add("A { B { C } } D");
-    Add("Delete A");
-    EXPECT_THAT(Left(), ElementsAre("D"));
-    Remove("Delete D");
-    EXPECT_THAT(Left(), ElementsAre("D"));
-}
-
-TEST_F(RegistrationScripts, RemovingTakesAwayWhatAddingWrote) {
-    for (const char* keys : {
-             "A",
-             "A = s 'x'",
-             "A { val v = s 'x' val n = d 1 }",
-             "A = s 'x' { B = s 'y' { C { D = s 'z' } } E }",
-             "ForceRemove A { B { C } val v = s 'x' }",
-             "A = s 'x' B = s 'y' { val v = s 'z' }",
-             "A { B } A { C }",
-         }) {
-        SCOPED_TRACE(keys);
-        Add(keys);
-        EXPECT_THAT(Left(), ::testing::Not(IsEmpty()));
-        Remove(keys);
-        EXPECT_THAT(Left(), IsEmpty());
-    }
-}
-
-TEST_F(RegistrationScripts, RemovingLeavesEverythingForeign) {
-    Add(R"(Before
-           A { Foreign { Deep = s 'x' } }
-           B { val foreign = s 'y' }
-           C = s 'foreign default'
-           After)");
-    const Lines before = Left();
-    const char* keys = "A = s 'mine' { Own } B { Own { val own = s 'z' } } C { Own }";
-    Add(keys);
-    Remove(keys);
-    EXPECT_EQ(before, Left());
-}
-
-TEST_F(RegistrationScripts, RemovingATreeByForceTakesForeignKeysBelowItToo) {
-    Add("ForceRemove A { Own }");
-    Add("A { Foreign { Deep } }");
-    Remove("ForceRemove A { Own }");
-    EXPECT_THAT(Left(), IsEmpty());
-}
-
-TEST_F(RegistrationScripts, RemovingKeepsKeysAndValuesMarkedSoButNotWhatIsBelowThem) {
-    const char* keys = R"(NoRemove Shared = s 'text'
-                          {
-                              NoRemove val kept = s 'x'
-                              val own = s 'y'
-                              Own = s 'z'
-                          })";
-    Add(keys);
-    Remove(keys);
-    EXPECT_THAT(Left(), ElementsAre("Shared", "Shared : kept = x", "Shared = text"));
-}
-
-TEST_F(RegistrationScripts, AKeyWithAKeptValueStays) {
-    const char* keys = "A { NoRemove val kept = d 5 }";
-    Add(keys);
-    Remove(keys);
-    EXPECT_THAT(Left(), ElementsAre("A", "A : kept = #5"));
-}
-
-TEST_F(RegistrationScripts, RemovingWhatIsNotThereSucceeds) {
-    Remove("A = s 'x' { B { val v = s 'y' } } ForceRemove C { D }");
-    EXPECT_THAT(Left(), IsEmpty());
-}
-
-TEST_F(RegistrationScripts, RemovingIgnoresTheCaseOfNames) {
-    Add("Orlix.Shape.1 { CLSID = s 'x' }");
-    Remove("orlix.shape.1 { clsid = s 'x' }");
-    EXPECT_THAT(Left(), IsEmpty());
-}
-
-TEST_F(RegistrationScripts, NamesThatBeginAlikeAreKeptApart) {
-    Add("A { B } 'A B' { C } AB 'A-' { D }");
-    Remove("ForceRemove A");
-    EXPECT_THAT(Left(), ElementsAre("A B", "A B\\C", "A-", "A-\\D", "AB"));
+    EXPECT_EQ((Lines{"A", "A : b = #7", "A = x"}), Left());
 }
 
 TEST_F(RegistrationScripts, AScriptMayUseSeveralRootsAndMayBeEmpty) {
     RegistrationScript(At("A") + "\n" + At("B"), kModule).Add(*store);
-    EXPECT_THAT(Left(), ElementsAre("A", "B"));
+    EXPECT_EQ((Lines{"A", "B"}), Left());
     for (const char* empty : {"", " \r\n\t ", "HKCR { }"}) {
         const RegistrationScript script(empty, kModule);
         script.Add(*store);
         script.Remove(*store);
     }
-    EXPECT_THAT(Left(), ElementsAre("A", "B"));
+    EXPECT_EQ((Lines{"A", "B"}), Left());
 }
 
 TEST_F(RegistrationScripts, AnErrorNamesItsLineAndNothingIsWritten) {
@@ -254,61 +202,22 @@ TEST_F(RegistrationScripts, ThePositionOfAScriptThatEndsEarlyIsItsLastLine) {
     }
 }
 
-// Answers the n-th call with a failure and passes the others on.
-class FailingStore final : public RegistryStore {
-public:
-    FailingStore(RegistryStore& store, int failingCall) : store_(store), left_(failingCall) {}
-    static constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
-
-    HRESULT CreateKey(const RegistryKey& key) override { return Fails() ? kAccessDenied : store_.CreateKey(key); }
-    HRESULT SetText(const RegistryKey& key, const WideString& name, const WideString& text) override {
-        return Fails() ? kAccessDenied : store_.SetText(key, name, text);
-    }
-    HRESULT SetNumber(const RegistryKey& key, const WideString& name, uint32_t number) override {
-        return Fails() ? kAccessDenied : store_.SetNumber(key, name, number);
-    }
-    HRESULT DeleteValue(const RegistryKey& key, const WideString& name) override {
-        return Fails() ? kAccessDenied : store_.DeleteValue(key, name);
-    }
-    HRESULT DeleteTree(const RegistryKey& key) override { return Fails() ? kAccessDenied : store_.DeleteTree(key); }
-    HRESULT DeleteIfEmpty(const RegistryKey& key) override {
-        return Fails() ? kAccessDenied : store_.DeleteIfEmpty(key);
-    }
-
-private:
-    bool Fails() { return --left_ == 0; }
-    RegistryStore& store_;
-    int left_;
-};
-
 TEST_F(RegistrationScripts, AFailureOfTheStoreComesBackAsItsResult) {
+    using testing::FailingStore;
+    const auto failingAt = [&](int call) { return FailingStore(*store, [call](bool) mutable { return --call == 0; }); };
     const RegistrationScript script(At("A = s 'x' { val n = d 1 ForceRemove B }"), kModule);
     constexpr int kCallsOfAdding = 7;  // Software, test key, A, its text, its number, B's tree, B
-    for (int call = 1; call <= kCallsOfAdding; ++call) {
-        SCOPED_TRACE(call);
-        FailingStore failing(*store, call);
-        try {
-            script.Add(failing);
-            ADD_FAILURE() << "no failure";
-        } catch (const FailedResult& failed) {
-            EXPECT_EQ(FailingStore::kAccessDenied, failed.result());
-        }
+    for (int call = 1; call <= kCallsOfAdding + 1; ++call) {
+        FailingStore failing = failingAt(call);
+        EXPECT_EQ(call > kCallsOfAdding ? S_OK : failing.kDiskFull, testing::ResultOf([&] { script.Add(failing); }));
     }
-    FailingStore working(*store, kCallsOfAdding + 1);
-    EXPECT_NO_THROW(script.Add(working));
-}
-
-TEST_F(RegistrationScripts, RemovingGoesOnAfterAFailureAndRaisesItAtTheEnd) {
-    const std::string keys = "A { val v = s 'x' } B { val v = s 'y' }";
-    Add(keys);
-    FailingStore failing(*store, 1);  // the value of B, which is removed first
-    try {
-        RegistrationScript(At(keys), kModule).Remove(failing);
-        ADD_FAILURE() << "no failure";
-    } catch (const FailedResult& failed) {
-        EXPECT_EQ(FailingStore::kAccessDenied, failed.result());
-    }
-    EXPECT_THAT(Left(), ElementsAre("B", "B : v = y"));
+    script.Remove(*store);
+    // Removing goes on: the value of B, which is removed first, stays.
+    const RegistrationScript two(At("A { val v = s 'x' } B { val v = s 'y' }"), kModule);
+    two.Add(*store);
+    FailingStore failing = failingAt(1);
+    EXPECT_EQ(failing.kDiskFull, testing::ResultOf([&] { two.Remove(failing); }));
+    EXPECT_EQ((Lines{"B", "B : v = y"}), Left());
 }
 
 TEST_F(RegistrationScripts, TheStoreTellsWhetherThereWasSomethingToDelete) {
@@ -324,7 +233,7 @@ TEST_F(RegistrationScripts, TheStoreTellsWhetherThereWasSomethingToDelete) {
     EXPECT_EQ(S_OK, store->DeleteTree(Below(OLESTR("A"))));
     EXPECT_EQ(S_OK, store->CreateKey(Below(OLESTR("A"))));
     EXPECT_EQ(S_OK, store->CreateKey(Below(OLESTR("a"))));
-    EXPECT_THAT(Left(), ElementsAre("A"));
+    EXPECT_EQ((Lines{"A"}), Left());
 }
 
 }  // namespace
