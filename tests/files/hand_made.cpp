@@ -12,6 +12,10 @@ Bytes operator+(Bytes left, const Bytes& right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
 }
+Bytes Part(const Bytes& bytes, size_t from, size_t size) {
+    const auto start = bytes.begin() + static_cast<ptrdiff_t>(from);
+    return {start, start + static_cast<ptrdiff_t>(std::min(size, bytes.size() - from))};
+}
 Bytes FromText(std::string_view text) { return {text.begin(), text.end()}; }
 Bytes Big32(uint32_t v) {
     return {static_cast<uint8_t>(v >> 24), static_cast<uint8_t>(v >> 16), static_cast<uint8_t>(v >> 8),
@@ -93,9 +97,8 @@ Bytes StoredStream(const Bytes& data, size_t block) {
         const size_t size = std::min(block, data.size() - start);
         const bool last = start + size == data.size();
         stream.push_back(last ? 1 : 0);
-        stream = std::move(stream) + Little16(static_cast<uint32_t>(size)) + Little16(~static_cast<uint32_t>(size));
-        stream.insert(stream.end(), data.begin() + static_cast<ptrdiff_t>(start),
-                      data.begin() + static_cast<ptrdiff_t>(start + size));
+        stream = std::move(stream) + Little16(static_cast<uint32_t>(size)) + Little16(~static_cast<uint32_t>(size)) +
+                 Part(data, start, size);
         start += size;
     } while (start < data.size());
     return std::move(stream) + Big32(Adler32(data));

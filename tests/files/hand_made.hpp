@@ -13,6 +13,8 @@ namespace orlix::test {
 using Bytes = std::vector<uint8_t>;
 
 Bytes operator+(Bytes left, const Bytes& right);
+// Up to `size` bytes from a place on.
+Bytes Part(const Bytes& bytes, size_t from, size_t size = SIZE_MAX);
 Bytes FromText(std::string_view text);
 Bytes Big32(uint32_t value);
 Bytes Little16(uint32_t value);

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <functional>
-#include <optional>
+#include <limits>
 #include <string>
+#include <tuple>
 
 #include "component/failure.hpp"
 #include "files/memory_stream.hpp"
@@ -72,17 +72,16 @@ TEST(ImageStream, IsWrittenByteForByteAsLaidOut) {
     const Bytes head = hand.Head();
     ASSERT_EQ(16u + 12 + 48 + 28 + 8 * 405, head.size());
     ASSERT_GT(written.size(), head.size() + 4);
-    EXPECT_EQ(head, Bytes(written.begin(), written.begin() + static_cast<ptrdiff_t>(head.size())));
+    EXPECT_EQ(head, Part(written, 0, head.size()));
 
-    const auto block = written.begin() + static_cast<ptrdiff_t>(head.size()) + 4;
-    const uint32_t length = static_cast<uint32_t>(block[-4] | block[-3] << 8 | block[-2] << 16 | block[-1] << 24);
-    ASSERT_GE(static_cast<size_t>(written.end() - block), length);
+    const size_t block = head.size() + 4;
+    const size_t length = Part(written, block).size() - hand.Tail().size();
+    EXPECT_EQ(Little32(static_cast<uint32_t>(length)), Part(written, block - 4, 4));
     Bytes pixels(25);
     uLongf size = 25;
-    ASSERT_EQ(Z_OK, ::uncompress(pixels.data(), &size, &*block, length));
-    pixels.resize(size);
-    EXPECT_EQ(hand.pixels, pixels);
-    EXPECT_EQ(hand.Tail(), Bytes(block + length, written.end()));
+    ASSERT_EQ(Z_OK, ::uncompress(pixels.data(), &size, &written[block], static_cast<uLong>(length)));
+    EXPECT_EQ(hand.pixels, Part(pixels, 0, size));
+    EXPECT_EQ(hand.Tail(), Part(written, block + length));
 
     EXPECT_EQ(written, Written(ReadBack(written)));
     // ceil(24 * 1.001) + 12 bytes for the block
@@ -99,7 +98,7 @@ TEST(ImageStream, TableReachesBeyondTheShorterAxisWithZeros) {
         const auto stride = static_cast<uint32_t>((2 * width + 3) / 4 * 4);
         const Bytes table = ZigzagTable(static_cast<uint32_t>(width), static_cast<uint32_t>(height), stride / 2);
         ASSERT_GT(written.size(), 104 + table.size());
-        EXPECT_EQ(table, Bytes(written.begin() + 104, written.begin() + 104 + static_cast<ptrdiff_t>(table.size())));
+        EXPECT_EQ(table, Part(written, 104, table.size()));
         EXPECT_EQ("", Outcome(written, 5));
     }
 }
@@ -108,9 +107,7 @@ TEST(ImageStream, EveryTruncationFailsAndShortReadsDoNot) {
     const Bytes whole = HandMadeStream().Whole();
     for (const size_t piece : {size_t{1}, size_t{7}, SIZE_MAX}) EXPECT_EQ("", Outcome(whole, piece));
     for (size_t size = 0; size < whole.size(); ++size)
-        ASSERT_EQ(size < 4 ? kNotAnImage : kEndsEarly,
-                  Outcome(Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size)), 1000))
-            << size;
+        ASSERT_EQ(size < 4 ? kNotAnImage : kEndsEarly, Outcome(Part(whole, 0, size), 1000)) << size;
 }
 
 // Up to the pixels every byte is decided by the others, but for the coordinate map and two entries without meaning
@@ -222,26 +219,17 @@ TEST(ImageStream, LongBlocksAreReadToTheirLastByteAndNoFurther) {
     const StreamImage back = ReadBack(written);
     EXPECT_EQ(pixels, Bytes(back.content.data, back.content.data + 200000));
 
-    const ptrdiff_t head = 104 + 8 * 900;
-    const Bytes start(written.begin(), written.begin() + head);
-    const StreamBytes parts = WriteImageStream(image.dataType, image.content, image.settings);
-    const Bytes whole = StoredStream(pixels);
-    struct Case {
-        const char* what;
-        Bytes block;
-        const char* outcome;
-    };
-    Bytes flipped = whole, cut = whole;
+    const Bytes start = Part(written, 0, 104 + 8 * 900), whole = StoredStream(pixels);
+    const Bytes tail = WriteImageStream(image.dataType, image.content, image.settings).tail;
+    Bytes flipped = whole;
     flipped.back() ^= 1;
-    cut.pop_back();
-    for (const Case& c : {Case{"right", whole, ""},
-                          {"checksum", flipped, kDamaged},
-                          {"cut", cut, kDamaged},
-                          {"one byte behind", whole + Bytes{0}, kDamaged},
-                          {"one pixel more", StoredStream(pixels + Bytes{0}), kDamaged},
-                          {"one pixel less", StoredStream(Bytes(pixels.begin(), pixels.end() - 1)), kDamaged}})
-        EXPECT_EQ(c.outcome, Outcome(start + Little32(static_cast<uint32_t>(c.block.size())) + c.block + parts.tail))
-            << c.what;
+    for (const auto& [what, block, outcome] : {std::tuple{"right", whole, ""},
+                                               {"checksum", flipped, kDamaged},
+                                               {"cut", Part(whole, 0, whole.size() - 1), kDamaged},
+                                               {"one byte behind", whole + Bytes{0}, kDamaged},
+                                               {"one pixel more", StoredStream(pixels + Bytes{0}), kDamaged},
+                                               {"one pixel less", StoredStream(Part(pixels, 1)), kDamaged}})
+        EXPECT_EQ(outcome, Outcome(start + Little32(static_cast<uint32_t>(block.size())) + block + tail)) << what;
 }
 
 TEST(ImageStream, SizeOfAPixelIsAnEntryOnlyWhereItCanBeOne) {

@@ -9,38 +9,6 @@ namespace {
 
 FileProperties ReadBackPng(MemoryImage& image) { return Read(Written(IFF_PNG, image)).properties; }
 
-// Contents that lead to different filters and methods of compression.
-struct PngContent {
-    const char* name;
-    uint32_t (*level)(uint32_t band, uint32_t x, uint32_t y, Noise& noise);
-};
-constexpr PngContent kPngContents[] = {
-    {"flat", [](uint32_t, uint32_t, uint32_t, Noise&) { return 77u; }},
-    {"noise", [](uint32_t, uint32_t, uint32_t, Noise& noise) { return noise(); }},
-    {"ramp", [](uint32_t band, uint32_t x, uint32_t y, Noise&) { return 3 * x + 5 * y + 50 * band; }},
-    {"noisy ramp",
-     [](uint32_t band, uint32_t x, uint32_t y, Noise& noise) { return 40 * x + 60 * y + 50 * band + noise.below(9); }},
-    // Noise along a row and the same in every row but for the level: each row needs the one above it.
-    {"columns", [](uint32_t band, uint32_t x, uint32_t y, Noise&) { return Noise(x)() + y % 7 + band; }},
-    {"label", [](uint32_t, uint32_t x, uint32_t y, Noise&) { return x / 7 % 3 == y / 5 % 3 ? 0xFFFFu : 0u; }},
-};
-
-TEST(PngWriter, EveryImageComesBackAsItWas) {
-    for (const PngContent& content : kPngContents)
-        for (const int32_t bands : {1, 3})
-            for (const int32_t bits : {8, 16})
-                for (const auto& [width, height] :
-                     {std::pair{1, 1}, {1, 7}, {7, 1}, {2, 2}, {13, 11}, {300, 70}, {1000, 300}, {70000, 2}}) {
-                    Noise noise(7);
-                    MemoryImage image(width, height, bands, bits, [&](int32_t band, int32_t x, int32_t y) {
-                        return content.level(static_cast<uint32_t>(band), static_cast<uint32_t>(x),
-                                             static_cast<uint32_t>(y), noise);
-                    });
-                    EXPECT_TRUE(Read(Written(IFF_PNG, image)).SamePixels(image))
-                        << content.name << ' ' << bands << ' ' << bits << ' ' << width << 'x' << height;
-                }
-}
-
 TEST(PngWriter, FilteringIsUndoneForEveryFilterPixelAndLength) {
     Noise noise(3);
     for (const size_t pixel : {1u, 2u, 3u, 4u, 6u, 8u})
@@ -76,8 +44,7 @@ TEST(PngWriter, TheFileIsASignatureAndChunksInOrderWithTheirProperties) {
                         PngChunk("pHYs", Big32(4000000) + Big32(2000000) + Bytes{1}) +
                         PngChunk("tEXt", FromText("Title") + Bytes{0, 'a'}) +
                         PngChunk("iTXt", FromText("Comment") + Bytes{0, 0, 0, 0, 0, 0xE2, 0x82, 0xAC});
-    ASSERT_GT(file.size(), start.size());
-    EXPECT_EQ(start, Bytes(file.begin(), file.begin() + static_cast<ptrdiff_t>(start.size())));
+    EXPECT_EQ(start, Part(file, 0, start.size()));
 }
 
 TEST(PngWriter, ThePixelSizeSurvivesToAWholeNumberOfPixelsPerMetre) {

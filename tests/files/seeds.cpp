@@ -18,7 +18,7 @@ void AddPng(std::vector<Seed>& seeds) {
                 depth,      colourType,
                 interlaced, [=](uint32_t x, uint32_t y, uint32_t s) {
                                             return (37 * x + 11 * y * y + 91 * s) & most; }};
-            const Bytes chunk = PngChunk("PLTE", Bytes(palette.begin(), palette.begin() + (3 << std::min(depth, 8u))));
+            const Bytes chunk = PngChunk("PLTE", Part(palette, 0, 3u << std::min(depth, 8u)));
             add(std::to_string(colourType) + "-" + std::to_string(depth) + (interlaced ? "-interlaced" : ""),
                 MakePng(picture, colourType == 3 ? chunk : Bytes{}));
         }
@@ -31,12 +31,7 @@ void AddPng(std::vector<Seed>& seeds) {
                       text("iTXt", Bytes{0, 0, 0, 0, 0xC3, 0xA9}) +
                       text("iTXt", Bytes{1, 0, 'e', 'n', 0, 't', 0} + StoredStream({0xE2, 0x82, 0xAC})) +
                       PngChunk("IDAT", {0x78}) + PngChunk("IDAT", {}) +
-                      PngChunk("IDAT",
-                               [] {
-                                   const Bytes stream = StoredStream({0, 1, 2, 3}, 2);
-                                   return Bytes(stream.begin() + 1, stream.end());
-                               }()) +
-                      PngEnd() + FromText("behind"));
+                      PngChunk("IDAT", Part(StoredStream({0, 1, 2, 3}, 2), 1)) + PngEnd() + FromText("behind"));
     // Some bytes of the file for many pixels, in one band and in three.
     for (const uint8_t blue : {uint8_t{9}, uint8_t{10}})
         add(blue == 9 ? "wide-grey" : "wide-colour",
