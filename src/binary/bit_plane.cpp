@@ -54,6 +54,18 @@ BitPlane::BitPlane(const BitRows& rows) : BitPlane(rows.width, rows.height) {
     }
 }
 
+void SetRun(uint64_t* row, const Run& run) {
+    const int32_t first = run.start / 64;
+    const int32_t last = run.stop / 64;
+    if (first == last) {
+        row[first] |= Span(run.start % 64, run.stop % 64);
+        return;
+    }
+    row[first] |= Span(run.start % 64, 63);
+    std::fill(row + first + 1, row + last, ~uint64_t{0});
+    row[last] |= Span(0, run.stop % 64);
+}
+
 void Store(const BitPlane& from, BitmapStore& to, const RegionRows& region) {
     const size_t bytes = RowsOf(to).usedBytes();
     for (int32_t y = region.top(); y <= region.bottom(); ++y) {

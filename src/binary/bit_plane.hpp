@@ -7,6 +7,7 @@
 
 #include "binary/bitmap_store.hpp"
 #include "geometry/region_rows.hpp"
+#include "geometry/run.hpp"
 
 namespace orlix {
 
@@ -65,6 +66,9 @@ private:
 // not stored. 8 i < bytes.
 uint64_t LoadWord(const uint8_t* row, size_t i, size_t bytes);
 void StoreWord(uint8_t* row, size_t i, size_t bytes, uint64_t word);
+
+// Sets the pixels of a run of a row of a plane.
+void SetRun(uint64_t* row, const Run& run);
 
 // Stores the plane's pixels of the region; all others stay. Marks the rows that the region has. The plane, the store
 // and the region have the same size.

@@ -1,0 +1,144 @@
+// Planes for tests of connected operations, and the slow definitions that several of them share.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <ostream>
+#include <random>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "binary/bit_plane.hpp"
+#include "binary/connectivity.hpp"
+
+namespace orlix {
+
+inline void PrintTo(const BitPlane& plane, std::ostream* out) {
+    *out << plane.width() << " x " << plane.height();
+    if (plane.width() > 200 || plane.height() > 200) return;
+    for (int32_t y = 0; y < plane.height(); ++y) {
+        *out << '\n';
+        for (int32_t x = 0; x < plane.width(); ++x) *out << (plane.bit(x, y) ? '#' : '.');
+    }
+}
+
+inline BitPlane NoisePlane(int32_t width, int32_t height, double density, uint32_t seed) {
+    BitPlane plane(width, height);
+    std::mt19937 random(seed);
+    const auto bound = static_cast<uint64_t>(density * 4294967296.0);
+    for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x)
+            if (random() < bound) plane.setBit(x, y, true);
+    return plane;
+}
+
+// '#' is set.
+inline BitPlane PlaneOf(std::initializer_list<std::string_view> rows) {
+    BitPlane plane(static_cast<int32_t>(rows.begin()->size()), static_cast<int32_t>(rows.size()));
+    int32_t y = 0;
+    for (const std::string_view row : rows) {
+        for (int32_t x = 0; x < plane.width(); ++x) plane.setBit(x, y, row[static_cast<size_t>(x)] == '#');
+        ++y;
+    }
+    return plane;
+}
+
+// Blobs with smooth outlines that touch: overlapping disks.
+inline BitPlane DiskPlane(int32_t width, int32_t height, int disks, int32_t largest, uint32_t seed) {
+    BitPlane plane(width, height);
+    std::mt19937 random(seed);
+    for (; disks > 0; --disks) {
+        const auto cx = static_cast<int32_t>(random() % static_cast<uint32_t>(width));
+        const auto cy = static_cast<int32_t>(random() % static_cast<uint32_t>(height));
+        const auto r = static_cast<int32_t>(1 + random() % static_cast<uint32_t>(largest));
+        for (int32_t y = std::max(0, cy - r); y <= std::min(height - 1, cy + r); ++y)
+            for (int32_t x = std::max(0, cx - r); x <= std::min(width - 1, cx + r); ++x)
+                if ((x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r) plane.setBit(x, y, true);
+    }
+    return plane;
+}
+
+// Calls visit(plane) for every image of a size.
+template <class Visit>
+void ForEachPlaneOfSize(int32_t width, int32_t height, const Visit& visit) {
+    for (uint32_t bits = 0; bits < uint32_t{1} << (width * height); ++bits) {
+        BitPlane plane(width, height);
+        for (int32_t i = 0; i < width * height; ++i) plane.setBit(i % width, i / width, (bits >> i & 1) != 0);
+        visit(plane);
+    }
+}
+
+// Calls visit(plane) for noise and blobs of all widths 1..70.
+template <class Visit>
+void ForEachPlaneOfAnyWidth(const Visit& visit) {
+    for (int32_t width = 1; width <= 70; ++width) {
+        const auto seed = static_cast<uint32_t>(width);
+        visit(NoisePlane(width, 1 + width % 5, 0.3, seed));
+        visit(NoisePlane(width, 11, 0.6, seed));
+        visit(NoisePlane(width, 9, 0.9, seed));
+        visit(DiskPlane(width, 23, 1 + width / 5, 7, seed));
+    }
+    visit(BitPlane());
+}
+
+inline constexpr Connectivity kConnectivities[] = {Connectivity::Four, Connectivity::Eight};
+
+// Steps (x, y) to the neighbours, in raster order.
+inline std::vector<std::pair<int32_t, int32_t>> StepsOf(Connectivity connectivity) {
+    if (connectivity == Connectivity::Four) return {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
+    return {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
+}
+
+inline bool IsSet(const BitPlane& plane, int32_t x, int32_t y) {
+    return x >= 0 && y >= 0 && x < plane.width() && y < plane.height() && plane.bit(x, y);
+}
+
+// The image, or its complement, within a ring of pixels of the given kind.
+inline BitPlane Ringed(const BitPlane& image, bool complement, bool ring) {
+    BitPlane ringed(image.width() + 2, image.height() + 2);
+    for (int32_t y = 0; y < ringed.height(); ++y)
+        for (int32_t x = 0; x < ringed.width(); ++x) {
+            const bool inside = x > 0 && y > 0 && x <= image.width() && y <= image.height();
+            ringed.setBit(x, y, inside ? image.bit(x - 1, y - 1) != complement : ring);
+        }
+    return ringed;
+}
+
+// The components by following neighbours, in raster order of their first pixels; -1 in the background.
+struct SlowComponents {
+    int32_t width;
+    std::vector<int> label;
+    std::vector<std::vector<std::pair<int32_t, int32_t>>> pixels;  // of each component
+
+    SlowComponents(const BitPlane& image, Connectivity connectivity)
+        : width(image.width()), label(static_cast<size_t>(image.width()) * static_cast<size_t>(image.height()), -1) {
+        const auto steps = StepsOf(connectivity);
+        for (int32_t y = 0; y < image.height(); ++y)
+            for (int32_t x = 0; x < image.width(); ++x) {
+                if (!image.bit(x, y) || At(x, y) >= 0) continue;
+                const int number = static_cast<int>(pixels.size());
+                auto& found = pixels.emplace_back();
+                found.push_back({x, y});
+                At(x, y) = number;
+                for (size_t i = 0; i < found.size(); ++i) {
+                    const auto [px, py] = found[i];
+                    for (const auto& [dx, dy] : steps)
+                        if (IsSet(image, px + dx, py + dy) && At(px + dx, py + dy) < 0) {
+                            At(px + dx, py + dy) = number;
+                            found.push_back({px + dx, py + dy});
+                        }
+                }
+            }
+    }
+    int& At(int32_t x, int32_t y) {
+        return label[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
+    int At(int32_t x, int32_t y) const {
+        return label[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
+};
+
+}  // namespace orlix
