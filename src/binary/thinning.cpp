@@ -20,7 +20,7 @@ public:
         : width_(image.width()),
           height_(image.height()),
           wordsPerRow_((static_cast<size_t>(width_) + 2 + 63) / 64),
-          words_(wordsPerRow_ * (static_cast<size_t>(height_) + 2)),
+          words_(wordsPerRow_ * (static_cast<size_t>(height_) + 2) + 2),
           inside_(wordsPerRow_, ~uint64_t{0}) {
         inside_.front() >>= 1;
         // Bits behind column `width`, the last inside.
@@ -29,7 +29,7 @@ public:
         const uint64_t invert = complement ? ~uint64_t{0} : 0;
         for (int32_t y = 0; y < height_; ++y) {
             const uint64_t* from = image.row(y);
-            uint64_t* to = words_.data() + (static_cast<size_t>(y) + 1) * wordsPerRow_;
+            uint64_t* to = &word((static_cast<size_t>(y) + 1) * wordsPerRow_);
             for (size_t i = 0; i < image.wordsPerRow(); ++i) {
                 to[i] |= from[i] >> 1;
                 if (i + 1 < wordsPerRow_) to[i + 1] = from[i] << 63;
@@ -42,7 +42,7 @@ public:
         BitPlane image(width_, height_);
         const uint64_t invert = complement ? ~uint64_t{0} : 0;
         for (int32_t y = 0; y < height_; ++y) {
-            const uint64_t* from = words_.data() + (static_cast<size_t>(y) + 1) * wordsPerRow_;
+            const uint64_t* from = &words_[1 + (static_cast<size_t>(y) + 1) * wordsPerRow_];
             uint64_t* to = image.row(y);
             for (size_t i = 0; i < image.wordsPerRow(); ++i)
                 to[i] = (from[i] << 1 | (i + 1 < wordsPerRow_ ? from[i + 1] >> 63 : 0)) ^ invert;
@@ -53,7 +53,7 @@ public:
 
     // Words of the rows of the bitmap, and of a word the bits that are pixels of it.
     size_t firstWord() const { return wordsPerRow_; }
-    size_t endOfWords() const { return words_.size() - wordsPerRow_; }
+    size_t endOfWords() const { return wordsPerRow_ * (static_cast<size_t>(height_) + 1); }
     size_t wordsPerRow() const { return wordsPerRow_; }
     bool IsInside(size_t word) const { return word >= firstWord() && word < endOfWords(); }
     uint64_t InsideOf(size_t word) const { return inside_[word % wordsPerRow_]; }
@@ -61,16 +61,16 @@ public:
     size_t stride() const { return 64 * wordsPerRow_; }
     static uint64_t MaskOf(size_t pixel) { return uint64_t{1} << (63 - pixel % 64); }
     bool IsPixel(size_t pixel) const { return IsInside(pixel / 64) && (InsideOf(pixel / 64) & MaskOf(pixel)) != 0; }
-    bool operator[](size_t pixel) const { return (words_[pixel / 64] & MaskOf(pixel)) != 0; }
-    void Clear(size_t pixel) { words_[pixel / 64] &= ~MaskOf(pixel); }
+    bool operator[](size_t pixel) const { return (word(pixel / 64) & MaskOf(pixel)) != 0; }
+    void Clear(size_t pixel) { word(pixel / 64) &= ~MaskOf(pixel); }
 
-    uint64_t& word(size_t i) { return words_[i]; }
-    uint64_t word(size_t i) const { return words_[i]; }
+    uint64_t& word(size_t i) { return words_[i + 1]; }
+    uint64_t word(size_t i) const { return words_[i + 1]; }
 
 private:
     int32_t width_, height_;
     size_t wordsPerRow_;
-    std::vector<uint64_t> words_;
+    std::vector<uint64_t> words_;  // with one more at either end, which is read as a neighbour and has no effect
     std::vector<uint64_t> inside_;
 };
 

@@ -7,8 +7,8 @@
 #include <initializer_list>
 #include <ostream>
 #include <random>
+#include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "binary/bit_plane.hpp"
@@ -86,10 +86,18 @@ void ForEachPlaneOfAnyWidth(const Visit& visit) {
 
 inline constexpr Connectivity kConnectivities[] = {Connectivity::Four, Connectivity::Eight};
 
-// Steps (x, y) to the neighbours, in raster order.
-inline std::vector<std::pair<int32_t, int32_t>> StepsOf(Connectivity connectivity) {
-    if (connectivity == Connectivity::Four) return {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
-    return {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
+// A pixel, or a step to one.
+struct Place {
+    int32_t x, y;
+    friend bool operator==(const Place&, const Place&) = default;
+};
+
+// Steps to the neighbours, in raster order.
+inline std::span<const Place> StepsOf(Connectivity connectivity) {
+    static constexpr Place kFour[] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
+    static constexpr Place kEight[] = {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
+    if (connectivity == Connectivity::Four) return kFour;
+    return kEight;
 }
 
 inline bool IsSet(const BitPlane& plane, int32_t x, int32_t y) {
@@ -111,7 +119,7 @@ inline BitPlane Ringed(const BitPlane& image, bool complement, bool ring) {
 struct SlowComponents {
     int32_t width;
     std::vector<int> label;
-    std::vector<std::vector<std::pair<int32_t, int32_t>>> pixels;  // of each component
+    std::vector<std::vector<Place>> pixels;  // of each component
 
     SlowComponents(const BitPlane& image, Connectivity connectivity)
         : width(image.width()), label(static_cast<size_t>(image.width()) * static_cast<size_t>(image.height()), -1) {

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "binary/plane_pictures.hpp"
@@ -14,48 +13,53 @@
 namespace orlix {
 namespace {
 
-using Pixel = std::pair<int32_t, int32_t>;
-
-// The neighbours north, east, south, west.
-constexpr Pixel kSides[] = {{0, -1}, {1, 0}, {0, 1}, {-1, 0}};
-
 // In a ringed plane: whether the pixel's removal changes neither the components of the foreground nor those of the
 // background around it. Both are counted, by the definition of T. Y. Kong and A. Rosenfeld (1989): one component of
 // neighbours in the 3x3 pixels that touches the pixel in its own connectivity, for either.
 bool SlowSimple(const BitPlane& plane, int32_t x, int32_t y, Connectivity connectivity) {
-    const auto touching = [&](Connectivity kind, bool set) {
-        BitPlane around(3, 3);
-        for (int32_t dy = -1; dy <= 1; ++dy)
-            for (int32_t dx = -1; dx <= 1; ++dx)
-                around.setBit(dx + 1, dy + 1, (dx != 0 || dy != 0) && plane.bit(x + dx, y + dy) == set);
-        int count = 0;
-        const auto steps = StepsOf(kind);
-        for (const auto& pixels : SlowComponents(around, kind).pixels)
-            count += std::any_of(pixels.begin(), pixels.end(), [&](const Pixel& pixel) {
-                return std::find(steps.begin(), steps.end(), Pixel(pixel.first - 1, pixel.second - 1)) != steps.end();
-            });
-        return count;
-    };
-    return touching(connectivity, true) == 1 && touching(Dual(connectivity), false) == 1;
+    static const auto tables = [] {
+        std::array<std::array<bool, 512>, 2> simple;
+        const auto touching = [](const BitPlane& around, Connectivity kind) {
+            const auto steps = StepsOf(kind);
+            int count = 0;
+            for (const auto& pixels : SlowComponents(around, kind).pixels)
+                count += std::any_of(pixels.begin(), pixels.end(), [&](const Place& at) {
+                    return std::find(steps.begin(), steps.end(), Place{at.x - 1, at.y - 1}) != steps.end();
+                });
+            return count;
+        };
+        for (uint32_t bits = 0; bits < 512; ++bits) {
+            BitPlane set(3, 3), clear(3, 3);
+            for (int32_t i = 0; i < 9; ++i)
+                if (i != 4) (bits >> i & 1 ? set : clear).setBit(i % 3, i / 3, true);
+            for (size_t k = 0; k < 2; ++k)
+                simple[k][bits] =
+                    touching(set, kConnectivities[k]) == 1 && touching(clear, Dual(kConnectivities[k])) == 1;
+        }
+        return simple;
+    }();
+    uint32_t bits = 0;
+    for (int32_t i = 0; i < 9; ++i) bits |= uint32_t{plane.bit(x + i % 3 - 1, y + i / 3 - 1)} << i;
+    return tables[connectivity == Connectivity::Eight][bits];
 }
 
-std::vector<Pixel> SlowNeighbours(const BitPlane& plane, int32_t x, int32_t y, Connectivity connectivity) {
-    std::vector<Pixel> found;
+std::vector<Place> SlowNeighbours(const BitPlane& plane, int32_t x, int32_t y, Connectivity connectivity) {
+    std::vector<Place> found;
     for (const auto& [dx, dy] : StepsOf(connectivity))
         if (IsSet(plane, x + dx, y + dy)) found.push_back({x + dx, y + dy});
     return found;
 }
 
 // One step of a pass, in a plane with a ring that stays.
-bool SlowStep(BitPlane& plane, Connectivity connectivity, const Pixel& side, bool removesEnds) {
+bool SlowStep(BitPlane& plane, Connectivity connectivity, const Place& side, bool removesEnds) {
     const BitPlane before = plane;
     for (int32_t y = 1; y < plane.height() - 1; ++y)
         for (int32_t x = 1; x < plane.width() - 1; ++x) {
-            if (!before.bit(x, y) || before.bit(x + side.first, y + side.second)) continue;
+            if (!before.bit(x, y) || before.bit(x + side.x, y + side.y)) continue;
             if (!SlowSimple(before, x, y, connectivity)) continue;
             const auto neighbours = SlowNeighbours(before, x, y, connectivity);
             // Opposite: on the other side of the line through the pixel across the direction.
-            const bool opposite = (neighbours[0].first - x) * side.first + (neighbours[0].second - y) * side.second < 0;
+            const bool opposite = (neighbours[0].x - x) * side.x + (neighbours[0].y - y) * side.y < 0;
             if (neighbours.size() > 1 || (removesEnds && opposite)) plane.setBit(x, y, false);
         }
     return plane != before;
@@ -64,7 +68,7 @@ bool SlowStep(BitPlane& plane, Connectivity connectivity, const Pixel& side, boo
 void SlowPasses(BitPlane& plane, Connectivity connectivity, bool removesEnds, int passes) {
     for (bool changed = true; changed && passes > 0; --passes) {
         changed = false;
-        for (const Pixel& side : {kSides[0], kSides[2], kSides[1], kSides[3]})
+        for (const Place& side : {Place{0, -1}, Place{0, 1}, Place{1, 0}, Place{-1, 0}})
             changed |= SlowStep(plane, connectivity, side, removesEnds);
     }
 }
@@ -91,7 +95,7 @@ bool SameTopology(const BitPlane& smaller, const BitPlane& larger, Connectivity 
         if (inner.pixels.size() != outer.pixels.size()) return false;
         std::vector<bool> met(outer.pixels.size());
         for (const auto& pixels : inner.pixels) {
-            const int label = outer.At(pixels[0].first, pixels[0].second);
+            const int label = outer.At(pixels[0].x, pixels[0].y);
             if (label < 0 || met[static_cast<size_t>(label)]) return false;
             met[static_cast<size_t>(label)] = true;
         }
@@ -105,7 +109,7 @@ bool SameTopology(const BitPlane& smaller, const BitPlane& larger, Connectivity 
 
 void ExpectThinning(const BitPlane& image) {
     for (const Connectivity connectivity : kConnectivities) {
-        for (const int passes : {-1, 0, 1, 2}) {
+        for (const int passes : {1, 2}) {
             BitPlane thinner = Ringed(image, false, false);
             SlowPasses(thinner, connectivity, false, passes);
             ASSERT_EQ(thinner, Ringed(Thin(image, connectivity, passes), false, false));
@@ -113,7 +117,7 @@ void ExpectThinning(const BitPlane& image) {
         const BitPlane skeleton = Skeleton(image, connectivity);
         ASSERT_EQ(SlowSkeleton(image, connectivity), Ringed(skeleton, false, false));
         ASSERT_TRUE(SameTopology(skeleton, image, connectivity));
-        for (const int passes : {1, 3, 1000}) {
+        for (const int passes : {1, 1000}) {
             BitPlane background = Ringed(image, true, true);
             SlowPasses(background, Dual(connectivity), true, passes);
             const BitPlane thicker = Thicken(image, connectivity, passes);
@@ -123,21 +127,16 @@ void ExpectThinning(const BitPlane& image) {
     }
 }
 
-TEST(Thinning, EqualsItsSlowDefinition) {
+// The small images have every neighbourhood of a pixel, and of two side by side that one step removes.
+TEST(Thinning, EqualsItsSlowDefinitionAndKeepsTheTopology) {
     ForEachPlaneOfSize(4, 3, ExpectThinning);
+    ForEachPlaneOfSize(3, 4, ExpectThinning);
     ForEachPlaneOfAnyWidth(ExpectThinning);
-}
-
-// Every neighbourhood of a pixel, and of two that are removed at once, occurs.
-TEST(Thinning, KeepsTheTopologyOfEverySmallImage) {
-    ForEachPlaneOfSize(4, 4, [](const BitPlane& image) {
-        for (const Connectivity connectivity : kConnectivities) {
-            ASSERT_TRUE(SameTopology(Skeleton(image, connectivity), image, connectivity))
-                << testing::PrintToString(image);
-            ASSERT_TRUE(SameTopology(image, Thicken(image, connectivity, 9), connectivity))
-                << testing::PrintToString(image);
-        }
-    });
+    const BitPlane image = DiskPlane(40, 30, 5, 9, 1);
+    for (const int64_t none : {int64_t{0}, int64_t{-1}, INT64_MIN}) {
+        EXPECT_EQ(image, Thin(image, Connectivity::Four, none));
+        EXPECT_EQ(image, Thicken(image, Connectivity::Four, none));
+    }
 }
 
 TEST(Thinning, KnownSkeletons) {
@@ -191,9 +190,9 @@ TEST(Thinning, ThickenedBlobsFillTheImageAndDoNotMeet) {
                       Connectivity::Eight, 100));
 }
 
-// A blob that is thousands of pixels thick costs as many passes: time must go with the outline of each.
+// A blob takes half as many passes as it has rows: time must go with the outline of each.
 TEST(Thinning, ThickBlobsTakeNoTimeForWhatTheyLeaveAlone) {
-    constexpr int32_t kSize = 3000;
+    constexpr int32_t kSize = 1500;
     BitPlane square(kSize, kSize);
     for (int32_t y = 0; y < kSize; ++y) SetRun(square.row(y), {0, kSize - 1});
     for (const Connectivity connectivity : kConnectivities) {
@@ -207,16 +206,16 @@ TEST(Thinning, ThickBlobsTakeNoTimeForWhatTheyLeaveAlone) {
 BitPlane SlowPrune(const BitPlane& image, Connectivity connectivity, size_t longest) {
     BitPlane plane = image;
     for (;;) {
-        std::optional<std::vector<Pixel>> shortest;
-        Pixel junction;
+        std::optional<std::vector<Place>> shortest;
+        Place junction;
         for (int32_t y = 0; y < plane.height(); ++y)
             for (int32_t x = 0; x < plane.width(); ++x) {
                 if (!plane.bit(x, y) || SlowNeighbours(plane, x, y, connectivity).size() != 1) continue;
-                std::vector<Pixel> branch = {{x, y}};
-                Pixel at = SlowNeighbours(plane, x, y, connectivity)[0];
-                auto next = SlowNeighbours(plane, at.first, at.second, connectivity);
-                for (; next.size() == 2; next = SlowNeighbours(plane, at.first, at.second, connectivity)) {
-                    const Pixel before = branch.back();
+                std::vector<Place> branch = {{x, y}};
+                Place at = SlowNeighbours(plane, x, y, connectivity)[0];
+                auto next = SlowNeighbours(plane, at.x, at.y, connectivity);
+                for (; next.size() == 2; next = SlowNeighbours(plane, at.x, at.y, connectivity)) {
+                    const Place before = branch.back();
                     branch.push_back(at);
                     at = next[next[0] == before ? 1 : 0];
                 }
@@ -242,11 +241,11 @@ void ExpectPruning(const BitPlane& image) {
 }
 
 TEST(Pruning, EqualsItsSlowDefinition) {
-    ForEachPlaneOfSize(4, 4, ExpectPruning);
+    ForEachPlaneOfSize(4, 3, ExpectPruning);
     for (int32_t width = 1; width <= 70; ++width) {
         const auto seed = static_cast<uint32_t>(width);
-        ExpectPruning(NoisePlane(width, 9, 0.4, seed));
-        ExpectPruning(Skeleton(NoisePlane(width, 20, 0.7, seed), kConnectivities[seed % 2]));
+        ExpectPruning(NoisePlane(width, 5, 0.4, seed));
+        ExpectPruning(Skeleton(NoisePlane(width, 12, 0.7, seed), kConnectivities[seed % 2]));
     }
     const BitPlane line = PlaneOf({"####"});
     EXPECT_EQ(line, Prune(line, Connectivity::Eight, INT64_MAX));
