@@ -1,0 +1,244 @@
+#include "binary/distance.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <queue>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "binary/plane_pictures.hpp"
+#include "binary/watershed.hpp"
+
+namespace orlix {
+namespace {
+
+// Of each pixel, row by row: the smallest of the squared distances to all background pixels.
+std::vector<int64_t> SlowDistances(const BitPlane& image) {
+    std::vector<int64_t> distances;
+    for (int32_t y = 0; y < image.height(); ++y)
+        for (int32_t x = 0; x < image.width(); ++x) {
+            int64_t& least = distances.emplace_back(kInfiniteDistance<int64_t>);
+            for (int32_t v = 0; v < image.height(); ++v)
+                for (int32_t u = 0; u < image.width(); ++u)
+                    if (!image.bit(u, v)) least = std::min(least, int64_t{u - x} * (u - x) + int64_t{v - y} * (v - y));
+        }
+    return distances;
+}
+
+void ExpectDistances(const BitPlane& image) {
+    const std::vector<int64_t> expected = SlowDistances(image);
+    ASSERT_EQ(expected, SquaredDistances<int64_t>(image)) << testing::PrintToString(image);
+    const std::vector<int32_t> narrow = SquaredDistances<int32_t>(image);
+    ASSERT_EQ(expected.size(), narrow.size());
+    for (size_t i = 0; i < narrow.size(); ++i)
+        ASSERT_EQ(expected[i], narrow[i] == kInfiniteDistance<int32_t> ? kInfiniteDistance<int64_t> : narrow[i]);
+}
+
+TEST(Distances, AreTheSmallestOfAll) {
+    ForEachPlaneOfSize(3, 4, ExpectDistances);
+    ForEachPlaneOfAnyWidth(ExpectDistances);
+    // A single background pixel; none is tried with the small sizes.
+    for (const auto& [x, y] : {std::pair{0, 0}, std::pair{39, 0}, std::pair{17, 8}, std::pair{39, 22}}) {
+        BitPlane image(40, 23);
+        for (int32_t row = 0; row < 23; ++row) SetRun(image.row(row), {0, 39});
+        image.setBit(x, y, false);
+        ExpectDistances(image);
+    }
+}
+
+TEST(Distances, BeyondInt32AreExact) {
+    EXPECT_TRUE(DistancesFitInt32(46341, 1));
+    EXPECT_FALSE(DistancesFitInt32(46342, 1));
+    EXPECT_TRUE(DistancesFitInt32(32768, 32768));
+    EXPECT_FALSE(DistancesFitInt32(1, 46342));
+    EXPECT_FALSE(DistancesFitInt32(INT32_MAX, INT32_MAX));
+    for (const bool across : {false, true}) {
+        constexpr int32_t kLength = 100000;
+        BitPlane image(across ? kLength : 1, across ? 1 : kLength);
+        for (int32_t i = 1; i < kLength; ++i) image.setBit(across ? i : 0, across ? 0 : i, true);
+        const std::vector<int64_t> distances = SquaredDistances<int64_t>(image);
+        for (int64_t i = 0; i < kLength; ++i) ASSERT_EQ(i * i, distances[static_cast<size_t>(i)]);
+        BitPlane end(image.width(), image.height());
+        end.setBit(image.width() - 1, image.height() - 1, true);
+        EXPECT_EQ(end, UltimatePoints(image, Connectivity::Four));
+        EXPECT_EQ(image, WatershedSplit(image, Connectivity::Four, {}));
+    }
+}
+
+// The pixels of plateaus, connected pixels of one value, that have no higher neighbour.
+template <class T>
+BitPlane SlowMaxima(const BitPlane& image, const std::vector<T>& values, Connectivity connectivity) {
+    const auto value = [&](int32_t x, int32_t y) { return values[static_cast<size_t>(y * image.width() + x)]; };
+    const auto steps = StepsOf(connectivity);
+    BitPlane maxima(image.width(), image.height()), visited(image.width(), image.height());
+    for (int32_t y = 0; y < image.height(); ++y)
+        for (int32_t x = 0; x < image.width(); ++x) {
+            if (!image.bit(x, y) || visited.bit(x, y)) continue;
+            bool highest = true;
+            std::vector<Place> plateau = {{x, y}};
+            visited.setBit(x, y, true);
+            for (size_t i = 0; i < plateau.size(); ++i) {
+                const auto [px, py] = plateau[i];
+                for (const auto& [dx, dy] : steps) {
+                    if (!IsSet(image, px + dx, py + dy)) continue;
+                    const T other = value(px + dx, py + dy);
+                    highest = highest && other <= value(x, y);
+                    if (other != value(x, y) || visited.bit(px + dx, py + dy)) continue;
+                    visited.setBit(px + dx, py + dy, true);
+                    plateau.push_back({px + dx, py + dy});
+                }
+            }
+            for (const auto& [px, py] : plateau) maxima.setBit(px, py, highest);
+        }
+    return maxima;
+}
+
+BitPlane SlowSplit(const BitPlane& image, Connectivity connectivity, const SplitDepth& depth) {
+    const int32_t width = image.width();
+    const auto at = [&](int32_t x, int32_t y) { return static_cast<size_t>(y * width + x); };
+    const auto steps = StepsOf(connectivity);
+    std::vector<double> distances;
+    for (const int64_t square : SlowDistances(image)) distances.push_back(std::sqrt(static_cast<double>(square)));
+
+    // The reconstruction, by dilations within D until nothing changes.
+    std::vector<double> levels = distances;
+    for (double& level : levels) level = (1 - depth.share) * level - depth.pixels;
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int32_t y = 0; y < image.height(); ++y)
+            for (int32_t x = 0; x < width; ++x)
+                for (const auto& [dx, dy] : steps) {
+                    if (!image.bit(x, y) || !IsSet(image, x + dx, y + dy)) continue;
+                    const double spread = std::min(levels[at(x + dx, y + dy)], distances[at(x, y)]);
+                    if (spread <= levels[at(x, y)]) continue;
+                    levels[at(x, y)] = spread;
+                    changed = true;
+                }
+    }
+    const SlowComponents markers(SlowMaxima(image, levels, connectivity), connectivity);
+    std::vector<int> labels = markers.label;
+
+    // Highest level first, then first in, first out.
+    using Entry = std::tuple<double, int, int32_t, int32_t>;
+    std::priority_queue<Entry> queue;
+    std::vector<bool> queued(labels.size());
+    int number = 0;
+    const auto add = [&](double level, int32_t x, int32_t y) {
+        queue.push({level, --number, x, y});
+        queued[at(x, y)] = true;
+    };
+    for (int32_t y = 0; y < image.height(); ++y)
+        for (int32_t x = 0; x < width; ++x)
+            if (image.bit(x, y) && labels[at(x, y)] < 0 &&
+                std::any_of(steps.begin(), steps.end(), [&](const auto& step) {
+                    return IsSet(image, x + step.x, y + step.y) && labels[at(x + step.x, y + step.y)] >= 0;
+                }))
+                add(distances[at(x, y)], x, y);
+    while (!queue.empty()) {
+        const auto [level, order, x, y] = queue.top();
+        queue.pop();
+        std::vector<int> around;
+        for (const auto& [dx, dy] : steps)
+            if (IsSet(image, x + dx, y + dy) && labels[at(x + dx, y + dy)] >= 0)
+                around.push_back(labels[at(x + dx, y + dy)]);
+        if (std::any_of(around.begin(), around.end(), [&](int label) { return label != around[0]; })) continue;
+        labels[at(x, y)] = around[0];
+        for (const auto& [dx, dy] : steps)
+            if (IsSet(image, x + dx, y + dy) && labels[at(x + dx, y + dy)] < 0 && !queued[at(x + dx, y + dy)])
+                add(std::min(level, distances[at(x + dx, y + dy)]), x + dx, y + dy);
+    }
+    BitPlane split(width, image.height());
+    for (int32_t y = 0; y < image.height(); ++y)
+        for (int32_t x = 0; x < width; ++x) split.setBit(x, y, labels[at(x, y)] >= 0);
+    return split;
+}
+
+constexpr SplitDepth kDepths[] = {{0, 0}, {0.5, 0}, {0.25, 0.2}, {0, 1}};
+
+void ExpectMaximaAndSplit(const BitPlane& image, const SplitDepth& depth) {
+    for (const Connectivity connectivity : kConnectivities) {
+        ASSERT_EQ(SlowMaxima(image, SlowDistances(image), connectivity), UltimatePoints(image, connectivity));
+        ASSERT_EQ(SlowSplit(image, connectivity, depth), WatershedSplit(image, connectivity, depth))
+            << depth.pixels << " " << depth.share << testing::PrintToString(image);
+    }
+}
+
+TEST(Watershed, MaximaAndSplitEqualTheirSlowDefinitions) {
+    ForEachPlaneOfSize(3, 3, [](const BitPlane& image) { ExpectMaximaAndSplit(image, {}); });
+    for (int32_t width = 1; width <= 70; ++width) {
+        const auto seed = static_cast<uint32_t>(width);
+        ExpectMaximaAndSplit(NoisePlane(width, 5, 0.85, seed), kDepths[seed % 2]);
+        ExpectMaximaAndSplit(DiskPlane(width, 13, 1 + width / 4, 6, seed), kDepths[seed % 4]);
+    }
+    ExpectMaximaAndSplit(BitPlane(), {});
+    // Thin components in one another, which share a grid, with compact ones between them.
+    BitPlane rings = DiskPlane(60, 60, 40, 4, 1);
+    for (int32_t y = 0; y < 60; ++y)
+        for (int32_t x = 0; x < 60; ++x) {
+            const int32_t ring = std::min({x, y, 59 - x, 59 - y});
+            if (ring % 10 < 4) rings.setBit(x, y, ring % 10 == 1 || (ring % 20 == 2 && x > 30));
+        }
+    for (const SplitDepth& depth : kDepths) {
+        ExpectMaximaAndSplit(rings, depth);
+        ExpectMaximaAndSplit(DiskPlane(50, 50, 30, 9, 1), depth);
+    }
+}
+
+TEST(Watershed, PartsAreNotConnectedAndLinesAreThin) {
+    const BitPlane image = DiskPlane(600, 400, 400, 25, 3);
+    for (const Connectivity connectivity : kConnectivities) {
+        const BitPlane split = WatershedSplit(image, connectivity, {1, 0});
+        const SlowComponents parts(split, connectivity);
+        EXPECT_GT(parts.pixels.size(), SlowComponents(image, connectivity).pixels.size() + 20);
+        for (int32_t y = 0; y < image.height(); ++y)
+            for (int32_t x = 0; x < image.width(); ++x) {
+                if (split.bit(x, y) || !image.bit(x, y)) continue;
+                int first = -1;
+                bool touchesTwo = false;
+                for (const auto& [dx, dy] : StepsOf(connectivity)) {
+                    if (!IsSet(split, x + dx, y + dy)) continue;
+                    const int part = parts.At(x + dx, y + dy);
+                    if (first < 0) first = part;
+                    touchesTwo |= part != first;
+                }
+                EXPECT_TRUE(touchesTwo) << x << ", " << y;
+            }
+    }
+}
+
+// Two disks of radius 20 whose centres are 34 apart: the neck is 10 or 11 from the middle to either side.
+TEST(Watershed, SplitsWhereTheNeckIsNarrowEnough) {
+    BitPlane image(90, 50);
+    for (int32_t y = 0; y < 50; ++y)
+        for (int32_t x = 0; x < 90; ++x) {
+            const int32_t dx = std::min(std::abs(x - 27), std::abs(x - 61));
+            image.setBit(x, y, dx * dx + (y - 25) * (y - 25) <= 400);
+        }
+    const auto parts = [&](const SplitDepth& depth) {
+        return SlowComponents(WatershedSplit(image, Connectivity::Eight, depth), Connectivity::Eight).pixels.size();
+    };
+    EXPECT_EQ(2u, parts({2, 0}));
+    EXPECT_EQ(2u, parts({9, 0}));
+    EXPECT_EQ(1u, parts({11, 0}));
+    EXPECT_EQ(2u, parts({0, 0.4}));
+    EXPECT_EQ(1u, parts({0, 0.6}));
+    const BitPlane split = WatershedSplit(image, Connectivity::Eight, {2, 0});
+    for (int32_t y = 0; y < 50; ++y)
+        for (int32_t x = 0; x < 90; ++x) EXPECT_EQ(image.bit(x, y) && x != 44, split.bit(x, y)) << x << ", " << y;
+
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(image, WatershedSplit(image, Connectivity::Eight, {kInfinity, 0}));
+    EXPECT_EQ(image, WatershedSplit(image, Connectivity::Eight, {kInfinity, kInfinity}));
+    EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}), WatershedSplit(image, Connectivity::Eight, {kNan, -1}));
+    EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}),
+              WatershedSplit(image, Connectivity::Eight, {-kInfinity, kNan}));
+}
+
+}  // namespace
+}  // namespace orlix
