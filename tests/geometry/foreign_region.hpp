@@ -37,14 +37,9 @@ public:
     STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references; }
     STDMETHODIMP_(ULONG) Release() noexcept override { return --references; }
 
-    STDMETHODIMP get_Width(LONG* hVal) noexcept override {
-        *hVal = 12345;
-        return S_OK;
-    }
-    STDMETHODIMP get_Height(LONG* hVal) noexcept override {
-        *hVal = -1;
-        return S_OK;
-    }
+    // Nobody asks.
+    STDMETHODIMP get_Width(LONG*) noexcept override { return E_UNEXPECTED; }
+    STDMETHODIMP get_Height(LONG*) noexcept override { return E_UNEXPECTED; }
     STDMETHODIMP get_BoundingBox(RECT* hVal) noexcept override {
         if (SUCCEEDED(boxResult)) *hVal = box;
         return boxResult;

@@ -1,14 +1,16 @@
 #include "geometry/structuring_element.hpp"
 
-#include "component/failure.hpp"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <random>
 
-using namespace orlix;
+#include "support/failure_of.hpp"
+#include "support/special_numbers.hpp"
+
+namespace orlix {
+namespace {
 
 TEST(DiskElements, AreThePixelsWithinTheRadiusInReadingOrder) {
     for (const double radius : {0.5, 1.0, 1.5, 2.0, std::sqrt(13.0), 7.3, std::nextafter(5.0, 0.0), 5.0}) {
@@ -25,21 +27,11 @@ TEST(DiskElements, AreThePixelsWithinTheRadiusInReadingOrder) {
         }
         EXPECT_EQ(expected, got);
     }
-    EXPECT_EQ(5u, DiskElements(1).size());
-    EXPECT_EQ(9u, DiskElements(1.5).size());
-    EXPECT_EQ(13u, DiskElements(2).size());
     EXPECT_EQ(16763709u, DiskElements(2310).size());
-    for (const double huge : {2311.0, 20000.0, 1e308, HUGE_VAL}) {
-        try {
-            DiskElements(huge);
-            ADD_FAILURE() << huge;
-        } catch (const Failure& failure) {
-            EXPECT_STREQ("IStructuringElement::CreateDisk: the disk has more than 16777216 pixels.", failure.what());
-        }
-    }
+    for (const double huge : {2311.0, 1e308, kInfinity})
+        EXPECT_EQ("IStructuringElement::CreateDisk: the disk has more than 16777216 pixels.",
+                  FailureOf([&] { DiskElements(huge); }));
 }
-
-namespace {
 
 // The rule as the contract states it, element by element.
 std::vector<SElement> PlainList(LONG bit, const std::vector<SElement>& elements) {
@@ -56,16 +48,12 @@ std::vector<SElement> PlainList(LONG bit, const std::vector<SElement>& elements)
     return list;
 }
 
-}  // namespace
-
 TEST(ByteLists, MasksAsTheContractSays) {
     struct Case {
-        LONG x;
-        LONG bit;
-        LONG byte;
+        LONG x, bit, byte;
         int mask;
     };
-    for (const Case& c : {Case{0, 0, 0, 0x80},
+    const Case cases[] = {{0, 0, 0, 0x80},
                           {7, 0, 0, 0x01},
                           {8, 0, 1, 0x80},
                           {3, 5, 1, 0x80},
@@ -76,8 +64,9 @@ TEST(ByteLists, MasksAsTheContractSays) {
                           {-9, 0, -1, 0x01},
                           {-15, 0, -1, 0x40},
                           {-16, 0, -2, 0},
-                          {INT32_MAX, 7, 268435456, 0x02},
-                          {INT32_MIN, 0, -268435456, 0}}) {
+                          {kMost, 7, 268435456, 0x02},
+                          {kLeast, 0, -268435456, 0}};
+    for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.x << " at " << c.bit);
         const SElement element = {c.x, 5, 9, 9};
         ByteLists lists;
@@ -114,3 +103,6 @@ TEST(ByteLists, AreInTheOrderOfFirstAppearance) {
         }
     }
 }
+
+}  // namespace
+}  // namespace orlix
