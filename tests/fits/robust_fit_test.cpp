@@ -3,22 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <functional>
-#include <limits>
 
 #include "fits/angled_hemisphere_fit.hpp"
 #include "fits/correction_kernels.hpp"
 #include "fits/hemisphere_fit.hpp"
 #include "numerics/uniform_generator.hpp"
 #include "support/region_picture.hpp"
+#include "support/special_numbers.hpp"
 
 namespace orlix {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // ------------------------------------------------------------------------------------------- the search, the plain way
 // One buffer of squares, sorted; the sums of the K smallest compared exactly by expansions (Shewchuk 1997).
@@ -144,22 +140,16 @@ std::optional<std::array<double, 10>> PlainHemisphere(const RegionPixels<T>& reg
 
 template <class T>
 void ExpectPlainResult(const RegionPixels<T>& region, double probability, const char* what) {
-    SCOPED_TRACE(std::string(what) + " " + std::to_string(probability) + " pixels " + std::to_string(region.count()));
+    SCOPED_TRACE(testing::Message() << what << " " << probability << ", " << region.count() << " pixels");
+    using Result = std::optional<std::array<double, 10>>;
     for (int degree = 1; degree <= (probability < 0.6 ? 2 : 3); ++degree) {
-        const auto want = PlainPolynomial(region, degree, probability);
         const auto got = RobustPolynomial(region, degree, probability);
-        ASSERT_EQ(want.has_value(), got.has_value()) << degree;
-        if (got) {
-            EXPECT_EQ(*want, got->k) << degree;
-        }
+        EXPECT_EQ(PlainPolynomial(region, degree, probability), got ? Result(got->k) : std::nullopt) << degree;
     }
     for (const bool angled : {false, true}) {
-        const auto want = PlainHemisphere(region, angled, probability);
         const auto got = RobustHemisphere(region, angled, probability);
-        ASSERT_EQ(want.has_value(), got.has_value()) << angled;
-        if (got) {
-            EXPECT_EQ(*want, ArrayOf(got->hemisphere)) << angled;
-        }
+        EXPECT_EQ(PlainHemisphere(region, angled, probability), got ? Result(ArrayOf(got->hemisphere)) : std::nullopt)
+            << angled;
     }
 }
 
@@ -197,24 +187,6 @@ TEST(RobustFit, EqualsThePlainSearch) {
 }
 
 // --------------------------------------------------------------------------------------------------------- the results
-
-TEST(RobustFit, FindsThePlaneUnderOutliers) {
-    for (const double share : {0.1, 0.2, 0.3})
-        for (const double deviation : {0.0, 0.5}) {
-            NormalNoise noise(11);
-            const RegionPicture<float> picture(200, 150, [&](int x, int y) {
-                return noise.Uniform() < share ? 1000 * noise.Uniform() : 5 + 2.0 * x + 3.0 * y + deviation * noise();
-            });
-            const auto fit = RobustPolynomial(picture.region(), 1, 0.65);
-            ASSERT_TRUE(fit);
-            // Three points determine the plane: with noise its tilt is off by some noise / size.
-            const double tolerance = deviation * 0.02;
-            EXPECT_NEAR(2, fit->k[2], tolerance);
-            EXPECT_NEAR(3, fit->k[1], tolerance);
-            EXPECT_NEAR(5, fit->k[0], tolerance * 200);
-            EXPECT_NEAR(picture.Average(), fit->average, 1e-9);
-        }
-}
 
 TEST(RobustFit, FindsExactPolynomialsUnderOutliers) {
     NormalNoise noise(12);
@@ -272,8 +244,7 @@ TEST(RobustFit, OneRowGivesThePlaneAlongIt) {
 }
 
 TEST(RobustFit, NoFinitePixelGivesNoSurface) {
-    const RegionPicture<float> nothing(
-        20, 20, [](int x, int) { return x % 2 ? kNaN : std::numeric_limits<double>::infinity(); });
+    const RegionPicture<float> nothing(20, 20, [](int x, int) { return x % 2 ? kNaN : kInfinity; });
     EXPECT_FALSE(RobustPolynomial(nothing.region(), 1, 0.9));
     EXPECT_FALSE(RobustHemisphere(nothing.region(), false, 0.9));
     // Too few finite ones for K.
