@@ -78,19 +78,15 @@ TEST(DisplayBitmap, IsComputedAnewOnlyAfterAChange) {
 TEST(DisplayBitmap, ShowsThreeBandsInColourOrTheBandThatIsChosen) {
     const struct {
         LONG bands, band;
-        int32_t bits;
         Levels top, bottom;
-    } cases[] = {{3, BI_AllBands, 32, {200, 100, 0, 0, 201, 101, 1, 0}, {210, 110, 10, 0, 211, 111, 11, 0}},
-                 {4, BI_AllBands, 32, {200, 100, 0, 0, 201, 101, 1, 0}, {210, 110, 10, 0, 211, 111, 11, 0}},
-                 {2, BI_AllBands, 8, {0, 1, 0, 0}, {10, 11, 0, 0}},
-                 {3, 2, 8, {200, 201, 0, 0}, {210, 211, 0, 0}},
-                 {2, 1, 8, {100, 101, 0, 0}, {110, 111, 0, 0}}};
+    } cases[] = {{4, BI_AllBands, {200, 100, 0, 0, 201, 101, 1, 0}, {210, 110, 10, 0, 211, 111, 11, 0}},
+                 {2, BI_AllBands, {0, 1, 0, 0}, {10, 11, 0, 0}},
+                 {3, 2, {200, 201, 0, 0}, {210, 211, 0, 0}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.bands << " bands, " << c.band);
         const auto image = Bytes(2, 2, c.bands);
         image->PutBandToDisplay(c.band);
         const DisplayBitmap& bitmap = image->Display();
-        ASSERT_EQ(c.bits, bitmap.bitsPerPixel);
         EXPECT_EQ(c.top, Row(bitmap, 0));
         EXPECT_EQ(c.bottom, Row(bitmap, 1));
     }

@@ -71,11 +71,9 @@ TEST(HemisphereFit, RecoversCapsFromAnywhere) {
     for (const Hemisphere& truth : caps) {
         const std::vector<SurfacePoint> points = PointsOn(truth, 200, 200);
         const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));
-        ASSERT_TRUE(fit);
-        EXPECT_LT(Error(truth, *fit), 1e-6) << truth.radius;
         const auto angled = FitAngledHemisphere(PointRuns(points), AverageOf(points));
-        ASSERT_TRUE(angled);
-        EXPECT_LT(Error(truth, *angled), 1e-6) << truth.radius;
+        ASSERT_TRUE(fit && angled);
+        EXPECT_LT(std::max(Error(truth, *fit), Error(truth, *angled)), 1e-6) << truth.radius;
     }
     // Five points determine one.
     const Hemisphere truth{7, 9, 3, -0.25, 20};
@@ -113,23 +111,6 @@ TEST(HemisphereFit, IsTheMinimumOfTheStatedSum) {
             moved[i] *= 1 + by;
             EXPECT_GT(sum(moved), sum(a)) << i << " " << static_cast<double>(by);
         }
-}
-
-TEST(HemisphereFit, DoesNotDependOnWhereAndInWhichUnitsTheCapIs) {
-    NormalNoise noise(5);
-    std::vector<SurfacePoint> points = PointsOn({50, 45, 0, 0.5, 60}, 100, 90);
-    for (SurfacePoint& point : points) point.z += 0.5 * noise();
-    std::vector<SurfacePoint> moved;
-    moved.reserve(points.size());
-    for (const SurfacePoint& point : points) moved.push_back({point.x + 30000, point.y + 20000, 16 * point.z + 4096});
-    const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));
-    const auto other = FitHemisphere(PointRuns(moved), AverageOf(moved));
-    ASSERT_TRUE(fit && other);
-    EXPECT_NEAR(fit->xCenter + 30000, other->xCenter, 1e-9);
-    EXPECT_NEAR(fit->yCenter + 20000, other->yCenter, 1e-9);
-    EXPECT_NEAR(16 * fit->zCenter + 4096, other->zCenter, 1e-9);
-    EXPECT_NEAR(fit->zScale / 16, other->zScale, 1e-12);
-    EXPECT_NEAR(fit->radius, other->radius, 1e-9);
 }
 
 TEST(HemisphereFit, NoHemisphereWhereThereIsNone) {
