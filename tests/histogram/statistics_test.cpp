@@ -223,7 +223,7 @@ TEST(Statistics, TrimmedStatisticsEqualTheirDefinitions) {
         const Counts counts = SomeCounts(random, n, 30);
         const double fraction = static_cast<double>(random.Below(49)) / 100.0;
         const int64_t total = std::accumulate(counts.begin(), counts.end(), int64_t{0});
-        const auto k = static_cast<int64_t>(std::floor(static_cast<double>(total) * fraction + 0.5));
+        const auto k = static_cast<std::ptrdiff_t>(std::floor(static_cast<double>(total) * fraction + 0.5));
 
         // From a sorted list of the individual counts.
         std::vector<size_t> list;

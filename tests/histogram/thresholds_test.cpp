@@ -289,10 +289,10 @@ TEST(Thresholds, BestClassificationOfKnownHistograms) {
     // Nothing to separate.
     EXPECT_FALSE(BinOfBestClassification(Counts{0, 9, 0}, 0, 0));
     // No bin between the limits; NaN and extreme limits.
-    const Counts far{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10};
-    EXPECT_FALSE(BinOfBestClassification(far, 0.9, 0.9));
-    EXPECT_EQ(1, BinOfBestClassification(far, kNaN, kNaN));
-    EXPECT_EQ(1, BinOfBestClassification(far, -kInfinity, -1e300));
+    const Counts apart{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10};
+    EXPECT_FALSE(BinOfBestClassification(apart, 0.9, 0.9));
+    EXPECT_EQ(1, BinOfBestClassification(apart, kNaN, kNaN));
+    EXPECT_EQ(1, BinOfBestClassification(apart, -kInfinity, -1e300));
     EXPECT_FALSE(BinOfBestClassification(Counts{10, 0, 0, 0, 0, 10}, kInfinity, 0));
 }
 
