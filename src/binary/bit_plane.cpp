@@ -19,6 +19,15 @@ uint64_t Span(int32_t first, int32_t last) { return ~uint64_t{0} >> first & ~uin
 
 BitRows RowsOf(const BitmapStore& store) { return {store.Row(0), store.rowBytes(), store.width(), store.height()}; }
 
+bool Overlap(const BitRows& a, const BitRows& b) {
+    if (a.first == b.first && a.rowBytes == b.rowBytes) return false;
+    const auto begin = [](const BitRows& rows) { return reinterpret_cast<uintptr_t>(rows.first); };
+    const auto end = [](const BitRows& rows) {
+        return reinterpret_cast<uintptr_t>(rows.row(rows.height - 1)) + rows.usedBytes();
+    };
+    return begin(a) < end(b) && begin(b) < end(a);
+}
+
 uint64_t LoadWord(const uint8_t* row, size_t i, size_t bytes) {
     uint64_t word = 0;
     if (bytes - 8 * i >= 8)

@@ -26,6 +26,9 @@ struct BitRows {
 // Valid until the next Create or CopyFrom of the store.
 BitRows RowsOf(const BitmapStore& store);
 
+// Whether two views share memory without being the same rows.
+bool Overlap(const BitRows& a, const BitRows& b);
+
 // A binary image in words: pixel x is bit 63 - x mod 64 of word x / 64 of its row, so that a shift to the right moves
 // pixels to the right. Bits beyond the width are 0; who writes words keeps them so (lastWordMask).
 class BitPlane {

@@ -43,16 +43,6 @@ void ForBytesOf(Run run, const Part& part, const Whole& whole) {
     if (first <= last) whole(first, last - first + 1);
 }
 
-// Whether two views share memory without being the same rows.
-bool Overlap(const BitRows& a, const BitRows& b) {
-    if (a.first == b.first && a.rowBytes == b.rowBytes) return false;
-    const auto begin = [](const BitRows& rows) { return reinterpret_cast<uintptr_t>(rows.first); };
-    const auto end = [](const BitRows& rows) {
-        return reinterpret_cast<uintptr_t>(rows.row(rows.height - 1)) + rows.usedBytes();
-    };
-    return begin(a) < end(b) && begin(b) < end(a);
-}
-
 }  // namespace
 
 void Combine(BitmapStore& bitmap, BitLogic how, const BitRows& with, const RegionRows& region) {

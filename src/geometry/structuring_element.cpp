@@ -14,8 +14,14 @@ namespace {
 LONG Sum(LONG a, LONG b) { return static_cast<LONG>(static_cast<ULONG>(a) + static_cast<ULONG>(b)); }
 LONG Negative(LONG a) { return static_cast<LONG>(0 - static_cast<ULONG>(a)); }
 
-// Columns -n..n of the row belong to the disk; -1 for none. Coordinates stay below 2^16.
-int64_t HalfWidth(int64_t y, double radius) {
+uint8_t MaskOf(int64_t byte, int64_t rest) {
+    if (byte >= 0) return rest >= 0 ? static_cast<uint8_t>(0x80 >> rest) : uint8_t{0};
+    return rest < 0 ? static_cast<uint8_t>(1 << (-1 - rest)) : uint8_t{0};
+}
+
+}  // namespace
+
+int64_t DiskHalfWidth(int64_t y, double radius) {
     const auto inside = [&](int64_t x) { return std::sqrt(static_cast<double>(x * x + y * y)) <= radius; };
     const double square = radius * radius - static_cast<double>(y * y);
     auto x = static_cast<int64_t>(std::sqrt(square > 0 ? square : 0));
@@ -24,20 +30,13 @@ int64_t HalfWidth(int64_t y, double radius) {
     return x;
 }
 
-uint8_t MaskOf(int64_t byte, int64_t rest) {
-    if (byte >= 0) return rest >= 0 ? static_cast<uint8_t>(0x80 >> rest) : uint8_t{0};
-    return rest < 0 ? static_cast<uint8_t>(1 << (-1 - rest)) : uint8_t{0};
-}
-
-}  // namespace
-
 std::vector<SElement> DiskElements(double radius) {
     // For larger radii the area alone, pi radius^2, exceeds the limit.
     constexpr double kLargestRadius = 2320;
     int64_t count = 0;
     if (radius < kLargestRadius) {
         const auto last = static_cast<int64_t>(radius);
-        for (int64_t y = -last; y <= last; ++y) count += 2 * HalfWidth(y, radius) + 1;
+        for (int64_t y = -last; y <= last; ++y) count += 2 * DiskHalfWidth(y, radius) + 1;
     }
     if (!(radius < kLargestRadius) || count > kLargestDisk)
         throw Failure("IStructuringElement::CreateDisk: the disk has more than 16777216 pixels.");
@@ -45,7 +44,7 @@ std::vector<SElement> DiskElements(double radius) {
     std::vector<SElement> disk;
     disk.reserve(static_cast<size_t>(count));
     for (int64_t y = -last; y <= last; ++y) {
-        const int64_t half = HalfWidth(y, radius);
+        const int64_t half = DiskHalfWidth(y, radius);
         for (int64_t x = -half; x <= half; ++x) disk.push_back({static_cast<LONG>(x), static_cast<LONG>(y), 0, 0});
     }
     return disk;

@@ -16,6 +16,9 @@ namespace orlix {
 constexpr int64_t kLargestDisk = int64_t{1} << 24;
 std::vector<SElement> DiskElements(double radius);
 
+// Columns -n..n of row y belong to the disk; -1 for none. |y| and the radius are less than 1.4 * 2^31.
+int64_t DiskHalfWidth(int64_t y, double radius);
+
 // Modulo 2^32.
 void Reflect(std::span<SElement> elements);
 void Translate(std::span<SElement> elements, LONG x, LONG y);

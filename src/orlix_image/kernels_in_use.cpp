@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "binary/logic_kernels.hpp"
+#include "binary/morphology_kernels.hpp"
+#include "binary/plane_kernels.hpp"
 #include "display/display_level_kernels.hpp"
 #include "display/raster_kernels.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
@@ -72,6 +74,12 @@ std::vector<KernelInUse> Collect() {
         {"bitmap logic", ChosenVariant(kCombine<BitLogic::And>).name},
         {"bitmap count", ChosenVariant(kCountBits).name},
         {"bitmap translation", ChosenVariant(kMoveBits).name},
+        {"binary 3x3 erosion and dilation", ChosenVariant(kSquare<false, true>).name},
+        {"binary erosion and dilation, rows", ChosenVariant(kRowWindow<false>).name},
+        {"binary erosion and dilation, columns", ChosenVariant(kColumnWindow<false>).name},
+        {"bit planes, union", ChosenVariant(kOrWords).name},
+        {"bit planes, moved union", ChosenVariant(kOrMoved).name},
+        {"neighbourhood tables", ChosenVariant(kChooseWords).name},
     };
     AddFilters(kernels);
     kernels.insert(kernels.end(),

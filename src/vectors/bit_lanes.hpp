@@ -14,6 +14,9 @@
 //     static Vector Right<n>(before, v);          the pixels of v moved to the right by 1 <= n <= 7, those of the bytes
 //     static Vector Left<n>(v, after);            before (after) moving in
 //     static Vector Right(before, v, n);          the same for an n known at run time, 0 <= n <= 8
+//     static Vector Full(v);                      0xff for each byte of v that is 0xff, 0 for the others
+//     static Vector Leading(v), Trailing(v);      of each byte the pixels before (after) which there are only set ones,
+//                                                 themselves included
 #pragma once
 
 #include <cstddef>

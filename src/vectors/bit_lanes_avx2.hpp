@@ -55,6 +55,16 @@ struct BitLanes {
         return Or(And(_mm256_srl_epi16(v, _mm_cvtsi32_si128(n)), stay),
                   AndNot(_mm256_sll_epi16(before, _mm_cvtsi32_si128(8 - n)), stay));
     }
+    ORLIX_INLINE static Vector Full(const Vector& v) { return _mm256_cmpeq_epi8(v, All(0xff)); }
+    ORLIX_INLINE static Vector Trailing(const Vector& v) { return AndNot(v, _mm256_add_epi8(v, All(1))); }
+    // Each pixel that is not set clears those after it.
+    ORLIX_INLINE static Vector Leading(const Vector& v) {
+        Vector clear = Xor(v, All(0xff));
+        clear = Or(clear, And(_mm256_srli_epi16(clear, 1), All(0x7f)));
+        clear = Or(clear, And(_mm256_srli_epi16(clear, 2), All(0x3f)));
+        clear = Or(clear, And(_mm256_srli_epi16(clear, 4), All(0x0f)));
+        return Xor(clear, All(0xff));
+    }
 };
 
 }  // namespace

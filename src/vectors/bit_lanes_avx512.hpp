@@ -65,6 +65,13 @@ struct BitLanes {
         return Select(All(static_cast<uint8_t>(0xff >> n)), _mm512_srl_epi16(v, _mm_cvtsi32_si128(n)),
                       _mm512_sll_epi16(before, _mm_cvtsi32_si128(8 - n)));
     }
+    ORLIX_INLINE static Vector Full(const Vector& v) { return _mm512_movm_epi8(_mm512_cmpeq_epi8_mask(v, All(0xff))); }
+    ORLIX_INLINE static Vector Trailing(const Vector& v) { return AndNot(v, _mm512_add_epi8(v, All(1))); }
+    // Multiplication with the mirrored unit matrix reverses the pixels of a byte.
+    ORLIX_INLINE static Vector Leading(const Vector& v) {
+        const Vector mirror = _mm512_set1_epi64(static_cast<long long>(0x8040201008040201));
+        return _mm512_gf2p8affine_epi64_epi8(Trailing(_mm512_gf2p8affine_epi64_epi8(v, mirror, 0)), mirror, 0);
+    }
 };
 
 }  // namespace

@@ -37,6 +37,12 @@ std::set<std::string> KernelNames() {
                                    "bitmap logic",
                                    "bitmap count",
                                    "bitmap translation",
+                                   "binary 3x3 erosion and dilation",
+                                   "binary erosion and dilation, rows",
+                                   "binary erosion and dilation, columns",
+                                   "bit planes, union",
+                                   "bit planes, moved union",
+                                   "neighbourhood tables",
                                    "surface values",
                                    "hemisphere values",
                                    "correct with a polynomial, 8 bits"};

@@ -1,0 +1,334 @@
+#include "binary/morphology.hpp"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "binary/logic.hpp"
+#include "binary/morphology_kernels.hpp"
+#include "binary/plane_kernels.hpp"
+#include "component/failure.hpp"
+
+namespace orlix {
+namespace {
+
+// The erosions and dilations of an operation, in their order: true for a dilation.
+struct Steps {
+    std::array<bool, 2> dilate;
+    size_t count;
+    explicit Steps(Morphology operation)
+        : dilate{operation == Morphology::Dilation || operation == Morphology::Closing,
+                 operation == Morphology::Opening},
+          count(operation == Morphology::Erosion || operation == Morphology::Dilation ? 1 : 2) {}
+    const bool* begin() const { return dilate.data(); }
+    const bool* end() const { return dilate.data() + count; }
+};
+
+// ---- In place, on bytes ----
+
+// Works step(rows) on the rows of `to`: `steps` times, the first time from those of `from`, then in place. Unless all
+// pixels of `to` may be written and `from` is its own rows or apart, the work is done on a copy.
+template <class Step>
+void OnRows(const BitRows& from, BitmapStore& to, const RegionRows& region, size_t steps, const Step& step) {
+    if (steps == 0) return Combine(to, BitLogic::Copy, from, region);
+    const bool direct = region.whole() && !Overlap(from, RowsOf(to));
+    BitmapStore copy;
+    if (!direct) copy.Create(to.width(), to.height(), false);
+    BitmapStore& target = direct ? to : copy;
+    const auto lastMask = static_cast<uint8_t>(0xff << (7 - (to.width() - 1) % 8));
+    MorphologyRows rows{from.first,       from.rowBytes, target.WriteRow(0), target.rowBytes(), to.height(),
+                        from.usedBytes(), lastMask};
+    for (size_t i = 0; i < steps; ++i) {
+        step(i, rows);
+        rows.from = rows.to;
+        rows.fromRow = rows.toRow;
+    }
+    if (!direct) return Combine(to, BitLogic::Copy, RowsOf(copy), region);
+    for (int32_t y = 0; y < to.height(); ++y) to.MarkModified(y);
+}
+
+SquareFn SquareKernel(bool dilate, Connectivity neighbours) {
+    if (neighbours == Connectivity::Eight) return dilate ? Choose(kSquare<true, true>) : Choose(kSquare<false, true>);
+    return dilate ? Choose(kSquare<true, false>) : Choose(kSquare<false, false>);
+}
+
+// The windows of an erosion; those of a dilation reach as far the other way.
+void ApplyWindows(const BitRows& from, Morphology operation, MorphologyWindow columns, MorphologyWindow lines,
+                  BitmapStore& to, const RegionRows& region) {
+    struct Pass {
+        RowWindowFn fn;
+        MorphologyWindow window;
+    };
+    std::vector<Pass> passes;
+    for (const bool dilate : Steps(operation)) {
+        const auto add = [&](RowWindowFn dilation, RowWindowFn erosion, const MorphologyWindow& w) {
+            if (w.length() > 1) passes.push_back(dilate ? Pass{dilation, {w.after, w.before}} : Pass{erosion, w});
+        };
+        add(Choose(kColumnWindow<true>), Choose(kColumnWindow<false>), lines);
+        add(Choose(kRowWindow<true>), Choose(kRowWindow<false>), columns);
+    }
+    std::vector<uint8_t> scratch(std::max(RowWindowScratch(RowsOf(to).usedBytes()), ColumnWindowScratch(lines)));
+    OnRows(from, to, region, passes.size(),
+           [&](size_t i, const MorphologyRows& rows) { passes[i].fn(rows, passes[i].window, scratch.data()); });
+}
+
+}  // namespace
+
+BitPlane Complement(BitPlane plane) {
+    const size_t words = plane.wordsPerRow();
+    for (int32_t y = 0; y < plane.height(); ++y) {
+        uint64_t* const row = plane.row(y);
+        for (size_t i = 0; i < words; ++i) row[i] = ~row[i];
+        if (words > 0) row[words - 1] &= plane.lastWordMask();
+    }
+    return plane;
+}
+
+namespace {
+
+// ---- On planes ----
+
+// Joins rows of words with moved ones; bits beyond the last pixel are left to the caller.
+class RowJoin {
+public:
+    explicit RowJoin(size_t words) : words_(static_cast<ptrdiff_t>(words)) {}
+
+    void operator()(uint64_t* to, const uint64_t* from) const { or_(to, from, static_cast<size_t>(words_)); }
+
+    // The pixels of `from`, moved to the right by any distance; those that leave the row are dropped.
+    void operator()(uint64_t* to, const uint64_t* from, int64_t right) const {
+        const int64_t rest = (right % 64 + 64) % 64;
+        const auto skipped = static_cast<ptrdiff_t>((right - rest) / 64);
+        if (skipped >= words_ || skipped < -words_) return;
+        // Word i takes from words i - skipped and, if pixels cross words, i - skipped - 1.
+        const ptrdiff_t first = std::max<ptrdiff_t>(0, skipped), end = std::min(words_, words_ + skipped);
+        if (rest == 0) {
+            if (first < end) or_(to + first, from + (first - skipped), static_cast<size_t>(end - first));
+            return;
+        }
+        const auto n = static_cast<int>(rest);
+        const ptrdiff_t inner = std::max<ptrdiff_t>(0, skipped + 1);
+        if (skipped >= 0) to[skipped] |= from[0] >> n;
+        if (inner < end) moved_(to + inner, from + (inner - skipped), static_cast<size_t>(end - inner), n);
+        if (skipped < 0) to[words_ + skipped] |= from[words_ - 1] << (64 - n);
+    }
+
+private:
+    ptrdiff_t words_;
+    OrWordsFn or_ = Choose(kOrWords);
+    OrMovedFn moved_ = Choose(kOrMoved);
+};
+
+bool IsClear(const uint64_t* row, size_t words) {
+    return std::all_of(row, row + words, [](uint64_t word) { return word == 0; });
+}
+
+// A row dilated by the columns -reach ... reach: with the first 2 n + 1 columns there, those n + 1 farther on each side
+// are one step. Pixels that a step moves out of the row come back in none: the pixel between is in the row.
+void DilateRow(std::vector<uint64_t>& row, std::vector<uint64_t>& next, const RowJoin& join, int64_t reach,
+               uint64_t lastWordMask) {
+    for (int64_t done = 0; done < reach;) {
+        const int64_t step = std::min(done + 1, reach - done);
+        next = row;
+        join(next.data(), row.data(), step);
+        join(next.data(), row.data(), -step);
+        next.back() &= lastWordMask;
+        row.swap(next);
+        done += step;
+    }
+}
+
+// Whether the element is symmetric about (0, 0), one run a row, no run longer than one nearer to the middle.
+bool IsSymmetricAndConvex(const ElementRuns& runs) {
+    if (runs.size() % 2 == 0) return false;
+    const auto middle = static_cast<int32_t>(runs.size() / 2);
+    for (int32_t i = 0; i <= middle; ++i) {
+        const ElementRun& below = runs[static_cast<size_t>(middle + i)];
+        const ElementRun& above = runs[static_cast<size_t>(middle - i)];
+        if (below.y != i || above != ElementRun{-i, below.start, below.stop} || below.start != -below.stop)
+            return false;
+        if (i > 0 && below.stop > runs[static_cast<size_t>(middle + i - 1)].stop) return false;
+    }
+    return true;
+}
+
+// Such an element is the union of rectangles: for each length of its rows, as high as there are rows of that length or
+// more. From the longest to the shortest, the union so far is widened by what its rows are longer than the next ones
+// (dilations by rows add up), and joined with the pixels dilated by the height of the next rectangle:
+//     ((V1 + (w1 - w2)) or V2) + (w2 - w3)) or V3 ...
+// where Vk is dilated by the columns of rectangle k, whose rows have the half length wk.
+BitPlane DilatedByRectangles(const BitPlane& plane, const ElementRuns& runs) {
+    const size_t words = plane.wordsPerRow();
+    const RowJoin join(words);
+    const auto middle = runs.size() / 2;
+    BitPlane tall = plane, taller(plane.width(), plane.height()), result = plane;
+    std::vector<uint64_t> row(words), next(words);
+    const auto grow = [&](int32_t step) {
+        for (int32_t y = 0; y < plane.height(); ++y) {
+            uint64_t* const to = taller.row(y);
+            std::copy_n(tall.row(y), words, to);
+            if (y >= step) join(to, tall.row(y - step));
+            if (y < plane.height() - step) join(to, tall.row(y + step));
+        }
+        std::swap(tall, taller);
+    };
+    int32_t height = 0;  // of tall, above and below
+    for (size_t i = middle; i < runs.size(); ++i) {
+        const int32_t half = runs[i].stop;
+        if (i + 1 < runs.size() && runs[i + 1].stop == half) continue;
+        while (height < runs[i].y) {
+            const int32_t step = std::min(height + 1, runs[i].y - height);
+            grow(step);
+            height += step;
+        }
+        const int32_t wider = half - (i + 1 < runs.size() ? runs[i + 1].stop : 0);
+        for (int32_t y = 0; y < plane.height(); ++y) {
+            std::copy_n(result.row(y), words, row.data());
+            join(row.data(), tall.row(y));
+            if (!IsClear(row.data(), words)) DilateRow(row, next, join, wider, plane.lastWordMask());
+            std::copy_n(row.data(), words, result.row(y));
+        }
+    }
+    return result;
+}
+
+// A diamond of n becomes one of n + k where pixels k to the left, right, above and below are joined, 2 k <= n + 2: every
+// pixel at a distance of more than n then lies k or more columns or rows away, so that one of the four lies between and
+// inside the bitmap (a logarithmic decomposition: van den Boomgaard and van Balen 1992).
+BitPlane DilatedByDiamond(BitPlane plane, int64_t radius) {
+    const size_t words = plane.wordsPerRow();
+    const RowJoin join(words);
+    BitPlane next = plane;
+    radius = std::min(radius, int64_t{plane.width()} + plane.height());
+    for (int64_t done = 0; done < radius;) {
+        const int64_t step = std::min((done + 2) / 2, radius - done);
+        for (int32_t y = 0; y < plane.height(); ++y) {
+            uint64_t* const to = next.row(y);
+            const uint64_t* const from = plane.row(y);
+            std::copy_n(from, words, to);
+            join(to, from, step);
+            join(to, from, -step);
+            to[words - 1] &= plane.lastWordMask();
+            if (y >= step) join(to, plane.row(static_cast<int32_t>(y - step)));
+            if (y < plane.height() - step) join(to, plane.row(static_cast<int32_t>(y + step)));
+        }
+        std::swap(plane, next);
+        done += step;
+    }
+    return plane;
+}
+
+// Each row of the plane is dilated once by every different run, by doubling, and joined with the rows where that run
+// is.
+BitPlane DilatedByRuns(const BitPlane& plane, ElementRuns runs) {
+    const size_t words = plane.wordsPerRow();
+    const double rows = static_cast<double>(runs.size()) * static_cast<double>(plane.height());
+    if (rows * static_cast<double>(words) > kMostElementWork)
+        throw MethodFailure("the structuring element has too many runs for a bitmap of this size.");
+    std::sort(runs.begin(), runs.end(), [](const ElementRun& a, const ElementRun& b) {
+        return a.start != b.start ? a.start < b.start : a.stop != b.stop ? a.stop < b.stop : a.y < b.y;
+    });
+
+    BitPlane result(plane.width(), plane.height());
+    const RowJoin join(words);
+    // Room for pixels to the left of the row that a run brings back.
+    const size_t margin = words;
+    const RowJoin joinWide(margin + words);
+    std::vector<uint64_t> wide(margin + words), next(margin + words);
+    for (int32_t y = 0; y < plane.height(); ++y) {
+        const uint64_t* const from = plane.row(y);
+        if (IsClear(from, words)) continue;
+        for (size_t i = 0; i < runs.size();) {
+            const int64_t start = runs[i].start, length = int64_t{runs[i].stop} - start + 1;
+            const bool alone = length == 1;
+            if (!alone) {
+                std::fill(next.begin(), next.end(), uint64_t{0});
+                std::copy_n(from, words, next.data() + margin);
+                std::fill(wide.begin(), wide.end(), uint64_t{0});
+                joinWide(wide.data(), next.data(), start);
+                for (int64_t done = 1; done < length;) {
+                    const int64_t step = std::min(done, length - done);
+                    next = wide;
+                    joinWide(next.data(), wide.data(), step);
+                    wide.swap(next);
+                    done += step;
+                }
+            }
+            for (const size_t first = i; i < runs.size() && runs[i].start == start && runs[i].stop == runs[first].stop;
+                 ++i) {
+                const int64_t to = int64_t{y} + runs[i].y;
+                if (to < 0 || to >= plane.height()) continue;
+                if (alone)
+                    join(result.row(static_cast<int32_t>(to)), from, start);
+                else
+                    join(result.row(static_cast<int32_t>(to)), wide.data() + margin);
+            }
+        }
+    }
+    if (words > 0)
+        for (int32_t y = 0; y < plane.height(); ++y) result.row(y)[words - 1] &= plane.lastWordMask();
+    return result;
+}
+
+void ApplyRuns(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
+               const RegionRows& region) {
+    BitPlane plane(from);
+    for (const bool dilate : Steps(operation)) plane = dilate ? Dilated(plane, runs) : Eroded(plane, runs);
+    Store(plane, to, region);
+}
+
+}  // namespace
+
+BitPlane Dilated(const BitPlane& plane, const ElementRuns& runs) {
+    if (plane.wordsPerRow() == 0 || runs.empty()) return BitPlane(plane.width(), plane.height());
+    return IsSymmetricAndConvex(runs) ? DilatedByRectangles(plane, runs) : DilatedByRuns(plane, runs);
+}
+
+// What is not set, dilated by the reflected element, is removed.
+BitPlane Eroded(const BitPlane& plane, const ElementRuns& runs) {
+    return Complement(Dilated(Complement(plane), Reflected(runs)));
+}
+
+void ApplySquare(const BitRows& from, Morphology operation, Connectivity neighbours, int32_t times, BitmapStore& to,
+                 const RegionRows& region) {
+    if (to.height() == 0) return;
+    const auto count = static_cast<size_t>(std::max(times, 0));
+    constexpr int32_t kMostRepeated = 2;
+    if (times <= kMostRepeated) {
+        const Steps steps(operation);
+        std::vector<uint8_t> scratch(3 * RowsOf(to).usedBytes());
+        return OnRows(from, to, region, steps.count * count, [&](size_t i, const MorphologyRows& rows) {
+            SquareKernel(steps.dilate[i / count], neighbours)(rows, scratch.data());
+        });
+    }
+    if (neighbours == Connectivity::Eight) {
+        const int32_t across = std::min(times, to.width() - 1), down = std::min(times, to.height() - 1);
+        return ApplyWindows(from, operation, {across, across}, {down, down}, to, region);
+    }
+    BitPlane plane(from);
+    for (const bool dilate : Steps(operation))
+        plane = dilate ? DilatedByDiamond(std::move(plane), times)
+                       : Complement(DilatedByDiamond(Complement(std::move(plane)), times));
+    Store(plane, to, region);
+}
+
+void ApplyRectangle(const BitRows& from, Morphology operation, int32_t width, int32_t height, BitmapStore& to,
+                    const RegionRows& region) {
+    if (to.height() == 0) return;
+    const auto window = [](int32_t length, int32_t size) {
+        return MorphologyWindow{std::min((length - 1) / 2, size - 1), std::min(length / 2, size - 1)};
+    };
+    ApplyWindows(from, operation, window(width, to.width()), window(height, to.height()), to, region);
+}
+
+void ApplyDisk(const BitRows& from, Morphology operation, double radius, BitmapStore& to, const RegionRows& region) {
+    ApplyRuns(from, operation, RunsOfDisk(radius, to.width(), to.height()), to, region);
+}
+
+void ApplyElement(const BitRows& from, Morphology operation, std::span<const SElement> elements, BitmapStore& to,
+                  const RegionRows& region) {
+    ApplyRuns(from, operation, RunsOf(elements, to.width(), to.height()), to, region);
+}
+
+}  // namespace orlix

@@ -1,0 +1,100 @@
+#include "binary/morphology_kernels.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "support/kernel_testing.hpp"
+
+namespace orlix {
+namespace {
+
+// Rows of noise in which few pixels decide: clear ones for an erosion, set ones for a dilation.
+std::vector<uint8_t> SparseNoise(size_t bytes, bool set, uint32_t seed) {
+    std::mt19937 random(seed);
+    std::vector<uint8_t> noise(bytes);
+    for (uint8_t& byte : noise) {
+        byte = random() % 4 == 0 ? static_cast<uint8_t>(1 << random() % 8) : uint8_t{0};
+        if (!set) byte = static_cast<uint8_t>(~byte);
+    }
+    return noise;
+}
+
+// Compares the pixels that the variants give with those of the definition, in place and apart.
+template <class Table, class Call>
+void ExpectSameMorphology(const Table& table, bool dilate, size_t scratchBytes, size_t bytes, int32_t height,
+                          const Call& call) {
+    constexpr ptrdiff_t kPadding = 2;
+    const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(bytes) + kPadding;
+    const std::vector<uint8_t> source =
+        SparseNoise(static_cast<size_t>(rowBytes) * static_cast<size_t>(height), dilate, static_cast<uint32_t>(bytes));
+    for (const uint8_t lastMask : {uint8_t{0xff}, uint8_t{0xf0}, uint8_t{0x80}}) {
+        const auto run = [&](auto fn, bool inPlace) {
+            Guarded<uint8_t> from(source, 3), to(std::vector<uint8_t>(source.size(), 0x5a), 1);
+            Guarded<uint8_t> scratch(std::vector<uint8_t>(scratchBytes, 0x33), 0);
+            uint8_t* const written = inPlace ? from.data() : to.data();
+            call(fn, MorphologyRows{from.data(), rowBytes, written, rowBytes, height, bytes, lastMask}, scratch.data());
+            EXPECT_TRUE(from.GuardsIntact() && to.GuardsIntact() && scratch.GuardsIntact());
+            std::vector<uint8_t> pixels(written, written + source.size());
+            for (int32_t y = 0; y < height; ++y) {
+                uint8_t* const end = pixels.data() + y * rowBytes + bytes;
+                const uint8_t* const was = (inPlace ? source.data() : pixels.data()) + y * rowBytes + bytes;
+                EXPECT_TRUE(end[0] == (inPlace ? was[0] : 0x5a) && end[1] == (inPlace ? was[1] : 0x5a));
+                end[0] = end[1] = 0;
+                end[-1] &= lastMask;
+            }
+            return pixels;
+        };
+        const std::vector<uint8_t> want = run(std::end(table)[-1].fn, false);
+        for (const auto& variant : SupportedOnThisCpu(table))
+            for (const bool inPlace : {false, true})
+                ASSERT_EQ(want, run(variant.fn, inPlace))
+                    << variant.name << (inPlace ? " in place, " : " apart, ") << bytes << " bytes";
+    }
+}
+
+constexpr size_t kRowLengths[] = {1, 2, 3, 7, 8, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 200};
+
+TEST(MorphologyKernel, SquareVariantsEqualTheDefinition) {
+    const auto call = [](SquareFn fn, const MorphologyRows& rows, uint8_t* scratch) { fn(rows, scratch); };
+    for (const size_t bytes : kRowLengths)
+        for (int32_t height = 1; height <= 6; ++height) {
+            ExpectSameMorphology(kSquare<false, false>, false, 3 * bytes, bytes, height, call);
+            ExpectSameMorphology(kSquare<false, true>, false, 3 * bytes, bytes, height, call);
+            ExpectSameMorphology(kSquare<true, false>, true, 3 * bytes, bytes, height, call);
+            ExpectSameMorphology(kSquare<true, true>, true, 3 * bytes, bytes, height, call);
+        }
+}
+
+TEST(MorphologyKernel, RowWindowVariantsEqualTheDefinition) {
+    for (const size_t bytes : {1u, 2u, 5u, 16u, 33u, 64u, 70u, 130u})
+        for (const int32_t before : {0, 1, 4, 7, 8, 15, 20, 40, 64, 100, 300})
+            for (const int32_t after : {0, 1, 5, 7, 8, 15, 16, 33, 127, 250}) {
+                const auto widest = static_cast<int32_t>(8 * bytes) - 8;
+                if (before > widest || after > widest) continue;
+                const auto call = [&](RowWindowFn fn, const MorphologyRows& rows, uint8_t* scratch) {
+                    fn(rows, {before, after}, scratch);
+                };
+                ExpectSameMorphology(kRowWindow<false>, false, RowWindowScratch(bytes), bytes, 2, call);
+                ExpectSameMorphology(kRowWindow<true>, true, RowWindowScratch(bytes), bytes, 2, call);
+            }
+}
+
+TEST(MorphologyKernel, ColumnWindowVariantsEqualTheDefinition) {
+    for (const size_t bytes : {1u, 3u, 16u, 50u, 65u, 130u, 200u})
+        for (const int32_t height : {1, 2, 7, 30})
+            for (const int32_t before : {0, 1, 2, 6, 9, 29})
+                for (const int32_t after : {0, 1, 3, 6, 14, 29}) {
+                    if (before >= height || after >= height) continue;
+                    const MorphologyWindow window{before, after};
+                    const auto call = [&](ColumnWindowFn fn, const MorphologyRows& rows, uint8_t* scratch) {
+                        fn(rows, window, scratch);
+                    };
+                    ExpectSameMorphology(kColumnWindow<false>, false, ColumnWindowScratch(window), bytes, height, call);
+                    ExpectSameMorphology(kColumnWindow<true>, true, ColumnWindowScratch(window), bytes, height, call);
+                }
+}
+
+}  // namespace
+}  // namespace orlix

@@ -1,0 +1,213 @@
+#include "binary/neighbourhood_table.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "binary/binary_pictures.hpp"
+#include "binary/plane_kernels.hpp"
+#include "support/kernel_testing.hpp"
+
+namespace orlix {
+namespace {
+
+BitPlane NoisePlane(int32_t width, int32_t height, double density, uint32_t seed = 1) {
+    return BitPlane(RowsOf(NoiseBitmap(width, height, density, Padding::Clear, seed)));
+}
+
+bool PixelAt(const BitPlane& plane, int64_t x, int64_t y) {
+    return x >= 0 && x < plane.width() && y >= 0 && y < plane.height() &&
+           plane.bit(static_cast<int32_t>(x), static_cast<int32_t>(y));
+}
+
+size_t IndexAt(const BitPlane& plane, int32_t x, int32_t y) {
+    size_t index = 0;
+    for (int32_t dy = -1; dy <= 1; ++dy)
+        for (int32_t dx = -1; dx <= 1; ++dx) index = 2 * index + PixelAt(plane, int64_t{x} + dx, int64_t{y} + dy);
+    return index;
+}
+
+BitPlane SlowPass(const BitPlane& plane, const NeighbourhoodTable& table) {
+    BitPlane result(plane.width(), plane.height());
+    for (int32_t y = 0; y < plane.height(); ++y)
+        for (int32_t x = 0; x < plane.width(); ++x) result.setBit(x, y, table[IndexAt(plane, x, y)]);
+    return result;
+}
+
+template <class Rule>
+NeighbourhoodTable TableOf(const Rule& rule) {
+    NeighbourhoodTable table;
+    for (size_t index = 0; index < 512; ++index) table[index] = rule(index);
+    return table;
+}
+
+NeighbourhoodTable NoiseTable(uint32_t seed) {
+    std::mt19937 random(seed);
+    return TableOf([&](size_t) { return random() % 2 == 0; });
+}
+
+// Of the neighbourhood's nine pixels, in reading order.
+bool Set(size_t index, size_t pixel) { return (index >> (8 - pixel) & 1) != 0; }
+
+const NeighbourhoodTable kMajority = TableOf([](size_t index) { return __builtin_popcountll(index) > 4; });
+// A pixel lives on with two or three neighbours and is born with three.
+const NeighbourhoodTable kLife = TableOf([](size_t index) {
+    const int neighbours = __builtin_popcountll(index) - Set(index, 4);
+    return neighbours == 3 || (neighbours == 2 && Set(index, 4));
+});
+
+TEST(NeighbourhoodTable, EveryWidthAndAnyTable) {
+    for (int32_t width = 1; width <= 140; ++width)
+        for (const NeighbourhoodTable& table : {NoiseTable(static_cast<uint32_t>(width)), kLife, kMajority}) {
+            const BitPlane before = NoisePlane(width, 1 + width % 5, 0.5, static_cast<uint32_t>(width));
+            BitPlane plane = before;
+            ApplyTable(plane, table, 1);
+            ASSERT_EQ(SlowPass(before, table), plane) << width;
+        }
+    BitPlane wide = NoisePlane(3000, 3, 0.5);
+    const BitPlane want = SlowPass(wide, kLife);
+    ApplyTable(wide, kLife, 1);
+    EXPECT_EQ(want, wide);
+}
+
+TEST(NeighbourhoodTable, EachOfTheNinePixelsHasItsBit) {
+    for (size_t pixel = 0; pixel < 9; ++pixel) {
+        BitPlane plane = NoisePlane(70, 9, 0.5);
+        const BitPlane before = plane;
+        ApplyTable(plane, TableOf([&](size_t index) { return Set(index, pixel); }), 1);
+        const auto dx = static_cast<int64_t>(pixel % 3) - 1, dy = static_cast<int64_t>(pixel / 3) - 1;
+        for (int32_t y = 0; y < 9; ++y)
+            for (int32_t x = 0; x < 70; ++x) ASSERT_EQ(PixelAt(before, x + dx, y + dy), plane.bit(x, y)) << pixel;
+    }
+}
+
+// Rows are visited again only after a change next to them; the result must not depend on it.
+TEST(NeighbourhoodTable, ManyPassesAreThatManySinglePasses) {
+    for (const NeighbourhoodTable& table : {kLife, kMajority, NoiseTable(1), NoiseTable(2)}) {
+        BitPlane slow = NoisePlane(67, 40, 0.2);
+        for (int32_t times = 0; times < 40; ++times) {
+            BitPlane plane = NoisePlane(67, 40, 0.2);
+            const TablePasses passes = ApplyTable(plane, table, times);
+            ASSERT_EQ(slow, plane) << times;
+            EXPECT_TRUE(passes.passes == times || passes.stable) << times;
+            slow = SlowPass(slow, table);
+        }
+    }
+}
+
+// A line that grows by a pixel each pass, until it reaches the edge.
+TEST(NeighbourhoodTable, EndsWhenNothingChanges) {
+    const NeighbourhoodTable grow = TableOf([](size_t index) { return Set(index, 3) || Set(index, 4); });
+    BitPlane plane(100, 3);
+    plane.setBit(10, 1, true);
+    const TablePasses passes = ApplyTable(plane, grow, INT32_MAX);
+    EXPECT_EQ(89, passes.passes);
+    EXPECT_TRUE(passes.stable);
+    for (int32_t x = 0; x < 100; ++x) EXPECT_EQ(x >= 10, plane.bit(x, 1));
+    EXPECT_EQ(0, ApplyTable(plane, grow, 5).passes);
+    EXPECT_EQ(0, ApplyTable(plane, kLife, -1).passes);
+    BitPlane none;
+    EXPECT_TRUE(ApplyTable(none, kLife, 1).stable);
+}
+
+// Three in a row turn at each pass; next to them four in a square stay.
+TEST(NeighbourhoodTable, WhatGoesBackAndForthEndsAtOnce) {
+    BitPlane upright(80, 20), level(80, 20);
+    for (BitPlane* plane : {&upright, &level})
+        for (const int32_t i : {0, 1}) {
+            plane->setBit(70, i, true);
+            plane->setBit(71, i, true);
+        }
+    for (const int32_t i : {-1, 0, 1}) {
+        upright.setBit(20, 10 + i, true);
+        level.setBit(20 + i, 10, true);
+    }
+    for (const int32_t times : {1, 2, 3, INT32_MAX - 1, INT32_MAX}) {
+        BitPlane plane = upright;
+        const TablePasses passes = ApplyTable(plane, kLife, times);
+        EXPECT_EQ(times, passes.passes);
+        EXPECT_FALSE(passes.stable);
+        EXPECT_EQ(times % 2 == 0 ? upright : level, plane) << times;
+    }
+    const NeighbourhoodTable invert = TableOf([](size_t index) { return !Set(index, 4); });
+    BitPlane plane = upright;
+    ApplyTable(plane, invert, INT32_MAX);
+    EXPECT_EQ(upright.bit(0, 0), !plane.bit(0, 0));
+}
+
+TEST(NeighbourhoodTable, ProgramsAreShort) {
+    for (uint32_t seed = 0; seed < 20; ++seed)
+        EXPECT_LE(NeighbourhoodProgram(NoiseTable(seed)).choices(), kMostChoices);
+    EXPECT_EQ(0u, NeighbourhoodProgram(TableOf([](size_t) { return true; })).choices());
+    EXPECT_EQ(9u, NeighbourhoodProgram(TableOf([](size_t index) { return index == 511; })).choices());
+    EXPECT_LE(NeighbourhoodProgram(kLife).choices(), 40u);
+}
+
+TEST(PlaneKernel, EveryVariantEqualsTheDefinition) {
+    for (const size_t n : kAwkwardSizes) {
+        const std::vector<uint64_t> from = Noise<uint64_t>(n + 1, 1), to = Noise<uint64_t>(n, 2);
+        const auto each = [&](const auto& table, const auto& call) {
+            std::vector<uint64_t> want = to;
+            call(std::end(table)[-1].fn, want.data());
+            for (const auto& variant : SupportedOnThisCpu(table)) {
+                Guarded<uint64_t> got(to, n % 3);
+                call(variant.fn, got.data());
+                EXPECT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
+                EXPECT_TRUE(got.GuardsIntact()) << variant.name;
+            }
+        };
+        each(kOrWords, [&](OrWordsFn fn, uint64_t* words) { fn(words, from.data() + 1, n); });
+        for (const int bits : {1, 7, 32, 63})
+            each(kOrMoved, [&](OrMovedFn fn, uint64_t* words) { fn(words, from.data() + 1, n, bits); });
+    }
+    const TableChoice choices[] = {{3, 0, 1}, {8, 2, 0}, {0, 3, 2}, {8, 1, 4}};
+    const std::vector<uint64_t> noise = Noise<uint64_t>(sizeof(ChoiceWords) / 8, 3);
+    const auto run = [&](ChooseWordsFn fn) {
+        ChoiceWords words;
+        std::memcpy(&words, noise.data(), sizeof words);
+        fn(choices, std::size(choices), words);
+        return std::vector<uint64_t>(words.values[0], words.values[0] + 7 * kChoiceWords);
+    };
+    for (const auto& variant : SupportedOnThisCpu(kChooseWords))
+        EXPECT_EQ(run(ChooseWords_scalar), run(variant.fn)) << variant.name;
+}
+
+// The upper left corners of squares: set to the right and below, clear to the left and above.
+TEST(HitOrMiss, FindsCornersUpToTheEdge) {
+    BitPlane plane(70, 12);
+    for (const auto& [left, top] : {std::pair{0, 0}, {30, 4}, {62, 9}})
+        for (int32_t y = top; y < top + 3; ++y)
+            for (int32_t x = left; x < left + 4; ++x) plane.setBit(x, y, true);
+    BitPlane want(70, 12);
+    for (const auto& [left, top] : {std::pair{0, 0}, {30, 4}, {62, 9}}) want.setBit(left, top, true);
+    EXPECT_EQ(want, HitOrMiss(plane, {{0, 0, 1}, {1, 0, 0}}, {{-1, 0, 0}, {0, -1, -1}}));
+    EXPECT_EQ(plane, HitOrMiss(plane, {{0, 0, 0}}, {}));
+}
+
+TEST(BoundaryOf, PixelsWithANeighbourOfTheOtherKind) {
+    for (int32_t width = 1; width <= 70; ++width) {
+        const BitPlane plane = NoisePlane(width, 1 + width % 7, width % 2 == 0 ? 0.1 : 0.8);
+        for (const Boundary side : {Boundary::Inner, Boundary::Outer})
+            for (const Connectivity neighbours : {Connectivity::Four, Connectivity::Eight}) {
+                const BitPlane boundary = BoundaryOf(plane, side, neighbours);
+                for (int32_t y = 0; y < plane.height(); ++y)
+                    for (int32_t x = 0; x < width; ++x) {
+                        const bool own = side == Boundary::Inner;
+                        bool other = false;
+                        for (int32_t dy = -1; dy <= 1; ++dy)
+                            for (int32_t dx = -1; dx <= 1; ++dx) {
+                                if (neighbours == Connectivity::Four && dx != 0 && dy != 0) continue;
+                                const int32_t nx = x + dx, ny = y + dy;
+                                if (nx < 0 || nx >= width || ny < 0 || ny >= plane.height()) continue;
+                                other = other || plane.bit(nx, ny) != own;
+                            }
+                        ASSERT_EQ(plane.bit(x, y) == own && other, boundary.bit(x, y)) << width << " " << x << " " << y;
+                    }
+            }
+    }
+}
+
+}  // namespace
+}  // namespace orlix
