@@ -193,9 +193,9 @@ BitPlane DilatedByRectangles(const BitPlane& plane, const ElementRuns& runs) {
     return result;
 }
 
-// A diamond of n becomes one of n + k where pixels k to the left, right, above and below are joined, 2 k <= n + 2: every
-// pixel at a distance of more than n then lies k or more columns or rows away, so that one of the four lies between and
-// inside the bitmap (a logarithmic decomposition: van den Boomgaard and van Balen 1992).
+// A diamond of n becomes one of n + k where the pixels k to the left, right, above and below are joined, 2 k <= n + 2:
+// a pixel at a distance of more than n then lies k or more columns or rows away, so that one of the four lies between
+// and inside the bitmap (a logarithmic decomposition: van den Boomgaard and van Balen 1992).
 BitPlane DilatedByDiamond(BitPlane plane, int64_t radius) {
     const size_t words = plane.wordsPerRow();
     const RowJoin join(words);

@@ -129,8 +129,8 @@ struct PaddedRow {
 
 // An erosion; for a dilation of the pixels as they are not.
 //
-// The window reaches `before` = 8 q + s pixels back and `after` = 8 t + u ahead (0 <= s, u < 8). When q + t > 0, it ends
-// in another byte than it starts in, so a pixel stays where
+// The window reaches `before` = 8 q + s pixels back and `after` = 8 t + u ahead (0 <= s, u < 8). When q + t > 0, it
+// ends in another byte than it starts in, so a pixel stays where
 //  (1) all pixels from the start of its window to the end of a byte are set: the trailing set pixels of byte -q moved
 //      by s, where those of the byte before count if byte -q is full;
 //  (2) the same from the start of a byte to the end of the window;

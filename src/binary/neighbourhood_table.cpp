@@ -140,9 +140,9 @@ BitPlane BoundaryOf(const BitPlane& plane, Boundary side, Connectivity neighbour
     BitPlane own = side == Boundary::Inner ? plane : Complement(plane);
     const bool eight = neighbours == Connectivity::Eight;
     const ElementRuns element = {{-1, eight ? -1 : 0, eight ? 1 : 0}, {0, -1, 1}, {1, eight ? -1 : 0, eight ? 1 : 0}};
-    const BitPlane near = Dilated(Complement(own), element);
+    const BitPlane reach = Dilated(Complement(own), element);
     for (int32_t y = 0; y < plane.height(); ++y)
-        std::transform(own.row(y), own.row(y) + plane.wordsPerRow(), near.row(y), own.row(y),
+        std::transform(own.row(y), own.row(y) + plane.wordsPerRow(), reach.row(y), own.row(y),
                        [](uint64_t a, uint64_t b) { return a & b; });
     return own;
 }

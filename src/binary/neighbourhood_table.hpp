@@ -21,9 +21,9 @@ namespace orlix {
 // Pixels outside the bitmap count as clear.
 using NeighbourhoodTable = std::array<bool, 512>;
 
-// A table as a program of choices ("if this pixel is set then this value, else that one") that is worked through for many
-// pixels at once: its binary decision diagram (Bryant 1986), in which equal parts are kept once. Tables in use take 10 to
-// 60 choices.
+// A table as a program of choices ("if this pixel is set then this value, else that one") that is worked through for
+// many pixels at once: its binary decision diagram (Bryant 1986), in which equal parts are kept once. Tables in use take
+// 10 to 60 choices.
 class NeighbourhoodProgram {
 public:
     explicit NeighbourhoodProgram(const NeighbourhoodTable& table);
@@ -50,8 +50,8 @@ struct TablePasses {
 // pass before. When the plane is the same as two passes before, it goes back and forth for ever; then passes are counted
 // to the end without being made, and stable is false. times <= 0 changes nothing.
 //
-// A client may ask for more than a machine can do. No pass begins after kMostTableWork choices of words (seconds of
-// work); `passes` then tells how many there were.
+// No pass begins after kMostTableWork choices of words, which take seconds, whatever the client asks for; `passes` tells
+// how many there were.
 constexpr double kMostTableWork = 3e10;
 TablePasses ApplyTable(BitPlane& plane, const NeighbourhoodTable& table, int32_t times);
 
