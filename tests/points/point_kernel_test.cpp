@@ -1,13 +1,13 @@
 #include <cmath>
+#include <tuple>
 
 #include "points/point_kernels.hpp"
 #include "support/kernel_testing.hpp"
+#include "support/special_numbers.hpp"
 
 namespace orlix {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr float kLargest = std::numeric_limits<float>::max();
 
 template <class T>
@@ -18,17 +18,10 @@ T Applied(const PointOperation<T>& operation, T pixel) {
 
 template <class T, class Table>
 void ExpectVariantsEqualScalar(const Table& table, const PointParameters<T>& parameters) {
-    for (const auto& variant : SupportedOnThisCpu(table))
-        for (const size_t n : kAwkwardSizes)
-            for (const size_t offset : {0, 1, 3}) {
-                const std::vector<T> noise = Noise<T>(n, static_cast<uint32_t>(n + offset));
-                Guarded<T> want(noise, offset);
-                Guarded<T> got(noise, offset);
-                table[std::size(table) - 1].fn(want.data(), n, parameters);
-                variant.fn(got.data(), n, parameters);
-                ASSERT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name << ", offset " << offset;
-                ASSERT_TRUE(got.GuardsIntact()) << variant.name << ", " << n << " pixels, offset " << offset;
-            }
+    for (const size_t n : kAwkwardSizes)
+        for (const uint32_t seed : {0u, 1u, 3u})
+            ExpectTheBits(table, Noise<T>(n, static_cast<uint32_t>(n) + seed),
+                          [&](auto fn, T* pixels) { fn(pixels, n, parameters); });
 }
 
 template <class T>
@@ -61,7 +54,7 @@ TYPED_TEST(IntegerPoint, EveryVariantOfTheRampEqualsTheDefinition) {
 
 TYPED_TEST(IntegerPoint, EveryVariantOfTheQuotientEqualsTheDefinition) {
     for (const double value :
-         {3.0, 0.3, 1.0, 255.5, 1e-300, -4.0, 1e300, kInfinity, -kInfinity, kNan, 65536.5, 0.99999999, 5e-324}) {
+         {3.0, 0.3, 1.0, 255.5, 1e-300, -4.0, 1e300, kInfinity, -kInfinity, kNaN, 65536.5, 0.99999999, 5e-324}) {
         PointParameters<TypeParam> parameters;
         parameters.value = value;
         if constexpr (!std::is_same_v<TypeParam, uint8_t>)
@@ -84,7 +77,7 @@ TEST(FloatPoint, EveryVariantOfSumAndQuotientEqualsTheDefinition) {
             }
     }
     PointParameters<float> parameters;
-    parameters.value = kNan;
+    parameters.value = kNaN;
     ExpectVariantsEqualScalar<float>(kQuotient<float>, parameters);
 }
 
@@ -119,12 +112,13 @@ std::vector<T> ManyValues() {
     }
 }
 
-template <class T, class Rule>
-void ExpectRule(const PointOperation<T>& operation, const Rule& rule, const std::string& what) {
+template <class T, class Rule, class... Parameters>
+void ExpectRule(const PointOperation<T>& operation, const Rule& rule, const Parameters&... parameters) {
+    SCOPED_TRACE(testing::PrintToString(std::tuple(parameters...)));
     const std::vector<T> before = ManyValues<T>();
     std::vector<T> after = before;
     operation(after.data(), after.size());
-    for (size_t i = 0; i < before.size(); ++i) ASSERT_EQ(rule(before[i]), after[i]) << what << " of " << +before[i];
+    for (size_t i = 0; i < before.size(); ++i) ASSERT_EQ(rule(before[i]), after[i]) << +before[i];
 }
 
 template <class T>
@@ -142,42 +136,18 @@ TYPED_TEST(IntegerPoint, InvertIsUpperLessPixelPlusLowerClampedFromBelowFirst) {
                 const int64_t v = int64_t{upper} - p + lower;
                 return v < lower ? lower : v > upper ? upper : static_cast<T>(v);
             },
-            "Invert(" + std::to_string(lower) + ", " + std::to_string(upper) + ")");
+            lower, upper);
 }
 
 TYPED_TEST(IntegerPoint, AddIsTheRoundedClampedSumInDouble) {
     using T = TypeParam;
     const double most = std::numeric_limits<T>::max();
-    for (const double value : {0.0,
-                               1.0,
-                               -1.0,
-                               0.5,
-                               -0.5,
-                               10.5,
-                               0.49999999999999994,
-                               -0.49999999999999994,
-                               0.50000001,
-                               0.4999999,
-                               0.3,
-                               -7.7,
-                               300.0,
-                               -300.0,
-                               most,
-                               -most,
-                               most + 0.5,
-                               -most - 0.5,
-                               most - 0.4,
-                               2 * most,
-                               1e18,
-                               -1e18,
-                               1e300,
-                               kInfinity,
-                               -kInfinity,
-                               123.4995,
-                               123.5005,
-                               0.5 + 0x1p-17,
-                               0.5 - 0x1p-40,
-                               0x1p-1074})
+    std::vector<double> values = {0.0, -7.7, 300, -300, 1e18, -1e18, 1e300, kInfinity, -kInfinity};
+    for (const double value : {1.0, 0.5, 10.5, 0.3, most, most + 0.5, most - 0.4, 2 * most, 123.4995, 123.5005})
+        values.insert(values.end(), {value, -value});
+    for (const double value : {0.49999999999999994, 0.50000001, 0.5 + 0x1p-17, 0.5 - 0x1p-40, 0x1p-1074})
+        values.insert(values.end(), {value, -value});
+    for (const double value : values)
         for (const auto& [lower, upper] : Ranges<T>())
             ExpectRule<T>(
                 PointOperation<T>::Add(value, lower, upper),
@@ -185,7 +155,7 @@ TYPED_TEST(IntegerPoint, AddIsTheRoundedClampedSumInDouble) {
                     const double s = static_cast<double>(p) + value;
                     return s < lower ? lower : s > upper ? upper : static_cast<T>(std::floor(s + 0.5));
                 },
-                "Add(" + std::to_string(value) + ", " + std::to_string(lower) + ", " + std::to_string(upper) + ")");
+                value, lower, upper);
 }
 
 TYPED_TEST(IntegerPoint, DivideShiftsByPowersOfTwoAndRoundsOtherwise) {
@@ -196,7 +166,7 @@ TYPED_TEST(IntegerPoint, DivideShiftsByPowersOfTwoAndRoundsOtherwise) {
         const int shift = k < 0 ? (k % 32 + 32) % 32 : k;
         ExpectRule<T>(
             PointOperation<T>::Divide(std::ldexp(1.0, k)),
-            [&](T p) { return shift > 31 ? T{0} : static_cast<T>(uint64_t{p} >> shift); }, "2^" + std::to_string(k));
+            [&](T p) { return shift > 31 ? T{0} : static_cast<T>(uint64_t{p} >> shift); }, k);
         if (k < -40) k += 37;
     }
     for (const double value : {3.0, 7.0, 0.1, 255.0, 1e-300, 1e300, 6.5, 3.9999999999999996, 4.000000000000001})
@@ -206,10 +176,10 @@ TYPED_TEST(IntegerPoint, DivideShiftsByPowersOfTwoAndRoundsOtherwise) {
                 const double q = static_cast<double>(p) / value;
                 return q > most ? static_cast<T>(most) : static_cast<T>(std::floor(q + 0.5));
             },
-            "Divide(" + std::to_string(value) + ")");
-    for (const double value : {-1.0, -0.25, -kInfinity, kInfinity, kNan})
+            value);
+    for (const double value : {-1.0, -0.25, -kInfinity, kInfinity, kNaN})
         ExpectRule<T>(
-            PointOperation<T>::Divide(value), [](T) { return T{0}; }, "Divide(" + std::to_string(value) + ")");
+            PointOperation<T>::Divide(value), [](T) { return T{0}; }, value);
 }
 
 TEST(BytePoint, TablesThatAreNearlyRampsStayTables) {
@@ -222,7 +192,7 @@ TEST(BytePoint, TablesThatAreNearlyRampsStayTables) {
                 table[i] = static_cast<uint8_t>(i == changed ? v + 1 : v);
             }
             ExpectRule<uint8_t>(
-                PointOperation<uint8_t>::LookUp(table), [&](uint8_t p) { return table[p]; }, "table");
+                PointOperation<uint8_t>::LookUp(table), [&](uint8_t p) { return table[p]; }, changed, falling);
         }
 }
 
@@ -231,17 +201,11 @@ TEST(Point, KnownAnswers) {
     EXPECT_EQ(155, Applied<uint8_t>(Byte::Invert(0, 255), 100));
     EXPECT_EQ(200, Applied<uint8_t>(Byte::Invert(10, 200), 5));   // 205, clamped
     EXPECT_EQ(11, Applied<uint8_t>(Byte::Add(0.5, 0, 255), 10));  // half up
-    EXPECT_EQ(7, Applied<uint8_t>(Byte::Add(-300, 7, 255), 10));
-    EXPECT_EQ(9, Applied<uint8_t>(Byte::Add(kNan, 9, 255), 10));
-    EXPECT_EQ(63, Applied<uint8_t>(Byte::Divide(4), 255));
+    EXPECT_EQ(9, Applied<uint8_t>(Byte::Add(kNaN, 9, 255), 10));
     EXPECT_EQ(85, Applied<uint8_t>(Byte::Divide(3), 255));
-    EXPECT_EQ(3, Applied<uint8_t>(Byte::Divide(3), 10));
-    EXPECT_EQ(0, Applied<uint8_t>(Byte::Divide(0.5), 255));
-    EXPECT_EQ(255, Applied<uint8_t>(Byte::Divide(1e-300), 1));
     EXPECT_EQ(0, Applied<uint8_t>(Byte::Divide(1e-300), 0));
     EXPECT_EQ(77, Applied<uint8_t>(Byte::Fill(77), 0));
     EXPECT_EQ(1u, Applied<uint32_t>(PointOperation<uint32_t>::Divide(0.5), 0x80000000u));  // shift by 31
-    EXPECT_EQ(0u, Applied<uint32_t>(PointOperation<uint32_t>::Divide(0x1p40), 0xffffffffu));
     EXPECT_EQ(0xffffffffu, Applied<uint32_t>(PointOperation<uint32_t>::Divide(0.99), 0xffffffffu));
 }
 
@@ -252,10 +216,10 @@ TEST(FloatPoint, KnownAnswers) {
     EXPECT_EQ(1.0f, Applied(Float::Invert(0, 1), -3.0f));
     EXPECT_EQ(0.25f, Applied(Float::Add(0.25, -kLargest, kLargest), 0.0f));  // not rounded to whole numbers
     EXPECT_EQ(kLargest, Applied(Float::Add(1e300, -kLargest, kLargest), 1.0f));
-    EXPECT_EQ(-2.0f, Applied(Float::Add(kNan, -2, 2), 1.0f));
+    EXPECT_EQ(-2.0f, Applied(Float::Add(kNaN, -2, 2), 1.0f));
     EXPECT_EQ(0.5f, Applied(Float::Divide(2), 1.0f));  // no shift
     EXPECT_EQ(-kLargest, Applied(Float::Divide(1e-300), -1.0f));
-    EXPECT_TRUE(std::isnan(Applied(Float::Divide(kNan), 1.0f)));
+    EXPECT_TRUE(std::isnan(Applied(Float::Divide(kNaN), 1.0f)));
     EXPECT_TRUE(std::isnan(Applied(Float::Add(1, 0, 10), std::numeric_limits<float>::quiet_NaN())));
 }
 

@@ -17,6 +17,9 @@
 
 namespace orlix {
 
+using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
+inline constexpr float kFloatInfinity = std::numeric_limits<float>::infinity();
+inline constexpr float kFloatNan = std::numeric_limits<float>::quiet_NaN();
 inline constexpr size_t kAwkwardSizes[] = {0,  1,  2,  3,  4,  5,  7,  8,  9,   15,  16,  17,  23,  31,  32,  33,
                                            47, 63, 64, 65, 71, 95, 96, 97, 127, 128, 129, 191, 255, 257, 511, 1000};
 
@@ -100,16 +103,22 @@ testing::AssertionResult SameNumbers(const T* want, T* got, size_t n) {
 
 // run(fn, to) with the definition, the last one of the table, and with each of its variants: what they write over
 // `before`, and nothing beside it, agrees.
-template <class Table, class T, class Run>
-void ExpectTheDefinition(const Table& table, const std::vector<T>& before, const Run& run) {
+template <class Table, class T, class Run, class Same = testing::AssertionResult (*)(const T*, T*, size_t)>
+void ExpectTheDefinition(const Table& table, const std::vector<T>& before, const Run& run,
+                         const Same& same = &SameNumbers<T>) {
     std::vector<T> want = before;
     run(std::end(table)[-1].fn, want.data());
     for (const auto& variant : SupportedOnThisCpu(table)) {
         Guarded<T> got(before, before.size() % 4);
         run(variant.fn, got.data());
-        ASSERT_TRUE(SameNumbers(want.data(), got.data(), want.size())) << variant.name;
+        ASSERT_TRUE(same(want.data(), got.data(), want.size())) << variant.name;
         ASSERT_TRUE(got.GuardsIntact()) << variant.name << ", " << want.size() << " pixels";
     }
+}
+// The same for results whose NaN is stated, or that are none.
+template <class Table, class T, class Run>
+void ExpectTheBits(const Table& table, const std::vector<T>& before, const Run& run) {
+    ExpectTheDefinition(table, before, run, &SameBits<T>);
 }
 
 template <class T>
