@@ -7,12 +7,8 @@
 namespace orlix {
 namespace {
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-
 template <class T>
 class MedianKernel : public testing::Test {};
-using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
 TYPED_TEST_SUITE(MedianKernel, PixelTypes, );
 
 template <class T>
@@ -34,10 +30,7 @@ TYPED_TEST(MedianKernel, IsTheFifthOfTheSortedSquareWhateverTheLuminanceRange) {
 }
 
 TYPED_TEST(MedianKernel, EveryVariantEqualsTheDefinitionAtEverySize) {
-    for (const size_t n : kAwkwardSizes) {
-        Squares<TypeParam> squares(n, static_cast<uint32_t>(n));
-        ExpectVariantsAgree(kMedian3x3<TypeParam>, squares, {});
-    }
+    ExpectVariantsAgree<TypeParam>(kMedian3x3<TypeParam>);
 }
 
 // Which pixels are low and which are high decides the way through a network of comparisons: all 512 cases.
@@ -55,24 +48,18 @@ TYPED_TEST(MedianKernel, EveryVariantFindsTheMajorityOfTwoLevels) {
 }
 
 TEST(Median, FewerThanFiveNanOfOneSignGiveANumber) {
-    struct Case {
-        std::array<float, 9> square;
-        float want;
-    };
-    const Case cases[] = {
+    constexpr float kNan = kFloatNan, kInf = kFloatInfinity;
+    const std::pair<std::array<float, 9>, float> cases[] = {
         {{kNan, 1, 2, 3, 4, 5, 6, 7, 8}, 5},
         {{1, kNan, 2, kNan, 3, kNan, 4, kNan, 5}, 5},
         {{-kNan, 1, -kNan, 2, -kNan, 3, -kNan, 4, 5}, 1},
         {{-kNan, kNan, -kNan, kNan, 7, kNan, -kNan, kNan, -kNan}, 7},
-        {{kNan, kInfinity, kNan, kInfinity, kNan, kInfinity, kNan, kInfinity, -kInfinity}, kInfinity},
+        {{kNan, kInf, kNan, kInf, kNan, kInf, kNan, kInf, -kInf}, kInf},
     };
-    for (const Case& c : cases) {
-        Squares<float> squares({c.square.data(), 3}, {c.square.data() + 3, 3}, {c.square.data() + 6, 3});
-        EXPECT_EQ(c.want, squares.Filtered(Median3x3_scalar<float>, {})[0]);
-    }
-    const float holes[3] = {kNan, kNan, 1};
-    Squares<float> squares(holes, holes, holes);
-    EXPECT_NE(0, std::isnan(squares.Filtered(Median3x3_scalar<float>, {})[0]));
+    for (const auto& [square, want] : cases)
+        EXPECT_EQ(want, Squares<float>(square).Filtered(Median3x3_scalar<float>, {})[0]);
+    Squares<float> holes({kNan, kNan, 1, kNan, kNan, 1, kNan, kNan, 1});
+    EXPECT_NE(0, std::isnan(holes.Filtered(Median3x3_scalar<float>, {})[0]));
 }
 
 }  // namespace

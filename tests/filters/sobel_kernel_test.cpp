@@ -7,9 +7,6 @@
 namespace orlix {
 namespace {
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-
 template <class T>
 FilterParameters<T> Whole() {
     return LuminanceRanges<T>()[0];
@@ -47,16 +44,10 @@ T SobelOf(int64_t gx, int64_t gy, const FilterParameters<T>& parameters = Whole<
 
 template <class T>
 class SobelKernel : public testing::Test {};
-using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
 TYPED_TEST_SUITE(SobelKernel, PixelTypes, );
 
 TYPED_TEST(SobelKernel, EveryVariantEqualsTheDefinitionAtEverySizeAndRange) {
-    using T = TypeParam;
-    for (const FilterParameters<T>& range : LuminanceRanges<T>())
-        for (const size_t n : kAwkwardSizes) {
-            Squares<T> squares(n, static_cast<uint32_t>(n));
-            ExpectVariantsAgree(kSobel<T>, squares, range);
-        }
+    ExpectVariantsAgree<TypeParam>(kSobel<TypeParam>);
 }
 
 TYPED_TEST(SobelKernel, AFlatSquareGivesLower) {
@@ -82,13 +73,10 @@ TYPED_TEST(SobelKernel, WeighsTheNeighbours) {
         {{0, 0, 0, 0, 0, 0, 0, 0, 9}, 9, 9},      {{1, 2, 3, 1, 2, 3, 1, 3, 4}, 9, 3},
     };
     for (const Case& c : cases) {
-        Squares<T> squares({c.square.data(), 3}, {c.square.data() + 3, 3}, {c.square.data() + 6, 3});
         const double root = std::sqrt(c.gx * c.gx + c.gy * c.gy);
-        const T got = squares.Filtered(Sobel_scalar<T>, Whole<T>())[0];
-        EXPECT_NEAR(root, static_cast<double>(got), sizeof(T) == 4 ? 0.5 : 0.51) << c.gx << " " << c.gy;
-        if (std::is_same_v<T, float>) {
-            EXPECT_FLOAT_EQ(static_cast<float>(root), static_cast<float>(got));
-        }
+        const T got = Squares<T>(c.square).Filtered(Sobel_scalar<T>, Whole<T>())[0];
+        const double bound = std::is_same_v<T, float> ? 1e-6 : sizeof(T) == 4 ? 0.5 : 0.51;
+        EXPECT_NEAR(root, static_cast<double>(got), bound) << c.gx << " " << c.gy;
     }
 }
 
@@ -154,9 +142,8 @@ TEST(Sobel, WordsAgreeOnGradientsOfEverySize) {
     std::mt19937 random(3);
     Gradients<uint16_t> gradients;
     for (int i = 0; i < 100000; ++i) {
-        const auto x = static_cast<int64_t>(random() >> (14 + random() % 18));
-        const auto y = static_cast<int64_t>(random() >> (14 + random() % 18));
-        gradients.Add(x, y);
+        const auto x = random() >> (14 + random() % 18), y = random() >> (14 + random() % 18);
+        gradients.Add(static_cast<int64_t>(x), static_cast<int64_t>(y));
     }
     for (int64_t k = 1; k < 256; ++k)
         for (const double edge : {65536.0, 16777216.0})
@@ -184,12 +171,12 @@ TEST(Sobel, FloatsKeepFractionsAndNanStaysNan) {
     EXPECT_EQ(1.5f, sobel(-0.125f, 0.25f, Whole<float>()));
     EXPECT_EQ(1.0f, sobel(-0.125f, 0.25f, {0.0f, 1.0f}));
     EXPECT_EQ(-2.0f, sobel(0, 0, {-3.0f, -2.0f}));
-    const float zeros[3] = {0, 0, 0}, infinite[3] = {0, 0, kInfinity};
-    EXPECT_EQ(7.0f, Squares<float>(zeros, infinite, zeros).Filtered(Sobel_scalar<float>, {0.0f, 7.0f})[0]);
+    Squares<float> infinite({0, 0, 0, 0, 0, kFloatInfinity, 0, 0, 0});
+    EXPECT_EQ(7.0f, infinite.Filtered(Sobel_scalar<float>, {0.0f, 7.0f})[0]);
     EXPECT_EQ(7.0f, sobel(0, 1e30f, {0.0f, 7.0f})) << "the square is infinite";
-    for (const float bad : {kNan, -kNan, kInfinity}) {
-        const float got = sobel(bad, bad, {0.0f, 1.0f}), want = kNan;
-        EXPECT_TRUE(SameBits(&want, &got, 1));
+    for (const float bad : {kFloatNan, -kFloatNan, kFloatInfinity}) {
+        const float got = sobel(bad, bad, {0.0f, 1.0f});
+        EXPECT_TRUE(SameBits(&kFloatNan, &got, 1));
     }
 }
 

@@ -14,6 +14,8 @@ class Squares {
 public:
     Squares(std::span<const T> top, std::span<const T> middle, std::span<const T> bottom)
         : rows_{Guarded<T>(top, 1), Guarded<T>(middle, 3), Guarded<T>(bottom, 0)} {}
+    explicit Squares(const std::array<T, 9>& square)
+        : Squares({square.data(), 3}, {square.data() + 3, 3}, {square.data() + 6, 3}) {}
     Squares(size_t n, uint32_t seed)
         : Squares(Noise<T>(n + 2, seed), Noise<T>(n + 2, seed + 1), Noise<T>(n + 2, seed + 2)) {}
 
@@ -49,6 +51,16 @@ template <class T>
 std::vector<FilterParameters<T>> LuminanceRanges() {
     const T most = std::numeric_limits<T>::max();
     return {{std::numeric_limits<T>::lowest(), most}, {T{60}, T{200}}, {T{7}, T{7}}, {T{150}, T{40}}};
+}
+
+// The same at every awkward size and in every range.
+template <class T, class Table>
+void ExpectVariantsAgree(const Table& table) {
+    for (const FilterParameters<T>& range : LuminanceRanges<T>())
+        for (const size_t n : kAwkwardSizes) {
+            Squares<T> squares(n, static_cast<uint32_t>(n));
+            ExpectVariantsAgree(table, squares, range);
+        }
 }
 
 }  // namespace orlix
