@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "component/failure.hpp"
+#include "support/failure_of.hpp"
+#include "support/special_numbers.hpp"
 
 namespace orlix {
 namespace {
-
-constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
 
 std::vector<uint8_t> Bytes(const BitmapStore& store) {
     const auto* first = static_cast<const uint8_t*>(store.record().bmBits);
@@ -56,14 +56,9 @@ TEST(BitmapStore, FailedCreationLeavesEverythingAsItWas) {
                store.Modified(0) && !store.Modified(1);
     };
     const auto message = [&](int32_t width, int32_t height) {
-        try {
-            store.Create(width, height, true);
-        } catch (const Failure& failure) {
-            return std::string(failure.what());
-        }
-        return std::string();
+        return FailureOf([&] { store.Create(width, height, true); });
     };
-    for (const int32_t bad : {0, -1, std::numeric_limits<int32_t>::min()}) {
+    for (const int32_t bad : {0, -1, kLeast}) {
         EXPECT_EQ("CBITMAP::Create: width must be positive", message(bad, bad));
         EXPECT_EQ("CBITMAP::Create: height must be positive", message(1, bad));
     }
@@ -101,22 +96,13 @@ TEST(BitmapStore, WritersMarkTheirRowAndFillsMarkNone) {
 
 TEST(BitmapStore, CopiesRowsOfAnyLength) {
     uint8_t bytes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-    BITMAP source = {};
-    source.bmWidth = 20;  // 3 bytes, of 4 here
-    source.bmHeight = 2;
-    source.bmPlanes = 1;
-    source.bmBitsPixel = 1;
-    source.bmBits = bytes;
+    const std::pair<LONG, std::vector<uint8_t>> cases[] = {
+        {3, {1, 2, 3, 0, 4, 5, 6, 0}}, {5, {1, 2, 3, 4, 6, 7, 8, 9}}, {4, {1, 2, 3, 4, 5, 6, 7, 8}}};
     BitmapStore store = Counting(50, 7);
-    source.bmWidthBytes = 3;
-    store.CopyFrom(source);
-    EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 0, 4, 5, 6, 0}), Bytes(store));
-    source.bmWidthBytes = 5;
-    store.CopyFrom(source);
-    EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4, 6, 7, 8, 9}), Bytes(store));
-    source.bmWidthBytes = 4;
-    store.CopyFrom(source);
-    EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4, 5, 6, 7, 8}), Bytes(store));
+    for (const auto& [rowBytes, want] : cases) {
+        store.CopyFrom({0, 20, 2, rowBytes, 1, 1, bytes});  // 3 bytes in a row, of 4 here
+        EXPECT_EQ(want, Bytes(store));
+    }
     EXPECT_EQ(20, store.width());
 }
 
@@ -132,35 +118,21 @@ TEST(BitmapStore, CopiesARecordOfItsOwnMemory) {
 
 TEST(BitmapStore, ImpossibleRecordsAreRefused) {
     uint8_t bytes[8] = {};
-    BITMAP good = {};
-    good.bmWidth = 20;
-    good.bmHeight = 2;
-    good.bmWidthBytes = 4;
-    good.bmPlanes = 1;
-    good.bmBitsPixel = 1;
-    good.bmBits = bytes;
     BitmapStore store = Counting(10, 2);
     const auto before = Bytes(store);
-    const auto refuse = [&](auto change) {
-        BITMAP record = good;
-        change(record);
+    // The first is what a sound one of 20 x 2 is like, without its pixels.
+    for (const BITMAP& record : {BITMAP{0, 20, 2, 4, 1, 1, nullptr},
+                                 {0, 20, 2, 4, 1, 1, reinterpret_cast<void*>(uintptr_t{16})},  // not to be read
+                                 {0, 20, 2, 2, 1, 1, bytes},
+                                 {0, 20, 2, -4, 1, 1, bytes},
+                                 {0, 20, 2, 4, 4, 1, bytes},
+                                 {0, 20, 2, 4, 1, 8, bytes},
+                                 {0, kMost, 2, 4, 1, 1, bytes}})
         EXPECT_THROW(store.CopyFrom(record), FailedResult);
-        EXPECT_EQ(before, Bytes(store));
-        EXPECT_EQ(10, store.width());
-    };
-    refuse([](BITMAP& b) { b.bmBits = nullptr; });
-    refuse([](BITMAP& b) { b.bmBits = reinterpret_cast<void*>(uintptr_t{16}); });  // not to be read
-    refuse([](BITMAP& b) { b.bmWidthBytes = 2; });
-    refuse([](BITMAP& b) { b.bmWidthBytes = -4; });
-    refuse([](BITMAP& b) { b.bmPlanes = 4; });
-    refuse([](BITMAP& b) { b.bmBitsPixel = 8; });
-    refuse([](BITMAP& b) { b.bmWidth = kMost; });
-    good.bmHeight = -2;
-    EXPECT_THROW(store.CopyFrom(good), Failure);
-    good.bmWidth = good.bmHeight = kMost;
-    good.bmWidthBytes = kMost;
-    EXPECT_THROW(store.CopyFrom(good), std::bad_alloc);
+    EXPECT_THROW(store.CopyFrom({0, 20, -2, 4, 1, 1, bytes}), Failure);
+    EXPECT_THROW(store.CopyFrom({0, kMost, kMost, kMost, 1, 1, bytes}), std::bad_alloc);
     EXPECT_EQ(before, Bytes(store));
+    EXPECT_EQ(10, store.width());
 }
 
 }  // namespace
