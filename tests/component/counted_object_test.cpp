@@ -4,6 +4,8 @@
 
 #include <functional>
 
+#include "support/objects.hpp"
+
 namespace orlix {
 namespace {
 
@@ -12,6 +14,7 @@ class Both final : public CountedObject<DerivedInterface<IPersistStreamInit, IPe
 public:
     explicit Both(bool& destroyed) : destroyed_(destroyed) {}
     std::function<void()> onLetGo, onDestruction;
+    IUnknown* first() { return static_cast<IPersistStreamInit*>(this); }
 
     STDMETHODIMP GetClassID(CLSID*) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP IsDirty() noexcept override { return E_NOTIMPL; }
@@ -32,16 +35,10 @@ private:
     bool& destroyed_;
 };
 
-template <class Object>
-ULONG ReferencesOf(Object* object) {
-    object->AddRef();
-    return object->Release();
-}
-
 TEST(CountedObject, AnswersItsInterfacesAndTheirParentsAsOneObject) {
     bool destroyed = false;
     const auto object = MakeCounted<Both>(destroyed);
-    EXPECT_EQ(1u, ReferencesOf(object.get()));
+    EXPECT_EQ(1u, ReferencesOf(object->first()));
     auto* const first = static_cast<IPersistStreamInit*>(object.get());
     auto* const second = static_cast<ISupportErrorInfo*>(object.get());
     const std::pair<IID, void*> answers[] = {{__uuidof(IUnknown), first},
@@ -59,40 +56,32 @@ TEST(CountedObject, AnswersItsInterfacesAndTheirParentsAsOneObject) {
     EXPECT_EQ(E_NOINTERFACE, object->QueryInterface(__uuidof(IStream), &none));
     EXPECT_EQ(nullptr, none);
     EXPECT_EQ(E_POINTER, object->QueryInterface(__uuidof(IUnknown), nullptr));
-    EXPECT_EQ(1u, ReferencesOf(object.get()));
+    EXPECT_EQ(1u, ReferencesOf(object->first()));
 }
 
-TEST(CountedObject, IsWholeWhenItLetsGoAndGoesOnceOnly) {
-    bool destroyed = false;
-    int lastTimes = 0;
-    auto object = MakeCounted<Both>(destroyed);
-    Both* const raw = object.get();
-    raw->onLetGo = [&] {
-        ++lastTimes;
-        EXPECT_EQ(1u, ReferencesOf(raw));
-        EXPECT_FALSE(destroyed);
-    };
-    raw->onDestruction = [&] { EXPECT_EQ(1u, ReferencesOf(raw)); };
-    object = nullptr;
-    EXPECT_TRUE(destroyed);
-    EXPECT_EQ(1, lastTimes);
-}
-
-TEST(CountedObject, LivesWhileAReferenceIsKeptFromItsEnd) {
-    bool destroyed = false;
-    int lastTimes = 0;
-    ComPtr<Both> kept;
-    auto object = MakeCounted<Both>(destroyed);
-    object->onLetGo = [&, raw = object.get()] {
-        ++lastTimes;
-        kept = ComPtr<Both>(raw);
-    };
-    object = nullptr;
-    EXPECT_FALSE(destroyed);
-    EXPECT_EQ(1u, ReferencesOf(kept.get()));
-    kept = nullptr;
-    EXPECT_TRUE(destroyed);
-    EXPECT_EQ(1, lastTimes);
+TEST(CountedObject, IsWholeWhenItLetsGoAndGoesWithTheLastReferenceOnly) {
+    for (const bool keep : {false, true}) {
+        bool destroyed = false;
+        int lastTimes = 0;
+        ComPtr<Both> kept;
+        auto object = MakeCounted<Both>(destroyed);
+        Both* const raw = object.get();
+        raw->onLetGo = [&] {
+            ++lastTimes;
+            EXPECT_EQ(1u, ReferencesOf(raw->first()));
+            EXPECT_FALSE(destroyed);
+            if (keep) kept = ComPtr<Both>(raw);
+        };
+        raw->onDestruction = [&] { EXPECT_EQ(1u, ReferencesOf(raw->first())); };
+        object = nullptr;
+        EXPECT_EQ(!keep, destroyed);
+        if (keep) {
+            EXPECT_EQ(1u, ReferencesOf(kept->first()));
+        }
+        kept = nullptr;
+        EXPECT_TRUE(destroyed);
+        EXPECT_EQ(1, lastTimes);
+    }
 }
 
 }  // namespace
