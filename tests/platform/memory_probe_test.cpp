@@ -6,10 +6,9 @@
 #include <limits>
 #include <vector>
 
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <sys/mman.h>
+#include "support/pages.hpp"
+
+#ifndef _WIN32
 #include <unistd.h>
 
 #include <cstdio>
@@ -18,44 +17,13 @@
 namespace orlix {
 namespace {
 
-enum class Access { None, Read, Write };
-
-// Three pages of the process's own, whose protection can be changed one by one.
-class Pages {
-public:
-#ifdef _WIN32
-    Pages()
-        : memory_(static_cast<uint8_t*>(VirtualAlloc(nullptr, 3 * kSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE))) {}
-    ~Pages() { VirtualFree(memory_, 0, MEM_RELEASE); }
-    void Protect(int page, Access access) {
-        DWORD old = 0;
-        const DWORD flags[] = {PAGE_NOACCESS, PAGE_READONLY, PAGE_READWRITE};
-        ASSERT_TRUE(VirtualProtect(memory_ + page * kSize, kSize, flags[static_cast<int>(access)], &old));
-    }
-#else
-    Pages()
-        : memory_(static_cast<uint8_t*>(
-              mmap(nullptr, 3 * kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {}
-    ~Pages() { munmap(memory_, 3 * kSize); }
-    void Protect(int page, Access access) {
-        const int flags[] = {PROT_NONE, PROT_READ, PROT_READ | PROT_WRITE};
-        ASSERT_EQ(0, mprotect(memory_ + page * kSize, kSize, flags[static_cast<int>(access)]));
-    }
-#endif
-    uint8_t* at(size_t offset) const { return memory_ + offset; }
-    static constexpr size_t kSize = 4096;
-
-private:
-    uint8_t* memory_;
-};
-
 TEST(MemoryProbe, EveryPageOfTheRangeCounts) {
-    Pages pages;
+    Pages pages(3);
     constexpr size_t kSize = Pages::kSize;
     EXPECT_TRUE(IsReadable(pages.at(0), 3 * kSize));
     EXPECT_TRUE(IsWritable(pages.at(0), 3 * kSize));
 
-    pages.Protect(1, Access::Read);
+    ASSERT_TRUE(pages.Protect(1, Access::Read));
     EXPECT_TRUE(IsReadable(pages.at(0), 3 * kSize));
     EXPECT_FALSE(IsWritable(pages.at(0), 3 * kSize));
     EXPECT_TRUE(IsWritable(pages.at(0), kSize));
@@ -63,7 +31,7 @@ TEST(MemoryProbe, EveryPageOfTheRangeCounts) {
     EXPECT_FALSE(IsWritable(pages.at(2 * kSize - 1), 2));
     EXPECT_TRUE(IsWritable(pages.at(2 * kSize), kSize));
 
-    pages.Protect(1, Access::None);
+    ASSERT_TRUE(pages.Protect(1, Access::None));
     EXPECT_FALSE(IsReadable(pages.at(0), 3 * kSize));
     EXPECT_TRUE(IsReadable(pages.at(0), kSize));
     EXPECT_FALSE(IsReadable(pages.at(kSize), 1));
@@ -71,7 +39,7 @@ TEST(MemoryProbe, EveryPageOfTheRangeCounts) {
 }
 
 TEST(MemoryProbe, PagesKeepTheirContent) {
-    Pages pages;
+    Pages pages(3);
     *pages.at(5) = 77;
     EXPECT_TRUE(IsWritable(pages.at(0), 3 * Pages::kSize));
     EXPECT_EQ(77, *pages.at(5));
