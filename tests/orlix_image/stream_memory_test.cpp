@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "orlix_image/orlix_image.hpp"
+#include "support/refusing.hpp"
 
 namespace {
 
@@ -61,7 +62,7 @@ namespace orlix::test {
 namespace {
 
 // Takes what is written into room that is there already.
-class FixedStream final : public IStream {
+class FixedStream final : public Refusing<IStream> {
 public:
     FixedStream() { bytes.reserve(1 << 16); }
     virtual ~FixedStream() = default;
@@ -82,17 +83,6 @@ public:
         *written = size;
         return S_OK;
     }
-    STDMETHODIMP Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP SetSize(ULARGE_INTEGER) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) noexcept override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Commit(DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Revert() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Stat(STATSTG*, DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Clone(IStream**) noexcept override { return E_NOTIMPL; }
 };
 
 ComPtr<OrlixImage> Furnished(LONG type) {

@@ -16,79 +16,74 @@ namespace orlix::fuzz {
 template <class T>
 concept Interface = std::is_base_of_v<IUnknown, T>;
 
-// get() is what is passed. Done() is called when the method is back, with its result, and looks at what came out.
+// get() is what is passed. Done() is called when the method is back, and looks at what came out.
 template <class T>
 class Argument;
 
 template <class T>
-requires std::is_integral_v<T>
-class Argument<T> {
+class Value {
 public:
-    explicit Argument(World& world) : value_(static_cast<T>(world.Long())) {}
+    explicit Value(T value) : value_(value) {}
     T get() const { return value_; }
-    void Done(World&, HRESULT) {}
+    void Done(World&) {}
 
 private:
     T value_;
 };
 
-// Members and numbers that are none.
+template <class T>
+requires std::is_integral_v<T>
+class Argument<T> : public Value<T> {
+public:
+    explicit Argument(World& world) : Value<T>(static_cast<T>(world.Long())) {}
+};
+
+// Members and numbers that are none. Without an underlying type of its own an enumeration has no value that its
+// members' bits cannot hold.
+template <class T>
+concept AnyNumber = requires {
+    T{0};
+};
 template <class T>
 requires std::is_enum_v<T>
-class Argument<T> {
-public:
-    explicit Argument(World& world) {
-        // Without an underlying type of its own an enumeration has no value that its members' bits cannot hold.
-        if constexpr (requires { T{0}; })
-            value_ = static_cast<T>(world.Long());
-        else
-            value_ = static_cast<T>(world.choices().Below(4));
-    }
-    T get() const { return value_; }
-    void Done(World&, HRESULT) {}
-
-private:
-    T value_;
-};
-
-template <>
-class Argument<double> {
-public:
-    explicit Argument(World& world) : value_(world.Double()) {}
-    double get() const { return value_; }
-    void put(double value) { value_ = value; }
-    void Done(World&, HRESULT) {}
-
-private:
-    double value_;
-};
-
-template <>
-class Argument<TCoordinateMap> {
+class Argument<T> : public Value<T> {
 public:
     explicit Argument(World& world)
-        : value_{world.Double(), world.Double(), {world.Double(), world.Double(), world.Double(), world.Double()}} {}
-    TCoordinateMap get() const { return value_; }
-    void Done(World&, HRESULT) {}
-
-private:
-    TCoordinateMap value_;
+        : Value<T>(static_cast<T>(AnyNumber<T> ? world.Long() : static_cast<LONG>(world.choices().Below(4)))) {}
 };
 
 template <>
-class Argument<const IID&> {
+class Argument<double> : public Value<double> {
 public:
-    explicit Argument(World& world) : value_(world.Identifier()) {}
-    const IID& get() const { return value_; }
-    void Done(World&, HRESULT) {}
+    using Value::Value;
+    explicit Argument(World& world) : Value(world.Double()) {}
+};
 
-private:
-    const IID& value_;
+template <>
+class Argument<TCoordinateMap> : public Value<TCoordinateMap> {
+public:
+    explicit Argument(World& world)
+        : Value({world.Double(), world.Double(), {world.Double(), world.Double(), world.Double(), world.Double()}}) {}
+};
+
+template <>
+class Argument<const IID&> : public Value<const IID&> {
+public:
+    explicit Argument(World& world) : Value(world.Identifier()) {}
+};
+
+// Everywhere but where a method of its own kind says otherwise: a device context.
+template <>
+class Argument<void*> : public Value<void*> {
+public:
+    explicit Argument(World& world) : Value(DeviceContext(world.choices().Byte())) {}
 };
 
 template <>
 class Argument<BSTR> {
 public:
+    // Takes the string over.
+    explicit Argument(BSTR text) : text_(text) {}
     explicit Argument(World& world) {
         Choices& choices = world.choices();
         constexpr const OLECHAR* kTexts[] = {
@@ -106,7 +101,7 @@ public:
     Argument(const Argument&) = delete;
     Argument& operator=(const Argument&) = delete;
     BSTR get() const { return text_; }
-    void Done(World&, HRESULT) {}
+    void Done(World&) {}
 
 private:
     BSTR text_ = nullptr;
@@ -123,7 +118,7 @@ public:
         if constexpr (requires { value_->m_lSize; }) FillFit(world);
     }
     T* get() const { return value_.get(); }
-    void Done(World&, HRESULT) {}
+    void Done(World&) {}
 
 private:
     // What a method reads: a size and numbers.
@@ -145,64 +140,44 @@ class Argument<I*> {
 public:
     explicit Argument(World& world) : held_(world.Argument(__uuidof(I))), pointer_(static_cast<I*>(held_.get())) {}
     I* get() const { return pointer_; }
-    void Done(World&, HRESULT) {}
+    void Done(World&) {}
 
 private:
     ComPtr<IUnknown> held_;
     I* pointer_;
 };
 
-// An object handed out.
-template <Interface I>
-class Argument<I**> {
-public:
-    explicit Argument(World& world) : wanted_(!world.choices().Chance(6)) {}
-    I** get() { return wanted_ ? &pointer_ : nullptr; }
-    void Done(World& world, HRESULT) {
-        if (pointer_) world.Adopt(__uuidof(I), pointer_);
-    }
-
-private:
-    bool wanted_;
-    I* pointer_ = nullptr;
-};
-
-template <>
-class Argument<BSTR*> {
-public:
-    explicit Argument(World& world) : wanted_(!world.choices().Chance(6)) {}
-    BSTR* get() { return wanted_ ? &text_ : nullptr; }
-    void Done(World&, HRESULT) { SysFreeString(text_); }
-
-private:
-    bool wanted_;
-    BSTR text_ = nullptr;
-};
-
-// The address of something inside an object: see what comes after the calls that give it.
+// Where a method puts a pointer: null now and then.
 template <class T>
-requires(std::is_void_v<T> || std::is_arithmetic_v<T> || std::is_class_v<T>) && (!Interface<T>)class Argument<T**> {
+class Slot {
 public:
-    explicit Argument(World& world) : wanted_(!world.choices().Chance(6)) {}
-    T** get() { return wanted_ ? &pointer_ : nullptr; }
-    T* pointer() const { return pointer_; }
-    void Done(World&, HRESULT) {}
+    explicit Slot(World& world) : wanted_(!world.choices().Chance(6)) {}
+    T* get() { return wanted_ ? &pointer_ : nullptr; }
+    // Without more it is the address of something inside an object: see what comes after the calls that give it.
+    T pointer() const { return pointer_; }
+    void Done(World&) {}
 
 private:
     bool wanted_;
-    T* pointer_ = nullptr;
+    T pointer_ = nullptr;
 };
 
-// Everywhere but where a method of its own kind says otherwise: a device context.
-template <>
-class Argument<void*> {
+template <class T>
+requires(std::is_void_v<T> || std::is_arithmetic_v<T> || std::is_class_v<T>) class Argument<T**> : public Slot<T*> {
 public:
-    explicit Argument(World& world) : context_(DeviceContext(world.choices().Byte())) {}
-    void* get() const { return context_; }
-    void Done(World&, HRESULT) {}
+    using Slot<T*>::Slot;
+    void Done(World& world) {
+        // An object handed out.
+        if constexpr (Interface<T>)
+            if (this->pointer()) world.Adopt(__uuidof(T), this->pointer());
+    }
+};
 
-private:
-    void* context_;
+template <>
+class Argument<BSTR*> : public Slot<BSTR> {
+public:
+    using Slot::Slot;
+    void Done(World&) { SysFreeString(pointer()); }
 };
 
 // Memory that is as large as it says, or that says what no memory is.
@@ -231,7 +206,7 @@ public:
         if (memory_->m_lWidth > static_cast<LONG>(width) && memory_->m_lWidth <= 40) memory_->m_lWidth = 0;
     }
     SPictureMemory* get() const { return memory_.get(); }
-    void Done(World&, HRESULT) {}
+    void Done(World&) {}
 
 private:
     std::unique_ptr<unsigned int[]> pixels_;

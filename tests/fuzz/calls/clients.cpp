@@ -11,6 +11,7 @@
 #include "fuzz/calls/pages.hpp"
 #include "image/source_image.hpp"
 #include "module/class_factory.hpp"
+#include "support/refusing.hpp"
 
 namespace orlix::fuzz {
 namespace {
@@ -20,64 +21,54 @@ std::set<IUnknown*>& LiveClients() {
     return clients;
 }
 
-// Base of all: counts its references, answers its interfaces, and calls the world back whatever it is asked. Within a
-// call it keeps itself: what the world does then may let go of it.
-template <class First, class... Others>
-class Client : public First, public Others... {
+// Base of all: calls the world back whatever it is asked. Within a call it keeps itself: what the world does then may
+// let go of it.
+template <class... Interfaces>
+class Client : public CountedObject<Refusing<Interfaces>...> {
+    using Counted = CountedObject<Refusing<Interfaces>...>;
+
 public:
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
         const Entry entry(*this, "QueryInterface");
         if (!object) return E_POINTER;
         *object = nullptr;
         if (world_.choices().Chance(8)) return world_.choices().Chance(128) ? S_OK : E_NOINTERFACE;  // S_OK without one
-        void* found = Find(iid);
-        if (!found) return E_NOINTERFACE;
-        ++references_;
-        *object = found;
-        return S_OK;
+        return Answer(iid, object);
     }
     STDMETHODIMP_(ULONG) AddRef() noexcept override {
-        ++references_;
+        Counted::AddRef();
         const Entry entry(*this, "AddRef");
         return 0;
     }
     STDMETHODIMP_(ULONG) Release() noexcept override {
-        const ClientHeap heap;
-        if (references_ > 1) {
-            const Entry entry(*this, "Release");
-        }
-        return Unreference();
+        const Entry entry(*this, "Release");
+        return Counted::Release() - 1;
     }
-
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
 
 protected:
     Client(World& world, const char* name) : world_(world), name_(name) {
         ++world_.liveClients;
-        LiveClients().insert(static_cast<First*>(this));
-        (LiveClients().insert(static_cast<Others*>(this)), ...);
+        (LiveClients().insert(static_cast<Refusing<Interfaces>*>(this)), ...);
     }
-    virtual ~Client() {
+    ~Client() override {
         --world_.liveClients;
-        LiveClients().erase(static_cast<First*>(this));
-        (LiveClients().erase(static_cast<Others*>(this)), ...);
+        (LiveClients().erase(static_cast<Refusing<Interfaces>*>(this)), ...);
     }
 
-    virtual void* Find(REFIID iid) noexcept {
-        if (iid == __uuidof(IUnknown) || iid == __uuidof(First)) return static_cast<First*>(this);
-        void* found = nullptr;
-        (void)(... || (iid == __uuidof(Others) ? (found = static_cast<Others*>(this), true) : false));
-        return found;
+    virtual HRESULT Answer(REFIID iid, void** object) noexcept { return Counted::QueryInterface(iid, object); }
+    // Methods that the library has no business with.
+    HRESULT Refused(const char* method) noexcept override {
+        const Entry entry(*this, method);
+        return E_NOTIMPL;
     }
 
     class Entry {
     public:
         Entry(Client& client, const char* method) noexcept : client_(client) {
-            ++client_.references_;
-            if (!client_.quiet_) client_.world_.Called(client_.name_, method);
+            client_.Counted::AddRef();
+            client_.CallBack(method);
         }
-        ~Entry() { client_.Unreference(); }
+        ~Entry() { client_.Counted::Release(); }
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
 
@@ -94,29 +85,25 @@ protected:
     }
     // Now and then another number than the true one.
     LONG Told(LONG truth) noexcept { return world_.choices().Chance(10) ? world_.Long() : truth; }
+    // A method that answers a value.
+    template <class T>
+    HRESULT Tell(const char* method, T* to, const std::type_identity_t<T>& value) noexcept {
+        const Entry entry(*this, method);
+        *to = value;
+        return Verdict();
+    }
 
     World& world_;
     bool quiet_ = false;  // does not call back
 
 private:
-    ULONG Unreference() noexcept {
-        if (--references_ > 0) return references_;
-        references_ = 1u << 20;  // what is called back may take references and give them back
-        if (!quiet_) world_.Called(name_, "last Release");
-        delete this;
-        return 0;
+    void LetGo() noexcept override { CallBack("last Release"); }
+    void CallBack(const char* method) noexcept {
+        if (!quiet_) world_.Called(name_, method);
     }
 
     const char* name_;
-    ULONG references_ = 1;
 };
-
-// For methods that the library has no business with.
-#define ORLIX_REFUSES(method, parameters)              \
-    STDMETHODIMP method parameters noexcept override { \
-        const Entry entry(*this, #method);             \
-        return E_NOTIMPL;                              \
-    }
 
 class Region final : public Client<IRegionOfInterest> {
 public:
@@ -125,20 +112,10 @@ public:
           bottom_(static_cast<LONG>(world.choices().Below(40))),
           kind_(world.choices().Byte()) {}
 
-    STDMETHODIMP get_Width(LONG* hVal) noexcept override {
-        const Entry entry(*this, "get_Width");
-        *hVal = Told(20);
-        return Verdict();
-    }
-    STDMETHODIMP get_Height(LONG* hVal) noexcept override {
-        const Entry entry(*this, "get_Height");
-        *hVal = Told(20);
-        return Verdict();
-    }
+    STDMETHODIMP get_Width(LONG* hVal) noexcept override { return Tell("get_Width", hVal, Told(20)); }
+    STDMETHODIMP get_Height(LONG* hVal) noexcept override { return Tell("get_Height", hVal, Told(20)); }
     STDMETHODIMP get_BoundingBox(RECT* hVal) noexcept override {
-        const Entry entry(*this, "get_BoundingBox");
-        *hVal = {Told(0), Told(0), Told(INT_MAX), Told(bottom_)};
-        return Verdict();
+        return Tell("get_BoundingBox", hVal, {Told(0), Told(0), Told(INT_MAX), Told(bottom_)});
     }
     STDMETHODIMP GetRowRuns(LONG, SRun** hBegin, SRun** hEnd) noexcept override {
         const Entry entry(*this, "GetRowRuns");
@@ -201,11 +178,7 @@ public:
         if (world_.choices().Chance(8)) *height = 1 + static_cast<LONG>(world_.choices().Below(kSide));
         return Verdict();
     }
-    STDMETHODIMP DataType(LONG, LONG* type) noexcept override {
-        const Entry entry(*this, "DataType");
-        *type = Told(type_);
-        return Verdict();
-    }
+    STDMETHODIMP DataType(LONG, LONG* type) noexcept override { return Tell("DataType", type, Told(type_)); }
     STDMETHODIMP VPA(LONG, void** base, VPAEntry** table) noexcept override {
         const Entry entry(*this, "VPA");
         *base = samples_.data();
@@ -216,22 +189,15 @@ public:
         return Verdict();
     }
     STDMETHODIMP GetCoords(TCoordinateMap* map) noexcept override {
-        const Entry entry(*this, "GetCoords");
-        *map = {world_.Double(), world_.Double(), {1, world_.Double(), 0, world_.Double()}};
-        return Verdict();
+        return Tell("GetCoords", map, {world_.Double(), world_.Double(), {1, world_.Double(), 0, world_.Double()}});
     }
-    ORLIX_REFUSES(SetCoords, (TCoordinateMap))
 
-    ORLIX_REFUSES(SaveToFile, (BSTR, ImageFileFormat))
     STDMETHODIMP GetMicronsPerPixel(double* x, double* y) noexcept override {
         const Entry entry(*this, "GetMicronsPerPixel");
         *x = world_.Double();
         *y = world_.Double();
         return Verdict();
     }
-    ORLIX_REFUSES(PutMicronsPerPixel, (double, double))
-    ORLIX_REFUSES(get_SampleLimit, (LONG*))
-    ORLIX_REFUSES(put_SampleLimit, (LONG))
 
     STDMETHODIMP Accessible() noexcept override {
         const Entry entry(*this, "Accessible");
@@ -239,10 +205,10 @@ public:
     }
 
 private:
-    void* Find(REFIID iid) noexcept override {
-        if (iid == __uuidof(IImageFile) && tells_ < 128) return nullptr;
-        if (iid == __uuidof(IPixelAccess) && tells_ % 4 != 0) return nullptr;
-        return Client::Find(iid);
+    HRESULT Answer(REFIID iid, void** object) noexcept override {
+        if (iid == __uuidof(IImageFile) && tells_ < 128) return E_NOINTERFACE;
+        if (iid == __uuidof(IPixelAccess) && tells_ % 4 != 0) return E_NOINTERFACE;
+        return Client::Answer(iid, object);
     }
 
     static constexpr LONG kSide = 40;
@@ -257,16 +223,8 @@ class Bits final : public Client<IBitmap> {
 public:
     explicit Bits(World& world) : Client(world, "bitmap"), bytes_(world.Memory(16 * 40)) {}
 
-    STDMETHODIMP get_Width(LONG* hVal) noexcept override {
-        const Entry entry(*this, "get_Width");
-        *hVal = Told(100);
-        return Verdict();
-    }
-    STDMETHODIMP get_Height(LONG* hVal) noexcept override {
-        const Entry entry(*this, "get_Height");
-        *hVal = Told(40);
-        return Verdict();
-    }
+    STDMETHODIMP get_Width(LONG* hVal) noexcept override { return Tell("get_Width", hVal, Told(100)); }
+    STDMETHODIMP get_Height(LONG* hVal) noexcept override { return Tell("get_Height", hVal, Told(40)); }
     STDMETHODIMP get_Bitmap(BITMAP* hVal) noexcept override {
         const Entry entry(*this, "get_Bitmap");
         Choices& choices = world_.choices();
@@ -280,18 +238,6 @@ public:
         if (choices.Chance(12)) hVal->bmBitsPixel = choices.Byte();
         return Verdict();
     }
-    ORLIX_REFUSES(Create, (LONG, LONG, LONG))
-    ORLIX_REFUSES(CreateFromBitmap, (IBitmap*))
-    ORLIX_REFUSES(Zero, ())
-    ORLIX_REFUSES(One, ())
-    ORLIX_REFUSES(DrawHorizontalLine, (LONG, LONG, LONG, DrawType))
-    ORLIX_REFUSES(DrawRectangle, (LONG, LONG, LONG, LONG, DrawType))
-    ORLIX_REFUSES(DrawDisk, (double, double, double, DrawType))
-    ORLIX_REFUSES(DrawLine, (double, double, double, double, DrawType))
-    ORLIX_REFUSES(GetRowPtr, (LONG, unsigned char**))
-    ORLIX_REFUSES(GetPixelPtr, (LONG, LONG, unsigned char**, unsigned char*))
-    ORLIX_REFUSES(get_Bit, (LONG, LONG, LONG*))
-    ORLIX_REFUSES(put_Bit, (LONG, LONG, LONG))
 
 private:
     std::span<uint8_t> bytes_;
@@ -308,59 +254,15 @@ public:
     }
 
     STDMETHODIMP get_NumberOfBins(LONG* hVal) noexcept override {
-        const Entry entry(*this, "get_NumberOfBins");
-        *hVal = static_cast<LONG>(world_.choices().Below(300));
-        if (world_.choices().Chance(16)) *hVal = std::min(world_.Long(), LONG{300});
-        return Verdict();
+        const auto count = static_cast<LONG>(world_.choices().Below(300));
+        return Tell("get_NumberOfBins", hVal, world_.choices().Chance(16) ? std::min(world_.Long(), LONG{300}) : count);
     }
-    STDMETHODIMP get_Left(double* hVal) noexcept override {
-        const Entry entry(*this, "get_Left");
-        *hVal = world_.Double();
-        return Verdict();
-    }
-    STDMETHODIMP get_Right(double* hVal) noexcept override {
-        const Entry entry(*this, "get_Right");
-        *hVal = world_.Double();
-        return Verdict();
-    }
+    STDMETHODIMP get_Left(double* hVal) noexcept override { return Tell("get_Left", hVal, world_.Double()); }
+    STDMETHODIMP get_Right(double* hVal) noexcept override { return Tell("get_Right", hVal, world_.Double()); }
     STDMETHODIMP get_Bins(LONG** hVal) noexcept override {
-        const Entry entry(*this, "get_Bins");
-        *hVal = reinterpret_cast<LONG*>(bins_.data());
-        if (world_.choices().Chance(16)) *hVal = static_cast<LONG*>(HostileAddress(world_.choices().Byte()));
-        return Verdict();
+        void* const bins = world_.choices().Chance(16) ? HostileAddress(world_.choices().Byte()) : bins_.data();
+        return Tell("get_Bins", hVal, static_cast<LONG*>(bins));
     }
-    ORLIX_REFUSES(Create, (LONG, double, double))
-    ORLIX_REFUSES(CreateFromHistogram, (IHistogram*))
-    ORLIX_REFUSES(Zero, ())
-    ORLIX_REFUSES(AutoThresholdMinimizeVariance, (double, double, double*))
-    ORLIX_REFUSES(AutoThresholdTrim, (double, double*, double, double*))
-    ORLIX_REFUSES(AutoThresholdSearchForMinimum, (double, double, double*))
-    ORLIX_REFUSES(AutoThresholdGaussianMixture, (double, double, double*))
-    ORLIX_REFUSES(AutoThresholdMaximizeEntropy, (double, double, double*))
-    ORLIX_REFUSES(AutoThresholdExponential, (double, double*))
-    ORLIX_REFUSES(get_Entropy, (double*))
-    ORLIX_REFUSES(get_Skew, (double*))
-    ORLIX_REFUSES(get_Kurtosis, (double*))
-    ORLIX_REFUSES(get_MaximumCount, (LONG*))
-    ORLIX_REFUSES(get_Mean, (double*))
-    ORLIX_REFUSES(get_Median, (double*))
-    ORLIX_REFUSES(get_Mode, (double*))
-    ORLIX_REFUSES(get_Variance, (double*))
-    ORLIX_REFUSES(get_Minimum, (double*))
-    ORLIX_REFUSES(get_Maximum, (double*))
-    ORLIX_REFUSES(GetTrimmedStatistics, (double, double*, double*))
-    ORLIX_REFUSES(GetMedianStatistics, (double*, double*))
-    ORLIX_REFUSES(BinToLocation, (double, double*))
-    ORLIX_REFUSES(LocationToBin, (double, double*))
-    ORLIX_REFUSES(GetBinToLocationMapping, (double*, double*))
-    ORLIX_REFUSES(Smooth3, ())
-    ORLIX_REFUSES(Smooth5, ())
-    ORLIX_REFUSES(Smooth7, ())
-    ORLIX_REFUSES(Smooth9, ())
-    ORLIX_REFUSES(Trim, (double))
-    ORLIX_REFUSES(Decompose, ())
-    ORLIX_REFUSES(get_DetailBins, (LONG**))
-    ORLIX_REFUSES(get_SmoothBins, (LONG**))
 
 private:
     std::span<uint8_t> bins_;
@@ -412,13 +314,6 @@ public:
         stat->cbSize.QuadPart = static_cast<ULONGLONG>(Told(static_cast<LONG>(bytes_.size())));
         return Verdict();
     }
-    ORLIX_REFUSES(SetSize, (ULARGE_INTEGER))
-    ORLIX_REFUSES(CopyTo, (IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*))
-    ORLIX_REFUSES(Commit, (DWORD))
-    ORLIX_REFUSES(Revert, ())
-    ORLIX_REFUSES(LockRegion, (ULARGE_INTEGER, ULARGE_INTEGER, DWORD))
-    ORLIX_REFUSES(UnlockRegion, (ULARGE_INTEGER, ULARGE_INTEGER, DWORD))
-    ORLIX_REFUSES(Clone, (IStream**))
 
 private:
     Bytes bytes_;
@@ -448,11 +343,6 @@ public:
         quiet_ = true;
 #endif
     }
-    ORLIX_REFUSES(GetGUID, (GUID*))
-    ORLIX_REFUSES(GetSource, (BSTR*))
-    ORLIX_REFUSES(GetDescription, (BSTR*))
-    ORLIX_REFUSES(GetHelpFile, (BSTR*))
-    ORLIX_REFUSES(GetHelpContext, (DWORD*))
 };
 
 // What an overlay is drawn over.
@@ -461,27 +351,10 @@ public:
     explicit Picture(World& world) : Client(world, "picture") {}
 
     STDMETHODIMP get_PixelToDestCoords(TCoordinateMap* map) noexcept override {
-        const Entry entry(*this, "get_PixelToDestCoords");
-        *map = {world_.Double(), world_.Double(), {world_.Double(), 0, world_.Double(), 1}};
-        return Verdict();
+        return Tell("get_PixelToDestCoords", map,
+                    {world_.Double(), world_.Double(), {world_.Double(), 0, world_.Double(), 1}});
     }
-    ORLIX_REFUSES(get_DestToPixelCoords, (TCoordinateMap*))
-    ORLIX_REFUSES(get_Width, (LONG*))
-    ORLIX_REFUSES(get_Height, (LONG*))
-    ORLIX_REFUSES(get_DestRect, (RECT*))
-    ORLIX_REFUSES(get_Surround, (OLE_COLOR*))
-    ORLIX_REFUSES(put_Surround, (OLE_COLOR))
-    ORLIX_REFUSES(Render, (void*, LONG, LONG, LONG, LONG))
-    ORLIX_REFUSES(RenderTopLeft, (void*, LONG, LONG, LONG, LONG))
-    ORLIX_REFUSES(RenderBlt, (void*, LONG, LONG, LONG, LONG, LONG, LONG))
-    ORLIX_REFUSES(RenderStretch, (void*, LONG, LONG, LONG, LONG, LONG, LONG, LONG, LONG))
-    ORLIX_REFUSES(CreateHBITMAP, (void*, void**))
-    ORLIX_REFUSES(CreateDIBSection, (void**, void**))
-    ORLIX_REFUSES(AttachBuffer, (void*, LONG, LONG, LONG))
-    ORLIX_REFUSES(GetPixelInfo, (LONG, LONG, double*, double*, double*, OLE_COLOR*))
 };
-
-#undef ORLIX_REFUSES
 
 // Around an object of the library: what is asked of that one comes here.
 class Outer final : public Client<IUnknown> {
@@ -494,41 +367,44 @@ public:
     }
 
 private:
-    void* Find(REFIID iid) noexcept override {
-        if (iid == __uuidof(IUnknown)) return static_cast<IUnknown*>(this);
-        void* found = nullptr;
-        // Its interfaces count on this object, to which QueryInterface is about to add a reference.
-        if (!inner_ || FAILED(inner_->QueryInterface(iid, &found))) return nullptr;
-        static_cast<IUnknown*>(found)->Release();
-        return found;
+    HRESULT Answer(REFIID iid, void** object) noexcept override {
+        if (iid == __uuidof(IUnknown)) return Client::Answer(iid, object);
+        return inner_ ? inner_->QueryInterface(iid, object) : E_NOINTERFACE;
     }
 
     ComPtr<IUnknown> inner_;
 };
 
-template <class C, class I>
-ComPtr<IUnknown> Made(World& world) {
-    return ComPtr<IUnknown>::Attach(static_cast<I*>(new C(world)));
+template <class Made, class I>
+ComPtr<IUnknown> Make(World& world) {
+    return ComPtr<IUnknown>::Attach(static_cast<Refusing<I>*>(new Made(world)));
 }
 
 }  // namespace
 
 ComPtr<IUnknown> MakeClientOf(World& world, const IID& iid) {
-    if (iid == __uuidof(IRegionOfInterest)) return Made<Region, IRegionOfInterest>(world);
-    if (iid == __uuidof(IImageVPA)) return Made<Image, IImageVPA>(world);
-    if (iid == __uuidof(IBitmap)) return Made<Bits, IBitmap>(world);
-    if (iid == __uuidof(IHistogram)) return Made<Counts, IHistogram>(world);
-    if (iid == __uuidof(IStream)) return Made<Stream, IStream>(world);
-    if (iid == __uuidof(IErrorInfo)) return Made<Info, IErrorInfo>(world);
-    if (iid == __uuidof(IPictureEx)) return Made<Picture, IPictureEx>(world);
-    if (iid == __uuidof(IPictureExEvents) || iid == __uuidof(IUnknown)) return Made<Sink, IPictureExEvents>(world);
+    const struct {
+        const IID& iid;
+        ComPtr<IUnknown> (*make)(World& world);
+    } makers[] = {
+        {__uuidof(IRegionOfInterest), &Make<Region, IRegionOfInterest>},
+        {__uuidof(IImageVPA), &Make<Image, IImageVPA>},
+        {__uuidof(IBitmap), &Make<Bits, IBitmap>},
+        {__uuidof(IHistogram), &Make<Counts, IHistogram>},
+        {__uuidof(IStream), &Make<Stream, IStream>},
+        {__uuidof(IErrorInfo), &Make<Info, IErrorInfo>},
+        {__uuidof(IPictureEx), &Make<Picture, IPictureEx>},
+        {__uuidof(IPictureExEvents), &Make<Sink, IPictureExEvents>},
+        {__uuidof(IUnknown), &Make<Sink, IPictureExEvents>},
+    };
+    for (const auto& maker : makers)
+        if (maker.iid == iid) return maker.make(world);
     return {};
 }
 
 ComPtr<IUnknown> MakeOuter(World& world, const CLSID& clsid) {
-    auto* const outer = new Outer(world);
-    const auto held = ComPtr<IUnknown>::Attach(outer);
-    return outer->Aggregate(clsid) ? held : ComPtr<IUnknown>();
+    const auto outer = MakeCounted<Outer>(world);
+    return outer->Aggregate(clsid) ? ComPtr<IUnknown>(outer.get()) : ComPtr<IUnknown>();
 }
 
 bool IsClient(IUnknown* object) { return LiveClients().contains(object); }

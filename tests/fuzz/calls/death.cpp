@@ -4,17 +4,11 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "fuzz/calls/heap.hpp"
 #include "fuzz/calls/world.hpp"
 
 #ifdef _WIN32
 #include <windows.h>
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define ORLIX_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORLIX_SANITIZED 1
-#endif
 #endif
 #ifdef ORLIX_SANITIZED
 #include <sanitizer/common_interface_defs.h>
@@ -48,15 +42,12 @@ LONG WINAPI OnException(EXCEPTION_POINTERS* exception) {
 #endif
 
 }  // namespace
-}  // namespace orlix::fuzz
 
 #ifdef ORLIX_SANITIZED
 // Too large an allocation fails, and an abort is reported with the stack.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1:handle_abort=1"; }
 #endif
-
-namespace orlix::fuzz {
 
 void ReportDeath() {
 #ifdef _WIN32

@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,28 +51,24 @@ std::vector<int> Numbers(const char* text) {
 
 std::optional<Options> Parse(int count, char** words) {
     Options options;
+    const std::map<std::string, std::function<void()>> flags = {
+        {"--verbose", [&] { options.verbose = true; }},
+        {"--every-method", [&] { options.everyMethod = true; }},
+    };
+    const std::map<std::string, std::function<void(const char*)>> settings = {
+        {"--seed", [&](const char* text) { options.seed = std::strtoull(text, nullptr, 10); }},
+        {"--sequences", [&](const char* text) { options.sequences = std::strtoull(text, nullptr, 10); }},
+        {"--seconds", [&](const char* text) { options.seconds = std::strtod(text, nullptr); }},
+        {"--steps", [&](const char* text) { options.steps = std::atoi(text); }},
+        {"--only", [&](const char* text) { options.only = Numbers(text); }},
+        {"--progress", [&](const char* text) { options.progress = std::strtod(text, nullptr); }},
+        {"--slow", [&](const char* text) { slowSeconds = std::strtod(text, nullptr); }},
+    };
     for (int i = 1; i < count; ++i) {
-        const std::string word = words[i];
-        if (word == "--verbose")
-            options.verbose = true;
-        else if (word == "--every-method")
-            options.everyMethod = true;
-        else if (i + 1 == count)
-            return {};
-        else if (word == "--seed")
-            options.seed = std::strtoull(words[++i], nullptr, 10);
-        else if (word == "--sequences")
-            options.sequences = std::strtoull(words[++i], nullptr, 10);
-        else if (word == "--seconds")
-            options.seconds = std::strtod(words[++i], nullptr);
-        else if (word == "--steps")
-            options.steps = std::atoi(words[++i]);
-        else if (word == "--only")
-            options.only = Numbers(words[++i]);
-        else if (word == "--progress")
-            options.progress = std::strtod(words[++i], nullptr);
-        else if (word == "--slow")
-            slowSeconds = std::strtod(words[++i], nullptr);
+        if (const auto flag = flags.find(words[i]); flag != flags.end())
+            flag->second();
+        else if (const auto setting = settings.find(words[i]); setting != settings.end() && i + 1 < count)
+            setting->second(words[++i]);
         else
             return {};
     }
@@ -87,7 +85,7 @@ std::string RunSequence(uint64_t seed, const Options& options) {
         if (!options.only.empty() && std::ranges::find(options.only, step) == options.only.end()) continue;
         place.step = step;
         choices.BeginStep(static_cast<uint64_t>(step));
-        if (options.verbose) std::printf("step %d\n", step);
+        world.Say("step %d", step);
         world.Step();
     }
     place.step = options.steps;

@@ -7,14 +7,7 @@
 #include <cstring>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ORLIX_SANITIZED_HEAP 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORLIX_SANITIZED_HEAP 1
-#endif
-#endif
-#ifdef ORLIX_SANITIZED_HEAP
+#ifdef ORLIX_SANITIZED
 // GCC brings the function, but not the header that declares it.
 extern "C" size_t __sanitizer_get_allocated_size(const volatile void* memory);
 #endif
@@ -35,7 +28,7 @@ bool Refused(size_t size) noexcept {
     return failuresIn >= 0 && failuresIn-- == 0;
 }
 
-#ifdef ORLIX_SANITIZED_HEAP
+#ifdef ORLIX_SANITIZED
 
 void* Allocate(size_t size, size_t alignment) noexcept {
     if (Refused(size)) return nullptr;
@@ -92,12 +85,8 @@ struct Ring {
     Header middle = {};
 };
 // Needed before the first static object, and after the last.
-Ring& Live() {
-    alignas(Ring) static unsigned char memory[sizeof(Ring)];
-    static Ring* const ring = new (memory) Ring;
-    return *ring;
-}
-Ring& Freed() {
+template <uint64_t mark>
+Ring& Blocks() {
     alignas(Ring) static unsigned char memory[sizeof(Ring)];
     static Ring* const ring = new (memory) Ring;
     return *ring;
@@ -121,7 +110,7 @@ void CheckFreed(const Header* header) noexcept {
 void Join(Header* header, uint8_t* bytes) noexcept {
     std::memset(bytes, 0xCD, header->size);  // what is read before it is written differs from zero
     std::memset(bytes + header->size, kCanary, kTail);
-    Live().PushBack(header);
+    Blocks<kLive>().PushBack(header);
 }
 
 void Retire(Header* header, uint8_t* bytes) noexcept {
@@ -129,10 +118,10 @@ void Retire(Header* header, uint8_t* bytes) noexcept {
     Ring::Remove(header);
     std::memset(bytes, kFreedByte, header->size);
     header->mark = kFreed;
-    Freed().PushBack(header);
+    Blocks<kFreed>().PushBack(header);
     keptBytes += header->size;
     while (keptBytes > kMostKept) {
-        Header* const oldest = Freed().middle.next;
+        Header* const oldest = Blocks<kFreed>().middle.next;
         CheckFreed(oldest);
         Ring::Remove(oldest);
         keptBytes -= oldest->size;
@@ -196,12 +185,12 @@ ClientHeap::~ClientHeap() {
 }
 
 void CheckHeap() noexcept {
-#ifndef ORLIX_SANITIZED_HEAP
-    for (const Header* header = Live().middle.next; header != &Live().middle; header = header->next) {
+#ifndef ORLIX_SANITIZED
+    for (const Header* header = Blocks<kLive>().middle.next; header != &Blocks<kLive>().middle; header = header->next) {
         if (header->mark != kLive) Hurt(header, "written before a block");
         CheckTail(header);
     }
-    for (const Header* header = Freed().middle.next; header != &Freed().middle; header = header->next)
+    for (const Header* header = Blocks<kFreed>().middle.next; header != &Blocks<kFreed>().middle; header = header->next)
         CheckFreed(header);
 #endif
 }

@@ -4,6 +4,14 @@
 
 #include <cstddef>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define ORLIX_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORLIX_SANITIZED 1
+#endif
+#endif
+
 namespace orlix::fuzz {
 
 // While a call of the library runs. A client that is called back steps out of it again.

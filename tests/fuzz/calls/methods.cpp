@@ -1,7 +1,7 @@
 // The table of all methods, and the few whose arguments belong together.
 #include <algorithm>
 #include <array>
-#include <climits>
+#include <cstring>
 #include <tuple>
 #include <utility>
 
@@ -12,8 +12,27 @@
 namespace orlix::fuzz {
 namespace {
 
-// What a method hands out is used as a client would use it, while that is allowed: until the object changes. arguments
-// is the tuple of what was passed. Specialised by method.
+// A call of a method with given arguments.
+template <auto Pointer>
+class Caller;
+
+template <class I, class... Parameters, HRESULT (STDMETHODCALLTYPE I::*Pointer)(Parameters...)>
+class Caller<Pointer> {
+public:
+    explicit Caller(const Callee& callee) : callee_(callee) {}
+    template <class... Arguments>
+    HRESULT operator()(Arguments... arguments) const {
+        I* const object = static_cast<I*>(callee_.target.get());
+        World::Call call(callee_);
+        return call.Result((object->*Pointer)(arguments...));
+    }
+
+private:
+    const Callee& callee_;
+};
+
+// What a method hands out is used as a client would use it, while that is allowed: until the object changes.
+// Specialised by method.
 template <auto Pointer>
 struct AfterCall {
     static constexpr bool kLooks = false;
@@ -27,71 +46,41 @@ struct Special {
 
 // Robust fits, whose first argument is the probability of a good pixel: small ones ask for millions of trials by
 // contract.
-template <auto Pointer>
-constexpr bool kRobust = false;
-#define ORLIX_ROBUST(name) \
-    template <>            \
-    constexpr bool kRobust<&IOrlixImageProcess::name> = true;
-template <>
-constexpr bool kRobust<&IPolygon::RobustCircleFit> = true;
-ORLIX_ROBUST(get_RobustPlanarFit)
-ORLIX_ROBUST(get_RobustBiquadraticFit)
-ORLIX_ROBUST(get_RobustBicubicFit)
-ORLIX_ROBUST(get_RobustHemisphereFit)
-ORLIX_ROBUST(get_RobustAngledHemisphereFit)
-ORLIX_ROBUST(RobustCorrectPlanar)
-ORLIX_ROBUST(RobustCorrectBiquadratic)
-ORLIX_ROBUST(RobustCorrectBicubic)
-ORLIX_ROBUST(RobustCorrectHemisphere)
-ORLIX_ROBUST(RobustCorrectAngledHemisphere)
-#undef ORLIX_ROBUST
+void Tame(const Method&) {}
+template <class First, class... Others>
+void Tame(const Method& method, First& first, Others&...) {
+    constexpr double kLeast = 0.75;
+    if constexpr (std::is_same_v<First, Argument<double>>)
+        if (std::strstr(method.name, "Robust") && first.get() > 0 && first.get() < kLeast)
+            first = Argument<double>(kLeast);
+}
 
 template <auto Pointer>
 struct Invoker;
 
-template <class I, class Result, class... Parameters, Result (STDMETHODCALLTYPE I::*Pointer)(Parameters...)>
+template <class I, class... Parameters, HRESULT (STDMETHODCALLTYPE I::*Pointer)(Parameters...)>
 struct Invoker<Pointer> {
-    static void Call(World& world, const Method& method, ComPtr<IUnknown>& target, bool held) {
-        I* const object = static_cast<I*>(target.get());
+    static void Call(World& world, const Callee& callee) {
+        I* const object = static_cast<I*>(callee.target.get());
+        const Caller<Pointer> call(callee);
         if constexpr (Special<Pointer>::kSpecial) {
-            Special<Pointer>::Call(world, method, target, held);
+            Special<Pointer>::Call(world, *object, call);
         } else {
             // Element by element: a tuple makes its elements in an order of its own.
             const auto at = [&]<size_t... K>(std::index_sequence<K...>) {
                 std::tuple<std::unique_ptr<Argument<Parameters>>...> arguments;
                 ((std::get<K>(arguments) = std::make_unique<Argument<Parameters>>(world)), ...);
-                if constexpr (kRobust<Pointer>) {
-                    constexpr double kLeast = 0.75;
-                    const double probability = std::get<0>(arguments)->get();
-                    if (probability > 0 && probability < kLeast) std::get<0>(arguments)->put(kLeast);
-                }
-                const HRESULT result = Invoke(world, method, target, held, *std::get<K>(arguments)...);
+                Tame(callee.method, *std::get<K>(arguments)...);
+                const HRESULT result = call(std::get<K>(arguments)->get()...);
                 if constexpr (AfterCall<Pointer>::kLooks)
-                    if (target) AfterCall<Pointer>::Look(world, object, result, *std::get<K>(arguments)...);
-                (std::get<K>(arguments)->Done(world, result), ...);
+                    if (callee.target && result == S_OK)
+                        AfterCall<Pointer>::Look(world, object, *std::get<K>(arguments)...);
+                (std::get<K>(arguments)->Done(world), ...);
             };
             at(std::index_sequence_for<Parameters...>());
         }
     }
-
-private:
-    template <class... Arguments>
-    static HRESULT Invoke(World& world, const Method& method, ComPtr<IUnknown>& target, bool held,
-                          Arguments&... arguments) {
-        I* const object = static_cast<I*>(target.get());
-        World::Call call(world, method, target, held);
-        return call.Result((object->*Pointer)(arguments.get()...));
-    }
 };
-
-// For the specialisations: a call with given arguments.
-template <class I, class... Parameters, class... Arguments>
-HRESULT CallWith(World& world, const Method& method, ComPtr<IUnknown>& target, bool held,
-                 HRESULT (STDMETHODCALLTYPE I::*pointer)(Parameters...), Arguments... arguments) {
-    I* const object = static_cast<I*>(target.get());
-    World::Call call(world, method, target, held);
-    return call.Result((object->*pointer)(arguments...));
-}
 
 // Mostly small. Else what takes little time, or so much memory that it is refused: some methods look at each pixel many
 // times.
@@ -117,19 +106,18 @@ struct Size {
     LONG type, width, height, bands;
 };
 
-#define ORLIX_SPECIAL(I, name)                                                                     \
-    template <>                                                                                    \
-    struct Special<&I::name> {                                                                     \
-        static constexpr bool kSpecial = true;                                                     \
-        static void Call(World& world, const Method& method, ComPtr<IUnknown>& target, bool held); \
-    };                                                                                             \
-    void Special<&I::name>::Call(World& world, const Method& method, ComPtr<IUnknown>& target, bool held)
+#define ORLIX_SPECIAL(I, name)                                                              \
+    template <>                                                                             \
+    struct Special<&I::name> {                                                              \
+        static constexpr bool kSpecial = true;                                              \
+        static void Call(World& world, I& target, const Caller<&I::name>& call);            \
+    };                                                                                      \
+    void Special<&I::name>::Call([[maybe_unused]] World& world, [[maybe_unused]] I& target, \
+                                 const Caller<&I::name>& call)
 
 ORLIX_SPECIAL(IImageVPAExPlus, Create) {
     const Size size(world);
-    const LONG zero = world.choices().Chance(96) ? 0 : 1;
-    CallWith(world, method, target, held, &IImageVPAExPlus::Create, size.width, size.height, size.bands, size.type,
-             zero);
+    call(size.width, size.height, size.bands, size.type, world.choices().Chance(96) ? 0 : 1);
 }
 
 // As large as the images above are at most.
@@ -168,42 +156,35 @@ ORLIX_SPECIAL(IImageVPAExPlus, AttachBuffer) {
     const bool honest = fits(size.width) && fits(size.height) && fits(size.bands) && sample > 0 && sample <= 8;
     void* buffer = HostileAddress(world.choices().Byte());
     // Absurd sizes go with addresses behind which the system finds an end.
-    if (honest) buffer = BufferFor(world, *target);
-    const LONG zero = world.choices().Chance(96) ? 1 : 0;
-    CallWith(world, method, target, held, &IImageVPAExPlus::AttachBuffer, buffer, size.width, size.height, size.bands,
-             size.type, zero);
+    if (honest) buffer = BufferFor(world, target);
+    call(buffer, size.width, size.height, size.bands, size.type, world.choices().Chance(96) ? 1 : 0);
 }
 
 ORLIX_SPECIAL(IPictureEx, AttachBuffer) {
     const LONG width = 1 + static_cast<LONG>(world.choices().Below(24)), height = world.Long();
     const LONG bits = world.choices().Chance(48) ? world.Long() : world.choices().Chance(128) ? 8 : 16;
-    void* const buffer = height <= 24 ? BufferFor(world, *target) : HostileAddress(world.choices().Byte());
-    CallWith(world, method, target, held, &IPictureEx::AttachBuffer, buffer, width, height, bits);
+    void* const buffer = height <= 24 ? BufferFor(world, target) : HostileAddress(world.choices().Byte());
+    call(buffer, width, height, bits);
 }
 
-ORLIX_SPECIAL(IImageVPAExPlus, CreateFromFile) {
+Argument<BSTR> FileName(World& world) {
     const auto name = world.FileName();
-    const BSTR text =
-        world.choices().Chance(4) ? nullptr : SysAllocStringLen(name.data(), static_cast<UINT>(name.size()));
-    CallWith(world, method, target, held, &IImageVPAExPlus::CreateFromFile, text);
-    SysFreeString(text);
+    if (world.choices().Chance(4)) return Argument<BSTR>(nullptr);
+    return Argument<BSTR>(SysAllocStringLen(name.data(), static_cast<UINT>(name.size())));
 }
+
+ORLIX_SPECIAL(IImageVPAExPlus, CreateFromFile) { call(FileName(world).get()); }
 
 ORLIX_SPECIAL(IImageFile, SaveToFile) {
-    const auto name = world.FileName();
-    const BSTR text =
-        world.choices().Chance(4) ? nullptr : SysAllocStringLen(name.data(), static_cast<UINT>(name.size()));
-    const Argument<ImageFileFormat> format(world);
-    CallWith(world, method, target, held, &IImageFile::SaveToFile, text, format.get());
-    SysFreeString(text);
+    const Argument<BSTR> name = FileName(world);
+    call(name.get(), Argument<ImageFileFormat>(world).get());
 }
 
 ORLIX_SPECIAL(IImageEntries, ReadBinaryEntry) {
     const LONG index = world.Long(), offset = world.Long(), size = world.Long();
     // The caller's memory is as large as the size says, except for sizes that no entry has.
     Bytes bytes(static_cast<size_t>(size > 0 && size < 100000 ? size : 1));
-    CallWith(world, method, target, held, &IImageEntries::ReadBinaryEntry, index, offset, size,
-             world.choices().Chance(6) ? nullptr : bytes.data());
+    call(index, offset, size, world.choices().Chance(6) ? nullptr : bytes.data());
 }
 
 ORLIX_SPECIAL(IImageEntries, PutBinaryEntry) {
@@ -211,15 +192,14 @@ ORLIX_SPECIAL(IImageEntries, PutBinaryEntry) {
     const LONG size = world.Long();
     if (size >= 100000) return;
     Bytes bytes(static_cast<size_t>(size > 0 ? size : 0), world.choices().Byte());
-    CallWith(world, method, target, held, &IImageEntries::PutBinaryEntry, keyword.get(), size,
-             world.choices().Chance(6) ? nullptr : bytes.data());
+    call(keyword.get(), size, world.choices().Chance(6) ? nullptr : bytes.data());
 }
 
 // The system gives bins as they are touched: billions of them cost nothing here, and seconds in each method after it.
 ORLIX_SPECIAL(IHistogram, Create) {
     const LONG bins = std::min(world.Long(), LONG{70000});
     const double left = world.Double(), right = world.Double();
-    CallWith(world, method, target, held, &IHistogram::Create, bins, left, right);
+    call(bins, left, right);
 }
 
 ORLIX_SPECIAL(IPolygon, Create) {
@@ -231,52 +211,39 @@ ORLIX_SPECIAL(IPolygon, Create) {
         vertex = {world.Double(), world.Double()};
         if (tame) vertex = {static_cast<double>(world.choices().Byte()), static_cast<double>(world.choices().Byte())};
     }
-    CallWith(world, method, target, held, &IPolygon::Create, count,
-             world.choices().Chance(6) ? nullptr : vertices.data());
+    call(count, world.choices().Chance(6) ? nullptr : vertices.data());
 }
 
 ORLIX_SPECIAL(IConnectionPoint, Unadvise) {
     const auto cookie = static_cast<DWORD>(world.choices().Chance(16) ? world.Long() : world.choices().Below(8));
-    CallWith(world, method, target, held, &IConnectionPoint::Unadvise, cookie);
-}
-
-template <class Element>
-size_t Elements(World& world, std::vector<Element>& elements) {
-    elements.resize(world.choices().Below(5));
-    return elements.size();
+    call(cookie);
 }
 
 ORLIX_SPECIAL(IEnumConnectionPoints, Next) {
-    std::vector<IConnectionPoint*> points;
-    const auto count = static_cast<ULONG>(Elements(world, points));
+    std::vector<IConnectionPoint*> points(world.choices().Below(5));
     ULONG fetched = 0;
-    CallWith(world, method, target, held, &IEnumConnectionPoints::Next, count, points.data(),
-             world.choices().Chance(16) ? nullptr : &fetched);
+    call(static_cast<ULONG>(points.size()), points.data(), world.choices().Chance(16) ? nullptr : &fetched);
     for (IConnectionPoint* const point : points)
         if (point) world.Adopt(__uuidof(IConnectionPoint), point);
 }
 
 ORLIX_SPECIAL(IEnumConnections, Next) {
-    std::vector<CONNECTDATA> connections;
-    const auto count = static_cast<ULONG>(Elements(world, connections));
+    std::vector<CONNECTDATA> connections(world.choices().Below(5));
     ULONG fetched = 0;
-    CallWith(world, method, target, held, &IEnumConnections::Next, count, connections.data(),
-             world.choices().Chance(16) ? nullptr : &fetched);
+    call(static_cast<ULONG>(connections.size()), connections.data(), world.choices().Chance(16) ? nullptr : &fetched);
     for (const CONNECTDATA& connection : connections)
         if (connection.pUnk) world.Adopt(__uuidof(IPictureExEvents), connection.pUnk);
 }
 
 // Too many locks would outlive the sequence: each is taken back.
 ORLIX_SPECIAL(IClassFactory, LockServer) {
-    if (CallWith(world, method, target, held, &IClassFactory::LockServer, TRUE) == S_OK)
-        CallWith(world, method, target, held, &IClassFactory::LockServer, FALSE);
+    if (call(TRUE) == S_OK) call(FALSE);
 }
 
 ORLIX_SPECIAL(IClassFactory, CreateInstance) {
     void* made = nullptr;
     const IID& iid = world.Identifier();
-    CallWith(world, method, target, held, &IClassFactory::CreateInstance, static_cast<IUnknown*>(nullptr), iid,
-             world.choices().Chance(6) ? nullptr : &made);
+    call(static_cast<IUnknown*>(nullptr), iid, world.choices().Chance(6) ? nullptr : &made);
     if (made) world.Adopt(iid, static_cast<IUnknown*>(made));
 }
 
@@ -286,49 +253,29 @@ ORLIX_SPECIAL(IDispatch, GetIDsOfNames) {
     OLECHAR known[] = L"zoomFACTOR", unknown[] = L"none";
     LPOLESTR names[] = {world.choices().Chance(128) ? known : unknown, world.choices().Chance(16) ? nullptr : unknown};
     DISPID ids[2] = {};
-    CallWith(world, method, target, held, &IDispatch::GetIDsOfNames,
-             world.choices().Chance(8) ? world.Identifier() : IID_NULL, world.choices().Chance(6) ? nullptr : names,
-             static_cast<UINT>(world.choices().Below(3)), LCID{0}, world.choices().Chance(6) ? nullptr : ids);
+    call(world.choices().Chance(8) ? world.Identifier() : IID_NULL, world.choices().Chance(6) ? nullptr : names,
+         static_cast<UINT>(world.choices().Below(3)), LCID{0}, world.choices().Chance(6) ? nullptr : ids);
 }
 
 ORLIX_SPECIAL(IDispatch, Invoke) {
     Choices& choices = world.choices();
     VARIANT arguments[2] = {};
     for (VARIANT& argument : arguments) {
-        switch (choices.Below(6)) {
-            case 0:
-                argument.vt = VT_R8;
-                argument.dblVal = world.Double();
-                break;
-            case 1:
-                argument.vt = VT_I4;
-                argument.lVal = world.Long();
-                break;
-            case 2:
-                argument.vt = VT_BSTR;
-                argument.bstrVal = SysAllocString(choices.Chance(128) ? L"2.5" : L"none");
-                break;
-            case 3:
-                argument.vt = VT_DISPATCH;
-                target->AddRef();
-                argument.pdispVal = static_cast<IDispatch*>(target.get());
-                break;
-            case 4:
-                argument.vt = VT_ERROR;
-                argument.scode = world.Long();
-                break;
-            default:
-                break;
-        }
+        constexpr VARTYPE kTypes[] = {VT_R8, VT_I4, VT_BSTR, VT_DISPATCH, VT_ERROR, VT_EMPTY};
+        argument.vt = kTypes[choices.Below(std::size(kTypes))];
+        if (argument.vt == VT_R8) argument.dblVal = world.Double();
+        if (argument.vt == VT_I4 || argument.vt == VT_ERROR) argument.lVal = world.Long();
+        if (argument.vt == VT_BSTR) argument.bstrVal = SysAllocString(choices.Chance(128) ? L"2.5" : L"none");
+        if (argument.vt == VT_DISPATCH) argument.pdispVal = ComPtr<IDispatch>(&target).Detach();
     }
     DISPPARAMS parameters = {arguments, nullptr, static_cast<UINT>(choices.Below(3)), 0};
     VARIANT result = {};
     EXCEPINFO exception = {};
     UINT bad = 0;
-    CallWith(world, method, target, held, &IDispatch::Invoke, static_cast<DISPID>(choices.Below(8)),
-             choices.Chance(8) ? world.Identifier() : IID_NULL, LCID{0}, static_cast<WORD>(choices.Below(16)),
-             choices.Chance(6) ? nullptr : &parameters, choices.Chance(16) ? nullptr : &result,
-             choices.Chance(16) ? nullptr : &exception, choices.Chance(16) ? nullptr : &bad);
+    call(static_cast<DISPID>(choices.Below(8)), choices.Chance(8) ? world.Identifier() : IID_NULL, LCID{0},
+         static_cast<WORD>(choices.Below(16)), choices.Chance(6) ? nullptr : &parameters,
+         choices.Chance(16) ? nullptr : &result, choices.Chance(16) ? nullptr : &exception,
+         choices.Chance(16) ? nullptr : &bad);
     for (VARIANT& argument : arguments) VariantClear(&argument);
     VariantClear(&result);
     SysFreeString(exception.bstrSource);
@@ -348,24 +295,16 @@ void Read(const void* bytes, size_t size) {
     (void)sink;
 }
 
-#define ORLIX_AFTER(I, name)                                                                 \
-    template <>                                                                              \
-    struct AfterCall<&I::name> {                                                             \
-        static constexpr bool kLooks = true;                                                 \
-        template <class... Arguments>                                                        \
-        static void Look(World& world, I* object, HRESULT result, Arguments&... arguments) { \
-            if (result == S_OK) Use(world, object, arguments...);                            \
-        }                                                                                    \
-        template <class... Arguments>                                                        \
-        static void Use(World& world, I* object, Arguments&... arguments);                   \
-    };                                                                                       \
-    template <class... Arguments>                                                            \
-    void AfterCall<&I::name>::Use([[maybe_unused]] World& world, [[maybe_unused]] I* object, \
-                                  [[maybe_unused]] Arguments&... arguments)
+#define ORLIX_AFTER(I, name, ...)                               \
+    template <>                                                 \
+    struct AfterCall<&I::name> {                                \
+        static constexpr bool kLooks = true;                    \
+        static void Look(World& world, I* object, __VA_ARGS__); \
+    };                                                          \
+    void AfterCall<&I::name>::Look([[maybe_unused]] World& world, [[maybe_unused]] I* object, __VA_ARGS__)
 
 // Writes pixels: what the library makes of them must not depend on what they were.
-ORLIX_AFTER(IImageVPA, VPA) {
-    const auto& [band, base, table] = std::tie(arguments...);
+ORLIX_AFTER(IImageVPA, VPA, const auto&, const auto& base, const auto& table) {
     LONG bands = 0, width = 0, height = 0, type = 0;
     ComPtr<IPixelAccess> access;
     if (object->QueryInterface(__uuidof(IPixelAccess), access.OutVoid()) != S_OK || !access ||
@@ -386,28 +325,28 @@ ORLIX_AFTER(IImageVPA, VPA) {
     }
 }
 
-ORLIX_AFTER(IHistogram, get_Bins) {
-    const auto& [bins] = std::tie(arguments...);
+// Reads as many elements as the object says that there are; returns their number.
+template <class Object, class I, class Pointer>
+size_t ReadAll(Object* object, HRESULT (STDMETHODCALLTYPE I::*number)(LONG*), const Pointer& elements) {
     LONG count = 0;
-    if (!bins.pointer() || object->get_NumberOfBins(&count) != S_OK) return;
-    Read(bins.pointer(), static_cast<size_t>(count) * sizeof(LONG));
+    if (!elements.pointer() || (object->*number)(&count) != S_OK) return 0;
+    Read(elements.pointer(), static_cast<size_t>(count) * sizeof *elements.pointer());
+    return static_cast<size_t>(count);
+}
+
+ORLIX_AFTER(IHistogram, get_Bins, const auto& bins) {
+    const size_t count = ReadAll(object, &IHistogram::get_NumberOfBins, bins);
     for (int i = 0; i < 4 && count > 0; ++i)
-        bins.pointer()[world.choices().Below(static_cast<size_t>(count))] =
+        bins.pointer()[world.choices().Below(count)] =
             world.choices().Chance(16) ? world.Long() : static_cast<LONG>(world.choices().Byte());
 }
-
-ORLIX_AFTER(IHistogram, get_DetailBins) {
-    LONG count = 0;
-    const auto& [bins] = std::tie(arguments...);
-    if (bins.pointer() && object->get_NumberOfBins(&count) == S_OK)
-        Read(bins.pointer(), static_cast<size_t>(count) * sizeof(LONG));
+ORLIX_AFTER(IHistogram, get_DetailBins, const auto& bins) { ReadAll(object, &IHistogram::get_NumberOfBins, bins); }
+ORLIX_AFTER(IHistogram, get_SmoothBins, const auto& bins) { ReadAll(object, &IHistogram::get_NumberOfBins, bins); }
+ORLIX_AFTER(IPolygon, get_Vertices, const auto& vertices) {
+    ReadAll(object, &IPolygon::get_NumberOfVertices, vertices);
 }
-
-ORLIX_AFTER(IHistogram, get_SmoothBins) {
-    LONG count = 0;
-    const auto& [bins] = std::tie(arguments...);
-    if (bins.pointer() && object->get_NumberOfBins(&count) == S_OK)
-        Read(bins.pointer(), static_cast<size_t>(count) * sizeof(LONG));
+ORLIX_AFTER(IStructuringElement, get_Elements, const auto& elements) {
+    ReadAll(object, &IStructuringElement::get_NumberOfElements, elements);
 }
 
 // The pixels of a row, not the bytes behind them.
@@ -420,28 +359,13 @@ void UseRow(World& world, Bitmap* object, const Pointer& row, bool write) {
     if (write && bytes) row.pointer()[world.choices().Below(bytes)] = world.choices().Byte();
 }
 
-ORLIX_AFTER(IBitmap, GetRowPtr) { UseRow(world, object, std::get<1>(std::tie(arguments...)), false); }
-ORLIX_AFTER(IBitmapProcess, GetWriteRowPtr) { UseRow(world, object, std::get<1>(std::tie(arguments...)), true); }
+ORLIX_AFTER(IBitmap, GetRowPtr, const auto&, const auto& row) { UseRow(world, object, row, false); }
+ORLIX_AFTER(IBitmapProcess, GetWriteRowPtr, const auto&, const auto& row) { UseRow(world, object, row, true); }
 
-ORLIX_AFTER(IBitmap, get_Bitmap) {
-    const auto& [record] = std::tie(arguments...);
+ORLIX_AFTER(IBitmap, get_Bitmap, const auto& record) {
     const BITMAP* const bitmap = record.get();
     if (bitmap->bmBits)
         Read(bitmap->bmBits, static_cast<size_t>(bitmap->bmWidthBytes) * static_cast<size_t>(bitmap->bmHeight));
-}
-
-ORLIX_AFTER(IPolygon, get_Vertices) {
-    LONG count = 0;
-    const auto& [vertices] = std::tie(arguments...);
-    if (vertices.pointer() && object->get_NumberOfVertices(&count) == S_OK)
-        Read(vertices.pointer(), static_cast<size_t>(count) * sizeof(SVertice));
-}
-
-ORLIX_AFTER(IStructuringElement, get_Elements) {
-    LONG count = 0;
-    const auto& [elements] = std::tie(arguments...);
-    if (elements.pointer() && object->get_NumberOfElements(&count) == S_OK)
-        Read(elements.pointer(), static_cast<size_t>(count) * sizeof(SElement));
 }
 
 template <class Begin, class End>
@@ -449,52 +373,20 @@ void ReadRange(const Begin& begin, const End& end) {
     if (begin.pointer())
         Read(begin.pointer(), static_cast<size_t>(end.pointer() - begin.pointer()) * sizeof(*begin.pointer()));
 }
-
-ORLIX_AFTER(IStructuringElement, get_BinaryElements) {
-    const auto& [bit, begin, end] = std::tie(arguments...);
+ORLIX_AFTER(IStructuringElement, get_BinaryElements, const auto&, const auto& begin, const auto& end) {
     ReadRange(begin, end);
 }
+ORLIX_AFTER(IRegionOfInterest, GetRowRuns, const auto&, const auto& begin, const auto& end) { ReadRange(begin, end); }
 
-ORLIX_AFTER(IRegionOfInterest, GetRowRuns) {
-    const auto& [row, begin, end] = std::tie(arguments...);
-    ReadRange(begin, end);
-}
-
-ORLIX_AFTER(IPictureEx, CreateHBITMAP) {
-    const auto& [context, bitmap] = std::tie(arguments...);
-    DeleteBitmap(bitmap.pointer());
-}
-
-ORLIX_AFTER(IPictureEx, CreateDIBSection) {
-    const auto& [bits, bitmap] = std::tie(arguments...);
-    DeleteBitmap(bitmap.pointer());
-}
+ORLIX_AFTER(IPictureEx, CreateHBITMAP, const auto&, const auto& bitmap) { DeleteBitmap(bitmap.pointer()); }
+ORLIX_AFTER(IPictureEx, CreateDIBSection, const auto&, const auto& bitmap) { DeleteBitmap(bitmap.pointer()); }
 
 #undef ORLIX_AFTER
 
 #define ORLIX_METHOD(I, name) {#I, #name, &__uuidof(I), &Invoker<&I::name>::Call},
 const Method kMethods[] = {
 #include "contract_methods.inc"
-    ORLIX_METHOD(IPersist, GetClassID) ORLIX_METHOD(IPersistStreamInit, IsDirty) ORLIX_METHOD(IPersistStreamInit, Load)
-        ORLIX_METHOD(IPersistStreamInit, Save) ORLIX_METHOD(IPersistStreamInit, GetSizeMax) ORLIX_METHOD(
-            IPersistStreamInit, InitNew) ORLIX_METHOD(IConnectionPointContainer, EnumConnectionPoints)
-            ORLIX_METHOD(IConnectionPointContainer, FindConnectionPoint) ORLIX_METHOD(
-                IConnectionPoint, GetConnectionInterface) ORLIX_METHOD(IConnectionPoint, GetConnectionPointContainer)
-                ORLIX_METHOD(IConnectionPoint, Advise) ORLIX_METHOD(IConnectionPoint, Unadvise) ORLIX_METHOD(
-                    IConnectionPoint, EnumConnections) ORLIX_METHOD(IEnumConnectionPoints, Next)
-                    ORLIX_METHOD(IEnumConnectionPoints, Skip) ORLIX_METHOD(IEnumConnectionPoints, Reset) ORLIX_METHOD(
-                        IEnumConnectionPoints, Clone) ORLIX_METHOD(IEnumConnections, Next)
-                        ORLIX_METHOD(IEnumConnections, Skip) ORLIX_METHOD(IEnumConnections, Reset) ORLIX_METHOD(
-                            IEnumConnections, Clone) ORLIX_METHOD(ISupportErrorInfo, InterfaceSupportsErrorInfo)
-                            ORLIX_METHOD(IErrorInfo, GetGUID) ORLIX_METHOD(IErrorInfo, GetSource) ORLIX_METHOD(
-                                IErrorInfo, GetDescription) ORLIX_METHOD(IErrorInfo, GetHelpFile)
-                                ORLIX_METHOD(IErrorInfo, GetHelpContext) ORLIX_METHOD(IClassFactory, CreateInstance)
-                                    ORLIX_METHOD(IClassFactory, LockServer) ORLIX_METHOD(IPixelAccess, Accessible)
-#ifdef _WIN32
-                                        ORLIX_METHOD(IDispatch, GetTypeInfoCount) ORLIX_METHOD(IDispatch, GetTypeInfo)
-                                            ORLIX_METHOD(IDispatch, GetIDsOfNames) ORLIX_METHOD(IDispatch, Invoke)
-#endif
-};
+    ORLIX_METHOD(IPixelAccess, Accessible)};
 #undef ORLIX_METHOD
 
 }  // namespace

@@ -1,31 +1,18 @@
 #include "fuzz/calls/watchdog.hpp"
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <thread>
 
 #include "fuzz/calls/world.hpp"
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <pthread.h>
-#include <unistd.h>
-#endif
 
 namespace orlix::fuzz {
 namespace {
 
 constexpr double kLongSeconds = 5, kMostSeconds = 100, kMostWaiting = 900;
-
-void WaitOneSecond() {
-#ifdef _WIN32
-    Sleep(1000);
-#else
-    sleep(1);
-#endif
-}
 
 // The place does not change while the call is at work, except for a client's name.
 void Say(const char* what, double seconds) {
@@ -40,7 +27,7 @@ void Say(const char* what, double seconds) {
     std::time_t sinceTime = std::time(nullptr);
     bool said = false;
     for (;;) {
-        WaitOneSecond();
+        std::this_thread::sleep_for(std::chrono::seconds(1));
         const double now = ProcessorSeconds();
         const std::time_t time = std::time(nullptr);
         if (const uint64_t turn = turns; turn != seen || !*place.method) {  // not in a call
@@ -59,21 +46,8 @@ void Say(const char* what, double seconds) {
     }
 }
 
-#ifdef _WIN32
-DWORD WINAPI Run(void*) { Watch(); }
-#else
-void* Run(void*) { Watch(); }
-#endif
-
 }  // namespace
 
-void WatchCalls() {
-#ifdef _WIN32
-    if (const HANDLE thread = CreateThread(nullptr, 0, &Run, nullptr, 0, nullptr)) CloseHandle(thread);
-#else
-    pthread_t thread;
-    if (pthread_create(&thread, nullptr, &Run, nullptr) == 0) pthread_detach(thread);
-#endif
-}
+void WatchCalls() { std::thread(&Watch).detach(); }
 
 }  // namespace orlix::fuzz

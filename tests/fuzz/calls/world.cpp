@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdarg>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
@@ -10,6 +11,7 @@
 #include "component/module_lock.hpp"
 #include "fuzz/calls/clients.hpp"
 #include "module/class_factory.hpp"
+#include "support/special_numbers.hpp"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -81,14 +83,15 @@ double ProcessorSeconds() noexcept {
 
 // --------------------------------------------------------------------------------------------------------------- calls
 
-World::Call::Call(World& world, const Method& method, ComPtr<IUnknown>& target, bool held)
-    : world_(world),
-      method_(method),
+World::Call::Call(const Callee& callee)
+    : world_(callee.world),
+      method_(callee.method),
       before_(place),
-      calledBefore_(world.inLibrary_),
+      calledBefore_(world_.inLibrary_),
       started_(ProcessorSeconds()),
-      innerBefore_(std::exchange(world.innerSeconds_, 0)),
-      heap_(world.choices_.Chance(8) ? static_cast<int>(world.choices_.Below(8)) : -1) {
+      innerBefore_(std::exchange(world_.innerSeconds_, 0)),
+      heap_(world_.choices_.Chance(8) ? static_cast<int>(world_.choices_.Below(8)) : -1) {
+    const auto& [world, method, target, held] = callee;
     place.interfaceName = method.interfaceName;
     place.method = method.name;
     place.depth = world.depth_;
@@ -97,9 +100,8 @@ World::Call::Call(World& world, const Method& method, ComPtr<IUnknown>& target, 
     if (world.depth_ > 0) ++tally.reentrantCalls;
     ++tally.callsOf[static_cast<size_t>(&method - Methods().data())];
     --world.budget_;
-    if (world.verbose_)
-        std::printf("%*s%s::%s on %p%s\n", 2 * world.depth_, "", method.interfaceName, method.name,
-                    static_cast<void*>(target.get()), held ? "" : ", not held");
+    world.Say("%s::%s on %p%s", method.interfaceName, method.name, static_cast<void*>(target.get()),
+              held ? "" : ", not held");
     // The sum of an object of the library tells whether somebody else refers to it.
     if (!held && target->AddRef() >= 3) {
         target->Release();
@@ -112,10 +114,7 @@ World::Call::Call(World& world, const Method& method, ComPtr<IUnknown>& target, 
 }
 
 HRESULT World::Call::Result(HRESULT result) {
-    if (world_.verbose_) {
-        std::printf("%*s-> 0x%08X\n", 2 * world_.depth_, "", static_cast<unsigned>(result));
-        std::fflush(stdout);
-    }
+    world_.Say("-> 0x%08X", static_cast<unsigned>(result));
     return result;
 }
 
@@ -139,10 +138,7 @@ void World::Called(const char* client, const char* method) {
     place.client = client;
     ++TallyOfProcess().callbacks;
     if (depth_ < kMostDepth && callbacksLeft_ > 0 && budget_ > 0 && choices_.Chance(depth_ == 0 ? 72 : 40)) {
-        if (verbose_) {
-            std::printf("%*s%s::%s calls back\n", 2 * depth_, "", client, method);
-            std::fflush(stdout);
-        }
+        Say("%s::%s calls back", client, method);
         --callbacksLeft_;
         ++depth_;
         for (size_t steps = 1 + choices_.Below(3); steps > 0; --steps) Step();
@@ -159,14 +155,25 @@ void World::CallMethod() {
         dying_.back()->QueryInterface(*method.iid, target.OutVoid());
         if (!target) return;
         ++dyingCalls_;
-        method.call(*this, method, target, true);
+        method.call(*this, {*this, method, target, true});
         target = nullptr;
         --dyingCalls_;
         return;
     }
     target = FromPool(*method.iid, false);
     if (!target) target = NewObject(*method.iid);
-    if (target) method.call(*this, method, target, !choices_.Chance(48));
+    if (target) method.call(*this, {*this, method, target, !choices_.Chance(48)});
+}
+
+void World::Say(const char* format, ...) const {
+    if (!verbose_) return;
+    std::printf("%*s", 2 * depth_, "");
+    va_list values;
+    va_start(values, format);
+    std::vprintf(format, values);
+    va_end(values);
+    std::printf("\n");
+    std::fflush(stdout);
 }
 
 // ------------------------------------------------------------------------------------------------------------- objects
@@ -208,10 +215,7 @@ void World::Drop(size_t index) {
     const Reference gone = pool_[index];
     pool_.erase(pool_.begin() + static_cast<ptrdiff_t>(index));
     if (!gone.client) dying_.push_back(gone.object);
-    if (verbose_) {
-        std::printf("%*sRelease of %p\n", 2 * depth_, "", static_cast<void*>(gone.object));
-        std::fflush(stdout);
-    }
+    Say("Release of %p", static_cast<void*>(gone.object));
     {
         const InLibrary inside(*this, true);
         const LibraryHeap heap(-1);
@@ -385,35 +389,10 @@ double World::Double() {
     const int kind = choices_.Byte();
     if (kind < 96) return kind % 24;
     if (kind < 160) return (kind - 128) * 0.25;
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    constexpr double kDoubles[] = {std::numeric_limits<double>::quiet_NaN(),
-                                   kInfinity,
-                                   -kInfinity,
-                                   1e300,
-                                   -1e300,
-                                   5e-324,
-                                   -0.0,
-                                   0.5,
-                                   0.25,
-                                   0.99,
-                                   1 - 1e-16,
-                                   1e-9,
-                                   2147483647.0,
-                                   2147483648.0,
-                                   -2147483648.0,
-                                   4294967295.0,
-                                   4294967296.0,
-                                   65535,
-                                   255,
-                                   254.5,
-                                   1e9,
-                                   3.5e38,
-                                   1e-300,
-                                   -1e-9,
-                                   20000,
-                                   360,
-                                   45,
-                                   100};
+    constexpr double kDoubles[] = {kNaN,  kInfinity, -kInfinity, 1e300,  -1e300,    5e-324,     -0.0,
+                                   0.5,   0.25,      0.99,       0x1p31, -0x1p31,   65535,      255,
+                                   254.5, 1e9,       3.5e38,     1e-300, 1e-9,      0x1p32,     -1e-9,
+                                   20000, 360,       45,         100,    1 - 1e-16, 0x1p31 - 1, 0x1p32 - 1};
     return kDoubles[static_cast<size_t>(kind) % std::size(kDoubles)];
 }
 

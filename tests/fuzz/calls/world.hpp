@@ -18,17 +18,25 @@
 namespace orlix::fuzz {
 
 class World;
+struct Callee;
 
 // One method of the contract or of the system's interfaces.
 struct Method {
     const char* interfaceName;
     const char* name;
     const IID* iid;
-    // target is an interface pointer of iid. Where it is not to be held, the call lets go of it when it begins, if
-    // others refer to the object, and a client that is called back may let go of the last of those.
-    void (*call)(World& world, const Method& method, ComPtr<IUnknown>& target, bool held);
+    void (*call)(World& world, const Callee& callee);
 };
 std::span<const Method> Methods();
+
+// target is an interface pointer of the method's. Where it is not to be held, the call lets go of it when it begins, if
+// others refer to the object, and a client that is called back may let go of the last of those.
+struct Callee {
+    World& world;
+    const Method& method;
+    ComPtr<IUnknown>& target;
+    bool held;
+};
 
 // What has been done since the process started.
 struct Tally {
@@ -70,7 +78,6 @@ public:
     std::string Close();
 
     Choices& choices() { return choices_; }
-    bool verbose() const { return verbose_; }
     int depth() const { return depth_; }
 
     LONG Long();
@@ -91,12 +98,15 @@ public:
     // An object to hand in as this interface: the library's, a client's, or none.
     ComPtr<IUnknown> Argument(const IID& iid);
 
+    // With --verbose: a line, indented by the depth.
+    [[gnu::format(printf, 2, 3)]] void Say(const char* format, ...) const;
+
     // A client's method was called: may call back.
     void Called(const char* client, const char* method);
     // Around each call of a method of the library.
     class Call {
     public:
-        Call(World& world, const Method& method, ComPtr<IUnknown>& target, bool held);
+        explicit Call(const Callee& callee);
         ~Call();
         Call(const Call&) = delete;
         Call& operator=(const Call&) = delete;
