@@ -49,8 +49,8 @@ std::vector<Point> OutlineOf(std::span<const PixelPaths::Corner> path, Connectiv
 }  // namespace
 
 // Links the sides that end at the line between two rows with those that begin there: the ends of the runs above
-// (above <= i < row) and below (row <= i < end), from left to right, are joined in pairs by the horizontal edges between
-// them. Where a run above and a run below touch at a corner, their order decides whether the path passes over.
+// (above <= i < row) and below (row <= i < end), from left to right, are joined in pairs by the horizontal edges
+// between them. Where a run above and a run below touch at a corner, their order decides whether the path passes over.
 void PixelPaths::LinkRows(std::span<const LabelledRun> runs, size_t above, size_t row, size_t end, bool eight) {
     auto a = static_cast<uint32_t>(2 * above), b = static_cast<uint32_t>(2 * row);
     const auto aEnd = static_cast<uint32_t>(2 * row), bEnd = static_cast<uint32_t>(2 * end);

@@ -45,9 +45,9 @@ private:
 
 // Steps between the centres of neighbouring pixels that a path passes on its right, from the pixel at its first corner
 // on: 0 to the right, 2 down, 4 to the left, 6 up, odd numbers for the diagonals in between. Straight on along an edge,
-// a path steps to the next pixel; at a right turn it stays with its pixel; at a left turn it steps diagonally, in chains
-// of 4-connected components by way of the pixel in the corner. visit(direction, steps) is called for stretches of equal
-// steps; adjacent calls may have the same direction.
+// a path steps to the next pixel; at a right turn it stays with its pixel; at a left turn it steps diagonally, in
+// chains of 4-connected components by way of the pixel in the corner. visit(direction, steps) is called for stretches
+// of equal steps; adjacent calls may have the same direction.
 template <class Visit>
 void ForEachChainStep(std::span<const PixelPaths::Corner> path, Connectivity connectivity, const Visit& visit) {
     const size_t n = path.size();

@@ -16,8 +16,8 @@ using Sums = std::array<Integer, kMoments>;
 double ToDouble(int64_t v) { return static_cast<double>(v); }
 double ToDouble(const WideInteger& v) { return v.ToDouble(); }
 
-// Sums about (left, top) of one row's pixels start <= x <= stop, in closed form. The cubes of x - left and y - top, times
-// the pixels so far, are below 2^60.
+// Sums about (left, top) of one row's pixels start <= x <= stop, in closed form. The cubes of x - left and y - top,
+// times the pixels so far, are below 2^60.
 void AddRun(Sums<int64_t>& sums, int64_t start, int64_t stop, int64_t y) {
     const auto upTo = [](int64_t m, int power) {
         const int64_t s = m * (m + 1) / 2;

@@ -56,8 +56,8 @@ struct Circle {
 };
 
 // Two conventions occur. As an *area*, a component is the union of its pixels' squares, whose sides are sx and sy; its
-// corners lie half-way between pixel centres. As a *set of points* it is its pixels' centres. Each definition says which
-// one it takes. The figures in docs/accuracy.md tell how far each number is from that of the shape before it was
+// corners lie half-way between pixel centres. As a *set of points* it is its pixels' centres. Each definition says
+// which one it takes. The figures in docs/accuracy.md tell how far each number is from that of the shape before it was
 // digitised.
 struct ShapeMeasurements {
     // SG_Size; with every other group as well.
@@ -68,24 +68,24 @@ struct ShapeMeasurements {
     double extent = 0;            // N / ((columns of the box) (rows of the box)): at most 1, which is a full rectangle
     Point centroid;               // mean of the pixel centres: exact sums, each coordinate rounded once or twice
 
-    // SG_Topology. A hole is a component of the background that lies in the blob: in the connectivity that the blob does
-    // not have, and with the edge of the image (and whatever a region leaves out) as background.
+    // SG_Topology. A hole is a component of the background that lies in the blob: in the connectivity that the blob
+    // does not have, and with the edge of the image (and whatever a region leaves out) as background.
     int64_t holes = 0;
     int64_t eulerNumber = 0;  // 1 - holes
 
     // SG_FilledArea: the area with all holes and what lies in them, that within the outer path of the pixels' edges.
     double filledArea = 0;
 
-    // SG_Perimeter: of the outer border and of those of the holes, together. For each border, with the 8-connected chain
-    // through the centres of the component's pixels along it (contour.hpp), of e steps across a side, d diagonal steps
-    // and c corners (steps of which the one before differs, the first following the last):
+    // SG_Perimeter: of the outer border and of those of the holes, together. For each border, with the 8-connected
+    // chain through the centres of the component's pixels along it (contour.hpp), of e steps across a side, d diagonal
+    // steps and c corners (steps of which the one before differs, the first following the last):
     //   (0.980 e + 1.406 d - 0.091 c) s + 2 sqrt(2) s for the outer border, - 2 sqrt(2) s for a hole.
     // The coefficients are the unbiased ones of A. M. Vossepoel and A. W. M. Smeulders (1982) for straight borders of
-    // random direction. The chain lies inside the border it was digitised from by (cos t) / 2 on average, where t is the
-    // angle from the nearest of the two axes: (sqrt(2) / pi) s over all directions, and a parallel curve that far outside
-    // is 2 pi times that longer (J. Steiner, 1840). (Half a pixel, pi s, makes discs of radius 10 too long by 0.5 %.)
-    // s is the side of a pixel. Where sx and sy differ by more than 1 %, the coefficients do not hold and the perimeter
-    // is NaN; otherwise s is sqrt(sx sy).
+    // random direction. The chain lies inside the border it was digitised from by (cos t) / 2 on average, where t is
+    // the angle from the nearest of the two axes: (sqrt(2) / pi) s over all directions, and a parallel curve that far
+    // outside is 2 pi times that longer (J. Steiner, 1840). (Half a pixel, pi s, makes discs of radius 10 too long by
+    // 0.4 %.) s is the side of a pixel. Where sx and sy differ by more than 1 %, the coefficients do not hold and the
+    // perimeter is NaN; otherwise s is sqrt(sx sy).
     double perimeter = 0;
     // 4 pi area / perimeter^2: 1 for a disc, less for any other shape. Where the perimeter is NaN, croftonPerimeter
     // stands for it. A blob of a few pixels may have more than 1; its border is not digitised well enough.
@@ -95,11 +95,11 @@ struct ShapeMeasurements {
     // (A. Cauchy, 1841; M. W. Crofton, 1868; J. Ohser and F. Muecklich, 2000; D. Legland, K. Kieu, M.-F. Devaux, 2007):
     //   pi sum(w_v d_v (N - C_v)) over v = (1,0), (0,1), (1,1), (-1,1), (2,1), (-2,1), (1,2), (-1,2),
     // where C_v counts the pixels p of the component for which p + v is one of it as well, d_v is the distance of
-    // adjacent lines through pixel centres, sx sy / |v| with v measured in the plane, and w_v is the share of directions
-    // that are nearest to v.
+    // adjacent lines through pixel centres, sx sy / |v| with v measured in the plane, and w_v is the share of
+    // directions that are nearest to v.
     double croftonPerimeter = 0;
 
-    // SG_Hull: the convex hull of the area, so that no pixel count exceeds it.
+    // SG_Hull: the convex hull of the area.
     double hullArea = 0;  // exact, but for the factor sx sy
     double hullPerimeter = 0;
     double solidity = 0;  // area / hullArea: at most 1, which is a convex area of pixels (a rectangle)
@@ -133,8 +133,8 @@ struct ShapeMeasurements {
     //   raw         sx sy sum((x sx)^p (y sy)^q), about pixel (0, 0):  00 10 01 20 11 02 30 21 12 03
     //   central     the same about the centroid:                       20 11 02 30 21 12 03
     //   normalised  central / area^(1 + (p + q) / 2)                   20 11 02 30 21 12 03
-    //   hu          the seven invariants of M.-K. Hu (1962): the first six do not change when the plane is moved, turned
-    //               or reflected, nor when it is scaled; a reflection changes the sign of the seventh
+    //   hu          the seven invariants of M.-K. Hu (1962), which do not change when the plane is moved, turned or
+    //               scaled; a reflection changes the sign of the seventh and no other
     // Sums are exact for any number of pixels. Raw moments are rounded once before they are scaled; central ones are
     // formed from sums about the pixel next to the centroid, so that nothing large cancels.
     std::array<double, 10> rawMoments = {};
@@ -146,9 +146,9 @@ struct ShapeMeasurements {
     int64_t imageBorderPixels = 0;   // in the first or last row or column
     int64_t regionBorderPixels = 0;  // beside a pixel of the image that the region of the labelling leaves out
 
-    // SG_InscribedCircle: the largest circle in the area about a pixel centre, corner or middle of a side; its radius is
-    // the distance to the nearest point of another pixel's square (or of the edge of the image), exact but for the last
-    // rounding if sx = sy. Of equal ones the topmost, then the leftmost. Takes time in proportion to the pixels.
+    // SG_InscribedCircle: the largest circle in the area about a pixel centre, corner or middle of a side; its radius
+    // is the distance to the nearest point of another pixel's square (or of the edge of the image), exact but for the
+    // last rounding if sx = sy. Of equal ones the topmost, then the leftmost. Takes time in proportion to the pixels.
     Circle inscribedCircle;
 
     // SG_EnclosingCircle: the smallest circle around the area (E. Welzl, 1991; by pivoting on the farthest corner,
