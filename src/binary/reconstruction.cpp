@@ -49,6 +49,7 @@ private:
     // Down, and up again; queues the words that could still grow.
     void Pass() {
         for (int32_t y = 0; y < height_; ++y) GrowRow(y, y - 1);
+        filled_ = true;
         for (int32_t y = height_ - 1; y >= 0; --y)
             if (GrowRow(y, y + 1) && y + 1 < height_)
                 for (size_t i = 0; i < words_; ++i) QueueIfOpen(y + 1, y, i);
@@ -66,31 +67,37 @@ private:
     }
 
     // Takes in what is connected with the neighbouring row (which may lie outside) and fills the runs of the row;
-    // whether anything was added.
+    // whether anything was added. In the first pass down, the runs of a row are not filled before.
     bool GrowRow(int32_t y, int32_t neighbour) {
         uint64_t* row = reached_.row(y);
         const uint64_t* mask = mask_.row(y);
         const uint64_t* other = neighbour >= 0 && neighbour < height_ ? reached_.row(neighbour) : nullptr;
         uint64_t added = 0;
+        uint64_t found = 0;
         uint64_t carry = 0;
         for (size_t i = words_; i-- > 0;) {
-            uint64_t seeds = row[i] | carry;
-            if (other) seeds |= Spread(other, i);
-            seeds &= mask[i];
-            carry = 0;
-            if (seeds == 0) continue;
-            seeds = FilledLeft(seeds, mask[i]);
-            added |= seeds ^ row[i];
-            row[i] = seeds;
+            uint64_t seeds = row[i];
+            if (seeds != mask[i]) {
+                seeds |= carry;
+                if (other) seeds |= Spread(other, i);
+                seeds &= mask[i];
+                if (seeds != 0) seeds = FilledLeft(seeds, mask[i]);
+                added |= seeds ^ row[i];
+                row[i] = seeds;
+            }
+            found |= seeds;
             carry = seeds >> kTop;
         }
+        if ((filled_ ? added : found) == 0) return false;
         carry = 0;
         for (size_t i = 0; i < words_; ++i) {
-            uint64_t seeds = row[i] | (carry << kTop & mask[i]);
-            if (seeds != 0 && seeds != mask[i]) seeds = FilledRight(seeds, mask[i]);
-            added |= seeds ^ row[i];
-            row[i] = seeds;
-            carry = seeds & 1;
+            if (row[i] != mask[i]) {
+                uint64_t seeds = row[i] | (carry << kTop & mask[i]);
+                if (seeds != 0 && seeds != mask[i]) seeds = FilledRight(seeds, mask[i]);
+                added |= seeds ^ row[i];
+                row[i] = seeds;
+            }
+            carry = row[i] & 1;
         }
         return added != 0;
     }
@@ -139,6 +146,7 @@ private:
     const BitPlane& mask_;
     const size_t words_;
     const int32_t height_;
+    bool filled_ = false;  // the runs of all rows
     std::vector<size_t> queue_, current_;
     std::vector<uint8_t> queued_;
 };
@@ -167,21 +175,28 @@ BitPlane EdgeOf(const BitPlane& image) {
     return edge;
 }
 
+// Calls body(a, b, words) for the rows of two planes of one size.
+template <class Body>
+void ForEachRow(BitPlane& a, const BitPlane& b, const Body& body) {
+    for (int32_t y = 0; y < a.height(); ++y) body(a.row(y), b.row(y), a.wordsPerRow());
+}
+
 void Invert(BitPlane& plane) {
     if (plane.width() == 0) return;
-    for (int32_t y = 0; y < plane.height(); ++y) {
-        uint64_t* row = plane.row(y);
-        for (size_t i = 0; i < plane.wordsPerRow(); ++i) row[i] = ~row[i];
-        row[plane.wordsPerRow() - 1] &= plane.lastWordMask();
-    }
+    const uint64_t lastMask = plane.lastWordMask();
+    ForEachRow(plane, plane, [=](uint64_t* to, const uint64_t*, size_t words) {
+        for (size_t i = 0; i < words; ++i) to[i] = ~to[i];
+        to[words - 1] &= lastMask;
+    });
 }
 
 }  // namespace
 
 BitPlane Reconstruct(const BitPlane& seeds, const BitPlane& mask, Connectivity connectivity) {
     BitPlane reached = seeds;
-    for (int32_t y = 0; y < mask.height(); ++y)
-        for (size_t i = 0; i < mask.wordsPerRow(); ++i) reached.row(y)[i] &= mask.row(y)[i];
+    ForEachRow(reached, mask, [](uint64_t* to, const uint64_t* with, size_t words) {
+        for (size_t i = 0; i < words; ++i) to[i] &= with[i];
+    });
     Grow(reached, mask, connectivity);
     return reached;
 }
@@ -198,8 +213,9 @@ BitPlane FillHoles(const BitPlane& image, Connectivity connectivity) {
 BitPlane ClearBorder(const BitPlane& image, Connectivity connectivity) {
     BitPlane touching = EdgeOf(image);
     Grow(touching, image, connectivity);
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (size_t i = 0; i < image.wordsPerRow(); ++i) touching.row(y)[i] ^= image.row(y)[i];
+    ForEachRow(touching, image, [](uint64_t* to, const uint64_t* with, size_t words) {
+        for (size_t i = 0; i < words; ++i) to[i] ^= with[i];
+    });
     return touching;
 }
 
