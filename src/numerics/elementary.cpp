@@ -64,19 +64,27 @@ constexpr Pair operator/(Pair a, Pair b) {
 
 // ------------------------------------------------------------------------------------------------------------ series
 
+// Whether a term still changes a sum of 107 bits. The series stop where none does: each step costs the compiler time.
+constexpr bool IsSignificant(Pair term, Pair sum) {
+    const double size = term.high < 0.0 ? -term.high : term.high;
+    const double whole = sum.high < 0.0 ? -sum.high : sum.high;
+    return size > whole * 0x1p-120;
+}
+
 constexpr Pair SeriesLog(Pair x) {  // 2 artanh((x - 1) / (x + 1)), for x near 1
     const Pair y = (x + Pair{-1.0}) / (x + Pair{1.0});
     const Pair square = y * y;
     Pair power = y + y;
     Pair sum;
-    for (int k = 1; k < 120; k += 2, power = power * square) sum = sum + power / Pair{static_cast<double>(k)};
+    for (int k = 1; IsSignificant(power, sum); k += 2, power = power * square)
+        sum = sum + power / Pair{static_cast<double>(k)};
     return sum;
 }
 
 constexpr Pair SeriesExp(Pair x) {
     Pair term{1.0};
     Pair sum;
-    for (int k = 1; k < 40; ++k) {
+    for (int k = 1; IsSignificant(term, sum); ++k) {
         sum = sum + term;
         term = term * x / Pair{static_cast<double>(k)};
     }
@@ -88,7 +96,7 @@ constexpr Pair SeriesCircular(double x, int first) {
     const Pair square = Product(x, x) * Pair{-1.0};
     Pair term{first == 0 ? 1.0 : x};
     Pair sum;
-    for (int k = first; k < 40; k += 2) {
+    for (int k = first; IsSignificant(term, sum); k += 2) {
         sum = sum + term;
         term = term * square / Pair{static_cast<double>((k + 1) * (k + 2))};
     }
