@@ -54,3 +54,14 @@ function(orlix_instruction_sets)
         endif()
     endforeach()
 endfunction()
+
+# In a unity build (CMAKE_UNITY_BUILD) the files of each given folder, and of those below it, are compiled together, so
+# the names local to them differ. All other files of the target, kernels above all, are compiled alone.
+function(orlix_unite_folders target)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+    foreach(folder IN LISTS ARGN)
+        file(GLOB_RECURSE files CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+        list(FILTER files EXCLUDE REGEX "_(scalar|sse2|avx2|avx512)\\.cpp$")
+        set_source_files_properties(${files} PROPERTIES UNITY_GROUP ${folder})
+    endforeach()
+endfunction()

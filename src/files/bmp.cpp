@@ -17,7 +17,7 @@ constexpr uint32_t kCoreHeader = 12;  // OS/2 1.x: sizes of 16 bits, palette ent
 constexpr uint32_t kInfoHeader = 40;  // longer headers begin with the same fields
 constexpr uint32_t kUncompressed = 0;
 
-[[noreturn]] void BadHeader() {
+[[noreturn]] void BadBmpHeader() {
     throw Failure("IImageVPAEx::CreateFromBmp: problems reading bmp header", DISP_E_EXCEPTION);
 }
 
@@ -51,11 +51,11 @@ Palette ReadPalette(std::span<const uint8_t> bytes, size_t entry, uint32_t decla
 }
 
 BmpLayout ReadLayout(std::span<const uint8_t> bytes) {
-    if (bytes.size() < kFileHeader + 4) BadHeader();
+    if (bytes.size() < kFileHeader + 4) BadBmpHeader();
     const uint8_t* header = bytes.data() + kFileHeader;
     const uint32_t headerSize = LittleEndian32(header);
     const bool core = headerSize == kCoreHeader;
-    if ((!core && headerSize < kInfoHeader) || headerSize > bytes.size() - kFileHeader) BadHeader();
+    if ((!core && headerSize < kInfoHeader) || headerSize > bytes.size() - kFileHeader) BadBmpHeader();
 
     int64_t width = 0, height = 0;
     uint16_t planes = 0, bits = 0;
@@ -82,7 +82,7 @@ BmpLayout ReadLayout(std::span<const uint8_t> bytes) {
     }
     layout.topDown = height < 0;
     if (layout.topDown) height = -height;
-    if (width <= 0 || height == 0 || height > std::numeric_limits<int32_t>::max() || planes != 1) BadHeader();
+    if (width <= 0 || height == 0 || height > std::numeric_limits<int32_t>::max() || planes != 1) BadBmpHeader();
     if (bits != 8)
         throw Failure("IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported.",
                       DISP_E_EXCEPTION);
@@ -94,7 +94,7 @@ BmpLayout ReadLayout(std::span<const uint8_t> bytes) {
     layout.stride = (static_cast<uint64_t>(width) + 3) / 4 * 4;
     layout.pixels = LittleEndian32(bytes.data() + 10);
     const size_t paletteStart = kFileHeader + headerSize;
-    if (layout.pixels < paletteStart) BadHeader();
+    if (layout.pixels < paletteStart) BadBmpHeader();
     // The last row may lack its padding. Fewer than 2^31 rows of at most 2^31 bytes do not overflow.
     if (layout.pixels + layout.stride * static_cast<uint64_t>(height - 1) + static_cast<uint64_t>(width) > bytes.size())
         throw Failure("IImageVPAEx::CreateFromBmp: the file is too short for its image.", DISP_E_EXCEPTION);

@@ -20,11 +20,11 @@ namespace {
 
 using namespace png;
 
-[[noreturn]] void Fail(const char* text) { throw Failure(text, DISP_E_EXCEPTION); }
-[[noreturn]] void BadHeader() { Fail("IImageVPAEx::CreateFromPng: problems reading png header"); }
-[[noreturn]] void BadOrder() { Fail("IImageVPAEx::CreateFromPng: chunks are missing or out of order."); }
-[[noreturn]] void BadPalette() { Fail("IImageVPAEx::CreateFromPng: problems reading png palette"); }
-[[noreturn]] void BadPixels() { Fail("IImageVPAEx::CreateFromPng: problems reading png pixels"); }
+[[noreturn]] void BadPng(const char* text) { throw Failure(text, DISP_E_EXCEPTION); }
+[[noreturn]] void BadPngHeader() { BadPng("IImageVPAEx::CreateFromPng: problems reading png header"); }
+[[noreturn]] void BadOrder() { BadPng("IImageVPAEx::CreateFromPng: chunks are missing or out of order."); }
+[[noreturn]] void BadPalette() { BadPng("IImageVPAEx::CreateFromPng: problems reading png palette"); }
+[[noreturn]] void BadPixels() { BadPng("IImageVPAEx::CreateFromPng: problems reading png pixels"); }
 
 // ----------------------------------------------------------------------------------------------------------- structure
 
@@ -77,7 +77,7 @@ bool IsDepth(uint8_t colourType, uint8_t depth) {
 }
 
 PngHeader ParseHeader(std::span<const uint8_t> data) {
-    if (data.size() != kHeaderSize) BadHeader();
+    if (data.size() != kHeaderSize) BadPngHeader();
     PngHeader header;
     header.width = BigEndian32(data.data());
     header.height = BigEndian32(data.data() + 4);
@@ -87,7 +87,7 @@ PngHeader ParseHeader(std::span<const uint8_t> data) {
     header.interlaced = interlace == 1;
     if (header.width == 0 || header.width > kLargestNumber || header.height == 0 || header.height > kLargestNumber ||
         !IsDepth(header.colourType, header.depth) || compression != 0 || filterMethod != 0 || interlace > 1)
-        BadHeader();
+        BadPngHeader();
     return header;
 }
 
@@ -119,25 +119,25 @@ struct Chunk {
 
 // Removes the first chunk from `bytes`.
 Chunk TakeChunk(std::span<const uint8_t>& bytes) {
-    if (bytes.size() < kChunkFrame) Fail("IImageVPAEx::CreateFromPng: the file is truncated.");
+    if (bytes.size() < kChunkFrame) BadPng("IImageVPAEx::CreateFromPng: the file is truncated.");
     const size_t length = BigEndian32(bytes.data());
-    if (length > bytes.size() - kChunkFrame) Fail("IImageVPAEx::CreateFromPng: the file is truncated.");
+    if (length > bytes.size() - kChunkFrame) BadPng("IImageVPAEx::CreateFromPng: the file is truncated.");
     const auto checked = bytes.subspan(4, 4 + length);
     const uint32_t checksum = BigEndian32(bytes.data() + 8 + length);
     bytes = bytes.subspan(kChunkFrame + length);
     if (::crc32_z(0, checked.data(), checked.size()) != checksum)
-        Fail("IImageVPAEx::CreateFromPng: a checksum is wrong.");
+        BadPng("IImageVPAEx::CreateFromPng: a checksum is wrong.");
     return {BigEndian32(checked.data()), checked.subspan(4)};
 }
 
 PngFile ParseFile(std::span<const uint8_t> bytes) {
     if (bytes.size() < kSignature.size() || !std::equal(kSignature.begin(), kSignature.end(), bytes.begin()))
-        BadHeader();
+        BadPngHeader();
     bytes = bytes.subspan(kSignature.size());
 
     PngFile file;
     const Chunk first = TakeChunk(bytes);
-    if (first.type != kHeader) BadHeader();
+    if (first.type != kHeader) BadPngHeader();
     file.header = ParseHeader(first.data);
     size_t textBudget = kTextBudget;
     for (uint32_t previous = kHeader;;) {
@@ -168,7 +168,7 @@ PngFile ParseFile(std::span<const uint8_t> bytes) {
                 break;
             default:
                 if (!IsOptional(type))
-                    Fail("IImageVPAEx::CreateFromPng: the file needs a chunk that is not supported.");
+                    BadPng("IImageVPAEx::CreateFromPng: the file needs a chunk that is not supported.");
         }
         previous = type;
     }
@@ -204,7 +204,7 @@ void RequireEnoughBytes(const PngFile& file) {
         if (width == 0 || height == 0) continue;
         const uint64_t rowBytes = 1 + file.header.RowBytes(width);
         if (rowBytes > most / height || rowBytes * height > most - total)
-            Fail("IImageVPAEx::CreateFromPng: the file is too short for its image.");
+            BadPng("IImageVPAEx::CreateFromPng: the file is too short for its image.");
         total += rowBytes * height;
     }
 }
@@ -403,7 +403,7 @@ FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const Sa
         // The number of bands depends on the entries in use, so the pixels are decoded twice. Files with palettes are
         // small.
         const UsedIndices used = FindUsed(file);
-        if (!Covers(file.palette, used)) Fail("IImageVPAEx::CreateFromPng: a pixel is outside the palette.");
+        if (!Covers(file.palette, used)) BadPng("IImageVPAEx::CreateFromPng: a pixel is outside the palette.");
         properties.bands = IsGrey(file.palette, used) ? 1 : 3;
         RequireWithin(limit, properties.width, properties.height, properties.bands);
         sink.Begin(properties);

@@ -24,7 +24,7 @@ constexpr PnmTexts kPpmTexts = {"IImageVPAEx::CreateFromFile: problems reading p
                                 "IImageVPAEx::CreateFromFile: a ppm value is above the declared maximum.",
                                 "IImageVPAEx::CreateFromFile: problems reading ppm values"};
 
-[[noreturn]] void Fail(const char* text) { throw Failure(text, DISP_E_EXCEPTION); }
+[[noreturn]] void BadPnm(const char* text) { throw Failure(text, DISP_E_EXCEPTION); }
 
 constexpr bool IsBlank(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 constexpr bool IsDigit(uint8_t c) { return c >= '0' && c <= '9'; }
@@ -94,8 +94,8 @@ PnmHeader ReadHeader(std::span<const uint8_t> bytes, Scanner& scanner, const Pnm
     const uint32_t width = scanner.Number();
     const uint32_t height = scanner.AtSeparator() ? scanner.Number() : kNoNumber;
     header.maximum = scanner.AtSeparator() ? scanner.Number() : kNoNumber;
-    if (width == 0 || width > kLargestNumber || height == 0 || height > kLargestNumber) Fail(texts.header);
-    if (header.maximum == 0 || header.maximum > 65535 || !scanner.OneSeparator()) Fail(texts.header);
+    if (width == 0 || width > kLargestNumber || height == 0 || height > kLargestNumber) BadPnm(texts.header);
+    if (header.maximum == 0 || header.maximum > 65535 || !scanner.OneSeparator()) BadPnm(texts.header);
     header.properties.width = static_cast<int32_t>(width);
     header.properties.height = static_cast<int32_t>(height);
     header.properties.bands = bytes[1] == '3' || bytes[1] == '6' ? 3 : 1;
@@ -145,7 +145,7 @@ void ReadRaw(std::span<const uint8_t> bytes, const PnmHeader& header, PixelSink&
         const auto rows = RowsOf<Sample>(sink, bands, y);
         const uint32_t largest =
             bands == 1 ? CopyRawRow<Sample, 1>(in, width, rows) : CopyRawRow<Sample, 3>(in, width, rows);
-        if (largest > header.maximum) Fail(texts.aboveMaximum);
+        if (largest > header.maximum) BadPnm(texts.aboveMaximum);
         in += width * static_cast<size_t>(bands) * sizeof(Sample);
     }
 }
@@ -159,9 +159,9 @@ void ReadPlain(Scanner& scanner, const PnmHeader& header, PixelSink& sink, const
         for (size_t x = 0; x < width; ++x)
             for (size_t band = 0; band < bands; ++band) {
                 const uint32_t value = scanner.Number();
-                if (value == kNoNumber) Fail(scanner.AtEnd() ? texts.tooShort : texts.values);
-                if (!scanner.AtSeparator()) Fail(texts.values);
-                if (value > header.maximum) Fail(texts.aboveMaximum);
+                if (value == kNoNumber) BadPnm(scanner.AtEnd() ? texts.tooShort : texts.values);
+                if (!scanner.AtSeparator()) BadPnm(texts.values);
+                if (value > header.maximum) BadPnm(texts.aboveMaximum);
                 rows[band][x] = static_cast<Sample>(value);
             }
     }
@@ -187,11 +187,11 @@ FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const Sa
 
     if (header.plain) {
         // A value takes a digit and a separator; the last one needs no separator.
-        if (!Fits(header.properties, 2, uint64_t{values.size()} + 1)) Fail(texts.tooShort);
+        if (!Fits(header.properties, 2, uint64_t{values.size()} + 1)) BadPnm(texts.tooShort);
         begin();
         wide ? ReadPlain<uint16_t>(scanner, header, sink, texts) : ReadPlain<uint8_t>(scanner, header, sink, texts);
     } else {
-        if (!Fits(header.properties, wide ? 2 : 1, values.size())) Fail(texts.tooShort);
+        if (!Fits(header.properties, wide ? 2 : 1, values.size())) BadPnm(texts.tooShort);
         begin();
         wide ? ReadRaw<uint16_t>(values, header, sink, texts) : ReadRaw<uint8_t>(values, header, sink, texts);
     }

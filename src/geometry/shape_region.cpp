@@ -15,7 +15,7 @@ namespace {
 constexpr char kTooManyRows[] =
     "IShapeRegionOfInterest::CreateOrientedRectangle: the shape covers more than 16777216 rows.";
 
-struct Point {
+struct Corner {
     double x, y;
 };
 
@@ -30,7 +30,7 @@ double Length(double dx, double dy) {
 }
 
 // The edge's column at height y, or NaN when it does not reach that row.
-double ColumnOfEdge(const Point& a, const Point& b, double y) {
+double ColumnOfEdge(const Corner& a, const Corner& b, double y) {
     if (!(y >= std::min(a.y, b.y) && y <= std::max(a.y, b.y))) return std::nan("");
     if (std::abs(b.y - a.y) < 0.0001) return std::abs(y - b.y) <= std::abs(y - a.y) ? b.x : a.x;
     return a.x + (y - a.y) * (a.x - b.x) / (a.y - b.y);
@@ -124,12 +124,12 @@ void ShapeRegion::CreateOrientedRectangle(int32_t width, int32_t height, double 
 
     const double hx = dy / length * across * 0.5;
     const double hy = -dx / length * across * 0.5;
-    const std::array<Point, 4> corners = {
+    const std::array<Corner, 4> corners = {
         {{x1 - hx, y1 - hy}, {x1 + hx, y1 + hy}, {x2 + hx, y2 + hy}, {x2 - hx, y2 - hy}}};
     double least = corners[0].y;
     double most = corners[0].y;
     bool finite = true;
-    for (const Point& corner : corners) {
+    for (const Corner& corner : corners) {
         least = std::min(least, corner.y);
         most = std::max(most, corner.y);
         finite = finite && std::isfinite(corner.x) && std::isfinite(corner.y);

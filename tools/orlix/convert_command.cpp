@@ -20,7 +20,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kConvertFooter[] = R"(
 The format follows the name of OUT: .png (grey or colour), .pgm (grey), .ppm (colour). With - as IN or
 OUT the image comes from standard input or goes to standard output, as PNG.
 Pixel size and texts go along where the format holds them (PNG).
@@ -35,7 +35,7 @@ Examples:
   orlix convert colour.png green.png --band 1
   orlix convert section.png corner.png --crop 0,0,511,511)";
 
-struct Options {
+struct ConvertOptions {
     LoadOptions load;
     std::string in, out, crop, range = "full";
     int type = 0;
@@ -84,7 +84,7 @@ std::array<double, 2> Extremes(const ComPtr<IImageVPAExPlus>& image, LONG bands)
 }
 
 template <class From>
-ComPtr<IImageVPAExPlus> Retyped(const ComPtr<IImageVPAExPlus>& image, const Geometry& g, const Options& options,
+ComPtr<IImageVPAExPlus> Retyped(const ComPtr<IImageVPAExPlus>& image, const Geometry& g, const ConvertOptions& options,
                                 Json& document) {
     std::array<double, 2> range = {0, static_cast<double>(static_cast<From>(-1))};
     if (options.range == "data") {
@@ -123,7 +123,7 @@ void CopyTexts(const ComPtr<IImageVPAExPlus>& from, const ComPtr<IImageVPAExPlus
     if (Check(file->GetMicronsPerPixel(&x, &y), file) == S_OK) Check(copy->PutMicronsPerPixel(x, y), copy);
 }
 
-int Convert(const Options& options, const Subcommand& command) {
+int Convert(const ConvertOptions& options, const Subcommand& command) {
     CheckOutput(options.out, {options.in}, options.force);
     if (options.out == "-" && options.json) throw UsageError("standard output holds the image, so --json has no place");
     if (options.plain && Extension(options.out) == ".png") throw UsageError("--plain is for PGM and PPM, not for PNG");
@@ -162,8 +162,8 @@ int Convert(const Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddConvert(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "convert", "Save an image in another format, type or part", kFooter);
+    const auto options = std::make_shared<ConvertOptions>();
+    Subcommand command(program, "convert", "Save an image in another format, type or part", kConvertFooter);
     command.Add("IN", options->in, kImageFile).Required();
     command.Add("OUT", options->out, "File to write, or -").Required();
     options->load.Add(command);

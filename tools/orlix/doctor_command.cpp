@@ -26,7 +26,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kDoctorFooter[] = R"(
 Says which copy of the library is in use and how it runs here, which classes are registered and
 where, and measures a built-in specimen whose truth is known, with each pixel counted a second
 time by this program. The first line is the verdict, PASS or FAIL; the exit code is 1 when a check
@@ -247,7 +247,7 @@ int Examine(const Subcommand& command, bool json) {
 }  // namespace
 
 Command AddDoctor(CLI::App& program) {
-    Subcommand command(program, "doctor", "Check the installed library", kFooter);
+    Subcommand command(program, "doctor", "Check the installed library", kDoctorFooter);
     const auto json = std::make_shared<bool>(false);
     command.AddFlag("--json", *json, "As JSON");
     return [json, command] { return Examine(command, *json); };

@@ -30,7 +30,7 @@ namespace {
 // File names need not be UTF-8.
 std::string Dumped(const Json& value) { return value.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
-void Print(const Json& value, size_t depth, std::string& out) {
+void PrintValue(const Json& value, size_t depth, std::string& out) {
     if (value.is_number_float()) {
         const double number = value.get<double>();
         out += std::isfinite(number) ? Number(number) : "null";
@@ -54,7 +54,7 @@ void Print(const Json& value, size_t depth, std::string& out) {
         first = false;
         newLine(depth + 1);
         if (value.is_object()) out += Dumped(name) + ": ";
-        Print(item, depth + 1, out);
+        PrintValue(item, depth + 1, out);
     }
     newLine(depth);
     out += value.is_array() ? ']' : '}';
@@ -64,7 +64,7 @@ void Print(const Json& value, size_t depth, std::string& out) {
 
 std::string Print(const Json& document) {
     std::string out;
-    Print(document, 0, out);
+    PrintValue(document, 0, out);
     return out + '\n';
 }
 

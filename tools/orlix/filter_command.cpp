@@ -26,7 +26,7 @@ namespace {
 
 constexpr char kExtremumSharpening[] = "extremum-sharpening";
 
-constexpr char kFooter[] = R"(
+constexpr char kFilterFooter[] = R"(
 Results are clamped to the luminance range (those of median3x3 are not). Pixels outside the region,
 and with --band the other bands, keep their values.
 The format follows the name of OUT: .png, .pgm or .ppm. With --out DIR: NAME_FILTER.png.
@@ -36,7 +36,7 @@ Examples:
   orlix filter sobel weld.png -o edges.png --roi circle:400,300,250
   orlix filter extremum-sharpening *.png --half-size 3 --out sharpened)";
 
-// What kFooter is the rest of.
+// What kFilterFooter is the rest of.
 std::string ListOfFilters() {
     std::ostringstream list;
     list << "\nFilters (E the pixel, A B C / D . F / G H I its neighbours; beyond its edge an image is mirrored)";
@@ -48,7 +48,7 @@ std::string ListOfFilters() {
     return list.str() + "\n";
 }
 
-struct Options {
+struct FilterOptions {
     LoadOptions load;
     std::string filter;
     std::vector<std::string> files;
@@ -86,7 +86,7 @@ Json Summary(const Subject& subject) {
     return out;
 }
 
-void Apply(const Options& options, const Subject& subject) {
+void Apply(const FilterOptions& options, const Subject& subject) {
     auto source = CreateObject<IImageVPAExPlus>("Orlix.Image");
     Check(source->CreateFromImage(subject.image.get(), BI_AllBands), source);
     const auto process = Cast<IImageProcess>(subject.image);
@@ -96,7 +96,7 @@ void Apply(const Options& options, const Subject& subject) {
         Check(process->ExtremumSharpening(options.halfSize.value_or(1), source.get(), subject.band), process);
 }
 
-std::string TextOf(const Json& m) {
+std::string FilterText(const Json& m) {
     const auto values = [&](const std::string& when) {
         return "mean " + Rounded(NumberAt(m, when + ".mean"), 2) + ", minimum " +
                Rounded(NumberAt(m, when + ".minimum"), 0) + ", maximum " + Rounded(NumberAt(m, when + ".maximum"), 0);
@@ -108,7 +108,7 @@ std::string TextOf(const Json& m) {
            TextLine("written", OutputName(m)) + WarningsText(m) + "\n";
 }
 
-int FilterAll(const Options& options, const Subcommand& command) {
+int FilterAll(const FilterOptions& options, const Subcommand& command) {
     SubjectSettings settings;
     options.subject.Complete(settings);
     const bool squares = options.filter == kExtremumSharpening;
@@ -147,7 +147,7 @@ int FilterAll(const Options& options, const Subcommand& command) {
         },
         [&](const Json& document) {
             if (!options.json && !document.contains("error"))
-                (options.file == "-" ? std::cerr : std::cout) << TextOf(document) << std::flush;
+                (options.file == "-" ? std::cerr : std::cout) << FilterText(document) << std::flush;
         });
     if (options.json) {
         Json document = command.Envelope();
@@ -161,8 +161,8 @@ int FilterAll(const Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddFilter(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "filter", "Smooth, sharpen or find edges", ListOfFilters() + kFooter);
+    const auto options = std::make_shared<FilterOptions>();
+    Subcommand command(program, "filter", "Smooth, sharpen or find edges", ListOfFilters() + kFilterFooter);
     std::vector<std::string> names;
     for (const NamedFilter& filter : kNamedFilters) names.emplace_back(filter.word);
     names.emplace_back(kExtremumSharpening);

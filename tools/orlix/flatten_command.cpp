@@ -26,7 +26,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kFlattenFooter[] = R"(
 What is done
   A surface is fitted to the grey levels of the region by least squares and subtracted, and their mean
   is added: it stays, except with --robust. The roughness is taken before and after, the latter in
@@ -66,7 +66,7 @@ Examples:
   orlix flatten *.png --surface plane --robust 0.7 --csv > roughness.csv
   orlix flatten ball.png --surface hemisphere --roi circle:400,300,250 --json)";
 
-struct Options {
+struct FlattenOptions {
     LoadOptions load;
     std::vector<std::string> files;
     SubjectOptions subject;
@@ -75,7 +75,7 @@ struct Options {
     bool json = false, csv = false, force = false;
 };
 
-std::vector<std::string> Columns(const Options& options) {
+std::vector<std::string> Columns(const FlattenOptions& options) {
     std::vector<std::string> columns = {"file",
                                         "error",
                                         "width",
@@ -108,7 +108,7 @@ std::vector<std::string> Columns(const Options& options) {
     return columns;
 }
 
-std::string TextOf(const Json& m) {
+std::string FlattenText(const Json& m) {
     const Json& robust = Member(m, "surface.robust");
     std::string out = SubjectText(m);
     out += TextLine("surface", Member(m, "surface.kind").get<std::string>() +
@@ -208,9 +208,9 @@ void AddProfiles(const Flattening& flat, const Subject& subject, std::optional<d
     out.vertical = line(column, width, subject.height, subject.yMicrons, "y");
 }
 
-class Results {
+class FlattenResults {
 public:
-    explicit Results(const Options& options)
+    explicit FlattenResults(const FlattenOptions& options)
         : single_(options.files.size() == 1), folder_(options.out, options.files, PlanOf(single_), options.force) {}
 
     void Add(size_t index, const Subject& subject, const Flattening& flat, std::optional<double> zScale,
@@ -269,11 +269,11 @@ ComPtr<IImageVPAExPlus> BandOf(const ComPtr<IImageVPAExPlus>& image, LONG band) 
     return alone;
 }
 
-int FlattenAll(const Options& options, const Subcommand& command) {
+int FlattenAll(const FlattenOptions& options, const Subcommand& command) {
     SubjectSettings subjectSettings;
     options.subject.Complete(subjectSettings);
     const FlattenSettings settings = MakeFlattenSettings(options.surface, options.robust, options.zScale);
-    std::optional<Results> results;
+    std::optional<FlattenResults> results;
     if (!options.out.empty()) results.emplace(options);
 
     const std::vector<std::string> columns = Columns(options);
@@ -299,7 +299,7 @@ int FlattenAll(const Options& options, const Subcommand& command) {
             if (options.csv)
                 std::cout << CsvLine(columns, document) << std::flush;
             else if (!options.json && !document.contains("error"))
-                std::cout << TextOf(document) << std::flush;
+                std::cout << FlattenText(document) << std::flush;
         });
 
     if (results) batch.Write([&] { results->Finish(batch); });
@@ -315,8 +315,8 @@ int FlattenAll(const Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddFlatten(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "flatten", "Remove a fitted surface; roughness before and after", kFooter);
+    const auto options = std::make_shared<FlattenOptions>();
+    Subcommand command(program, "flatten", "Remove a fitted surface; roughness before and after", kFlattenFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames()).Named("SURFACE");

@@ -11,7 +11,7 @@ namespace tool {
 
 namespace {
 
-constexpr double kWidth = 960, kLeft = 80, kPlotHeight = 260, kRow = 20, kCharacter = 7.2,
+constexpr double kHistogramWidth = 960, kHistogramLeft = 80, kHistogramHeight = 260, kRow = 20, kCharacter = 7.2,
                  kBold = 8.2;  // at 12.5 units of font size
 
 struct Mark {
@@ -54,11 +54,11 @@ double Arrange(std::vector<Mark>& marks, double low, double high, double width) 
     double over = 0;
     for (size_t i = marks.size(); i-- > 0;) {
         Mark& mark = marks[i];
-        mark.at = kLeft + (mark.x - low) / (high - low) * width;
+        mark.at = kHistogramLeft + (mark.x - low) / (high - low) * width;
         mark.row = 0;
         for (size_t k = i + 1; k < marks.size() && marks[k].at < mark.at + mark.Width(); ++k)
             mark.row = std::max(mark.row, marks[k].row + 1);
-        over = std::max(over, mark.at + mark.Width() - kWidth);
+        over = std::max(over, mark.at + mark.Width() - kHistogramWidth);
     }
     return over;
 }
@@ -74,13 +74,15 @@ std::string HistogramPlot(const Json& measurement) {
     if (!(high > low)) high = low + 1;
 
     std::vector<Mark> marks = Marks(measurement, low, high);
-    double width = kWidth - kLeft - 20;
+    double width = kHistogramWidth - kHistogramLeft - 20;
     for (double over = Arrange(marks, low, high, width); over > 0.5; over = Arrange(marks, low, high, width))
         width -= over;
     int rows = 0;
     for (const Mark& mark : marks) rows = std::max(rows, mark.row + 1);
-    const double top = 14 + rows * kRow, bottom = top + kPlotHeight, right = kLeft + width;
-    const auto across = [&](double grey) { return kLeft + std::clamp((grey - low) / (high - low), 0.0, 1.0) * width; };
+    const double top = 14 + rows * kRow, bottom = top + kHistogramHeight, right = kHistogramLeft + width;
+    const auto across = [&](double grey) {
+        return kHistogramLeft + std::clamp((grey - low) / (high - low), 0.0, 1.0) * width;
+    };
 
     // One column per unit of the drawing is enough. Neighbouring bins share one, which shows their largest count.
     const size_t columns = std::min(counts.size(), static_cast<size_t>(width));
@@ -94,21 +96,21 @@ std::string HistogramPlot(const Json& measurement) {
     const double peak = sorted.back(), second = sorted.size() > 1 ? sorted[sorted.size() - 2] : peak;
     const bool cut = second > 0 && peak > 2.5 * second;
     const double full = std::max(cut ? 1.25 * second : 1.04 * peak, 1.0);
-    const auto up = [&](double count) { return bottom - std::min(count / full, 1.0) * kPlotHeight; };
+    const auto up = [&](double count) { return bottom - std::min(count / full, 1.0) * kHistogramHeight; };
     const auto upLogarithmic = [&](double count) {
-        return bottom - (count > 0 ? std::log(count + 1) / std::log(peak + 1) : 0.0) * kPlotHeight;
+        return bottom - (count > 0 ? std::log(count + 1) / std::log(peak + 1) : 0.0) * kHistogramHeight;
     };
     const auto column = [&](size_t i) {
-        return Coordinate(kLeft + width * static_cast<double>(i) / static_cast<double>(columns));
+        return Coordinate(kHistogramLeft + width * static_cast<double>(i) / static_cast<double>(columns));
     };
     const auto outline = [&](const auto& height) {
-        std::string path = "M" + Coordinate(kLeft) + " " + Coordinate(bottom);
+        std::string path = "M" + Coordinate(kHistogramLeft) + " " + Coordinate(bottom);
         for (size_t i = 0; i < columns; ++i) path += "V" + Coordinate(height(heights[i])) + "H" + column(i + 1);
         return path + "V" + Coordinate(bottom) + "Z";
     };
 
-    std::string svg = "<svg class='histogram' viewBox='0 0 " + Coordinate(kWidth) + " " + Coordinate(bottom + 46) +
-                      "' role='img' aria-label='Histogram with thresholds'>\n";
+    std::string svg = "<svg class='histogram' viewBox='0 0 " + Coordinate(kHistogramWidth) + " " +
+                      Coordinate(bottom + 46) + "' role='img' aria-label='Histogram with thresholds'>\n";
 
     // The side of the phase: the part of the plot between its levels.
     const double lower = NumberAt(measurement, "phase.lower"), upper = NumberAt(measurement, "phase.upper");
@@ -118,7 +120,7 @@ std::string HistogramPlot(const Json& measurement) {
     const bool phase = !measurement["phase"]["pixels"].is_null() && phaseRight > phaseLeft;
     if (phase) {
         svg += "<rect x='" + Coordinate(phaseLeft) + "' y='" + Coordinate(top) + "' width='" +
-               Coordinate(phaseRight - phaseLeft) + "' height='" + Coordinate(kPlotHeight) +
+               Coordinate(phaseRight - phaseLeft) + "' height='" + Coordinate(kHistogramHeight) +
                "' fill='var(--phase)' opacity='0.13'/>\n";
         svg += "<clipPath id='phase'><rect x='" + Coordinate(phaseLeft) + "' y='0' width='" +
                Coordinate(phaseRight - phaseLeft) + "' height='" + Coordinate(bottom) + "'/></clipPath>\n";
@@ -126,8 +128,8 @@ std::string HistogramPlot(const Json& measurement) {
 
     const double yStep = std::max(TickStep(full, 4), 1.0);
     for (double tick = 0; tick <= full; tick += yStep) {
-        svg += Line(kLeft, up(tick), right, up(tick), "stroke='var(--grid)'");
-        svg += Label(kLeft - 8, up(tick) + 4, "text-anchor='end' class='tick'", Rounded(tick, 0));
+        svg += Line(kHistogramLeft, up(tick), right, up(tick), "stroke='var(--grid)'");
+        svg += Label(kHistogramLeft - 8, up(tick) + 4, "text-anchor='end' class='tick'", Rounded(tick, 0));
     }
     const std::string linear = outline(up);
     svg += "<path d='" + outline(upLogarithmic) + "' fill='var(--fill)' opacity='0.22'/>\n";
@@ -135,13 +137,13 @@ std::string HistogramPlot(const Json& measurement) {
     if (phase) svg += "<path d='" + linear + "' fill='var(--phase)' clip-path='url(#phase)'/>\n";
     if (cut) {
         const size_t at = static_cast<size_t>(std::max_element(heights.begin(), heights.end()) - heights.begin());
-        const double x = kLeft + width * (static_cast<double>(at) + 0.5) / static_cast<double>(columns);
-        const bool leftward = x > kLeft + width / 2;
+        const double x = kHistogramLeft + width * (static_cast<double>(at) + 0.5) / static_cast<double>(columns);
+        const bool leftward = x > kHistogramLeft + width / 2;
         svg += Label(x + (leftward ? -8 : 8), top + 14, leftward ? "text-anchor='end' class='tick'" : "class='tick'",
                      "peak of " + Rounded(peak, 0) + " cut off");
     }
 
-    svg += Line(kLeft, bottom, right, bottom, "stroke='var(--muted)'");
+    svg += Line(kHistogramLeft, bottom, right, bottom, "stroke='var(--muted)'");
     const double xStep = TickStep(high - low, 8);
     const int digits = TickDigits(xStep);
     for (double k = std::ceil(low / xStep); k * xStep <= high; k += 1) {
@@ -149,7 +151,7 @@ std::string HistogramPlot(const Json& measurement) {
         svg += Line(across(tick), bottom, across(tick), bottom + 5, "stroke='var(--muted)'");
         svg += Label(across(tick), bottom + 20, "text-anchor='middle' class='tick'", Rounded(tick, digits));
     }
-    svg += Label(kLeft + width / 2, bottom + 40, "text-anchor='middle' class='axis'", "grey level");
+    svg += Label(kHistogramLeft + width / 2, bottom + 40, "text-anchor='middle' class='axis'", "grey level");
     svg += "<text transform='translate(13 " + Coordinate((top + bottom) / 2) +
            ") rotate(-90)' text-anchor='middle' class='axis'>pixels</text>\n";
 

@@ -17,7 +17,7 @@ namespace tool {
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kInfoFooter[] = R"(
 Says how large each image is, of which type, how it is calibrated and which texts it carries.
 With --json one document {..., images: [...]}, an object for each image in the order given.
 
@@ -56,7 +56,7 @@ Json InfoOf(const LoadOptions& load, const std::string& file, const std::string&
     return out;
 }
 
-std::string TextOf(const Json& info) {
+std::string InfoText(const Json& info) {
     std::string out = info["file"].get<std::string>() + "\n  " + info["width"].dump() + " x " + info["height"].dump() +
                       " pixels, " + info["type"].get<std::string>() + ", " + info["bands"].dump() +
                       (info["bands"] == 1 ? " band" : " bands");
@@ -74,13 +74,13 @@ std::string TextOf(const Json& info) {
 }  // namespace
 
 Command AddInfo(CLI::App& program) {
-    struct Options {
+    struct InfoOptions {
         LoadOptions load;
         std::vector<std::string> files;
         bool json = false;
     };
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "info", "Say what image files hold", kFooter);
+    const auto options = std::make_shared<InfoOptions>();
+    Subcommand command(program, "info", "Say what image files hold", kInfoFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     command.AddFlag("--json", options->json, "As JSON");
@@ -91,7 +91,7 @@ Command AddInfo(CLI::App& program) {
                 return InfoOf(options->load, options->files[i], name);
             },
             [&](const Json& info) {
-                if (!options->json && !info.contains("error")) std::cout << TextOf(info) << std::flush;
+                if (!options->json && !info.contains("error")) std::cout << InfoText(info) << std::flush;
             });
         if (options->json) {
             Json document = command.Envelope();

@@ -23,7 +23,7 @@ namespace tool {
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kMeasureFooter[] = R"(
 What is measured
   Of the pixels of the region, less those that --mask and --ignore leave out: count, mean, standard
   deviation, minimum, maximum, median, mode, skew, excess kurtosis, entropy and grey centroid. The
@@ -72,7 +72,7 @@ Examples:
   orlix measure weld.png --roi circle:400,300,250 --out results
   orlix measure plate.png --roi oriented:300,80,-12.5,400,300 --roi-polarity outside)";
 
-struct Options {
+struct MeasureOptions {
     LoadOptions load;
     std::vector<std::string> files;
     SubjectOptions subject;
@@ -83,7 +83,7 @@ struct Options {
     MeasureSettings settings;
 };
 
-void CompleteSettings(Options& options) {
+void CompleteSettings(MeasureOptions& options) {
     MeasureSettings& settings = options.settings;
     settings.threshold = ParseThreshold(options.threshold);
     if (!settings.threshold.method && (options.dark || options.bright))
@@ -124,61 +124,61 @@ Json Summary(const Json& images) {
 }
 
 // The columns of a CSV line: members of an image's document, those of its thresholds as "METHOD.member".
-const std::vector<std::string> kColumns = {"file",
-                                           "error",
-                                           "width",
-                                           "height",
-                                           "bands",
-                                           "type",
-                                           "band",
-                                           "micronsPerPixel.x",
-                                           "micronsPerPixel.y",
-                                           "region.shape",
-                                           "region.polarity",
-                                           "region.mask",
-                                           "region.pixelsLeftOut",
-                                           "region.pixels",
-                                           "region.areaSquareMicrons",
-                                           "flatten.surface.kind",
-                                           "flatten.surface.robust",
-                                           "flatten.before.Sq",
-                                           "flatten.after.Sq",
-                                           "flatten.clippedPixels",
-                                           "luminance.lower",
-                                           "luminance.upper",
-                                           "grey.mean",
-                                           "grey.standardDeviation",
-                                           "grey.minimum",
-                                           "grey.maximum",
-                                           "grey.median",
-                                           "grey.mode",
-                                           "grey.skew",
-                                           "grey.excessKurtosis",
-                                           "grey.entropy",
-                                           "grey.xCentroid",
-                                           "grey.yCentroid",
-                                           "histogram.dip",
-                                           "minimize-variance.threshold",
-                                           "trim.left",
-                                           "trim.right",
-                                           "search-for-minimum.threshold",
-                                           "gaussian-mixture.threshold",
-                                           "maximize-entropy.threshold",
-                                           "phase.polarity",
-                                           "phase.method",
-                                           "phase.lower",
-                                           "phase.upper",
-                                           "phase.pixels",
-                                           "phase.areaFraction",
-                                           "phase.areaSquareMicrons",
-                                           "phase.xCentroid",
-                                           "phase.yCentroid",
-                                           "warnings"};
+const std::vector<std::string> kMeasureColumns = {"file",
+                                                  "error",
+                                                  "width",
+                                                  "height",
+                                                  "bands",
+                                                  "type",
+                                                  "band",
+                                                  "micronsPerPixel.x",
+                                                  "micronsPerPixel.y",
+                                                  "region.shape",
+                                                  "region.polarity",
+                                                  "region.mask",
+                                                  "region.pixelsLeftOut",
+                                                  "region.pixels",
+                                                  "region.areaSquareMicrons",
+                                                  "flatten.surface.kind",
+                                                  "flatten.surface.robust",
+                                                  "flatten.before.Sq",
+                                                  "flatten.after.Sq",
+                                                  "flatten.clippedPixels",
+                                                  "luminance.lower",
+                                                  "luminance.upper",
+                                                  "grey.mean",
+                                                  "grey.standardDeviation",
+                                                  "grey.minimum",
+                                                  "grey.maximum",
+                                                  "grey.median",
+                                                  "grey.mode",
+                                                  "grey.skew",
+                                                  "grey.excessKurtosis",
+                                                  "grey.entropy",
+                                                  "grey.xCentroid",
+                                                  "grey.yCentroid",
+                                                  "histogram.dip",
+                                                  "minimize-variance.threshold",
+                                                  "trim.left",
+                                                  "trim.right",
+                                                  "search-for-minimum.threshold",
+                                                  "gaussian-mixture.threshold",
+                                                  "maximize-entropy.threshold",
+                                                  "phase.polarity",
+                                                  "phase.method",
+                                                  "phase.lower",
+                                                  "phase.upper",
+                                                  "phase.pixels",
+                                                  "phase.areaFraction",
+                                                  "phase.areaSquareMicrons",
+                                                  "phase.xCentroid",
+                                                  "phase.yCentroid",
+                                                  "warnings"};
 
 std::string LineOf(Json image) {
     if (image.contains("thresholds"))
         for (const Json& entry : Json(image["thresholds"])) image[entry["method"].get<std::string>()] = entry;
-    return CsvLine(kColumns, image);
+    return CsvLine(kMeasureColumns, image);
 }
 
 std::string Plain(const Json& m, const std::string& path, int digits = 2) {
@@ -186,7 +186,7 @@ std::string Plain(const Json& m, const std::string& path, int digits = 2) {
     return Rounded(value, value == std::floor(value) ? 0 : digits);
 }
 
-std::string TextOf(const Json& m) {
+std::string MeasureText(const Json& m) {
     std::string out = SubjectText(m);
     const auto line = [&](const std::string& name, const std::string& text) { out += TextLine(name, text); };
     if (!m["flatten"].is_null()) {
@@ -251,9 +251,9 @@ std::string TextOfSummary(const Json& summary) {
 }
 
 // Pictures and reports.
-class Results {
+class MeasureResults {
 public:
-    explicit Results(const Options& options)
+    explicit MeasureResults(const MeasureOptions& options)
         : single_(options.files.size() == 1), folder_(options.out, options.files, PlanOf(single_), options.force) {}
 
     void Add(size_t index, Measurement& measurement) {
@@ -305,12 +305,12 @@ private:
     std::vector<BatchEntry> entries_;
 };
 
-int Measure(Options& options, const Subcommand& command) {
+int Measure(MeasureOptions& options, const Subcommand& command) {
     CompleteSettings(options);
-    std::optional<Results> results;
+    std::optional<MeasureResults> results;
     if (!options.out.empty()) results.emplace(options);
 
-    if (options.csv) std::cout << CsvHeader(kColumns);
+    if (options.csv) std::cout << CsvHeader(kMeasureColumns);
     Batch batch = RunBatch(
         options.files,
         [&](size_t i, const std::string& name, Progress& progress) {
@@ -326,7 +326,7 @@ int Measure(Options& options, const Subcommand& command) {
             if (options.csv)
                 std::cout << LineOf(document) << std::flush;
             else if (!options.json && !document.contains("error"))
-                std::cout << TextOf(document) << std::flush;
+                std::cout << MeasureText(document) << std::flush;
         });
 
     Json document = command.Envelope();
@@ -345,8 +345,9 @@ int Measure(Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddMeasure(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase", kFooter);
+    const auto options = std::make_shared<MeasureOptions>();
+    Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase",
+                       kMeasureFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
     options->subject.AddRegion(command);

@@ -19,7 +19,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kPolygonFooter[] = R"(
 Files
   CSV   x and y a line, perhaps under a header; an empty line ends an outline and begins the next one
   JSON  [[x, y], ...], or {"name": "a", "vertices": [[x, y], ...]}, or an array of these
@@ -38,45 +38,45 @@ Examples:
   orlix polygon particles.json --json --circle 0.7
   orlix polygon outline.csv --point 120.5 80 --smooth 0.5 --csv)";
 
-struct Options {
+struct PolygonOptions {
     std::vector<std::string> files;
     std::vector<double> point;
     std::optional<double> circle, smooth;
     bool json = false, csv = false;
 };
 
-const std::vector<std::string> kColumns = {"file",
-                                           "outline",
-                                           "error",
-                                           "vertices",
-                                           "area",
-                                           "perimeter",
-                                           "perimeterEquivalentRadius",
-                                           "diameter.length",
-                                           "diameter.x1",
-                                           "diameter.y1",
-                                           "diameter.x2",
-                                           "diameter.y2",
-                                           "circularity",
-                                           "centroid.x",
-                                           "centroid.y",
-                                           "bounds.left",
-                                           "bounds.top",
-                                           "bounds.right",
-                                           "bounds.bottom",
-                                           "hull.vertices",
-                                           "hull.area",
-                                           "hull.perimeter",
-                                           "point.inside",
-                                           "point.nearest.distance",
-                                           "point.farthest.distance",
-                                           "point.subtendedAngle",
-                                           "circle.x",
-                                           "circle.y",
-                                           "circle.radius",
-                                           "smooth.vertices",
-                                           "smooth.area",
-                                           "smooth.perimeter"};
+const std::vector<std::string> kPolygonColumns = {"file",
+                                                  "outline",
+                                                  "error",
+                                                  "vertices",
+                                                  "area",
+                                                  "perimeter",
+                                                  "perimeterEquivalentRadius",
+                                                  "diameter.length",
+                                                  "diameter.x1",
+                                                  "diameter.y1",
+                                                  "diameter.x2",
+                                                  "diameter.y2",
+                                                  "circularity",
+                                                  "centroid.x",
+                                                  "centroid.y",
+                                                  "bounds.left",
+                                                  "bounds.top",
+                                                  "bounds.right",
+                                                  "bounds.bottom",
+                                                  "hull.vertices",
+                                                  "hull.area",
+                                                  "hull.perimeter",
+                                                  "point.inside",
+                                                  "point.nearest.distance",
+                                                  "point.farthest.distance",
+                                                  "point.subtendedAngle",
+                                                  "circle.x",
+                                                  "circle.y",
+                                                  "circle.radius",
+                                                  "smooth.vertices",
+                                                  "smooth.area",
+                                                  "smooth.perimeter"};
 
 Json At(double x, double y) {
     Json out;
@@ -115,7 +115,7 @@ Json FromPoint(const ComPtr<IPolygon>& polygon, double x, double y) {
     return out;
 }
 
-Json Measured(const NamedOutline& outline, const Options& options) {
+Json Measured(const NamedOutline& outline, const PolygonOptions& options) {
     const auto polygon = CreateObject<IPolygon>("Orlix.Polygon");
     std::vector<SVertice> vertices = outline.vertices;
     Check(polygon->Create(static_cast<LONG>(vertices.size()), vertices.data()), polygon);
@@ -157,7 +157,7 @@ Json Measured(const NamedOutline& outline, const Options& options) {
     return out;
 }
 
-std::string TextOf(const std::string& file, const Json& m) {
+std::string PolygonText(const std::string& file, const Json& m) {
     const auto number = [&](const char* path) {
         const double value = NumberAt(m, path);
         return value == value ? Number(value) : std::string("–");
@@ -188,8 +188,8 @@ std::string TextOf(const std::string& file, const Json& m) {
     return out + "\n";
 }
 
-int MeasureAll(const Options& options, const Subcommand& command) {
-    if (options.csv) std::cout << CsvHeader(kColumns);
+int MeasureAll(const PolygonOptions& options, const Subcommand& command) {
+    if (options.csv) std::cout << CsvHeader(kPolygonColumns);
     Batch batch = RunBatch(
         options.files,
         [&](size_t i, const std::string& name, Progress&) {
@@ -202,15 +202,15 @@ int MeasureAll(const Options& options, const Subcommand& command) {
         [&](const Json& document) {
             const std::string file = document["file"];
             if (document.contains("error")) {
-                if (options.csv) std::cout << CsvLine(kColumns, document) << std::flush;
+                if (options.csv) std::cout << CsvLine(kPolygonColumns, document) << std::flush;
                 return;
             }
             for (Json outline : document["outlines"]) {
                 outline["file"] = file;
                 if (options.csv)
-                    std::cout << CsvLine(kColumns, outline) << std::flush;
+                    std::cout << CsvLine(kPolygonColumns, outline) << std::flush;
                 else if (!options.json)
-                    std::cout << TextOf(file, outline) << std::flush;
+                    std::cout << PolygonText(file, outline) << std::flush;
             }
         });
     if (options.json) {
@@ -225,8 +225,8 @@ int MeasureAll(const Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddPolygon(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "polygon", "Measure outlines given as lists of vertices", kFooter);
+    const auto options = std::make_shared<PolygonOptions>();
+    Subcommand command(program, "polygon", "Measure outlines given as lists of vertices", kPolygonFooter);
     command.Add("FILE", options->files, "CSV or JSON files; - is standard input").Required();
     command.Add("--point", options->point, "Distances from here").Pair("X Y");
     command.Add("--circle", options->circle, "Robust circle: probability that a vertex belongs to it").Named("P");

@@ -11,7 +11,8 @@ namespace tool {
 
 namespace {
 
-constexpr double kWidth = 960, kLeft = 84, kRight = kWidth - 28, kPlot = kRight - kLeft;
+constexpr double kProfileWidth = 960, kProfileLeft = 84, kProfileRight = kProfileWidth - 28,
+                 kPlotWidth = kProfileRight - kProfileLeft;
 
 struct Panel {
     double top, height, low, high;
@@ -41,11 +42,12 @@ Panel PanelOver(double top, double height, std::initializer_list<const std::vect
 // through the smallest and the largest of them.
 std::string Curve(const Panel& panel, const std::vector<double>& values, const std::string& style) {
     const size_t n = values.size();
-    const size_t group = std::max<size_t>(1, n / static_cast<size_t>(kPlot));
+    const size_t group = std::max<size_t>(1, n / static_cast<size_t>(kPlotWidth));
     std::string path;
     bool open = false;
     const auto point = [&](size_t i, double value) {
-        const double x = kLeft + kPlot * (n > 1 ? static_cast<double>(i) / static_cast<double>(n - 1) : 0.5);
+        const double x =
+            kProfileLeft + kPlotWidth * (n > 1 ? static_cast<double>(i) / static_cast<double>(n - 1) : 0.5);
         path += (open ? "L" : "M") + Coordinate(x) + " " + Coordinate(panel.Y(value));
         open = true;
     };
@@ -68,14 +70,16 @@ std::string Curve(const Panel& panel, const std::vector<double>& values, const s
 
 std::string Frame(const Panel& panel, const std::string& name, double ticks) {
     std::string svg;
-    const double step = TickStep(panel.high - panel.low, ticks), right = kRight, bottom = panel.top + panel.height;
+    const double step = TickStep(panel.high - panel.low, ticks), right = kProfileRight,
+                 bottom = panel.top + panel.height;
     for (double k = std::ceil(panel.low / step); k * step <= panel.high; ++k) {
         const double y = panel.Y(k * step);
-        svg += Line(kLeft, y, right, y, k == 0 ? "stroke='var(--muted)' stroke-opacity='0.7'" : "stroke='var(--grid)'");
-        svg += Label(kLeft - 8, y + 4, "text-anchor='end' class='tick'", Rounded(k * step, TickDigits(step)));
+        svg += Line(kProfileLeft, y, right, y,
+                    k == 0 ? "stroke='var(--muted)' stroke-opacity='0.7'" : "stroke='var(--grid)'");
+        svg += Label(kProfileLeft - 8, y + 4, "text-anchor='end' class='tick'", Rounded(k * step, TickDigits(step)));
     }
-    svg += Line(kLeft, panel.top, kLeft, bottom, "stroke='var(--muted)'");
-    svg += Line(kLeft, bottom, right, bottom, "stroke='var(--muted)'");
+    svg += Line(kProfileLeft, panel.top, kProfileLeft, bottom, "stroke='var(--muted)'");
+    svg += Line(kProfileLeft, bottom, right, bottom, "stroke='var(--muted)'");
     svg += "<text transform='translate(13 " + Coordinate(panel.top + panel.height / 2) +
            ") rotate(-90)' text-anchor='middle' class='axis'>" + Escaped(name) + "</text>\n";
     return svg;
@@ -91,20 +95,20 @@ std::string ProfilePlot(const Profile& profile) {
     const Panel lower = PanelOver(252, 130, {&profile.residuals}, true);
     const double bottom = lower.top + lower.height;
 
-    std::string svg = "<svg class='profile' viewBox='0 0 " + Coordinate(kWidth) + " " + Coordinate(bottom + 46) +
+    std::string svg = "<svg class='profile' viewBox='0 0 " + Coordinate(kProfileWidth) + " " + Coordinate(bottom + 46) +
                       "' role='img' aria-label='Profile'>\n";
     const auto key = [&](double x, const std::string& style, const std::string& text) {
         svg += Line(x, 14, x + 24, 14, style) + Label(x + 31, 18, "class='tick'", text);
     };
     const std::string values = "stroke='var(--fill)' stroke-width='1.2'",
                       surface = "stroke='var(--accent)' stroke-width='2'";
-    key(kLeft, values, "image");
-    key(kLeft + 110, surface, "fitted surface");
+    key(kProfileLeft, values, "image");
+    key(kProfileLeft + 110, surface, "fitted surface");
 
     const size_t n = profile.values.size();
     const double length = static_cast<double>(n > 1 ? n - 1 : 1) * profile.step, step = TickStep(length, 9);
     for (double k = 0; k * step <= length * (1 + 1e-9); ++k) {
-        const double x = kLeft + kPlot * k * step / length;
+        const double x = kProfileLeft + kPlotWidth * k * step / length;
         for (const Panel& panel : {upper, lower}) {
             const double end = panel.top + panel.height;
             svg +=
@@ -115,7 +119,7 @@ std::string ProfilePlot(const Profile& profile) {
     svg += Frame(upper, profile.level, 5) + Frame(lower, profile.residual, 4);
     svg += Curve(upper, profile.values, values) + Curve(upper, profile.surface, surface);
     svg += Curve(lower, profile.residuals, values);
-    svg += Label(kLeft + kPlot / 2, bottom + 40, "text-anchor='middle' class='axis'", profile.axis);
+    svg += Label(kProfileLeft + kPlotWidth / 2, bottom + 40, "text-anchor='middle' class='axis'", profile.axis);
     return svg + "</svg>\n";
 }
 

@@ -18,7 +18,7 @@ namespace tool {
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kProgramFooter[] = R"(
 Examples:
   orlix measure section.png
   orlix measure *.png --threshold otsu --dark --pixel-size 0.5 --out results
@@ -95,7 +95,7 @@ int Run(std::vector<std::string> arguments) {
     program.set_version_flag("--version", "orlix " ORLIX_TOOL_VERSION);
     program.require_subcommand(1);
     program.formatter(std::make_shared<HelpFormatter>());
-    program.footer(kFooter);
+    program.footer(kProgramFooter);
     const std::pair<const char*, Command> commands[] = {
         {"measure", AddMeasure(program)},       {"flatten", AddFlatten(program)}, {"filter", AddFilter(program)},
         {"polygon", AddPolygon(program)},       {"render", AddRender(program)},   {"info", AddInfo(program)},

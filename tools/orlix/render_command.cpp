@@ -21,7 +21,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kRenderFooter[] = R"(
 The view is what a window of that size would show: the image as large as it fits, with square pixels, in
 the middle of the surround. With a zoom factor of 4 it begins with a quarter of the image's width and
 height about the centre, and grows to fill the view.
@@ -36,7 +36,7 @@ Examples:
   orlix render height.png --size 1024 768 --snap 0.001 --zoom 4 --center 320 200 -o view.png
   orlix render weld.png --size 640 480 --surround FFFFFF --overlay-roi circle:400,300,250 -o view.png)";
 
-struct Options {
+struct RenderOptions {
     LoadOptions load;
     std::string file, output;
     std::vector<int> size;
@@ -98,7 +98,7 @@ void DrawRegion(const ComPtr<IRegionOfInterest>& region, LONG width, LONG height
     }
 }
 
-View Rendered(const Options& options, const Subject& subject) {
+View Rendered(const RenderOptions& options, const Subject& subject) {
     const auto display = Cast<IDisplayProcess>(subject.image);
     const auto picture = Cast<IPictureExZoom>(subject.image);
     const auto memory = Cast<IPictureMemory>(subject.image);
@@ -149,7 +149,7 @@ Json Describe(const View& view, const Subject& subject, const ComPtr<IDisplayPro
     return out;
 }
 
-std::string TextOf(const Json& m) {
+std::string RenderText(const Json& m) {
     const auto range = [&](const char* name) {
         return Number(m[name][0].get<double>()) + " to " + Number(m[name][1].get<double>());
     };
@@ -159,7 +159,7 @@ std::string TextOf(const Json& m) {
            TextLine("written", OutputName(m)) + WarningsText(m);
 }
 
-int Render(const Options& options, const Subcommand& command) {
+int Render(const RenderOptions& options, const Subcommand& command) {
     if (options.size[0] < 1 || options.size[1] < 1 || options.size[0] > 32767 || options.size[1] > 32767)
         throw UsageError("--size: width and height from 1 to 32767");
     if (options.output != "-" && Extension(options.output) != ".png")
@@ -188,7 +188,7 @@ int Render(const Options& options, const Subcommand& command) {
     if (options.json) {
         PrintOne(command, std::move(document), true);
     } else {
-        (options.output == "-" ? std::cerr : std::cout) << TextOf(document);
+        (options.output == "-" ? std::cerr : std::cout) << RenderText(document);
     }
     return kDone;
 }
@@ -196,8 +196,8 @@ int Render(const Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddRender(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
-    Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kFooter);
+    const auto options = std::make_shared<RenderOptions>();
+    Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kRenderFooter);
     command.Add("IMAGE", options->file, kImageFile).Required();
     options->load.Add(command);
     command.Add("-o,--output", options->output, "PNG file to write; - is standard output").Required().Named("FILE");

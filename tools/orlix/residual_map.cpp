@@ -11,24 +11,24 @@ namespace tool {
 
 namespace {
 
-using Colour = std::array<double, 3>;
+using MapColour = std::array<double, 3>;
 // From the lower end to the upper one in equal steps. Lightness falls equally from the middle to both ends.
-constexpr Colour kColours[] = {{18, 44, 110},   {43, 105, 184},  {125, 178, 222}, {200, 222, 238}, {247, 247, 245},
-                               {250, 214, 190}, {236, 146, 106}, {196, 62, 50},   {112, 12, 34}};
+constexpr MapColour kColours[] = {{18, 44, 110},   {43, 105, 184},  {125, 178, 222}, {200, 222, 238}, {247, 247, 245},
+                                  {250, 214, 190}, {236, 146, 106}, {196, 62, 50},   {112, 12, 34}};
 constexpr double kSteps = std::size(kColours) - 1;
-constexpr Colour kNone = {150, 150, 150};
+constexpr MapColour kNone = {150, 150, 150};
 
-Colour ColourOf(double residual, double limit) {
+MapColour ColourOf(double residual, double limit) {
     if (std::isnan(residual)) return kNone;
     const double at = (std::clamp(residual / limit, -1.0, 1.0) + 1) / 2 * kSteps;
     const auto lower = static_cast<size_t>(std::min(std::floor(at), kSteps - 1));
     const double share = at - static_cast<double>(lower);
-    Colour colour;
+    MapColour colour;
     for (size_t i = 0; i < 3; ++i) colour[i] = kColours[lower][i] * (1 - share) + kColours[lower + 1][i] * share;
     return colour;
 }
 
-std::string Css(const Colour& colour) {
+std::string Css(const MapColour& colour) {
     return "rgb(" + Rounded(colour[0], 0) + "," + Rounded(colour[1], 0) + "," + Rounded(colour[2], 0) + ")";
 }
 

@@ -16,7 +16,7 @@ using namespace orlix;
 
 namespace {
 
-constexpr char kFooter[] = R"(
+constexpr char kSpecimenFooter[] = R"(
 Writes an image of a polished surface under uneven light, with particles, scratches, pits and
 noise, and OUT.json beside it with the truth: number, area and centroid of the particles, the
 background's coefficients, noise and contrasts in the grey levels of the image.
@@ -29,14 +29,14 @@ Examples:
   orlix specimen clean16.png --bits 16 --scratches 0 --pits 0 --noise 0 --background flat
   orlix specimen bright.png --matrix 60 --contrast 110)";
 
-struct Options {
+struct SpecimenOptions {
     std::string out, background = "tilted";
     samples::SpecimenSettings settings;
     double pixelSize = 0;
     bool force = false, json = false;
 };
 
-int WriteSpecimen(Options& options, const Subcommand& command) {
+int WriteSpecimen(SpecimenOptions& options, const Subcommand& command) {
     CheckOutput(options.out, {}, options.force);
     std::filesystem::path truth;
     if (options.out != "-") truth = Path(options.out).replace_extension(".json");
@@ -74,9 +74,9 @@ int WriteSpecimen(Options& options, const Subcommand& command) {
 }  // namespace
 
 Command AddSpecimen(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<SpecimenOptions>();
     auto& s = options->settings;
-    Subcommand command(program, "specimen", "Make a synthetic specimen with known truth", kFooter);
+    Subcommand command(program, "specimen", "Make a synthetic specimen with known truth", kSpecimenFooter);
     command.Add("OUT", options->out, "Image to write: .png or .pgm, or - for PNG on standard output, without its truth")
         .Required();
     const auto add = [&](const char* name, auto& value, const char* description) {

@@ -29,18 +29,18 @@ std::string Key(const CLI::Option& option) {
 }
 
 // The name of a value in the help.
-const char* TypeName(const std::string&) { return "TEXT"; }
-const char* TypeName(double) { return "NUMBER"; }
-const char* TypeName(int) { return "N"; }
-const char* TypeName(long) { return "N"; }
-const char* TypeName(uint64_t) { return "N"; }
+const char* ValueName(const std::string&) { return "TEXT"; }
+const char* ValueName(double) { return "NUMBER"; }
+const char* ValueName(int) { return "N"; }
+const char* ValueName(long) { return "N"; }
+const char* ValueName(uint64_t) { return "N"; }
 template <class T>
-const char* TypeName(const std::optional<T>&) {
-    return TypeName(T());
+const char* ValueName(const std::optional<T>&) {
+    return ValueName(T());
 }
 template <class T>
-const char* TypeName(const std::vector<T>&) {
-    return TypeName(T());
+const char* ValueName(const std::vector<T>&) {
+    return ValueName(T());
 }
 
 Json ValueOf(const std::string& value) { return value.empty() ? Json(nullptr) : Json(value); }
@@ -149,7 +149,7 @@ Parameter Subcommand::Add(const char* name, T& variable, const std::string& desc
     CLI::Option* const option = command_->add_option(name, variable, description);
     if (!option->get_positional())
         values_.push_back([key = Key(*option), &variable](Json& options) { options[key] = ValueOf(variable); });
-    option->type_name(TypeName(variable));
+    option->type_name(ValueName(variable));
     return Parameter(*option);
 }
 

@@ -13,30 +13,13 @@
 #include <utility>
 
 #include "platform/native/file_path.hpp"
+#include "platform/native/system_calls.hpp"
 
 namespace orlix {
 namespace {
 
 // The most that one call reads or writes; the system's own limit is just below 2^31.
 constexpr size_t kLargestTransfer = size_t{1} << 30;
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) noexcept : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { Close(); }
-
-    int number() const noexcept { return number_; }
-    explicit operator bool() const noexcept { return number_ >= 0; }
-    bool Close() noexcept {
-        const int number = std::exchange(number_, -1);
-        return number < 0 || ::close(number) == 0;
-    }
-
-private:
-    int number_;
-};
 
 std::string FolderOf(const std::string& path) {
     const size_t slash = path.rfind('/');

@@ -1,9 +1,8 @@
-// Paths and system calls, for all code here that opens files.
+// Paths, for all code here that opens files.
 #pragma once
 
 #include <orlix/orlix.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -20,14 +19,6 @@ inline std::string NativePath(WideStringView path) {
     } catch (const std::filesystem::filesystem_error&) {
         return {};
     }
-}
-
-// Repeats a system call while signals interrupt it.
-template <class Call>
-auto Retried(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR) result = call();
-    return result;
 }
 
 }  // namespace orlix

@@ -3,35 +3,15 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "platform/native/system_calls.hpp"
+
 namespace orlix {
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) close(fd_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return fd_; }
-
-private:
-    int fd_;
-};
-
-ssize_t Retry(auto call) {
-    ssize_t result = 0;
-    do result = call();
-    while (result < 0 && errno == EINTR);
-    return result;
-}
 
 // Lets the kernel read one byte of a page, and write the same byte back: it answers EFAULT where a load or
 // store would fault. That covers what permissions do not tell, such as a mapped file that has been cut short.
@@ -53,10 +33,10 @@ public:
     bool Accessible(uintptr_t address, bool forWriting) const {
         if (read_ < 0) return false;
         auto* byte = reinterpret_cast<unsigned char*>(address);
-        if (Retry([&] { return write(write_, byte, 1); }) != 1) return false;
-        if (forWriting && Retry([&] { return read(read_, byte, 1); }) == 1) return true;
+        if (Retried([&] { return write(write_, byte, 1); }) != 1) return false;
+        if (forWriting && Retried([&] { return read(read_, byte, 1); }) == 1) return true;
         unsigned char discarded = 0;
-        (void)Retry([&] { return read(read_, &discarded, 1); });
+        (void)Retried([&] { return read(read_, &discarded, 1); });
         return !forWriting;
     }
 
@@ -107,12 +87,12 @@ bool Accessible(const void* memory, size_t size, bool forWriting) {
             if ((next | (page - 1)) >= stop) return true;
         }
     };
-    if (maps.get() < 0) return probeTo(last);
+    if (!maps) return probeTo(last);
 
     std::string text;
     char block[4096];
     for (;;) {
-        const ssize_t got = Retry([&] { return read(maps.get(), block, sizeof block); });
+        const ssize_t got = Retried([&] { return read(maps.number(), block, sizeof block); });
         if (got < 0) return false;
         if (got == 0) break;
         text.append(block, static_cast<size_t>(got));

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/native/file_path.hpp"
+#include "platform/native/system_calls.hpp"
 
 namespace {
 
