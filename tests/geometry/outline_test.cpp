@@ -105,6 +105,15 @@ TEST(Area, AndCentroidDependOnNeitherPlaceNorSize) {
     EXPECT_EQ(1, Circularity(whole));
 }
 
+// Radii 1, 3, 1 and 3: their deviation is half their mean.
+TEST(Circularity, IsTheSameAtEverySize) {
+    for (const double size : {1.0, 0x1p1010, 0x1p-1010}) {
+        std::vector<Point> outline = {{11, 20}, {10, 23}, {9, 20}, {10, 17}};
+        for (Point& p : outline) p = {p.x * size, p.y * size};
+        EXPECT_EQ(0.5, Circularity(outline)) << size;
+    }
+}
+
 // Products of 53-bit doubles, which long double would round.
 TEST(Area, IsRoundedOnce) {
     // 2 area = (2^53 - 1) (2^53 - 1) - 2^53 (2^53 - 2) = 1
