@@ -506,7 +506,8 @@ def run_readme_program(tally, preset, program, specimen):
                                            ("says that an image is missing", ["missing.png"], 1, ".*failed to open.*")):
         outcome = run([*program, *arguments])
         as_expected = outcome.status == status and re.fullmatch(words, outcome.output.strip())
-        tally.check(f"{preset}: README's program {what}", "" if as_expected else f"{outcome.output}\n{outcome.ending()}")
+        problem = "" if as_expected else f"{outcome.output}\n{outcome.ending()}"
+        tally.check(f"{preset}: README's program {what}", problem)
 
 
 def consumer(tally):
@@ -543,16 +544,16 @@ def consumer(tally):
                 run_readme_program(tally, "win32", [*wine.command, folder / "threshold.exe"], windows_path(specimen))
             exchange_streams(tally, BUILD / "stage/native/bin/orlix", [*wine.command, stage / "bin/orlix.exe"])
             wine.register(library, "/u")
-        tally.check("scripts/demo: both platforms measure the same",
-                    problem_of([ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen, "--dark"], 600))
+        demo = [ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen, "--dark"]
+        tally.check("scripts/demo: both platforms measure the same", problem_of(demo, 600))
     except Unavailable as reason:
         tally.skipped += 1
         say(f"skipped {tally.name}: the programs on Windows: {reason}")
 
 
 def consumer_by_add_subdirectory(tally):
-    """The sources as a part of a project: the library alone, whatever the compiler warns of. Nothing is optimised: it is soon
-    there, and a debugger's build is seen to work."""
+    """The sources as a part of a project: the library alone, whatever the compiler warns of. Nothing is optimised: that
+    is soon built, and shows that a debugger's build works."""
     say(f"{tally.name}: building the sources as a part of a project")
     folder = build_project(tally, "native", ROOT / "tests/consumer", "subdirectory: a project with add_subdirectory",
                            f"-DORLIX_SOURCE={ROOT}", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
@@ -570,7 +571,8 @@ def exchange_streams(tally, native, windows_tool):
     """Streams of images go from platform to platform and back, and are the same bytes when saved again."""
     folder = BUILD / "consumer"
     for bits in ("8", "16"):
-        image, first, second, third = (folder / f"exchange{bits}{end}" for end in (".png", "a.orlix", "b.orlix", "c.orlix"))
+        ends = (".png", "a.orlix", "b.orlix", "c.orlix")
+        image, first, second, third = (folder / f"exchange{bits}{end}" for end in ends)
         for file in (first, second, third):
             file.unlink(missing_ok=True)
         problem = (problem_of([native, "specimen", image, "--bits", bits])
@@ -591,15 +593,16 @@ def consumer_by_pkg_config(tally, stage):
     flags = run(["pkg-config", "--cflags", "--libs", "orlix"], env=environment)
     result = BUILD / "consumer" / "by_pkg_config"
     problem = flags.output if flags.status else problem_of(
-        ["g++", "-std=c++20", "-Wall", "-Wextra", "-Wconversion", "-Wshadow", "-Werror", ROOT / "tests/consumer/main.cpp",
-         "-o", result, *flags.output.split()])
+        ["g++", "-std=c++20", "-Wall", "-Wextra", "-Wconversion", "-Wshadow", "-Werror",
+         ROOT / "tests/consumer/main.cpp", "-o", result, *flags.output.split()])
     tally.check("native: a program builds with pkg-config", problem)
     tally.check("native: the program built with pkg-config runs", problem_of([result], env=environment))
 
 
 # ----------------------------------------------------------------------------------------------------------------- main
 
-PARTS = {part.__name__: part for part in (native, asan, win32, win64, viewer, checks, consumer, tidy)}
+# In this order, because parts that keep one processor busy, or wait for windows, run while other platforms are built.
+PARTS = {part.__name__: part for part in (native, win32, viewer, consumer, asan, win64, checks, tidy)}
 
 
 def main():
