@@ -85,8 +85,8 @@ TEST(PngReader, APaletteGivesOneBandWhenTheEntriesInUseAreGrey) {
     ExpectRefused("IImageVPAEx::CreateFromPng: a pixel is outside the palette.", file(3));
 }
 
-// The stored samples stay where a colour is transparent; empty pieces, blocks of a byte, and bytes behind the end of the
-// stream and of the file change nothing.
+// The stored samples stay where a colour is transparent; empty pieces, blocks of a byte, and bytes behind the end of
+// the stream and of the file change nothing.
 TEST(PngReader, WhatMakesNoDifferenceIsAccepted) {
     Bytes pieces = PngSignature() + PngHeader(2, 2, 8, 0) + PngChunk("IDAT", {});
     for (const uint8_t byte : StoredStream(kTinyRows, 1))
@@ -120,8 +120,8 @@ TEST(PngReader, EverySingleWrongByteIsNoticedBeforeTheSinkIsBegun) {
         }
 }
 
-// With a right checksum the damage reaches the decompressor. The two bytes in front name a window size, which may vary, as
-// may the unused bits of the block's first byte.
+// With a right checksum the damage reaches the decompressor. The two bytes in front name a window size, which may vary,
+// as may the unused bits of the block's first byte.
 TEST(PngReader, DamageOfTheStreamBehindARightChecksumIsNoticed) {
     for (size_t at = 2; at < kTinyStream.size(); ++at)
         for (int value = 0; value < 256; ++value) {

@@ -1,6 +1,6 @@
 #include "files/seeds.hpp"
 
-#include "files/memory_image.hpp"
+#include <algorithm>
 
 namespace orlix::test {
 namespace {
@@ -13,14 +13,12 @@ void AddPng(std::vector<Seed>& seeds) {
     for (const auto& [colourType, depth] : kPngKinds)
         for (const bool interlaced : {false, true}) {
             const uint32_t most = (1u << depth) - 1;
-            const PngPicture picture = {
-                9,          6,
-                depth,      colourType,
-                interlaced, [=](uint32_t x, uint32_t y, uint32_t s) {
-                                            return (37 * x + 11 * y * y + 91 * s) & most; }};
+            const auto value = [=](uint32_t x, uint32_t y, uint32_t s) {
+                return (37 * x + 11 * y * y + 91 * s) & most;
+            };
             const Bytes chunk = PngChunk("PLTE", Part(palette, 0, 3u << std::min(depth, 8u)));
             add(std::to_string(colourType) + "-" + std::to_string(depth) + (interlaced ? "-interlaced" : ""),
-                MakePng(picture, colourType == 3 ? chunk : Bytes{}));
+                MakePng({9, 6, depth, colourType, interlaced, value}, colourType == 3 ? chunk : Bytes{}));
         }
     const auto text = [](std::string_view type, const Bytes& rest) {
         return PngChunk(type, FromText("Title") + Bytes{0} + rest);
@@ -42,14 +40,10 @@ void AddPng(std::vector<Seed>& seeds) {
 void AddBmp(std::vector<Seed>& seeds) {
     for (const auto& [headerSize, height] : {std::pair{12u, 3}, {40u, 3}, {40u, -3}, {108u, 3}, {124u, -3}}) {
         const int entry = headerSize == 12 ? 3 : 4;
-        BmpFile file;
-        file.headerSize = headerSize;
-        file.width = 5;
-        file.height = height;
+        BmpFile file{.headerSize = headerSize, .width = 5, .height = height};
         file.perMetreX = file.perMetreY = 2000000;
         file.coloursUsed = 16;
-        file.palette = GreyRampPalette(entry);
-        file.palette.resize(static_cast<size_t>(16 * entry));
+        file.palette = Part(GreyRampPalette(entry), 0, static_cast<size_t>(16 * entry));
         for (uint32_t i = 0; i < 24; ++i) file.rows.push_back(static_cast<uint8_t>(i % 16));
         const std::string name = "bmp-" + std::to_string(headerSize) + (height < 0 ? "-down" : "");
         seeds.push_back({name, MakeBmp(file)});
@@ -68,21 +62,6 @@ void AddPnm(std::vector<Seed>& seeds) {
         seeds.push_back({"pnm-" + std::to_string(number++), FromText(text)});
 }
 
-void AddWritten(std::vector<Seed>& seeds) {
-    for (const int32_t bands : {1, 3})
-        for (const int32_t bits : {8, 16}) {
-            MemoryImage image(12, 10, bands, bits, [](int32_t band, int32_t x, int32_t y) {
-                return static_cast<uint32_t>(20 * x + 3 * y * y + 5 * band);
-            });
-            image.properties.micronsX = image.properties.micronsY = 0.25;
-            image.properties.texts = {{OLESTR("Title"), OLESTR("a\u00B5")}, {OLESTR("Other"), OLESTR("\u4E2D")}};
-            const std::string name = std::to_string(bands) + "-" + std::to_string(bits);
-            seeds.push_back({"png-written-" + name, Written(IFF_PNG, image)});
-            seeds.push_back({"pnm-raw-" + name, Written(bands == 3 ? IFF_PPM : IFF_PGM, image)});
-            seeds.push_back({"pnm-plain-" + name, Written(bands == 3 ? IFF_PlainPPM : IFF_PlainPGM, image)});
-        }
-}
-
 }  // namespace
 
 std::vector<Seed> MakeSeeds() {
@@ -90,7 +69,6 @@ std::vector<Seed> MakeSeeds() {
     AddPng(seeds);
     AddBmp(seeds);
     AddPnm(seeds);
-    AddWritten(seeds);
     return seeds;
 }
 

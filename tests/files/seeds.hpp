@@ -1,4 +1,4 @@
-// Small image files of every kind, to start fuzzers from: made by hand and by the library's writers.
+// Small image files of every kind, to start fuzzers from.
 #pragma once
 
 #include <string>

@@ -80,8 +80,8 @@ TEST_F(Files, ReportsOfABatchHaveTheirOwnNamesAndAnOverviewWithLinks) {
     WriteFile(Path("bad.png"), "not an image");
     const Words images = {"--csv", "50% #1.png", "bad.png", "other/50% #1.png"};
     for (const auto& [words, folder, picture, column] :
-         {std::tuple<Words, std::string, const char*, const char*>{{"measure"}, "m/", "_overlay.png", "grey.mean,"},
-          {{"flatten", "--surface", "plane"}, "f/", "_flattened.png", "surface.coefficients.gamma,"}}) {
+         {std::tuple<Words, std::string, const char*, const char*>{{"measure"}, "m", "_overlay.png", "grey.mean,"},
+          {{"flatten", "--surface", "plane"}, "f", "_flattened.png", "surface.coefficients.gamma,"}}) {
         SCOPED_TRACE(folder);
         const Result result = Orlix(words + images + Words{"--out", folder});
         EXPECT_EQ(kFailed, result.code);
@@ -89,8 +89,8 @@ TEST_F(Files, ReportsOfABatchHaveTheirOwnNamesAndAnOverviewWithLinks) {
         EXPECT_EQ(4, std::count(result.out.begin(), result.out.end(), '\n'));
         EXPECT_THAT(result.out, HasSubstr(column));
         for (const char* name : {"50% #1", "50% #1_2"})
-            EXPECT_TRUE(Exists(folder + name + "_report.html") && Exists(folder + name + picture)) << name;
-        const std::string overview = ReadFile(Path(folder + "report.html"));
+            EXPECT_TRUE(Exists(folder + "/" + name + "_report.html") && Exists(folder + "/" + name + picture)) << name;
+        const std::string overview = ReadFile(Path(folder + "/report.html"));
         for (const char* part : {"href='50%25%20%231_report.html'", "href='50%25%20%231_2_report.html'", "bad.png"})
             EXPECT_THAT(overview, HasSubstr(part));
     }

@@ -139,8 +139,7 @@ TEST_F(FlattenProgram, RoughnessIsThatOfTheStandardsDefinitions) {
     const auto level = [](int x, int y) { return 1000 + std::array{0, 4, -4}[static_cast<size_t>(x + y) % 3]; };
     WritePgm("pattern.pgm", 60, 40, 65535, level);  // no slope in rows or columns
     const Json before = Flattened("pattern.pgm", "plane", {"--z-scale", "0.5"})["before"];
-    EXPECT_NEAR(8 / 3.0, NumberAt(before, "Sa"),
-                2e-3);  // 40 rows are not a whole number of turns
+    EXPECT_NEAR(8 / 3.0, NumberAt(before, "Sa"), 2e-3) << "40 rows are not a whole number of turns";
     EXPECT_NEAR(std::sqrt(32 / 3.0), NumberAt(before, "Sq"), 1e-3);
     EXPECT_NEAR(0, NumberAt(before, "Ssk"), 1e-2);
     EXPECT_NEAR(512 / 3.0 / (32 / 3.0) / (32 / 3.0), NumberAt(before, "Sku"), 1e-3);

@@ -111,29 +111,29 @@ TEST_F(Program, CsvHoldsTheValuesOfTheJson) {
 
 TEST_F(Program, WritesPicturesAndSelfContainedReports) {
     Make("a.png");
-    const std::string out = At("new/results") + "/";
+    const std::string out = At("new/results");
     const Json document = DocumentOf({"measure", "a.png", "--roi", "circle:300,200,150", "--out", out});
     const Json& m = document["images"][0];
-    EXPECT_EQ(document, Json::parse(ReadFile(Path(out + "measurement.json"))));
+    EXPECT_EQ(document, Json::parse(ReadFile(Path(out + "/measurement.json"))));
     size_t files = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(Path(out))) ++files;
     EXPECT_EQ(4u, files) << "the document, the report and two pictures";
 
     // The bitmap as a picture holds the phase and nothing else.
-    const Json bitmap = Measured({out + "a_bitmap.png", "--threshold", "255,255"});
+    const Json bitmap = Measured({out + "/a_bitmap.png", "--threshold", "255,255"});
     EXPECT_EQ(m["phase"]["pixels"], bitmap["phase"]["pixels"]);
     EXPECT_NEAR(0.5, bitmap["micronsPerPixel"]["x"], 1e-9);
-    EXPECT_EQ(3, ImageOf({"info", out + "a_overlay.png"})["bands"]);
+    EXPECT_EQ(3, ImageOf({"info", out + "/a_overlay.png"})["bands"]);
 
     ImageOf("flatten a.png --surface biquadratic --z-scale 1e-5 --out f");
-    for (const auto& [report, parts] :
+    for (const auto& [folder, parts] :
          {std::pair<std::string, Words>{
               out,
               {"<svg", "src='data:image/png;base64,iVBORw0KGgo", Rounded(100 * NumberAt(m, "phase.areaFraction"), 2)}},
-          {"f/",
+          {"f",
            {"href='data:image/png;base64,iVBORw0KGgo", "residual, nm", "height about the mean, nm", "x, µm",
             "Profile along row 239", "Profile along column 319"}}}) {
-        std::string html = ReadFile(Path(report + "report.html"));
+        std::string html = ReadFile(Path(folder + "/report.html"));
         for (const std::string& part : parts) EXPECT_THAT(html, HasSubstr(part));
         for (size_t at = 0; (at = html.find("base64,", at)) != std::string::npos;)
             html.erase(at, html.find('\'', at) - at);
