@@ -13,8 +13,8 @@ namespace orlix {
 BitPlane KeepByArea(const BitPlane& image, Connectivity connectivity, int64_t minimum, int64_t maximum);
 
 // Fills the holes (reconstruction.hpp) of at most `maximum` pixels: the area closing that leaves what touches the edge.
-// The size of a hole is its number of background pixels: components inside it do not count, and become joined to what is
-// around them when it is filled.
+// The size of a hole is its number of background pixels: components inside it do not count, and become joined to what
+// is around them when it is filled.
 BitPlane FillHolesUpTo(const BitPlane& image, Connectivity connectivity, int64_t maximum);
 
 }  // namespace orlix

@@ -1,5 +1,5 @@
-// Homotopic operations: thinning, skeletons and what is done with them. None of them joins, splits, creates or removes a
-// component or a hole (but for what `Prune` says).
+// Homotopic operations: thinning, skeletons and what is done with them. None of them joins, splits, creates or removes
+// a component or a hole.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +14,10 @@ namespace orlix {
 // exactly one neighbour. Neighbours are those of the connectivity. Pixels outside the bitmap are background.
 
 // One pass of thinning has four steps, for the directions north, south, east and west. Each step removes, all at once,
-// the simple pixels that are no ends and whose neighbour in its direction is background (A. Rosenfeld 1975). A number of
-// passes below 1 changes nothing, and passes after the last one that changes something take no time. Time goes with the
-// words that hold an outline plus, for each pixel removed, a bounded number of words: not with the passes times the
-// image. Memory: the image once more and 9 bytes for each word of 64 pixels.
+// the simple pixels that are no ends and whose neighbour in its direction is background (A. Rosenfeld 1975). A number
+// of passes below 1 changes nothing, and passes after the last one that changes something take no time. Time goes with
+// the words that hold an outline plus, for each pixel removed, a bounded number of words: not with the passes times the
+// image. Memory: the image once more and up to 25 bytes for each word of 64 pixels.
 BitPlane Thin(const BitPlane& image, Connectivity connectivity, int64_t passes);
 
 // Thinned until nothing changes; then simple pixels that are no ends are removed one after another in raster order,
@@ -28,8 +28,8 @@ BitPlane Skeleton(const BitPlane& image, Connectivity connectivity);
 // which is no part of it. The shortest branch is removed, of equal ones that whose end comes first in raster order, as
 // long as there is one of at most `length` pixels. A junction that is left simple with two neighbours goes with its
 // branch; one that is left with two neighbours otherwise is a junction no more, so two branches may have become one, or
-// a line. Thus what has no junction stays, and so does the longest line of a component. Each pixel of a branch is
-// visited once.
+// a line. Thus what has no junction stays: lines, rings, single pixels. Each pixel of a branch is visited once from
+// each end.
 BitPlane Prune(const BitPlane& image, Connectivity connectivity, int64_t length);
 
 // Thinning of the background: components grow by one pixel in all eight directions with each pass, but do not meet, and

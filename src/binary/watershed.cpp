@@ -61,15 +61,16 @@ private:
             }
         }
         const auto value = [&](uint32_t cell) { return grid.values[cell]; };
-        // The disk within the largest distance lies in the component, unless the edge of the bitmap cuts most of it off:
-        // counting takes less time than comparing.
-        if (static_cast<uint64_t>(largest) <= 8 * uint64_t{order_.size()}) {
-            starts_.assign(static_cast<size_t>(largest) + 1, 0);
-            for (const uint32_t cell : order_) ++starts_[static_cast<size_t>(largest - value(cell))];
-            std::exclusive_scan(starts_.begin(), starts_.end(), starts_.begin(), uint32_t{0});
-            sorted_.resize(order_.size());
-            for (const uint32_t cell : order_) sorted_[starts_[static_cast<size_t>(largest - value(cell))]++] = cell;
-            order_.swap(sorted_);
+        // The disk within the largest distance lies in the component, unless the edge of the bitmap cuts most of it
+        // off: counting takes less time than comparing.
+        if (static_cast<uint64_t>(largest) <= 2 * uint64_t{order_.size()}) {
+            std::vector<uint32_t>& places = labels_;
+            places.assign(static_cast<size_t>(largest) + 1, 0);
+            for (const uint32_t cell : order_) ++places[static_cast<size_t>(largest - value(cell))];
+            std::exclusive_scan(places.begin(), places.end(), places.begin(), uint32_t{0});
+            scratch_.resize(order_.size());
+            for (const uint32_t cell : order_) scratch_[places[static_cast<size_t>(largest - value(cell))]++] = cell;
+            order_.swap(scratch_);
         } else {
             std::stable_sort(order_.begin(), order_.end(), [&](uint32_t a, uint32_t b) { return value(a) > value(b); });
         }
@@ -86,6 +87,7 @@ private:
     // below M(D), its plateau of R, hold no higher maximum. Maxima are visited from the highest down, so a plateau that
     // holds a higher one, or reaches one, meets cells that were visited before; each cell is visited once.
     uint32_t FindMarkers(const NeighbourSteps& steps) {
+        std::vector<uint32_t>& plateau = scratch_;
         uint32_t markers = 0;
         auto threshold = static_cast<uint32_t>(roots_.size() - 1);
         for (const uint32_t peak : order_) {
@@ -95,24 +97,24 @@ private:
             while (threshold > 1 && roots_[threshold - 1] >= least) --threshold;
             const uint32_t label = markers + 1;
             bool alone = true;
-            plateau_.assign(1, peak);
+            plateau.assign(1, peak);
             labels_[peak] = label;
-            for (size_t i = 0; i < plateau_.size(); ++i) {
+            for (size_t i = 0; i < plateau.size(); ++i) {
                 for (const ptrdiff_t step : steps) {
-                    const auto cell = static_cast<uint32_t>(plateau_[i] + step);
+                    const auto cell = static_cast<uint32_t>(plateau[i] + step);
                     if (level_[cell] < threshold || labels_[cell] == label) continue;
                     if (labels_[cell] != kNone) {
                         alone = false;
                         continue;
                     }
                     labels_[cell] = label;
-                    plateau_.push_back(cell);
+                    plateau.push_back(cell);
                 }
             }
             if (alone)
                 ++markers;
             else
-                for (const uint32_t cell : plateau_) labels_[cell] = kNoMarker;
+                for (const uint32_t cell : plateau) labels_[cell] = kNoMarker;
         }
         return markers;
     }
@@ -120,13 +122,14 @@ private:
     void Flood(const DistanceGrid<T>& grid, const NeighbourSteps& steps, uint32_t markers) {
         const auto isPart = [&](uint32_t label) { return label - 1 < markers; };
         // A list for each level; a cell is in one list at most.
-        next_.resize(level_.size());
+        std::vector<uint32_t>& next = scratch_;
+        next.resize(level_.size());
         lists_.assign(roots_.size(), {});
         const auto queue = [&](uint32_t cell, uint32_t level) {
             List& list = lists_[level];
-            (list.first == 0 ? list.first : next_[list.last]) = cell;
+            (list.first == 0 ? list.first : next[list.last]) = cell;
             list.last = cell;
-            next_[cell] = 0;  // the first cell is in the ring around all pixels
+            next[cell] = 0;  // the first cell is in the ring around all pixels
             labels_[cell] = kQueued;
         };
         for (const auto& [y, run] : grid.runs)
@@ -142,7 +145,7 @@ private:
         for (auto level = static_cast<uint32_t>(roots_.size() - 1); level > 0; --level)
             while (lists_[level].first != 0) {
                 const uint32_t cell = lists_[level].first;
-                lists_[level].first = next_[cell];
+                lists_[level].first = next[cell];
                 uint32_t label = kNone;
                 for (const ptrdiff_t step : steps) {
                     const uint32_t other = labels_[static_cast<size_t>(cell + step)];
@@ -165,10 +168,11 @@ private:
 
     const Connectivity connectivity_;
     const double pixels_, factor_;
-    std::vector<uint32_t> order_, sorted_, starts_;
+    std::vector<uint32_t> order_;
     std::vector<uint32_t> level_;  // of each cell: 0 in the background
     std::vector<double> roots_;    // of each level: D
-    std::vector<uint32_t> labels_, plateau_, next_;
+    std::vector<uint32_t> labels_;
+    std::vector<uint32_t> scratch_;  // serves the ordering, the plateaus and the lists in turn
     std::vector<List> lists_;
 };
 

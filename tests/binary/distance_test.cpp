@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <queue>
+#include <random>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -103,7 +104,8 @@ BitPlane SlowSplit(const BitPlane& image, Connectivity connectivity, const Split
     const auto at = [&](int32_t x, int32_t y) { return static_cast<size_t>(y * width + x); };
     const auto steps = StepsOf(connectivity);
     std::vector<double> distances;
-    for (const int64_t square : SlowDistances(image)) distances.push_back(std::sqrt(static_cast<double>(square)));
+    for (const int64_t square : SquaredDistances<int64_t>(image))
+        distances.push_back(std::sqrt(static_cast<double>(square)));
 
     // The reconstruction, by dilations within D until nothing changes.
     std::vector<double> levels = distances;
@@ -162,7 +164,8 @@ constexpr SplitDepth kDepths[] = {{0, 0}, {0.5, 0}, {0.25, 0.2}, {0, 1}};
 
 void ExpectMaximaAndSplit(const BitPlane& image, const SplitDepth& depth) {
     for (const Connectivity connectivity : kConnectivities) {
-        ASSERT_EQ(SlowMaxima(image, SlowDistances(image), connectivity), UltimatePoints(image, connectivity));
+        ASSERT_EQ(SlowMaxima(image, SquaredDistances<int64_t>(image), connectivity),
+                  UltimatePoints(image, connectivity));
         ASSERT_EQ(SlowSplit(image, connectivity, depth), WatershedSplit(image, connectivity, depth))
             << depth.pixels << " " << depth.share << testing::PrintToString(image);
     }
@@ -238,6 +241,38 @@ TEST(Watershed, SplitsWhereTheNeckIsNarrowEnough) {
     EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}), WatershedSplit(image, Connectivity::Eight, {kNan, -1}));
     EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}),
               WatershedSplit(image, Connectivity::Eight, {-kInfinity, kNan}));
+}
+
+// Whether a pixel lies in an ellipse of the given half axes, turned by 30 degrees.
+bool InEllipse(double x, double y, double a, double b) {
+    const double along = 0.75 * x + 0.66 * y, across = 0.75 * y - 0.66 * x;
+    return along * along / (a * a) + across * across / (b * b) <= 1;
+}
+
+TEST(Watershed, TheUsualDepthSplitsNoSmoothParticleAndFindsNecks) {
+    std::mt19937 random(1);
+    const auto part = [&] { return static_cast<double>(random() % 1000) / 1000; };
+    for (const double radius : {4.0, 6.0, 9.0, 14.0, 22.0, 40.0})
+        for (int i = 0; i < 12; ++i) {
+            const double x = part(), y = part(), longer = 1 + 0.1 * i;
+            const auto size = static_cast<int32_t>(5 * radius) + 10;
+            const double middle = size / 2.0, apart = 0.9 * radius;
+            BitPlane single(size, size), pair(size, size);
+            for (int32_t v = 0; v < size; ++v)
+                for (int32_t u = 0; u < size; ++u) {
+                    const double dx = u - middle - x, dy = v - middle - y;
+                    single.setBit(u, v, InEllipse(dx, dy, longer * radius, radius / longer));
+                    // The neck is the root of 1 - 0.9^2, 0.44 of the radius.
+                    pair.setBit(u, v,
+                                InEllipse(dx - apart, dy, radius, radius) || InEllipse(dx + apart, dy, radius, radius));
+                }
+            const auto parts = [](const BitPlane& image) {
+                const BitPlane split = WatershedSplit(image, Connectivity::Eight, kUsualSplitDepth);
+                return SlowComponents(split, Connectivity::Eight).pixels.size();
+            };
+            EXPECT_EQ(1u, parts(single)) << radius << " " << longer;
+            EXPECT_EQ(2u, parts(pair)) << radius;
+        }
 }
 
 }  // namespace

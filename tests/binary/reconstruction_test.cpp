@@ -30,7 +30,7 @@ BitPlane Without(const BitPlane& image, const BitPlane& other) {
     return result;
 }
 
-BitPlane Complement(const BitPlane& image) {
+BitPlane Opposite(const BitPlane& image) {
     BitPlane all(image.width(), image.height());
     for (int32_t y = 0; y < image.height(); ++y)
         for (int32_t x = 0; x < image.width(); ++x) all.setBit(x, y, true);
@@ -55,7 +55,7 @@ void ExpectSlowResults(const BitPlane& image) {
                   ClearBorder(image, connectivity));
 
         const auto filled = [&](size_t most) {
-            return Complement(SlowChoice(Complement(image), Dual(connectivity), [&](const auto& pixels) {
+            return Opposite(SlowChoice(Opposite(image), Dual(connectivity), [&](const auto& pixels) {
                 return touchesEdge(pixels) || pixels.size() > most;
             }));
         };

@@ -89,7 +89,8 @@ BitPlane SlowSkeleton(const BitPlane& image, Connectivity connectivity) {
     return plane;
 }
 
-// One component of the smaller plane in each of the larger one, and one of the larger background in each of the smaller.
+// One component of the smaller plane in each of the larger one, and one of the larger background in each of the
+// smaller.
 bool SameTopology(const BitPlane& smaller, const BitPlane& larger, Connectivity connectivity) {
     const auto oneInEach = [](const SlowComponents& inner, const SlowComponents& outer) {
         if (inner.pixels.size() != outer.pixels.size()) return false;
@@ -190,8 +191,8 @@ TEST(Thinning, ThickenedBlobsFillTheImageAndDoNotMeet) {
                       Connectivity::Eight, 100));
 }
 
-// A blob takes half as many passes as it has rows: time must go with the outline of each.
-TEST(Thinning, ThickBlobsTakeNoTimeForWhatTheyLeaveAlone) {
+// Hundreds of passes, of which each sees little more than the outline that the one before has left.
+TEST(Thinning, ALargeSquareThinsToOneLineAndThickensBack) {
     constexpr int32_t kSize = 1500;
     BitPlane square(kSize, kSize);
     for (int32_t y = 0; y < kSize; ++y) SetRun(square.row(y), {0, kSize - 1});
