@@ -15,12 +15,12 @@ struct SplitDepth {
     double share = 0;   // 0 to 1; NaN and less count as 0, more as 1
 };
 
-// Digitisation alone gives long particles several maxima of the distance, at any size: of smooth ellipses three times as
-// long as wide up to half are split with 0.5 pixels alone, 1 in 50 with 0.75. Rough outlines need something that grows
-// with the size. With both, none of 600 ellipses of each kind was split: radius (the root of the product of the half
-// axes) 4 to 64; ratio of the axes 1 to 3 with smooth outlines, 1 to 1.5 with 3 % of roughness, 1 with 6 %. Disks that
-// overlap are told apart if the neck is 0.5 of the smaller radius from 6 pixels of the larger one on (4 of 5; from 12 on
-// all), if it is 0.8 from 12 on (half; from 24 on all).
+// Digitisation alone gives long particles several maxima of the distance, at any size: of smooth ellipses three times
+// as long as wide up to half are split with 0.5 pixels alone, 1 in 50 with 0.75. Rough outlines need something that
+// grows with the size. With both, none of 600 ellipses of each kind was split: radius (the root of the product of the
+// half axes) 4 to 64; ratio of the axes 1 to 3 with smooth outlines, 1 to 1.5 with 3 % of roughness, 1 with 6 %. Disks
+// that overlap are told apart if the neck is 0.5 of the smaller radius from 6 pixels of the larger one on (4 of 5; from
+// 12 on all), if it is 0.8 from 12 on (half; from 24 on all).
 inline constexpr SplitDepth kUsualSplitDepth = {0.75, 0.05};
 
 // Splits each component along the watershed lines of its distances D to the background (F. Meyer 1994; P. Soille 2003):

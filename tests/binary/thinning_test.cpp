@@ -208,7 +208,7 @@ BitPlane SlowPrune(const BitPlane& image, Connectivity connectivity, size_t long
     BitPlane plane = image;
     for (;;) {
         std::optional<std::vector<Place>> shortest;
-        Place junction;
+        Place junction = {};
         for (int32_t y = 0; y < plane.height(); ++y)
             for (int32_t x = 0; x < plane.width(); ++x) {
                 if (!plane.bit(x, y) || SlowNeighbours(plane, x, y, connectivity).size() != 1) continue;
