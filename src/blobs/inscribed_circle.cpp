@@ -56,7 +56,7 @@ private:
 // Points of a row of the grid that the component covers all around: those from 2 start to 2 stop in row y.
 struct Stretch {
     int32_t start, stop;
-    int32_t y;                         // on the grid, from that of the component's first row
+    int64_t y;                         // on the grid, from that of the component's first row
     const LabelledRun *above, *below;  // the same run in rows of pixels
     double bound;                      // no circle about its points has a larger radius
 };
@@ -72,7 +72,7 @@ InscribedCircle FindInscribedCircle(const BlobRows& rows, int64_t pixels, double
     };
 
     std::vector<Stretch> stretches;
-    const auto add = [&](const LabelledRun& a, const LabelledRun& b, int32_t y) {
+    const auto add = [&](const LabelledRun& a, const LabelledRun& b, int64_t y) {
         Stretch s = {std::max(a.start, b.start), std::min(a.stop, b.stop), y, &a, &b, 0};
         int64_t highest = 0;
         for (int32_t x = s.start; x <= s.stop; ++x) highest = std::max(highest, heightAt(s, x));
@@ -80,7 +80,7 @@ InscribedCircle FindInscribedCircle(const BlobRows& rows, int64_t pixels, double
         stretches.push_back(s);
     };
     for (size_t i = 0; i < rows.count(); ++i) {
-        const auto y = static_cast<int32_t>(2 * i);
+        const auto y = 2 * static_cast<int64_t>(i);
         for (const LabelledRun& run : rows[i]) add(run, run, y);
         if (i + 1 < rows.count())
             ForEachOverlap(rows[i], rows[i + 1], 0, 0,
@@ -91,7 +91,7 @@ InscribedCircle FindInscribedCircle(const BlobRows& rows, int64_t pixels, double
 
     double best = -1;  // square of the radius
     int64_t bestX = 0;
-    int32_t bestY = 0;
+    int64_t bestY = 0;
     // The parabolas (x - column)^2 + square that are lowest somewhere, from left to right
     // (P. F. Felzenszwalb and D. P. Huttenlocher, 2012).
     struct Parabola {
@@ -139,7 +139,8 @@ InscribedCircle FindInscribedCircle(const BlobRows& rows, int64_t pixels, double
             }
         }
     }
-    return {{static_cast<double>(bestX) / 2, rows.top() + bestY / 2.0}, std::sqrt(std::max(best, 0.0)) / 2};
+    return {{static_cast<double>(bestX) / 2, rows.top() + static_cast<double>(bestY) / 2},
+            std::sqrt(std::max(best, 0.0)) / 2};
 }
 
 }  // namespace orlix
