@@ -9,7 +9,7 @@
 namespace orlix {
 
 // The components of minimum to maximum pixels, both included: the area opening with `minimum` alone, what it removes
-// with maximum = minimum - 1. No component if minimum > maximum. Time and memory (32 bytes each) go with the runs.
+// with maximum = minimum - 1. No component if minimum > maximum. Time and memory (36 bytes each) go with the runs.
 BitPlane KeepByArea(const BitPlane& image, Connectivity connectivity, int64_t minimum, int64_t maximum);
 
 // Fills the holes (reconstruction.hpp) of at most `maximum` pixels: the area closing that leaves what touches the edge.

@@ -32,7 +32,8 @@ void DistanceGrid<T>::Compute() {
 template <class T>
 void DistanceGrid<T>::ComputeRow(const PlacedRun& placed) {
     T* row = values.data() + Cell(0, placed.y);
-    const auto [start, stop] = placed.run;
+    const int32_t start = placed.run.start;
+    const int32_t stop = placed.run.stop;
     envelope_.clear();
     const auto add = [&](int64_t column, int64_t at) {
         while (!envelope_.empty()) {
@@ -90,26 +91,28 @@ namespace {
 template <class T>
 BitPlane UltimatePointsIn(const BitPlane& image, Connectivity connectivity) {
     BitPlane result(image.width(), image.height());
-    std::vector<bool> lower;  // a neighbour, or a pixel connected at equal distance, has a larger one
+    // A neighbour, or a pixel connected at equal distance, has a larger one. (Bytes: assigning to bits would clear all
+    // memory that the largest component once took, for each small one.)
+    std::vector<uint8_t> lower;
     std::vector<size_t> stack;
     ForEachDistanceGrid<T>(image, connectivity, [&](const DistanceGrid<T>& grid, int32_t left, int32_t top) {
         const NeighbourSteps steps(connectivity, grid.width);
         const T* values = grid.values.data();
-        lower.assign(grid.values.size(), false);
+        lower.assign(grid.values.size(), 0);
         for (const auto& [y, run] : grid.runs) {
             for (size_t cell = grid.Cell(run.start, y); cell <= grid.Cell(run.stop, y); ++cell) {
                 if (lower[cell] || std::none_of(steps.begin(), steps.end(), [&](ptrdiff_t step) {
                         return values[static_cast<ptrdiff_t>(cell) + step] > values[cell];
                     }))
                     continue;
-                lower[cell] = true;
+                lower[cell] = 1;
                 for (stack.push_back(cell); !stack.empty();) {
                     const auto at = static_cast<ptrdiff_t>(stack.back());
                     stack.pop_back();
                     for (const ptrdiff_t step : steps) {
                         const auto other = static_cast<size_t>(at + step);
                         if (values[other] != values[cell] || lower[other]) continue;
-                        lower[other] = true;
+                        lower[other] = 1;
                         stack.push_back(other);
                     }
                 }
