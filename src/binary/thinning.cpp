@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstddef>
 #include <queue>
-#include <set>
 #include <tuple>
 #include <vector>
 
@@ -60,7 +59,6 @@ public:
 
     size_t stride() const { return 64 * wordsPerRow_; }
     static uint64_t MaskOf(size_t pixel) { return uint64_t{1} << (63 - pixel % 64); }
-    bool IsPixel(size_t pixel) const { return IsInside(pixel / 64) && (InsideOf(pixel / 64) & MaskOf(pixel)) != 0; }
     bool operator[](size_t pixel) const { return (word(pixel / 64) & MaskOf(pixel)) != 0; }
     void Clear(size_t pixel) { word(pixel / 64) &= ~MaskOf(pixel); }
 
@@ -143,27 +141,6 @@ public:
             for (const Side side : {kNorth, kSouth, kEast, kWest}) Step(side);
     }
 
-    // Removes simple pixels that are no ends, one by one in raster order, until there is none.
-    void RemoveRedundant() {
-        std::set<size_t> now, later;  // pixels that may be redundant, of this turn and of the next
-        for (size_t word = plane_.firstWord(); word < plane_.endOfWords(); ++word)
-            for (uint64_t bits = Redundant(word); bits != 0;) {
-                const auto i = static_cast<size_t>(std::countl_zero(bits));
-                bits &= ~RingedPlane::MaskOf(i);
-                now.insert(64 * word + i);
-            }
-        for (; !now.empty(); now.swap(later))
-            while (!now.empty()) {
-                const size_t pixel = *now.begin();
-                now.erase(now.begin());
-                if ((Redundant(pixel / 64) & RingedPlane::MaskOf(pixel)) == 0) continue;
-                plane_.Clear(pixel);
-                for (const size_t row : {pixel - plane_.stride(), pixel, pixel + plane_.stride()})
-                    for (size_t other = row - 1; other <= row + 1; ++other)
-                        if (plane_.IsPixel(other)) (other > pixel ? now : later).insert(other);
-            }
-    }
-
 private:
     // A word is visited in the four steps after the last change in or beside it; after that no step finds anything new.
     static constexpr uint8_t kIdle = 4;
@@ -199,13 +176,6 @@ private:
                 if (bits & 1) Visit(i + 1);
             }
         }
-    }
-
-    uint64_t Redundant(size_t word) const {
-        const uint64_t pixels = plane_.word(word) & plane_.InsideOf(word);
-        if (pixels == 0) return 0;
-        const Neighbours around(plane_, word);
-        return pixels & around.Simple(connectivity_) & around.AtLeastTwo(connectivity_);
     }
 
     struct Removed {
@@ -320,11 +290,11 @@ BitPlane Thin(const BitPlane& image, Connectivity connectivity, int64_t passes) 
 }
 
 BitPlane Skeleton(const BitPlane& image, Connectivity connectivity) {
-    RingedPlane plane(image, false);
-    Thinning thinning(plane, connectivity, false);
-    thinning.Run(INT64_MAX);
-    if (connectivity == Connectivity::Four) thinning.RemoveRedundant();
-    return plane.Image(false);
+    // Nothing redundant is left. With Connectivity::Eight, a simple pixel has background on a side, and the step of
+    // that side would remove it. With Connectivity::Four, its four sides may be set and one corner clear, say the
+    // north-western one. But then, if the step to the west kept its northern neighbour and the step to the north its
+    // north-eastern one, the pixel east of its eastern neighbour is clear, and the step to the east removes that one.
+    return Thin(image, connectivity, INT64_MAX);
 }
 
 BitPlane Prune(const BitPlane& image, Connectivity connectivity, int64_t length) {

@@ -20,8 +20,7 @@ namespace orlix {
 // image. Memory: the image once more and up to 25 bytes for each word of 64 pixels.
 BitPlane Thin(const BitPlane& image, Connectivity connectivity, int64_t passes);
 
-// Thinned until nothing changes; then simple pixels that are no ends are removed one after another in raster order,
-// again and again until there is none. (With Connectivity::Eight the passes leave none.) Lines one pixel wide remain.
+// Thinned until nothing changes: lines one pixel wide. Every simple pixel that is left is an end.
 BitPlane Skeleton(const BitPlane& image, Connectivity connectivity);
 
 // For skeletons. A branch runs from an end over pixels with two neighbours to a junction, a pixel with three or more,
