@@ -55,6 +55,20 @@ struct Circle {
     double radius = 0;
 };
 
+struct OrientedBox {
+    Point centre;
+    double length = 0;  // of the longer sides
+    double width = 0;
+    double angle = 0;  // of the longer sides
+};
+
+struct MomentEllipse {
+    double majorAxis = 0;  // full length
+    double minorAxis = 0;
+    double angle = 0;         // of the major axis; 0 if the axes are equal
+    double eccentricity = 0;  // sqrt(1 - (minorAxis / majorAxis)^2)
+};
+
 // Two conventions occur. As an *area*, a component is the union of its pixels' squares, whose sides are sx and sy; its
 // corners lie half-way between pixel centres. As a *set of points* it is its pixels' centres. Each definition says
 // which one it takes. The figures in docs/accuracy.md tell how far each number is from that of the shape before it was
@@ -112,21 +126,11 @@ struct ShapeMeasurements {
 
     // SG_OrientedBox: the rectangle of least area around the area; one of its sides lies on a side of the hull
     // (H. Freeman and R. Shapira, 1975; G. Toussaint, 1983). Of equal ones the first found from the top left corner.
-    struct {
-        Point centre;
-        double length = 0;  // of the longer sides
-        double width = 0;
-        double angle = 0;  // of the longer sides
-    } orientedBox;
+    OrientedBox orientedBox;
 
     // SG_Ellipse: the ellipse that has the second moments of the area: those of the pixel centres, and of a pixel about
     // its own centre, sx^2 / 12 and sy^2 / 12. Its centre is the centroid.
-    struct {
-        double majorAxis = 0;  // full length
-        double minorAxis = 0;
-        double angle = 0;         // of the major axis; 0 if the axes are equal
-        double eccentricity = 0;  // sqrt(1 - (minor / major)^2)
-    } ellipse;
+    MomentEllipse ellipse;
     double aspectRatio = 0;  // majorAxis / minorAxis
 
     // SG_Moments, of the set of points, each with the weight sx sy. Orders (p, q): x^p y^q.
