@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -106,20 +107,19 @@ void ExpectAsFlooded(const Sketch& sketch) {
             for (uint32_t i = 0; i < parents.size(); ++i) {
                 const size_t first =
                     static_cast<size_t>(std::find(inside.begin(), inside.end(), static_cast<int>(i)) - inside.begin());
+                std::set<int> touched;
+                for (int32_t y = 0; y < sketch.height; ++y)
+                    for (int32_t x = 0; x < sketch.width; ++x)
+                        for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}})
+                            if (inside[sketch.Index(x, y)] == static_cast<int>(i) && sketch.Inside(x + dx, y + dy))
+                                touched.insert(outside[sketch.Index(x + dx, y + dy)]);
+                touched.erase(-1);
                 int expected = -1;
-                for (int parent = 0; parent <= *std::max_element(outside.begin(), outside.end()); ++parent) {
+                for (const int parent : touched) {
                     Sketch wall = sketch;
-                    bool touches = false;
-                    for (int32_t y = 0; y < sketch.height; ++y)
-                        for (int32_t x = 0; x < sketch.width; ++x) {
-                            wall.pixels[sketch.Index(x, y)] = outside[sketch.Index(x, y)] == parent;
-                            if (inside[sketch.Index(x, y)] != static_cast<int>(i)) continue;
-                            for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}})
-                                touches = touches || (sketch.Inside(x + dx, y + dy) &&
-                                                      outside[sketch.Index(x + dx, y + dy)] == parent);
-                        }
+                    for (size_t k = 0; k < outside.size(); ++k) wall.pixels[k] = outside[k] == parent;
                     const Connectivity around = blobsInside ? connectivity : Dual(connectivity);
-                    if (touches && Flooded(wall, false, around, true)[first] != -1) expected = parent;
+                    if (Flooded(wall, false, around, true)[first] != -1) expected = parent;
                 }
                 ASSERT_EQ(expected, static_cast<int>(parents[i])) << sketch.Drawing();
             }
