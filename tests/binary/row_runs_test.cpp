@@ -45,6 +45,7 @@ TEST(RowRuns, AreThoseOfEveryWidthPaddingAndRegion) {
                 ExpectRunsOf(store, RunsOf(BitPlane(RowsOf(store))));
                 const RunTable table = RunsOf(store);
                 ExpectRunsOf(store, table);
+                if (width % 9 != 0 || padding != Padding::Noise) continue;
                 ForEachRegion(width, 3, [&](const RegionRows& region, const std::vector<bool>& inside) {
                     BitmapStore part = NoiseBitmap(width, 3, density, padding, static_cast<uint32_t>(width));
                     for (int32_t y = 0; y < 3; ++y)
@@ -59,18 +60,32 @@ TEST(RowRuns, KeptOnesAreTrueAfterAnyChange) {
     // Narrow rows, whose runs fit in, and noise, whose runs do not.
     for (const int32_t width : {1, 20, 3000})
         for (const double density : {0.002, 0.5}) {
-            BitmapStore store = NoiseBitmap(width, 200, density, Padding::Noise);
+            BitmapStore store = NoiseBitmap(width, 60, density, Padding::Noise);
             std::mt19937 random(5);
-            for (int step = 0; step < 300; ++step) {
-                const auto y = static_cast<int32_t>(random() % 200), x = static_cast<int32_t>(random()) & 0xfff;
+            for (int step = 0; step < 200; ++step) {
+                const auto y = static_cast<int32_t>(random() % 60), x = static_cast<int32_t>(random()) & 0xfff;
                 if (step % 50 == 49)
                     store.Fill(step % 100 == 99 ? 0xff : 0);
                 else if (step % 50 == 30)
-                    store = NoiseBitmap(width, 200, 0.3, Padding::Set, static_cast<uint32_t>(step));
+                    store = NoiseBitmap(width, 60, 0.3, Padding::Set, static_cast<uint32_t>(step));
                 else
                     for (int32_t i = 0; i < 50; ++i) store.SetBit((x + 7 * i) % width, y, i % 5 != 0);
                 ASSERT_EQ(RunsOfRow(store, y), Copied(store.RowRuns(y)));
-                if (step % 10 == 0) ExpectRunsOf(store, RunsOf(store));
+                if (step % 20 == 0) ExpectRunsOf(store, RunsOf(store));
+            }
+        }
+}
+
+TEST(RowRuns, KeptOnesAreTrueWhenRowsGrowAgainAndAgain) {
+    BitmapStore store;
+    store.Create(200, 20, true);
+    for (int32_t x = 0; x < 200; x += 2)  // 100 runs a row in the end, 101,000 found on the way: 13 times what is kept
+        for (int32_t y = 0; y < 20; ++y) {
+            store.SetBit(x, y, true);
+            ASSERT_EQ(static_cast<size_t>(x) / 2 + 1, store.RowRuns(y).size());
+            ASSERT_FALSE(store.Modified(y));
+            if (x % 20 == 0) {
+                ASSERT_EQ(RunsOfRow(store, (y + 7) % 20), Copied(store.RowRuns((y + 7) % 20)));
             }
         }
 }
