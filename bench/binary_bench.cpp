@@ -27,7 +27,10 @@ namespace {
 constexpr int32_t kSize = 4096;
 constexpr size_t kBytes = size_t{kSize} * kSize / 8;
 
-void SetRate(benchmark::State& state) { state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kBytes)); }
+void SetRate(benchmark::State& state) {
+    state.SetItemsProcessed(state.iterations() * int64_t{kSize} * kSize);
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(kBytes));
+}
 
 // Disks of 2 to 40 pixels' radius that cover half of the picture, and a tenth of noise.
 const BitmapStore& Grains() {
@@ -62,7 +65,8 @@ const BitmapStore& NoiseOfTen() {
 }
 
 template <class Body>
-void Register(const std::string& name, const Body& body) {
+void Register(const std::string& operation, const std::string& who, const Body& body) {
+    const std::string name = operation + "/bits/" + std::to_string(kSize) + "/" + who;
     benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
         body(state);
         SetRate(state);
@@ -70,7 +74,7 @@ void Register(const std::string& name, const Body& body) {
 }
 
 void RegisterKernels() {
-    Register("memcpy", [](benchmark::State& state) {
+    Register("copy", "memcpy", [](benchmark::State& state) {
         const BitmapStore& from = Grains();
         std::vector<uint8_t> to(kBytes);
         for (auto _ : state) {
@@ -81,7 +85,7 @@ void RegisterKernels() {
     });
     const auto combine = [](const std::string& name, const auto& table) {
         for (const auto& variant : SupportedOnThisCpu(table))
-            Register(name + "/" + variant.name, [=](benchmark::State& state) {
+            Register(name, variant.name, [=](benchmark::State& state) {
                 std::vector<uint8_t> to(kBytes);
                 for (auto _ : state) variant.fn(to.data(), Grains().Row(0), kBytes);
             });
@@ -89,18 +93,18 @@ void RegisterKernels() {
     combine("kernel and", kCombine<BitLogic::And>);
     combine("kernel xor", kCombine<BitLogic::Xor>);
     for (const auto& variant : SupportedOnThisCpu(kCombine<BitLogic::Not>))
-        Register(std::string("kernel invert/") + variant.name, [=](benchmark::State& state) {
+        Register("kernel invert", variant.name, [=](benchmark::State& state) {
             std::vector<uint8_t> to(kBytes);
             for (auto _ : state) variant.fn(to.data(), to.data(), kBytes);
         });
     for (const auto& variant : SupportedOnThisCpu(kCountBits))
-        Register(std::string("kernel count/") + variant.name, [=](benchmark::State& state) {
+        Register("kernel count", variant.name, [=](benchmark::State& state) {
             for (auto _ : state) benchmark::DoNotOptimize(variant.fn(Grains().Row(0), kBytes));
         });
     const auto rows = [](const std::string& name, const auto& table, size_t scratchBytes, const auto& call) {
         for (const auto& variant : SupportedOnThisCpu(table)) {
             if (std::string(variant.name) == "scalar") continue;  // pixel by pixel
-            Register(name + "/" + variant.name, [=](benchmark::State& state) {
+            Register(name, variant.name, [=](benchmark::State& state) {
                 std::vector<uint8_t> to(Grains().Row(0), Grains().Row(0) + kBytes), scratch(scratchBytes);
                 const MorphologyRows all{to.data(), kSize / 8, to.data(), kSize / 8, kSize, kSize / 8, 0xff};
                 for (auto _ : state) call(variant.fn, all, scratch.data());
@@ -123,7 +127,7 @@ void RegisterKernels() {
 
 void RegisterOperations(const std::string& picture, const BitmapStore& (*source)()) {
     const auto in = [&](const std::string& name, const auto& operation) {
-        Register(name + "/" + picture + "/orlix", [=](benchmark::State& state) {
+        Register(name + " (" + picture + ")", "orlix", [=](benchmark::State& state) {
             BitmapStore bitmap;
             bitmap.CopyFrom(source().record());
             const RegionRows all(nullptr, kSize, kSize);
@@ -174,7 +178,7 @@ void RegisterOperations(const std::string& picture, const BitmapStore& (*source)
 
 #ifdef ORLIX_BENCH_OPENCV
 void RegisterPeer(const std::string& picture, const BitmapStore& (*source)(), std::pair<std::string, cv::Mat> element) {
-    Register("erode " + element.first + "/" + picture + "/opencv", [=](benchmark::State& state) {
+    Register("erode " + element.first + " (" + picture + ")", "opencv", [=](benchmark::State& state) {
         cv::setNumThreads(1);
         cv::Mat from(kSize, kSize, CV_8U), to(kSize, kSize, CV_8U);
         for (int32_t y = 0; y < kSize; ++y)
@@ -203,7 +207,7 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     RegisterKernels();
     const std::pair<std::string, const orlix::BitmapStore& (*)()> pictures[] = {{"grains", &Grains},
-                                                                                {"noise 10 %", &NoiseOfTen}};
+                                                                                {"noise", &NoiseOfTen}};
     for (const auto& [picture, source] : pictures) {
         RegisterOperations(picture, source);
         RegisterOpenCv(picture, source);

@@ -18,12 +18,14 @@ Pix* PixOf(const uint8_t* bits, int size) {
 
 void RegisterLeptonica(const std::string& picture, const uint8_t* bits, int size) {
     const auto in = [&](const std::string& name, const auto& operation) {
-        benchmark::RegisterBenchmark((name + "/" + picture + "/leptonica").c_str(), [=](benchmark::State& state) {
+        const std::string full = name + " (" + picture + ")/bits/" + std::to_string(size) + "/leptonica";
+        benchmark::RegisterBenchmark(full.c_str(), [=](benchmark::State& state) {
             Pix* from = PixOf(bits, size);
             Pix* to = pixCreate(size, size, 1);
             for (auto _ : state) operation(from, to);
             pixDestroy(&from);
             pixDestroy(&to);
+            state.SetItemsProcessed(state.iterations() * int64_t{size} * size);
             state.SetBytesProcessed(state.iterations() * int64_t{size} * size / 8);
         });
     };

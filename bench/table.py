@@ -5,7 +5,7 @@ import re
 import subprocess
 import sys
 
-BYTES = {"u8": 1, "u16": 2, "f32": 4, "f64": 8}
+BYTES = {"bits": 0.125, "u8": 1, "u16": 2, "f32": 4, "f64": 8}
 
 
 def read(path):
@@ -129,13 +129,25 @@ def streams(rates):
             row(operation, kind, str(size), f"{rate / 1e9:.2f}", ratio(rates[operation, kind, size, "zlib"], rate))
 
 
+def binary(rates):
+    print("Rates in GB of bits a second. *x copy*: against memcpy of the bits. Others: how many times as fast.\n")
+    row("operation", "who", "rate", "x copy", "x OpenCV", "x Leptonica")
+    row("---", "---", "--:", "--:", "--:", "--:")
+    for (operation, kind, size, who), rate in rates.items():
+        if who not in ("opencv", "leptonica"):
+            row(operation, who, f"{rate * BYTES[kind] / 1e9:.2f}", ratio(rate, rates["copy", kind, size, "memcpy"]),
+                *(ratio(rate, rates.get((operation, kind, size, peer))) for peer in ("opencv", "leptonica")))
+
+
 def main():
     rates, context = read(sys.argv[1])
     machine(sys.argv[2], context)
     # Interleaving leaves the results in random order.
     order = {kind: i for i, kind in enumerate(BYTES)}
     rates = dict(sorted(rates.items(), key=lambda item: (item[0][0], order[item[0][1]], item[0][2], item[0][3])))
-    if any(key[3] == "search" for key in rates):
+    if any(key[1] == "bits" for key in rates):
+        binary(rates)
+    elif any(key[3] == "search" for key in rates):
         robust(rates)
     elif any(key[3] == "zlib" for key in rates):
         streams(rates)

@@ -26,19 +26,11 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
     if (total > kMostBytes) throw std::bad_alloc();
     const size_t size = static_cast<size_t>(total);
 
-    // Allocations that can fail come first, the largest one, the bytes, before the others.
-    std::vector<uint8_t> moved;
-    const bool move = size > bytes_.capacity();
-    if (move) moved.reserve(size);
+    // What can fail comes first.
     std::vector<bool> modified(static_cast<size_t>(height), true);
+    bytes_.Resize(size);
 
-    // From here on nothing can fail: bytes are added within the reserved memory.
-    if (zero) bytes_.clear();
-    if (move) {
-        moved.assign(bytes_.begin(), bytes_.end());
-        bytes_ = std::move(moved);
-    }
-    bytes_.resize(size);
+    if (zero) std::memset(bytes_.data(), 0, size);
     modified_ = std::move(modified);
     lent_.clear();
     runs_.reset();
@@ -70,7 +62,7 @@ void BitmapStore::CopyFrom(const BITMAP& source) {
 }
 
 void BitmapStore::Fill(uint8_t value) {
-    std::fill(bytes_.begin(), bytes_.end(), value);
+    if (bytes_.size() > 0) std::memset(bytes_.data(), value, bytes_.size());
     runs_.reset();
 }
 

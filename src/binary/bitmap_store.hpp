@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "binary/row_run_cache.hpp"
+#include "image/pixel_buffer.hpp"
 
 namespace orlix {
 
@@ -104,7 +105,7 @@ private:
     bool lent(int32_t y) const { return !lent_.empty() && lent_[static_cast<size_t>(y)]; }
 
     BITMAP record_ = {};
-    std::vector<uint8_t> bytes_;
+    PixelBuffer bytes_;
     std::vector<bool> modified_;  // of each row: a bit, for there are bitmaps of two bytes a row
     std::vector<bool> lent_;      // empty: none
     std::unique_ptr<RowRunCache> runs_;

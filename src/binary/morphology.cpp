@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 #include <vector>
 
 #include "binary/logic.hpp"
+#include "binary/logic_kernels.hpp"
 #include "binary/morphology_kernels.hpp"
 #include "binary/plane_kernels.hpp"
 #include "component/failure.hpp"
@@ -60,6 +62,8 @@ void ApplyWindows(const BitRows& from, Morphology operation, MorphologyWindow co
         RowWindowFn fn;
         MorphologyWindow window;
     };
+    const auto isThree = [](const MorphologyWindow& w) { return w.before == 1 && w.after == 1; };
+    if (isThree(columns) && isThree(lines)) return ApplySquare(from, operation, Connectivity::Eight, 1, to, region);
     std::vector<Pass> passes;
     for (const bool dilate : Steps(operation)) {
         const auto add = [&](RowWindowFn dilation, RowWindowFn erosion, const MorphologyWindow& w) {
@@ -124,21 +128,6 @@ bool IsClear(const uint64_t* row, size_t words) {
     return std::all_of(row, row + words, [](uint64_t word) { return word == 0; });
 }
 
-// A row dilated by the columns -reach ... reach: with the first 2 n + 1 columns there, those n + 1 farther on each side
-// are one step. Pixels that a step moves out of the row come back in none: the pixel between is in the row.
-void DilateRow(std::vector<uint64_t>& row, std::vector<uint64_t>& next, const RowJoin& join, int64_t reach,
-               uint64_t lastWordMask) {
-    for (int64_t done = 0; done < reach;) {
-        const int64_t step = std::min(done + 1, reach - done);
-        next = row;
-        join(next.data(), row.data(), step);
-        join(next.data(), row.data(), -step);
-        next.back() &= lastWordMask;
-        row.swap(next);
-        done += step;
-    }
-}
-
 // Whether the element is symmetric about (0, 0), one run a row, no run longer than one nearer to the middle.
 bool IsSymmetricAndConvex(const ElementRuns& runs) {
     if (runs.size() % 2 == 0) return false;
@@ -154,43 +143,46 @@ bool IsSymmetricAndConvex(const ElementRuns& runs) {
 }
 
 // Such an element is the union of rectangles: for each length of its rows, as high as there are rows of that length or
-// more. From the longest to the shortest, the union so far is widened by what its rows are longer than the next ones
-// (dilations by rows add up), and joined with the pixels dilated by the height of the next rectangle:
-//     ((V1 + (w1 - w2)) or V2) + (w2 - w3)) or V3 ...
-// where Vk is dilated by the columns of rectangle k, whose rows have the half length wk.
-BitPlane DilatedByRectangles(const BitPlane& plane, const ElementRuns& runs) {
-    const size_t words = plane.wordsPerRow();
-    const RowJoin join(words);
-    const auto middle = runs.size() / 2;
-    BitPlane tall = plane, taller(plane.width(), plane.height()), result = plane;
-    std::vector<uint64_t> row(words), next(words);
-    const auto grow = [&](int32_t step) {
-        for (int32_t y = 0; y < plane.height(); ++y) {
-            uint64_t* const to = taller.row(y);
-            std::copy_n(tall.row(y), words, to);
-            if (y >= step) join(to, tall.row(y - step));
-            if (y < plane.height() - step) join(to, tall.row(y + step));
+// more. From the longest to the shortest, the result so far is widened by what its rows are longer than the next ones
+// (windows add up), and joined with the pixels under the height of the next rectangle: for a dilation
+//     (((V1 + (w1 - w2)) or V2) + (w2 - w3)) or V3 ...
+// where Vk is the dilation by the columns of rectangle k, whose rows have the half length wk.
+void ApplyRectangles(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
+                     const RegionRows& region) {
+    const size_t middle = runs.size() / 2;
+    std::vector<uint8_t> scratch(
+        std::max(RowWindowScratch(RowsOf(to).usedBytes()), ColumnWindowScratch({runs.back().y, runs.back().y})));
+    BitmapStore tall;
+    tall.Create(to.width(), to.height(), false);
+    const Steps steps(operation);
+    OnRows(from, to, region, steps.count, [&](size_t step, const MorphologyRows& rows) {
+        const bool dilate = steps.dilate[step];
+        const CombineFn join = dilate ? Choose(kCombine<BitLogic::Or>) : Choose(kCombine<BitLogic::And>);
+        const auto lines = dilate ? Choose(kColumnWindow<true>) : Choose(kColumnWindow<false>);
+        const auto columns = dilate ? Choose(kRowWindow<true>) : Choose(kRowWindow<false>);
+        MorphologyRows high = rows, wide = rows;
+        high.to = tall.WriteRow(0);
+        high.toRow = tall.rowBytes();
+        for (int32_t y = 0; y < rows.height; ++y) {
+            std::memcpy(high.to + y * high.toRow, rows.from + y * rows.fromRow, rows.bytes);
+            std::memmove(wide.to + y * wide.toRow, rows.from + y * rows.fromRow, rows.bytes);
         }
-        std::swap(tall, taller);
-    };
-    int32_t height = 0;  // of tall, above and below
-    for (size_t i = middle; i < runs.size(); ++i) {
-        const int32_t half = runs[i].stop;
-        if (i + 1 < runs.size() && runs[i + 1].stop == half) continue;
-        while (height < runs[i].y) {
-            const int32_t step = std::min(height + 1, runs[i].y - height);
-            grow(step);
-            height += step;
+        high.from = high.to;
+        high.fromRow = high.toRow;
+        wide.from = wide.to;
+        wide.fromRow = wide.toRow;
+        int32_t height = 0;  // of the rows above and below that `high` has seen
+        for (size_t i = middle; i < runs.size(); ++i) {
+            const int32_t half = runs[i].stop, next = i + 1 < runs.size() ? runs[i + 1].stop : 0;
+            if (i + 1 < runs.size() && next == half) continue;
+            const int32_t higher = runs[i].y - height, wider = half - next;
+            if (higher > 0) lines(high, {higher, higher}, scratch.data());
+            height = runs[i].y;
+            for (int32_t y = 0; y < rows.height; ++y)
+                join(wide.to + y * wide.toRow, high.to + y * high.toRow, rows.bytes);
+            if (wider > 0) columns(wide, {wider, wider}, scratch.data());
         }
-        const int32_t wider = half - (i + 1 < runs.size() ? runs[i + 1].stop : 0);
-        for (int32_t y = 0; y < plane.height(); ++y) {
-            std::copy_n(result.row(y), words, row.data());
-            join(row.data(), tall.row(y));
-            if (!IsClear(row.data(), words)) DilateRow(row, next, join, wider, plane.lastWordMask());
-            std::copy_n(row.data(), words, result.row(y));
-        }
-    }
-    return result;
+    });
 }
 
 // A diamond of n becomes one of n + k where the pixels k to the left, right, above and below are joined, 2 k <= n + 2:
@@ -273,6 +265,8 @@ BitPlane DilatedByRuns(const BitPlane& plane, ElementRuns runs) {
 
 void ApplyRuns(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
                const RegionRows& region) {
+    if (to.height() == 0) return;
+    if (IsSymmetricAndConvex(runs)) return ApplyRectangles(from, operation, runs, to, region);
     BitPlane plane(from);
     for (const bool dilate : Steps(operation)) plane = dilate ? Dilated(plane, runs) : Eroded(plane, runs);
     Store(plane, to, region);
@@ -282,7 +276,7 @@ void ApplyRuns(const BitRows& from, Morphology operation, const ElementRuns& run
 
 BitPlane Dilated(const BitPlane& plane, const ElementRuns& runs) {
     if (plane.wordsPerRow() == 0 || runs.empty()) return BitPlane(plane.width(), plane.height());
-    return IsSymmetricAndConvex(runs) ? DilatedByRectangles(plane, runs) : DilatedByRuns(plane, runs);
+    return DilatedByRuns(plane, runs);
 }
 
 // What is not set, dilated by the reflected element, is removed.
@@ -294,8 +288,9 @@ void ApplySquare(const BitRows& from, Morphology operation, Connectivity neighbo
                  const RegionRows& region) {
     if (to.height() == 0) return;
     const auto count = static_cast<size_t>(std::max(times, 0));
-    constexpr int32_t kMostRepeated = 2;
-    if (times <= kMostRepeated) {
+    // A pass takes less than a fourth of a rectangle, and a twentieth of a diamond.
+    const int32_t mostPasses = neighbours == Connectivity::Eight ? 3 : 20;
+    if (times <= mostPasses) {
         const Steps steps(operation);
         std::vector<uint8_t> scratch(3 * RowsOf(to).usedBytes());
         return OnRows(from, to, region, steps.count * count, [&](size_t i, const MorphologyRows& rows) {
@@ -316,6 +311,8 @@ void ApplySquare(const BitRows& from, Morphology operation, Connectivity neighbo
 void ApplyRectangle(const BitRows& from, Morphology operation, int32_t width, int32_t height, BitmapStore& to,
                     const RegionRows& region) {
     if (to.height() == 0) return;
+    if (width == height && (width == 3 || width == 5))
+        return ApplySquare(from, operation, Connectivity::Eight, width / 2, to, region);
     const auto window = [](int32_t length, int32_t size) {
         return MorphologyWindow{std::min((length - 1) / 2, size - 1), std::min(length / 2, size - 1)};
     };

@@ -73,7 +73,7 @@ inline constexpr Variant<RowWindowFn> kRowWindow[] = {
 
 // The same by a window of rows. scratch has ColumnWindowScratch(window, bytes) bytes.
 using ColumnWindowFn = RowWindowFn;
-constexpr size_t kColumnStrip = 128;
+constexpr size_t kColumnStrip = 512;
 constexpr size_t ColumnWindowScratch(const MorphologyWindow& window) { return 2 * kColumnStrip * window.length(); }
 
 template <bool dilate>

@@ -269,11 +269,13 @@ ORLIX_INLINE void WindowStrip(const MorphologyRows& rows, const MorphologyWindow
     }
 }
 
+// Strips of half a kilobyte are as much as 32 registers of 64 bytes hold twice.
 template <class Lanes, bool dilate>
 ORLIX_INLINE void ColumnWindows(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
-    constexpr size_t k = Lanes::kBytes;
+    constexpr size_t k = Lanes::kBytes, kWide = k == 64 ? 8 : 4;
     size_t at = 0;
-    for (; at + 2 * k <= rows.bytes; at += 2 * k) WindowStrip<Lanes, dilate, 2>(rows, window, at, 0, scratch);
+    for (; at + kWide * k <= rows.bytes; at += kWide * k)
+        WindowStrip<Lanes, dilate, kWide>(rows, window, at, 0, scratch);
     for (; at + k <= rows.bytes; at += k) WindowStrip<Lanes, dilate, 1>(rows, window, at, 0, scratch);
     if (at < rows.bytes) WindowStrip<Lanes, dilate, 1>(rows, window, at, rows.bytes - at, scratch);
 }

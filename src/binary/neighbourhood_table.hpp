@@ -22,8 +22,8 @@ namespace orlix {
 using NeighbourhoodTable = std::array<bool, 512>;
 
 // A table as a program of choices ("if this pixel is set then this value, else that one") that is worked through for
-// many pixels at once: its binary decision diagram (Bryant 1986), in which equal parts are kept once. Tables in use take
-// 10 to 60 choices.
+// many pixels at once: its binary decision diagram (Bryant 1986), in which equal parts are kept once. Tables in use
+// take 10 to 60 choices.
 class NeighbourhoodProgram {
 public:
     explicit NeighbourhoodProgram(const NeighbourhoodTable& table);
@@ -47,11 +47,11 @@ struct TablePasses {
 
 // The plane after the table has been applied `times` times to all pixels at once, or fewer times when nothing changes
 // any more: the pass that changes nothing is not counted. A pass visits the rows whose neighbourhood has changed in the
-// pass before. When the plane is the same as two passes before, it goes back and forth for ever; then passes are counted
-// to the end without being made, and stable is false. times <= 0 changes nothing.
+// pass before. When the plane is the same as two passes before, it goes back and forth for ever; then passes are
+// counted to the end without being made, and stable is false. times <= 0 changes nothing.
 //
-// No pass begins after kMostTableWork choices of words, which take seconds, whatever the client asks for; `passes` tells
-// how many there were.
+// No pass begins after kMostTableWork choices of words, which take seconds, whatever the client asks for; `passes`
+// tells how many there were.
 constexpr double kMostTableWork = 3e10;
 TablePasses ApplyTable(BitPlane& plane, const NeighbourhoodTable& table, int32_t times);
 
@@ -64,8 +64,8 @@ enum class Boundary : uint8_t {
     Outer,  // clear pixels with a set neighbour
 };
 
-// Neighbours are four or eight. (A boundary of four neighbours is eight-connected, and the other way round.) The edge of
-// the bitmap is no boundary: an object that it cuts has none there.
+// Neighbours are four or eight. (A boundary of four neighbours is eight-connected, and the other way round.) The edge
+// of the bitmap is no boundary: an object that it cuts has none there.
 BitPlane BoundaryOf(const BitPlane& plane, Boundary side, Connectivity neighbours);
 
 }  // namespace orlix
