@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numeric>
 #include <random>
 
@@ -27,7 +26,7 @@ constexpr Range kFull = {static_cast<double>(std::numeric_limits<Pixel>::lowest(
 // The pixels around one, row by row, as doubles, which hold every pixel exactly.
 using Square = std::vector<double>;
 
-struct Filter {
+struct SlowFilter {
     std::string name;
     int radius;
     std::function<HRESULT(IImageProcess&, IImageVPA*, LONG)> apply;
@@ -69,7 +68,7 @@ double NearerExtreme(const Square& square, LONG type, const Range& range) {
     return distance(p - low) >= distance(high - p) ? high : low;
 }
 
-const std::vector<Filter>& Filters() {
+const std::vector<SlowFilter>& Filters() {
     using P = IImageProcess;
     const auto by = [](HRESULT (STDMETHODCALLTYPE P::*method)(IImageVPA*, LONG)) {
         return [method](P& p, IImageVPA* source, LONG band) { return (p.*method)(source, band); };
@@ -77,7 +76,7 @@ const std::vector<Filter>& Filters() {
     const auto extremum = [](LONG h) {
         return [h](P& p, IImageVPA* source, LONG band) { return p.ExtremumSharpening(h, source, band); };
     };
-    static const std::vector<Filter> filters = {
+    static const std::vector<SlowFilter> filters = {
         {"Laplacian", 1, by(&P::Laplacian), Weighing(6, {1, 4, 1, 4, -20, 4, 1, 4, 1})},
         {"SharpenLow", 1, by(&P::SharpenLow), Weighing(2, {0, -1, 0, -1, 6, -1, 0, -1, 0})},
         {"SharpenMedium", 1, by(&P::SharpenMedium), Weighing(1, {0, -1, 0, -1, 5, -1, 0, -1, 0})},
@@ -94,7 +93,7 @@ const std::vector<Filter>& Filters() {
 
 TEST(NamedFilters, AreAllTestedHereAndFoundByNameAndWord) {
     for (const NamedFilter& named : kNamedFilters) {
-        EXPECT_TRUE(std::any_of(Filters().begin(), Filters().end(), [&](const Filter& f) {
+        EXPECT_TRUE(std::any_of(Filters().begin(), Filters().end(), [&](const SlowFilter& f) {
             return f.name == named.name;
         })) << named.name;
         EXPECT_EQ(&named, FindFilter(named.name));
@@ -119,7 +118,7 @@ struct Plane {
 };
 
 template <class Pixel>
-Plane<Pixel> Noise(LONG width, LONG height, uint32_t seed) {
+Plane<Pixel> NoisyPlane(LONG width, LONG height, uint32_t seed) {
     std::mt19937 random(seed);
     Plane<Pixel> plane{width, height, std::vector<Pixel>(static_cast<size_t>(width * height))};
     for (Pixel& pixel : plane.pixels)
@@ -129,7 +128,7 @@ Plane<Pixel> Noise(LONG width, LONG height, uint32_t seed) {
 }
 
 template <class Pixel>
-double Expected(const Filter& filter, const Plane<Pixel>& source, LONG x, LONG y, const Range& range) {
+double Expected(const SlowFilter& filter, const Plane<Pixel>& source, LONG x, LONG y, const Range& range) {
     Square square;
     for (LONG v = y - filter.radius; v <= y + filter.radius; ++v)
         for (LONG u = x - filter.radius; u <= x + filter.radius; ++u)
@@ -138,38 +137,29 @@ double Expected(const Filter& filter, const Plane<Pixel>& source, LONG x, LONG y
 }
 
 template <class Pixel>
-struct Image {
-    ComPtr<IImageVPAExPlus> pixels;
-    ComPtr<IImageProcess> process;
-    Image(LONG width, LONG height, LONG bands = 1)
-        : pixels(NewImage<Pixel>(width, height, bands)), process(Cast<IImageProcess>(pixels)) {}
-    explicit Image(const Plane<Pixel>& plane) : Image(plane.width, plane.height) { Put(plane); }
-    void Put(const Plane<Pixel>& plane, LONG band = 0) const {
-        LONG y = 0;
-        for (const auto row : Rows<Pixel>(pixels, band)) {
-            for (LONG x = 0; x < plane.width; ++x) row[static_cast<size_t>(x)] = plane.at(x, y);
-            ++y;
-        }
-    }
-    void SetRange(const Range& range) const { Check(process->PutLuminanceRange(range.lower, range.upper), process); }
-    void SetRectangle(LONG left, LONG top, LONG right, LONG bottom) const {
-        const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
-        Check(region->CreateRectangle(5000, 5000, left, top, right, bottom), region);
-        Check(process->put_RegionOfInterest(region.get()), process);
-    }
-    HRESULT Apply(const Filter& filter, IImageVPA* source, LONG band = 0) const {
-        return filter.apply(*process, source, band);
-    }
-};
+void Put(const TypedImage<Pixel>& image, const Plane<Pixel>& plane, LONG band = 0) {
+    image.Fill([&](LONG x, LONG y) { return plane.at(x, y); }, band);
+}
+
+template <class Pixel>
+TypedImage<Pixel> ImageOfPlane(const Plane<Pixel>& plane) {
+    const auto image = NewImage<Pixel>(plane.width, plane.height);
+    Put(image, plane);
+    return image;
+}
+
+HRESULT Apply(const Image& to, const SlowFilter& filter, IImageVPA* source, LONG band = 0) {
+    return filter.apply(*to.process, source, band);
+}
 
 // The pixels of a band are those of the slow road inside, and the given value outside.
 template <class Pixel, class Inside>
-void ExpectFiltered(const Image<Pixel>& image, LONG band, const Filter& filter, const Plane<Pixel>& source,
+void ExpectFiltered(const TypedImage<Pixel>& image, LONG band, const SlowFilter& filter, const Plane<Pixel>& source,
                     const Range& range, Pixel outside, const Inside& inside) {
     // A float result is the sum of some 30 rounded terms, none of which exceeds 20 / 6 of the largest pixel.
     const double tolerance = std::is_same_v<Pixel, float> ? 40 * 36000 * 4 * 0x1p-24 : 0;
     LONG y = 0;
-    for (const auto row : Rows<Pixel>(image.pixels, band)) {
+    for (const auto row : Rows<Pixel>(image, band)) {
         for (LONG x = 0; x < static_cast<LONG>(row.size()); ++x) {
             const Pixel got = row[static_cast<size_t>(x)];
             const bool filtered = inside(x, y);
@@ -193,14 +183,14 @@ TYPED_TEST(FilterOf, WholeImagesMirrorsTheBorderAndClampsToTheLuminanceRange) {
     const struct {
         LONG width, height;
     } sizes[] = {{1, 1}, {2, 1}, {1, 2}, {3, 3}, {5, 2}, {2, 7}, {17, 9}, {140, 5}, {700, 3}};
-    for (const Filter& filter : Filters())
+    for (const SlowFilter& filter : Filters())
         for (const auto& size : sizes) {
-            const auto source = Noise<Pixel>(size.width, size.height, static_cast<uint32_t>(size.width));
-            const Image<Pixel> from(source), to(size.width, size.height);
+            const auto source = NoisyPlane<Pixel>(size.width, size.height, static_cast<uint32_t>(size.width));
+            const auto from = ImageOfPlane(source), to = NewImage<Pixel>(size.width, size.height);
             const double quarter = std::is_same_v<Pixel, float> ? 8000 : kFull<Pixel>.upper / 4;
             for (const Range& range : {kFull<Pixel>, Range{std::floor(quarter), std::floor(2 * quarter)}}) {
-                to.SetRange(range);
-                ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+                Check(to.process->PutLuminanceRange(range.lower, range.upper));
+                ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
                 ExpectFiltered<Pixel>(to, 0, filter, source, range, 0, kEverywhere);
             }
         }
@@ -208,15 +198,15 @@ TYPED_TEST(FilterOf, WholeImagesMirrorsTheBorderAndClampsToTheLuminanceRange) {
 
 TYPED_TEST(FilterOf, ARegionLeavesTheRestAlone) {
     using Pixel = TypeParam;
-    const auto source = Noise<Pixel>(300, 40, 1);
-    const Image<Pixel> from(source), to(300, 40);
-    for (const Filter& filter : Filters())
+    const auto source = NoisyPlane<Pixel>(300, 40, 1);
+    const auto from = ImageOfPlane(source), to = NewImage<Pixel>(300, 40);
+    for (const SlowFilter& filter : Filters())
         for (const auto& [left, right] :
              {std::pair<LONG, LONG>{0, 0}, {0, 1}, {1, 2}, {3, 190}, {250, 299}, {299, 299}}) {
             Check(to.process->put_RegionOfInterest(nullptr));
             ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
-            to.SetRectangle(left, 5, right, 39);
-            ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+            to.SetRegion(RectangleOf(5000, 5000, left, 5, right, 39));
+            ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
             ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 9,
                                   [&, l = left, r = right](LONG x, LONG y) { return x >= l && x <= r && y >= 5; });
         }
@@ -224,19 +214,19 @@ TYPED_TEST(FilterOf, ARegionLeavesTheRestAlone) {
 
 TYPED_TEST(FilterOf, BandsGoSideBySide) {
     using Pixel = TypeParam;
-    const Image<Pixel> from(40, 6, 3), to(40, 6, 3);
+    const auto from = NewImage<Pixel>(40, 6, 3), to = NewImage<Pixel>(40, 6, 3);
     std::vector<Plane<Pixel>> sources;
     for (LONG band = 0; band < 3; ++band) {
-        sources.push_back(Noise<Pixel>(40, 6, static_cast<uint32_t>(band) + 7));
-        from.Put(sources.back(), band);
+        sources.push_back(NoisyPlane<Pixel>(40, 6, static_cast<uint32_t>(band) + 7));
+        Put(from, sources.back(), band);
     }
-    for (const Filter& filter : Filters()) {
+    for (const SlowFilter& filter : Filters()) {
         ASSERT_EQ(S_OK, to.process->put_BandToProcess(BI_AllBands));
-        ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get(), BI_AllBands));
+        ASSERT_EQ(S_OK, Apply(to, filter, from.get(), BI_AllBands));
         for (LONG band = 0; band < 3; ++band)
             ExpectFiltered<Pixel>(to, band, filter, sources[static_cast<size_t>(band)], kFull<Pixel>, 0, kEverywhere);
         ASSERT_EQ(S_OK, to.process->put_BandToProcess(1));
-        ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get(), 2));
+        ASSERT_EQ(S_OK, Apply(to, filter, from.get(), 2));
         for (LONG band = 0; band < 3; ++band)
             ExpectFiltered<Pixel>(to, band, filter, sources[band == 1 ? 2 : static_cast<size_t>(band)], kFull<Pixel>, 0,
                                   kEverywhere);
@@ -245,48 +235,48 @@ TYPED_TEST(FilterOf, BandsGoSideBySide) {
 
 TYPED_TEST(FilterOf, TheImageItselfGivesWhatACopyGives) {
     using Pixel = TypeParam;
-    const auto first = Noise<Pixel>(150, 9, 3), second = Noise<Pixel>(150, 9, 4);
-    for (const Filter& filter : Filters()) {
-        const Image<Pixel> image(150, 9, 2);
-        image.Put(first, 0), image.Put(second, 1);
-        ASSERT_EQ(S_OK, image.Apply(filter, image.pixels.get(), BI_AllBands));
+    const auto first = NoisyPlane<Pixel>(150, 9, 3), second = NoisyPlane<Pixel>(150, 9, 4);
+    for (const SlowFilter& filter : Filters()) {
+        const auto image = NewImage<Pixel>(150, 9, 2);
+        Put(image, first, 0), Put(image, second, 1);
+        ASSERT_EQ(S_OK, Apply(image, filter, image.get(), BI_AllBands));
         ExpectFiltered<Pixel>(image, 0, filter, first, kFull<Pixel>, 0, kEverywhere);
         ExpectFiltered<Pixel>(image, 1, filter, second, kFull<Pixel>, 0, kEverywhere);
-        image.Put(first, 0), image.Put(second, 1);
+        Put(image, first, 0), Put(image, second, 1);
         ASSERT_EQ(S_OK, image.process->put_BandToProcess(0));
-        ASSERT_EQ(S_OK, image.Apply(filter, image.pixels.get(), 1));  // the other band
+        ASSERT_EQ(S_OK, Apply(image, filter, image.get(), 1));  // the other band
         ExpectFiltered<Pixel>(image, 0, filter, second, kFull<Pixel>, 0, kEverywhere);
-        ASSERT_EQ(S_OK, image.Apply(filter, image.pixels.get(), 0));
+        ASSERT_EQ(S_OK, Apply(image, filter, image.get(), 0));
     }
 }
 
 TYPED_TEST(FilterOf, BuffersThatOverlapGiveWhatACopyGives) {
     using Pixel = TypeParam;
     constexpr LONG width = 64, height = 20;
-    for (const Filter& filter : Filters())
+    for (const SlowFilter& filter : Filters())
         for (const size_t shift : {size_t{0}, size_t{1}, size_t{64}, size_t{3 * 64 + 5}})
             for (const bool up : {false, true}) {
                 std::vector<Pixel> memory(width * height + shift);
-                const Image<Pixel> from(1, 1), to(1, 1);
+                const TypedImage<Pixel> from, to;
                 Pixel* const low = memory.data();
                 Pixel* const high = low + shift;
-                ASSERT_EQ(S_OK, from.pixels->AttachBuffer(up ? high : low, width, height, 1, kTypeOf<Pixel>, 0));
-                ASSERT_EQ(S_OK, to.pixels->AttachBuffer(up ? low : high, width, height, 1, kTypeOf<Pixel>, 0));
-                const auto source = Noise<Pixel>(width, height, 11);
-                from.Put(source);
-                ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+                ASSERT_EQ(S_OK, from->AttachBuffer(up ? high : low, width, height, 1, kTypeOf<Pixel>, 0));
+                ASSERT_EQ(S_OK, to->AttachBuffer(up ? low : high, width, height, 1, kTypeOf<Pixel>, 0));
+                const auto source = NoisyPlane<Pixel>(width, height, 11);
+                Put(from, source);
+                ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
                 ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 0, kEverywhere);
             }
 }
 
 TYPED_TEST(FilterOf, ASmallerSourceServesAsFarAsItsTablesReach) {
     using Pixel = TypeParam;
-    for (const Filter& filter : Filters())
+    for (const SlowFilter& filter : Filters())
         for (const auto& [width, height] : {std::pair<LONG, LONG>{3, 2}, {30, 1}}) {
-            const auto source = Noise<Pixel>(width, height, 5);
-            const Image<Pixel> from(source), to(240, 210);
+            const auto source = NoisyPlane<Pixel>(width, height, 5);
+            const auto from = ImageOfPlane(source), to = NewImage<Pixel>(240, 210);
             ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
-            ASSERT_EQ(S_OK, to.Apply(filter, from.pixels.get()));
+            ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
             const LONG right = width + 199 - filter.radius, bottom = height + 199 - filter.radius;
             ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 9,
                                   [&](LONG x, LONG y) { return x <= right && y <= bottom; });
@@ -298,9 +288,8 @@ TYPED_TEST(FilterOf, ASmallerSourceServesAsFarAsItsTablesReach) {
 TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
     using Pixel = TypeParam;
     constexpr LONG width = 290, height = 12;
-    auto memory = Noise<Pixel>(3 * width, height, 21).pixels;
-    const auto foreign = MakeCounted<ForeignImage>();
-    foreign->width = width, foreign->height = height, foreign->type = kTypeOf<Pixel>;
+    auto memory = NoisyPlane<Pixel>(3 * width, height, 21).pixels;
+    const auto foreign = ForeignImage::Of(width, height, kTypeOf<Pixel>, memory.data());
     const struct {
         size_t base;
         std::function<LONG(LONG)> column, row;
@@ -319,105 +308,87 @@ TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
             for (LONG x = 0; x < width; ++x)
                 source.pixels.push_back(
                     memory[static_cast<size_t>(static_cast<LONG>(layout.base) + layout.column(x) + layout.row(y))]);
-        for (const Filter& filter : Filters()) {
-            const Image<Pixel> to(width, height);
-            ASSERT_EQ(S_OK, to.Apply(filter, foreign.get()));
+        for (const SlowFilter& filter : Filters()) {
+            const auto to = NewImage<Pixel>(width, height);
+            ASSERT_EQ(S_OK, Apply(to, filter, foreign.get()));
             ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 0, kEverywhere);
         }
     }
     // In the memory of the destination, flipped.
-    const Image<Pixel> to(width, height);
+    const auto to = NewImage<Pixel>(width, height);
     const LONG stride = static_cast<LONG>((width * sizeof(Pixel) + 3) / 4 * 4 / sizeof(Pixel));
-    const auto source = Noise<Pixel>(width, height, 22);
-    const Plane<Pixel> flipped = [&] {
-        Plane<Pixel> plane{width, height, {}};
-        for (LONG y = 0; y < height; ++y)
-            for (LONG x = 0; x < width; ++x) plane.pixels.push_back(source.at(x, height - 1 - y));
-        return plane;
-    }();
-    VPAEntry* table = nullptr;
-    Check(to.pixels->VPA(0, &foreign->base, &table));
+    const auto source = NoisyPlane<Pixel>(width, height, 22);
+    Plane<Pixel> flipped{width, height, {}};
+    for (LONG y = 0; y < height; ++y)
+        for (LONG x = 0; x < width; ++x) flipped.pixels.push_back(source.at(x, height - 1 - y));
+    foreign->base = std::get<0>(Get(to, &IImageVPA::VPA, 0));
     foreign->SetOffsets([](LONG x) { return x; }, [=](LONG y) { return stride * (height - 1 - y); });
-    for (const Filter& filter : Filters()) {
-        to.Put(source);
-        ASSERT_EQ(S_OK, to.Apply(filter, foreign.get()));
+    for (const SlowFilter& filter : Filters()) {
+        Put(to, source);
+        ASSERT_EQ(S_OK, Apply(to, filter, foreign.get()));
         ExpectFiltered<Pixel>(to, 0, filter, flipped, kFull<Pixel>, 0, kEverywhere);
     }
 }
 
 TEST(FilterOfForeignMargin, TakesWhatTheTableSays) {
     std::vector<uint8_t> memory = {10, 20, 30, 250};
-    const auto foreign = MakeCounted<ForeignImage>();
-    foreign->width = 3, foreign->base = memory.data();
-    foreign->SetOffsets([](LONG x) { return x; }, [](LONG) { return 0; });
+    const auto foreign = ForeignImage::Of(3, 1, DT_BYTE, memory.data());
     for (size_t i = 0; i < 200; ++i) foreign->table[i].XEntry = 3;  // columns before 0 read 250
-    const Image<uint8_t> to(3, 1);
+    const auto to = NewImage<uint8_t>(3, 1);
     ASSERT_EQ(S_OK, to.process->Gaussian3x3(foreign.get(), 0));
-    EXPECT_THAT(PixelsOf<uint8_t>(to.pixels), ::testing::ElementsAre((250 + 20 + 20) / 4, 20, 25));
+    EXPECT_THAT(to.values(), ::testing::ElementsAre((250 + 20 + 20) / 4, 20, 25));
 }
 
 TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
-    const Image<uint8_t> one(4, 3);
+    const auto one = NewImage<uint8_t>(4, 3);
     ASSERT_EQ(S_OK, one.process->ScalarEquals(9));
     const auto words = NewImage<uint16_t>(4, 3, 3);
     const auto three = NewImage<uint8_t>(4, 3, 3);
-    const auto empty = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const Image empty;
     const auto foreign = MakeCounted<ForeignImage>();
     foreign->type = DT_Char;
-    for (const Filter& filter : Filters()) {
+    for (const SlowFilter& filter : Filters()) {
         const std::string type = "IImageProcess::" + filter.name + ": data type mismatch.";
         const std::string bands = "IImageProcess::" + filter.name + ": mismatch in the number of bands to process.";
-        EXPECT_TRUE(Fails(one.Apply(filter, words.get(), BI_AllBands), type));  // before the bands
-        EXPECT_TRUE(Fails(one.Apply(filter, foreign.get()), type));
-        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), BI_AllBands), bands));
-        EXPECT_TRUE(Fails(one.Apply(filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range"));
-        EXPECT_TRUE(Fails(one.Apply(filter, empty.get()), "IImageProcess::" + filter.name + ": no source image."));
-        EXPECT_TRUE(FailsSilently(one.Apply(filter, nullptr), E_POINTER));
-        EXPECT_TRUE(Fails(filter.apply(*Cast<IImageProcess>(empty), one.pixels.get(), 0),
-                          "IImageProcess::" + filter.name + ": no image."));
+        EXPECT_TRUE(Fails(Apply(one, filter, words.get(), BI_AllBands), type));  // before the bands
+        EXPECT_TRUE(Fails(Apply(one, filter, foreign.get()), type));
+        EXPECT_TRUE(Fails(Apply(one, filter, three.get(), BI_AllBands), bands));
+        EXPECT_TRUE(Fails(Apply(one, filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range"));
+        EXPECT_TRUE(Fails(Apply(one, filter, empty.get()), "IImageProcess::" + filter.name + ": no source image."));
+        EXPECT_TRUE(FailsSilently(Apply(one, filter, nullptr), E_POINTER));
+        EXPECT_TRUE(Fails(Apply(empty, filter, one.get()), "IImageProcess::" + filter.name + ": no image."));
     }
-    EXPECT_THAT(PixelsOf<uint8_t>(one.pixels), ::testing::Each(9));
+    EXPECT_THAT(one.values(), ::testing::Each(9));
 }
 
 // A source may call back: it replaces the destination, or changes its own type, while it is asked for its pixels.
 TEST(FilterContract, SourcesThatInterfereDoNoHarm) {
     std::vector<uint8_t> memory(64 * 64);
-    for (const Filter& filter : Filters())
+    for (const SlowFilter& filter : Filters())
         for (const bool changesItself : {false, true}) {
-            const Image<uint8_t> to(64, 64);
-            const auto foreign = MakeCounted<ForeignImage>();
-            foreign->width = foreign->height = 64;
-            foreign->base = memory.data();
-            foreign->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 64 * y; });
+            const auto to = NewImage<uint8_t>(64, 64);
+            const auto foreign = ForeignImage::Of(64, 64, DT_BYTE, memory.data());
             foreign->onVpa = [&] {
                 if (changesItself)
                     foreign->type = DT_Double;
                 else
-                    to.pixels->Create(1, 1, 1, DT_BYTE, 1);
+                    to->Create(1, 1, 1, DT_BYTE, 1);
             };
-            EXPECT_TRUE(FailsSilently(to.Apply(filter, foreign.get()))) << filter.name;
+            EXPECT_TRUE(FailsSilently(Apply(to, filter, foreign.get()))) << filter.name;
         }
 }
 
-// Beyond the margin of 200 only pixels away from the borders have a square.
+// Half the side of the square. What the pixels away from the borders get is tested in tests/filters.
 TEST(ExtremumSharpening, OfHalfSizesBeyondTheMarginIsDefined) {
     std::vector<uint8_t> pixels(8 * 6, 100);
     pixels[0] = 10, pixels[47] = 190;
-    const Image<uint8_t> from(Plane<uint8_t>{8, 6, pixels}), to(8, 6);
-    for (const LONG h : {LONG{203}, LONG{100000}, std::numeric_limits<LONG>::max()}) {
+    const auto from = ImageOf<uint8_t>(8, pixels), to = NewImage<uint8_t>(8, 6);
+    for (const auto& [h, first, last] :
+         {std::tuple{LONG{203}, 7, 7}, {kMost, 7, 7}, {LONG{-1}, 255, 0}, {kLeast, 255, 0}}) {
         ASSERT_EQ(S_OK, to.process->ScalarEquals(7));
-        ASSERT_EQ(S_OK, to.process->ExtremumSharpening(h, from.pixels.get(), 0));
-        EXPECT_THAT(PixelsOf<uint8_t>(to.pixels), ::testing::Each(7)) << h;
-    }
-    ASSERT_EQ(S_OK, to.process->ExtremumSharpening(202, from.pixels.get(), 0));
-    std::vector<uint8_t> want(8 * 6, 7);
-    for (size_t y = 2; y <= 3; ++y)
-        for (size_t x = 2; x <= 5; ++x) want[y * 8 + x] = 190;  // 90 below 190 and 90 above 10: a tie
-    EXPECT_EQ(want, PixelsOf<uint8_t>(to.pixels));
-    for (const LONG h : {LONG{-1}, std::numeric_limits<LONG>::min()}) {
-        ASSERT_EQ(S_OK, to.process->ExtremumSharpening(h, from.pixels.get(), 0));
-        EXPECT_EQ(255, PixelsOf<uint8_t>(to.pixels)[0]) << "mn is the upper limit, mx the lower one";
-        EXPECT_EQ(0, PixelsOf<uint8_t>(to.pixels)[47]);
+        ASSERT_EQ(S_OK, to.process->ExtremumSharpening(h, from.get(), 0));
+        EXPECT_EQ(first, to.values().front()) << h;
+        EXPECT_EQ(last, to.values().back()) << h;
     }
 }
 

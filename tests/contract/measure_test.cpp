@@ -3,21 +3,11 @@
 
 #include <orlix/measure.hpp>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
-#include <limits>
 
+namespace orlix::testing {
 namespace {
-
-using namespace orlix;
-using namespace orlix::testing;
-
-ComPtr<IHistogram> HistogramOf(const std::vector<LONG>& counts, double left, double right) {
-    auto histogram = CreateObject<IHistogram>("Orlix.Histogram");
-    Check(histogram->Create(static_cast<LONG>(counts.size()), left, right), histogram);
-    std::copy(counts.begin(), counts.end(), Bins(histogram).begin());
-    return histogram;
-}
 
 HRESULT ResultOf(const std::function<void()>& call) {
     try {
@@ -30,14 +20,11 @@ HRESULT ResultOf(const std::function<void()>& call) {
 
 TEST(MeasureBitmap, CountsBitsAndNotTheirPadding) {
     for (const LONG width : {11, 16}) {
-        const auto bitmap = CreateObject<IBitmap>("Orlix.Bitmap");
-        Check(bitmap->Create(width, 3, 1), bitmap);
+        const auto bitmap = Cast<IBitmap>(NewBitmap(width, 3));
         EXPECT_EQ(0, MeasureBitmap(bitmap).pixelCount);
         EXPECT_TRUE(std::isnan(MeasureBitmap(bitmap).xCentroid) && std::isnan(MeasureBitmap(bitmap).yCentroid));
         for (const auto& [x, y] : {std::pair{0, 0}, {7, 0}, {8, 2}, {10, 2}}) Check(bitmap->put_Bit(x, y, 1), bitmap);
-        BYTE* row = nullptr;
-        Check(bitmap->GetRowPtr(1, &row), bitmap);
-        if (width % 8) row[1] |= 0x1f;
+        if (width % 8) Get(bitmap, &IBitmap::GetRowPtr, 1)[1] |= 0x1f;
         const BinaryMeasurements measurements = MeasureBitmap(bitmap);
         EXPECT_EQ(4, measurements.pixelCount);
         EXPECT_EQ(25 / 4.0, measurements.xCentroid);
@@ -50,10 +37,7 @@ TEST(RegroupedHistogram, AddsEqualNumbersOfNeighbours) {
     const auto coarse = Regrouped(fine, 4);
     const std::span<LONG> sums = Bins(coarse);
     EXPECT_EQ((std::vector<LONG>{6, 15, INT32_MAX, 10}), std::vector<LONG>(sums.begin(), sums.end()));
-    double step = 0, origin = 0;
-    Check(coarse->GetBinToLocationMapping(&step, &origin), coarse);
-    EXPECT_EQ(6, step);
-    EXPECT_EQ(102, origin) << "the middle of 100, 102 and 104";
+    EXPECT_EQ(std::tuple(6, 102), Get(coarse, &IHistogram::GetBinToLocationMapping)) << "the middle of 100 and 104";
     for (const LONG most : {10, 11, INT32_MAX}) {
         const auto copy = Regrouped(fine, most);
         EXPECT_TRUE(std::ranges::equal(Bins(fine), Bins(copy))) << most;
@@ -64,9 +48,7 @@ TEST(RegroupedHistogram, AddsEqualNumbersOfNeighbours) {
     // Four bins from 100 to 103 would be the whole numbers 100, 101, 102 and 103 and not intervals of 0.75.
     const auto three = Regrouped(HistogramOf(std::vector<LONG>(12, 1), 100, 103), 4);
     EXPECT_EQ(3u, Bins(three).size());
-    Check(three->GetBinToLocationMapping(&step, &origin), three);
-    EXPECT_EQ(1, step);
-    EXPECT_EQ(100.5, origin);
+    EXPECT_EQ(std::tuple(1, 100.5), Get(three, &IHistogram::GetBinToLocationMapping));
     for (const LONG most : {0, -1, INT32_MIN})
         EXPECT_EQ(E_INVALIDARG, ResultOf([&] { Regrouped(fine, most); })) << most;
 }
@@ -117,9 +99,8 @@ TEST(RegionMask, HasTheRunsClippedToTheImage) {
     region->runs = {RunOf(-3, 0), RunOf(2, 1), RunOf(3, INT32_MAX)};
     const ComPtr<IRegionOfInterest> asked(region.get());
     EXPECT_EQ((std::vector<uint8_t>{1, 0, 0, 1, 1, 0, 0, 1}), RegionMask(asked, 4, 2));
-    const auto rectangle = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
-    Check(rectangle->CreateRectangle(3, 3, 1, 1, 1, 2), rectangle);
-    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 0, 1, 0, 0, 1, 0}), RegionMask(Cast<IRegionOfInterest>(rectangle), 3, 3));
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 0, 1, 0, 0, 1, 0}),
+              RegionMask(Cast<IRegionOfInterest>(RectangleOf(3, 3, 1, 1, 1, 2)), 3, 3));
     EXPECT_EQ(std::vector<uint8_t>(6, 1), RegionMask(nullptr, 2, 3));
     EXPECT_TRUE(RegionMask(asked, 0, 3).empty());
     EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionMask(asked, -1, 3); }));
@@ -130,26 +111,23 @@ TEST(RegionOfMask, HasThePixelsThatAreNotZero) {
     const std::vector<uint8_t> mask = {0, 0, 0, 0, 0, 7, 1, 0, 0, 1, 0, 255};
     const auto region = RegionOfMask(mask, 4, 3);
     EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 0, 0, 1, 1, 0, 0, 1, 0, 1}), RegionMask(region, 4, 3));
-    RECT box = {};
-    Check(region->get_BoundingBox(&box), region);
-    EXPECT_EQ((std::array<LONG, 4>{1, 1, 3, 2}), (std::array<LONG, 4>{box.left, box.top, box.right, box.bottom}));
+    EXPECT_EQ((std::vector<LONG>{1, 1, 3, 2}), Edges(Get(region, &IRegionOfInterest::get_BoundingBox)));
     SRun *begin = nullptr, *end = nullptr;
     for (const LONG row : {-1, 3, INT32_MIN, INT32_MAX}) EXPECT_EQ(S_FALSE, region->GetRowRuns(row, &begin, &end));
     EXPECT_EQ(E_POINTER, region->GetRowRuns(0, nullptr, &end));
 
     // The library measures these pixels: 10, 20, 30 and 40 of a ramp.
     const auto image = ImageOf<uint8_t>(4, {0, 0, 0, 0, 0, 10, 20, 0, 0, 30, 0, 40});
-    const auto process = Cast<IImageProcess>(image);
-    Check(process->put_RegionOfInterest(region.get()), process);
-    SGrayMeasurements grey = {};
-    Check(process->get_GrayMeasurements(GEMT_GrayStatistics, &grey), process);
+    Check(image.process->put_RegionOfInterest(region.get()), image.process);
+    const auto grey = Get(image.process, &IImageProcess::get_GrayMeasurements, GEMT_GrayStatistics);
     EXPECT_EQ(4, grey.m_lPixelCount);
     EXPECT_EQ(25, grey.m_dGrayAverage);
 
-    Check(RegionOfMask({}, 0, 5)->get_BoundingBox(&box), region);
-    EXPECT_LT(box.right, box.left);
+    const RECT none = Get(RegionOfMask({}, 0, 5), &IRegionOfInterest::get_BoundingBox);
+    EXPECT_LT(none.right, none.left);
     EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionOfMask(mask, 4, 2); }));
     EXPECT_EQ(E_INVALIDARG, ResultOf([&] { RegionOfMask(mask, -4, -3); }));
 }
 
 }  // namespace
+}  // namespace orlix::testing

@@ -6,9 +6,9 @@
 
 #include <array>
 #include <atomic>
-#include <cstring>
 #include <thread>
 
+#include "contract/device_canvas.hpp"
 #include "contract/support.hpp"
 
 namespace orlix::testing {
@@ -16,125 +16,51 @@ namespace {
 
 constexpr const char* kInvalid = "IPictureEx::Render: invalid HDC";
 
-// A bitmap in memory of 8 (a grey ramp) or 32 bits, selected into a context. Grey 0x11 at first.
-class Canvas {
-public:
-    Canvas(LONG width, LONG height, WORD bits = 32) : context(CreateCompatibleDC(nullptr)), width_(width), bits_(bits) {
-        struct {
-            BITMAPINFOHEADER header;
-            RGBQUAD colors[256];
-        } info = {};
-        info.header.biSize = sizeof info.header;
-        info.header.biWidth = width;
-        info.header.biHeight = -height;
-        info.header.biPlanes = 1;
-        info.header.biBitCount = bits;
-        for (int i = 0; i < 256; ++i) {
-            const auto grey = static_cast<BYTE>(i);
-            info.colors[i] = {grey, grey, grey, 0};
-        }
-        void* memory = nullptr;
-        bitmap_ = CreateDIBSection(context, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, &memory, nullptr, 0);
-        pixels_ = static_cast<uint8_t*>(memory);
-        stride_ = (width * bits / 8 + 3) / 4 * 4;
-        std::memset(pixels_, 0x11, static_cast<size_t>(stride_ * height));
-        former_ = SelectObject(context, bitmap_);
-    }
-    ~Canvas() {
-        SelectObject(context, former_);
-        DeleteDC(context);
-        DeleteObject(bitmap_);
-    }
-    Canvas(const Canvas&) = delete;
-    Canvas& operator=(const Canvas&) = delete;
-
-    // The pixel 0xRRGGBB, or the level.
-    uint32_t at(LONG x, LONG y) const {
-        GdiFlush();
-        const uint8_t* const pixel = pixels_ + y * stride_ + x * bits_ / 8;
-        return bits_ == 8 ? *pixel : static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]);
-    }
-    // One character a pixel: the low byte divided by 16.
-    std::string Row(LONG y) const {
-        std::string row;
-        for (LONG x = 0; x < width_; ++x) row += "0123456789abcdef"[at(x, y) >> 4 & 15];
-        return row;
-    }
-
-    const HDC context;
-
-private:
-    LONG width_, stride_;
-    WORD bits_;
-    HBITMAP bitmap_;
-    HGDIOBJ former_;
-    uint8_t* pixels_;
-};
-
-struct Picture {
-    ComPtr<IImageVPAExPlus> image;
-    ComPtr<IPictureExZoom> zoom;
-    ComPtr<IDisplayProcess> display;
-    explicit Picture(const ComPtr<IImageVPAExPlus>& from)
-        : image(from), zoom(Cast<IPictureExZoom>(image)), display(Cast<IDisplayProcess>(image)) {}
-    std::array<LONG, 4> destRect() const {
-        RECT r = {};
-        Check(zoom->get_DestRect(&r), zoom);
-        return {r.left, r.top, r.right, r.bottom};
-    }
-};
-using Edges = std::array<LONG, 4>;
+using Lines = std::vector<std::string>;
+using Box = std::vector<LONG>;
 
 // 4 x 2 pixels: 16 (2 + x + 4 y).
-Picture Small() { return Picture(ImageOf<uint8_t>(4, {32, 48, 64, 80, 96, 112, 128, 144})); }
+TypedImage<uint8_t> PictureOnDevice() { return ImageOf<uint8_t>(4, {32, 48, 64, 80, 96, 112, 128, 144}); }
+
+Box DestRectOnDevice(const Image& image) { return Edges(Get(image.zoom, &IPictureExZoom::get_DestRect)); }
 
 TEST(PictureOnDevice, DrawsTheImageWithItsColoursAndSurround) {
-    const Picture picture = Small();
+    const auto picture = PictureOnDevice();
     Check(picture.display->put_ColorTable(32, 0x332211), picture.display);
     Check(picture.zoom->put_Surround(0xff8040a0), picture.zoom);
-    Canvas canvas(8, 6);
+    DeviceCanvas canvas(8, 6);
     ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 1, 1, 4, 4));
-    EXPECT_EQ("11111111", canvas.Row(0));
+    EXPECT_EQ((Lines{"11111111", "18888111", "13345111", "16789111", "18888111", "11111111"}), canvas.Rows());
     EXPECT_EQ(0xa04080u, canvas.at(1, 1));
-    EXPECT_EQ(0xa04080u, canvas.at(4, 4));
     EXPECT_EQ(0x112233u, canvas.at(1, 2)) << "blue in the high byte of colours, in the low one of pixels";
-    EXPECT_EQ("13345111", canvas.Row(2));
-    EXPECT_EQ("16789111", canvas.Row(3));
-    EXPECT_EQ("11111111", canvas.Row(5));
-    EXPECT_EQ((Edges{1, 2, 5, 4}), picture.destRect());
+    EXPECT_EQ((Box{1, 2, 5, 4}), DestRectOnDevice(picture));
 
-    Canvas corner(4, 4);
+    DeviceCanvas corner(4, 4);
     ASSERT_EQ(S_OK, picture.zoom->RenderTopLeft(corner.context, 0, 0, 4, 4));
-    EXPECT_EQ("3345", corner.Row(0));
-    EXPECT_EQ("6789", corner.Row(1));
-    EXPECT_EQ("8888", corner.Row(2));
-    Canvas mirrored(4, 2);
+    EXPECT_EQ((Lines{"3345", "6789", "8888", "8888"}), corner.Rows());
+    DeviceCanvas mirrored(4, 2);
     ASSERT_EQ(S_OK, picture.zoom->Render(mirrored.context, 4, 2, -4, -2));
-    EXPECT_EQ("9876", mirrored.Row(0));
-    EXPECT_EQ("5433", mirrored.Row(1));
-    Canvas blt(5, 3);
+    EXPECT_EQ((Lines{"9876", "5433"}), mirrored.Rows());
+    DeviceCanvas blt(5, 3);
     ASSERT_EQ(S_OK, picture.zoom->RenderBlt(blt.context, 0, 0, 5, 3, 1, 1));
-    EXPECT_EQ("78988", blt.Row(0));
-    EXPECT_EQ("88888", blt.Row(1));
+    EXPECT_EQ((Lines{"78988", "88888", "88888"}), blt.Rows());
     EXPECT_EQ(S_FALSE, picture.zoom->RenderBlt(blt.context, 0, 0, 5, 3, 9, 9));
-    EXPECT_EQ("88888", blt.Row(0));
+    EXPECT_EQ((Lines{"88888", "88888", "88888"}), blt.Rows());
 }
 
 TEST(PictureOnDevice, ChoosesPixelsWhereBothHaveEightBits) {
-    const Picture picture = Small();
-    Canvas twice(8, 4, 8);
+    const auto picture = PictureOnDevice();
+    DeviceCanvas twice(8, 4, 8);
     ASSERT_EQ(S_OK, picture.zoom->Render(twice.context, 0, 0, 8, 4));
-    for (const LONG y : {0, 1}) EXPECT_EQ("22334455", twice.Row(y));
-    for (const LONG y : {2, 3}) EXPECT_EQ("66778899", twice.Row(y));
+    EXPECT_EQ((Lines{"22334455", "22334455", "66778899", "66778899"}), twice.Rows());
     // A part of it: rows are counted from the bottom of the bitmap.
-    Canvas part(4, 2, 8);
+    DeviceCanvas part(4, 2, 8);
     ASSERT_EQ(S_OK, picture.zoom->RenderStretch(part.context, 0, 0, 4, 2, 2, 0, 2, 1));
-    EXPECT_EQ("4455", part.Row(0));
-    EXPECT_EQ("4455", part.Row(1));
+    EXPECT_EQ((Lines{"4455", "4455"}), part.Rows());
     EXPECT_TRUE(Fails(picture.zoom->RenderStretch(part.context, 0, 0, 4, 2, 2, 0, 3, 1),
                       "IPictureEx::RenderStretch: the source rectangle must lie on the image."));
     // Elsewhere neighbours are mixed.
-    Canvas mixed(8, 4);
+    DeviceCanvas mixed(8, 4);
     ASSERT_EQ(S_OK, picture.zoom->Render(mixed.context, 0, 0, 8, 4));
     bool between = false;
     for (LONG x = 0; x < 8; ++x) between = between || mixed.at(x, 0) % 0x101010 != 0;
@@ -142,12 +68,10 @@ TEST(PictureOnDevice, ChoosesPixelsWhereBothHaveEightBits) {
 }
 
 TEST(PictureOnDevice, ShowsThreeBandsInColour) {
-    const Picture picture(NewImage<uint8_t>(3, 2, 3));
-    for (LONG band = 0; band < 3; ++band)
-        for (const auto row : Rows<uint8_t>(picture.image, band))
-            for (LONG x = 0; x < 3; ++x) row[static_cast<size_t>(x)] = static_cast<uint8_t>(50 * band + 10 * x + 5);
+    const auto picture = NewImage<uint8_t>(3, 2, 3);
+    for (LONG band = 0; band < 3; ++band) picture.Fill([&](LONG x, LONG) { return 50 * band + 10 * x + 5; }, band);
     Check(picture.display->put_BandToDisplay(BI_AllBands), picture.display);
-    Canvas canvas(3, 2);
+    DeviceCanvas canvas(3, 2);
     ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 0, 0, 3, 2));
     EXPECT_EQ(0x053769u, canvas.at(0, 0));
     EXPECT_EQ(0x194b7du, canvas.at(2, 1));
@@ -163,8 +87,8 @@ TEST(PictureOnDevice, ShowsThreeBandsInColour) {
 }
 
 TEST(PictureOnDevice, TakesLogicalCoordinatesAndLeavesTheContextAsItWas) {
-    const Picture picture = Small();
-    Canvas canvas(20, 12, 8);
+    const auto picture = PictureOnDevice();
+    DeviceCanvas canvas(20, 12, 8);
     SetMapMode(canvas.context, MM_ANISOTROPIC);
     SetWindowExtEx(canvas.context, 1, 1, nullptr);
     SetViewportExtEx(canvas.context, 2, 2, nullptr);
@@ -172,7 +96,7 @@ TEST(PictureOnDevice, TakesLogicalCoordinatesAndLeavesTheContextAsItWas) {
     SetViewportOrgEx(canvas.context, 3, 1, nullptr);
     SetStretchBltMode(canvas.context, WHITEONBLACK);
     ASSERT_EQ(S_OK, picture.zoom->Render(canvas.context, 0, 1, 4, 2));
-    EXPECT_EQ((Edges{5, 3, 13, 7}), picture.destRect()) << "device coordinates";
+    EXPECT_EQ((Box{5, 3, 13, 7}), DestRectOnDevice(picture)) << "device coordinates";
     EXPECT_EQ("11111111111111111111", canvas.Row(2));
     EXPECT_EQ("11111223344551111111", canvas.Row(3));
     EXPECT_EQ("11111667788991111111", canvas.Row(6));
@@ -184,12 +108,12 @@ TEST(PictureOnDevice, TakesLogicalCoordinatesAndLeavesTheContextAsItWas) {
     GetWindowOrgEx(canvas.context, &origin);
     EXPECT_EQ(-1, origin.x);
 
-    Canvas transformed(16, 8, 8);
+    DeviceCanvas transformed(16, 8, 8);
     SetGraphicsMode(transformed.context, GM_ADVANCED);
     const XFORM twice = {2, 0, 0, 2, 4, 2};
     SetWorldTransform(transformed.context, &twice);
     ASSERT_EQ(S_OK, picture.zoom->Render(transformed.context, 0, 0, 4, 2));
-    EXPECT_EQ((Edges{4, 2, 12, 6}), picture.destRect());
+    EXPECT_EQ((Box{4, 2, 12, 6}), DestRectOnDevice(picture));
     EXPECT_EQ("1111223344551111", transformed.Row(2));
     XFORM after = {};
     GetWorldTransform(transformed.context, &after);
@@ -198,8 +122,8 @@ TEST(PictureOnDevice, TakesLogicalCoordinatesAndLeavesTheContextAsItWas) {
 }
 
 TEST(PictureOnDevice, TakesAContextOrTheAddressOfOneAndNothingElse) {
-    const Picture picture = Small();
-    Canvas canvas(4, 2, 8);
+    const auto picture = PictureOnDevice();
+    DeviceCanvas canvas(4, 2, 8);
     HDC context = canvas.context;
     ASSERT_EQ(S_OK, picture.zoom->Render(&context, 0, 0, 4, 2));
     EXPECT_EQ("2345", canvas.Row(0));
@@ -222,19 +146,19 @@ TEST(PictureOnDevice, TakesAContextOrTheAddressOfOneAndNothingElse) {
     DeleteObject(bitmap);
 
     // The context comes first, then the image, then the destination.
-    const Picture empty(CreateObject<IImageVPAExPlus>("Orlix.Image"));
+    const Image empty;
     EXPECT_TRUE(Fails(empty.zoom->Render(nullptr, 0, 0, 0, 0), kInvalid));
     EXPECT_TRUE(Fails(empty.zoom->Render(context, 0, 0, 0, 0), "IPictureEx::Render: No image."));
     EXPECT_EQ(S_FALSE, picture.zoom->Render(context, 0, 0, 0, 0));
-    for (const LONG edge : {INT32_MIN, INT32_MAX}) {
+    for (const LONG edge : {kLeast, kMost}) {
         picture.zoom->Render(context, edge, edge, edge, edge);  // no particular result, and no harm
         picture.zoom->RenderBlt(context, edge, 0, 10, 10, edge, edge);
     }
 }
 
 TEST(PictureOnDevice, IsPlayedBackFromMetafiles) {
-    const Picture picture = Small();
-    Canvas enhancedCanvas(4, 2, 8);
+    const auto picture = PictureOnDevice();
+    DeviceCanvas enhancedCanvas(4, 2, 8);
     const HDC enhanced = CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
     ASSERT_EQ(S_OK, picture.zoom->Render(enhanced, 0, 0, 4, 2));
     const HENHMETAFILE enhancedFile = CloseEnhMetaFile(enhanced);
@@ -244,92 +168,75 @@ TEST(PictureOnDevice, IsPlayedBackFromMetafiles) {
     const RECT all = {header.rclBounds.left, header.rclBounds.top, header.rclBounds.right, header.rclBounds.bottom};
     SetStretchBltMode(enhancedCanvas.context, COLORONCOLOR);
     EXPECT_TRUE(PlayEnhMetaFile(enhancedCanvas.context, enhancedFile, &all));
-    EXPECT_EQ("2345", enhancedCanvas.Row(0));
-    EXPECT_EQ("6789", enhancedCanvas.Row(1));
+    EXPECT_EQ((Lines{"2345", "6789"}), enhancedCanvas.Rows());
     DeleteEnhMetaFile(enhancedFile);
 
-    Canvas canvas(6, 4, 8);
+    DeviceCanvas canvas(6, 4, 8);
     const HDC old = CreateMetaFileW(nullptr);
     ASSERT_EQ(S_OK, picture.zoom->Render(old, 1, 1, 4, 2));
-    EXPECT_EQ((Edges{1, 1, 5, 3}), picture.destRect());
+    EXPECT_EQ((Box{1, 1, 5, 3}), DestRectOnDevice(picture));
     const HMETAFILE file = CloseMetaFile(old);
     EXPECT_TRUE(PlayMetaFile(canvas.context, file));
-    EXPECT_EQ("111111", canvas.Row(0));
-    EXPECT_EQ("123451", canvas.Row(1));
-    EXPECT_EQ("167891", canvas.Row(2));
+    EXPECT_EQ((Lines{"111111", "123451", "167891", "111111"}), canvas.Rows());
     DeleteMetaFile(file);
 }
 
-// Draws a white square over the picture, where its maps say that pixel (1, 0) lies, and notes what it was given.
-class Overlay final : public IPictureExEvents {
-public:
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        *object = iid == __uuidof(IUnknown) || iid == __uuidof(IPictureExEvents) ? this : nullptr;
-        return *object ? S_OK : E_NOINTERFACE;
+// A client that draws a white square over the picture, where its maps say that pixel (1, 0) lies, and notes what it was
+// given.
+struct Connected {
+    TypedImage<uint8_t> picture = PictureOnDevice();
+    ComPtr<Sink> sink = MakeCounted<Sink>();
+    ComPtr<IConnectionPoint> point = PointOf(picture);
+    DWORD cookie = Get(point, &IConnectionPoint::Advise, sink.get());
+    HDC context = nullptr;
+    DWORD kind = 0;
+    RenderSourceType source = {};
+    std::function<void()> then;  // once
+
+    Connected() {
+        sink->onRender = [this](IPictureEx* on, void* hdc, RenderSourceType type) { Draw(on, hdc, type); };
     }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override { return 2; }  // lives on the test's stack
-    STDMETHODIMP_(ULONG) Release() noexcept override { return 1; }
-    STDMETHODIMP OnRender(IPictureEx* picture, void* hdcDest, RenderSourceType sourceType) noexcept override {
-        ++calls;
-        context = static_cast<HDC>(hdcDest);
+    void Draw(IPictureEx* on, void* hdc, RenderSourceType type) {
+        context = static_cast<HDC>(hdc);
         kind = GetObjectType(context);
-        source = sourceType;
+        source = type;
         TCoordinateMap map = {};
-        picture->get_PixelToDestCoords(&map);
+        on->get_PixelToDestCoords(&map);
         const auto left = static_cast<LONG>(map.OrgX + map.Matrix.A11 * 0.5);
         const auto top = static_cast<LONG>(map.OrgY - map.Matrix.A22 * 0.5);
         const RECT square = {left, top, left + static_cast<LONG>(map.Matrix.A11),
                              top + static_cast<LONG>(map.Matrix.A22)};
         FillRect(context, &square, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
         SetMapMode(context, MM_HIENGLISH);
-        const std::function<void()> then = std::exchange(onRender, {});
-        if (then) then();
-        return E_FAIL;  // of no account
-    }
-    int calls = 0;
-    HDC context = nullptr;
-    DWORD kind = 0;
-    RenderSourceType source = {};
-    std::function<void()> onRender;
-};
-
-struct Connected {
-    Picture picture = Small();
-    Overlay overlay;
-    ComPtr<IConnectionPoint> point;
-    DWORD cookie = 0;
-    Connected() {
-        Check(Cast<IConnectionPointContainer>(picture.image)
-                  ->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
-        Check(point->Advise(&overlay, &cookie));
+        if (const auto call = std::exchange(then, {})) call();
     }
 };
 
 TEST(PictureOnDevice, TellsItsClientsWhichDrawOverIt) {
     Connected connected;
-    const Overlay& overlay = connected.overlay;
-    Canvas canvas(8, 4, 8);
+    const Sink& sink = *connected.sink;
+    DeviceCanvas canvas(8, 4, 8);
     ASSERT_EQ(S_OK, connected.picture.zoom->Render(canvas.context, 0, 0, 8, 4));
-    EXPECT_EQ(1, overlay.calls);
-    EXPECT_EQ(canvas.context, overlay.context);
-    EXPECT_EQ(RST_Memory, overlay.source);
+    EXPECT_EQ(1, sink.calls);
+    EXPECT_EQ(canvas.context, connected.context);
+    EXPECT_EQ(RST_Memory, connected.source);
     EXPECT_EQ("22ff4455", canvas.Row(1));
     EXPECT_EQ(MM_TEXT, GetMapMode(canvas.context));
     const HDC metafile = CreateEnhMetaFileW(nullptr, nullptr, nullptr, nullptr);
     ASSERT_EQ(S_OK, connected.picture.zoom->RenderTopLeft(metafile, 0, 0, 8, 4));
-    EXPECT_EQ(RST_EnhancedMetafile, overlay.source);
-    EXPECT_EQ(metafile, overlay.context);
+    EXPECT_EQ(RST_EnhancedMetafile, connected.source);
+    EXPECT_EQ(metafile, connected.context);
     DeleteEnhMetaFile(CloseEnhMetaFile(metafile));
     const HDC old = CreateMetaFileW(nullptr);
     ASSERT_EQ(S_OK, connected.picture.zoom->RenderStretch(old, 0, 0, 8, 4, 0, 0, 4, 2));
-    EXPECT_EQ(RST_Metafile, overlay.source);
+    EXPECT_EQ(RST_Metafile, connected.source);
     DeleteMetaFile(CloseMetaFile(old));
-    EXPECT_EQ(3, overlay.calls);
+    EXPECT_EQ(3, sink.calls);
     EXPECT_EQ(S_FALSE, connected.picture.zoom->Render(canvas.context, 0, 0, 0, 4));
-    EXPECT_EQ(3, overlay.calls) << "nothing was drawn";
+    EXPECT_EQ(3, sink.calls) << "nothing was drawn";
     Check(connected.point->Unadvise(connected.cookie));
     ASSERT_EQ(S_OK, connected.picture.zoom->Render(canvas.context, 0, 0, 8, 4));
-    EXPECT_EQ(3, overlay.calls);
+    EXPECT_EQ(3, sink.calls);
 }
 
 // The screen's context, which exists without a display too.
@@ -339,37 +246,37 @@ TEST(PictureOnDevice, ADisplayIsDrawnThroughMemoryWhileClientsAreConnected) {
     ASSERT_TRUE(screen);
     ASSERT_EQ(static_cast<DWORD>(OBJ_DC), GetObjectType(screen));
     std::array<uint32_t, 2> seen = {};
-    connected.overlay.onRender = [&] {
-        SetMapMode(connected.overlay.context, MM_TEXT);
-        seen = {GetPixel(connected.overlay.context, 10, 10), GetPixel(connected.overlay.context, 14, 12)};
+    connected.then = [&] {
+        SetMapMode(connected.context, MM_TEXT);
+        seen = {GetPixel(connected.context, 10, 10), GetPixel(connected.context, 14, 12)};
     };
     const HRESULT first = connected.picture.zoom->RenderBlt(screen, 10, 10, 6, 3, 0, 0);
-    EXPECT_TRUE(first == S_OK) << TakeReported().text;
-    EXPECT_EQ(static_cast<DWORD>(OBJ_MEMDC), connected.overlay.kind);
-    EXPECT_NE(screen, connected.overlay.context);
-    EXPECT_EQ(RST_Display, connected.overlay.source);
+    EXPECT_TRUE(first == S_OK) << TakeReportedText();
+    EXPECT_EQ(static_cast<DWORD>(OBJ_MEMDC), connected.kind);
+    EXPECT_NE(screen, connected.context);
+    EXPECT_EQ(RST_Display, connected.source);
     EXPECT_EQ(0x202020u, seen[0]);
     EXPECT_EQ(0u, seen[1]) << "surround";
 
     // Kept while the right and bottom edges stay; rendering again from inside takes another one.
-    const HDC kept = connected.overlay.context;
+    const HDC kept = connected.context;
     EXPECT_EQ(S_OK, connected.picture.zoom->RenderBlt(screen, 2, 1, 14, 12, 0, 0));
-    EXPECT_EQ(kept, connected.overlay.context);
+    EXPECT_EQ(kept, connected.context);
     HDC inner = nullptr;
-    connected.overlay.onRender = [&] {
+    connected.then = [&] {
         connected.picture.zoom->RenderBlt(screen, 0, 0, 5, 5, 0, 0);
-        inner = connected.overlay.context;
+        inner = connected.context;
     };
     EXPECT_EQ(S_OK, connected.picture.zoom->RenderBlt(screen, 2, 1, 14, 12, 0, 0));
     EXPECT_NE(kept, inner);
     // The image goes while it is drawn over.
-    connected.overlay.onRender = [&] { connected.picture.image->Create(9, 9, 3, DT_Float, 1); };
+    connected.then = [&] { connected.picture->Create(9, 9, 3, DT_Float, 1); };
     EXPECT_EQ(S_OK, connected.picture.zoom->RenderBlt(screen, 2, 1, 14, 12, 0, 0));
     // Wholly to the left of the screen: there is nothing to draw through.
-    connected.overlay.calls = 0;
+    connected.sink->calls = 0;
     connected.picture.zoom->Render(screen, -50, -50, 20, 20);
-    EXPECT_EQ(1, connected.overlay.calls);
-    EXPECT_EQ(screen, connected.overlay.context);
+    EXPECT_EQ(1, connected.sink->calls);
+    EXPECT_EQ(screen, connected.context);
     Check(connected.point->Unadvise(connected.cookie));
     EXPECT_EQ(S_OK, connected.picture.zoom->Render(screen, 0, 0, 20, 20));
     ReleaseDC(nullptr, screen);
@@ -378,7 +285,7 @@ TEST(PictureOnDevice, ADisplayIsDrawnThroughMemoryWhileClientsAreConnected) {
 TEST(PictureOnDevice, KeepsNoObjectsOfTheSystem) {
     Connected connected;
     const HDC screen = GetDC(nullptr);
-    Canvas canvas(8, 4);
+    DeviceCanvas canvas(8, 4);
     const auto round = [&](LONG size) {
         connected.picture.zoom->Render(canvas.context, 0, 0, 8, 4);
         connected.picture.zoom->Render(screen, 0, 0, size, size);
@@ -410,7 +317,7 @@ TEST(PictureOnDevice, KeepsTheGraphicsLibraryRunningWhileImagesExist) {
 }
 
 TEST(PictureOnDevice, MakesBitmapsOfItself) {
-    const Picture picture = Small();
+    const auto picture = PictureOnDevice();
     Check(picture.display->put_ColorTable(48, 0x0000ff), picture.display);  // red
     void* bits = nullptr;
     void* section = nullptr;
@@ -428,7 +335,7 @@ TEST(PictureOnDevice, MakesBitmapsOfItself) {
     SelectObject(context, former);
     DeleteObject(section);
 
-    Canvas like(1, 1);
+    DeviceCanvas like(1, 1);
     void* compatible = nullptr;
     ASSERT_EQ(S_OK, picture.zoom->CreateHBITMAP(like.context, &compatible));
     former = SelectObject(context, compatible);
@@ -481,8 +388,8 @@ VARIANT Number(double value) {
 }
 
 TEST(PictureForScripts, HasTheSizeAndTheZoom) {
-    const Picture picture(NewImage<uint8_t>(640, 480));
-    const Script script(picture.image);
+    const auto picture = NewImage<uint8_t>(640, 480);
+    const Script script(picture);
     VARIANT value;
     EXPECT_EQ(S_OK, script.Get(L"width", value));
     EXPECT_EQ(VT_I4, value.vt);
@@ -510,8 +417,8 @@ TEST(PictureForScripts, HasTheSizeAndTheZoom) {
 }
 
 TEST(PictureForScripts, PassesTextsOnAndRefusesWhatIsNotThere) {
-    const Picture picture(NewImage<uint8_t>(640, 480));
-    const Script script(picture.image);
+    const auto picture = NewImage<uint8_t>(640, 480);
+    const Script script(picture);
     EXCEPINFO exception = {};
     EXPECT_EQ(DISP_E_EXCEPTION, script.Put(L"ZoomCenterX", Number(0.4), &exception));
     EXPECT_STREQ(L"IPictureZoom::put_ZoomCenterX: x zoom center must be on the image.", exception.bstrDescription);

@@ -1,10 +1,6 @@
 // Clients that call back in the middle of a call, and let go of the last reference there.
 #include <gmock/gmock.h>
 
-#include <functional>
-#include <limits>
-#include <utility>
-
 #include "contract/support.hpp"
 
 #ifdef _WIN32
@@ -29,6 +25,11 @@ struct Visited {
     ~Visited() {
         if (process) process->put_RegionOfInterest(nullptr);  // the hooks may hold the image
     }
+    void LetGo() {
+        region = nullptr;
+        pixels = nullptr;
+        process = nullptr;
+    }
 };
 
 TEST(ARegionThatCallsBack, ChangesTheSettingsOfTheOperationThatAsksIt) {
@@ -37,9 +38,8 @@ TEST(ARegionThatCallsBack, ChangesTheSettingsOfTheOperationThatAsksIt) {
     ASSERT_EQ(S_OK, image.process->PutLuminanceRange(0, 65535));
     image.region->onRuns = [&] { image.process->put_NumberOfBins(2); };
     ASSERT_EQ(S_OK, image.process->EqualizeTable(ET_Uniform));
+    EXPECT_EQ(65535, Get(image.process, &IImageProcess::get_Table, 1));
     double entry = 0;
-    EXPECT_EQ(S_OK, image.process->get_Table(1, &entry));
-    EXPECT_EQ(65535, entry);
     EXPECT_TRUE(Fails(image.process->get_Table(2, &entry), "IImageProcess::get_Table: Entry is out of range."));
 
     // The table that an operation looks up is the one that was put last.
@@ -111,8 +111,7 @@ TEST(ErrorInformationThatCallsBack, IsNotLetGoOfInTheMiddleOfAnOperation) {
     }
     info.onRelease = nullptr;
     SetErrorInfo(0, nullptr);
-    LONG bins = 0;
-    EXPECT_EQ(S_OK, histogram->get_NumberOfBins(&bins));
+    Get(histogram, &IHistogram::get_NumberOfBins);
 }
 
 TEST(ADyingImage, DoesNothingForARegionThatCallsFromItsLastRelease) {
@@ -132,9 +131,7 @@ TEST(ADyingImage, DoesNothingForARegionThatCallsFromItsLastRelease) {
         EXPECT_TRUE(FailsSilently(process->put_RegionOfInterest(other.get())));
         EXPECT_TRUE(FailsSilently(Cast<IPersistStreamInit>(ComPtr<IImageVPAExPlus>(pixels))->InitNew()));
     };
-    image.region = nullptr;
-    image.pixels = nullptr;
-    image.process = nullptr;
+    image.LetGo();
     EXPECT_EQ(1, calls);
     EXPECT_EQ(1u, ReferencesOf(other.get()));
 }
@@ -143,9 +140,7 @@ TEST(ADyingImage, LivesOnEmptyForAClientThatTakesAReference) {
     Visited image;
     ComPtr<IImageProcess> kept;
     image.region->onLastRelease = [&, process = image.process.get()] { kept = ComPtr<IImageProcess>(process); };
-    image.region = nullptr;
-    image.pixels = nullptr;
-    image.process = nullptr;
+    image.LetGo();
     ASSERT_TRUE(kept);
     EXPECT_TRUE(FailsSilently(kept->Invert()));
     EXPECT_EQ(1u, ReferencesOf(kept.get()));
@@ -165,24 +160,13 @@ TEST(AnImage, LivesUntilItsMethodReturnsWhenARegionLetsGoOfIt) {
     }
 }
 
-// A 16-bit image of 4 x 3 of another component.
-ComPtr<ForeignImage> SourceOf(uint16_t (&samples)[12]) {
-    auto source = MakeCounted<ForeignImage>();
-    source->type = DT_WORD;
-    source->width = 4;
-    source->height = 3;
-    source->base = samples;
-    source->SetOffsets([](LONG x) { return x; }, [](LONG y) { return 4 * y; });
-    return source;
-}
-
 TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
     const Visited image;
     uint16_t samples[12] = {};
-    const auto source = SourceOf(samples);
+    const auto source = ForeignImage::Of(4, 3, DT_WORD, samples);
     int asked = 0;
     source->onVpa = [&] { ++asked; };
-    for (const LONG band : {LONG{1}, std::numeric_limits<LONG>::max(), std::numeric_limits<LONG>::min()}) {
+    for (const LONG band : {LONG{1}, kMost, kLeast}) {
         EXPECT_TRUE(FailsSilently(image.process->PlusEquals(source.get(), band))) << band;
         EXPECT_TRUE(FailsSilently(image.process->Median3x3(source.get(), band))) << band;
         EXPECT_TRUE(FailsSilently(image.pixels->CreateFromImage(source.get(), band))) << band;
@@ -194,7 +178,7 @@ TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
 TEST(ASourceThatCallsBack, MayPutTheSettingsAndReplaceTheImage) {
     const Visited image;
     uint16_t samples[12] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
-    const auto source = SourceOf(samples);
+    const auto source = ForeignImage::Of(4, 3, DT_WORD, samples);
     source->onVpa = [&] { image.process->PutLuminanceRange(0, 5); };
     ASSERT_EQ(S_OK, image.process->Gaussian3x3(source.get(), 0));
     EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(5));
@@ -203,46 +187,19 @@ TEST(ASourceThatCallsBack, MayPutTheSettingsAndReplaceTheImage) {
     EXPECT_THAT(PixelsOf<uint16_t>(image.pixels), Each(0));
 }
 
-// The buffer would be given back in the moment in which it is attached.
-TEST(AttachBuffer, RefusesTheImagesOwnPixels) {
-    for (const LONG type : {DT_BYTE, DT_WORD, DT_Float})
-        for (const ptrdiff_t offset : {ptrdiff_t{0}, ptrdiff_t{64}, ptrdiff_t{4096 - 4}, ptrdiff_t{-4}}) {
-            const auto image = NewImage<uint16_t>(64, 32);
-            void* const own = Rows<uint16_t>(image)[0].data();
-            void* const buffer = static_cast<char*>(own) + offset;
-            EXPECT_TRUE(Fails(
-                image->AttachBuffer(buffer, 16, 1, 1, type, 1),
-                "IImageVPAEx::AttachBuffer: the operator system indicated that buffer has as bad address for reading."))
-                << type << " " << offset;
-            EXPECT_TRUE(Fails(Cast<IImageProcess>(image)->Invert(), "IImageProcess::Invert: no image."));
-            ASSERT_EQ(S_OK, image->Create(4, 1, 1, type, 1));
-            EXPECT_EQ(S_OK, Cast<IImageProcess>(image)->Invert());
-        }
-}
-
-// A sink of pictures that calls back when it is given back.
-class LastSink final : public CountedObject<IPictureExEvents> {
-public:
-    explicit LastSink(std::function<void()> onLastRelease) : onLastRelease_(std::move(onLastRelease)) {}
-    STDMETHODIMP OnRender(IPictureEx*, void*, RenderSourceType) noexcept override { return S_OK; }
-
-private:
-    void LetGo() noexcept override { onLastRelease_(); }
-    std::function<void()> onLastRelease_;
-};
-
 TEST(ADyingImage, TakesNoConnectionFromASinkThatCallsFromItsLastRelease) {
-    auto image = NewImage<uint8_t>(2, 2);
-    ComPtr<IConnectionPoint> point;
-    Check(Cast<IConnectionPointContainer>(image)->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
+    ComPtr<IImageVPAExPlus> image = NewImage<uint8_t>(2, 2);
+    auto point = PointOf(image);
     HRESULT advised = S_OK, processed = S_OK;
-    const auto other = MakeCounted<LastSink>([] {});
+    const auto other = MakeCounted<Sink>();
+    auto sink = MakeCounted<Sink>();
     DWORD cookie = 0;
-    const auto sink = [&, raw = point.get(), process = Cast<IImageProcess>(image).get()] {
+    sink->onLastRelease = [&, raw = point.get(), process = Cast<IImageProcess>(image).get()] {
         advised = raw->Advise(other.get(), &cookie);
         processed = process->Invert();
     };
-    ASSERT_EQ(S_OK, point->Advise(MakeCounted<LastSink>(sink).get(), &cookie));
+    ASSERT_EQ(S_OK, point->Advise(sink.get(), &cookie));
+    sink = nullptr;
     point = nullptr;
     image = nullptr;
     EXPECT_EQ(CONNECT_E_CANNOTCONNECT, advised);
@@ -250,47 +207,19 @@ TEST(ADyingImage, TakesNoConnectionFromASinkThatCallsFromItsLastRelease) {
     EXPECT_EQ(1u, ReferencesOf(other.get()));
 }
 
-// Holds an image, and calls back when somebody takes a reference.
-class CallingOuter final : public CountedObject<IUnknown> {
-public:
-    std::function<void()> onAddRef;
-
-    void Hold() {
-        Check(CoCreateInstance(__uuidof(OrlixImage), this, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), inner_.OutVoid()));
-    }
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-        return iid == __uuidof(IUnknown) ? CountedObject::QueryInterface(iid, object)
-                                         : inner_->QueryInterface(iid, object);
-    }
-    STDMETHODIMP_(ULONG) AddRef() noexcept override {
-        const ULONG references = CountedObject::AddRef();
-        if (const auto call = std::exchange(onAddRef, nullptr)) call();
-        return references;
-    }
-
-private:
-    void LetGo() noexcept override { inner_ = nullptr; }
-    ComPtr<IUnknown> inner_;
-};
-
 TEST(ConnectionPoints, MayBeCalledByTheOuterObjectThatTheyReferTo) {
-    const auto outer = MakeCounted<CallingOuter>();
-    outer->Hold();
+    const auto outer = MakeCounted<Holder>();
+    Check(outer->Hold(__uuidof(OrlixImage)));
     const auto container = outer.As<IConnectionPointContainer>();
-    ComPtr<IConnectionPoint> point;
-    Check(container->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out()));
-    ComPtr<LastSink> sinks[2];
-    for (auto& sink : sinks) {
-        sink = ComPtr<LastSink>::Attach(new LastSink([] {}));
-        DWORD cookie = 0;
-        ASSERT_EQ(S_OK, point->Advise(sink.get(), &cookie));
-    }
+    const auto point = PointOf(container);
+    const ComPtr<Sink> sinks[] = {MakeCounted<Sink>(), MakeCounted<Sink>()};
+    for (const auto& sink : sinks) Get(point, &IConnectionPoint::Advise, sink.get());
     outer->onAddRef = [&] { EXPECT_EQ(S_OK, point->Unadvise(1)); };
     EXPECT_EQ(S_OK, point->Unadvise(2));
     for (const auto& sink : sinks) EXPECT_EQ(1u, ReferencesOf(sink.get()));
 
-    ComPtr<IEnumConnectionPoints> points, clone;
-    Check(container->EnumConnectionPoints(points.Out()));
+    auto points = Get(container, &IConnectionPointContainer::EnumConnectionPoints);
+    ComPtr<IEnumConnectionPoints> clone;
     IEnumConnectionPoints* const raw = points.get();
     outer->onAddRef = [&] { points = nullptr; };
     ASSERT_EQ(S_OK, raw->Clone(clone.Out()));

@@ -1,11 +1,14 @@
 // Shape regions as overlays on a device context.
 
+#include "contract/device_canvas.hpp"
 #include "contract/support.hpp"
 
 namespace orlix::testing {
 namespace {
 
-class Picture final : public IPictureEx {
+using Lines = std::vector<std::string>;
+
+class ForeignPicture final : public IPictureEx {
 public:
     TCoordinateMap toDest = {0, 0, {1, 0, 0, 1}};
     HRESULT result = S_OK;
@@ -38,99 +41,48 @@ public:
 };
 
 #ifdef _WIN32
-// A 32-bit picture in memory to draw on, black at first.
-class Canvas {
-public:
-    Canvas(LONG width, LONG height) : context_(CreateCompatibleDC(nullptr)), width_(width) {
-        BITMAPINFO info = {};
-        info.bmiHeader.biSize = sizeof info.bmiHeader;
-        info.bmiHeader.biWidth = width;
-        info.bmiHeader.biHeight = -height;
-        info.bmiHeader.biPlanes = 1;
-        info.bmiHeader.biBitCount = 32;
-        void* bits = nullptr;
-        bitmap_ = CreateDIBSection(context_, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-        pixels_ = static_cast<uint32_t*>(bits);
-        SelectObject(context_, bitmap_);
-    }
-    ~Canvas() {
-        DeleteDC(context_);
-        DeleteObject(bitmap_);
-    }
-    HDC context() const { return context_; }
-    // One character a pixel: '#' where the red colour is, '.' where nothing is.
-    std::string Row(LONG y) const {
-        GdiFlush();
-        std::string row;
-        for (LONG x = 0; x < width_; ++x) {
-            const uint32_t pixel = pixels_[y * width_ + x] & 0xffffff;
-            row += pixel == 0xff0000 ? '#' : pixel == 0 ? '.' : '?';
-        }
-        return row;
-    }
-
-private:
-    HDC context_;
-    HBITMAP bitmap_;
-    LONG width_;
-    uint32_t* pixels_;
-};
-
 TEST(RegionRender, FillsTheRunsThroughTheViewOfThePicture) {
-    const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
+    const auto region = RectangleOf(6, 6, 1, 1, 3, 3);
     const auto overlay = Cast<IGraphicOverlay>(region);
-    ASSERT_EQ(S_OK, overlay->put_Color(0x000000ff));  // red
-    ASSERT_EQ(S_OK, region->CreateRectangle(6, 6, 1, 1, 3, 3));
-    Picture picture;
-
+    ASSERT_EQ(S_OK, overlay->put_Color(0x00ff0000));  // blue
+    // Shows '1' where nothing was drawn.
+    const auto drawn = [&](PolarityType polarity, const TCoordinateMap& toDest, LONG width, LONG height) {
+        EXPECT_EQ(S_OK, region->put_Polarity(polarity));
+        ForeignPicture picture;
+        picture.toDest = toDest;
+        DeviceCanvas canvas(width, height);
+        EXPECT_EQ(S_OK, overlay->Render(&picture, canvas.context));
+        for (LONG x = 0; x < width; ++x) EXPECT_TRUE(canvas.at(x, 2) == 0x0000ff || canvas.at(x, 2) == 0x111111);
+        return canvas.Rows();
+    };
     // Twice as large: pixel x covers 2 x .. 2 x + 1, its centre lies at 2 x + 1 between them.
-    picture.toDest = {1, 1, {2, 0, 0, 2}};
-    Canvas twice(12, 10);
-    ASSERT_EQ(S_OK, overlay->Render(&picture, twice.context()));
-    EXPECT_EQ("............", twice.Row(1));
-    EXPECT_EQ("..######....", twice.Row(2));
-    EXPECT_EQ("..######....", twice.Row(7));
-    EXPECT_EQ("............", twice.Row(8));
-
-    // Mirrored, frame only.
-    ASSERT_EQ(S_OK, region->put_Polarity(PT_Frame));
-    picture.toDest = {5.5, 0.5, {-1, 0, 0, 1}};
-    Canvas mirrored(6, 6);
-    ASSERT_EQ(S_OK, overlay->Render(&picture, mirrored.context()));
-    EXPECT_EQ("......", mirrored.Row(0));
-    EXPECT_EQ("..###.", mirrored.Row(1));
-    EXPECT_EQ("..#.#.", mirrored.Row(2));
-    EXPECT_EQ("..###.", mirrored.Row(3));
-
+    EXPECT_EQ((Lines{"1111111111", "1111111111", "11ffffff11", "11ffffff11", "11ffffff11", "11ffffff11", "11ffffff11",
+                     "11ffffff11", "1111111111"}),
+              drawn(PT_Inside, {1, 1, {2, 0, 0, 2}}, 10, 9));
+    // Mirrored.
+    EXPECT_EQ((Lines{"111111", "11fff1", "11f1f1", "11fff1", "111111"}),
+              drawn(PT_Frame, {5.5, 0.5, {-1, 0, 0, 1}}, 6, 5));
     // The outside, in the rows of the shape.
-    ASSERT_EQ(S_OK, region->put_Polarity(PT_Outside));
-    picture.toDest = {0.5, 0.5, {1, 0, 0, 1}};
-    Canvas outside(6, 6);
-    ASSERT_EQ(S_OK, overlay->Render(&picture, outside.context()));
-    EXPECT_EQ("......", outside.Row(0));
-    EXPECT_EQ("#...##", outside.Row(1));
-    EXPECT_EQ("#...##", outside.Row(3));
-    EXPECT_EQ("......", outside.Row(4));
+    EXPECT_EQ((Lines{"111111", "f111ff", "f111ff", "f111ff", "111111", "111111"}),
+              drawn(PT_Outside, {0.5, 0.5, {1, 0, 0, 1}}, 6, 6));
 }
 
 TEST(RegionRender, FailsWithThePictureAndRefusesNulls) {
-    const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
-    const auto overlay = Cast<IGraphicOverlay>(region);
-    ASSERT_EQ(S_OK, region->CreateCircle(6, 6, 3, 3, 2));
-    Canvas canvas(4, 4);
-    Picture picture;
+    const auto overlay = Cast<IGraphicOverlay>(CircleOf(6, 6, 3, 3, 2));
+    DeviceCanvas canvas(4, 4);
+    ForeignPicture picture;
     picture.result = E_UNEXPECTED;
-    EXPECT_TRUE(FailsSilently(overlay->Render(&picture, canvas.context())));
-    EXPECT_TRUE(FailsSilently(overlay->Render(nullptr, canvas.context()), E_POINTER));
+    EXPECT_TRUE(FailsSilently(overlay->Render(&picture, canvas.context)));
+    EXPECT_TRUE(FailsSilently(overlay->Render(nullptr, canvas.context), E_POINTER));
     EXPECT_TRUE(FailsSilently(overlay->Render(&picture, nullptr), E_POINTER));
     picture.result = S_OK;
     picture.toDest = {1e300, -1e300, {1e300, 0, 0, 1e300 * 1e300}};
-    overlay->Render(&picture, canvas.context());  // no particular result, and no harm
+    overlay->Render(&picture, canvas.context);  // no particular result, and no harm
 }
 #else
 TEST(RegionRender, NeedsDeviceContexts) {
-    const auto region = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
-    Picture picture;
+    const auto region = NewRegion();
+    ForeignPicture picture;
     EXPECT_EQ(E_FAIL, region->CreateCircle(0, 1, 0, 0, 1));
     EXPECT_TRUE(FailsSilently(Cast<IGraphicOverlay>(region)->Render(&picture, &picture), E_NOTIMPL));
 }

@@ -1,19 +1,12 @@
 // Figures that need no object: orlix/statistics.hpp.
-#include <gtest/gtest.h>
-
 #include <orlix/statistics.hpp>
 
 #include <cmath>
-#include <limits>
-#include <numeric>
-#include <vector>
 
+#include "contract/support.hpp"
+
+namespace orlix::testing {
 namespace {
-
-using namespace orlix;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // z = -1, -1, -1, 3 about the mean 12.
 TEST(RoughnessFigures, AreThoseOfTheStandardsDefinitions) {
@@ -107,3 +100,4 @@ TEST(Dip, IsZeroForOnePeakAndClosedFormsForTwo) {
 }
 
 }  // namespace
+}  // namespace orlix::testing
