@@ -1,7 +1,13 @@
 #include "blobs/level_outline.hpp"
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <limits>
 #include <numbers>
+
+#include "geometry/outline.hpp"
+#include "numerics/elementary.hpp"
 
 namespace orlix {
 namespace {
@@ -56,6 +62,45 @@ double SmoothLength(const std::vector<Point>& path, double xScale, double yScale
     return length + 7 * turn * turn * chords.cubes / 6;
 }
 
+// -180 to 180 degrees as an axis: 0 to 180.
+double HalfTurn(double angle) {
+    if (angle < 0) angle += 180;
+    return angle >= 180 ? angle - 180 : angle;
+}
+
+double AxisAngle(const Point& direction) {
+    return HalfTurn(ArcTangent(direction.y, direction.x) * (180 / std::numbers::pi));
+}
+
+// Rotating calipers (M. I. Shamos, 1978) on the hull.
+void MeasureCalipers(const std::vector<Point>& path, double xScale, double yScale, LevelMeasurements& out) {
+    std::vector<Point> corners;
+    for (const Point& vertex : path) corners.push_back({vertex.x * xScale, vertex.y * yScale});
+    const std::vector<uint32_t> hull = ConvexHull(corners);
+    for (size_t i = 0; i < hull.size(); ++i) corners[i] = path[hull[i]];
+    corners.resize(hull.size());
+    for (Point& corner : corners) corner = {corner.x * xScale, corner.y * yScale};
+    const Diameter longest = DiameterOf(corners);
+    if (longest.length == 0) return;
+    out.feretMaximum = longest.length;
+    out.feretMaximumAngle = AxisAngle(corners[longest.j] - corners[longest.i]);
+    const size_t n = corners.size();
+    if (n < 3) return;
+    out.feretMinimum = std::numeric_limits<double>::infinity();
+    for (size_t i = 0, opposite = 1; i < n; ++i) {
+        const Point &a = corners[i], side = corners[(i + 1) % n] - a;
+        const auto height = [&](size_t k) {
+            const Point reach = corners[k % n] - a;
+            return std::fabs(side.x * reach.y - side.y * reach.x);
+        };
+        while (height(opposite + 1) > height(opposite)) ++opposite;
+        const double width = height(opposite) / Hypotenuse(side.x, side.y);
+        if (width >= out.feretMinimum) continue;
+        out.feretMinimum = width;
+        out.feretMinimumAngle = AxisAngle({-side.y, side.x});
+    }
+}
+
 }  // namespace
 
 LevelMeasurements MeasureLevelOutline(const LevelOutline& outline, double pixelWidth, double pixelHeight) {
@@ -76,8 +121,12 @@ LevelMeasurements MeasureLevelOutline(const LevelOutline& outline, double pixelW
         }
         out.perimeter += SmoothLength(path, pixelWidth, pixelHeight);
     }
+    MeasureCalipers(outline.paths[0], pixelWidth, pixelHeight, out);
     const double area = sums.one / 2;
     out.area = (area + gain) * pixelWidth * pixelHeight;
+    out.equivalentRadius = std::sqrt(std::max(0.0, out.area) / std::numbers::pi);
+    out.circularity = 4 * std::numbers::pi * out.area / (out.perimeter * out.perimeter);
+    out.levelShare = static_cast<double>(outline.interpolated) / static_cast<double>(outline.vertices);
     if (!(area > 0)) {
         out.xCentroid = out.yCentroid = out.xx = out.xy = out.yy = std::numeric_limits<double>::quiet_NaN();
         return out;
@@ -88,6 +137,11 @@ LevelMeasurements MeasureLevelOutline(const LevelOutline& outline, double pixelW
     out.xx = (sums.xx / sums.one - x * x) * pixelWidth * pixelWidth;
     out.xy = (sums.xy / sums.one - x * y) * pixelWidth * pixelHeight;
     out.yy = (sums.yy / sums.one - y * y) * pixelHeight * pixelHeight;
+    const double root = Hypotenuse(out.xx - out.yy, 2 * out.xy), major = (out.xx + out.yy + root) / 2;
+    out.majorAxis = 4 * std::sqrt(major);
+    out.minorAxis = 4 * std::sqrt(std::max(0.0, (out.xx * out.yy - out.xy * out.xy) / major));
+    // The direction (cos 2t, sin 2t) is that of (xx - yy, 2 xy).
+    if (root > 0) out.angle = HalfTurn(ArcTangent(2 * out.xy, out.xx - out.yy) * (90 / std::numbers::pi));
     return out;
 }
 

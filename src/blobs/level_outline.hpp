@@ -86,10 +86,22 @@ LevelOutline LevelOutlineOf(const PixelPaths& paths, int32_t width, int32_t heig
 // discs whose pixels are covered in part, with the level at one half: docs/accuracy.md.
 struct LevelMeasurements {
     double area = 0;
-    double perimeter = 0;  // of the outer path and the holes
-    double xCentroid = 0;  // in pixels; NaN without area
+    double perimeter = 0;         // of the outer path and the holes
+    double equivalentRadius = 0;  // sqrt(area / pi)
+    double circularity = 0;       // 4 pi area / perimeter^2
+    double levelShare = 0;        // interpolated / vertices
+    double xCentroid = 0;         // in pixels; NaN without area
     double yCentroid = 0;
     double xx = 0, xy = 0, yy = 0;  // central second moments over the area; NaN without area
+
+    // The ellipse of these moments: full lengths; 0 without area. Angles are in degrees, from +x towards +y, at least 0
+    // and below 180.
+    double majorAxis = 0, minorAxis = 0, angle = 0;
+
+    // Of the convex hull of the outer path: the largest distance of two vertices and the least width, and the
+    // directions in which they are measured.
+    double feretMaximum = 0, feretMaximumAngle = 0;
+    double feretMinimum = 0, feretMinimumAngle = 0;
 };
 LevelMeasurements MeasureLevelOutline(const LevelOutline& outline, double pixelWidth, double pixelHeight);
 

@@ -129,6 +129,13 @@ TEST(LevelOutline, HasTheAreaAndMomentsOfAnEllipseInTheCalibratedPlane) {
     EXPECT_NEAR(64, measured.yy, 0.01 * 64);
     EXPECT_NEAR(0, measured.xy, 0.3);
     EXPECT_NEAR(28.3, measured.xCentroid, 0.05);
+    EXPECT_NEAR(32, measured.majorAxis, 0.1);
+    EXPECT_NEAR(24, measured.minorAxis, 0.1);
+    EXPECT_NEAR(90, measured.angle, 1);
+    EXPECT_NEAR(32, measured.feretMaximum, 0.1);
+    EXPECT_NEAR(90, measured.feretMaximumAngle, 6);
+    EXPECT_NEAR(24, measured.feretMinimum, 0.1);
+    EXPECT_NEAR(0, std::fabs(std::remainder(measured.feretMinimumAngle, 180)), 6);
 }
 
 }  // namespace
