@@ -97,7 +97,7 @@ class Contract:
                 comment, shared = [], []
             elif kind_of_owner in ("enum", "struct"):
                 declare("member", re.match(r"(\w+)", statement).group(1) if kind_of_owner == "enum"
-                        else re.search(r"(\w+);$", statement).group(1), owner)
+                        else re.search(r"(\w+)(?:\[\d+\])?;$", statement).group(1), owner)
             elif kind_of_owner in ("interface", "dispinterface") and statement.endswith(";"):
                 attributes, name = re.match(r"(?:\[([^\]]*)\] *)?\w+ (\w+)\(", statement).groups()
                 accessor = re.search("propget|propput", attributes or "")

@@ -124,7 +124,7 @@ def record(lines, contract):
     out = comment(contract.find("", name).comment)
     out.append(f"typedef enum {name} : LONG {{" if kind == "enum" else lines[0])
     for line in lines[1:-1]:
-        member = re.search(r"(\w+);$", line) if kind == "struct" else re.search(r"(\w+)", line)
+        member = re.search(r"(\w+)(?:\[\d+\])?;$", line) if kind == "struct" else re.search(r"(\w+)", line)
         out += comment(contract.find(name, member.group(1)).comment, "    ")
         out.append(re.sub(r" (\*+)(?=\w)", r"\1 ", line))
     return out + [lines[-1]]

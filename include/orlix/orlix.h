@@ -71,6 +71,7 @@ struct IImageProcess;
 struct IOrlixImageProcess;
 struct IPolygon;
 struct IStructuringElement;
+struct IBlobs;
 struct IDisplayProcess;
 struct IModuleInformation;
 struct ILineGraphicOverlay;
@@ -83,6 +84,9 @@ struct IHistogramDialog;
 struct IHistogramDialogEvents;
 struct IImageViewDisp;
 struct IImageViewEventsDisp;
+struct IRegionOfInterest;
+struct IStructuringElement;
+struct IBlobs;
 
 // Saves an image to a stream and loads it again.
 // The image also answers the system's IPersistStreamInit (and IPersist), from which this interface derives. A stream
@@ -191,11 +195,110 @@ typedef enum RasterScaling : LONG {
     RS_Nearest = 1
 } RasterScaling;
 
-// Bit flags: what get_GrayMeasurements measures; 3 asks for both.
+// Which neighbours of a pixel are connected with it: 4 (left, right, above, below) or 8 (the diagonal ones as
+// well).
+typedef enum ConnectivityType : LONG {
+    CT_4 = 4,
+    CT_8 = 8
+} ConnectivityType;
+
+// Side of a boundary.
+typedef enum BoundaryType : LONG {
+    BT_Inner = 0,
+    BT_Outer = 1
+} BoundaryType;
+
+// Bit flags: what get_GrayMeasurements (the first two) and IBlobs::MeasureGray measure. SBlobGrayMeasurements says
+// what each stands for.
 typedef enum GrayExtractMeasurementType : LONG {
     GEMT_GrayLocation = 1,
-    GEMT_GrayStatistics = 2
+    GEMT_GrayStatistics = 2,
+    GEMT_GrayRank = 4,
+    GEMT_GrayBoundary = 8,
+    GEMT_GrayVolume = 16
 } GrayExtractMeasurementType;
+
+// Bit flags: what IBlobs::GetBinaryMeasurements measures. SBinaryMeasurements says what each stands for.
+typedef enum BinaryExtractMeasurementType : LONG {
+    BEMT_Size = 1,
+    BEMT_Topology = 2,
+    BEMT_FilledArea = 4,
+    BEMT_Perimeter = 8,
+    BEMT_CroftonPerimeter = 16,
+    BEMT_Hull = 32,
+    BEMT_Feret = 64,
+    BEMT_OrientedBox = 128,
+    BEMT_Ellipse = 256,
+    BEMT_Moments = 512,
+    BEMT_BorderContact = 1024,
+    BEMT_InscribedCircle = 2048,
+    BEMT_EnclosingCircle = 4096,
+    BEMT_All = 8191
+} BinaryExtractMeasurementType;
+
+// A single measurement of a blob.
+// It is the field of this name in SBinaryMeasurements or, from 100 on, in SBlobGrayMeasurements.
+typedef enum SingleMeasurementType : LONG {
+    SMT_Label = 0,
+    SMT_PixelCount = 1,
+    SMT_Area = 2,
+    SMT_EquivalentRadius = 3,
+    SMT_Left = 4,
+    SMT_Top = 5,
+    SMT_Right = 6,
+    SMT_Bottom = 7,
+    SMT_Extent = 8,
+    SMT_XCentroid = 9,
+    SMT_YCentroid = 10,
+    SMT_Holes = 11,
+    SMT_EulerNumber = 12,
+    SMT_FilledArea = 13,
+    SMT_Perimeter = 14,
+    SMT_Circularity = 15,
+    SMT_CroftonPerimeter = 16,
+    SMT_HullArea = 17,
+    SMT_HullPerimeter = 18,
+    SMT_Solidity = 19,
+    SMT_FeretMaximum = 20,
+    SMT_FeretMaximumAngle = 21,
+    SMT_FeretMinimum = 22,
+    SMT_FeretMinimumAngle = 23,
+    SMT_Roundness = 24,
+    SMT_Compactness = 25,
+    SMT_BoxLength = 26,
+    SMT_BoxWidth = 27,
+    SMT_BoxAngle = 28,
+    SMT_MajorAxis = 29,
+    SMT_MinorAxis = 30,
+    SMT_EllipseAngle = 31,
+    SMT_Eccentricity = 32,
+    SMT_AspectRatio = 33,
+    SMT_ImageBorderPixels = 34,
+    SMT_RegionBorderPixels = 35,
+    SMT_InscribedRadius = 36,
+    SMT_EnclosingRadius = 37,
+    SMT_GrayXCentroid = 100,
+    SMT_GrayYCentroid = 101,
+    SMT_GrayMinimum = 102,
+    SMT_GrayMaximum = 103,
+    SMT_GrayAverage = 104,
+    SMT_GrayStandardDeviation = 105,
+    SMT_GraySkewness = 106,
+    SMT_GrayKurtosis = 107,
+    SMT_GrayIntegrated = 108,
+    SMT_GrayMedian = 109,
+    SMT_GrayMode = 110,
+    SMT_GrayBoundaryAverage = 111,
+    SMT_VolumeOverZero = 112,
+    SMT_VolumeOverMinimum = 113,
+    SMT_VolumeOverPlane = 114
+} SingleMeasurementType;
+
+// Outlines of a blob: around the squares of its pixels, or through the centres of its boundary pixels.
+typedef enum OutlineType : LONG {
+    OT_PixelEdges = 0,
+    OT_PixelCenters = 1
+} OutlineType;
 
 // Shapes of the distribution that IImageProcess::EqualizeTable aims at.
 typedef enum EqualizationType : LONG {
@@ -325,6 +428,191 @@ typedef struct SAngledHemisphereFit {
     double m_dAlpha;
     double m_dBeta;
 } SAngledHemisphereFit;
+
+// The shape of a blob, see IBlobs::GetBinaryMeasurements.
+// Two views of a blob occur. As an *area* it is the union of its pixels' squares, with corners half-way between
+// pixel centres; as a *set of points* it is its pixels' centres. sx and sy are the sides of a pixel
+// (PutMicronsPerPixel), N is the number of pixels. docs/accuracy.md has the bias and the scatter of each number.
+//
+// BEMT_Size, which every other group includes:
+//   PixelCount        N
+//   Area              N sx sy
+//   EquivalentRadius  of the disc of this area: sqrt(Area / pi)
+//   Left to Bottom    first and last columns and rows of the pixels
+//   Extent            N / ((Right - Left + 1) (Bottom - Top + 1))
+//   XCentroid, Y...   the mean of the pixel centres, in pixels
+// BEMT_Topology:
+//   Holes             components of the background in the other connectivity that lie in the blob
+//   EulerNumber       1 - Holes
+// BEMT_FilledArea:
+//   FilledArea        the area with all holes and what lies in them
+// BEMT_Perimeter:
+//   Perimeter         of the outer border and the holes: for each of them, with the 8-connected chain through the
+//                     blob's pixels along it, of e straight steps, d diagonal ones and c corners,
+//                     (0.980 e + 1.406 d - 0.091 c) s (Vossepoel and Smeulders 1982), + 2 sqrt(2) s for the outer
+//                     border and - 2 sqrt(2) s for a hole, because the chain runs (sqrt(2) / pi) s inside on
+//                     average (Steiner 1840). s = sqrt(sx sy); NaN where sx and sy differ by more than 1 %.
+//   Circularity       4 pi Area / Perimeter^2: 1 for a disc; CroftonPerimeter stands in for a NaN. Blobs of a few
+//                     pixels may have more than 1.
+// BEMT_CroftonPerimeter:
+//   CroftonPerimeter  of all borders, from the crossings of lines in eight directions (Crofton 1868; Ohser and
+//                     Muecklich 2000): pi times the sum of w_v d_v (N - C_v) over v = (1,0), (0,1), (1,1), (-1,1),
+//                     (2,1), (-2,1), (1,2), (-1,2), where C_v counts the pixels p with p + v in the blob as well,
+//                     d_v is the distance of the lines through pixel centres, and w_v the share of directions
+//                     nearest v
+// BEMT_Hull, of the convex hull of the area:
+//   HullArea, HullPerimeter; Solidity = Area / HullArea, at most 1
+// BEMT_Feret, of the same hull:
+//   FeretMaximum      the largest distance of two corners, the direction from the first (X1, Y1) to the second
+//   FeretMinimum      the least width, and the shortest way across there (rotating calipers: Shamos 1978)
+//   Roundness         4 Area / (pi FeretMaximum^2);  Compactness = sqrt(Roundness) (ISO 9276-6)
+// BEMT_OrientedBox:   the rectangle of least area around the area (Freeman and Shapira 1975; Toussaint 1983): its
+//                     centre, length and width of its sides, direction of the longer ones
+// BEMT_Ellipse, of the ellipse that has the second moments of the area (the pixels' own, sx^2 / 12 and sy^2 / 12,
+// included):
+//   MajorAxis, MinorAxis (full lengths), EllipseAngle (of the major axis; 0 for a circle), Eccentricity =
+//   sqrt(1 - (MinorAxis / MajorAxis)^2), AspectRatio = MajorAxis / MinorAxis
+// BEMT_Moments, of the set of points, each with the weight sx sy; for (p, q) in this order:
+//   RawMoments        sum of (x sx)^p (y sy)^q about pixel (0, 0): 00 10 01 20 11 02 30 21 12 03
+//   CentralMoments    the same about the centroid: 20 11 02 30 21 12 03
+//   NormalizedMoments central / Area^(1 + (p + q) / 2)
+//   HuMoments         the seven invariants of Hu (1962)
+// BEMT_BorderContact, numbers of pixels of the blob:
+//   ImageBorderPixels in the first or last row or column;  RegionBorderPixels next to (left, right, above or below)
+//                     a pixel of the bitmap that the region leaves out
+// BEMT_InscribedCircle: the largest circle in the area about a pixel centre, corner or middle of a side
+// BEMT_EnclosingCircle: the smallest circle around the area (Welzl 1991; Gaertner 1999)
+typedef struct SBinaryMeasurements {
+    LONG m_lSize;
+    LONG m_lLabel;
+    LONG m_lPixelCount;
+    double m_dArea;
+    double m_dEquivalentRadius;
+    LONG m_lLeft;
+    LONG m_lTop;
+    LONG m_lRight;
+    LONG m_lBottom;
+    double m_dExtent;
+    double m_dXCentroid;
+    double m_dYCentroid;
+    LONG m_lHoles;
+    LONG m_lEulerNumber;
+    double m_dFilledArea;
+    double m_dPerimeter;
+    double m_dCircularity;
+    double m_dCroftonPerimeter;
+    double m_dHullArea;
+    double m_dHullPerimeter;
+    double m_dSolidity;
+    double m_dFeretMaximum;
+    double m_dFeretMaximumAngle;
+    double m_dFeretMaximumX1;
+    double m_dFeretMaximumY1;
+    double m_dFeretMaximumX2;
+    double m_dFeretMaximumY2;
+    double m_dFeretMinimum;
+    double m_dFeretMinimumAngle;
+    double m_dFeretMinimumX1;
+    double m_dFeretMinimumY1;
+    double m_dFeretMinimumX2;
+    double m_dFeretMinimumY2;
+    double m_dRoundness;
+    double m_dCompactness;
+    double m_dBoxXCenter;
+    double m_dBoxYCenter;
+    double m_dBoxLength;
+    double m_dBoxWidth;
+    double m_dBoxAngle;
+    double m_dMajorAxis;
+    double m_dMinorAxis;
+    double m_dEllipseAngle;
+    double m_dEccentricity;
+    double m_dAspectRatio;
+    double m_dRawMoments[10];
+    double m_dCentralMoments[7];
+    double m_dNormalizedMoments[7];
+    double m_dHuMoments[7];
+    LONG m_lImageBorderPixels;
+    LONG m_lRegionBorderPixels;
+    double m_dInscribedXCenter;
+    double m_dInscribedYCenter;
+    double m_dInscribedRadius;
+    double m_dEnclosingXCenter;
+    double m_dEnclosingYCenter;
+    double m_dEnclosingRadius;
+} SBinaryMeasurements;
+
+// The grey values of a blob, see IBlobs::MeasureGray. N pixels with the grey values g.
+// GEMT_GrayLocation:
+//   XCentroid, Y...   sum of x g / sum of g, in pixels; NaN where the sum of g is 0
+// GEMT_GrayStatistics:
+//   Minimum, Maximum; Integrated = sum of g; Average = Integrated / N
+//   StandardDeviation s = sqrt(sum of (g - Average)^2 / N)
+//   Skewness          sum of (g - Average)^3 / (N s^3);  Kurtosis = sum of (g - Average)^4 / (N s^4), 3 for a
+//                     normal distribution; both NaN where s is 0
+// GEMT_GrayRank:
+//   Median            the middle value, the mean of the two middle ones for an even N
+//   Mode              the most frequent value, the smallest of equals
+// GEMT_GrayBoundary:
+//   BoundaryAverage   the mean over the pixels of the inner boundary: those with a neighbour left, right, above or
+//                     below that is not in the blob (outside the image counts as not in it)
+// GEMT_GrayVolume, each times the area of a pixel:
+//   VolumeOverZero    sum of g;  VolumeOverMinimum = sum of (g - Minimum)
+//   VolumeOverPlane   sum of (g - plane), with the plane fitted by least squares to the surroundings: the pixels
+//                     within 2 rows and columns of the blob that are in no blob. NaN where they do not determine
+//                     one.
+// A NaN pixel makes all values of its blob but the counts NaN.
+typedef struct SBlobGrayMeasurements {
+    LONG m_lSize;
+    LONG m_lLabel;
+    double m_dGrayXCentroid;
+    double m_dGrayYCentroid;
+    double m_dGrayMinimum;
+    double m_dGrayMaximum;
+    double m_dGrayAverage;
+    double m_dGrayStandardDeviation;
+    double m_dGraySkewness;
+    double m_dGrayKurtosis;
+    double m_dGrayIntegrated;
+    double m_dGrayMedian;
+    double m_dGrayMode;
+    double m_dGrayBoundaryAverage;
+    double m_dVolumeOverZero;
+    double m_dVolumeOverMinimum;
+    double m_dVolumeOverPlane;
+} SBlobGrayMeasurements;
+
+// The outline of a blob at a grey level, finer than its pixels, see IBlobs::GetLevelMeasurements.
+// All of the polygon that get_LevelOutline describes, except for the gains in area and perimeter.
+//   Area              the polygon's, with what its chords and the averaging of each pixel over its square cost: pi
+//                     S / (6 P) + 0.47 square pixels for the outer outline, less as much for each hole, where S is
+//                     the sum of the cubes of an outline's chords and P that of the chords
+//   Perimeter         of all outlines: the length along the means (1 2 1) / 4 of neighbouring vertices, which lie
+//                     up to 0.05 pixels on either side of the contour, and 7 pi^2 S / (6 P^2) that these cost
+//   EquivalentRadius  sqrt(Area / pi);  Circularity = 4 pi Area / Perimeter^2
+//   XCentroid, Y...   of the area inside the polygon, in pixels
+//   MajorAxis, MinorAxis, EllipseAngle: of the ellipse that has its second moments
+//   FeretMaximum, FeretMinimum and their angles: of its convex hull
+//   LevelShare        the share of vertices that the grey level determines. Near 0, the outline is that of the
+//                     bitmap, and these figures are no better than those of the pixels.
+typedef struct SLevelMeasurements {
+    LONG m_lSize;
+    LONG m_lLabel;
+    double m_dArea;
+    double m_dPerimeter;
+    double m_dEquivalentRadius;
+    double m_dCircularity;
+    double m_dXCentroid;
+    double m_dYCentroid;
+    double m_dMajorAxis;
+    double m_dMinorAxis;
+    double m_dEllipseAngle;
+    double m_dFeretMaximum;
+    double m_dFeretMaximumAngle;
+    double m_dFeretMinimum;
+    double m_dFeretMinimumAngle;
+    double m_dLevelShare;
+} SLevelMeasurements;
 
 // A vertex of a polygon; x is the column, y the row.
 typedef struct SVertice {
@@ -785,13 +1073,200 @@ DEFINE_GUID(IID_IBitmap, 0xae6999a0, 0xd64b, 0x4593, 0x9d,0x8d, 0xfa,0x91,0x4c,0
 __CRT_UUID_DECL(IBitmap, 0xae6999a0, 0xd64b, 0x4593, 0x9d,0x8d, 0xfa,0x91,0x4c,0xd4,0xfa,0x65)
 #endif
 
-// Write access to the rows of a bitmap.
+// Changes a bitmap in place: write access to its rows, binary morphology, and the way to its blobs.
+// Rules of all methods from RegionOfInterest on:
+//  (1) Region. An operation is computed on the whole bitmap, then the pixels of the region of interest take its
+//      result and all others stay. Neighbours outside the region are therefore read as they are.
+//  (2) Border. Pixels outside the bitmap do not take part: an erosion never removes a pixel because of them, a
+//      dilation never adds one, so opening and closing are idempotent and a closing removes nothing. Neighbourhood
+//      tables and thinning see background there. Background that touches the edge of the bitmap is
+//      connected to the outside and is no hole.
+//  (3) Connectivity of the foreground. The background has the other one. A value other than CT_4 and CT_8 gives
+//      E_INVALIDARG.
+//  (4) Bits beyond the width are neither read nor kept.
+//  (5) A bitmap without pixels gives S_FALSE, and outputs are 0 or null.
+//  (6) A second bitmap may be any component's, or this object itself; it is read through its record and must have
+//      the same size: "IBitmapProcess::AndEquals: the bitmaps have different sizes.", under the method's own name.
+//      E_FAIL without a text for a record that CreateFromBitmap would refuse. A failure of the bitmap or the region
+//      is passed on. Both are asked before anything changes; if they change this bitmap's size meanwhile, E_FAIL.
+//  (7) A failed call changes nothing.
 MIDL_INTERFACE("467413e9-0f32-4fe5-a3f4-da7a3a33cf7a") IBitmapProcess : public IBitmap {
     // The bytes of a row, for writing: like GetRowPtr, but marks the row as modified.
     virtual HRESULT STDMETHODCALLTYPE GetWriteRowPtr(LONG Row, unsigned char** hRow) = 0;
 
     // The byte that holds a pixel, for writing: like GetPixelPtr, but marks the row as modified.
     virtual HRESULT STDMETHODCALLTYPE GetWritePixelPtr(LONG X, LONG Y, unsigned char** hRow, unsigned char* Mask) = 0;
+
+    // The region of interest, as a new reference; null stands for the whole bitmap.
+    virtual HRESULT STDMETHODCALLTYPE get_RegionOfInterest(IRegionOfInterest** hVal) = 0;
+
+    // Sets the region of interest; null stands for the whole bitmap.
+    // A region made for another size is clipped to the bitmap. It survives every creation.
+    virtual HRESULT STDMETHODCALLTYPE put_RegionOfInterest(IRegionOfInterest* newVal) = 0;
+
+    // Number of foreground pixels of the region.
+    // "IBitmapProcess::get_PixelCount: more than 2147483647 pixels."
+    virtual HRESULT STDMETHODCALLTYPE get_PixelCount(LONG* hVal) = 0;
+
+    // Exchanges foreground and background.
+    virtual HRESULT STDMETHODCALLTYPE Invert() = 0;
+
+    // Keeps the pixels that are set in the other bitmap too.
+    virtual HRESULT STDMETHODCALLTYPE AndEquals(IBitmap* Bitmap) = 0;
+
+    // Sets the pixels that are set in the other bitmap.
+    virtual HRESULT STDMETHODCALLTYPE OrEquals(IBitmap* Bitmap) = 0;
+
+    // Inverts the pixels that are set in the other bitmap.
+    virtual HRESULT STDMETHODCALLTYPE XorEquals(IBitmap* Bitmap) = 0;
+
+    // Clears the pixels that are set in the other bitmap.
+    virtual HRESULT STDMETHODCALLTYPE AndNotEquals(IBitmap* Bitmap) = 0;
+
+    // Moves the picture X columns to the right and Y rows down.
+    // Vacated pixels are background; what leaves the bitmap is lost.
+    virtual HRESULT STDMETHODCALLTYPE ShiftEquals(LONG X, LONG Y) = 0;
+
+    // Erosion with the pixel and its 4 or 8 neighbours, Times times.
+    // A pixel stays when all of them are set. Times below 1 changes nothing, here and in the next three methods;
+    // Open and Close apply the first step Times times, then the second Times times.
+    virtual HRESULT STDMETHODCALLTYPE Erode(ConnectivityType Connectivity, LONG Times) = 0;
+
+    // Dilation with the pixel and its 4 or 8 neighbours, Times times.
+    // A pixel is set when any of them is.
+    virtual HRESULT STDMETHODCALLTYPE Dilate(ConnectivityType Connectivity, LONG Times) = 0;
+
+    // Opening: erosions, then as many dilations.
+    virtual HRESULT STDMETHODCALLTYPE Open(ConnectivityType Connectivity, LONG Times) = 0;
+
+    // Closing: dilations, then as many erosions.
+    virtual HRESULT STDMETHODCALLTYPE Close(ConnectivityType Connectivity, LONG Times) = 0;
+
+    // Erosion with a rectangle of pixels.
+    // The window of pixel (x, y) has the columns x - (Width - 1) / 2 to x + Width / 2 (integer division), and its
+    // rows likewise. The time does not depend on the size.
+    //   "IBitmapProcess::ErodeRectangle: width and height must be positive." (the others under their own names)
+    virtual HRESULT STDMETHODCALLTYPE ErodeRectangle(LONG Width, LONG Height) = 0;
+
+    // Dilation with a rectangle, reflected: columns x - Width / 2 to x + (Width - 1) / 2, rows likewise.
+    virtual HRESULT STDMETHODCALLTYPE DilateRectangle(LONG Width, LONG Height) = 0;
+
+    // Opening with a rectangle: the union of all Width x Height rectangles that fit into the foreground.
+    virtual HRESULT STDMETHODCALLTYPE OpenRectangle(LONG Width, LONG Height) = 0;
+
+    // Closing with a rectangle: the dual of the opening.
+    virtual HRESULT STDMETHODCALLTYPE CloseRectangle(LONG Width, LONG Height) = 0;
+
+    // Erosion with a disk: a pixel stays when no background pixel centre lies within Radius of its own.
+    // The disk has the pixels of IStructuringElement::CreateDisk, and for radii below 1 its centre only.
+    //   "IBitmapProcess::ErodeDisk: the radius cannot be negative." (NaN too; the others under their own names)
+    virtual HRESULT STDMETHODCALLTYPE ErodeDisk(double Radius) = 0;
+
+    // Dilation with a disk.
+    virtual HRESULT STDMETHODCALLTYPE DilateDisk(double Radius) = 0;
+
+    // Opening with a disk: the union of all disks that fit into the foreground.
+    virtual HRESULT STDMETHODCALLTYPE OpenDisk(double Radius) = 0;
+
+    // Closing with a disk.
+    virtual HRESULT STDMETHODCALLTYPE CloseDisk(double Radius) = 0;
+
+    // Erosion with any structuring element: p stays when p + b is set for all its pixels b.
+    // The element may be another component's; its pixels are read once. Duplicates count once.
+    //   "IBitmapProcess::ErodeElement: the structuring element is empty." (the others under their own names)
+    //   "... the structuring element has too many runs for a bitmap of this size." beyond some seconds of work
+    virtual HRESULT STDMETHODCALLTYPE ErodeElement(IStructuringElement* Element) = 0;
+
+    // Dilation with any structuring element: p is set when p - b is set for one of its pixels b.
+    virtual HRESULT STDMETHODCALLTYPE DilateElement(IStructuringElement* Element) = 0;
+
+    // Opening with any structuring element.
+    virtual HRESULT STDMETHODCALLTYPE OpenElement(IStructuringElement* Element) = 0;
+
+    // Closing with any structuring element.
+    virtual HRESULT STDMETHODCALLTYPE CloseElement(IStructuringElement* Element) = 0;
+
+    // Replaces each pixel by the entry of a table for its 3x3 neighbourhood.
+    // The table has 512 bytes; any value but 0 sets the pixel. The index is 256 NW + 128 N + 64 NE + 32 W + 16 C +
+    // 8 E + 4 SW + 2 S + SE, with 1 for a set pixel. All pixels are replaced at once, Times times or until nothing
+    // changes. Passes is the number of times that changed something (Times for a bitmap that goes back and forth).
+    // "IBitmapProcess::ApplyTable: too many passes for a bitmap of this size." after some seconds without coming to
+    // rest
+    virtual HRESULT STDMETHODCALLTYPE ApplyTable(unsigned char* Table, LONG Times, LONG* Passes) = 0;
+
+    // Sets the pixels p for which p + b is set for all b of Hit and clear for all b of Miss (Serra 1982).
+    // Either element may be null or empty, but not both: "IBitmapProcess::HitOrMiss: no structuring element."
+    // Pixels outside the bitmap fit both.
+    virtual HRESULT STDMETHODCALLTYPE HitOrMiss(IStructuringElement* Hit, IStructuringElement* Miss) = 0;
+
+    // The boundary of the foreground.
+    // BT_Inner: foreground pixels with a background pixel among their 4 or 8 neighbours. BT_Outer: background
+    // pixels with a foreground pixel among them. Other values: E_INVALIDARG.
+    virtual HRESULT STDMETHODCALLTYPE Boundary(BoundaryType Side, ConnectivityType Connectivity) = 0;
+
+    // Thins the foreground Times times; components and holes stay.
+    // A pixel is simple when its removal changes neither the components of the foreground nor those of the
+    // background in its 3x3 neighbourhood (Yokoi, Toriwaki and Fukumura 1975), and an end when it has exactly one
+    // neighbour. A pass removes, in turn for the directions north, south, west and east, the simple pixels that are
+    // no ends and have background there (Rosenfeld 1975).
+    virtual HRESULT STDMETHODCALLTYPE Thin(ConnectivityType Connectivity, LONG Times) = 0;
+
+    // The skeleton: lines one pixel wide, with the components and holes of the foreground.
+    // Thin until nothing changes; then the simple pixels that are no ends go one by one in raster order.
+    virtual HRESULT STDMETHODCALLTYPE Skeleton(ConnectivityType Connectivity) = 0;
+
+    // Removes the end branches of a skeleton that have at most Length pixels, the shortest first.
+    // A branch runs from an end to a junction, a pixel with three neighbours or more, which stays. What has no
+    // junction stays whole, and so does the longest line of a component.
+    virtual HRESULT STDMETHODCALLTYPE Prune(ConnectivityType Connectivity, LONG Length) = 0;
+
+    // Thickens the foreground Times times without joining components or closing holes.
+    // Thins the background; a dividing line as thin as its connectivity allows remains between components.
+    virtual HRESULT STDMETHODCALLTYPE Thicken(ConnectivityType Connectivity, LONG Times) = 0;
+
+    // Replaces each component by its convex hull: the pixels whose centres lie in the hull of its pixel centres.
+    virtual HRESULT STDMETHODCALLTYPE ConvexHulls(ConnectivityType Connectivity) = 0;
+
+    // Keeps the ultimate points: the regional maxima of the distance to the background.
+    // A regional maximum is a connected set of foreground pixels of equal Euclidean distance, none of whose
+    // neighbours has a larger one. Without any background: nothing is left.
+    virtual HRESULT STDMETHODCALLTYPE UltimatePoints(ConnectivityType Connectivity) = 0;
+
+    // Keeps the components that hold at least one set pixel of the other bitmap.
+    virtual HRESULT STDMETHODCALLTYPE Reconstruct(IBitmap* Seeds, ConnectivityType Connectivity) = 0;
+
+    // Fills holes of at most MaximumArea pixels; 0 stands for all.
+    // A hole is a component of the background that is not connected to the outside (rule 2). Its area does not
+    // count the components that lie in it.
+    //   "IBitmapProcess::FillHoles: the area cannot be negative."
+    virtual HRESULT STDMETHODCALLTYPE FillHoles(LONG MaximumArea, ConnectivityType Connectivity) = 0;
+
+    // Removes the components that touch the edge of the bitmap.
+    virtual HRESULT STDMETHODCALLTYPE ClearBorder(ConnectivityType Connectivity) = 0;
+
+    // Keeps the components of MinimumArea to MaximumArea pixels, both included.
+    // (1, 2^31 - 1) keeps all; a range that is empty keeps none.
+    virtual HRESULT STDMETHODCALLTYPE KeepArea(LONG MinimumArea, LONG MaximumArea, ConnectivityType Connectivity) = 0;
+
+    // Separates touching blobs along the watersheds of the distance to the background (Meyer 1994, Soille 2003).
+    // A part whose largest inscribed circle has the radius r becomes one of its own where every way to a wider part
+    // passes a place with a distance below (1 - MinimumShare) r - MinimumDepth. MinimumDepth, in pixels, suppresses
+    // the roughness of outlines; MinimumShare, 0 to 1, what grows with the size. Both 0: one part for each regional
+    // maximum of the distance. Pixels are flooded from these maxima in order of distance, first in raster order;
+    // the lines where floods meet become background.
+    //   "IBitmapProcess::Split: the depth cannot be negative." (NaN too)
+    //   "IBitmapProcess::Split: the share must lie between 0 and 1."
+    virtual HRESULT STDMETHODCALLTYPE Split(double MinimumDepth, double MinimumShare,
+        ConnectivityType Connectivity) = 0;
+
+    // A new image of the distances to the background (DT_Float).
+    // A foreground pixel has the Euclidean distance between its centre and that of the nearest background pixel of
+    // the bitmap, as the nearest float; infinite without background. Background has 0. The region does not count.
+    virtual HRESULT STDMETHODCALLTYPE get_DistanceMap(IImageVPA** hVal) = 0;
+
+    // The connected components of the foreground in the region, as an object of their own (IBlobs).
+    // Pixels outside the region are background. The blobs do not change when the bitmap does.
+    virtual HRESULT STDMETHODCALLTYPE FindBlobs(ConnectivityType Connectivity, IBlobs** hVal) = 0;
 };
 DEFINE_GUID(IID_IBitmapProcess, 0x467413e9, 0x0f32, 0x4fe5, 0xa3,0xf4, 0xda,0x7a,0x3a,0x33,0xcf,0x7a);
 #ifdef __CRT_UUID_DECL
@@ -1664,6 +2139,123 @@ MIDL_INTERFACE("af4cb52c-e250-4e41-9531-1624e7e2cba1") IStructuringElement : pub
 DEFINE_GUID(IID_IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1);
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IStructuringElement, 0xaf4cb52c, 0xe250, 0x4e41, 0x95,0x31, 0x16,0x24,0xe7,0xe2,0xcb,0xa1)
+#endif
+
+// What a threshold found: the connected components of a bitmap's foreground, their shapes, positions and grey
+// values. Made by IBitmapProcess::FindBlobs. The object keeps the runs of its own and does not change when the
+// bitmap does. Each blob has
+//   an index   its place in this object, 0 to Count - 1; what the methods take
+//   a label    its number in the bitmap, from 0, in raster order of the first pixel (topmost row, then leftmost
+//              column); it stays when blobs are selected or sorted
+// Rules:
+//  (1) Select and Sort make new objects; this one stays as it is.
+//  (2) Only what is asked for is computed.
+//  (3) Positions and boxes are in pixels. Lengths, areas and angles are measured in the calibrated plane: x and y
+//      in units of the pixel size (PutMicronsPerPixel), so in pixels as long as none is put. Angles run from +x
+//      towards +y.
+//  (4) An index outside 0 to Count - 1 gives "IBlobs::get_Label: index is out of range", under the method's own
+//      name; outputs are 0 or null.
+//  (5) A pixel is a unit square about its centre. "Edge" outlines run around these squares, "centre" outlines
+//      through the centres.
+MIDL_INTERFACE("3ceaaf30-8142-48ea-91d9-3080f9b439fc") IBlobs : public IUnknown {
+    // Number of blobs.
+    virtual HRESULT STDMETHODCALLTYPE get_Count(LONG* hVal) = 0;
+
+    // Width of the bitmap.
+    virtual HRESULT STDMETHODCALLTYPE get_Width(LONG* hVal) = 0;
+
+    // Height of the bitmap.
+    virtual HRESULT STDMETHODCALLTYPE get_Height(LONG* hVal) = 0;
+
+    // Connectivity of these blobs.
+    virtual HRESULT STDMETHODCALLTYPE get_Connectivity(ConnectivityType* hVal) = 0;
+
+    // The size of a pixel; 1 and 1 until it is put.
+    virtual HRESULT STDMETHODCALLTYPE GetMicronsPerPixel(double* X, double* Y) = 0;
+
+    // Sets the size of a pixel, for measurements from now on.
+    // Objects selected or sorted from this one take it over. "IBlobs::PutMicronsPerPixel: the pixel size must be
+    // positive." (infinity and NaN too)
+    virtual HRESULT STDMETHODCALLTYPE PutMicronsPerPixel(double X, double Y) = 0;
+
+    // The label of a blob.
+    virtual HRESULT STDMETHODCALLTYPE get_Label(LONG Index, LONG* hVal) = 0;
+
+    // The label of the hole in which a blob lies, and of a hole the label of its blob.
+    // -1 for a blob that lies in no hole.
+    virtual HRESULT STDMETHODCALLTYPE get_Parent(LONG Index, LONG* hVal) = 0;
+
+    // The holes of these blobs, as blobs of their own, in raster order.
+    // A hole is a component of the background in the other connectivity that is not connected to the outside of the
+    // bitmap or the region. It does not include the blobs that lie in it.
+    virtual HRESULT STDMETHODCALLTYPE get_Holes(IBlobs** hVal) = 0;
+
+    // Shapes of the blobs First to First + Count - 1; only the groups asked for are written.
+    // Desired is a sum of BinaryExtractMeasurementType. m_lSize of each record belongs to the caller; m_lLabel is
+    // always written. An array of Count records; it stays as it is after a failure.
+    //   "IBlobs::GetBinaryMeasurements: index is out of range" when a blob does not exist
+    virtual HRESULT STDMETHODCALLTYPE GetBinaryMeasurements(LONG Desired, LONG First, LONG Count,
+        SBinaryMeasurements* Measure) = 0;
+
+    // Measures the grey values of an image inside all blobs, in one pass.
+    // Any image of the bitmap's size. Desired is a sum of GrayExtractMeasurementType. The values stay with the
+    // object, and what is selected or sorted from it, for GetGrayMeasurements, GetValues, Select and Sort, until
+    // another image is measured. What was not asked for is NaN.
+    //   "IBlobs::MeasureGray: multiband measurement is not supported." (BI_AllBands with several bands)
+    //   "IBlobs::MeasureGray: the image has another size." / "IBlobs::MeasureGray: no source image."
+    virtual HRESULT STDMETHODCALLTYPE MeasureGray(IImageVPA* Image, LONG BandIndex, LONG Desired) = 0;
+
+    // Grey values of the blobs First to First + Count - 1, as MeasureGray found them.
+    //   "IBlobs::GetGrayMeasurements: no image has been measured."
+    virtual HRESULT STDMETHODCALLTYPE GetGrayMeasurements(LONG First, LONG Count, SBlobGrayMeasurements* Measure) = 0;
+
+    // One measurement of the blobs First to First + Count - 1.
+    virtual HRESULT STDMETHODCALLTYPE GetValues(SingleMeasurementType Type, LONG First, LONG Count, double* Values) = 0;
+
+    // The blobs whose measurement lies between two values, both included, in the same order.
+    // NaN is in no range. "IBlobs::Select: Lower cannot be larger than Upper." (also when a bound is NaN)
+    virtual HRESULT STDMETHODCALLTYPE Select(SingleMeasurementType Type, double Lower, double Upper, IBlobs** hVal) = 0;
+
+    // The blobs sorted by a measurement, upwards or, with Descending != 0, downwards.
+    // Stable: equal values keep their order. NaN comes last.
+    virtual HRESULT STDMETHODCALLTYPE Sort(SingleMeasurementType Type, LONG Descending, IBlobs** hVal) = 0;
+
+    // A new bitmap of these blobs, of the size of the bitmap in which they were found.
+    virtual HRESULT STDMETHODCALLTYPE get_Bitmap(IBitmap** hVal) = 0;
+
+    // A new image (DT_DWORD) in which the pixels of each blob hold index + 1 and all others 0.
+    virtual HRESULT STDMETHODCALLTYPE get_LabelImage(IImageVPA** hVal) = 0;
+
+    // A blob as region of interest, so that everything else measures inside it.
+    virtual HRESULT STDMETHODCALLTYPE get_Region(LONG Index, IRegionOfInterest** hVal) = 0;
+
+    // The outline of a blob.
+    // OT_PixelEdges: around its pixels, corners at half coordinates, no two edges in one line. OT_PixelCenters:
+    // through the centres of its boundary pixels, from each to the next in the blob's connectivity; a line one
+    // pixel wide is followed there and back. Hole -1 is the outer outline, 0 to the number of holes - 1 the outline
+    // of a hole, in raster order. Outer outlines run clockwise on the screen, those of holes the other way, from
+    // the first pixel in raster order on.
+    //   "IBlobs::get_Outline: hole is out of range"; other types: E_INVALIDARG
+    virtual HRESULT STDMETHODCALLTYPE get_Outline(LONG Index, OutlineType Type, LONG Hole, IPolygon** hVal) = 0;
+
+    // The outline of a blob at a grey level: finer than its pixels.
+    // Marching squares (Lorensen and Cline 1987) in the plane: between each pixel p of the blob and each neighbour
+    // q, left, right, above or below, that is not in it, the outline has a vertex where linear interpolation of the
+    // grey levels gives Level, at p + t (q - p) with t = (Level - g(p)) / (g(q) - g(p)). t is 1/2, the edge of the
+    // pixel, where the level does not lie between the two and at the edge of the image. Where four pixels meet of
+    // which two diagonal ones are in the blob, the outline passes as the blobs' connectivity says. For a threshold
+    // between the grey levels k and k + 1, Level is k + 0.5. Hole as for get_Outline.
+    //   "IBlobs::get_LevelOutline: hole is out of range", and the texts of MeasureGray under this name
+    virtual HRESULT STDMETHODCALLTYPE get_LevelOutline(LONG Index, IImageVPA* Image, LONG BandIndex, double Level,
+        LONG Hole, IPolygon** hVal) = 0;
+
+    // Figures of these outlines, for the blobs First to First + Count - 1.
+    virtual HRESULT STDMETHODCALLTYPE GetLevelMeasurements(IImageVPA* Image, LONG BandIndex, double Level, LONG First,
+        LONG Count, SLevelMeasurements* Measure) = 0;
+};
+DEFINE_GUID(IID_IBlobs, 0x3ceaaf30, 0x8142, 0x48ea, 0x91,0xd9, 0x30,0x80,0xf9,0xb4,0x39,0xfc);
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IBlobs, 0x3ceaaf30, 0x8142, 0x48ea, 0x91,0xd9, 0x30,0x80,0xf9,0xb4,0x39,0xfc)
 #endif
 
 // How an image is shown: display range, colour table and band.

@@ -5,6 +5,9 @@
 #include <cstring>
 #include <new>
 
+#include "component/failure.hpp"
+#include "platform/memory_probe.hpp"
+
 namespace orlix {
 namespace {
 
@@ -26,6 +29,20 @@ bool Overlap(const BitRows& a, const BitRows& b) {
         return reinterpret_cast<uintptr_t>(rows.row(rows.height - 1)) + rows.usedBytes();
     };
     return begin(a) < end(b) && begin(b) < end(a);
+}
+
+BitRows ReadableRows(const BITMAP& record) {
+    const BitRows rows = {static_cast<const uint8_t*>(record.bmBits), record.bmWidthBytes, record.bmWidth,
+                          record.bmHeight};
+    if (!rows.first || record.bmPlanes != 1 || record.bmBitsPixel != 1 || record.bmWidthBytes < 0 ||
+        static_cast<size_t>(rows.rowBytes) < rows.usedBytes())
+        throw FailedResult(E_FAIL);
+    // Of the last row, the padding that a row of ours has too.
+    const auto lastRow = std::min<uint64_t>(static_cast<uint64_t>(rows.rowBytes),
+                                            static_cast<uint64_t>(BitmapStore::RowBytes(rows.width)));
+    const uint64_t span = static_cast<uint64_t>(rows.rowBytes) * static_cast<uint64_t>(rows.height - 1) + lastRow;
+    if (span > SIZE_MAX || !IsReadable(rows.first, static_cast<size_t>(span))) throw FailedResult(E_FAIL);
+    return rows;
 }
 
 uint64_t LoadWord(const uint8_t* row, size_t i, size_t bytes) {

@@ -29,6 +29,10 @@ BitRows RowsOf(const BitmapStore& store);
 // Whether two views share memory without being the same rows.
 bool Overlap(const BitRows& a, const BitRows& b);
 
+// The rows that a record with pixels (sizes of at least 1) describes. FailedResult(E_FAIL) when it has no bits, bits
+// that cannot be read, not one bit a pixel, or rows too short for its width.
+BitRows ReadableRows(const BITMAP& record);
+
 // A binary image in words: pixel x is bit 63 - x mod 64 of word x / 64 of its row, so that a shift to the right moves
 // pixels to the right. Bits beyond the width are 0; who writes words keeps them so (lastWordMask).
 class BitPlane {

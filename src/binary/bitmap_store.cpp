@@ -6,8 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "binary/bit_plane.hpp"
 #include "component/failure.hpp"
-#include "platform/memory_probe.hpp"
 
 namespace orlix {
 namespace {
@@ -45,19 +45,12 @@ void BitmapStore::Create(int32_t width, int32_t height, bool zero) {
 
 void BitmapStore::CopyFrom(const BITMAP& source) {
     RequireSize(source.bmWidth, source.bmHeight);
-    const int32_t needed = source.bmWidth / 8 + (source.bmWidth % 8 != 0);
-    if (!source.bmBits || source.bmPlanes != 1 || source.bmBitsPixel != 1 || source.bmWidthBytes < needed)
-        throw FailedResult(E_FAIL);
-
+    const BitRows rows = ReadableRows(source);
     BitmapStore copy;
     copy.Create(source.bmWidth, source.bmHeight, false);
-    const size_t bytes = static_cast<size_t>(std::min<int32_t>(source.bmWidthBytes, copy.record_.bmWidthBytes));
-    const uint64_t span =
-        static_cast<uint64_t>(source.bmWidthBytes) * static_cast<uint64_t>(source.bmHeight - 1) + bytes;
-    if (span > SIZE_MAX || !IsReadable(source.bmBits, static_cast<size_t>(span))) throw FailedResult(E_FAIL);
-    const auto* from = static_cast<const uint8_t*>(source.bmBits);
-    for (int32_t y = 0; y < copy.height(); ++y)
-        std::memcpy(copy.WriteRow(y), from + static_cast<ptrdiff_t>(source.bmWidthBytes) * y, bytes);
+    // Padding is copied too, as far as the source's rows have it.
+    const auto bytes = static_cast<size_t>(std::min(rows.rowBytes, copy.rowBytes()));
+    for (int32_t y = 0; y < copy.height(); ++y) std::memcpy(copy.WriteRow(y), rows.row(y), bytes);
     *this = std::move(copy);
 }
 

@@ -25,7 +25,7 @@ struct LastVector {
 
     ORLIX_INLINE LastVector(size_t length, uint8_t lastMask) : bytes(length) {
         uint8_t mask[Lanes::kBytes] = {};
-        for (size_t i = 0; i < length; ++i) mask[i] = i + 1 < length ? 0xff : lastMask;
+        for (size_t i = 0; i < Lanes::kBytes; ++i) mask[i] = i + 1 < length ? 0xff : i + 1 == length ? lastMask : 0;
         pixels = Lanes::Load(mask);
     }
     ORLIX_INLINE typename Lanes::Vector Load(const uint8_t* p) const {

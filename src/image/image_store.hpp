@@ -21,6 +21,9 @@ namespace orlix {
 // The keyword under which files store the description among their texts.
 inline constexpr WideStringView kDescriptionKeyword = OLESTR("Description");
 
+// IImageVPA::VPA of a band that an image does not have.
+inline constexpr char kBandOutOfRange[] = "IImageVPA::VPA: BandIndex is out of range";
+
 struct TextEntry {
     WideString keyword;
     WideString text;

@@ -33,8 +33,7 @@ STDMETHODIMP ImagePixels::VPA(LONG bandIndex, void** base, VPAEntry** table) noe
         *table = nullptr;
         ImageStore& store = Typed()->store();
         if (store.empty()) return S_FALSE;
-        if (bandIndex < 0 || bandIndex >= store.layout().bands)
-            throw Failure("IImageVPA::VPA: BandIndex is out of range", DISP_E_EXCEPTION);
+        if (bandIndex < 0 || bandIndex >= store.layout().bands) throw Failure(kBandOutOfRange, DISP_E_EXCEPTION);
         *base = store.base(bandIndex);
         *table = store.table();
         return S_OK;

@@ -132,8 +132,11 @@ def outside_the_boundary():
         if not name.startswith("src/"):
             continue
         text = (ROOT / name).read_text("utf-8")
-        guarded = {"Guarded", *GUARDED_ELSEWHERE.get(name, ()),
-                   *(function for function, body in bodies(text) if re.search(r"\bGuarded\b", body))}
+        guarded, known = {"Guarded", *GUARDED_ELSEWHERE.get(name, ())}, 0
+        while len(guarded) > known:  # functions that call those found before
+            known = len(guarded)
+            guarded |= {function for function, body in bodies(text)
+                        if re.search(rf"return (?:life_\.|inner_\.)?(?:template )?({'|'.join(guarded)})\b", body)}
         for found in re.finditer(r"^ *STDMETHODIMP (?:\w+::)?(\w+)\([^;{]*\{", text, re.M):
             body = next((body for function, body in bodies(text[found.start():].lstrip())), "")
             calls_guard = any(re.search(rf"\b{function}(<\w+>)?\(", body) for function in guarded)

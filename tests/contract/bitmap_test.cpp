@@ -14,29 +14,6 @@ constexpr char kYOutside[] = "IBitmapProcess::GetPixelPtr: Y is out of bounds";
 
 ComPtr<IBitmapProcess> EmptyBitmap() { return CreateObject<IBitmapProcess>("Orlix.Bitmap"); }
 
-// A bitmap of another component, with any record.
-class ForeignBitmap final : public CountedObject<IBitmap> {
-public:
-    BITMAP record = {};
-    HRESULT result = S_OK;
-
-    STDMETHODIMP get_Bitmap(BITMAP* hVal) noexcept override { return *hVal = record, result; }
-    STDMETHODIMP get_Width(LONG*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP get_Height(LONG*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Create(LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CreateFromBitmap(IBitmap*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Zero() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP One() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP DrawHorizontalLine(LONG, LONG, LONG, DrawType) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP DrawRectangle(LONG, LONG, LONG, LONG, DrawType) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP DrawDisk(double, double, double, DrawType) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP DrawLine(double, double, double, double, DrawType) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetRowPtr(LONG, unsigned char**) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetPixelPtr(LONG, LONG, unsigned char**, unsigned char*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP get_Bit(LONG, LONG, LONG*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP put_Bit(LONG, LONG, LONG) noexcept override { return E_NOTIMPL; }
-};
-
 // ------------------------------------------------------------------------------------------------------------ creation
 
 TEST(BitmapContract, ANewBitmapHasNoPixels) {

@@ -18,6 +18,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/refusing.hpp"
+
 #include "support/objects.hpp"
 
 namespace orlix::testing {
@@ -212,6 +214,15 @@ private:
     void LetGo() noexcept override {
         if (onLastRelease) onLastRelease();
     }
+};
+
+// A bitmap with any record.
+class ForeignBitmap final : public CountedObject<Refusing<IBitmap>> {
+public:
+    BITMAP record = {};
+    HRESULT result = S_OK;
+
+    STDMETHODIMP get_Bitmap(BITMAP* hVal) noexcept override { return *hVal = record, result; }
 };
 
 // A client of an image's events.

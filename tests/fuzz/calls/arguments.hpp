@@ -53,6 +53,15 @@ public:
 };
 
 template <>
+class Argument<ConnectivityType> : public Value<ConnectivityType> {
+public:
+    explicit Argument(World& world)
+        : Value(static_cast<ConnectivityType>(world.choices().Chance(16)    ? world.Long()
+                                              : world.choices().Chance(128) ? CT_4
+                                                                            : CT_8)) {}
+};
+
+template <>
 class Argument<double> : public Value<double> {
 public:
     using Value::Value;

@@ -214,6 +214,56 @@ ORLIX_SPECIAL(IPolygon, Create) {
     call(count, world.choices().Chance(6) ? nullptr : vertices.data());
 }
 
+ORLIX_SPECIAL(IBitmapProcess, ApplyTable) {
+    std::vector<unsigned char> table(512);
+    for (unsigned char& entry : table) entry = world.choices().Byte() & 1;
+    LONG passes = 0;
+    call(world.choices().Chance(6) ? nullptr : table.data(), world.Long(),
+         world.choices().Chance(6) ? nullptr : &passes);
+}
+
+// Memory for what a method of blobs writes, and not for what it must refuse.
+template <class Record>
+std::vector<Record> RecordsOf(IBlobs& blobs, LONG count) {
+    LONG existing = 0;
+    blobs.get_Count(&existing);
+    return std::vector<Record>(static_cast<size_t>(std::clamp(count, LONG{0}, existing)));
+}
+
+struct BlobRange {
+    explicit BlobRange(World& world)
+        : first(world.choices().Chance(32) ? world.Long() : static_cast<LONG>(world.choices().Below(4))),
+          count(world.choices().Chance(32) ? world.Long() : static_cast<LONG>(world.choices().Below(8))) {}
+    LONG first, count;
+};
+
+ORLIX_SPECIAL(IBlobs, GetBinaryMeasurements) {
+    const BlobRange range(world);
+    auto records = RecordsOf<SBinaryMeasurements>(target, range.count);
+    call(world.Long(), range.first, range.count, records.data());
+}
+
+ORLIX_SPECIAL(IBlobs, GetGrayMeasurements) {
+    const BlobRange range(world);
+    auto records = RecordsOf<SBlobGrayMeasurements>(target, range.count);
+    call(range.first, range.count, records.data());
+}
+
+ORLIX_SPECIAL(IBlobs, GetValues) {
+    const BlobRange range(world);
+    auto values = RecordsOf<double>(target, range.count);
+    call(static_cast<SingleMeasurementType>(world.choices().Below(120)), range.first, range.count, values.data());
+}
+
+ORLIX_SPECIAL(IBlobs, GetLevelMeasurements) {
+    const BlobRange range(world);
+    auto records = RecordsOf<SLevelMeasurements>(target, range.count);
+    Argument<IImageVPA*> image(world);
+    const LONG band = world.Long();
+    const double level = world.Double();
+    call(image.get(), band, level, range.first, range.count, records.data());
+}
+
 ORLIX_SPECIAL(IConnectionPoint, Unadvise) {
     const auto cookie = static_cast<DWORD>(world.choices().Chance(16) ? world.Long() : world.choices().Below(8));
     call(cookie);

@@ -249,6 +249,15 @@ ComPtr<IUnknown> World::NewObject(const IID& iid) {
             point->EnumConnections(reinterpret_cast<IEnumConnections**>(object.Out()));
         if (iid == __uuidof(IEnumConnectionPoints))
             container->EnumConnectionPoints(reinterpret_cast<IEnumConnectionPoints**>(object.Out()));
+    } else if (iid == __uuidof(IBlobs)) {
+        ComPtr<IUnknown> bitmap = choices_.Chance(128) ? FromPool(__uuidof(IBitmapProcess), false) : ComPtr<IUnknown>();
+        if (!bitmap) bitmap = New(__uuidof(OrlixBitmap), __uuidof(IBitmapProcess));
+        if (!bitmap) return {};
+        auto* const process = static_cast<IBitmapProcess*>(bitmap.get());
+        process->Create(1 + static_cast<LONG>(choices_.Below(24)), 1 + static_cast<LONG>(choices_.Below(24)), 0);
+        for (size_t disks = choices_.Below(4); disks > 0; --disks)
+            process->DrawDisk(choices_.Byte() % 24, choices_.Byte() % 24, choices_.Byte() % 9, DT_Xor);
+        process->FindBlobs(choices_.Chance(128) ? CT_8 : CT_4, reinterpret_cast<IBlobs**>(object.Out()));
     } else if (iid == __uuidof(IClassFactory)) {
         GetClassFactory(*kClasses[choices_.Below(std::size(kClasses))], iid, object.OutVoid());
     } else {
