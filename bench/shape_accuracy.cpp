@@ -1,6 +1,7 @@
 // Measures the figures of docs/accuracy.md for shapes: discs, squares and ellipses of known size at random positions
-// and angles, digitised (a pixel is set if its centre lies in the shape), measured, and compared with the truth. Prints
-// a table for each shape.
+// and angles, digitised (a pixel is set if its centre lies in the shape), measured, and compared with the truth; the
+// same for outlines at a grey level, of pixels whose grey value is the share of them that the shape covers. Prints a
+// table for each shape.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "blobs/level_outline.hpp"
 #include "blobs/shape_measurements.hpp"
 
 namespace orlix {
@@ -177,6 +179,94 @@ void Table(Kind kind, const char* title, const PixelSize& pixel) {
     std::fflush(stdout);
 }
 
+// The share of a pixel that the shape covers, from 32 x 32 points where its border may pass.
+double Coverage(const Shape& shape, double x, double y) {
+    const bool inside = shape.Contains(x, y);
+    bool whole = true;
+    for (const double dx : {-0.8, 0.0, 0.8})
+        for (const double dy : {-0.8, 0.0, 0.8}) whole &= shape.Contains(x + dx, y + dy) == inside;
+    if (whole) return inside;
+    int covered = 0;
+    for (int i = 0; i < 32; ++i)
+        for (int k = 0; k < 32; ++k) covered += shape.Contains(x - 0.5 + (i + 0.5) / 32, y - 0.5 + (k + 0.5) / 32);
+    return covered / 1024.0;
+}
+
+LevelMeasurements AtOneHalf(const Shape& shape) {
+    const double reach = 1.5 * shape.radius + 3;
+    const auto size = static_cast<int32_t>(2 * reach);
+    Shape moved = shape;
+    moved.x += reach;
+    moved.y += reach;
+    std::vector<double> grey(static_cast<size_t>(size) * static_cast<size_t>(size));
+    const auto at = [&](int32_t x, int32_t y) -> double& {
+        return grey[static_cast<size_t>(y) * static_cast<size_t>(size) + static_cast<size_t>(x)];
+    };
+    RunTable table;
+    table.width = table.height = size;
+    for (int32_t y = 0; y < size; ++y) {
+        bool before = false;
+        for (int32_t x = 0; x < size; ++x) {
+            const bool inside = (at(x, y) = Coverage(moved, x, y)) > 0.5;
+            if (inside && before) table.runs.back().stop = x;
+            if (inside && !before) table.runs.push_back({x, x});
+            before = inside;
+        }
+        table.ends.push_back(static_cast<uint32_t>(table.runs.size()));
+    }
+    PixelPaths paths;
+    paths.Trace(Connected(table, Connectivity::Eight).runs(0), Connectivity::Eight);
+    return MeasureLevelOutline(LevelOutlineOf(paths, size, size, 0.5, at), 1, 1);
+}
+
+void LevelTable(Kind kind, const char* title) {
+    static constexpr double kRadii[] = {2, 3, 5, 10, 20, 50};
+    const struct {
+        const char* name;
+        double (*measured)(const LevelMeasurements&);
+        double (*truth)(const Shape&);
+    } quantities[] = {
+        {"area", [](const LevelMeasurements& m) { return m.area; }, [](const Shape& s) { return s.Area(); }},
+        {"perimeter", [](const LevelMeasurements& m) { return m.perimeter; },
+         [](const Shape& s) { return s.Perimeter(); }},
+        {"circularity", [](const LevelMeasurements& m) { return m.circularity; },
+         [](const Shape& s) { return 4 * kPi * s.Area() / (s.Perimeter() * s.Perimeter()); }},
+        {"feretMaximum", [](const LevelMeasurements& m) { return m.feretMaximum; },
+         [](const Shape& s) { return s.Longest(); }},
+        {"feretMinimum", [](const LevelMeasurements& m) { return m.feretMinimum; },
+         [](const Shape& s) { return s.Narrowest(); }},
+        {"majorAxis", [](const LevelMeasurements& m) { return m.majorAxis; },
+         [](const Shape& s) { return s.MajorAxis(); }},
+        {"minorAxis", [](const LevelMeasurements& m) { return m.minorAxis; },
+         [](const Shape& s) { return s.MinorAxis(); }},
+    };
+    std::printf("\n%s\n\n| measurement |", title);
+    for (const double radius : kRadii) std::printf(" R = %g |", radius);
+    std::puts("\n|---|---|---|---|---|---|---|");
+    std::vector<std::vector<LevelMeasurements>> measured(std::size(kRadii));
+    std::vector<std::vector<Shape>> shapes(std::size(kRadii));
+    for (size_t r = 0; r < std::size(kRadii); ++r) {
+        Uniform random;
+        for (int i = 0; i < kSamples; ++i) {
+            shapes[r].push_back({kind, kRadii[r], random(), random(), random() * kPi});
+            measured[r].push_back(AtOneHalf(shapes[r].back()));
+        }
+    }
+    for (const auto& quantity : quantities) {
+        std::printf("| %s |", quantity.name);
+        for (size_t r = 0; r < std::size(kRadii); ++r) {
+            double sum = 0, squares = 0;
+            for (size_t i = 0; i < kSamples; ++i) {
+                const double error = 100 * (quantity.measured(measured[r][i]) / quantity.truth(shapes[r][i]) - 1);
+                sum += error / kSamples;
+                squares += error * error / kSamples;
+            }
+            std::printf(" %+.3f (%.3f) |", sum, std::sqrt(std::max(0.0, squares - sum * sum)));
+        }
+        std::puts("");
+    }
+}
+
 }  // namespace
 }  // namespace orlix
 
@@ -186,4 +276,6 @@ int main() {
     Table(Kind::Square, "Squares with sides of 2R:", {});
     Table(Kind::Ellipse, "Ellipses with semi-axes of R and R / 2:", {});
     Table(Kind::Disc, "Discs in pixels of 1 x 1.5:", {1, 1.5});
+    LevelTable(Kind::Disc, "Discs, outlines at a grey level:");
+    LevelTable(Kind::Ellipse, "Ellipses, outlines at a grey level:");
 }
