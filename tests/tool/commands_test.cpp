@@ -20,8 +20,8 @@ TEST_F(Commands, HelpManualAndCompletionsHoldEveryOption) {
     ASSERT_EQ(kDone, Orlix("man --out man1").code);
     const std::string bash = Orlix("completion bash").out, zsh = Orlix("completion zsh").out,
                       fish = Orlix("completion fish").out;
-    for (const std::string command : {"measure", "flatten", "filter", "polygon", "render", "info", "convert", "save",
-                                      "load", "specimen", "doctor"}) {
+    for (const std::string command : {"particles", "measure", "flatten", "filter", "polygon", "render", "info",
+                                      "convert", "save", "load", "specimen", "doctor"}) {
         SCOPED_TRACE(command);
         const std::string page = ReadFile(Path("man1/orlix-" + command + ".1"));
         EXPECT_EQ(page, Orlix({"man", command}).out);
@@ -33,7 +33,7 @@ TEST_F(Commands, HelpManualAndCompletionsHoldEveryOption) {
         for (std::string line; std::getline(lines, line);) {
             const size_t start = line.find("--");
             if (!line.starts_with("  -") || start > 8) continue;
-            const std::string option = line.substr(start, line.find_first_of(" ,", start) - start);
+            const std::string option = line.substr(start, line.find_first_of(" ,[", start) - start);
             ++options;
             std::string roff;
             for (const char c : option) roff += c == '-' ? "\\-" : std::string(1, c);

@@ -13,6 +13,7 @@ namespace tool {
 using Command = std::function<int()>;
 
 Command AddMeasure(CLI::App& program);
+Command AddParticles(CLI::App& program);
 Command AddFlatten(CLI::App& program);
 Command AddFilter(CLI::App& program);
 Command AddPolygon(CLI::App& program);

@@ -126,6 +126,7 @@ bool IsSigned(const std::filesystem::path& path) {
     file.read(head.data(), static_cast<std::streamsize>(head.size()));
     head.resize(static_cast<size_t>(file.gcount()));
     if (head.starts_with(kPng)) return head.find(kText) != std::string::npos;
+    if (head.starts_with("file,error,unit,number,")) return true;  // the columns of a list of particles
     constexpr size_t kBeginning = 100;
     return head.find("<meta name='generator' content='Orlix ") != std::string::npos ||
            (head.starts_with('{') && head.substr(0, kBeginning).find("\"tool\": \"orlix\"") != std::string::npos);

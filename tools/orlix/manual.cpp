@@ -45,6 +45,7 @@ std::string OptionsSection(const char* title, const std::vector<OptionSynopsis>&
         for (const std::string& name : option.names) names.push_back("\\fB" + Roff(name) + "\\fR");
         const bool argument = option.names.front().front() != '-';
         out += ".TP\n" + Joined(names, ", ");
+        out += Roff(option.optionalValue);
         if (!argument && !option.value.empty()) out += " \\fI" + Roff(option.value) + "\\fR";
         if (option.repeated) out += " ...";
         out += "\n" + Roff(option.text);

@@ -5,10 +5,10 @@
 #include "html_report.hpp"
 #include "image_file.hpp"
 #include "measurement.hpp"
+#include "phase_options.hpp"
 #include "pictures.hpp"
 #include "scale_bar.hpp"
 #include "subcommand.hpp"
-#include "surface.hpp"
 #include "units.hpp"
 #include "warnings.hpp"
 
@@ -23,24 +23,14 @@ namespace tool {
 
 namespace {
 
-constexpr char kMeasureFooter[] = R"(
+constexpr char kWhatIsMeasured[] = R"(
 What is measured
   Of the pixels of the region, less those that --mask and --ignore leave out: count, mean, standard
   deviation, minimum, maximum, median, mode, skew, excess kurtosis, entropy and grey centroid. The
   automatic thresholds, and the area fraction on either side of each. Of the chosen phase: pixels,
-  area fraction of these pixels, area in square microns, centroid.
+  area fraction of these pixels, area in square microns, centroid.)";
 
-Thresholds (METHOD, or METHOD:PARAMETER,PARAMETER)
-  minimize-variance, otsu         smallest fractions of the pixels left and right       0,0
-  trim, percentile                fractions that are the dark and the bright tail       0.05,0.05
-  search-for-minimum, minimum     fractions trimmed off before the search               0.005,0.005
-  gaussian-mixture, mixture       smallest fractions left and right                     0.005,0.005
-  maximize-entropy, entropy       smallest fractions left and right                     0.005,0.005
-  exponential, exp                fraction left above the threshold; only when chosen   0.05
-  LO,HI   the grey levels of the phase, both included; LO, or ,HI for an open end
-  The level of an automatic threshold is the last one of the dark side. With trim, the dark phase is
-  below the left limit and the bright phase above the right one.
-
+constexpr char kMeasureFooter[] = R"(
 Two peaks
   A threshold between two classes means something where the histogram has two peaks. The dip
   (Hartigan and Hartigan 1985) says how far it is from having one: 0 for one peak, about a quarter
@@ -75,30 +65,11 @@ Examples:
 struct MeasureOptions {
     LoadOptions load;
     std::vector<std::string> files;
-    SubjectOptions subject;
-    std::string threshold = "minimize-variance", flatten, out;
-    std::optional<double> flattenRobust;
-    bool dark = false, bright = false, json = false, csv = false, force = false;
-    std::vector<double> luminance;
+    PhaseOptions phase;
+    std::string out;
+    bool json = false, csv = false, force = false;
     MeasureSettings settings;
 };
-
-void CompleteSettings(MeasureOptions& options) {
-    MeasureSettings& settings = options.settings;
-    settings.threshold = ParseThreshold(options.threshold);
-    if (!settings.threshold.method && (options.dark || options.bright))
-        throw UsageError("levels name the phase themselves: neither --dark nor --bright goes with them");
-    settings.bright = options.bright;
-    options.subject.Complete(settings);
-    if (!options.flatten.empty())
-        settings.flatten = MakeFlattenSettings(options.flatten, options.flattenRobust, std::nullopt);
-    else if (options.flattenRobust)
-        throw UsageError("--flatten-robust needs --flatten");
-    if (!options.luminance.empty()) {
-        if (!(options.luminance[0] <= options.luminance[1])) throw UsageError("--luminance: LOW is above HIGH");
-        settings.luminance = {options.luminance[0], options.luminance[1]};
-    }
-}
 
 Json Summary(const Json& images) {
     std::vector<double> fractions;
@@ -306,7 +277,7 @@ private:
 };
 
 int Measure(MeasureOptions& options, const Subcommand& command) {
-    CompleteSettings(options);
+    options.phase.Complete(options.settings);
     std::optional<MeasureResults> results;
     if (!options.out.empty()) results.emplace(options);
 
@@ -347,34 +318,10 @@ int Measure(MeasureOptions& options, const Subcommand& command) {
 Command AddMeasure(CLI::App& program) {
     const auto options = std::make_shared<MeasureOptions>();
     Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase",
-                       kMeasureFooter);
+                       std::string(kWhatIsMeasured) + "\n" + kThresholdHelp + kMeasureFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
     options->load.Add(command);
-    options->subject.AddRegion(command);
-    options->subject.AddExclusions(command);
-    command.Add("--flatten", options->flatten, "Remove a surface from the region first: " + SurfaceList())
-        .OneOf(SurfaceNames())
-        .Named("SURFACE");
-    command
-        .Add("--flatten-robust", options->flattenRobust,
-             "Robust fit of it: probability that a pixel belongs to the surface, up to 1")
-        .Named("P");
-    command.Add("--threshold", options->threshold, "METHOD or LO,HI; see below")
-        .Named("METHOD")
-        .ShowDefault("minimize-variance");
-    const Parameter dark =
-        command.AddFlag("--dark", options->dark, "The phase is the dark side of the threshold (default)");
-    command.AddFlag("--bright", options->bright, "The phase is the bright side").Excludes(dark);
-    options->subject.AddPixelSize(command);
-    options->subject.AddBand(
-        command, "Band of a colour image: 0 red (default), 1 green, 2 blue; grey 0.299 R + 0.587 G + 0.114 B", true);
-    command.Add("--luminance", options->luminance, "Grey levels on which thresholds are chosen").Pair("LOW HIGH");
-    command.Add("--bins", options->settings.bins, "Bins at most, where thresholds are chosen (default 1024)")
-        .Between(2, 65536);
-    command
-        .Add("--smooth", options->settings.smoothing,
-             "Smooth the histogram with 3, 5, 7 or 9 binomial weights before choosing thresholds")
-        .OneOf(std::vector{0, 3, 5, 7, 9});
+    options->phase.Add(command);
     command.Add("--out", options->out, "Folder for pictures and reports").Named("DIR");
     command.AddFlag("--force", options->force, "Replace other files there that have the names of results");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");

@@ -20,6 +20,7 @@ namespace {
 
 constexpr char kProgramFooter[] = R"(
 Examples:
+  orlix particles powder.png --bright --min-area 20
   orlix measure section.png
   orlix measure *.png --threshold otsu --dark --pixel-size 0.5 --out results
   orlix flatten height.png --surface biquadratic --z-scale 2.6e-5 --out results
@@ -50,8 +51,15 @@ public:
     std::string make_option_opts(const CLI::Option* option) const override {
         const OptionSynopsis synopsis = Describe(*option);
         if (option->get_positional()) return synopsis.repeated ? " ..." : "";
-        return (synopsis.value.empty() ? "" : " " + synopsis.value) +
+        return synopsis.optionalValue + (synopsis.value.empty() ? "" : " " + synopsis.value) +
                (synopsis.standard.empty() ? "" : "=" + synopsis.standard);
+    }
+    // Without the value of a flag that is given without one, which the parser's own form has.
+    std::string make_option_name(const CLI::Option* option, bool positional) const override {
+        if (positional) return CLI::Formatter::make_option_name(option, positional);
+        std::string names;
+        for (const std::string& name : Describe(*option).names) names += (names.empty() ? "" : ",") + name;
+        return names;
     }
     std::string make_option_desc(const CLI::Option* option) const override {
         const bool given = option->get_required() && !option->get_positional();
@@ -97,11 +105,11 @@ int Run(std::vector<std::string> arguments) {
     program.formatter(std::make_shared<HelpFormatter>());
     program.footer(kProgramFooter);
     const std::pair<const char*, Command> commands[] = {
-        {"measure", AddMeasure(program)},       {"flatten", AddFlatten(program)}, {"filter", AddFilter(program)},
-        {"polygon", AddPolygon(program)},       {"render", AddRender(program)},   {"info", AddInfo(program)},
-        {"convert", AddConvert(program)},       {"save", AddSave(program)},       {"load", AddLoad(program)},
-        {"specimen", AddSpecimen(program)},     {"doctor", AddDoctor(program)},   {"man", AddManual(program)},
-        {"completion", AddCompletion(program)},
+        {"particles", AddParticles(program)}, {"measure", AddMeasure(program)},       {"flatten", AddFlatten(program)},
+        {"filter", AddFilter(program)},       {"polygon", AddPolygon(program)},       {"render", AddRender(program)},
+        {"info", AddInfo(program)},           {"convert", AddConvert(program)},       {"save", AddSave(program)},
+        {"load", AddLoad(program)},           {"specimen", AddSpecimen(program)},     {"doctor", AddDoctor(program)},
+        {"man", AddManual(program)},          {"completion", AddCompletion(program)},
     };
     if (arguments.empty()) {
         std::cout << program.help();

@@ -171,4 +171,12 @@ Parameter Subcommand::AddFlag(const char* name, bool& variable, const char* desc
     return Parameter(*option);
 }
 
+Parameter Subcommand::AddOptionalValue(const char* name, std::string& variable, const char* standard, const char* value,
+                                       const char* description) {
+    CLI::Option* const option = command_->add_flag(std::string(name) + "{" + standard + "}", variable, description);
+    option->type_name(std::string("[=") + value + "]");
+    values_.push_back([key = Key(*option), &variable](Json& options) { options[key] = ValueOf(variable); });
+    return Parameter(*option);
+}
+
 }  // namespace tool

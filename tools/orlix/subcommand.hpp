@@ -36,6 +36,9 @@ private:
     CLI::Option* option_;
 };
 
+// For AddOptionalValue, where no value of the option stands for the usual one.
+constexpr char kDefaultValue[] = "default";
+
 class Subcommand {
 public:
     Subcommand(CLI::App& program, const char* name, const char* description, const std::string& footer);
@@ -50,6 +53,10 @@ public:
     template <class T>
     Parameter Add(const char* name, T& variable, const std::string& description);
     Parameter AddFlag(const char* name, bool& variable, const char* description);
+    // An option that is given as "--name" or "--name=VALUE"; the variable is `standard` without a value, whose name
+    // in the help is `value`.
+    Parameter AddOptionalValue(const char* name, std::string& variable, const char* standard, const char* value,
+                               const char* description);
 
 private:
     std::string name_;

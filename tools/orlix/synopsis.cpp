@@ -34,7 +34,7 @@ OptionSynopsis Describe(const CLI::Option& option) {
     if (option.get_positional()) out.names = {option.get_name(true)};
     // "TEXT:{a,b}": the type, and the values that a check appends to it.
     const std::string type = option.get_type_name();
-    out.value = type.substr(0, type.find(':'));
+    (option.get_expected_max() == 0 ? out.optionalValue : out.value) = type.substr(0, type.find(':'));
     if (const size_t open = type.find('{'), close = type.rfind('}'); open != std::string::npos && close > open)
         for (size_t at = open + 1; at <= close;) {
             const size_t end = std::min(type.find(',', at), close);

@@ -16,6 +16,7 @@ namespace tool {
 struct OptionSynopsis {
     std::vector<std::string> names;  // "-o", "--output"; an argument has one name
     std::string value;               // the name of its value, "W H"; empty for a flag
+    std::string optionalValue;       // "[=MAX]" of a flag that may have a value; else empty
     std::vector<std::string> choices;
     std::string text;
     std::string standard;  // the default; empty if there is none to show

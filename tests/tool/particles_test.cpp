@@ -1,0 +1,234 @@
+// orlix particles: what is found, counted and shown of particles that are known.
+#include "program_fixture.hpp"
+
+#include <cmath>
+#include <map>
+#include <set>
+
+namespace tool {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Particles : public Program {
+protected:
+    // An image of dark particles (#) on a bright ground.
+    static void Draw(const std::string& name, const std::vector<std::string>& rows) {
+        WritePgm(name, static_cast<int>(rows[0].size()), static_cast<int>(rows.size()), 255,
+                 [&](int x, int y) { return rows[static_cast<size_t>(y)][static_cast<size_t>(x)] == '#' ? 10 : 200; });
+    }
+    static Json Found(const Words& words) { return ImageOf(Words{"particles"} + words); }
+    static std::vector<int> Sizes(const Words& words) {
+        std::vector<int> sizes;
+        const Json image = Found(words);
+        for (const Json& particle : image["particles"]) sizes.push_back(particle["pixels"]);
+        return sizes;
+    }
+    static std::vector<std::string> Lines(const std::string& text) {
+        std::vector<std::string> lines;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);) lines.push_back(line);
+        return lines;
+    }
+    static size_t CountIn(const std::string& text, const std::string& part) {
+        size_t count = 0;
+        for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+        return count;
+    }
+};
+
+// Edges are blurred over three pixels and lie on uneven ground with noise: areas agree to a few per cent, positions to
+// a fraction of a pixel.
+TEST_F(Particles, OfASpecimenAreFoundWhereTheyAreAndAsLargeAsTheyAre) {
+    for (const int bits : {8, 16}) {
+        SCOPED_TRACE(bits);
+        const samples::Specimen truth = Make("a.png", {.seed = 11, .bits = bits});
+        const Json m = Found("a.png --min-area 12 --flatten plane --flatten-robust 0.8");
+        ASSERT_EQ(truth.particles.size(), m["particles"].size());
+        EXPECT_EQ(truth.particles.size(), m["particleSummary"]["count"]);
+        EXPECT_EQ("µm", m["unit"]);
+        std::set<int32_t> seen;
+        double area = 0, trueArea = 0;
+        for (const Json& particle : m["particles"]) {
+            const double x = particle["x"], y = particle["y"];
+            const auto nearest = std::ranges::min_element(truth.particles, {}, [&](const samples::Particle& known) {
+                return std::hypot(known.xCentroid - x, known.yCentroid - y);
+            });
+            seen.insert(static_cast<int32_t>(nearest - truth.particles.begin()));
+            EXPECT_NEAR(nearest->xCentroid, x, 0.3);
+            EXPECT_NEAR(nearest->yCentroid, y, 0.3);
+            EXPECT_NEAR(1, particle["pixels"].get<double>() / nearest->area, 4 / std::sqrt(nearest->area));
+            EXPECT_DOUBLE_EQ(0.25 * particle["pixels"].get<double>(), particle["area"]) << "0.5 microns a pixel";
+            EXPECT_GT(NumberAt(particle, "outline.levelShare"), 0.9);
+            EXPECT_NEAR(NumberAt(particle, "area"), NumberAt(particle, "outline.area"),
+                        0.02 * NumberAt(particle, "area") + 1);
+            area += particle["pixels"].get<double>();
+            trueArea += nearest->area;
+        }
+        EXPECT_EQ(truth.particles.size(), seen.size());
+        EXPECT_NEAR(1, area / trueArea, 0.03);
+        EXPECT_EQ(NumberAt(m, "phase.upper") + 0.5, m["level"]);
+    }
+}
+
+TEST_F(Particles, StepsHaveOneOrderWhateverTheOrderOfTheOptions) {
+    Draw("a.pgm", {"...............",  //
+                   ".#####....#....",  //
+                   ".#...#.........",  //
+                   ".#.#.#...####..",  //
+                   ".#...#...#..#..",  //
+                   ".#####...####..",  //
+                   "...............",  //
+                   "##.............",  //
+                   "#.#............"});
+    EXPECT_THAT(Sizes({"a.pgm"}), ElementsAre(16, 1, 1, 10, 4));
+    EXPECT_THAT(Sizes("a.pgm --connectivity 4"), ElementsAre(16, 1, 1, 10, 3, 1));
+    EXPECT_THAT(Sizes("a.pgm --fill-holes"), ElementsAre(25, 1, 12, 4));
+    EXPECT_THAT(Sizes("a.pgm --fill-holes=2"), ElementsAre(16, 1, 1, 12, 4));
+    EXPECT_THAT(Sizes("a.pgm --fill-holes --open 1"), IsEmpty()) << "open first: nothing remains to fill";
+    EXPECT_THAT(Sizes("a.pgm --min-area 4 --max-area 10"), ElementsAre(10, 4));
+    EXPECT_THAT(Sizes("a.pgm --exclude-border"), ElementsAre(16, 1, 1, 10));
+    const Words steps =
+        "--exclude-border --max-area 900 --split --fill-holes=3 --close 0 --open 0 --filter median3x3:2";
+    const Json one = Found(Words{"a.pgm"} + steps);
+    Words names;  // not the order of the options
+    for (const Json& step : one["steps"]) names.push_back(step["step"]);
+    EXPECT_THAT(names, ElementsAre("filter", "threshold", "open", "close", "fill-holes", "split", "area", "border"));
+    EXPECT_EQ(0.75, one["steps"][5]["depth"]);
+}
+
+// 30 x 20 pixels: a particle at each side, one in two corners, one inside.
+TEST_F(Particles, AreCountedOnceInATilingOfFields) {
+    std::vector<std::string> rows(20, std::string(30, '.'));
+    const auto square = [&](int left, int top) {
+        for (int y = top; y < top + 3; ++y)
+            for (int x = left; x < left + 3; ++x) rows[static_cast<size_t>(y)][static_cast<size_t>(x)] = '#';
+    };
+    square(0, 8), square(27, 8), square(12, 0), square(12, 17), square(0, 0), square(27, 17), square(12, 8);
+    Draw("a.pgm", rows);
+    Json summary = Found({"a.pgm"})["particleSummary"];
+    EXPECT_EQ(7, summary["count"]);
+    EXPECT_EQ(6, summary["atBorder"]);
+    EXPECT_EQ("counting-frame", summary["counting"]["rule"]);
+    EXPECT_EQ(4, summary["counting"]["counted"]);
+    EXPECT_EQ("1/megapixel", summary["numberPerArea"]["unit"]);
+    EXPECT_DOUBLE_EQ(4 / (29 * 19 * 1e-6), summary["numberPerArea"]["value"]);
+    EXPECT_NEAR(1.0899 / (29 * 19 * 1e-6), NumberAt(summary, "numberPerArea.lower"), 0.5);  // 95 % of a count of 4
+    EXPECT_NEAR(10.2416 / (29 * 19 * 1e-6), NumberAt(summary, "numberPerArea.upper"), 0.5);
+
+    const Json inner = Found("a.pgm --exclude-border --pixel-size 2");
+    EXPECT_EQ(1, inner["particleSummary"]["count"]);
+    EXPECT_EQ(4, inner["particleSummary"]["counting"]["counted"]) << "those at the border count still";
+    EXPECT_DOUBLE_EQ(4 / (29 * 19 * 4 * 1e-6), inner["particleSummary"]["numberPerArea"]["value"]);
+    EXPECT_DOUBLE_EQ(600.0 / (26 * 16), inner["particles"][0]["weight"]);
+
+    const Json half = Found("a.pgm --roi circle:13,9,9")["particleSummary"];
+    EXPECT_EQ("half-of-cut", half["counting"]["rule"]);
+    EXPECT_EQ(1.0 + NumberAt(half, "atBorder") / 2, half["counting"]["counted"]);
+    EXPECT_EQ(2, half["atBorder"]) << "those at the top and the bottom";
+    EXPECT_EQ("counting-frame", Found("a.pgm --roi rect:2,2,25,18")["particleSummary"]["counting"]["rule"]);
+}
+
+TEST_F(Particles, TouchingDiscsAreToldApart) {
+    WritePgm("a.pgm", 120, 60, 255, [](int x, int y) {
+        return std::hypot(x - 40, y - 30) < 18.3 || std::hypot(x - 72, y - 30) < 18.3 ? 200 : 20;
+    });
+    EXPECT_EQ(1u, Sizes("a.pgm --bright").size());
+    EXPECT_EQ(2u, Sizes("a.pgm --bright --split").size());
+    EXPECT_EQ(1u, Sizes("a.pgm --bright --split=15").size()) << "no neck is that narrow";
+}
+
+TEST_F(Particles, ResultsAreTheSameInEveryForm) {
+    Make("a.png", {.scratches = 0, .pits = 0});
+    const Json document = DocumentOf("particles a.png --out out"), m = document["images"][0];
+    const size_t count = m["particles"].size();
+    EXPECT_EQ(70u, count);
+    const std::string csv = Orlix("particles a.png --csv").out;
+    EXPECT_EQ(csv, ReadFile(Path("out/particles.csv")));
+    EXPECT_EQ(document, Json::parse(ReadFile(Path("out/particles.json"))));
+    const std::vector<std::string> lines = Lines(csv);
+    ASSERT_EQ(count + 1, lines.size());
+    EXPECT_THAT(lines[0], testing::StartsWith("file,error,unit,number,x,y,left,"));
+    EXPECT_THAT(lines[1], testing::StartsWith("a.png,,µm,1," + Number(m["particles"][0]["x"]) + ","));
+    for (const std::string& line : lines)
+        EXPECT_EQ(CountIn(lines[0], ","), CountIn(line, ",")) << "no field has a comma of its own";
+    EXPECT_THAT(lines[0], HasSubstr(",grey.mean,"));
+    EXPECT_THAT(lines[0], HasSubstr(",outline.area,"));
+    const std::string text = Orlix("particles a.png").out;
+    EXPECT_THAT(text, HasSubstr("particles   70, 0 at the border"));
+    EXPECT_THAT(text, HasSubstr("d50 "));
+    EXPECT_EQ(kDone, Orlix("particles a.png --out out").code) << "a later run replaces its own files";
+
+    const std::string page = ReadFile(Path("out/report.html"));
+    EXPECT_EQ(count, CountIn(page, "<path id='p"));
+    EXPECT_EQ(count, CountIn(page, "<tr id='r"));
+    for (const char* part :
+         {"data:image/png", "Size distribution", "aria-label='Size distribution'", "addEventListener"})
+        EXPECT_THAT(page, HasSubstr(part));
+    for (const char* outside : {"http:", "https:", ">nan", "'nan", "src='/"})
+        EXPECT_THAT(page, Not(HasSubstr(outside)));
+
+    // A colour for each particle where it is, black elsewhere; outlines where colours end, numbers in white.
+    std::map<std::array<int, 3>, int> colours;
+    const std::vector<int> red = Pixels("out/a_labels.png", 0), green = Pixels("out/a_labels.png", 1),
+                           blue = Pixels("out/a_labels.png", 2);
+    for (size_t i = 0; i < red.size(); ++i) ++colours[{red[i], green[i], blue[i]}];
+    EXPECT_EQ(count + 1, colours.size());
+    EXPECT_EQ(m["particleSummary"]["pixels"], 640 * 480 - (colours[{0, 0, 0}]));
+    const std::vector<int> outlines = Pixels("out/a_outlines.png", 1);
+    for (const Json& particle : m["particles"]) {
+        const size_t left = particle["left"], y = particle["top"];
+        bool found = false;  // the first row of the particle is outline, or covered by a number
+        for (size_t x = left; x <= particle["right"].get<size_t>(); ++x)
+            found = found || outlines[y * 640 + x] == 106 || outlines[y * 640 + x] == 255;
+        EXPECT_TRUE(found) << particle["number"];
+    }
+}
+
+TEST_F(Particles, ABatchPutsItsFieldsTogether) {
+    Make("a.png", {.seed = 1, .particles = 40, .pits = 0});
+    Make("b.png", {.seed = 2, .particles = 60, .pits = 0});
+    WriteFile(Path("bad.png"), "no image");
+    const Result result = Orlix("particles a.png bad.png b.png --min-area 12 --json --out out");
+    EXPECT_EQ(kFailed, result.code);
+    const Json document = Json::parse(result.out), summary = document["summary"];
+    const auto number = [&](size_t i) {
+        return NumberAt(document["images"][i], "particleSummary.numberPerArea.value");
+    };
+    EXPECT_EQ(2, summary["measured"]);
+    EXPECT_EQ(1, summary["failed"]);
+    EXPECT_EQ(100, summary["particles"]);
+    EXPECT_DOUBLE_EQ((number(0) + number(2)) / 2, summary["numberPerArea"]["mean"]);
+    EXPECT_EQ(100, summary["diameter"]["byNumber"]["count"]);
+    const double d50 = NumberAt(summary, "diameter.byNumber.d50");
+    EXPECT_LT(d50, NumberAt(summary, "diameter.byArea.d50")) << "large particles have most of the area";
+    for (const char* file : {"report.html", "a_report.html", "b_report.html", "a_labels.png", "b_outlines.png"})
+        EXPECT_TRUE(Exists("out/" + std::string(file))) << file;
+    EXPECT_THAT(ReadFile(Path("out/report.html")), HasSubstr("<a href='b_report.html'>"));
+    EXPECT_EQ(102u, Lines(ReadFile(Path("out/particles.csv"))).size());
+    // Microns and pixels have no common distribution.
+    WritePgm("c.pgm", 20, 20, 255, [](int x, int y) { return x / 4 == 2 && y / 4 == 2 ? 0 : 200; });
+    const Json mixed = DocumentOf("particles a.png c.pgm")["summary"];
+    for (const char* member : {"unit", "numberPerArea", "diameter"}) EXPECT_EQ(nullptr, mixed[member]) << member;
+}
+
+TEST_F(Particles, AnImageWithoutParticlesHasNone) {
+    WritePgm("flat.pgm", 6, 255, std::vector<int>(36, 200));
+    WritePgm("full.pgm", 6, 255, std::vector<int>(36, 0));
+    const Json flat = Found("flat.pgm --fill-holes --split --open 2 --exclude-border --out out");
+    EXPECT_THAT(flat["particles"], IsEmpty());
+    EXPECT_EQ(0, flat["particleSummary"]["numberPerArea"]["value"]);
+    EXPECT_EQ(nullptr, flat["particleSummary"]["diameter"]["byNumber"]["d50"]);
+    EXPECT_EQ("no-threshold", flat["warnings"][0]["code"]);
+    EXPECT_TRUE(Exists("out/report.html"));
+    EXPECT_EQ(kDone, Orlix("particles flat.pgm").code);
+    EXPECT_EQ(1u, Lines(Orlix("particles flat.pgm --csv").out).size());
+    const Json full = Found("full.pgm --threshold 0,9 --split --exclude-border");
+    EXPECT_EQ("all-at-border", full["warnings"][0]["code"]);
+    WritePgm("specks.pgm", 16, 16, 255, [](int x, int y) { return x % 4 == 1 && y % 4 == 1 ? 0 : 200; });
+    EXPECT_EQ("specks", Found({"specks.pgm"})["warnings"].back()["code"]);
+}
+
+}  // namespace
+}  // namespace tool

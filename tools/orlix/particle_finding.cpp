@@ -1,0 +1,426 @@
+#include "particle_finding.hpp"
+
+#include "console.hpp"
+#include "warnings.hpp"
+
+#include <orlix/filters.hpp>
+#include <orlix/measure.hpp>
+#include <orlix/particles.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+namespace tool {
+
+using namespace orlix;
+
+namespace {
+
+template <class Record>
+struct RecordField {
+    const char* name;
+    Json (*of)(const Record&);
+};
+template <class Record, auto Member>
+Json MemberOf(const Record& record) {
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(record.*Member)>, double>)
+        return Finite(record.*Member);
+    else
+        return record.*Member;
+}
+
+using ParticleShape = SBinaryMeasurements;
+constexpr RecordField<ParticleShape> kShapeFields[] = {
+    {"x", &MemberOf<ParticleShape, &ParticleShape::m_dXCentroid>},
+    {"y", &MemberOf<ParticleShape, &ParticleShape::m_dYCentroid>},
+    {"left", &MemberOf<ParticleShape, &ParticleShape::m_lLeft>},
+    {"top", &MemberOf<ParticleShape, &ParticleShape::m_lTop>},
+    {"right", &MemberOf<ParticleShape, &ParticleShape::m_lRight>},
+    {"bottom", &MemberOf<ParticleShape, &ParticleShape::m_lBottom>},
+    {"pixels", &MemberOf<ParticleShape, &ParticleShape::m_lPixelCount>},
+    {"area", &MemberOf<ParticleShape, &ParticleShape::m_dArea>},
+    {"diameter", [](const ParticleShape& shape) { return Finite(2 * shape.m_dEquivalentRadius); }},
+    {"perimeter", &MemberOf<ParticleShape, &ParticleShape::m_dPerimeter>},
+    {"croftonPerimeter", &MemberOf<ParticleShape, &ParticleShape::m_dCroftonPerimeter>},
+    {"circularity", &MemberOf<ParticleShape, &ParticleShape::m_dCircularity>},
+    {"roundness", &MemberOf<ParticleShape, &ParticleShape::m_dRoundness>},
+    {"compactness", &MemberOf<ParticleShape, &ParticleShape::m_dCompactness>},
+    {"solidity", &MemberOf<ParticleShape, &ParticleShape::m_dSolidity>},
+    {"extent", &MemberOf<ParticleShape, &ParticleShape::m_dExtent>},
+    {"aspectRatio", &MemberOf<ParticleShape, &ParticleShape::m_dAspectRatio>},
+    {"feretMaximum", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMaximum>},
+    {"feretMaximumAngle", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMaximumAngle>},
+    {"feretMinimum", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMinimum>},
+    {"feretMinimumAngle", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMinimumAngle>},
+    {"boxLength", &MemberOf<ParticleShape, &ParticleShape::m_dBoxLength>},
+    {"boxWidth", &MemberOf<ParticleShape, &ParticleShape::m_dBoxWidth>},
+    {"boxAngle", &MemberOf<ParticleShape, &ParticleShape::m_dBoxAngle>},
+    {"majorAxis", &MemberOf<ParticleShape, &ParticleShape::m_dMajorAxis>},
+    {"minorAxis", &MemberOf<ParticleShape, &ParticleShape::m_dMinorAxis>},
+    {"ellipseAngle", &MemberOf<ParticleShape, &ParticleShape::m_dEllipseAngle>},
+    {"eccentricity", &MemberOf<ParticleShape, &ParticleShape::m_dEccentricity>},
+    {"holes", &MemberOf<ParticleShape, &ParticleShape::m_lHoles>},
+    {"filledArea", &MemberOf<ParticleShape, &ParticleShape::m_dFilledArea>},
+    {"hullArea", &MemberOf<ParticleShape, &ParticleShape::m_dHullArea>},
+    {"hullPerimeter", &MemberOf<ParticleShape, &ParticleShape::m_dHullPerimeter>},
+    {"inscribedRadius", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedRadius>},
+    {"inscribedX", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedXCenter>},
+    {"inscribedY", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedYCenter>},
+    {"enclosingRadius", &MemberOf<ParticleShape, &ParticleShape::m_dEnclosingRadius>},
+};
+constexpr LONG kShapeGroups = BEMT_All & ~BEMT_Moments;
+
+using ParticleGrey = SBlobGrayMeasurements;
+constexpr RecordField<ParticleGrey> kGreyFields[] = {
+    {"mean", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayAverage>},
+    {"standardDeviation", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayStandardDeviation>},
+    {"minimum", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMinimum>},
+    {"maximum", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMaximum>},
+    {"median", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMedian>},
+    {"mode", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMode>},
+    {"skewness", &MemberOf<ParticleGrey, &ParticleGrey::m_dGraySkewness>},
+    {"kurtosis", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayKurtosis>},
+    {"integrated", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayIntegrated>},
+    {"boundaryMean", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayBoundaryAverage>},
+    {"xCentroid", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayXCentroid>},
+    {"yCentroid", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayYCentroid>},
+    {"volumeOverPlane", &MemberOf<ParticleGrey, &ParticleGrey::m_dVolumeOverPlane>},
+};
+constexpr LONG kGreyGroups =
+    GEMT_GrayLocation | GEMT_GrayStatistics | GEMT_GrayRank | GEMT_GrayBoundary | GEMT_GrayVolume;
+
+using ParticleOutline = SLevelMeasurements;
+constexpr RecordField<ParticleOutline> kOutlineFields[] = {
+    {"area", &MemberOf<ParticleOutline, &ParticleOutline::m_dArea>},
+    {"diameter", [](const ParticleOutline& outline) { return Finite(2 * outline.m_dEquivalentRadius); }},
+    {"perimeter", &MemberOf<ParticleOutline, &ParticleOutline::m_dPerimeter>},
+    {"circularity", &MemberOf<ParticleOutline, &ParticleOutline::m_dCircularity>},
+    {"x", &MemberOf<ParticleOutline, &ParticleOutline::m_dXCentroid>},
+    {"y", &MemberOf<ParticleOutline, &ParticleOutline::m_dYCentroid>},
+    {"majorAxis", &MemberOf<ParticleOutline, &ParticleOutline::m_dMajorAxis>},
+    {"minorAxis", &MemberOf<ParticleOutline, &ParticleOutline::m_dMinorAxis>},
+    {"ellipseAngle", &MemberOf<ParticleOutline, &ParticleOutline::m_dEllipseAngle>},
+    {"feretMaximum", &MemberOf<ParticleOutline, &ParticleOutline::m_dFeretMaximum>},
+    {"feretMinimum", &MemberOf<ParticleOutline, &ParticleOutline::m_dFeretMinimum>},
+    {"levelShare", &MemberOf<ParticleOutline, &ParticleOutline::m_dLevelShare>},
+};
+
+template <class Record, size_t N>
+void PutFields(const RecordField<Record> (&fields)[N], const Record& record, Json& out) {
+    for (const RecordField<Record>& field : fields) out[field.name] = field.of(record);
+}
+
+LONG NumberOfBlobs(const ComPtr<IBlobs>& blobs) {
+    LONG count = 0;
+    Check(blobs->get_Count(&count), blobs);
+    return count;
+}
+
+std::vector<ParticleShape> ShapesOf(const ComPtr<IBlobs>& blobs, LONG groups) {
+    std::vector<ParticleShape> shapes(static_cast<size_t>(NumberOfBlobs(blobs)));
+    if (!shapes.empty())
+        Check(blobs->GetBinaryMeasurements(groups, 0, static_cast<LONG>(shapes.size()), shapes.data()), blobs);
+    return shapes;
+}
+
+// Where particles are counted: the image, or the region.
+class CountingField {
+public:
+    CountingField(const Measurement& measurement) {
+        const Json& document = measurement.document;
+        box_ = {0, 0, document["width"].get<LONG>() - 1, document["height"].get<LONG>() - 1};
+        pixels_ = Member(document, "region.pixels");
+        if (measurement.region) {
+            RECT box = {};
+            Check(measurement.region->get_BoundingBox(&box), measurement.region);
+            box_ = {std::max<LONG>(box_.left, box.left), std::max<LONG>(box_.top, box.top),
+                    std::min<LONG>(box_.right, box.right), std::min<LONG>(box_.bottom, box.bottom)};
+        }
+        rectangle_ = int64_t{Width()} * Height() == pixels_;
+    }
+    bool rectangle() const { return rectangle_; }
+    LONG Width() const { return box_.right - box_.left + 1; }
+    LONG Height() const { return box_.bottom - box_.top + 1; }
+
+    // Pixels that the counting rule stands for.
+    int64_t CountedPixels() const { return rectangle_ ? int64_t{Width() - 1} * (Height() - 1) : pixels_; }
+    bool Cuts(const ParticleShape& shape) const {
+        return shape.m_lImageBorderPixels > 0 || shape.m_lRegionBorderPixels > 0;
+    }
+    double CountOf(const ParticleShape& shape) const {
+        if (!rectangle_) return Cuts(shape) ? 0.5 : 1;
+        return CountsInField({shape.m_lLeft <= box_.left, shape.m_lTop <= box_.top, shape.m_lRight >= box_.right,
+                              shape.m_lBottom >= box_.bottom})
+                   ? 1
+                   : 0;
+    }
+    // The weight of a particle that is not cut.
+    double WeightOf(const ParticleShape& shape) const {
+        return MilesLantuejoul(shape.m_lRight - shape.m_lLeft + 1, shape.m_lBottom - shape.m_lTop + 1, Width(),
+                               Height());
+    }
+
+private:
+    struct Box {
+        LONG left, top, right, bottom;
+    };
+    Box box_ = {};
+    int64_t pixels_ = 0;
+    bool rectangle_ = false;
+};
+
+// The grey level of the outlines: half-way between the last level of one side and the first of the other. NaN for a
+// phase with two bounds, or none.
+double OutlineLevel(const Json& document, LONG type) {
+    const double lower = NumberAt(document, "phase.lower"), upper = NumberAt(document, "phase.upper");
+    const bool below = lower > TypeMinimum(type), above = upper < TypeMaximum(type);  // false for NaN, an open end
+    if (below == above || lower > upper) return std::numeric_limits<double>::quiet_NaN();
+    const double half = type == DT_Float ? 0 : 0.5;
+    return above ? upper + half : lower - half;
+}
+
+class ParticleFinding {
+public:
+    ParticleFinding(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const ParticleSettings& settings)
+        : settings_(settings) {
+        Filter(image);
+        result_.measurement = MeasureImage(std::move(image), shownName, settings);
+        Check(Of().image->DataType(Of().band, &type_), Of().image);
+    }
+
+    ParticleImage Run() {
+        Json& document = Of().document;
+        ComPtr<IBlobs> found = Steps();
+        const CountingField field(Of());
+        const double xMicrons = NumberAt(document, "micronsPerPixel.x"),
+                     yMicrons = NumberAt(document, "micronsPerPixel.y");
+        const bool calibrated = xMicrons > 0 && yMicrons > 0;
+        if (calibrated) Check(found->PutMicronsPerPixel(xMicrons, yMicrons), found);
+        Json summary = Counted(found, field, calibrated ? xMicrons * yMicrons : 0);
+        const double level = OutlineLevel(document, type_);
+        document["steps"] = std::move(steps_);
+        document["unit"] = calibrated ? "µm" : "pixel";
+        document["level"] = Finite(level);
+        Json particles = List(field, level);
+
+        int64_t pixels = 0, specks = 0;
+        double area = 0;
+        std::vector<const Json*> pointers;
+        for (const Json& particle : particles) {
+            const int64_t of = particle["pixels"];
+            pixels += of;
+            specks += of < kSpeck;
+            area += particle["area"].get<double>();
+            pointers.push_back(&particle);
+        }
+        summary["pixels"] = pixels;
+        summary["area"] = area;
+        summary["areaFraction"] = static_cast<double>(pixels) / NumberAt(document, "region.pixels");
+        summary["edgeCorrection"] =
+            settings_.excludeBorder && field.rectangle() ? Json("miles-lantuejoul") : Json(nullptr);
+        summary["diameter"] = DiameterDistributions(pointers);
+        if (particles.size() >= 4 && 2 * specks > static_cast<int64_t>(particles.size()))
+            Warn(document, "specks",
+                 std::to_string(specks) + " of " + std::to_string(particles.size()) +
+                     " particles have fewer than 5 pixels: noise? See --filter, --open and --min-area");
+        if (settings_.excludeBorder && particles.empty() && summary["atBorder"] > 0)
+            Warn(document, "all-at-border", "all particles are cut by the border");
+        document["particleSummary"] = std::move(summary);
+        document["particles"] = std::move(particles);
+        // Warnings stay last.
+        if (document.contains("warnings")) {
+            Json warnings = std::move(document["warnings"]);
+            document.erase("warnings");
+            document["warnings"] = std::move(warnings);
+        }
+        return std::move(result_);
+    }
+
+private:
+    static constexpr int64_t kSpeck = 5;  // pixels; smaller ones have no shape
+
+    Measurement& Of() { return result_.measurement; }
+
+    Json& Step(const char* name) {
+        steps_.push_back({{"step", name}});
+        return steps_.back();
+    }
+
+    void Filter(const ComPtr<IImageVPAExPlus>& image) {
+        for (const FilterPass& pass : settings_.filters) {
+            const NamedFilter* const filter = FindFilter(pass.name);
+            const auto process = Cast<IImageProcess>(image);
+            for (int i = 0; i < pass.times; ++i) {
+                auto source = CreateObject<IImageVPAExPlus>("Orlix.Image");
+                Check(source->CreateFromImage(image.get(), BI_AllBands), source);
+                Check((process.get()->*filter->apply)(source.get(), BI_AllBands), process);
+            }
+            Json& step = Step("filter");
+            step["filter"] = pass.name;
+            step["times"] = pass.times;
+        }
+    }
+
+    // Applies the steps to a copy of the phase, and finds its components.
+    ComPtr<IBlobs> Steps() {
+        Step("threshold");
+        const auto bitmap = CreateObject<IBitmapProcess>("Orlix.Bitmap");
+        Check(bitmap->CreateFromBitmap(Of().phase.get()), bitmap);
+        Check(bitmap->put_RegionOfInterest(Of().region.get()), bitmap);
+        const ConnectivityType connectivity = settings_.connectivity;
+        if (settings_.open) {
+            Check(bitmap->OpenDisk(*settings_.open), bitmap);
+            Step("open")["radius"] = *settings_.open;
+        }
+        if (settings_.close) {
+            Check(bitmap->CloseDisk(*settings_.close), bitmap);
+            Step("close")["radius"] = *settings_.close;
+        }
+        if (settings_.fillHoles) {
+            Check(bitmap->FillHoles(*settings_.fillHoles, connectivity), bitmap);
+            Step("fill-holes")["maximumArea"] = *settings_.fillHoles ? Json(*settings_.fillHoles) : Json(nullptr);
+        }
+        if (settings_.split) {
+            const auto& [depth, share] = *settings_.split;
+            Check(bitmap->Split(depth, share, connectivity), bitmap);
+            Json& step = Step("split");
+            step["depth"] = depth;
+            step["share"] = share;
+        }
+        ComPtr<IBlobs> blobs;
+        Check(bitmap->FindBlobs(connectivity, blobs.Out()), bitmap);
+        if (settings_.minimumArea || settings_.maximumArea) {
+            const LONG least = settings_.minimumArea.value_or(1),
+                       most = settings_.maximumArea.value_or(std::numeric_limits<LONG>::max());
+            ComPtr<IBlobs> chosen;
+            Check(blobs->Select(SMT_PixelCount, least, most, chosen.Out()), blobs);
+            Json& step = Step("area");
+            step["minimum"] = least;
+            step["maximum"] = settings_.maximumArea ? Json(most) : Json(nullptr);
+            step["removed"] = NumberOfBlobs(blobs) - NumberOfBlobs(chosen);
+            blobs = chosen;
+        }
+        return blobs;
+    }
+
+    // Counts the particles by the rule of the field; then leaves out those that are cut, if asked to.
+    Json Counted(const ComPtr<IBlobs>& found, const CountingField& field, double squareMicrons) {
+        double counted = 0;
+        int64_t cut = 0;
+        const std::vector<ParticleShape> shapes = ShapesOf(found, BEMT_Size | BEMT_BorderContact);
+        for (const ParticleShape& shape : shapes) {
+            counted += field.CountOf(shape);
+            cut += field.Cuts(shape);
+        }
+        result_.blobs = found;
+        if (settings_.excludeBorder) {
+            ComPtr<IBlobs> inImage;
+            Check(found->Select(SMT_ImageBorderPixels, 0, 0, inImage.Out()), found);
+            Check(inImage->Select(SMT_RegionBorderPixels, 0, 0, result_.blobs.Out()), inImage);
+            Step("border")["removed"] = cut;
+        }
+        Json out;
+        out["count"] = NumberOfBlobs(result_.blobs);
+        out["atBorder"] = cut;
+        Json& counting = out["counting"];
+        counting["rule"] = field.rectangle() ? "counting-frame" : "half-of-cut";
+        counting["counted"] = counted == std::floor(counted) ? Json(static_cast<int64_t>(counted)) : Json(counted);
+        const auto pixels = static_cast<double>(field.CountedPixels());
+        counting["field"]["pixels"] = field.CountedPixels();
+        counting["field"]["squareMicrons"] = squareMicrons > 0 ? Json(pixels * squareMicrons) : Json(nullptr);
+        Json& number = out["numberPerArea"];
+        // A particle counted half has no Poisson interval of its own: that of the next whole number stands in.
+        const Interval interval = PoissonInterval95(static_cast<int64_t>(std::ceil(counted)));
+        const double units = pixels * (squareMicrons > 0 ? squareMicrons : 1) / 1e6;
+        const auto density = [&](double count) { return Finite(count / units); };
+        number["value"] = density(counted);
+        number["lower"] = density(interval.lower);
+        number["upper"] = density(interval.upper);
+        number["unit"] = squareMicrons > 0 ? "1/mm2" : "1/megapixel";
+        return out;
+    }
+
+    // The documents of the particles that are left.
+    Json List(const CountingField& field, double level) {
+        const ComPtr<IBlobs>& blobs = result_.blobs;
+        const std::vector<ParticleShape> shapes = ShapesOf(blobs, kShapeGroups);
+        std::vector<ParticleGrey> grey(shapes.size());
+        std::vector<ParticleOutline> outlines(std::isnan(level) ? 0 : shapes.size());
+        const auto count = static_cast<LONG>(shapes.size());
+        if (count > 0) {
+            Check(blobs->MeasureGray(Of().image.get(), Of().band, kGreyGroups), blobs);
+            Check(blobs->GetGrayMeasurements(0, count, grey.data()), blobs);
+            if (!outlines.empty())
+                Check(blobs->GetLevelMeasurements(Of().image.get(), Of().band, level, 0, count, outlines.data()),
+                      blobs);
+        }
+        const bool corrected = settings_.excludeBorder && field.rectangle();
+        Json list = Json::array();
+        for (size_t i = 0; i < shapes.size(); ++i) {
+            Json particle;
+            particle["number"] = i + 1;
+            PutFields(kShapeFields, shapes[i], particle);
+            particle["atBorder"] = field.Cuts(shapes[i]);
+            particle["weight"] = corrected ? Finite(field.WeightOf(shapes[i])) : Json(1);
+            PutFields(kGreyFields, grey[i], particle["grey"]);
+            if (outlines.empty())
+                particle["outline"] = nullptr;
+            else
+                PutFields(kOutlineFields, outlines[i], particle["outline"]);
+            list.push_back(std::move(particle));
+        }
+        return list;
+    }
+
+    const ParticleSettings& settings_;
+    ParticleImage result_;
+    LONG type_ = DT_BYTE;
+    Json steps_ = Json::array();
+};
+
+Json DistributionDocument(const SizeDistribution& sizes) {
+    Json out;
+    out["count"] = sizes.count;
+    out["mean"] = Finite(sizes.mean);
+    out["d10"] = Finite(sizes.d10);
+    out["d50"] = Finite(sizes.d50);
+    out["d90"] = Finite(sizes.d90);
+    return out;
+}
+
+}  // namespace
+
+ParticleImage FindParticles(ComPtr<IImageVPAExPlus> image, const std::string& shownName,
+                            const ParticleSettings& settings) {
+    return ParticleFinding(std::move(image), shownName, settings).Run();
+}
+
+const std::vector<std::string>& ParticleColumns() {
+    static const std::vector<std::string> columns = [] {
+        std::vector<std::string> names = {"number"};
+        for (const auto& field : kShapeFields) names.emplace_back(field.name);
+        names.insert(names.end(), {"atBorder", "weight"});
+        for (const auto& field : kGreyFields) names.push_back(std::string("grey.") + field.name);
+        for (const auto& field : kOutlineFields) names.push_back(std::string("outline.") + field.name);
+        return names;
+    }();
+    return columns;
+}
+
+Json DiameterDistributions(const std::vector<const Json*>& particles) {
+    std::vector<double> diameters, numbers, areas;
+    for (const Json* particle : particles) {
+        const double weight = NumberAt(*particle, "weight");  // NaN, which leaves it out, where it could not lie inside
+        diameters.push_back(NumberAt(*particle, "diameter"));
+        numbers.push_back(weight);
+        areas.push_back(weight * NumberAt(*particle, "area"));
+    }
+    Json out;
+    out["byNumber"] = DistributionDocument(DistributionOf(diameters, numbers));
+    out["byArea"] = DistributionDocument(DistributionOf(diameters, areas));
+    return out;
+}
+
+}  // namespace tool

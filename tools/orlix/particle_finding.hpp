@@ -1,0 +1,64 @@
+// The particles of one image, for `orlix particles`, through the interfaces of the library.
+#pragma once
+
+#include "measurement.hpp"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+// A neighbourhood filter of the library, applied so many times.
+struct FilterPass {
+    std::string name;
+    int times = 1;
+};
+
+struct ParticleSettings : MeasureSettings {
+    std::vector<FilterPass> filters;  // before anything else, to the whole image
+    std::optional<double> open, close;
+    std::optional<LONG> fillHoles;                   // largest area; 0: all holes
+    std::optional<std::pair<double, double>> split;  // depth in pixels, share
+    std::optional<LONG> minimumArea, maximumArea;    // pixels
+    bool excludeBorder = false;
+    ConnectivityType connectivity = CT_8;
+};
+
+// What --split stands for without a value. Of ellipses of all sizes with rough outlines none is split; discs that
+// overlap are told apart where the neck is half of the smaller radius, or four fifths of it from 24 pixels on.
+constexpr std::pair<double, double> kUsualSplit = {0.75, 0.05};
+
+// Members of `measurement.document` after those of MeasureImage, all about the particles that are left after the steps;
+// lengths and areas are in microns if the pixel size is known, else in pixels, and positions in pixels:
+//   steps [{step, ...}]: what was done to the image and to the bitmap, in order
+//   unit: "µm" or "pixel"
+//   level: the grey level of the outlines; null for a phase between two levels
+//   particleSummary
+//     count, pixels, area, areaFraction (of the region)
+//     atBorder: particles that the border of the image or of the region cuts; not those of `count` with
+//       --exclude-border
+//     counting {rule, counted, field {pixels, squareMicrons}}: see orlix/particles.hpp. In a rectangle the rule is
+//       "counting-frame"; in other regions "half-of-cut": each particle that is cut counts half (Jeffries, Kline and
+//       Zimmer 1916)
+//     numberPerArea {value, lower, upper, unit}: with the 95 % interval of a Poisson distribution; the unit is "1/mm2"
+//       or "1/megapixel"
+//     edgeCorrection: "miles-lantuejoul" where the distributions use its weights (--exclude-border in a rectangle)
+//     diameter {byNumber, byArea}: of the discs of the same area, each {count, mean, d10, d50, d90}
+//   particles [{...}]: in raster order; see ParticleColumns()
+// Warnings: specks, all-at-border.
+struct ParticleImage {
+    Measurement measurement;      // its phase is what the threshold found
+    orlix::ComPtr<IBlobs> blobs;  // those of "particles", in this order
+};
+ParticleImage FindParticles(orlix::ComPtr<IImageVPAExPlus> image, const std::string& shownName,
+                            const ParticleSettings& settings);
+
+// The members of a particle, as paths: "number" (from 1), "x", ..., "grey.mean", "outline.area".
+const std::vector<std::string>& ParticleColumns();
+
+// The distributions of the diameters of particles with the given documents: {byNumber, byArea}.
+Json DiameterDistributions(const std::vector<const Json*>& particles);
+
+}  // namespace tool
