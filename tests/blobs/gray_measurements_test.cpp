@@ -65,10 +65,10 @@ TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
                     if (!in(column - 1, row) || !in(column + 1, row) || !in(column, row - 1) || !in(column, row + 1))
                         boundary.push_back(g);
                 }
-                bool near = false;
+                bool beside = false;
                 for (int32_t i = -2; i <= 2; ++i)
-                    for (int32_t k = -2; k <= 2; ++k) near |= in(column + i, row + k);
-                if (near && found.LabelAt(column, row) == kNoLabel)
+                    for (int32_t k = -2; k <= 2; ++k) beside |= in(column + i, row + k);
+                if (beside && found.LabelAt(column, row) == kNoLabel)
                     around.push_back({static_cast<double>(column), static_cast<double>(row), g});
             }
         const BlobGrayMeasurements measured = measurer.Measure(label);

@@ -161,7 +161,7 @@ TEST(Blobs, RefuseWhatMakesNoSense) {
     ComPtr<IBlobs> result;
     ComPtr<IPolygon> outline;
     ComPtr<IRegionOfInterest> region;
-    for (const LONG index : {-1, 3, kMost, kLeast}) {
+    for (const LONG index : {LONG{-1}, LONG{3}, kMost, kLeast}) {
         EXPECT_TRUE(Fails(blobs->get_Label(index, &number), "IBlobs::get_Label: index is out of range", kBlobsSource));
         EXPECT_EQ(0, number);
         EXPECT_TRUE(
