@@ -6,30 +6,16 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <queue>
 #include <random>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "binary/plane_pictures.hpp"
 #include "binary/watershed.hpp"
+#include "support/slow_distance.hpp"
 
 namespace orlix {
 namespace {
-
-// Of each pixel, row by row: the smallest of the squared distances to all background pixels.
-std::vector<int64_t> SlowDistances(const BitPlane& image) {
-    std::vector<int64_t> distances;
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (int32_t x = 0; x < image.width(); ++x) {
-            int64_t& least = distances.emplace_back(kInfiniteDistance<int64_t>);
-            for (int32_t v = 0; v < image.height(); ++v)
-                for (int32_t u = 0; u < image.width(); ++u)
-                    if (!image.bit(u, v)) least = std::min(least, int64_t{u - x} * (u - x) + int64_t{v - y} * (v - y));
-        }
-    return distances;
-}
 
 void ExpectDistances(const BitPlane& image) {
     const std::vector<int64_t> expected = SlowDistances(image);
@@ -71,102 +57,14 @@ TEST(Distances, BeyondInt32AreExact) {
     }
 }
 
-// The pixels of plateaus, connected pixels of one value, that have no higher neighbour.
-template <class T>
-BitPlane SlowMaxima(const BitPlane& image, const std::vector<T>& values, Connectivity connectivity) {
-    const auto value = [&](int32_t x, int32_t y) { return values[static_cast<size_t>(y * image.width() + x)]; };
-    const auto steps = StepsOf(connectivity);
-    BitPlane maxima(image.width(), image.height()), visited(image.width(), image.height());
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (int32_t x = 0; x < image.width(); ++x) {
-            if (!image.bit(x, y) || visited.bit(x, y)) continue;
-            bool highest = true;
-            std::vector<Place> plateau = {{x, y}};
-            visited.setBit(x, y, true);
-            for (size_t i = 0; i < plateau.size(); ++i) {
-                const auto [px, py] = plateau[i];
-                for (const auto& [dx, dy] : steps) {
-                    if (!IsSet(image, px + dx, py + dy)) continue;
-                    const T other = value(px + dx, py + dy);
-                    highest = highest && other <= value(x, y);
-                    if (other != value(x, y) || visited.bit(px + dx, py + dy)) continue;
-                    visited.setBit(px + dx, py + dy, true);
-                    plateau.push_back({px + dx, py + dy});
-                }
-            }
-            for (const auto& [px, py] : plateau) maxima.setBit(px, py, highest);
-        }
-    return maxima;
-}
-
-BitPlane SlowSplit(const BitPlane& image, Connectivity connectivity, const SplitDepth& depth) {
-    const int32_t width = image.width();
-    const auto at = [&](int32_t x, int32_t y) { return static_cast<size_t>(y * width + x); };
-    const auto steps = StepsOf(connectivity);
-    std::vector<double> distances;
-    for (const int64_t square : SquaredDistances<int64_t>(image))
-        distances.push_back(std::sqrt(static_cast<double>(square)));
-
-    // The reconstruction, by dilations within D until nothing changes.
-    std::vector<double> levels = distances;
-    for (double& level : levels) level = (1 - depth.share) * level - depth.pixels;
-    for (bool changed = true; changed;) {
-        changed = false;
-        for (int32_t y = 0; y < image.height(); ++y)
-            for (int32_t x = 0; x < width; ++x)
-                for (const auto& [dx, dy] : steps) {
-                    if (!image.bit(x, y) || !IsSet(image, x + dx, y + dy)) continue;
-                    const double spread = std::min(levels[at(x + dx, y + dy)], distances[at(x, y)]);
-                    if (spread <= levels[at(x, y)]) continue;
-                    levels[at(x, y)] = spread;
-                    changed = true;
-                }
-    }
-    const SlowComponents markers(SlowMaxima(image, levels, connectivity), connectivity);
-    std::vector<int> labels = markers.label;
-
-    // Highest level first, then first in, first out.
-    using Entry = std::tuple<double, int, int32_t, int32_t>;
-    std::priority_queue<Entry> queue;
-    std::vector<bool> queued(labels.size());
-    int number = 0;
-    const auto add = [&](double level, int32_t x, int32_t y) {
-        queue.push({level, --number, x, y});
-        queued[at(x, y)] = true;
-    };
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (int32_t x = 0; x < width; ++x)
-            if (image.bit(x, y) && labels[at(x, y)] < 0 &&
-                std::any_of(steps.begin(), steps.end(), [&](const auto& step) {
-                    return IsSet(image, x + step.x, y + step.y) && labels[at(x + step.x, y + step.y)] >= 0;
-                }))
-                add(distances[at(x, y)], x, y);
-    while (!queue.empty()) {
-        const auto [level, order, x, y] = queue.top();
-        queue.pop();
-        std::vector<int> around;
-        for (const auto& [dx, dy] : steps)
-            if (IsSet(image, x + dx, y + dy) && labels[at(x + dx, y + dy)] >= 0)
-                around.push_back(labels[at(x + dx, y + dy)]);
-        if (std::any_of(around.begin(), around.end(), [&](int label) { return label != around[0]; })) continue;
-        labels[at(x, y)] = around[0];
-        for (const auto& [dx, dy] : steps)
-            if (IsSet(image, x + dx, y + dy) && labels[at(x + dx, y + dy)] < 0 && !queued[at(x + dx, y + dy)])
-                add(std::min(level, distances[at(x + dx, y + dy)]), x + dx, y + dy);
-    }
-    BitPlane split(width, image.height());
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (int32_t x = 0; x < width; ++x) split.setBit(x, y, labels[at(x, y)] >= 0);
-    return split;
-}
-
 constexpr SplitDepth kDepths[] = {{0, 0}, {0.5, 0}, {0.25, 0.2}, {0, 1}};
 
 void ExpectMaximaAndSplit(const BitPlane& image, const SplitDepth& depth) {
     for (const Connectivity connectivity : kConnectivities) {
         ASSERT_EQ(SlowMaxima(image, SquaredDistances<int64_t>(image), connectivity),
                   UltimatePoints(image, connectivity));
-        ASSERT_EQ(SlowSplit(image, connectivity, depth), WatershedSplit(image, connectivity, depth))
+        ASSERT_EQ(SlowSplit(image, SquaredDistances<int64_t>(image), connectivity, depth.pixels, depth.share),
+                  WatershedSplit(image, connectivity, depth))
             << depth.pixels << " " << depth.share << testing::PrintToString(image);
     }
 }

@@ -11,40 +11,13 @@
 #include "binary/binary_pictures.hpp"
 #include "component/failure.hpp"
 #include "geometry/structuring_element.hpp"
+#include "support/slow_morphology.hpp"
 
 namespace orlix {
 namespace {
 
-using Offsets = std::vector<std::pair<int64_t, int64_t>>;
-
 constexpr Morphology kMorphology[] = {Morphology::Erosion, Morphology::Dilation, Morphology::Opening,
                                       Morphology::Closing};
-
-// The definition of the header.
-std::vector<bool> SlowStep(const std::vector<bool>& pixels, int32_t width, const Offsets& offsets, bool dilate) {
-    const auto height = static_cast<int32_t>(pixels.size()) / width;
-    std::vector<bool> result(pixels.size());
-    for (int32_t y = 0; y < height; ++y)
-        for (int32_t x = 0; x < width; ++x) {
-            bool extreme = !dilate;
-            for (const auto& [dx, dy] : offsets) {
-                const int64_t column = dilate ? x - dx : x + dx, row = dilate ? y - dy : y + dy;
-                if (column < 0 || column >= width || row < 0 || row >= height) continue;
-                if (pixels[static_cast<size_t>(row * width + column)] == dilate) extreme = dilate;
-            }
-            result[static_cast<size_t>(y * width + x)] = extreme;
-        }
-    return result;
-}
-
-std::vector<bool> Slow(std::vector<bool> pixels, int32_t width, const Offsets& offsets, Morphology operation,
-                       int32_t times = 1) {
-    const bool dilateFirst = operation == Morphology::Dilation || operation == Morphology::Closing;
-    for (int32_t i = 0; i < times; ++i) pixels = SlowStep(pixels, width, offsets, dilateFirst);
-    if (operation == Morphology::Opening || operation == Morphology::Closing)
-        for (int32_t i = 0; i < times; ++i) pixels = SlowStep(pixels, width, offsets, !dilateFirst);
-    return pixels;
-}
 
 using Apply = std::function<void(const BitRows&, Morphology, BitmapStore&, const RegionRows&)>;
 
@@ -54,43 +27,37 @@ void ExpectMorphology(int32_t width, int32_t height, const Offsets& offsets, con
         for (const double density : {0.05, 0.8}) {
             const auto seed = static_cast<uint32_t>(width);
             BitmapStore source = NoiseBitmap(width, height, density, Padding::Set, seed);
-            const std::vector<bool> want = Slow(PixelsOf(source), width, offsets, operation, times);
+            const BitPlane want = SlowMorphology(BitPlane(RowsOf(source)), offsets, operation, times);
             ForEachRegion(width, height, [&](const RegionRows& region, const std::vector<bool>& inside) {
                 BitmapStore to = NoiseBitmap(width, height, 0.5, Padding::Noise, 7);
                 const std::vector<bool> before = PixelsOf(to);
                 apply(RowsOf(source), operation, to, region);
                 const std::vector<bool> got = PixelsOf(to);
-                for (size_t i = 0; i < want.size(); ++i)
-                    ASSERT_EQ(inside[i] ? want[i] : before[i], got[i])
+                for (size_t i = 0; i < got.size(); ++i) {
+                    const auto x = static_cast<int32_t>(i) % width, y = static_cast<int32_t>(i) / width;
+                    ASSERT_EQ(inside[i] ? want.bit(x, y) : before[i], got[i])
                         << width << " x " << height << ", pixel " << i << ", operation " << int(operation);
+                }
                 for (int32_t y = 0; y < height; ++y) EXPECT_EQ(!region.row(y).empty(), to.Modified(y));
             });
             apply(RowsOf(source), operation, source, RegionRows(nullptr, width, height));
-            ASSERT_EQ(want, PixelsOf(source)) << width << " x " << height << ", operation " << int(operation);
+            ASSERT_EQ(want, BitPlane(RowsOf(source))) << width << " x " << height << ", operation " << int(operation);
         }
 }
-
-Offsets Box(int64_t left, int64_t top, int64_t right, int64_t bottom) {
-    Offsets offsets;
-    for (int64_t y = top; y <= bottom; ++y)
-        for (int64_t x = left; x <= right; ++x) offsets.push_back({x, y});
-    return offsets;
-}
-
-const Offsets kCross = {{0, 0}, {1, 0}, {-1, 0}, {0, 1}, {0, -1}};
 
 TEST(BinaryMorphology, SquaresAndDiamondsAtEveryWidth) {
     for (int32_t width = 1; width <= 70; ++width) {
         const int32_t height = 1 + width % 9, times = 1 + width % 6, many = width % 10 == 0 ? 25 : times;
-        ExpectMorphology(width, height, Box(-1, -1, 1, 1), [](auto& from, auto how, auto& to, auto& region) {
+        ExpectMorphology(width, height, RectangleOf(-1, -1, 1, 1), [](auto& from, auto how, auto& to, auto& region) {
             ApplySquare(from, how, Connectivity::Eight, 1, to, region);
         });
-        ExpectMorphology(width, height, kCross, [](auto& from, auto how, auto& to, auto& region) {
-            ApplySquare(from, how, Connectivity::Four, 1, to, region);
-        });
+        ExpectMorphology(width, height, NeighboursAnd(Connectivity::Four),
+                         [](auto& from, auto how, auto& to, auto& region) {
+                             ApplySquare(from, how, Connectivity::Four, 1, to, region);
+                         });
         for (const Connectivity neighbours : {Connectivity::Four, Connectivity::Eight})
             ExpectMorphology(
-                width, height, neighbours == Connectivity::Four ? kCross : Box(-1, -1, 1, 1),
+                width, height, NeighboursAnd(neighbours),
                 [&, n = neighbours == Connectivity::Four ? many : times](auto& from, auto how, auto& to, auto& region) {
                     ApplySquare(from, how, neighbours, n, to, region);
                 },
@@ -102,14 +69,14 @@ TEST(BinaryMorphology, ManyTimesAreAsManyAsTheBitmapIsLong) {
     for (const Connectivity neighbours : {Connectivity::Four, Connectivity::Eight})
         for (const int32_t times : {40, 100000, INT32_MAX})
             ExpectMorphology(
-                23, 9, neighbours == Connectivity::Four ? kCross : Box(-1, -1, 1, 1),
+                23, 9, NeighboursAnd(neighbours),
                 [&](auto& from, auto how, auto& to, auto& region) {
                     ApplySquare(from, how, neighbours, times, to, region);
                 },
                 40);
     for (const int32_t times : {0, -1, INT32_MIN})
         ExpectMorphology(
-            23, 9, kCross,
+            23, 9, NeighboursAnd(Connectivity::Four),
             [&](auto& from, auto how, auto& to, auto& region) {
                 ApplySquare(from, how, Connectivity::Four, times, to, region);
             },
@@ -125,13 +92,10 @@ TEST(BinaryMorphology, RectanglesAtEveryWidth) {
         for (size_t i = static_cast<size_t>(width) % 3; i < std::size(kSizes); i += 3) {
             const auto [w, h] = kSizes[i];
             const int32_t height = 1 + width % 11;
-            const auto reach = [](int32_t length, int32_t size) { return std::min(length, size); };
-            ExpectMorphology(
-                width, height,
-                Box(-reach((w - 1) / 2, width), -reach((h - 1) / 2, height), reach(w / 2, width), reach(h / 2, height)),
-                [&, rectangle = kSizes[i]](auto& from, auto how, auto& to, auto& region) {
-                    ApplyRectangle(from, how, rectangle.first, rectangle.second, to, region);
-                });
+            ExpectMorphology(width, height, Window(w, h, width, height),
+                             [&, rectangle = kSizes[i]](auto& from, auto how, auto& to, auto& region) {
+                                 ApplyRectangle(from, how, rectangle.first, rectangle.second, to, region);
+                             });
         }
 }
 
@@ -152,7 +116,7 @@ TEST(BinaryMorphology, DisksHaveTheElementsOfCreateDisk) {
     }
     // Wider than the bitmap, and without end.
     for (const double radius : {30.0, 1e300, static_cast<double>(INFINITY)})
-        ExpectMorphology(19, 12, Box(-18, -11, 18, 11), [&](auto& from, auto how, auto& to, auto& region) {
+        ExpectMorphology(19, 12, RectangleOf(-18, -11, 18, 11), [&](auto& from, auto how, auto& to, auto& region) {
             ApplyDisk(from, how, radius, to, region);
         });
 }
@@ -195,11 +159,9 @@ TEST(BinaryMorphology, AnOverlappingSourceIsReadBeforeItIsWritten) {
     BitmapStore bitmap = NoiseBitmap(100, 21, 0.9, Padding::Noise);
     BitRows shorter = RowsOf(bitmap);
     shorter.rowBytes = 13;
-    std::vector<bool> source;
-    for (int32_t y = 0; y < 21; ++y)
-        for (int32_t x = 0; x < 100; ++x) source.push_back(shorter.row(y)[x / 8] & BitmapStore::MaskOf(x));
+    const BitPlane source(shorter);
     ApplySquare(shorter, Morphology::Erosion, Connectivity::Eight, 1, bitmap, RegionRows(nullptr, 100, 21));
-    EXPECT_EQ(Slow(source, 100, Box(-1, -1, 1, 1), Morphology::Erosion), PixelsOf(bitmap));
+    EXPECT_EQ(SlowMorphology(source, RectangleOf(-1, -1, 1, 1), Morphology::Erosion), BitPlane(RowsOf(bitmap)));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "binary/binary_pictures.hpp"
 #include "binary/plane_kernels.hpp"
 #include "support/kernel_testing.hpp"
+#include "support/slow_morphology.hpp"
 
 namespace orlix {
 namespace {
@@ -20,20 +21,6 @@ BitPlane NoisePlane(int32_t width, int32_t height, double density, uint32_t seed
 bool PixelAt(const BitPlane& plane, int64_t x, int64_t y) {
     return x >= 0 && x < plane.width() && y >= 0 && y < plane.height() &&
            plane.bit(static_cast<int32_t>(x), static_cast<int32_t>(y));
-}
-
-size_t IndexAt(const BitPlane& plane, int32_t x, int32_t y) {
-    size_t index = 0;
-    for (int32_t dy = -1; dy <= 1; ++dy)
-        for (int32_t dx = -1; dx <= 1; ++dx) index = 2 * index + PixelAt(plane, int64_t{x} + dx, int64_t{y} + dy);
-    return index;
-}
-
-BitPlane SlowPass(const BitPlane& plane, const NeighbourhoodTable& table) {
-    BitPlane result(plane.width(), plane.height());
-    for (int32_t y = 0; y < plane.height(); ++y)
-        for (int32_t x = 0; x < plane.width(); ++x) result.setBit(x, y, table[IndexAt(plane, x, y)]);
-    return result;
 }
 
 template <class Rule>
@@ -64,10 +51,10 @@ TEST(NeighbourhoodTable, EveryWidthAndAnyTable) {
             const BitPlane before = NoisePlane(width, 1 + width % 5, 0.5, static_cast<uint32_t>(width));
             BitPlane plane = before;
             ApplyTable(plane, table, 1);
-            ASSERT_EQ(SlowPass(before, table), plane) << width;
+            ASSERT_EQ(SlowTablePass(before, table), plane) << width;
         }
     BitPlane wide = NoisePlane(3000, 3, 0.5);
-    const BitPlane want = SlowPass(wide, kLife);
+    const BitPlane want = SlowTablePass(wide, kLife);
     ApplyTable(wide, kLife, 1);
     EXPECT_EQ(want, wide);
 }
@@ -92,7 +79,7 @@ TEST(NeighbourhoodTable, ManyPassesAreThatManySinglePasses) {
             const TablePasses passes = ApplyTable(plane, table, times);
             ASSERT_EQ(slow, plane) << times;
             EXPECT_TRUE(passes.passes == times || passes.stable) << times;
-            slow = SlowPass(slow, table);
+            slow = SlowTablePass(slow, table);
         }
     }
 }
@@ -190,22 +177,9 @@ TEST(BoundaryOf, PixelsWithANeighbourOfTheOtherKind) {
     for (int32_t width = 1; width <= 70; ++width) {
         const BitPlane plane = NoisePlane(width, 1 + width % 7, width % 2 == 0 ? 0.1 : 0.8);
         for (const Boundary side : {Boundary::Inner, Boundary::Outer})
-            for (const Connectivity neighbours : {Connectivity::Four, Connectivity::Eight}) {
-                const BitPlane boundary = BoundaryOf(plane, side, neighbours);
-                for (int32_t y = 0; y < plane.height(); ++y)
-                    for (int32_t x = 0; x < width; ++x) {
-                        const bool own = side == Boundary::Inner;
-                        bool other = false;
-                        for (int32_t dy = -1; dy <= 1; ++dy)
-                            for (int32_t dx = -1; dx <= 1; ++dx) {
-                                if (neighbours == Connectivity::Four && dx != 0 && dy != 0) continue;
-                                const int32_t nx = x + dx, ny = y + dy;
-                                if (nx < 0 || nx >= width || ny < 0 || ny >= plane.height()) continue;
-                                other = other || plane.bit(nx, ny) != own;
-                            }
-                        ASSERT_EQ(plane.bit(x, y) == own && other, boundary.bit(x, y)) << width << " " << x << " " << y;
-                    }
-            }
+            for (const Connectivity neighbours : kConnectivities)
+                ASSERT_EQ(SlowBoundary(plane, side == Boundary::Inner, neighbours), BoundaryOf(plane, side, neighbours))
+                    << width;
     }
 }
 

@@ -1,4 +1,4 @@
-// Planes for tests of connected operations, and the slow definitions that several of them share.
+// Planes for tests of connected operations.
 #pragma once
 
 #include <algorithm>
@@ -7,12 +7,11 @@
 #include <initializer_list>
 #include <ostream>
 #include <random>
-#include <span>
 #include <string_view>
 #include <vector>
 
 #include "binary/bit_plane.hpp"
-#include "binary/connectivity.hpp"
+#include "support/slow_components.hpp"
 
 namespace orlix {
 
@@ -83,70 +82,5 @@ void ForEachPlaneOfAnyWidth(const Visit& visit) {
     }
     visit(BitPlane());
 }
-
-inline constexpr Connectivity kConnectivities[] = {Connectivity::Four, Connectivity::Eight};
-
-// A pixel, or a step to one.
-struct Place {
-    int32_t x, y;
-    friend bool operator==(const Place&, const Place&) = default;
-};
-
-// Steps to the neighbours, in raster order.
-inline std::span<const Place> StepsOf(Connectivity connectivity) {
-    static constexpr Place kFour[] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}};
-    static constexpr Place kEight[] = {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
-    if (connectivity == Connectivity::Four) return kFour;
-    return kEight;
-}
-
-inline bool IsSet(const BitPlane& plane, int32_t x, int32_t y) {
-    return x >= 0 && y >= 0 && x < plane.width() && y < plane.height() && plane.bit(x, y);
-}
-
-// The image, or its complement, within a ring of pixels of the given kind.
-inline BitPlane Ringed(const BitPlane& image, bool complement, bool ring) {
-    BitPlane ringed(image.width() + 2, image.height() + 2);
-    for (int32_t y = 0; y < ringed.height(); ++y)
-        for (int32_t x = 0; x < ringed.width(); ++x) {
-            const bool inside = x > 0 && y > 0 && x <= image.width() && y <= image.height();
-            ringed.setBit(x, y, inside ? image.bit(x - 1, y - 1) != complement : ring);
-        }
-    return ringed;
-}
-
-// The components by following neighbours, in raster order of their first pixels; -1 in the background.
-struct SlowComponents {
-    int32_t width;
-    std::vector<int> label;
-    std::vector<std::vector<Place>> pixels;  // of each component
-
-    SlowComponents(const BitPlane& image, Connectivity connectivity)
-        : width(image.width()), label(static_cast<size_t>(image.width()) * static_cast<size_t>(image.height()), -1) {
-        const auto steps = StepsOf(connectivity);
-        for (int32_t y = 0; y < image.height(); ++y)
-            for (int32_t x = 0; x < image.width(); ++x) {
-                if (!image.bit(x, y) || At(x, y) >= 0) continue;
-                const int number = static_cast<int>(pixels.size());
-                auto& found = pixels.emplace_back();
-                found.push_back({x, y});
-                At(x, y) = number;
-                for (size_t i = 0; i < found.size(); ++i) {
-                    const auto [px, py] = found[i];
-                    for (const auto& [dx, dy] : steps)
-                        if (IsSet(image, px + dx, py + dy) && At(px + dx, py + dy) < 0) {
-                            At(px + dx, py + dy) = number;
-                            found.push_back({px + dx, py + dy});
-                        }
-                }
-            }
-    }
-    int& At(int32_t x, int32_t y) {
-        return label[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
-    }
-    int At(int32_t x, int32_t y) const {
-        return label[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
-    }
-};
 
 }  // namespace orlix

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 
 #include "binary/area_filter.hpp"
 #include "binary/component_hulls.hpp"
@@ -13,63 +14,17 @@
 namespace orlix {
 namespace {
 
-// The components of which `keep` says so, given their pixels.
-template <class Keep>
-BitPlane SlowChoice(const BitPlane& image, Connectivity connectivity, const Keep& keep) {
-    BitPlane kept(image.width(), image.height());
-    for (const auto& pixels : SlowComponents(image, connectivity).pixels)
-        if (keep(pixels))
-            for (const auto& [x, y] : pixels) kept.setBit(x, y, true);
-    return kept;
-}
-
-BitPlane Without(const BitPlane& image, const BitPlane& other) {
-    BitPlane result = image;
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (int32_t x = 0; x < image.width(); ++x) result.setBit(x, y, image.bit(x, y) && !other.bit(x, y));
-    return result;
-}
-
-BitPlane Opposite(const BitPlane& image) {
-    BitPlane all(image.width(), image.height());
-    for (int32_t y = 0; y < image.height(); ++y)
-        for (int32_t x = 0; x < image.width(); ++x) all.setBit(x, y, true);
-    return Without(all, image);
-}
-
 void ExpectSlowResults(const BitPlane& image) {
-    const auto touchesEdge = [&](const auto& pixels) {
-        return std::any_of(pixels.begin(), pixels.end(), [&](const auto& pixel) {
-            return pixel.x == 0 || pixel.y == 0 || pixel.x == image.width() - 1 || pixel.y == image.height() - 1;
-        });
-    };
     // Some seeds lie outside the mask.
     const BitPlane seeds = NoisePlane(image.width(), image.height(), 0.04, 99);
     for (const Connectivity connectivity : kConnectivities) {
-        const auto seeded = [&](const auto& pixels) {
-            return std::any_of(pixels.begin(), pixels.end(),
-                               [&](const auto& pixel) { return seeds.bit(pixel.x, pixel.y); });
-        };
-        ASSERT_EQ(SlowChoice(image, connectivity, seeded), Reconstruct(seeds, image, connectivity));
-        ASSERT_EQ(SlowChoice(image, connectivity, [&](const auto& pixels) { return !touchesEdge(pixels); }),
-                  ClearBorder(image, connectivity));
-
-        const auto filled = [&](size_t most) {
-            return Opposite(SlowChoice(Opposite(image), Dual(connectivity), [&](const auto& pixels) {
-                return touchesEdge(pixels) || pixels.size() > most;
-            }));
-        };
-        ASSERT_EQ(filled(SIZE_MAX), FillHoles(image, connectivity));
+        ASSERT_EQ(SlowReconstruct(seeds, image, connectivity), Reconstruct(seeds, image, connectivity));
+        ASSERT_EQ(SlowClearBorder(image, connectivity), ClearBorder(image, connectivity));
+        ASSERT_EQ(SlowFillHoles(image, connectivity, INT64_MAX), FillHoles(image, connectivity));
         for (const int most : {-1, 0, 1, 3})
-            ASSERT_EQ(filled(most < 0 ? 0 : static_cast<size_t>(most)), FillHolesUpTo(image, connectivity, most));
-
-        const auto between = [&](size_t least, size_t most) {
-            return SlowChoice(image, connectivity,
-                              [&](const auto& pixels) { return pixels.size() >= least && pixels.size() <= most; });
-        };
-        ASSERT_EQ(between(2, 5), KeepByArea(image, connectivity, 2, 5));
-        ASSERT_EQ(between(4, SIZE_MAX), KeepByArea(image, connectivity, 4, INT64_MAX));
-        ASSERT_EQ(between(1, 0), KeepByArea(image, connectivity, INT64_MAX, INT64_MIN));
+            ASSERT_EQ(SlowFillHoles(image, connectivity, most), FillHolesUpTo(image, connectivity, most));
+        for (const auto& [least, most] : {std::pair<int64_t, int64_t>{2, 5}, {4, INT64_MAX}, {INT64_MAX, INT64_MIN}})
+            ASSERT_EQ(SlowKeepArea(image, connectivity, least, most), KeepByArea(image, connectivity, least, most));
     }
 }
 
@@ -119,25 +74,6 @@ TEST(ConnectedOperations, AHoleThatIsFilledKeepsTheBlobsAndHolesInside) {
     EXPECT_EQ(inner, FillHolesUpTo(image, Connectivity::Eight, 3));
     EXPECT_EQ(inner, FillHolesUpTo(image, Connectivity::Eight, 19));
     EXPECT_EQ(FillHoles(image, Connectivity::Eight), FillHolesUpTo(image, Connectivity::Eight, 20));
-}
-
-// A point is outside a hull if some line through it has all of it on one side: the line may be turned until it passes
-// through a point of the hull.
-BitPlane SlowHulls(const BitPlane& image, Connectivity connectivity) {
-    BitPlane hulls(image.width(), image.height());
-    for (const auto& pixels : SlowComponents(image, connectivity).pixels)
-        for (int32_t y = 0; y < image.height(); ++y)
-            for (int32_t x = 0; x < image.width(); ++x) {
-                const bool outside = std::any_of(pixels.begin(), pixels.end(), [&](const auto& a) {
-                    return std::all_of(pixels.begin(), pixels.end(), [&](const auto& b) {
-                        const int32_t ax = a.x - x, ay = a.y - y, bx = b.x - x, by = b.y - y;
-                        const int32_t turn = ax * by - ay * bx;
-                        return turn > 0 || (turn == 0 && ax * bx + ay * by > 0);
-                    });
-                });
-                if (!outside) hulls.setBit(x, y, true);
-            }
-    return hulls;
 }
 
 TEST(ConvexHulls, HoldThePixelsWhoseCentresAreInside) {

@@ -2,76 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "binary/plane_pictures.hpp"
+#include "support/slow_thinning.hpp"
 
 namespace orlix {
 namespace {
-
-// In a ringed plane: whether the pixel's removal changes neither the components of the foreground nor those of the
-// background around it. Both are counted, by the definition of T. Y. Kong and A. Rosenfeld (1989): one component of
-// neighbours in the 3x3 pixels that touches the pixel in its own connectivity, for either.
-bool SlowSimple(const BitPlane& plane, int32_t x, int32_t y, Connectivity connectivity) {
-    static const auto tables = [] {
-        std::array<std::array<bool, 512>, 2> simple;
-        const auto touching = [](const BitPlane& around, Connectivity kind) {
-            const auto steps = StepsOf(kind);
-            int count = 0;
-            for (const auto& pixels : SlowComponents(around, kind).pixels)
-                count += std::any_of(pixels.begin(), pixels.end(), [&](const Place& at) {
-                    return std::find(steps.begin(), steps.end(), Place{at.x - 1, at.y - 1}) != steps.end();
-                });
-            return count;
-        };
-        for (uint32_t bits = 0; bits < 512; ++bits) {
-            BitPlane set(3, 3), clear(3, 3);
-            for (int32_t i = 0; i < 9; ++i)
-                if (i != 4) (bits >> i & 1 ? set : clear).setBit(i % 3, i / 3, true);
-            for (size_t k = 0; k < 2; ++k)
-                simple[k][bits] =
-                    touching(set, kConnectivities[k]) == 1 && touching(clear, Dual(kConnectivities[k])) == 1;
-        }
-        return simple;
-    }();
-    uint32_t bits = 0;
-    for (int32_t i = 0; i < 9; ++i) bits |= uint32_t{plane.bit(x + i % 3 - 1, y + i / 3 - 1)} << i;
-    return tables[connectivity == Connectivity::Eight][bits];
-}
-
-std::vector<Place> SlowNeighbours(const BitPlane& plane, int32_t x, int32_t y, Connectivity connectivity) {
-    std::vector<Place> found;
-    for (const auto& [dx, dy] : StepsOf(connectivity))
-        if (IsSet(plane, x + dx, y + dy)) found.push_back({x + dx, y + dy});
-    return found;
-}
-
-// One step of a pass, in a plane with a ring that stays.
-bool SlowStep(BitPlane& plane, Connectivity connectivity, const Place& side, bool removesEnds) {
-    const BitPlane before = plane;
-    for (int32_t y = 1; y < plane.height() - 1; ++y)
-        for (int32_t x = 1; x < plane.width() - 1; ++x) {
-            if (!before.bit(x, y) || before.bit(x + side.x, y + side.y)) continue;
-            if (!SlowSimple(before, x, y, connectivity)) continue;
-            const auto neighbours = SlowNeighbours(before, x, y, connectivity);
-            // Opposite: on the other side of the line through the pixel across the direction.
-            const bool opposite = (neighbours[0].x - x) * side.x + (neighbours[0].y - y) * side.y < 0;
-            if (neighbours.size() > 1 || (removesEnds && opposite)) plane.setBit(x, y, false);
-        }
-    return plane != before;
-}
-
-void SlowPasses(BitPlane& plane, Connectivity connectivity, bool removesEnds, int passes) {
-    for (bool changed = true; changed && passes > 0; --passes) {
-        changed = false;
-        for (const Place& side : {Place{0, -1}, Place{0, 1}, Place{1, 0}, Place{-1, 0}})
-            changed |= SlowStep(plane, connectivity, side, removesEnds);
-    }
-}
 
 // Whether all simple pixels of a ringed plane are ends.
 bool IsThin(const BitPlane& plane, Connectivity connectivity) {
@@ -104,22 +42,15 @@ bool SameTopology(const BitPlane& smaller, const BitPlane& larger, Connectivity 
 
 void ExpectThinning(const BitPlane& image) {
     for (const Connectivity connectivity : kConnectivities) {
-        for (const int passes : {1, 2}) {
-            BitPlane thinner = Ringed(image, false, false);
-            SlowPasses(thinner, connectivity, false, passes);
-            ASSERT_EQ(thinner, Ringed(Thin(image, connectivity, passes), false, false));
-        }
+        for (const int passes : {1, 2})
+            ASSERT_EQ(SlowThin(image, connectivity, passes), Thin(image, connectivity, passes));
         const BitPlane skeleton = Skeleton(image, connectivity);
-        BitPlane thinnest = Ringed(image, false, false);
-        SlowPasses(thinnest, connectivity, false, INT32_MAX);
-        ASSERT_EQ(thinnest, Ringed(skeleton, false, false));
-        ASSERT_TRUE(IsThin(thinnest, connectivity));
+        ASSERT_EQ(SlowThin(image, connectivity, INT32_MAX), skeleton);
+        ASSERT_TRUE(IsThin(Ringed(skeleton, false, false), connectivity));
         ASSERT_TRUE(SameTopology(skeleton, image, connectivity));
         for (const int passes : {1, 1000}) {
-            BitPlane background = Ringed(image, true, true);
-            SlowPasses(background, Dual(connectivity), true, passes);
             const BitPlane thicker = Thicken(image, connectivity, passes);
-            ASSERT_EQ(background, Ringed(thicker, true, true));
+            ASSERT_EQ(SlowThicken(image, connectivity, passes), thicker);
             ASSERT_TRUE(SameTopology(image, thicker, connectivity));
         }
     }
@@ -200,42 +131,10 @@ TEST(Thinning, ALargeSquareThinsToOneLineAndThickensBack) {
     }
 }
 
-// Looks for all branches anew after each removal.
-BitPlane SlowPrune(const BitPlane& image, Connectivity connectivity, size_t longest) {
-    BitPlane plane = image;
-    for (;;) {
-        std::optional<std::vector<Place>> shortest;
-        Place junction = {};
-        for (int32_t y = 0; y < plane.height(); ++y)
-            for (int32_t x = 0; x < plane.width(); ++x) {
-                if (!plane.bit(x, y) || SlowNeighbours(plane, x, y, connectivity).size() != 1) continue;
-                std::vector<Place> branch = {{x, y}};
-                Place at = SlowNeighbours(plane, x, y, connectivity)[0];
-                auto next = SlowNeighbours(plane, at.x, at.y, connectivity);
-                for (; next.size() == 2; next = SlowNeighbours(plane, at.x, at.y, connectivity)) {
-                    const Place before = branch.back();
-                    branch.push_back(at);
-                    at = next[next[0] == before ? 1 : 0];
-                }
-                if (next.size() < 3 || branch.size() > longest) continue;
-                if (shortest && shortest->size() <= branch.size()) continue;
-                shortest = branch;
-                junction = at;
-            }
-        if (!shortest) return plane;
-        for (const auto& [x, y] : *shortest) plane.setBit(x, y, false);
-        const auto [x, y] = junction;
-        if (SlowNeighbours(plane, x, y, connectivity).size() == 2 &&
-            SlowSimple(Ringed(plane, false, false), x + 1, y + 1, connectivity))
-            plane.setBit(x, y, false);
-    }
-}
-
 void ExpectPruning(const BitPlane& image) {
     for (const Connectivity connectivity : kConnectivities)
-        for (const size_t longest : {1, 3, 1000})
-            ASSERT_EQ(SlowPrune(image, connectivity, longest),
-                      Prune(image, connectivity, static_cast<int64_t>(longest)));
+        for (const int64_t longest : {1, 3, 1000})
+            ASSERT_EQ(SlowPrune(image, connectivity, longest), Prune(image, connectivity, longest));
 }
 
 TEST(Pruning, EqualsItsSlowDefinition) {
