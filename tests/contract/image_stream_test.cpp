@@ -18,7 +18,7 @@ constexpr HRESULT kShortWrite = static_cast<HRESULT>(0x80030103);
 constexpr HRESULT kStreamFailure = static_cast<HRESULT>(0x8003001E);
 
 // A client's stream, whose calls can be made to go wrong. It lies about its size, and knows no other call.
-class ClientStream final : public CountedObject<IStream> {
+class ClientStream final : public CountedObject<Refusing<IStream>> {
 public:
     static ComPtr<ClientStream> Make(std::string content = {}) {
         auto stream = MakeCounted<ClientStream>();
@@ -49,21 +49,11 @@ public:
         bytes.append(static_cast<const char*>(from), *written);
         return S_OK;
     }
-    STDMETHODIMP Seek(LARGE_INTEGER, DWORD, ULARGE_INTEGER*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP SetSize(ULARGE_INTEGER) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) noexcept override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Commit(DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Revert() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Stat(STATSTG* stat, DWORD) noexcept override {
         *stat = {};
         stat->cbSize.QuadPart = std::numeric_limits<uint64_t>::max();
         return S_OK;
     }
-    STDMETHODIMP Clone(IStream**) noexcept override { return E_NOTIMPL; }
 
 private:
     bool Fails() {

@@ -70,7 +70,7 @@ TEST(ARegionThatCallsBack, FromItsLastReleaseFindsAnImageThatIsWhole) {
 }
 
 // Error information that calls back when the thread lets go of it; as often as that may be.
-class CallingErrorInfo final : public IErrorInfo {
+class CallingErrorInfo final : public Refusing<IErrorInfo> {
 public:
     std::function<void()> onRelease;
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
@@ -82,11 +82,6 @@ public:
         if (const auto call = std::exchange(onRelease, nullptr)) call();
         return 1;
     }
-    STDMETHODIMP GetGUID(GUID*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetSource(BSTR*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetDescription(BSTR*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetHelpFile(BSTR*) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetHelpContext(DWORD*) noexcept override { return E_NOTIMPL; }
 };
 
 TEST(ErrorInformationThatCallsBack, IsNotLetGoOfInTheMiddleOfAnOperation) {
