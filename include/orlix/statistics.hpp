@@ -97,6 +97,24 @@ double Dip(std::span<const LONG> counts);
 // of 0.4 / root(N) on average).
 double LeastDipOfTwoPeaks(int64_t pixels);
 
+// The valley of a histogram about a level: the places to which a threshold there could have been put as well.
+//
+// The counts are spread and grouped as for Dip() and smoothed three times with a moving mean over a thirty-second of
+// the range (an odd number of intervals, at least 3). The peaks are the highest counts left and right of the level, the
+// floor is the lowest one between the peaks. The valley reaches from the level to either side as far as the smoothed
+// counts are at most a tenth of the way up from the floor to the lower peak.
+//
+// There is none where the floor is higher than half of the lower peak, where chance could have made it (the difference
+// is below five standard deviations of the counts), and where the level lies on the slope of a peak, above the valley.
+struct Valley {
+    double left = implementation::kNaN;  // in bins; NaN without a valley
+    double right = implementation::kNaN;
+};
+
+// `level` is in bins: bin i is the place i, and a threshold between bin i and the next one is i + 0.5. Counts below 0
+// are taken for 0.
+Valley ValleyAt(std::span<const LONG> counts, double level);
+
 // ------------------------------------------------------------------------------------------------------ implementation
 
 template <class Heights>
@@ -217,8 +235,13 @@ struct Knots {
     std::vector<double> at, below;
 };
 
-// The counts without the outermost ones, neighbours added up until few enough are left.
-inline std::vector<int64_t> Intervals(std::span<const LONG> counts) {
+// The counts without the outermost ones, neighbours added up until few enough are left. Interval i holds the bins
+// first + group i to first + group (i + 1) - 1.
+struct GroupedCounts {
+    size_t first = 0, group = 1;
+    std::vector<int64_t> intervals;
+};
+inline GroupedCounts Intervals(std::span<const LONG> counts) {
     constexpr int64_t kOutermost = 2000;  // one pixel in this many is left out at either end
     constexpr size_t kMost = 256;
     const auto count = [&](size_t i) { return std::max(int64_t{counts[i]}, int64_t{0}); };
@@ -229,9 +252,9 @@ inline std::vector<int64_t> Intervals(std::span<const LONG> counts) {
     for (int64_t sum = 0; first < last && (sum += count(first)) <= cut;) ++first;
     for (int64_t sum = 0; first < last && (sum += count(last - 1)) <= cut;) --last;
     const size_t group = std::max<size_t>((last - first + kMost - 1) / kMost, 1);
-    std::vector<int64_t> intervals((last - first + group - 1) / group, 0);
-    for (size_t i = first; i < last; ++i) intervals[(i - first) / group] += count(i);
-    return intervals;
+    GroupedCounts out = {first, group, std::vector<int64_t>((last - first + group - 1) / group, 0)};
+    for (size_t i = first; i < last; ++i) out.intervals[(i - first) / group] += count(i);
+    return out;
 }
 
 inline Knots DistributionOf(const std::vector<int64_t>& intervals) {
@@ -296,7 +319,7 @@ inline std::vector<double> HeightsOf(const Knots& knots, const std::vector<size_
 // interval is cut.
 inline double Dip(std::span<const LONG> counts) {
     using namespace implementation;
-    const Knots knots = DistributionOf(Intervals(counts));
+    const Knots knots = DistributionOf(Intervals(counts).intervals);
     if (knots.at.size() < 2) return 0;
     size_t first = 0, last = knots.at.size() - 1;
     double dip = 0;
@@ -320,6 +343,70 @@ inline double Dip(std::span<const LONG> counts) {
         last = end;
     }
     return dip / 2 / knots.below.back();
+}
+
+namespace implementation {
+
+// The pixels in each of `size` intervals, when those of every knot are spread as a distribution has them.
+inline std::vector<double> DensityOf(const Knots& knots, size_t size) {
+    std::vector<double> density(size, 0);
+    double before = 0;
+    size_t k = 0;
+    for (size_t i = 0; i <= size; ++i) {
+        const double place = static_cast<double>(i) - 0.5;
+        while (k < knots.at.size() && knots.at[k] <= place) ++k;
+        double below = k == 0 ? 0 : knots.below[k - 1];
+        if (k > 0 && k < knots.at.size())
+            below +=
+                (knots.below[k] - knots.below[k - 1]) * (place - knots.at[k - 1]) / (knots.at[k] - knots.at[k - 1]);
+        if (i > 0) density[i - 1] = below - before;
+        before = below;
+    }
+    return density;
+}
+
+// A moving mean over 2 * reach + 1 values; those outside are 0.
+inline std::vector<double> MovingMean(const std::vector<double>& values, size_t reach) {
+    std::vector<double> means;
+    for (size_t i = 0; i < values.size(); ++i) {
+        double sum = 0;
+        for (size_t k = i - std::min(i, reach); k <= std::min(i + reach, values.size() - 1); ++k) sum += values[k];
+        means.push_back(sum / static_cast<double>(2 * reach + 1));
+    }
+    return means;
+}
+
+}  // namespace implementation
+
+inline Valley ValleyAt(std::span<const LONG> counts, double level) {
+    using namespace implementation;
+    const GroupedCounts grouped = Intervals(counts);
+    const size_t size = grouped.intervals.size();
+    const double first = static_cast<double>(grouped.first), group = static_cast<double>(grouped.group);
+    const double at = (level - first + 0.5) / group - 0.5;  // in intervals
+    if (size < 2 || !(at >= 0 && at < static_cast<double>(size - 1))) return {};
+    const size_t reach = std::max<size_t>(size / 64, 1);
+    std::vector<double> density = DensityOf(DistributionOf(grouped.intervals), size);
+    for (int pass = 0; pass < 3; ++pass) density = MovingMean(density, reach);
+
+    const auto below = density.begin() + static_cast<std::ptrdiff_t>(at), above = below + 1;
+    const auto leftPeak = std::max_element(density.begin(), above), rightPeak = std::max_element(above, density.end());
+    const double peak = std::min(*leftPeak, *rightPeak), floor = *std::min_element(leftPeak, rightPeak + 1);
+    const double pixels = 1.8 * static_cast<double>(2 * reach + 1);  // independent intervals in a smoothed count
+    if (!(peak > 0 && floor <= peak / 2) || !((peak - floor) * std::sqrt(pixels) >= 5 * std::sqrt(peak + floor)))
+        return {};
+    const double top = floor + (peak - floor) / 10, share = at - std::floor(at);
+    if (*below + share * (*above - *below) > top) return {};
+
+    const auto crossing = [&](std::vector<double>::const_iterator outer, std::ptrdiff_t inwards) {
+        return static_cast<double>(outer - density.cbegin()) +
+               static_cast<double>(inwards) * (*outer - top) / (*outer - outer[inwards]);
+    };
+    const auto bin = [&](double place) { return (place + 0.5) * group - 0.5 + first; };
+    auto left = below, right = above;
+    while (*left <= top) --left;
+    while (*right <= top) ++right;
+    return {bin(crossing(left, 1)), bin(crossing(right, -1))};
 }
 
 inline double LeastDipOfTwoPeaks(int64_t pixels) {

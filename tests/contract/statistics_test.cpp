@@ -99,5 +99,43 @@ TEST(Dip, IsZeroForOnePeakAndClosedFormsForTwo) {
         EXPECT_DOUBLE_EQ(least, LeastDipOfTwoPeaks(pixels));
 }
 
+// Two normal peaks far apart: smoothed by three means over 9 of 256 levels they are normal still, and reach a tenth of
+// the lower one at known places.
+TEST(Valley, ReachesToATenthOfTheLowerPeak) {
+    const double deviation = std::sqrt(8.0 * 8 + 3 * 80 / 12.0);
+    const auto peaks = [](double dark, double bright, LONG step, double scale) {
+        std::vector<LONG> counts(256);
+        for (LONG i = 0; i < 256; ++i)
+            if (i % step == 0)
+                counts[static_cast<size_t>(i)] =
+                    static_cast<LONG>(scale * (dark * std::exp(-(i - 60) * (i - 60) / 128.0) +
+                                               bright * std::exp(-(i - 200) * (i - 200) / 128.0) + 0.01));
+        counts[0] = counts[255] = static_cast<LONG>(scale);  // so that the range is that of the type
+        return counts;
+    };
+    for (const auto& [dark, bright, step, scale] :
+         {std::array{1.0, 1.0, 1.0, 1e5}, {1, 12, 1, 1e4}, {20, 1, 1, 1e4}, {1, 12, 3, 1e4}, {1, 1, 1, 100}}) {
+        SCOPED_TRACE(::testing::Message() << dark << " " << bright << " " << step << " " << scale);
+        const std::vector<LONG> counts = peaks(dark, bright, static_cast<LONG>(step), scale);
+        const Valley valley = ValleyAt(counts, 120.5);
+        const double lower = std::min(dark, bright), tolerance = step > 1 || scale < 1000 ? 1.5 : 0.4;
+        EXPECT_NEAR(60 + deviation * std::sqrt(2 * std::log(dark / (0.1 * lower))), valley.left, tolerance);
+        EXPECT_NEAR(200 - deviation * std::sqrt(2 * std::log(bright / (0.1 * lower))), valley.right, tolerance);
+        for (const double none : {70.5, 60.0, -1.0, 256.0, std::nan(""), -HUGE_VAL})  // on a slope, outside
+            EXPECT_TRUE(std::isnan(ValleyAt(counts, none).left)) << none;
+    }
+    const std::vector<LONG> few = peaks(1, 1, 1, 1);
+    EXPECT_TRUE(std::isnan(ValleyAt(few, 120.5).right)) << "chance could have made the valley of so few pixels";
+    for (const std::vector<LONG>& onePeak : {std::vector<LONG>(),
+                                             std::vector<LONG>(256, 1000),
+                                             {0, 0},
+                                             {5},
+                                             {3, 4},
+                                             {9, 9, 9},
+                                             {1, 2, 3, 4, 3, 2, 1},
+                                             {-5, 9, INT32_MIN}})
+        EXPECT_TRUE(std::isnan(ValleyAt(onePeak, 1.5).left)) << onePeak.size();
+}
+
 }  // namespace
 }  // namespace orlix::testing

@@ -213,6 +213,86 @@ TEST_F(Particles, ABatchPutsItsFieldsTogether) {
     for (const char* member : {"unit", "numberPerArea", "diameter"}) EXPECT_EQ(nullptr, mixed[member]) << member;
 }
 
+// Each particle meets another fate when the level, 100, moves by one.
+TEST_F(Particles, AreFollowedWhereTheThresholdMoves) {
+    const std::vector<std::string> rows = {"###..###.###.#.-.+",  // + 101: only in the wider phase
+                                           "###+.###+###......",  // - 100: not in the narrower one
+                                           "###..###.###......",  //
+                                           "..................",  //
+                                           ".##-##..######....",  //
+                                           ".##.##..######+#..",  // a speck is no part of a large particle
+                                           "........######...."};
+    for (const bool bright : {false, true}) {
+        WritePgm("a.pgm", 18, 7, 255, [&](int x, int y) {
+            const char pixel = rows[static_cast<size_t>(y)][static_cast<size_t>(x)];
+            const int level = pixel == '#' ? 50 : pixel == '-' ? 100 : pixel == '+' ? 101 : 200;
+            return bright ? 255 - level : level;
+        });
+        const Json m = Found(Words{"a.pgm", "--pixel-size", "2", "--threshold", bright ? "155," : ",100"});
+        Words seen;
+        for (const Json& particle : m["particles"]) {
+            const Json& trust = particle["trust"]["oneLevel"];
+            seen.push_back(particle["pixels"].dump() + " " + trust["narrowerArea"].dump() + " " +
+                           trust["widerArea"].dump() + " " + trust["fate"].get<std::string>());
+            EXPECT_EQ(nullptr, particle["trust"]["valley"]);
+        }
+        EXPECT_THAT(seen, ElementsAre("9 36 40 same", "9 36 null merges", "9 36 null merges", "1 4 4 same",
+                                      "1 0 4 vanishes", "9 32 36 splits", "18 72 80 same", "1 4 null merges"));
+        const Json& moved = m["trust"]["oneLevel"];
+        EXPECT_EQ(R"({"same":3,"splits":1,"merges":3,"vanishes":1})", moved["particles"].dump());
+        EXPECT_EQ(Json::parse(bright ? "[156, 255, 154, 255]" : "[0, 99, 0, 101]"),
+                  Json({moved["narrower"]["lower"], moved["narrower"]["upper"], moved["wider"]["lower"],
+                        moved["wider"]["upper"]}));
+        EXPECT_EQ(8, moved["narrower"]["count"]);
+        EXPECT_EQ(7, moved["wider"]["count"]);
+        EXPECT_EQ(4 * 55, moved["narrower"]["area"]);
+        EXPECT_EQ(4 * 61, moved["wider"]["area"]);
+        EXPECT_DOUBLE_EQ(4 / 57.0, moved["change"]["area"]);
+    }
+    const Json range = Found("a.pgm --threshold 155,155")["trust"];
+    EXPECT_EQ(0, range["oneLevel"]["narrower"]["count"]) << "no level is left";
+    EXPECT_EQ("the phase lies between two levels", range["noValley"]);
+    EXPECT_EQ(nullptr, Found("a.pgm --no-trust")["trust"]);
+    EXPECT_THAT(Orlix("particles a.pgm --no-trust").out, Not(HasSubstr("trust")));
+}
+
+// What is said of a moved threshold is what that threshold gives.
+TEST_F(Particles, AreFoundAgainWithAllStepsWhereTheThresholdMoves) {
+    Make("a.png", {.seed = 5});
+    Make("b.png", {.seed = 5, .bits = 16, .particleContrast = 50});
+    for (const Words& image : {Words("a.png"), Words("a.png --flatten plane"), Words("b.png --bright")}) {
+        const Words steps = image +
+                            "--filter median3x3 --open 1.5 --close 1 --fill-holes --split --min-area 9 "
+                            "--roi circle:300,200,180 --exclude-border";
+        const Json m = Found(steps), trust = m["trust"];
+        EXPECT_GT(trust["valley"]["shift"], 5 * trust["oneLevel"]["shift"].get<double>());
+        EXPECT_EQ(std::max(1.0, NumberAt(m, "histogram.binWidth")), trust["oneLevel"]["shift"]);
+        for (const char* move : {"oneLevel", "valley"})
+            for (const char* phase : {"narrower", "wider"}) {
+                SCOPED_TRACE(image[0] + " " + move + " " + phase);
+                const Json& moved = trust[move][phase];
+                const double sign = std::string(phase) == "wider" ? 1 : -1;
+                const char* const end = image.back() == "--bright" ? "lower" : "upper";
+                EXPECT_EQ(NumberAt(m["phase"], end) +
+                              (end == std::string("upper") ? sign : -sign) * trust[move]["shift"].get<double>(),
+                          moved[end]);
+                Words again = {"--threshold", moved["lower"].dump() + "," + moved["upper"].dump()};
+                for (const std::string& word : steps)
+                    if (word != "--bright") again.push_back(word);
+                const Json summary = Found(again)["particleSummary"];
+                EXPECT_EQ(summary["count"], moved["count"]);
+                EXPECT_EQ(summary["pixels"], moved["pixels"]);
+                EXPECT_NEAR(NumberAt(summary, "area"), NumberAt(moved, "area"), 1e-6);
+                EXPECT_NEAR(NumberAt(summary, "diameter.byNumber.d50"), NumberAt(moved, "d50ByNumber"), 1e-9);
+                EXPECT_NEAR(NumberAt(summary, "diameter.byArea.d50"), NumberAt(moved, "d50ByArea"), 1e-9);
+            }
+    }
+    const Json batch = DocumentOf("particles a.png b.png --bright");
+    double most = 0;
+    for (const Json& image : batch["images"]) most = std::max(most, NumberAt(image, "trust.oneLevel.change.area"));
+    EXPECT_EQ(most, batch["summary"]["trust"]["oneLevel"]["area"]);
+}
+
 TEST_F(Particles, AnImageWithoutParticlesHasNone) {
     WritePgm("flat.pgm", 6, 255, std::vector<int>(36, 200));
     WritePgm("full.pgm", 6, 255, std::vector<int>(36, 0));

@@ -33,11 +33,38 @@ void Smooth(const ComPtr<IHistogram>& histogram, LONG weights) {
     if (weights == 9) Check(histogram->Smooth9(), histogram);
 }
 
+// The pixels up to the cut, or those above it.
+ComPtr<IBitmap> SideOf(const ComPtr<IImageProcess>& process, LONG type, double cut, bool bright) {
+    const double least = TypeMinimum(type);
+    ComPtr<IBitmap> bits;
+    if (!(cut >= least))  // all pixels are above the cut
+        Check(process->Threshold(least, TypeMaximum(type), bright, bits.Out()), process);
+    else
+        Check(process->Threshold(least, cut, !bright, bits.Out()), process);
+    return bits;
+}
+
+// The phase from `lower` to `upper`, with its ends moved outwards. `above`: `lower` is a cut, which is below the phase.
+MovedPhase MovePhase(const ComPtr<IImageProcess>& process, LONG type, double lower, double upper, bool above,
+                     double shift) {
+    const double least = TypeMinimum(type), most = TypeMaximum(type);
+    MovedPhase moved = {nullptr, lower > least ? std::max(lower - shift, least) : lower,
+                        upper < most ? std::min(upper + shift, most) : upper};
+    if (above) {
+        moved.phase = SideOf(process, type, moved.lower, true);
+    } else {
+        const bool some = moved.lower <= moved.upper && moved.lower <= most && moved.upper >= least;
+        Check(process->Threshold(some ? moved.lower : least, some ? moved.upper : most, some, moved.phase.Out()),
+              process);
+    }
+    return moved;
+}
+
 class Measuring {
 public:
     Measuring(ComPtr<IImageVPAExPlus> image, const std::string& shownName, const MeasureSettings& settings)
         : settings_(settings),
-          result_{nullptr, nullptr, 0, nullptr, {{"file", shownName}}},
+          result_{nullptr, nullptr, 0, nullptr, nullptr, {{"file", shownName}}},
           subject_(std::move(image), settings, result_.document),
           process_(Cast<IImageProcess>(subject_.image)),
           type_(subject_.type) {
@@ -128,16 +155,7 @@ private:
         out["counts"] = std::move(counts);
     }
 
-    // The pixels up to the cut, or those above it.
-    ComPtr<IBitmap> Side(double cut, bool bright) const {
-        const double least = TypeMinimum(type_);
-        ComPtr<IBitmap> bits;
-        if (!(cut >= least))  // all pixels are above the cut
-            Check(process_->Threshold(least, TypeMaximum(type_), bright, bits.Out()), process_);
-        else
-            Check(process_->Threshold(least, cut, !bright, bits.Out()), process_);
-        return bits;
-    }
+    ComPtr<IBitmap> Side(double cut, bool bright) const { return SideOf(process_, type_, cut, bright); }
 
     double Fraction(int64_t pixels) const {
         return static_cast<double>(pixels) / static_cast<double>(grey_.m_lPixelCount);
@@ -239,7 +257,13 @@ private:
             else
                 upper = integer ? std::min(upper, std::floor(cut)) : cut;
         }
-        if (!some) Check(process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out()), process_);
+        if (!some)
+            Check(process_->Threshold(TypeMinimum(type_), TypeMaximum(type_), 0, result_.phase.Out()), process_);
+        else
+            result_.movedPhase = [process = process_, type = type_, lower, upper,
+                                  above = choice.method && settings_.bright && !integer](double shift) {
+                return MovePhase(process, type, lower, upper, above, shift);
+            };
         if (some || !choice.method) {
             const BinaryMeasurements bits = MeasureBitmap(result_.phase);
             out["lower"] = Finite(lower);  // first and last grey level of the phase; none if lower > upper

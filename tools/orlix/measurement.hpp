@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,11 +26,20 @@ struct MeasureSettings : SubjectSettings {
     LONG smoothing = 0;  // 0, or 3, 5, 7 or 9 weights
 };
 
+// A phase with its threshold moved; its first and last grey level as those of the document.
+struct MovedPhase {
+    orlix::ComPtr<IBitmap> phase;
+    double lower, upper;
+};
+
 struct Measurement {
     orlix::ComPtr<IImageVPAExPlus> image;
     orlix::ComPtr<IRegionOfInterest> region;  // the pixels that were measured; null: the whole image
     LONG band = 0;                            // of that image
     orlix::ComPtr<IBitmap> phase;
+    // The phase again, wider by so many grey levels at each of its thresholds (narrower below 0); an open end stays.
+    // Empty where no threshold was found. The image must not have changed.
+    std::function<MovedPhase(double shift)> movedPhase;
     Json document;
 };
 

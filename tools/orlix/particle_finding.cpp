@@ -1,6 +1,7 @@
 #include "particle_finding.hpp"
 
 #include "console.hpp"
+#include "particle_trust.hpp"
 #include "warnings.hpp"
 
 #include <orlix/filters.hpp>
@@ -192,7 +193,7 @@ public:
 
     ParticleImage Run() {
         Json& document = Of().document;
-        ComPtr<IBlobs> found = Steps();
+        const ComPtr<IBlobs> found = Steps(Of().phase, steps_);
         const CountingField field(Of());
         const double xMicrons = NumberAt(document, "micronsPerPixel.x"),
                      yMicrons = NumberAt(document, "micronsPerPixel.y");
@@ -200,7 +201,7 @@ public:
         if (calibrated) Check(found->PutMicronsPerPixel(xMicrons, yMicrons), found);
         Json summary = Counted(found, field, calibrated ? xMicrons * yMicrons : 0);
         const double level = OutlineLevel(document, type_);
-        document["steps"] = std::move(steps_);
+        document["steps"] = steps_;
         document["unit"] = calibrated ? "µm" : "pixel";
         document["level"] = Finite(level);
         Json particles = List(field, level);
@@ -221,6 +222,10 @@ public:
         summary["edgeCorrection"] =
             settings_.excludeBorder && field.rectangle() ? Json("miles-lantuejoul") : Json(nullptr);
         summary["diameter"] = DiameterDistributions(pointers);
+        document["trust"] = nullptr;
+        if (settings_.trust && Of().movedPhase)
+            document["trust"] =
+                Trust(field, level, calibrated ? xMicrons * yMicrons : 1, document["histogram"], particles);
         if (particles.size() >= 4 && 2 * specks > static_cast<int64_t>(particles.size()))
             Warn(document, "specks",
                  std::to_string(specks) + " of " + std::to_string(particles.size()) +
@@ -243,9 +248,9 @@ private:
 
     Measurement& Of() { return result_.measurement; }
 
-    Json& Step(const char* name) {
-        steps_.push_back({{"step", name}});
-        return steps_.back();
+    static Json& Step(Json& steps, const char* name) {
+        steps.push_back({{"step", name}});
+        return steps.back();
     }
 
     void Filter(const ComPtr<IImageVPAExPlus>& image) {
@@ -257,35 +262,36 @@ private:
                 Check(source->CreateFromImage(image.get(), BI_AllBands), source);
                 Check((process.get()->*filter->apply)(source.get(), BI_AllBands), process);
             }
-            Json& step = Step("filter");
+            Json& step = Step(steps_, "filter");
             step["filter"] = pass.name;
             step["times"] = pass.times;
         }
     }
 
-    // Applies the steps to a copy of the phase, and finds its components.
-    ComPtr<IBlobs> Steps() {
-        Step("threshold");
+    // Applies the steps to a copy of a phase, and finds its components. Says what was done.
+    ComPtr<IBlobs> Steps(const ComPtr<IBitmap>& phase, Json& steps) const {
+        Step(steps, "threshold");
         const auto bitmap = CreateObject<IBitmapProcess>("Orlix.Bitmap");
-        Check(bitmap->CreateFromBitmap(Of().phase.get()), bitmap);
-        Check(bitmap->put_RegionOfInterest(Of().region.get()), bitmap);
+        Check(bitmap->CreateFromBitmap(phase.get()), bitmap);
+        Check(bitmap->put_RegionOfInterest(result_.measurement.region.get()), bitmap);
         const ConnectivityType connectivity = settings_.connectivity;
         if (settings_.open) {
             Check(bitmap->OpenDisk(*settings_.open), bitmap);
-            Step("open")["radius"] = *settings_.open;
+            Step(steps, "open")["radius"] = *settings_.open;
         }
         if (settings_.close) {
             Check(bitmap->CloseDisk(*settings_.close), bitmap);
-            Step("close")["radius"] = *settings_.close;
+            Step(steps, "close")["radius"] = *settings_.close;
         }
         if (settings_.fillHoles) {
             Check(bitmap->FillHoles(*settings_.fillHoles, connectivity), bitmap);
-            Step("fill-holes")["maximumArea"] = *settings_.fillHoles ? Json(*settings_.fillHoles) : Json(nullptr);
+            Step(steps, "fill-holes")["maximumArea"] =
+                *settings_.fillHoles ? Json(*settings_.fillHoles) : Json(nullptr);
         }
         if (settings_.split) {
             const auto& [depth, share] = *settings_.split;
             Check(bitmap->Split(depth, share, connectivity), bitmap);
-            Json& step = Step("split");
+            Json& step = Step(steps, "split");
             step["depth"] = depth;
             step["share"] = share;
         }
@@ -296,13 +302,21 @@ private:
                        most = settings_.maximumArea.value_or(std::numeric_limits<LONG>::max());
             ComPtr<IBlobs> chosen;
             Check(blobs->Select(SMT_PixelCount, least, most, chosen.Out()), blobs);
-            Json& step = Step("area");
+            Json& step = Step(steps, "area");
             step["minimum"] = least;
             step["maximum"] = settings_.maximumArea ? Json(most) : Json(nullptr);
             step["removed"] = NumberOfBlobs(blobs) - NumberOfBlobs(chosen);
             blobs = chosen;
         }
         return blobs;
+    }
+
+    // The particles that no border cuts.
+    static ComPtr<IBlobs> Whole(const ComPtr<IBlobs>& found) {
+        ComPtr<IBlobs> inImage, whole;
+        Check(found->Select(SMT_ImageBorderPixels, 0, 0, inImage.Out()), found);
+        Check(inImage->Select(SMT_RegionBorderPixels, 0, 0, whole.Out()), inImage);
+        return whole;
     }
 
     // Counts the particles by the rule of the field; then leaves out those that are cut, if asked to.
@@ -316,10 +330,8 @@ private:
         }
         result_.blobs = found;
         if (settings_.excludeBorder) {
-            ComPtr<IBlobs> inImage;
-            Check(found->Select(SMT_ImageBorderPixels, 0, 0, inImage.Out()), found);
-            Check(inImage->Select(SMT_RegionBorderPixels, 0, 0, result_.blobs.Out()), inImage);
-            Step("border")["removed"] = cut;
+            result_.blobs = Whole(found);
+            Step(steps_, "border")["removed"] = cut;
         }
         Json out;
         out["count"] = NumberOfBlobs(result_.blobs);
@@ -356,14 +368,13 @@ private:
                 Check(blobs->GetLevelMeasurements(Of().image.get(), Of().band, level, 0, count, outlines.data()),
                       blobs);
         }
-        const bool corrected = settings_.excludeBorder && field.rectangle();
         Json list = Json::array();
         for (size_t i = 0; i < shapes.size(); ++i) {
             Json particle;
             particle["number"] = i + 1;
             PutFields(kShapeFields, shapes[i], particle);
             particle["atBorder"] = field.Cuts(shapes[i]);
-            particle["weight"] = corrected ? Finite(field.WeightOf(shapes[i])) : Json(1);
+            particle["weight"] = Finite(WeightOf(shapes[i], field));
             PutFields(kGreyFields, grey[i], particle["grey"]);
             if (outlines.empty())
                 particle["outline"] = nullptr;
@@ -372,6 +383,28 @@ private:
             list.push_back(std::move(particle));
         }
         return list;
+    }
+
+    // In the size distributions.
+    double WeightOf(const ParticleShape& shape, const CountingField& field) const {
+        return settings_.excludeBorder && field.rectangle() ? field.WeightOf(shape) : 1;
+    }
+
+    Json Trust(const CountingField& field, double level, double pixelArea, const Json& histogram, Json& particles) {
+        const Json& phase = Of().document["phase"];
+        TrustSettings trust;
+        trust.level = level;
+        trust.integer = type_ != DT_Float;
+        trust.pixelArea = pixelArea;
+        trust.weightOf = [&](const ParticleShape& shape) { return WeightOf(shape, field); };
+        trust.movedBy = [&](double shift) -> ParticlesAt {
+            const MovedPhase moved = Of().movedPhase(shift);
+            Json same;  // steps as before
+            const ComPtr<IBlobs> found = Steps(moved.phase, same);
+            return {settings_.excludeBorder ? Whole(found) : found, moved.lower, moved.upper};
+        };
+        return TrustOf(histogram, {result_.blobs, NumberAt(phase, "lower"), NumberAt(phase, "upper")}, trust,
+                       particles);
     }
 
     const ParticleSettings& settings_;
@@ -404,6 +437,9 @@ const std::vector<std::string>& ParticleColumns() {
         names.insert(names.end(), {"atBorder", "weight"});
         for (const auto& field : kGreyFields) names.push_back(std::string("grey.") + field.name);
         for (const auto& field : kOutlineFields) names.push_back(std::string("outline.") + field.name);
+        for (const char* move : {"oneLevel", "valley"})
+            for (const char* member : {"narrowerArea", "widerArea", "fate"})
+                names.push_back(std::string("trust.") + move + "." + member);
         return names;
     }();
     return columns;

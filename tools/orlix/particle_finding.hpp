@@ -23,6 +23,7 @@ struct ParticleSettings : MeasureSettings {
     std::optional<std::pair<double, double>> split;  // depth in pixels, share
     std::optional<LONG> minimumArea, maximumArea;    // pixels
     bool excludeBorder = false;
+    bool trust = true;  // find the particles again with the threshold moved
     ConnectivityType connectivity = CT_8;
 };
 
@@ -46,7 +47,22 @@ constexpr std::pair<double, double> kUsualSplit = {0.75, 0.05};
 //       or "1/megapixel"
 //     edgeCorrection: "miles-lantuejoul" where the distributions use its weights (--exclude-border in a rectangle)
 //     diameter {byNumber, byArea}: of the discs of the same area, each {count, mean, d10, d50, d90}
-//   particles [{...}]: in raster order; see ParticleColumns()
+//   trust: what becomes of the particles when the threshold moves and all steps are made again; null without a
+//     threshold, or if it is not asked for
+//     oneLevel {shift, narrower, wider, change, particles}: by one grey level, or by one bin of the histogram where
+//       bins are wider; valley {left, right, ...}: by half the width of the histogram's valley about the level
+//       (orlix::ValleyAt), null where there is none, and then noValley says why
+//     narrower, wider {lower, upper, count, pixels, area, d50ByNumber, d50ByArea}: with a narrower and a wider phase.
+//       Of a phase between two levels both ends move. An end that is no threshold stays
+//     change {count, area, d50ByNumber, d50ByArea}: the greater one of both, as a fraction
+//     particles {same, splits, merges, vanishes}: how many of the particles have this fate
+//   particles [{...}]: in raster order; see ParticleColumns(). Members of "trust.oneLevel" and "trust.valley" (null
+//     without such a move)
+//     narrowerArea, widerArea: of the particles there that share more pixels with this one than with any other; null if
+//       it merges
+//     fate: the worse one of both moves. "vanishes": no particle there has a pixel of it. "merges": the one that has
+//       most of it has most of another one as well. "splits": several particles there lie mostly in it. A part or a
+//       neighbour of less than a tenth of its area does not count
 // Warnings: specks, all-at-border.
 struct ParticleImage {
     Measurement measurement;      // its phase is what the threshold found

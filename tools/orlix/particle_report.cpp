@@ -116,6 +116,10 @@ constexpr TableColumn kTableColumns[] = {
     {"Mean grey", "grey.mean", "of the pixels"},
     {"Area, sub-pixel", "outline.area", "inside the outline at the threshold's grey level"},
 };
+constexpr TableColumn kTrustColumns[] = {
+    {"± level, %", "trust.oneLevel", "greatest change of the area when the threshold moves by one level"},
+    {"± valley, %", "trust.valley", "when it moves by half the width of the histogram's valley"},
+};
 
 // Runs of the outline in relative steps: "M12.5 3.5h4v-2..."; positions are pixel centres.
 std::string OutlinePath(const ComPtr<IBlobs>& blobs, LONG index, LONG holes) {
@@ -176,17 +180,33 @@ std::string ParticleMap(const Json& m, const ComPtr<IBlobs>& blobs, const std::v
         const double y = NumberAt(particle, "bottom") - NumberAt(particle, "top") > 2 * font
                              ? NumberAt(particle, "inscribedY") + 0.36 * font
                              : NumberAt(particle, "top") - 0.25 * font;
-        numbers += "<text x='" + Coordinate(NumberAt(particle, "inscribedX")) + "' y='" +
-                   Coordinate(std::max(y, 0.8 * font)) + "'>" + number + "</text>\n";
+        const double half = 0.3 * font * static_cast<double>(number.size()) + font / 6;  // of its width
+        numbers += "<text x='" +
+                   Coordinate(std::clamp(NumberAt(particle, "inscribedX"), std::min(half, width / 2.0),
+                                         std::max(width - 1 - half, width / 2.0))) +
+                   "' y='" + Coordinate(std::max(y, 0.95 * font)) + "'>" + number + "</text>\n";
     }
     return svg + "<g style='font-size:" + Coordinate(font) + "px;stroke-width:" + Coordinate(font / 6) + "px'>\n" +
            numbers + "</g>\n<circle id='ring' visibility='hidden'/>\n</svg>\n";
+}
+
+// How much the area of a particle changes, in percent; what becomes of it where that is no change of area.
+std::string ChangeText(const Json& move, double area) {
+    if (move.is_null()) return "–";
+    if (move["fate"] != "same") return move["fate"];
+    return Digits(100 * std::max(std::fabs(NumberAt(move, "narrowerArea") / area - 1),
+                                 std::fabs(NumberAt(move, "widerArea") / area - 1)),
+                  2);
 }
 
 std::string ParticleTable(const Json& m, const std::vector<size_t>& shown) {
     std::string out = "<div class='list'><table id='particles'>\n<thead><tr>";
     for (const TableColumn& column : kTableColumns)
         out += std::string("<th class='n' title='") + column.hint + "'>" + column.title + "</th>";
+    const bool trust = !m["trust"].is_null();
+    if (trust)
+        for (const TableColumn& column : kTrustColumns)
+            out += std::string("<th class='n' title='") + column.hint + "'>" + column.title + "</th>";
     out += "</tr></thead>\n<tbody>\n";
     for (const size_t i : shown) {
         const Json& particle = m["particles"][i];
@@ -195,13 +215,17 @@ std::string ParticleTable(const Json& m, const std::vector<size_t>& shown) {
             const double value = NumberAt(particle, column.path);
             out += "<td class='n'>" + (value == std::floor(value) ? Rounded(value, 0) : Digits(value, 4)) + "</td>";
         }
+        if (trust)
+            for (const TableColumn& column : kTrustColumns)
+                out +=
+                    "<td class='n'>" + ChangeText(Member(particle, column.path), NumberAt(particle, "area")) + "</td>";
         out += "</tr>\n";
     }
     return out + "</tbody></table></div>\n";
 }
 
 std::string UnitOf(const Json& unit) { return unit == "pixel" ? "pixels" : unit.is_null() ? "" : "µm"; }
-std::string PerArea(const Json& number) { return number["unit"] == "1/mm2" ? " per mm²" : " per megapixel"; }
+std::string PerArea(const Json& number) { return number["unit"] == "1/mm2" ? "per mm²" : "per megapixel"; }
 std::string SizeText(const Json& sizes, const char* name) { return Digits(NumberAt(sizes, name), 4); }
 
 std::string SizesTable(const Json& diameter, const std::string& unit) {
@@ -224,6 +248,64 @@ std::string SizesSection(const std::vector<const Json*>& particles, const Json& 
            "style='background:var(--fill)'></span>by number &nbsp; <span class='key' "
            "style='background:var(--phase)'></span>by area; lines: share of what is smaller</div>\n" +
            SizesTable(diameter, unit) + "</section>\n";
+}
+
+// The figures with the threshold where it is, and moved.
+std::string TrustSection(const Json& m, const std::string& unit) {
+    const Json &trust = m["trust"], &summary = m["particleSummary"];
+    if (trust.is_null()) return {};
+    struct Column {
+        std::string title;
+        const Json* figures;
+    };
+    std::vector<Column> columns;
+    const auto add = [&](const char* move, const char* phase, const char* sign) {
+        const Json& of = trust[move];
+        if (!of.is_null()) columns.push_back({sign + Number(NumberAt(of, "shift")), &of[phase]});
+    };
+    add("valley", "narrower", "− ");
+    add("oneLevel", "narrower", "− ");
+    columns.push_back({"the level", nullptr});
+    add("oneLevel", "wider", "+ ");
+    add("valley", "wider", "+ ");
+    std::string out = "<section class='scroll'><h2>How far the numbers can be trusted</h2>\n<table>\n<tr><th></th>";
+    for (const Column& column : columns) out += "<th class='n'>" + column.title + "</th>";
+    out += "</tr>\n";
+    const std::string square = unit == "µm" ? "µm²" : unit;
+    for (const auto& [title, figure, path] : {std::array<std::string, 3>{"Particles", "count", "count"},
+                                              {"Area, " + square, "area", "area"},
+                                              {"d50 by number, " + unit, "d50ByNumber", "diameter.byNumber.d50"},
+                                              {"d50 by area, " + unit, "d50ByArea", "diameter.byArea.d50"}}) {
+        out += "<tr><td>" + title + "</td>";
+        const double base = NumberAt(summary, path);
+        for (const Column& column : columns) {
+            const double value = column.figures ? NumberAt(*column.figures, figure) : base;
+            out += "<td class='n'>" + (figure == "count" ? Plain(value) : Digits(value, 4));
+            if (column.figures && base > 0 && !std::isnan(value)) {
+                const double change = 100 * (value / base - 1);
+                out += std::string("<br><small>") + (change > 0 ? "+" : "") + Digits(change, 2) + " %</small>";
+            }
+            out += "</td>";
+        }
+        out += "</tr>\n";
+    }
+    out +=
+        "</table>\n<div class='sub' style='font-size:13px;margin-top:7px'>All steps again with a phase that is wider "
+        "(+) or narrower (−) by so many grey levels";
+    const auto fates = [&](const char* move) {
+        std::string text;
+        for (const auto& [fate, past] : {std::pair{"splits", "split"}, {"merges", "merged"}, {"vanishes", "vanished"}})
+            if (const double count = NumberAt(trust[move]["particles"], fate); count > 0)
+                text += (text.empty() ? "" : ", ") + Plain(count) + " " + past;
+        return text.empty() ? std::string("none split, merged or vanished") : text;
+    };
+    out += ": by " + Number(NumberAt(trust, "oneLevel.shift")) + " (" + fates("oneLevel") + ")";
+    if (trust["valley"].is_null())
+        out += "; " + trust["noValley"].get<std::string>();
+    else
+        out += " and by half the width of the histogram's valley, " + Digits(NumberAt(trust, "valley.left"), 4) +
+               " to " + Digits(NumberAt(trust, "valley.right"), 4) + " (" + fates("valley") + ")";
+    return out + ".</div></section>\n";
 }
 
 std::string StepsText(const Json& steps) {
@@ -261,8 +343,9 @@ std::string ParticleReport(const Json& m, const ComPtr<IBlobs>& blobs, const std
                  "particles; " + Plain(NumberAt(summary, "atBorder")) +
                      (excluded ? " more cut by the border" : " of them cut by the border"),
                  true);
-    body += Card(Digits(NumberAt(number, "value"), 4) + "<small>" + PerArea(number) + "</small>",
-                 "95 %: " + Digits(NumberAt(number, "lower"), 3) + " to " + Digits(NumberAt(number, "upper"), 3) +
+    body += Card(Digits(NumberAt(number, "value"), 4),
+                 PerArea(number) + "; 95 %: " + Digits(NumberAt(number, "lower"), 3) + " to " +
+                     Digits(NumberAt(number, "upper"), 3) +
                      "; counting rule: " + Plain(NumberAt(summary, "counting.counted")));
     body += Card(SizeText(byNumber, "d50") + " " + unit,
                  "median diameter by number; " + SizeText(byNumber, "d10") + " to " + SizeText(byNumber, "d90"));
@@ -283,6 +366,7 @@ std::string ParticleReport(const Json& m, const ComPtr<IBlobs>& blobs, const std
              : "") +
         "</div></section>\n";
     body += SizesSection(Pointers(m["particles"]), summary["diameter"], unit);
+    body += TrustSection(m, unit);
     body += "<section><h2>Histogram and threshold</h2>\n" + HistogramPlot(m) + "</section>\n";
     body += "<section><h2>How it was found</h2>\n<table>\n";
     body += Row("Steps", StepsText(m["steps"]));
@@ -304,9 +388,9 @@ std::string ParticleBatchReport(const std::vector<ParticleEntry>& entries, const
                        " failed</div></header>\n<div class='cards'>\n";
     body += Card(Grouped(Plain(NumberAt(summary, "particles"))), "particles", true);
     if (const Json& number = summary["numberPerArea"]; !number.is_null())
-        body += Card(Digits(NumberAt(number, "mean"), 4) + "<small>" + PerArea(number) + "</small>",
-                     "± " + Digits(NumberAt(number, "confidence95"), 3) + " (95 % confidence); deviation " +
-                         Digits(NumberAt(number, "standardDeviation"), 3));
+        body += Card(Digits(NumberAt(number, "mean"), 4),
+                     PerArea(number) + "; ± " + Digits(NumberAt(number, "confidence95"), 3) +
+                         " (95 % confidence); deviation " + Digits(NumberAt(number, "standardDeviation"), 3));
     std::vector<const Json*> particles;
     if (!summary["diameter"].is_null()) {
         for (const ParticleEntry& entry : entries)
@@ -338,7 +422,7 @@ std::string ParticleBatchReport(const std::vector<ParticleEntry>& entries, const
         body += entry.reportName.empty() ? name : "<a " + Href(entry.reportName) + ">" + name + "</a>";
         body += "<br><small class='sub'>" + Plain(NumberAt(m, "width")) + " × " + Plain(NumberAt(m, "height")) + ", " +
                 Calibration(m) + "</small>" + WarningsCell(m) + "</td><td class='n'>" + Plain(NumberAt(of, "count")) +
-                "</td><td class='n'>" + Digits(NumberAt(number, "value"), 4) + PerArea(number) + "<br><small>" +
+                "</td><td class='n'>" + Digits(NumberAt(number, "value"), 4) + " " + PerArea(number) + "<br><small>" +
                 Digits(NumberAt(number, "lower"), 3) + " to " + Digits(NumberAt(number, "upper"), 3) +
                 "</small></td><td class='n'>" + SizeText(of["diameter"]["byNumber"], "d50") + lengths +
                 "</td><td class='n'>" + SizeText(of["diameter"]["byArea"], "d50") + lengths + "</td><td class='n'>" +

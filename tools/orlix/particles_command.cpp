@@ -6,6 +6,7 @@
 #include "particle_finding.hpp"
 #include "particle_pictures.hpp"
 #include "particle_report.hpp"
+#include "particle_trust.hpp"
 #include "phase_options.hpp"
 #include "region.hpp"
 #include "scale_bar.hpp"
@@ -52,6 +53,16 @@ Numbers and sizes
   more often than small ones; in a rectangle the distributions are corrected for that (Miles and
   Lantuejoul).
 
+How far the numbers can be trusted
+  All steps from the threshold on are made again with the level moved to either side: by one grey level
+  (by one bin of the histogram, where bins are wider), and by half the width of the histogram's valley.
+  The valley lies between the highest counts on either side of the level, and reaches as far as the
+  smoothed counts are at most a tenth of the way up from its floor to the lower one of these peaks. A
+  level on the slope of a peak, or without two peaks, has none. Said are how number, area and median
+  diameters change, and of each particle the area that it has then and its fate: it is the same, merges
+  with another, splits, or vanishes. A neighbour or a part of less than a tenth of its area does not
+  count. Of a phase between two levels both ends move, outwards and inwards. --no-trust leaves it out.
+
 Output
   A summary for people; with --json one document {..., options, images: [...], summary}, in which each
   image has particleSummary and particles; with --csv one line a particle. Lengths and areas are in
@@ -74,7 +85,7 @@ struct ParticlesOptions {
     std::string fillHoles, split, out;
     std::optional<LONG> minimumArea, maximumArea;
     int connectivity = 8;
-    bool excludeBorder = false, json = false, csv = false, force = false;
+    bool excludeBorder = false, noTrust = false, json = false, csv = false, force = false;
     ParticleSettings settings;
 };
 
@@ -126,11 +137,13 @@ void CompleteParticles(ParticlesOptions& options) {
     settings.minimumArea = options.minimumArea;
     settings.maximumArea = options.maximumArea;
     settings.excludeBorder = options.excludeBorder;
+    settings.trust = !options.noTrust;
     settings.connectivity = options.connectivity == 4 ? CT_4 : CT_8;
 }
 
-// Over all images: {found, failed, particles, unit, numberPerArea {mean, standardDeviation, confidence95, unit},
-// diameter}. Lengths in microns and pixels are not put together: unit and diameter are null then.
+// Over all images: {measured, failed, particles, unit, numberPerArea {mean, standardDeviation, confidence95, minimum,
+// maximum, unit}, diameter, trust (the greatest changes)}. Lengths in microns and pixels are not put together: unit and
+// diameter are null then.
 Json SummaryOfFields(const Json& images) {
     size_t failed = 0, count = 0;
     std::vector<double> numbers;
@@ -169,6 +182,7 @@ Json SummaryOfFields(const Json& images) {
         number["unit"] = perArea;
     }
     out["diameter"] = oneUnit ? DiameterDistributions(particles) : Json(nullptr);
+    out["trust"] = GreatestChanges(images);
     return out;
 }
 
@@ -212,6 +226,35 @@ std::string DistributionText(const Json& sizes) {
 
 std::string PerAreaName(const std::string& unit) { return unit == "1/mm2" ? "per mm²" : "per megapixel"; }
 
+std::string PercentText(double fraction) { return Digits(100 * fraction, 3) + " %"; }
+
+// What a move of the threshold does, of the narrower and the wider phase.
+std::string MoveText(const Json& move, const Json& summary) {
+    const auto change = [&](const char* figure, const char* base) {
+        const auto percent = [&](const char* phase) {
+            const double value = 100 * (NumberAt(move[phase], figure) / NumberAt(summary, base) - 1);
+            return (value > 0 ? "+" : "") + Digits(value, 2);
+        };
+        return percent("narrower") + " to " + percent("wider") + " %";
+    };
+    std::string out = Number(NumberAt(move, "narrower.count")) + " to " + Number(NumberAt(move, "wider.count")) +
+                      " particles, area " + change("area", "area") + ", d50 " +
+                      change("d50ByNumber", "diameter.byNumber.d50") + " (by area " +
+                      change("d50ByArea", "diameter.byArea.d50") + ")";
+    for (const auto& [fate, past] : {std::pair{"splits", "split"}, {"merges", "merged"}, {"vanishes", "vanished"}})
+        if (const double count = NumberAt(move["particles"], fate); count > 0) out += ", " + Number(count) + " " + past;
+    return out;
+}
+
+std::string TrustText(const Json& trust, const Json& summary) {
+    const auto line = [&](const Json& move, const char* what) {
+        return "± " + Number(NumberAt(move, "shift")) + what + ": " + MoveText(move, summary);
+    };
+    const Json& valley = trust["valley"];
+    return TextLine("trust", line(trust["oneLevel"], "")) +
+           TextLine("", valley.is_null() ? trust["noValley"].get<std::string>() : line(valley, " (half the valley)"));
+}
+
 std::string ParticlesText(const Json& m) {
     const auto line = [&](const std::string& name, const std::string& text) { return TextLine(name, text); };
     const Json& summary = m["particleSummary"];
@@ -241,6 +284,7 @@ std::string ParticlesText(const Json& m) {
         out += line("diameter", "by number " + DistributionText(Member(summary, "diameter.byNumber")) + " " + unit);
         out += line("", "by area   " + DistributionText(Member(summary, "diameter.byArea")) + " " + unit);
     }
+    if (count > 0 && !m["trust"].is_null()) out += TrustText(m["trust"], summary);
     return out + WarningsText(m) + "\n";
 }
 
@@ -257,6 +301,12 @@ std::string TextOfFields(const Json& summary) {
         out += "\n  diameter by number " + DistributionText(Member(summary, "diameter.byNumber")) + " " + unit +
                "\n           by area   " + DistributionText(Member(summary, "diameter.byArea")) + " " + unit;
     }
+    for (const auto& [member, what] : {std::pair{"oneLevel", "one level"}, {"valley", "half the valley"}})
+        if (const Json& change = Member(summary, std::string("trust.") + member); !change.is_null())
+            out += std::string("\n  ") + what + " changes the number of an image by up to " +
+                   PercentText(NumberAt(change, "count")) + ", the area by " + PercentText(NumberAt(change, "area")) +
+                   ", d50 by " + PercentText(NumberAt(change, "d50ByNumber")) + " (by area " +
+                   PercentText(NumberAt(change, "d50ByArea")) + ")";
     return out + "\n";
 }
 
@@ -382,6 +432,7 @@ Command AddParticles(CLI::App& program) {
     command.AddFlag("--exclude-border", options->excludeBorder, "Leave out particles that the border cuts");
     command.Add("--connectivity", options->connectivity, "4 or 8 neighbours hold a particle together (default 8)")
         .OneOf(std::vector{4, 8});
+    command.AddFlag("--no-trust", options->noTrust, "Do not find the particles again with the threshold moved");
     command.Add("--out", options->out, "Folder for pictures, lists and reports").Named("DIR");
     command.AddFlag("--force", options->force, "Replace other files there that have the names of results");
     const Parameter json = command.AddFlag("--json", options->json, "Results as JSON");
