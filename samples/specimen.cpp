@@ -35,7 +35,7 @@ double Random::Normal() {
 
 namespace {
 
-constexpr int kGap = 4;  // pixels between particles, to pits and to the border; edge softening reaches 1
+constexpr int kGap = 4;  // pixels to pits and to the border; edge softening reaches 1
 constexpr int32_t kPit = -1;
 
 void Validate(const SpecimenSettings& s) {
@@ -51,6 +51,9 @@ void Validate(const SpecimenSettings& s) {
     require(s.pits >= 0 && s.pits <= 100000, "the number of pits must lie between 0 and 100000");
     require(s.minimumRadius >= 1 && s.maximumRadius >= s.minimumRadius && s.maximumRadius <= 16384,
             "radii must be at least 1, the minimum not above the maximum");
+    // The centre of a particle is its own then.
+    require(s.gap >= 1 - s.minimumRadius && s.gap <= 16384,
+            "the gap between particles must be at least 1 minus the smallest radius");
     require(s.raggedShare >= 0 && s.raggedShare <= 1, "the share of ragged particles must lie between 0 and 1");
     require(level(s.matrixGrey) && level(s.particleContrast) && level(s.backgroundSpan) && level(s.scratchContrast) &&
                 level(s.pitContrast),
@@ -209,27 +212,27 @@ private:
         }
         std::sort(radii.begin(), radii.end(), std::greater<>());  // large ones first: they fit least easily
 
-        Neighbours taken(s.width, s.height, 2 * s.maximumRadius + kGap + 2);
+        Neighbours taken(s.width, s.height, 2 * s.maximumRadius + std::max<double>(s.gap, kGap) + 2);
         for (const double radius : radii) {
-            const Disk disk = Place(taken, radius);
+            const Disk disk = Place(taken, radius, s.gap);
             taken.Add(disk);
             DrawParticle(disk, random_.Uniform() < s.raggedShare);
         }
         for (int32_t i = 0; i < s.pits; ++i) {
             const double radius = random_.Uniform(0.5, 1.3);
-            const Disk disk = Place(taken, radius);
+            const Disk disk = Place(taken, radius, kGap);
             taken.Add(disk);
             DrawPit(disk);
         }
     }
 
-    Disk Place(const Neighbours& taken, double radius) {
+    Disk Place(const Neighbours& taken, double radius, double gap) {
         const SpecimenSettings& s = Settings();
         const double margin = radius + kGap;
         for (int attempt = 0; attempt < 20000 && 2 * margin < s.width - 1 && 2 * margin < s.height - 1; ++attempt) {
             const double x = random_.Uniform(margin, s.width - 1 - margin);
             const double y = random_.Uniform(margin, s.height - 1 - margin);
-            if (taken.Free(x, y, radius, kGap)) return {x, y, radius};
+            if (taken.Free(x, y, radius, gap)) return {x, y, radius};
         }
         throw std::runtime_error("the particles do not fit: fewer or smaller ones, or a larger image");
     }

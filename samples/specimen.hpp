@@ -42,6 +42,7 @@ struct SpecimenSettings {
     int32_t particles = 70;
     double minimumRadius = 4;  // pixels, of the circle that holds the particle
     double maximumRadius = 22;
+    double gap = 4;                  // pixels at least between the circles of two particles; below 0 they may overlap
     double raggedShare = 0.4;        // of the particles; the others are round
     double matrixGrey = 182;         // mean of the background, about
     double particleContrast = -105;  // added to the background; negative: dark particles
@@ -72,10 +73,10 @@ struct Specimen {
     std::array<double, 6> background = {};  // K0..K5 in levels of this image
 };
 
-// Every particle is one 4-connected set of pixels; particles keep at least 4 pixels between each other, to pits, and to
-// the image's border. Throws std::invalid_argument for settings out of range (width and height 16..32768; bits 8 or 16;
-// particles, scratches and pits 0..100000; radii 1 <= minimum <= maximum; finite levels, noise >= 0) and
-// std::runtime_error when the particles do not fit.
+// Every particle is one 4-connected set of pixels, where two overlap those that the earlier, larger one leaves; pits and
+// the image's border keep at least 4 pixels from them. Throws std::invalid_argument for settings out of range (width and
+// height 16..32768; bits 8 or 16; particles, scratches and pits 0..100000; radii 1 <= minimum <= maximum; gap at least
+// 1 - minimum; finite levels, noise >= 0) and std::runtime_error when the particles do not fit.
 Specimen MakeSpecimen(const SpecimenSettings& settings);
 
 }  // namespace samples

@@ -129,6 +129,14 @@ TEST(Specimen, ParticlesAndPitsAgreeWithAnIndependentLabelling) {
         }
 }
 
+TEST(Specimen, ParticlesThatOverlapShareNoPixels) {
+    const Specimen specimen = MakeSpecimen(
+        {.seed = 2, .width = 320, .height = 200, .particles = 60, .minimumRadius = 4, .maximumRadius = 14, .gap = -3});
+    EXPECT_LT(Components(specimen).size(), 55u) << "some touch";
+    for (size_t i = 0; i < specimen.particles.size(); ++i)
+        EXPECT_EQ(std::ranges::count(specimen.labels, static_cast<int32_t>(i) + 1), specimen.particles[i].area);
+}
+
 TEST(Specimen, RoundParticlesHaveTheAreaOfTheirCircle) {
     SpecimenSettings settings = Clean();
     settings.particles = 10;
@@ -176,7 +184,7 @@ TEST(Specimen, SettingsThatCannotBeMetAreRefused) {
           SpecimenSettings{.particles = -1}, SpecimenSettings{.minimumRadius = 0}, SpecimenSettings{.maximumRadius = 2},
           SpecimenSettings{.maximumRadius = nan}, SpecimenSettings{.raggedShare = nan},
           SpecimenSettings{.matrixGrey = nan}, SpecimenSettings{.pits = -1}, SpecimenSettings{.noise = -1},
-          SpecimenSettings{.noise = nan}})
+          SpecimenSettings{.noise = nan}, SpecimenSettings{.gap = nan}, SpecimenSettings{.gap = -3.5}})
         EXPECT_THROW(MakeSpecimen(settings), std::invalid_argument);
     EXPECT_THROW(MakeSpecimen({.width = 64, .height = 64, .particles = 200}), std::runtime_error);
     EXPECT_THROW(MakeSpecimen({.width = 32, .height = 32, .particles = 1, .minimumRadius = 16}), std::runtime_error);

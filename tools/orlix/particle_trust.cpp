@@ -86,7 +86,7 @@ Matches MatchesOf(const Population& here, const Population& there) {
                    std::vector<size_t>(there.pixels.size(), kNoMatch)};
     std::vector<int64_t> most(out.there.size(), 0), mostHere(out.here.size(), 0);
     for (const auto& [labels, pixels] : shared) {
-        const size_t i = (labels >> 32) - 1, j = (labels & 0xffffffff) - 1;
+        const auto i = static_cast<size_t>(labels >> 32) - 1, j = static_cast<size_t>(labels & 0xffffffff) - 1;
         // Of equal ones the first, whatever the order of the table.
         if (pixels > most[i] || (pixels == most[i] && j < out.there[i])) most[i] = pixels, out.there[i] = j;
         if (pixels > mostHere[j] || (pixels == mostHere[j] && i < out.here[j])) mostHere[j] = pixels, out.here[j] = i;

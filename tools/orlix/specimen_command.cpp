@@ -89,6 +89,7 @@ Command AddSpecimen(CLI::App& program) {
     add("--particles", s.particles, "Number of particles");
     add("--min-radius", s.minimumRadius, "Of the particles, in pixels");
     add("--max-radius", s.maximumRadius, "Of the particles, in pixels");
+    add("--gap", s.gap, "Least distance between particles, in pixels; below 0 they touch and overlap");
     add("--ragged", s.raggedShare, "Share of ragged particles, 0 to 1");
     add("--matrix", s.matrixGrey, "Grey level of the surface, about");
     add("--contrast", s.particleContrast, "Grey levels of the particles against the surface; above 0: bright ones");
