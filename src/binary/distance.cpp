@@ -120,7 +120,8 @@ BitPlane UltimatePointsIn(const BitPlane& image, Connectivity connectivity) {
         }
         for (const auto& [y, run] : grid.runs)
             for (int32_t x = run.start; x <= run.stop; ++x)
-                if (!lower[grid.Cell(x, y)]) result.setBit(left + x, top + y, true);
+                if (!lower[grid.Cell(x, y)] && values[grid.Cell(x, y)] != kInfiniteDistance<T>)
+                    result.setBit(left + x, top + y, true);
     });
     return result;
 }

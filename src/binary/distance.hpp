@@ -30,8 +30,8 @@ template <class T>
 std::vector<T> SquaredDistances(const BitPlane& image);
 
 // The pixels of the regional maxima of the distance: connected pixels of equal distance without a neighbour of a larger
-// one. A bitmap without background has one maximum, all pixels. Linear in the number of pixels; takes 5 bytes (9 for
-// distances beyond int32_t) for each pixel of the largest component's bounding box.
+// one. A bitmap without background has none. Linear in the number of pixels; takes 5 bytes (9 for distances beyond
+// int32_t) for each pixel of the largest component's bounding box.
 BitPlane UltimatePoints(const BitPlane& image, Connectivity connectivity);
 
 }  // namespace orlix

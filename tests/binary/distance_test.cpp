@@ -61,7 +61,7 @@ constexpr SplitDepth kDepths[] = {{0, 0}, {0.5, 0}, {0.25, 0.2}, {0, 1}};
 
 void ExpectMaximaAndSplit(const BitPlane& image, const SplitDepth& depth) {
     for (const Connectivity connectivity : kConnectivities) {
-        ASSERT_EQ(SlowMaxima(image, SquaredDistances<int64_t>(image), connectivity),
+        ASSERT_EQ(SlowUltimatePoints(image, SquaredDistances<int64_t>(image), connectivity),
                   UltimatePoints(image, connectivity));
         ASSERT_EQ(SlowSplit(image, SquaredDistances<int64_t>(image), connectivity, depth.pixels, depth.share),
                   WatershedSplit(image, connectivity, depth))

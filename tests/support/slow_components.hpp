@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "binary/connectivity.hpp"
@@ -136,15 +138,23 @@ Plane SlowFillHoles(const Plane& image, Connectivity connectivity, int64_t most)
 }
 
 // A pixel lies outside the hull of others if a line through it has all of them on one side: the line may be turned
-// until it passes through a point of the hull.
+// until it passes through a point of the hull. The first and last pixels of each row have the same hull as all.
 template <class Plane>
 Plane SlowHulls(const Plane& image, Connectivity connectivity) {
     Plane hulls(image.width(), image.height());
-    for (const auto& pixels : SlowComponents(image, connectivity).pixels)
-        for (int32_t y = 0; y < image.height(); ++y)
+    for (const auto& pixels : SlowComponents(image, connectivity).pixels) {
+        std::map<int32_t, std::pair<int32_t, int32_t>> rows;
+        for (const auto& [x, y] : pixels) {
+            auto& [first, last] = rows.try_emplace(y, x, x).first->second;
+            first = std::min(first, x);
+            last = std::max(last, x);
+        }
+        std::vector<Place> ends;
+        for (const auto& [y, row] : rows) ends.insert(ends.end(), {{row.first, y}, {row.second, y}});
+        for (int32_t y = rows.begin()->first; y <= rows.rbegin()->first; ++y)
             for (int32_t x = 0; x < image.width(); ++x) {
-                const bool outside = std::any_of(pixels.begin(), pixels.end(), [&](const auto& a) {
-                    return std::all_of(pixels.begin(), pixels.end(), [&](const auto& b) {
+                const bool outside = std::any_of(ends.begin(), ends.end(), [&](const Place& a) {
+                    return std::all_of(ends.begin(), ends.end(), [&](const Place& b) {
                         const int32_t ax = a.x - x, ay = a.y - y, bx = b.x - x, by = b.y - y;
                         const int32_t turn = ax * by - ay * bx;
                         return turn > 0 || (turn == 0 && ax * bx + ay * by > 0);
@@ -152,6 +162,7 @@ Plane SlowHulls(const Plane& image, Connectivity connectivity) {
                 });
                 if (!outside) hulls.setBit(x, y, true);
             }
+    }
     return hulls;
 }
 

@@ -64,7 +64,14 @@ Plane SlowMaxima(const Plane& image, const std::vector<T>& values, Connectivity 
     return maxima;
 }
 
-// `distances` are those of SlowDistances.
+// None without background.
+template <class Plane>
+Plane SlowUltimatePoints(const Plane& image, const std::vector<int64_t>& distances, Connectivity connectivity) {
+    const bool none = distances.empty() || distances[0] == std::numeric_limits<int64_t>::max();
+    return none ? Plane(image.width(), image.height()) : SlowMaxima(image, distances, connectivity);
+}
+
+// `squares` are those of SlowDistances.
 template <class Plane>
 Plane SlowSplit(const Plane& image, const std::vector<int64_t>& squares, Connectivity connectivity,
                 double depthInPixels, double depthAsShare) {

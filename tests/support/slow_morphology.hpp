@@ -48,7 +48,11 @@ Plane SlowStep(const Plane& image, const Offsets& offsets, bool dilate) {
 template <class Plane, class Operation>
 Plane SlowMorphology(Plane image, const Offsets& offsets, Operation operation, int64_t times = 1) {
     const auto repeat = [&](bool dilate) {
-        for (int64_t i = 0; i < times; ++i) image = SlowStep(image, offsets, dilate);
+        for (int64_t i = 0; i < times; ++i) {
+            const Plane next = SlowStep(image, offsets, dilate);
+            if (next == image) break;
+            image = next;
+        }
     };
     const bool dilateFirst = operation == Operation::Dilation || operation == Operation::Closing;
     repeat(dilateFirst);

@@ -12,8 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,6 +21,7 @@
 #include "fuzz/calls/report.hpp"
 #include "fuzz/calls/watchdog.hpp"
 #include "fuzz/calls/world.hpp"
+#include "fuzz/program_words.hpp"
 
 using namespace orlix::fuzz;
 
@@ -39,23 +38,13 @@ struct Options {
     bool everyMethod = false;
 };
 
-std::vector<int> Numbers(const char* text) {
-    std::vector<int> numbers;
-    while (*text) {
-        char* end = nullptr;
-        numbers.push_back(static_cast<int>(std::strtol(text, &end, 10)));
-        text = *end ? end + 1 : end;
-    }
-    return numbers;
-}
-
 std::optional<Options> Parse(int count, char** words) {
     Options options;
-    const std::map<std::string, std::function<void()>> flags = {
+    const Flags flags = {
         {"--verbose", [&] { options.verbose = true; }},
         {"--every-method", [&] { options.everyMethod = true; }},
     };
-    const std::map<std::string, std::function<void(const char*)>> settings = {
+    const Settings settings = {
         {"--seed", [&](const char* text) { options.seed = std::strtoull(text, nullptr, 10); }},
         {"--sequences", [&](const char* text) { options.sequences = std::strtoull(text, nullptr, 10); }},
         {"--seconds", [&](const char* text) { options.seconds = std::strtod(text, nullptr); }},
@@ -64,14 +53,7 @@ std::optional<Options> Parse(int count, char** words) {
         {"--progress", [&](const char* text) { options.progress = std::strtod(text, nullptr); }},
         {"--slow", [&](const char* text) { slowSeconds = std::strtod(text, nullptr); }},
     };
-    for (int i = 1; i < count; ++i) {
-        if (const auto flag = flags.find(words[i]); flag != flags.end())
-            flag->second();
-        else if (const auto setting = settings.find(words[i]); setting != settings.end() && i + 1 < count)
-            setting->second(words[++i]);
-        else
-            return {};
-    }
+    if (!ReadWords(count, words, flags, settings)) return {};
     return options;
 }
 

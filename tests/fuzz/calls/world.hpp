@@ -12,8 +12,8 @@
 
 #include <orlix/com_ptr.hpp>
 
-#include "fuzz/calls/choices.hpp"
 #include "fuzz/calls/heap.hpp"
+#include "fuzz/choices.hpp"
 
 namespace orlix::fuzz {
 

@@ -1,0 +1,413 @@
+// What IBlobs tells, beside its slow definitions.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <numeric>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+#include "fuzz/bitmaps/world.hpp"
+
+namespace orlix::fuzz {
+namespace {
+
+// What a method makes, whose last parameter it is.
+template <class... Parameters, class... Given>
+auto Made(IBlobs* blobs, HRESULT (STDMETHODCALLTYPE IBlobs::*method)(Parameters...), Given... given) {
+    using Out = std::tuple_element_t<sizeof...(Given), std::tuple<Parameters...>>;
+    ComPtr<std::remove_pointer_t<std::remove_pointer_t<Out>>> made;
+    Check((blobs->*method)(given..., made.Out()));
+    return made;
+}
+
+bool Near(double expected, double found) {
+    if (std::isnan(expected) || std::isnan(found)) return std::isnan(expected) && std::isnan(found);
+    return std::fabs(expected - found) <= 1e-11 * std::max(1.0, std::fabs(expected));
+}
+
+// One blob alone in the image.
+struct Alone {
+    Picture pixels;
+    SlowComponents outside;     // all other pixels, in the connectivity of the background
+    std::vector<int> enclosed;  // those of them that do not reach the edge: the holes with what lies in them
+
+    Alone(const std::vector<Place>& blob, const Picture& image, Connectivity connectivity)
+        : pixels(Of(blob, image)), outside(Opposite(pixels), Dual(connectivity)) {
+        for (size_t i = 0; i < outside.pixels.size(); ++i)
+            if (!TouchesEdge(image, outside.pixels[i])) enclosed.push_back(static_cast<int>(i));
+    }
+    bool Encloses(const Place& at) const {
+        return std::find(enclosed.begin(), enclosed.end(), outside.At(at.x, at.y)) != enclosed.end();
+    }
+    // Whether other pixels lie in it and touch it: so it is what they lie in.
+    bool IsParentOf(const std::vector<Place>& other) const {
+        return Encloses(other[0]) && std::any_of(other.begin(), other.end(), [&](const Place& at) {
+                   return std::ranges::any_of(StepsOf(Connectivity::Four), [&](const Place& step) {
+                       return IsSet(pixels, at.x + step.x, at.y + step.y);
+                   });
+               });
+    }
+
+private:
+    static Picture Of(const std::vector<Place>& blob, const Picture& image) {
+        Picture alone(image.width(), image.height());
+        for (const auto& [x, y] : blob) alone.setBit(x, y, true);
+        return alone;
+    }
+};
+
+struct Holes {
+    std::vector<std::vector<Place>> pixels;  // in raster order of the first
+
+    Holes(const Picture& image, Connectivity connectivity) {
+        for (auto& component : SlowComponents(Opposite(image), Dual(connectivity)).pixels)
+            if (!TouchesEdge(image, component)) pixels.push_back(std::move(component));
+    }
+};
+
+// The label image has the number of the place of each blob.
+void CheckLabelImage(const World& world, IBlobs* blobs, const Picture& image,
+                     const std::vector<const std::vector<Place>*>& chosen) {
+    LONG count = -1, width = -1, height = -1;
+    Check(blobs->get_Count(&count));
+    Check(blobs->get_Width(&width));
+    Check(blobs->get_Height(&height));
+    world.Require(count == static_cast<LONG>(chosen.size()), "get_Count", static_cast<double>(chosen.size()), count);
+    world.Require(width == image.width() && height == image.height(), "size of the blobs", image.width(), width);
+    std::vector<uint32_t> expected(static_cast<size_t>(width) * static_cast<size_t>(height));
+    Picture pixels(width, height);
+    for (size_t i = 0; i < chosen.size(); ++i)
+        for (const auto& [x, y] : *chosen[i]) {
+            expected[static_cast<size_t>(y * width + x)] = static_cast<uint32_t>(i + 1);
+            pixels.setBit(x, y, true);
+        }
+    auto label = expected.begin();
+    const auto labels = Made(blobs, &IBlobs::get_LabelImage);
+    for (const std::span<uint32_t> row : Rows<uint32_t>(labels))
+        for (const uint32_t found : row) {
+            world.Require(found == *label, "get_LabelImage", *label, found);
+            ++label;
+        }
+    world.Require(PixelsOf(Made(blobs, &IBlobs::get_Bitmap).get()) == pixels, "get_Bitmap of the blobs");
+}
+
+std::vector<const std::vector<Place>*> AllOf(const std::vector<std::vector<Place>>& components) {
+    std::vector<const std::vector<Place>*> all;
+    for (const auto& component : components) all.push_back(&component);
+    return all;
+}
+
+std::vector<double> ValuesOf(IBlobs* blobs, SingleMeasurementType type, size_t count) {
+    std::vector<double> values(count);
+    Check(blobs->GetValues(type, 0, static_cast<LONG>(count), values.data()));
+    return values;
+}
+
+// ------------------------------------------------------------------------------------------------------------- figures
+
+struct Shape {
+    SingleMeasurementType type;
+    double value;
+};
+
+// What can be counted, in pixels of sx x sy.
+std::vector<Shape> ShapesOf(const Alone& alone, const std::vector<Place>& pixels, const std::optional<Picture>& region,
+                            double sx, double sy) {
+    const Picture& image = alone.pixels;
+    double left = image.width(), top = image.height(), right = 0, bottom = 0, sumX = 0, sumY = 0;
+    double atEdge = 0, atRegion = 0, xx = 0, yy = 0, xy = 0;
+    for (const auto& [x, y] : pixels) {
+        left = std::min<double>(left, x), right = std::max<double>(right, x);
+        top = std::min<double>(top, y), bottom = std::max<double>(bottom, y);
+        sumX += x, sumY += y;
+        atEdge += x == 0 || y == 0 || x == image.width() - 1 || y == image.height() - 1;
+        atRegion += region && std::ranges::any_of(StepsOf(Connectivity::Four), [&](const Place& step) {
+                        return IsInside(image, x + step.x, y + step.y) && !region->bit(x + step.x, y + step.y);
+                    });
+    }
+    const auto n = static_cast<double>(pixels.size());
+    double filled = n;
+    for (const int hole : alone.enclosed)
+        filled += static_cast<double>(alone.outside.pixels[static_cast<size_t>(hole)].size());
+    for (const auto& [x, y] : pixels) {
+        const double dx = (x - sumX / n) * sx, dy = (y - sumY / n) * sy;
+        xx += dx * dx / n, yy += dy * dy / n, xy += dx * dy / n;
+    }
+    // The axes of the ellipse from the characters of its matrix.
+    xx += sx * sx / 12, yy += sy * sy / 12;
+    const double mean = (xx + yy) / 2, half = std::hypot((xx - yy) / 2, xy);
+    double feret = 0;
+    for (const Place& a : pixels)
+        for (const Place& b : pixels)
+            feret = std::max(feret,
+                             std::pow((std::abs(a.x - b.x) + 1) * sx, 2) + std::pow((std::abs(a.y - b.y) + 1) * sy, 2));
+    const auto holes = static_cast<double>(alone.enclosed.size());
+    return {{SMT_PixelCount, n},
+            {SMT_Area, n * sx * sy},
+            {SMT_EquivalentRadius, std::sqrt(n * sx * sy / 3.14159265358979323846)},
+            {SMT_Left, left},
+            {SMT_Top, top},
+            {SMT_Right, right},
+            {SMT_Bottom, bottom},
+            {SMT_Extent, n / ((right - left + 1) * (bottom - top + 1))},
+            {SMT_XCentroid, sumX / n},
+            {SMT_YCentroid, sumY / n},
+            {SMT_Holes, holes},
+            {SMT_EulerNumber, 1 - holes},
+            {SMT_FilledArea, filled * sx * sy},
+            {SMT_FeretMaximum, std::sqrt(feret)},
+            {SMT_MajorAxis, 4 * std::sqrt(mean + half)},
+            {SMT_ImageBorderPixels, atEdge},
+            {SMT_RegionBorderPixels, atRegion}};
+}
+
+// The field of a record for a measurement of ShapesOf.
+double FieldOf(const SBinaryMeasurements& record, SingleMeasurementType type) {
+    switch (type) {
+        case SMT_PixelCount:
+            return record.m_lPixelCount;
+        case SMT_Area:
+            return record.m_dArea;
+        case SMT_EquivalentRadius:
+            return record.m_dEquivalentRadius;
+        case SMT_Left:
+            return record.m_lLeft;
+        case SMT_Top:
+            return record.m_lTop;
+        case SMT_Right:
+            return record.m_lRight;
+        case SMT_Bottom:
+            return record.m_lBottom;
+        case SMT_Extent:
+            return record.m_dExtent;
+        case SMT_XCentroid:
+            return record.m_dXCentroid;
+        case SMT_YCentroid:
+            return record.m_dYCentroid;
+        case SMT_Holes:
+            return record.m_lHoles;
+        case SMT_EulerNumber:
+            return record.m_lEulerNumber;
+        case SMT_FilledArea:
+            return record.m_dFilledArea;
+        case SMT_FeretMaximum:
+            return record.m_dFeretMaximum;
+        case SMT_MajorAxis:
+            return record.m_dMajorAxis;
+        case SMT_ImageBorderPixels:
+            return record.m_lImageBorderPixels;
+        case SMT_RegionBorderPixels:
+            return record.m_lRegionBorderPixels;
+        default:
+            return std::numeric_limits<double>::quiet_NaN();
+    }
+}
+
+// --------------------------------------------------------------------------------------------------------- grey values
+
+// Of whole grey levels, so that sums are exact.
+struct GrayImage {
+    ComPtr<IImageVPA> image;
+    std::vector<double> pixels;
+    int32_t width;
+    double At(const Place& at) const { return pixels[static_cast<size_t>(at.y * width + at.x)]; }
+};
+
+template <class Pixel>
+void FillWith(World& world, GrayImage& gray, int levels) {
+    for (const std::span<Pixel> row : Rows<Pixel>(gray.image))
+        for (Pixel& pixel : row) {
+            pixel = static_cast<Pixel>(world.choices.Byte() % levels);
+            gray.pixels.push_back(pixel);
+        }
+}
+
+GrayImage AnyGrayImage(World& world, const Picture& size) {
+    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    const LONG type = world.Among({DT_BYTE, DT_WORD, DT_DWORD, DT_Float});
+    Check(image->Create(size.width(), size.height(), 1, type, 1), image);
+    GrayImage gray{Cast<IImageVPA>(image), {}, size.width()};
+    const int levels = 1 + world.choices.Byte();
+    if (type == DT_BYTE) FillWith<uint8_t>(world, gray, levels);
+    if (type == DT_WORD) FillWith<uint16_t>(world, gray, levels);
+    if (type == DT_DWORD) FillWith<uint32_t>(world, gray, levels);
+    if (type == DT_Float) FillWith<float>(world, gray, levels);
+    return gray;
+}
+
+void CheckGrayValues(const World& world, const SBlobGrayMeasurements& found, const Alone& alone,
+                     const std::vector<Place>& pixels, const GrayImage& gray) {
+    std::vector<double> values;
+    std::map<double, int> counts;
+    double sum = 0, boundarySum = 0, boundary = 0, sumX = 0, sumY = 0;
+    for (const Place& at : pixels) {
+        const double value = gray.At(at);
+        values.push_back(value);
+        ++counts[value];
+        sum += value, sumX += value * at.x, sumY += value * at.y;
+        if (std::ranges::all_of(StepsOf(Connectivity::Four),
+                                [&](const Place& step) { return IsSet(alone.pixels, at.x + step.x, at.y + step.y); }))
+            continue;
+        boundarySum += value;
+        ++boundary;
+    }
+    std::sort(values.begin(), values.end());
+    const size_t n = values.size();
+    const auto mode = std::max_element(counts.begin(), counts.end(),
+                                       [](const auto& a, const auto& b) { return a.second < b.second; });
+    double squares = 0;
+    for (const double value : values)
+        squares += (value - sum / static_cast<double>(n)) * (value - sum / static_cast<double>(n));
+    const double deviation = std::sqrt(squares / static_cast<double>(n));
+    const auto expect = [&](const char* name, double expected, double value) {
+        world.Require(Near(expected, value), name, expected, value);
+    };
+    expect("GrayMinimum", values.front(), found.m_dGrayMinimum);
+    expect("GrayMaximum", values.back(), found.m_dGrayMaximum);
+    expect("GrayIntegrated", sum, found.m_dGrayIntegrated);
+    expect("GrayAverage", sum / static_cast<double>(n), found.m_dGrayAverage);
+    expect("GrayStandardDeviation", deviation, found.m_dGrayStandardDeviation);
+    expect("GrayMedian", (values[(n - 1) / 2] + values[n / 2]) / 2, found.m_dGrayMedian);
+    expect("GrayMode", mode->first, found.m_dGrayMode);
+    expect("GrayBoundaryAverage", boundarySum / boundary, found.m_dGrayBoundaryAverage);
+    expect("GrayXCentroid", sumX / sum, found.m_dGrayXCentroid);
+    expect("GrayYCentroid", sumY / sum, found.m_dGrayYCentroid);
+}
+
+// ----------------------------------------------------------------------------------------------------------- selection
+
+// Some of the blobs, in an order: by a measurement that all of them have.
+void CheckChoice(World& world, IBlobs* blobs, const Picture& image, const SlowComponents& components) {
+    constexpr SingleMeasurementType kTypes[] = {SMT_PixelCount, SMT_Left,        SMT_YCentroid,    SMT_FilledArea,
+                                                SMT_Perimeter,  SMT_HullArea,    SMT_FeretMinimum, SMT_InscribedRadius,
+                                                SMT_BoxWidth,   SMT_EllipseAngle};
+    const SingleMeasurementType type = kTypes[world.choices.Below(std::size(kTypes))];
+    const size_t count = components.pixels.size();
+    const std::vector<double> values = ValuesOf(blobs, type, count);
+    std::vector<size_t> places(count);
+    std::iota(places.begin(), places.end(), size_t{0});
+    ComPtr<IBlobs> chosen;
+    if (world.OneIn(2)) {
+        const bool descending = world.OneIn(2);
+        world.Say("Sort by %d ", static_cast<int>(type));
+        chosen = Made(blobs, &IBlobs::Sort, type, LONG{descending});
+        std::stable_sort(places.begin(), places.end(), [&](size_t a, size_t b) {
+            if (std::isnan(values[a]) || std::isnan(values[b])) return !std::isnan(values[a]) && std::isnan(values[b]);
+            return descending ? values[a] > values[b] : values[a] < values[b];
+        });
+    } else {
+        const double lower = values[world.choices.Below(count)];
+        const double upper = std::max(lower, values[world.choices.Below(count)]);
+        world.Say("Select by %d ", static_cast<int>(type));
+        if (std::isnan(lower) || std::isnan(upper)) {
+            world.Require(FAILED(blobs->Select(type, lower, upper, chosen.Out())), "Select from NaN on");
+            return;
+        }
+        chosen = Made(blobs, &IBlobs::Select, type, lower, upper);
+        std::erase_if(places, [&](size_t i) { return values[i] < lower || values[i] > upper; });
+    }
+    std::vector<const std::vector<Place>*> expected;
+    for (const size_t i : places) expected.push_back(&components.pixels[i]);
+    CheckLabelImage(world, chosen.get(), image, expected);
+    for (size_t i = 0; i < places.size(); ++i) {
+        LONG label = -1;
+        Check(chosen->get_Label(static_cast<LONG>(i), &label), chosen);
+        world.Require(label == static_cast<LONG>(places[i]), "get_Label of a chosen blob",
+                      static_cast<double>(places[i]), label);
+    }
+}
+
+// The paths around the pixels' squares enclose the blob with its holes, and each of its holes.
+void CheckOutlines(const World& world, IBlobs* blobs, LONG index, const Alone& alone, double filled) {
+    for (LONG hole = -1; hole < static_cast<LONG>(alone.enclosed.size()); ++hole) {
+        double area = 0;
+        const auto outline = Made(blobs, &IBlobs::get_Outline, index, OT_PixelEdges, hole);
+        Check(outline->get_Area(&area), outline);
+        const double expected =
+            hole < 0 ? filled
+                     : static_cast<double>(
+                           alone.outside.pixels[static_cast<size_t>(alone.enclosed[static_cast<size_t>(hole)])].size());
+        world.Require(area == expected, "area inside an outline", expected, area);
+    }
+}
+
+}  // namespace
+
+void CheckLabels(World& world, const KeptBlobs& found) {
+    const SlowComponents components(found.foreground, found.connectivity);
+    CheckLabelImage(world, found.blobs.get(), found.foreground, AllOf(components.pixels));
+}
+
+void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Picture>& region) {
+    IBlobs* const blobs = found.blobs.get();
+    const Picture& image = found.foreground;
+    const SlowComponents components(image, found.connectivity);
+    CheckLabelImage(world, blobs, image, AllOf(components.pixels));
+    const Holes holes(image, found.connectivity);
+    const auto holeBlobs = Made(blobs, &IBlobs::get_Holes);
+    CheckLabelImage(world, holeBlobs.get(), image, AllOf(holes.pixels));
+    const size_t count = components.pixels.size();
+    if (count == 0) return;
+
+    double sx = 1, sy = 1;
+    if (world.OneIn(2)) {
+        sx = static_cast<double>(1 + world.choices.Below(24)) / 8,
+        sy = static_cast<double>(1 + world.choices.Below(24)) / 8;
+        Check(blobs->PutMicronsPerPixel(sx, sy), found.blobs);
+    }
+    world.Say("pixels of %g x %g ", sx, sy);
+    std::vector<SBinaryMeasurements> records(count);
+    Check(blobs->GetBinaryMeasurements(BEMT_All, 0, static_cast<LONG>(count), records.data()), found.blobs);
+    const GrayImage gray = AnyGrayImage(world, image);
+    Check(blobs->MeasureGray(gray.image.get(), 0, 31), found.blobs);
+    std::vector<SBlobGrayMeasurements> grays(count);
+    Check(blobs->GetGrayMeasurements(0, static_cast<LONG>(count), grays.data()), found.blobs);
+
+    for (int sample = 0; sample < 3; ++sample) {
+        const size_t i = world.choices.Below(count);
+        const auto index = static_cast<LONG>(i);
+        const std::vector<Place>& pixels = components.pixels[i];
+        const Alone alone(pixels, image, found.connectivity);
+        const std::vector<Shape> shapes = ShapesOf(alone, pixels, region, sx, sy);
+        for (const auto& [type, expected] : shapes) {
+            const double value = FieldOf(records[i], type);
+            const std::string what = "measurement " + std::to_string(type) + " of blob " + std::to_string(i);
+            world.Require(Near(expected, value), what.c_str(), expected, value);
+        }
+        const Shape& shape = shapes[world.choices.Below(shapes.size())];
+        double value = 0;
+        Check(blobs->GetValues(shape.type, index, 1, &value), found.blobs);
+        world.Require(value == FieldOf(records[i], shape.type), "GetValues", shape.value, value);
+        world.Require(records[i].m_lLabel == index && grays[i].m_lLabel == index, "label of a record", index,
+                      records[i].m_lLabel);
+        CheckGrayValues(world, grays[i], alone, pixels, gray);
+        world.Require(
+            PixelsOf(Made(blobs, &IBlobs::get_Region, index).get(), image.width(), image.height()) == alone.pixels,
+            "get_Region");
+        const double filled = std::round(records[i].m_dFilledArea / (sx * sy));
+        CheckOutlines(world, blobs, index, alone, filled);
+        for (size_t k = 0; k < holes.pixels.size(); ++k) {
+            LONG parent = -2;
+            Check(holeBlobs->get_Parent(static_cast<LONG>(k), &parent), holeBlobs);
+            world.Require((parent == index) == alone.IsParentOf(holes.pixels[k]), "get_Parent of a hole", index,
+                          parent);
+        }
+    }
+    if (!holes.pixels.empty()) {
+        const size_t k = world.choices.Below(holes.pixels.size());
+        const Alone alone(holes.pixels[k], image, Dual(found.connectivity));
+        for (size_t i = 0; i < count; ++i) {
+            LONG parent = -2;
+            Check(blobs->get_Parent(static_cast<LONG>(i), &parent), found.blobs);
+            world.Require((parent == static_cast<LONG>(k)) == alone.IsParentOf(components.pixels[i]),
+                          "get_Parent of a blob", static_cast<double>(k), parent);
+        }
+    }
+    CheckChoice(world, blobs, image, components);
+}
+
+}  // namespace orlix::fuzz
