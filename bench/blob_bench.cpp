@@ -173,6 +173,7 @@ int main(int argc, char** argv) {
     AddShapes("moments", SG_Moments);
     AddShapes("border contact", SG_BorderContact);
     AddShapes("inscribed circle", SG_InscribedCircle);
+    AddShapes("skeleton", SG_Skeleton);
     AddShapes("enclosing circle", SG_EnclosingCircle);
     AddShapes("all", SG_All);
     benchmark::RunSpecifiedBenchmarks();

@@ -1,7 +1,7 @@
-// Measures the figures of docs/accuracy.md for shapes: discs, squares and ellipses of known size at random positions
-// and angles, digitised (a pixel is set if its centre lies in the shape), measured, and compared with the truth; the
-// same for outlines at a grey level, of pixels whose grey value is the share of them that the shape covers. Prints a
-// table for each shape.
+// Measures the figures of docs/accuracy.md for shapes: discs, squares, ellipses and strips of known size at random
+// positions and angles, digitised (a pixel is set if its centre lies in the shape), measured, and compared with the
+// truth; the same for outlines at a grey level, of pixels whose grey value is the share of them that the shape covers.
+// Prints a table for each shape.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -55,26 +55,39 @@ struct Shape {
     double MinorAxis() const { return MajorAxis() / (kind == Kind::Ellipse ? 2 : 1); }
 };
 
-// The pixels of a shape in pixels of the given size.
-Labelling Digitised(const Shape& shape, const PixelSize& pixel) {
-    const double reach = 1.5 * shape.radius + 3;
+// The pixels of a square with the given side, in pixels of the given size, whose centres are inside.
+template <class Inside>
+Labelling Digitised(double side, const PixelSize& pixel, const Inside& inside) {
     RunTable table;
-    table.width = static_cast<int32_t>(2 * reach / pixel.x);
-    table.height = static_cast<int32_t>(2 * reach / pixel.y);
-    Shape moved = shape;
-    moved.x += reach;
-    moved.y += reach;
+    table.width = static_cast<int32_t>(side / pixel.x);
+    table.height = static_cast<int32_t>(side / pixel.y);
     for (int32_t y = 0; y < table.height; ++y) {
         bool before = false;
         for (int32_t x = 0; x < table.width; ++x) {
-            const bool inside = moved.Contains(x * pixel.x, y * pixel.y);
-            if (inside && before) table.runs.back().stop = x;
-            if (inside && !before) table.runs.push_back({x, x});
-            before = inside;
+            const bool in = inside(x * pixel.x, y * pixel.y);
+            if (in && before) table.runs.back().stop = x;
+            if (in && !before) table.runs.push_back({x, x});
+            before = in;
         }
         table.ends.push_back(static_cast<uint32_t>(table.runs.size()));
     }
     return Label(table, Connectivity::Eight);
+}
+
+Labelling Digitised(const Shape& shape, const PixelSize& pixel) {
+    const double reach = 1.5 * shape.radius + 3;
+    Shape moved = shape;
+    moved.x += reach;
+    moved.y += reach;
+    return Digitised(2 * reach, pixel, [&](double x, double y) { return moved.Contains(x, y); });
+}
+
+// Thin tips may come off as single pixels: the largest blob is measured.
+uint32_t Largest(const Labelling& labelling) {
+    uint32_t largest = 0;
+    for (uint32_t label = 1; label < labelling.blobs.count(); ++label)
+        if (labelling.blobs.runs(label).size() > labelling.blobs.runs(largest).size()) largest = label;
+    return largest;
 }
 
 struct Quantity {
@@ -124,6 +137,12 @@ std::vector<Quantity> Quantities(Kind kind, const PixelSize& pixel) {
         {"enclosingCircle", true, [](const M& m) { return m.enclosingCircle.radius; },
          [](const Shape& s) { return s.Longest() / 2; }},
     };
+    if (kind == Kind::Disc) {
+        all.push_back({"skeletonLength", true, [](const M& m) { return m.skeletonLength; },
+                       [](const Shape& s) { return 2 * s.radius; }});
+        all.push_back({"meanWidth", true, [](const M& m) { return m.meanWidth; },
+                       [](const Shape& s) { return kPi / 2 * s.radius; }});
+    }
     if (kind == Kind::Ellipse) {
         all.push_back({"ellipse.angle, degrees", false, [](const M& m) { return m.ellipse.angle; },
                        [](const Shape& s) { return s.angle * 180 / kPi; }});
@@ -146,12 +165,8 @@ void Table(Kind kind, const char* title, const PixelSize& pixel) {
         for (int i = 0; i < kSamples; ++i) {
             const Shape shape{kind, radius, random() * pixel.x, random() * pixel.y, random() * kPi};
             const Labelling labelling = Digitised(shape, pixel);
-            // Thin tips may come off as single pixels: the largest blob is measured.
-            uint32_t largest = 0;
-            for (uint32_t label = 1; label < labelling.blobs.count(); ++label)
-                if (labelling.blobs.runs(label).size() > labelling.blobs.runs(largest).size()) largest = label;
             ShapeMeasurements measured;
-            ShapeMeasurer(labelling, SG_All, pixel).Measure(largest, measured);
+            ShapeMeasurer(labelling, SG_All, pixel).Measure(Largest(labelling), measured);
             for (size_t k = 0; k < quantities.size(); ++k) {
                 const Quantity& q = quantities[k];
                 double error = q.measured(measured) - q.truth(shape);
@@ -176,6 +191,41 @@ void Table(Kind kind, const char* title, const PixelSize& pixel) {
         for (const std::string& cell : cells[k]) std::printf(" %s |", cell.c_str());
         std::puts("");
     }
+    std::fflush(stdout);
+}
+
+// The skeletons of strips with round or square ends.
+void StripTable(bool round, const char* title, const PixelSize& pixel) {
+    static constexpr double kLengths[] = {20, 50, 100, 200};
+    std::printf("\n%s\n\n| measurement, width |", title);
+    for (const double length : kLengths) std::printf(" L = %g |", length);
+    std::puts("\n|---|---|---|---|---|");
+    for (const bool ofWidth : {false, true})
+        for (const double width : {2.0, 3.0, 5.0, 8.0, 15.0}) {
+            std::printf("| %s, %g |", ofWidth ? "meanWidth" : "skeletonLength, pixels", width);
+            for (const double length : kLengths) {
+                Uniform random;
+                double sum = 0, squares = 0;
+                for (int i = 0; i < kSamples; ++i) {
+                    const double reach = length / 2 + 3, x = reach + random() * pixel.x, y = reach + random() * pixel.y,
+                                 angle = random() * kPi, c = std::cos(angle), s = std::sin(angle);
+                    const Labelling labelling = Digitised(2 * reach, pixel, [&](double px, double py) {
+                        const double along = std::fabs((px - x) * c + (py - y) * s);
+                        const double across = std::fabs((py - y) * c - (px - x) * s);
+                        if (!round) return along <= length / 2 && across <= width / 2;
+                        return std::hypot(std::max(0.0, along - (length - width) / 2), across) <= width / 2;
+                    });
+                    ShapeMeasurements measured;
+                    ShapeMeasurer(labelling, SG_Skeleton, pixel).Measure(Largest(labelling), measured);
+                    const double error =
+                        ofWidth ? 100 * (measured.meanWidth / width - 1) : measured.skeletonLength - length;
+                    sum += error / kSamples;
+                    squares += error * error / kSamples;
+                }
+                std::printf(" %+.2f (%.2f) |", sum, std::sqrt(std::max(0.0, squares - sum * sum)));
+            }
+            std::puts("");
+        }
     std::fflush(stdout);
 }
 
@@ -276,6 +326,9 @@ int main() {
     Table(Kind::Square, "Squares with sides of 2R:", {});
     Table(Kind::Ellipse, "Ellipses with semi-axes of R and R / 2:", {});
     Table(Kind::Disc, "Discs in pixels of 1 x 1.5:", {1, 1.5});
+    StripTable(false, "Strips with square ends:", {});
+    StripTable(true, "Strips with round ends:", {});
+    StripTable(false, "Strips with square ends in pixels of 1 x 1.5:", {1, 1.5});
     LevelTable(Kind::Disc, "Discs, outlines at a grey level:");
     LevelTable(Kind::Ellipse, "Ellipses, outlines at a grey level:");
 }

@@ -97,7 +97,7 @@ void SetMoments(const PixelMoments& moments, const PixelSize& pixel, ShapeMeasur
 }  // namespace
 
 ShapeMeasurer::ShapeMeasurer(const Labelling& labelling, uint32_t groups, PixelSize pixel)
-    : labelling_(labelling), groups_(groups), pixel_(pixel) {}
+    : labelling_(labelling), groups_(groups), pixel_(pixel), skeleton_(labelling.blobs, pixel.x, pixel.y) {}
 
 void ShapeMeasurer::Measure(uint32_t label, ShapeMeasurements& shape) {
     const Components& blobs = labelling_.blobs;
@@ -133,6 +133,10 @@ void ShapeMeasurer::Measure(uint32_t label, ShapeMeasurements& shape) {
     if (groups_ & (SG_FilledArea | SG_Perimeter)) {
         paths_.Trace(runs, blobs.connectivity());
         if (groups_ & SG_FilledArea) shape.filledArea = static_cast<double>(SignedArea(paths_.path(0))) * (sx * sy);
+    }
+    if (groups_ & SG_Skeleton) {
+        shape.skeletonLength = skeleton_.Length(label);
+        shape.meanWidth = shape.area / shape.skeletonLength;
     }
 
     constexpr uint32_t kByRows = SG_Topology | SG_Perimeter | SG_CroftonPerimeter | SG_Hull | SG_Feret |

@@ -12,6 +12,7 @@
 #include "blobs/contour.hpp"
 #include "blobs/labelling.hpp"
 #include "blobs/pixel_hull.hpp"
+#include "blobs/skeleton_length.hpp"
 #include "geometry/shape_region.hpp"
 #include "numerics/plane.hpp"
 
@@ -41,7 +42,8 @@ enum ShapeGroup : uint32_t {
     SG_BorderContact = 1024,
     SG_InscribedCircle = 2048,
     SG_EnclosingCircle = 4096,
-    SG_All = 8191,
+    SG_Skeleton = 8192,
+    SG_All = 16383,
 };
 
 struct Caliper {
@@ -158,10 +160,25 @@ struct ShapeMeasurements {
     // SG_EnclosingCircle: the smallest circle around the area (E. Welzl, 1991; by pivoting on the farthest corner,
     // B. Gaertner, 1999). No corner is outside by more than rounding, some 1e-15 of the radius.
     Circle enclosingCircle;
+
+    // SG_Skeleton, of the component alone, thinned with eight neighbours whatever its connectivity (Skeleton in
+    // binary/thinning.hpp): one pixel wide, around holes as well.
+    //  (1) A pixel is linked to its neighbours, to a diagonal one only if no straight step leads half of the way there.
+    //      Branches run between nodes, the pixels that have not two links. No step counts twice.
+    //  (2) The length of a branch is that of the polyline of its pixels, each moved to the mean (1 2 1) / 4 with those
+    //      before and after it four times over; its two nodes stay. This takes out the steps of the grid in every
+    //      direction and for every size of pixels. A ring without nodes has no ends to stay.
+    //  (3) Each end (one link) adds what is missing to the tip of the blob: the straight line from the pixel four links
+    //      back goes on from the centre of the end to the edge of the area.
+    //  (4) A skeleton of one pixel: the mean of the horizontal and the vertical chord through it.
+    // Strips of any width and direction with square or round ends are measured from tip to tip, in square pixels with a
+    // bias below half a pixel. A radius of curvature of r pixels costs 1 / r^2 of the length.
+    double skeletonLength = 0;
+    double meanWidth = 0;  // area / skeletonLength: of the rectangle of the same area and length
 };
 
 // Measures components one after the other; memory is used again. A measurement is linear in the runs (the convex hull
-// and its followers too), except where stated.
+// and its followers too), except where stated; skeletons take time with the pixels of boxes (SkeletonRuler).
 class ShapeMeasurer {
 public:
     // Refers to the labelling.
@@ -178,6 +195,7 @@ private:
     PixelPaths paths_;
     Hull hull_;
     std::vector<uint32_t> distances_;
+    SkeletonRuler skeleton_;
 };
 
 }  // namespace orlix

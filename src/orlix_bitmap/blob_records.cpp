@@ -56,6 +56,8 @@ constexpr SingleMeasurement kSingleMeasurements[] = {
     Shape(SMT_RegionBorderPixels, SG_BorderContact, [](S s) { return static_cast<double>(s.regionBorderPixels); }),
     Shape(SMT_InscribedRadius, SG_InscribedCircle, [](S s) { return s.inscribedCircle.radius; }),
     Shape(SMT_EnclosingRadius, SG_EnclosingCircle, [](S s) { return s.enclosingCircle.radius; }),
+    Shape(SMT_SkeletonLength, SG_Skeleton, [](S s) { return s.skeletonLength; }),
+    Shape(SMT_MeanWidth, SG_Skeleton, [](S s) { return s.meanWidth; }),
     Gray(SMT_GrayXCentroid, [](G g, double) { return g.xCentroid; }),
     Gray(SMT_GrayYCentroid, [](G g, double) { return g.yCentroid; }),
     Gray(SMT_GrayMinimum, [](G g, double) { return g.minimum; }),
@@ -158,6 +160,10 @@ void FillIn(SBinaryMeasurements& record, const ShapeMeasurements& shape, uint32_
         record.m_dEnclosingXCenter = shape.enclosingCircle.centre.x;
         record.m_dEnclosingYCenter = shape.enclosingCircle.centre.y;
         record.m_dEnclosingRadius = shape.enclosingCircle.radius;
+    }
+    if (asks(SG_Skeleton)) {
+        record.m_dSkeletonLength = shape.skeletonLength;
+        record.m_dMeanWidth = shape.meanWidth;
     }
 }
 

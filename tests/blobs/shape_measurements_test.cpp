@@ -362,8 +362,8 @@ TEST(ShapeMeasurements, SumsOfTheLargestRectanglesAreExact) {
             table.runs.push_back({kMost - width, kMost - 1});
             table.ends.push_back(static_cast<uint32_t>(table.runs.size()));
         }
-        const ShapeMeasurements s =
-            Measured(Label(table, Connectivity::Eight), 0, {}, SG_All & ~static_cast<uint32_t>(SG_InscribedCircle));
+        const ShapeMeasurements s = Measured(Label(table, Connectivity::Eight), 0, {},
+                                             SG_All & ~static_cast<uint32_t>(SG_InscribedCircle | SG_Skeleton));
         const double n = static_cast<double>(width) * height, w = width, h = height;
         EXPECT_EQ(int64_t{width} * height, s.pixelCount);
         EXPECT_EQ((Point{kMost - (w + 1) / 2, (h - 1) / 2}), s.centroid);
@@ -394,6 +394,7 @@ TEST(ShapeMeasurements, DiagonalLinesAreThin) {
     EXPECT_EQ(45, s.ellipse.angle);
     EXPECT_DOUBLE_EQ(std::sqrt(2.0), s.feretMinimum.length);
     EXPECT_EQ(0.5, s.inscribedCircle.radius);
+    EXPECT_NEAR(30000 * std::sqrt(2.0), s.skeletonLength, 1e-7);
 }
 
 TEST(ShapeMeasurements, OnlyTheGroupsAskedForAreFilledIn) {
@@ -404,7 +405,7 @@ TEST(ShapeMeasurements, OnlyTheGroupsAskedForAreFilledIn) {
     EXPECT_GT(shape.feretMaximum.length, 0);
     EXPECT_EQ(0, shape.hullArea + shape.perimeter + shape.croftonPerimeter + shape.filledArea + shape.rawMoments[0] +
                      shape.ellipse.majorAxis + shape.enclosingCircle.radius + shape.inscribedCircle.radius +
-                     shape.orientedBox.length);
+                     shape.orientedBox.length + shape.skeletonLength);
 }
 
 }  // namespace

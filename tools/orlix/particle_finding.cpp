@@ -70,6 +70,8 @@ constexpr RecordField<ParticleShape> kShapeFields[] = {
     {"inscribedX", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedXCenter>},
     {"inscribedY", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedYCenter>},
     {"enclosingRadius", &MemberOf<ParticleShape, &ParticleShape::m_dEnclosingRadius>},
+    {"skeletonLength", &MemberOf<ParticleShape, &ParticleShape::m_dSkeletonLength>},
+    {"meanWidth", &MemberOf<ParticleShape, &ParticleShape::m_dMeanWidth>},
 };
 constexpr LONG kShapeGroups = BEMT_All & ~BEMT_Moments;
 
