@@ -73,10 +73,10 @@ struct Specimen {
     std::array<double, 6> background = {};  // K0..K5 in levels of this image
 };
 
-// Every particle is one 4-connected set of pixels, where two overlap those that the earlier, larger one leaves; pits and
-// the image's border keep at least 4 pixels from them. Throws std::invalid_argument for settings out of range (width and
-// height 16..32768; bits 8 or 16; particles, scratches and pits 0..100000; radii 1 <= minimum <= maximum; gap at least
-// 1 - minimum; finite levels, noise >= 0) and std::runtime_error when the particles do not fit.
+// Every particle is one 4-connected set of pixels, where two overlap those that the earlier, larger one leaves; pits
+// and the image's border keep at least 4 pixels from them. Throws std::invalid_argument for settings out of range
+// (width and height 16..32768; bits 8 or 16; particles, scratches and pits 0..100000; radii 1 <= minimum <= maximum;
+// gap at least 1 - minimum; finite levels, noise >= 0) and std::runtime_error when the particles do not fit.
 Specimen MakeSpecimen(const SpecimenSettings& settings);
 
 }  // namespace samples

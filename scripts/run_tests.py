@@ -471,7 +471,7 @@ def readme_project(tally):
     readme = (ROOT / "README.md").read_text("utf-8")
     folder = BUILD / "consumer" / "readme"
     folder.mkdir(parents=True, exist_ok=True)
-    for language, name in (("cpp", "threshold.cpp"), ("cmake", "CMakeLists.txt")):
+    for language, name in (("cpp", "particles.cpp"), ("cmake", "CMakeLists.txt")):
         found = re.search(rf"^```{language}\n(.*?)^```", readme, re.M | re.S)
         if not found:
             tally.check("README.md shows a program and its CMakeLists.txt", f"README.md has no block of {language}")
@@ -500,8 +500,9 @@ def build_project(tally, preset, source, what, *options):
 
 
 def run_readme_program(tally, preset, program, specimen):
-    """With an image it measures; without one, and with one that is not there, it says so and does not crash."""
-    for what, arguments, status, words in (("measures an image", [specimen], 0, r"mean [\d.]+, threshold \d+"),
+    """With an image it counts; without one, and with one that is not there, it says so and does not crash."""
+    found = r"(\d+\s+){70}70 particles, .*"
+    for what, arguments, status, words in (("finds the particles of a specimen", [specimen], 0, found),
                                            ("says how it is used", [], 1, "usage: .*"),
                                            ("says that an image is missing", ["missing.png"], 1, ".*failed to open.*")):
         outcome = run([*program, *arguments])
@@ -525,7 +526,7 @@ def consumer(tally):
     tally.check("native: the project's program runs", problem_of([folder / "consumer"]))
     if readme:
         folder = build_project(tally, "native", readme, "README's project", package)
-        run_readme_program(tally, "native", [folder / "threshold"], specimen)
+        run_readme_program(tally, "native", [folder / "particles"], specimen)
     consumer_by_pkg_config(tally, stage)
     consumer_by_add_subdirectory(tally)
 
@@ -541,11 +542,11 @@ def consumer(tally):
             if readme:
                 folder = build_project(tally, "win32", readme, "README's project", package,
                                        "-DCMAKE_EXE_LINKER_FLAGS=-static")
-                run_readme_program(tally, "win32", [*wine.command, folder / "threshold.exe"], windows_path(specimen))
+                run_readme_program(tally, "win32", [*wine.command, folder / "particles.exe"], windows_path(specimen))
             exchange_streams(tally, BUILD / "stage/native/bin/orlix", [*wine.command, stage / "bin/orlix.exe"])
             wine.register(library, "/u")
         demo = [ROOT / "scripts/demo", "--windows", "--out", BUILD / "consumer/demo", specimen, "--dark"]
-        tally.check("scripts/demo: both platforms measure the same", problem_of(demo, 600))
+        tally.check("scripts/demo: both platforms find the same", problem_of(demo, 600))
     except Unavailable as reason:
         tally.skipped += 1
         say(f"skipped {tally.name}: the programs on Windows: {reason}")

@@ -17,6 +17,7 @@ import subprocess
 import sys
 from pathlib import Path
 
+from pages import differences
 from portable_executable import PortableExecutable
 
 ROOT = Path(__file__).resolve().parent.parent.parent
@@ -264,6 +265,7 @@ def check_native(build):
     check("the build makes what README.md says is there then",
           [path for path in paths if not (build / path.removeprefix("build/native").lstrip("/")).exists()] if paths else
           ["README.md says nothing of it"])
+    check("the commands of docs/particles.md print what it shows", differences(ROOT / "docs/particles.md", ROOT, build))
 
 
 def aligned_stack_moves(objdump, library):

@@ -184,7 +184,7 @@ std::string ParticleMap(const Json& m, const ComPtr<IBlobs>& blobs, const std::v
         numbers += "<text x='" +
                    Coordinate(std::clamp(NumberAt(particle, "inscribedX"), std::min(half, width / 2.0),
                                          std::max(width - 1 - half, width / 2.0))) +
-                   "' y='" + Coordinate(std::max(y, 0.95 * font)) + "'>" + number + "</text>\n";
+                   "' y='" + Coordinate(std::max(y, 1.1 * font)) + "'>" + number + "</text>\n";
     }
     return svg + "<g style='font-size:" + Coordinate(font) + "px;stroke-width:" + Coordinate(font / 6) + "px'>\n" +
            numbers + "</g>\n<circle id='ring' visibility='hidden'/>\n</svg>\n";
