@@ -15,6 +15,10 @@ bool Clip(int32_t start, int32_t stop, int32_t width, Run& run) {
     return run.start <= run.stop;
 }
 
+// A row of a region that was made for a wider image may have more runs than this image has columns. A list that is
+// longer still is a lie.
+constexpr int32_t kMostRuns = 65536;
+
 bool Touches(const Run& left, const Run& right) { return right.start <= int64_t{left.stop} + 1; }
 
 }  // namespace
@@ -78,7 +82,8 @@ void RegionRows::GatherRow(const SRun* begin, const SRun* end) {
     const auto past = reinterpret_cast<uintptr_t>(end);
     if (first == 0 || past <= first) return;
     const size_t count = (past - first) / sizeof(SRun);
-    if (first % alignof(SRun) != 0 || count > static_cast<uint64_t>(width_) + 1) throw FailedResult(E_FAIL);
+    if (first % alignof(SRun) != 0 || count > static_cast<uint64_t>(std::max(width_, kMostRuns)) + 1)
+        throw FailedResult(E_FAIL);
 
     const size_t base = runs_.size();
     bool ordered = true;

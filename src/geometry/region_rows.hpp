@@ -31,8 +31,8 @@ namespace orlix {
 //      other region is read once into a single list of runs.
 //
 // The constructor raises FailedResult with the region's own result when the region fails; FailedResult(E_FAIL) for a
-// row of more than width + 1 runs or for misaligned runs; std::bad_alloc. Null or reversed run lists and S_FALSE mean a
-// row without runs. A width or height below 1 gives no rows.
+// row of more runs than width + 1 and than 65537, and for misaligned runs; std::bad_alloc. Null or reversed run lists
+// and S_FALSE mean a row without runs. A width or height below 1 gives no rows.
 class RegionRows {
 public:
     RegionRows(IRegionOfInterest* region, int32_t width, int32_t height);

@@ -235,10 +235,17 @@ TEST(RegionRows, OddRunListsAreRowsWithoutRuns) {
     EXPECT_EQ(0, RegionRows(&region, 10, 5).pixels());
 }
 
+TEST(RegionRows, ARegionOfAWiderImageMayHaveMoreRunsThanThisOneHasColumns) {
+    ForeignRegion region;
+    region.box = {0, 0, 199, 0};
+    for (LONG x = 0; x < 200; x += 2) region.rows[0].push_back(MakeRun(x, x));
+    EXPECT_EQ(2, RegionRows(&region, 4, 1).pixels());
+}
+
 TEST(RegionRows, MoreRunsThanARowCanHoldFailAtOnce) {
     ForeignRegion region;
     region.box = {0, 0, 9, 0};
-    region.rows[0] = std::vector<SRun>(11, MakeRun(0, 0));
+    region.rows[0] = std::vector<SRun>(65537, MakeRun(0, 0));
     EXPECT_EQ(S_OK, ResultOf(region, 10, 1));
     region.rows[0].push_back(MakeRun(1, 1));
     EXPECT_EQ(E_FAIL, ResultOf(region, 10, 1));

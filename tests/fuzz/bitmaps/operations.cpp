@@ -119,7 +119,7 @@ AnyElement ElementFrom(World& world) {
     const size_t reach = world.OneIn(6) ? 70 : 4;
     for (size_t left = world.OneIn(24) ? 0 : 1 + world.choices.Below(8); left > 0; --left) {
         const LONG x = coordinate(reach), y = coordinate(std::min<size_t>(reach, 24));
-        const auto run = static_cast<LONG>(world.OneIn(3) && std::abs(x) < 100 ? world.choices.Below(9) : 0);
+        const auto run = static_cast<LONG>(world.OneIn(3) && x > -100 && x < 100 ? world.choices.Below(9) : 0);
         for (LONG i = 0; i <= run; ++i) {
             Check(element.object->AddElement(x + i, y), element.object);
             element.offsets.push_back({x + i, y});

@@ -41,8 +41,7 @@ private:
 // A client's region: any runs, some of them empty, some reaching outside.
 class OwnRegion final : public CountedObject<IRegionOfInterest> {
 public:
-    // No row has more than `most` runs.
-    OwnRegion(Choices& choices, LONG width, LONG height, LONG most)
+    OwnRegion(Choices& choices, LONG width, LONG height)
         : width_(width), height_(height), rows_(static_cast<size_t>(height)) {
         const size_t longest = 1 + choices.Below(static_cast<size_t>(width) + 4), gap = 1 + choices.Below(20);
         for (auto& row : rows_) {
@@ -52,7 +51,6 @@ public:
                 row.push_back({x, stop, 0, nullptr, nullptr, nullptr, nullptr});
                 x = std::max(x, stop) + 1 + static_cast<LONG>(choices.Below(gap));
             }
-            if (row.size() > static_cast<size_t>(most)) row.resize(static_cast<size_t>(most));
         }
     }
     STDMETHODIMP get_Width(LONG* width) noexcept override { return *width = width_, S_OK; }
@@ -279,8 +277,7 @@ void World::PutRegion(Canvas& canvas) {
         case 1:
         case 2:
             Say("own region ");
-            region = ComPtr<IRegionOfInterest>(
-                MakeCounted<OwnRegion>(choices, width, height, std::min(sizes_[0].first, sizes_[1].first)).get());
+            region = ComPtr<IRegionOfInterest>(MakeCounted<OwnRegion>(choices, width, height).get());
             break;
         case 3:
             Say("shape ");
