@@ -1,8 +1,9 @@
-// The view of an image in a window: everything in this example that uses the library.
+// The view of an image in a window: with particles.hpp, everything in this example that uses the library.
 //
 // An image object is its own picture. It knows which part of it is shown (IPictureExZoom), draws that part on a window
 // (Render) and maps points of the window to pixels. So there is no drawing and no scaling here; what the program adds
-// is the rubber band, drawn from the event that tells of each drawing (IPictureExEvents).
+// are the rubber band and the outlines of particles, drawn from the event that tells of each drawing
+// (IPictureExEvents).
 //
 // One rule holds everywhere: points are mapped as the picture was drawn LAST. So whoever changes the view has it drawn
 // at once (Redraw) and not at the next opportunity, when other messages may have come in between.
@@ -18,17 +19,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <iterator>
+#include <new>
 #include <string>
+
+#include "particles.hpp"
 
 // Called by the picture whenever it has been drawn. While somebody is connected the picture is drawn into memory first,
 // and the context given here is that memory: picture and frame appear on the screen together, so nothing flickers.
-class RubberBand final : public IPictureExEvents {
+class Overlays final : public IPictureExEvents {
 public:
+    Particles particles;
     RECT frame = {};  // in the window's coordinates, which are those of the context; empty: none
 
-    STDMETHODIMP OnRender(IPictureEx*, void* hdcDest, RenderSourceType) noexcept override {
+    STDMETHODIMP OnRender(IPictureEx* picture, void* hdcDest, RenderSourceType) noexcept override {
         const auto context = static_cast<HDC>(hdcDest);
+        TCoordinateMap map = {};
+        const HRESULT result = picture->get_PixelToDestCoords(&map);
+        if (FAILED(result)) return result;
+        try {
+            particles.Draw(context, map);
+        } catch (const std::bad_alloc&) {
+            return E_OUTOFMEMORY;  // the library called: no exception may get there
+        }
         if (IsRectEmpty(&frame)) return S_OK;
         SetDCBrushColor(context, RGB(255, 255, 0));
         FrameRect(context, &frame, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
@@ -48,17 +62,18 @@ class ImageView {
 public:
     enum class Drag { None, Pan, Band };
 
-    // The window shows the image above its status line.
-    ImageView(HWND window, HWND status)
+    // The window shows the image above its status line, and the panel, over the picture, what is selected there.
+    ImageView(HWND window, HWND status, HWND panel)
         : window_(window),
           status_(status),
+          panel_(panel),
           image_(orlix::CreateObject<IImageVPAExPlus>("Orlix.Image")),
           picture_(orlix::Cast<IPictureExZoom>(image_)),  // the same object
           display_(orlix::Cast<IDisplayProcess>(image_)) {
         Check(picture_->put_Surround(RGB(40, 44, 52)));
         const auto connections = orlix::Cast<IConnectionPointContainer>(image_);
         orlix::Check(connections->FindConnectionPoint(__uuidof(IPictureExEvents), events_.Out()));
-        orlix::Check(events_->Advise(&band_, &connection_));
+        orlix::Check(events_->Advise(&overlays_, &connection_));
     }
     ~ImageView() { events_->Unadvise(connection_); }
     ImageView(const ImageView&) = delete;
@@ -73,6 +88,7 @@ public:
     // A file that cannot be read leaves the image that is shown.
     void Open(const std::wstring& file) {
         orlix::Check(image_->CreateFromFile(orlix::Text(orlix::ToUtf8(file))), image_);
+        ForgetParticles();
         ResetZoom();  // it would be kept for an image of the same size
     }
 
@@ -93,11 +109,30 @@ public:
         Check(result);
     }
 
+    void Resize() {
+        SendMessageW(status_, WM_SIZE, 0, 0);  // it finds its place
+        ShowNumbers();
+        InvalidateRect(window_, nullptr, FALSE);
+    }
+
     // ------------------------------------------------------------------------------------------------------- commands
 
     // The darkest and the brightest pixel used become black and white; a thousandth of the pixels may lie beyond.
     void SnapDisplayRange() {
         orlix::Check(display_->SnapDisplayRange(0.001, 0.001, FALSE), display_);
+        Redraw();
+    }
+
+    // What is darker, or brighter, than the rest.
+    void FindParticles(bool dark) {
+        overlays_.particles.Find(image_, dark);
+        ShowNumbers();
+        Redraw();
+    }
+
+    void ForgetParticles() {
+        overlays_.particles = {};
+        ShowNumbers();
         Redraw();
     }
 
@@ -142,7 +177,7 @@ public:
             Check(picture_->get_DestRect(&shown));
             const RECT drawn = {std::min(first_.x, point.x), std::min(first_.y, point.y), std::max(first_.x, point.x),
                                 std::max(first_.y, point.y)};
-            IntersectRect(&band_.frame, &drawn, &shown);
+            IntersectRect(&overlays_.frame, &drawn, &shown);
             Redraw();
         } else {
             ShowPixel();
@@ -153,8 +188,10 @@ public:
         if (drag_ != drag) return;
         MovePointer(point);
         constexpr LONG kSmallest = 4;  // less was a click
-        const RECT frame = band_.frame;
+        const RECT frame = overlays_.frame;
+        const bool click = std::abs(point.x - first_.x) < kSmallest && std::abs(point.y - first_.y) < kSmallest;
         ReleaseCapture();  // the system then calls for ForgetDrag
+        if (drag == Drag::Pan && click) SelectParticle(point);
         if (drag == Drag::Band && frame.right - frame.left >= kSmallest && frame.bottom - frame.top >= kSmallest)
             ZoomTo(frame);
     }
@@ -162,7 +199,7 @@ public:
     void ForgetDrag() {
         if (drag_ == Drag::None) return;
         drag_ = Drag::None;
-        band_.frame = {};
+        overlays_.frame = {};
         Redraw();
     }
 
@@ -192,6 +229,31 @@ private:
         else
             swprintf(text, std::size(text), L"zoom %.2f", zoom);
         SendMessageW(status_, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+    }
+
+    // The middle of the device pixel counts.
+    void SelectParticle(POINT point) {
+        const Point pixel = ToImage(point.x + 0.5, point.y + 0.5);
+        overlays_.particles.Select(pixel.x, pixel.y);
+        ShowNumbers();
+        Redraw();
+    }
+
+    // In a panel as large as its text, in the half of the view where the pointer is not; hidden without a text.
+    void ShowNumbers() {
+        const std::wstring numbers = overlays_.particles.Numbers();
+        RECT text = {}, view = {};
+        const HDC context = GetDC(panel_);
+        SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(panel_, WM_GETFONT, 0, 0)));
+        DrawTextW(context, numbers.c_str(), -1, &text, DT_CALCRECT);
+        ReleaseDC(panel_, context);
+        GetClientRect(window_, &view);
+        constexpr LONG kBorder = 1, kApart = 8;
+        const LONG width = text.right + 2 * kBorder, height = text.bottom + 2 * kBorder;
+        const LONG left = pointer_.x < view.right / 2 ? view.right - width - kApart : kApart;
+        SetWindowPos(panel_, HWND_TOP, left, kApart, width, height,
+                     SWP_NOACTIVATE | SWP_NOCOPYBITS | (numbers.empty() ? SWP_HIDEWINDOW : SWP_SHOWWINDOW));
+        SetWindowTextW(panel_, numbers.c_str());
     }
 
     // Device pixels have their edges at whole numbers, pixels of the image their centres.
@@ -245,13 +307,13 @@ private:
         Redraw();
     }
 
-    const HWND window_, status_;
+    const HWND window_, status_, panel_;
     orlix::ComPtr<IImageVPAExPlus> image_;
     orlix::ComPtr<IPictureExZoom> picture_;
     orlix::ComPtr<IDisplayProcess> display_;
     orlix::ComPtr<IConnectionPoint> events_;
     DWORD connection_ = 0;
-    RubberBand band_;
+    Overlays overlays_;
     Drag drag_ = Drag::None;
     POINT first_ = {}, last_ = {};  // of the drag
     POINT pointer_ = {};

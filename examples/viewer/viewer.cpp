@@ -3,9 +3,11 @@
 //     wheel               zooms about the pointer         Ctrl+O   opens a file
 //     drag, left button   moves the picture               S        spreads the greys over what the image uses
 //     drag, right button  zooms to the rectangle          0        shows the whole image
-//     arrow keys          move the picture
+//     arrow keys          move the picture            D, B     finds dark, or bright, particles
+//     click               shows a particle's numbers  Escape   forgets the particles
 //
-// Here are the window, its menu and its messages. What is done with the image stands in image_view.hpp.
+// Here are the window, its menu and its messages. What is done with the image stands in image_view.hpp, what is done
+// with its particles in particles.hpp.
 #include "image_view.hpp"
 
 #include <windows.h>
@@ -22,7 +24,7 @@ namespace {
 
 constexpr wchar_t kTitle[] = L"Orlix viewer";
 
-enum Command : WORD { kOpen = 100, kExit, kSnap, kReset, kLeft, kRight, kUp, kDown };
+enum Command : WORD { kOpen = 100, kExit, kSnap, kReset, kLeft, kRight, kUp, kDown, kDark, kBright, kForget };
 
 // What the library reported, in its words.
 void ShowError(HWND window, const std::exception& error) {
@@ -69,6 +71,12 @@ void Do(WORD command, HWND window, ImageView& view) {
             return view.Pan(&IPictureExZoom::ScrollUp);
         case kDown:
             return view.Pan(&IPictureExZoom::ScrollDown);
+        case kDark:
+            return view.FindParticles(true);
+        case kBright:
+            return view.FindParticles(false);
+        case kForget:
+            return view.ForgetParticles();
     }
 }
 
@@ -109,8 +117,7 @@ LRESULT Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam, ImageVie
         case WM_ERASEBKGND:
             return 1;  // nothing is to be seen before the picture, which covers everything
         case WM_SIZE:
-            SendMessageW(GetWindow(window, GW_CHILD), WM_SIZE, 0, 0);  // the status line finds its place
-            InvalidateRect(window, nullptr, FALSE);
+            view.Resize();
             return 0;
         case WM_COMMAND:
             Do(LOWORD(wParam), window, view);
@@ -139,13 +146,17 @@ LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
 }
 
 HMENU MakeMenu() {
-    const HMENU file = CreatePopupMenu(), view = CreatePopupMenu(), bar = CreateMenu();
+    const HMENU file = CreatePopupMenu(), view = CreatePopupMenu(), particles = CreatePopupMenu(), bar = CreateMenu();
     AppendMenuW(file, MF_STRING, kOpen, L"&Open...\tCtrl+O");
     AppendMenuW(file, MF_STRING, kExit, L"E&xit");
     AppendMenuW(view, MF_STRING, kSnap, L"&Snap display range\tS");
     AppendMenuW(view, MF_STRING, kReset, L"&Reset zoom\t0");
+    AppendMenuW(particles, MF_STRING, kDark, L"Find &dark ones\tD");
+    AppendMenuW(particles, MF_STRING, kBright, L"Find &bright ones\tB");
+    AppendMenuW(particles, MF_STRING, kForget, L"&Forget them\tEsc");
     AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
     AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(view), L"&View");
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(particles), L"&Particles");
     return bar;
 }
 
@@ -170,7 +181,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) try {
     const HWND status =
         CreateWindowW(STATUSCLASSNAMEW, L"Ctrl+O opens an image", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
                       window, nullptr, instance, nullptr);
-    ImageView view(window, status);
+    const HWND panel = CreateWindowW(L"STATIC", L"", WS_CHILD | WS_BORDER | SS_NOPREFIX, 0, 0, 0, 0, window, nullptr,
+                                     instance, nullptr);
+    SendMessageW(panel, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+    ImageView view(window, status, panel);
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&view));
     ShowWindow(window, show);
 
@@ -185,7 +199,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) try {
 
     ACCEL keys[] = {{FVIRTKEY | FCONTROL, 'O', kOpen}, {FVIRTKEY, 'S', kSnap},       {FVIRTKEY, '0', kReset},
                     {FVIRTKEY, VK_LEFT, kLeft},        {FVIRTKEY, VK_RIGHT, kRight}, {FVIRTKEY, VK_UP, kUp},
-                    {FVIRTKEY, VK_DOWN, kDown}};
+                    {FVIRTKEY, VK_DOWN, kDown},        {FVIRTKEY, 'D', kDark},       {FVIRTKEY, 'B', kBright},
+                    {FVIRTKEY, VK_ESCAPE, kForget}};
     const HACCEL accelerators = CreateAcceleratorTableW(keys, static_cast<int>(std::size(keys)));
     MSG message = {};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {

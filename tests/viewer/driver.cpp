@@ -9,6 +9,8 @@
 //     driver move X Y
 //     driver key CODE                          a virtual key, pressed and released
 //     driver status                            prints the text of the status line
+//     driver panel                             prints what the panel tells of a particle, its lines joined by ' | '; an
+//                                              empty line when it does not show
 //     driver open FILE                         opens it by way of the menu's dialog
 //     driver message                           waits for a message box, prints its text and closes it
 //     driver close                             closes the window and waits until it is gone
@@ -141,6 +143,15 @@ bool Status(HWND window) {
     return true;
 }
 
+bool Panel(HWND window) {
+    const HWND panel = FindWindowExW(window, nullptr, L"Static", nullptr);
+    wchar_t text[300] = L"";
+    if (IsWindowVisible(panel)) SendMessageW(panel, WM_GETTEXT, 300, reinterpret_cast<LPARAM>(text));
+    for (const wchar_t* c = text; *c; ++c) std::printf(*c == L'\n' ? " | " : "%lc", static_cast<wint_t>(*c));
+    std::printf("\n");
+    return panel != nullptr;
+}
+
 bool Close(HWND window) {
     PostMessageW(window, WM_CLOSE, 0, 0);
     return Wait([&] { return !IsWindow(window); });
@@ -155,6 +166,7 @@ bool Do(const std::vector<std::string>& words) {
     if (!window) return false;
     if (verb == "size") return Resize(window, number(1), number(2));
     if (verb == "status") return Status(window);
+    if (verb == "panel") return Panel(window);
     if (verb == "open" && words.size() == 2) return Open(words[1]);
     if (verb == "close") return Close(window);
     if (verb == "key") return Key(static_cast<WORD>(number(1)));

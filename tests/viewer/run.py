@@ -2,12 +2,14 @@
 
     run.py BUILD                      one line for each check; the last line is the sum
     run.py BUILD --picture PNG IMAGE  a picture of the viewer instead, zoomed in and with a rectangle being drawn
+    run.py BUILD --particles PNG IMAGE X Y  a picture with the dark particles, after a click at a point
 
-BUILD is a folder of the 32-bit Windows build. For the picture the frame needs Wine's own fonts: tahoma.ttf and
+BUILD is a folder of the 32-bit Windows build. For the pictures the frame needs Wine's own fonts: tahoma.ttf and
 marlett.ttf of the Debian package fonts-wine, copied to windows/Fonts of the environment's drive C (see scripts/wine).
 """
 
 import argparse
+import math
 import os
 import shutil
 import subprocess
@@ -124,6 +126,17 @@ class Viewer:
             pass
         check(what, "" if said.endswith(ending) else f"{said!r} instead of {ending!r}")
 
+    def read_panel(self, what, wanted):
+        """Reads the panel until it says so, or too long."""
+        give_up = time.monotonic() + PATIENCE
+        while (said := self.do("panel")) != wanted and time.monotonic() < give_up:
+            pass
+        check(what, "" if said == wanted else f"{said!r} instead of {wanted!r}")
+
+    def click(self, x, y):
+        self.do("press", "left", x, y)
+        self.do("release", "left", x, y)
+
     def drag(self, button, first, second, what, problem_of):
         """Looks before the button is released."""
         self.do("press", button, *first)
@@ -146,7 +159,7 @@ WIDTH, HEIGHT = COLUMNS * BLOCK, ROWS * BLOCK
 DARKEST, STEP = 60, 2
 BRIGHTEST = DARKEST + STEP * (COLUMNS * ROWS - 1)
 SURROUND, BAND = (40, 44, 52), (255, 255, 0)
-LEFT_KEY, DOWN_KEY = 0x25, 0x28
+LEFT_KEY, DOWN_KEY, ESCAPE_KEY = 0x25, 0x28, 0x1B
 
 
 def level(column, row):
@@ -295,6 +308,79 @@ def check_snapping(viewer):
     viewer.see("S spreads the greys from black to white", problem_of)
 
 
+# Dark rectangles on a bright ground: left, top, width, height, grey of the left and of the right half. The last one has
+# too few pixels to count.
+GROUND = 200
+RECTANGLES = [(20, 30, 40, 20, 50, 70), (120, 90, 30, 40, 80, 80), (100, 10, 3, 3, 60, 60)]
+OUTLINE, SELECTED = (0, 200, 255), (255, 255, 0)
+
+
+def write_particles(file):
+    rows = [bytearray([GROUND]) * WIDTH for _ in range(HEIGHT)]
+    for left, top, width, height, grey_left, grey_right in RECTANGLES:
+        for row in rows[top:top + height]:
+            row[left:left + width] = bytes([grey_left] * (width // 2) + [grey_right] * (width - width // 2))
+    file.write_bytes(b"P5\n%d %d\n255\n" % (WIDTH, HEIGHT) + b"".join(rows))
+
+
+def numbers_of(number, label):
+    """What the contract defines for a rectangle: the perimeter from the steps and corners of its chain."""
+    _, _, width, height, grey_left, grey_right = RECTANGLES[number]
+    steps, area = 2 * (width - 1) + 2 * (height - 1), width * height
+    return " | ".join([
+        f"Particle {number + 1} of 2, label {label}", f"Area {area} pixels",
+        f"Equivalent diameter {2 * math.sqrt(area / math.pi):.2f}",
+        f"Perimeter {0.980 * steps - 0.091 * 4 + 2 * math.sqrt(2):.2f}",
+        f"Feret {min(width, height):.2f} to {math.hypot(width, height):.2f}",
+        f"Mean grey {(grey_left + grey_right) / 2:.2f}"])
+
+
+def around(number, color, size, left=0, top=0):
+    """Points on the outline of a rectangle that is shown in the given size, and on either side of it."""
+    x, y, width, height, grey_left, grey_right = RECTANGLES[number]
+    first, last = left + x * size, left + (x + width) * size
+    middle = top + y * size + height * size // 2
+    return {(first, middle): color, (last, middle): color, (first - 3, middle): (GROUND,) * 3,
+            (first + 3, middle): (grey_left,) * 3, (last - 3, middle): (grey_right,) * 3,
+            (first + 5, top + y * size): color, (first + 5, top + (y + height) * size): color}
+
+
+def check_particles(session, folder):
+    image = folder / "particles.pgm"
+    write_particles(image)
+    viewer = Viewer(session, image)
+    viewer.do("find")
+    viewer.resize(400, 300)
+    viewer.read_panel("the panel is hidden before particles are looked for", "")
+    viewer.do("key", ord("D"))
+    viewer.read_panel("D counts the dark particles", "2 particles")
+    found = {**around(0, OUTLINE, 2), **around(1, OUTLINE, 2)}
+    viewer.see("and outlines them", lambda seen: differences(seen, found))
+
+    viewer.click(80, 80)
+    viewer.read_panel("a click on a particle shows its numbers", numbers_of(0, 1))
+    chosen = {**around(0, SELECTED, 2), **around(1, OUTLINE, 2)}
+    viewer.see("and its outline", lambda seen: differences(seen, chosen))
+    viewer.click(2 * 149 + 1, 2 * 90)
+    viewer.read_panel("so does a click on the last pixel of a row of another one", numbers_of(1, 2))
+    viewer.click(2 * 150, 2 * 90)
+    viewer.read_panel("a click beside it selects none", "2 particles")
+
+    viewer.drag("left", (300, 220), (320, 200), "a drag selects nothing", lambda seen: "")
+    viewer.do("key", ord("0"))
+    viewer.do("wheel", 80, 80, 3)
+    viewer.hear("the picture is zoomed", "zoom 1.95")
+    viewer.click(80, 80)
+    viewer.read_panel("a click finds its particle at any zoom", numbers_of(0, 1))
+    viewer.do("key", ord("0"))
+    viewer.do("key", ord("B"))
+    viewer.read_panel("B counts the bright ones", "1 particle")
+    viewer.do("key", ESCAPE_KEY)
+    viewer.read_panel("Escape forgets them", "")
+    viewer.see("and their outlines", lambda seen: differences(seen, {(40, 80): (50,) * 3, (37, 80): (GROUND,) * 3}))
+    viewer.close()
+
+
 def check_failing(session, folder):
     broken, image = folder / "broken.pgm", folder / "image.pgm"
     broken.write_bytes(b"no image")
@@ -324,7 +410,14 @@ def check_all(session):
         check_rubber_band(viewer, former)
         check_snapping(viewer)
         viewer.close()
+        check_particles(session, folder)
         check_failing(session, folder)
+
+
+def photograph(viewer, file):
+    """With the frame, the title and the menu above, the status line below."""
+    (left, top), (width, height) = viewer.origin, viewer.size
+    viewer.session.screen.picture().part(left - 4, top - 42, width + 8, height + 42 + 24).write_png(file)
 
 
 def take_picture(session, image, file):
@@ -336,22 +429,36 @@ def take_picture(session, image, file):
     viewer.do("press", "right", 250, 120)
     viewer.do("move", 470, 270)
     viewer.see("a rectangle is drawn", lambda seen: differences(seen, {(250, 200): BAND, (469, 200): BAND}))
-    left, top = viewer.origin
-    # With the frame, the title and the menu above, the status line below.
-    session.screen.picture().part(left - 4, top - 42, 560 + 8, 400 + 42 + 24).write_png(file)
+    photograph(viewer, file)
     viewer.do("release", "right", 470, 270)
+    viewer.close()
+
+
+def take_particles(session, image, file, point):
+    viewer = Viewer(session, image)
+    viewer.do("find")
+    viewer.resize(560, 400)
+    viewer.do("key", ord("D"))
+    viewer.click(*point)
+    viewer.see("a particle is outlined", lambda seen: "" if bytes(SELECTED) in b"".join(seen.rows) else "none is")
+    photograph(viewer, file)
     viewer.close()
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build", type=Path, metavar="BUILD")
-    parser.add_argument("--picture", nargs=2, type=Path, metavar=("PNG", "IMAGE"))
+    parser.add_argument("--picture", nargs=2, metavar=("PNG", "IMAGE"))
+    parser.add_argument("--particles", nargs=4, metavar=("PNG", "IMAGE", "X", "Y"))
     arguments = parser.parse_args()
     try:
         with Session(arguments.build.resolve()) as session:
             if arguments.picture:
-                take_picture(session, arguments.picture[1].resolve(), arguments.picture[0])
+                take_picture(session, Path(arguments.picture[1]).resolve(), arguments.picture[0])
+                return 0
+            if arguments.particles:
+                file, image, x, y = arguments.particles
+                take_particles(session, Path(image).resolve(), file, (int(x), int(y)))
                 return 0
             try:
                 check_all(session)
