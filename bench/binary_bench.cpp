@@ -114,15 +114,13 @@ void RegisterKernels() {
     const auto square = [](SquareFn fn, const MorphologyRows& all, uint8_t* scratch) { fn(all, scratch); };
     rows("kernel erode 3x3", kSquare<false, true>, 3 * kSize / 8, square);
     rows("kernel erode cross", kSquare<false, false>, 3 * kSize / 8, square);
-    for (const int32_t reach : {1, 2, 7, 15, 50, 500}) {
-        const MorphologyWindow window{reach, reach};
-        const auto call = [=](RowWindowFn fn, const MorphologyRows& all, uint8_t* scratch) {
-            fn(all, window, scratch);
-        };
-        const std::string length = std::to_string(2 * reach + 1);
-        rows("kernel erode " + length + "x1", kRowWindow<false>, RowWindowScratch(kSize / 8), call);
-        rows("kernel erode 1x" + length, kColumnWindow<false>, ColumnWindowScratch(window), call);
-    }
+    for (const int32_t reach : {2, 15, 50, 500})
+        for (const auto& [columns, lines] : {std::pair{reach, reach}, {reach, 0}, {0, reach}}) {
+            const MorphologyRectangle window{{columns, columns}, {lines, lines}};
+            rows("kernel erode " + std::to_string(2 * columns + 1) + "x" + std::to_string(2 * lines + 1),
+                 kRectangle<false>, RectangleScratch(kSize / 8, kSize, window),
+                 [=](RectangleFn fn, const MorphologyRows& all, uint8_t* scratch) { fn(all, window, scratch); });
+        }
 }
 
 void RegisterOperations(const std::string& picture, const BitmapStore& (*source)()) {

@@ -50,6 +50,10 @@ function(orlix_instruction_sets)
             # VBMI and GFNI came with the processors that the variant is chosen on (Ice Lake, Zen 4 and later).
             string(CONCAT options "-mavx512f;-mavx512bw;-mavx512vl;-mavx512dq;-mavx512vbmi;-mgfni;"
                 "-mavx2;-mbmi;-mbmi2;-mpopcnt;-mprefer-vector-width=512")
+            # So did these, which only binary images need.
+            if(file MATCHES "/binary/")
+                string(APPEND options ";-mavx512cd;-mavx512vbmi2;-mavx512vpopcntdq")
+            endif()
             set_source_files_properties(${file} PROPERTIES SKIP_PRECOMPILE_HEADERS ON COMPILE_OPTIONS "${options}")
         endif()
     endforeach()

@@ -32,9 +32,10 @@ inline constexpr Variant<CombineFn> kCombine[] = {
 // The number of bits that are set.
 using CountBitsFn = uint64_t (*)(const uint8_t* bits, size_t bytes);
 
-Kernel<CountBitsFn> CountBits_scalar, CountBits_sse2, CountBits_avx2;
+Kernel<CountBitsFn> CountBits_scalar, CountBits_sse2, CountBits_avx2, CountBits_avx512;
 
 inline constexpr Variant<CountBitsFn> kCountBits[] = {
+    {"avx512", Cpu::Avx512, &CountBits_avx512},
     {"avx2", Cpu::Avx2, &CountBits_avx2},
     {"sse2", Cpu::Sse2, &CountBits_sse2},
     {"scalar", Cpu::Any, &CountBits_scalar},

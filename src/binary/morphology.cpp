@@ -55,26 +55,20 @@ SquareFn SquareKernel(bool dilate, Connectivity neighbours) {
     return dilate ? Choose(kSquare<true, false>) : Choose(kSquare<false, false>);
 }
 
-// The windows of an erosion; those of a dilation reach as far the other way.
-void ApplyWindows(const BitRows& from, Morphology operation, MorphologyWindow columns, MorphologyWindow lines,
-                  BitmapStore& to, const RegionRows& region) {
-    struct Pass {
-        RowWindowFn fn;
-        MorphologyWindow window;
-    };
-    const auto isThree = [](const MorphologyWindow& w) { return w.before == 1 && w.after == 1; };
-    if (isThree(columns) && isThree(lines)) return ApplySquare(from, operation, Connectivity::Eight, 1, to, region);
-    std::vector<Pass> passes;
-    for (const bool dilate : Steps(operation)) {
-        const auto add = [&](RowWindowFn dilation, RowWindowFn erosion, const MorphologyWindow& w) {
-            if (w.length() > 1) passes.push_back(dilate ? Pass{dilation, {w.after, w.before}} : Pass{erosion, w});
-        };
-        add(Choose(kColumnWindow<true>), Choose(kColumnWindow<false>), lines);
-        add(Choose(kRowWindow<true>), Choose(kRowWindow<false>), columns);
-    }
-    std::vector<uint8_t> scratch(std::max(RowWindowScratch(RowsOf(to).usedBytes()), ColumnWindowScratch(lines)));
-    OnRows(from, to, region, passes.size(),
-           [&](size_t i, const MorphologyRows& rows) { passes[i].fn(rows, passes[i].window, scratch.data()); });
+RectangleFn RectangleKernel(bool dilate) { return dilate ? Choose(kRectangle<true>) : Choose(kRectangle<false>); }
+
+// The window of an erosion; that of a dilation reaches as far the other way.
+void ApplyWindow(const BitRows& from, Morphology operation, const MorphologyRectangle& window, BitmapStore& to,
+                 const RegionRows& region) {
+    const auto reflected = [](const MorphologyWindow& w) { return MorphologyWindow{w.after, w.before}; };
+    const Steps steps(operation);
+    std::vector<uint8_t> scratch(RectangleScratch(RowsOf(to).usedBytes(), to.height(), window));
+    OnRows(from, to, region, steps.count, [&](size_t i, const MorphologyRows& rows) {
+        const bool dilate = steps.dilate[i];
+        RectangleKernel(dilate)(
+            rows, dilate ? MorphologyRectangle{reflected(window.columns), reflected(window.rows)} : window,
+            scratch.data());
+    });
 }
 
 }  // namespace
@@ -150,16 +144,15 @@ bool IsSymmetricAndConvex(const ElementRuns& runs) {
 void ApplyRectangles(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
                      const RegionRows& region) {
     const size_t middle = runs.size() / 2;
-    std::vector<uint8_t> scratch(
-        std::max(RowWindowScratch(RowsOf(to).usedBytes()), ColumnWindowScratch({runs.back().y, runs.back().y})));
+    const int32_t tallest = runs.back().y;
+    std::vector<uint8_t> scratch(RectangleScratch(RowsOf(to).usedBytes(), to.height(), {{0, 0}, {tallest, tallest}}));
     BitmapStore tall;
     tall.Create(to.width(), to.height(), false);
     const Steps steps(operation);
     OnRows(from, to, region, steps.count, [&](size_t step, const MorphologyRows& rows) {
         const bool dilate = steps.dilate[step];
         const CombineFn join = dilate ? Choose(kCombine<BitLogic::Or>) : Choose(kCombine<BitLogic::And>);
-        const auto lines = dilate ? Choose(kColumnWindow<true>) : Choose(kColumnWindow<false>);
-        const auto columns = dilate ? Choose(kRowWindow<true>) : Choose(kRowWindow<false>);
+        const RectangleFn rectangle = RectangleKernel(dilate);
         MorphologyRows high = rows, wide = rows;
         high.to = tall.WriteRow(0);
         high.toRow = tall.rowBytes();
@@ -176,11 +169,11 @@ void ApplyRectangles(const BitRows& from, Morphology operation, const ElementRun
             const int32_t half = runs[i].stop, next = i + 1 < runs.size() ? runs[i + 1].stop : 0;
             if (i + 1 < runs.size() && next == half) continue;
             const int32_t higher = runs[i].y - height, wider = half - next;
-            if (higher > 0) lines(high, {higher, higher}, scratch.data());
+            if (higher > 0) rectangle(high, {{0, 0}, {higher, higher}}, scratch.data());
             height = runs[i].y;
             for (int32_t y = 0; y < rows.height; ++y)
                 join(wide.to + y * wide.toRow, high.to + y * high.toRow, rows.bytes);
-            if (wider > 0) columns(wide, {wider, wider}, scratch.data());
+            if (wider > 0) rectangle(wide, {{wider, wider}, {0, 0}}, scratch.data());
         }
     });
 }
@@ -288,8 +281,8 @@ void ApplySquare(const BitRows& from, Morphology operation, Connectivity neighbo
                  const RegionRows& region) {
     if (to.height() == 0) return;
     const auto count = static_cast<size_t>(std::max(times, 0));
-    // A pass takes less than a fourth of a rectangle, and a twentieth of a diamond.
-    const int32_t mostPasses = neighbours == Connectivity::Eight ? 3 : 20;
+    // A pass takes less than half of a rectangle, and a twentieth of a diamond.
+    const int32_t mostPasses = neighbours == Connectivity::Eight ? 2 : 20;
     if (times <= mostPasses) {
         const Steps steps(operation);
         std::vector<uint8_t> scratch(3 * RowsOf(to).usedBytes());
@@ -299,7 +292,7 @@ void ApplySquare(const BitRows& from, Morphology operation, Connectivity neighbo
     }
     if (neighbours == Connectivity::Eight) {
         const int32_t across = std::min(times, to.width() - 1), down = std::min(times, to.height() - 1);
-        return ApplyWindows(from, operation, {across, across}, {down, down}, to, region);
+        return ApplyWindow(from, operation, {{across, across}, {down, down}}, to, region);
     }
     BitPlane plane(from);
     for (const bool dilate : Steps(operation))
@@ -316,7 +309,7 @@ void ApplyRectangle(const BitRows& from, Morphology operation, int32_t width, in
     const auto window = [](int32_t length, int32_t size) {
         return MorphologyWindow{std::min((length - 1) / 2, size - 1), std::min(length / 2, size - 1)};
     };
-    ApplyWindows(from, operation, window(width, to.width()), window(height, to.height()), to, region);
+    ApplyWindow(from, operation, {window(width, to.width()), window(height, to.height())}, to, region);
 }
 
 void ApplyDisk(const BitRows& from, Morphology operation, double radius, BitmapStore& to, const RegionRows& region) {

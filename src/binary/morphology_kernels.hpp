@@ -41,56 +41,41 @@ inline constexpr Variant<SquareFn> kSquare[] = {
     {"scalar", Cpu::Any, &Square_scalar<dilate, eight>},
 };
 
-// The window of each pixel: so many pixels before it and after it, in its row or its column; both less than the width
-// or height.
+// The window of each pixel: so many pixels before it and after it, in its row or its column. The numbers differ by at
+// most 1 and are less than the width or height.
 struct MorphologyWindow {
     int32_t before;
     int32_t after;
-    constexpr size_t length() const { return static_cast<size_t>(before) + static_cast<size_t>(after) + 1; }
+    constexpr int32_t length() const { return before + after + 1; }
+};
+struct MorphologyRectangle {
+    MorphologyWindow columns;
+    MorphologyWindow rows;
 };
 
-// The dilation (or else erosion) by a window of columns. scratch has RowWindowScratch(bytes) bytes.
-using RowWindowFn = void (*)(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
-constexpr size_t kRowMargin = 192;
-constexpr size_t RowWindowScratch(size_t bytes) { return 3 * (3 * bytes + 2 * kRowMargin); }
+// The dilation (or else erosion) by a window of columns and rows. scratch has RectangleScratch(...) bytes.
+using RectangleFn = void (*)(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch);
+constexpr size_t RectangleScratch(size_t bytes, int32_t height, const MorphologyRectangle& window) {
+    const size_t row = bytes + 64;  // whole vectors
+    const auto kept = static_cast<size_t>(window.rows.length() < height ? window.rows.length() : height);
+    return 6 * row + 512 + (2 + 2 * kept) * row;
+}
 
 template <bool dilate>
-void RowWindow_scalar(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
+void Rectangle_scalar(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch);
 template <bool dilate>
-void RowWindow_sse2(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
+void Rectangle_sse2(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch);
 template <bool dilate>
-void RowWindow_avx2(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
+void Rectangle_avx2(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch);
 template <bool dilate>
-void RowWindow_avx512(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
+void Rectangle_avx512(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch);
 
 template <bool dilate>
-inline constexpr Variant<RowWindowFn> kRowWindow[] = {
-    {"avx512", Cpu::Avx512, &RowWindow_avx512<dilate>},
-    {"avx2", Cpu::Avx2, &RowWindow_avx2<dilate>},
-    {"sse2", Cpu::Sse2, &RowWindow_sse2<dilate>},
-    {"scalar", Cpu::Any, &RowWindow_scalar<dilate>},
-};
-
-// The same by a window of rows. scratch has ColumnWindowScratch(window, bytes) bytes.
-using ColumnWindowFn = RowWindowFn;
-constexpr size_t kColumnStrip = 512;
-constexpr size_t ColumnWindowScratch(const MorphologyWindow& window) { return 2 * kColumnStrip * window.length(); }
-
-template <bool dilate>
-void ColumnWindow_scalar(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
-template <bool dilate>
-void ColumnWindow_sse2(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
-template <bool dilate>
-void ColumnWindow_avx2(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
-template <bool dilate>
-void ColumnWindow_avx512(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch);
-
-template <bool dilate>
-inline constexpr Variant<ColumnWindowFn> kColumnWindow[] = {
-    {"avx512", Cpu::Avx512, &ColumnWindow_avx512<dilate>},
-    {"avx2", Cpu::Avx2, &ColumnWindow_avx2<dilate>},
-    {"sse2", Cpu::Sse2, &ColumnWindow_sse2<dilate>},
-    {"scalar", Cpu::Any, &ColumnWindow_scalar<dilate>},
+inline constexpr Variant<RectangleFn> kRectangle[] = {
+    {"avx512", Cpu::Avx512, &Rectangle_avx512<dilate>},
+    {"avx2", Cpu::Avx2, &Rectangle_avx2<dilate>},
+    {"sse2", Cpu::Sse2, &Rectangle_sse2<dilate>},
+    {"scalar", Cpu::Any, &Rectangle_scalar<dilate>},
 };
 
 }  // namespace orlix

@@ -48,44 +48,34 @@ template Kernel<SquareFn> Square_scalar<false, true>;
 template Kernel<SquareFn> Square_scalar<true, false>;
 template Kernel<SquareFn> Square_scalar<true, true>;
 
+// Rows with their windows of columns, as many as the window of rows has.
 template <bool dilate>
-void RowWindow_scalar(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
+void Rectangle_scalar(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch) {
     const int64_t width = WidthOf(rows);
-    for (int32_t y = 0; y < rows.height; ++y) {
-        std::copy_n(rows.from + y * rows.fromRow, rows.bytes, scratch);
-        for (int64_t x = 0; x < width; ++x) {
-            const int64_t end = std::min(width - 1, x + window.after);
-            bool extreme = !dilate;
-            for (int64_t i = std::max<int64_t>(0, x - window.before); i <= end; ++i)
-                if (BitOf(scratch, i) == dilate) extreme = dilate;
-            PutBit(rows.to + y * rows.toRow, x, extreme);
+    const auto [left, right] = window.columns;
+    const auto [up, down] = window.rows;
+    const int32_t kept = std::min(window.rows.length(), rows.height);
+    const auto keptRow = [&](int32_t y) { return scratch + static_cast<size_t>(y % kept) * rows.bytes; };
+    for (int32_t read = 0; read - down < rows.height; ++read) {
+        if (read < rows.height) {
+            const uint8_t* const row = rows.from + read * rows.fromRow;
+            for (int64_t x = 0; x < width; ++x) {
+                bool extreme = !dilate;
+                for (int64_t i = std::max<int64_t>(0, x - left); i <= std::min(width - 1, x + right); ++i)
+                    if (BitOf(row, i) == dilate) extreme = dilate;
+                PutBit(keptRow(read), x, extreme);
+            }
         }
+        const int32_t y = read - down;
+        if (y < 0) continue;
+        uint8_t* const to = rows.to + y * rows.toRow;
+        std::fill_n(to, rows.bytes, dilate ? 0x00 : 0xff);
+        for (int32_t i = std::max(0, y - up); i <= std::min(rows.height - 1, read); ++i)
+            for (size_t n = 0; n < rows.bytes; ++n)
+                to[n] = static_cast<uint8_t>(dilate ? to[n] | keptRow(i)[n] : to[n] & keptRow(i)[n]);
     }
 }
-template Kernel<RowWindowFn> RowWindow_scalar<false>;
-template Kernel<RowWindowFn> RowWindow_scalar<true>;
-
-// Column by column of bytes: scratch keeps as many of them as the window has.
-template <bool dilate>
-void ColumnWindow_scalar(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
-    const auto length = static_cast<int64_t>(window.length());
-    for (size_t i = 0; i < rows.bytes; ++i) {
-        const auto keep = [&](int64_t y) {
-            if (y < rows.height)
-                scratch[y % length] = rows.from[static_cast<ptrdiff_t>(y) * rows.fromRow + static_cast<ptrdiff_t>(i)];
-        };
-        for (int64_t y = 0; y < window.after; ++y) keep(y);
-        for (int64_t y = 0; y < rows.height; ++y) {
-            keep(y + window.after);
-            const int64_t end = std::min<int64_t>(rows.height - 1, y + window.after);
-            unsigned extreme = dilate ? 0x00 : 0xff;
-            for (int64_t k = std::max<int64_t>(0, y - window.before); k <= end; ++k)
-                extreme = dilate ? extreme | scratch[k % length] : extreme & scratch[k % length];
-            rows.to[static_cast<ptrdiff_t>(y) * rows.toRow + static_cast<ptrdiff_t>(i)] = static_cast<uint8_t>(extreme);
-        }
-    }
-}
-template Kernel<ColumnWindowFn> ColumnWindow_scalar<false>;
-template Kernel<ColumnWindowFn> ColumnWindow_scalar<true>;
+template Kernel<RectangleFn> Rectangle_scalar<false>;
+template Kernel<RectangleFn> Rectangle_scalar<true>;
 
 }  // namespace orlix

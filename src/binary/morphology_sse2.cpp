@@ -13,17 +13,10 @@ template Kernel<SquareFn> Square_sse2<true, false>;
 template Kernel<SquareFn> Square_sse2<true, true>;
 
 template <bool dilate>
-void RowWindow_sse2(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
-    RowWindows<BitLanes, dilate>(rows, window, scratch);
+void Rectangle_sse2(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch) {
+    Rectangles<BitLanes, dilate>(rows, window, scratch);
 }
-template Kernel<RowWindowFn> RowWindow_sse2<false>;
-template Kernel<RowWindowFn> RowWindow_sse2<true>;
-
-template <bool dilate>
-void ColumnWindow_sse2(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
-    ColumnWindows<BitLanes, dilate>(rows, window, scratch);
-}
-template Kernel<ColumnWindowFn> ColumnWindow_sse2<false>;
-template Kernel<ColumnWindowFn> ColumnWindow_sse2<true>;
+template Kernel<RectangleFn> Rectangle_sse2<false>;
+template Kernel<RectangleFn> Rectangle_sse2<true>;
 
 }  // namespace orlix

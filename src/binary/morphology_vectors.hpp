@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstring>
+#include <utility>
 
 #include "binary/morphology_kernels.hpp"
 #include "vectors/bit_lanes.hpp"
@@ -29,7 +30,9 @@ struct LastVector {
         pixels = Lanes::Load(mask);
     }
     ORLIX_INLINE typename Lanes::Vector Load(const uint8_t* p) const {
-        const auto v = bytes == Lanes::kBytes ? Lanes::Load(p) : Lanes::LoadSome(p, bytes);
+        return Clean(bytes == Lanes::kBytes ? Lanes::Load(p) : Lanes::LoadSome(p, bytes));
+    }
+    ORLIX_INLINE typename Lanes::Vector Clean(const typename Lanes::Vector& v) const {
         if constexpr (dilate)
             return Lanes::And(v, pixels);
         else
@@ -74,10 +77,10 @@ ORLIX_INLINE void SquareRows(const MorphologyRows& rows, uint8_t* scratch) {
         const auto read = [&](Pending * to, const Vector& a, const Vector& b, const Vector& c, const Vector& d)
             __attribute__((always_inline)) {
             const Vector middle = Extreme<Lanes, dilate>(b, c);
-            to[0].extreme = Extreme<Lanes, dilate>(a, middle);
-            to[1].extreme = Extreme<Lanes, dilate>(middle, d);
-            to[0].centre = eight ? to[0].extreme : b;
-            to[1].centre = eight ? to[1].extreme : c;
+            to[0].extreme = Lanes::Words(Extreme<Lanes, dilate>(a, middle));
+            to[1].extreme = Lanes::Words(Extreme<Lanes, dilate>(middle, d));
+            to[0].centre = eight ? to[0].extreme : Lanes::Words(b);
+            to[1].centre = eight ? to[1].extreme : Lanes::Words(c);
         };
         const auto readFull = [&](Pending * to, size_t i) __attribute__((always_inline)) {
             const Vector c = Lanes::Load(second + i);
@@ -91,8 +94,9 @@ ORLIX_INLINE void SquareRows(const MorphologyRows& rows, uint8_t* scratch) {
         };
         const auto result = [&](int row, const Vector& after) __attribute__((always_inline)) {
             const Vector& v = now[row].centre;
-            return Extreme<Lanes, dilate>(now[row].extreme, Lanes::template Right<1>(Lanes::Before(before[row], v), v),
-                                          Lanes::template Left<1>(v, Lanes::After(v, after)));
+            return Lanes::Words(Extreme<Lanes, dilate>(now[row].extreme,
+                                                       Lanes::template Behind<1>(Lanes::Previous(before[row], v), v),
+                                                       Lanes::template Ahead<1>(v, Lanes::Next(v, after))));
         };
         const auto writeFull = [&](size_t i) __attribute__((always_inline)) {
             Lanes::Store(toFirst + i, result(0, next[0].centre));
@@ -118,166 +122,260 @@ ORLIX_INLINE void SquareRows(const MorphologyRows& rows, uint8_t* scratch) {
     }
 }
 
-// A row between margins of set pixels. Vectors may go beyond the row by up to one of them.
-struct PaddedRow {
-    uint8_t* first;
-    PaddedRow(uint8_t*& scratch, size_t bytes) : first(scratch + bytes + kRowMargin) {
-        std::memset(scratch, 0xff, 3 * bytes + 2 * kRowMargin);
-        scratch += 3 * bytes + 2 * kRowMargin;
+// A row of vectors, of which the last one ends with it.
+template <class Lanes, bool dilate>
+struct RowShape {
+    using Vector = typename Lanes::Vector;
+    size_t full;  // bytes before the last vector
+    LastVector<Lanes, dilate> last;
+
+    ORLIX_INLINE explicit RowShape(const MorphologyRows& rows)
+        : full((rows.bytes - 1) / Lanes::kBytes * Lanes::kBytes), last(rows.bytes - full, rows.lastMask) {}
+    size_t stride() const { return full + Lanes::kBytes; }
+    ORLIX_INLINE Vector Load(const uint8_t* row, size_t i) const {
+        return i < full ? Lanes::Load(row + i) : last.Load(row + full);
+    }
+    ORLIX_INLINE void Store(uint8_t* row, size_t i, const Vector& v) const {
+        if (i < full)
+            Lanes::Store(row + i, v);
+        else
+            last.Store(row + full, last.Clean(v));
+    }
+    // Stores vector(i) for each of the row.
+    template <class MakeVector>
+    ORLIX_INLINE void ForEach(uint8_t* row, const MakeVector& vector) const {
+        for (size_t i = 0; i < full; i += Lanes::kBytes) Lanes::Store(row + i, vector(i));
+        last.Store(row + full, last.Clean(vector(full)));
     }
 };
 
-// An erosion; for a dilation of the pixels as they are not.
-//
-// The window reaches `before` = 8 q + s pixels back and `after` = 8 t + u ahead (0 <= s, u < 8). When q + t > 0, it
-// ends in another byte than it starts in, so a pixel stays where
-//  (1) all pixels from the start of its window to the end of a byte are set: the trailing set pixels of byte -q moved
-//      by s, where those of the byte before count if byte -q is full;
-//  (2) the same from the start of a byte to the end of the window;
-//  (3) the bytes -q + 1 ... t - 1 are full: a conjunction of bytes by doubling.
-// Shorter windows are built by doubling as well, pixel by pixel.
+// Windows of columns of rows whose vectors row(i) gives, each once and from right to left.
 template <class Lanes, bool dilate>
-ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
+class ColumnWindow {
     using Vector = typename Lanes::Vector;
-    constexpr auto k = static_cast<ptrdiff_t>(Lanes::kBytes);
-    const auto bytes = static_cast<ptrdiff_t>(rows.bytes);
-    const ptrdiff_t full = (bytes - 1) / k * k;
-    const LastVector<Lanes, false> last(static_cast<size_t>(bytes - full), rows.lastMask);
-    const LastVector<Lanes, true> lastClear(static_cast<size_t>(bytes - full), rows.lastMask);
-    const Vector flip = Lanes::All(dilate ? 0xff : 0x00);
-    const ptrdiff_t q = window.before / 8, t = window.after / 8;
-    const int s = window.before % 8, u = window.after % 8;
-    const PaddedRow row(scratch, rows.bytes), left(scratch, rows.bytes), right(scratch, rows.bytes);
+    using Count = typename Lanes::Count;
+    using Shape = RowShape<Lanes, dilate>;
+    static constexpr size_t k = Lanes::kBytes;
+    static constexpr uint8_t kOutside = dilate ? 0x00 : 0xff;
 
-    for (int32_t y = 0; y < rows.height; ++y) {
-        const uint8_t* const from = rows.from + y * rows.fromRow;
-        uint8_t* const to = rows.to + y * rows.toRow;
-        for (ptrdiff_t i = 0; i < full; i += k) Lanes::Store(row.first + i, Lanes::Xor(Lanes::Load(from + i), flip));
-        if constexpr (dilate)
-            Lanes::Store(row.first + full, Lanes::Xor(lastClear.Load(from + full), flip));
-        else
-            Lanes::Store(row.first + full, last.Load(from + full));
+public:
+    // Takes what it needs of the scratch.
+    ColumnWindow(const Shape& shape, const MorphologyWindow& window, uint8_t*& scratch)
+        : shape_(shape), window_(window) {
+        while (window.after >= int64_t{1} << steps_) ++steps_;
+        if (window.before > 0 && steps_ == 0) steps_ = 1;
+        if (window.before > 63 || window.after > 63) steps_ = kLong;
+        if (steps_ == kLong) {
+            // Each between as many set pixels as a window may reach.
+            const size_t stride = shape.stride(), words = stride / 64 + 8;
+            left_ = scratch + stride;
+            right_ = left_ + stride;
+            bits_ = reinterpret_cast<uint64_t*>(right_ + 2 * stride) + words;
+            const size_t taken = 4 * stride + 3 * words * sizeof(uint64_t);
+            std::memset(scratch, 0xff, taken);
+            scratch += (taken + k - 1) / k * k;
+        }
+    }
 
-        const auto write = [&](const auto& result) __attribute__((always_inline)) {
-            for (ptrdiff_t i = 0; i < full; i += k) Lanes::Store(to + i, Lanes::Xor(result(i), flip));
-            last.Store(to + full, Lanes::Xor(result(full), flip));
+    template <class Row>
+    ORLIX_INLINE void operator()(const Row& row, uint8_t* to) const {
+        switch (steps_) {
+            case 0:
+                return shape_.ForEach(to, row);
+            case 1:
+                return Steps<1>(row, to);
+            case 2:
+                return Steps<2>(row, to);
+            case 3:
+                return Steps<3>(row, to);
+            case 4:
+                return Steps<4>(row, to);
+            case 5:
+                return Steps<5>(row, to);
+            case 6:
+                return Steps<6>(row, to);
+            default:
+                return Long(row, to);
+        }
+    }
+
+private:
+    static constexpr int kLong = 7;
+
+    // At most 63 pixels in either direction: extremes of 1, 2, 4 ... pixels from each one on, at last of `after` + 1,
+    // then those joined with the ones that lie `before` pixels before. What lies behind a vector stays in registers.
+    template <int steps, class Row>
+    ORLIX_INLINE void Steps(const Row& row, uint8_t* to) const {
+        const Shape shape = shape_;
+        const Count lastStep(window_.after + 1 - (1 << (steps - 1))), before(window_.before);
+        const auto result = [&](const Vector& left, const Vector& v) __attribute__((always_inline)) {
+            return Lanes::Words(Extreme<Lanes, dilate>(v, Lanes::Behind(Lanes::Previous(left, v), v, before)));
         };
-        if (q + t == 0) {
-            // Pixels ahead, from one byte before the row on, for the pixels before the first one.
-            Lanes::Store(row.first - k, Lanes::All(0xff));
-            const auto total = static_cast<int>(window.length());
-            int length = 1;
-            while (length < total) {
-                const int step = length < total - length ? length : total - length;
-                for (ptrdiff_t i = -k; i < bytes; i += k) {
-                    const Vector v = Lanes::Load(row.first + i);
-                    const Vector ahead = Lanes::Right(v, Lanes::Load(row.first + i + 1), 8 - step);
-                    Lanes::Store(row.first + i, Lanes::And(v, ahead));
-                }
-                length += step;
+        Vector behind[steps + 1];  // before each step, and after the last
+        for (Vector& v : behind) v = Lanes::All(kOutside);
+        const auto ahead = [&](Vector v) __attribute__((always_inline)) {
+            [&]<size_t... n>(std::index_sequence<n...>) __attribute__((always_inline)) {
+                (Step<static_cast<int>(n), steps>(v, behind[n], lastStep), ...);
             }
-            write([&](ptrdiff_t i) __attribute__((always_inline)) {
-                return Lanes::Right(Lanes::Load(row.first + i - 1), Lanes::Load(row.first + i), s);
-            });
-            continue;
+            (std::make_index_sequence<steps>());
+            return v;
+        };
+        for (size_t i = shape.full + k; i > 0; i -= k) {
+            const Vector v = ahead(Lanes::Words(row(i - k)));
+            if (i <= shape.full) shape.Store(to, i, result(v, behind[steps]));
+            behind[steps] = v;
         }
-        for (ptrdiff_t i = 0; i < bytes; i += k) {
-            const Vector v = Lanes::Load(row.first + i), isFull = Lanes::Full(v);
-            const Vector behind = Lanes::And(Lanes::Trailing(Lanes::Load(row.first + i - 1)), isFull);
-            const Vector ahead = Lanes::And(Lanes::Leading(Lanes::Load(row.first + i + 1)), isFull);
-            Lanes::Store(left.first + i, Lanes::Right(behind, Lanes::Trailing(v), s));
-            Lanes::Store(right.first + i, Lanes::Right(Lanes::Leading(v), ahead, 8 - u));
+        // Windows that start before the row reach into it.
+        shape.Store(to, 0, result(ahead(Lanes::All(kOutside)), behind[steps]));
+    }
+    template <int n, int steps>
+    ORLIX_INLINE static void Step(Vector& v, Vector& behind, const Count& last) {
+        const Vector next = Lanes::Next(v, behind);
+        behind = v;
+        if constexpr (n + 1 < steps)
+            v = Extreme<Lanes, dilate>(v, Lanes::template Ahead<1 << n>(v, next));
+        else
+            v = Extreme<Lanes, dilate>(v, Lanes::Ahead(v, next, last));
+    }
+
+    // An erosion; for a dilation of the pixels as they are not. A window that reaches 64 q + s pixels back and 64 t + u
+    // ahead (0 <= s, u < 64, q + t > 0) ends in another word than it starts in, so a pixel stays where
+    //  (1) all pixels from the start of its window to the end of a word are set: the set pixels at the end of word -q,
+    //      moved by s, with those of the word before if word -q is full;
+    //  (2) the same from the start of a word to the end of the window;
+    //  (3) the words -q + 1 ... t - 1 are full: a bit for each word, conjunctions by doubling.
+    template <class Row>
+    ORLIX_INLINE void Long(const Row& row, uint8_t* to) const {
+        constexpr size_t kWords = k / 8;
+        // Copies: the compiler takes bytes that are stored for members that may change.
+        const Shape shape = shape_;
+        uint8_t* const left = left_;
+        uint8_t* const right = right_;
+        uint64_t* const bits = bits_;
+        const ptrdiff_t q = window_.before / 64, t = window_.after / 64, middle = q + t - 1;
+        const Count back(window_.before % 64), ahead(window_.after % 64);
+        const Vector flip = Lanes::All(dilate ? 0xff : 0x00), ones = Lanes::All(0xff);
+
+        // The word before a vector is known one vector later.
+        Vector v = ones, start = ones;
+        uint64_t full = 0;
+        const auto storeLeft = [&](size_t i, const Vector& end, const Vector& endBefore)
+            __attribute__((always_inline)) {
+            const Vector previous =
+                Lanes::And(Lanes::Previous(endBefore, end), Lanes::Expand(static_cast<unsigned>(full)));
+            Lanes::Store(left + i, Lanes::Behind(previous, end, back));
+        };
+        Vector end = ones;
+        for (size_t i = shape.full + k; i > 0; i -= k) {
+            v = Lanes::Words(Lanes::Xor(row(i - k), flip));
+            const Vector endHere = Lanes::Trailing(v), startHere = Lanes::Leading(v);
+            if (i <= shape.full) storeLeft(i, end, endHere);
+            end = endHere;
+            full = Lanes::FullWords(v);
+            const Vector next = Lanes::And(Lanes::Next(startHere, start), Lanes::Expand(static_cast<unsigned>(full)));
+            Lanes::Store(right + i - k, Lanes::Ahead(startHere, next, ahead));
+            start = startHere;
+            const size_t word = (i - k) / 8;
+            const uint64_t place = ((uint64_t{1} << kWords) - 1) << word % 64;
+            bits[word / 64] = (bits[word / 64] & ~place) | full << word % 64;
         }
-        const ptrdiff_t middle = q + t - 1;
-        if (q > 1) std::memset(row.first + 1 - q, 0xff, static_cast<size_t>(q - 1));
+        storeLeft(0, end, ones);
+
+        const auto words = static_cast<ptrdiff_t>(shape.full / 512 + 1), first = -(q / 64) - 1;
+        const auto bitsAt = [&](ptrdiff_t i) {
+            const uint64_t* const p = bits + (i >> 6);
+            return i % 64 == 0 ? p[0] : p[0] >> (i & 63) | p[1] << (64 - (i & 63));
+        };
+        for (ptrdiff_t i = first; i < 0; ++i) bits[i] = ~uint64_t{0};
         for (ptrdiff_t length = 1; length < middle;) {
-            const ptrdiff_t step = length < middle - length ? length : middle - length;
-            for (ptrdiff_t i = 1 - q; i < bytes; i += k)
-                Lanes::Store(row.first + i, Lanes::And(Lanes::Load(row.first + i), Lanes::Load(row.first + i + step)));
+            const ptrdiff_t step = middle - length < length ? middle - length : length;
+            for (ptrdiff_t i = first; i < words; ++i) bits[i] &= bitsAt(64 * i + step);
             length += step;
         }
-        const auto ends = [&](ptrdiff_t i) __attribute__((always_inline)) {
-            return Lanes::And(Lanes::Load(left.first + i - q), Lanes::Load(right.first + i + t));
-        };
-        if (middle == 0)
-            write(ends);
-        else
-            write([&](ptrdiff_t i) __attribute__((always_inline)) {
-                return Lanes::And(ends(i), Lanes::Full(Lanes::Load(row.first + i + 1 - q)));
+        shape.ForEach(
+            to, [&](size_t i) __attribute__((always_inline)) {
+                const auto x = static_cast<ptrdiff_t>(i);
+                const auto inside = middle == 0 ? ~0u : static_cast<unsigned>(bitsAt(x / 8 + 1 - q));
+                const Vector ends = Lanes::And(Lanes::Load(left + x - 8 * q), Lanes::Load(right + x + 8 * t));
+                return Lanes::Xor(Lanes::Words(Lanes::And(ends, Lanes::Expand(inside))), flip);
             });
     }
-}
 
-// Blocks of as many rows as the window has (van Herk 1992; Gil and Werman 1993): the window of a pixel is the end of a
-// block and the start of the next one, whose extremes are known.
-template <class Lanes, bool dilate, size_t vectors>
-ORLIX_INLINE void WindowStrip(const MorphologyRows& rows, const MorphologyWindow& window, size_t at, size_t some,
-                              uint8_t* scratch) {
+    const Shape& shape_;
+    MorphologyWindow window_;
+    int steps_ = 0;
+    uint8_t* left_ = nullptr;
+    uint8_t* right_ = nullptr;
+    uint64_t* bits_ = nullptr;
+};
+
+// Windows of rows in blocks of as many rows as the window has (van Herk 1992; Gil and Werman 1993): the window of a
+// pixel is the end of a block and the start of the next one, whose extremes are known. Each row is read twice, soon
+// after each other, and takes its window of columns on the way to its place.
+template <class Lanes, bool dilate>
+ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow& window,
+                             const RowShape<Lanes, dilate>& shape, const ColumnWindow<Lanes, dilate>& columns,
+                             uint8_t* scratch) {
     using Vector = typename Lanes::Vector;
-    constexpr size_t k = Lanes::kBytes;
-    struct Strip {
-        Vector v[vectors];
-    };
-    const auto load = [&](const uint8_t* p) __attribute__((always_inline)) {
-        Strip strip;
-        for (size_t i = 0; i < vectors; ++i) strip.v[i] = some == 0 ? Lanes::Load(p + i * k) : Lanes::LoadSome(p, some);
-        return strip;
-    };
-    const auto store = [&](uint8_t * p, const Strip& strip) __attribute__((always_inline)) {
-        for (size_t i = 0; i < vectors; ++i)
-            if (some == 0)
-                Lanes::Store(p + i * k, strip.v[i]);
-            else
-                Lanes::StoreSome(p, strip.v[i], some);
-    };
-    const auto join = [](Strip & to, const Strip& with) __attribute__((always_inline)) {
-        for (size_t i = 0; i < vectors; ++i) to.v[i] = Extreme<Lanes, dilate>(to.v[i], with.v[i]);
-    };
-    const auto kept = [](uint8_t* p, size_t i) { return p + i * vectors * k; };
-    const auto loadKept = [&](uint8_t * p, size_t i) __attribute__((always_inline)) {
-        Strip strip;
-        for (size_t n = 0; n < vectors; ++n) strip.v[n] = Lanes::Load(kept(p, i) + n * k);
-        return strip;
-    };
-    const auto length = static_cast<int64_t>(window.length());
-    Strip nothing;
-    for (Vector& v : nothing.v) v = Lanes::All(dilate ? 0x00 : 0xff);
-
-    uint8_t* before = scratch;                               // ends of the block before, from each of its rows on
-    uint8_t* now = scratch + window.length() * vectors * k;  // of this one
-    std::memset(before, dilate ? 0x00 : 0xff, window.length() * vectors * k);
-    for (int64_t block = 0; block - window.after < rows.height; block += length) {
-        const int64_t rest = rows.height - block;
-        const int64_t here = rest < 0 ? 0 : rest < length ? rest : length;
-        Strip end = nothing;
-        for (int64_t i = length - 1; i >= 0; --i) {
-            if (i < here) join(end, load(rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow + at));
-            for (size_t n = 0; n < vectors; ++n) Lanes::Store(kept(now, static_cast<size_t>(i)) + n * k, end.v[n]);
+    constexpr uint8_t kOutside = dilate ? 0x00 : 0xff;
+    const size_t stride = shape.stride();
+    const int32_t length = window.length(), most = length < rows.height ? length : rows.height;
+    uint8_t* const nothing = scratch;
+    uint8_t* const start = nothing + stride;  // of the block, up to the row that is read
+    // The ends of the block before, and of this one, from each of their rows on.
+    uint8_t* before = start + stride;
+    uint8_t* now = before + static_cast<size_t>(most) * stride;
+    std::memset(nothing, kOutside, stride);
+    int32_t ends = 0;  // rows of the block before
+    for (int32_t block = 0; block - window.after < rows.height; block += length) {
+        const int32_t rest = rows.height - block, here = rest < 0 ? 0 : rest < length ? rest : length;
+        const uint8_t* next = nothing;
+        for (int32_t i = here - 1; i >= 0; --i) {
+            const uint8_t* const row = rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow;
+            uint8_t* const end = now + static_cast<size_t>(i) * stride;
+            const uint8_t* const below = next;
+            for (size_t x = 0; x <= shape.full; x += Lanes::kBytes)
+                Lanes::Store(end + x, Extreme<Lanes, dilate>(shape.Load(row, x), Lanes::Load(below + x)));
+            next = end;
         }
-        Strip start = nothing;
-        for (int64_t i = 0; i < length; ++i) {
-            if (i < here) join(start, load(rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow + at));
-            const int64_t y = block + i - window.after;
-            if (y < 0 || y >= rows.height) continue;
-            Strip result = start;
-            if (i + 1 < length) join(result, loadKept(before, static_cast<size_t>(i + 1)));
-            store(rows.to + static_cast<ptrdiff_t>(y) * rows.toRow + at, result);
+        std::memset(start, kOutside, stride);
+        for (int32_t i = 0; i < length && block + i - window.after < rows.height; ++i) {
+            const uint8_t* const row =
+                i < here ? rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow : nothing;
+            const auto started = [&](size_t x) __attribute__((always_inline)) {
+                const Vector v = Extreme<Lanes, dilate>(Lanes::Load(start + x), shape.Load(row, x));
+                Lanes::Store(start + x, v);
+                return v;
+            };
+            const int32_t y = block + i - window.after;
+            if (y < 0) {
+                for (size_t x = 0; x <= shape.full; x += Lanes::kBytes) started(x);
+                continue;
+            }
+            const uint8_t* const end = i + 1 < ends ? before + static_cast<size_t>(i + 1) * stride : nothing;
+            columns(
+                [&](size_t x)
+                    __attribute__((always_inline)) { return Extreme<Lanes, dilate>(started(x), Lanes::Load(end + x)); },
+                rows.to + static_cast<ptrdiff_t>(y) * rows.toRow);
         }
         uint8_t* const swap = before;
         before = now;
         now = swap;
+        ends = here;
     }
 }
 
-// Strips of half a kilobyte are as much as 32 registers of 64 bytes hold twice.
 template <class Lanes, bool dilate>
-ORLIX_INLINE void ColumnWindows(const MorphologyRows& rows, const MorphologyWindow& window, uint8_t* scratch) {
-    constexpr size_t k = Lanes::kBytes, kWide = k == 64 ? 8 : 4;
-    size_t at = 0;
-    for (; at + kWide * k <= rows.bytes; at += kWide * k)
-        WindowStrip<Lanes, dilate, kWide>(rows, window, at, 0, scratch);
-    for (; at + k <= rows.bytes; at += k) WindowStrip<Lanes, dilate, 1>(rows, window, at, 0, scratch);
-    if (at < rows.bytes) WindowStrip<Lanes, dilate, 1>(rows, window, at, rows.bytes - at, scratch);
+ORLIX_INLINE void Rectangles(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch) {
+    scratch += (0 - reinterpret_cast<uintptr_t>(scratch)) % Lanes::kBytes;
+    const RowShape<Lanes, dilate> shape(rows);
+    const ColumnWindow<Lanes, dilate> columns(shape, window.columns, scratch);
+    if (window.rows.length() > 1) return RowWindows<Lanes, dilate>(rows, window.rows, shape, columns, scratch);
+    for (int32_t y = 0; y < rows.height; ++y) {
+        const uint8_t* const from = rows.from + y * rows.fromRow;
+        columns(
+            [&](size_t i) __attribute__((always_inline)) { return shape.Load(from, i); }, rows.to + y * rows.toRow);
+    }
 }
 
 }  // namespace

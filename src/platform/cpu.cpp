@@ -25,8 +25,8 @@ Cpu Detect() noexcept {
     unsigned a = 0, b = 0, c = 0, d = 0;
     if ((saved & kYmm) != kYmm || !__get_cpuid(1, &a, &b, &c, &d) || !HasAll(c, bit_AVX | bit_POPCNT)) return Cpu::Sse2;
     if (!__get_cpuid_count(7, 0, &a, &b, &c, &d) || !HasAll(b, bit_AVX2 | bit_BMI | bit_BMI2)) return Cpu::Sse2;
-    if ((saved & kZmm) != kZmm || !HasAll(b, bit_AVX512F | bit_AVX512BW | bit_AVX512VL | bit_AVX512DQ) ||
-        !HasAll(c, bit_AVX512VBMI | bit_GFNI))
+    if ((saved & kZmm) != kZmm || !HasAll(b, bit_AVX512F | bit_AVX512BW | bit_AVX512VL | bit_AVX512DQ | bit_AVX512CD) ||
+        !HasAll(c, bit_AVX512VBMI | bit_AVX512VBMI2 | bit_AVX512VPOPCNTDQ | bit_GFNI))
         return Cpu::Avx2;
     return Cpu::Avx512;
 }

@@ -9,7 +9,7 @@ namespace orlix {
 //   Any     what the build's baseline guarantees (SSE2 arithmetic in 32-bit builds too)
 //   Sse2    the same processors; names variants that are written with SSE2 vectors
 //   Avx2    AVX2, BMI1, BMI2, POPCNT, and an operating system that saves 256-bit registers
-//   Avx512  AVX-512 F, BW, VL, DQ, VBMI and GFNI (Ice Lake, Zen 4 and later), and a system that saves 512-bit registers
+//   Avx512  AVX-512 F, BW, VL, DQ, CD, VBMI, VBMI2, VPOPCNTDQ, GFNI (Ice Lake, Zen 4 and later); saved 512-bit state
 enum class Cpu : uint8_t { Any, Sse2, Avx2, Avx512 };
 
 // The best instruction set of this machine.

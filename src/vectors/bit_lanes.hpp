@@ -9,14 +9,21 @@
 //     static void StoreSome(p, v, n);             the first n bytes
 //     static Vector And(a, b), Or(a, b), Xor(a, b), AndNot(a, b);       AndNot: a and not b
 //     static Vector And(a, b, c), Or(a, b, c);
-//     static Vector Before(a, b), After(b, c);    the bytes just before and just after those of b, where a, b, c are
-//                                                 adjacent vectors
-//     static Vector Right<n>(before, v);          the pixels of v moved to the right by 1 <= n <= 7, those of the bytes
-//     static Vector Left<n>(v, after);            before (after) moving in
-//     static Vector Right(before, v, n);          the same for an n known at run time, 0 <= n <= 8
-//     static Vector Full(v);                      0xff for each byte of v that is 0xff, 0 for the others
-//     static Vector Leading(v), Trailing(v);      of each byte the pixels before (after) which there are only set ones,
+//     static Vector Right(before, v, n);          the pixels of v moved to the right by 0 <= n <= 8, those of the bytes
+//                                                 before moving in
+//     static Vector Words(v);                     each 64-bit word with its pixels in an order in which shifts move
+//                                                 them across bytes; its own inverse
+// and, for vectors of such words:
+//     static Vector Next(v, after);               the words that follow those of v; `after` is the vector behind it
+//     static Vector Previous(before, v);          the words before those of v
+//     struct Count(n);                            0 <= n <= 63 pixels
+//     static Vector Ahead(v, next, count);        for each pixel the one n after it, or n before it; next and previous
+//     static Vector Behind(previous, v, count);   are Next and Previous of v
+//     static Vector Ahead<n>(v, next), Behind<n>(previous, v);          the same, 1 <= n <= 63
+//     static Vector Leading(v), Trailing(v);      of each word the pixels before (after) which there are only set ones,
 //                                                 themselves included
+//     static unsigned FullWords(v);               of each word a bit, the lowest that of the first: all pixels set
+//     static Vector Expand(bits);                 words with all pixels set where the bit is, none elsewhere
 #pragma once
 
 #include <cstddef>

@@ -34,36 +34,55 @@ struct BitLanes {
     ORLIX_INLINE static Vector AndNot(const Vector& a, const Vector& b) { return _mm256_andnot_si256(b, a); }
     ORLIX_INLINE static Vector And(const Vector& a, const Vector& b, const Vector& c) { return And(And(a, b), c); }
     ORLIX_INLINE static Vector Or(const Vector& a, const Vector& b, const Vector& c) { return Or(Or(a, b), c); }
-    ORLIX_INLINE static Vector Before(const Vector& a, const Vector& b) {
-        return _mm256_alignr_epi8(b, _mm256_permute2x128_si256(a, b, 0x21), 15);
-    }
-    ORLIX_INLINE static Vector After(const Vector& b, const Vector& c) {
-        return _mm256_alignr_epi8(_mm256_permute2x128_si256(b, c, 0x21), b, 1);
-    }
-    template <int n>
-    ORLIX_INLINE static Vector Right(const Vector& before, const Vector& v) {
-        const Vector stay = All(0xff >> n);
-        return Or(And(_mm256_srli_epi16(v, n), stay), AndNot(_mm256_slli_epi16(before, 8 - n), stay));
-    }
-    template <int n>
-    ORLIX_INLINE static Vector Left(const Vector& v, const Vector& after) {
-        const Vector stay = All(static_cast<uint8_t>(0xff << n));
-        return Or(And(_mm256_slli_epi16(v, n), stay), AndNot(_mm256_srli_epi16(after, 8 - n), stay));
-    }
     ORLIX_INLINE static Vector Right(const Vector& before, const Vector& v, int n) {
         const Vector stay = All(static_cast<uint8_t>(0xff >> n));
         return Or(And(_mm256_srl_epi16(v, _mm_cvtsi32_si128(n)), stay),
                   AndNot(_mm256_sll_epi16(before, _mm_cvtsi32_si128(8 - n)), stay));
     }
-    ORLIX_INLINE static Vector Full(const Vector& v) { return _mm256_cmpeq_epi8(v, All(0xff)); }
-    ORLIX_INLINE static Vector Trailing(const Vector& v) { return AndNot(v, _mm256_add_epi8(v, All(1))); }
+    // The first pixel becomes the highest bit.
+    ORLIX_INLINE static Vector Words(const Vector& v) {
+        const __m128i reversed = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);
+        return _mm256_shuffle_epi8(v, _mm256_broadcastsi128_si256(reversed));
+    }
+    ORLIX_INLINE static Vector Next(const Vector& v, const Vector& after) {
+        return _mm256_alignr_epi8(_mm256_permute2x128_si256(v, after, 0x21), v, 8);
+    }
+    ORLIX_INLINE static Vector Previous(const Vector& before, const Vector& v) {
+        return _mm256_alignr_epi8(v, _mm256_permute2x128_si256(before, v, 0x21), 8);
+    }
+    struct Count {
+        __m128i n, rest;
+        ORLIX_INLINE explicit Count(int pixels) : n(_mm_cvtsi32_si128(pixels)), rest(_mm_cvtsi32_si128(64 - pixels)) {}
+    };
+    ORLIX_INLINE static Vector Ahead(const Vector& v, const Vector& next, const Count& count) {
+        return Or(_mm256_sll_epi64(v, count.n), _mm256_srl_epi64(next, count.rest));
+    }
+    ORLIX_INLINE static Vector Behind(const Vector& previous, const Vector& v, const Count& count) {
+        return Or(_mm256_srl_epi64(v, count.n), _mm256_sll_epi64(previous, count.rest));
+    }
+    template <int n>
+    ORLIX_INLINE static Vector Ahead(const Vector& v, const Vector& next) {
+        return Or(_mm256_slli_epi64(v, n), _mm256_srli_epi64(next, 64 - n));
+    }
+    template <int n>
+    ORLIX_INLINE static Vector Behind(const Vector& previous, const Vector& v) {
+        return Or(_mm256_srli_epi64(v, n), _mm256_slli_epi64(previous, 64 - n));
+    }
     // Each pixel that is not set clears those after it.
     ORLIX_INLINE static Vector Leading(const Vector& v) {
         Vector clear = Xor(v, All(0xff));
-        clear = Or(clear, And(_mm256_srli_epi16(clear, 1), All(0x7f)));
-        clear = Or(clear, And(_mm256_srli_epi16(clear, 2), All(0x3f)));
-        clear = Or(clear, And(_mm256_srli_epi16(clear, 4), All(0x0f)));
+        for (int n = 1; n < 64; n *= 2) clear = Or(clear, _mm256_srl_epi64(clear, _mm_cvtsi32_si128(n)));
         return Xor(clear, All(0xff));
+    }
+    ORLIX_INLINE static Vector Trailing(const Vector& v) {
+        return AndNot(v, _mm256_add_epi64(v, _mm256_set1_epi64x(1)));
+    }
+    ORLIX_INLINE static unsigned FullWords(const Vector& v) {
+        return static_cast<unsigned>(_mm256_movemask_pd(_mm256_castsi256_pd(_mm256_cmpeq_epi64(v, All(0xff)))));
+    }
+    ORLIX_INLINE static Vector Expand(unsigned bits) {
+        const Vector bitOf = _mm256_set_epi64x(8, 4, 2, 1);
+        return _mm256_cmpeq_epi64(And(_mm256_set1_epi64x(bits), bitOf), bitOf);
     }
 };
 

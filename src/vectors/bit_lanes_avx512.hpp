@@ -7,19 +7,6 @@
 namespace orlix {
 namespace {
 
-// Bytes -1, 0, 1, ... 64 of the middle one of two adjacent vectors, as _mm512_permutex2var_epi8 counts them.
-struct ByteNeighbours {
-    uint8_t before[64];
-    uint8_t after[64];
-    constexpr ByteNeighbours() : before(), after() {
-        for (int i = 0; i < 64; ++i) {
-            before[i] = static_cast<uint8_t>(63 + i);
-            after[i] = static_cast<uint8_t>(1 + i);
-        }
-    }
-};
-constexpr ByteNeighbours kByteNeighbours;
-
 struct BitLanes {
     using Vector = __m512i;
     static constexpr size_t kBytes = 64;
@@ -43,35 +30,48 @@ struct BitLanes {
     ORLIX_INLINE static Vector Or(const Vector& a, const Vector& b, const Vector& c) {
         return _mm512_ternarylogic_epi64(a, b, c, 0xfe);
     }
-    ORLIX_INLINE static Vector Before(const Vector& a, const Vector& b) {
-        return _mm512_permutex2var_epi8(a, _mm512_loadu_si512(kByteNeighbours.before), b);
-    }
-    ORLIX_INLINE static Vector After(const Vector& b, const Vector& c) {
-        return _mm512_permutex2var_epi8(b, _mm512_loadu_si512(kByteNeighbours.after), c);
-    }
     // mask ? a : b
     ORLIX_INLINE static Vector Select(const Vector& mask, const Vector& a, const Vector& b) {
         return _mm512_ternarylogic_epi64(mask, a, b, 0xca);
-    }
-    template <int n>
-    ORLIX_INLINE static Vector Right(const Vector& before, const Vector& v) {
-        return Select(All(0xff >> n), _mm512_srli_epi16(v, n), _mm512_slli_epi16(before, 8 - n));
-    }
-    template <int n>
-    ORLIX_INLINE static Vector Left(const Vector& v, const Vector& after) {
-        return Select(All(static_cast<uint8_t>(0xff << n)), _mm512_slli_epi16(v, n), _mm512_srli_epi16(after, 8 - n));
     }
     ORLIX_INLINE static Vector Right(const Vector& before, const Vector& v, int n) {
         return Select(All(static_cast<uint8_t>(0xff >> n)), _mm512_srl_epi16(v, _mm_cvtsi32_si128(n)),
                       _mm512_sll_epi16(before, _mm_cvtsi32_si128(8 - n)));
     }
-    ORLIX_INLINE static Vector Full(const Vector& v) { return _mm512_movm_epi8(_mm512_cmpeq_epi8_mask(v, All(0xff))); }
-    ORLIX_INLINE static Vector Trailing(const Vector& v) { return AndNot(v, _mm512_add_epi8(v, All(1))); }
-    // Multiplication with the mirrored unit matrix reverses the pixels of a byte.
-    ORLIX_INLINE static Vector Leading(const Vector& v) {
-        const Vector mirror = _mm512_set1_epi64(static_cast<long long>(0x8040201008040201));
-        return _mm512_gf2p8affine_epi64_epi8(Trailing(_mm512_gf2p8affine_epi64_epi8(v, mirror, 0)), mirror, 0);
+    // The first pixel becomes the lowest bit: multiplication with the mirrored unit matrix reverses those of a byte.
+    ORLIX_INLINE static Vector Words(const Vector& v) {
+        return _mm512_gf2p8affine_epi64_epi8(v, _mm512_set1_epi64(static_cast<long long>(0x8040201008040201)), 0);
     }
+    ORLIX_INLINE static Vector Next(const Vector& v, const Vector& after) { return _mm512_alignr_epi64(after, v, 1); }
+    ORLIX_INLINE static Vector Previous(const Vector& before, const Vector& v) {
+        return _mm512_alignr_epi64(v, before, 7);
+    }
+    struct Count {
+        Vector n;
+        ORLIX_INLINE explicit Count(int pixels) : n(_mm512_set1_epi64(pixels)) {}
+    };
+    ORLIX_INLINE static Vector Ahead(const Vector& v, const Vector& next, const Count& count) {
+        return _mm512_shrdv_epi64(v, next, count.n);
+    }
+    ORLIX_INLINE static Vector Behind(const Vector& previous, const Vector& v, const Count& count) {
+        return _mm512_shldv_epi64(v, previous, count.n);
+    }
+    template <int n>
+    ORLIX_INLINE static Vector Ahead(const Vector& v, const Vector& next) {
+        return _mm512_shrdi_epi64(v, next, n);
+    }
+    template <int n>
+    ORLIX_INLINE static Vector Behind(const Vector& previous, const Vector& v) {
+        return _mm512_shldi_epi64(v, previous, n);
+    }
+    ORLIX_INLINE static Vector Leading(const Vector& v) { return AndNot(v, _mm512_add_epi64(v, _mm512_set1_epi64(1))); }
+    // The bits above the highest one that is clear.
+    ORLIX_INLINE static Vector Trailing(const Vector& v) {
+        const Vector set = _mm512_lzcnt_epi64(Xor(v, All(0xff)));
+        return Xor(_mm512_srlv_epi64(All(0xff), set), All(0xff));
+    }
+    ORLIX_INLINE static unsigned FullWords(const Vector& v) { return _mm512_cmpeq_epi64_mask(v, All(0xff)); }
+    ORLIX_INLINE static Vector Expand(unsigned bits) { return _mm512_movm_epi64(static_cast<__mmask8>(bits)); }
 };
 
 }  // namespace

@@ -32,32 +32,50 @@ struct BitLanes {
     static Vector AndNot(Vector a, Vector b) { return _mm_andnot_si128(b, a); }
     static Vector And(Vector a, Vector b, Vector c) { return And(And(a, b), c); }
     static Vector Or(Vector a, Vector b, Vector c) { return Or(Or(a, b), c); }
-    static Vector Before(Vector a, Vector b) { return Or(_mm_slli_si128(b, 1), _mm_srli_si128(a, 15)); }
-    static Vector After(Vector b, Vector c) { return Or(_mm_srli_si128(b, 1), _mm_slli_si128(c, 15)); }
-    template <int n>
-    static Vector Right(Vector before, Vector v) {
-        const Vector stay = All(0xff >> n);
-        return Or(And(_mm_srli_epi16(v, n), stay), AndNot(_mm_slli_epi16(before, 8 - n), stay));
-    }
-    template <int n>
-    static Vector Left(Vector v, Vector after) {
-        const Vector stay = All(static_cast<uint8_t>(0xff << n));
-        return Or(And(_mm_slli_epi16(v, n), stay), AndNot(_mm_srli_epi16(after, 8 - n), stay));
-    }
     static Vector Right(Vector before, Vector v, int n) {
         const Vector stay = All(static_cast<uint8_t>(0xff >> n));
         return Or(And(_mm_srl_epi16(v, _mm_cvtsi32_si128(n)), stay),
                   AndNot(_mm_sll_epi16(before, _mm_cvtsi32_si128(8 - n)), stay));
     }
-    static Vector Full(Vector v) { return _mm_cmpeq_epi8(v, All(0xff)); }
-    static Vector Trailing(Vector v) { return AndNot(v, _mm_add_epi8(v, All(1))); }
+    // The first pixel becomes the highest bit.
+    static Vector Words(Vector v) {
+        v = Or(_mm_srli_epi16(v, 8), _mm_slli_epi16(v, 8));
+        return _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, 0x1b), 0x1b);
+    }
+    static Vector Next(Vector v, Vector after) { return Or(_mm_srli_si128(v, 8), _mm_slli_si128(after, 8)); }
+    static Vector Previous(Vector before, Vector v) { return Or(_mm_slli_si128(v, 8), _mm_srli_si128(before, 8)); }
+    struct Count {
+        Vector n, rest;
+        explicit Count(int pixels) : n(_mm_cvtsi32_si128(pixels)), rest(_mm_cvtsi32_si128(64 - pixels)) {}
+    };
+    static Vector Ahead(Vector v, Vector next, const Count& count) {
+        return Or(_mm_sll_epi64(v, count.n), _mm_srl_epi64(next, count.rest));
+    }
+    static Vector Behind(Vector previous, Vector v, const Count& count) {
+        return Or(_mm_srl_epi64(v, count.n), _mm_sll_epi64(previous, count.rest));
+    }
+    template <int n>
+    static Vector Ahead(Vector v, Vector next) {
+        return Or(_mm_slli_epi64(v, n), _mm_srli_epi64(next, 64 - n));
+    }
+    template <int n>
+    static Vector Behind(Vector previous, Vector v) {
+        return Or(_mm_srli_epi64(v, n), _mm_slli_epi64(previous, 64 - n));
+    }
     // Each pixel that is not set clears those after it.
     static Vector Leading(Vector v) {
         Vector clear = Xor(v, All(0xff));
-        clear = Or(clear, And(_mm_srli_epi16(clear, 1), All(0x7f)));
-        clear = Or(clear, And(_mm_srli_epi16(clear, 2), All(0x3f)));
-        clear = Or(clear, And(_mm_srli_epi16(clear, 4), All(0x0f)));
+        for (int n = 1; n < 64; n *= 2) clear = Or(clear, _mm_srl_epi64(clear, _mm_cvtsi32_si128(n)));
         return Xor(clear, All(0xff));
+    }
+    static Vector Trailing(Vector v) { return AndNot(v, _mm_add_epi64(v, _mm_set_epi32(0, 1, 0, 1))); }
+    static unsigned FullWords(Vector v) {
+        const Vector halves = _mm_cmpeq_epi32(v, All(0xff));
+        return static_cast<unsigned>(_mm_movemask_pd(_mm_castsi128_pd(And(halves, _mm_slli_epi64(halves, 32)))));
+    }
+    static Vector Expand(unsigned bits) {
+        const int first = -static_cast<int>(bits & 1), second = -static_cast<int>(bits >> 1 & 1);
+        return _mm_set_epi32(second, second, first, first);
     }
 };
 

@@ -67,32 +67,31 @@ TEST(MorphologyKernel, SquareVariantsEqualTheDefinition) {
         }
 }
 
-TEST(MorphologyKernel, RowWindowVariantsEqualTheDefinition) {
-    for (const size_t bytes : {1u, 2u, 5u, 16u, 33u, 64u, 70u, 130u})
-        for (const int32_t before : {0, 1, 4, 7, 8, 15, 20, 40, 64, 100, 300})
-            for (const int32_t after : {0, 1, 5, 7, 8, 15, 16, 33, 127, 250}) {
+// Windows of one and of two words, with full words between their ends, and as wide as the rows; of fewer rows than the
+// picture and of more.
+TEST(MorphologyKernel, RectangleVariantsEqualTheDefinition) {
+    const auto expect = [](size_t bytes, int32_t height, const MorphologyRectangle& window) {
+        const auto call = [&](RectangleFn fn, const MorphologyRows& rows, uint8_t* scratch) {
+            fn(rows, window, scratch);
+        };
+        const size_t scratch = RectangleScratch(bytes, height, window);
+        ExpectSameMorphology(kRectangle<false>, false, scratch, bytes, height, call);
+        ExpectSameMorphology(kRectangle<true>, true, scratch, bytes, height, call);
+    };
+    for (const size_t bytes : {1u, 2u, 5u, 8u, 16u, 33u, 64u, 70u, 130u, 300u})
+        for (const int32_t reach : {0, 1, 2, 3, 4, 7, 8, 15, 16, 31, 40, 62, 63, 64, 100, 127, 128, 200, 511, 1200})
+            for (const int32_t more : {-1, 0, 1}) {
                 const auto widest = static_cast<int32_t>(8 * bytes) - 8;
-                if (before > widest || after > widest) continue;
-                const auto call = [&](RowWindowFn fn, const MorphologyRows& rows, uint8_t* scratch) {
-                    fn(rows, {before, after}, scratch);
-                };
-                ExpectSameMorphology(kRowWindow<false>, false, RowWindowScratch(bytes), bytes, 2, call);
-                ExpectSameMorphology(kRowWindow<true>, true, RowWindowScratch(bytes), bytes, 2, call);
+                if (reach > widest || reach + more > widest || reach + more < 0) continue;
+                expect(bytes, 2, {{reach, reach + more}, {more == 0 ? 0 : 1, 0}});
             }
-}
-
-TEST(MorphologyKernel, ColumnWindowVariantsEqualTheDefinition) {
-    for (const size_t bytes : {1u, 3u, 16u, 50u, 65u, 130u, 200u})
+    for (const size_t bytes : {1u, 3u, 65u, 200u})
         for (const int32_t height : {1, 2, 7, 30})
-            for (const int32_t before : {0, 1, 2, 6, 9, 29})
-                for (const int32_t after : {0, 1, 3, 6, 14, 29}) {
-                    if (before >= height || after >= height) continue;
-                    const MorphologyWindow window{before, after};
-                    const auto call = [&](ColumnWindowFn fn, const MorphologyRows& rows, uint8_t* scratch) {
-                        fn(rows, window, scratch);
-                    };
-                    ExpectSameMorphology(kColumnWindow<false>, false, ColumnWindowScratch(window), bytes, height, call);
-                    ExpectSameMorphology(kColumnWindow<true>, true, ColumnWindowScratch(window), bytes, height, call);
+            for (const int32_t reach : {0, 1, 2, 6, 9, 14, 28, 29})
+                for (const int32_t more : {-1, 0, 1}) {
+                    if (reach >= height || reach + more >= height || reach + more < 0) continue;
+                    const MorphologyWindow columns = bytes == 1 ? MorphologyWindow{0, 0} : MorphologyWindow{1, 2};
+                    expect(bytes, height, {columns, {reach, reach + more}});
                 }
 }
 
