@@ -7,11 +7,16 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <span>
+#include <stdexcept>
+#include <string_view>
 
 #include "pictures.hpp"
 
 namespace orlix::bench {
 namespace {
+
+std::span<const int> sizes = kSizes;
 
 template <class T>
 constexpr LONG TypeOf() {
@@ -58,7 +63,7 @@ using Call = std::function<void(Subject<T>&)>;
 
 template <class T>
 void Register(const std::string& operation, const Call<T>& prepare, const Call<T>& call) {
-    for (const int size : kSizes)
+    for (const int size : sizes)
         for (const bool circle : {false, true})
             benchmark::RegisterBenchmark(Name<T>(operation, size, circle ? "circle" : "whole").c_str(),
                                          [=](benchmark::State& state) {
@@ -72,7 +77,7 @@ void Register(const std::string& operation, const Call<T>& prepare, const Call<T
 // Calls call(process, source, band), or a method of IImageProcess.
 template <class T, class From = T, class Call>
 void RegisterSourced(const std::string& operation, const Call& call) {
-    for (const int size : kSizes)
+    for (const int size : sizes)
         for (const bool circle : {false, true})
             benchmark::RegisterBenchmark(Name<T>(operation, size, circle ? "circle" : "whole").c_str(),
                                          [=](benchmark::State& state) {
@@ -102,7 +107,7 @@ void RegisterSurface(const std::string& surface, HRESULT (STDMETHODCALLTYPE IOrl
 
 template <class T>
 void RegisterType() {
-    for (const int size : kSizes)
+    for (const int size : sizes)
         benchmark::RegisterBenchmark(Name<T>("memcpy", size, "memcpy").c_str(), [=](benchmark::State& state) {
             const std::vector<T>& picture = Picture<T>(size);
             std::vector<T> copy(picture.size());
@@ -139,11 +144,27 @@ void RegisterType() {
             for (LONG i = 0; i < 256; ++i) Check(s.process->put_Table(i, (i * 167 + 13) % 256 * level));
         },
         [](Subject<T>& s) { Check(s.process->LUT()); });
+    Register<T>("create", nullptr, [](Subject<T>& s) {
+        LONG bands = 0, width = 0, height = 0;
+        s.image->Dimensions(&bands, &width, &height);
+        const auto created = CreateObject<IImageVPAExPlus>("Orlix.Image");
+        Check(created->Create(width, height, 1, TypeOf<T>(), 1), created);
+    });
+    RegisterSourced<T>("copy", [](IImageProcess* process, IImageVPA* source, LONG) {
+        return Cast<IImageVPAExPlus>(ComPtr<IImageProcess>(process))->CreateFromImage(source, 0);
+    });
+    Register<T>("failing call", nullptr, [](Subject<T>& s) {
+        if (s.process->put_BandToProcess(7) == S_OK) throw std::logic_error("that band is not there");
+    });
     RegisterSourced<T, uint8_t>("cast from u8", &IImageProcess::CastEquals);
     RegisterSourced<T, uint16_t>("cast from u16", &IImageProcess::CastEquals);
     RegisterSourced<T, float>("cast from f32", &IImageProcess::CastEquals);
     RegisterSourced<T>(std::string("plus ") + NameOf<T>(), &IImageProcess::PlusEquals);
-    for (const NamedFilter& filter : kNamedFilters) RegisterSourced<T>(filter.name, filter.apply);
+    for (const NamedFilter& filter : kNamedFilters) {
+        RegisterSourced<T>(filter.name, filter.apply);
+        Register<T>(std::string(filter.name) + " in place", nullptr,
+                    [&filter](Subject<T>& s) { Check((s.process.get()->*filter.apply)(s.image.get(), 0)); });
+    }
     for (const LONG halfSize : {1, 15, 63})
         RegisterSourced<T>("ExtremumSharpening " + std::to_string(halfSize),
                            [=](IImageProcess* process, IImageVPA* source, LONG band) {
@@ -157,7 +178,7 @@ void RegisterType() {
 }  // namespace
 
 #ifndef ORLIX_BENCH_OPENCV
-void RegisterOpenCv() {}
+void RegisterOpenCv(std::span<const int>) {}
 #endif
 
 }  // namespace orlix::bench
@@ -165,10 +186,14 @@ void RegisterOpenCv() {}
 int main(int argc, char** argv) {
     using namespace orlix::bench;
     benchmark::Initialize(&argc, argv);
+    if (argc == 2 && std::string_view(argv[1]) == "--small") {
+        sizes = kSmallSizes;
+        --argc;
+    }
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     RegisterType<uint8_t>();
     RegisterType<uint16_t>();
     RegisterType<float>();
-    RegisterOpenCv();
+    RegisterOpenCv(sizes);
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -13,6 +13,8 @@
 namespace orlix::bench {
 namespace {
 
+std::span<const int> sizes;
+
 template <class T>
 cv::Mat Image(int size) {
     const std::vector<T>& picture = Picture<T>(size);
@@ -21,7 +23,7 @@ cv::Mat Image(int size) {
 
 template <class T>
 void Register(const std::string& operation, const std::function<void(cv::Mat& image, cv::Mat& result)>& call) {
-    for (const int size : kSizes)
+    for (const int size : sizes)
         benchmark::RegisterBenchmark(Name<T>(operation, size, "opencv").c_str(), [=](benchmark::State& state) {
             cv::Mat image = Image<T>(size);
             cv::Mat result;
@@ -65,6 +67,11 @@ void RegisterType() {
         for (int i = 0; i < 256; ++i) table.at<uint8_t>(i) = static_cast<uint8_t>((i * 167 + 13) % 256);
         Register<T>("lut", [=](cv::Mat& image, cv::Mat& result) { cv::LUT(image, table, result); });
     }
+    Register<T>("create", [](cv::Mat& image, cv::Mat&) {
+        cv::Mat created = cv::Mat::zeros(image.rows, image.cols, image.type());
+        benchmark::DoNotOptimize(created.data);
+    });
+    Register<T>("copy", [](cv::Mat& image, cv::Mat& copy) { image.copyTo(copy); });
     Register<T>(std::string("plus ") + NameOf<T>(), [](cv::Mat& image, cv::Mat& sum) {
         if (sum.empty()) sum = image.clone();
         cv::add(sum, image, sum);
@@ -107,7 +114,7 @@ void RegisterFilters() {
 
 template <class T, class From>
 void RegisterConversion() {
-    for (const int size : kSizes)
+    for (const int size : sizes)
         benchmark::RegisterBenchmark(Name<T>(std::string("cast from ") + NameOf<From>(), size, "opencv").c_str(),
                                      [=](benchmark::State& state) {
                                          const cv::Mat image = Image<From>(size);
@@ -126,7 +133,8 @@ void RegisterConversions() {
 
 }  // namespace
 
-void RegisterOpenCv() {
+void RegisterOpenCv(std::span<const int> all) {
+    sizes = all;
     cv::setNumThreads(1);
     RegisterType<uint8_t>();
     RegisterFilters<uint8_t>();

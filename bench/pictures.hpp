@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -16,6 +17,10 @@ template <class T>
 const std::vector<T>& Picture(int size);
 
 inline constexpr int kSizes[] = {512, 4096};
+inline constexpr int kSmallSizes[] = {1, 16, 64};
+
+// Registers each OpenCV benchmark; does nothing when OpenCV is not installed.
+void RegisterOpenCv(std::span<const int> sizes);
 
 template <class T>
 constexpr const char* NameOf() {
@@ -27,8 +32,5 @@ template <class T>
 std::string Name(const std::string& operation, int size, const std::string& who) {
     return operation + "/" + NameOf<T>() + "/" + std::to_string(size) + "/" + who;
 }
-
-// Registers each OpenCV benchmark; does nothing when OpenCV is not installed.
-void RegisterOpenCv();
 
 }  // namespace orlix::bench

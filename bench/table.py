@@ -66,6 +66,17 @@ def interface(rates):
             ratio(whole, rates.get((operation, kind, size, "circle"))))
 
 
+def small(rates):
+    print("Nanoseconds a call, on the whole image. *x OpenCV*: how many times as fast.\n")
+    row("operation", "type", "1x1", "16x16", "64x64", "x OpenCV")
+    row("---", "---", "--:", "--:", "--:", "---")
+    for operation, kind in dict.fromkeys(key[:2] for key in rates if key[3] == "whole"):
+        sizes = (1, 16, 64)
+        ours = [rates.get((operation, kind, size, "whole")) for size in sizes]
+        row(operation, kind, *(f"{size * size / rate * 1e9:.0f}" if rate else "-" for size, rate in zip(sizes, ours)),
+            ", ".join(ratio(rate, rates.get((operation, kind, size, "opencv"))) for size, rate in zip(sizes, ours)))
+
+
 def kernels(rates):
     print("Rates in 10^9 pixels a second, for each variant that this processor can run.\n")
     row("kernel", "type", "size", "variants")
@@ -155,6 +166,8 @@ def main():
         outlines(rates)
     elif any(key[0] == "window" for key in rates):
         raster(rates)
+    elif any(key[2] < 100 and key[3] == "whole" for key in rates):
+        small(rates)
     elif any(key[0] == "memcpy" or key[3] == "whole" for key in rates):
         interface(rates)
     else:
