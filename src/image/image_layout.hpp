@@ -35,9 +35,12 @@ struct ImageLayout {
 // storage exceeds the address space.
 ImageLayout MakeLayout(int32_t width, int32_t height, int32_t bands, LONG dataType);
 
+// Where an index outside an axis of length n is mirrored to, without repeating the edge: i -> |i| mod 2(n - 1), and
+// results above n - 1 -> 2(n - 1) - i; 0 when n is 1.
+int64_t MirroredIndex(int64_t index, int64_t length);
+
 // Entry `index` of the offset table, -kTableMargin <= index < max(width, height) + kTableMargin. Indices outside an
-// axis of length n mirror without repeating the edge: i -> |i| mod 2(n - 1), and results above n - 1 -> 2(n - 1) - i;
-// all 0 when n is 1. Entries of the shorter axis beyond n + kTableMargin - 1 have no meaning and are 0.
+// axis are mirrored. Entries of the shorter axis beyond n + kTableMargin - 1 have no meaning and are 0.
 VPAEntry OffsetTableEntry(const ImageLayout& layout, int64_t index);
 constexpr bool HasColumnEntry(const ImageLayout& layout, int64_t index) {
     return index < layout.width + int64_t{kTableMargin};
