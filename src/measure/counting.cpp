@@ -18,8 +18,8 @@ constexpr uint64_t kSettleAfter = uint64_t{1} << 31;
 // From this size on, counting pairs of bytes pays for its 256 KiB table, which is cleared once and read once.
 constexpr uint64_t kPairsFrom = 1 << 18;
 
-template <class T>
-constexpr bool kCountsValues = std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t>;
+// From this size on, counting 16-bit values pays for two tables of 256 KiB, which are cleared once and read once.
+constexpr uint64_t kWordsFrom = 1 << 17;
 
 uint32_t Saturated(uint64_t count) { return static_cast<uint32_t>(std::min<uint64_t>(count, kMostCounts)); }
 
@@ -105,7 +105,7 @@ Counter<T>::Counter(T lower, T upper, int32_t numberOfBins, [[maybe_unused]] uin
         const bool pairs = expectedPixels >= kPairsFrom;
         tables_ = pairs ? 1 : kByteTables;
         counts_.resize(pairs ? kPairSize : kByteTables * 256);
-    } else if constexpr (std::is_same_v<T, uint16_t>) {
+    } else if (std::is_same_v<T, uint16_t> && expectedPixels >= kWordsFrom) {
         tables_ = kWordTables;
         counts_.resize(kWordTables * 65536);
     } else {
@@ -135,9 +135,9 @@ void Counter<T>::Add(const T* pixels, size_t n) {
             CountBytePairs(pixels, n, counts_.data());
         else
             CountBytes(pixels, n, counts_.data());
-    } else if constexpr (std::is_same_v<T, uint16_t>) {
-        CountWords(pixels, n, counts_.data());
     } else {
+        if constexpr (std::is_same_v<T, uint16_t>)
+            if (!binsOf_) return CountWords(pixels, n, counts_.data());
         constexpr size_t kBlock = 512;
         uint32_t bins[kBlock];
         const size_t stride = counts_.size() / tables_;
@@ -169,8 +169,17 @@ void Counter<T>::Settle() {
 
 template <class T>
 void Counter<T>::Histogram(std::span<LONG> out) {
-    std::fill(out.begin(), out.end(), 0);
-    if constexpr (kCountsValues<T>) {
+    if (binsOf_) {
+        const size_t size = counts_.size() / tables_;
+        for (size_t bin = 0; bin < out.size(); ++bin) {
+            uint64_t count = 0;
+            for (size_t table = 0; table < tables_; ++table) count += counts_[table * size + bin];
+            out[bin] = static_cast<LONG>(Saturated(count));
+        }
+        return;
+    }
+    if constexpr (sizeof(T) <= 2) {
+        std::fill(out.begin(), out.end(), 0);
         constexpr size_t kValues = size_t{1} << 8 * sizeof(T);
         std::vector<uint64_t> counts(kValues);
         if (std::is_same_v<T, uint8_t> && tables_ == 1) {
@@ -201,13 +210,6 @@ void Counter<T>::Histogram(std::span<LONG> out) {
                 remainder -= width;
                 ++bin;
             }
-        }
-    } else {
-        const size_t size = counts_.size() / tables_;
-        for (size_t bin = 0; bin < out.size(); ++bin) {
-            uint64_t count = 0;
-            for (size_t table = 0; table < tables_; ++table) count += counts_[table * size + bin];
-            out[bin] = static_cast<LONG>(Saturated(count));
         }
     }
 }

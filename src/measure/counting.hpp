@@ -66,7 +66,7 @@ private:
 
     HistogramShape shape_;
     BinRule<T> rule_;
-    Fn binsOf_ = nullptr;
+    Fn binsOf_ = nullptr;     // null: values are counted, and binned in the end
     size_t tables_ = 1;       // partial count tables; a count is their sum
     uint64_t unsettled_ = 0;  // pixels since counts were last clamped to 2^31 - 1; at most 2^31
     std::vector<uint32_t> counts_;

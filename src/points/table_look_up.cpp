@@ -8,10 +8,13 @@
 namespace orlix {
 
 template <class T>
-TableLookUp<T>::TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table)
+TableLookUp<T>::TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table,
+                            [[maybe_unused]] int64_t expectedPixels)
     : binsOf_(Choose(kBins<T>)), rule_(RuleOfHistogram(lower, upper, shape)), table_(table) {
-    if constexpr (sizeof(T) == 2) {  // few values: one load per pixel
-        values_.resize(65536);
+    if constexpr (sizeof(T) == 2) {
+        constexpr size_t kValues = 65536;
+        if (expectedPixels < int64_t{kValues}) return;
+        values_.resize(kValues);  // then one load per pixel
         std::iota(values_.begin(), values_.end(), T{0});
         ThroughBins(values_.data(), values_.size());
     }
@@ -19,6 +22,7 @@ TableLookUp<T>::TableLookUp(T lower, T upper, const HistogramShape& shape, std::
 
 template <class T>
 void TableLookUp<T>::operator()(T* pixels, size_t n) const {
+    if (values_.empty()) return ThroughBins(pixels, n);
     if constexpr (sizeof(T) == 2) {
         const T* const values = values_.data();
         // Several at a time: each store may alias the next load, which would have to wait for it.
@@ -30,8 +34,6 @@ void TableLookUp<T>::operator()(T* pixels, size_t n) const {
             std::copy_n(found, kTogether, pixels + i);
         }
         for (; i < n; ++i) pixels[i] = values[pixels[i]];
-    } else {
-        ThroughBins(pixels, n);
     }
 }
 

@@ -16,7 +16,8 @@ namespace orlix {
 template <class T>
 class TableLookUp {
 public:
-    TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table);
+    // expectedPixels, a hint, chooses between methods that differ only in speed.
+    TableLookUp(T lower, T upper, const HistogramShape& shape, std::span<const T> table, int64_t expectedPixels);
 
     void operator()(T* pixels, size_t n) const;
 
@@ -27,7 +28,7 @@ private:
     Fn binsOf_;
     BinRule<T> rule_;
     std::span<const T> table_;
-    std::vector<T> values_;  // 16 bits: the result for each value
+    std::vector<T> values_;  // 16 bits and many pixels: the result for each value
 };
 
 extern template class TableLookUp<uint16_t>;

@@ -81,7 +81,7 @@ void LookUp(const Selection<Pixel>& at) {
         const HistogramShape shape = ShapeOfHistogram(settings.lower(), settings.upper(), settings.bins());
         const std::span<const Pixel> entries =
             settings.table() ? std::span<const Pixel>(*settings.table()) : std::span<const Pixel>();
-        at.Apply(TableLookUp<Pixel>(settings.lower(), settings.upper(), shape, entries));
+        at.Apply(TableLookUp<Pixel>(settings.lower(), settings.upper(), shape, entries, at.pixels()));
     }
 }
 

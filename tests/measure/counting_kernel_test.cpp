@@ -53,8 +53,9 @@ TEST(ByteCounter, LeavesOutLevelsOutsideTheInterval) {
 // The rule in exact integers, one pixel at a time.
 template <class T>
 void ExpectRule(const std::vector<T>& pixels, T lower, T upper, int32_t bins) {
-    Counter<T> counter(lower, upper, bins, pixels.size());
+    Counter<T> counter(lower, upper, bins, 0), large(lower, upper, bins, uint64_t{1} << 24);
     counter(pixels.data(), pixels.size());
+    large(pixels.data(), pixels.size());
     const HistogramShape shape = counter.shape();
     const uint64_t width = uint64_t{upper} - lower;
     const bool onePerValue = lower < upper && width + 1 <= static_cast<uint64_t>(bins);
@@ -69,6 +70,7 @@ void ExpectRule(const std::vector<T>& pixels, T lower, T upper, int32_t bins) {
         ++want[static_cast<size_t>(bin)];
     }
     ASSERT_EQ(want, Counts(counter)) << lower << " " << upper << " " << bins;
+    ASSERT_EQ(want, Counts(large)) << lower << " " << upper << " " << bins;
 }
 
 TEST(WordCounter, FollowsTheRuleForAllValues) {
