@@ -66,16 +66,34 @@ ORLIX_INLINE __m256d Clamped(const __m256d& s, const __m256d& lower, const __m25
     return _mm256_blendv_pd(_mm256_min_pd(upper, s), lower, _mm256_cmp_pd(s, lower, _CMP_LT_OQ));
 }
 
+// p / value, as MayMultiply() has it; a zero may have the other sign, and infinities and NaN give NaN.
+struct Product {
+    __m256d value, inverse;
+    explicit Product(double divisor) : value(_mm256_set1_pd(divisor)), inverse(_mm256_set1_pd(1 / divisor)) {}
+    ORLIX_INLINE __m256d operator()(const __m256d& p) const {
+        __m256d q = _mm256_mul_pd(p, inverse);
+        q = _mm256_fmadd_pd(_mm256_fnmadd_pd(q, value, p), inverse, q);
+        return _mm256_fmadd_pd(_mm256_fnmadd_pd(q, value, p), inverse, q);
+    }
+};
+struct Division {
+    __m256d value;
+    explicit Division(double divisor) : value(_mm256_set1_pd(divisor)) {}
+    ORLIX_INLINE __m256d operator()(const __m256d& p) const { return _mm256_div_pd(p, value); }
+};
+
 // Quotients of four integers, rounded and clamped to [0, most], as 32-bit integers. Negative quotients and NaN give 0:
 // maxpd returns its second operand when the first is NaN.
+template <class Quotient>
 struct Divider {
-    __m256d value, most, half = _mm256_set1_pd(0.5), bias = _mm256_set1_pd(0x1p31);
+    Quotient quotient;
+    __m256d most, half = _mm256_set1_pd(0.5), bias = _mm256_set1_pd(0x1p31);
     __m128i sign = _mm_set1_epi32(static_cast<int>(0x80000000u));
-    Divider(double divisor, double greatest) : value(_mm256_set1_pd(divisor)), most(_mm256_set1_pd(greatest)) {}
-    __m128i operator()(__m128i pixels) const {
+    Divider(double divisor, double greatest) : quotient(divisor), most(_mm256_set1_pd(greatest)) {}
+    ORLIX_INLINE __m128i operator()(__m128i pixels) const {
         // The instructions convert signed integers only.
         const __m256d p = _mm256_add_pd(_mm256_cvtepi32_pd(_mm_xor_si128(pixels, sign)), bias);
-        const __m256d q = _mm256_min_pd(_mm256_max_pd(_mm256_div_pd(p, value), _mm256_setzero_pd()), most);
+        const __m256d q = _mm256_min_pd(_mm256_max_pd(quotient(p), _mm256_setzero_pd()), most);
         const __m256d rounded = _mm256_floor_pd(_mm256_add_pd(q, half));
         return _mm_xor_si128(_mm256_cvtpd_epi32(_mm256_sub_pd(rounded, bias)), sign);
     }
@@ -119,19 +137,33 @@ void Quotient_avx2(float* pixels, size_t n, const PointParameters<float>& parame
         for (; i + 8 <= n; i += 8)
             _mm256_storeu_ps(pixels + i, Clamped(_mm256_div_ps(_mm256_loadu_ps(pixels + i), v), lower, upper));
     } else {
-        const __m256d v = _mm256_set1_pd(parameters.value);
         const __m256d lower = _mm256_set1_pd(static_cast<double>(-kMostFloat));
         const __m256d upper = _mm256_set1_pd(static_cast<double>(kMostFloat));
+        const Product product(parameters.value);
+        const Division divide(parameters.value);
+        const bool multiplies = MayMultiply(parameters.value);
         for (; i + 4 <= n; i += 4) {
-            const __m256d q = _mm256_div_pd(_mm256_cvtps_pd(_mm_loadu_ps(pixels + i)), v);
+            const __m256d p = _mm256_cvtps_pd(_mm_loadu_ps(pixels + i));
+            __m256d q;
+            if (multiplies) {
+                // Zeros, infinities and NaN are p times a number.
+                const __m256d first = _mm256_mul_pd(p, product.inverse);
+                const __m256d zero = _mm256_sub_pd(first, first);  // NaN where it is not finite
+                q = _mm256_blendv_pd(first, product(p), _mm256_cmp_pd(first, zero, _CMP_NEQ_OQ));
+            } else {
+                q = divide(p);
+            }
             _mm_storeu_ps(pixels + i, _mm256_cvtpd_ps(Clamped(q, lower, upper)));
         }
     }
     Quotient_scalar(pixels + i, n - i, parameters);
 }
 
-void Quotient_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
-    const Divider divide(parameters.value, 65535.0);
+namespace {
+
+template <class Quotient>
+void Divide(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
+    const Divider<Quotient> divide(parameters.value, 65535.0);
     size_t i = 0;
     for (; i + 8 <= n; i += 8) {
         const __m128i p = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels + i));
@@ -142,14 +174,32 @@ void Quotient_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& 
     Quotient_scalar(pixels + i, n - i, parameters);
 }
 
-void Quotient_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
-    const Divider divide(parameters.value, 4294967295.0);
+template <class Quotient>
+void Divide(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
+    const Divider<Quotient> divide(parameters.value, 4294967295.0);
     size_t i = 0;
     for (; i + 4 <= n; i += 4) {
         __m128i* const at = reinterpret_cast<__m128i*>(pixels + i);
         _mm_storeu_si128(at, divide(_mm_loadu_si128(at)));
     }
     Quotient_scalar(pixels + i, n - i, parameters);
+}
+
+template <class T>
+void Divide(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    if (MayMultiply(parameters.value))
+        Divide<Product>(pixels, n, parameters);
+    else
+        Divide<Division>(pixels, n, parameters);
+}
+
+}  // namespace
+
+void Quotient_avx2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
+    Divide(pixels, n, parameters);
+}
+void Quotient_avx2(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
+    Divide(pixels, n, parameters);
 }
 
 // A shuffle looks up 16 entries by the low four bits of an index and gives 0 when bit 7 is set. Each row of 16 entries

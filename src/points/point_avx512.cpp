@@ -107,13 +107,31 @@ ORLIX_INLINE void InDouble(float* pixels, size_t n, const Step& step) {
     _mm256_mask_storeu_ps(pixels + i, rest, _mm512_cvtpd_ps(step(p)));
 }
 
+// p / value, as MayMultiply() has it; a zero may have the other sign, and infinities and NaN give NaN.
+struct Product {
+    __m512d value, inverse;
+    explicit Product(double divisor) : value(_mm512_set1_pd(divisor)), inverse(_mm512_set1_pd(1 / divisor)) {}
+    ORLIX_INLINE __m512d operator()(const __m512d& p) const {
+        __m512d q = _mm512_mul_pd(p, inverse);
+        q = _mm512_fmadd_pd(_mm512_fnmadd_pd(q, value, p), inverse, q);
+        return _mm512_fmadd_pd(_mm512_fnmadd_pd(q, value, p), inverse, q);
+    }
+};
+struct Division {
+    __m512d value;
+    explicit Division(double divisor) : value(_mm512_set1_pd(divisor)) {}
+    ORLIX_INLINE __m512d operator()(const __m512d& p) const { return _mm512_div_pd(p, value); }
+};
+
 // Quotients of eight integers, rounded and clamped to [0, most]. Negative quotients and NaN give 0: vmaxpd returns its
-// second operand when the first is NaN.
+// second operand when the first is NaN, or when both are zero.
+template <class Quotient>
 struct Divider {
-    __m512d value, most, half = _mm512_set1_pd(0.5);
-    Divider(double divisor, double greatest) : value(_mm512_set1_pd(divisor)), most(_mm512_set1_pd(greatest)) {}
-    __m256i operator()(const __m256i& pixels) const {
-        const __m512d q = _mm512_div_pd(_mm512_cvtepu32_pd(pixels), value);
+    Quotient quotient;
+    __m512d most, half = _mm512_set1_pd(0.5);
+    Divider(double divisor, double greatest) : quotient(divisor), most(_mm512_set1_pd(greatest)) {}
+    ORLIX_INLINE __m256i operator()(const __m256i& pixels) const {
+        const __m512d q = quotient(_mm512_cvtepu32_pd(pixels));
         const __m512d clamped = _mm512_min_pd(_mm512_max_pd(q, _mm512_setzero_pd()), most);
         return _mm512_cvttpd_epu32(_mm512_add_pd(clamped, half));
     }
@@ -155,15 +173,27 @@ void Quotient_avx512(float* pixels, size_t n, const PointParameters<float>& para
         const __m512 lower = _mm512_set1_ps(-kMostFloat), upper = _mm512_set1_ps(kMostFloat);
         InFloat(pixels, n, [&](const __m512& p) { return Clamped(_mm512_div_ps(p, v), lower, upper); });
     } else {
-        const __m512d v = _mm512_set1_pd(parameters.value);
         const __m512d lower = _mm512_set1_pd(static_cast<double>(-kMostFloat));
         const __m512d upper = _mm512_set1_pd(static_cast<double>(kMostFloat));
-        InDouble(pixels, n, [&](const __m512d& p) { return Clamped(_mm512_div_pd(p, v), lower, upper); });
+        if (const Product product(parameters.value); MayMultiply(parameters.value)) {
+            InDouble(pixels, n, [&](const __m512d& p) {
+                constexpr int kZeroOrNotFinite = 0x9f;
+                const __mmask8 special = _mm512_fpclass_pd_mask(p, kZeroOrNotFinite);
+                const __m512d q = _mm512_mask_mov_pd(product(p), special, _mm512_mul_pd(p, product.inverse));
+                return Clamped(q, lower, upper);
+            });
+        } else {
+            const Division divide(parameters.value);
+            InDouble(pixels, n, [&](const __m512d& p) { return Clamped(divide(p), lower, upper); });
+        }
     }
 }
 
-void Quotient_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
-    const Divider divide(parameters.value, 65535.0);
+namespace {
+
+template <class Quotient>
+void Divide(uint16_t* pixels, size_t n, double value) {
+    const Divider<Quotient> divide(value, 65535.0);
     size_t i = 0;
     for (; i + 8 <= n; i += 8) {
         __m128i* const at = reinterpret_cast<__m128i*>(pixels + i);
@@ -174,8 +204,9 @@ void Quotient_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>
     _mm_mask_storeu_epi16(pixels + i, rest, _mm256_cvtepi32_epi16(divide(_mm256_cvtepu16_epi32(p))));
 }
 
-void Quotient_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
-    const Divider divide(parameters.value, 4294967295.0);
+template <class Quotient>
+void Divide(uint32_t* pixels, size_t n, double value) {
+    const Divider<Quotient> divide(value, 4294967295.0);
     size_t i = 0;
     for (; i + 8 <= n; i += 8) {
         __m256i* const at = reinterpret_cast<__m256i*>(pixels + i);
@@ -183,6 +214,23 @@ void Quotient_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>
     }
     const auto rest = static_cast<__mmask8>((1u << (n - i)) - 1);
     _mm256_mask_storeu_epi32(pixels + i, rest, divide(_mm256_maskz_loadu_epi32(rest, pixels + i)));
+}
+
+template <class T>
+void Divide(T* pixels, size_t n, const PointParameters<T>& parameters) {
+    if (MayMultiply(parameters.value))
+        Divide<Product>(pixels, n, parameters.value);
+    else
+        Divide<Division>(pixels, n, parameters.value);
+}
+
+}  // namespace
+
+void Quotient_avx512(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
+    Divide(pixels, n, parameters);
+}
+void Quotient_avx512(uint32_t* pixels, size_t n, const PointParameters<uint32_t>& parameters) {
+    Divide(pixels, n, parameters);
 }
 
 // The whole table is in four registers. Two permutations each look up one half, and the top bit of the pixel selects.

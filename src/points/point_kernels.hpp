@@ -55,6 +55,16 @@ ORLIX_INLINE bool IsExact(float narrow, double value) {
     return !(static_cast<double>(narrow) < value) && !(static_cast<double>(narrow) > value) && value == value;
 }
 
+// Whether p / value may be computed by multiplications for every pixel p of any type: no step overflows or leaves the
+// normal numbers. The product with the reciprocal is within two units in the last place of the quotient. Its remainder
+// p - q value is exact (a fused multiplication and addition), and the correction by it gives one of the two doubles
+// next to the quotient; a second correction then rounds as a division does (Markstein 1990). Five steps that start
+// every clock take less time than a division.
+ORLIX_INLINE bool MayMultiply(double value) {
+    const double magnitude = value < 0 ? -value : value;
+    return magnitude > 0x1p-500 && magnitude < 0x1p500;
+}
+
 }  // namespace
 
 template <class T>

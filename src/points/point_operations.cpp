@@ -94,15 +94,14 @@ PointOperation<T> PointOperation<T>::Tabulated(Fn definition, PointParameters<T>
 
 template <class T>
 PointOperation<T> PointOperation<T>::Sum(const PointParameters<T>& parameters) {
-    if constexpr (std::is_same_v<T, uint8_t>) {
+    if constexpr (!kIsFloat<T>)
+        if (parameters.lower <= parameters.upper)
+            if (const auto k = WholeSummand<T>(parameters.value))
+                return {Choose(kRamp<T>), Ramp<T>(*k, parameters.falling, parameters.lower, parameters.upper)};
+    if constexpr (std::is_same_v<T, uint8_t>)
         return Tabulated(&Sum_scalar<T>, parameters);
-    } else {
-        if constexpr (!kIsFloat<T>)
-            if (parameters.lower <= parameters.upper)
-                if (const auto k = WholeSummand<T>(parameters.value))
-                    return {Choose(kRamp<T>), Ramp<T>(*k, parameters.falling, parameters.lower, parameters.upper)};
+    else
         return {Choose(kSum<T>), parameters};
-    }
 }
 
 template <class T>

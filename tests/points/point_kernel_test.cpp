@@ -1,7 +1,9 @@
 #include <cmath>
+#include <numeric>
 #include <tuple>
 
 #include "points/point_kernels.hpp"
+#include "points/table_look_up.hpp"
 #include "support/kernel_testing.hpp"
 #include "support/special_numbers.hpp"
 
@@ -62,8 +64,28 @@ TYPED_TEST(IntegerPoint, EveryVariantOfTheQuotientEqualsTheDefinition) {
     }
 }
 
+// Variants multiply where a division would take longer: the last bit of each double must be that of the division.
+TEST(WordPoint, EveryVariantOfTheQuotientRoundsAsADivisionDoes) {
+    std::mt19937_64 random(1);
+    const std::vector<uint16_t> all = AllValues<uint16_t>();
+    for (int i = 0; i < 300; ++i) {
+        PointParameters<uint16_t> parameters;
+        // A third is m / 8, where many quotients lie half way between two integers.
+        parameters.value = i % 3 == 0 ? static_cast<double>(random() % 80 + 1) / 8
+                                      : std::ldexp(static_cast<double>(random() >> 11), -53 + static_cast<int>(i % 20));
+        std::vector<uint16_t> want = all;
+        Quotient_scalar(want.data(), want.size(), parameters);
+        for (const auto& variant : SupportedOnThisCpu(kQuotient<uint16_t>)) {
+            std::vector<uint16_t> pixels = all;
+            variant.fn(pixels.data(), pixels.size(), parameters);
+            ASSERT_EQ(want, pixels) << variant.name << " " << parameters.value;
+        }
+    }
+}
+
 TEST(FloatPoint, EveryVariantOfSumAndQuotientEqualsTheDefinition) {
-    for (const double value : {0.0, -0.0, 1.0, -17.25, 0.1, 3.0, 1e-300, 1e300, 1e-45, 3.4e38, kInfinity, -kInfinity}) {
+    for (const double value : {0.0, -0.0, 1.0, -17.25, 0.1, -1.01, 3.0, 0x1.fffffffffffffp3, 0x1.0000000000001p-7,
+                               1e-300, 1e300, 1e-45, 3.4e38, kInfinity, -kInfinity}) {
         PointParameters<float> parameters;
         parameters.value = value;
         ExpectVariantsEqualScalar<float>(kQuotient<float>, parameters);
@@ -221,6 +243,26 @@ TEST(FloatPoint, KnownAnswers) {
     EXPECT_EQ(-kLargest, Applied(Float::Divide(1e-300), -1.0f));
     EXPECT_TRUE(std::isnan(Applied(Float::Divide(kNaN), 1.0f)));
     EXPECT_TRUE(std::isnan(Applied(Float::Add(1, 0, 10), std::numeric_limits<float>::quiet_NaN())));
+}
+
+// Counted bins, pixel by pixel, and a table of all values are two ways to the same result.
+TEST(TableLookUp, IsTheSameForFewPixelsAndForMany) {
+    for (const auto& [lower, upper, bins] : {std::tuple<uint16_t, uint16_t, int32_t>{0, 65535, 256},
+                                             {100, 355, 256},
+                                             {7, 60000, 999},
+                                             {9, 9, 16},
+                                             {9, 7, 16}}) {
+        const HistogramShape shape = ShapeOfHistogram<uint16_t>(lower, upper, bins);
+        std::vector<uint16_t> table(static_cast<size_t>(shape.bins));
+        std::iota(table.begin(), table.end(), uint16_t{1000});
+        std::vector<uint16_t> few(65536);
+        std::iota(few.begin(), few.end(), uint16_t{0});
+        std::vector<uint16_t> many = few;
+        TableLookUp<uint16_t>(lower, upper, shape, table, 0)(few.data(), few.size());
+        TableLookUp<uint16_t>(lower, upper, shape, table, 1 << 20)(many.data(), many.size());
+        EXPECT_EQ(few, many);
+        EXPECT_EQ(lower < upper ? 1000 : lower == upper ? 1015 : lower, few[lower]);
+    }
 }
 
 }  // namespace
