@@ -4,8 +4,8 @@
 namespace orlix {
 
 template <class T>
-void Median3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>& parameters) {
-    if (!MedianRow<OrderedLanes<T>>(rows, to, n)) Median3x3_scalar(rows, to, n, parameters);
+void Median3x3_sse2(const T* const* rows, T* to, size_t n, const FilterParameters<T>&) {
+    MedianRow<OrderedLanes<T>>(rows, to, n);
 }
 
 template Kernel<FilterFn<uint8_t>> Median3x3_sse2;

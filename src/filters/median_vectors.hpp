@@ -1,6 +1,8 @@
 // The median of nine by minima and maxima, for any vector type. Included by the files of one instruction set each.
 #pragma once
 
+#include <cstring>
+
 #include "filters/median_kernels.hpp"
 #include "vectors/inline.hpp"
 
@@ -36,13 +38,23 @@ ORLIX_INLINE typename Lanes::Vector MedianOf(const Column<Lanes>& l, const Colum
                            Lanes::Min(Lanes::Min(l.high, c.high), r.high));
 }
 
-// Returns false, having done nothing, when n is less than one vector. Inside the row each column is sorted once and
-// shifted to its neighbours; at the ends columns are loaded where they are, and the last vector ends with the row. A
-// shift takes SSE2 three instructions, so it loads all columns where they are.
+// A row shorter than a vector, as the start of one.
 template <class Lanes, class T = typename Lanes::Pixel>
-ORLIX_INLINE bool MedianRow(const T* const* rows, T* to, size_t n) {
+ORLIX_INLINE void ShortMedianRow(const T* const* rows, T* to, size_t n) {
+    T pixels[3][Lanes::kLanes + 2] = {}, result[Lanes::kLanes];
+    for (size_t k = 0; k < 3; ++k) std::memcpy(pixels[k], rows[k] - 1, (n + 2) * sizeof(T));
+    const T* const p[3] = {pixels[0] + 1, pixels[1] + 1, pixels[2] + 1};
+    Lanes::Store(result, MedianOf(Sorted<Lanes>(p, -1), Sorted<Lanes>(p, 0), Sorted<Lanes>(p, 1)));
+    std::memcpy(to, result, n * sizeof(T));
+}
+
+// Inside the row each column is sorted once and shifted to its neighbours; at the ends columns are loaded where they
+// are, and the last vector ends with the row. A shift takes SSE2 three instructions, so it loads all columns where they
+// are.
+template <class Lanes, class T = typename Lanes::Pixel>
+ORLIX_INLINE void MedianRow(const T* const* rows, T* to, size_t n) {
     constexpr size_t kLanes = Lanes::kLanes;
-    if (n < kLanes) return false;
+    if (n < kLanes) return ShortMedianRow<Lanes>(rows, to, n);
     const T* const p[3] = {rows[0], rows[1], rows[2]};
     const auto alone = [&](size_t i) __attribute__((always_inline)) {
         const auto x = static_cast<ptrdiff_t>(i);
@@ -66,7 +78,6 @@ ORLIX_INLINE bool MedianRow(const T* const* rows, T* to, size_t n) {
         }
     for (; i + kLanes <= n; i += kLanes) alone(i);
     if (i < n) alone(n - kLanes);
-    return true;
 }
 
 }  // namespace
