@@ -308,12 +308,17 @@ ExtremumSharpening<T>::ExtremumSharpening(int32_t halfSize, const FilterParamete
 
 template <class T>
 void ExtremumSharpening<T>::operator()(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const {
-    if (halfSize_ < 0)
-        NeighbourhoodFilter<T>(&ChooseLimit<T>, 0, limits_)(from, to, region);
-    else if (halfSize_ == 1)
-        NeighbourhoodFilter<T>(Choose(kExtremumSharpening3x3<T>), 1, limits_)(from, to, region);
+    if (const auto small = Small())
+        (*small)(from, to, region);
     else
         AnySize(from, to, region);
+}
+
+template <class T>
+std::optional<NeighbourhoodFilter<T>> ExtremumSharpening<T>::Small() const {
+    if (halfSize_ < 0) return {{&ChooseLimit<T>, 0, limits_}};
+    if (halfSize_ == 1) return {{Choose(kExtremumSharpening3x3<T>), 1, limits_}};
+    return {};
 }
 
 template <class T>

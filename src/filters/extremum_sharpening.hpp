@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "filters/filter_kernels.hpp"
+#include "filters/filtering.hpp"
 #include "geometry/region_rows.hpp"
 #include "image/pixel_buffer.hpp"
 #include "image/pixel_view.hpp"
@@ -31,6 +33,9 @@ public:
 
     int32_t radius() const { return halfSize_ < 0 ? 0 : halfSize_; }
     void operator()(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const;
+
+    // The same filter, by rows of 3x3 squares, for h = 1 and h < 0; none for other h.
+    std::optional<NeighbourhoodFilter<T>> Small() const;
 
     // The same for h >= 0, without the shortcut for 3x3 squares.
     void AnySize(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const;

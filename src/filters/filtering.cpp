@@ -96,13 +96,18 @@ struct NeighbourhoodFilter<T>::Rows {
 
 template <class T>
 void NeighbourhoodFilter<T>::operator()(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const {
-    const int64_t adjacent = from.AdjacentColumns();
+    (*this)(from, from.AdjacentColumns(), to, region, region.top(), region.bottom());
+}
+
+template <class T>
+void NeighbourhoodFilter<T>::operator()(PixelView<const T> from, int32_t adjacent, PixelView<T> to,
+                                        const RegionRows& region, int32_t first, int32_t last) const {
     const int64_t width = int64_t{from.width()} + kTableMargin - radius_;  // columns that can be filtered
     const int32_t bottom =
-        static_cast<int32_t>(std::min<int64_t>(region.bottom(), int64_t{from.height()} + kTableMargin - 1 - radius_));
+        static_cast<int32_t>(std::min<int64_t>(last, int64_t{from.height()} + kTableMargin - 1 - radius_));
     const bool prefetch = int64_t{to.width()} * to.height() > kCachedBytes / static_cast<int64_t>(sizeof(T));
     GatheredPixels<T> gathered(kernel_, radius_, parameters_);
-    for (int32_t y = region.top(); y <= bottom; ++y) {
+    for (int32_t y = first; y <= bottom; ++y) {
         Rows rows{from, y, to.row(y), nullptr, nullptr};
         if (prefetch && y < bottom) {
             rows.nextFrom = from.row(y + 1 + radius_);
@@ -135,21 +140,110 @@ void NeighbourhoodFilter<T>::Direct(const Rows& rows, int64_t x, int64_t stop) c
     }
 }
 
+namespace {
+
+// The least and the greatest entry of an axis of the table, margins included. Small images spend as much time here as
+// in the filter, so this is written for vectors: several extremes at a time, no branches.
+struct Offsets {
+    LONG least, most;
+};
+template <LONG VPAEntry::*axis>
+Offsets OffsetsOf(const VPAEntry* table, int32_t length) {
+    constexpr int64_t kTogether = 8;
+    LONG least[kTogether], most[kTogether];
+    std::fill_n(least, kTogether, table[0].*axis);
+    std::copy_n(least, kTogether, most);
+    const int64_t end = int64_t{length} + kTableMargin;
+    int64_t i = -kTableMargin;
+    const auto add = [&](int64_t k, LONG entry) {
+        least[k] = entry < least[k] ? entry : least[k];
+        most[k] = entry > most[k] ? entry : most[k];
+    };
+    for (; i + kTogether <= end; i += kTogether)
+        for (int64_t k = 0; k < kTogether; ++k) add(k, table[i + k].*axis);
+    for (; i < end; ++i) add(0, table[i].*axis);
+    return {*std::min_element(least, least + kTogether), *std::max_element(most, most + kTogether)};
+}
+
+}  // namespace
+
 template <class T>
 bool SharesMemory(PixelView<const T> view, const void* begin, const void* end) {
-    const VPAEntry* const table = view.table();
-    int64_t least[2] = {table[0].XEntry, table[0].YEntry};
-    int64_t most[2] = {least[0], least[1]};
-    const auto add = [&](int axis, int64_t entry) {
-        least[axis] = std::min(least[axis], entry);
-        most[axis] = std::max(most[axis], entry);
-    };
-    for (int64_t x = -kTableMargin; x < int64_t{view.width()} + kTableMargin; ++x) add(0, table[x].XEntry);
-    for (int64_t y = -kTableMargin; y < int64_t{view.height()} + kTableMargin; ++y) add(1, table[y].YEntry);
+    const Offsets x = OffsetsOf<&VPAEntry::XEntry>(view.table(), view.width());
+    const Offsets y = OffsetsOf<&VPAEntry::YEntry>(view.table(), view.height());
     const auto base = static_cast<int64_t>(reinterpret_cast<uintptr_t>(view.base()));
     const int64_t size = sizeof(T);
-    return base + (least[0] + least[1]) * size < static_cast<int64_t>(reinterpret_cast<uintptr_t>(end)) &&
-           base + (most[0] + most[1] + 1) * size > static_cast<int64_t>(reinterpret_cast<uintptr_t>(begin));
+    return base + (int64_t{x.least} + y.least) * size < static_cast<int64_t>(reinterpret_cast<uintptr_t>(end)) &&
+           base + (int64_t{x.most} + y.most + 1) * size > static_cast<int64_t>(reinterpret_cast<uintptr_t>(begin));
+}
+
+namespace {
+
+template <LONG VPAEntry::*axis>
+bool IsMirrored(const VPAEntry* table, int32_t length) {
+    for (int32_t i = 1; i <= NeighbourhoodFilter<uint8_t>::kMostRadius; ++i)
+        if (table[-i].*axis != table[MirroredIndex(-i, length)].*axis ||
+            table[length - 1 + i].*axis != table[MirroredIndex(length - 1 + i, length)].*axis)
+            return false;
+    return true;
+}
+
+// Rows that are filtered at a time: enough to make good for the start of a call, and in the first-level cache with what
+// they become.
+constexpr int64_t kInPlaceBytes = 1 << 17;
+
+}  // namespace
+
+template <class T>
+bool InPlaceRows<T>::Suit(PixelView<const T> from, PixelView<T> to) {
+    const VPAEntry* const table = from.table();
+    if (from.base() != to.base() || table != to.table() || from.width() != to.width() || from.height() != to.height())
+        return false;
+    if (from.AdjacentColumns() != from.width()) return false;
+    for (int32_t y = 1; y < from.height(); ++y)
+        if (int64_t{table[y].YEntry} - table[y - 1].YEntry < from.width()) return false;
+    return IsMirrored<&VPAEntry::XEntry>(table, from.width()) && IsMirrored<&VPAEntry::YEntry>(table, from.height());
+}
+
+template <class T>
+InPlaceRows<T>::InPlaceRows(PixelView<T> band, const RegionRows& region, int32_t radius) : radius_(radius) {
+    int64_t left = band.width(), right = -1;
+    for (int32_t y = region.top(); y <= region.bottom() && (left > 0 || right + 1 < band.width()); ++y)
+        for (const Run run : region.row(y)) {
+            left = std::min<int64_t>(left, run.start);
+            right = std::max<int64_t>(right, run.stop);
+        }
+    if (left <= right) {
+        first_ = std::max<int64_t>(left - radius, 0);
+        count_ = std::min<int64_t>(right + radius, band.width() - 1) - first_ + 1;
+    }
+    // An odd number of cache lines: the rows do not compete for the same cache sets.
+    constexpr int64_t kSize = sizeof(T);
+    stride_ = (band.width() * kSize / 128 * 128 + 192) / kSize;
+    rows_ = std::clamp<int64_t>(kInPlaceBytes / (std::max<int64_t>(count_, 1) * kSize), 4, 64);
+    slots_ = rows_ + 2 * radius_;
+    samples_ = std::make_unique_for_overwrite<T[]>(static_cast<size_t>(slots_ * stride_));
+    table_.resize(static_cast<size_t>(std::max(band.width(), band.height())) + 2 * size_t{kTableMargin});
+    for (int64_t x = -radius_; x < band.width() + radius_; ++x)
+        table_[static_cast<size_t>(x + kTableMargin)].XEntry = static_cast<LONG>(MirroredIndex(x, band.width()));
+}
+
+template <class T>
+void InPlaceRows<T>::Apply(const NeighbourhoodFilter<T>& filter, PixelView<T> band, const RegionRows& region) {
+    if (count_ == 0) return;
+    const int64_t height = band.height();
+    VPAEntry* const table = table_.data() + kTableMargin;
+    int64_t kept = std::max<int64_t>(region.top() - radius_, 0);  // the first row that is not in the ring yet
+    for (int64_t y = region.top(); y <= region.bottom(); y += rows_) {
+        const int64_t last = std::min<int64_t>(y + rows_ - 1, region.bottom());
+        for (; kept <= std::min(last + radius_, height - 1); ++kept)
+            std::memcpy(Slot(kept) + first_, band.row(static_cast<int32_t>(kept)) + first_,
+                        static_cast<size_t>(count_) * sizeof(T));
+        for (int64_t i = y - radius_; i <= last + radius_; ++i)
+            table[i].YEntry = static_cast<LONG>(Slot(MirroredIndex(i, height)) - samples_.get());
+        const PixelView<const T> rows(samples_.get(), table, band.width(), band.height());
+        filter(rows, band.width(), band, region, static_cast<int32_t>(y), static_cast<int32_t>(last));
+    }
 }
 
 template <class T>
@@ -196,6 +290,7 @@ PixelView<const T> SourceCopy<T>::view() const {
 #define ORLIX_TYPE(T)                                                                        \
     template class NeighbourhoodFilter<T>;                                                   \
     template bool SharesMemory(PixelView<const T> view, const void* begin, const void* end); \
+    template class InPlaceRows<T>;                                                           \
     template class SourceCopy<T>;
 ORLIX_TYPE(uint8_t)
 ORLIX_TYPE(uint16_t)

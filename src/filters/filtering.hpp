@@ -17,8 +17,7 @@ namespace orlix {
 //      smaller than the destination.
 //  (2) The kernel reads contiguous source columns in place; all others (borders, tables of other components) are
 //      gathered into a short buffer. The kernel sees the same samples, so the results are bit-identical.
-//  (3) `from` must not share memory with `to`, see SharesMemory().
-//  (3) from must not lie in the memory of to, see SharesMemory().
+//  (3) `from` must not share memory with `to`, see SharesMemory() and InPlaceRows.
 template <class T>
 class NeighbourhoodFilter {
 public:
@@ -29,6 +28,9 @@ public:
 
     int32_t radius() const { return radius_; }
     void operator()(PixelView<const T> from, PixelView<T> to, const RegionRows& region) const;
+    // The rows first..last of the region only; adjacent is from.AdjacentColumns().
+    void operator()(PixelView<const T> from, int32_t adjacent, PixelView<T> to, const RegionRows& region, int32_t first,
+                    int32_t last) const;
 
 private:
     struct Rows;
@@ -64,10 +66,41 @@ private:
     std::vector<VPAEntry> table_;
 };
 
+// Filters bands of an image in place, some rows at a time: the pixels of the rows that a filter of the given radius
+// still needs are kept in a ring, so that memory and time hardly grow.
+template <class T>
+class InPlaceRows {
+public:
+    // Whether `from` is the band `to` itself, with a table that mirrors both axes as an image's own does: then no row
+    // needs one that lies farther away than the radius.
+    static bool Suit(PixelView<const T> from, PixelView<T> to);
+
+    // For bands like `band`. Throws std::bad_alloc.
+    InPlaceRows(PixelView<T> band, const RegionRows& region, int32_t radius);
+
+    // Suit(band, band). Cannot fail.
+    void Apply(const NeighbourhoodFilter<T>& filter, PixelView<T> band, const RegionRows& region);
+
+private:
+    T* Slot(int64_t row) { return samples_.get() + row % slots_ * stride_; }
+
+    int64_t radius_;
+    int64_t first_ = 0, count_ = 0;  // the columns that are kept
+    int64_t stride_;                 // of a row in the ring
+    int64_t rows_;                   // filtered at a time
+    int64_t slots_;
+    std::unique_ptr<T[]> samples_;
+    std::vector<VPAEntry> table_;
+};
+
 extern template class NeighbourhoodFilter<uint8_t>;
 extern template class NeighbourhoodFilter<uint16_t>;
 extern template class NeighbourhoodFilter<uint32_t>;
 extern template class NeighbourhoodFilter<float>;
+extern template class InPlaceRows<uint8_t>;
+extern template class InPlaceRows<uint16_t>;
+extern template class InPlaceRows<uint32_t>;
+extern template class InPlaceRows<float>;
 extern template class SourceCopy<uint8_t>;
 extern template class SourceCopy<uint16_t>;
 extern template class SourceCopy<uint32_t>;

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -15,18 +17,36 @@
 
 namespace orlix {
 
-// filter(from, to, rows) writes the rows of a band, reading a band of the source within filter.radius() of them. A
-// source that shares memory with the selection, in particular the same image, is copied before anything is written.
+// filter(from, to, rows) writes the rows of a band, reading a band of the source within filter.radius() of them. A band
+// that is its own source is filtered in place; any other source that shares memory with the selection is copied before
+// anything is written.
 template <class Pixel, class Operation>
 void FilterFrom(const Selection<Pixel>& at, SourceViews<Pixel> sources, const Operation& filter) {
+    constexpr bool byRows = std::is_same_v<Operation, NeighbourhoodFilter<Pixel>>;
     std::vector<SourceCopy<Pixel>> copies;
-    for (PixelView<const Pixel>& from : sources) {
+    std::optional<InPlaceRows<Pixel>> ring;
+    std::vector<bool> inPlace(static_cast<size_t>(at.bands()));
+    for (int32_t band = 0; band < at.bands(); ++band) {
+        const auto i = static_cast<size_t>(band);
+        PixelView<const Pixel>& from = sources[i];
         if (!SharesMemory(from, at.view(0).base(), at.end())) continue;
+        if (byRows && InPlaceRows<Pixel>::Suit(from, at.view(band))) {
+            inPlace[i] = true;
+            if (!ring) ring.emplace(at.view(band), at.rows(), filter.radius());
+            continue;
+        }
         copies.emplace_back(from, at.width(), at.rows().top(), at.rows().bottom(), filter.radius());
         from = copies.back().view();
     }
-    for (int32_t band = 0; band < at.bands(); ++band)
-        filter(sources[static_cast<size_t>(band)], at.view(band), at.rows());
+    for (int32_t band = 0; band < at.bands(); ++band) {
+        const auto i = static_cast<size_t>(band);
+        if constexpr (byRows)
+            if (inPlace[i]) {
+                ring->Apply(filter, at.view(band), at.rows());
+                continue;
+            }
+        filter(sources[i], at.view(band), at.rows());
+    }
 }
 
 template <class Pixel>
@@ -39,7 +59,11 @@ void FilterBy(const Selection<Pixel>& at, SourceViews<Pixel> sources, FilterKind
 template <class Pixel>
 void SharpenByExtrema(const Selection<Pixel>& at, SourceViews<Pixel> sources, LONG halfSize) {
     const FilterParameters<Pixel> range = {at.settings().lower(), at.settings().upper()};
-    FilterFrom(at, std::move(sources), ExtremumSharpening<Pixel>(halfSize, range));
+    const ExtremumSharpening<Pixel> filter(halfSize, range);
+    if (const auto small = filter.Small())
+        FilterFrom(at, std::move(sources), *small);
+    else
+        FilterFrom(at, std::move(sources), filter);
 }
 
 }  // namespace orlix

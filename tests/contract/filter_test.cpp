@@ -250,6 +250,30 @@ TYPED_TEST(FilterOf, TheImageItselfGivesWhatACopyGives) {
     }
 }
 
+// Rows are filtered some at a time, at most 64: sizes around that, and what lies left and right of a region.
+TYPED_TEST(FilterOf, TheImageItselfOfAnySize) {
+    using Pixel = TypeParam;
+    for (const auto& [width, height] :
+         {std::pair<LONG, LONG>{1, 1}, {1, 130}, {3, 2}, {30, 64}, {31, 65}, {40, 131}, {9000, 11}}) {
+        const auto source = NoisyPlane<Pixel>(width, height, 5);
+        const auto image = ImageOfPlane(source);
+        for (const SlowFilter& filter : Filters())
+            for (const LONG edge : {0, 7}) {
+                const LONG right = width - 1 - edge, bottom = height - 1 - edge;
+                if (edge > right || edge > bottom) continue;
+                Put(image, source);
+                image.SetRegion(RectangleOf(width, height, edge, edge, right, bottom));
+                ASSERT_EQ(S_OK, Apply(image, filter, image.get()));
+                Check(image.process->put_RegionOfInterest(nullptr));
+                const auto copy = NewImage<Pixel>(width, height);
+                Put(copy, source);
+                copy.SetRegion(RectangleOf(width, height, edge, edge, right, bottom));
+                ASSERT_EQ(S_OK, Apply(copy, filter, ImageOfPlane(source).get()));
+                ASSERT_EQ(copy.values(), image.values()) << filter.name << " " << width << " x " << height;
+            }
+    }
+}
+
 TYPED_TEST(FilterOf, BuffersThatOverlapGiveWhatACopyGives) {
     using Pixel = TypeParam;
     constexpr LONG width = 64, height = 20;
