@@ -52,6 +52,7 @@ std::optional<GreyRange> TrimmedRange(const Selection<Pixel>& at, double trimLow
     GreyRange range = {};
     const Pixel least = ToPixel<Pixel>(extremes.Min());  // a histogram cannot hold infinities
     const Pixel most = ToPixel<Pixel>(extremes.Max());
+    if (trimLower == 0.0 && trimUpper == 0.0) return GreyRange{static_cast<double>(least), static_cast<double>(most)};
     const ComPtr<OrlixHistogram> histogram = HistogramOf(at, least, most, mostBins);
     // May call a client, the one whose error information it clears: the selection must not be used after this.
     PassOn(histogram->AutoThresholdTrim(trimLower, &range.lower, trimUpper, &range.upper));
