@@ -120,7 +120,8 @@ std::vector<Shape> ShapesOf(const Alone& alone, const std::vector<Place>& pixels
     const Picture& image = alone.pixels;
     double left = image.width(), top = image.height(), right = 0, bottom = 0, sumX = 0, sumY = 0;
     double atEdge = 0, atRegion = 0, xx = 0, yy = 0, xy = 0;
-    for (const auto& [x, y] : pixels) {
+    for (const Place& at : pixels) {
+        const int32_t x = at.x, y = at.y;
         left = std::min<double>(left, x), right = std::max<double>(right, x);
         top = std::min<double>(top, y), bottom = std::max<double>(bottom, y);
         sumX += x, sumY += y;
