@@ -1283,6 +1283,24 @@ MIDL_INTERFACE("467413e9-0f32-4fe5-a3f4-da7a3a33cf7a") IBitmapProcess : public I
     // The connected components of the foreground in the region, as an object of their own (IBlobs).
     // Pixels outside the region are background. The blobs do not change when the bitmap does.
     virtual HRESULT STDMETHODCALLTYPE FindBlobs(ConnectivityType Connectivity, IBlobs** hVal) = 0;
+
+    // Decides the pixels whose neighbourhood has contrast by a level of their own (Bernsen 1986).
+    // The neighbourhood is the square of 2 Radius + 1 columns and rows around the pixel, clipped to the image; low
+    // and high are its smallest and largest grey values. Where high - low >= Contrast, a pixel with the value g is
+    // set when g > (low + high) / 2 + Offset, or with Bright = 0 when it is not. All other pixels stay: there a
+    // threshold for the whole image, applied before, decides. So the outline of each particle lies half-way between
+    // the particle and what surrounds it, be it background or a brighter particle. Integers are exact; of float
+    // values (g - low) - (high - g) > 2 Offset is compared, each difference rounded to double. Values that are not
+    // finite do not count, and their pixels stay. The image has the bitmap's size; the time does not depend on
+    // Radius.
+    //   "IBitmapProcess::ThresholdLocally: the radius cannot be negative."
+    //   "IBitmapProcess::ThresholdLocally: the contrast cannot be negative." (NaN too)
+    //   "IBitmapProcess::ThresholdLocally: the offset is not a number."
+    //   "IBitmapProcess::ThresholdLocally: multiband thresholding is not supported." (BI_AllBands with several
+    //   bands)
+    //   "IBitmapProcess::ThresholdLocally: the image has another size." / "...: no source image."
+    virtual HRESULT STDMETHODCALLTYPE ThresholdLocally(IImageVPA* Image, LONG BandIndex, LONG Radius, double Contrast,
+        double Offset, LONG Bright) = 0;
 };
 DEFINE_GUID(IID_IBitmapProcess, 0x467413e9, 0x0f32, 0x4fe5, 0xa3,0xf4, 0xda,0x7a,0x3a,0x33,0xcf,0x7a);
 #ifdef __CRT_UUID_DECL

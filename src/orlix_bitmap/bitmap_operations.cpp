@@ -10,11 +10,13 @@
 #include "binary/area_filter.hpp"
 #include "binary/component_hulls.hpp"
 #include "binary/distance.hpp"
+#include "binary/local_threshold.hpp"
 #include "binary/neighbourhood_table.hpp"
 #include "binary/reconstruction.hpp"
 #include "binary/thinning.hpp"
 #include "binary/watershed.hpp"
 #include "orlix_bitmap/client_answers.hpp"
+#include "orlix_bitmap/image_band.hpp"
 #include "orlix_bitmap/orlix_blobs.hpp"
 #include "orlix_bitmap/plane_image.hpp"
 
@@ -312,6 +314,27 @@ STDMETHODIMP OrlixBitmap::Split(double minimumDepth, double minimumShare, Connec
         if (!(minimumDepth >= 0)) throw MethodFailure("the depth cannot be negative.");
         if (!(minimumShare >= 0 && minimumShare <= 1)) throw MethodFailure("the share must lie between 0 and 1.");
         return WatershedSplit(image, Checked(connectivity), {minimumDepth, minimumShare});
+    });
+}
+
+STDMETHODIMP OrlixBitmap::ThresholdLocally(IImageVPA* image, LONG band, LONG radius, double contrast, double offset,
+                                           LONG bright) noexcept {
+    return Guarded<IBitmapProcess>([&] {
+        Require(image);
+        if (radius < 0) throw MethodFailure("the radius cannot be negative.");
+        if (!(contrast >= 0)) throw MethodFailure("the contrast cannot be negative.");
+        if (std::isnan(offset)) throw MethodFailure("the offset is not a number.");
+        const int32_t width = store_.width(), height = store_.height();
+        if (width == 0) return S_FALSE;
+        const RegionRows region = AskRegion();
+        WithPixels({image, band, width, height, MethodFailure("multiband thresholding is not supported.")},
+                   [&]<class Pixel>(const PixelView<const Pixel>& view) {
+                       RequireSize(width, height);
+                       BitPlane plane(RowsOf(store_));
+                       orlix::ThresholdLocally(view, {radius, contrast, offset, bright != 0}, plane);
+                       Store(plane, store_, region);
+                   });
+        return S_OK;
     });
 }
 

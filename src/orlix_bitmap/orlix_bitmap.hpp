@@ -77,6 +77,8 @@ public:
     STDMETHODIMP Split(double minimumDepth, double minimumShare, ConnectivityType connectivity) noexcept override;
     STDMETHODIMP get_DistanceMap(IImageVPA** value) noexcept override;
     STDMETHODIMP FindBlobs(ConnectivityType connectivity, IBlobs** value) noexcept override;
+    STDMETHODIMP ThresholdLocally(IImageVPA* image, LONG band, LONG radius, double contrast, double offset,
+                                  LONG bright) noexcept override;
 
     // The region is a client's.
     void LetGo() noexcept { region_ = nullptr; }

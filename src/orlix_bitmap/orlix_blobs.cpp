@@ -7,8 +7,8 @@
 
 #include "blobs/level_outline.hpp"
 #include "geometry/orlix_polygon.hpp"
-#include "image/source_image.hpp"
 #include "orlix_bitmap/blob_records.hpp"
+#include "orlix_bitmap/image_band.hpp"
 #include "orlix_bitmap/orlix_bitmap.hpp"
 #include "orlix_bitmap/plane_image.hpp"
 #include "orlix_bitmap/run_region.hpp"
@@ -17,40 +17,9 @@ using namespace orlix;
 
 namespace {
 
-// The band of a client's image that is to be measured, and the size that the image must have.
-struct ImageBand {
-    IImageVPA* image;
-    LONG band;
-    LONG width, height;
-};
-
-// Calls operation(view) with the pixels of the band. All clients are asked before, none is called by the operation.
-template <class Pixel, class Operation>
-void WithPixels(const SourceImage& source, LONG band, const Operation& operation) {
-    operation(source.views<Pixel>({band, band})[0]);
-}
-
-template <class Operation>
-void WithPixels(const ImageBand& wanted, const Operation& operation) {
-    Require(wanted.image);
-    const SourceImage source(wanted.image);
-    if (wanted.band == BI_AllBands && source.bands() > 1)
-        throw MethodFailure("multiband measurement is not supported.");
-    const LONG band = wanted.band == BI_AllBands ? 0 : wanted.band;
-    if (source.width() != wanted.width || source.height() != wanted.height)
-        throw MethodFailure("the image has another size.");
-    switch (source.type()) {
-        case DT_BYTE:
-            return WithPixels<BYTE>(source, band, operation);
-        case DT_WORD:
-            return WithPixels<WORD>(source, band, operation);
-        case DT_DWORD:
-            return WithPixels<uint32_t>(source, band, operation);
-        case DT_Float:
-            return WithPixels<float>(source, band, operation);
-        default:
-            throw MethodFailure("data type mismatch.");
-    }
+ImageBand MeasuredBand(IImageVPA* image, LONG band, const Components& components) {
+    return {image, band, components.width(), components.height(),
+            MethodFailure("multiband measurement is not supported.")};
 }
 
 // The path of a hole, or with -1 the outer one.
@@ -234,12 +203,11 @@ STDMETHODIMP OrlixBlobs::GetBinaryMeasurements(LONG desired, LONG first, LONG co
 STDMETHODIMP OrlixBlobs::MeasureGray(IImageVPA* image, LONG band, LONG desired) noexcept {
     return Guarded<IBlobs>([&] {
         std::vector<BlobGrayMeasurements> gray;
-        WithPixels({image, band, components().width(), components().height()},
-                   [&]<class Pixel>(const PixelView<const Pixel>& view) {
-                       GrayMeasurer<Pixel> measurer(components(), view, static_cast<uint32_t>(desired) & GG_All);
-                       gray.reserve(labels_.size());
-                       for (const uint32_t label : labels_) gray.push_back(measurer.Measure(label));
-                   });
+        WithPixels(MeasuredBand(image, band, components()), [&]<class Pixel>(const PixelView<const Pixel>& view) {
+            GrayMeasurer<Pixel> measurer(components(), view, static_cast<uint32_t>(desired) & GG_All);
+            gray.reserve(labels_.size());
+            for (const uint32_t label : labels_) gray.push_back(measurer.Measure(label));
+        });
         gray_ = std::move(gray);
     });
 }
@@ -353,7 +321,7 @@ STDMETHODIMP OrlixBlobs::get_LevelOutline(LONG index, IImageVPA* image, LONG ban
         paths.Trace(components().runs(label), components().connectivity());
         const size_t path = PathOf(hole, paths.count());
         LevelOutline outline;
-        WithPixels({image, band, components().width(), components().height()}, [&](const auto& view) {
+        WithPixels(MeasuredBand(image, band, components()), [&](const auto& view) {
             outline = LevelOutlineOf(paths, view.width(), view.height(), level,
                                      [&](int32_t x, int32_t y) { return static_cast<double>(view.at(x, y)); });
         });
@@ -368,7 +336,7 @@ STDMETHODIMP OrlixBlobs::GetLevelMeasurements(IImageVPA* image, LONG band, doubl
         RequireRange(first, count);
         std::vector<LevelMeasurements> measured;
         measured.reserve(static_cast<size_t>(count));
-        WithPixels({image, band, components().width(), components().height()}, [&](const auto& view) {
+        WithPixels(MeasuredBand(image, band, components()), [&](const auto& view) {
             PixelPaths paths;
             for (LONG i = first; i < first + count; ++i) {
                 paths.Trace(components().runs(labels_[static_cast<size_t>(i)]), components().connectivity());

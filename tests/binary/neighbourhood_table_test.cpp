@@ -6,17 +6,13 @@
 #include <random>
 #include <vector>
 
-#include "binary/binary_pictures.hpp"
 #include "binary/plane_kernels.hpp"
+#include "binary/plane_pictures.hpp"
 #include "support/kernel_testing.hpp"
 #include "support/slow_morphology.hpp"
 
 namespace orlix {
 namespace {
-
-BitPlane NoisePlane(int32_t width, int32_t height, double density, uint32_t seed = 1) {
-    return BitPlane(RowsOf(NoiseBitmap(width, height, density, Padding::Clear, seed)));
-}
 
 bool PixelAt(const BitPlane& plane, int64_t x, int64_t y) {
     return x >= 0 && x < plane.width() && y >= 0 && y < plane.height() &&
@@ -53,7 +49,7 @@ TEST(NeighbourhoodTable, EveryWidthAndAnyTable) {
             ApplyTable(plane, table, 1);
             ASSERT_EQ(SlowTablePass(before, table), plane) << width;
         }
-    BitPlane wide = NoisePlane(3000, 3, 0.5);
+    BitPlane wide = NoisePlane(3000, 3, 0.5, 1);
     const BitPlane want = SlowTablePass(wide, kLife);
     ApplyTable(wide, kLife, 1);
     EXPECT_EQ(want, wide);
@@ -61,7 +57,7 @@ TEST(NeighbourhoodTable, EveryWidthAndAnyTable) {
 
 TEST(NeighbourhoodTable, EachOfTheNinePixelsHasItsBit) {
     for (size_t pixel = 0; pixel < 9; ++pixel) {
-        BitPlane plane = NoisePlane(70, 9, 0.5);
+        BitPlane plane = NoisePlane(70, 9, 0.5, 1);
         const BitPlane before = plane;
         ApplyTable(plane, TableOf([&](size_t index) { return Set(index, pixel); }), 1);
         const auto dx = static_cast<int64_t>(pixel % 3) - 1, dy = static_cast<int64_t>(pixel / 3) - 1;
@@ -73,9 +69,9 @@ TEST(NeighbourhoodTable, EachOfTheNinePixelsHasItsBit) {
 // Rows are visited again only after a change next to them; the result must not depend on it.
 TEST(NeighbourhoodTable, ManyPassesAreThatManySinglePasses) {
     for (const NeighbourhoodTable& table : {kLife, kMajority, NoiseTable(1), NoiseTable(2)}) {
-        BitPlane slow = NoisePlane(67, 40, 0.2);
+        BitPlane slow = NoisePlane(67, 40, 0.2, 1);
         for (int32_t times = 0; times < 40; ++times) {
-            BitPlane plane = NoisePlane(67, 40, 0.2);
+            BitPlane plane = NoisePlane(67, 40, 0.2, 1);
             const TablePasses passes = ApplyTable(plane, table, times);
             ASSERT_EQ(slow, plane) << times;
             EXPECT_TRUE(passes.passes == times || passes.stable) << times;
@@ -175,7 +171,7 @@ TEST(HitOrMiss, FindsCornersUpToTheEdge) {
 
 TEST(BoundaryOf, PixelsWithANeighbourOfTheOtherKind) {
     for (int32_t width = 1; width <= 70; ++width) {
-        const BitPlane plane = NoisePlane(width, 1 + width % 7, width % 2 == 0 ? 0.1 : 0.8);
+        const BitPlane plane = NoisePlane(width, 1 + width % 7, width % 2 == 0 ? 0.1 : 0.8, 1);
         for (const Boundary side : {Boundary::Inner, Boundary::Outer})
             for (const Connectivity neighbours : kConnectivities)
                 ASSERT_EQ(SlowBoundary(plane, side == Boundary::Inner, neighbours), BoundaryOf(plane, side, neighbours))

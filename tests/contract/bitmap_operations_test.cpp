@@ -1,4 +1,5 @@
 // Binary morphology as clients see it. What an operation computes is tested in tests/binary, by slow definitions.
+#include <cmath>
 #include <functional>
 
 #include "contract/support.hpp"
@@ -35,6 +36,11 @@ std::vector<Operation> Operations() {
     const auto other = BitmapOf("#######/......./###..../......./......#");
     const auto element = ElementOf({{0, 0}, {2, 1}, {2, 1}});
     const auto centre = ElementOf({{0, 0}}), right = ElementOf({{1, 0}});
+    const auto gray = ImageOf<uint8_t>(7, {9,  9, 9, 9, 9,  9,  30,  //
+                                           9,  9, 9, 9, 9,  9,  30,  //
+                                           12, 9, 9, 9, 9,  9,  9,   //
+                                           9,  9, 2, 9, 9,  9,  9,   //
+                                           9,  9, 9, 9, 20, 20, 9});
     return {
         {"Invert", [](Bitmap b) { return b->Invert(); }, "#######/#...###/#.#.#.#/#...###/######."},
         {"AndEquals", [=](Bitmap b) { return b->AndEquals(other.get()); }, "......./......./.#...../......./......#"},
@@ -86,6 +92,10 @@ std::vector<Operation> Operations() {
         {"ClearBorder", [](Bitmap b) { return b->ClearBorder(CT_8); }, "......./.###.../.#.#.#./.###.../......."},
         {"KeepArea", [](Bitmap b) { return b->KeepArea(1, 7, CT_8); }, "......./......./.....#./......./......#"},
         {"Split", [](Bitmap b) { return b->Split(0.5, 0, CT_8); }, kPicture},
+        {"ThresholdLocally", [=](Bitmap b) { return b->ThresholdLocally(gray.get(), BI_AllBands, 1, 5, 0, 1); },
+         "......#/.###..#/.###.../.#...../.##.##."},
+        {"ThresholdLocally dark", [=](Bitmap b) { return b->ThresholdLocally(gray.get(), 0, 1, 5, 4, 0); },
+         ".....#./.###.#./.###.##/.######/.###..#"},
     };
 }
 
@@ -188,14 +198,30 @@ TEST(BitmapOperations, RefuseWhatMakesNoSense) {
     EXPECT_TRUE(Fails(bitmap->Split(-1, 0, CT_8), "IBitmapProcess::Split: the depth cannot be negative.", kSource));
     EXPECT_TRUE(
         Fails(bitmap->Split(0, kNaN, CT_8), "IBitmapProcess::Split: the share must lie between 0 and 1.", kSource));
+    using Locally = std::tuple<LONG, double, double, const char*>;
+    const auto gray = NewImage<float>(7, 5);
+    const auto two = NewImage<uint8_t>(7, 5, 2), narrow = NewImage<uint8_t>(6, 5);
+    const Image none;
+    for (const auto& [radius, contrast, offset, text] :
+         {Locally{-1, 1, 0, "the radius cannot be negative."}, Locally{1, -1, 0, "the contrast cannot be negative."},
+          Locally{1, kNaN, 0, "the contrast cannot be negative."}, Locally{1, 1, kNaN, "the offset is not a number."}})
+        EXPECT_TRUE(Fails(bitmap->ThresholdLocally(gray.get(), 0, radius, contrast, offset, 1),
+                          std::string("IBitmapProcess::ThresholdLocally: ") + text, kSource));
+    for (const auto& [image, text] : {std::pair<IImageVPA*, const char*>{static_cast<IImageVPA*>(two.get()),
+                                                                         "multiband thresholding is not supported."},
+                                      {narrow.get(), "the image has another size."},
+                                      {none.get(), "no source image."}})
+        EXPECT_TRUE(Fails(bitmap->ThresholdLocally(image, BI_AllBands, 1, 1, 0, 1),
+                          std::string("IBitmapProcess::ThresholdLocally: ") + text, kSource));
     for (const HRESULT result :
          {bitmap->Erode(wrong, 1), bitmap->Skeleton(wrong), bitmap->FillHoles(0, wrong), bitmap->Split(0, 0, wrong),
           bitmap->Boundary(static_cast<BoundaryType>(2), CT_4), bitmap->Boundary(BT_Inner, wrong)})
         EXPECT_TRUE(FailsSilently(result, E_INVALIDARG));
     for (const HRESULT result :
-         {bitmap->OrEquals(nullptr), bitmap->ErodeElement(nullptr), bitmap->ApplyTable(nullptr, 1, &passes),
-          bitmap->ApplyTable(table, 1, nullptr), bitmap->get_PixelCount(nullptr), bitmap->FindBlobs(CT_8, nullptr),
-          bitmap->get_DistanceMap(nullptr), bitmap->get_RegionOfInterest(nullptr)})
+         {bitmap->OrEquals(nullptr), bitmap->ThresholdLocally(nullptr, 0, 1, 1, 0, 1), bitmap->ErodeElement(nullptr),
+          bitmap->ApplyTable(nullptr, 1, &passes), bitmap->ApplyTable(table, 1, nullptr),
+          bitmap->get_PixelCount(nullptr), bitmap->FindBlobs(CT_8, nullptr), bitmap->get_DistanceMap(nullptr),
+          bitmap->get_RegionOfInterest(nullptr)})
         EXPECT_TRUE(FailsSilently(result, E_POINTER));
     EXPECT_EQ(kPicture, RowsOf(bitmap.get()));
 }
