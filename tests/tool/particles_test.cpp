@@ -8,6 +8,7 @@
 namespace tool {
 namespace {
 
+using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -137,6 +138,27 @@ TEST_F(Particles, TouchingDiscsAreToldApart) {
     EXPECT_EQ(1u, Sizes("a.pgm --bright").size());
     EXPECT_EQ(2u, Sizes("a.pgm --bright --split").size());
     EXPECT_EQ(1u, Sizes("a.pgm --bright --split=15").size()) << "no neck is that narrow";
+}
+
+// A bright particle with dark texture, a dim one that it hides a part of, and one below the level of the threshold.
+TEST_F(Particles, LocalThresholdsFollowEachParticle) {
+    WritePgm("a.pgm", 100, 60, 255, [](int x, int y) {
+        if (std::hypot(x - 30, y - 30) < 14.3) return x % 7 < 2 && y % 7 < 2 ? 100 : 220;
+        if (std::hypot(x - 47, y - 30) < 10.3) return 110;
+        return std::hypot(x - 80, y - 30) < 9.3 ? 60 : 10;
+    });
+    EXPECT_EQ(1u, Sizes("a.pgm --threshold 70,").size());
+    const Json found = Found("a.pgm --threshold 70, --local 3,40");
+    EXPECT_EQ("local", found["steps"][1]["step"]);
+    ASSERT_EQ(3u, found["particles"].size());
+    std::vector<double> x, areas;
+    for (const Json& particle : found["particles"]) {
+        x.push_back(particle["x"]);
+        areas.push_back(particle["area"]);
+        EXPECT_TRUE(particle["outline"].is_null()) << "it needs one level";
+    }
+    EXPECT_THAT(x, ElementsAre(DoubleNear(30, 0.2), DoubleNear(51, 1), DoubleNear(80, 0.01)));
+    EXPECT_THAT(areas, ElementsAre(DoubleNear(642, 10), DoubleNear(200, 40), DoubleNear(272, 5)));
 }
 
 TEST_F(Particles, ResultsAreTheSameInEveryForm) {

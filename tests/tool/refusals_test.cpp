@@ -59,6 +59,12 @@ TEST_F(Refusals, WrongUsageIsRefusedBeforeAnythingIsDone) {
           "--fill-holes=0.5",
           "--fill-holes=99999999999",
 
+          "--local 3",
+          "--local 0,9",
+          "--local 1.5,9",
+          "--local 3,0",
+          "--local 3,nan",
+          "--local 3,9 --threshold 5,9",
           "--split=-1",
           "--split=1,2",
           "--split=1,0,0",

@@ -195,7 +195,7 @@ public:
 
     ParticleImage Run() {
         Json& document = Of().document;
-        const ComPtr<IBlobs> found = Steps(Of().phase, steps_);
+        const ComPtr<IBlobs> found = Steps(Of().phase, 0, steps_);
         const CountingField field(Of());
         const double xMicrons = NumberAt(document, "micronsPerPixel.x"),
                      yMicrons = NumberAt(document, "micronsPerPixel.y");
@@ -203,10 +203,12 @@ public:
         if (calibrated) Check(found->PutMicronsPerPixel(xMicrons, yMicrons), found);
         Json summary = Counted(found, field, calibrated ? xMicrons * yMicrons : 0);
         const double level = OutlineLevel(document, type_);
+        // Each place has a level of its own then.
+        const double outlineLevel = settings_.local ? std::numeric_limits<double>::quiet_NaN() : level;
         document["steps"] = steps_;
         document["unit"] = calibrated ? "µm" : "pixel";
-        document["level"] = Finite(level);
-        Json particles = List(field, level);
+        document["level"] = Finite(outlineLevel);
+        Json particles = List(field, outlineLevel);
 
         int64_t pixels = 0, specks = 0;
         double area = 0;
@@ -249,6 +251,7 @@ private:
     static constexpr int64_t kSpeck = 5;  // pixels; smaller ones have no shape
 
     Measurement& Of() { return result_.measurement; }
+    const Measurement& Of() const { return result_.measurement; }
 
     static Json& Step(Json& steps, const char* name) {
         steps.push_back({{"step", name}});
@@ -270,13 +273,47 @@ private:
         }
     }
 
-    // Applies the steps to a copy of a phase, and finds its components. Says what was done.
-    ComPtr<IBlobs> Steps(const ComPtr<IBitmap>& phase, Json& steps) const {
+    // Applies the local threshold to a copy of the phase, and fills the holes that are none: within a particle, either
+    // texture has contrast in the phase, or nothing has, outside of it, and only the rim was found. A hole stays if the
+    // phase and the local threshold both leave out one of its pixels.
+    void ThresholdLocally(const ComPtr<IBitmapProcess>& bitmap, const ComPtr<IBitmap>& phase, double shift) const {
+        const auto& [radius, contrast, bright] = *settings_.local;
+        const auto threshold = [&](const ComPtr<IBitmapProcess>& to) {
+            Check(to->ThresholdLocally(Of().image.get(), Of().band, radius, contrast, bright ? -shift : shift, bright),
+                  to);
+        };
+        const auto copyOf = [&](const ComPtr<IBitmapProcess>& from) {
+            const auto copy = CreateObject<IBitmapProcess>("Orlix.Bitmap");
+            Check(copy->CreateFromBitmap(from.get()), copy);
+            return copy;
+        };
+        threshold(bitmap);
+        const auto found = copyOf(bitmap), background = copyOf(bitmap);
+        Check(background->One(), background);
+        threshold(background);
+        Check(background->Invert(), background);
+        Check(background->AndNotEquals(phase.get()), background);
+        Check(bitmap->FillHoles(0, settings_.connectivity), bitmap);
+        const auto holes = copyOf(bitmap);
+        Check(holes->AndNotEquals(found.get()), holes);
+        Check(holes->Reconstruct(background.get(), settings_.connectivity == CT_4 ? CT_8 : CT_4), holes);
+        Check(bitmap->AndNotEquals(holes.get()), bitmap);
+    }
+
+    // Applies the steps to a copy of a phase that is wider by `shift` grey levels than that of the measurement, and
+    // finds its components. Says what was done.
+    ComPtr<IBlobs> Steps(const ComPtr<IBitmap>& phase, double shift, Json& steps) const {
         Step(steps, "threshold");
         const auto bitmap = CreateObject<IBitmapProcess>("Orlix.Bitmap");
         Check(bitmap->CreateFromBitmap(phase.get()), bitmap);
         Check(bitmap->put_RegionOfInterest(result_.measurement.region.get()), bitmap);
         const ConnectivityType connectivity = settings_.connectivity;
+        if (settings_.local) {
+            ThresholdLocally(bitmap, phase, shift);
+            Json& step = Step(steps, "local");
+            step["radius"] = settings_.local->radius;
+            step["contrast"] = settings_.local->contrast;
+        }
         if (settings_.open) {
             Check(bitmap->OpenDisk(*settings_.open), bitmap);
             Step(steps, "open")["radius"] = *settings_.open;
@@ -402,7 +439,7 @@ private:
         trust.movedBy = [&](double shift) -> ParticlesAt {
             const MovedPhase moved = Of().movedPhase(shift);
             Json same;  // steps as before
-            const ComPtr<IBlobs> found = Steps(moved.phase, same);
+            const ComPtr<IBlobs> found = Steps(moved.phase, shift, same);
             return {settings_.excludeBorder ? Whole(found) : found, moved.lower, moved.upper};
         };
         return TrustOf(histogram, {result_.blobs, NumberAt(phase, "lower"), NumberAt(phase, "upper")}, trust,

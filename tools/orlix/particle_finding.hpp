@@ -16,8 +16,16 @@ struct FilterPass {
     int times = 1;
 };
 
+// See IBitmapProcess::ThresholdLocally.
+struct LocalThreshold {
+    LONG radius = 0;
+    double contrast = 0;
+    bool bright = false;  // the side of the phase
+};
+
 struct ParticleSettings : MeasureSettings {
-    std::vector<FilterPass> filters;  // before anything else, to the whole image
+    std::vector<FilterPass> filters;      // before anything else, to the whole image
+    std::optional<LocalThreshold> local;  // after the threshold
     std::optional<double> open, close;
     std::optional<LONG> fillHoles;                   // largest area; 0: all holes
     std::optional<std::pair<double, double>> split;  // depth in pixels, share
@@ -35,7 +43,7 @@ constexpr std::pair<double, double> kUsualSplit = {0.75, 0.05};
 // lengths and areas are in microns if the pixel size is known, else in pixels, and positions in pixels:
 //   steps [{step, ...}]: what was done to the image and to the bitmap, in order
 //   unit: "µm" or "pixel"
-//   level: the grey level of the outlines; null for a phase between two levels
+//   level: the grey level of the outlines; null for a phase between two levels, and with a local threshold
 //   particleSummary
 //     count, pixels, area, areaFraction (of the region)
 //     atBorder: particles that the border of the image or of the region cuts; not those of `count` with

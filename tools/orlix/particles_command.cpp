@@ -31,14 +31,18 @@ constexpr char kParticleSteps[] = R"(
 Steps, in this order whatever the order of the options
   1 --filter            the grey levels of the whole image, before --flatten; several in their order
   2 --threshold         the phase, with --dark, --bright, --roi, --mask, --ignore and --flatten
-  3 --open R            removes what no disk of this radius fits into
-  4 --close R           fills what no disk of this radius outside fits into
-  5 --fill-holes[=MAX]  fills holes, those of at most MAX pixels
-  6 --split[=DEPTH[,SHARE]]  separates particles that touch. A part whose largest inscribed circle has
+  3 --local RADIUS,CONTRAST  where grey levels within RADIUS pixels (of a square) differ by CONTRAST or
+                        more, their middle is the threshold instead (Bernsen). So a dim particle ends
+                        at the rim of a bright one, and a halo does not belong to its particle.
+                        Holes stay where both thresholds find background
+  4 --open R            removes what no disk of this radius fits into
+  5 --close R           fills what no disk of this radius outside fits into
+  6 --fill-holes[=MAX]  fills holes, those of at most MAX pixels
+  7 --split[=DEPTH[,SHARE]]  separates particles that touch. A part whose largest inscribed circle has
                         the radius r becomes a particle of its own where the neck to any wider part
                         has a half width below (1 - SHARE) r - DEPTH. Without values 0.75,0.05
-  7 --min-area, --max-area  leave out particles by their number of pixels
-  8 --exclude-border    leaves out particles that the border of the image or region cuts
+  8 --min-area, --max-area  leave out particles by their number of pixels
+  9 --exclude-border    leaves out particles that the border of the image or region cuts
 Particles are the connected sets of pixels that are left, 8-connected unless --connectivity is 4.
 )";
 
@@ -82,7 +86,7 @@ struct ParticlesOptions {
     std::vector<std::string> files, filters;
     PhaseOptions phase;
     std::optional<double> open, close;
-    std::string fillHoles, split, out;
+    std::string local, fillHoles, split, out;
     std::optional<LONG> minimumArea, maximumArea;
     int connectivity = 8;
     bool excludeBorder = false, noTrust = false, json = false, csv = false, force = false;
@@ -116,6 +120,19 @@ void CompleteParticles(ParticlesOptions& options) {
             throw UsageError(std::string(name) + " must be a radius of at least 0 pixels");
     settings.open = options.open;
     settings.close = options.close;
+    if (!options.local.empty()) {
+        const auto values = ParseNumbers(options.local, "--local " + options.local);
+        constexpr double kMost = 1e6;
+        if (values.size() != 2 || !(values[0] >= 1 && values[0] <= kMost && values[0] == std::floor(values[0])) ||
+            !(values[1] > 0))
+            throw UsageError("--local " + options.local +
+                             " is not RADIUS,CONTRAST: whole pixels from 1 on, and grey levels above 0");
+        const auto& [first, last] = settings.threshold.levels;
+        if (!settings.threshold.method && std::isnan(first) == std::isnan(last))
+            throw UsageError("--local needs a threshold with one level: a method, or LO, or ,HI");
+        settings.local = {static_cast<LONG>(values[0]), values[1],
+                          settings.threshold.method ? settings.bright : std::isnan(last)};
+    }
     if (!options.fillHoles.empty()) {
         const auto area = ParseNumbers(options.fillHoles, "--fill-holes=" + options.fillHoles);
         const bool whole = area.size() == 1 && area[0] == std::floor(area[0]);
@@ -208,6 +225,7 @@ std::string StepText(const Json& step) {
     if (name == "filter")
         return step["filter"].get<std::string>() + (step["times"] > 1 ? " " + number("times") + " times" : "");
     if (name == "threshold") return name;
+    if (name == "local") return "local " + number("radius") + "," + number("contrast");
     if (name == "open" || name == "close") return name + " " + number("radius");
     if (name == "fill-holes")
         return "fill holes" + (step["maximumArea"].is_null() ? "" : " up to " + number("maximumArea") + " pixels");
@@ -422,6 +440,8 @@ Command AddParticles(CLI::App& program) {
     command.Add("--filter", options->filters, "Filter of orlix filter, perhaps several times; before the threshold")
         .Repeated("NAME[:TIMES]");
     options->phase.Add(command);
+    command.Add("--local", options->local, "Threshold of its own for each pixel with so much contrast around it")
+        .Named("RADIUS,CONTRAST");
     command.Add("--open", options->open, "Opening with a disk of this radius in pixels").Named("R");
     command.Add("--close", options->close, "Closing with a disk of this radius in pixels").Named("R");
     command.AddOptionalValue("--fill-holes", options->fillHoles, "0", "MAX", "Fill holes (of at most MAX pixels)");
