@@ -79,6 +79,7 @@ public:
     // only one to do so is RowRuns.
     bool Modified(int32_t y) const { return modified_[static_cast<size_t>(y)]; }
     void MarkModified(int32_t y) { modified_[static_cast<size_t>(y)] = true; }
+    void MarkAllModified() { std::fill(modified_.begin(), modified_.end(), true); }
     void ClearModified(int32_t y) { modified_[static_cast<size_t>(y)] = lent(y); }
 
     // A row whose address goes to somebody who may write to it at any later time: it stays marked until the next

@@ -1,6 +1,7 @@
 #include "binary/logic.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <span>
 #include <vector>
@@ -58,7 +59,7 @@ void Combine(BitmapStore& bitmap, BitLogic how, const BitRows& with, const Regio
 
     const CombineFn combine = KernelOf(how);
     if (region.whole() && with.rowBytes == rows.rowBytes) {
-        for (int32_t y = 0; y < bitmap.height(); ++y) bitmap.MarkModified(y);
+        bitmap.MarkAllModified();
         const auto before = static_cast<size_t>(bitmap.height() - 1) * static_cast<size_t>(rows.rowBytes);
         return combine(bitmap.WriteRow(0), with.first, before + rows.usedBytes());
     }
@@ -105,38 +106,46 @@ void Translate(BitmapStore& bitmap, int32_t right, int32_t down, const RegionRow
     const BitRows rows = RowsOf(bitmap);
     const size_t bytes = rows.usedBytes();
     const int32_t width = rows.width, height = rows.height;
-    // The row that moves, between pixels of background as far as it can move.
-    std::vector<uint8_t> padded(3 * bytes + 3), moved(bytes);
-    uint8_t* const middle = padded.data() + bytes + 2;
-    const bool gone = right <= -width || right >= width;
+    std::vector<uint8_t> here(bytes), moved(bytes);
+    const MoveRowsFn move = Choose(kMoveRows);
+    const bool gone = right <= -width || right >= width || down <= -height || down >= height;
     const int32_t bits = gone ? 0 : (right % 8 + 8) % 8;
     const ptrdiff_t skipped = gone ? 0 : (ptrdiff_t{right} - bits) / 8;
-    const MoveBitsFn move = Choose(kMoveBits);
-    const CombineFn copy = KernelOf(BitLogic::Copy);
     const auto lastMask = static_cast<uint8_t>(0xff << (7 - (width - 1) % 8));
-
+    const auto moveRow = [&](const uint8_t* from, uint8_t* to) {
+        move({from, to, 0, 1, static_cast<ptrdiff_t>(bytes), skipped, bits, lastMask});
+    };
+    if (region.whole() && !gone && down != 0) {
+        const int32_t kept = height - std::abs(down);
+        const ptrdiff_t rowBytes = rows.rowBytes;
+        uint8_t* const first = bitmap.WriteRow(0);
+        if (down < 0)
+            move({first - down * rowBytes, first, rowBytes, kept, static_cast<ptrdiff_t>(bytes), skipped, bits,
+                  lastMask});
+        else
+            move({first + (kept - 1) * rowBytes, first + (height - 1) * rowBytes, -rowBytes, kept,
+                  static_cast<ptrdiff_t>(bytes), skipped, bits, lastMask});
+        bitmap.MarkAllModified();
+        for (int32_t y = down < 0 ? kept : 0; y < (down < 0 ? height : down); ++y)
+            std::memset(first + y * rowBytes, 0, bytes);
+        return;
+    }
     for (int32_t i = 0; i <= region.bottom() - region.top(); ++i) {
         const int32_t y = down > 0 ? region.bottom() - i : region.top() + i;
         const std::span<const Run> runs = region.row(y);
         if (runs.empty()) continue;
         const int64_t from = int64_t{y} - down;
-        const bool vacated = gone || from < 0 || from >= height;
-        uint8_t* to = bitmap.WriteRow(y);
-        if (!vacated) {
-            std::memcpy(middle, bitmap.Row(static_cast<int32_t>(from)), bytes);
-            middle[bytes - 1] &= lastMask;
+        uint8_t* const to = bitmap.WriteRow(y);
+        if (gone || from < 0 || from >= height) {
+            std::fill(moved.begin(), moved.end(), uint8_t{0});
+        } else {
+            std::memcpy(here.data(), bitmap.Row(static_cast<int32_t>(from)), bytes);
+            moveRow(here.data(), moved.data());
         }
-        const bool whole = runs.size() == 1 && runs[0].length() == width;
-        uint8_t* target = whole ? to : moved.data();
-        if (vacated)
-            std::memset(target, 0, bytes);
-        else
-            move(target, middle - skipped, bytes, bits);
-        if (whole) continue;
         for (const Run run : runs)
             ForBytesOf(
                 run, [&](size_t k, uint8_t mask) { to[k] = static_cast<uint8_t>((moved[k] & mask) | (to[k] & ~mask)); },
-                [&](size_t first, size_t count) { copy(to + first, moved.data() + first, count); });
+                [&](size_t first, size_t count) { std::memcpy(to + first, moved.data() + first, count); });
     }
 }
 

@@ -14,7 +14,7 @@ template Kernel<CombineFn> Combine_avx2<BitLogic::AndNot>;
 template Kernel<CombineFn> Combine_avx2<BitLogic::Copy>;
 template Kernel<CombineFn> Combine_avx2<BitLogic::Not>;
 
-void MoveBits_avx2(uint8_t* to, const uint8_t* from, size_t bytes, int n) { MoveBytes<BitLanes>(to, from, bytes, n); }
+void MoveRows_avx2(const MovedRows& rows) { MoveRowsOf<BitLanes>(rows); }
 
 // The processors of this variant count the bits of a word in one instruction.
 uint64_t CountBits_avx2(const uint8_t* bits, size_t bytes) {

@@ -30,6 +30,6 @@ uint64_t CountBits_avx512(const uint8_t* bits, size_t bytes) {
         _mm512_add_epi64(_mm512_add_epi64(sums[0], sums[1]), _mm512_add_epi64(sums[2], sums[3]))));
 }
 
-void MoveBits_avx512(uint8_t* to, const uint8_t* from, size_t bytes, int n) { MoveBytes<BitLanes>(to, from, bytes, n); }
+void MoveRows_avx512(const MovedRows& rows) { MoveRowsOf<BitLanes>(rows); }
 
 }  // namespace orlix

@@ -41,17 +41,28 @@ inline constexpr Variant<CountBitsFn> kCountBits[] = {
     {"scalar", Cpu::Any, &CountBits_scalar},
 };
 
-// Pixels from from[-1] on, moved to the right by 0 <= n <= 7: to[i] becomes the last n pixels of from[i - 1] and the
-// first 8 - n pixels of from[i]. The memory of the two is apart.
-using MoveBitsFn = void (*)(uint8_t* to, const uint8_t* from, size_t bytes, int n);
+// Rows of `bytes` >= 1 bytes from one place to another, moved to the right by `skipped` bytes (|skipped| <= bytes) and
+// 0 <= bits <= 7 pixels; background moves in. The pixels of the last byte that move are those of lastMask. Rows are
+// moved in order; none lies in the memory where one is written before or at its own turn.
+struct MovedRows {
+    const uint8_t* from;
+    uint8_t* to;
+    ptrdiff_t rowBytes;  // from each row to the next one, of both
+    int32_t count;
+    ptrdiff_t bytes;
+    ptrdiff_t skipped;
+    int bits;
+    uint8_t lastMask;
+};
+using MoveRowsFn = void (*)(const MovedRows& rows);
 
-Kernel<MoveBitsFn> MoveBits_scalar, MoveBits_sse2, MoveBits_avx2, MoveBits_avx512;
+Kernel<MoveRowsFn> MoveRows_scalar, MoveRows_sse2, MoveRows_avx2, MoveRows_avx512;
 
-inline constexpr Variant<MoveBitsFn> kMoveBits[] = {
-    {"avx512", Cpu::Avx512, &MoveBits_avx512},
-    {"avx2", Cpu::Avx2, &MoveBits_avx2},
-    {"sse2", Cpu::Sse2, &MoveBits_sse2},
-    {"scalar", Cpu::Any, &MoveBits_scalar},
+inline constexpr Variant<MoveRowsFn> kMoveRows[] = {
+    {"avx512", Cpu::Avx512, &MoveRows_avx512},
+    {"avx2", Cpu::Avx2, &MoveRows_avx2},
+    {"sse2", Cpu::Sse2, &MoveRows_sse2},
+    {"scalar", Cpu::Any, &MoveRows_scalar},
 };
 
 }  // namespace orlix

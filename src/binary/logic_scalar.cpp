@@ -30,9 +30,16 @@ uint64_t CountBits_scalar(const uint8_t* bits, size_t bytes) {
     return count;
 }
 
-void MoveBits_scalar(uint8_t* to, const uint8_t* from, size_t bytes, int n) {
-    for (size_t i = 0; i < bytes; ++i)
-        to[i] = static_cast<uint8_t>(from[i] >> n | from[static_cast<ptrdiff_t>(i) - 1] << (8 - n));
+void MoveRows_scalar(const MovedRows& rows) {
+    for (int32_t y = 0; y < rows.count; ++y) {
+        const uint8_t* const from = rows.from + y * rows.rowBytes;
+        const auto at = [&](ptrdiff_t i) {
+            return i < 0 || i >= rows.bytes ? 0u : i + 1 == rows.bytes ? unsigned{from[i]} & rows.lastMask : from[i];
+        };
+        for (ptrdiff_t i = 0; i < rows.bytes; ++i)
+            rows.to[y * rows.rowBytes + i] =
+                static_cast<uint8_t>(at(i - rows.skipped) >> rows.bits | at(i - rows.skipped - 1) << (8 - rows.bits));
+    }
 }
 
 }  // namespace orlix

@@ -14,7 +14,7 @@ template Kernel<CombineFn> Combine_sse2<BitLogic::AndNot>;
 template Kernel<CombineFn> Combine_sse2<BitLogic::Copy>;
 template Kernel<CombineFn> Combine_sse2<BitLogic::Not>;
 
-void MoveBits_sse2(uint8_t* to, const uint8_t* from, size_t bytes, int n) { MoveBytes<BitLanes>(to, from, bytes, n); }
+void MoveRows_sse2(const MovedRows& rows) { MoveRowsOf<BitLanes>(rows); }
 
 // Adds neighbouring bits, pairs and fours.
 uint64_t CountBits_sse2(const uint8_t* bits, size_t bytes) {

@@ -43,15 +43,40 @@ ORLIX_INLINE void CombineBytes(uint8_t* to, const uint8_t* with, size_t bytes) {
 }
 
 template <class Lanes>
-ORLIX_INLINE void MoveBytes(uint8_t* to, const uint8_t* from, size_t bytes, int n) {
-    constexpr size_t k = Lanes::kBytes;
-    size_t i = 0;
-    for (; i + k <= bytes; i += k)
-        Lanes::Store(to + i, Lanes::Right(Lanes::Load(from + i - 1), Lanes::Load(from + i), n));
-    const size_t rest = bytes - i;
-    if (rest > 0)
-        Lanes::StoreSome(to + i, Lanes::Right(Lanes::LoadSome(from + i - 1, rest), Lanes::LoadSome(from + i, rest), n),
-                         rest);
+ORLIX_INLINE void MoveRowsOf(const MovedRows& rows) {
+    constexpr auto k = static_cast<ptrdiff_t>(Lanes::kBytes);
+    const ptrdiff_t bytes = rows.bytes, skipped = rows.skipped;
+    const int bits = rows.bits;
+    // Bytes to which two move, neither of them the last; those at the ends take the rest of the first or last.
+    const ptrdiff_t first = skipped < 0 ? 0 : skipped + 1, end = skipped <= 0 ? bytes + skipped - 1 : bytes;
+    for (int32_t y = 0; y < rows.count; ++y) {
+        const uint8_t* const from = rows.from + y * rows.rowBytes;
+        uint8_t* const to = rows.to + y * rows.rowBytes;
+        const auto move = [&](ptrdiff_t i) {
+            const auto at = [&](ptrdiff_t n) {
+                return n < 0 || n >= bytes ? 0u : n + 1 == bytes ? unsigned{from[n]} & rows.lastMask : from[n];
+            };
+            to[i] = static_cast<uint8_t>(at(i - skipped) >> bits | at(i - skipped - 1) << (8 - bits));
+        };
+        const auto some = [&](ptrdiff_t i, ptrdiff_t n) __attribute__((always_inline)) {
+            const auto count = static_cast<size_t>(n);
+            const auto before = Lanes::LoadSome(from + i - skipped - 1, count);
+            Lanes::StoreSome(to + i, Lanes::Right(before, Lanes::LoadSome(from + i - skipped, count), bits), count);
+        };
+        // A few bytes first, so that the vectors written lie within cache lines.
+        ptrdiff_t i = first;
+        if (end - first >= 4 * k) {
+            i += static_cast<ptrdiff_t>((0 - reinterpret_cast<uintptr_t>(to + first)) % Lanes::kBytes);
+            some(first, i - first);
+        }
+        for (; i + k <= end; i += k) {
+            const auto before = Lanes::Load(from + i - skipped - 1);
+            Lanes::Store(to + i, Lanes::Right(before, Lanes::Load(from + i - skipped), bits));
+        }
+        if (i < end) some(i, end - i);
+        for (ptrdiff_t n = 0; n < first && n < bytes; ++n) move(n);
+        for (ptrdiff_t n = end < first ? first : end; n < bytes; ++n) move(n);
+    }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "binary/logic.hpp"
 #include "binary/logic_kernels.hpp"
 #include "binary/morphology_kernels.hpp"
+#include "binary/morphology_sweep.hpp"
 #include "binary/plane_kernels.hpp"
 #include "component/failure.hpp"
 
@@ -47,7 +48,7 @@ void OnRows(const BitRows& from, BitmapStore& to, const RegionRows& region, size
         rows.fromRow = rows.toRow;
     }
     if (!direct) return Combine(to, BitLogic::Copy, RowsOf(copy), region);
-    for (int32_t y = 0; y < to.height(); ++y) to.MarkModified(y);
+    to.MarkAllModified();
 }
 
 SquareFn SquareKernel(bool dilate, Connectivity neighbours) {
@@ -141,40 +142,70 @@ bool IsSymmetricAndConvex(const ElementRuns& runs) {
 // (windows add up), and joined with the pixels under the height of the next rectangle: for a dilation
 //     (((V1 + (w1 - w2)) or V2) + (w2 - w3)) or V3 ...
 // where Vk is the dilation by the columns of rectangle k, whose rows have the half length wk.
+//
+// It is done in tiles with as much around them as the element reaches, so that they stay in the cache.
 void ApplyRectangles(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
                      const RegionRows& region) {
+    constexpr int32_t kTileBytes = 512, kTileArea = 1 << 17;
     const size_t middle = runs.size() / 2;
-    const int32_t tallest = runs.back().y;
-    std::vector<uint8_t> scratch(RectangleScratch(RowsOf(to).usedBytes(), to.height(), {{0, 0}, {tallest, tallest}}));
-    BitmapStore tall;
-    tall.Create(to.width(), to.height(), false);
+    const int32_t bytes = static_cast<int32_t>(RowsOf(to).usedBytes()), height = to.height();
+    const int32_t above = runs.back().y, beside = (runs[middle].stop + 7) / 8;
+    const int32_t across = std::min(bytes, std::max(kTileBytes, 2 * beside));
+    const auto down =
+        static_cast<int32_t>(std::min<int64_t>(height, std::max<int64_t>(kTileArea / across, 2 * int64_t{above})));
+    const int32_t mostBytes = std::min(bytes, across + 2 * beside),
+                  mostRows = static_cast<int32_t>(std::min<int64_t>(height, down + 2 * int64_t{above}));
+    const ptrdiff_t stride = (mostBytes + 63) / 64 * 64;
+    const size_t area = static_cast<size_t>(stride) * static_cast<size_t>(mostRows);
+    std::vector<uint8_t> tiles(2 * area + 64);
+    uint8_t* const wide = tiles.data() + (0 - reinterpret_cast<uintptr_t>(tiles.data())) % 64;
+    uint8_t* const high = wide + area;
+    std::vector<uint8_t> scratch(RectangleScratch(static_cast<size_t>(mostBytes), mostRows, {{0, 0}, {above, above}}));
+    BitmapStore source;
+    source.Create(to.width(), height, false);
+
     const Steps steps(operation);
     OnRows(from, to, region, steps.count, [&](size_t step, const MorphologyRows& rows) {
         const bool dilate = steps.dilate[step];
         const CombineFn join = dilate ? Choose(kCombine<BitLogic::Or>) : Choose(kCombine<BitLogic::And>);
         const RectangleFn rectangle = RectangleKernel(dilate);
-        MorphologyRows high = rows, wide = rows;
-        high.to = tall.WriteRow(0);
-        high.toRow = tall.rowBytes();
-        for (int32_t y = 0; y < rows.height; ++y) {
-            std::memcpy(high.to + y * high.toRow, rows.from + y * rows.fromRow, rows.bytes);
-            std::memmove(wide.to + y * wide.toRow, rows.from + y * rows.fromRow, rows.bytes);
-        }
-        high.from = high.to;
-        high.fromRow = high.toRow;
-        wide.from = wide.to;
-        wide.fromRow = wide.toRow;
-        int32_t height = 0;  // of the rows above and below that `high` has seen
-        for (size_t i = middle; i < runs.size(); ++i) {
-            const int32_t half = runs[i].stop, next = i + 1 < runs.size() ? runs[i + 1].stop : 0;
-            if (i + 1 < runs.size() && next == half) continue;
-            const int32_t higher = runs[i].y - height, wider = half - next;
-            if (higher > 0) rectangle(high, {{0, 0}, {higher, higher}}, scratch.data());
-            height = runs[i].y;
-            for (int32_t y = 0; y < rows.height; ++y)
-                join(wide.to + y * wide.toRow, high.to + y * high.toRow, rows.bytes);
-            if (wider > 0) rectangle(wide, {{wider, wider}, {0, 0}}, scratch.data());
-        }
+        for (int32_t y = 0; y < height; ++y) std::memcpy(source.WriteRow(y), rows.from + y * rows.fromRow, rows.bytes);
+        const auto tile = [&](int32_t left, int32_t top, int32_t right, int32_t bottom) {
+            const int32_t outerLeft = std::max(0, left - beside), outerRight = std::min(bytes, right + beside);
+            const int32_t outerTop = std::max(0, top - above), outerBottom = std::min(height - bottom, above) + bottom;
+            MorphologyRows part{wide,
+                                stride,
+                                wide,
+                                stride,
+                                outerBottom - outerTop,
+                                static_cast<size_t>(outerRight - outerLeft),
+                                outerRight == bytes ? rows.lastMask : uint8_t{0xff}};
+            for (int32_t y = outerTop; y < outerBottom; ++y)
+                std::memcpy(wide + (y - outerTop) * stride, source.Row(y) + outerLeft, part.bytes);
+            const size_t used = static_cast<size_t>(stride) * static_cast<size_t>(part.height);
+            std::memcpy(high, wide, used);
+            MorphologyRows tall = part;
+            tall.from = tall.to = high;
+            int32_t reached = 0;  // rows above and below that `tall` has seen
+            for (size_t i = middle; i < runs.size(); ++i) {
+                const int32_t half = runs[i].stop, next = i + 1 < runs.size() ? runs[i + 1].stop : 0;
+                if (i + 1 < runs.size() && next == half) continue;
+                int32_t higher = runs[i].y - reached;
+                const int32_t wider = half - next;
+                // Two passes of three rows take less than one of five.
+                for (; higher > 0 && higher < 3; --higher) rectangle(tall, {{0, 0}, {1, 1}}, scratch.data());
+                if (higher > 0) rectangle(tall, {{0, 0}, {higher, higher}}, scratch.data());
+                reached = runs[i].y;
+                join(wide, high, used);
+                if (wider > 0) rectangle(part, {{wider, wider}, {0, 0}}, scratch.data());
+            }
+            for (int32_t y = top; y < bottom; ++y)
+                std::memcpy(rows.to + y * rows.toRow + left, wide + (y - outerTop) * stride + (left - outerLeft),
+                            static_cast<size_t>(right - left));
+        };
+        for (int32_t top = 0; top < height; top += std::min(down, height - top))
+            for (int32_t left = 0; left < bytes; left += std::min(across, bytes - left))
+                tile(left, top, std::min(bytes, left + across), std::min(height, top + down));
     });
 }
 
@@ -256,10 +287,25 @@ BitPlane DilatedByRuns(const BitPlane& plane, ElementRuns runs) {
     return result;
 }
 
+// An element that IsSymmetricAndConvex.
+void ApplyShrinkingRows(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
+                        const RegionRows& region) {
+    std::vector<int32_t> halfWidths;
+    for (size_t i = runs.size() / 2; i < runs.size(); ++i) halfWidths.push_back(runs[i].stop);
+    size_t rectangles = 1;
+    for (size_t i = 1; i < halfWidths.size(); ++i) rectangles += halfWidths[i] != halfWidths[i - 1];
+    if (rectangles <= kMostRectangles) return ApplyRectangles(from, operation, runs, to, region);
+    BitPlane plane(from);
+    for (const bool dilate : Steps(operation))
+        plane = dilate ? DilatedByShrinkingRows(plane, halfWidths)
+                       : Complement(DilatedByShrinkingRows(Complement(std::move(plane)), halfWidths));
+    Store(plane, to, region);
+}
+
 void ApplyRuns(const BitRows& from, Morphology operation, const ElementRuns& runs, BitmapStore& to,
                const RegionRows& region) {
     if (to.height() == 0) return;
-    if (IsSymmetricAndConvex(runs)) return ApplyRectangles(from, operation, runs, to, region);
+    if (IsSymmetricAndConvex(runs)) return ApplyShrinkingRows(from, operation, runs, to, region);
     BitPlane plane(from);
     for (const bool dilate : Steps(operation)) plane = dilate ? Dilated(plane, runs) : Eroded(plane, runs);
     Store(plane, to, region);

@@ -15,8 +15,9 @@
 // is computed from all pixels of `from`. The pixels of the region take it; all others of `to` stay. Rows that the
 // region has are marked. When memory runs out (std::bad_alloc), nothing has been changed.
 //
-// Cost, with the time T of copying the bits once: 3x3 less than 2 T, in place; a rectangle 4 to 8 T, whatever its size;
-// a disk about 10 T for each different length of its rows; another element about T for each run.
+// Cost, with the time T of copying the bits once: 3x3 less than 2 T, in place; a rectangle 5 T, the largest 10 T;
+// a disk some 5 T for each different length of its rows, up to kMostRectangles of them, and then a few nanoseconds a
+// pixel at any size; another element about T for each run.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -52,6 +53,10 @@ void ApplyDisk(const BitRows& from, Morphology operation, double radius, BitmapS
 constexpr double kMostElementWork = 1.4e11;
 void ApplyElement(const BitRows& from, Morphology operation, std::span<const SElement> elements, BitmapStore& to,
                   const RegionRows& region);
+
+// An element like a disk is taken apart into rectangles, one for each different length of its rows. One of more than
+// these is measured from the set pixels instead (morphology_sweep.hpp).
+constexpr size_t kMostRectangles = 120;
 
 // The dilation (or else erosion) of a plane by runs that RunsOf or RunsOfDisk made for its size.
 BitPlane Dilated(const BitPlane& plane, const ElementRuns& runs);

@@ -46,7 +46,7 @@ inline constexpr Variant<SquareFn> kSquare[] = {
 struct MorphologyWindow {
     int32_t before;
     int32_t after;
-    constexpr int32_t length() const { return before + after + 1; }
+    constexpr int64_t length() const { return int64_t{before} + after + 1; }
 };
 struct MorphologyRectangle {
     MorphologyWindow columns;

@@ -54,11 +54,11 @@ void Rectangle_scalar(const MorphologyRows& rows, const MorphologyRectangle& win
     const int64_t width = WidthOf(rows);
     const auto [left, right] = window.columns;
     const auto [up, down] = window.rows;
-    const int32_t kept = std::min(window.rows.length(), rows.height);
-    const auto keptRow = [&](int32_t y) { return scratch + static_cast<size_t>(y % kept) * rows.bytes; };
-    for (int32_t read = 0; read - down < rows.height; ++read) {
+    const int64_t kept = std::min<int64_t>(window.rows.length(), rows.height);
+    const auto keptRow = [&](int64_t y) { return scratch + static_cast<size_t>(y % kept) * rows.bytes; };
+    for (int64_t read = 0; read - down < rows.height; ++read) {
         if (read < rows.height) {
-            const uint8_t* const row = rows.from + read * rows.fromRow;
+            const uint8_t* const row = rows.from + static_cast<ptrdiff_t>(read) * rows.fromRow;
             for (int64_t x = 0; x < width; ++x) {
                 bool extreme = !dilate;
                 for (int64_t i = std::max<int64_t>(0, x - left); i <= std::min(width - 1, x + right); ++i)
@@ -66,11 +66,11 @@ void Rectangle_scalar(const MorphologyRows& rows, const MorphologyRectangle& win
                 PutBit(keptRow(read), x, extreme);
             }
         }
-        const int32_t y = read - down;
+        const int64_t y = read - down;
         if (y < 0) continue;
-        uint8_t* const to = rows.to + y * rows.toRow;
+        uint8_t* const to = rows.to + static_cast<ptrdiff_t>(y) * rows.toRow;
         std::fill_n(to, rows.bytes, dilate ? 0x00 : 0xff);
-        for (int32_t i = std::max(0, y - up); i <= std::min(rows.height - 1, read); ++i)
+        for (int64_t i = std::max<int64_t>(0, y - up); i <= std::min<int64_t>(rows.height - 1, read); ++i)
             for (size_t n = 0; n < rows.bytes; ++n)
                 to[n] = static_cast<uint8_t>(dilate ? to[n] | keptRow(i)[n] : to[n] & keptRow(i)[n]);
     }

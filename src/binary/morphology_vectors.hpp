@@ -257,7 +257,7 @@ private:
         const Vector flip = Lanes::All(dilate ? 0xff : 0x00), ones = Lanes::All(0xff);
 
         // The word before a vector is known one vector later.
-        Vector v = ones, start = ones;
+        Vector start = ones;
         uint64_t full = 0;
         const auto storeLeft = [&](size_t i, const Vector& end, const Vector& endBefore)
             __attribute__((always_inline)) {
@@ -267,7 +267,7 @@ private:
         };
         Vector end = ones;
         for (size_t i = shape.full + k; i > 0; i -= k) {
-            v = Lanes::Words(Lanes::Xor(row(i - k), flip));
+            const Vector v = Lanes::Words(Lanes::Xor(row(i - k), flip));
             const Vector endHere = Lanes::Trailing(v), startHere = Lanes::Leading(v);
             if (i <= shape.full) storeLeft(i, end, endHere);
             end = endHere;
@@ -319,18 +319,18 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
     using Vector = typename Lanes::Vector;
     constexpr uint8_t kOutside = dilate ? 0x00 : 0xff;
     const size_t stride = shape.stride();
-    const int32_t length = window.length(), most = length < rows.height ? length : rows.height;
+    const int64_t length = window.length(), most = length < rows.height ? length : rows.height;
     uint8_t* const nothing = scratch;
     uint8_t* const start = nothing + stride;  // of the block, up to the row that is read
     // The ends of the block before, and of this one, from each of their rows on.
     uint8_t* before = start + stride;
     uint8_t* now = before + static_cast<size_t>(most) * stride;
     std::memset(nothing, kOutside, stride);
-    int32_t ends = 0;  // rows of the block before
-    for (int32_t block = 0; block - window.after < rows.height; block += length) {
-        const int32_t rest = rows.height - block, here = rest < 0 ? 0 : rest < length ? rest : length;
+    int64_t ends = 0;  // rows of the block before
+    for (int64_t block = 0; block - window.after < rows.height; block += length) {
+        const int64_t rest = rows.height - block, here = rest < 0 ? 0 : rest < length ? rest : length;
         const uint8_t* next = nothing;
-        for (int32_t i = here - 1; i >= 0; --i) {
+        for (int64_t i = here - 1; i >= 0; --i) {
             const uint8_t* const row = rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow;
             uint8_t* const end = now + static_cast<size_t>(i) * stride;
             const uint8_t* const below = next;
@@ -339,7 +339,7 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
             next = end;
         }
         std::memset(start, kOutside, stride);
-        for (int32_t i = 0; i < length && block + i - window.after < rows.height; ++i) {
+        for (int64_t i = 0; i < length && block + i - window.after < rows.height; ++i) {
             const uint8_t* const row =
                 i < here ? rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow : nothing;
             const auto started = [&](size_t x) __attribute__((always_inline)) {
@@ -347,7 +347,7 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
                 Lanes::Store(start + x, v);
                 return v;
             };
-            const int32_t y = block + i - window.after;
+            const int64_t y = block + i - window.after;
             if (y < 0) {
                 for (size_t x = 0; x <= shape.full; x += Lanes::kBytes) started(x);
                 continue;
@@ -365,10 +365,32 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
     }
 }
 
+// The row above is kept in scratch as it was.
+template <class Lanes, bool dilate>
+ORLIX_INLINE void ThreeRows(const MorphologyRows& rows, const RowShape<Lanes, dilate>& shape, uint8_t* scratch) {
+    using Vector = typename Lanes::Vector;
+    uint8_t* const above = scratch;
+    uint8_t* const nothing = above + shape.stride();
+    std::memset(scratch, dilate ? 0x00 : 0xff, 2 * shape.stride());
+    for (int32_t y = 0; y < rows.height; ++y) {
+        const uint8_t* const row = rows.from + y * rows.fromRow;
+        const uint8_t* const below = y + 1 < rows.height ? row + rows.fromRow : nothing;
+        shape.ForEach(
+            rows.to + y * rows.toRow, [&](size_t x) __attribute__((always_inline)) {
+                const Vector v = shape.Load(row, x);
+                const Vector extreme = Extreme<Lanes, dilate>(Lanes::Load(above + x), v, shape.Load(below, x));
+                Lanes::Store(above + x, v);
+                return extreme;
+            });
+    }
+}
+
 template <class Lanes, bool dilate>
 ORLIX_INLINE void Rectangles(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch) {
     scratch += (0 - reinterpret_cast<uintptr_t>(scratch)) % Lanes::kBytes;
     const RowShape<Lanes, dilate> shape(rows);
+    if (window.columns.length() == 1 && window.rows.before == 1 && window.rows.after == 1)
+        return ThreeRows<Lanes, dilate>(rows, shape, scratch);
     const ColumnWindow<Lanes, dilate> columns(shape, window.columns, scratch);
     if (window.rows.length() > 1) return RowWindows<Lanes, dilate>(rows, window.rows, shape, columns, scratch);
     for (int32_t y = 0; y < rows.height; ++y) {

@@ -73,7 +73,7 @@ std::vector<KernelInUse> Collect() {
         {"add image, float", ChosenVariant(kPlus<float, float>).name},
         {"bitmap logic", ChosenVariant(kCombine<BitLogic::And>).name},
         {"bitmap count", ChosenVariant(kCountBits).name},
-        {"bitmap translation", ChosenVariant(kMoveBits).name},
+        {"bitmap translation", ChosenVariant(kMoveRows).name},
         {"binary 3x3 erosion and dilation", ChosenVariant(kSquare<false, true>).name},
         {"binary erosion and dilation, rectangles", ChosenVariant(kRectangle<false>).name},
         {"bit planes, union", ChosenVariant(kOrWords).name},

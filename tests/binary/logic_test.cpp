@@ -139,9 +139,28 @@ TEST(BitmapLogicKernel, EveryVariantEqualsTheDefinitionAtEverySize) {
     each(kCombine<BitLogic::Copy>, "copy", combine);
     each(kCombine<BitLogic::Not>, "not", combine);
     each(kCountBits, "count", [](CountBitsFn fn, uint8_t* to, const uint8_t*, size_t n) { return fn(to, n); });
-    for (int bits = 0; bits < 8; ++bits)
-        each(kMoveBits, "move",
-             [bits](MoveBitsFn fn, uint8_t* to, const uint8_t* with, size_t n) { return fn(to, with, n, bits), 0; });
+}
+
+// Rows in order, forwards and backwards, moved by bytes and pixels, with pixels beyond the last one.
+TEST(BitmapLogicKernel, EveryVariantMovesRowsAsTheDefinitionDoes) {
+    for (const ptrdiff_t bytes : {1, 2, 3, 16, 17, 31, 64, 65, 66, 130, 200})
+        for (const ptrdiff_t skipped : {0, 1, -1, 2, -3, 15, -16, 63, -65, 130, -200})
+            for (int bits = 0; bits < 8; ++bits) {
+                if (skipped > bytes || skipped < -bytes) continue;
+                const auto n = static_cast<size_t>(3 * bytes);
+                const std::vector<uint8_t> from = Noise<uint8_t>(n, 1), to = Noise<uint8_t>(n, 2);
+                Guarded<uint8_t> want(to, 1);
+                const auto call = [&](MoveRowsFn fn, uint8_t* written) {
+                    fn({from.data() + 2 * bytes, written + 2 * bytes, -bytes, 3, bytes, skipped, bits, 0xe0});
+                };
+                call(std::end(kMoveRows)[-1].fn, want.data());
+                for (const auto& variant : SupportedOnThisCpu(kMoveRows)) {
+                    Guarded<uint8_t> got(to, 1);
+                    call(variant.fn, got.data());
+                    EXPECT_TRUE(SameBits(want.data(), got.data(), n) && got.GuardsIntact())
+                        << variant.name << ' ' << bytes << ' ' << skipped << ' ' << bits;
+                }
+            }
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "binary/binary_pictures.hpp"
+#include "binary/morphology_sweep.hpp"
+#include "binary/plane_pictures.hpp"
 #include "component/failure.hpp"
 #include "geometry/structuring_element.hpp"
 #include "support/slow_morphology.hpp"
@@ -122,6 +124,36 @@ TEST(BinaryMorphology, DisksHaveTheElementsOfCreateDisk) {
         ExpectMorphology(19, 12, RectangleOf(-18, -11, 18, 11), [&](auto& from, auto how, auto& to, auto& region) {
             ApplyDisk(from, how, radius, to, region);
         });
+}
+
+std::vector<int32_t> HalfWidths(double radius) {
+    std::vector<int32_t> halfWidths;
+    for (const ElementRun& run : RunsOfDisk(radius, INT32_MAX, 1 << 20))
+        if (run.y >= 0) halfWidths.push_back(run.stop);
+    return halfWidths;
+}
+
+TEST(BinaryMorphology, ElementsWhoseRowsShrinkAreMeasuredFromTheSetPixels) {
+    for (int32_t width = 1; width <= 70; ++width) {
+        const double radius = 1 + width % 9 * 1.3;
+        const BitPlane source = NoisePlane(width, 1 + width % 13, 0.05, static_cast<uint32_t>(width));
+        EXPECT_EQ(SlowMorphology(source, OffsetsOf(DiskElements(radius)), Morphology::Dilation, 1),
+                  DilatedByShrinkingRows(source, HalfWidths(radius)));
+    }
+}
+
+// Across the borders of tiles, and where one method takes over from the other.
+TEST(BinaryMorphology, LargeDisksAreTheSameByRectanglesAndFromTheSetPixels) {
+    constexpr int32_t kWidth = 4700, kHeight = 700;
+    const RegionRows all(nullptr, kWidth, kHeight);
+    for (const double radius : {2.5, 40.0, 190.0, 210.0}) {
+        BitmapStore bitmap = NoiseBitmap(kWidth, kHeight, 5e-5, Padding::Set);
+        const std::vector<int32_t> halfWidths = HalfWidths(radius);
+        const BitPlane dilated = DilatedByShrinkingRows(BitPlane(RowsOf(bitmap)), halfWidths);
+        ApplyDisk(RowsOf(bitmap), Morphology::Closing, radius, bitmap, all);
+        EXPECT_TRUE(Complement(DilatedByShrinkingRows(Complement(dilated), halfWidths)) == BitPlane(RowsOf(bitmap)))
+            << radius;
+    }
 }
 
 // Lines, lists out of order with duplicates, far offsets, none at all; disks as lists.
