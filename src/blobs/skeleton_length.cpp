@@ -127,7 +127,7 @@ public:
 
 private:
     struct Branch {
-        double length;
+        size_t links;
         Pixel last;     // a node
         uint32_t back;  // the step from there
     };
@@ -140,7 +140,8 @@ private:
     static uint32_t Onward(uint32_t links, uint32_t step) {
         return static_cast<uint32_t>(std::countr_zero(links & ~(1U << (step + 4) % 8)));
     }
-    Branch Walk(Pixel node, uint32_t step, double sx, double sy) const;
+    Branch Walk(Pixel node, uint32_t step) const;
+    double Length(Pixel node, uint32_t step, size_t links, double sx, double sy) const;
     double Ring(const Pixel& first, double sx, double sy) const;
     double Chords(const Pixel& pixel, double sx, double sy) const;
     double Extension(const Pixel& end, double sx, double sy) const;
@@ -170,10 +171,11 @@ double SkeletonPlane::Length(std::span<const LabelledRun> runs, double sx, doubl
                 if (isEnd) length += Extension(pixel, sx, sy);
                 for (uint32_t step = 0; step < 8; ++step) {
                     if ((links >> step & 1) == 0) continue;
-                    const Branch branch = Walk(pixel, step, sx, sy);
-                    // Each branch is walked from either end, and counted once.
+                    const Branch branch = Walk(pixel, step);
+                    // Each branch is found from either end, and counted once.
                     const auto order = [](const Pixel& p, uint32_t s) { return std::tuple(p.y, p.x, s); };
-                    if (order(pixel, step) < order(branch.last, branch.back)) length += branch.length;
+                    if (order(pixel, step) < order(branch.last, branch.back))
+                        length += Length(pixel, step, branch.links, sx, sy);
                     // A line is all of its skeleton.
                     if (isEnd && std::popcount(Links(branch.last)) == 1) return length + Extension(branch.last, sx, sy);
                 }
@@ -184,19 +186,26 @@ double SkeletonPlane::Length(std::span<const LabelledRun> runs, double sx, doubl
     return node ? length : Ring(*first, sx, sy);
 }
 
-SkeletonPlane::Branch SkeletonPlane::Walk(Pixel node, uint32_t step, double sx, double sy) const {
-    SmoothedLength length(sx, sy);
-    length.Add(node);
-    for (Pixel pixel = node;;) {
-        pixel = pixel.After(step);
-        length.Add(pixel);
-        const uint32_t links = Links(pixel);
-        if (std::popcount(links) != 2) {
-            length.Finish();
-            return {length.length(), pixel, (step + 4) % 8};
-        }
+SkeletonPlane::Branch SkeletonPlane::Walk(Pixel node, uint32_t step) const {
+    for (size_t walked = 1;; ++walked) {
+        node = node.After(step);
+        const uint32_t links = Links(node);
+        if (std::popcount(links) != 2) return {walked, node, (step + 4) % 8};
         step = Onward(links, step);
     }
+}
+
+double SkeletonPlane::Length(Pixel node, uint32_t step, size_t links, double sx, double sy) const {
+    SmoothedLength length(sx, sy);
+    length.Add(node);
+    for (; links > 1; --links) {
+        node = node.After(step);
+        step = Onward(Links(node), step);
+        length.Add(node);
+    }
+    length.Add(node.After(step));
+    length.Finish();
+    return length.length();
 }
 
 // Smoothing has no ends here: positions count from the one on that no longer depends on where the walk began, once
@@ -305,8 +314,12 @@ double SkeletonRuler::Length(uint32_t label) {
     const int32_t top = runs.front().row;
     if (std::max(components_.width(), components_.height()) > INT32_MAX - 2) throw std::bad_alloc();
     const int32_t width = right - left + 1, height = runs.back().row - top + 1;
-    cells_ += static_cast<uint64_t>(width) * static_cast<uint64_t>(height);
-    if (cells_ <= static_cast<uint64_t>(components_.width()) * static_cast<uint64_t>(components_.height())) {
+    const auto cells = [](int32_t columns, int32_t rows) {
+        return static_cast<uint64_t>(columns) * static_cast<uint64_t>(rows);
+    };
+    const uint64_t all = cells(components_.width(), components_.height());
+    cells_ += cells(width, height);
+    if (cells_ <= all && cells(width, height) <= all / 4) {
         SkeletonPlane plane(left, top, width, height);
         plane.Add(runs);
         plane.Thin();

@@ -9,8 +9,8 @@
 namespace orlix {
 
 // Measures components of any connectivity one after the other, each thinned by itself. The time for all of them goes
-// with the pixels of the image, however many boxes overlap: components are thinned in their boxes until these amount
-// to the image, and then all at once.
+// with the pixels of the image, however many boxes overlap: components are thinned in their boxes, until one of these
+// takes a quarter of the image or all so far amount to it; then all at once.
 class SkeletonRuler {
 public:
     // Refers to the components. The sides of a pixel are sx and sy.

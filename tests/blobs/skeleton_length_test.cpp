@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <map>
 #include <random>
 #include <set>
-#include <string>
 #include <utility>
 #include <vector>
 
