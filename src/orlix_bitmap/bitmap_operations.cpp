@@ -32,10 +32,11 @@ Connectivity Checked(ConnectivityType type) {
 }  // namespace
 
 // A client's region and a client's bitmap may call this object back and create it anew; so everything that the
-// operation reads from it is read after the last client was called.
-RegionRows OrlixBitmap::AskRegion() {
+// operation reads from it is read after the last client was called. The size is the one that the bitmap had before the
+// first: taking a reference calls the region, too.
+RegionRows OrlixBitmap::AskRegion(int32_t width, int32_t height) {
     const ComPtr<IRegionOfInterest> region = region_;
-    return RegionRows(region.get(), store_.width(), store_.height());
+    return RegionRows(region.get(), width, height);
 }
 
 void OrlixBitmap::RequireSize(int32_t width, int32_t height) const {
@@ -58,7 +59,7 @@ HRESULT OrlixBitmap::InPlace(const Prepare& prepare, const Operation& operation,
             prepare();
             const int32_t width = store_.width(), height = store_.height();
             if (width == 0) return S_FALSE;
-            const RegionRows region = AskRegion();
+            const RegionRows region = AskRegion(width, height);
             RequireSize(width, height);
             operation(region);
             return S_OK;
@@ -76,9 +77,10 @@ HRESULT OrlixBitmap::InPlaceWith(IBitmap* other, const Operation& operation, con
     return Guarded<IBitmapProcess>(
         [&] {
             Require(other);
+            const ComPtr<IBitmap> alive(other);  // the region may let go of it
             const int32_t width = store_.width(), height = store_.height();
             if (width == 0) return S_FALSE;
-            const RegionRows region = AskRegion();
+            const RegionRows region = AskRegion(width, height);
             const ClientBitmap bitmap(other);
             RequireSize(width, height);
             if (bitmap.rows().width != width || bitmap.rows().height != height)
@@ -245,6 +247,7 @@ STDMETHODIMP OrlixBitmap::HitOrMiss(IStructuringElement* hit, IStructuringElemen
     std::vector<SElement> hits, misses;
     return InPlace(
         [&] {
+            const ComPtr<IStructuringElement> alive(miss);  // the other element may let go of it
             hits = ElementsOf(hit);
             misses = ElementsOf(miss);
             if (hits.empty() && misses.empty()) throw MethodFailure("no structuring element.");

@@ -52,6 +52,7 @@ STDMETHODIMP OrlixBitmap::Create(LONG width, LONG height, LONG zero) noexcept {
 STDMETHODIMP OrlixBitmap::CreateFromBitmap(IBitmap* bitmap) noexcept {
     return Guarded([&] {
         Require(bitmap);
+        const ComPtr<IBitmap> alive(bitmap);  // its own methods may let go of it
         if (IsSelf(bitmap)) return S_FALSE;
         BITMAP source = {};
         Demand(bitmap->get_Bitmap(&source));

@@ -85,7 +85,7 @@ public:
 
 private:
     // See bitmap_operations.cpp.
-    orlix::RegionRows AskRegion();
+    orlix::RegionRows AskRegion(int32_t width, int32_t height);
     void RequireSize(int32_t width, int32_t height) const;
     LONG PixelsIn(const orlix::RegionRows& region) const;
     template <class Prepare, class Operation>

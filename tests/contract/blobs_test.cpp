@@ -197,21 +197,5 @@ TEST(Blobs, RefuseWhatMakesNoSense) {
         EXPECT_TRUE(FailsSilently(failed, E_POINTER));
 }
 
-// An image that measures other blobs and lets go of these while it is asked.
-TEST(Blobs, SurviveTheirClients) {
-    uint8_t samples[40] = {};
-    const auto image = ForeignImage::Of(8, 5, DT_BYTE, samples);
-    ComPtr<IBlobs> blobs = RingBlobs();
-    IBlobs* const alone = blobs.get();
-    image->onVpa = [&] {
-        if (!blobs) return;
-        blobs->PutMicronsPerPixel(3, 3);
-        blobs = nullptr;
-    };
-    EXPECT_EQ(S_OK, alone->MeasureGray(image.get(), 0, 31));
-    image->growAfterVpa = 1;
-    EXPECT_TRUE(FailsSilently(RingBlobs()->MeasureGray(image.get(), 0, 31)));
-}
-
 }  // namespace
 }  // namespace orlix::testing

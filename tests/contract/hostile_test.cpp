@@ -1,0 +1,402 @@
+// Clients' objects that a bitmap or its blobs ask, at their worst: in any of the calls that they get, AddRef and
+// Release included, they change whatever they reach, let go of it all, fail, or lie.
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "contract/support.hpp"
+
+namespace orlix::testing {
+namespace {
+
+constexpr LONG kWidth = 70, kHeight = 6;
+
+// The calls that clients' objects get, counted; `at` is told the number of each. Calls made meanwhile do not count.
+struct Calls {
+    int count = 0;
+    std::function<void(int)> at;
+    bool inside = false;
+    bool isAddRef = false;  // the one that `at` is told of
+
+    void Next(bool addRef = false) {
+        if (std::exchange(inside, true)) return;
+        const int number = count++;
+        isAddRef = addRef;
+        if (at) at(number);
+        inside = false;
+    }
+};
+
+// Any interface, answered by an object of the library behind it; what it answers can be falsified.
+template <class I>
+class Hostile : public CountedObject<Refusing<I>> {
+    using Base = CountedObject<Refusing<I>>;
+
+public:
+    Calls* calls = nullptr;
+    ComPtr<I> real;
+    HRESULT result = S_OK;  // instead of an answer
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        calls->Next();
+        return Base::QueryInterface(iid, object);
+    }
+    STDMETHODIMP_(ULONG) AddRef() noexcept override {
+        const ULONG references = Base::AddRef();
+        calls->Next(true);
+        return references;
+    }
+    STDMETHODIMP_(ULONG) Release() noexcept override {
+        calls->Next();
+        return Base::Release();
+    }
+
+protected:
+    // Forwards a call and falsifies what it wrote. The object is used after the client was let loose.
+    template <class... Parameters, class Lie>
+    HRESULT Answer(HRESULT (STDMETHODCALLTYPE I::*method)(Parameters...), const Lie& lie,
+                   std::type_identity_t<Parameters>... arguments) noexcept {
+        calls->Next();
+        if (result != S_OK) return result;
+        const HRESULT answer = (real.get()->*method)(arguments...);
+        if (lie) lie(*arguments...);
+        return answer;
+    }
+};
+
+class HostileBitmap final : public Hostile<IBitmap> {
+public:
+    std::function<void(BITMAP&)> lie;
+    STDMETHODIMP get_Bitmap(BITMAP* value) noexcept override { return Answer(&IBitmap::get_Bitmap, lie, value); }
+};
+
+class HostileElement final : public Hostile<IStructuringElement> {
+public:
+    std::function<void(LONG&)> lieOfNumber;
+    std::function<void(SElement*&)> lieOfList;
+    STDMETHODIMP get_NumberOfElements(LONG* value) noexcept override {
+        return Answer(&IStructuringElement::get_NumberOfElements, lieOfNumber, value);
+    }
+    STDMETHODIMP get_Elements(SElement** value) noexcept override {
+        return Answer(&IStructuringElement::get_Elements, lieOfList, value);
+    }
+};
+
+class HostileRegion final : public Hostile<IRegionOfInterest> {
+public:
+    std::function<void(RECT&)> lieOfBox;
+    std::function<void(SRun*&, SRun*&)> lieOfRuns;
+    STDMETHODIMP get_BoundingBox(RECT* value) noexcept override {
+        return Answer(&IRegionOfInterest::get_BoundingBox, lieOfBox, value);
+    }
+    STDMETHODIMP GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept override {
+        calls->Next();
+        if (result != S_OK) return result;
+        const HRESULT answer = real->GetRowRuns(row, begin, end);
+        if (lieOfRuns) lieOfRuns(*begin, *end);
+        return answer;
+    }
+};
+
+class HostileImage final : public Hostile<IImageVPA> {
+public:
+    std::function<void(LONG&, LONG&, LONG&)> lieOfSize;
+    std::function<void(LONG&)> lieOfType;
+    std::function<void(void*&, VPAEntry*&)> lieOfPixels;
+    STDMETHODIMP Dimensions(LONG* bands, LONG* width, LONG* height) noexcept override {
+        return Answer(&IImageVPA::Dimensions, lieOfSize, bands, width, height);
+    }
+    STDMETHODIMP DataType(LONG band, LONG* type) noexcept override {
+        calls->Next();
+        if (result != S_OK) return result;
+        const HRESULT answer = real->DataType(band, type);
+        if (lieOfType) lieOfType(*type);
+        return answer;
+    }
+    STDMETHODIMP VPA(LONG band, void** base, VPAEntry** table) noexcept override {
+        calls->Next();
+        if (result != S_OK) return result;
+        const HRESULT answer = real->VPA(band, base, table);
+        if (lieOfPixels) lieOfPixels(*base, *table);
+        return answer;
+    }
+};
+
+// A bitmap with a region, its blobs, and the objects that methods take. The calls of the others end with the scene.
+struct Scene {
+    Calls calls;
+    ComPtr<IBitmapProcess> bitmap = NewBitmap(kWidth, kHeight);
+    ComPtr<IBlobs> blobs;
+    ComPtr<HostileBitmap> other = MakeCounted<HostileBitmap>();
+    ComPtr<HostileElement> element = MakeCounted<HostileElement>(), element2 = MakeCounted<HostileElement>();
+    ComPtr<HostileRegion> region = MakeCounted<HostileRegion>();
+    ComPtr<HostileImage> image = MakeCounted<HostileImage>();
+    std::string rows;
+
+    Scene() {
+        Begin(other, ComPtr<IBitmap>(NewBitmap(kWidth, kHeight).get()));
+        for (auto* each : {&element, &element2}) {
+            auto pixels = CreateObject<IStructuringElement>("Orlix.StructuringElement");
+            pixels->AddElement(0, 0);
+            pixels->AddElement(each == &element ? 1 : -2, 1);
+            Begin(*each, pixels);
+        }
+        Begin(region, ComPtr<IRegionOfInterest>(RectangleOf(400, 300, 2, 1, 380, 280).get()));
+        const auto pixels = NewImage<float>(kWidth, kHeight);
+        pixels.Fill([](LONG x, LONG y) { return x == 20 ? kNaN : static_cast<double>(x % 7 * y); });
+        Begin(image, ComPtr<IImageVPA>(pixels.get()));
+        bitmap->DrawDisk(20, 3, 2.5, DT_On);
+        bitmap->DrawDisk(60, 2, 2, DT_On);
+        other->real->DrawRectangle(0, 2, 66, 4, DT_On);
+        blobs = Get(bitmap, &IBitmapProcess::FindBlobs, CT_8);
+        bitmap->put_RegionOfInterest(region.get());
+        rows = RowsOf(bitmap.get());
+        calls.count = 0;
+    }
+    ~Scene() {
+        calls.at = nullptr;
+        if (bitmap) bitmap->put_RegionOfInterest(nullptr);
+        LetGo();
+    }
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    void LetGo() {
+        bitmap = nullptr;
+        blobs = nullptr;
+        other = nullptr;
+        element = element2 = nullptr;
+        region = nullptr;
+        image = nullptr;
+    }
+
+private:
+    template <class Object, class I>
+    void Begin(const ComPtr<Object>& object, const ComPtr<I>& real) {
+        object->calls = &calls;
+        object->real = real;
+    }
+};
+
+struct HostileCall {
+    const char* name;
+    HRESULT (*call)(Scene&);
+};
+
+// Arguments are looked up before anything is called, as the scene may lose them.
+template <class Object, class I, class... Arguments>
+HRESULT On(const ComPtr<Object>& object, HRESULT (STDMETHODCALLTYPE I::*method)(Arguments...),
+           std::type_identity_t<Arguments>... arguments) {
+    return object ? (object.get()->*method)(arguments...) : E_POINTER;
+}
+
+using B = IBitmapProcess;
+constexpr HostileCall kHostileCalls[] = {
+    {"CreateFromBitmap", [](Scene& s) { return On(s.bitmap, &IBitmap::CreateFromBitmap, s.other.get()); }},
+    {"put_RegionOfInterest", [](Scene& s) { return On(s.bitmap, &B::put_RegionOfInterest, s.region.get()); }},
+    {"Invert", [](Scene& s) { return On(s.bitmap, &B::Invert); }},
+    {"ShiftEquals", [](Scene& s) { return On(s.bitmap, &B::ShiftEquals, 3, 1); }},
+    {"Dilate", [](Scene& s) { return On(s.bitmap, &B::Dilate, CT_8, 2); }},
+    {"CloseRectangle", [](Scene& s) { return On(s.bitmap, &B::CloseRectangle, 5, 3); }},
+    {"OpenDisk", [](Scene& s) { return On(s.bitmap, &B::OpenDisk, 1.5); }},
+    {"Split", [](Scene& s) { return On(s.bitmap, &B::Split, 0.5, 0.0, CT_8); }},
+    {"XorEquals", [](Scene& s) { return On(s.bitmap, &B::XorEquals, s.other.get()); }},
+    {"Reconstruct", [](Scene& s) { return On(s.bitmap, &B::Reconstruct, s.other.get(), CT_4); }},
+    {"CloseElement", [](Scene& s) { return On(s.bitmap, &B::CloseElement, s.element.get()); }},
+    {"HitOrMiss", [](Scene& s) { return On(s.bitmap, &B::HitOrMiss, s.element.get(), s.element2.get()); }},
+    {"ApplyTable",
+     [](Scene& s) {
+         static unsigned char table[512] = {1, 1, 1};
+         LONG passes = 0;
+         return On(s.bitmap, &B::ApplyTable, table, 2, &passes);
+     }},
+    {"get_PixelCount",
+     [](Scene& s) {
+         LONG count = 0;
+         const HRESULT result = On(s.bitmap, &B::get_PixelCount, &count);
+         EXPECT_TRUE(count >= 0 && count <= 300 * 200) << count;
+         return result;
+     }},
+    {"FindBlobs",
+     [](Scene& s) {
+         ComPtr<IBlobs> found;
+         const HRESULT result = On(s.bitmap, &B::FindBlobs, CT_8, found.Out());
+         EXPECT_EQ(result == S_OK, static_cast<bool>(found));
+         return result;
+     }},
+    {"MeasureGray", [](Scene& s) { return On(s.blobs, &IBlobs::MeasureGray, s.image.get(), 0, 31); }},
+    {"GetLevelMeasurements",
+     [](Scene& s) {
+         SLevelMeasurements measured[2] = {};
+         return On(s.blobs, &IBlobs::GetLevelMeasurements, s.image.get(), 0, 2.5, 0, 2, measured);
+     }},
+    {"get_LevelOutline",
+     [](Scene& s) {
+         ComPtr<IPolygon> outline;
+         const HRESULT result = On(s.blobs, &IBlobs::get_LevelOutline, 0, s.image.get(), 0, kNaN, -1, outline.Out());
+         EXPECT_EQ(result == S_OK, static_cast<bool>(outline));
+         return result;
+     }},
+};
+
+// What a client does in a call, and in those that follow (0, 1, ...).
+struct Deed {
+    const char* name;
+    void (*act)(Scene&, const HostileCall& method, int later);
+    bool changesPixels;
+};
+void Create(Scene& s, LONG width, LONG height) {
+    if (s.bitmap) s.bitmap->Create(width, height, 1);
+}
+constexpr Deed kDeeds[] = {
+    {"nothing", [](Scene&, const HostileCall&, int) {}, false},
+    {"makes the bitmap smaller", [](Scene& s, const HostileCall&, int i) { i == 0 ? Create(s, 3, 2) : void(); }, true},
+    {"makes it larger", [](Scene& s, const HostileCall&, int i) { i == 0 ? Create(s, 300, 200) : void(); }, true},
+    {"makes it larger for a while",
+     [](Scene& s, const HostileCall&, int i) {
+         i < 3 ? i == 0 ? Create(s, 300, 200) : Create(s, kWidth, kHeight) : void();
+     },
+     true},
+    {"makes it anew", [](Scene& s, const HostileCall&, int i) { i == 0 ? Create(s, kWidth, kHeight) : void(); }, true},
+    {"makes its own bitmap anew",
+     [](Scene& s, const HostileCall&, int i) {
+         if (i == 0 && s.other) s.other->real->Create(2, 2, 1);
+     },
+     false},
+    {"takes the region away",
+     [](Scene& s, const HostileCall&, int i) {
+         if (i == 0 && s.bitmap) s.bitmap->put_RegionOfInterest(nullptr);
+     },
+     false},
+    {"sets a region of another size",
+     [](Scene& s, const HostileCall&, int i) {
+         if (i == 0 && s.bitmap) s.bitmap->put_RegionOfInterest(CircleOf(900, 900, 450, 450, 449).get());
+     },
+     false},
+    {"calls the same method", [](Scene& s, const HostileCall& m, int i) { i == 0 ? void(m.call(s)) : void(); }, true},
+    // Not when a reference is taken: that of another argument may be the next one.
+    {"lets go of everything",
+     [](Scene& s, const HostileCall&, int i) { i == 0 && !s.calls.isAddRef ? s.LetGo() : void(); }, true},
+    {"fails",
+     [](Scene& s, const HostileCall&, int i) {
+         if (i > 0) return;
+         s.other->result = s.element->result = s.element2->result = s.region->result = s.image->result = E_OUTOFMEMORY;
+     },
+     false},
+};
+
+TEST(HostileClients, MayDoAnythingInAnyCall) {
+    for (const HostileCall& method : kHostileCalls) {
+        int most = 0;
+        for (const Deed& deed : kDeeds) {
+            int calls = 1;
+            for (int k = 0; k < calls; ++k) {
+                SCOPED_TRACE(std::string(method.name) + ": " + deed.name + " in call " + std::to_string(k));
+                Scene scene;
+                scene.calls.at = [&](int number) {
+                    if (number >= k) deed.act(scene, method, number - k);
+                };
+                const HRESULT result = method.call(scene);
+                scene.calls.at = nullptr;
+                EXPECT_TRUE(result == S_OK || result == S_FALSE || FAILED(result)) << result;
+                calls = std::max(calls, std::min(scene.calls.count, 24));
+                if (!scene.bitmap) continue;
+                if (!deed.changesPixels && FAILED(result)) {
+                    EXPECT_EQ(scene.rows, RowsOf(scene.bitmap.get()));
+                }
+                // Nothing is left behind.
+                scene.bitmap->put_RegionOfInterest(nullptr);
+                EXPECT_EQ(S_OK, scene.bitmap->Create(5, 4, 1));
+                EXPECT_EQ(S_OK, scene.bitmap->Invert());
+                EXPECT_EQ(20, Get(scene.bitmap, &IBitmapProcess::get_PixelCount));
+            }
+            most = std::max(most, calls);
+        }
+        EXPECT_GT(most, 1) << method.name;
+    }
+}
+
+TEST(HostileClients, AreNotBelieved) {
+    static SRun odd[4] = {RunOf(5, 2), RunOf(kLeast, kMost), RunOf(kMost, kLeast), RunOf(9, 9)};
+    const auto later = [](auto* pointer, ptrdiff_t bytes) {
+        return reinterpret_cast<decltype(pointer)>(reinterpret_cast<char*>(pointer) + bytes);
+    };
+    using Lie = std::function<void(Scene&)>;
+    const auto ofBitmap = [](void (*lie)(BITMAP&)) { return [=](Scene& s) { s.other->lie = lie; }; };
+    const auto ofRuns = [](auto lie) { return [=](Scene& s) { s.region->lieOfRuns = lie; }; };
+    const auto ofBox = [](void (*lie)(RECT&)) { return [=](Scene& s) { s.region->lieOfBox = lie; }; };
+    const auto ofSize = [](void (*lie)(LONG&, LONG&, LONG&)) { return [=](Scene& s) { s.image->lieOfSize = lie; }; };
+    const auto ofPixels = [](auto lie) { return [=](Scene& s) { s.image->lieOfPixels = lie; }; };
+    const auto ofNumber = [](void (*lie)(LONG&)) { return [=](Scene& s) { s.element->lieOfNumber = lie; }; };
+    const auto ofList = [](auto lie) { return [=](Scene& s) { s.element->lieOfList = lie; }; };
+    const std::pair<const char*, Lie> lies[] = {
+        {"no bits", ofBitmap([](BITMAP& b) { b.bmBits = nullptr; })},
+        {"bits nowhere", ofBitmap([](BITMAP& b) { b.bmBits = reinterpret_cast<void*>(16); })},
+        {"negative width", ofBitmap([](BITMAP& b) { b.bmWidth = -70; })},
+        {"largest width", ofBitmap([](BITMAP& b) { b.bmWidth = kMost; })},
+        {"largest height", ofBitmap([](BITMAP& b) { b.bmHeight = kMost; })},
+        {"no height", ofBitmap([](BITMAP& b) { b.bmHeight = 0; })},
+        {"short rows", ofBitmap([](BITMAP& b) { b.bmWidthBytes = 8; })},
+        {"rows upwards", ofBitmap([](BITMAP& b) { b.bmWidthBytes = -b.bmWidthBytes; })},
+        {"bytes for bits", ofBitmap([](BITMAP& b) { b.bmBitsPixel = 8; })},
+        {"no planes", ofBitmap([](BITMAP& b) { b.bmPlanes = 0; })},
+        {"box of all", ofBox([](RECT& r) {
+             r = {kLeast, kLeast, kMost, kMost};
+         })},
+        {"box of nothing", ofBox([](RECT& r) {
+             r = {kMost, kMost, kLeast, kLeast};
+         })},
+        {"odd runs", ofRuns([](SRun*& begin, SRun*& end) { begin = odd, end = odd + 4; })},
+        {"runs backwards", ofRuns([](SRun*& begin, SRun*& end) { begin = odd + 4, end = odd; })},
+        {"no first run", ofRuns([](SRun*& begin, SRun*&) { begin = nullptr; })},
+        {"no last run", ofRuns([](SRun*&, SRun*& end) { end = nullptr; })},
+        {"runs beside their places", ofRuns([=](SRun*& begin, SRun*& end) { begin = later(odd, 2), end = odd + 2; })},
+        {"too many runs",
+         ofRuns([](SRun*& begin, SRun*& end) { begin = odd, end = reinterpret_cast<SRun*>(~uintptr_t{7}); })},
+        {"no bands", ofSize([](LONG& bands, LONG&, LONG&) { bands = 0; })},
+        {"largest image", ofSize([](LONG& bands, LONG& w, LONG& h) { bands = w = h = kMost; })},
+        {"negative image", ofSize([](LONG& bands, LONG& w, LONG& h) { bands = w = h = kLeast; })},
+        {"one column less", ofSize([](LONG&, LONG& width, LONG&) { --width; })},
+        {"another size each time",
+         [](Scene& s) { s.image->lieOfSize = [n = LONG{0}](LONG&, LONG&, LONG& height) mutable { height += n++; }; }},
+        {"unknown type", [](Scene& s) { s.image->lieOfType = [](LONG& type) { type = 77; }; }},
+        {"no pixels", ofPixels([](void*& base, VPAEntry*&) { base = nullptr; })},
+        {"no table", ofPixels([](void*&, VPAEntry*& table) { table = nullptr; })},
+        {"pixels beside their places", ofPixels([=](void*& base, VPAEntry*&) { base = static_cast<char*>(base) + 1; })},
+        {"table beside its place", ofPixels([=](void*&, VPAEntry*& table) { table = later(table, 1); })},
+        {"negative number", ofNumber([](LONG& n) { n = kLeast; })},
+        {"largest number", ofNumber([](LONG& n) { n = kMost; })},
+        {"no number", ofNumber([](LONG& n) { n = 0; })},
+        {"no list", ofList([](SElement*& list) { list = nullptr; })},
+        {"list nowhere", ofList([](SElement*& list) { list = reinterpret_cast<SElement*>(16); })},
+        {"list beside its place", ofList([=](SElement*& list) { list = later(list, 1); })},
+    };
+    for (const auto& [name, lie] : lies) {
+        int failures = 0, withoutEffect = 0;
+        for (const HostileCall& method : kHostileCalls) {
+            SCOPED_TRACE(std::string(method.name) + ": " + name);
+            Scene scene;
+            lie(scene);
+            const HRESULT result = method.call(scene);
+            EXPECT_TRUE(result == S_OK || FAILED(result)) << result;
+            if (SUCCEEDED(result)) {
+                ++withoutEffect;
+                continue;
+            }
+            ++failures;
+            EXPECT_EQ(scene.rows, RowsOf(scene.bitmap.get()));
+        }
+        // Odd runs and boxes are clipped, lists without elements refused; everything else fails where it is asked.
+        const std::string lenient[] = {"box of all",     "box of nothing", "odd runs",
+                                       "runs backwards", "no first run",   "no last run"};
+        const bool believed = std::find(std::begin(lenient), std::end(lenient), name) != std::end(lenient);
+        EXPECT_EQ(believed, failures == 0) << name;
+        EXPECT_GT(withoutEffect, 0) << name;
+    }
+}
+
+}  // namespace
+}  // namespace orlix::testing
