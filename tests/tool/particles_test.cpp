@@ -88,6 +88,8 @@ TEST_F(Particles, StepsHaveOneOrderWhateverTheOrderOfTheOptions) {
     EXPECT_THAT(Sizes("a.pgm --fill-holes"), ElementsAre(25, 1, 12, 4));
     EXPECT_THAT(Sizes("a.pgm --fill-holes=2"), ElementsAre(16, 1, 1, 12, 4));
     EXPECT_THAT(Sizes("a.pgm --fill-holes --open 1"), IsEmpty()) << "open first: nothing remains to fill";
+    EXPECT_THAT(Sizes("a.pgm --open 1e9"), IsEmpty());
+    EXPECT_THAT(Sizes("a.pgm --close 1e9"), ElementsAre(135)) << "whatever has a pixel fills the image";
     EXPECT_THAT(Sizes("a.pgm --min-area 4 --max-area 10"), ElementsAre(10, 4));
     EXPECT_THAT(Sizes("a.pgm --exclude-border"), ElementsAre(16, 1, 1, 10));
     const Words steps =
@@ -206,6 +208,38 @@ TEST_F(Particles, ResultsAreTheSameInEveryForm) {
             found = found || outlines[y * 640 + x] == 106 || outlines[y * 640 + x] == 255;
         EXPECT_TRUE(found) << particle["number"];
     }
+}
+
+TEST_F(Particles, AreMeasuredAsTheyAreAskedFor) {
+    Make("a.png");
+    const auto header = [](const std::string& list) {
+        return Lines(Orlix(Words{"particles", "a.png", "--csv", "--measure", list}).out)[0];
+    };
+    EXPECT_EQ("file,error,unit,number,area,circularity,grey.mean,trust.valley.fate\r",
+              header("trust.valley.fate,gray.mean,circularity,area"));
+    EXPECT_EQ(header("all"), header("shape,grey,outline,trust"));
+    EXPECT_EQ(header("usual"), Lines(Orlix("particles a.png --csv").out)[0]);
+    EXPECT_EQ(header("usual"), header("usual,x,number,usual"));
+    EXPECT_EQ("file,error,unit,number\r", Lines(Orlix("particles a.png --csv --measure trust --no-trust").out)[0]);
+    const Json all = Found("a.png --measure all"),
+               few = Found("a.png --measure meanWidth,grey.mode,outline.x --out out");
+    EXPECT_EQ(all["particleSummary"], few["particleSummary"]);
+    ASSERT_EQ(all["particles"].size(), few["particles"].size());
+    for (size_t i = 0; i < all["particles"].size(); ++i)
+        for (const auto& [name, value] : few["particles"][i].items()) {
+            const Json& of = all["particles"][i][name];
+            if (name == "grey" || name == "outline") {
+                EXPECT_EQ(1u, value.size());
+                EXPECT_EQ(of[value.items().begin().key()], *value.begin());
+            } else {
+                EXPECT_EQ(of, value) << name;
+            }
+        }
+    EXPECT_FALSE(few["particles"][0].contains("perimeter"));
+    EXPECT_THAT(ReadFile(Path("out/report.html")), Not(HasSubstr("Circularity")));
+    const Result wrong = Orlix("particles a.png --measure area,size");
+    EXPECT_EQ(kUsage, wrong.code);
+    EXPECT_THAT(wrong.err, HasSubstr("--measure: 'size' is not one of usual, all, shape, grey, outline, trust, x, y,"));
 }
 
 TEST_F(Particles, ABatchPutsItsFieldsTogether) {

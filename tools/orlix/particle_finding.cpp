@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <sstream>
 #include <type_traits>
 
 namespace tool {
@@ -19,9 +20,12 @@ using namespace orlix;
 
 namespace {
 
+// A measurement: the group that it is computed with, and whether it is one of those that are usually wanted.
 template <class Record>
 struct RecordField {
     const char* name;
+    LONG group;
+    bool usual;
     Json (*of)(const Record&);
 };
 template <class Record, auto Member>
@@ -34,86 +38,96 @@ Json MemberOf(const Record& record) {
 
 using ParticleShape = SBinaryMeasurements;
 constexpr RecordField<ParticleShape> kShapeFields[] = {
-    {"x", &MemberOf<ParticleShape, &ParticleShape::m_dXCentroid>},
-    {"y", &MemberOf<ParticleShape, &ParticleShape::m_dYCentroid>},
-    {"left", &MemberOf<ParticleShape, &ParticleShape::m_lLeft>},
-    {"top", &MemberOf<ParticleShape, &ParticleShape::m_lTop>},
-    {"right", &MemberOf<ParticleShape, &ParticleShape::m_lRight>},
-    {"bottom", &MemberOf<ParticleShape, &ParticleShape::m_lBottom>},
-    {"pixels", &MemberOf<ParticleShape, &ParticleShape::m_lPixelCount>},
-    {"area", &MemberOf<ParticleShape, &ParticleShape::m_dArea>},
-    {"diameter", [](const ParticleShape& shape) { return Finite(2 * shape.m_dEquivalentRadius); }},
-    {"perimeter", &MemberOf<ParticleShape, &ParticleShape::m_dPerimeter>},
-    {"croftonPerimeter", &MemberOf<ParticleShape, &ParticleShape::m_dCroftonPerimeter>},
-    {"circularity", &MemberOf<ParticleShape, &ParticleShape::m_dCircularity>},
-    {"roundness", &MemberOf<ParticleShape, &ParticleShape::m_dRoundness>},
-    {"compactness", &MemberOf<ParticleShape, &ParticleShape::m_dCompactness>},
-    {"solidity", &MemberOf<ParticleShape, &ParticleShape::m_dSolidity>},
-    {"extent", &MemberOf<ParticleShape, &ParticleShape::m_dExtent>},
-    {"aspectRatio", &MemberOf<ParticleShape, &ParticleShape::m_dAspectRatio>},
-    {"feretMaximum", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMaximum>},
-    {"feretMaximumAngle", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMaximumAngle>},
-    {"feretMinimum", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMinimum>},
-    {"feretMinimumAngle", &MemberOf<ParticleShape, &ParticleShape::m_dFeretMinimumAngle>},
-    {"boxLength", &MemberOf<ParticleShape, &ParticleShape::m_dBoxLength>},
-    {"boxWidth", &MemberOf<ParticleShape, &ParticleShape::m_dBoxWidth>},
-    {"boxAngle", &MemberOf<ParticleShape, &ParticleShape::m_dBoxAngle>},
-    {"majorAxis", &MemberOf<ParticleShape, &ParticleShape::m_dMajorAxis>},
-    {"minorAxis", &MemberOf<ParticleShape, &ParticleShape::m_dMinorAxis>},
-    {"ellipseAngle", &MemberOf<ParticleShape, &ParticleShape::m_dEllipseAngle>},
-    {"eccentricity", &MemberOf<ParticleShape, &ParticleShape::m_dEccentricity>},
-    {"holes", &MemberOf<ParticleShape, &ParticleShape::m_lHoles>},
-    {"filledArea", &MemberOf<ParticleShape, &ParticleShape::m_dFilledArea>},
-    {"hullArea", &MemberOf<ParticleShape, &ParticleShape::m_dHullArea>},
-    {"hullPerimeter", &MemberOf<ParticleShape, &ParticleShape::m_dHullPerimeter>},
-    {"inscribedRadius", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedRadius>},
-    {"inscribedX", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedXCenter>},
-    {"inscribedY", &MemberOf<ParticleShape, &ParticleShape::m_dInscribedYCenter>},
-    {"enclosingRadius", &MemberOf<ParticleShape, &ParticleShape::m_dEnclosingRadius>},
-    {"skeletonLength", &MemberOf<ParticleShape, &ParticleShape::m_dSkeletonLength>},
-    {"meanWidth", &MemberOf<ParticleShape, &ParticleShape::m_dMeanWidth>},
+    {"x", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_dXCentroid>},
+    {"y", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_dYCentroid>},
+    {"left", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_lLeft>},
+    {"top", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_lTop>},
+    {"right", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_lRight>},
+    {"bottom", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_lBottom>},
+    {"pixels", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_lPixelCount>},
+    {"area", BEMT_Size, true, &MemberOf<ParticleShape, &ParticleShape::m_dArea>},
+    {"diameter", BEMT_Size, true, [](const ParticleShape& shape) { return Finite(2 * shape.m_dEquivalentRadius); }},
+    {"perimeter", BEMT_Perimeter, true, &MemberOf<ParticleShape, &ParticleShape::m_dPerimeter>},
+    {"croftonPerimeter", BEMT_CroftonPerimeter, false, &MemberOf<ParticleShape, &ParticleShape::m_dCroftonPerimeter>},
+    {"circularity", BEMT_Perimeter, true, &MemberOf<ParticleShape, &ParticleShape::m_dCircularity>},
+    {"roundness", BEMT_Feret, false, &MemberOf<ParticleShape, &ParticleShape::m_dRoundness>},
+    {"compactness", BEMT_Feret, false, &MemberOf<ParticleShape, &ParticleShape::m_dCompactness>},
+    {"solidity", BEMT_Hull, true, &MemberOf<ParticleShape, &ParticleShape::m_dSolidity>},
+    {"extent", BEMT_Size, false, &MemberOf<ParticleShape, &ParticleShape::m_dExtent>},
+    {"aspectRatio", BEMT_Ellipse, true, &MemberOf<ParticleShape, &ParticleShape::m_dAspectRatio>},
+    {"feretMaximum", BEMT_Feret, true, &MemberOf<ParticleShape, &ParticleShape::m_dFeretMaximum>},
+    {"feretMaximumAngle", BEMT_Feret, true, &MemberOf<ParticleShape, &ParticleShape::m_dFeretMaximumAngle>},
+    {"feretMinimum", BEMT_Feret, true, &MemberOf<ParticleShape, &ParticleShape::m_dFeretMinimum>},
+    {"feretMinimumAngle", BEMT_Feret, true, &MemberOf<ParticleShape, &ParticleShape::m_dFeretMinimumAngle>},
+    {"boxLength", BEMT_OrientedBox, false, &MemberOf<ParticleShape, &ParticleShape::m_dBoxLength>},
+    {"boxWidth", BEMT_OrientedBox, false, &MemberOf<ParticleShape, &ParticleShape::m_dBoxWidth>},
+    {"boxAngle", BEMT_OrientedBox, false, &MemberOf<ParticleShape, &ParticleShape::m_dBoxAngle>},
+    {"majorAxis", BEMT_Ellipse, true, &MemberOf<ParticleShape, &ParticleShape::m_dMajorAxis>},
+    {"minorAxis", BEMT_Ellipse, true, &MemberOf<ParticleShape, &ParticleShape::m_dMinorAxis>},
+    {"ellipseAngle", BEMT_Ellipse, true, &MemberOf<ParticleShape, &ParticleShape::m_dEllipseAngle>},
+    {"eccentricity", BEMT_Ellipse, false, &MemberOf<ParticleShape, &ParticleShape::m_dEccentricity>},
+    {"holes", BEMT_Topology, true, &MemberOf<ParticleShape, &ParticleShape::m_lHoles>},
+    {"filledArea", BEMT_FilledArea, false, &MemberOf<ParticleShape, &ParticleShape::m_dFilledArea>},
+    {"hullArea", BEMT_Hull, false, &MemberOf<ParticleShape, &ParticleShape::m_dHullArea>},
+    {"hullPerimeter", BEMT_Hull, false, &MemberOf<ParticleShape, &ParticleShape::m_dHullPerimeter>},
+    {"inscribedRadius", BEMT_InscribedCircle, false, &MemberOf<ParticleShape, &ParticleShape::m_dInscribedRadius>},
+    {"inscribedX", BEMT_InscribedCircle, false, &MemberOf<ParticleShape, &ParticleShape::m_dInscribedXCenter>},
+    {"inscribedY", BEMT_InscribedCircle, false, &MemberOf<ParticleShape, &ParticleShape::m_dInscribedYCenter>},
+    {"enclosingRadius", BEMT_EnclosingCircle, false, &MemberOf<ParticleShape, &ParticleShape::m_dEnclosingRadius>},
+    {"skeletonLength", BEMT_Skeleton, false, &MemberOf<ParticleShape, &ParticleShape::m_dSkeletonLength>},
+    {"meanWidth", BEMT_Skeleton, false, &MemberOf<ParticleShape, &ParticleShape::m_dMeanWidth>},
 };
-constexpr LONG kShapeGroups = BEMT_All & ~BEMT_Moments;
-
 using ParticleGrey = SBlobGrayMeasurements;
 constexpr RecordField<ParticleGrey> kGreyFields[] = {
-    {"mean", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayAverage>},
-    {"standardDeviation", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayStandardDeviation>},
-    {"minimum", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMinimum>},
-    {"maximum", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMaximum>},
-    {"median", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMedian>},
-    {"mode", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMode>},
-    {"skewness", &MemberOf<ParticleGrey, &ParticleGrey::m_dGraySkewness>},
-    {"kurtosis", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayKurtosis>},
-    {"integrated", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayIntegrated>},
-    {"boundaryMean", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayBoundaryAverage>},
-    {"xCentroid", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayXCentroid>},
-    {"yCentroid", &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayYCentroid>},
-    {"volumeOverPlane", &MemberOf<ParticleGrey, &ParticleGrey::m_dVolumeOverPlane>},
+    {"mean", GEMT_GrayStatistics, true, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayAverage>},
+    {"standardDeviation", GEMT_GrayStatistics, true, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayStandardDeviation>},
+    {"minimum", GEMT_GrayStatistics, true, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMinimum>},
+    {"maximum", GEMT_GrayStatistics, true, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMaximum>},
+    {"median", GEMT_GrayRank, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMedian>},
+    {"mode", GEMT_GrayRank, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayMode>},
+    {"skewness", GEMT_GrayStatistics, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGraySkewness>},
+    {"kurtosis", GEMT_GrayStatistics, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayKurtosis>},
+    {"integrated", GEMT_GrayStatistics, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayIntegrated>},
+    {"boundaryMean", GEMT_GrayBoundary, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayBoundaryAverage>},
+    {"xCentroid", GEMT_GrayLocation, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayXCentroid>},
+    {"yCentroid", GEMT_GrayLocation, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dGrayYCentroid>},
+    {"volumeOverPlane", GEMT_GrayVolume, false, &MemberOf<ParticleGrey, &ParticleGrey::m_dVolumeOverPlane>},
 };
-constexpr LONG kGreyGroups =
-    GEMT_GrayLocation | GEMT_GrayStatistics | GEMT_GrayRank | GEMT_GrayBoundary | GEMT_GrayVolume;
-
 using ParticleOutline = SLevelMeasurements;
 constexpr RecordField<ParticleOutline> kOutlineFields[] = {
-    {"area", &MemberOf<ParticleOutline, &ParticleOutline::m_dArea>},
-    {"diameter", [](const ParticleOutline& outline) { return Finite(2 * outline.m_dEquivalentRadius); }},
-    {"perimeter", &MemberOf<ParticleOutline, &ParticleOutline::m_dPerimeter>},
-    {"circularity", &MemberOf<ParticleOutline, &ParticleOutline::m_dCircularity>},
-    {"x", &MemberOf<ParticleOutline, &ParticleOutline::m_dXCentroid>},
-    {"y", &MemberOf<ParticleOutline, &ParticleOutline::m_dYCentroid>},
-    {"majorAxis", &MemberOf<ParticleOutline, &ParticleOutline::m_dMajorAxis>},
-    {"minorAxis", &MemberOf<ParticleOutline, &ParticleOutline::m_dMinorAxis>},
-    {"ellipseAngle", &MemberOf<ParticleOutline, &ParticleOutline::m_dEllipseAngle>},
-    {"feretMaximum", &MemberOf<ParticleOutline, &ParticleOutline::m_dFeretMaximum>},
-    {"feretMinimum", &MemberOf<ParticleOutline, &ParticleOutline::m_dFeretMinimum>},
-    {"levelShare", &MemberOf<ParticleOutline, &ParticleOutline::m_dLevelShare>},
+    {"area", 1, true, &MemberOf<ParticleOutline, &ParticleOutline::m_dArea>},
+    {"diameter", 1, true, [](const ParticleOutline& outline) { return Finite(2 * outline.m_dEquivalentRadius); }},
+    {"perimeter", 1, true, &MemberOf<ParticleOutline, &ParticleOutline::m_dPerimeter>},
+    {"circularity", 1, true, &MemberOf<ParticleOutline, &ParticleOutline::m_dCircularity>},
+    {"x", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dXCentroid>},
+    {"y", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dYCentroid>},
+    {"majorAxis", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dMajorAxis>},
+    {"minorAxis", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dMinorAxis>},
+    {"ellipseAngle", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dEllipseAngle>},
+    {"feretMaximum", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dFeretMaximum>},
+    {"feretMinimum", 1, false, &MemberOf<ParticleOutline, &ParticleOutline::m_dFeretMinimum>},
+    {"levelShare", 1, true, &MemberOf<ParticleOutline, &ParticleOutline::m_dLevelShare>},
 };
 
-template <class Record, size_t N>
-void PutFields(const RecordField<Record> (&fields)[N], const Record& record, Json& out) {
-    for (const RecordField<Record>& field : fields) out[field.name] = field.of(record);
-}
+// Of a table, the fields whose columns are chosen, and the groups to compute for them.
+template <class Record>
+struct ChosenFields {
+    std::vector<const RecordField<Record>*> fields;
+    LONG groups = 0;
+
+    template <size_t N>
+    ChosenFields(const RecordField<Record> (&table)[N], const std::string& prefix,
+                 const std::vector<std::string>& columns, LONG always = 0) {
+        for (const RecordField<Record>& field : table)
+            if ((field.group & always) != 0 || std::ranges::find(columns, prefix + field.name) != columns.end()) {
+                fields.push_back(&field);
+                groups |= field.group;
+            }
+    }
+    void Put(const Record& record, Json& out) const {
+        for (const RecordField<Record>* field : fields) out[field->name] = field->of(record);
+    }
+};
 
 LONG NumberOfBlobs(const ComPtr<IBlobs>& blobs) {
     LONG count = 0;
@@ -396,29 +410,29 @@ private:
     // The documents of the particles that are left.
     Json List(const CountingField& field, double level) {
         const ComPtr<IBlobs>& blobs = result_.blobs;
-        const std::vector<ParticleShape> shapes = ShapesOf(blobs, kShapeGroups);
-        std::vector<ParticleGrey> grey(shapes.size());
-        std::vector<ParticleOutline> outlines(std::isnan(level) ? 0 : shapes.size());
+        const ChosenFields<ParticleShape> shapeFields(kShapeFields, "", settings_.columns, BEMT_Size);
+        const ChosenFields<ParticleGrey> greyFields(kGreyFields, "grey.", settings_.columns);
+        const ChosenFields<ParticleOutline> outlineFields(kOutlineFields, "outline.", settings_.columns);
+        const std::vector<ParticleShape> shapes = ShapesOf(blobs, shapeFields.groups | BEMT_BorderContact);
+        std::vector<ParticleGrey> grey(greyFields.groups == 0 ? 0 : shapes.size());
+        std::vector<ParticleOutline> outlines(outlineFields.groups == 0 || std::isnan(level) ? 0 : shapes.size());
         const auto count = static_cast<LONG>(shapes.size());
-        if (count > 0) {
-            Check(blobs->MeasureGray(Of().image.get(), Of().band, kGreyGroups), blobs);
+        if (!grey.empty()) {
+            Check(blobs->MeasureGray(Of().image.get(), Of().band, greyFields.groups), blobs);
             Check(blobs->GetGrayMeasurements(0, count, grey.data()), blobs);
-            if (!outlines.empty())
-                Check(blobs->GetLevelMeasurements(Of().image.get(), Of().band, level, 0, count, outlines.data()),
-                      blobs);
         }
+        if (!outlines.empty())
+            Check(blobs->GetLevelMeasurements(Of().image.get(), Of().band, level, 0, count, outlines.data()), blobs);
         Json list = Json::array();
         for (size_t i = 0; i < shapes.size(); ++i) {
             Json particle;
             particle["number"] = i + 1;
-            PutFields(kShapeFields, shapes[i], particle);
+            shapeFields.Put(shapes[i], particle);
             particle["atBorder"] = field.Cuts(shapes[i]);
             particle["weight"] = Finite(WeightOf(shapes[i], field));
-            PutFields(kGreyFields, grey[i], particle["grey"]);
-            if (outlines.empty())
-                particle["outline"] = nullptr;
-            else
-                PutFields(kOutlineFields, outlines[i], particle["outline"]);
+            if (!grey.empty()) greyFields.Put(grey[i], particle["grey"]);
+            if (outlineFields.groups != 0) particle["outline"] = nullptr;
+            if (!outlines.empty()) outlineFields.Put(outlines[i], particle["outline"]);
             list.push_back(std::move(particle));
         }
         return list;
@@ -469,19 +483,46 @@ ParticleImage FindParticles(ComPtr<IImageVPAExPlus> image, const std::string& sh
     return ParticleFinding(std::move(image), shownName, settings).Run();
 }
 
-const std::vector<std::string>& ParticleColumns() {
-    static const std::vector<std::string> columns = [] {
-        std::vector<std::string> names = {"number"};
-        for (const auto& field : kShapeFields) names.emplace_back(field.name);
-        names.insert(names.end(), {"atBorder", "weight"});
-        for (const auto& field : kGreyFields) names.push_back(std::string("grey.") + field.name);
-        for (const auto& field : kOutlineFields) names.push_back(std::string("outline.") + field.name);
-        for (const char* move : {"oneLevel", "valley"})
-            for (const char* member : {"narrowerArea", "widerArea", "fate"})
-                names.push_back(std::string("trust.") + move + "." + member);
-        return names;
-    }();
-    return columns;
+std::vector<std::string> ParseColumns(const std::string& list) {
+    struct Column {
+        std::string name, group;
+        bool usual;
+    };
+    std::vector<Column> columns = {{"number", "", true}};
+    const auto add = [&](const auto& table, const std::string& group, const std::string& prefix) {
+        for (const auto& field : table) columns.push_back({prefix + field.name, group, field.usual});
+    };
+    add(kShapeFields, "shape", "");
+    columns.push_back({"atBorder", "shape", true});
+    columns.push_back({"weight", "shape", true});
+    add(kGreyFields, "grey", "grey.");
+    add(kOutlineFields, "outline", "outline.");
+    for (const char* move : {"oneLevel", "valley"})
+        for (const char* member : {"narrowerArea", "widerArea", "fate"})
+            columns.push_back({std::string("trust.") + move + "." + member, "trust", true});
+
+    std::vector<bool> chosen(columns.size(), false);
+    chosen[0] = true;
+    std::istringstream words(list);
+    for (std::string word; std::getline(words, word, ',');) {
+        if (word.starts_with("gray")) word[2] = 'e';
+        bool some = false;
+        for (size_t i = 0; i < columns.size(); ++i) {
+            const Column& column = columns[i];
+            if (word != "all" && word != column.group && word != column.name && !(word == "usual" && column.usual))
+                continue;
+            chosen[i] = some = true;
+        }
+        if (!some) {
+            std::string known = "usual, all, shape, grey, outline, trust";
+            for (size_t i = 1; i < columns.size(); ++i) known += ", " + columns[i].name;
+            throw UsageError("--measure: '" + word + "' is not one of " + known);
+        }
+    }
+    std::vector<std::string> out;
+    for (size_t i = 0; i < columns.size(); ++i)
+        if (chosen[i]) out.push_back(columns[i].name);
+    return out;
 }
 
 Json DiameterDistributions(const std::vector<const Json*>& particles) {

@@ -23,6 +23,10 @@ struct LocalThreshold {
     bool bright = false;  // the side of the phase
 };
 
+// The columns of --measure, in their order, as paths of members of a particle: "number" (from 1, always), "x", ...,
+// "grey.mean", "outline.area". `list` has names of columns and groups, separated by commas. Throws UsageError.
+std::vector<std::string> ParseColumns(const std::string& list);
+
 struct ParticleSettings : MeasureSettings {
     std::vector<FilterPass> filters;      // before anything else, to the whole image
     std::optional<LocalThreshold> local;  // after the threshold
@@ -31,7 +35,8 @@ struct ParticleSettings : MeasureSettings {
     std::optional<std::pair<double, double>> split;  // depth in pixels, share
     std::optional<LONG> minimumArea, maximumArea;    // pixels
     bool excludeBorder = false;
-    bool trust = true;  // find the particles again with the threshold moved
+    std::vector<std::string> columns = ParseColumns("usual");  // measured, beside those of each particle
+    bool trust = true;                                         // find the particles again with the threshold moved
     ConnectivityType connectivity = CT_8;
 };
 
@@ -64,8 +69,9 @@ constexpr std::pair<double, double> kUsualSplit = {0.75, 0.05};
 //       Of a phase between two levels both ends move. An end that is no threshold stays
 //     change {count, area, d50ByNumber, d50ByArea}: the greater one of both, as a fraction
 //     particles {same, splits, merges, vanishes}: how many of the particles have this fate
-//   particles [{...}]: in raster order; see ParticleColumns(). Members of "trust.oneLevel" and "trust.valley" (null
-//     without such a move)
+//   particles [{...}]: in raster order, with the settings' columns; always number, x, y, left, top, right, bottom,
+//     pixels, area, diameter, extent, atBorder and weight, and with a threshold trust. Members of "trust.oneLevel" and
+//     "trust.valley" (null without such a move)
 //     narrowerArea, widerArea: of the particles there that share more pixels with this one than with any other; null if
 //       it merges
 //     fate: the worse one of both moves. "vanishes": no particle there has a pixel of it. "merges": the one that has
@@ -78,9 +84,6 @@ struct ParticleImage {
 };
 ParticleImage FindParticles(orlix::ComPtr<IImageVPAExPlus> image, const std::string& shownName,
                             const ParticleSettings& settings);
-
-// The members of a particle, as paths: "number" (from 1), "x", ..., "grey.mean", "outline.area".
-const std::vector<std::string>& ParticleColumns();
 
 // The distributions of the diameters of particles with the given documents: {byNumber, byArea}.
 Json DiameterDistributions(const std::vector<const Json*>& particles);

@@ -53,7 +53,17 @@ bool LabelRows::AtEdge(int32_t x, int32_t y) const {
            (at(x - 1, y) != label || at(x + 1, y) != label || at(x, y - 1) != label || at(x, y + 1) != label);
 }
 
-Picture OutlinesPicture(const Picture& display, const LabelRows& labels, const Json& particles) {
+std::vector<SBinaryMeasurements> InscribedCircles(const ComPtr<IBlobs>& blobs) {
+    LONG count = 0;
+    Check(blobs->get_Count(&count), blobs);
+    std::vector<SBinaryMeasurements> circles(static_cast<size_t>(count));
+    if (count > 0)
+        Check(blobs->GetBinaryMeasurements(BEMT_InscribedCircle | BEMT_Topology, 0, count, circles.data()), blobs);
+    return circles;
+}
+
+Picture OutlinesPicture(const Picture& display, const LabelRows& labels,
+                        const std::vector<SBinaryMeasurements>& circles) {
     Picture picture = {display.width, display.height, 3, {}};
     picture.samples.reserve(3 * display.samples.size());
     for (int32_t y = 0; y < display.height; ++y)
@@ -65,14 +75,14 @@ Picture OutlinesPicture(const Picture& display, const LabelRows& labels, const J
                 picture.samples.push_back(outline ? kOutline[channel] : grey);
         }
     const int32_t dot = 1 + std::max(display.width, display.height) / 2000;
-    for (const Json& particle : particles) {
-        const std::string text = std::to_string(particle["number"].get<int64_t>());
+    for (size_t i = 0; i < circles.size(); ++i) {
+        const SBinaryMeasurements& of = circles[i];
+        const std::string text = std::to_string(i + 1);
         const int32_t width = LetteringWidth(text, dot), height = (kGlyphHeight - 1) * dot;
-        const auto x = static_cast<int32_t>(std::lround(NumberAt(particle, "inscribedX"))),
-                   y = static_cast<int32_t>(std::lround(NumberAt(particle, "inscribedY"))),
-                   top = particle["top"].get<int32_t>();
-        const bool fits = particle["right"].get<int32_t>() - particle["left"].get<int32_t>() >= width + 2 * dot &&
-                          particle["bottom"].get<int32_t>() - top >= height + 2 * dot;
+        const auto x = static_cast<int32_t>(std::lround(of.m_dInscribedXCenter)),
+                   y = static_cast<int32_t>(std::lround(of.m_dInscribedYCenter));
+        const int32_t top = of.m_lTop;
+        const bool fits = of.m_lRight - of.m_lLeft >= width + 2 * dot && of.m_lBottom - top >= height + 2 * dot;
         // Inside the picture in any case.
         const int32_t left = std::clamp(x - width / 2, dot, std::max(dot, display.width - width - dot));
         const int32_t wanted = fits ? y - height / 2 : top - height - 2 * dot;

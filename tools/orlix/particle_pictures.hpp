@@ -28,9 +28,13 @@ private:
     std::vector<uint32_t> labels_;
 };
 
+// Their inscribed circles and numbers of holes.
+std::vector<SBinaryMeasurements> InscribedCircles(const orlix::ComPtr<IBlobs>& blobs);
+
 // The particles outlined, each with its number in white on black: on the centre of its largest inscribed circle, or
-// above a particle that is smaller than its number. `particles` is the list of their documents.
-Picture OutlinesPicture(const Picture& display, const LabelRows& labels, const Json& particles);
+// above a particle that is smaller than its number.
+Picture OutlinesPicture(const Picture& display, const LabelRows& labels,
+                        const std::vector<SBinaryMeasurements>& circles);
 
 // A colour for each particle, on black. Neighbours in the list differ clearly.
 Picture LabelsPicture(const LabelRows& labels);

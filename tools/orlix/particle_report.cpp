@@ -3,6 +3,7 @@
 #include "drawing.hpp"
 #include "histogram_plot.hpp"
 #include "html_page.hpp"
+#include "particle_pictures.hpp"
 #include "pictures.hpp"
 #include "size_plot.hpp"
 #include "subject.hpp"
@@ -167,22 +168,22 @@ std::string ParticleMap(const Json& m, const ComPtr<IBlobs>& blobs, const std::v
     std::string svg = "<svg id='map' class='particles' viewBox='-0.5 -0.5 " + std::to_string(width) + " " +
                       std::to_string(height) + "' role='img' aria-label='Particles'>\n<image href='" + imageUri +
                       "' x='-0.5' y='-0.5' width='" + whole(width) + "' height='" + whole(height) + "'/>\n";
+    const std::vector<SBinaryMeasurements> circles = InscribedCircles(blobs);
     std::string numbers;
     const double most = std::max(width, height), font = most / 75;
     for (const size_t i : shown) {
         const Json& particle = m["particles"][i];
         const std::string number = particle["number"].dump();
-        svg += "<path id='p" + number + "' d='" +
-               OutlinePath(blobs, static_cast<LONG>(i), particle["holes"].get<LONG>()) + "'><title>" + number +
-               ": diameter " + Digits(NumberAt(particle, "diameter"), 4) + " " + m["unit"].get<std::string>() +
-               "</title></path>\n";
+        svg += "<path id='p" + number + "' d='" + OutlinePath(blobs, static_cast<LONG>(i), circles[i].m_lHoles) +
+               "'><title>" + number + ": diameter " + Digits(NumberAt(particle, "diameter"), 4) + " " +
+               m["unit"].get<std::string>() + "</title></path>\n";
         // On the particle, or above one that the number would cover.
         const double y = NumberAt(particle, "bottom") - NumberAt(particle, "top") > 2 * font
-                             ? NumberAt(particle, "inscribedY") + 0.36 * font
+                             ? circles[i].m_dInscribedYCenter + 0.36 * font
                              : NumberAt(particle, "top") - 0.25 * font;
         const double half = 0.3 * font * static_cast<double>(number.size()) + font / 6;  // of its width
         numbers += "<text x='" +
-                   Coordinate(std::clamp(NumberAt(particle, "inscribedX"), std::min(half, width / 2.0),
+                   Coordinate(std::clamp(circles[i].m_dInscribedXCenter, std::min(half, width / 2.0),
                                          std::max(width - 1 - half, width / 2.0))) +
                    "' y='" + Coordinate(std::max(y, 1.1 * font)) + "'>" + number + "</text>\n";
     }
@@ -200,18 +201,24 @@ std::string ChangeText(const Json& move, double area) {
 }
 
 std::string ParticleTable(const Json& m, const std::vector<size_t>& shown) {
-    std::string out = "<div class='list'><table id='particles'>\n<thead><tr>";
+    std::vector<TableColumn> columns;  // those that were measured
     for (const TableColumn& column : kTableColumns)
+        if (std::ranges::any_of(m["particles"],
+                                [&](const Json& particle) { return !Member(particle, column.path).is_null(); }))
+            columns.push_back(column);
+    std::string out = "<div class='list'><table id='particles'>\n<thead><tr>";
+    const auto head = [&](const TableColumn& column) {
         out += std::string("<th class='n' title='") + column.hint + "'>" + column.title + "</th>";
+    };
     const bool trust = !m["trust"].is_null();
+    for (const TableColumn& column : columns) head(column);
     if (trust)
-        for (const TableColumn& column : kTrustColumns)
-            out += std::string("<th class='n' title='") + column.hint + "'>" + column.title + "</th>";
+        for (const TableColumn& column : kTrustColumns) head(column);
     out += "</tr></thead>\n<tbody>\n";
     for (const size_t i : shown) {
         const Json& particle = m["particles"][i];
         out += "<tr id='r" + particle["number"].dump() + "'>";
-        for (const TableColumn& column : kTableColumns) {
+        for (const TableColumn& column : columns) {
             const double value = NumberAt(particle, column.path);
             out += "<td class='n'>" + (value == std::floor(value) ? Rounded(value, 0) : Digits(value, 4)) + "</td>";
         }

@@ -67,6 +67,16 @@ How far the numbers can be trusted
   with another, splits, or vanishes. A neighbour or a part of less than a tenth of its area does not
   count. Of a phase between two levels both ends move, outwards and inwards. --no-trust leaves it out.
 
+Measurements (--measure LIST: names of columns of --csv, and groups)
+  usual     size, box, perimeter, circularity, solidity, Feret diameters, ellipse, holes, grey levels,
+            sub-pixel outline, trust
+  shape     all of the pixels: also Crofton perimeter, roundness, compactness, extent, oriented box, hull,
+            inscribed and enclosing circle, skeleton
+  grey      all of the grey levels: also median, mode, skewness, kurtosis, sum, centroid, boundary, volume
+  outline   all of the sub-pixel outline: also centroid, ellipse and Feret diameters
+  trust     areas and fate with the threshold moved
+  all       everything. Only what is chosen is computed. Names: those of the columns, as circularity or grey.mean
+
 Output
   A summary for people; with --json one document {..., options, images: [...], summary}, in which each
   image has particleSummary and particles; with --csv one line a particle. Lengths and areas are in
@@ -86,7 +96,7 @@ struct ParticlesOptions {
     std::vector<std::string> files, filters;
     PhaseOptions phase;
     std::optional<double> open, close;
-    std::string local, fillHoles, split, out;
+    std::string local, fillHoles, split, measure = "usual", out;
     std::optional<LONG> minimumArea, maximumArea;
     int connectivity = 8;
     bool excludeBorder = false, noTrust = false, json = false, csv = false, force = false;
@@ -155,6 +165,9 @@ void CompleteParticles(ParticlesOptions& options) {
     settings.maximumArea = options.maximumArea;
     settings.excludeBorder = options.excludeBorder;
     settings.trust = !options.noTrust;
+    settings.columns = ParseColumns(options.measure);
+    if (options.noTrust)
+        std::erase_if(settings.columns, [](const std::string& name) { return name.starts_with("trust."); });
     settings.connectivity = options.connectivity == 4 ? CT_4 : CT_8;
 }
 
@@ -203,19 +216,19 @@ Json SummaryOfFields(const Json& images) {
     return out;
 }
 
-std::string ParticleHeader() {
-    std::vector<std::string> columns = {"file", "error", "unit"};
-    columns.insert(columns.end(), ParticleColumns().begin(), ParticleColumns().end());
-    return CsvHeader(columns);
+std::string ParticleHeader(const std::vector<std::string>& columns) {
+    std::vector<std::string> all = {"file", "error", "unit"};
+    all.insert(all.end(), columns.begin(), columns.end());
+    return CsvHeader(all);
 }
 
 // A line for each particle, or the one of a failure.
-std::string ParticleLines(const Json& image) {
+std::string ParticleLines(const std::vector<std::string>& columns, const Json& image) {
     static const std::vector<std::string> head = {"file", "error", "unit"};
     std::string start = CsvLine(head, image), out;
     start.resize(start.size() - 2);  // without the line's end
-    if (!image.contains("particles")) return start + std::string(ParticleColumns().size(), ',') + "\r\n";
-    for (const Json& particle : image["particles"]) out += start + "," + CsvLine(ParticleColumns(), particle);
+    if (!image.contains("particles")) return start + std::string(columns.size(), ',') + "\r\n";
+    for (const Json& particle : image["particles"]) out += start + "," + CsvLine(columns, particle);
     return out;
 }
 
@@ -334,16 +347,17 @@ public:
     explicit ParticleResults(const ParticlesOptions& options)
         : single_(options.files.size() == 1),
           folder_(options.out, options.files, PlanOf(single_), options.force),
-          lines_(ParticleHeader()) {}
+          columns_(options.settings.columns),
+          lines_(ParticleHeader(columns_)) {}
 
     void Add(size_t index, ParticleImage& found) {
         Json& document = found.measurement.document;
-        lines_ += ParticleLines(document);
+        lines_ += ParticleLines(columns_, document);
         const std::string& name = folder_.NameOf(index);
         const std::string report = single_ ? "report.html" : name + "_report.html";
         const Picture display = DisplayPicture(found.measurement);
         const LabelRows labels(found.blobs);
-        const Picture outlines = OutlinesPicture(display, labels, document["particles"]);
+        const Picture outlines = OutlinesPicture(display, labels, InscribedCircles(found.blobs));
         const TemporaryFile file(".png");
         const Json& calibration = document["micronsPerPixel"];
         const double microns = NumberAt(document, "micronsPerPixel.x");
@@ -363,7 +377,7 @@ public:
     }
 
     void AddFailure(const Json& failure) {
-        lines_ += ParticleLines(failure);
+        lines_ += ParticleLines(columns_, failure);
         entries_.push_back({failure, {}, {}});
     }
 
@@ -387,6 +401,7 @@ private:
 
     bool single_;
     OutputFolder folder_;
+    std::vector<std::string> columns_;
     std::string lines_;
     std::vector<ParticleEntry> entries_;
 };
@@ -396,7 +411,7 @@ int FindAllParticles(ParticlesOptions& options, const Subcommand& command) {
     std::optional<ParticleResults> results;
     if (!options.out.empty()) results.emplace(options);
 
-    if (options.csv) std::cout << ParticleHeader();
+    if (options.csv) std::cout << ParticleHeader(options.settings.columns);
     Batch batch = RunBatch(
         options.files,
         [&](size_t i, const std::string& name, Progress& progress) {
@@ -411,7 +426,7 @@ int FindAllParticles(ParticlesOptions& options, const Subcommand& command) {
         [&](const Json& document) {
             if (results && document.contains("error")) results->AddFailure(document);
             if (options.csv)
-                std::cout << ParticleLines(document) << std::flush;
+                std::cout << ParticleLines(options.settings.columns, document) << std::flush;
             else if (!options.json && !document.contains("error"))
                 std::cout << ParticlesText(document) << std::flush;
         });
@@ -452,6 +467,9 @@ Command AddParticles(CLI::App& program) {
     command.AddFlag("--exclude-border", options->excludeBorder, "Leave out particles that the border cuts");
     command.Add("--connectivity", options->connectivity, "4 or 8 neighbours hold a particle together (default 8)")
         .OneOf(std::vector{4, 8});
+    command.Add("--measure", options->measure, "What is measured of each particle; see below")
+        .Named("LIST")
+        .ShowDefault();
     command.AddFlag("--no-trust", options->noTrust, "Do not find the particles again with the threshold moved");
     command.Add("--out", options->out, "Folder for pictures, lists and reports").Named("DIR");
     command.AddFlag("--force", options->force, "Replace other files there that have the names of results");
