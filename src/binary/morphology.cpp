@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -239,12 +240,18 @@ BitPlane DilatedByDiamond(BitPlane plane, int64_t radius) {
 // is.
 BitPlane DilatedByRuns(const BitPlane& plane, ElementRuns runs) {
     const size_t words = plane.wordsPerRow();
-    const double rows = static_cast<double>(runs.size()) * static_cast<double>(plane.height());
-    if (rows * static_cast<double>(words) > kMostElementWork)
-        throw MethodFailure("the structuring element has too many runs for a bitmap of this size.");
     std::sort(runs.begin(), runs.end(), [](const ElementRun& a, const ElementRun& b) {
         return a.start != b.start ? a.start < b.start : a.stop != b.stop ? a.stop < b.stop : a.y < b.y;
     });
+    // For each row: those that a run is joined with, and those that a new run of several pixels takes to be made.
+    double rows = static_cast<double>(runs.size());
+    for (size_t i = 0; i < runs.size(); ++i) {
+        if (i > 0 && runs[i].start == runs[i - 1].start && runs[i].stop == runs[i - 1].stop) continue;
+        const auto more = static_cast<uint32_t>(int64_t{runs[i].stop} - runs[i].start);
+        if (more > 0) rows += 6 + 4 * std::bit_width(more);
+    }
+    if (rows * static_cast<double>(plane.height()) * static_cast<double>(words) > kMostElementWork)
+        throw MethodFailure("the structuring element has too many runs for a bitmap of this size.");
 
     BitPlane result(plane.width(), plane.height());
     const RowJoin join(words);

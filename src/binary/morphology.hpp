@@ -48,9 +48,10 @@ void ApplyRectangle(const BitRows& from, Morphology operation, int32_t width, in
 void ApplyDisk(const BitRows& from, Morphology operation, double radius, BitmapStore& to, const RegionRows& region);
 
 // Any offsets, in any order, duplicates included. Without offsets, the erosion is everything and the dilation nothing.
-// MethodFailure("the structuring element has too many runs for a bitmap of this size.") when its runs times the words
-// of the bitmap are more than kMostElementWork, which takes seconds; disks and what resembles them are exempt.
-constexpr double kMostElementWork = 1.4e11;
+// MethodFailure("the structuring element has too many runs for a bitmap of this size.") when the words of the bitmap,
+// times the rows that its runs take for each row (one for each run; some more for different ones of several pixels),
+// are more than kMostElementWork, which takes ten seconds; disks and what resembles them are exempt.
+constexpr double kMostElementWork = 3e10;
 void ApplyElement(const BitRows& from, Morphology operation, std::span<const SElement> elements, BitmapStore& to,
                   const RegionRows& region);
 

@@ -186,6 +186,9 @@ TEST(BinaryMorphology, AnElementOfTooManyRunsIsRefusedAtOnce) {
     const std::vector<bool> before = PixelsOf(bitmap);
     const RegionRows all(nullptr, 3000, 3000);
     EXPECT_THROW(ApplyElement(RowsOf(bitmap), Morphology::Erosion, grid, bitmap, all), MethodFailure);
+    ElementRuns longRuns;  // few, but each takes a dozen steps to be made
+    for (int32_t y = -2999; y < 3000; ++y) longRuns.push_back({y, std::max(0, y), 2999 + std::min(0, y)});
+    EXPECT_THROW(Dilated(BitPlane(RowsOf(bitmap)), longRuns), MethodFailure);
     EXPECT_EQ(before, PixelsOf(bitmap));
 }
 
