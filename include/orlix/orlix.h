@@ -1223,7 +1223,7 @@ MIDL_INTERFACE("467413e9-0f32-4fe5-a3f4-da7a3a33cf7a") IBitmapProcess : public I
     // Thins the foreground Times times; components and holes stay.
     // A pixel is simple when its removal changes neither the components of the foreground nor those of the
     // background in its 3x3 neighbourhood (Yokoi, Toriwaki and Fukumura 1975), and an end when it has exactly one
-    // neighbour. A pass removes, in turn for the directions north, south, west and east, the simple pixels that are
+    // neighbour. A pass removes, in turn for the directions north, south, east and west, the simple pixels that are
     // no ends and have background there (Rosenfeld 1975).
     virtual HRESULT STDMETHODCALLTYPE Thin(ConnectivityType Connectivity, LONG Times) = 0;
 
