@@ -329,7 +329,8 @@ STDMETHODIMP OrlixBitmap::ThresholdLocally(IImageVPA* image, LONG band, LONG rad
         if (std::isnan(offset)) throw MethodFailure("the offset is not a number.");
         const int32_t width = store_.width(), height = store_.height();
         if (width == 0) return S_FALSE;
-        const RegionRows region = AskRegion();
+        const ComPtr<IImageVPA> alive(image);
+        const RegionRows region = AskRegion(width, height);
         WithPixels({image, band, width, height, MethodFailure("multiband thresholding is not supported.")},
                    [&]<class Pixel>(const PixelView<const Pixel>& view) {
                        RequireSize(width, height);

@@ -203,6 +203,7 @@ constexpr HostileCall kHostileCalls[] = {
     {"CloseRectangle", [](Scene& s) { return On(s.bitmap, &B::CloseRectangle, 5, 3); }},
     {"OpenDisk", [](Scene& s) { return On(s.bitmap, &B::OpenDisk, 1.5); }},
     {"Split", [](Scene& s) { return On(s.bitmap, &B::Split, 0.5, 0.0, CT_8); }},
+    {"ThresholdLocally", [](Scene& s) { return On(s.bitmap, &B::ThresholdLocally, s.image.get(), 0, 2, 1.0, 0.0, 1); }},
     {"XorEquals", [](Scene& s) { return On(s.bitmap, &B::XorEquals, s.other.get()); }},
     {"Reconstruct", [](Scene& s) { return On(s.bitmap, &B::Reconstruct, s.other.get(), CT_4); }},
     {"CloseElement", [](Scene& s) { return On(s.bitmap, &B::CloseElement, s.element.get()); }},
