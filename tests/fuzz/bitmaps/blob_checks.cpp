@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "fuzz/bitmaps/gray_image.hpp"
 #include "fuzz/bitmaps/world.hpp"
 
 namespace orlix::fuzz {
@@ -210,43 +211,13 @@ double FieldOf(const SBinaryMeasurements& record, SingleMeasurementType type) {
 
 // --------------------------------------------------------------------------------------------------------- grey values
 
-// Of whole grey levels, so that sums are exact.
-struct GrayImage {
-    ComPtr<IImageVPA> image;
-    std::vector<double> pixels;
-    int32_t width;
-    double At(const Place& at) const { return pixels[static_cast<size_t>(at.y * width + at.x)]; }
-};
-
-template <class Pixel>
-void FillWith(World& world, GrayImage& gray, int levels) {
-    for (const std::span<Pixel> row : Rows<Pixel>(gray.image))
-        for (Pixel& pixel : row) {
-            pixel = static_cast<Pixel>(world.choices.Byte() % levels);
-            gray.pixels.push_back(pixel);
-        }
-}
-
-GrayImage AnyGrayImage(World& world, const Picture& size) {
-    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
-    const LONG type = world.Among({DT_BYTE, DT_WORD, DT_DWORD, DT_Float});
-    Check(image->Create(size.width(), size.height(), 1, type, 1), image);
-    GrayImage gray{Cast<IImageVPA>(image), {}, size.width()};
-    const int levels = 1 + world.choices.Byte();
-    if (type == DT_BYTE) FillWith<uint8_t>(world, gray, levels);
-    if (type == DT_WORD) FillWith<uint16_t>(world, gray, levels);
-    if (type == DT_DWORD) FillWith<uint32_t>(world, gray, levels);
-    if (type == DT_Float) FillWith<float>(world, gray, levels);
-    return gray;
-}
-
 void CheckGrayValues(const World& world, const SBlobGrayMeasurements& found, const Alone& alone,
                      const std::vector<Place>& pixels, const GrayImage& gray) {
     std::vector<double> values;
     std::map<double, int> counts;
     double sum = 0, boundarySum = 0, boundary = 0, sumX = 0, sumY = 0;
     for (const Place& at : pixels) {
-        const double value = gray.At(at);
+        const double value = gray.At(at.x, at.y);
         values.push_back(value);
         ++counts[value];
         sum += value, sumX += value * at.x, sumY += value * at.y;

@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "fuzz/bitmaps/gray_image.hpp"
 #include "fuzz/bitmaps/world.hpp"
 #include "support/slow_distance.hpp"
 #include "support/slow_morphology.hpp"
@@ -248,6 +249,30 @@ void Split(World& world, Canvas& canvas) {
         [&] { return SlowSplit(canvas.picture, SlowDistances(canvas.picture), connectivity.slow, depth, share); });
 }
 
+void ThresholdLocally(World& world, Canvas& canvas) {
+    Picture size = canvas.picture;
+    if (world.OneIn(20)) size = Picture(size.width() + 1, size.height());
+    const GrayImage gray = AnyGrayImage(world, size);
+    const LONG radius = world.Amount();
+    const double contrast = world.Among({0, 1, 3, 40, 200, 300}), offset = world.Among({0, 0, 1, -2}) / 4.0;
+    const bool bright = world.OneIn(2);
+    world.Say("radius %d, contrast %g, offset %g, %d", static_cast<int>(radius), contrast, offset, bright);
+    const HRESULT result = canvas.bitmap->ThresholdLocally(gray.image.get(), 0, radius, contrast, offset, bright);
+    world.ExpectResult(canvas, result, radius >= 0 && size.sameSize(canvas.picture), [&] {
+        const int32_t reach = std::min<int32_t>(radius, size.width() + size.height());
+        return EachPixel<Picture>(size.width(), size.height(), [&](int32_t x, int32_t y) {
+            double low = kInfinity, high = -kInfinity;
+            for (int32_t v = std::max(y - reach, 0); v <= std::min(y + reach, size.height() - 1); ++v)
+                for (int32_t u = std::max(x - reach, 0); u <= std::min(x + reach, size.width() - 1); ++u) {
+                    low = std::min(low, gray.At(u, v));
+                    high = std::max(high, gray.At(u, v));
+                }
+            if (high - low < contrast) return canvas.picture.bit(x, y);
+            return (gray.At(x, y) > (low + high) / 2 + offset) == bright;
+        });
+    });
+}
+
 void DistanceMap(World& world, Canvas& canvas) {
     ComPtr<IImageVPA> map;
     Check(canvas.bitmap->get_DistanceMap(map.Out()), canvas.bitmap);
@@ -328,6 +353,7 @@ constexpr OperationOfBitmap kOperations[] = {
     {"ClearBorder", [](World& w, Canvas& c) { Connected<&B::ClearBorder>(w, c, SlowClearBorder<Picture>); }},
     {"KeepArea", KeepArea},
     {"Split", Split},
+    {"ThresholdLocally", ThresholdLocally},
     {"get_DistanceMap", DistanceMap},
     {"FindBlobs", FindBlobs},
     {"blobs found before", KeepBlobs},
