@@ -142,43 +142,6 @@ void NeighbourhoodFilter<T>::Direct(const Rows& rows, int64_t x, int64_t stop) c
 
 namespace {
 
-// The least and the greatest entry of an axis of the table, margins included. Small images spend as much time here as
-// in the filter, so this is written for vectors: several extremes at a time, no branches.
-struct Offsets {
-    LONG least, most;
-};
-template <LONG VPAEntry::*axis>
-Offsets OffsetsOf(const VPAEntry* table, int32_t length) {
-    constexpr int64_t kTogether = 8;
-    LONG least[kTogether], most[kTogether];
-    std::fill_n(least, kTogether, table[0].*axis);
-    std::copy_n(least, kTogether, most);
-    const int64_t end = int64_t{length} + kTableMargin;
-    int64_t i = -kTableMargin;
-    const auto add = [&](int64_t k, LONG entry) {
-        least[k] = entry < least[k] ? entry : least[k];
-        most[k] = entry > most[k] ? entry : most[k];
-    };
-    for (; i + kTogether <= end; i += kTogether)
-        for (int64_t k = 0; k < kTogether; ++k) add(k, table[i + k].*axis);
-    for (; i < end; ++i) add(0, table[i].*axis);
-    return {*std::min_element(least, least + kTogether), *std::max_element(most, most + kTogether)};
-}
-
-}  // namespace
-
-template <class T>
-bool SharesMemory(PixelView<const T> view, const void* begin, const void* end) {
-    const Offsets x = OffsetsOf<&VPAEntry::XEntry>(view.table(), view.width());
-    const Offsets y = OffsetsOf<&VPAEntry::YEntry>(view.table(), view.height());
-    const auto base = static_cast<int64_t>(reinterpret_cast<uintptr_t>(view.base()));
-    const int64_t size = sizeof(T);
-    return base + (int64_t{x.least} + y.least) * size < static_cast<int64_t>(reinterpret_cast<uintptr_t>(end)) &&
-           base + (int64_t{x.most} + y.most + 1) * size > static_cast<int64_t>(reinterpret_cast<uintptr_t>(begin));
-}
-
-namespace {
-
 template <LONG VPAEntry::*axis>
 bool IsMirrored(const VPAEntry* table, int32_t length) {
     for (int32_t i = 1; i <= NeighbourhoodFilter<uint8_t>::kMostRadius; ++i)
@@ -287,10 +250,9 @@ PixelView<const T> SourceCopy<T>::view() const {
     return {samples_.get(), table_.data() + kTableMargin, width_, height_};
 }
 
-#define ORLIX_TYPE(T)                                                                        \
-    template class NeighbourhoodFilter<T>;                                                   \
-    template bool SharesMemory(PixelView<const T> view, const void* begin, const void* end); \
-    template class InPlaceRows<T>;                                                           \
+#define ORLIX_TYPE(T)                      \
+    template class NeighbourhoodFilter<T>; \
+    template class InPlaceRows<T>;         \
     template class SourceCopy<T>;
 ORLIX_TYPE(uint8_t)
 ORLIX_TYPE(uint16_t)

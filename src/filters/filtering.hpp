@@ -41,12 +41,6 @@ private:
     FilterParameters<T> parameters_;
 };
 
-// Whether the samples of a view, margin included, may lie between two addresses. Compares only the lowest and the
-// highest address that the table can give, so it may also be true for an image whose rows lie on both sides of the
-// other.
-template <class T>
-bool SharesMemory(PixelView<const T> view, const void* begin, const void* end);
-
 // A copy of everything that a filter of the given radius (>= 0) can read from a source for destination columns
 // 0..width-1 and rows top..bottom, to be used in place of the source. Throws std::bad_alloc, or FailedResult(E_FAIL)
 // when offsets exceed 32 bits.

@@ -6,6 +6,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "component/failure.hpp"
@@ -100,6 +101,19 @@ public:
 
     // Replaces the content by another one of this image's type.
     void Replace(ImageContent&& content) noexcept;
+
+    // Whether the image has samples of this layout, in memory of its own.
+    bool Owns(const ImageLayout& layout) const {
+        return content_.layout == layout && content_.data && content_.data == content_.owned.data();
+    }
+    // For an image that owns its samples and has just been given others: all else of a new content of the same layout.
+    void SamplesReplaced(std::vector<VPAEntry> table, const TCoordinateMap& coordinates, double micronsX,
+                         double micronsY) {
+        Reset(content_.layout, std::move(table));
+        content_.coordinates = coordinates;
+        content_.properties.micronsX = micronsX;
+        content_.properties.micronsY = micronsY;
+    }
 
     // Base address of a band, 0 <= band < bands, and entry 0 of the table. The address of a refused buffer may be
     // anything.

@@ -21,14 +21,38 @@ void CopyBand(PixelView<const Pixel> from, int32_t left, int32_t top, PixelView<
     }
 }
 
+// The last bytes of a row belong to no sample, and are 0.
+void ClearPadding(uint8_t* band, const ImageLayout& layout) {
+    const size_t used = static_cast<size_t>(layout.width) * static_cast<size_t>(layout.bytesPerSample);
+    const auto stride = static_cast<size_t>(layout.rowStride);
+    if (used == stride) return;
+    for (int32_t y = 0; y < layout.height; ++y)
+        std::memset(band + static_cast<size_t>(y) * stride + used, 0, stride - used);
+}
+
+// `table` is that of an image of the layout.
 template <class Pixel>
-void CopyBands(const SourceImage& source, BandRange bands, int32_t left, int32_t top, ImageContent& destination) {
-    const std::vector<PixelView<const Pixel>> views = source.views<Pixel>(bands);
-    for (size_t band = 0; band < views.size(); ++band) {
-        auto* const base = reinterpret_cast<Pixel*>(destination.data + band * destination.layout.bandSize);
-        CopyBand(views[band], left, top,
-                 PixelView<Pixel>(base, destination.table.data() + kTableMargin, destination.layout.width,
-                                  destination.layout.height));
+void CopyBands(const std::vector<PixelView<const Pixel>>& views, int32_t left, int32_t top, uint8_t* to,
+               const VPAEntry* table, const ImageLayout& layout) {
+    for (const PixelView<const Pixel>& view : views) {
+        CopyBand(view, left, top, PixelView<Pixel>(reinterpret_cast<Pixel*>(to), table, layout.width, layout.height));
+        ClearPadding(to, layout);
+        to += layout.bandSize;
+    }
+}
+
+// Calls use(Pixel) with the unsigned integer of the sample's size.
+template <class Use>
+auto WithSample(int32_t bytes, const Use& use) {
+    switch (bytes) {
+        case 1:
+            return use(uint8_t{});
+        case 2:
+            return use(uint16_t{});
+        case 4:
+            return use(uint32_t{});
+        default:
+            throw FailedResult(E_FAIL);
     }
 }
 
@@ -76,16 +100,24 @@ SourceImage::Address SourceImage::Locate(int32_t band) const {
 }
 
 void CopySamples(const SourceImage& source, BandRange bands, int32_t left, int32_t top, ImageContent& destination) {
-    switch (destination.layout.bytesPerSample) {
-        case 1:
-            return CopyBands<uint8_t>(source, bands, left, top, destination);
-        case 2:
-            return CopyBands<uint16_t>(source, bands, left, top, destination);
-        case 4:
-            return CopyBands<uint32_t>(source, bands, left, top, destination);
-        default:
-            throw FailedResult(E_FAIL);
-    }
+    const ImageLayout& layout = destination.layout;
+    WithSample(layout.bytesPerSample, [&]<class Pixel>(Pixel) {
+        CopyBands(source.views<Pixel>(bands), left, top, destination.data, destination.table.data() + kTableMargin,
+                  layout);
+    });
+}
+
+bool OverwriteSamples(const SourceImage& source, BandRange bands, int32_t left, int32_t top, const ImageLayout& layout,
+                      const std::vector<VPAEntry>& table, ImageStore& destination) {
+    return WithSample(layout.bytesPerSample, [&]<class Pixel>(Pixel) {
+        const std::vector<PixelView<const Pixel>> views = source.views<Pixel>(bands);
+        if (!destination.Owns(layout)) return false;
+        uint8_t* const to = destination.base(0);
+        for (const PixelView<const Pixel>& view : views)
+            if (SharesMemory(view, to, to + layout.totalSize)) return false;
+        CopyBands(views, left, top, to, table.data() + kTableMargin, layout);
+        return true;
+    });
 }
 
 }  // namespace orlix

@@ -83,4 +83,10 @@ private:
 // must not extend beyond the source by more than the table's margin.
 void CopySamples(const SourceImage& source, BandRange bands, int32_t left, int32_t top, ImageContent& destination);
 
+// The same over the samples of an image that owns some of this layout: no memory is taken from the system, which takes
+// longer than the copy. False, having copied nothing, for an image that does not own such samples once the source has
+// handed out its pixels, or that holds some of these. `table` is that of an image of the layout.
+bool OverwriteSamples(const SourceImage& source, BandRange bands, int32_t left, int32_t top, const ImageLayout& layout,
+                      const std::vector<VPAEntry>& table, ImageStore& destination);
+
 }  // namespace orlix

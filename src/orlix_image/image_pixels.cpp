@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "component/strings.hpp"
 #include "orlix_image/file_content.hpp"
@@ -128,15 +129,31 @@ void ImagePixels::Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle) 
         // A rectangle inside the source's margin is less than 2^31 + 400 wide; more than INT32_MAX is refused as too
         // large.
         if (width > INT32_MAX || height > INT32_MAX) throw FailedResult(E_FAIL);
-        ImageContent content = MakeContent(source.type(), static_cast<LONG>(std::max<int64_t>(width, 0)),
-                                           static_cast<LONG>(std::max<int64_t>(height, 0)), bands.count());
-        content.coordinates = source.Coordinates();
-        if (rectangle) {
-            content.coordinates.OrgX = -static_cast<double>(left);
-            content.coordinates.OrgY = -static_cast<double>(top);
+        const auto columns = static_cast<LONG>(std::max<int64_t>(width, 0));
+        const auto rows = static_cast<LONG>(std::max<int64_t>(height, 0));
+        const auto properties = [&](TCoordinateMap& coordinates, double& micronsX, double& micronsY) {
+            coordinates = source.Coordinates();
+            if (rectangle) {
+                coordinates.OrgX = -static_cast<double>(left);
+                coordinates.OrgY = -static_cast<double>(top);
+            }
+            source.GetMicronsPerPixel(micronsX, micronsY);
+        };
+        const auto x = static_cast<int32_t>(left), y = static_cast<int32_t>(top);
+        if (columns > 0 && rows > 0) {
+            const ImageLayout layout = MakeLayout(columns, rows, bands.count(), source.type());
+            if (store.Owns(layout)) {
+                std::vector<VPAEntry> table = MakeOffsetTable(layout);
+                TCoordinateMap coordinates;
+                double micronsX = 0, micronsY = 0;
+                properties(coordinates, micronsX, micronsY);
+                if (OverwriteSamples(source, bands, x, y, layout, table, store))
+                    return store.SamplesReplaced(std::move(table), coordinates, micronsX, micronsY);
+            }
         }
-        source.GetMicronsPerPixel(content.properties.micronsX, content.properties.micronsY);
-        CopySamples(source, bands, static_cast<int32_t>(left), static_cast<int32_t>(top), content);
+        ImageContent content = MakeContent(source.type(), columns, rows, bands.count());
+        properties(content.coordinates, content.properties.micronsX, content.properties.micronsY);
+        CopySamples(source, bands, x, y, content);
         store.Replace(std::move(content));
     });
 }

@@ -228,6 +228,32 @@ TEST(CreateFromImage, CopiesOneBandOrAllWithTheMapAndRefusesItself) {
     EXPECT_EQ(Size(3, 3, 2), copy.size());
 }
 
+// The memory stays, and everything else begins anew.
+TEST(CreateFromImage, OverwritesAnImageOfTheSameKind) {
+    const auto source = ImageOf<uint8_t>(3, {1, 2, 3, 4, 5, 6}), copy = NewImage<uint8_t>(3, 2);
+    const auto [base, table] = Get(copy, &IImageVPA::VPA, 0);
+    std::memset(base, 0xff, 8);  // with the padding of both rows
+    table[-1].XEntry = table[1].YEntry = 77;
+    ASSERT_EQ(S_OK, copy->SetCoords({5, 5, {2, 0, 0, 2}}));
+    const auto file = Cast<IImageFile>(copy.process);
+    ASSERT_EQ(S_OK, file->PutMicronsPerPixel(3, 3));
+    ASSERT_EQ(S_OK, copy->CreateFromImage(source.get(), 0));
+    EXPECT_EQ(base, std::get<0>(Get(copy, &IImageVPA::VPA, 0)));
+    EXPECT_EQ(0, std::memcmp(base, "\1\2\3\0\4\5\6\0", 8));
+    EXPECT_EQ(1, std::get<1>(Get(copy, &IImageVPA::VPA, 0))[-1].XEntry);
+    EXPECT_EQ(4, std::get<1>(Get(copy, &IImageVPA::VPA, 0))[1].YEntry);
+    EXPECT_EQ((std::vector<double>{0, 0, 1, 0, 0, 1}), Entries(Get(copy, &IImageVPA::GetCoords)));
+    double x = 1, y = 1;
+    EXPECT_EQ(S_FALSE, file->GetMicronsPerPixel(&x, &y));
+    // Samples that lie in the image itself, moved by one row or column.
+    const TypedImage<uint8_t> view;
+    ASSERT_EQ(S_OK, view->AttachBuffer(static_cast<uint8_t*>(base) + 4, 3, 1, 1, DT_BYTE, 0));
+    ASSERT_EQ(S_OK, copy->CreateFromSubImage(view.get(), 0, 0, 0, 2, 1));
+    EXPECT_THAT(copy.values(), ElementsAre(4, 5, 6, 4, 5, 6));
+    ASSERT_EQ(S_OK, copy->CreateFromSubImage(copy.get(), 0, 1, 0, 3, 1));
+    EXPECT_THAT(copy.values(), ElementsAre(5, 6, 5, 5, 6, 5));
+}
+
 TEST(CreateFromSubImage, CopiesTheRectangleAndPlacesItInTheParent) {
     const auto source = NewImage<uint8_t>(40, 40);
     source.Fill([](LONG x, LONG y) { return y * 5 + x; });
