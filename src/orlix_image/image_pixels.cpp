@@ -142,7 +142,9 @@ void ImagePixels::Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle) 
         const auto x = static_cast<int32_t>(left), y = static_cast<int32_t>(top);
         if (columns > 0 && rows > 0) {
             const ImageLayout layout = MakeLayout(columns, rows, bands.count(), source.type());
-            if (store.Owns(layout)) {
+            // Below, taking memory costs less than looking for what the source shares.
+            constexpr size_t kOverwriteFrom = 1 << 16;
+            if (layout.totalSize >= kOverwriteFrom && store.Owns(layout)) {
                 std::vector<VPAEntry> table = MakeOffsetTable(layout);
                 TCoordinateMap coordinates;
                 double micronsX = 0, micronsY = 0;

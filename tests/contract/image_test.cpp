@@ -230,28 +230,34 @@ TEST(CreateFromImage, CopiesOneBandOrAllWithTheMapAndRefusesItself) {
 
 // The memory stays, and everything else begins anew.
 TEST(CreateFromImage, OverwritesAnImageOfTheSameKind) {
-    const auto source = ImageOf<uint8_t>(3, {1, 2, 3, 4, 5, 6}), copy = NewImage<uint8_t>(3, 2);
+    constexpr LONG width = 303, height = 300, stride = 304;
+    const auto source = NewImage<uint8_t>(width, height), copy = NewImage<uint8_t>(width, height);
+    source.Fill([](LONG x, LONG y) { return 7 * x + 11 * y + x * y % 5; });
+    const std::vector<uint8_t> pixels = source.values();
     const auto [base, table] = Get(copy, &IImageVPA::VPA, 0);
-    std::memset(base, 0xff, 8);  // with the padding of both rows
+    const auto* const bytes = static_cast<const uint8_t*>(base);
+    std::memset(base, 0xff, stride * height);  // with the padding of all rows
     table[-1].XEntry = table[1].YEntry = 77;
     ASSERT_EQ(S_OK, copy->SetCoords({5, 5, {2, 0, 0, 2}}));
     const auto file = Cast<IImageFile>(copy.process);
     ASSERT_EQ(S_OK, file->PutMicronsPerPixel(3, 3));
     ASSERT_EQ(S_OK, copy->CreateFromImage(source.get(), 0));
     EXPECT_EQ(base, std::get<0>(Get(copy, &IImageVPA::VPA, 0)));
-    EXPECT_EQ(0, std::memcmp(base, "\1\2\3\0\4\5\6\0", 8));
+    EXPECT_EQ(pixels, copy.values());
+    for (LONG y = 0; y < height; ++y) ASSERT_EQ(0, bytes[y * stride + width]);
     EXPECT_EQ(1, std::get<1>(Get(copy, &IImageVPA::VPA, 0))[-1].XEntry);
-    EXPECT_EQ(4, std::get<1>(Get(copy, &IImageVPA::VPA, 0))[1].YEntry);
+    EXPECT_EQ(stride, std::get<1>(Get(copy, &IImageVPA::VPA, 0))[1].YEntry);
     EXPECT_EQ((std::vector<double>{0, 0, 1, 0, 0, 1}), Entries(Get(copy, &IImageVPA::GetCoords)));
-    double x = 1, y = 1;
-    EXPECT_EQ(S_FALSE, file->GetMicronsPerPixel(&x, &y));
-    // Samples that lie in the image itself, moved by one row or column.
+    double sizeX = 1, sizeY = 1;
+    EXPECT_EQ(S_FALSE, file->GetMicronsPerPixel(&sizeX, &sizeY));
+    // Samples that lie in the image itself: its rows from 1 on, then its columns; the last ones are mirrored.
     const TypedImage<uint8_t> view;
-    ASSERT_EQ(S_OK, view->AttachBuffer(static_cast<uint8_t*>(base) + 4, 3, 1, 1, DT_BYTE, 0));
-    ASSERT_EQ(S_OK, copy->CreateFromSubImage(view.get(), 0, 0, 0, 2, 1));
-    EXPECT_THAT(copy.values(), ElementsAre(4, 5, 6, 4, 5, 6));
-    ASSERT_EQ(S_OK, copy->CreateFromSubImage(copy.get(), 0, 1, 0, 3, 1));
-    EXPECT_THAT(copy.values(), ElementsAre(5, 6, 5, 5, 6, 5));
+    ASSERT_EQ(S_OK, view->AttachBuffer(static_cast<uint8_t*>(base) + stride, width, height - 1, 1, DT_BYTE, 0));
+    ASSERT_EQ(S_OK, copy->CreateFromSubImage(view.get(), 0, 0, 0, width - 1, height - 1));
+    ASSERT_EQ(S_OK, copy->CreateFromSubImage(copy.get(), 0, 1, 0, width, height - 1));
+    for (LONG y = 0; y < height; ++y)
+        for (LONG x = 0; x < width; ++x)
+            ASSERT_EQ(source.at(x < width - 1 ? x + 1 : width - 2, y < height - 1 ? y + 1 : height - 2), copy.at(x, y));
 }
 
 TEST(CreateFromSubImage, CopiesTheRectangleAndPlacesItInTheParent) {
