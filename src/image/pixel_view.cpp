@@ -1,6 +1,7 @@
 #include "image/pixel_view.hpp"
 
 #include <algorithm>
+#include <functional>
 
 #include "image/image_layout.hpp"
 
@@ -34,8 +35,12 @@ Offsets OffsetsOf(const VPAEntry* table, int32_t length) {
 
 template <class T>
 bool SharesMemory(PixelView<const T> view, const void* begin, const void* end) {
-    const Offsets x = OffsetsOf<&VPAEntry::XEntry>(view.table(), view.width());
-    const Offsets y = OffsetsOf<&VPAEntry::YEntry>(view.table(), view.height());
+    const VPAEntry* const table = view.table();
+    if (std::less<const void*>()(table - kTableMargin, end) &&
+        std::less<const void*>()(begin, table + std::max(view.width(), view.height()) + kTableMargin))
+        return true;
+    const Offsets x = OffsetsOf<&VPAEntry::XEntry>(table, view.width());
+    const Offsets y = OffsetsOf<&VPAEntry::YEntry>(table, view.height());
     const auto base = static_cast<int64_t>(reinterpret_cast<uintptr_t>(view.base()));
     const int64_t size = sizeof(T);
     return base + (int64_t{x.least} + y.least) * size < static_cast<int64_t>(reinterpret_cast<uintptr_t>(end)) &&

@@ -45,9 +45,9 @@ private:
     int32_t height_ = 0;
 };
 
-// Whether the samples of a view, margin included, may lie between two addresses. Compares only the lowest and the
-// highest address that the table can give, so it may also be true for an image whose rows lie on both sides of the
-// other.
+// Whether the table of a view, or its samples, margin included, may lie between two addresses. Of samples compares only
+// the lowest and the highest address that the table can give, so it may also be true for an image whose rows lie on
+// both sides of the other.
 template <class T>
 bool SharesMemory(PixelView<const T> view, const void* begin, const void* end);
 

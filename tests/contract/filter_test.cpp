@@ -254,7 +254,7 @@ TYPED_TEST(FilterOf, TheImageItselfGivesWhatACopyGives) {
 TYPED_TEST(FilterOf, TheImageItselfOfAnySize) {
     using Pixel = TypeParam;
     for (const auto& [width, height] :
-         {std::pair<LONG, LONG>{1, 1}, {1, 130}, {3, 2}, {30, 64}, {31, 65}, {40, 131}, {9000, 11}}) {
+         {std::pair<LONG, LONG>{1, 1}, {1, 130}, {3, 2}, {30, 64}, {31, 65}, {40, 131}, {9000, 11}, {40000, 7}}) {
         const auto source = NoisyPlane<Pixel>(width, height, 5);
         const auto image = ImageOfPlane(source);
         for (const SlowFilter& filter : Filters())
@@ -291,6 +291,29 @@ TYPED_TEST(FilterOf, BuffersThatOverlapGiveWhatACopyGives) {
                 ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
                 ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 0, kEverywhere);
             }
+}
+
+// The table of a source may lie where the result goes.
+TEST(FilterOfForeignTable, InTheDestinationGivesWhatACopyGives) {
+    constexpr LONG width = 300, height = 300;
+    std::vector<uint8_t> samples = NoisyPlane<uint8_t>(width, height, 3).pixels;
+    const auto foreign = ForeignImage::Of(width, height, DT_BYTE, samples.data());
+    const std::vector<VPAEntry> table = foreign->table;
+    const auto expected = NewImage<uint8_t>(width, height);
+    ASSERT_EQ(S_OK, expected.process->Gaussian3x3(foreign.get(), 0));
+    const TypedImage<uint8_t> to;
+    const LONG rows = static_cast<LONG>(table.size() * sizeof(VPAEntry)) / width;
+    ASSERT_EQ(S_OK, to->AttachBuffer(foreign->table.data(), width, rows, 1, DT_BYTE, 0));
+    ASSERT_EQ(S_OK, to.process->Gaussian3x3(foreign.get(), 0));
+    const std::vector<uint8_t> all = expected.values();
+    EXPECT_EQ(std::vector<uint8_t>(all.begin(), all.begin() + width * rows), to.values());
+    // Copies: the table is moved into an image that is then overwritten.
+    foreign->table = table;
+    const auto copy = NewImage<uint8_t>(width, height);
+    std::memcpy(std::get<0>(Get(copy, &IImageVPA::VPA, 0)), table.data(), table.size() * sizeof(VPAEntry));
+    foreign->otherTable = static_cast<VPAEntry*>(std::get<0>(Get(copy, &IImageVPA::VPA, 0))) + 200;
+    ASSERT_EQ(S_OK, copy->CreateFromImage(foreign.get(), 0));
+    EXPECT_EQ(samples, copy.values());
 }
 
 TYPED_TEST(FilterOf, ASmallerSourceServesAsFarAsItsTablesReach) {

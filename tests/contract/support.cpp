@@ -137,7 +137,7 @@ HRESULT ForeignImage::Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight
 
 HRESULT ForeignImage::VPA(LONG, void** outBase, VPAEntry** outTable) noexcept {
     *outBase = base;
-    *outTable = nullTable || table.empty() ? nullptr : table.data() + 200;
+    *outTable = nullTable ? nullptr : otherTable ? otherTable : table.empty() ? nullptr : table.data() + 200;
     height += growAfterVpa;
     if (onVpa) onVpa();
     return vpaResult;

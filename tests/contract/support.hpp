@@ -179,7 +179,8 @@ public:
     std::vector<VPAEntry> table;  // margin included
     HRESULT dimensionsResult = S_OK, typeResult = S_OK, vpaResult = S_OK;
     bool nullTable = false;
-    LONG growAfterVpa = 0;  // added to the height once VPA was called
+    VPAEntry* otherTable = nullptr;  // entry 0 of one that is handed out instead
+    LONG growAfterVpa = 0;           // added to the height once VPA was called
     std::function<void()> onVpa;
 
     // The samples row by row without padding.
