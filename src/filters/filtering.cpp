@@ -151,9 +151,9 @@ bool IsMirrored(const VPAEntry* table, int32_t length) {
     return true;
 }
 
-// Rows that are filtered at a time: enough to make good for the start of a call, and in the first-level cache with what
-// they become.
+// Of rows that are filtered at a time: enough to make good for the start of a call, and in the second-level cache.
 constexpr int64_t kInPlaceBytes = 1 << 17;
+constexpr int32_t kWidestInPlace = 1 << 27;
 
 }  // namespace
 
@@ -162,7 +162,8 @@ bool InPlaceRows<T>::Suit(PixelView<const T> from, PixelView<T> to) {
     const VPAEntry* const table = from.table();
     if (from.base() != to.base() || table != to.table() || from.width() != to.width() || from.height() != to.height())
         return false;
-    if (from.AdjacentColumns() != from.width()) return false;
+    // Rows are read by 32-bit offsets: those of a ring of wide ones could be larger.
+    if (from.width() > kWidestInPlace || from.AdjacentColumns() != from.width()) return false;
     for (int32_t y = 1; y < from.height(); ++y)
         if (int64_t{table[y].YEntry} - table[y - 1].YEntry < from.width()) return false;
     return IsMirrored<&VPAEntry::XEntry>(table, from.width()) && IsMirrored<&VPAEntry::YEntry>(table, from.height());
@@ -183,8 +184,8 @@ InPlaceRows<T>::InPlaceRows(PixelView<T> band, const RegionRows& region, int32_t
     // An odd number of cache lines: the rows do not compete for the same cache sets.
     constexpr int64_t kSize = sizeof(T);
     stride_ = (band.width() * kSize / 128 * 128 + 192) / kSize;
-    rows_ = std::clamp<int64_t>(kInPlaceBytes / (std::max<int64_t>(count_, 1) * kSize), 4, 64);
-    slots_ = rows_ + 2 * radius_;
+    rows_ = std::clamp<int64_t>(kInPlaceBytes / (stride_ * kSize), 4, 64);
+    slots_ = std::min<int64_t>(rows_ + 2 * radius_, band.height());
     samples_ = std::make_unique_for_overwrite<T[]>(static_cast<size_t>(slots_ * stride_));
     table_.resize(static_cast<size_t>(std::max(band.width(), band.height())) + 2 * size_t{kTableMargin});
     for (int64_t x = -radius_; x < band.width() + radius_; ++x)

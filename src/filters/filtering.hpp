@@ -66,7 +66,7 @@ template <class T>
 class InPlaceRows {
 public:
     // Whether `from` is the band `to` itself, with a table that mirrors both axes as an image's own does: then no row
-    // needs one that lies farther away than the radius.
+    // needs one that lies farther away than the radius. Not for extremely wide images.
     static bool Suit(PixelView<const T> from, PixelView<T> to);
 
     // For bands like `band`. Throws std::bad_alloc.
