@@ -20,10 +20,10 @@ constexpr T kNoHigh = std::numeric_limits<T>::has_infinity ? -std::numeric_limit
 
 // The smallest and largest values at each of n places.
 template <class T>
-struct Extremes {
+struct Ranges {
     std::vector<T> low, high;
 
-    explicit Extremes(size_t n) : low(n, kNoLow<T>), high(n, kNoHigh<T>) {}
+    explicit Ranges(size_t n) : low(n, kNoLow<T>), high(n, kNoHigh<T>) {}
     void Clear() {
         std::ranges::fill(low, kNoLow<T>);
         std::ranges::fill(high, kNoHigh<T>);
@@ -43,16 +43,16 @@ void Larger(const T* __restrict value, const T* __restrict sofar, T* __restrict 
 
 // The extremes of the squares around the pixels of a row, from the first row to the last.
 template <class T>
-class SquareExtremes {
+class SquareRanges {
 public:
-    SquareExtremes(const PixelView<const T>& image, int32_t radius)
+    SquareRanges(const PixelView<const T>& image, int32_t radius)
         : image_(image),
           adjacent_(image.AdjacentColumns() == image.width()),
           columns_(static_cast<size_t>(image.width())),
           right_(static_cast<size_t>(std::min(radius, image.width() - 1))),
           down_(std::min(radius, image.height() - 1)),
           side_(2 * int64_t{down_} + 1),
-          suffixes_(static_cast<size_t>(std::min<int64_t>(side_, image.height())), Extremes<T>(columns_)),
+          suffixes_(static_cast<size_t>(std::min<int64_t>(side_, image.height())), Ranges<T>(columns_)),
           prefix_(columns_),
           next_(columns_),
           spare_(columns_),
@@ -73,7 +73,7 @@ public:
     }
 
     // To be called for the rows in order. Columns of the result are those of the image.
-    const Extremes<T>& Row(int32_t y) {
+    const Ranges<T>& Row(int32_t y) {
         FindColumns(y);
         const size_t side = 2 * right_ + 1;
         size_t width = 1, n = row_.low.size();
@@ -89,7 +89,7 @@ public:
     }
 
 private:
-    void Extend(const T* pixels, const Extremes<T>& from, Extremes<T>& to) {
+    void Extend(const T* pixels, const Ranges<T>& from, Ranges<T>& to) {
         Smaller(pixels, from.low.data(), to.low.data(), columns_);
         Larger(pixels, from.high.data(), to.high.data(), columns_);
     }
@@ -104,7 +104,7 @@ private:
             Extend(Pixels(y + down_), prefix_, next_);
             std::swap(prefix_, next_);
         }
-        const Extremes<T>& suffix = suffixes_[static_cast<size_t>(phase)];
+        const Ranges<T>& suffix = suffixes_[static_cast<size_t>(phase)];
         row_.Clear();
         Smaller(suffix.low.data(), prefix_.low.data(), row_.low.data() + right_, columns_);
         Larger(suffix.high.data(), prefix_.high.data(), row_.high.data() + right_, columns_);
@@ -131,9 +131,9 @@ private:
     const size_t columns_, right_;
     const int32_t down_;
     const int64_t side_;
-    std::vector<Extremes<T>> suffixes_;
-    Extremes<T> prefix_, next_, spare_;
-    Extremes<T> row_, wider_;
+    std::vector<Ranges<T>> suffixes_;
+    Ranges<T> prefix_, next_, spare_;
+    Ranges<T> row_, wider_;
     std::vector<T> gathered_;
 };
 
@@ -152,9 +152,9 @@ void ThresholdLocally(const PixelView<const T>& image, const LocalThreshold& thr
         contrast = static_cast<int64_t>(std::ceil(std::min(threshold.contrast, kBeyond)));
         offset = static_cast<int64_t>(std::floor(2 * std::clamp(threshold.offset, -kBeyond, kBeyond)));
     }
-    SquareExtremes<T> squares(image, threshold.radius);
+    SquareRanges<T> squares(image, threshold.radius);
     for (int32_t y = 0; y < image.height(); ++y) {
-        const Extremes<T>& extremes = squares.Row(y);
+        const Ranges<T>& extremes = squares.Row(y);
         const T* const pixels = squares.Pixels(y);
         uint64_t* const words = plane.row(y);
         for (int32_t x = 0; x < image.width(); x += 64) {
