@@ -1,6 +1,7 @@
 // The words of a fuzzer's command line.
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -34,6 +35,29 @@ inline std::vector<int> Numbers(const char* text) {
         text = *end ? end + 1 : end;
     }
     return numbers;
+}
+
+// What every program that runs sequences is told.
+struct SequenceOptions {
+    uint64_t seed = 1;
+    uint64_t sequences = 100;
+    double seconds = 0;
+    int steps = 60;
+    std::vector<int> only;
+    bool verbose = false;
+    double progress = 0;
+};
+
+// Those of the words that a value follows. Refers to the options.
+inline Settings SettingsOf(SequenceOptions& options) {
+    return {
+        {"--seed", [&](const char* text) { options.seed = std::strtoull(text, nullptr, 10); }},
+        {"--sequences", [&](const char* text) { options.sequences = std::strtoull(text, nullptr, 10); }},
+        {"--seconds", [&](const char* text) { options.seconds = std::strtod(text, nullptr); }},
+        {"--steps", [&](const char* text) { options.steps = std::atoi(text); }},
+        {"--only", [&](const char* text) { options.only = Numbers(text); }},
+        {"--progress", [&](const char* text) { options.progress = std::strtod(text, nullptr); }},
+    };
 }
 
 }  // namespace orlix::fuzz

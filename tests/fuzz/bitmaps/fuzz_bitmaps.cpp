@@ -19,33 +19,15 @@ using namespace orlix::fuzz;
 
 namespace {
 
-struct Options {
-    uint64_t seed = 1;
-    uint64_t sequences = 100;
-    double seconds = 0;
-    int steps = 60;
-    std::vector<int> only;
-    bool verbose = false;
-    double progress = 0;
-};
-
-std::optional<Options> Parse(int count, char** words) {
-    Options options;
+std::optional<SequenceOptions> Parse(int count, char** words) {
+    SequenceOptions options;
     const Flags flags = {{"--verbose", [&] { options.verbose = true; }}};
-    const Settings settings = {
-        {"--seed", [&](const char* text) { options.seed = std::strtoull(text, nullptr, 10); }},
-        {"--sequences", [&](const char* text) { options.sequences = std::strtoull(text, nullptr, 10); }},
-        {"--seconds", [&](const char* text) { options.seconds = std::strtod(text, nullptr); }},
-        {"--steps", [&](const char* text) { options.steps = std::atoi(text); }},
-        {"--only", [&](const char* text) { options.only = Numbers(text); }},
-        {"--progress", [&](const char* text) { options.progress = std::strtod(text, nullptr); }},
-    };
-    if (!ReadWords(count, words, flags, settings)) return {};
+    if (!ReadWords(count, words, flags, SettingsOf(options))) return {};
     return options;
 }
 
 // False after a difference.
-bool RunSequence(uint64_t seed, const Options& options, uint64_t& steps) {
+bool RunSequence(uint64_t seed, const SequenceOptions& options, uint64_t& steps) {
     World world(seed, options.verbose);
     for (int step = 0; step < options.steps; ++step) {
         if (!options.only.empty() && std::ranges::find(options.only, step) == options.only.end()) continue;
@@ -64,7 +46,7 @@ bool RunSequence(uint64_t seed, const Options& options, uint64_t& steps) {
 }  // namespace
 
 int main(int count, char** words) {
-    const std::optional<Options> options = Parse(count, words);
+    const std::optional<SequenceOptions> options = Parse(count, words);
     if (!options) {
         std::fprintf(stderr, "see the beginning of tests/fuzz/bitmaps/fuzz_bitmaps.cpp\n");
         return 2;

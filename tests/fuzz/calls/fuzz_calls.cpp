@@ -27,14 +27,7 @@ using namespace orlix::fuzz;
 
 namespace {
 
-struct Options {
-    uint64_t seed = 1;
-    uint64_t sequences = 100;
-    double seconds = 0;
-    int steps = 60;
-    std::vector<int> only;
-    bool verbose = false;
-    double progress = 0;
+struct Options : SequenceOptions {
     bool everyMethod = false;
 };
 
@@ -44,15 +37,8 @@ std::optional<Options> Parse(int count, char** words) {
         {"--verbose", [&] { options.verbose = true; }},
         {"--every-method", [&] { options.everyMethod = true; }},
     };
-    const Settings settings = {
-        {"--seed", [&](const char* text) { options.seed = std::strtoull(text, nullptr, 10); }},
-        {"--sequences", [&](const char* text) { options.sequences = std::strtoull(text, nullptr, 10); }},
-        {"--seconds", [&](const char* text) { options.seconds = std::strtod(text, nullptr); }},
-        {"--steps", [&](const char* text) { options.steps = std::atoi(text); }},
-        {"--only", [&](const char* text) { options.only = Numbers(text); }},
-        {"--progress", [&](const char* text) { options.progress = std::strtod(text, nullptr); }},
-        {"--slow", [&](const char* text) { slowSeconds = std::strtod(text, nullptr); }},
-    };
+    Settings settings = SettingsOf(options);
+    settings["--slow"] = [](const char* text) { slowSeconds = std::strtod(text, nullptr); };
     if (!ReadWords(count, words, flags, settings)) return {};
     return options;
 }
