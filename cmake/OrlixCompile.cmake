@@ -14,8 +14,6 @@ endif()
 if(ORLIX_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
-    # Instrumented code makes GCC see uninitialised values in the standard library where there are none.
-    add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-maybe-uninitialized>)
 endif()
 if(WIN32)
     # Self-contained binaries: the compiler's runtime is linked in.

@@ -125,6 +125,8 @@ def problem_of(command, seconds=120, cwd=ROOT, env=None):
 
 # --------------------------------------------------------------------------------------------------------------- builds
 
+COMPILER = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}
+
 builder = concurrent.futures.ThreadPoolExecutor(1)
 builds = {}  # preset and targets -> whether it built, as soon as that is known
 
@@ -147,6 +149,16 @@ def run_build(preset, *targets):
     return outcome.status == 0
 
 
+def need_compilers(preset):
+    """Raises Unavailable when this machine cannot build a preset."""
+    tools = ["clang++"] if preset == "asan" else []
+    if preset.startswith("win"):
+        tools = [f"{COMPILER[int(preset[3:])]}-g++-posix", "i686-w64-mingw32-widl"]
+    for tool in tools:
+        if not shutil.which(tool):
+            raise Unavailable(f"there is no {tool}")
+
+
 def build(preset, *targets):
     """Builds a preset once, or only some targets of it; raises BuildFailed when it does not build, now or earlier."""
     if not start_build(preset, *targets).result():
@@ -158,8 +170,7 @@ def build_ahead(parts):
     for part in parts:
         if part in PROGRAM_SECONDS:
             try:
-                if part.startswith("win"):
-                    need_compilers(int(part[3:]))
+                need_compilers(part)
                 start_build(part, *programs(part))
             except (NothingChosen, Unavailable):
                 pass  # the part says so
@@ -328,6 +339,7 @@ def native(tally):
 
 
 def asan(tally):
+    need_compilers("asan")
     build("asan", *programs("asan"))
     for name, value in test_preset("asan")["environment"].items():
         os.environ.setdefault(name, value)
@@ -336,21 +348,12 @@ def asan(tally):
 
 # -------------------------------------------------------------------------------------------------------------- Windows
 
-COMPILER = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}
-
-
 def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def need_compilers(bits):
-    for tool in (f"{COMPILER[bits]}-g++-posix", "i686-w64-mingw32-widl"):
-        if not shutil.which(tool):
-            raise Unavailable(f"there is no {tool}")
-
-
 def build_windows(bits, *targets):
-    need_compilers(bits)
+    need_compilers(f"win{bits}")
     build(f"win{bits}", *targets)
     return library_in(BUILD / f"win{bits}")
 

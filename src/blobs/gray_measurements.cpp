@@ -181,8 +181,8 @@ void GrayMeasurer<Pixel>::MeasureBoundary(std::span<const LabelledRun> runs, Blo
                 return k < row.size() && row[k].start <= x;
             };
             for (int32_t x = run.start; x <= run.stop; ++x) {
-                const bool inside = covered(above, a, x) & covered(below, b, x);
-                if (inside && x > run.start && x < run.stop) continue;
+                const bool up = covered(above, a, x), down = covered(below, b, x);
+                if (up && down && x > run.start && x < run.stop) continue;
                 sum.Add(static_cast<double>(image_.at(x, run.row)));
                 ++n;
             }

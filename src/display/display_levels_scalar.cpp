@@ -20,7 +20,8 @@ void Levels_scalar(const T* pixels, size_t n, const LevelRange<T>& range, uint8_
             const double d = static_cast<double>(most) - static_cast<double>(least);
             const double x = range.falling ? static_cast<double>(most) - static_cast<double>(c)
                                            : static_cast<double>(c) - static_cast<double>(least);
-            levels[i] = static_cast<uint8_t>(x * (255.0 / d) + 0.5);
+            const double level = x * (255.0 / d) + 0.5;  // NaN if a bound is infinite
+            levels[i] = level >= 0 ? static_cast<uint8_t>(level) : uint8_t{0};
         } else {
             const uint64_t d = uint64_t{most} - least;
             const uint64_t x = range.falling ? uint64_t{most} - c : uint64_t{c} - least;

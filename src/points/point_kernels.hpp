@@ -1,4 +1,5 @@
-// Kernels of point operations and their variants. All work in place and accept n = 0.
+// Kernels of point operations and their variants. All work in place and accept n = 0. Which NaN float arithmetic gives
+// is the compiler's choice.
 #pragma once
 
 #include "points/point_operations.hpp"

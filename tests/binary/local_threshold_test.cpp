@@ -10,6 +10,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/kernel_testing.hpp"
+
 namespace orlix {
 namespace {
 
@@ -52,7 +54,6 @@ bool SlowPixel(const PixelView<const T>& image, const LocalThreshold& threshold,
 
 template <class T>
 class LocalThresholds : public testing::Test {};
-using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
 TYPED_TEST_SUITE(LocalThresholds, PixelTypes);
 
 TYPED_TEST(LocalThresholds, EqualTheirDefinition) {

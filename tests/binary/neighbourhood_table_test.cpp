@@ -151,7 +151,9 @@ TEST(PlaneKernel, EveryVariantEqualsTheDefinition) {
         ChoiceWords words;
         std::memcpy(&words, noise.data(), sizeof words);
         fn(choices, std::size(choices), words);
-        return std::vector<uint64_t>(words.values[0], words.values[0] + 7 * kChoiceWords);
+        std::vector<uint64_t> values(7 * kChoiceWords);
+        std::memcpy(values.data(), words.values, values.size() * sizeof(uint64_t));
+        return values;
     };
     for (const auto& variant : SupportedOnThisCpu(kChooseWords))
         EXPECT_EQ(run(ChooseWords_scalar), run(variant.fn)) << variant.name;

@@ -84,7 +84,8 @@ TEST(DisplayDirty, IsOneOrZeroAndFollowsWhatChangesThePicture) {
     const auto image = RowOf<uint8_t>({1, 2, 3});
     EXPECT_EQ(1, Dirty(image));
     const auto other = RowOf<uint8_t>({4});
-    const auto& [process, display] = std::tie(image.process, image.display);
+    const auto& process = image.process;
+    const auto& display = image.display;
     const struct {
         const char* what;
         std::function<HRESULT()> call;

@@ -202,7 +202,9 @@ TEST(ImageStream, IsDirtyFromAnyChangeOfWhatItKeepsUntilSavedOrLoaded) {
     EXPECT_EQ(S_OK, persist->IsDirty());
     ASSERT_EQ(S_OK, persist->Save(stream.get(), FALSE));
     EXPECT_EQ(S_OK, persist->IsDirty());
-    const auto& [process, display, entries] = std::tie(image.process, image.display, image.entries);
+    const auto& process = image.process;
+    const auto& display = image.display;
+    const auto& entries = image.entries;
     unsigned char byte = 1;
     const std::function<HRESULT()> changes[] = {
         [&] { return process->Invert(); },

@@ -22,8 +22,8 @@ template <class T, class Table>
 void ExpectVariantsEqualScalar(const Table& table, const PointParameters<T>& parameters) {
     for (const size_t n : kAwkwardSizes)
         for (const uint32_t seed : {0u, 1u, 3u})
-            ExpectTheBits(table, Noise<T>(n, static_cast<uint32_t>(n) + seed),
-                          [&](auto fn, T* pixels) { fn(pixels, n, parameters); });
+            ExpectTheDefinition(table, Noise<T>(n, static_cast<uint32_t>(n) + seed),
+                                [&](auto fn, T* pixels) { fn(pixels, n, parameters); });
 }
 
 template <class T>

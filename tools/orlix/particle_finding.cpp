@@ -291,9 +291,10 @@ private:
     // texture has contrast in the phase, or nothing has, outside of it, and only the rim was found. A hole stays if the
     // phase and the local threshold both leave out one of its pixels.
     void ThresholdLocally(const ComPtr<IBitmapProcess>& bitmap, const ComPtr<IBitmap>& phase, double shift) const {
-        const auto& [radius, contrast, bright] = *settings_.local;
+        const LocalThreshold& local = *settings_.local;
+        const double offset = local.bright ? -shift : shift;
         const auto threshold = [&](const ComPtr<IBitmapProcess>& to) {
-            Check(to->ThresholdLocally(Of().image.get(), Of().band, radius, contrast, bright ? -shift : shift, bright),
+            Check(to->ThresholdLocally(Of().image.get(), Of().band, local.radius, local.contrast, offset, local.bright),
                   to);
         };
         const auto copyOf = [&](const ComPtr<IBitmapProcess>& from) {
