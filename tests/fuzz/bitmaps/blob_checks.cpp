@@ -61,14 +61,12 @@ private:
     }
 };
 
-struct Holes {
-    std::vector<std::vector<Place>> pixels;  // in raster order of the first
-
-    Holes(const Picture& image, Connectivity connectivity) {
-        for (auto& component : SlowComponents(Opposite(image), Dual(connectivity)).pixels)
-            if (!TouchesEdge(image, component)) pixels.push_back(std::move(component));
-    }
-};
+// In raster order of their first pixels.
+std::vector<std::vector<Place>> HolesOf(const Picture& image, Connectivity connectivity) {
+    auto holes = SlowComponents(Opposite(image), Dual(connectivity)).pixels;
+    std::erase_if(holes, [&](const auto& hole) { return TouchesEdge(image, hole); });
+    return holes;
+}
 
 // The label image has the number of the place of each blob.
 void CheckLabelImage(const World& world, IBlobs* blobs, const Picture& image,
@@ -112,12 +110,12 @@ std::vector<double> ValuesOf(IBlobs* blobs, SingleMeasurementType type, size_t c
 
 struct Shape {
     SingleMeasurementType type;
-    double value;
+    double expected, found;
 };
 
-// What can be counted, in pixels of sx x sy.
-std::vector<Shape> ShapesOf(const Alone& alone, const std::vector<Place>& pixels, const std::optional<Picture>& region,
-                            double sx, double sy) {
+// What can be counted, in pixels of sx x sy, and the fields of the record for it.
+std::vector<Shape> ShapesOf(const SBinaryMeasurements& found, const Alone& alone, const std::vector<Place>& pixels,
+                            const std::optional<Picture>& region, double sx, double sy) {
     const Picture& image = alone.pixels;
     double left = image.width(), top = image.height(), right = 0, bottom = 0, sumX = 0, sumY = 0;
     double atEdge = 0, atRegion = 0, xx = 0, yy = 0, xy = 0;
@@ -148,65 +146,23 @@ std::vector<Shape> ShapesOf(const Alone& alone, const std::vector<Place>& pixels
             feret = std::max(feret,
                              std::pow((std::abs(a.x - b.x) + 1) * sx, 2) + std::pow((std::abs(a.y - b.y) + 1) * sy, 2));
     const auto holes = static_cast<double>(alone.enclosed.size());
-    return {{SMT_PixelCount, n},
-            {SMT_Area, n * sx * sy},
-            {SMT_EquivalentRadius, std::sqrt(n * sx * sy / 3.14159265358979323846)},
-            {SMT_Left, left},
-            {SMT_Top, top},
-            {SMT_Right, right},
-            {SMT_Bottom, bottom},
-            {SMT_Extent, n / ((right - left + 1) * (bottom - top + 1))},
-            {SMT_XCentroid, sumX / n},
-            {SMT_YCentroid, sumY / n},
-            {SMT_Holes, holes},
-            {SMT_EulerNumber, 1 - holes},
-            {SMT_FilledArea, filled * sx * sy},
-            {SMT_FeretMaximum, std::sqrt(feret)},
-            {SMT_MajorAxis, 4 * std::sqrt(mean + half)},
-            {SMT_ImageBorderPixels, atEdge},
-            {SMT_RegionBorderPixels, atRegion}};
-}
-
-// The field of a record for a measurement of ShapesOf.
-double FieldOf(const SBinaryMeasurements& record, SingleMeasurementType type) {
-    switch (type) {
-        case SMT_PixelCount:
-            return record.m_lPixelCount;
-        case SMT_Area:
-            return record.m_dArea;
-        case SMT_EquivalentRadius:
-            return record.m_dEquivalentRadius;
-        case SMT_Left:
-            return record.m_lLeft;
-        case SMT_Top:
-            return record.m_lTop;
-        case SMT_Right:
-            return record.m_lRight;
-        case SMT_Bottom:
-            return record.m_lBottom;
-        case SMT_Extent:
-            return record.m_dExtent;
-        case SMT_XCentroid:
-            return record.m_dXCentroid;
-        case SMT_YCentroid:
-            return record.m_dYCentroid;
-        case SMT_Holes:
-            return record.m_lHoles;
-        case SMT_EulerNumber:
-            return record.m_lEulerNumber;
-        case SMT_FilledArea:
-            return record.m_dFilledArea;
-        case SMT_FeretMaximum:
-            return record.m_dFeretMaximum;
-        case SMT_MajorAxis:
-            return record.m_dMajorAxis;
-        case SMT_ImageBorderPixels:
-            return record.m_lImageBorderPixels;
-        case SMT_RegionBorderPixels:
-            return record.m_lRegionBorderPixels;
-        default:
-            return std::numeric_limits<double>::quiet_NaN();
-    }
+    return {{SMT_PixelCount, n, double(found.m_lPixelCount)},
+            {SMT_Area, n * sx * sy, found.m_dArea},
+            {SMT_EquivalentRadius, std::sqrt(n * sx * sy / 3.14159265358979323846), found.m_dEquivalentRadius},
+            {SMT_Left, left, double(found.m_lLeft)},
+            {SMT_Top, top, double(found.m_lTop)},
+            {SMT_Right, right, double(found.m_lRight)},
+            {SMT_Bottom, bottom, double(found.m_lBottom)},
+            {SMT_Extent, n / ((right - left + 1) * (bottom - top + 1)), found.m_dExtent},
+            {SMT_XCentroid, sumX / n, found.m_dXCentroid},
+            {SMT_YCentroid, sumY / n, found.m_dYCentroid},
+            {SMT_Holes, holes, double(found.m_lHoles)},
+            {SMT_EulerNumber, 1 - holes, double(found.m_lEulerNumber)},
+            {SMT_FilledArea, filled * sx * sy, found.m_dFilledArea},
+            {SMT_FeretMaximum, std::sqrt(feret), found.m_dFeretMaximum},
+            {SMT_MajorAxis, 4 * std::sqrt(mean + half), found.m_dMajorAxis},
+            {SMT_ImageBorderPixels, atEdge, double(found.m_lImageBorderPixels)},
+            {SMT_RegionBorderPixels, atRegion, double(found.m_lRegionBorderPixels)}};
 }
 
 // --------------------------------------------------------------------------------------------------------- grey values
@@ -319,9 +275,9 @@ void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Pictur
     const Picture& image = found.foreground;
     const SlowComponents components(image, found.connectivity);
     CheckLabelImage(world, blobs, image, AllOf(components.pixels));
-    const Holes holes(image, found.connectivity);
+    const auto holes = HolesOf(image, found.connectivity);
     const auto holeBlobs = Made(blobs, &IBlobs::get_Holes);
-    CheckLabelImage(world, holeBlobs.get(), image, AllOf(holes.pixels));
+    CheckLabelImage(world, holeBlobs.get(), image, AllOf(holes));
     const size_t count = components.pixels.size();
     if (count == 0) return;
 
@@ -344,16 +300,15 @@ void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Pictur
         const auto index = static_cast<LONG>(i);
         const std::vector<Place>& pixels = components.pixels[i];
         const Alone alone(pixels, image, found.connectivity);
-        const std::vector<Shape> shapes = ShapesOf(alone, pixels, region, sx, sy);
-        for (const auto& [type, expected] : shapes) {
-            const double value = FieldOf(records[i], type);
+        const std::vector<Shape> shapes = ShapesOf(records[i], alone, pixels, region, sx, sy);
+        for (const auto& [type, expected, value] : shapes) {
             const std::string what = "measurement " + std::to_string(type) + " of blob " + std::to_string(i);
             world.Require(Near(expected, value), what.c_str(), expected, value);
         }
         const Shape& shape = shapes[world.choices.Below(shapes.size())];
         double value = 0;
         Check(blobs->GetValues(shape.type, index, 1, &value), found.blobs);
-        world.Require(value == FieldOf(records[i], shape.type), "GetValues", shape.value, value);
+        world.Require(value == shape.found, "GetValues", shape.expected, value);
         world.Require(records[i].m_lLabel == index && grays[i].m_lLabel == index, "label of a record", index,
                       records[i].m_lLabel);
         CheckGrayValues(world, grays[i], alone, pixels, gray);
@@ -362,16 +317,15 @@ void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Pictur
             "get_Region");
         const double filled = std::round(records[i].m_dFilledArea / (sx * sy));
         CheckOutlines(world, blobs, index, alone, filled);
-        for (size_t k = 0; k < holes.pixels.size(); ++k) {
+        for (size_t k = 0; k < holes.size(); ++k) {
             LONG parent = -2;
             Check(holeBlobs->get_Parent(static_cast<LONG>(k), &parent), holeBlobs);
-            world.Require((parent == index) == alone.IsParentOf(holes.pixels[k]), "get_Parent of a hole", index,
-                          parent);
+            world.Require((parent == index) == alone.IsParentOf(holes[k]), "get_Parent of a hole", index, parent);
         }
     }
-    if (!holes.pixels.empty()) {
-        const size_t k = world.choices.Below(holes.pixels.size());
-        const Alone alone(holes.pixels[k], image, Dual(found.connectivity));
+    if (!holes.empty()) {
+        const size_t k = world.choices.Below(holes.size());
+        const Alone alone(holes[k], image, Dual(found.connectivity));
         for (size_t i = 0; i < count; ++i) {
             LONG parent = -2;
             Check(blobs->get_Parent(static_cast<LONG>(i), &parent), found.blobs);

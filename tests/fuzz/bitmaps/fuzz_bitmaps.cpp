@@ -7,10 +7,7 @@
 // scripts/fuzz shrink finds the fewest steps that show it.
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <optional>
-#include <vector>
 
 #include "fuzz/bitmaps/world.hpp"
 #include "fuzz/program_words.hpp"
@@ -18,13 +15,6 @@
 using namespace orlix::fuzz;
 
 namespace {
-
-std::optional<SequenceOptions> Parse(int count, char** words) {
-    SequenceOptions options;
-    const Flags flags = {{"--verbose", [&] { options.verbose = true; }}};
-    if (!ReadWords(count, words, flags, SettingsOf(options))) return {};
-    return options;
-}
 
 // False after a difference.
 bool RunSequence(uint64_t seed, const SequenceOptions& options, uint64_t& steps) {
@@ -46,30 +36,18 @@ bool RunSequence(uint64_t seed, const SequenceOptions& options, uint64_t& steps)
 }  // namespace
 
 int main(int count, char** words) {
-    const std::optional<SequenceOptions> options = Parse(count, words);
-    if (!options) {
-        std::fprintf(stderr, "see the beginning of tests/fuzz/bitmaps/fuzz_bitmaps.cpp\n");
-        return 2;
-    }
+    const SequenceOptions options = ReadOptions(count, words, "tests/fuzz/bitmaps/fuzz_bitmaps.cpp");
     const orlix::Apartment apartment;
     const std::time_t started = std::time(nullptr);
-    std::time_t reported = started;
     uint64_t steps = 0;
     const auto report = [&](uint64_t sequences) {
         std::printf("progress: %.0f s sequences=%llu steps=%llu\n", std::difftime(std::time(nullptr), started),
                     static_cast<unsigned long long>(sequences), static_cast<unsigned long long>(steps));
         std::fflush(stdout);
     };
-    uint64_t k = 0;
-    for (;
-         options->seconds > 0 ? std::difftime(std::time(nullptr), started) < options->seconds : k < options->sequences;
-         ++k) {
-        if (!RunSequence(options->seed + k, *options, steps)) return 1;
-        if (options->progress > 0 && std::difftime(std::time(nullptr), reported) >= options->progress) {
-            report(k + 1);
-            reported = std::time(nullptr);
-        }
-    }
-    report(k);
-    return 0;
+    const auto run = [&](uint64_t seed) { return RunSequence(seed, options, steps); };
+    return RunSequences(
+               options, [](uint64_t) { return false; }, run, report)
+               ? 0
+               : 1;
 }

@@ -3,7 +3,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "fuzz/bitmaps/gray_image.hpp"
@@ -14,9 +13,6 @@
 
 namespace orlix::fuzz {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 enum class How { Erosion, Dilation, Opening, Closing };
 
@@ -52,10 +48,7 @@ void Shift(World& world, Canvas& canvas) {
 void CountPixels(World& world, Canvas& canvas) {
     LONG count = -1;
     Check(canvas.bitmap->get_PixelCount(&count), canvas.bitmap);
-    int64_t expected = 0;
-    for (int32_t y = 0; y < canvas.picture.height(); ++y)
-        for (int32_t x = 0; x < canvas.picture.width(); ++x)
-            expected += canvas.picture.bit(x, y) && canvas.InRegion(x, y);
+    const int64_t expected = canvas.PixelsInRegion().count();
     world.Require(count == expected, "get_PixelCount", static_cast<double>(expected), count);
 }
 
@@ -210,7 +203,7 @@ void ConnectedBy(World& world, Canvas& canvas, const Slow& slow) {
 
 // The simple pixels that thinning leaves are ends; so it is the skeleton.
 Picture SlowSkeleton(const Picture& image, Connectivity connectivity) {
-    return SlowThin(image, connectivity, std::numeric_limits<int64_t>::max());
+    return SlowThin(image, connectivity, INT64_MAX);
 }
 
 void Reconstruct(World& world, Canvas& canvas) {
@@ -281,9 +274,8 @@ void DistanceMap(World& world, Canvas& canvas) {
     for (const std::span<float> row : Rows<float>(map))
         for (const float distance : row) {
             // The squares are small enough for float, whose root is rounded once.
-            const float expected = *square == std::numeric_limits<int64_t>::max()
-                                       ? std::numeric_limits<float>::infinity()
-                                       : std::sqrt(static_cast<float>(*square));
+            const float expected =
+                *square == INT64_MAX ? static_cast<float>(kInfinity) : std::sqrt(static_cast<float>(*square));
             ++square;
             world.Require(distance == expected, "get_DistanceMap", expected, distance);
         }
@@ -292,13 +284,10 @@ void DistanceMap(World& world, Canvas& canvas) {
 
 void FindBlobs(World& world, Canvas& canvas) {
     const AnyConnectivity connectivity = world.Connectivity();
-    KeptBlobs found = {{}, canvas.picture, connectivity.slow};
+    KeptBlobs found = {{}, canvas.PixelsInRegion(), connectivity.slow};
     const HRESULT result = canvas.bitmap->FindBlobs(connectivity.type, found.blobs.Out());
     world.Require(connectivity.legal() ? result == S_OK : result == E_INVALIDARG, "result of FindBlobs", 0, result);
     if (result != S_OK) return;
-    for (int32_t y = 0; y < canvas.picture.height(); ++y)
-        for (int32_t x = 0; x < canvas.picture.width(); ++x)
-            if (!canvas.InRegion(x, y)) found.foreground.setBit(x, y, false);
     CheckBlobs(world, found, canvas.region);
     world.kept = std::move(found);
 }

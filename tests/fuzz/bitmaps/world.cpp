@@ -6,12 +6,19 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
-#include <limits>
 
 #include "support/refusing.hpp"
 
 namespace orlix::fuzz {
 namespace {
+
+// Writes a row of pixels; padding stays.
+void PutRow(const Picture& picture, int32_t y, uint8_t* row) {
+    for (int32_t x = 0; x < picture.width(); ++x) {
+        const auto mask = static_cast<uint8_t>(0x80 >> x % 8);
+        row[x / 8] = static_cast<uint8_t>(picture.bit(x, y) ? row[x / 8] | mask : row[x / 8] & ~mask);
+    }
+}
 
 // A client's bitmap with rows of any length.
 class OwnBitmap final : public CountedObject<Refusing<IBitmap>> {
@@ -21,12 +28,7 @@ public:
           height_(picture.height()),
           rowBytes_(rowBytes),
           bytes_(static_cast<size_t>(rowBytes) * static_cast<size_t>(picture.height()), padding) {
-        for (int32_t y = 0; y < picture.height(); ++y)
-            for (int32_t x = 0; x < picture.width(); ++x) {
-                uint8_t& byte = bytes_[static_cast<size_t>(y * rowBytes + x / 8)];
-                const auto mask = static_cast<uint8_t>(0x80 >> x % 8);
-                byte = static_cast<uint8_t>(picture.bit(x, y) ? byte | mask : byte & ~mask);
-            }
+        for (int32_t y = 0; y < height_; ++y) PutRow(picture, y, &bytes_[static_cast<size_t>(y * rowBytes)]);
     }
     STDMETHODIMP get_Bitmap(BITMAP* record) noexcept override {
         *record = {0, width_, height_, rowBytes_, 1, 1, bytes_.data()};
@@ -100,24 +102,25 @@ ComPtr<IRegionOfInterest> ShapeIn(World& world, LONG width, LONG height) {
     return Cast<IRegionOfInterest>(shape);
 }
 
-bool IsDrawn(bool was, DrawType how) { return how == DT_On || (how == DT_Xor && !was); }
-
-std::string Drawn(const Picture& picture) {
-    std::string text;
-    for (int32_t y = 0; y < picture.height(); ++y, text += '\n')
-        for (int32_t x = 0; x < picture.width(); ++x) text += picture.bit(x, y) ? '#' : '.';
-    return text;
+// Draws the pixels for which inside(x, y) holds.
+template <class Inside>
+void Draw(Picture& picture, DrawType how, const Inside& inside) {
+    for (int32_t y = 0; y < picture.height(); ++y)
+        for (int32_t x = 0; x < picture.width(); ++x)
+            if (inside(x, y)) picture.setBit(x, y, how == DT_On || (how == DT_Xor && !picture.bit(x, y)));
 }
 
 // + for pixels that are set and should not be, - for those that should be.
 std::string Drawn(const Picture& expected, const Picture& found) {
-    std::string text = Drawn(expected);
-    for (int32_t y = 0; y < expected.height(); ++y)
-        for (int32_t x = 0; x < expected.width(); ++x)
-            if (expected.bit(x, y) != found.bit(x, y))
-                text[static_cast<size_t>(y * (expected.width() + 1) + x)] = found.bit(x, y) ? '+' : '-';
+    std::string text;
+    for (int32_t y = 0; y < expected.height(); ++y, text += '\n')
+        for (int32_t x = 0; x < expected.width(); ++x) {
+            const bool set = found.bit(x, y);
+            text += set == expected.bit(x, y) ? (set ? '#' : '.') : set ? '+' : '-';
+        }
     return text;
 }
+std::string Drawn(const Picture& picture) { return Drawn(picture, picture); }
 
 }  // namespace
 
@@ -138,14 +141,10 @@ Picture PixelsOf(IRegionOfInterest* region, LONG width, LONG height) {
 Picture PixelsOf(IBitmap* bitmap) {
     BITMAP record = {};
     Check(bitmap->get_Bitmap(&record));
-    Picture pixels(record.bmWidth, record.bmHeight);
-    for (LONG y = 0; y < record.bmHeight; ++y) {
-        const uint8_t* const row =
-            static_cast<const uint8_t*>(record.bmBits) + static_cast<ptrdiff_t>(y) * record.bmWidthBytes;
-        for (LONG x = 0; x < record.bmWidth; ++x)
-            if (row[x / 8] & (0x80 >> x % 8)) pixels.setBit(x, y, true);
-    }
-    return pixels;
+    const auto* const bytes = static_cast<const uint8_t*>(record.bmBits);
+    return EachPixel<Picture>(record.bmWidth, record.bmHeight, [&](int32_t x, int32_t y) {
+        return (bytes[static_cast<ptrdiff_t>(y) * record.bmWidthBytes + x / 8] & (0x80 >> x % 8)) != 0;
+    });
 }
 
 World::World(uint64_t seed, bool verbose) : choices(seed), verbose_(verbose) {
@@ -215,9 +214,8 @@ void World::ExpectResult(Canvas& canvas, HRESULT result, bool legal, const std::
     Require(legal ? result == S_OK : FAILED(result), "result of the call", legal ? 0 : E_FAIL, result);
     if (!legal) return;
     const Picture changed = picture();
-    for (int32_t y = 0; y < changed.height(); ++y)
-        for (int32_t x = 0; x < changed.width(); ++x)
-            if (canvas.InRegion(x, y)) canvas.picture.setBit(x, y, changed.bit(x, y));
+    Draw(canvas.picture, DT_Xor,
+         [&](int32_t x, int32_t y) { return canvas.InRegion(x, y) && canvas.picture.bit(x, y) != changed.bit(x, y); });
 }
 
 // ------------------------------------------------------------------------------------------------------------- content
@@ -232,14 +230,12 @@ void World::Fill(Canvas& canvas) {
     picture = Picture(width, height);
     if (kind < 4) {
         const int density = kind == 0 ? 128 : choices.Byte();
-        for (int32_t y = 0; y < height; ++y)
-            for (int32_t x = 0; x < width; ++x) picture.setBit(x, y, choices.Byte() < density);
+        Draw(picture, DT_On, [&](int32_t, int32_t) { return choices.Byte() < density; });
     } else if (kind < 6) {  // disks
         for (size_t left = 1 + choices.Below(12); left > 0; --left) {
             const int32_t cx = place(width), cy = place(height), r = 1 + place(1 + std::min(width, 9));
-            for (int32_t y = 0; y < height; ++y)
-                for (int32_t x = 0; x < width; ++x)
-                    if ((x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r) picture.setBit(x, y, true);
+            Draw(picture, DT_On,
+                 [&](int32_t x, int32_t y) { return (x - cx) * (x - cx) + (y - cy) * (y - cy) <= r * r; });
         }
     } else if (kind < 8) {  // lines, in all directions
         for (size_t left = 1 + choices.Below(10); left > 0; --left) {
@@ -249,9 +245,9 @@ void World::Fill(Canvas& canvas) {
         }
     } else if (kind == 8) {  // rings in one another
         const int32_t period = 1 + place(4), phase = place(4);
-        for (int32_t y = 0; y < height; ++y)
-            for (int32_t x = 0; x < width; ++x)
-                picture.setBit(x, y, (std::min({x, y, width - 1 - x, height - 1 - y}) + phase) / period % 2 == 0);
+        Draw(picture, DT_On, [&](int32_t x, int32_t y) {
+            return (std::min({x, y, width - 1 - x, height - 1 - y}) + phase) / period % 2 == 0;
+        });
     } else if (OneIn(2)) {
         picture = Opposite(picture);
     }
@@ -260,10 +256,7 @@ void World::Fill(Canvas& canvas) {
         uint8_t* row = nullptr;
         Check(canvas.bitmap->GetWriteRowPtr(y, &row), canvas.bitmap);
         std::fill(row, row + (width + 7) / 8, padding);
-        for (LONG x = 0; x < width; ++x) {
-            const auto mask = static_cast<uint8_t>(0x80 >> x % 8);
-            row[x / 8] = static_cast<uint8_t>(picture.bit(x, y) ? row[x / 8] | mask : row[x / 8] & ~mask);
-        }
+        PutRow(picture, y, row);
     }
 }
 
@@ -327,9 +320,7 @@ void World::Write(Canvas& canvas) {
         Say("%s %d %d %d %d %g how %d ", name, static_cast<int>(x), static_cast<int>(y), static_cast<int>(x2),
             static_cast<int>(y2), radius, static_cast<int>(how));
         Check(result, canvas.bitmap);
-        for (int32_t v = 0; v < picture.height(); ++v)
-            for (int32_t u = 0; u < picture.width(); ++u)
-                if (inside(u, v)) picture.setBit(u, v, IsDrawn(picture.bit(u, v), how));
+        Draw(picture, how, inside);
     };
     switch (choices.Below(9)) {
         case 0:

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -18,11 +17,9 @@
 #include "fuzz/bitmaps/picture.hpp"
 #include "fuzz/choices.hpp"
 #include "support/slow_components.hpp"
+#include "support/special_numbers.hpp"
 
 namespace orlix::fuzz {
-
-inline constexpr LONG kMost = std::numeric_limits<LONG>::max();
-inline constexpr LONG kLeast = std::numeric_limits<LONG>::min();
 
 // Something is not as the slow definitions have it; what() tells what.
 struct Difference : std::runtime_error {
@@ -35,6 +32,10 @@ struct Canvas {
     std::optional<Picture> region;  // its pixels; none: no region is put
 
     bool InRegion(int32_t x, int32_t y) const { return !region || region->bit(x, y); }
+    Picture PixelsInRegion() const {
+        return EachPixel<Picture>(picture.width(), picture.height(),
+                                  [&](int32_t x, int32_t y) { return picture.bit(x, y) && InRegion(x, y); });
+    }
 };
 
 // A second bitmap of a call: one of the world's, or a client's own with rows of another length.

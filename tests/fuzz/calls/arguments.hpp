@@ -7,8 +7,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "fuzz/calls/devices.hpp"
-#include "fuzz/calls/pages.hpp"
+#include "fuzz/calls/addresses.hpp"
 #include "fuzz/calls/world.hpp"
 
 namespace orlix::fuzz {
@@ -16,76 +15,45 @@ namespace orlix::fuzz {
 template <class T>
 concept Interface = std::is_base_of_v<IUnknown, T>;
 
-// get() is what is passed. Done() is called when the method is back, and looks at what came out.
+// Without an underlying type of its own an enumeration has no value that its members' bits cannot hold.
 template <class T>
-class Argument;
+concept AnyNumber = requires {
+    T{0};
+};
 
 template <class T>
-class Value {
+T ValueFrom(World& world) {
+    Choices& choices = world.choices();
+    if constexpr (std::is_same_v<T, ConnectivityType>)
+        return static_cast<T>(choices.Chance(16) ? world.Long() : choices.Chance(128) ? CT_4 : CT_8);
+    else if constexpr (std::is_enum_v<T>)  // members and numbers that are none
+        return static_cast<T>(AnyNumber<T> ? world.Long() : static_cast<LONG>(choices.Below(4)));
+    else if constexpr (std::is_integral_v<T>)
+        return static_cast<T>(world.Long());
+    else if constexpr (std::is_same_v<T, double>)
+        return world.Double();
+    else if constexpr (std::is_same_v<T, TCoordinateMap>)
+        return {world.Double(), world.Double(), {world.Double(), world.Double(), world.Double(), world.Double()}};
+    else if constexpr (std::is_same_v<T, const IID&>)
+        return world.Identifier();
+    else if constexpr (std::is_same_v<T, void*>)
+        // Everywhere but where a method of its own kind says otherwise: a device context.
+        return DeviceContext(choices.Byte());
+    else
+        static_assert(!sizeof(T), "a type that is not known");
+}
+
+// get() is what is passed. Done() is called when the method is back, and looks at what came out.
+template <class T>
+class Argument {
 public:
-    explicit Value(T value) : value_(value) {}
+    explicit Argument(T value) : value_(value) {}
+    explicit Argument(World& world) : value_(ValueFrom<T>(world)) {}
     T get() const { return value_; }
     void Done(World&) {}
 
 private:
     T value_;
-};
-
-template <class T>
-requires std::is_integral_v<T>
-class Argument<T> : public Value<T> {
-public:
-    explicit Argument(World& world) : Value<T>(static_cast<T>(world.Long())) {}
-};
-
-// Members and numbers that are none. Without an underlying type of its own an enumeration has no value that its
-// members' bits cannot hold.
-template <class T>
-concept AnyNumber = requires {
-    T{0};
-};
-template <class T>
-requires std::is_enum_v<T>
-class Argument<T> : public Value<T> {
-public:
-    explicit Argument(World& world)
-        : Value<T>(static_cast<T>(AnyNumber<T> ? world.Long() : static_cast<LONG>(world.choices().Below(4)))) {}
-};
-
-template <>
-class Argument<ConnectivityType> : public Value<ConnectivityType> {
-public:
-    explicit Argument(World& world)
-        : Value(static_cast<ConnectivityType>(world.choices().Chance(16)    ? world.Long()
-                                              : world.choices().Chance(128) ? CT_4
-                                                                            : CT_8)) {}
-};
-
-template <>
-class Argument<double> : public Value<double> {
-public:
-    using Value::Value;
-    explicit Argument(World& world) : Value(world.Double()) {}
-};
-
-template <>
-class Argument<TCoordinateMap> : public Value<TCoordinateMap> {
-public:
-    explicit Argument(World& world)
-        : Value({world.Double(), world.Double(), {world.Double(), world.Double(), world.Double(), world.Double()}}) {}
-};
-
-template <>
-class Argument<const IID&> : public Value<const IID&> {
-public:
-    explicit Argument(World& world) : Value(world.Identifier()) {}
-};
-
-// Everywhere but where a method of its own kind says otherwise: a device context.
-template <>
-class Argument<void*> : public Value<void*> {
-public:
-    explicit Argument(World& world) : Value(DeviceContext(world.choices().Byte())) {}
 };
 
 template <>

@@ -7,8 +7,8 @@
 #include <set>
 #include <utility>
 
+#include "fuzz/calls/addresses.hpp"
 #include "fuzz/calls/heap.hpp"
-#include "fuzz/calls/pages.hpp"
 #include "image/source_image.hpp"
 #include "module/class_factory.hpp"
 #include "support/refusing.hpp"

@@ -10,16 +10,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <ctime>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "fuzz/calls/death.hpp"
 #include "fuzz/calls/heap.hpp"
 #include "fuzz/calls/report.hpp"
-#include "fuzz/calls/watchdog.hpp"
 #include "fuzz/calls/world.hpp"
 #include "fuzz/program_words.hpp"
 
@@ -27,24 +22,8 @@ using namespace orlix::fuzz;
 
 namespace {
 
-struct Options : SequenceOptions {
-    bool everyMethod = false;
-};
-
-std::optional<Options> Parse(int count, char** words) {
-    Options options;
-    const Flags flags = {
-        {"--verbose", [&] { options.verbose = true; }},
-        {"--every-method", [&] { options.everyMethod = true; }},
-    };
-    Settings settings = SettingsOf(options);
-    settings["--slow"] = [](const char* text) { slowSeconds = std::strtod(text, nullptr); };
-    if (!ReadWords(count, words, flags, settings)) return {};
-    return options;
-}
-
-// Empty, or what is left over.
-std::string RunSequence(uint64_t seed, const Options& options) {
+// Says what is left over; false when something is.
+bool RunSequence(uint64_t seed, const SequenceOptions& options) {
     Choices choices(seed);
     place = {seed, 0, 0, "", "", ""};
     choices.BeginStep(UINT32_MAX);
@@ -61,7 +40,10 @@ std::string RunSequence(uint64_t seed, const Options& options) {
     const std::string left = world.Close();
     CheckHeap();
     ++TallyOfProcess().sequences;
-    return left;
+    if (left.empty()) return true;
+    std::printf("left over: %s, seed %llu\n", left.c_str(), static_cast<unsigned long long>(seed));
+    std::fflush(stdout);
+    return false;
 }
 
 // Except for the events, which clients alone implement.
@@ -76,42 +58,26 @@ std::vector<const Method*> NeverCalled() {
 }  // namespace
 
 int main(int count, char** words) {
-    const std::optional<Options> options = Parse(count, words);
-    if (!options) {
-        std::fprintf(stderr, "see the beginning of tests/fuzz/calls/fuzz_calls.cpp\n");
-        return 2;
-    }
+    bool everyMethod = false;
+    const SequenceOptions options =
+        ReadOptions(count, words, "tests/fuzz/calls/fuzz_calls.cpp",
+                    {{"--every-method", false, [&](const char*) { everyMethod = true; }},
+                     {"--slow", true, [](const char* text) { slowSeconds = std::strtod(text, nullptr); }}});
     ReportDeath();
     WatchCalls();
-    const Tally& tally = TallyOfProcess();
-    int status = 0;
-    const std::time_t started = std::time(nullptr);
-    std::time_t reported = started;
     // Chance may need more sequences to call every method than were asked for.
-    const auto goesOn = [&](uint64_t k) {
-        if (options->seconds > 0) return std::difftime(std::time(nullptr), started) < options->seconds;
-        return k < options->sequences ||
-               (options->everyMethod && k < 10 * options->sequences && !NeverCalled().empty());
-    };
-    for (uint64_t k = 0; goesOn(k); ++k) {
-        const std::string left = RunSequence(options->seed + k, *options);
-        if (!left.empty()) {
-            std::printf("left over: %s, seed %llu\n", left.c_str(), static_cast<unsigned long long>(options->seed + k));
-            std::fflush(stdout);
-            return 1;  // what is left over would be seen again after each of the following
-        }
-        const std::time_t now = std::time(nullptr);
-        if (options->progress > 0 && std::difftime(now, reported) >= options->progress) {
-            PrintProgress(ReachedEdges());
-            reported = now;
-        }
-    }
-    PrintProgress(ReachedEdges());
-    if (tally.slowCalls > 0) {
-        std::printf("slow calls: %llu\n", static_cast<unsigned long long>(tally.slowCalls));
+    const auto more = [&](uint64_t k) { return everyMethod && k < 10 * options.sequences && !NeverCalled().empty(); };
+    // What is left over would be seen again after each of the following.
+    if (!RunSequences(
+            options, more, [&](uint64_t seed) { return RunSequence(seed, options); },
+            [](uint64_t) { PrintProgress(); }))
+        return 1;
+    int status = 0;
+    if (const uint64_t slow = TallyOfProcess().slowCalls) {
+        std::printf("slow calls: %llu\n", static_cast<unsigned long long>(slow));
         status = 1;
     }
-    if (options->everyMethod)
+    if (everyMethod)
         for (const Method* const method : NeverCalled()) {
             std::printf("never called: %s::%s\n", method->interfaceName, method->name);
             status = 1;

@@ -18,14 +18,12 @@ namespace {
 // More than any object of these sequences needs, less than absurd sizes ask for.
 constexpr size_t kMostBytes = size_t{48} << 20;
 
-bool inLibrary = false;
-int failuresIn = -1;
 size_t liveBytes = 0;
 
 bool Refused(size_t size) noexcept {
-    if (!inLibrary) return false;
+    if (!heapUse.byLibrary) return false;
     if (size > kMostBytes || liveBytes > kMostBytes - size) return true;
-    return failuresIn >= 0 && failuresIn-- == 0;
+    return heapUse.failAfter >= 0 && heapUse.failAfter-- == 0;
 }
 
 #ifdef ORLIX_SANITIZED
@@ -50,7 +48,7 @@ void Free(void* memory) noexcept {
 struct Header {
     size_t size;
     void* allocated;
-    Header* next;  // in the list of live blocks or in that of freed ones
+    Header* next;  // in the ring of live blocks or in that of freed ones
     Header* previous;
     uint64_t mark;
 };
@@ -61,6 +59,27 @@ constexpr size_t kTail = 32;
 constexpr uint8_t kCanary = 0xA7;
 constexpr uint8_t kFreedByte = 0xDD;  // as a pointer: an address that no process of 32 bits has
 constexpr size_t kMostKept = size_t{8} << 20;
+size_t keptBytes = 0;
+
+// The middle of the ring of the blocks with this mark. Needed before the first static object, and after the last.
+Header& Blocks(uint64_t mark) noexcept {
+    static Header middles[2];
+    Header& middle = middles[mark == kFreed];
+    if (!middle.next) middle.next = middle.previous = &middle;
+    return middle;
+}
+void PushBack(Header* header, uint64_t mark) noexcept {
+    Header& middle = Blocks(mark);
+    header->mark = mark;
+    header->previous = middle.previous;
+    header->next = &middle;
+    middle.previous->next = header;
+    middle.previous = header;
+}
+void Remove(const Header* header) noexcept {
+    header->previous->next = header->next;
+    header->next->previous = header->previous;
+}
 
 [[noreturn]] void Hurt(const Header* header, const char* what) noexcept {
     std::fprintf(stderr, "heap: %s, block of %zu bytes at %p\n", what, header->size,
@@ -69,64 +88,14 @@ constexpr size_t kMostKept = size_t{8} << 20;
     std::abort();
 }
 
-// A ring with this in its middle.
-struct Ring {
-    Ring() { middle.next = middle.previous = &middle; }
-    void PushBack(Header* header) {
-        header->previous = middle.previous;
-        header->next = &middle;
-        middle.previous->next = header;
-        middle.previous = header;
-    }
-    static void Remove(Header* header) {
-        header->previous->next = header->next;
-        header->next->previous = header->previous;
-    }
-    Header middle = {};
-};
-// Needed before the first static object, and after the last.
-template <uint64_t mark>
-Ring& Blocks() {
-    alignas(Ring) static unsigned char memory[sizeof(Ring)];
-    static Ring* const ring = new (memory) Ring;
-    return *ring;
-}
-size_t keptBytes = 0;
-
-void CheckTail(const Header* header) noexcept {
-    const auto* const tail = reinterpret_cast<const uint8_t*>(header + 1) + header->size;
-    if (std::any_of(tail, tail + kTail, [](uint8_t byte) { return byte != kCanary; }))
-        Hurt(header, "written behind a block");
-}
-
-void CheckFreed(const Header* header) noexcept {
-    if (header->mark != kFreed) Hurt(header, "written before a freed block");
+void Check(const Header* header, uint64_t mark) noexcept {
+    const auto allAre = [](const uint8_t* bytes, size_t size, uint8_t wanted) {
+        return std::all_of(bytes, bytes + size, [&](uint8_t byte) { return byte == wanted; });
+    };
     const auto* const bytes = reinterpret_cast<const uint8_t*>(header + 1);
-    if (std::any_of(bytes, bytes + header->size, [](uint8_t byte) { return byte != kFreedByte; }))
-        Hurt(header, "written to after it was freed");
-    CheckTail(header);
-}
-
-void Join(Header* header, uint8_t* bytes) noexcept {
-    std::memset(bytes, 0xCD, header->size);  // what is read before it is written differs from zero
-    std::memset(bytes + header->size, kCanary, kTail);
-    Blocks<kLive>().PushBack(header);
-}
-
-void Retire(Header* header, uint8_t* bytes) noexcept {
-    CheckTail(header);
-    Ring::Remove(header);
-    std::memset(bytes, kFreedByte, header->size);
-    header->mark = kFreed;
-    Blocks<kFreed>().PushBack(header);
-    keptBytes += header->size;
-    while (keptBytes > kMostKept) {
-        Header* const oldest = Blocks<kFreed>().middle.next;
-        CheckFreed(oldest);
-        Ring::Remove(oldest);
-        keptBytes -= oldest->size;
-        std::free(oldest->allocated);
-    }
+    if (header->mark != mark) Hurt(header, mark == kFreed ? "written before a freed block" : "written before a block");
+    if (mark == kFreed && !allAre(bytes, header->size, kFreedByte)) Hurt(header, "written to after it was freed");
+    if (!allAre(bytes + header->size, kTail, kCanary)) Hurt(header, "written behind a block");
 }
 
 void* Allocate(size_t size, size_t alignment) noexcept {
@@ -139,22 +108,30 @@ void* Allocate(size_t size, size_t alignment) noexcept {
     Header* const header = reinterpret_cast<Header*>(bytes) - 1;
     *header = {size, allocated, nullptr, nullptr, kLive};
     liveBytes += size;
-    Join(header, bytes);
+    std::memset(bytes, 0xCD, size);  // what is read before it is written differs from zero
+    std::memset(bytes + size, kCanary, kTail);
+    PushBack(header, kLive);
     return bytes;
 }
 
 void Free(void* memory) noexcept {
     if (!memory) return;
     Header* const header = static_cast<Header*>(memory) - 1;
-    if (header->mark != kLive) {
-        std::fprintf(
-            stderr, "heap: %s %p\n",
-            header->mark == kFreed ? "freed twice:" : "freed what is no block, or written before one:", memory);
-        std::fflush(stderr);
-        std::abort();
-    }
+    if (header->mark == kFreed) Hurt(header, "freed twice");
+    if (header->mark != kLive) Hurt(header, "freed what is no block, or written before one");
+    Check(header, kLive);
+    Remove(header);
+    std::memset(memory, kFreedByte, header->size);
     liveBytes -= header->size;
-    Retire(header, static_cast<uint8_t*>(memory));
+    keptBytes += header->size;
+    PushBack(header, kFreed);
+    while (keptBytes > kMostKept) {
+        Header* const oldest = Blocks(kFreed).next;
+        Check(oldest, kFreed);
+        Remove(oldest);
+        keptBytes -= oldest->size;
+        std::free(oldest->allocated);
+    }
 }
 
 #endif
@@ -167,31 +144,11 @@ void* AllocateOrThrow(size_t size, size_t alignment) {
 
 }  // namespace
 
-LibraryHeap::LibraryHeap(int failAfter) noexcept : before_(inLibrary), failAfterBefore_(failuresIn) {
-    inLibrary = true;
-    failuresIn = failAfter;
-}
-LibraryHeap::~LibraryHeap() {
-    inLibrary = before_;
-    failuresIn = failAfterBefore_;
-}
-ClientHeap::ClientHeap() noexcept : before_(inLibrary), failAfterBefore_(failuresIn) {
-    inLibrary = false;
-    failuresIn = -1;
-}
-ClientHeap::~ClientHeap() {
-    inLibrary = before_;
-    failuresIn = failAfterBefore_;
-}
-
 void CheckHeap() noexcept {
 #ifndef ORLIX_SANITIZED
-    for (const Header* header = Blocks<kLive>().middle.next; header != &Blocks<kLive>().middle; header = header->next) {
-        if (header->mark != kLive) Hurt(header, "written before a block");
-        CheckTail(header);
-    }
-    for (const Header* header = Blocks<kFreed>().middle.next; header != &Blocks<kFreed>().middle; header = header->next)
-        CheckFreed(header);
+    for (const uint64_t mark : {kLive, kFreed})
+        for (const Header* header = Blocks(mark).next; header != &Blocks(mark); header = header->next)
+            Check(header, mark);
 #endif
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define ORLIX_SANITIZED 1
@@ -14,29 +15,32 @@
 
 namespace orlix::fuzz {
 
-// While a call of the library runs. A client that is called back steps out of it again.
-class LibraryHeap {
+// Gives a variable another value while it lives.
+template <class T>
+class Temporarily {
 public:
-    // failAfter: how many allocations succeed until one fails; negative: none fails.
-    explicit LibraryHeap(int failAfter) noexcept;
-    ~LibraryHeap();
-    LibraryHeap(const LibraryHeap&) = delete;
-    LibraryHeap& operator=(const LibraryHeap&) = delete;
+    Temporarily(T& variable, T value) : variable_(variable), before_(std::exchange(variable, value)) {}
+    ~Temporarily() { variable_ = before_; }
+    Temporarily(const Temporarily&) = delete;
+    Temporarily& operator=(const Temporarily&) = delete;
 
 private:
-    bool before_;
-    int failAfterBefore_;
+    T& variable_;
+    T before_;
 };
-class ClientHeap {
-public:
-    ClientHeap() noexcept;
-    ~ClientHeap();
-    ClientHeap(const ClientHeap&) = delete;
-    ClientHeap& operator=(const ClientHeap&) = delete;
 
-private:
-    bool before_;
-    int failAfterBefore_;
+struct HeapUse {
+    bool byLibrary = false;
+    int failAfter = -1;  // how many allocations succeed until one fails; negative: none fails
+};
+inline HeapUse heapUse;
+
+// While a call of the library runs. A client that is called back steps out of it again.
+struct LibraryHeap : Temporarily<HeapUse> {
+    explicit LibraryHeap(int failAfter) noexcept : Temporarily(heapUse, {true, failAfter}) {}
+};
+struct ClientHeap : Temporarily<HeapUse> {
+    ClientHeap() noexcept : Temporarily(heapUse, {}) {}
 };
 
 // Looks at the canaries of all live blocks and of all freed ones that are still kept; aborts with a message when one is

@@ -1,49 +1,17 @@
-// The line that tells how far a run is; scripts/fuzz adds up those of several processes.
+// What the process tells of itself.
 #pragma once
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <vector>
-
-#include "fuzz/calls/world.hpp"
-
-#ifndef _WIN32
-// The counters of all edges side by side, where the compiler counts them.
-extern "C" [[gnu::weak]] uint8_t __start___sancov_cntrs[];
-extern "C" [[gnu::weak]] uint8_t __stop___sancov_cntrs[];
-#endif
 
 namespace orlix::fuzz {
 
-// Edges that any sequence so far has reached; 0 where nothing counts them.
-inline uint64_t ReachedEdges() {
-#ifdef _WIN32
-    return 0;
-#else
-    static std::vector<bool> reached;
-    static uint64_t count = 0;
-    const uint8_t* const counters = __start___sancov_cntrs;
-    if (!counters) return 0;
-    reached.resize(static_cast<size_t>(__stop___sancov_cntrs - __start___sancov_cntrs));
-    for (size_t i = 0; i < reached.size(); ++i)
-        if (counters[i] && !reached[i]) {
-            reached[i] = true;
-            ++count;
-        }
-    return count;
-#endif
-}
+// Says where the process was when it died: seed, step and call.
+void ReportDeath();
 
-// edges: how many of the instrumented edges have been reached, 0 where nothing is instrumented.
-inline void PrintProgress(uint64_t edges) {
-    const Tally& tally = TallyOfProcess();
-    std::printf("progress: cpu=%.1f sequences=%llu calls=%llu callbacks=%llu reentrant=%llu edges=%llu slow=%llu\n",
-                ProcessorSeconds(), static_cast<unsigned long long>(tally.sequences),
-                static_cast<unsigned long long>(tally.calls), static_cast<unsigned long long>(tally.callbacks),
-                static_cast<unsigned long long>(tally.reentrantCalls), static_cast<unsigned long long>(edges),
-                static_cast<unsigned long long>(tally.slowCalls));
-    std::fflush(stdout);
-}
+// From now on a thread of its own names each call that has been at work for 5 s of the processor, while it is, and ends
+// the process with status 4 when it has been for 100 s, or for 15 minutes of waiting.
+void WatchCalls();
+
+// The line that tells how far a run is, with the edges that any sequence so far has reached (0 where nothing counts
+// them); scripts/fuzz adds up those of several processes.
+void PrintProgress();
 
 }  // namespace orlix::fuzz

@@ -133,8 +133,8 @@ World::Call::~Call() {
 
 void World::Called(const char* client, const char* method) {
     if (!inLibrary_) return;
-    const InLibrary outside(*this, false);
-    const Place before = place;
+    const Temporarily outside(inLibrary_, false);
+    const Temporarily here(place, place);
     place.client = client;
     ++TallyOfProcess().callbacks;
     if (depth_ < kMostDepth && callbacksLeft_ > 0 && budget_ > 0 && choices_.Chance(depth_ == 0 ? 72 : 40)) {
@@ -144,7 +144,6 @@ void World::Called(const char* client, const char* method) {
         for (size_t steps = 1 + choices_.Below(3); steps > 0; --steps) Step();
         --depth_;
     }
-    place = before;
 }
 
 void World::CallMethod() {
@@ -217,7 +216,7 @@ void World::Drop(size_t index) {
     if (!gone.client) dying_.push_back(gone.object);
     Say("Release of %p", static_cast<void*>(gone.object));
     {
-        const InLibrary inside(*this, true);
+        const Temporarily inside(inLibrary_, true);
         const LibraryHeap heap(-1);
         gone.object->Release();
     }
@@ -324,7 +323,7 @@ void World::PutRegion() {
     const ComPtr<IUnknown> image = FromPool(__uuidof(IImageProcessBase), false);
     if (!image) return;
     const ComPtr<IUnknown> region = MakeClientOf(*this, __uuidof(IRegionOfInterest));
-    const InLibrary inside(*this, true);
+    const Temporarily inside(inLibrary_, true);
     const LibraryHeap heap(-1);
     static_cast<IImageProcessBase*>(image.get())->put_RegionOfInterest(static_cast<IRegionOfInterest*>(region.get()));
 }
@@ -336,7 +335,7 @@ void World::Advise() {
     static_cast<IConnectionPointContainer*>(image.get())->FindConnectionPoint(__uuidof(IPictureExEvents), point.Out());
     const ComPtr<IUnknown> sink = MakeClientOf(*this, __uuidof(IPictureExEvents));
     DWORD cookie = 0;
-    const InLibrary inside(*this, true);
+    const Temporarily inside(inLibrary_, true);
     const LibraryHeap heap(-1);
     if (point) point->Advise(sink.get(), &cookie);
 }
@@ -363,23 +362,15 @@ void World::LookAtError() {
 void World::Step() {
     if (depth_ == 0) callbacksLeft_ = kMostCallbacks;
     if (budget_-- <= 0) return;
-    const int kind = choices_.Byte();
-    if (kind < 168)
-        CallMethod();
-    else if (kind < 192)
-        PutRegion();
-    else if (kind < 202)
-        CreateImage();
-    else if (kind < 214)
-        Create();
-    else if (kind < 222)
-        Advise();
-    else if (kind < 232)
-        Share();
-    else if (kind < 236)
-        LookAtError();
-    else if (!pool_.empty())
-        Drop(choices_.Below(pool_.size()));
+    const struct {
+        int below;
+        void (World::*step)();
+    } kinds[] = {{168, &World::CallMethod}, {192, &World::PutRegion}, {202, &World::CreateImage}, {214, &World::Create},
+                 {222, &World::Advise},     {232, &World::Share},     {236, &World::LookAtError}};
+    const int drawn = choices_.Byte();
+    for (const auto& [below, step] : kinds)
+        if (drawn < below) return (this->*step)();
+    if (!pool_.empty()) Drop(choices_.Below(pool_.size()));
 }
 
 // -------------------------------------------------------------------------------------------------------------- values

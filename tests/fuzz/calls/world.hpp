@@ -132,19 +132,6 @@ private:
         bool client;
     };
 
-    // Callbacks come from within the library only, not from what the fuzzer itself asks of a client.
-    class InLibrary {
-    public:
-        InLibrary(World& world, bool inside) : world_(world), before_(world.inLibrary_) { world.inLibrary_ = inside; }
-        ~InLibrary() { world_.inLibrary_ = before_; }
-        InLibrary(const InLibrary&) = delete;
-        InLibrary& operator=(const InLibrary&) = delete;
-
-    private:
-        World& world_;
-        bool before_;
-    };
-
     void CallMethod();
     void Drop(size_t index);
     void Create();
@@ -162,9 +149,9 @@ private:
     // Half of the calls of a sequence are of these few methods, so that the same ones meet each other in many ways.
     std::array<const Method*, 8> focus_ = {};
     int depth_ = 0;
-    int budget_ = 600;       // calls of a sequence
-    int callbacksLeft_ = 0;  // of a step
-    bool inLibrary_ = false;
+    int budget_ = 600;        // calls of a sequence
+    int callbacksLeft_ = 0;   // of a step
+    bool inLibrary_ = false;  // Only then clients call back: not from what the fuzzer itself asks of one.
     bool closing_ = false;
     double innerSeconds_ = 0;  // of the calls within the one at work
     int dyingCalls_ = 0;       // calls at work on what may be dying: what they hand out is let go of at once
