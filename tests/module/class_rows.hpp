@@ -12,40 +12,25 @@ struct ClassFacts {
     const char* coclass;
     const char* clsid;
     const char* progId;  // without the version
-    const char* progIdText;
-    const char* classText;
     int script;
-    bool built;
+    bool built = false;
 };
 
 inline constexpr ClassFacts kClassFacts[] = {
-    {"OrlixPolygon", "{E0AF5E0B-FB80-4687-B204-943EBC39CFF8}", "Orlix.Polygon", "Polygon Class", "Polygon Class", 101,
-     true},
-    {"OrlixHistogram", "{9CC2D5EE-E548-46B4-86D0-6D11326DA63F}", "Orlix.Histogram", "Histogram Class",
-     "Histogram Class", 102, true},
-    {"OrlixBitmap", "{5FDD9A2B-F56C-4C60-8009-CC17CB4A1AF0}", "Orlix.Bitmap", "Bitmap Class", "Bitmap Class", 103,
-     true},
-    {"OrlixImage", "{AA7A9966-C648-40D2-8BC7-8D5367631BCE}", "Orlix.Image", "Image Class", "Image Class", 104, true},
-    {"OrlixStructuringElement", "{0A872D7F-8E99-44D0-91CF-E008F8FB3092}", "orlix.StructuringElement",
-     "StructuringElement Class", "StructuringElement Class", 105, true},
-    {"OrlixLineGraphicOverlay", "{31A46664-0854-4433-88AA-EB0F8CEE1204}", "Orlix.LineGraphicOverlay",
-     "LineGraphicOverlay Class", "LineGraphicOverlay Class", 106, false},
-    {"OrlixCircleGraphicOverlay", "{CEC08100-A391-41C1-8FB8-D300572684FD}", "Orlix.CircleGraphicOverlay",
-     "CircleGraphicOverlay Class", "CircleGraphicOverlay Class", 109, false},
-    {"OrlixBuffer", "{BC38C191-D432-4762-B996-3D15755DA2FD}", "Orlix.OrlixBuffer", "OrlixBuffer Class",
-     "OrlixBuffer Class", 110, false},
-    {"OrlixSplineImage", "{DB2CB075-8206-40E3-8FCA-CFC5003943D6}", "Orlix.SplineImage", "SplineImage Class",
-     "SplineImage Class", 111, false},
-    {"OrlixShapeRegionOfInterest", "{BC786B12-4454-4230-86D9-B49519E208BF}", "Orlix.ShapeRegionOfInterest",
-     "ShapeRegionOfInterest Class", "ShapeRegionOfInterest Class", 113, true},
-    {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", "VBHelper Class", "VBHelper Class",
-     114, false},
-    {"OrlixImageView", "{C35E3781-66F8-4DEE-B487-451882355339}", "Orlix.ImageView", "ImageView", "ImageView Class", 116,
-     false},
-    {"OrlixTextGraphicOverlay", "{D51CC6A3-98FA-44AE-9505-778148FED93C}", "Orlix.TextGraphicOverlay",
-     "TextGraphicOverlay Class", "TextGraphicOverlay Class", 117, false},
-    {"OrlixHistogramDialog", "{BC6A61F4-18F5-48FE-BA43-C9B34EB702B0}", "Orlix.HistogramDialog", "HistogramDialog Class",
-     "HistogramDialog Class", 120, false},
+    {"OrlixPolygon", "{E0AF5E0B-FB80-4687-B204-943EBC39CFF8}", "Orlix.Polygon", 101, true},
+    {"OrlixHistogram", "{9CC2D5EE-E548-46B4-86D0-6D11326DA63F}", "Orlix.Histogram", 102, true},
+    {"OrlixBitmap", "{5FDD9A2B-F56C-4C60-8009-CC17CB4A1AF0}", "Orlix.Bitmap", 103, true},
+    {"OrlixImage", "{AA7A9966-C648-40D2-8BC7-8D5367631BCE}", "Orlix.Image", 104, true},
+    {"OrlixStructuringElement", "{0A872D7F-8E99-44D0-91CF-E008F8FB3092}", "orlix.StructuringElement", 105, true},
+    {"OrlixLineGraphicOverlay", "{31A46664-0854-4433-88AA-EB0F8CEE1204}", "Orlix.LineGraphicOverlay", 106},
+    {"OrlixCircleGraphicOverlay", "{CEC08100-A391-41C1-8FB8-D300572684FD}", "Orlix.CircleGraphicOverlay", 109},
+    {"OrlixBuffer", "{BC38C191-D432-4762-B996-3D15755DA2FD}", "Orlix.OrlixBuffer", 110},
+    {"OrlixSplineImage", "{DB2CB075-8206-40E3-8FCA-CFC5003943D6}", "Orlix.SplineImage", 111},
+    {"OrlixShapeRegionOfInterest", "{BC786B12-4454-4230-86D9-B49519E208BF}", "Orlix.ShapeRegionOfInterest", 113, true},
+    {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", 114},
+    {"OrlixImageView", "{C35E3781-66F8-4DEE-B487-451882355339}", "Orlix.ImageView", 116},
+    {"OrlixTextGraphicOverlay", "{D51CC6A3-98FA-44AE-9505-778148FED93C}", "Orlix.TextGraphicOverlay", 117},
+    {"OrlixHistogramDialog", "{BC6A61F4-18F5-48FE-BA43-C9B34EB702B0}", "Orlix.HistogramDialog", 120},
 };
 
 inline constexpr const char* kTypeLibraryId = "{9DE17042-4E68-4807-B2EE-9607EC37664C}";
@@ -53,19 +38,22 @@ inline constexpr const char* kTypeLibraryId = "{9DE17042-4E68-4807-B2EE-9607EC37
 // What the classes' root of the registry holds for the class, in the form of ListRegistry (registry_listing.hpp).
 inline std::vector<std::string> RegisteredLines(const ClassFacts& facts, const std::string& modulePath) {
     const std::string name = facts.progId, versioned = name + ".1", id = std::string("CLSID\\") + facts.clsid;
+    const std::string title = name.substr(name.find('.') + 1) + " Class";
+    const bool isView = title == "ImageView Class";
+    const std::string progIdText = isView ? "ImageView" : title;
     std::vector<std::pair<std::string, std::string>> keys = {
-        {versioned, facts.progIdText},
+        {versioned, progIdText},
         {versioned + "\\CLSID", facts.clsid},
-        {name, facts.progIdText},
+        {name, progIdText},
         {name + "\\CLSID", facts.clsid},
         {name + "\\CurVer", versioned},
-        {id, facts.classText},
+        {id, title},
         {id + "\\ProgID", versioned},
         {id + "\\VersionIndependentProgID", name},
         {id + "\\InprocServer32", modulePath},
         {id + "\\TypeLib", kTypeLibraryId},
     };
-    if (std::string(facts.coclass) == "OrlixImageView") {
+    if (isView) {
         for (const char* mark : {"\\Programmable", "\\Control", "\\Insertable", "\\verb"})
             keys.emplace_back(id + mark, "");
         keys.insert(keys.end(), {{versioned + "\\Insertable", ""},

@@ -30,19 +30,6 @@ TEST(ClassTable, HasItsRowsInTheOrderOfTheTypeLibrary) {
     }
 }
 
-TEST(ClassFactories, AnswerForTheClassesThatAreBuiltAndRefuseTheOthers) {
-    for (const ClassFacts& facts : kClassFacts) {
-        SCOPED_TRACE(facts.coclass);
-        void* factory = &factory;
-        EXPECT_EQ(facts.built ? S_OK : CLASS_E_CLASSNOTAVAILABLE,
-                  GetClassFactory(ClsidOf(facts), __uuidof(IClassFactory), &factory));
-        EXPECT_EQ(facts.built, factory != nullptr);
-    }
-    void* factory = &factory;
-    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, GetClassFactory(GUID_NULL, __uuidof(IClassFactory), &factory));
-    EXPECT_EQ(nullptr, factory);
-}
-
 TEST(ClassFactories, AreOneObjectForEachClassWithTwoInterfaces) {
     ComPtr<IClassFactory> first;
     ComPtr<IClassFactory> second;

@@ -44,18 +44,14 @@ private:
     }
 };
 
-TEST(GraphicsProbe, AWorkingLibraryIsStartedShutDownWithItsTokenAndUnloaded) {
-    FakeLibrary library;
-    EXPECT_EQ(0, ProbeGraphicsLibrary(library));
-    EXPECT_EQ(42u, library.shutDownWith);
-    EXPECT_EQ(1, library.unloaded);
-}
-
-TEST(GraphicsProbe, EveryOtherCaseIsOneAndLeavesTheLibraryUnloaded) {
+TEST(GraphicsProbe, IsZeroForAWorkingLibraryOnlyAndLeavesEachUnloaded) {
     const struct {
         const char* name;
         void (*spoil)(FakeLibrary&);
+        int result = 1;
+        uintptr_t shutDownWith = 0;
     } cases[] = {
+        {"working", [](FakeLibrary&) {}, 0, 42},
         {"missing", [](FakeLibrary& library) { library.loads = false; }},
         {"no entry points", [](FakeLibrary& library) { library.hasEntryPoints = false; }},
         {"start-up fails", [](FakeLibrary& library) { library.status = 2; }},
@@ -65,13 +61,13 @@ TEST(GraphicsProbe, EveryOtherCaseIsOneAndLeavesTheLibraryUnloaded) {
         {"starting throws", [](FakeLibrary& library) { library.throwsAt = FakeLibrary::Starting; }},
         {"shutting down throws", [](FakeLibrary& library) { library.throwsAt = FakeLibrary::ShuttingDown; }},
     };
-    for (const auto& [name, spoil] : cases) {
+    for (const auto& [name, spoil, result, shutDownWith] : cases) {
         SCOPED_TRACE(name);
         FakeLibrary library;
         spoil(library);
-        EXPECT_EQ(1, ProbeGraphicsLibrary(library));
+        EXPECT_EQ(result, ProbeGraphicsLibrary(library));
         EXPECT_EQ(library.loaded, library.unloaded);
-        EXPECT_EQ(0u, library.shutDownWith);
+        EXPECT_EQ(shutDownWith, library.shutDownWith);
     }
 }
 

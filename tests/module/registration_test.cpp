@@ -34,13 +34,9 @@ protected:
     std::unique_ptr<RegistryStore> store = OpenRegistry();
 };
 
-TEST_F(Registration, WritesExactlyTheKeysOfTheFourteenClasses) {
+TEST_F(Registration, WritesExactlyTheKeysOfTheFourteenClassesAndRepairsThemWhenRepeated) {
     RegisterClasses(*store, kModuleFile);
     EXPECT_EQ(testing::AllRegisteredLines(kPath), ListRegistry(kClasses));
-}
-
-TEST_F(Registration, RepeatedItRepairsWhatWasChanged) {
-    RegisterClasses(*store, kModuleFile);
     const WideString view = u"CLSID\\{C35E3781-66F8-4DEE-B487-451882355339}";
     store->SetText({RegistryRoot::Classes, view + u"\\Control"}, u"stale", u"x");
     store->DeleteTree({RegistryRoot::Classes, view + u"\\verb"});
