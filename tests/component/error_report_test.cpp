@@ -42,7 +42,7 @@ protected:
     }
 };
 
-TEST_F(Reporter, FillsTheErrorInformationOfTheThread) {
+TEST_F(Reporter, FillsTheErrorInformationOfTheThreadAndPassesInterfaceAndResultOn) {
     EXPECT_EQ(DISP_E_EXCEPTION, ReportError(kClass, "IThing::Do: no."));
     const auto reported = TakeErrorReport();
     ASSERT_TRUE(reported);
@@ -52,9 +52,6 @@ TEST_F(Reporter, FillsTheErrorInformationOfTheThread) {
     EXPECT_EQ(0u, reported->helpContext);
     EXPECT_TRUE(reported->guid == GUID_NULL);
     EXPECT_FALSE(TakeErrorReport());  // taken
-}
-
-TEST_F(Reporter, PassesInterfaceAndResultOn) {
     for (const HRESULT result : {E_NOTIMPL, S_FALSE}) {
         EXPECT_EQ(result, ReportError(kClass, "x", kInterface, result));
         EXPECT_TRUE(TakeErrorReport()->guid == kInterface);

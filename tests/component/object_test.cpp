@@ -133,7 +133,7 @@ private:
     ComPtr<IUnknown> inner_;
 };
 
-TEST_F(Objects, InsideAnotherSpeakForItAndDieWithIt) {
+TEST_F(Objects, InsideAnotherSpeakForItButForTheirOwnIdentityAndDieWithIt) {
     auto outer = MakeCounted<Outer>();
     ASSERT_EQ(S_OK, outer->Hold());
     EXPECT_EQ(1u, ReferencesOf(outer.get()));  // the inner object does not count its owner
@@ -148,26 +148,17 @@ TEST_F(Objects, InsideAnotherSpeakForItAndDieWithIt) {
     EXPECT_EQ(S_OK, first.As<ITestOther>()->Other(&value));
     EXPECT_EQ(30, value) << "the outer object's own";
 
+    IUnknown* const inner = outer->inner();
+    EXPECT_NE(inner, outer.As<IUnknown>().get());
+    EXPECT_EQ(inner, ComPtr<IUnknown>(inner).As<IUnknown>().get());
+    EXPECT_EQ(S_OK, ComPtr<IUnknown>(inner).As<ITestOther>()->Other(&value));
+    EXPECT_EQ(2, value) << "asked directly, the inner object answers itself";
+
     outer = nullptr;
     EXPECT_EQ(1, Outer::alive) << "kept by an interface of the inner object";
     EXPECT_EQ(1, TestClass::alive);
     first = nullptr;
     EXPECT_EQ(0, Outer::alive);
-}
-
-TEST_F(Objects, InsideAnotherKeepAnIdentityForItOnly) {
-    const auto outer = MakeCounted<Outer>();
-    ASSERT_EQ(S_OK, outer->Hold());
-    IUnknown* const inner = outer->inner();
-    EXPECT_NE(inner, outer.As<IUnknown>().get());
-    ComPtr<IUnknown> again;
-    ASSERT_EQ(S_OK, inner->QueryInterface(__uuidof(IUnknown), again.OutVoid()));
-    EXPECT_EQ(inner, again.get());
-    ComPtr<ITestOther> own;
-    ASSERT_EQ(S_OK, inner->QueryInterface(__uuidof(ITestOther), own.OutVoid()));
-    LONG value = 0;
-    EXPECT_EQ(S_OK, own->Other(&value));
-    EXPECT_EQ(2, value) << "asked directly, the inner object answers itself";
 }
 
 }  // namespace
