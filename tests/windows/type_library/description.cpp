@@ -71,8 +71,7 @@ void Write(std::ostream& out, const Type& type) {
     } else if (kind == TKIND_ENUM) {
         out << "enumeration " << type.Name() << '\n';
     } else if (kind == TKIND_RECORD) {
-        out << "record " << type.Name() << ", size " << attributes.cbSizeInstance << ", alignment "
-            << attributes.cbAlignment << '\n';
+        out << "record " << type.Name() << '\n';
     } else if (kind == TKIND_COCLASS) {
         out << "class " << type.Name() << ' ' << id << '\n';
         for (UINT i = 0; i < attributes.cImplTypes; ++i)
@@ -84,8 +83,7 @@ void Write(std::ostream& out, const Type& type) {
     type.EachVariable([&](const VARDESC& variable) {
         const std::string name = type.NameOf(variable.memid);
         if (kind == TKIND_RECORD) {
-            out << "    at " << variable.oInst << ": " << type.Describe(variable.elemdescVar.tdesc) << ' ' << name
-                << '\n';
+            out << "    " << type.Describe(variable.elemdescVar.tdesc) << ' ' << name << '\n';
         } else {
             out << "    " << name << " = " << ValueOf(variable) << '\n';
         }
@@ -211,14 +209,12 @@ std::vector<Type> TypesOf(const ComPtr<ITypeLib>& library) {
     return types;
 }
 
-std::vector<NamedText> Describe(const ComPtr<ITypeLib>& library) {
-    std::ostringstream types;
-    std::ostringstream records;
-    for (std::ostream* out : {&types, &records})
-        *out << "# Written by scripts/type-library from the type library of orlix.dll.\n";
-    WriteHeading(types, library);
-    for (const Type& type : TypesOf(library)) Write(type.attributes().typekind == TKIND_RECORD ? records : types, type);
-    return {{"types.txt", types.str()}, {sizeof(void*) == 8 ? "records_64.txt" : "records_32.txt", records.str()}};
+std::string Describe(const ComPtr<ITypeLib>& library) {
+    std::ostringstream out;
+    out << "# Written by scripts/type-library from the type library of orlix.dll.\n";
+    WriteHeading(out, library);
+    for (const Type& type : TypesOf(library)) Write(out, type);
+    return out.str();
 }
 
 }  // namespace orlix::testing

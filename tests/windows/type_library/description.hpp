@@ -49,13 +49,8 @@ private:
 // In the order of the library.
 std::vector<Type> TypesOf(const ComPtr<ITypeLib>& library);
 
-struct NamedText {
-    std::string file;
-    std::string text;
-};
-
-// What the library says, without help strings, and the names of the files that keep it. The records come apart: their
-// layout depends on the bit width, the rest does not. Lines end with \n and have up to 120 columns.
-std::vector<NamedText> Describe(const ComPtr<ITypeLib>& library);
+// What the library says, without help strings and without the sizes and offsets of records, which depend on the bit
+// width. Lines end with \n and have up to 120 columns.
+std::string Describe(const ComPtr<ITypeLib>& library);
 
 }  // namespace orlix::testing

@@ -1,5 +1,5 @@
-# The type library as text: test_windows compares it with the files here; write_type_library, which scripts/type-library
-# runs, writes them.
+# The type library as text: test_windows compares it with types.txt; write_type_library, which scripts/type-library
+# runs, writes that.
 set(folder ${CMAKE_CURRENT_LIST_DIR})
 add_executable(write_type_library ${folder}/write.cpp ${folder}/description.cpp)
 target_include_directories(write_type_library PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})

@@ -1,4 +1,4 @@
-// Writes what the type library of a module says into the files that keep it:
+// Writes what the type library of a module says into types.txt, which keeps it:
 //
 //     write_type_library MODULE FOLDER
 //
@@ -16,13 +16,11 @@ int main(int argc, char** argv) try {
     const Apartment apartment;
     ComPtr<ITypeLib> library;
     Check(LoadTypeLibEx(std::filesystem::path(argv[1]).c_str(), REGKIND_NONE, library.Out()));
-    for (const testing::NamedText& kept : testing::Describe(library)) {
-        std::ofstream file;
-        file.exceptions(std::ios::failbit | std::ios::badbit);
-        file.open(std::filesystem::path(argv[2]) / kept.file, std::ios::binary);
-        file << kept.text;
-        file.close();
-    }
+    std::ofstream file;
+    file.exceptions(std::ios::failbit | std::ios::badbit);
+    file.open(std::filesystem::path(argv[2]) / "types.txt", std::ios::binary);
+    file << testing::Describe(library);
+    file.close();
 } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
     return 1;
