@@ -88,12 +88,14 @@ class Session:
 class Viewer:
     """The viewer's window. Points are those of its picture, which ends where the status line begins."""
 
-    def __init__(self, session, image):
+    def __init__(self, session, image, finds=True):
         self.session = session
         program = session.build / "examples/viewer/viewer.exe"
         self.process = subprocess.Popen([ROOT / "scripts/wine", "32", program, windows_path(image)],
                                         env=session.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL)
+        if finds:
+            self.do("find")
 
     def do(self, *words):
         done = self.session.wine(self.session.build / "tests/viewer_driver.exe", *words, seconds=30)
@@ -108,30 +110,29 @@ class Viewer:
     def picture(self):
         return self.session.screen.picture().part(*self.origin, *self.size)
 
-    def see(self, what, problem_of):
-        """Looks until there is no problem with the picture, or too long; gives the picture."""
+    def wait_for(self, what, look, problem_of):
+        """Looks until there is no problem with what is there, or too long; gives it."""
         give_up = time.monotonic() + PATIENCE
-        while True:
-            picture = self.picture()
-            problem = problem_of(picture)
-            if not problem or time.monotonic() > give_up:
-                check(what, problem)
-                return picture
+        while (problem := problem_of(found := look())) and time.monotonic() < give_up:
             time.sleep(0.02)
+        check(what, problem)
+        return found
+
+    def see(self, what, problem_of):
+        return self.wait_for(what, self.picture, problem_of)
+
+    def see_points(self, what, wanted):
+        """The picture has these colours: {point: colour}."""
+        return self.see(what, lambda seen: differences(seen, wanted))
 
     def hear(self, what, ending):
-        """Reads the status line until it ends so, or too long."""
-        give_up = time.monotonic() + PATIENCE
-        while not (said := self.do("status")).endswith(ending) and time.monotonic() < give_up:
-            pass
-        check(what, "" if said.endswith(ending) else f"{said!r} instead of {ending!r}")
+        """The status line ends so."""
+        self.wait_for(what, lambda: self.do("status"),
+                      lambda said: "" if said.endswith(ending) else f"{said!r} instead of {ending!r}")
 
     def read_panel(self, what, wanted):
-        """Reads the panel until it says so, or too long."""
-        give_up = time.monotonic() + PATIENCE
-        while (said := self.do("panel")) != wanted and time.monotonic() < give_up:
-            pass
-        check(what, "" if said == wanted else f"{said!r} instead of {wanted!r}")
+        self.wait_for(what, lambda: self.do("panel"),
+                      lambda said: "" if said == wanted else f"{said!r} instead of {wanted!r}")
 
     def click(self, x, y):
         self.do("press", "left", x, y)
@@ -229,8 +230,7 @@ def check_showing(viewer):
 
     viewer.resize(500, 300)
     beside = {(x, y): SURROUND for x in (0, 25, 49, 450, 475, 499) for y in (0, 150, 299)}
-    viewer.see("a wider window has the surround at both sides",
-               lambda seen: differences(seen, {**beside, **blocks(50, 0, 50)}))
+    viewer.see_points("a wider window has the surround at both sides", {**beside, **blocks(50, 0, 50)})
 
     viewer.do("move", 50 + 2 * 110, 2 * 60)
     viewer.hear("the status line tells the pixel under the pointer", f"x 110   y 60   value {level(4, 2)}   zoom 1.00")
@@ -239,16 +239,16 @@ def check_showing(viewer):
 def check_zooming(viewer):
     viewer.resize(400, 300)
     whole = blocks(0, 0, 50)
-    viewer.see("the whole image fills a window of its shape", lambda seen: differences(seen, whole))
+    viewer.see_points("the whole image fills a window of its shape", whole)
 
     # In the middle of a block, away from the middle of the window. Blocks then have sides of 98 pixels.
     x, y = 75, 75
     around = {(x + i * 97, y + k * 97): grey(1 + i, 1 + k) for i in (0, 1, 2, 3) for k in (0, 1, 2)}
     viewer.do("wheel", x, y, 3)
-    viewer.see("the wheel zooms in, and the pixel under the pointer stays there",
-               lambda seen: differences(seen, {**around, (15, 15): grey(0, 0)}))
+    viewer.see_points("the wheel zooms in, and the pixel under the pointer stays there",
+                      {**around, (15, 15): grey(0, 0)})
     viewer.do("wheel", x, y, -3)
-    viewer.see("the wheel zooms out again", lambda seen: differences(seen, whole))
+    viewer.see_points("the wheel zooms out again", whole)
 
 
 def check_panning(viewer):
@@ -265,7 +265,7 @@ def check_panning(viewer):
     viewer.do("key", DOWN_KEY)
     viewer.see("the down key shows what lies below", moved_by(former, 0, -62))
     viewer.do("key", ord("0"))
-    return viewer.see("0 shows the whole image", lambda seen: differences(seen, blocks(0, 0, 50)))
+    return viewer.see_points("0 shows the whole image", blocks(0, 0, 50))
 
 
 def check_rubber_band(viewer, former):
@@ -281,20 +281,20 @@ def check_rubber_band(viewer, former):
                 exactly(framed))
     corners = {(12, 12): grey(2, 1), (387, 12): grey(5, 1), (12, 287): grey(2, 3), (387, 287): grey(5, 3)}
     filled = {**blocks(0, 0, 100, range(2, 6), range(1, 4)), **corners}
-    viewer.see("the rectangle fills the window", lambda seen: differences(seen, filled))
+    viewer.see_points("the rectangle fills the window", filled)
 
     viewer.do("key", ord("0"))
-    viewer.see("0 shows the whole image again", lambda seen: differences(seen, blocks(0, 0, 50)))
+    viewer.see_points("0 shows the whole image again", blocks(0, 0, 50))
     viewer.drag("right", (50, 100), (350, 150), "a flat rectangle is drawn",
                 lambda seen: differences(seen, {(50, 125): BAND, (349, 125): BAND, (50, 100): BAND}))
     # Six blocks fill the width, with sides of 67 pixels; above and below there is room for more of the image.
     wide = {(15 + i * 74, 150): grey(1 + i, 2) for i in range(6)}
-    viewer.see("a flat rectangle is seen whole", lambda seen: differences(seen, wide))
+    viewer.see_points("a flat rectangle is seen whole", wide)
     viewer.do("key", ord("0"))
 
 
 def check_snapping(viewer):
-    viewer.see("the greys of the image are those of the screen", lambda seen: differences(seen, blocks(0, 0, 50)))
+    viewer.see_points("the greys of the image are those of the screen", blocks(0, 0, 50))
     viewer.do("key", ord("S"))
 
     def problem_of(seen):
@@ -349,18 +349,17 @@ def check_particles(session, folder):
     image = folder / "particles.pgm"
     write_particles(image)
     viewer = Viewer(session, image)
-    viewer.do("find")
     viewer.resize(400, 300)
     viewer.read_panel("the panel is hidden before particles are looked for", "")
     viewer.do("key", ord("D"))
     viewer.read_panel("D counts the dark particles", "2 particles")
     found = {**around(0, OUTLINE, 2), **around(1, OUTLINE, 2)}
-    viewer.see("and outlines them", lambda seen: differences(seen, found))
+    viewer.see_points("and outlines them", found)
 
     viewer.click(80, 80)
     viewer.read_panel("a click on a particle shows its numbers", numbers_of(0, 1))
     chosen = {**around(0, SELECTED, 2), **around(1, OUTLINE, 2)}
-    viewer.see("and its outline", lambda seen: differences(seen, chosen))
+    viewer.see_points("and its outline", chosen)
     viewer.click(2 * 149 + 1, 2 * 90)
     viewer.read_panel("so does a click on the last pixel of a row of another one", numbers_of(1, 2))
     viewer.click(2 * 150, 2 * 90)
@@ -377,7 +376,7 @@ def check_particles(session, folder):
     viewer.read_panel("B counts the bright ones", "1 particle")
     viewer.do("key", ESCAPE_KEY)
     viewer.read_panel("Escape forgets them", "")
-    viewer.see("and their outlines", lambda seen: differences(seen, {(40, 80): (50,) * 3, (37, 80): (GROUND,) * 3}))
+    viewer.see_points("and their outlines", {(40, 80): (50,) * 3, (37, 80): (GROUND,) * 3})
     viewer.close()
 
 
@@ -385,14 +384,14 @@ def check_failing(session, folder):
     broken, image = folder / "broken.pgm", folder / "image.pgm"
     broken.write_bytes(b"no image")
     write_image(image)
-    viewer = Viewer(session, broken)
+    viewer = Viewer(session, broken, finds=False)
     said = viewer.do("message")
     wanted = "IImageVPAEx::CreateFromFile: unknown file format."
     check("a file that is no image is refused with the library's words", "" if said == wanted else said)
     viewer.do("find")
     viewer.do("open", windows_path(image))
     viewer.resize(400, 300)
-    viewer.see("Ctrl+O opens another one", lambda seen: differences(seen, blocks(0, 0, 50)))
+    viewer.see_points("Ctrl+O opens another one", blocks(0, 0, 50))
     status = viewer.close()
     check("the program ends with its window", f"its status is {status}" if status else "")
 
@@ -403,7 +402,6 @@ def check_all(session):
         image = folder / "Schliff β 表面.pgm"
         write_image(image)
         viewer = Viewer(session, image)
-        viewer.do("find")
         check_showing(viewer)
         check_zooming(viewer)
         former = check_panning(viewer)
@@ -422,13 +420,12 @@ def photograph(viewer, file):
 
 def take_picture(session, image, file):
     viewer = Viewer(session, image)
-    viewer.do("find")
     viewer.resize(560, 400)
     viewer.do("wheel", 380, 160, 3)
     viewer.hear("the picture is zoomed", "zoom 1.95")
     viewer.do("press", "right", 250, 120)
     viewer.do("move", 470, 270)
-    viewer.see("a rectangle is drawn", lambda seen: differences(seen, {(250, 200): BAND, (469, 200): BAND}))
+    viewer.see_points("a rectangle is drawn", {(250, 200): BAND, (469, 200): BAND})
     photograph(viewer, file)
     viewer.do("release", "right", 470, 270)
     viewer.close()
@@ -436,7 +433,6 @@ def take_picture(session, image, file):
 
 def take_particles(session, image, file, point):
     viewer = Viewer(session, image)
-    viewer.do("find")
     viewer.resize(560, 400)
     viewer.do("key", ord("D"))
     viewer.click(*point)
