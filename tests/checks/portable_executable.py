@@ -1,69 +1,39 @@
-"""Reads what the checks need to know about a Windows DLL."""
+"""What the checks need to know about a Windows program, as the tools of its compiler tell it."""
 
+import re
 import struct
+import subprocess
+import tempfile
+
+TOOLS = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}
 
 
 class PortableExecutable:
-    """imports: names of DLLs; exports: names; resources: {(type, name): bytes}, numbers as int and names as str."""
+    """imports: names of DLLs; exports: names."""
 
     def __init__(self, file):
-        self.data = data = file.read_bytes()
-        header = self.number("<I", 0x3C)
-        if data[:2] != b"MZ" or data[header:header + 4] != b"PE\0\0":
-            raise ValueError(f"{file} is not a Windows program")
-        sections, optional_size = self.number("<H", header + 6), self.number("<H", header + 20)
-        optional = header + 24
-        self.bits = {0x10B: 32, 0x20B: 64}[self.number("<H", optional)]
-        directories = optional + (96 if self.bits == 32 else 112)
-        # (address, size in the file, place in the file)
-        table = optional + optional_size + 12
-        self.sections = [struct.unpack_from("<III", data, table + 40 * i) for i in range(sections)]
-        exports, imports, resources = (self.number("<I", directories + 8 * i) for i in range(3))
-        self.exports = self.read_exports(exports) if exports else []
-        self.imports = self.read_imports(imports) if imports else []
-        self.resources = {}
-        if resources:
-            root = self.place(resources)
-            for kind, table in self.entries(root, root):
-                for name, languages in self.entries(root, table):
-                    for _, leaf in self.entries(root, languages):
-                        address, size = struct.unpack_from("<II", data, leaf)
-                        start = self.place(address)
-                        self.resources[kind, name] = data[start:start + size]
+        self.file = file
+        command = [f"{TOOLS[64]}-objdump", "-p", file]
+        said = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True).stdout
+        self.bits = {"pei-i386": 32, "pei-x86-64": 64}[re.search(r"file format (\S+)", said).group(1)]
+        self.exports = re.findall(r"^\t\[ *\d+\] (\w+)$", said, re.M)
+        self.imports = re.findall(r"DLL Name: (\S+)", said)
 
-    def number(self, form, place):
-        return struct.unpack_from(form, self.data, place)[0]
-
-    def place(self, address):
-        for start, size, in_file in self.sections:
-            if start <= address < start + size:
-                return address - start + in_file
-        raise ValueError(f"address {address:#x} is in no section")
-
-    def text(self, address):
-        start = self.place(address)
-        return self.data[start:self.data.index(b"\0", start)].decode("ascii")
-
-    def read_exports(self, address):
-        count, _, names = struct.unpack_from("<III", self.data, self.place(address) + 24)
-        table = self.place(names)
-        return [self.text(self.number("<I", table + 4 * i)) for i in range(count)]
-
-    def read_imports(self, address):
-        found = []
-        place = self.place(address)
-        while name := self.number("<I", place + 12):
-            found.append(self.text(name))
-            place += 20
+    def resources(self):
+        """{(type, name): bytes}, numbers as int and names as str."""
+        found, place = {}, 0
+        with tempfile.NamedTemporaryFile() as file:
+            subprocess.run([f"{TOOLS[self.bits]}-windres", "-J", "coff", "-O", "res", self.file, file.name], check=True)
+            content = file.read()
+        while place < len(content):
+            size, head_size = struct.unpack_from("<II", content, place)
+            key, rest = [], content[place + 8:place + head_size]
+            for _ in ("type", "name"):
+                number, = struct.unpack_from("<H", rest, 2)
+                text = rest.decode("utf-16-le", "replace").partition("\0")[0]
+                is_number = rest.startswith(b"\xff\xff")
+                key.append(number if is_number else text)
+                rest = rest[4 if is_number else 2 * len(text) + 2:]
+            found[tuple(key)] = content[place + head_size:place + head_size + size]
+            place += (head_size + size + 3) // 4 * 4
         return found
-
-    def entries(self, root, table):
-        """(number or name, place of what it stands for) of each entry of a resource table."""
-        named, numbered = struct.unpack_from("<HH", self.data, table + 12)
-        for i in range(named + numbered):
-            name, offset = struct.unpack_from("<II", self.data, table + 16 + 8 * i)
-            if name & 0x80000000:
-                start = root + (name & 0x7FFFFFFF)
-                length = self.number("<H", start)
-                name = self.data[start + 2:start + 2 + 2 * length].decode("utf-16-le")
-            yield name, root + (offset & 0x7FFFFFFF)

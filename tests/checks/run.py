@@ -18,7 +18,7 @@ import sys
 from pathlib import Path
 
 from pages import differences
-from portable_executable import PortableExecutable
+from portable_executable import TOOLS, PortableExecutable
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "idl"))
@@ -292,24 +292,25 @@ def aligned_stack_moves(objdump, library):
 
 
 def resource_problems(library, build):
+    resources = library.resources()
     scripts = sorted((ROOT / "src/module/registration").glob("*.rgs"))
     wanted = {("REGISTRY", int(script.name.split("_")[0])): script.read_bytes() for script in scripts}
     libraries = sorted(build.rglob("orlix.tlb"))
     wanted["TYPELIB", 1] = libraries[0].read_bytes() if libraries else b""
     for key, content in wanted.items():
-        if library.resources.get(key) != content:
-            yield f"{key[0]} {key[1]}: {'has another content' if key in library.resources else 'missing'}"
+        if resources.get(key) != content:
+            yield f"{key[0]} {key[1]}: {'has another content' if key in resources else 'missing'}"
     if len(scripts) != 14:
         yield f"{len(scripts)} registration scripts instead of 14"
-    for key in library.resources:
+    for key in resources:
         if key[0] in ("REGISTRY", "TYPELIB") and key not in wanted:
             yield f"{key[0]} {key[1]}: not expected"
-    if (2, 115) not in library.resources:
+    if (2, 115) not in resources:
         yield "bitmap 115: missing"
     version = tuple(map(int, re.search(r"project\(orlix VERSION (\d+)\.(\d+)\.(\d+)",
                                        (ROOT / "CMakeLists.txt").read_text("utf-8")).groups()))
     # The fixed part follows the key "VS_VERSION_INFO": signature, its version, then the file's.
-    information = library.resources.get((16, 1), b"")
+    information = resources.get((16, 1), b"")
     start = information.find(struct.pack("<I", 0xFEEF04BD))
     if start < 0:
         yield "version: missing"
@@ -330,8 +331,7 @@ def check_windows(bits, build):
     check(f"{name} exports the five entry points under their plain names",
           [] if sorted(library.exports) == sorted(EXPORTS) else [f"exports {', '.join(library.exports)}"])
     check(f"{name} carries its type library, registration scripts and version", resource_problems(library, build))
-    prefix = {32: "i686-w64-mingw32", 64: "x86_64-w64-mingw32"}[bits]
-    check(f"{name} does not rely on the alignment of the stack", aligned_stack_moves(f"{prefix}-objdump", file))
+    check(f"{name} does not rely on the alignment of the stack", aligned_stack_moves(f"{TOOLS[bits]}-objdump", file))
     check(f"{bits}-bit Windows: code for newer processors stays in its functions", foreign_templates(build))
     for tool in sorted([*build.rglob("orlix.exe"), *build.rglob("viewer.exe")]):
         check(f"{bits}-bit {tool.name} imports libraries of the system only",
