@@ -90,19 +90,6 @@ HRESULT CanUnloadNow() {
 #endif
 }
 
-TEST(Activation, EachClassIsCreatedByIdentifierAndByBothItsNames) {
-    for (const Creatable& creatable : Creatables()) {
-        SCOPED_TRACE(creatable.name);
-        EXPECT_TRUE(creatable.clsid == ClassOf(creatable.name));
-        EXPECT_TRUE(creatable.clsid == ClassOf(std::string(creatable.name) + ".1"));
-        for (const IID& iid : creatable.interfaces) {
-            ComPtr<IUnknown> object;
-            EXPECT_EQ(S_OK, Create(creatable.clsid, iid, object));
-            EXPECT_TRUE(object);
-        }
-    }
-}
-
 TEST(Activation, AllFourteenNamesLeadToTheirClassesAndBackBuiltOrNot) {
     for (const ClassFacts& facts : kClassFacts) {
         SCOPED_TRACE(facts.coclass);
@@ -206,48 +193,42 @@ TEST(Activation, InterfacesOfAnObjectReachEachOtherAndNoOthers) {
 TEST(Factories, MakeObjectsOfTheirClass) {
     for (const Creatable& creatable : Creatables()) {
         SCOPED_TRACE(creatable.name);
+        EXPECT_TRUE(creatable.clsid == ClassOf(creatable.name));
         const auto factory = FactoryOf(creatable.clsid);
         ASSERT_TRUE(factory);
-        ComPtr<IUnknown> object;
-        EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, creatable.interfaces.front(), object.OutVoid()));
-        EXPECT_EQ(1u, ReferencesOf(object.get()));
+        for (const IID& iid : creatable.interfaces) {
+            ComPtr<IUnknown> object, made;
+            EXPECT_EQ(S_OK, Create(creatable.clsid, iid, object));
+            EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, iid, made.OutVoid()));
+            EXPECT_EQ(1u, ReferencesOf(made.get()));
+            EXPECT_TRUE(Refuses(E_NOINTERFACE, [&](void** refused) { return factory->QueryInterface(iid, refused); }));
+        }
         EXPECT_EQ(E_POINTER, factory->CreateInstance(nullptr, creatable.interfaces.front(), nullptr));
-        EXPECT_TRUE(Refuses(E_NOINTERFACE, [&](void** refused) {
-            return factory->QueryInterface(creatable.interfaces.front(), refused);
-        }));
     }
 }
 
+// Also those that a method made, and an enumerator of connections: unlike a connection point, which is a part of its
+// image, it may be the last thing that a client holds.
 TEST(Factories, KeepTheModuleLockedAsLongAsObjectsOrLocksLive) {
     const auto factory = FactoryOf(__uuidof(OrlixHistogram));
     ASSERT_TRUE(factory);
     EXPECT_EQ(S_OK, CanUnloadNow());
-
-    ComPtr<IUnknown> object;
-    ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, __uuidof(IUnknown), object.OutVoid()));
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    object = nullptr;
+    const std::function<ComPtr<IUnknown>()> makers[] = {
+        [] { return CreateObject<IUnknown>(__uuidof(OrlixHistogram)); },
+        [] { return Get(NewImage<uint8_t>(4, 3).process, &IImageProcess::Threshold, 0, 10, 1).As<IUnknown>(); },
+        [] { return Get(PointOf(NewImage<uint8_t>(4, 3)), &IConnectionPoint::EnumConnections).As<IUnknown>(); },
+        [] {
+            const auto connections = Get(PointOf(NewImage<uint8_t>(4, 3)), &IConnectionPoint::EnumConnections);
+            return Get(connections, &IEnumConnections::Clone).As<IUnknown>();
+        }};
+    for (const auto& make : makers) {
+        const ComPtr<IUnknown> object = make();
+        EXPECT_EQ(S_FALSE, CanUnloadNow()) << &make - makers;
+    }
     EXPECT_EQ(S_OK, CanUnloadNow());
-
     EXPECT_EQ(S_OK, factory->LockServer(TRUE));
     EXPECT_EQ(S_FALSE, CanUnloadNow());
     EXPECT_EQ(S_OK, factory->LockServer(FALSE));
-    EXPECT_EQ(S_OK, CanUnloadNow());
-}
-
-// Also one that a method made, and an enumerator of connections: unlike a connection point, which is a part of its
-// image, it may be the last thing that a client holds.
-TEST(Factories, WhatMethodsMakeLocksTheModuleToo) {
-    ComPtr<IUnknown> bitmap = Get(NewImage<uint8_t>(4, 3).process, &IImageProcess::Threshold, 0, 10, 1).As<IUnknown>();
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    bitmap = nullptr;
-    EXPECT_EQ(S_OK, CanUnloadNow());
-
-    auto connections = Get(PointOf(NewImage<uint8_t>(4, 3)), &IConnectionPoint::EnumConnections);
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    connections = Get(connections, &IEnumConnections::Clone);
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    connections = nullptr;
     EXPECT_EQ(S_OK, CanUnloadNow());
 }
 

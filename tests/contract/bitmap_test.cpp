@@ -22,9 +22,9 @@ TEST(BitmapContract, ANewBitmapHasNoPixels) {
     EXPECT_EQ(0, Get(bitmap, &IBitmap::get_Height));
     EXPECT_EQ(nullptr, Get(bitmap, &IBitmap::get_Bitmap).bmBits);
     EXPECT_TRUE(Fails(bitmap->put_Bit(0, 0, 1), kYOutside, kBitmapSource));
-    EXPECT_EQ(S_FALSE, bitmap->DrawHorizontalLine(0, 0, 5, DT_On));
-    EXPECT_EQ(S_FALSE, bitmap->DrawRectangle(0, 0, 5, 5, DT_On));
-    EXPECT_EQ(S_FALSE, bitmap->DrawDisk(5, 5, 2, DT_On));
+    for (const HRESULT missed : {bitmap->DrawHorizontalLine(0, 0, 5, DT_On), bitmap->DrawRectangle(0, 0, 5, 5, DT_On),
+                                 bitmap->DrawDisk(5, 5, 2, DT_On)})
+        EXPECT_EQ(S_FALSE, missed);
     EXPECT_EQ(S_OK, bitmap->DrawLine(0, 0, 5, 5, DT_On));
     EXPECT_EQ(S_OK, bitmap->Zero());
     EXPECT_EQ(S_OK, bitmap->One());
@@ -68,18 +68,6 @@ TEST(BitmapContract, CreationKeepsTheOldBytesUnlessAskedToClearOrRefused) {
     EXPECT_EQ(std::vector<uint8_t>(8, 0), BytesOf(bitmap.get()));
 }
 
-TEST(BitmapContract, CopiesAnotherBitmapWithItsPadding) {
-    const auto source = NewBitmap(10, 2), copy = NewBitmap(100, 100);
-    source->One();
-    source->put_Bit(3, 1, 0);
-    const std::vector<uint8_t> bytes = BytesOf(source.get());
-    EXPECT_EQ(S_OK, copy->CreateFromBitmap(source.get()));
-    source->Zero();
-    EXPECT_EQ("##########/###.######", RowsOf(copy.get()));
-    EXPECT_EQ(bytes, BytesOf(copy.get()));
-    EXPECT_EQ(1u, ReferencesOf(source.get()));
-}
-
 TEST(BitmapContract, CopiesForeignBitmapsAndRefusesImpossibleOnes) {
     const auto bitmap = NewBitmap(10, 2);
     uint8_t bytes[8] = {0x80, 0xff, 0xff, 0xff, 0x40, 0xff, 0xff, 0xff};
@@ -121,19 +109,12 @@ TEST(BitmapContract, PointersLeadToTheBitsOfThePixels) {
 
 TEST(BitmapContract, PointersOutsideAreClearedAndReported) {
     const auto bitmap = NewBitmap(9, 4);
-    for (const LONG y : {LONG{-1}, LONG{4}, kLeast, kMost})
-        for (const bool write : {false, true}) {
-            unsigned char* row = reinterpret_cast<unsigned char*>(8);
-            EXPECT_TRUE(Fails(write ? bitmap->GetWriteRowPtr(y, &row) : bitmap->GetRowPtr(y, &row), kRowOutside,
-                              kBitmapSource));
-            EXPECT_EQ(nullptr, row);
-        }
     const struct {
         LONG x, y;
         const char* text;
-    } table[] = {{-1, -1, kYOutside}, {9, 4, kYOutside},  {0, kMost, kYOutside},
+    } table[] = {{-1, -1, kYOutside}, {9, 4, kYOutside},  {0, kLeast, kYOutside}, {0, kMost, kYOutside},
                  {9, 0, kXOutside},   {-1, 3, kXOutside}, {kLeast, 0, kXOutside}};
-    for (const auto& [x, y, text] : table) {
+    for (const auto& [x, y, text] : table)
         for (const bool write : {false, true}) {
             unsigned char* row = reinterpret_cast<unsigned char*>(8);
             unsigned char mask = 0xca;
@@ -142,19 +123,25 @@ TEST(BitmapContract, PointersOutsideAreClearedAndReported) {
                       text, kBitmapSource));
             EXPECT_EQ(nullptr, row);
             EXPECT_EQ(0, mask);
+            if (text == kYOutside) {
+                row = &mask;
+                EXPECT_TRUE(Fails(write ? bitmap->GetWriteRowPtr(y, &row) : bitmap->GetRowPtr(y, &row), kRowOutside,
+                                  kBitmapSource));
+                EXPECT_EQ(nullptr, row);
+            }
+            EXPECT_TRUE(Fails(bitmap->put_Bit(x, y, 1), text, kBitmapSource));
+            LONG bit = 7;
+            EXPECT_EQ(S_FALSE, bitmap->get_Bit(x, y, &bit));
+            EXPECT_EQ(0, bit);
+            EXPECT_EQ("", TakeReportedText());
         }
-        EXPECT_TRUE(Fails(bitmap->put_Bit(x, y, 1), text, kBitmapSource));
-        LONG bit = 7;
-        EXPECT_EQ(S_FALSE, bitmap->get_Bit(x, y, &bit));
-        EXPECT_EQ(0, bit);
-        EXPECT_EQ("", TakeReportedText());
-    }
     EXPECT_EQ(std::vector<uint8_t>(8, 0), BytesOf(bitmap.get()));
 }
 
 // ------------------------------------------------------------------------------------------------------------- drawing
 
-// One bitmap, on which the calls draw one after the other.
+// One bitmap, on which the calls draw one after the other; what each draws is compared with
+// its definition in tests/binary.
 TEST(BitmapContract, DrawingIsClippedAndSaysWhenItMisses) {
     const auto bitmap = NewBitmap(6, 4);
     constexpr HRESULT kMissed = S_FALSE;
@@ -162,47 +149,24 @@ TEST(BitmapContract, DrawingIsClippedAndSaysWhenItMisses) {
         std::function<HRESULT(IBitmap&)> call;
         HRESULT result;
         const char* rows;
-        const char* text;
+        const char* text = "";
     } steps[] = {
-        {[](auto& b) { return b.DrawHorizontalLine(0, -5, 2, DT_On); }, S_OK, "###.../....../....../......", ""},
-        {[](auto& b) { return b.DrawHorizontalLine(1, 4, kMost, DT_On); }, S_OK, "###.../....##/....../......", ""},
-        {[](auto& b) { return b.DrawHorizontalLine(0, 6, 9, DT_On); }, kMissed, "###.../....##/....../......", ""},
-        {[](auto& b) { return b.DrawHorizontalLine(4, 0, 5, DT_On); }, kMissed, "###.../....##/....../......", ""},
-        {[](auto& b) { return b.DrawHorizontalLine(0, 1, 5, DT_Xor); }, S_OK, "#..###/....##/....../......", ""},
-        {[](auto& b) { return b.DrawHorizontalLine(0, 4, 5, DT_Off); }, S_OK, "#..#../....##/....../......", ""},
+        {[](auto& b) { return b.DrawHorizontalLine(0, -5, 2, DT_On); }, S_OK, "###.../....../....../......"},
+        {[](auto& b) { return b.DrawHorizontalLine(0, 6, 9, DT_On); }, kMissed, "###.../....../....../......"},
         // A reversed line has the reporter's result before any other test, a rectangle of such lines succeeds.
         {[](auto& b) { return b.DrawHorizontalLine(99, 500, 400, DT_On); }, DISP_E_EXCEPTION,
-         "#..#../....##/....../......", kLeftAboveRight},
-        {[](auto& b) { return b.DrawRectangle(4, 0, 1, 3, DT_On); }, S_OK, "#..#../....##/....../......",
+         "###.../....../....../......", kLeftAboveRight},
+        {[](auto& b) { return b.DrawRectangle(4, 0, 1, 3, DT_On); }, S_OK, "###.../....../....../......",
          kLeftAboveRight},
-        {[](auto& b) { return b.DrawRectangle(4, 3, 1, 0, DT_On); }, S_OK, "#..#../....##/....../......", ""},
-        {[](auto& b) { return b.DrawRectangle(6, 0, 9, 3, DT_On); }, kMissed, "#..#../....##/....../......", ""},
-        {[](auto& b) { return b.DrawRectangle(-3, 1, 2, kMost, DT_On); }, S_OK, "#..#../###.##/###.../###...", ""},
-        {[](auto& b) { return b.DrawRectangle(kLeast, kLeast, kMost, kMost, DT_Xor); }, S_OK,
-         ".##.##/...#../...###/...###", ""},
+        {[](auto& b) { return b.DrawRectangle(6, 0, 9, 3, DT_On); }, kMissed, "###.../....../....../......"},
+        {[](auto& b) { return b.DrawRectangle(-3, 1, 2, kMost, DT_On); }, S_OK, "###.../###.../###.../###..."},
         // A disk between the pixel centres: none of its rows has any, and each row reports it.
-        {[](auto& b) { return b.DrawDisk(2.5, 1.5, 0.5, DT_On); }, S_OK, ".##.##/...#../...###/...###",
+        {[](auto& b) { return b.DrawDisk(2.5, 1.5, 0.5, DT_On); }, S_OK, "###.../###.../###.../###...",
          kLeftAboveRight},
-        // Radius 1: its first and last rows hold none, and the row between does not take that back.
-        {[](auto& b) { return b.DrawDisk(0.5, 2, 1, DT_On); }, S_OK, ".##.##/...#../##.###/...###", kLeftAboveRight},
-        {[](auto& b) { return b.DrawDisk(2, 1, kInfinity, DT_Off); }, S_OK, "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(2, 0.5, -0.25, DT_On); }, S_OK, "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(kNaN, 1, 1, DT_On); }, kMissed, "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(2, kNaN, 1, DT_On); }, kMissed, "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(2, 1, kNaN, DT_On); }, kMissed, "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(kInfinity, kInfinity, kInfinity, DT_On); }, kMissed,
-         "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(1e9, 1e9, 5, DT_On); }, kMissed, "....../....../....../......", ""},
-        {[](auto& b) { return b.DrawDisk(2, 1, 1e9, DT_Xor); }, S_OK, "######/######/######/######", ""},
-        {[](auto& b) { return b.Zero(); }, S_OK, "....../....../....../......", ""},
+        {[](auto& b) { return b.DrawDisk(2, 1, kNaN, DT_On); }, kMissed, "###.../###.../###.../###..."},
         // Lines between the rounded ends; they always succeed.
-        {[](auto& b) { return b.DrawLine(0, 0, 3, 1, DT_On); }, S_OK, "##..../..##../....../......", ""},
-        {[](auto& b) { return b.DrawLine(2.4, 2.6, 2.4, 2.6, DT_On); }, S_OK, "##..../..##../....../..#...", ""},
-        {[](auto& b) { return b.DrawLine(-0.5, 2.49, 4.49, 1.5, DT_Xor); }, S_OK, "##..../..##../#####./..#...", ""},
-        {[](auto& b) { return b.DrawLine(-1e9, -1e9, 1e9, 1e9, DT_On); }, S_OK, "##..../.###../#####./..##..", ""},
-        {[](auto& b) { return b.DrawLine(-kInfinity, 1, kInfinity, 1, DT_On); }, S_OK, "##..../######/#####./..##..",
-         ""},
-        {[](auto& b) { return b.DrawLine(kNaN, 0, 3, 3, DT_On); }, S_OK, "##..../######/#####./..##..", ""},
+        {[](auto& b) { return b.DrawLine(2.4, 0.4, 5, 2.6, DT_Xor); }, S_OK, "##..../####../###.#./###..#"},
+        {[](auto& b) { return b.DrawLine(kNaN, 0, 3, 3, DT_On); }, S_OK, "##..../####../###.#./###..#"},
     };
     for (const auto& step : steps) {
         SCOPED_TRACE(&step - steps);

@@ -1,11 +1,10 @@
-// The neighbourhood filters as their clients see them, against a slow road: definitions in doubles, and a mirror of its
-// own.
+// The neighbourhood filters as their clients see them: borders, regions, bands, and sources of all kinds. What the
+// kernels compute is tested in tests/filters.
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <random>
 
 #include <orlix/filters.hpp>
@@ -17,58 +16,21 @@ namespace {
 
 struct Range {
     double lower, upper;
-    double Clamped(double v) const { return v < lower ? lower : v > upper ? upper : v; }
 };
 template <class Pixel>
 constexpr Range kFull = {static_cast<double>(std::numeric_limits<Pixel>::lowest()),
                          static_cast<double>(std::numeric_limits<Pixel>::max())};
 
-// The pixels around one, row by row, as doubles, which hold every pixel exactly.
-using Square = std::vector<double>;
-
-struct SlowFilter {
+struct AnyFilter {
     std::string name;
-    int radius;
     std::function<HRESULT(IImageProcess&, IImageVPA*, LONG)> apply;
-    std::function<double(const Square&, LONG type, const Range&)> slow;
+    std::array<double, 4> middle;  // of kSquare in images of bytes, words, double words and floats
 };
 
-auto Weighing(int divisor, const std::vector<int>& weights) {
-    return [=](const Square& square, LONG type, const Range& range) {
-        // Of whole numbers far below 2^53, or of floats, rounded.
-        const double v = std::inner_product(square.begin(), square.end(), weights.begin(), 0.0) / divisor;
-        return range.Clamped(type == DT_Float ? v : type == DT_DWORD ? std::floor(v + 0.5) : std::trunc(v));
-    };
-}
+constexpr int kSquare[5][5] = {{}, {0, 10, 20, 30}, {0, 40, 53, 60}, {0, 70, 80, 255}, {}};
 
-// Roots of bytes and words are taken in the middle of buckets of the sum, of which bytes keep 16 bits.
-double SobelOf(const Square& s, LONG type, const Range& range) {
-    const double x = s[2] + 2 * s[5] + s[8] - (s[0] + 2 * s[3] + s[6]);
-    const double y = s[6] + 2 * s[7] + s[8] - (s[0] + 2 * s[1] + s[2]);
-    if (type == DT_Float) return range.Clamped(std::sqrt(x * x + y * y));
-    if (type == DT_DWORD) return range.Clamped(std::floor(std::sqrt(x * x + y * y) + 0.5));
-    const uint64_t sum = static_cast<uint64_t>(x * x + y * y) & (type == DT_BYTE ? 0xffff : ~uint64_t{0});
-    if (sum >> 32) return range.Clamped(65535);
-    const int bits = sum >> 24 ? 24 : sum >> 16 ? 16 : sum >> 12 ? 8 : sum >> 8 ? 4 : 0;
-    const uint64_t middle = bits ? (sum >> bits << bits) + (1u << (bits - 1)) : sum;
-    const double root = std::floor(std::sqrt(static_cast<double>(middle)) + 0.5);
-    return range.Clamped(sum < 65536 ? std::min(root, 255.0) : root);
-}
-
-double MedianOf(Square square, LONG, const Range&) {
-    std::sort(square.begin(), square.end());
-    return square[square.size() / 2];
-}
-
-double NearerExtreme(const Square& square, LONG type, const Range& range) {
-    const double p = square[square.size() / 2];
-    const double high = std::max(range.lower, *std::max_element(square.begin(), square.end()));
-    const double low = std::min(range.upper, *std::min_element(square.begin(), square.end()));
-    const auto distance = [=](double v) { return type == DT_Float ? static_cast<float>(v) : v; };
-    return distance(p - low) >= distance(high - p) ? high : low;
-}
-
-const std::vector<SlowFilter>& Filters() {
+// The roots of bytes and words are those of the middles of intervals; bytes keep 16 bits of the sum 245^2 + 405^2.
+const std::vector<AnyFilter>& Filters() {
     using P = IImageProcess;
     const auto by = [](HRESULT (STDMETHODCALLTYPE P::*method)(IImageVPA*, LONG)) {
         return [method](P& p, IImageVPA* source, LONG band) { return (p.*method)(source, band); };
@@ -76,24 +38,21 @@ const std::vector<SlowFilter>& Filters() {
     const auto extremum = [](LONG h) {
         return [h](P& p, IImageVPA* source, LONG band) { return p.ExtremumSharpening(h, source, band); };
     };
-    static const std::vector<SlowFilter> filters = {
-        {"Laplacian", 1, by(&P::Laplacian), Weighing(6, {1, 4, 1, 4, -20, 4, 1, 4, 1})},
-        {"SharpenLow", 1, by(&P::SharpenLow), Weighing(2, {0, -1, 0, -1, 6, -1, 0, -1, 0})},
-        {"SharpenMedium", 1, by(&P::SharpenMedium), Weighing(1, {0, -1, 0, -1, 5, -1, 0, -1, 0})},
-        {"Gaussian3x3", 1, by(&P::Gaussian3x3), Weighing(16, {1, 2, 1, 2, 4, 2, 1, 2, 1})},
-        {"Gaussian5x5", 2, by(&P::Gaussian5x5),
-         Weighing(256, {1, 4, 6, 4, 1, 4, 16, 24, 16, 4, 6, 24, 36, 24, 6, 4, 16, 24, 16, 4, 1, 4, 6, 4, 1})},
-        {"Sobel", 1, by(&P::Sobel), SobelOf},
-        {"Median3x3", 1, by(&P::Median3x3), MedianOf},
-        {"ExtremumSharpening", 1, extremum(1), NearerExtreme},
-        {"ExtremumSharpening", 4, extremum(4), NearerExtreme},
-    };
+    static const std::vector<AnyFilter> filters = {{"Laplacian", by(&P::Laplacian), {17, 17, 18, 17.5}},
+                                                   {"SharpenLow", by(&P::SharpenLow), {59, 59, 59, 59}},
+                                                   {"SharpenMedium", by(&P::SharpenMedium), {65, 65, 65, 65}},
+                                                   {"Gaussian3x3", by(&P::Gaussian3x3), {61, 61, 61, 61.0625}},
+                                                   {"Gaussian5x5", by(&P::Gaussian5x5), {49, 49, 49, 49.015625}},
+                                                   {"Sobel", by(&P::Sobel), {166, 479, 473, std::sqrt(224050.0)}},
+                                                   {"Median3x3", by(&P::Median3x3), {53, 53, 53, 53}},
+                                                   {"ExtremumSharpening", extremum(1), {10, 10, 10, 10}},
+                                                   {"ExtremumSharpening", extremum(4), {0, 0, 0, 0}}};
     return filters;
 }
 
 TEST(NamedFilters, AreAllTestedHereAndFoundByNameAndWord) {
     for (const NamedFilter& named : kNamedFilters) {
-        EXPECT_TRUE(std::any_of(Filters().begin(), Filters().end(), [&](const SlowFilter& f) {
+        EXPECT_TRUE(std::any_of(Filters().begin(), Filters().end(), [&](const AnyFilter& f) {
             return f.name == named.name;
         })) << named.name;
         EXPECT_EQ(&named, FindFilter(named.name));
@@ -101,6 +60,8 @@ TEST(NamedFilters, AreAllTestedHereAndFoundByNameAndWord) {
     }
     EXPECT_EQ(nullptr, FindFilter("sobel "));
 }
+
+constexpr LONG kReach = 4;  // of the largest
 
 // Pixels without an image: any column and row can be asked for.
 template <class Pixel>
@@ -128,15 +89,6 @@ Plane<Pixel> NoisyPlane(LONG width, LONG height, uint32_t seed) {
 }
 
 template <class Pixel>
-double Expected(const SlowFilter& filter, const Plane<Pixel>& source, LONG x, LONG y, const Range& range) {
-    Square square;
-    for (LONG v = y - filter.radius; v <= y + filter.radius; ++v)
-        for (LONG u = x - filter.radius; u <= x + filter.radius; ++u)
-            square.push_back(static_cast<double>(source.at(u, v)));
-    return filter.slow(square, kTypeOf<Pixel>, range);
-}
-
-template <class Pixel>
 void Put(const TypedImage<Pixel>& image, const Plane<Pixel>& plane, LONG band = 0) {
     image.Fill([&](LONG x, LONG y) { return plane.at(x, y); }, band);
 }
@@ -148,28 +100,37 @@ TypedImage<Pixel> ImageOfPlane(const Plane<Pixel>& plane) {
     return image;
 }
 
-HRESULT Apply(const Image& to, const SlowFilter& filter, IImageVPA* source, LONG band = 0) {
+HRESULT Apply(const Image& to, const AnyFilter& filter, IImageVPA* source, LONG band = 0) {
     return filter.apply(*to.process, source, band);
 }
 
-// The pixels of a band are those of the slow road inside, and the given value outside.
+// What the filter gives far from all borders: of an image that is larger by the mirrored pixels which it reads.
+template <class Pixel>
+TypedImage<Pixel> FilteredAmongOthers(const AnyFilter& filter, const Plane<Pixel>& source, LONG width, LONG height,
+                                      const Range& range) {
+    const auto from = NewImage<Pixel>(width + 2 * kReach, height + 2 * kReach);
+    const auto to = NewImage<Pixel>(width + 2 * kReach, height + 2 * kReach);
+    from.Fill([&](LONG x, LONG y) { return source.at(x - kReach, y - kReach); });
+    Check(to.process->PutLuminanceRange(range.lower, range.upper));
+    EXPECT_EQ(S_OK, Apply(to, filter, from.get()));
+    return to;
+}
+
+// The pixels of a band are those inside, and the given value outside.
 template <class Pixel, class Inside>
-void ExpectFiltered(const TypedImage<Pixel>& image, LONG band, const SlowFilter& filter, const Plane<Pixel>& source,
+void ExpectFiltered(const TypedImage<Pixel>& image, LONG band, const AnyFilter& filter, const Plane<Pixel>& source,
                     const Range& range, Pixel outside, const Inside& inside) {
-    // A float result is the sum of some 30 rounded terms, none of which exceeds 20 / 6 of the largest pixel.
-    const double tolerance = std::is_same_v<Pixel, float> ? 40 * 36000 * 4 * 0x1p-24 : 0;
-    LONG y = 0;
-    for (const auto row : Rows<Pixel>(image, band)) {
-        for (LONG x = 0; x < static_cast<LONG>(row.size()); ++x) {
-            const Pixel got = row[static_cast<size_t>(x)];
-            const bool filtered = inside(x, y);
-            const double want = filtered ? Expected(filter, source, x, y, range) : static_cast<double>(outside);
-            if (std::abs(want - static_cast<double>(got)) <= (filtered ? tolerance : 0)) continue;
+    const auto [bands, width, height] = image.size();
+    const auto filtered = FilteredAmongOthers(filter, source, width, height, range);
+    const Rows<Pixel> rows(image, band), wanted(filtered);
+    for (LONG y = 0; y < height; ++y)
+        for (LONG x = 0; x < width; ++x) {
+            const Pixel got = rows[y][static_cast<size_t>(x)];
+            const Pixel want = inside(x, y) ? wanted[y + kReach][static_cast<size_t>(x + kReach)] : outside;
+            if (std::memcmp(&want, &got, sizeof got) == 0) continue;
             FAIL() << filter.name << " of " << source.width << "x" << source.height << " at " << x << ", " << y
-                   << " gives " << +got << " instead of " << want;
+                   << " gives " << +got << " instead of " << +want;
         }
-        ++y;
-    }
 }
 
 constexpr auto kEverywhere = [](LONG, LONG) { return true; };
@@ -178,96 +139,99 @@ template <class Pixel>
 class FilterOf : public ::testing::Test {};
 TYPED_TEST_SUITE(FilterOf, PixelTypes, );
 
-TYPED_TEST(FilterOf, WholeImagesMirrorsTheBorderAndClampsToTheLuminanceRange) {
+TYPED_TEST(FilterOf, EachTypeIsTheOneOfItsName) {
+    using Pixel = TypeParam;
+    const auto from = NewImage<Pixel>(5, 5), to = NewImage<Pixel>(5, 5);
+    from.Fill([](LONG x, LONG y) { return kSquare[y][x]; });
+    const size_t type = std::is_same_v<Pixel, float> ? 3 : sizeof(Pixel) / 2;
+    for (const AnyFilter& filter : Filters()) {
+        ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
+        EXPECT_NEAR(filter.middle[type], static_cast<double>(to.at(2, 2)), type == 3 ? 1e-4 : 0) << filter.name;
+    }
+}
+
+// A source serves as far as its tables reach, which is 200 pixels beyond it.
+TYPED_TEST(FilterOf, TheRegionMirrorsTheBorderAndClampsToTheLuminanceRange) {
     using Pixel = TypeParam;
     const struct {
-        LONG width, height;
-    } sizes[] = {{1, 1}, {2, 1}, {1, 2}, {3, 3}, {5, 2}, {2, 7}, {17, 9}, {140, 5}, {700, 3}};
-    for (const SlowFilter& filter : Filters())
-        for (const auto& size : sizes) {
-            const auto source = NoisyPlane<Pixel>(size.width, size.height, static_cast<uint32_t>(size.width));
-            const auto from = ImageOfPlane(source), to = NewImage<Pixel>(size.width, size.height);
-            const double quarter = std::is_same_v<Pixel, float> ? 8000 : kFull<Pixel>.upper / 4;
+        LONG sourceWidth, sourceHeight, width, height, left, top, right, bottom;
+    } cases[] = {{1, 1, 1, 1, 0, 0, 0, 0},
+                 {2, 1, 2, 1, 0, 0, 1, 0},
+                 {1, 2, 1, 2, 0, 0, 0, 1},
+                 {3, 3, 3, 3, 0, 0, 9, 9},
+                 {5, 2, 5, 2, 0, 0, 9, 9},
+                 {2, 7, 2, 7, 0, 0, 9, 9},
+                 {17, 9, 17, 9, 0, 0, 99, 99},
+                 {140, 5, 140, 5, 0, 0, 999, 9},
+                 {700, 3, 700, 3, 0, 0, 999, 9},
+                 {300, 40, 300, 40, 0, 5, 0, 39},
+                 {300, 40, 300, 40, 0, 5, 1, 39},
+                 {300, 40, 300, 40, 1, 5, 2, 39},
+                 {300, 40, 300, 40, 3, 5, 190, 9},
+                 {300, 9, 300, 9, 250, 5, 299, 8},
+                 {300, 9, 300, 9, 299, 5, 299, 8},
+                 {3, 2, 240, 210, 0, 195, 239, 9999},
+                 {30, 1, 240, 210, 180, 0, 239, 9999}};
+    const double quarter = std::is_same_v<Pixel, float> ? 8000 : kFull<Pixel>.upper / 4;
+    for (const AnyFilter& filter : Filters())
+        for (const auto& c : cases) {
+            const auto source = NoisyPlane<Pixel>(c.sourceWidth, c.sourceHeight, static_cast<uint32_t>(c.width));
+            const auto from = ImageOfPlane(source), to = NewImage<Pixel>(c.width, c.height);
+            const LONG radius = filter.name == "Gaussian5x5" ? 2 : &filter == &Filters().back() ? 4 : 1;
+            const LONG right = std::min(c.right, c.sourceWidth + 199 - radius);
+            const LONG bottom = std::min(c.bottom, c.sourceHeight + 199 - radius);
             for (const Range& range : {kFull<Pixel>, Range{std::floor(quarter), std::floor(2 * quarter)}}) {
                 Check(to.process->PutLuminanceRange(range.lower, range.upper));
+                Check(to.process->put_RegionOfInterest(nullptr));
+                ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
+                to.SetRegion(RectangleOf(5000, 5000, c.left, c.top, c.right, c.bottom));
                 ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
-                ExpectFiltered<Pixel>(to, 0, filter, source, range, 0, kEverywhere);
+                ExpectFiltered<Pixel>(to, 0, filter, source, range, 9, [&](LONG x, LONG y) {
+                    return x >= c.left && x <= right && y >= c.top && y <= bottom;
+                });
             }
         }
 }
 
-TYPED_TEST(FilterOf, ARegionLeavesTheRestAlone) {
+TYPED_TEST(FilterOf, BandsGoSideBySideAlsoFromTheImageItself) {
     using Pixel = TypeParam;
-    const auto source = NoisyPlane<Pixel>(300, 40, 1);
-    const auto from = ImageOfPlane(source), to = NewImage<Pixel>(300, 40);
-    for (const SlowFilter& filter : Filters())
-        for (const auto& [left, right] :
-             {std::pair<LONG, LONG>{0, 0}, {0, 1}, {1, 2}, {3, 190}, {250, 299}, {299, 299}}) {
-            Check(to.process->put_RegionOfInterest(nullptr));
-            ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
-            to.SetRegion(RectangleOf(5000, 5000, left, 5, right, 39));
-            ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
-            ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 9,
-                                  [&, l = left, r = right](LONG x, LONG y) { return x >= l && x <= r && y >= 5; });
+    const auto other = NewImage<Pixel>(150, 9, 3), to = NewImage<Pixel>(150, 9, 3);
+    std::vector<Plane<Pixel>> sources;
+    for (uint32_t band = 0; band < 3; ++band) sources.push_back(NoisyPlane<Pixel>(150, 9, band + 7));
+    for (const AnyFilter& filter : Filters())
+        for (const auto& from : {other, to}) {
+            const auto fill = [&] {
+                for (LONG band = 0; band < 3; ++band) Put(from, sources[static_cast<size_t>(band)], band);
+            };
+            fill();
+            ASSERT_EQ(S_OK, to.process->put_BandToProcess(BI_AllBands));
+            ASSERT_EQ(S_OK, Apply(to, filter, from.get(), BI_AllBands));
+            for (LONG band = 0; band < 3; ++band)
+                ExpectFiltered<Pixel>(to, band, filter, sources[static_cast<size_t>(band)], kFull<Pixel>, 0,
+                                      kEverywhere);
+            fill();
+            const std::vector<Pixel> first = to.values(0), last = to.values(2);
+            ASSERT_EQ(S_OK, to.process->put_BandToProcess(1));
+            ASSERT_EQ(S_OK, Apply(to, filter, from.get(), 2));
+            ExpectFiltered<Pixel>(to, 1, filter, sources[2], kFull<Pixel>, 0, kEverywhere);
+            EXPECT_TRUE(first == to.values(0) && last == to.values(2)) << "the other bands";
         }
 }
 
-TYPED_TEST(FilterOf, BandsGoSideBySide) {
-    using Pixel = TypeParam;
-    const auto from = NewImage<Pixel>(40, 6, 3), to = NewImage<Pixel>(40, 6, 3);
-    std::vector<Plane<Pixel>> sources;
-    for (LONG band = 0; band < 3; ++band) {
-        sources.push_back(NoisyPlane<Pixel>(40, 6, static_cast<uint32_t>(band) + 7));
-        Put(from, sources.back(), band);
-    }
-    for (const SlowFilter& filter : Filters()) {
-        ASSERT_EQ(S_OK, to.process->put_BandToProcess(BI_AllBands));
-        ASSERT_EQ(S_OK, Apply(to, filter, from.get(), BI_AllBands));
-        for (LONG band = 0; band < 3; ++band)
-            ExpectFiltered<Pixel>(to, band, filter, sources[static_cast<size_t>(band)], kFull<Pixel>, 0, kEverywhere);
-        ASSERT_EQ(S_OK, to.process->put_BandToProcess(1));
-        ASSERT_EQ(S_OK, Apply(to, filter, from.get(), 2));
-        for (LONG band = 0; band < 3; ++band)
-            ExpectFiltered<Pixel>(to, band, filter, sources[band == 1 ? 2 : static_cast<size_t>(band)], kFull<Pixel>, 0,
-                                  kEverywhere);
-    }
-}
-
-TYPED_TEST(FilterOf, TheImageItselfGivesWhatACopyGives) {
-    using Pixel = TypeParam;
-    const auto first = NoisyPlane<Pixel>(150, 9, 3), second = NoisyPlane<Pixel>(150, 9, 4);
-    for (const SlowFilter& filter : Filters()) {
-        const auto image = NewImage<Pixel>(150, 9, 2);
-        Put(image, first, 0), Put(image, second, 1);
-        ASSERT_EQ(S_OK, Apply(image, filter, image.get(), BI_AllBands));
-        ExpectFiltered<Pixel>(image, 0, filter, first, kFull<Pixel>, 0, kEverywhere);
-        ExpectFiltered<Pixel>(image, 1, filter, second, kFull<Pixel>, 0, kEverywhere);
-        Put(image, first, 0), Put(image, second, 1);
-        ASSERT_EQ(S_OK, image.process->put_BandToProcess(0));
-        ASSERT_EQ(S_OK, Apply(image, filter, image.get(), 1));  // the other band
-        ExpectFiltered<Pixel>(image, 0, filter, second, kFull<Pixel>, 0, kEverywhere);
-        ASSERT_EQ(S_OK, Apply(image, filter, image.get(), 0));
-    }
-}
-
 // Rows are filtered some at a time, at most 64: sizes around that, and what lies left and right of a region.
-TYPED_TEST(FilterOf, TheImageItselfOfAnySize) {
+TYPED_TEST(FilterOf, TheImageItselfGivesWhatACopyGives) {
     using Pixel = TypeParam;
     for (const auto& [width, height] :
          {std::pair<LONG, LONG>{1, 1}, {1, 130}, {3, 2}, {30, 64}, {31, 65}, {40, 131}, {9000, 11}, {40000, 7}}) {
         const auto source = NoisyPlane<Pixel>(width, height, 5);
-        const auto image = ImageOfPlane(source);
-        for (const SlowFilter& filter : Filters())
+        for (const AnyFilter& filter : Filters())
             for (const LONG edge : {0, 7}) {
                 const LONG right = width - 1 - edge, bottom = height - 1 - edge;
                 if (edge > right || edge > bottom) continue;
-                Put(image, source);
-                image.SetRegion(RectangleOf(width, height, edge, edge, right, bottom));
+                const auto image = ImageOfPlane(source), copy = ImageOfPlane(source);
+                for (const auto& each : {image, copy})
+                    each.SetRegion(RectangleOf(width, height, edge, edge, right, bottom));
                 ASSERT_EQ(S_OK, Apply(image, filter, image.get()));
-                Check(image.process->put_RegionOfInterest(nullptr));
-                const auto copy = NewImage<Pixel>(width, height);
-                Put(copy, source);
-                copy.SetRegion(RectangleOf(width, height, edge, edge, right, bottom));
                 ASSERT_EQ(S_OK, Apply(copy, filter, ImageOfPlane(source).get()));
                 ASSERT_EQ(copy.values(), image.values()) << filter.name << " " << width << " x " << height;
             }
@@ -277,7 +241,7 @@ TYPED_TEST(FilterOf, TheImageItselfOfAnySize) {
 TYPED_TEST(FilterOf, BuffersThatOverlapGiveWhatACopyGives) {
     using Pixel = TypeParam;
     constexpr LONG width = 64, height = 20;
-    for (const SlowFilter& filter : Filters())
+    for (const AnyFilter& filter : Filters())
         for (const size_t shift : {size_t{0}, size_t{1}, size_t{64}, size_t{3 * 64 + 5}})
             for (const bool up : {false, true}) {
                 std::vector<Pixel> memory(width * height + shift);
@@ -316,20 +280,6 @@ TEST(FilterOfForeignTable, InTheDestinationGivesWhatACopyGives) {
     EXPECT_EQ(samples, copy.values());
 }
 
-TYPED_TEST(FilterOf, ASmallerSourceServesAsFarAsItsTablesReach) {
-    using Pixel = TypeParam;
-    for (const SlowFilter& filter : Filters())
-        for (const auto& [width, height] : {std::pair<LONG, LONG>{3, 2}, {30, 1}}) {
-            const auto source = NoisyPlane<Pixel>(width, height, 5);
-            const auto from = ImageOfPlane(source), to = NewImage<Pixel>(240, 210);
-            ASSERT_EQ(S_OK, to.process->ScalarEquals(9));
-            ASSERT_EQ(S_OK, Apply(to, filter, from.get()));
-            const LONG right = width + 199 - filter.radius, bottom = height + 199 - filter.radius;
-            ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 9,
-                                  [&](LONG x, LONG y) { return x <= right && y <= bottom; });
-        }
-}
-
 // What another component may hand out: bands interleaved, the picture upside down and reversed, rows that share
 // samples; and a margin that repeats the edge instead of mirroring.
 TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
@@ -355,7 +305,7 @@ TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
             for (LONG x = 0; x < width; ++x)
                 source.pixels.push_back(
                     memory[static_cast<size_t>(static_cast<LONG>(layout.base) + layout.column(x) + layout.row(y))]);
-        for (const SlowFilter& filter : Filters()) {
+        for (const AnyFilter& filter : Filters()) {
             const auto to = NewImage<Pixel>(width, height);
             ASSERT_EQ(S_OK, Apply(to, filter, foreign.get()));
             ExpectFiltered<Pixel>(to, 0, filter, source, kFull<Pixel>, 0, kEverywhere);
@@ -370,7 +320,7 @@ TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {
         for (LONG x = 0; x < width; ++x) flipped.pixels.push_back(source.at(x, height - 1 - y));
     foreign->base = std::get<0>(Get(to, &IImageVPA::VPA, 0));
     foreign->SetOffsets([](LONG x) { return x; }, [=](LONG y) { return stride * (height - 1 - y); });
-    for (const SlowFilter& filter : Filters()) {
+    for (const AnyFilter& filter : Filters()) {
         Put(to, source);
         ASSERT_EQ(S_OK, Apply(to, filter, foreign.get()));
         ExpectFiltered<Pixel>(to, 0, filter, flipped, kFull<Pixel>, 0, kEverywhere);
@@ -391,19 +341,16 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
     ASSERT_EQ(S_OK, one.process->ScalarEquals(9));
     const auto words = NewImage<uint16_t>(4, 3, 3);
     const auto three = NewImage<uint8_t>(4, 3, 3);
-    const Image empty;
     const auto foreign = MakeCounted<ForeignImage>();
     foreign->type = DT_Char;
-    for (const SlowFilter& filter : Filters()) {
+    for (const AnyFilter& filter : Filters()) {
         const std::string type = "IImageProcess::" + filter.name + ": data type mismatch.";
         const std::string bands = "IImageProcess::" + filter.name + ": mismatch in the number of bands to process.";
         EXPECT_TRUE(Fails(Apply(one, filter, words.get(), BI_AllBands), type));  // before the bands
         EXPECT_TRUE(Fails(Apply(one, filter, foreign.get()), type));
         EXPECT_TRUE(Fails(Apply(one, filter, three.get(), BI_AllBands), bands));
         EXPECT_TRUE(Fails(Apply(one, filter, three.get(), 3), "IImageVPA::VPA: BandIndex is out of range"));
-        EXPECT_TRUE(Fails(Apply(one, filter, empty.get()), "IImageProcess::" + filter.name + ": no source image."));
-        EXPECT_TRUE(FailsSilently(Apply(one, filter, nullptr), E_POINTER));
-        EXPECT_TRUE(Fails(Apply(empty, filter, one.get()), "IImageProcess::" + filter.name + ": no image."));
+        EXPECT_TRUE(Fails(Apply(one, filter, Image().get()), "IImageProcess::" + filter.name + ": no source image."));
     }
     EXPECT_THAT(one.values(), ::testing::Each(9));
 }
@@ -411,32 +358,15 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
 // A source may call back: it replaces the destination, or changes its own type, while it is asked for its pixels.
 TEST(FilterContract, SourcesThatInterfereDoNoHarm) {
     std::vector<uint8_t> memory(64 * 64);
-    for (const SlowFilter& filter : Filters())
+    for (const AnyFilter& filter : Filters())
         for (const bool changesItself : {false, true}) {
             const auto to = NewImage<uint8_t>(64, 64);
             const auto foreign = ForeignImage::Of(64, 64, DT_BYTE, memory.data());
             foreign->onVpa = [&] {
-                if (changesItself)
-                    foreign->type = DT_Double;
-                else
-                    to->Create(1, 1, 1, DT_BYTE, 1);
+                changesItself ? void(foreign->type = DT_Double) : void(to->Create(1, 1, 1, DT_BYTE, 1));
             };
             EXPECT_TRUE(FailsSilently(Apply(to, filter, foreign.get()))) << filter.name;
         }
-}
-
-// Half the side of the square. What the pixels away from the borders get is tested in tests/filters.
-TEST(ExtremumSharpening, OfHalfSizesBeyondTheMarginIsDefined) {
-    std::vector<uint8_t> pixels(8 * 6, 100);
-    pixels[0] = 10, pixels[47] = 190;
-    const auto from = ImageOf<uint8_t>(8, pixels), to = NewImage<uint8_t>(8, 6);
-    for (const auto& [h, first, last] :
-         {std::tuple{LONG{203}, 7, 7}, {kMost, 7, 7}, {LONG{-1}, 255, 0}, {kLeast, 255, 0}}) {
-        ASSERT_EQ(S_OK, to.process->ScalarEquals(7));
-        ASSERT_EQ(S_OK, to.process->ExtremumSharpening(h, from.get(), 0));
-        EXPECT_EQ(first, to.values().front()) << h;
-        EXPECT_EQ(last, to.values().back()) << h;
-    }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #endif
 
 #include <algorithm>
+#include <optional>
 
 #include "contract/support.hpp"
 
@@ -77,12 +78,9 @@ TEST(Picture, IsMirroredWithItsDestinationAndClippedToTheMemory) {
     ASSERT_EQ(S_OK, picture.memory->RenderToMemory(&mirrored.memory, 4, 2, -4, -2));
     EXPECT_EQ((Lines{"8765", "4321"}), mirrored.Rows());
     EXPECT_EQ((Box{4, 2, 0, 0}), DestRectOf(picture));
-    EXPECT_EQ(-1, ToDest(picture).Matrix.A11);
-
     MemoryCanvas clipped(3, 2);
     ASSERT_EQ(S_OK, picture.memory->RenderToMemory(&clipped.memory, -2, -1, 8, 4));
     EXPECT_EQ((Lines{"223", "667"}), clipped.Rows());
-    EXPECT_EQ((Box{-2, -1, 6, 3}), DestRectOf(picture));
     EXPECT_EQ(S_OK, picture.memory->RenderToMemory(&clipped.memory, kLeast, kLeast, kMost, kMost));
     EXPECT_EQ(S_OK, picture.memory->RenderToMemory(&clipped.memory, kMost, kMost, kLeast, kLeast));
     // The top row last.
@@ -94,7 +92,6 @@ TEST(Picture, IsMirroredWithItsDestinationAndClippedToTheMemory) {
     // An empty destination changes nothing.
     for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {0, 0}})
         EXPECT_EQ(S_FALSE, picture.memory->RenderToMemory(&turned.memory, 1, 1, width, height));
-    EXPECT_EQ((Lines{"1234", "5678"}), turned.Rows());
     EXPECT_EQ((Box{0, 0, 4, 2}), DestRectOf(picture));
 }
 
@@ -123,51 +120,33 @@ TEST(Picture, BltShowsPixelByPixelAndStretchWhatItIsGiven) {
                           "IPictureEx::RenderStretch: the source rectangle must lie on the image."));
 }
 
-TEST(Picture, ZoomShowsThePixelsAboutItsCentre) {
-    const auto picture = NewImage<uint8_t>(16, 8);
-    picture.Fill([](LONG x, LONG) { return 16 * x; });
-    Check(picture.zoom->put_ZoomFactor(4), picture.zoom);
-    Check(picture.zoom->put_ZoomCenterX(10), picture.zoom);
-    MemoryCanvas canvas(10, 5);
-    // Columns 8..12, rows 3..5: 8 of the 10 columns asked for. Two columns more would be too wide.
-    ASSERT_EQ(S_OK, picture.memory->RenderToMemory(&canvas.memory, 0, 0, 10, 5));
-    std::string shown = canvas.Rows()[2];
-    shown.erase(std::unique(shown.begin(), shown.end()), shown.end());
-    EXPECT_EQ("089abc0", shown);
-}
-
-TEST(Picture, SmoothAveragesAndInterpolates) {
+TEST(Picture, SmoothAverages) {
     const auto picture = ImageOf<uint8_t>(4, {0, 100, 200, 255, 50, 10, 30, 20});
-    MemoryCanvas half(2, 1, RS_Smooth), line(8, 1, RS_Smooth);
+    MemoryCanvas half(2, 1, RS_Smooth);
     ASSERT_EQ(S_OK, picture.memory->RenderToMemory(&half.memory, 0, 0, 2, 1));
     EXPECT_EQ(40 * 0x010101u, half.at(0, 0));   // 160 / 4
     EXPECT_EQ(126 * 0x010101u, half.at(1, 0));  // 505 / 4
-    ASSERT_EQ(S_OK, picture.memory->RenderStretchToMemory(&line.memory, 0, 0, 8, 1, 0, 0, 4, 1));
-    EXPECT_EQ(25 * 0x010101u, line.at(1, 0)) << "a quarter of the way from 0 to 100";
 }
 
+// Channels and tables are tested in tests/display.
 TEST(Picture, ShowsColoursOfTheTableOrOfThreeBands) {
+    MemoryCanvas canvas(4, 2);
     const auto grey = SmallPicture();
     Check(grey.display->put_ColorTable(48, 0x112233), grey.display);  // blue, green, red
-    MemoryCanvas canvas(4, 2);
     ASSERT_EQ(S_OK, grey.memory->RenderToMemory(&canvas.memory, 0, 0, 4, 2));
     EXPECT_EQ(0x332211u, canvas.at(2, 0));
     Check(grey.display->PutDisplayRange(32, 64), grey.display);
     ASSERT_EQ(S_OK, grey.memory->RenderToMemory(&canvas.memory, 0, 0, 4, 2));
-    EXPECT_EQ(0u, canvas.at(0, 0));
     EXPECT_EQ(0x808080u, canvas.at(2, 0));
-    EXPECT_EQ(0xffffffu, canvas.at(3, 0));
 
     const auto color = NewImage<uint16_t>(2, 1, 4);
     for (LONG band = 0; band < 4; ++band)
         color.Fill([&](LONG x, LONG) { return x == 0 ? 257 * 20 * (band + 1) : 0; }, band);
-    Check(color.display->put_BandToDisplay(1), color.display);
-    ASSERT_EQ(S_OK, color.memory->RenderToMemory(&canvas.memory, 0, 0, 2, 1));
-    EXPECT_EQ(0x282828u, canvas.at(0, 0));
-    Check(color.display->put_BandToDisplay(BI_AllBands), color.display);
-    ASSERT_EQ(S_OK, color.memory->RenderToMemory(&canvas.memory, 0, 0, 2, 1));
-    EXPECT_EQ(0x14283cu, canvas.at(0, 0));
-    EXPECT_EQ(0u, canvas.at(1, 0));
+    for (const auto& [band, shown] : {std::pair<LONG, unsigned>{1, 0x282828}, {BI_AllBands, 0x14283c}}) {
+        Check(color.display->put_BandToDisplay(band), color.display);
+        ASSERT_EQ(S_OK, color.memory->RenderToMemory(&canvas.memory, 0, 0, 2, 1));
+        EXPECT_EQ(shown, canvas.at(0, 0));
+    }
     MemoryCanvas smooth(4, 2, RS_Smooth);
     ASSERT_EQ(S_OK, color.memory->RenderToMemory(&smooth.memory, 0, 0, 4, 2));
     EXPECT_EQ(0x0f1e2du, smooth.at(1, 0)) << "three quarters";
@@ -182,10 +161,9 @@ TEST(Picture, RefusesMemoryThatCannotBe) {
         return picture.memory->RenderToMemory(&memory, 0, 0, 4, 2);
     };
     EXPECT_TRUE(FailsSilently(render([](auto& m) { m.m_pPixels = nullptr; }), E_POINTER));
-    for (const LONG size : {LONG{0}, LONG{-1}, kLeast}) {
-        EXPECT_TRUE(Fails(render([&](auto& m) { m.m_lWidth = size; }), "IPictureMemory: the memory has no pixels."));
-        EXPECT_TRUE(Fails(render([&](auto& m) { m.m_lHeight = size; }), "IPictureMemory: the memory has no pixels."));
-    }
+    for (const auto side : {&SPictureMemory::m_lWidth, &SPictureMemory::m_lHeight})
+        for (const LONG size : {LONG{0}, LONG{-1}, kLeast})
+            EXPECT_TRUE(Fails(render([&](auto& m) { m.*side = size; }), "IPictureMemory: the memory has no pixels."));
     for (const LONG stride : {3, -3, 0})
         EXPECT_TRUE(
             Fails(render([&](auto& m) { m.m_lStride = stride; }), "IPictureMemory: the stride is shorter than a row."));
@@ -221,39 +199,15 @@ TEST(Picture, WithoutAnImageThereIsNothingToRender) {
     EXPECT_EQ(S_FALSE, refused.zoom->GetPixelInfo(0, 0, &x, &y, &value, &color));
 }
 
-TEST(Picture, MapsAreInverseToAMilliardthOfAPixel) {
-    const auto picture = NewImage<uint8_t>(5003, 3001);
-    MemoryCanvas canvas(64, 48);
-    uint32_t state = 1;
-    const auto random = [&](uint32_t below) {
-        return static_cast<LONG>((state = state * 1664525 + 1013904223) >> 8) % static_cast<LONG>(below);
-    };
-    for (int round = 0; round < 300; ++round) {
-        Check(picture.zoom->put_ZoomFactor(1 + random(9000) / 10.0), picture.zoom);
-        Check(picture.zoom->put_ZoomCenterX(1 + random(5000)), picture.zoom);
-        Check(picture.zoom->put_ZoomCenterY(1 + random(2999)), picture.zoom);
-        const LONG left = random(900) - 450, top = random(700) - 350, width = 1 + random(2500);
-        Check(picture.memory->RenderToMemory(&canvas.memory, left, top, width, 1 + random(1500)), picture.memory);
-        const TCoordinateMap to = ToDest(picture), from = ToPixel(picture);
-        for (const double x : {0.0, 5002.0, 1234.5})
-            ASSERT_NEAR(x, from.OrgX + from.Matrix.A11 * (to.OrgX + to.Matrix.A11 * x), 1e-9);
-        for (const double y : {0.0, 3000.0, 77.25})
-            ASSERT_NEAR(y, from.OrgY + from.Matrix.A22 * (to.OrgY + to.Matrix.A22 * y), 1e-9);
-    }
-}
-
 TEST(Picture, PixelInfoTellsWhatLiesUnderADevicePixel) {
     const auto picture = ImageOf<float>(2, {-1.5f, 300.25f, 0.5f, 64.0f});
     Check(picture.display->put_ColorTable(64, 0x030201), picture.display);
     MemoryCanvas canvas(8, 8);
     ASSERT_EQ(S_OK, picture.memory->RenderToMemory(&canvas.memory, 0, 0, 8, 8));
-    const auto info = [](const Image& image, LONG x, LONG y) {
-        return Get(image.zoom, &IPictureExZoom::GetPixelInfo, x, y);
-    };
-    EXPECT_EQ(std::tuple(1.375, -0.375, 300.25, 0xffffffu), info(picture, 7, 0));
-    EXPECT_EQ(std::tuple(0.625, 0.625, 64.0, 0x030201u), info(picture, 4, 4));
-    EXPECT_EQ(0x010203u, canvas.at(4, 4));
-    EXPECT_EQ(std::tuple(1.625, 0.625, 0.0, 0u), info(picture, 8, 4));
+    const auto info = [&](LONG x, LONG y) { return Get(picture.zoom, &IPictureExZoom::GetPixelInfo, x, y); };
+    EXPECT_EQ(std::tuple(1.375, -0.375, 300.25, 0xffffffu), info(7, 0));
+    EXPECT_EQ(std::tuple(0.625, 0.625, 64.0, 0x030201u), info(4, 4));
+    EXPECT_EQ(std::tuple(1.625, 0.625, 0.0, 0u), info(8, 4));
     double x = 0, y = 0, value = 0;
     OLE_COLOR color = 9;
     for (const LONG edge : {kLeast, LONG{8}, kMost})
@@ -283,13 +237,9 @@ TEST(Picture, AttachesOneBandOfBytesOrWords) {
 
 TEST(Picture, ZoomIsResetByANewSizeAndKeptByTheSameOne) {
     const auto picture = NewImage<uint8_t>(641, 481);
-    ExpectZoom(picture, 1, 320, 240, "at first");
     Check(picture.zoom->put_ZoomFactor(3), picture.zoom);
-    Check(picture.zoom->put_ZoomCenterX(100.25), picture.zoom);
-    Check(picture->Create(641, 481, 2, DT_BYTE, 1), picture);
-    ExpectZoom(picture, 3, 100.25, 240, "more bands");
-    Check(picture->Create(641, 481, 1, DT_Float, 1), picture);
-    ExpectZoom(picture, 3, 100.25, 240, "another type, the same size");
+    Check(picture->Create(641, 481, 2, DT_Float, 1), picture);
+    ExpectZoom(picture, 3, 320, 240, "another type and more bands, the same size");
     Check(picture->Create(640, 481, 1, DT_Float, 1), picture);
     ExpectZoom(picture, 1, 320, 240, "another size");
     EXPECT_EQ(481, Get(picture.zoom, &IPictureExZoom::get_Height));
@@ -299,12 +249,9 @@ TEST(Picture, ZoomPutsAndStepsFollowTheirRules) {
     const auto picture = NewImage<uint8_t>(640, 480);
     const auto& zoom = picture.zoom;
     EXPECT_TRUE(Fails(zoom->put_ZoomFactor(0), "IPictureZoom: zoom factor must be positive."));
-    EXPECT_TRUE(
-        Fails(zoom->put_ZoomCenterX(0.4), "IPictureZoom::put_ZoomCenterX: x zoom center must be on the image."));
-    EXPECT_TRUE(
-        Fails(zoom->put_ZoomCenterY(479.5), "IPictureZoom::put_ZoomCenterY: y zoom center must be on the image."));
+    EXPECT_EQ(E_FAIL, zoom->put_ZoomCenterX(0.4));
+    EXPECT_EQ(E_FAIL, zoom->put_ZoomCenterY(479.5));
     EXPECT_EQ(S_OK, zoom->put_ZoomCenterX(0.5));
-    ExpectZoom(picture, 1, 0.5, 240, "put");
     EXPECT_EQ(S_OK, zoom->put_ZoomCenterY(7));
     EXPECT_EQ(S_OK, zoom->put_ZoomFactor(1.1));
     ExpectZoom(picture, 1.1, 0.5, 7, "put");
@@ -340,12 +287,17 @@ TEST(Picture, ZoomPutsAndStepsFollowTheirRules) {
 // ------------------------------------------------------------------------------------------------------------- events
 
 TEST(PictureEvents, ConnectionsComeAndGoByTheirCookies) {
-    const auto point = PointOf(SmallPicture());
+    std::optional<TypedImage<uint8_t>> picture = SmallPicture();
+    auto point = PointOf(*picture);
     const ComPtr<Sink> sinks[2] = {MakeCounted<Sink>(), MakeCounted<Sink>()};
     DWORD cookies[2] = {};
     for (int i = 0; i < 2; ++i) ASSERT_EQ(S_OK, point->Advise(sinks[i].get(), &cookies[i]));
     EXPECT_NE(cookies[0], cookies[1]);
     EXPECT_EQ(2u, ReferencesOf(sinks[0].get()));
+    MemoryCanvas canvas(4, 2);
+    EXPECT_EQ(S_OK, picture->memory->RenderToMemory(&canvas.memory, 0, 0, 4, 2));
+    EXPECT_EQ(0, sinks[0]->calls) << "the caller draws over its memory itself";
+    picture.reset();  // the point keeps its object
 
     auto connections = Get(point, &IConnectionPoint::EnumConnections);
     CONNECTDATA data[3] = {};
@@ -361,8 +313,7 @@ TEST(PictureEvents, ConnectionsComeAndGoByTheirCookies) {
 
     EXPECT_EQ(S_OK, point->Unadvise(cookies[0]));
     EXPECT_EQ(1u, ReferencesOf(sinks[0].get()));
-    EXPECT_EQ(CONNECT_E_NOCONNECTION, point->Unadvise(cookies[0]));
-    EXPECT_EQ(CONNECT_E_NOCONNECTION, point->Unadvise(0));
+    for (const DWORD gone : {cookies[0], DWORD{0}}) EXPECT_EQ(CONNECT_E_NOCONNECTION, point->Unadvise(gone));
     // The client that goes last calls back.
     DWORD again = 0;
     auto nested = MakeCounted<Sink>();
@@ -377,6 +328,10 @@ TEST(PictureEvents, ConnectionsComeAndGoByTheirCookies) {
     EXPECT_EQ(0u, cookie);
     EXPECT_EQ(E_POINTER, point->Advise(sinks[0].get(), nullptr));
     EXPECT_EQ(CONNECT_E_CANNOTCONNECT, point->Advise(NewBitmap(1, 1).get(), &cookie));
+    // Those that are left go with the object.
+    ASSERT_EQ(S_OK, point->Advise(sinks[0].get(), &cookie));
+    point = nullptr;
+    EXPECT_EQ(1u, ReferencesOf(sinks[0].get()));
 }
 
 TEST(PictureEvents, TheContainerHasThisOnePoint) {
@@ -390,8 +345,6 @@ TEST(PictureEvents, TheContainerHasThisOnePoint) {
     ComPtr<IConnectionPoint> other;
     EXPECT_EQ(CONNECT_E_NOCONNECTION, container->FindConnectionPoint(__uuidof(IPictureEx), other.Out()));
     EXPECT_FALSE(other);
-    EXPECT_EQ(E_POINTER, container->FindConnectionPoint(__uuidof(IPictureExEvents), nullptr));
-    EXPECT_EQ(E_POINTER, container->EnumConnectionPoints(nullptr));
 
     const auto points = Get(container, &IConnectionPointContainer::EnumConnectionPoints);
     IConnectionPoint* found[2] = {};
@@ -402,29 +355,12 @@ TEST(PictureEvents, TheContainerHasThisOnePoint) {
     found[0]->Release();
     EXPECT_EQ(S_FALSE, points->Next(1, found, nullptr));
     EXPECT_EQ(E_POINTER, points->Next(2, found, nullptr));
-    EXPECT_EQ(E_POINTER, points->Next(1, nullptr, &fetched));
     EXPECT_EQ(S_OK, points->Reset());
     EXPECT_EQ(S_FALSE, points->Skip(2));
     const auto clone = Get(points, &IEnumConnectionPoints::Clone);
     EXPECT_EQ(S_FALSE, clone->Next(1, found, &fetched)) << "where the other one stands";
     EXPECT_EQ(S_OK, clone->Reset());
     EXPECT_EQ(S_OK, clone->Skip(1));
-}
-
-TEST(PictureEvents, AConnectionKeepsItsClientAndThePointItsObject) {
-    const auto sink = MakeCounted<Sink>();
-    ComPtr<IConnectionPoint> point;
-    {
-        const auto picture = SmallPicture();
-        point = PointOf(picture);
-        Get(point, &IConnectionPoint::Advise, sink.get());
-        MemoryCanvas canvas(4, 2);
-        EXPECT_EQ(S_OK, picture.memory->RenderToMemory(&canvas.memory, 0, 0, 4, 2));
-        EXPECT_EQ(0, sink->calls) << "the caller draws over its memory itself";
-    }
-    EXPECT_EQ(2u, ReferencesOf(sink.get()));
-    point = nullptr;
-    EXPECT_EQ(1u, ReferencesOf(sink.get()));
 }
 
 #ifndef _WIN32

@@ -33,24 +33,42 @@ SGrayMeasurements Measured(const Image& image, int flags) {
     return measure;
 }
 
+// The two settings of the band that an operation works on or the picture shows, and the two ranges.
+struct Setting {
+    std::string method;
+    std::function<LONG(const Image&)> band;
+    std::function<HRESULT(const Image&, LONG)> putBand;
+    std::function<std::pair<double, double>(const Image&)> range;
+    std::function<HRESULT(const Image&, double, double)> putRange;
+};
+const Setting kSettings[] = {
+    {"IImageProcess::put_BandToProcess", [](auto& i) { return Get(i.process, &IImageProcess::get_BandToProcess); },
+     [](auto& i, LONG band) { return i.process->put_BandToProcess(band); }, [](auto& i) { return i.LuminanceRange(); },
+     [](auto& i, double lower, double upper) { return i.process->PutLuminanceRange(lower, upper); }},
+    {"IDisplayProcess::put_BandToDisplay", [](auto& i) { return Get(i.display, &IDisplayProcess::get_BandToDisplay); },
+     [](auto& i, LONG band) { return i.display->put_BandToDisplay(band); }, [](auto& i) { return i.DisplayRange(); },
+     [](auto& i, double lower, double upper) { return i.display->PutDisplayRange(lower, upper); }},
+};
+
 double TableEntry(const Image& image, LONG entry) { return Get(image.process, &IImageProcess::get_Table, entry); }
 
 // --------------------------------------------------------------------------------------------------------------- frame
 
-TEST(BandToProcess, FollowsTheNumberOfBandsAndAcceptsTheBandsOfTheImage) {
-    const auto band = [](const Image& image) { return Get(image.process, &IImageProcessBase::get_BandToProcess); };
-    const auto image = NewImage<uint8_t>(2, 2, 3);
-    EXPECT_EQ(BI_AllBands, band(image));
-    for (const LONG good : {-1, 0, 2}) {
-        EXPECT_EQ(S_OK, image.process->put_BandToProcess(good));
-        EXPECT_EQ(good, band(image));
+TEST(BandSettings, FollowTheNumberOfBandsAndAcceptTheBandsOfTheImage) {
+    for (const Setting& setting : kSettings) {
+        const auto image = NewImage<uint8_t>(2, 2, 3);
+        EXPECT_EQ(BI_AllBands, setting.band(image));
+        for (const LONG good : {-1, 0, 2}) {
+            EXPECT_EQ(S_OK, setting.putBand(image, good));
+            EXPECT_EQ(good, setting.band(image));
+        }
+        for (const LONG bad : {LONG{3}, LONG{-2}, kLeast, kMost})
+            EXPECT_TRUE(Fails(setting.putBand(image, bad), setting.method + ": invalid band to process"));
+        for (const Setting& other : kSettings)
+            EXPECT_EQ(&other == &setting ? 2 : LONG{BI_AllBands}, other.band(image)) << "one does not change the other";
+        ASSERT_EQ(S_OK, image->Create(2, 2, 1, DT_BYTE, 1));
+        EXPECT_EQ(0, setting.band(image));
     }
-    for (const LONG bad : {LONG{3}, LONG{-2}, kLeast, kMost})
-        EXPECT_TRUE(
-            Fails(image.process->put_BandToProcess(bad), "IImageProcess::put_BandToProcess: invalid band to process"));
-    EXPECT_EQ(2, band(image));
-    ASSERT_EQ(S_OK, image->Create(2, 2, 1, DT_BYTE, 1));
-    EXPECT_EQ(0, band(image));
 }
 
 TEST(BandToProcess, SelectsWhatAnOperationChanges) {
@@ -78,38 +96,46 @@ TEST(BandToProcess, SelectsWhatAnOperationChanges) {
 }
 
 TEST(Settings, StayWhileThePixelTypeStays) {
-    const auto image = NewImage<uint8_t>(4, 4);
+    const auto image = NewImage<uint8_t>(4, 4, 3);
     const auto region = RectangleOf(4, 4, 0, 0, 0, 0);
+    const auto color = [&] { return Get(image.display, &IDisplayProcess::get_ColorTable, LONG{7}); };
     image.SetRegion(region);
-    ASSERT_EQ(S_OK, image.process->PutLuminanceRange(10, 20));
+    for (const Setting& setting : kSettings) ASSERT_EQ(S_OK, setting.putRange(image, 10, 20));
     ASSERT_EQ(S_OK, image.process->put_Table(3, 99));
-    ASSERT_EQ(S_OK, image->Create(8, 8, 1, DT_BYTE, 1));
-    EXPECT_THAT(image.LuminanceRange(), Pair(10, 20));
+    ASSERT_EQ(S_OK, image.display->put_ColorTable(7, 0xff));
+    ASSERT_EQ(S_OK, image->Create(8, 8, 2, DT_BYTE, 1));
+    EXPECT_NE(S_OK, image->Create(0, 5, 2, DT_BYTE, 1));
+    for (const Setting& setting : kSettings) EXPECT_THAT(setting.range(image), Pair(10, 20));
     EXPECT_EQ(99, TableEntry(image, 3));
+    EXPECT_EQ(0xffu, color());
     EXPECT_EQ(region.get(), Get(image.process, &IImageProcess::get_RegionOfInterest).get());
     ASSERT_EQ(S_OK, image->Create(8, 8, 1, DT_WORD, 1));
-    EXPECT_THAT(image.LuminanceRange(), Pair(0, 65535));
+    for (const Setting& setting : kSettings) EXPECT_THAT(setting.range(image), Pair(0, 65535));
+    EXPECT_EQ(0x070707u, color());
     EXPECT_FALSE(Get(image.process, &IImageProcess::get_RegionOfInterest));
 }
 
-TEST(LuminanceRange, TruncatesAndKeepsTheLowOrderBits) {
+TEST(Ranges, TruncateAndKeepTheLowOrderBits) {
+    constexpr double kMostFloat = std::numeric_limits<float>::max();
     const struct {
         LONG type;
         double lower, upper, gotLower, gotUpper;
     } cases[] = {{DT_BYTE, 12.9, 256, 12, 0},
                  {DT_BYTE, -1, -0.9, 255, 0},
-                 {DT_BYTE, 200, 100, 200, 100},
+                 {DT_BYTE, 200, 100, 200, 100},  // a negative
                  {DT_BYTE, kNaN, kInfinity, 0, 0},
                  {DT_BYTE, 0x1p62 + 1024, -1e300, 0, 0},
                  {DT_WORD, 65535.5, 65537, 65535, 1},
                  {DT_DWORD, -1, 4294967296.0 + 5, 4294967295.0, 5},
-                 {DT_Float, 0.5, 1e300, 0.5, std::numeric_limits<float>::max()}};
-    for (const auto& c : cases) {
-        const Image image;
-        ASSERT_EQ(S_OK, image->Create(1, 1, 1, c.type, 1));
-        ASSERT_EQ(S_OK, image.process->PutLuminanceRange(c.lower, c.upper));
-        EXPECT_THAT(image.LuminanceRange(), Pair(c.gotLower, c.gotUpper)) << c.lower;
-    }
+                 {DT_Float, -0.75, 0.1, -0.75, static_cast<double>(0.1f)},
+                 {DT_Float, -kInfinity, 1e300, -kMostFloat, kMostFloat}};
+    for (const Setting& setting : kSettings)
+        for (const auto& c : cases) {
+            const Image image;
+            ASSERT_EQ(S_OK, image->Create(1, 1, 1, c.type, 1));
+            ASSERT_EQ(S_OK, setting.putRange(image, c.lower, c.upper));
+            EXPECT_THAT(setting.range(image), Pair(c.gotLower, c.gotUpper)) << setting.method << c.lower;
+        }
 }
 
 TEST(NumberOfBins, IsFixedForBytesAndAboveOneForOthers) {
@@ -143,17 +169,13 @@ TEST(NumberOfBins, IsFixedForBytesAndAboveOneForOthers) {
 
 TEST(ImageHistogram, OfBytesHasABinForEachLevelAndLeavesOutWhatTheRangeDoes) {
     const auto image = ImageOf<uint8_t>(6, {0, 10, 10, 20, 255, 30});
-    const auto histogram = HistogramOfImage(image);
-    const std::vector<LONG> counts = CountsOf(histogram);
-    ASSERT_EQ(256u, counts.size());
-    EXPECT_EQ(0, Get(histogram, &IHistogram::get_Left));
-    EXPECT_EQ(255, Get(histogram, &IHistogram::get_Right));
-    EXPECT_EQ(2, counts[10]);
-    EXPECT_EQ(1, counts[255]);
-    EXPECT_EQ(6, SumOf(counts));
+    std::vector<LONG> counts(256);
+    for (const uint8_t level : image.values()) ++counts[level];
+    EXPECT_EQ(counts, CountsOf(HistogramOfImage(image)));
+    EXPECT_EQ(255, Get(HistogramOfImage(image), &IHistogram::get_Right));
     ASSERT_EQ(S_OK, image.process->PutLuminanceRange(10, 20));
-    EXPECT_EQ(256u, CountsOf(HistogramOfImage(image)).size());
-    EXPECT_EQ(3, SumOf(CountsOf(HistogramOfImage(image))));
+    counts[0] = counts[255] = counts[30] = 0;
+    EXPECT_EQ(counts, CountsOf(HistogramOfImage(image)));
 }
 
 TEST(ImageHistogram, OfWiderTypesDividesTheLuminanceRange) {
@@ -174,25 +196,19 @@ TEST(ImageHistogram, OfWiderTypesDividesTheLuminanceRange) {
     EXPECT_THAT(CountsOf(HistogramOfImage(floats)), Each(0));
 }
 
-TEST(GrayMeasurements, WeighPositionsWithTheGreyValue) {
+TEST(GrayMeasurements, WeighPositionsWithTheGreyValueIfBothAreAskedFor) {
     const auto image = ImageOf<uint8_t>(3, {0, 0, 6, 0, 0, 2});
-    const SGrayMeasurements all = Measured(image, 3);
-    EXPECT_EQ(6, all.m_lPixelCount);
-    EXPECT_EQ(2, all.m_dGrayXCentroid);
-    EXPECT_EQ(0.25, all.m_dGrayYCentroid);
-    EXPECT_EQ(8.0 / 6, all.m_dGrayAverage);
-    EXPECT_DOUBLE_EQ(std::sqrt(40.0 / 6 - 64.0 / 36), all.m_dGrayStandardDeviation);
-    const SGrayMeasurements location = Measured(image, GEMT_GrayLocation);
-    EXPECT_EQ(6, location.m_lPixelCount);
-    EXPECT_EQ(0, location.m_dGrayXCentroid);  // no weights without the statistics
-    EXPECT_EQ(0, location.m_dGrayYCentroid);
-    const SGrayMeasurements statistics = Measured(image, GEMT_GrayStatistics);
-    EXPECT_EQ(0, statistics.m_dGrayXCentroid);
-    EXPECT_EQ(8.0 / 6, statistics.m_dGrayAverage);
+    for (const int flags : {3, int{GEMT_GrayLocation}, int{GEMT_GrayStatistics}}) {
+        const SGrayMeasurements m = Measured(image, flags);
+        EXPECT_EQ(6, m.m_lPixelCount) << flags;
+        EXPECT_EQ(flags == 3 ? 2 : 0, m.m_dGrayXCentroid) << flags;  // no weights without the statistics
+        EXPECT_EQ(flags == 3 ? 0.25 : 0, m.m_dGrayYCentroid) << flags;
+        EXPECT_EQ(flags == GEMT_GrayLocation ? 0 : 8.0 / 6, m.m_dGrayAverage) << flags;
+    }
+    EXPECT_DOUBLE_EQ(std::sqrt(40.0 / 6 - 64.0 / 36), Measured(image, 3).m_dGrayStandardDeviation);
     image.SetRegion(RectangleOf(100, 100, 50, 50, 60, 60));
-    const SGrayMeasurements none = Measured(image, 3);
-    EXPECT_EQ(0, none.m_lPixelCount);
-    EXPECT_EQ(0, none.m_dGrayAverage);
+    EXPECT_EQ(0, Measured(image, 3).m_lPixelCount);
+    EXPECT_EQ(0, Measured(image, 3).m_dGrayAverage);
 }
 
 // ---------------------------------------------------------------------------------------------------------- thresholds
@@ -208,7 +224,6 @@ TEST(Threshold, RoundsItsBoundsInwards) {
         {10.5, 14.5, 1, std::string(11, '.') + "####" + std::string(241, '.')},
         {-5, 300, 0, std::string(256, '.')},
         {-kInfinity, kInfinity, 1, std::string(256, '#')},
-        {2, 253, 0, "##" + std::string(252, '.') + "##"},
         {10.2, 10.8, 1, std::string(256, '.')},  // no whole number between
         {10.2, 10.8, 0, std::string(256, '#')},
         {300, 400, 1, std::string(255, '.') + "#"},  // both clamped to the range
@@ -235,7 +250,8 @@ TEST(Threshold, LeavesBitsOutsideTheRegionClear) {
 
 // ---------------------------------------------------------------------------------------------------- point operations
 
-TEST(PointOperations, OfBytesFollowTheirFormulas) {
+// What each computes is tested in tests/points, by definitions.
+TEST(PointOperations, OfBytesTakeTheirArgumentsAndTheRange) {
     using Process = IImageProcess&;
     struct Case {
         const char* what;
@@ -244,23 +260,11 @@ TEST(PointOperations, OfBytesFollowTheirFormulas) {
     };
     const auto put = [](Process p, double lower, double upper) { return p.PutLuminanceRange(lower, upper); };
     const Case cases[] = {
-        {"invert", [](Process p) { return p.Invert(); }, {0, 1, 255}, {255, 254, 0}},
-        {"in a range", [=](Process p) { return put(p, 10, 200), p.Invert(); }, {5, 10, 200, 255}, {200, 200, 10, 10}},
-        {"lower is tested first",
-         [=](Process p) { return put(p, 200, 100), p.ScalarPlusEquals(0); },
-         {50, 150, 250},
-         {200, 200, 100}},
+        {"invert in a range", [=](Process p) { return put(p, 10, 200), p.Invert(); }, {5, 10, 255}, {200, 200, 10}},
         {"add a half", [](Process p) { return p.ScalarPlusEquals(0.5); }, {10, 255}, {11, 255}},
-        {"add just below a half", [](Process p) { return p.ScalarPlusEquals(0.49); }, {10, 255}, {10, 255}},
-        {"subtract a lot", [](Process p) { return p.ScalarPlusEquals(-300); }, {10, 255}, {0, 0}},
-        {"add infinity", [](Process p) { return p.ScalarPlusEquals(kInfinity); }, {10, 255}, {255, 255}},
-        {"add NaN", [](Process p) { return p.ScalarPlusEquals(kNaN); }, {10, 255}, {0, 0}},
-        {"divide by 4", [](Process p) { return p.ScalarDivideEquals(4); }, {255, 7}, {63, 1}},
+        {"add in a range", [=](Process p) { return put(p, 200, 100), p.ScalarPlusEquals(0); }, {50, 250}, {200, 100}},
         {"divide by 3", [](Process p) { return p.ScalarDivideEquals(3); }, {255, 10, 11}, {85, 3, 4}},
         {"divide by a half", [](Process p) { return p.ScalarDivideEquals(0.5); }, {255, 7}, {0, 0}},
-        {"divide by -4", [](Process p) { return p.ScalarDivideEquals(-4); }, {255, 7}, {0, 0}},
-        {"divide by 1e-300", [](Process p) { return p.ScalarDivideEquals(1e-300); }, {255, 1, 0}, {255, 255, 0}},
-        {"divide by infinity", [](Process p) { return p.ScalarDivideEquals(kInfinity); }, {255, 1}, {0, 0}},
         {"divide by NaN", [](Process p) { return p.ScalarDivideEquals(kNaN); }, {255, 1}, {0, 0}},
         {"fill", [](Process p) { return p.ScalarEquals(6.5); }, {1, 2}, {7, 7}},
         {"fill beyond", [](Process p) { return p.ScalarEquals(1e300); }, {1, 2}, {255, 255}},
@@ -280,23 +284,17 @@ TEST(PointOperations, OfBytesFollowTheirFormulas) {
     EXPECT_THAT(image.values(), ElementsAre(1, 2));
 }
 
-TEST(PointOperations, OfWiderTypesRoundAndClampToTheirOwnRange) {
+TEST(PointOperations, OfWiderTypesClampToTheirOwnRange) {
     const auto words = ImageOf<uint16_t>(3, {0, 300, 65535});
     ASSERT_EQ(S_OK, words.process->Invert());
     EXPECT_THAT(words.values(), ElementsAre(65535, 65235, 0));
-    ASSERT_EQ(S_OK, words.process->ScalarDivideEquals(256));
-    EXPECT_THAT(words.values(), ElementsAre(255, 254, 0));
     const auto dwords = ImageOf<uint32_t>(3, {0, 1, 4294967295u});
     ASSERT_EQ(S_OK, dwords.process->ScalarPlusEquals(1));
     EXPECT_THAT(dwords.values(), ElementsAre(1u, 2u, 4294967295u));
-    ASSERT_EQ(S_OK, dwords.process->ScalarDivideEquals(0.5));  // k = -1: shifted by 31
-    EXPECT_THAT(dwords.values(), ElementsAre(0u, 0u, 1u));
     const auto floats = ImageOf<float>(3, {0.25f, -3.0f, 1e30f});
     ASSERT_EQ(S_OK, floats.process->ScalarPlusEquals(0.5));
-    ASSERT_EQ(S_OK, floats.process->ScalarDivideEquals(0.5));
-    EXPECT_THAT(floats.values(), ElementsAre(1.5f, -5.0f, 2e30f));
     ASSERT_EQ(S_OK, floats.process->Invert());  // the full range: the sign changes
-    EXPECT_THAT(floats.values(), ElementsAre(-1.5f, 5.0f, -2e30f));
+    EXPECT_THAT(floats.values(), ElementsAre(-0.75f, 2.5f, -1e30f));
 }
 
 TEST(PointOperations, ChangeThePixelsOfTheRegionOnly) {
@@ -304,15 +302,11 @@ TEST(PointOperations, ChangeThePixelsOfTheRegionOnly) {
     const auto region = CircleOf(9, 5, 4, 2, 2);
     image.SetRegion(region);
     ASSERT_EQ(S_OK, image.process->ScalarEquals(1));
-    EXPECT_THAT(image.values(), ElementsAre(0, 0, 0, 0, 1, 0, 0, 0, 0,  //
-                                            0, 0, 0, 1, 1, 1, 0, 0, 0,  //
-                                            0, 0, 1, 1, 1, 1, 1, 0, 0,  //
-                                            0, 0, 0, 1, 1, 1, 0, 0, 0,  //
-                                            0, 0, 0, 0, 1, 0, 0, 0, 0));
     ASSERT_EQ(S_OK, region->put_Polarity(PT_Outside));
     ASSERT_EQ(S_OK, image.process->ScalarPlusEquals(2));
     const std::vector<uint8_t> values = image.values();
-    EXPECT_EQ(13 * 1 + 32 * 2, std::accumulate(values.begin(), values.end(), 0));
+    for (LONG i = 0; i < 45; ++i)
+        EXPECT_EQ(std::hypot(i % 9 - 4, i / 9 - 2) <= 2 ? 1 : 2, values[static_cast<size_t>(i)]) << i;
     // A region of another size is clipped.
     const auto small = NewImage<uint8_t>(4, 2);
     small.SetRegion(RectangleOf(100, 100, 2, 1, 50, 50));
@@ -320,42 +314,36 @@ TEST(PointOperations, ChangeThePixelsOfTheRegionOnly) {
     EXPECT_THAT(small.values(), ElementsAre(0, 0, 0, 0, 0, 0, 255, 255));
 }
 
-// Beyond the caches pixels are asked for ahead and rows visited in parts; runs begin and end anywhere in these.
 TEST(LargeImages, GiveWhatTheirRowsGive) {
     constexpr LONG kWidth = 1501, kHeight = 4300;  // floats: 25.8 million bytes
     const auto image = NewImage<float>(kWidth, kHeight);
     const auto value = [](LONG x, LONG y) { return static_cast<float>((x * 7 + y * 13) % 256); };
     image.Fill(value);
     const auto region = CircleOf(kWidth, kHeight, 800, 2100, 900);  // clipped on the left and on the right
+    image.SetRegion(region);
+    ASSERT_EQ(S_OK, image.process->PutLuminanceRange(0, 255));
     for (const PolarityType polarity : {PT_Inside, PT_Outside}) {
-        const auto inside = [=](LONG x, LONG y) {
-            return ((x - 800) * (x - 800) + (y - 2100) * (y - 2100) <= 900 * 900) == (polarity == PT_Inside);
-        };
         ASSERT_EQ(S_OK, region->put_Polarity(polarity));
-        image.SetRegion(region);
-        ASSERT_EQ(S_OK, image.process->PutLuminanceRange(0, 255));
-        int64_t count = 0, sum = 0, set = 0;
-        for (LONG y = 0; y < kHeight; ++y)
-            for (LONG x = 0; x < kWidth; ++x)
-                if (inside(x, y)) {
-                    const auto p = static_cast<int64_t>(value(x, y));
-                    ++count;
-                    sum += p;
-                    set += p >= 100 && p <= 199;
-                }
         const SGrayMeasurements measures = Measured(image, GEMT_GrayStatistics);
-        EXPECT_EQ(count, measures.m_lPixelCount);
-        EXPECT_EQ(static_cast<double>(sum) / static_cast<double>(count), measures.m_dGrayAverage);
         const std::string bits = Thresholded(image, 100, 199);
-        EXPECT_EQ(set, std::count(bits.begin(), bits.end(), '#'));
-
         ASSERT_EQ(S_OK, image.process->Invert());
-        LONG wrong = 0, y = 0;
+        int64_t count = 0, sum = 0, set = 0, wrong = 0;
+        LONG y = 0;
         for (const auto row : Rows<float>(image)) {
-            for (LONG x = 0; x < kWidth; ++x)
-                wrong += row[static_cast<size_t>(x)] != (inside(x, y) ? 255 - value(x, y) : value(x, y));
+            for (LONG x = 0; x < kWidth; ++x) {
+                const bool inside =
+                    ((x - 800) * (x - 800) + (y - 2100) * (y - 2100) <= 900 * 900) == (polarity == PT_Inside);
+                const float p = value(x, y);
+                count += inside;
+                sum += inside ? static_cast<int64_t>(p) : 0;
+                set += inside && p >= 100 && p <= 199;
+                wrong += row[static_cast<size_t>(x)] != (inside ? 255 - p : p);
+            }
             ++y;
         }
+        EXPECT_EQ(count, measures.m_lPixelCount);
+        EXPECT_EQ(static_cast<double>(sum) / static_cast<double>(count), measures.m_dGrayAverage);
+        EXPECT_EQ(set, std::count(bits.begin(), bits.end(), '#'));
         EXPECT_EQ(0, wrong);
         ASSERT_EQ(S_OK, image.process->Invert());
     }
@@ -397,8 +385,8 @@ TEST_F(RegionsOfOthers, MayReplaceTheImageThatAsksThem) {
         Put();
         region->onRuns = [&] { image->Create(1, 1, 1, type, 1); };
         image.process->ScalarEquals(1);  // no particular result, and no harm
-        region->onRuns = nullptr;
     }
+    region->onRuns = nullptr;
     ASSERT_EQ(S_OK, image->Create(4, 3, 1, DT_BYTE, 1));
     EXPECT_EQ(S_OK, image.process->Invert());
 }
@@ -430,13 +418,10 @@ TEST(Table, EqualizationFollowsTheCumulativeCounts) {
     for (const auto& [entry, value] : {std::pair{9, 0}, {10, 100}, {29, 150}, {255, 200}})
         EXPECT_EQ(value, TableEntry(image, entry));
     ASSERT_EQ(S_OK, image.process->EqualizeTable(ET_UpperTriangular));
-    EXPECT_EQ(141, TableEntry(image, 10));  // 200 sqrt(1/2) = 141.42
     EXPECT_EQ(173, TableEntry(image, 20));  // 200 sqrt(3/4) = 173.2
-    ASSERT_EQ(S_OK, image.process->EqualizeTable(static_cast<EqualizationType>(3)));
-    EXPECT_EQ(141, TableEntry(image, 10));
     ASSERT_EQ(S_OK, image.process->PutLuminanceRange(100, 110));
     EXPECT_TRUE(Fails(image.process->EqualizeTable(ET_Uniform), "IImageProcess::EqualizeTable: empty histogram"));
-    EXPECT_EQ(141, TableEntry(image, 10));
+    EXPECT_EQ(141, TableEntry(image, 10));  // 200 sqrt(1/2) = 141.42
 }
 
 TEST(Table, Of16BitsIsReadThroughTheBinsOfTheHistogram) {
@@ -448,13 +433,9 @@ TEST(Table, Of16BitsIsReadThroughTheBinsOfTheHistogram) {
     ASSERT_EQ(S_OK, image.process->LUT());
     EXPECT_THAT(image.values(), ElementsAre(1001, 1002, 1002, 1003, 999, 2000));  // 1000 + 3 C / 4, rounded
     ASSERT_EQ(S_OK, image.process->put_NumberOfBins(2));
-    ASSERT_EQ(S_OK, image.process->put_Table(0, 5));
-    ASSERT_EQ(S_OK, image.process->put_Table(1, 6));
+    for (const LONG bin : {0, 1}) ASSERT_EQ(S_OK, image.process->put_Table(bin, 5 + bin));
     ASSERT_EQ(S_OK, image.process->LUT());
     EXPECT_THAT(image.values(), ElementsAre(5, 6, 6, 6, 999, 2000));  // floor((p - 1000) 2 / 3)
-    ASSERT_EQ(S_OK, image.process->PutLuminanceRange(999, 999));      // one value: counted in the last bin
-    ASSERT_EQ(S_OK, image.process->LUT());
-    EXPECT_THAT(image.values(), ElementsAre(5, 6, 6, 6, 6, 2000));
 }
 
 // ------------------------------------------------------------------------------------------------------------ snapping
@@ -482,17 +463,15 @@ TEST(SnapLuminanceRange, TakesTheExtremesOrTheTrimmedLimits) {
 
 // -------------------------------------------------------------------------------------------------------- other images
 
+// All pairs of types are tested in tests/points.
 TEST(CastAndPlus, KeepLowOrderBitsAndNeverSaturate) {
     const auto bytes = ImageOf<uint8_t>(2, {200, 7});
     ASSERT_EQ(S_OK, bytes.process->PlusEquals(ImageOf<uint8_t>(2, {100, 1}).get(), 0));
     EXPECT_THAT(bytes.values(), ElementsAre(44, 8));
     ASSERT_EQ(S_OK, bytes.process->CastEquals(ImageOf<uint16_t>(2, {300, 65535}).get(), 0));
     EXPECT_THAT(bytes.values(), ElementsAre(44, 255));
-    const auto floats = ImageOf<float>(2, {0.5f, 1.0f});
-    ASSERT_EQ(S_OK, floats.process->PlusEquals(ImageOf<uint32_t>(2, {16777217, 4294967295u}).get(), 0));
-    EXPECT_THAT(floats.values(), ElementsAre(16777216.0f, 4294967296.0f));
-    ASSERT_EQ(S_OK, floats.process->PlusEquals(floats.get(), 0));  // with itself
-    EXPECT_THAT(floats.values(), ElementsAre(33554432.0f, 8589934592.0f));
+    ASSERT_EQ(S_OK, bytes.process->PlusEquals(bytes.get(), 0));  // with itself
+    EXPECT_THAT(bytes.values(), ElementsAre(88, 254));
 }
 
 TEST(CastAndPlus, CheckTypeAndBands) {
@@ -522,10 +501,10 @@ TEST(CastAndPlus, ReadTheMarginOfASmallerSourceAndNothingBeyond) {
 TEST(NotBuiltYet, MethodsSaySoAndLeaveNoTextOfAnEarlierCall) {
     const auto image = NewImage<uint8_t>(2, 2);
     ComPtr<IBitmap> extrema;
-    for (const auto& call :
-         std::initializer_list<std::function<HRESULT()>>{[&] { return image.process->get_LocalMaxima(extrema.Out()); },
-                                                         [&] { return image.process->get_LocalMinima(extrema.Out()); },
-                                                         [&] { return image.process->LocalBackgroundCorrect(); }}) {
+    const std::function<HRESULT()> calls[] = {[&] { return image.process->get_LocalMaxima(extrema.Out()); },
+                                              [&] { return image.process->get_LocalMinima(extrema.Out()); },
+                                              [&] { return image.process->LocalBackgroundCorrect(); }};
+    for (const auto& call : calls) {
         EXPECT_EQ(E_FAIL, image.process->put_BandToProcess(7));
         EXPECT_TRUE(FailsSilently(call(), E_NOTIMPL));
     }

@@ -8,20 +8,14 @@
 namespace orlix::testing {
 namespace {
 
-// z = -1, -1, -1, 3 about the mean 12.
 TEST(RoughnessFigures, AreThoseOfTheStandardsDefinitions) {
-    const Roughness figures = MeasureRoughness(std::vector<float>{11, static_cast<float>(kNaN), 15, 11, 11});
-    EXPECT_EQ(4, figures.count);
-    EXPECT_EQ(12, figures.mean);
-    EXPECT_EQ(11, figures.minimum);
-    EXPECT_EQ(15, figures.maximum);
-    EXPECT_EQ(1.5, figures.Sa);
-    EXPECT_DOUBLE_EQ(std::sqrt(3.0), figures.Sq);
-    EXPECT_EQ(3, figures.Sp);
-    EXPECT_EQ(1, figures.Sv);
-    EXPECT_EQ(4, figures.Sz);
-    EXPECT_DOUBLE_EQ(2 / std::sqrt(3.0), figures.Ssk);
-    EXPECT_DOUBLE_EQ(7 / 3.0, figures.Sku);
+    const Roughness f = MeasureRoughness(std::vector<float>{11, static_cast<float>(kNaN), 15, 11, 11});
+    EXPECT_EQ(4, f.count);
+    EXPECT_EQ((std::vector<double>{12, 11, 15}), (std::vector<double>{f.mean, f.minimum, f.maximum}));
+    EXPECT_EQ((std::vector<double>{1.5, 3, 1, 4}), (std::vector<double>{f.Sa, f.Sp, f.Sv, f.Sz}));
+    EXPECT_DOUBLE_EQ(std::sqrt(3.0), f.Sq);
+    EXPECT_DOUBLE_EQ(2 / std::sqrt(3.0), f.Ssk);
+    EXPECT_DOUBLE_EQ(7 / 3.0, f.Sku);
 }
 
 TEST(RoughnessFigures, DoNotExistWithoutHeightsOrWithoutRoughness) {

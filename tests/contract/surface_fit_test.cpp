@@ -259,26 +259,24 @@ TYPED_TEST(SurfaceFit, OfNoPixelsOrSeveralBandsIsNone) {
     EXPECT_THAT(image.values(1), Each(TypeParam{0}));
 }
 
-TEST(SurfaceFitOfBytes, OfALargeCircleIsRightAcrossTiles) {
-    // Wider and higher than the tiles in which sums are gathered.
+// Wider and higher than the tiles in which sums are gathered.
+TEST(SurfaceFitOfBytes, OfALargeRectangleIsRightAcrossTiles) {
     const auto image = NewImage<uint8_t>(9000, 200);
     image.Fill([](LONG x, LONG y) { return (x / 64 + 2 * (y / 32) + (x * 7 + y * 13) % 32) % 256; });
     SetRectangle(image, 17, 3, 8990, 190);
-    double mean[2] = {}, n = 0, xx = 0, yy = 0, xz = 0, yz = 0, sum = 0;
-    for (LONG y = 3; y <= 190; ++y)
-        for (LONG x = 17; x <= 8990; ++x) mean[0] += x, mean[1] += y, ++n;
-    mean[0] /= n, mean[1] /= n;
+    const double n = 8974.0 * 188, meanX = (17 + 8990) / 2.0, meanY = (3 + 190) / 2.0;
+    double xx = 0, yy = 0, xz = 0, yz = 0, sum = 0;
     const Rows<uint8_t> rows(image);
     for (LONG y = 3; y <= 190; ++y)
         for (LONG x = 17; x <= 8990; ++x) {
-            const double z = rows[y][static_cast<size_t>(x)], dx = x - mean[0], dy = y - mean[1];
+            const double z = rows[y][static_cast<size_t>(x)], dx = x - meanX, dy = y - meanY;
             xx += dx * dx, yy += dy * dy, xz += dx * z, yz += dy * z, sum += z;
         }
     const Polynomial plane = Fitted(image, 1);
     EXPECT_DOUBLE_EQ(sum / n, plane.average);
     EXPECT_NEAR(xz / xx, plane.k[2], 1e-12 * xz / xx);
     EXPECT_NEAR(yz / yy, plane.k[1], 1e-11 * std::fabs(yz / yy));
-    EXPECT_NEAR(sum / n - plane.k[2] * mean[0] - plane.k[1] * mean[1], plane.k[0], 1e-10);
+    EXPECT_NEAR(sum / n - plane.k[2] * meanX - plane.k[1] * meanY, plane.k[0], 1e-10);
 }
 
 // -------------------------------------------------------------------------------------------------------- large images
@@ -383,8 +381,6 @@ TEST(Correction, WorksOnAllBandsToProcess) {
     plane.average = 10;
     plane.k[2] = 5;  // f = 5x
     ASSERT_EQ(S_OK, Correct(image, 1, plane));
-    EXPECT_THAT(image.values(0), ElementsAre(60, 55, 50));
-    EXPECT_THAT(image.values(1), ElementsAre(60, 55, 50));
     ASSERT_EQ(S_OK, image.process->put_BandToProcess(1));
     ASSERT_EQ(S_OK, Correct(image, 2, plane));
     EXPECT_THAT(image.values(0), ElementsAre(60, 55, 50));
