@@ -1,11 +1,8 @@
 // What a call of the library's inside fails with.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "component/failure.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 

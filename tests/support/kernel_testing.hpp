@@ -1,18 +1,7 @@
 // Shared by the kernel tests: noise, pixels between guards, awkward sizes.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <bit>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <random>
-#include <span>
-#include <type_traits>
-#include <vector>
-
+#include "support/testing.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix {

@@ -51,13 +51,6 @@ std::vector<Place> SlowNeighbours(const Plane& plane, int32_t x, int32_t y, Conn
     return found;
 }
 
-template <class Plane>
-int CountNeighbours(const Plane& plane, int32_t x, int32_t y, Connectivity connectivity) {
-    int count = 0;
-    for (const auto& [dx, dy] : StepsOf(connectivity)) count += IsSet(plane, x + dx, y + dy);
-    return count;
-}
-
 // One step of a pass, in a plane with a ring that stays.
 template <class Plane>
 bool SlowThinningStep(Plane& plane, Connectivity connectivity, const Place& side, bool removesEnds) {
@@ -107,7 +100,7 @@ Plane SlowPrune(const Plane& image, Connectivity connectivity, int64_t longest) 
         Place junction = {};
         for (int32_t y = 0; y < plane.height(); ++y)
             for (int32_t x = 0; x < plane.width(); ++x) {
-                if (!plane.bit(x, y) || CountNeighbours(plane, x, y, connectivity) != 1) continue;
+                if (!plane.bit(x, y) || SlowNeighbours(plane, x, y, connectivity).size() != 1) continue;
                 std::vector<Place> branch = {{x, y}};
                 Place at = SlowNeighbours(plane, x, y, connectivity)[0];
                 auto next = SlowNeighbours(plane, at.x, at.y, connectivity);
@@ -124,7 +117,7 @@ Plane SlowPrune(const Plane& image, Connectivity connectivity, int64_t longest) 
         if (!shortest) return plane;
         for (const auto& [x, y] : *shortest) plane.setBit(x, y, false);
         const auto [x, y] = junction;
-        if (CountNeighbours(plane, x, y, connectivity) == 2 &&
+        if (SlowNeighbours(plane, x, y, connectivity).size() == 2 &&
             SlowSimple(Ringed(plane, false, false), x + 1, y + 1, connectivity))
             plane.setBit(x, y, false);
     }

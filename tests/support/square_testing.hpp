@@ -1,8 +1,6 @@
 // Shared by the tests of 3x3 kernels.
 #pragma once
 
-#include <array>
-
 #include "filters/filter_kernels.hpp"
 #include "support/kernel_testing.hpp"
 
