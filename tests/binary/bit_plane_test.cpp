@@ -1,12 +1,7 @@
 #include "binary/bit_plane.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <new>
-#include <vector>
-
 #include "binary/binary_pictures.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -37,23 +32,13 @@ TEST(BitPlane, HoldsThePixelsAtEveryWidthAndNothingOfThePadding) {
 }
 
 TEST(BitPlane, StoresThePixelsOfARegionAndMarksItsRows) {
-    for (int32_t width = 1; width <= 140; ++width) {
-        ForEachRegion(width, 4, [&](const RegionRows& region, const std::vector<bool>& inside) {
-            BitmapStore store = NoiseBitmap(width, 4, 0.5, Padding::Noise);
-            const std::vector<bool> before = PixelsOf(store);
-            BitPlane plane(width, 4);
-            for (int32_t y = 0; y < 4; ++y)
-                for (int32_t x = 0; x < width; ++x) plane.setBit(x, y, !store.Bit(x, y));
-            Store(plane, store, region);
-            for (int32_t y = 0; y < 4; ++y) {
-                for (int32_t x = 0; x < width; ++x) {
-                    const auto i = static_cast<size_t>(y * width + x);
-                    ASSERT_EQ(before[i] != inside[i], store.Bit(x, y)) << width << ": " << x << ", " << y;
-                }
-                EXPECT_EQ(!region.row(y).empty(), store.Modified(y));
-            }
-        });
-    }
+    for (int32_t width = 1; width <= 140; ++width)
+        ExpectInRegions(
+            width, 4,
+            [&](BitmapStore& store, const RegionRows& region) {
+                Store(Opposite(BitPlane(RowsOf(store))), store, region);
+            },
+            [](int32_t x, int32_t y, const BitmapStore& before) { return !before.Bit(x, y); });
 }
 
 TEST(BitPlane, WhatCannotBeAddressedIsRefused) {

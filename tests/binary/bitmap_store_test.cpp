@@ -1,16 +1,8 @@
 #include "binary/bitmap_store.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-#include <new>
-#include <string>
-#include <vector>
-
-#include "component/failure.hpp"
 #include "support/failure_of.hpp"
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -51,19 +43,14 @@ TEST(BitmapStore, FailedCreationLeavesEverythingAsItWas) {
     store.ClearModified(1);
     const auto before = Bytes(store);
     const void* bits = store.record().bmBits;
-    const auto unchanged = [&] {
-        return store.width() == 10 && store.height() == 2 && store.record().bmBits == bits && Bytes(store) == before &&
-               store.Modified(0) && !store.Modified(1);
-    };
-    const auto message = [&](int32_t width, int32_t height) {
-        return FailureOf([&] { store.Create(width, height, true); });
-    };
     for (const int32_t bad : {0, -1, kLeast}) {
-        EXPECT_EQ("CBITMAP::Create: width must be positive", message(bad, bad));
-        EXPECT_EQ("CBITMAP::Create: height must be positive", message(1, bad));
+        EXPECT_EQ("CBITMAP::Create: width must be positive", FailureOf([&] { store.Create(bad, bad, true); }));
+        EXPECT_EQ("CBITMAP::Create: height must be positive", FailureOf([&] { store.Create(1, bad, true); }));
     }
     EXPECT_THROW(store.Create(kMost, kMost, true), std::bad_alloc);  // 2^59 bytes
-    EXPECT_TRUE(unchanged());
+    EXPECT_TRUE(store.width() == 10 && store.height() == 2 && store.record().bmBits == bits);
+    EXPECT_EQ(before, Bytes(store));
+    EXPECT_TRUE(store.Modified(0) && !store.Modified(1));
 }
 
 TEST(BitmapStore, TheIndexHoldsOffsetsInsideTheBitmap) {

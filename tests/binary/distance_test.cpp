@@ -1,18 +1,10 @@
 #include "binary/distance.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <utility>
-#include <vector>
-
-#include "binary/plane_pictures.hpp"
+#include "binary/binary_pictures.hpp"
 #include "binary/watershed.hpp"
 #include "support/slow_distance.hpp"
+#include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -31,8 +23,7 @@ TEST(Distances, AreTheSmallestOfAll) {
     ForEachPlaneOfAnyWidth(ExpectDistances);
     // A single background pixel; none is tried with the small sizes.
     for (const auto& [x, y] : {std::pair{0, 0}, std::pair{39, 0}, std::pair{17, 8}, std::pair{39, 22}}) {
-        BitPlane image(40, 23);
-        for (int32_t row = 0; row < 23; ++row) SetRun(image.row(row), {0, 39});
+        BitPlane image = Opposite(BitPlane(40, 23));
         image.setBit(x, y, false);
         ExpectDistances(image);
     }
@@ -46,8 +37,8 @@ TEST(Distances, BeyondInt32AreExact) {
     EXPECT_FALSE(DistancesFitInt32(INT32_MAX, INT32_MAX));
     for (const bool across : {false, true}) {
         constexpr int32_t kLength = 100000;
-        BitPlane image(across ? kLength : 1, across ? 1 : kLength);
-        for (int32_t i = 1; i < kLength; ++i) image.setBit(across ? i : 0, across ? 0 : i, true);
+        BitPlane image = Opposite(BitPlane(across ? kLength : 1, across ? 1 : kLength));
+        image.setBit(0, 0, false);
         const std::vector<int64_t> distances = SquaredDistances<int64_t>(image);
         for (int64_t i = 0; i < kLength; ++i) ASSERT_EQ(i * i, distances[static_cast<size_t>(i)]);
         BitPlane end(image.width(), image.height());
@@ -78,67 +69,36 @@ TEST(Watershed, MaximaAndSplitEqualTheirSlowDefinitions) {
     }
     ExpectMaximaAndSplit(BitPlane(), {});
     // Thin components in one another, which share a grid, with compact ones between them.
-    BitPlane rings = DiskPlane(60, 60, 40, 4, 1);
-    for (int32_t y = 0; y < 60; ++y)
-        for (int32_t x = 0; x < 60; ++x) {
-            const int32_t ring = std::min({x, y, 59 - x, 59 - y});
-            if (ring % 10 < 4) rings.setBit(x, y, ring % 10 == 1 || (ring % 20 == 2 && x > 30));
-        }
+    const BitPlane disks = DiskPlane(60, 60, 40, 4, 1);
+    const auto rings = EachPixel<BitPlane>(60, 60, [&](int32_t x, int32_t y) {
+        const int32_t ring = std::min({x, y, 59 - x, 59 - y});
+        return ring % 10 < 4 ? ring % 10 == 1 || (ring % 20 == 2 && x > 30) : disks.bit(x, y);
+    });
+    ExpectMaximaAndSplit(DiskPlane(200, 130, 60, 20, 3), {1, 0});
     for (const SplitDepth& depth : kDepths) {
         ExpectMaximaAndSplit(rings, depth);
         ExpectMaximaAndSplit(DiskPlane(50, 50, 30, 9, 1), depth);
     }
 }
 
-TEST(Watershed, PartsAreNotConnectedAndLinesAreThin) {
-    const BitPlane image = DiskPlane(600, 400, 400, 25, 3);
-    for (const Connectivity connectivity : kConnectivities) {
-        const BitPlane split = WatershedSplit(image, connectivity, {1, 0});
-        const SlowComponents parts(split, connectivity);
-        EXPECT_GT(parts.pixels.size(), SlowComponents(image, connectivity).pixels.size() + 20);
-        for (int32_t y = 0; y < image.height(); ++y)
-            for (int32_t x = 0; x < image.width(); ++x) {
-                if (split.bit(x, y) || !image.bit(x, y)) continue;
-                int first = -1;
-                bool touchesTwo = false;
-                for (const auto& [dx, dy] : StepsOf(connectivity)) {
-                    if (!IsSet(split, x + dx, y + dy)) continue;
-                    const int part = parts.At(x + dx, y + dy);
-                    if (first < 0) first = part;
-                    touchesTwo |= part != first;
-                }
-                EXPECT_TRUE(touchesTwo) << x << ", " << y;
-            }
-    }
+size_t PartsOf(const BitPlane& image, const SplitDepth& depth) {
+    return SlowComponents(WatershedSplit(image, Connectivity::Eight, depth), Connectivity::Eight).pixels.size();
 }
 
 // Two disks of radius 20 whose centres are 34 apart: the neck is 10 or 11 from the middle to either side.
 TEST(Watershed, SplitsWhereTheNeckIsNarrowEnough) {
-    BitPlane image(90, 50);
-    for (int32_t y = 0; y < 50; ++y)
-        for (int32_t x = 0; x < 90; ++x) {
-            const int32_t dx = std::min(std::abs(x - 27), std::abs(x - 61));
-            image.setBit(x, y, dx * dx + (y - 25) * (y - 25) <= 400);
-        }
-    const auto parts = [&](const SplitDepth& depth) {
-        return SlowComponents(WatershedSplit(image, Connectivity::Eight, depth), Connectivity::Eight).pixels.size();
-    };
-    EXPECT_EQ(2u, parts({2, 0}));
-    EXPECT_EQ(2u, parts({9, 0}));
-    EXPECT_EQ(1u, parts({11, 0}));
-    EXPECT_EQ(2u, parts({0, 0.4}));
-    EXPECT_EQ(1u, parts({0, 0.6}));
-    const BitPlane split = WatershedSplit(image, Connectivity::Eight, {2, 0});
-    for (int32_t y = 0; y < 50; ++y)
-        for (int32_t x = 0; x < 90; ++x) EXPECT_EQ(image.bit(x, y) && x != 44, split.bit(x, y)) << x << ", " << y;
-
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(image, WatershedSplit(image, Connectivity::Eight, {kInfinity, 0}));
-    EXPECT_EQ(image, WatershedSplit(image, Connectivity::Eight, {kInfinity, kInfinity}));
-    EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}), WatershedSplit(image, Connectivity::Eight, {kNan, -1}));
-    EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}),
-              WatershedSplit(image, Connectivity::Eight, {-kInfinity, kNan}));
+    const auto image = EachPixel<BitPlane>(90, 50, [](int32_t x, int32_t y) {
+        const int32_t dx = std::min(std::abs(x - 27), std::abs(x - 61));
+        return dx * dx + (y - 25) * (y - 25) <= 400;
+    });
+    for (const SplitDepth& depth : {SplitDepth{2, 0}, {9, 0}, {0, 0.4}}) EXPECT_EQ(2u, PartsOf(image, depth));
+    for (const SplitDepth& depth : {SplitDepth{11, 0}, {0, 0.6}}) EXPECT_EQ(1u, PartsOf(image, depth));
+    const auto line = EachPixel<BitPlane>(90, 50, [&](int32_t x, int32_t y) { return image.bit(x, y) && x != 44; });
+    EXPECT_EQ(line, WatershedSplit(image, Connectivity::Eight, {2, 0}));
+    for (const SplitDepth& depth : {SplitDepth{kInfinity, 0}, {kInfinity, kInfinity}})
+        EXPECT_EQ(image, WatershedSplit(image, Connectivity::Eight, depth));
+    for (const SplitDepth& depth : {SplitDepth{kNaN, -1}, {-kInfinity, kNaN}})
+        EXPECT_EQ(WatershedSplit(image, Connectivity::Eight, {}), WatershedSplit(image, Connectivity::Eight, depth));
 }
 
 // Whether a pixel lies in an ellipse of the given half axes, turned by 30 degrees.
@@ -164,12 +124,8 @@ TEST(Watershed, TheUsualDepthSplitsNoSmoothParticleAndFindsNecks) {
                     pair.setBit(u, v,
                                 InEllipse(dx - apart, dy, radius, radius) || InEllipse(dx + apart, dy, radius, radius));
                 }
-            const auto parts = [](const BitPlane& image) {
-                const BitPlane split = WatershedSplit(image, Connectivity::Eight, kUsualSplitDepth);
-                return SlowComponents(split, Connectivity::Eight).pixels.size();
-            };
-            EXPECT_EQ(1u, parts(single)) << radius << " " << longer;
-            EXPECT_EQ(2u, parts(pair)) << radius;
+            EXPECT_EQ(1u, PartsOf(single, kUsualSplitDepth)) << radius << " " << longer;
+            EXPECT_EQ(2u, PartsOf(pair, kUsualSplitDepth)) << radius;
         }
 }
 

@@ -1,12 +1,8 @@
 #include "binary/drawing.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <vector>
-
 #include "binary/binary_pictures.hpp"
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -36,14 +32,6 @@ void ExpectDrawn(int32_t width, int32_t height, Draw draw, Inside inside) {
 
 // --------------------------------------------------------------------------------------------------------------- spans
 
-TEST(DrawRow, SetsTheBitsFromLeftToRight) {
-    BitmapStore bitmap = Bitmap(24, 1);
-    EXPECT_EQ(Drawing::Drawn, DrawRow(bitmap, 0, {3, 7}, DT_On));
-    DrawRow(bitmap, 0, {6, 17}, DT_Xor);
-    DrawRow(bitmap, 0, {5, 16}, DT_Off);
-    EXPECT_EQ((std::vector<uint8_t>{0x18, 0, 0x40, 0}), std::vector<uint8_t>(bitmap.Row(0), bitmap.Row(0) + 4));
-}
-
 // By DrawRectangle, or by DrawRow as a rectangle of one row.
 using DrawBox = Drawing (*)(BitmapStore&, int32_t left, int32_t top, int32_t right, int32_t bottom, DrawType how);
 Drawing DrawRowAsBox(BitmapStore& bitmap, int32_t left, int32_t top, int32_t right, int32_t, DrawType how) {
@@ -65,17 +53,6 @@ TEST(DrawRow, DrawsEverySpanOfEveryWidthAndNothingElse) {
             ExpectBox(&DrawRowAsBox, 265, 1, left, 0, right, 0);
 }
 
-TEST(DrawRow, ASpanBesideTheBitmapMisses) {
-    BitmapStore bitmap = Bitmap(10, 3);
-    for (int32_t y = 0; y < 3; ++y) bitmap.ClearModified(y);
-    for (const int32_t row : {-1, 3, kLeast, kMost}) EXPECT_EQ(Drawing::Missed, DrawRow(bitmap, row, {0, 9}, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRow(bitmap, 1, {10, 13}, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRow(bitmap, 1, {kLeast, -1}, DT_On));
-    EXPECT_EQ(std::vector<bool>(30), PixelsOf(bitmap));
-    for (int32_t y = 0; y < 3; ++y) EXPECT_FALSE(bitmap.Modified(y));
-    EXPECT_EQ(Drawing::Drawn, DrawRow(bitmap, 1, {kLeast, kMost}, DT_On));
-}
-
 // ---------------------------------------------------------------------------------------------------------- rectangles
 
 TEST(DrawRectangle, DrawsThePixelsBetweenItsEndsWhereverTheyLie) {
@@ -84,19 +61,6 @@ TEST(DrawRectangle, DrawsThePixelsBetweenItsEndsWhereverTheyLie) {
             for (const int32_t top : {kLeast, -1, 0, 4, 6})
                 for (const int32_t bottom : {top, 2, 6, kMost})
                     ExpectBox(&DrawRectangle, 11, 7, left, top, right, bottom);
-}
-
-TEST(DrawRectangle, SaysWhetherItMissesOrHasEmptySpans) {
-    BitmapStore bitmap = Bitmap(10, 8);
-    EXPECT_EQ(Drawing::Missed, DrawRectangle(bitmap, 0, -5, 9, -1, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRectangle(bitmap, 0, 8, 9, 9, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRectangle(bitmap, 10, 0, 12, 7, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRectangle(bitmap, -9, 0, -1, 7, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRectangle(bitmap, 12, 0, 5, 7, DT_On));
-    EXPECT_EQ(Drawing::WithEmptySpans, DrawRectangle(bitmap, 8, 2, 3, 4, DT_On));
-    EXPECT_EQ(Drawing::Drawn, DrawRectangle(bitmap, 8, 4, 3, 2, DT_On));  // no rows at all
-    EXPECT_EQ(Drawing::Drawn, DrawRectangle(bitmap, 3, 4, 8, 2, DT_On));
-    EXPECT_EQ(std::vector<bool>(80), PixelsOf(bitmap));
 }
 
 // --------------------------------------------------------------------------------------------------------------- disks
@@ -116,44 +80,17 @@ TEST(DrawDisk, DrawsThePixelCentresWithinTheRadius) {
                     });
 }
 
-TEST(DrawDisk, EmptyRowsBetweenPixelCentresDrawNothingAndSaySo) {
-    BitmapStore bitmap = Bitmap(12, 12);
-    EXPECT_EQ(Drawing::WithEmptySpans, DrawDisk(bitmap, {5.5, 5.5, 0.5}, DT_On));
-    EXPECT_EQ(std::vector<bool>(144), PixelsOf(bitmap));
-    EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, 0}, DT_On));
-    EXPECT_TRUE(bitmap.Bit(5, 5));
-    // The empty row, -1 or 12, is none of the bitmap's.
-    for (const double y : {-0.2, 11.2}) EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5.5, y, 0.9}, DT_On));
-}
-
-TEST(DrawDisk, NegativeRadiiDrawNothingHoweverSmall) {
-    BitmapStore bitmap = Bitmap(12, 12);
-    for (const double radius : {-1.0, -0.5, -1e-17, -1e300})
-        for (const double centre : {5.0, 5.5}) DrawDisk(bitmap, {centre, centre, radius}, DT_On);
-    EXPECT_EQ(std::vector<bool>(144), PixelsOf(bitmap));
-    EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, -1}, DT_On));
-}
-
 TEST(DrawDisk, HugeDisksAreClippedBeforeTheyAreDrawn) {
     BitmapStore bitmap = Bitmap(12, 12);
     EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, kInfinity}, DT_On));
-    EXPECT_EQ(std::vector<bool>(144, true), PixelsOf(bitmap));
+    EXPECT_EQ(Opposite(BitPlane(12, 12)), BitPlane(RowsOf(bitmap)));
     EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, 1e300}, DT_Xor));
-    EXPECT_EQ(std::vector<bool>(144), PixelsOf(bitmap));
+    EXPECT_EQ(BitPlane(12, 12), BitPlane(RowsOf(bitmap)));
     // A disk of a thousand million pixels, tangent to the left of column 3.
     DrawDisk(bitmap, {1e9 + 3, 5, 1e9}, DT_On);
     EXPECT_FALSE(bitmap.Bit(2, 5));
     EXPECT_TRUE(bitmap.Bit(3, 5));
     EXPECT_TRUE(bitmap.Bit(11, 11));
-}
-
-TEST(DrawDisk, DisksBesideTheBitmapAndThoseOfNoNumbersMiss) {
-    BitmapStore bitmap = Bitmap(12, 12);
-    std::vector<Disk> disks = {{5, -3, 2.9}, {5, 14, 2.9}, {-3, 5, 1.9}, {14, 5, 1.9}, {5, 5, kNaN}};
-    for (const double bad : {kNaN, kInfinity, -kInfinity})
-        disks.insert(disks.end(), {{bad, 5, 3}, {5, bad, 3}, {bad, bad, kInfinity}});
-    for (const Disk& disk : disks) EXPECT_EQ(Drawing::Missed, DrawDisk(bitmap, disk, DT_On));
-    EXPECT_EQ(std::vector<bool>(144), PixelsOf(bitmap));
 }
 
 // --------------------------------------------------------------------------------------------------------------- lines
@@ -172,13 +109,53 @@ TEST(DrawLine, CombinesEachOfItsPixelsOnce) {
             10, 5, [line = line](BitmapStore& bitmap, DrawType how) { DrawLine(bitmap, line, how); }, inside);
 }
 
-TEST(Drawing, IntoAStoreWithoutPixelsDoesNothing) {
-    BitmapStore bitmap;
-    EXPECT_EQ(Drawing::Missed, DrawRow(bitmap, 0, {0, 0}, DT_On));
-    EXPECT_EQ(Drawing::Missed, DrawRectangle(bitmap, 0, 0, 1, 1, DT_On));
-    EXPECT_EQ(Drawing::Drawn, DrawRectangle(bitmap, -1, -1, 1, 1, DT_On));
-    DrawDisk(bitmap, {0, 0, 5}, DT_On);
-    DrawLine(bitmap, {0, 0, 5, 5}, DT_On);
+// ------------------------------------------------------------------------------------- what is said of empty drawings
+
+Drawing DrawnRow(BitmapStore& bitmap, int32_t row, int32_t left, int32_t right) {
+    return DrawRow(bitmap, row, {left, right}, DT_On);
+}
+Drawing DrawnBox(BitmapStore& bitmap, int32_t left, int32_t top, int32_t right, int32_t bottom) {
+    return DrawRectangle(bitmap, left, top, right, bottom, DT_On);
+}
+
+TEST(Drawing, SaysWhetherItMissesOrHasEmptySpansAndDrawsNothingThen) {
+    BitmapStore bitmap = Bitmap(12, 10);
+    for (const int32_t row : {-1, 10, kLeast, kMost}) EXPECT_EQ(Drawing::Missed, DrawnRow(bitmap, row, 0, 9));
+    EXPECT_EQ(Drawing::Missed, DrawnRow(bitmap, 1, 12, 13));
+    EXPECT_EQ(Drawing::Missed, DrawnRow(bitmap, 1, kLeast, -1));
+
+    EXPECT_EQ(Drawing::Missed, DrawnBox(bitmap, 0, -5, 9, -1));
+    EXPECT_EQ(Drawing::Missed, DrawnBox(bitmap, 0, 10, 9, 11));
+    EXPECT_EQ(Drawing::Missed, DrawnBox(bitmap, 12, 0, 14, 7));
+    EXPECT_EQ(Drawing::Missed, DrawnBox(bitmap, -9, 0, -1, 7));
+    EXPECT_EQ(Drawing::Missed, DrawnBox(bitmap, 14, 0, 5, 7));
+    EXPECT_EQ(Drawing::WithEmptySpans, DrawnBox(bitmap, 8, 2, 3, 4));
+    EXPECT_EQ(Drawing::Drawn, DrawnBox(bitmap, 8, 4, 3, 2));  // no rows at all
+    EXPECT_EQ(Drawing::Drawn, DrawnBox(bitmap, 3, 4, 8, 2));
+
+    std::vector<Disk> beside = {{5, -3, 2.9}, {5, 12, 2.9}, {-3, 5, 1.9}, {14, 5, 1.9}, {5, 5, kNaN}};
+    for (const double bad : {kNaN, kInfinity, -kInfinity})
+        beside.insert(beside.end(), {{bad, 5, 3}, {5, bad, 3}, {bad, bad, kInfinity}});
+    for (const Disk& disk : beside) EXPECT_EQ(Drawing::Missed, DrawDisk(bitmap, disk, DT_On));
+    EXPECT_EQ(Drawing::WithEmptySpans, DrawDisk(bitmap, {5.5, 5.5, 0.5}, DT_On));  // between the centres of pixels
+    // Negative radii, however small.
+    for (const double radius : {-1.0, -0.5, -1e-17, -1e300})
+        for (const double centre : {5.0, 5.5}) DrawDisk(bitmap, {centre, centre, radius}, DT_On);
+    EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, -1}, DT_On));
+
+    EXPECT_EQ(BitPlane(12, 10), BitPlane(RowsOf(bitmap)));
+    for (int32_t y = 0; y < 10; ++y) EXPECT_FALSE(bitmap.Modified(y)) << y;
+    EXPECT_EQ(Drawing::Drawn, DrawnRow(bitmap, 1, kLeast, kMost));
+    EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5, 5, 0}, DT_On));
+    // The empty row, -1 or 10, is none of the bitmap's.
+    for (const double y : {-0.2, 9.2}) EXPECT_EQ(Drawing::Drawn, DrawDisk(bitmap, {5.5, y, 0.9}, DT_On));
+
+    BitmapStore none;
+    EXPECT_EQ(Drawing::Missed, DrawnRow(none, 0, 0, 0));
+    EXPECT_EQ(Drawing::Missed, DrawnBox(none, 0, 0, 1, 1));
+    EXPECT_EQ(Drawing::Drawn, DrawnBox(none, -1, -1, 1, 1));
+    DrawDisk(none, {0, 0, 5}, DT_On);
+    DrawLine(none, {0, 0, 5, 5}, DT_On);
 }
 
 }  // namespace

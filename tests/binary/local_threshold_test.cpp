@@ -1,16 +1,8 @@
 #include "binary/local_threshold.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <type_traits>
-#include <vector>
-
+#include "binary/binary_pictures.hpp"
 #include "support/kernel_testing.hpp"
+#include "support/special_numbers.hpp"
 
 namespace orlix {
 namespace {
@@ -54,11 +46,10 @@ bool SlowPixel(const PixelView<const T>& image, const LocalThreshold& threshold,
 
 template <class T>
 class LocalThresholds : public testing::Test {};
-TYPED_TEST_SUITE(LocalThresholds, PixelTypes);
+TYPED_TEST_SUITE(LocalThresholds, PixelTypes, );
 
 TYPED_TEST(LocalThresholds, EqualTheirDefinition) {
     using T = TypeParam;
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     std::mt19937 random(1);
     const auto below = [&](uint32_t n) { return static_cast<int32_t>(random() % n); };
     for (int trial = 0; trial < 140; ++trial) {
@@ -77,13 +68,10 @@ TYPED_TEST(LocalThresholds, EqualTheirDefinition) {
         const LocalThreshold threshold = {trial % 7 == 0 ? INT32_MAX : below(13),
                                           kContrasts[static_cast<size_t>(below(11))],
                                           kOffsets[static_cast<size_t>(below(12))], below(2) == 0};
-        BitPlane plane(picture.width, picture.height);
-        for (int32_t y = 0; y < picture.height; ++y)
-            for (int32_t x = 0; x < picture.width; ++x) plane.setBit(x, y, below(2) == 0);
-        BitPlane expected = plane;
-        for (int32_t y = 0; y < picture.height; ++y)
-            for (int32_t x = 0; x < picture.width; ++x)
-                expected.setBit(x, y, SlowPixel(picture.view(), threshold, x, y, plane.bit(x, y)));
+        BitPlane plane = NoisePlane(picture.width, picture.height, 0.5, static_cast<uint32_t>(trial));
+        const auto expected = EachPixel<BitPlane>(picture.width, picture.height, [&](int32_t x, int32_t y) {
+            return SlowPixel(picture.view(), threshold, x, y, plane.bit(x, y));
+        });
         ThresholdLocally(picture.view(), threshold, plane);
         ASSERT_EQ(expected, plane) << picture.width << " x " << picture.height << ", radius " << threshold.radius
                                    << ", contrast " << threshold.contrast << ", offset " << threshold.offset;

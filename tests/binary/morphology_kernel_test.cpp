@@ -1,10 +1,5 @@
 #include "binary/morphology_kernels.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <vector>
-
 #include "support/kernel_testing.hpp"
 
 namespace orlix {

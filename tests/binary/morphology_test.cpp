@@ -1,20 +1,11 @@
 #include "binary/morphology.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <functional>
-#include <utility>
-#include <vector>
-
 #include "binary/binary_pictures.hpp"
 #include "binary/morphology_sweep.hpp"
-#include "binary/plane_pictures.hpp"
 #include "component/failure.hpp"
 #include "geometry/structuring_element.hpp"
 #include "support/slow_morphology.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -30,78 +21,53 @@ void ExpectMorphology(int32_t width, int32_t height, const Offsets& offsets, con
     const double part = 1 / (1 + static_cast<double>(offsets.size()) * std::max(1, times * times));
     for (const Morphology operation : kMorphology)
         for (const double density : {part, 1 - part}) {
-            const auto seed = static_cast<uint32_t>(width);
-            BitmapStore source = NoiseBitmap(width, height, density, Padding::Set, seed);
+            SCOPED_TRACE(testing::Message() << width << " x " << height << ", operation " << int(operation));
+            BitmapStore source = NoiseBitmap(width, height, density, Padding::Set, static_cast<uint32_t>(width));
             const BitPlane want = SlowMorphology(BitPlane(RowsOf(source)), offsets, operation, times);
-            ForEachRegion(width, height, [&](const RegionRows& region, const std::vector<bool>& inside) {
-                BitmapStore to = NoiseBitmap(width, height, 0.5, Padding::Noise, 7);
-                const std::vector<bool> before = PixelsOf(to);
-                apply(RowsOf(source), operation, to, region);
-                const std::vector<bool> got = PixelsOf(to);
-                for (size_t i = 0; i < got.size(); ++i) {
-                    const auto x = static_cast<int32_t>(i) % width, y = static_cast<int32_t>(i) / width;
-                    ASSERT_EQ(inside[i] ? want.bit(x, y) : before[i], got[i])
-                        << width << " x " << height << ", pixel " << i << ", operation " << int(operation);
-                }
-                for (int32_t y = 0; y < height; ++y) EXPECT_EQ(!region.row(y).empty(), to.Modified(y));
-            });
+            ExpectInRegions(
+                width, height,
+                [&](BitmapStore& to, const RegionRows& region) { apply(RowsOf(source), operation, to, region); },
+                [&](int32_t x, int32_t y, const BitmapStore&) { return want.bit(x, y); });
             apply(RowsOf(source), operation, source, RegionRows(nullptr, width, height));
-            ASSERT_EQ(want, BitPlane(RowsOf(source))) << width << " x " << height << ", operation " << int(operation);
+            ASSERT_EQ(want, BitPlane(RowsOf(source)));
         }
 }
 
+// So many times are as many as `effective`.
+void ExpectSquares(int32_t width, int32_t height, Connectivity neighbours, int32_t times, int32_t effective) {
+    ExpectMorphology(
+        width, height, NeighboursAnd(neighbours),
+        [&](auto& from, auto how, auto& to, auto& region) { ApplySquare(from, how, neighbours, times, to, region); },
+        effective);
+}
+
 TEST(BinaryMorphology, SquaresAndDiamondsAtEveryWidth) {
-    for (int32_t width = 1; width <= 70; ++width) {
-        const int32_t height = 1 + width % 9, times = 1 + width % 6, many = width % 10 == 0 ? 25 : times;
-        ExpectMorphology(width, height, RectangleOf(-1, -1, 1, 1), [](auto& from, auto how, auto& to, auto& region) {
-            ApplySquare(from, how, Connectivity::Eight, 1, to, region);
-        });
-        ExpectMorphology(width, height, NeighboursAnd(Connectivity::Four),
-                         [](auto& from, auto how, auto& to, auto& region) {
-                             ApplySquare(from, how, Connectivity::Four, 1, to, region);
-                         });
-        for (const Connectivity neighbours : {Connectivity::Four, Connectivity::Eight})
-            ExpectMorphology(
-                width, height, NeighboursAnd(neighbours),
-                [&, n = neighbours == Connectivity::Four ? many : times](auto& from, auto how, auto& to, auto& region) {
-                    ApplySquare(from, how, neighbours, n, to, region);
-                },
-                neighbours == Connectivity::Four ? many : times);
-    }
+    for (int32_t width = 1; width <= 70; ++width)
+        for (const Connectivity neighbours : kConnectivities)
+            for (const int32_t times : {1, neighbours == Connectivity::Four && width % 10 == 0 ? 25 : 1 + width % 6})
+                ExpectSquares(width, 1 + width % 9, neighbours, times, times);
 }
 
 TEST(BinaryMorphology, ManyTimesAreAsManyAsTheBitmapIsLong) {
-    for (const Connectivity neighbours : {Connectivity::Four, Connectivity::Eight})
-        for (const int32_t times : {40, 100000, INT32_MAX})
-            ExpectMorphology(
-                23, 9, NeighboursAnd(neighbours),
-                [&](auto& from, auto how, auto& to, auto& region) {
-                    ApplySquare(from, how, neighbours, times, to, region);
-                },
-                40);
-    for (const int32_t times : {0, -1, INT32_MIN})
-        ExpectMorphology(
-            23, 9, NeighboursAnd(Connectivity::Four),
-            [&](auto& from, auto how, auto& to, auto& region) {
-                ApplySquare(from, how, Connectivity::Four, times, to, region);
-            },
-            0);
+    for (const Connectivity neighbours : kConnectivities)
+        for (const int32_t times : {40, 100000, INT32_MAX}) ExpectSquares(23, 9, neighbours, times, 40);
+    for (const int32_t times : {0, -1, INT32_MIN}) ExpectSquares(23, 9, Connectivity::Four, times, 0);
 }
 
 // Windows of even length reach farther to the right and down.
 TEST(BinaryMorphology, RectanglesAtEveryWidth) {
-    constexpr std::pair<int32_t, int32_t> kSizes[] = {{1, 1},  {2, 1},  {1, 2},  {4, 3},  {16, 2},
-                                                      {17, 5}, {9, 6},  {25, 1}, {31, 4}, {48, 20},
-                                                      {1, 9},  {60, 1}, {41, 2}, {33, 1}, {INT32_MAX, INT32_MAX}};
+    struct Size {
+        int32_t width, height;
+    };
+    constexpr Size kSizes[] = {{1, 1},  {2, 1},  {1, 2},  {4, 3},  {16, 2},
+                               {17, 5}, {9, 6},  {25, 1}, {31, 4}, {48, 20},
+                               {1, 9},  {60, 1}, {41, 2}, {33, 1}, {INT32_MAX, INT32_MAX}};
     for (int32_t width = 1; width <= 70; ++width)
-        for (size_t i = static_cast<size_t>(width) % 3; i < std::size(kSizes); i += 3) {
-            const auto [w, h] = kSizes[i];
-            const int32_t height = 1 + width % 11;
-            ExpectMorphology(width, height, Window(w, h, width, height),
-                             [&, rectangle = kSizes[i]](auto& from, auto how, auto& to, auto& region) {
-                                 ApplyRectangle(from, how, rectangle.first, rectangle.second, to, region);
+        for (size_t i = static_cast<size_t>(width) % 3; i < std::size(kSizes); i += 3)
+            ExpectMorphology(width, 1 + width % 11, Window(kSizes[i].width, kSizes[i].height, width, 1 + width % 11),
+                             [size = kSizes[i]](auto& from, auto how, auto& to, auto& region) {
+                                 ApplyRectangle(from, how, size.width, size.height, to, region);
                              });
-        }
 }
 
 Offsets OffsetsOf(const std::vector<SElement>& elements) {
@@ -183,13 +149,13 @@ TEST(BinaryMorphology, AnElementOfTooManyRunsIsRefusedAtOnce) {
     for (LONG y = 0; y < 1500; ++y)
         for (LONG x = 0; x < 1500; ++x) grid.push_back({2 * x, 2 * y, 0, 0});
     BitmapStore bitmap = NoiseBitmap(3000, 3000, 0.5, Padding::Clear);
-    const std::vector<bool> before = PixelsOf(bitmap);
+    const BitPlane before(RowsOf(bitmap));
     const RegionRows all(nullptr, 3000, 3000);
     EXPECT_THROW(ApplyElement(RowsOf(bitmap), Morphology::Erosion, grid, bitmap, all), MethodFailure);
     ElementRuns longRuns;  // few, but each takes a dozen steps to be made
     for (int32_t y = -2999; y < 3000; ++y) longRuns.push_back({y, std::max(0, y), 2999 + std::min(0, y)});
-    EXPECT_THROW(Dilated(BitPlane(RowsOf(bitmap)), longRuns), MethodFailure);
-    EXPECT_EQ(before, PixelsOf(bitmap));
+    EXPECT_THROW(Dilated(before, longRuns), MethodFailure);
+    EXPECT_EQ(before, BitPlane(RowsOf(bitmap)));
 }
 
 // Rows of 13 bytes in the memory of rows of 14.

@@ -1,23 +1,12 @@
 #include "binary/neighbourhood_table.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <random>
-#include <vector>
-
+#include "binary/binary_pictures.hpp"
 #include "binary/plane_kernels.hpp"
-#include "binary/plane_pictures.hpp"
 #include "support/kernel_testing.hpp"
 #include "support/slow_morphology.hpp"
 
 namespace orlix {
 namespace {
-
-bool PixelAt(const BitPlane& plane, int64_t x, int64_t y) {
-    return x >= 0 && x < plane.width() && y >= 0 && y < plane.height() &&
-           plane.bit(static_cast<int32_t>(x), static_cast<int32_t>(y));
-}
 
 template <class Rule>
 NeighbourhoodTable TableOf(const Rule& rule) {
@@ -53,17 +42,6 @@ TEST(NeighbourhoodTable, EveryWidthAndAnyTable) {
     const BitPlane want = SlowTablePass(wide, kLife);
     ApplyTable(wide, kLife, 1);
     EXPECT_EQ(want, wide);
-}
-
-TEST(NeighbourhoodTable, EachOfTheNinePixelsHasItsBit) {
-    for (size_t pixel = 0; pixel < 9; ++pixel) {
-        BitPlane plane = NoisePlane(70, 9, 0.5, 1);
-        const BitPlane before = plane;
-        ApplyTable(plane, TableOf([&](size_t index) { return Set(index, pixel); }), 1);
-        const auto dx = static_cast<int64_t>(pixel % 3) - 1, dy = static_cast<int64_t>(pixel / 3) - 1;
-        for (int32_t y = 0; y < 9; ++y)
-            for (int32_t x = 0; x < 70; ++x) ASSERT_EQ(PixelAt(before, x + dx, y + dy), plane.bit(x, y)) << pixel;
-    }
 }
 
 // Rows are visited again only after a change next to them; the result must not depend on it.
@@ -131,44 +109,28 @@ TEST(NeighbourhoodTable, ProgramsAreShort) {
 TEST(PlaneKernel, EveryVariantEqualsTheDefinition) {
     for (const size_t n : kAwkwardSizes) {
         const std::vector<uint64_t> from = Noise<uint64_t>(n + 1, 1), to = Noise<uint64_t>(n, 2);
-        const auto each = [&](const auto& table, const auto& call) {
-            std::vector<uint64_t> want = to;
-            call(std::end(table)[-1].fn, want.data());
-            for (const auto& variant : SupportedOnThisCpu(table)) {
-                Guarded<uint64_t> got(to, n % 3);
-                call(variant.fn, got.data());
-                EXPECT_TRUE(SameBits(want.data(), got.data(), n)) << variant.name;
-                EXPECT_TRUE(got.GuardsIntact()) << variant.name;
-            }
-        };
-        each(kOrWords, [&](OrWordsFn fn, uint64_t* words) { fn(words, from.data() + 1, n); });
+        ExpectTheBits(kOrWords, to, [&](OrWordsFn fn, uint64_t* words) { fn(words, from.data() + 1, n); });
         for (const int bits : {1, 7, 32, 63})
-            each(kOrMoved, [&](OrMovedFn fn, uint64_t* words) { fn(words, from.data() + 1, n, bits); });
+            ExpectTheBits(kOrMoved, to, [&](OrMovedFn fn, uint64_t* words) { fn(words, from.data() + 1, n, bits); });
     }
     const TableChoice choices[] = {{3, 0, 1}, {8, 2, 0}, {0, 3, 2}, {8, 1, 4}};
     const std::vector<uint64_t> noise = Noise<uint64_t>(sizeof(ChoiceWords) / 8, 3);
-    const auto run = [&](ChooseWordsFn fn) {
+    ExpectTheBits(kChooseWords, std::vector<uint64_t>(7 * kChoiceWords), [&](ChooseWordsFn fn, uint64_t* values) {
         ChoiceWords words;
         std::memcpy(&words, noise.data(), sizeof words);
         fn(choices, std::size(choices), words);
-        std::vector<uint64_t> values(7 * kChoiceWords);
-        std::memcpy(values.data(), words.values, values.size() * sizeof(uint64_t));
-        return values;
-    };
-    for (const auto& variant : SupportedOnThisCpu(kChooseWords))
-        EXPECT_EQ(run(ChooseWords_scalar), run(variant.fn)) << variant.name;
+        std::memcpy(values, words.values, 7 * kChoiceWords * sizeof(uint64_t));
+    });
 }
 
-// The upper left corners of squares: set to the right and below, clear to the left and above.
-TEST(HitOrMiss, FindsCornersUpToTheEdge) {
-    BitPlane plane(70, 12);
-    for (const auto& [left, top] : {std::pair{0, 0}, {30, 4}, {62, 9}})
-        for (int32_t y = top; y < top + 3; ++y)
-            for (int32_t x = left; x < left + 4; ++x) plane.setBit(x, y, true);
-    BitPlane want(70, 12);
-    for (const auto& [left, top] : {std::pair{0, 0}, {30, 4}, {62, 9}}) want.setBit(left, top, true);
-    EXPECT_EQ(want, HitOrMiss(plane, {{0, 0, 1}, {1, 0, 0}}, {{-1, 0, 0}, {0, -1, -1}}));
-    EXPECT_EQ(plane, HitOrMiss(plane, {{0, 0, 0}}, {}));
+TEST(HitOrMiss, EqualsItsDefinitionAtEveryWidth) {
+    for (int32_t width = 1; width <= 70; ++width) {
+        const BitPlane plane = NoisePlane(width, 1 + width % 7, 0.5, static_cast<uint32_t>(width));
+        ASSERT_EQ(SlowHitOrMiss(plane, {{0, 0}, {1, 0}, {0, 1}}, {{-1, 0}, {-1, -1}, {0, -1}}),
+                  HitOrMiss(plane, {{0, 0, 1}, {1, 0, 0}}, {{-1, -1, 0}, {0, -1, -1}}))
+            << width;
+        EXPECT_EQ(plane, HitOrMiss(plane, {{0, 0, 0}}, {}));
+    }
 }
 
 TEST(BoundaryOf, PixelsWithANeighbourOfTheOtherKind) {

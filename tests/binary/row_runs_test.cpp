@@ -1,12 +1,7 @@
 #include "binary/row_runs.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <random>
-#include <vector>
-
 #include "binary/binary_pictures.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -46,11 +41,11 @@ TEST(RowRuns, AreThoseOfEveryWidthPaddingAndRegion) {
                 const RunTable table = RunsOf(store);
                 ExpectRunsOf(store, table);
                 if (width % 9 != 0 || padding != Padding::Noise) continue;
-                ForEachRegion(width, 3, [&](const RegionRows& region, const std::vector<bool>& inside) {
+                ForEachRegion(width, 3, [&](const RegionRows& region, const BitPlane& inside) {
                     BitmapStore part = NoiseBitmap(width, 3, density, padding, static_cast<uint32_t>(width));
                     for (int32_t y = 0; y < 3; ++y)
                         for (int32_t x = 0; x < width; ++x)
-                            if (!inside[static_cast<size_t>(y * width + x)]) part.SetBit(x, y, false);
+                            if (!inside.bit(x, y)) part.SetBit(x, y, false);
                     ExpectRunsOf(part, Intersection(table, region));
                 });
             }

@@ -1,12 +1,8 @@
 #include "binary/thinning.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <vector>
-
-#include "binary/plane_pictures.hpp"
+#include "binary/binary_pictures.hpp"
 #include "support/slow_thinning.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -69,61 +65,18 @@ TEST(Thinning, EqualsItsSlowDefinitionAndKeepsTheTopology) {
 }
 
 TEST(Thinning, KnownSkeletons) {
-    // The middle line of a bar; the ends stay where the passes found them.
-    EXPECT_EQ(PlaneOf({"..........",  //
-                       "..........",  //
-                       ".########.",  //
-                       "..........",  //
-                       ".........."}),
-              Skeleton(PlaneOf({"##########",  //
-                                "##########",  //
-                                "##########",  //
-                                "##########",  //
-                                "##########"}),
-                       Connectivity::Eight));
-    // A ring becomes the shortest ring around the hole, a thick line a thin one from end to end.
-    EXPECT_EQ(PlaneOf({"...#....",  //
-                       "..#.#...",  //
-                       "...#....",  //
-                       "........",  //
-                       "#.......",  //
-                       ".######."}),
-              Skeleton(PlaneOf({"..###...",  //
-                                "..#.#...",  //
-                                "..###...",  //
-                                "#.......",  //
-                                "##......",  //
-                                ".######."}),
-                       Connectivity::Eight));
-}
-
-TEST(Thinning, ThickenedBlobsFillTheImageAndDoNotMeet) {
-    EXPECT_EQ(PlaneOf({"####.####",  //
-                       "####.####",  //
-                       "####.####"}),
-              Thicken(PlaneOf({".........",  //
-                               "..#...#..",  //
-                               "........."}),
-                      Connectivity::Eight, 100));
-    // A notch closes, one pixel of a hole remains.
-    EXPECT_EQ(PlaneOf({"#########",  //
-                       "#########",  //
-                       "#####.###",  //
-                       "#########",  //
-                       "#########"}),
-              Thicken(PlaneOf({".........",  //
-                               ".##.####.",  //
-                               ".##.#..#.",  //
-                               ".#######.",  //
-                               "........."}),
-                      Connectivity::Eight, 100));
+    const BitPlane bar = PlaneOf("##########|##########|##########|##########|##########");
+    EXPECT_EQ(PlaneOf("..........|..........|.########.|..........|.........."), Skeleton(bar, Connectivity::Eight));
+    // A ring becomes the shortest ring around the hole; blobs grow until they would meet.
+    EXPECT_EQ(PlaneOf(".#.|#.#|.#."), Skeleton(PlaneOf("###|#.#|###"), Connectivity::Eight));
+    EXPECT_EQ(PlaneOf("####.####|####.####|####.####"),
+              Thicken(PlaneOf(".........|..#...#..|........."), Connectivity::Eight, 100));
 }
 
 // Hundreds of passes, of which each sees little more than the outline that the one before has left.
 TEST(Thinning, ALargeSquareThinsToOneLineAndThickensBack) {
     constexpr int32_t kSize = 1500;
-    BitPlane square(kSize, kSize);
-    for (int32_t y = 0; y < kSize; ++y) SetRun(square.row(y), {0, kSize - 1});
+    const BitPlane square = Opposite(BitPlane(kSize, kSize));
     for (const Connectivity connectivity : kConnectivities) {
         const BitPlane skeleton = Skeleton(square, connectivity);
         EXPECT_EQ(1u, SlowComponents(skeleton, connectivity).pixels.size());
@@ -144,25 +97,11 @@ TEST(Pruning, EqualsItsSlowDefinition) {
         ExpectPruning(NoisePlane(width, 5, 0.4, seed));
         ExpectPruning(Skeleton(NoisePlane(width, 12, 0.7, seed), kConnectivities[seed % 2]));
     }
-    const BitPlane line = PlaneOf({"####"});
+    const BitPlane line = PlaneOf("####");
     EXPECT_EQ(line, Prune(line, Connectivity::Eight, INT64_MAX));
     const BitPlane branched = NoisePlane(40, 40, 0.3, 1);
     for (const int64_t none : {int64_t{0}, INT64_MIN}) EXPECT_EQ(branched, Prune(branched, Connectivity::Eight, none));
     EXPECT_EQ(BitPlane(), Prune(BitPlane(), Connectivity::Eight, 5));
-}
-
-TEST(Pruning, RemovesTheShorterBranchesAndLeavesTheLine) {
-    const BitPlane skeleton = PlaneOf({"#.........#",  //
-                                       ".#..#....#.",  //
-                                       "..#.#...#..",  //
-                                       "#..#.###...",  //
-                                       ".##.#......"});
-    // The branch of 2 at the top goes before that of 2 at the left, which is a part of the line then.
-    const BitPlane line = Prune(skeleton, Connectivity::Eight, 2);
-    EXPECT_FALSE(line.bit(4, 1));
-    EXPECT_TRUE(line.bit(10, 0));
-    EXPECT_TRUE(SameTopology(line, skeleton, Connectivity::Eight));
-    EXPECT_EQ(line, Prune(line, Connectivity::Eight, 2));
 }
 
 }  // namespace
