@@ -1,54 +1,23 @@
 #include "blobs/gray_measurements.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <map>
-#include <random>
-#include <vector>
-
-#include "image/image_layout.hpp"
+#include "binary/binary_pictures.hpp"
+#include "support/band.hpp"
 
 namespace orlix {
 namespace {
 
 template <class Pixel>
-struct GreyPicture {
-    int32_t width, height;
-    std::vector<Pixel> pixels;
-    std::vector<VPAEntry> table;
-
-    GreyPicture(int32_t w, int32_t h) : width(w), height(h), pixels(static_cast<size_t>(w * h)), table(1000) {
-        for (int32_t i = 0; i < 600; ++i) table[static_cast<size_t>(200 + i)] = {i, i * w};
-    }
-    Pixel& at(int32_t x, int32_t y) { return pixels[static_cast<size_t>(y * width + x)]; }
-    PixelView<const Pixel> view() const { return {pixels.data(), table.data() + 200, width, height}; }
-};
-
-// The components of pixels drawn at random.
-Components ScatteredBlobs(int32_t width, int32_t height, uint32_t seed) {
-    std::mt19937 random(seed);
-    BitPlane plane(width, height);
-    for (int32_t y = 0; y < height; ++y)
-        for (int32_t x = 0; x < width; ++x) plane.setBit(x, y, random() % 100 < 45);
-    return Connected(RunsOf(plane), Connectivity::Eight);
-}
-
-template <class Pixel>
 class GreyMeasuring : public testing::Test {};
-using GreyPixels = testing::Types<uint8_t, uint16_t, uint32_t, float>;
-TYPED_TEST_SUITE(GreyMeasuring, GreyPixels);
+TYPED_TEST_SUITE(GreyMeasuring, PixelTypes, );
 
 // Every field by its definition, from a list of the pixels.
 TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
     using Pixel = TypeParam;
-    GreyPicture<Pixel> picture(41, 29);
+    Band<Pixel> picture{41, 29};
     std::mt19937 random(3);
-    for (Pixel& pixel : picture.pixels) pixel = static_cast<Pixel>(random() % 200 * (sizeof(Pixel) > 1 ? 300 : 1));
-    const Components found = ScatteredBlobs(41, 29, 4);
-    GrayMeasurer<Pixel> measurer(found, picture.view(), GG_All);
+    for (Pixel& pixel : picture.samples) pixel = static_cast<Pixel>(random() % 200 * (sizeof(Pixel) > 1 ? 300 : 1));
+    const Components found = Connected(RunsOf(NoisePlane(41, 29, 0.45, 4)), Connectivity::Eight);
+    GrayMeasurer<Pixel> measurer(found, picture.source(), GG_All);
     int planes = 0;
     for (uint32_t label = 0; label < found.count(); ++label) {
         SCOPED_TRACE(label);
@@ -58,7 +27,7 @@ TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
         const auto in = [&](int32_t column, int32_t row) { return found.LabelAt(column, row) == label; };
         for (int32_t row = 0; row < 29; ++row)
             for (int32_t column = 0; column < 41; ++column) {
-                const auto g = static_cast<double>(picture.at(column, row));
+                const auto g = static_cast<double>(picture.source().at(column, row));
                 if (in(column, row)) {
                     values.push_back(g);
                     x += column * g, y += row * g, sum += g;
@@ -80,10 +49,7 @@ TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
         EXPECT_EQ((values[(values.size() - 1) / 2] + values[values.size() / 2]) / 2, measured.median);
         std::map<double, int> counts;
         for (const double g : values) ++counts[g];
-        EXPECT_EQ(std::max_element(counts.begin(), counts.end(),
-                                   [](const auto& a, const auto& b) { return a.second < b.second; })
-                      ->first,
-                  measured.mode);
+        EXPECT_EQ(std::ranges::max_element(counts, {}, &std::pair<const double, int>::second)->first, measured.mode);
         if (sum > 0) {
             EXPECT_NEAR(x / sum, measured.xCentroid, 1e-9);
             EXPECT_NEAR(y / sum, measured.yCentroid, 1e-9);
@@ -124,7 +90,7 @@ TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
         for (int32_t row = 0; row < 29; ++row)
             for (int32_t column = 0; column < 41; ++column)
                 if (in(column, row))
-                    above += static_cast<double>(picture.at(column, row)) - mg - xg / xx * (column - mx) -
+                    above += static_cast<double>(picture.source().at(column, row)) - mg - xg / xx * (column - mx) -
                              yg / yy * (row - my - xy / xx * (column - mx));
         EXPECT_NEAR(above, measured.volumeOverPlane, 1e-8 * (1 + sum));
     }
@@ -134,13 +100,10 @@ TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
 // 40,000 columns of the largest value: sums that 64 bits could not hold with the columns' numbers.
 TEST(GreyMeasurements, AreExactForWideRunsOfLargeValues) {
     constexpr int32_t kWidth = 40001;
-    std::vector<uint32_t> pixels(kWidth, std::numeric_limits<uint32_t>::max());
-    std::vector<VPAEntry> table(kWidth + 400);
-    for (int32_t i = 0; i < kWidth; ++i) table[static_cast<size_t>(200 + i)] = {i, 0};
-    BitPlane plane(kWidth, 1);
-    for (int32_t x = 0; x < kWidth; ++x) plane.setBit(x, 0, true);
-    const Components found = Connected(RunsOf(plane), Connectivity::Four);
-    GrayMeasurer<uint32_t> measurer(found, {pixels.data(), table.data() + 200, kWidth, 1}, GG_All);
+    Band<uint32_t> picture{kWidth, 1};
+    std::ranges::fill(picture.samples, std::numeric_limits<uint32_t>::max());
+    const Components found = Connected(RunsOf(Opposite(BitPlane(kWidth, 1))), Connectivity::Four);
+    GrayMeasurer<uint32_t> measurer(found, picture.source(), GG_All);
     const BlobGrayMeasurements measured = measurer.Measure(0);
     EXPECT_EQ(20000, measured.xCentroid);
     EXPECT_EQ(40001.0 * 4294967295.0, measured.integrated);
@@ -151,13 +114,12 @@ TEST(GreyMeasurements, AreExactForWideRunsOfLargeValues) {
 }
 
 TEST(GreyMeasurements, SayWhereThereIsNoNumber) {
-    GreyPicture<float> picture(8, 3);
-    picture.at(1, 1) = std::numeric_limits<float>::quiet_NaN();
-    picture.at(5, 1) = 1, picture.at(6, 1) = -1;
-    BitPlane plane(8, 3);
-    for (const int32_t x : {1, 2, 5, 6}) plane.setBit(x, 1, true);
-    const Components found = Connected(RunsOf(plane), Connectivity::Four);
-    GrayMeasurer<float> measurer(found, picture.view(), GG_All);
+    Band<float> picture{8, 3};
+    std::ranges::fill(picture.samples, 0.0f);
+    picture.view().at(1, 1) = kFloatNan;
+    picture.view().at(5, 1) = 1, picture.view().at(6, 1) = -1;
+    const Components found = Connected(RunsOf(PlaneOf("........|.##..##.|........")), Connectivity::Four);
+    GrayMeasurer<float> measurer(found, picture.source(), GG_All);
     EXPECT_TRUE(std::isnan(measurer.Measure(0).average));
     EXPECT_TRUE(std::isnan(measurer.Measure(0).maximum));
     EXPECT_EQ(0, measurer.Measure(1).average);

@@ -1,13 +1,9 @@
 #include "blobs/level_outline.hpp"
 
-#include <gtest/gtest.h>
+#include "binary/binary_pictures.hpp"
+#include "support/special_numbers.hpp"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <numbers>
-#include <random>
-#include <vector>
 
 namespace orlix {
 namespace {
@@ -20,20 +16,9 @@ struct LevelPicture {
     double at(int32_t x, int32_t y) const { return grey[static_cast<size_t>(y * width + x)]; }
 
     LevelOutline Outline(double level, Connectivity connectivity = Connectivity::Eight) const {
-        RunTable table;
-        table.width = width, table.height = height;
-        for (int32_t y = 0; y < height; ++y) {
-            for (int32_t x = 0; x < width; ++x)
-                if (at(x, y) > level) {
-                    if (x > 0 && at(x - 1, y) > level)
-                        table.runs.back().stop = x;
-                    else
-                        table.runs.push_back({x, x});
-                }
-            table.ends.push_back(static_cast<uint32_t>(table.runs.size()));
-        }
+        const auto above = EachPixel<BitPlane>(width, height, [&](int32_t x, int32_t y) { return at(x, y) > level; });
         PixelPaths paths;
-        const Components found = Connected(table, connectivity);
+        const Components found = Connected(RunsOf(above), connectivity);
         paths.Trace(found.runs(0), connectivity);
         return LevelOutlineOf(paths, width, height, level, [&](int32_t x, int32_t y) { return at(x, y); });
     }
@@ -84,7 +69,7 @@ TEST(LevelOutline, RunsAlongThePixelWhereTheLevelDoesNotLieBetweenTwo) {
     const LevelOutline ring = picture.Outline(4);
     ASSERT_EQ(2u, ring.paths.size());
     EXPECT_EQ(4, ring.interpolated);
-    picture.grey[4] = std::numeric_limits<double>::quiet_NaN();
+    picture.grey[4] = kNaN;
     EXPECT_EQ(0, picture.Outline(4).interpolated);
 }
 

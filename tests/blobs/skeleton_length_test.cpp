@@ -1,19 +1,7 @@
 #include "blobs/skeleton_length.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <map>
-#include <random>
-#include <set>
-#include <utility>
-#include <vector>
-
-#include "binary/bit_plane.hpp"
+#include "binary/binary_pictures.hpp"
 #include "binary/thinning.hpp"
-#include "blobs/binary_sketches.hpp"
 #include "blobs/labelling.hpp"
 #include "blobs/shape_measurements.hpp"
 #include "numerics/plane.hpp"
@@ -30,21 +18,16 @@ double Distance(const Point& a, const Point& b, const PixelSize& pixel) {
 // The definition, from the pixels of one component: all branches as lists of points.
 class SlowSkeleton {
 public:
-    SlowSkeleton(const Sketch& blob, const PixelSize& pixel) : blob_(blob), pixel_(pixel) {
-        BitPlane plane(blob.width, blob.height);
-        for (int32_t y = 0; y < blob.height; ++y)
-            for (int32_t x = 0; x < blob.width; ++x) plane.setBit(x, y, blob.At(x, y));
-        plane = Skeleton(plane, Connectivity::Eight);
-        const auto at = [&](int32_t x, int32_t y) { return blob.Inside(x, y) && plane.bit(x, y); };
-        for (int32_t y = 0; y < blob.height; ++y)
-            for (int32_t x = 0; x < blob.width; ++x) {
-                if (!at(x, y)) continue;
+    SlowSkeleton(const BitPlane& blob, const PixelSize& pixel) : blob_(blob), pixel_(pixel) {
+        const BitPlane plane = Skeleton(blob, Connectivity::Eight);
+        for (int32_t y = 0; y < blob.height(); ++y)
+            for (int32_t x = 0; x < blob.width(); ++x) {
+                if (!plane.bit(x, y)) continue;
                 std::set<Cell>& links = links_[{x, y}];
-                for (int32_t dy = -1; dy <= 1; ++dy)
-                    for (int32_t dx = -1; dx <= 1; ++dx)
-                        if ((dx != 0 || dy != 0) && at(x + dx, y + dy) &&
-                            (dx == 0 || dy == 0 || (!at(x + dx, y) && !at(x, y + dy))))
-                            links.insert({x + dx, y + dy});
+                for (const auto& [dx, dy] : StepsOf(Connectivity::Eight))
+                    if (IsSet(plane, x + dx, y + dy) &&
+                        (dx == 0 || dy == 0 || (!plane.bit(x + dx, y) && !plane.bit(x, y + dy))))
+                        links.insert({x + dx, y + dy});
             }
     }
 
@@ -107,7 +90,7 @@ private:
             const auto nearest = [&](int32_t d) {
                 return static_cast<int32_t>(std::lround(static_cast<double>(d * (2 * i + 1)) / 1680));
             };
-            if (!blob_.At(end.first + nearest(dx), end.second + nearest(dy)))
+            if (!IsSet(blob_, end.first + nearest(dx), end.second + nearest(dy)))
                 return static_cast<double>(i) / 840 * Distance({0, 0}, {1.0 * dx, 1.0 * dy}, pixel_);
         }
     }
@@ -115,26 +98,19 @@ private:
     double Chords(const Cell& cell) const {
         const auto pixels = [&](int32_t dx, int32_t dy) {
             int count = 0;
-            for (auto [x, y] = cell; blob_.At(x, y); x += dx, y += dy) ++count;
+            for (auto [x, y] = cell; IsSet(blob_, x, y); x += dx, y += dy) ++count;
             return count;
         };
         return ((pixels(1, 0) + pixels(-1, 0) - 1) * pixel_.x + (pixels(0, 1) + pixels(0, -1) - 1) * pixel_.y) / 2;
     }
 
-    const Sketch& blob_;
+    const BitPlane& blob_;
     const PixelSize pixel_;
     std::map<Cell, std::set<Cell>> links_;
 };
 
-Sketch Alone(const Sketch& all, const Components& components, uint32_t label) {
-    Sketch blob{all.width, all.height, std::vector<bool>(all.pixels.size())};
-    for (const LabelledRun& run : components.runs(label))
-        for (int32_t x = run.start; x <= run.stop; ++x) blob.pixels[blob.Index(x, run.row)] = true;
-    return blob;
-}
-
-double LengthOf(const Sketch& sketch, PixelSize pixel = {}) {
-    const Labelling labelling = Label(sketch.Table(), Connectivity::Eight);
+double LengthOf(const char* drawing, PixelSize pixel = {}) {
+    const Labelling labelling = Label(RunsOf(PlaneOf(drawing)), Connectivity::Eight);
     return SkeletonRuler(labelling.blobs, pixel.x, pixel.y).Length(0);
 }
 
@@ -154,67 +130,37 @@ TEST(SkeletonLength, KnownShapes) {
         {"..#..|..#..|#####|..#..|..#..", 10},
     };
     for (const auto& shape : shapes) {
-        EXPECT_DOUBLE_EQ(shape.length, LengthOf(Sketch::Of(shape.drawing))) << shape.drawing;
-        EXPECT_DOUBLE_EQ(3 * shape.length, LengthOf(Sketch::Of(shape.drawing), {3, 3})) << shape.drawing;
+        EXPECT_DOUBLE_EQ(shape.length, LengthOf(shape.drawing)) << shape.drawing;
+        EXPECT_DOUBLE_EQ(3 * shape.length, LengthOf(shape.drawing, {3, 3})) << shape.drawing;
     }
-    EXPECT_EQ(2.5, LengthOf(Sketch::Of("#"), {2, 3}));
-    EXPECT_EQ(15, LengthOf(Sketch::Of("#|#|#|#|#"), {2, 3}));
-    EXPECT_DOUBLE_EQ(10, LengthOf(Sketch::Of("#.|.#"), {3, 4}));
+    EXPECT_EQ(2.5, LengthOf("#", {2, 3}));
+    EXPECT_EQ(15, LengthOf("#|#|#|#|#", {2, 3}));
+    EXPECT_DOUBLE_EQ(10, LengthOf("#.|.#", {3, 4}));
 }
 
 // All components of a picture one after the other, which takes boxes first and the whole picture in the end.
 TEST(SkeletonLength, AgreesWithTheDefinition) {
     std::mt19937 random(7);
-    std::vector<Sketch> sketches = {Sketch::Of(".#.#.#.|#.#.#.#|.#.#.#.|#.#.#.#|.#.#.#.")};
-    Sketch rings{61, 67, std::vector<bool>(61 * 67)};  // around each other, and with 4 neighbours touching at corners
-    for (int32_t y = 0; y < rings.height; ++y)
-        for (int32_t x = 0; x < rings.width; ++x)
-            rings.pixels[rings.Index(x, y)] = (std::min({x, y, 60 - x, 66 - y}) + (x == y ? 1 : 0)) % 3 != 0;
-    sketches.push_back(rings);
-    for (int i = 0; i < 24; ++i)
-        sketches.push_back(Sketch::Noise(1 + static_cast<int32_t>(random() % 90),
-                                         1 + static_cast<int32_t>(random() % 50), 0.1 * (1 + i % 9), random));
-    for (const Sketch& sketch : sketches)
-        for (const Connectivity connectivity : {Connectivity::Four, Connectivity::Eight})
+    // Rings around each other, which with 4 neighbours touch at corners.
+    std::vector<BitPlane> images = {PlaneOf(".#.#.#.|#.#.#.#|.#.#.#.|#.#.#.#|.#.#.#."),
+                                    EachPixel<BitPlane>(61, 67, [](int32_t x, int32_t y) {
+                                        return (std::min({x, y, 60 - x, 66 - y}) + (x == y ? 1 : 0)) % 3 != 0;
+                                    })};
+    for (uint32_t i = 0; i < 24; ++i)
+        images.push_back(NoisePlane(1 + static_cast<int32_t>(random() % 90), 1 + static_cast<int32_t>(random() % 50),
+                                    0.1 * (1 + i % 9), i));
+    for (const BitPlane& image : images)
+        for (const Connectivity connectivity : kConnectivities)
             for (const PixelSize pixel : {PixelSize{1, 1}, {0.5, 1.25}}) {
-                const Labelling labelling = Label(sketch.Table(), connectivity);
+                const Labelling labelling = Label(RunsOf(image), connectivity);
                 SkeletonRuler ruler(labelling.blobs, pixel.x, pixel.y);
                 for (uint32_t label = 0; label < labelling.blobs.count(); ++label) {
-                    const double slow = SlowSkeleton(Alone(sketch, labelling.blobs, label), pixel).Length();
-                    ASSERT_NEAR(slow, ruler.Length(label), 1e-12 * slow) << label << '\n' << sketch.Drawing();
+                    const BitPlane blob = Alone(labelling.blobs, label);
+                    const double slow = SlowSkeleton(blob, pixel).Length();
+                    ASSERT_NEAR(slow, ruler.Length(label), 1e-12 * slow) << label << testing::PrintToString(image);
                     ASSERT_NEAR(slow, SkeletonRuler(labelling.blobs, pixel.x, pixel.y).Length(label), 1e-12 * slow);
                 }
             }
-}
-
-// Strips of random directions with square and round ends: one is off by three pixels at most, their mean by half.
-TEST(SkeletonLength, StripsAreMeasuredFromTipToTip) {
-    std::mt19937 random(3);
-    const auto uniform = [&] { return (static_cast<double>(random()) + 0.5) / 4294967296.0; };
-    for (const bool round : {false, true})
-        for (const auto& [length, width] : {std::pair{40.0, 3.0}, {60.0, 9.0}, {100.0, 2.0}}) {
-            double sum = 0;
-            for (int i = 0; i < 40; ++i) {
-                const double angle = uniform() * 3.14159265358979323846, u = std::cos(angle), v = std::sin(angle);
-                const Point centre = {60 + uniform(), 60 + uniform()};
-                Sketch sketch{121, 121, std::vector<bool>(121 * 121)};
-                for (int32_t y = 0; y < 121; ++y)
-                    for (int32_t x = 0; x < 121; ++x) {
-                        const double dx = x - centre.x, dy = y - centre.y;
-                        const double along = std::fabs(dx * u + dy * v), across = std::fabs(dy * u - dx * v);
-                        const double over = std::max(0.0, along - (length - width) / 2);
-                        sketch.pixels[sketch.Index(x, y)] =
-                            round ? std::hypot(over, across) <= width / 2 : along <= length / 2 && across <= width / 2;
-                    }
-                ShapeMeasurements shape;
-                const Labelling labelling = Label(sketch.Table(), Connectivity::Eight);
-                ShapeMeasurer(labelling, SG_Skeleton).Measure(0, shape);
-                EXPECT_NEAR(length, shape.skeletonLength, 3);
-                EXPECT_EQ(shape.area / shape.skeletonLength, shape.meanWidth);
-                sum += shape.skeletonLength - length;
-            }
-            EXPECT_NEAR(0, sum / 40, 0.5) << length << " x " << width;
-        }
 }
 
 }  // namespace
