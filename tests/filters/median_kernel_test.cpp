@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <compare>
-
 #include "filters/median_kernels.hpp"
 #include "support/square_testing.hpp"
 

@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <cmath>
-
 #include "measure/counting_kernels.hpp"
 #include "support/kernel_testing.hpp"
 

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "measure/extremes_kernels.hpp"
 #include "support/kernel_testing.hpp"
 

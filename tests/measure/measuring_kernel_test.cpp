@@ -1,8 +1,3 @@
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <cmath>
-
 #include "measure/measuring_kernels.hpp"
 #include "support/kernel_testing.hpp"
 

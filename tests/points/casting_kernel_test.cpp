@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "points/casting_kernels.hpp"
 #include "support/kernel_testing.hpp"
 
@@ -65,24 +63,6 @@ TYPED_TEST(CastingKernel, FollowsTheRule) {
         const To wantSum = static_cast<To>(before[i] + want);
         ASSERT_TRUE(wantSum == sum[i] || (wantSum != wantSum && sum[i] != sum[i])) << +before[i] << " + " << +from[i];
     }
-}
-
-template <class To, class From>
-To Cast(From value) {
-    To to{};
-    CastOperation<To, From>()(&to, &value, 1);
-    return to;
-}
-
-TEST(Casting, KnownAnswers) {
-    EXPECT_EQ(3, (Cast<uint8_t, float>(3.9f)));
-    EXPECT_EQ(255, (Cast<uint8_t, float>(-1.2f)));
-    EXPECT_EQ(0, (Cast<uint8_t, float>(kFloatNan)));
-    EXPECT_EQ(0, (Cast<uint8_t, float>(-kFloatInfinity)));
-    EXPECT_EQ(44, (Cast<uint8_t, uint16_t>(300)));
-    EXPECT_EQ(1024u, (Cast<uint32_t, float>(8589935616.0f))) << "2^33 + 2^10";
-    EXPECT_EQ(16777216.0f, (Cast<float, uint32_t>(16777217))) << "2^24 + 1 lies between two floats: ties to even";
-    EXPECT_EQ(16777220.0f, (Cast<float, uint32_t>(16777219)));
 }
 
 TEST(Casting, AnImageMayBeAddedToItself) {

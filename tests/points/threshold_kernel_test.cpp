@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "geometry/run.hpp"
 #include "points/threshold_kernels.hpp"
 #include "support/kernel_testing.hpp"
@@ -72,23 +70,6 @@ TYPED_TEST(ThresholdKernel, SetsExactlyTheBitsOfTheRun) {
                     ASSERT_TRUE(got.GuardsIntact());
                 }
         }
-}
-
-TEST(Threshold, KnownAnswers) {
-    const uint8_t row[10] = {10, 11, 20, 21, 0, 255, 15, 9, 11, 12};
-    uint8_t bits[2] = {};
-    ThresholdOperation<uint8_t>(11, 20, true)(row, 10, 0, bits);
-    EXPECT_EQ(0b01100010, bits[0]);
-    EXPECT_EQ(0b11000000, bits[1]);
-    uint8_t none[2] = {};
-    ThresholdOperation<uint8_t>(0, 255, false)(row, 10, 0, none);
-    EXPECT_EQ(0, none[0] | none[1]);
-    const float values[3] = {kFloatNan, 1.0f, kFloatNan};
-    for (const bool inside : {false, true}) {
-        uint8_t byte = 0;
-        ThresholdOperation<float>(0.5f, 2.0f, inside)(values, 3, 0, &byte);
-        EXPECT_EQ(inside ? 0x40 : 0, byte);
-    }
 }
 
 }  // namespace
