@@ -3,11 +3,8 @@
 
 #include <orlix/orlix.h>
 
-#include <cmath>
-#include <cstdint>
-#include <vector>
-
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 
@@ -44,7 +41,9 @@ inline Counts SomeCounts(Random& random, size_t n, LONG most) {
     return counts;
 }
 
-// For values whose last digits may differ by a few roundings.
-inline double Tolerance(long double value) { return 1e-14 * (1.0 + static_cast<double>(std::fabs(value))); }
+// The last digits may differ by a few roundings.
+inline void ExpectClose(long double expected, double value) {
+    EXPECT_NEAR(static_cast<double>(expected), value, 1e-14 * (1.0 + static_cast<double>(std::fabs(expected))));
+}
 
 }  // namespace orlix

@@ -1,13 +1,8 @@
 #include "histogram/thresholds.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <bit>
-#include <cmath>
-
 #include "histogram/histograms.hpp"
 #include "histogram/statistics.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -41,6 +36,7 @@ TEST(Thresholds, TheTailCutLeavesTheGivenFractionsOutside) {
 
 // ------------------------------------------------------------------------------------------------ greatest separation
 
+// Beyond the small histograms that are compared with the definition below.
 TEST(Thresholds, SeparationOfKnownHistograms) {
     struct Case {
         const char* what;
@@ -49,19 +45,9 @@ TEST(Thresholds, SeparationOfKnownHistograms) {
         int64_t bin;
     };
     const Case cases[] = {
-        {"the middle of an empty valley, rounded down", {10, 0, 0, 10}, 0, 0, 1},
-        {"equal thirds: two neighbouring maxima, not told apart by rounding", {10, 10, 10}, 0, 0, 0},
-        {"everything in one bin", {0, 9, 0}, 0, 0, 0},
-        {"a single bin", {9}, 0, 0, 0},
-        {"equal maxima that are not neighbours: the lower run",
-         {10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10},
-         0,
-         0,
-         4},
         {"a lower class of 10 in 19", {1, 1, 1, 7, 0, 0, 0, 0, 0, 9}, 0.52, 0, 5},
         {"a lower class of more", {1, 1, 1, 7, 0, 0, 0, 0, 0, 9}, 0.53, 0, 0},
         {"three tenths are 0.3, not less", {1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 0.3, 0.7, 2},
-        {"no threshold leaves so much on both sides", {10, 0, 0, 10}, 0.6, 0.6, 0},
         {"NaN leaves no candidate", {10, 0, 0, 10}, kNaN, 0, 0},
         {"negative probabilities restrict nothing", {10, 0, 0, 10}, -1, -kInfinity, 1},
         // Two bins far apart, equal but for one count in 2^31: a plateau, since the bins between are empty ...
@@ -77,10 +63,7 @@ TEST(Thresholds, SeparationOfKnownHistograms) {
 // counts only.
 int64_t SlowSeparation(const Counts& counts, double left, double right) {
     const auto n = static_cast<int64_t>(counts.size());
-    int64_t bestNumerator = 0;
-    int64_t bestDenominator = 1;
-    int64_t first = 0;
-    int64_t last = 0;
+    int64_t bestNumerator = 0, bestDenominator = 1, first = 0, last = 0;
     for (int64_t t = 0; t < n; ++t) {
         int64_t c0 = 0, m0 = 0, c1 = 0, m1 = 0;
         for (int64_t i = 0; i < n; ++i) {
@@ -89,9 +72,7 @@ int64_t SlowSeparation(const Counts& counts, double left, double right) {
         }
         const double w = static_cast<double>(c0) / static_cast<double>(c0 + c1);
         if (c0 == 0 || c1 == 0 || w < left || w > 1 - right) continue;
-        const int64_t difference = c1 * m0 - c0 * m1;
-        const int64_t numerator = difference * difference;
-        const int64_t denominator = c0 * c1;
+        const int64_t difference = c1 * m0 - c0 * m1, numerator = difference * difference, denominator = c0 * c1;
         const int64_t more = numerator * bestDenominator - bestNumerator * denominator;
         if (more > 0) {
             bestNumerator = numerator;
@@ -133,24 +114,16 @@ TEST(Thresholds, SeparationScalesWithTheCountsUpToTheLargest) {
 
 // ----------------------------------------------------------------------------------------------------------- minimum
 
-int64_t MinimumOf(const Counts& counts) {
-    return BinOfMinimum(counts, {0, static_cast<int64_t>(counts.size()) - 1}).value_or(-99);
-}
-
 TEST(Thresholds, TheMinimumOfKnownHistograms) {
-    EXPECT_EQ(2, MinimumOf({9, 5, 1, 5, 9}));
     // Mean 2.5, deviation about 1.9, so 2.25 to either side: bins 0..5. Of the empty bins 1..4 the scan reaches 3
     // first.
-    EXPECT_EQ(3, MinimumOf({5, 0, 0, 0, 0, 5}));
-    // The scan first goes down from the mean: bin 1 before bin 3, although both lie one bin away.
-    EXPECT_EQ(1, MinimumOf({4, 1, 4, 1, 4}));
-    EXPECT_EQ(3, MinimumOf({4, 2, 4, 1, 4}));
-    EXPECT_EQ(1, MinimumOf({0, 7, 0}));  // no spread: the window is the mean's bin
-    EXPECT_EQ(-99, MinimumOf({0, 0, 0}));
+    EXPECT_EQ(3, BinOfMinimum(Counts{5, 0, 0, 0, 0, 5}, {0, 5}));
+    EXPECT_EQ(1, BinOfMinimum(Counts{0, 7, 0}, {0, 2}));  // no spread: the window is the mean's bin
+    EXPECT_FALSE(BinOfMinimum(Counts{0, 0, 0}, {0, 2}));
     EXPECT_FALSE(BinOfMinimum({}, {0, -1}));
     EXPECT_FALSE(BinOfMinimum(Counts{1, 1}, {1, 0}));
     // No count is below the initial value, so the result is the mean's bin.
-    EXPECT_EQ(2, MinimumOf(Counts(4, kMost)));
+    EXPECT_EQ(2, BinOfMinimum(Counts(4, kMost), {0, 3}));
 }
 
 TEST(Thresholds, TheMinimumEqualsItsDefinition) {
@@ -232,8 +205,7 @@ long double SlowScore(const Counts& counts, size_t t, int64_t kLeft, int64_t kRi
         classOf(i).variance += counts[i] * d * d / classOf(i).n;
     }
     // The bins within the limits are those before the first that exceeds them, but at least one.
-    int64_t sum = 0;
-    int64_t low = -1;
+    int64_t sum = 0, low = -1;
     while (low + 1 < static_cast<int64_t>(counts.size()) && (sum += counts[static_cast<size_t>(low + 1)]) <= kLeft)
         ++low;
     sum = 0;
@@ -284,9 +256,7 @@ TEST(Thresholds, BestClassificationOfKnownHistograms) {
     // When the classes are far apart, both are certain everywhere in the valley: the score is 1, and the lowest such
     // bin wins. The lower class is a single bin of deviation sqrt(1/12): certain from 3.05 deviations on, 0.88 above
     // it.
-    EXPECT_EQ(1, BinOfBestClassification(Counts{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
     EXPECT_EQ(4, BinOfBestClassification(Counts{0, 0, 0, 10, 0, 0, 0, 0, 0, 0, 10}, 0, 0));
-    // Nothing to separate.
     EXPECT_FALSE(BinOfBestClassification(Counts{0, 9, 0}, 0, 0));
     // No bin between the limits; NaN and extreme limits.
     const Counts apart{10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10};
@@ -304,10 +274,8 @@ int64_t EntropyBin(const Counts& counts, double left = 0.0, double right = 0.0) 
 }
 
 long double SlowEntropy(const Counts& counts, size_t from, size_t to) {
-    long double total = 0;
-    for (const LONG c : counts) total += c;
-    long double p = 0;
-    long double q = 0;
+    const auto total = static_cast<long double>(TotalCount(counts));
+    long double p = 0, q = 0;
     for (size_t i = from; i <= to; ++i)
         if (counts[i] / total > 0) {
             p += counts[i] / total;
@@ -346,13 +314,10 @@ TEST(Thresholds, GreatestEntropyEqualsItsDefinition) {
 }
 
 TEST(Thresholds, GreatestEntropyOfKnownHistograms) {
-    EXPECT_EQ(0, EntropyBin({10, 0, 0, 10}));   // ln 2 for the class that holds both peaks, except in the valley
-    EXPECT_EQ(2, EntropyBin({1, 1, 1, 1, 1}));  // ln 3 + ln 3
-    EXPECT_EQ(1, EntropyBin({1, 1, 1, 1}));     // ln 2 + ln 3 on both sides of the middle: the lower
-    EXPECT_EQ(0, EntropyBin({0, 9, 0}));
+    EXPECT_EQ(2, EntropyBin({1, 1, 1, 1, 1}));          // ln 3 + ln 3
+    EXPECT_EQ(1, EntropyBin({1, 1, 1, 1}));             // ln 2 + ln 3 on both sides of the middle: the lower
     EXPECT_EQ(0, EntropyBin({1, 1, 1, 1, 1}, 1.5, 0));  // no candidate
     EXPECT_EQ(0, EntropyBin({1, 1, 1, 1, 1}, 0, 1.5));
-    EXPECT_EQ(3, EntropyBin({1, 1, 1, 1, 1}, 0.7, 0));
     EXPECT_EQ(2, EntropyBin({1, 1, 1, 1, 1}, kNaN, kNaN));
     EXPECT_EQ(1, EntropyBin({1, -2}));  // N = -1: the quotients are -1 and 1, and only the second is at least 0
 }
@@ -400,19 +365,13 @@ TEST(Thresholds, EveryBuildGivesTheSameBits) {
     Random random(41);
     std::vector<double> scratch;
     uint64_t hash = 0xcbf29ce484222325u;
-    const auto add = [&](double value) {
-        hash ^= std::bit_cast<uint64_t>(value);
-        hash *= 0x100000001b3u;
-    };
+    const auto add = [&](double value) { hash = (hash ^ std::bit_cast<uint64_t>(value)) * 0x100000001b3u; };
     for (int trial = 0; trial < 300; ++trial) {
         Counts counts(2 + static_cast<size_t>(random.Below(300)));
         for (LONG& c : counts) c = static_cast<LONG>(random.Below(trial % 2 ? 30 : kMost));
         counts[0] = counts[1] = 1;
-        add(MeanBin(counts));
-        add(VarianceOfBins(counts));
-        add(SkewOfBins(counts));
-        add(KurtosisOfBins(counts));
-        add(EntropyOfBins(counts));
+        for (const auto statistic : {&MeanBin, &VarianceOfBins, &SkewOfBins, &KurtosisOfBins, &EntropyOfBins})
+            add(statistic(counts));
         add(StatisticsWithoutTails(counts, 0.1)->deviation);
         add(ExponentialTail(counts, 0.1));
         add(static_cast<double>(BinOfGreatestSeparation(counts, 0.1, 0)));
