@@ -1,15 +1,7 @@
 #include "geometry/line.hpp"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <cstdlib>
-#include <random>
-#include <utility>
-#include <vector>
-
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

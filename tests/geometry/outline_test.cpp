@@ -1,16 +1,9 @@
 #include "geometry/outline.hpp"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <random>
-
 #include "geometry/circle_fit.hpp"
 #include "numerics/elementary.hpp"
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
