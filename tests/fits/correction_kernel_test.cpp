@@ -1,8 +1,5 @@
 #include "fits/correction_kernels.hpp"
 
-#include <algorithm>
-#include <cmath>
-
 #include "support/kernel_testing.hpp"
 #include "support/special_numbers.hpp"
 
@@ -24,7 +21,6 @@ std::vector<double> ShiftNoise(size_t n, uint32_t seed, double scale) {
 
 template <class T>
 class Correcting : public testing::Test {};
-using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
 TYPED_TEST_SUITE(Correcting, PixelTypes, );
 
 TYPED_TEST(Correcting, EveryVariantEqualsTheDefinition) {

@@ -1,12 +1,9 @@
 #include "fits/hemisphere_fit.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "fits/angled_hemisphere_fit.hpp"
 #include "support/region_picture.hpp"
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
@@ -37,12 +34,6 @@ std::vector<SurfacePoint> PointsOn(const Hemisphere& truth, int32_t width, int32
     return points;
 }
 
-double AverageOf(const std::vector<SurfacePoint>& points) {
-    double sum = 0;
-    for (const SurfacePoint& point : points) sum += point.z;
-    return sum / static_cast<double>(points.size());
-}
-
 // The error is that of the rounded heights.
 template <class T>
 void ExpectCap(double level, double scale, double most) {
@@ -52,7 +43,7 @@ void ExpectCap(double level, double scale, double most) {
     for (LONG y = 30; y < 110; ++y) region.rows[y] = {MakeRun(20, 119)};
     const RegionPicture<T> picture(
         141, 141, [&](int x, int y) { return HeightOf(truth, x, y); }, &region);
-    const auto fit = FitHemisphere(picture.region(), picture.Average());
+    const auto fit = FitHemisphere(picture.region(), AverageOf(PointsOf(picture.region())));
     ASSERT_TRUE(fit);
     EXPECT_LT(Error(truth, *fit), most) << level << " " << scale;
 }
@@ -116,7 +107,8 @@ TEST(HemisphereFit, IsTheMinimumOfTheStatedSum) {
 TEST(HemisphereFit, NoHemisphereWhereThereIsNone) {
     const auto none = [](auto&& picture) {
         const auto pixels = picture.region();
-        return !FitHemisphere(pixels, picture.Average()) && !FitAngledHemisphere(pixels, picture.Average());
+        const double average = AverageOf(PointsOf(pixels));
+        return !FitHemisphere(pixels, average) && !FitAngledHemisphere(pixels, average);
     };
     EXPECT_TRUE(none(RegionPicture<uint8_t>(20, 20, [](int, int) { return 7; })));
     EXPECT_TRUE(none(RegionPicture<uint8_t>(20, 20, [](int x, int y) { return x + 2 * y; })));
@@ -154,7 +146,7 @@ TEST(AngledHemisphereFit, FindsTheBallOnItsTiltedBase) {
     NormalNoise noise(8);
     const Hemisphere truth{70.5, 60.25, 50, 0.5, 45, 0.05, -0.1};  // the base is visible around it
     const RegionPicture<float> picture(140, 120, [&](int x, int y) { return HeightOf(truth, x, y) + 0.2 * noise(); });
-    const auto fit = FitAngledHemisphere(picture.region(), picture.Average());
+    const auto fit = FitAngledHemisphere(picture.region(), AverageOf(PointsOf(picture.region())));
     ASSERT_TRUE(fit);
     EXPECT_LT(Error(truth, *fit), 2e-3);
 }
@@ -201,10 +193,9 @@ TEST(AngledHemisphereFit, IsAMinimumOfTheSquaredResiduals) {
     const RegionPicture<float> picture(150, 150, [&](int x, int y) {
         return HeightOf({75, 70, 3, 0.5, 200, 0.1, 0.2}, x, y) + noise();
     });
-    const auto fit = FitAngledHemisphere(picture.region(), picture.Average());
+    const auto fit = FitAngledHemisphere(picture.region(), AverageOf(PointsOf(picture.region())));
     ASSERT_TRUE(fit);
-    std::vector<SurfacePoint> points;
-    for (int64_t i = 0; i < picture.region().count(); ++i) points.push_back(picture.region().At(i));
+    const std::vector<SurfacePoint> points = PointsOf(picture.region());
     const double least = MeanSquare(points, *fit);
     EXPECT_NEAR(1.0, least, 0.03);
     for (double Hemisphere::*member : {&Hemisphere::xCenter, &Hemisphere::yCenter, &Hemisphere::zCenter,

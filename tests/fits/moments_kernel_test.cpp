@@ -1,7 +1,5 @@
 #include "fits/moments_kernels.hpp"
 
-#include <algorithm>
-
 #include "support/kernel_testing.hpp"
 
 namespace orlix {

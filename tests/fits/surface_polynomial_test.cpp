@@ -1,10 +1,6 @@
 #include "fits/surface_polynomial.hpp"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <vector>
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

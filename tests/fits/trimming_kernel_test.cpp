@@ -1,9 +1,6 @@
 #include "fits/hemisphere_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
 
-#include <algorithm>
-#include <cmath>
-
 #include "support/kernel_testing.hpp"
 #include "support/special_numbers.hpp"
 
@@ -12,7 +9,6 @@ namespace {
 
 template <class T>
 class Trimming : public testing::Test {};
-using PixelTypes = testing::Types<uint8_t, uint16_t, uint32_t, float>;
 TYPED_TEST_SUITE(Trimming, PixelTypes, );
 
 // Near the pixels, so that all classes occur; some values exactly on them, some not finite.
