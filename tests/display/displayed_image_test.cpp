@@ -1,8 +1,6 @@
 #include "display/displayed_image.hpp"
 
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

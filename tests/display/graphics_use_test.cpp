@@ -1,12 +1,10 @@
 #include "display/graphics_use.hpp"
 
-#include <gtest/gtest.h>
+#include "support/testing.hpp"
 
 #include <atomic>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace orlix {
 namespace {

@@ -1,7 +1,5 @@
 #include "display/raster_kernels.hpp"
 
-#include <algorithm>
-
 #include "support/kernel_testing.hpp"
 
 namespace orlix {
@@ -88,27 +86,6 @@ TEST(RasterKernel, EveryVariantOfReducingEqualsTheDefinition) {
         }
 }
 
-TEST(RasterKernel, KnownPixels) {
-    const uint8_t samples[] = {0x12, 0x34, 0x56};
-    uint32_t pixel = 0;
-    ExpandGrey_scalar(&pixel, samples, 1);
-    EXPECT_EQ(0x121212u, pixel);
-    ExpandPlanes_scalar(&pixel, samples, samples + 1, samples + 2, 1);
-    EXPECT_EQ(0x123456u, pixel);
-    const int32_t third = 2;
-    const Picks picks{&third, 1, kUngrouped, nullptr, nullptr};
-    PickGrey_scalar(&pixel, samples, picks, samples);
-    EXPECT_EQ(0x565656u, pixel);
-    PickLevels_scalar(&pixel, samples, picks, samples, SomeColors(false));
-    EXPECT_EQ(0xa95a79u, pixel);
-    const uint32_t pixels[] = {1, 2, 3};
-    PickPixels_scalar(&pixel, pixels, picks, pixels);
-    EXPECT_EQ(3u, pixel);
-    uint32_t sum = 5;
-    WeighRows_scalar(&sum, samples, 2, samples + 1, 3, 1);
-    EXPECT_EQ(5u + 2 * 0x12 + 3 * 0x34, sum);
-}
-
 // Every variant against the columns one by one. Rows end with the last sample that may be read.
 template <class Sample, class Table, class Call>
 void ExpectPicked(const Table& table, const Call& call) {
@@ -165,15 +142,6 @@ TEST(PickPlan, TakesTheFirstShapeThatTheColumnsAreCloseEnoughFor) {
         for (int32_t i = 0; i < 20; ++i) columns[static_cast<size_t>(i)] = i * c.step;
         EXPECT_EQ(c.expected, PickPlan(columns, c.rowLength, c.shapes).picks().shape) << c.step << ", " << c.rowLength;
     }
-    const Shapes pixels{{4, 8}};
-    const PickPlan plan({9, 7, 7, 5, 3}, 10, pixels);
-    const Picks picks = plan.picks();
-    ASSERT_EQ(8, picks.shape.window);
-    EXPECT_EQ(2, picks.bases[0]) << "no further than the row";
-    EXPECT_EQ(2, picks.bases[1]);
-    EXPECT_EQ(0x80070707u, picks.shuffles[0]);
-    EXPECT_EQ(0x80010101u, picks.shuffles[4]);
-    EXPECT_EQ(0x80010101u, picks.shuffles[63]);
 }
 
 }  // namespace

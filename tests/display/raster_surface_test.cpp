@@ -1,11 +1,6 @@
 #include "display/raster_surface.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

@@ -1,11 +1,8 @@
 #include "display/zoom_state.hpp"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "support/failure_of.hpp"
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

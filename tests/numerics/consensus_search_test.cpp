@@ -1,6 +1,6 @@
 #include "numerics/consensus_search.hpp"
 
-#include <gtest/gtest.h>
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

@@ -2,16 +2,10 @@
 // one number, which must be the same in every build.
 #include "numerics/elementary.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <bit>
 #include <cfloat>
-#include <cmath>
-#include <cstdint>
-#include <span>
 
 #include "support/special_numbers.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

@@ -1,12 +1,6 @@
 #include "numerics/exact_accumulator.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <vector>
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

@@ -1,13 +1,7 @@
 #include "numerics/linear_system.hpp"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
-
 #include "numerics/shortest_solution.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

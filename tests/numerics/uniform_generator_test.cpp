@@ -1,6 +1,6 @@
 #include "numerics/uniform_generator.hpp"
 
-#include <gtest/gtest.h>
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {

@@ -1,13 +1,8 @@
 #include "numerics/wide_integer.hpp"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <initializer_list>
-#include <limits>
-
 #include "histogram/histograms.hpp"
 #include "numerics/power_sums.hpp"
+#include "support/testing.hpp"
 
 namespace orlix {
 namespace {
