@@ -4,9 +4,8 @@
 //     const Apartment apartment;
 //     auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
 //     Check(image->CreateFromFile(Text("surface.png")), image);
-//     auto process = Cast<IImageProcess>(image);
-//     ComPtr<IHistogram> histogram;
-//     Check(process->get_Histogram(histogram.Out()), process);
+//     auto histogram = Call(Cast<IImageProcess>(image), &IImageProcess::get_Histogram);
+//     double threshold = Call(histogram, &IHistogram::AutoThresholdMinimizeVariance, 0, 0);
 //
 // Strings are UTF-8 here and UTF-16 (BSTR) in the interfaces; Text (orlix/text.hpp) converts. Regions, event sinks and
 // streams of your own derive from CountedObject (orlix/counted_object.hpp).
@@ -32,6 +31,9 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 namespace orlix {
 
@@ -68,6 +70,70 @@ template <class I>
 HRESULT Check(HRESULT result, const ComPtr<I>& object) {
     if (FAILED(result)) ThrowError(result, object.get(), __uuidof(I));
     return result;
+}
+
+// --------------------------------------------------------------------------------------------------------------- calls
+
+namespace implementation {
+// What a method writes to, and hands over: numbers and records as they are, interfaces and strings with their owner.
+template <class T>
+struct Output {
+    T value{};
+    T* Out() noexcept { return &value; }
+};
+template <class T>
+requires std::is_convertible_v<T, IUnknown*>
+struct Output<T> {
+    ComPtr<std::remove_pointer_t<T>> value;
+    T* Out() noexcept { return value.Out(); }
+};
+template <>
+struct Output<BSTR> {
+    Text value;
+    BSTR* Out() noexcept { return value.Out(); }
+};
+
+template <class T>
+const T& Argument(const T& argument) noexcept {
+    return argument;
+}
+template <class I>
+I* Argument(const ComPtr<I>& object) noexcept {
+    return object.get();
+}
+
+template <class... Outputs, class Invoke>
+auto OutputsOf(const Invoke& invoke) {
+    std::tuple<Outputs...> outputs;
+    std::apply([&](Outputs&... each) { invoke(each.Out()...); }, outputs);
+    if constexpr (sizeof...(Outputs) == 1)
+        return std::move(std::get<0>(outputs).value);
+    else
+        return std::apply([](Outputs&... each) { return std::tuple(std::move(each.value)...); }, outputs);
+}
+template <class All, size_t given, size_t... i>
+auto CallWith(const auto& invoke, std::index_sequence<i...>) {
+    return OutputsOf<Output<std::remove_pointer_t<std::tuple_element_t<given + i, All>>>...>(invoke);
+}
+}  // namespace implementation
+
+// Calls a method with its first arguments, and returns what it writes through the others: a number or record, a ComPtr
+// for an interface, a Text for a string, a std::tuple of several. Throws Error when the method fails, and for
+// a null object.
+//
+//     auto blobs = Call(bitmap, &IBitmapProcess::FindBlobs, CT_8);
+//     auto [bands, width, height] = Call(image, &IImageVPA::Dimensions);
+template <class Object, class I, class... Parameters, class... Arguments>
+auto Call(const ComPtr<Object>& object, HRESULT (STDMETHODCALLTYPE I::*method)(Parameters...),
+          const Arguments&... arguments) {
+    static_assert(sizeof...(Arguments) < sizeof...(Parameters), "nothing is left to be returned: Check(object->...)");
+    if (!object) throw Error(E_POINTER, {}, {}, NameOf<Object>());
+    constexpr size_t given = sizeof...(Arguments), written = sizeof...(Parameters) - given;
+    return implementation::CallWith<std::tuple<Parameters...>, given>(
+        [&](auto*... outputs) {
+            Check((object.get()->*method)(implementation::Argument(arguments)..., outputs...), object);
+        },
+        std::make_index_sequence<written>());
 }
 
 // ------------------------------------------------------------------------------------------------------------ creation

@@ -153,6 +153,22 @@ TEST(Client, NamesWhatFailedWithoutAText) {
     }
 }
 
+TEST(Client, CallReturnsWhatAMethodWrites) {
+    const auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
+    Check(image->Create(4, 3, 1, DT_BYTE, 0), image);
+    const auto [bands, width, height] = Call(image, &IImageVPA::Dimensions);  // of a base, several values
+    EXPECT_EQ(std::tuple(1, 4, 3), std::tuple(bands, width, height));
+    Check(image->put_Description(Text("pores")), image);
+    const Text description = Call(image, &IImageVPAExPlus::get_Description);
+    EXPECT_EQ("pores", description.Utf8());
+    const auto process = Cast<IImageProcess>(image);
+    ComPtr<IBitmap> bitmap = Call(process, &IImageProcess::Threshold, 0, 1, 1);  // the only reference
+    EXPECT_EQ(0u, bitmap.Detach()->Release());
+    const auto copy = CreateObject<IImageProcess>("Orlix.Image");
+    EXPECT_THROW(Call(copy, &IImageProcess::Threshold, 0, 1, 1), Error);
+    EXPECT_THROW(Call(ComPtr<IImageProcess>(), &IImageProcess::Threshold, 0, 1, 1), Error);
+}
+
 TEST(Activation, InterfacesOfAnObjectReachEachOtherAndNoOthers) {
     for (const Creatable& creatable : Creatables()) {
         SCOPED_TRACE(creatable.name);
