@@ -74,13 +74,13 @@ Bytes WithSoundPixels(std::span<const uint8_t> bytes) {
     const uint32_t bands = 1 + bytes[1] % 3, width = 1 + bytes[2] % 9u, height = 1 + bytes[3] % 9u;
     const uint32_t stride = (width * sample + 3) / 4 * 4;
     const uint32_t entries = std::max(width, height) + 400;
-    Bytes stream = FromText("qelo") + Double(1) + Little32(kTypes[bytes[0] % 4]) + FromText("imba") + Double(1.3);
-    for (const double value : {0.0, 0.0, 1.0, 0.0, 0.0, 1.0}) stream = stream + Double(value);
+    HandMadeStream stream;
+    stream.outer = FromText("qelo") + Double(1) + Little32(kTypes[bytes[0] % 4]);
+    stream.geometry = {};
     for (const uint32_t value : {bands, width, height, sample, stride, bands * height * stride, entries})
-        stream = stream + Little32(value);
-    stream = stream + ZigzagTable(width, height, stride / sample);
-    const Bytes pixels = StoredStream(Bytes(bands * height * stride, bytes[4]));
-    return stream + Little32(static_cast<uint32_t>(pixels.size())) + pixels +
+        stream.geometry = stream.geometry + Little32(value);
+    stream.table = ZigzagTable(width, height, stride / sample);
+    return stream.Head() + stream.Block(StoredStream(Bytes(bands * height * stride, bytes[4]))) +
            Bytes(bytes.begin() + kStart, bytes.end());
 }
 

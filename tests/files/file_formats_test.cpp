@@ -57,14 +57,5 @@ TEST(FileFormats, EachImageComesBackAsItWas) {
     EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6), written);  // PNG has grey and colour
 }
 
-TEST(FileFormats, AreChosenByOneCodeAndOneExtension) {
-    for (const FileFormat& format : FileFormats())
-        for (const FileFormat& other : FileFormats())
-            if (&format != &other) {
-                EXPECT_NE(format.code, other.code) << format.name;
-                EXPECT_TRUE(format.extension.empty() || format.extension != other.extension) << format.name;
-            }
-}
-
 }  // namespace
 }  // namespace orlix::test

@@ -40,7 +40,7 @@ Bytes Mutated(Bytes file, const Bytes& other, Noise& noise) {
     return file;
 }
 
-// Of the checks that throw std::logic_error.
+// The rule that is broken, of the checks that throw std::logic_error.
 template <class Checks>
 std::string Broken(const Checks& checks) {
     try {
@@ -50,33 +50,33 @@ std::string Broken(const Checks& checks) {
         return broken.what();
     }
 }
-std::string BrokenRule(const Bytes& bytes) {
-    return Broken([&] {
+
+template <class Check>
+void ExpectSound(const std::vector<Seed>& seeds, int rounds, Noise noise, const Check& check) {
+    for (const Seed& seed : seeds) EXPECT_EQ("", Broken([&] { check(seed.bytes); })) << seed.name;
+    for (int round = 0; round < rounds; ++round)
+        for (const Seed& seed : seeds) {
+            const Seed& other = seeds[noise.below(static_cast<uint32_t>(seeds.size()))];
+            const Bytes mutated = Mutated(seed.bytes, other.bytes, noise);
+            ASSERT_EQ("", Broken([&] { check(mutated); })) << seed.name << " round " << round;
+        }
+}
+
+TEST(FuzzCorpus, TheSeedsAreImagesAndMutationsOfThemBreakNoRule) {
+    for (const Seed& seed : MakeSeeds()) Read(seed.bytes);
+    ExpectSound(MakeSeeds(), 60, Noise(20240229), [](const Bytes& bytes) {
         const Bytes right = WithRightChecksums(bytes);
         CheckReading(bytes);
         CheckReading(right);
         CheckWriting(right);
     });
 }
-std::string BrokenRuleOfStreams(const Bytes& bytes) {
-    return Broken([&] {
+
+TEST(FuzzCorpus, StreamsAndTheirMutationsBreakNoRule) {
+    ExpectSound(MakeStreamSeeds(), 300, Noise(20250411), [](const Bytes& bytes) {
         CheckStreamReading(bytes);
         CheckStreamReading(WithSoundPixels(bytes));
     });
-}
-
-TEST(FuzzCorpus, TheSeedsAreImagesAndMutationsOfThemBreakNoRule) {
-    const std::vector<Seed> seeds = MakeSeeds();
-    Noise noise(20240229);
-    for (const Seed& seed : seeds) {
-        Read(seed.bytes);
-        EXPECT_EQ("", BrokenRule(seed.bytes)) << seed.name;
-    }
-    for (int round = 0; round < 60; ++round)
-        for (const Seed& seed : seeds) {
-            const Seed& other = seeds[noise.below(static_cast<uint32_t>(seeds.size()))];
-            ASSERT_EQ("", BrokenRule(Mutated(seed.bytes, other.bytes, noise))) << seed.name << " round " << round;
-        }
 }
 
 // Every value of every byte of the header of a small image.
@@ -91,18 +91,6 @@ TEST(FuzzCorpus, NoHeaderBreaksARule) {
                 EXPECT_EQ("", Broken([&] { CheckReading(WithRightChecksums(damaged)); }))
                     << "byte " << at << " value " << value;
             }
-}
-
-TEST(FuzzCorpus, StreamsAndTheirMutationsBreakNoRule) {
-    const std::vector<Seed> seeds = MakeStreamSeeds();
-    Noise noise(20250411);
-    for (const Seed& seed : seeds) EXPECT_EQ("", BrokenRuleOfStreams(seed.bytes)) << seed.name;
-    for (int round = 0; round < 300; ++round)
-        for (const Seed& seed : seeds) {
-            const Seed& other = seeds[noise.below(static_cast<uint32_t>(seeds.size()))];
-            ASSERT_EQ("", BrokenRuleOfStreams(Mutated(seed.bytes, other.bytes, noise)))
-                << seed.name << " round " << round;
-        }
 }
 
 }  // namespace

@@ -26,15 +26,7 @@ Bytes Little32(uint32_t v) { return Little16(v) + Little16(v >> 16); }
 
 // ----------------------------------------------------------------------------------------------------------------- PNG
 
-// Bit by bit: the remainder of the reflected polynomial 0xEDB88320.
-uint32_t Crc32(const Bytes& data) {
-    uint32_t crc = 0xFFFFFFFFu;
-    for (const uint8_t byte : data) {
-        crc ^= byte;
-        for (int bit = 0; bit < 8; ++bit) crc = crc & 1 ? crc >> 1 ^ 0xEDB88320u : crc >> 1;
-    }
-    return ~crc;
-}
+uint32_t Crc32(const Bytes& data) { return static_cast<uint32_t>(crc32_z(0, data.data(), data.size())); }
 
 int PaethByDefinition(int a, int b, int c) {
     const int p = a + b - c;
@@ -43,15 +35,6 @@ int PaethByDefinition(int a, int b, int c) {
 }
 
 namespace {
-
-uint32_t Adler32(const Bytes& data) {
-    uint32_t a = 1, b = 0;
-    for (const uint8_t byte : data) {
-        a = (a + byte) % 65521;
-        b = (b + a) % 65521;
-    }
-    return b << 16 | a;
-}
 
 // The pass of every pixel, repeated every 8 by 8.
 constexpr int kPassOf[8][8] = {{1, 6, 4, 6, 2, 6, 4, 6}, {7, 7, 7, 7, 7, 7, 7, 7}, {5, 6, 5, 6, 5, 6, 5, 6},
@@ -101,7 +84,7 @@ Bytes StoredStream(const Bytes& data, size_t block) {
                  Part(data, start, size);
         start += size;
     } while (start < data.size());
-    return std::move(stream) + Big32(Adler32(data));
+    return std::move(stream) + Big32(static_cast<uint32_t>(adler32_z(1, data.data(), data.size())));
 }
 
 Bytes PackedStream(const Bytes& data) {
