@@ -62,12 +62,6 @@ TEST(Document, CsvFieldsAreQuotedWhereTheyMustBe) {
         EXPECT_EQ(field, CsvField(value));
 }
 
-TEST(Document, MembersAreFoundByTheirPathOrAreNull) {
-    const Json document = {{"a", {{"b", 2.5}}}, {"c", 1}};
-    EXPECT_EQ(2.5, NumberAt(document, "a.b"));
-    for (const char* path : {"a.x", "x", "c.d", "a.b.c"}) EXPECT_TRUE(Member(document, path).is_null()) << path;
-}
-
 TEST(CommandLineWords, RegionsAreReadAndMistakesNamed) {
     const RegionShape circle = ParseRegion("circle:10.5,-2,1e2");
     EXPECT_EQ(RegionShape::Kind::Circle, circle.kind);

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <map>
-#include <set>
 
 namespace tool {
 namespace {
@@ -39,9 +38,8 @@ protected:
     }
 };
 
-// Edges are blurred over three pixels and lie on uneven ground with noise: areas agree to a few per cent, positions to
-// a fraction of a pixel.
-TEST_F(Particles, OfASpecimenAreFoundWhereTheyAreAndAsLargeAsTheyAre) {
+// Where and how large they are: ParticleAccuracy.
+TEST_F(Particles, OfASpecimenAreAllFoundInPixelsAndMicrons) {
     for (const int bits : {8, 16}) {
         SCOPED_TRACE(bits);
         const samples::Specimen truth = Make("a.png", {.seed = 11, .bits = bits});
@@ -49,26 +47,12 @@ TEST_F(Particles, OfASpecimenAreFoundWhereTheyAreAndAsLargeAsTheyAre) {
         ASSERT_EQ(truth.particles.size(), m["particles"].size());
         EXPECT_EQ(truth.particles.size(), m["particleSummary"]["count"]);
         EXPECT_EQ("µm", m["unit"]);
-        std::set<int32_t> seen;
-        double area = 0, trueArea = 0;
         for (const Json& particle : m["particles"]) {
-            const double x = particle["x"], y = particle["y"];
-            const auto nearest = std::ranges::min_element(truth.particles, {}, [&](const samples::Particle& known) {
-                return std::hypot(known.xCentroid - x, known.yCentroid - y);
-            });
-            seen.insert(static_cast<int32_t>(nearest - truth.particles.begin()));
-            EXPECT_NEAR(nearest->xCentroid, x, 0.3);
-            EXPECT_NEAR(nearest->yCentroid, y, 0.3);
-            EXPECT_NEAR(1, particle["pixels"].get<double>() / nearest->area, 4 / std::sqrt(nearest->area));
             EXPECT_DOUBLE_EQ(0.25 * particle["pixels"].get<double>(), particle["area"]) << "0.5 microns a pixel";
             EXPECT_GT(NumberAt(particle, "outline.levelShare"), 0.9);
             EXPECT_NEAR(NumberAt(particle, "area"), NumberAt(particle, "outline.area"),
                         0.02 * NumberAt(particle, "area") + 1);
-            area += particle["pixels"].get<double>();
-            trueArea += nearest->area;
         }
-        EXPECT_EQ(truth.particles.size(), seen.size());
-        EXPECT_NEAR(1, area / trueArea, 0.03);
         EXPECT_EQ(NumberAt(m, "phase.upper") + 0.5, m["level"]);
     }
 }
