@@ -31,7 +31,7 @@ void Combine(World& world, Canvas& canvas, const Rule& rule) {
 
 void Shift(World& world, Canvas& canvas) {
     const auto distance = [&](int32_t size) {
-        const LONG small = static_cast<LONG>(world.choices.Below(static_cast<size_t>(2 * size) + 3)) - size - 1;
+        const LONG small = world.Below(2 * size + 3) - size - 1;
         return world.OneIn(16) ? world.Among({0, kLeast, kMost, 64, -64}) : small;
     };
     const LONG right = distance(canvas.picture.width()), down = distance(canvas.picture.height());
@@ -67,7 +67,7 @@ template <auto method, How how>
 void Rectangle(World& world, Canvas& canvas) {
     const auto length = [&] {
         if (world.OneIn(40)) return world.Among({0, -1, kLeast, kMost});
-        return static_cast<LONG>(1 + world.choices.Below(world.OneIn(8) ? 100 : 9));
+        return 1 + world.Below(world.OneIn(8) ? 100 : 9);
     };
     const LONG width = length(), height = length();
     world.Say("%d %d", static_cast<int>(width), static_cast<int>(height));
@@ -106,13 +106,13 @@ struct AnyElement {
 
 AnyElement ElementFrom(World& world) {
     AnyElement element{CreateObject<IStructuringElement>("Orlix.StructuringElement"), {}};
-    const auto coordinate = [&](size_t reach) {
+    const auto coordinate = [&](LONG reach) {
         if (world.OneIn(60)) return world.Among({kLeast, kMost, 1000, -1000});
-        return static_cast<LONG>(world.choices.Below(2 * reach + 1)) - static_cast<LONG>(reach);
+        return world.Below(2 * reach + 1) - reach;
     };
-    const size_t reach = world.OneIn(6) ? 70 : 4;
+    const LONG reach = world.OneIn(6) ? 70 : 4;
     for (size_t left = world.OneIn(24) ? 0 : 1 + world.choices.Below(8); left > 0; --left) {
-        const LONG x = coordinate(reach), y = coordinate(std::min<size_t>(reach, 24));
+        const LONG x = coordinate(reach), y = coordinate(std::min(reach, LONG{24}));
         const auto run = static_cast<LONG>(world.OneIn(3) && x > -100 && x < 100 ? world.choices.Below(9) : 0);
         for (LONG i = 0; i <= run; ++i) {
             Check(element.object->AddElement(x + i, y), element.object);
@@ -156,7 +156,7 @@ void ApplyTable(World& world, Canvas& canvas) {
     }
     // Tables that only add or only remove come to rest, others may never do so.
     const bool comesToRest = kind == 1 || kind == 2;
-    LONG times = comesToRest && world.OneIn(2) ? kMost : static_cast<LONG>(world.choices.Below(8));
+    LONG times = comesToRest && world.OneIn(2) ? kMost : world.Below(8);
     if (world.OneIn(32)) times = world.Among({-1, kLeast});
     world.Say("kind %d density %d times %d", static_cast<int>(kind), density, static_cast<int>(times));
     LONG passes = -1;

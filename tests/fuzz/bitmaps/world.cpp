@@ -43,15 +43,15 @@ private:
 // A client's region: any runs, some of them empty, some reaching outside.
 class OwnRegion final : public CountedObject<IRegionOfInterest> {
 public:
-    OwnRegion(Choices& choices, LONG width, LONG height)
+    OwnRegion(World& world, LONG width, LONG height)
         : width_(width), height_(height), rows_(static_cast<size_t>(height)) {
-        const size_t longest = 1 + choices.Below(static_cast<size_t>(width) + 4), gap = 1 + choices.Below(20);
+        const LONG longest = 1 + world.Below(width + 4), gap = 1 + world.Below(20);
         for (auto& row : rows_) {
-            if (choices.Chance(30)) continue;
-            for (LONG x = static_cast<LONG>(choices.Below(9)) - 4; x < width + 3;) {
-                const LONG stop = x + static_cast<LONG>(choices.Below(longest)) - 1;
+            if (world.choices.Chance(30)) continue;
+            for (LONG x = world.Below(9) - 4; x < width + 3;) {
+                const LONG stop = x + world.Below(longest) - 1;
                 row.push_back({x, stop, 0, nullptr, nullptr, nullptr, nullptr});
-                x = std::max(x, stop) + 1 + static_cast<LONG>(choices.Below(gap));
+                x = std::max(x, stop) + 1 + world.Below(gap);
             }
         }
     }
@@ -75,15 +75,14 @@ private:
 ComPtr<IRegionOfInterest> ShapeIn(World& world, LONG width, LONG height) {
     auto& choices = world.choices;
     const auto shape = CreateObject<IShapeRegionOfInterest>("Orlix.ShapeRegionOfInterest");
-    const auto place = [&](LONG size) { return static_cast<LONG>(choices.Below(static_cast<size_t>(size) + 8)) - 4; };
+    const auto place = [&](LONG size) { return world.Below(size + 8) - 4; };
     const auto between = [&](LONG size) { return place(size) + static_cast<double>(choices.Below(8)) / 8; };
     switch (choices.Below(3)) {
         case 0: {
             const LONG left = place(width), top = place(height);
-            Check(shape->CreateRectangle(width, height, left, top,
-                                         left + static_cast<LONG>(choices.Below(static_cast<size_t>(width))),
-                                         top + static_cast<LONG>(choices.Below(static_cast<size_t>(height)))),
-                  shape);
+            Check(
+                shape->CreateRectangle(width, height, left, top, left + world.Below(width), top + world.Below(height)),
+                shape);
             break;
         }
         case 1:
@@ -150,13 +149,13 @@ Picture PixelsOf(IBitmap* bitmap) {
 World::World(uint64_t seed, bool verbose) : choices(seed), verbose_(verbose) {
     choices.BeginStep(UINT32_MAX);
     for (auto& [width, height] : sizes_) {
-        width = static_cast<LONG>(1 + choices.Below(70));
-        height = static_cast<LONG>(1 + choices.Below(24));
+        width = 1 + Below(70);
+        height = 1 + Below(24);
         if (OneIn(16))
-            width = static_cast<LONG>(1 + choices.Below(200));
+            width = 1 + Below(200);
         else if (OneIn(16))
             std::swap(width, height);
-        if (width > 70) height = static_cast<LONG>(1 + choices.Below(9));
+        if (width > 70) height = 1 + Below(9);
     }
     for (Canvas& canvas : canvases_) {
         canvas.bitmap = CreateObject<IBitmapProcess>("Orlix.Bitmap");
@@ -189,8 +188,8 @@ AnyConnectivity World::Connectivity() {
 }
 
 LONG World::Amount() {
-    LONG amount = static_cast<LONG>(1 + choices.Below(4));
-    if (OneIn(5)) amount = static_cast<LONG>(choices.Below(30));
+    LONG amount = 1 + Below(4);
+    if (OneIn(5)) amount = Below(30);
     if (OneIn(24)) amount = Among({0, -1, kLeast, 200, kMost});
     Say("%d ", static_cast<int>(amount));
     return amount;
@@ -203,7 +202,7 @@ Operand World::AnyOperand() {
         Say("bitmap %d ", static_cast<int>(which));
         return {Cast<IBitmap>(canvas.bitmap), canvas.picture};
     }
-    const LONG rowBytes = (canvas.picture.width() + 7) / 8 + static_cast<LONG>(choices.Below(4));
+    const LONG rowBytes = (canvas.picture.width() + 7) / 8 + Below(4);
     const uint8_t padding = choices.Byte();
     Say("bitmap %d with %d bytes a row ", static_cast<int>(which), static_cast<int>(rowBytes));
     const auto own = MakeCounted<OwnBitmap>(canvas.picture, rowBytes, padding);
@@ -226,7 +225,7 @@ void World::Fill(Canvas& canvas) {
     const int32_t width = picture.width(), height = picture.height();
     const size_t kind = choices.Below(10);
     Say("fill %d ", static_cast<int>(kind));
-    const auto place = [&](int32_t size) { return static_cast<int32_t>(choices.Below(static_cast<size_t>(size))); };
+    const auto place = [&](int32_t size) { return Below(size); };
     picture = Picture(width, height);
     if (kind < 4) {
         const int density = kind == 0 ? 128 : choices.Byte();
@@ -240,7 +239,7 @@ void World::Fill(Canvas& canvas) {
     } else if (kind < 8) {  // lines, in all directions
         for (size_t left = 1 + choices.Below(10); left > 0; --left) {
             int32_t x = place(width), y = place(height);
-            const auto dx = static_cast<int32_t>(choices.Below(3)) - 1, dy = static_cast<int32_t>(choices.Below(3)) - 1;
+            const LONG dx = Below(3) - 1, dy = Below(3) - 1;
             for (int32_t i = 0; i < 70 && IsInside(picture, x, y); ++i, x += dx, y += dy) picture.setBit(x, y, true);
         }
     } else if (kind == 8) {  // rings in one another
@@ -270,7 +269,7 @@ void World::PutRegion(Canvas& canvas) {
         case 1:
         case 2:
             Say("own region ");
-            region = ComPtr<IRegionOfInterest>(MakeCounted<OwnRegion>(choices, width, height).get());
+            region = ComPtr<IRegionOfInterest>(MakeCounted<OwnRegion>(*this, width, height).get());
             break;
         case 3:
             Say("shape ");
@@ -283,9 +282,7 @@ void World::PutRegion(Canvas& canvas) {
             const Canvas& from = AnyCanvas();
             Check(from.bitmap->FindBlobs(CT_8, blobs.Out()), from.bitmap);
             Check(blobs->get_Count(&count), blobs);
-            if (count > 0)
-                Check(blobs->get_Region(static_cast<LONG>(choices.Below(static_cast<size_t>(count))), region.Out()),
-                      blobs);
+            if (count > 0) Check(blobs->get_Region(Below(count), region.Out()), blobs);
         }
     }
     Check(canvas.bitmap->put_RegionOfInterest(region.get()), canvas.bitmap);
@@ -312,9 +309,8 @@ void World::Write(Canvas& canvas) {
     Picture& picture = canvas.picture;
     IBitmapProcess& bitmap = *canvas.bitmap.get();
     const auto how = static_cast<DrawType>(choices.Below(3));
-    const auto x = static_cast<LONG>(choices.Below(static_cast<size_t>(picture.width())));
-    const auto y = static_cast<LONG>(choices.Below(static_cast<size_t>(picture.height())));
-    const LONG x2 = x + static_cast<LONG>(choices.Below(40)), y2 = y + static_cast<LONG>(choices.Below(20));
+    const LONG x = Below(picture.width()), y = Below(picture.height());
+    const LONG x2 = x + Below(40), y2 = y + Below(20);
     const double radius = static_cast<double>(choices.Below(80)) / 8;
     const auto draw = [&](const char* name, HRESULT result, const auto& inside) {
         Say("%s %d %d %d %d %g how %d ", name, static_cast<int>(x), static_cast<int>(y), static_cast<int>(x2),
@@ -403,8 +399,7 @@ void World::Step(uint64_t step) {
             operation.run(*this, canvas);
         }
         for (const Canvas& each : canvases_) Compare(each);
-        const auto x = static_cast<LONG>(choices.Below(static_cast<size_t>(canvas.picture.width())));
-        const auto y = static_cast<LONG>(choices.Below(static_cast<size_t>(canvas.picture.height())));
+        const LONG x = Below(canvas.picture.width()), y = Below(canvas.picture.height());
         LONG bit = -1;
         Check(canvas.bitmap->get_Bit(x, y, &bit), canvas.bitmap);
         Require(bit == canvas.picture.bit(x, y), "get_Bit", canvas.picture.bit(x, y), bit);

@@ -69,6 +69,7 @@ public:
     // For operations. What is drawn is said, so that a report shows it.
     Choices choices;
     void Say(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    LONG Below(LONG n) { return static_cast<LONG>(choices.Below(static_cast<size_t>(n))); }
     LONG Among(std::initializer_list<LONG> values) { return values.begin()[choices.Below(values.size())]; }
     bool OneIn(size_t n) { return choices.Below(n) == 0; }
     AnyConnectivity Connectivity();
