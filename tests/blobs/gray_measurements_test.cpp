@@ -1,6 +1,7 @@
 #include "blobs/gray_measurements.hpp"
 
 #include "binary/binary_pictures.hpp"
+#include "numerics/linear_system.hpp"
 #include "support/band.hpp"
 
 namespace orlix {
@@ -69,29 +70,29 @@ TYPED_TEST(GreyMeasuring, FollowsTheDefinitions) {
         EXPECT_EQ(sum, measured.volumeOverZero);
         EXPECT_NEAR(sum - n * values.front(), measured.volumeOverMinimum, 1e-6);
 
-        // The plane leaves residuals that are orthogonal to 1, x and y: solved here by orthogonalisation.
+        // The plane by the normal equations of its pixels.
         if (around.size() < 3) {
             EXPECT_TRUE(std::isnan(measured.volumeOverPlane));
             continue;
         }
-        const auto count = static_cast<double>(around.size());
-        double mx = 0, my = 0, mg = 0;
-        for (const auto& p : around) mx += p[0] / count, my += p[1] / count, mg += p[2] / count;
-        double xx = 0, xy = 0;
-        for (const auto& p : around) xx += (p[0] - mx) * (p[0] - mx), xy += (p[0] - mx) * (p[1] - my);
-        double yy = 0, xg = 0, yg = 0;
-        for (const auto& p : around) {
-            const double v = p[1] - my - xy / xx * (p[0] - mx);
-            yy += v * v, yg += v * p[2], xg += (p[0] - mx) * p[2];
+        std::vector<double> matrix(9), right(3), plane(3);
+        for (const auto& [u, v, g] : around) {
+            const double terms[] = {1, u - around[0][0], v - around[0][1]};
+            for (size_t i = 0; i < 3; ++i) {
+                right[i] += terms[i] * g;
+                for (size_t k = 0; k < 3; ++k) matrix[3 * i + k] += terms[i] * terms[k];
+            }
         }
-        if (!(xx > 0 && yy > 1e-6)) continue;
+        const SingularValueDecomposition decomposition(matrix, 3, 3);
+        if (decomposition.Rank() < 3) continue;
+        decomposition.Solve(right, plane);
         ++planes;
         double above = 0;
         for (int32_t row = 0; row < 29; ++row)
             for (int32_t column = 0; column < 41; ++column)
                 if (in(column, row))
-                    above += static_cast<double>(picture.source().at(column, row)) - mg - xg / xx * (column - mx) -
-                             yg / yy * (row - my - xy / xx * (column - mx));
+                    above += static_cast<double>(picture.source().at(column, row)) - plane[0] -
+                             plane[1] * (column - around[0][0]) - plane[2] * (row - around[0][1]);
         EXPECT_NEAR(above, measured.volumeOverPlane, 1e-8 * (1 + sum));
     }
     EXPECT_GT(planes, 10);
