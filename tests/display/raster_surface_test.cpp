@@ -176,22 +176,6 @@ std::vector<uint32_t> Shown(const std::vector<uint8_t>& levels, int32_t columns,
     return row;
 }
 
-TEST(RasterSurface, KnownRows) {
-    using Row = std::vector<uint32_t>;
-    EXPECT_EQ((Row{10, 10, 20, 20, 30, 30}), Shown({10, 20, 30}, 6, Scaling::Nearest));
-    EXPECT_EQ((Row{20, 40}), Shown({10, 20, 30, 40}, 2, Scaling::Nearest));  // centres lie on edges: the right pixel
-    EXPECT_EQ((Row{40, 20}), Shown({10, 20, 30, 40}, -2, Scaling::Nearest));
-    // Quarters between the centres: 63.75 and 191.25.
-    EXPECT_EQ((Row{0, 64, 191, 255}), Shown({0, 255}, 4, Scaling::Smooth));
-    EXPECT_EQ((Row{3, 6}), Shown({2, 3, 5, 6}, 2, Scaling::Smooth));     // 2.5 and 5.5, halves up
-    EXPECT_EQ((Row{30, 150}), Shown({0, 90, 180}, 2, Scaling::Smooth));  // two thirds and a third
-    // Equal pixels stay what they are, whatever the scale.
-    for (const int32_t columns : {1, 2, 3, 7, 640, 997, 1000, 1003, 5000})
-        for (const uint8_t level : {uint8_t{1}, uint8_t{254}, uint8_t{255}})
-            EXPECT_EQ(Row(static_cast<size_t>(columns), level),
-                      Shown(std::vector<uint8_t>(1000, level), columns, Scaling::Smooth));
-}
-
 // Wide rows are worked on in parts.
 TEST(RasterSurface, LongRowsAreAveragedInOnePiece) {
     const int32_t width = 30011;

@@ -34,31 +34,10 @@ std::vector<SurfacePoint> PointsOn(const Hemisphere& truth, int32_t width, int32
     return points;
 }
 
-// The error is that of the rounded heights.
-template <class T>
-void ExpectCap(double level, double scale, double most) {
-    const Hemisphere truth{70, 70, level, scale, 65};
-    ForeignRegion region;
-    region.box = {20, 30, 119, 109};
-    for (LONG y = 30; y < 110; ++y) region.rows[y] = {MakeRun(20, 119)};
-    const RegionPicture<T> picture(
-        141, 141, [&](int x, int y) { return HeightOf(truth, x, y); }, &region);
-    const auto fit = FitHemisphere(picture.region(), AverageOf(PointsOf(picture.region())));
-    ASSERT_TRUE(fit);
-    EXPECT_LT(Error(truth, *fit), most) << level << " " << scale;
-}
-
-TEST(HemisphereFit, RecoversCapsOfEveryType) {
-    ExpectCap<uint8_t>(20, 0.5, 0.01);
-    ExpectCap<uint8_t>(200, -1, 0.03);
-    ExpectCap<uint16_t>(60000, -1.0 / 64, 1e-4);
-    ExpectCap<uint32_t>(4e9, -0x1p-20, 1e-8);
-    ExpectCap<float>(-300, 0.5, 1e-6);
-}
-
 TEST(HemisphereFit, RecoversCapsFromAnywhere) {
     const Hemisphere caps[] = {{100.3, 98.7, 20, 0.5, 80},   {100.3, 98.7, 20, -0.5, 80}, {100.3, 98.7, -1e6, 0.5, 1e4},
-                               {100.3, 98.7, 1e5, -20, 500}, {-3000, 150, 20, 1e-3, 1e4}, {20, 30, 0, 1e6, 25}};
+                               {100.3, 98.7, 1e5, -20, 500}, {-3000, 150, 20, 1e-3, 1e4}, {20, 30, 0, 1e6, 25},
+                               {70, 70, 4e9, -0x1p-20, 65},  {70, 70, 6e4, -1.0 / 64, 65}};
     for (const Hemisphere& truth : caps) {
         const std::vector<SurfacePoint> points = PointsOn(truth, 200, 200);
         const auto fit = FitHemisphere(PointRuns(points), AverageOf(points));

@@ -50,11 +50,6 @@ Pixels Walked(const Line& line, int32_t width, int32_t height) {
     }
 }
 
-TEST(Line, HalfAStepGoesAwayFromTheFirstEnd) {
-    EXPECT_EQ((Pixels{{0, 0}, {1, 1}, {2, 1}}), Visible({0, 0, 2, 1}, 10, 10));
-    EXPECT_EQ((Pixels{{2, 1}, {1, 0}, {0, 0}}), Visible({2, 1, 0, 0}, 10, 10));
-}
-
 TEST(Line, EqualsTheWalkForAllSmallLines) {
     for (int32_t x1 = -4; x1 < 9; ++x1)
         for (int32_t y1 = -4; y1 < 8; ++y1)
