@@ -1,4 +1,4 @@
-#include "files/check_image_file.hpp"
+#include "files/corpus.hpp"
 
 #include <cmath>
 #include <cstring>

@@ -1,11 +1,10 @@
-#include "files/check_image_stream.hpp"
+#include "files/corpus.hpp"
 
 #include <cmath>
 #include <cstring>
 #include <string>
 
 #include "component/failure.hpp"
-#include "files/check_image_file.hpp"
 #include "files/memory_stream.hpp"
 
 namespace orlix::test {

@@ -1,10 +1,8 @@
 // The fuzzers' seeds, and mutations of them, as a test of every build.
 #include <stdexcept>
 
-#include "files/check_image_file.hpp"
-#include "files/check_image_stream.hpp"
+#include "files/corpus.hpp"
 #include "files/reading.hpp"
-#include "files/seeds.hpp"
 
 namespace orlix::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "files/seeds.hpp"
+#include "files/corpus.hpp"
 
 #include <algorithm>
 

@@ -3,8 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "files/check_image_stream.hpp"
-#include "files/seeds.hpp"
+#include "files/corpus.hpp"
 
 int main(int count, char** arguments) {
     if (count != 3) {

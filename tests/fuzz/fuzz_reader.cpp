@@ -1,0 +1,26 @@
+// The fuzzer of a reader: ORLIX_FORMAT is png, bmp, pnm or stream.
+#include <algorithm>
+#include <string_view>
+
+#include "files/corpus.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    using namespace orlix::test;
+    constexpr std::string_view kFormat = ORLIX_FORMAT;
+    Bytes file(data, data + size);
+    if (kFormat == "stream") {
+        CheckStreamReading(file);
+        CheckStreamReading(WithSoundPixels(file));
+        return 0;
+    }
+    // Spares the fuzzer the search for the signature.
+    constexpr uint8_t kKinds[] = {'2', '3', '5', '6'};
+    const Bytes signature = kFormat == "png"   ? PngSignature()
+                            : kFormat == "bmp" ? FromText("BM")
+                                               : Bytes{'P', kKinds[size > 1 ? data[1] % 4 : 0]};
+    std::copy_n(signature.begin(), std::min(signature.size(), size), file.begin());
+    if (kFormat == "png") file = WithRightChecksums(file);
+    CheckReading(file);
+    if (kFormat == "png") CheckWriting(file);
+    return 0;
+}
