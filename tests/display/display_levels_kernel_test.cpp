@@ -33,7 +33,11 @@ void ExpectLevels(T lower, T upper, const std::vector<T>& pixels) {
         } else if constexpr (std::is_same_v<T, float>) {
             const double width = static_cast<double>(upper) - static_cast<double>(lower);
             const double part = (static_cast<double>(pixel) - static_cast<double>(lower)) / width;
-            ASSERT_NEAR(255 * std::clamp(part, 0.0, 1.0), levels[i], 0.5 + 1e-9) << pixel;  // any rounding of halves
+            const double level = 255 * std::clamp(part, 0.0, 1.0);
+            ASSERT_NEAR(level, levels[i], 0.5 + 1e-9) << pixel;
+            if (lower == -upper) {  // 0 lies at an exact half
+                ASSERT_EQ(std::floor(level + 0.5), levels[i]) << pixel;
+            }
         } else {
             const int64_t sign = lower < upper ? 1 : -1, width = sign * (int64_t{upper} - lower);
             const int64_t part = std::clamp<int64_t>(sign * (int64_t{pixel} - lower), 0, width);
@@ -46,7 +50,8 @@ TYPED_TEST(DisplayLevels, FollowTheRuleForEveryKindOfRange) {
     using T = TypeParam;
     std::vector<T> ends = Noise<T>(20, 3), pixels = Noise<T>(50, 4);
     ends.insert(ends.end(), {T{0}, T{1}, T{7}, T{100}, T{200}, T{255}});
-    ends.insert(ends.end(), {std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max()});
+    ends.insert(ends.end(), {static_cast<T>(-1), std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max()});
+    for (int p = 0; p < 256 && sizeof(T) == 1; p += 5) ends.push_back(static_cast<T>(p));
     pixels.insert(pixels.end(), ends.begin(), ends.end());
     for (int p = 0; p < 256; ++p) pixels.push_back(static_cast<T>(p));
     for (const T lower : ends)

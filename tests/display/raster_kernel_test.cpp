@@ -142,6 +142,8 @@ TEST(PickPlan, TakesTheFirstShapeThatTheColumnsAreCloseEnoughFor) {
         for (int32_t i = 0; i < 20; ++i) columns[static_cast<size_t>(i)] = i * c.step;
         EXPECT_EQ(c.expected, PickPlan(columns, c.rowLength, c.shapes).picks().shape) << c.step << ", " << c.rowLength;
     }
+    const Shapes pixels{{4, 8}};
+    EXPECT_EQ(2, PickPlan({9, 7, 7, 5, 3}, 10, pixels).picks().bases[0]) << "no further than the row";
 }
 
 }  // namespace

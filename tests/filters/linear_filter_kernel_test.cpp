@@ -102,8 +102,11 @@ TYPED_TEST(LinearFilterKernel, EveryVariantGivesTheWeightedSum) {
         std::mt19937 random(1);
         const SourceRows<T> rows(filter.radius(), n, 0, [&](size_t, size_t count) {
             std::vector<T> row(count);
-            // From flat to the whole range of a byte.
-            for (size_t i = 0; i < count; ++i) row[i] = static_cast<T>(100 + random() % (1 + i * 156 / count));
+            // From flat to the whole range of the type, or of a byte, whose sums are exact in float.
+            const double most = std::is_same_v<T, float> ? 255 : std::numeric_limits<T>::max();
+            for (size_t i = 0; i < count; ++i)
+                row[i] = static_cast<T>(std::floor(
+                    most * (0.4 + 0.6 * static_cast<double>(random() % 1000 * i) / static_cast<double>(1000 * count))));
             return row;
         });
         for (const auto& variant : filter.variants) {
@@ -142,6 +145,18 @@ TEST(LinearFilterWords, DivideBySixExactly) {
     }
 }
 
+TEST(LinearFilterFloats, LeaveFlatImagesExactlyAsTheyAre) {
+    for (const float level : FiniteNoise(200, 9))
+        for (const auto& filter : LinearFilters<float>()) {
+            const SourceRows<float> rows(filter.radius(), 100, 0,
+                                         [&](size_t, size_t count) { return std::vector<float>(count, level); });
+            std::vector<float> to(100);
+            filter.variants.back().fn(rows.pointers.data(), to.data(), 100, Ranges<float>().front());
+            const float want = std::string_view(filter.name) == "Laplacian" ? 0 : level;
+            for (const float got : to) ASSERT_EQ(want, got) << filter.name;
+        }
+}
+
 TEST(LinearFilterFloats, KeepNanAndWhatInfinitiesLeave) {
     const float nan = std::bit_cast<float>(0x7fc00000);
     for (const auto& filter : LinearFilters<float>()) {
@@ -154,13 +169,17 @@ TEST(LinearFilterFloats, KeepNanAndWhatInfinitiesLeave) {
                      {kFloatInfinity, other, nan}};
         for (const auto& [centre, left, want] : cases)
             for (const auto& variant : filter.variants) {
-                SourceRows<float> rows(filter.radius(), 1, 0,
+                SourceRows<float> rows(filter.radius(), 70, 0,
                                        [](size_t, size_t count) { return std::vector<float>(count, 1.0f); });
-                rows.rows[filter.radius()][filter.radius()] = centre;
-                rows.rows[filter.radius()][filter.radius() - 1] = left;
-                float to = 0;
-                variant.fn(rows.pointers.data(), &to, 1, {0, 5});
-                EXPECT_TRUE(SameBits(&want, &to, 1)) << filter.name << " " << variant.name;
+                float to[70];
+                for (const size_t x : {size_t{0}, size_t{5}, size_t{33}, size_t{69}}) {
+                    const std::vector<float> before = rows.rows[filter.radius()];
+                    rows.rows[filter.radius()][x + filter.radius()] = centre;
+                    rows.rows[filter.radius()][x + filter.radius() - 1] = left;
+                    variant.fn(rows.pointers.data(), to, 70, {0, 5});
+                    EXPECT_TRUE(SameBits(&want, &to[x], 1)) << filter.name << " " << variant.name << " at " << x;
+                    std::ranges::copy(before, rows.rows[filter.radius()].begin());
+                }
             }
     }
 }

@@ -203,7 +203,7 @@ TEST(BytePoint, TablesThatAreNearlyRampsStayTables) {
         }
 }
 
-TEST(BytePoint, ANumberThatIsNoneGivesLowerAndAFillItsLevel) {
+TEST(BytePoint, AddingNanGivesLowerAndFillingTheLevel) {
     EXPECT_EQ(9, Applied<uint8_t>(PointOperation<uint8_t>::Add(kNaN, 9, 255), 10));
     EXPECT_EQ(77, Applied<uint8_t>(PointOperation<uint8_t>::Fill(77), 0));
 }

@@ -1,4 +1,4 @@
-// GoogleTest and the parts of the standard library that tests use everywhere; tests/CMakeLists.txt precompiles them.
+// GoogleTest and the parts of the standard library that tests use everywhere; tests/CMakeLists.txt precompiles most.
 #pragma once
 
 #include <gmock/gmock.h>
