@@ -18,8 +18,9 @@ public:
     DeviceRenderer(const DeviceRenderer&) = delete;
     DeviceRenderer& operator=(const DeviceRenderer&) = delete;
 
-    // What to draw on a device rectangle. nullopt: there is nothing to draw, and Render returns S_FALSE.
-    using MakeDrawing = std::function<std::optional<PictureDrawing>(const Rectangle& dest)>;
+    // What to draw on a device rectangle. nullopt: there is nothing to draw, and Render returns S_FALSE. kept: the
+    // context, a metafile's, keeps the whole bitmap.
+    using MakeDrawing = std::function<std::optional<PictureDrawing>(const Rectangle& dest, bool kept)>;
     // Draws the overlay on the context (HDC): the picture's own, or a memory context that is then copied to it. kind is
     // the kind of the client's context.
     using DrawOver = std::function<void(void* context, RenderSourceType kind)>;

@@ -16,14 +16,21 @@ namespace orlix {
 
 namespace {
 
+// A part of the picture: columns x to end - 1 of the rows y to bottom - 1.
+struct Part {
+    int32_t x, end, y, bottom;
+    size_t width() const { return static_cast<size_t>(end - x); }
+};
+
 // The levels of a band, with rows padded with zeros.
 template <class Pixel>
-void ComputeLevels(const PixelView<Pixel>& view, const LevelMapping<Pixel>& levelsOf, const DisplayBitmap& bitmap) {
-    const auto width = static_cast<size_t>(bitmap.width);
-    for (int32_t y = 0; y < bitmap.height; ++y) {
-        uint8_t* const levels = bitmap.row(y);
-        levelsOf(view.row(y), width, levels);
-        std::fill(levels + width, levels + bitmap.rowStride, uint8_t{0});
+void ComputeLevels(const PixelView<Pixel>& view, const LevelMapping<Pixel>& levelsOf, const Part& part,
+                   const DisplayBitmap& bitmap) {
+    const bool last = part.end == bitmap.width;
+    for (int32_t y = part.y; y < part.bottom; ++y) {
+        uint8_t* const row = bitmap.row(y);
+        levelsOf(view.row(y) + part.x, part.width(), row + part.x);
+        if (last) std::fill(row + part.end, row + bitmap.rowStride, uint8_t{0});
     }
 }
 
@@ -37,20 +44,19 @@ PointOperation<uint8_t> ColorsOf(const ColorTable& colors, int32_t channel) {
 }
 
 template <class Pixel>
-void ComputeColors(Frame<Pixel>& frame, const LevelMapping<Pixel>& levelsOf, const ColorTable& colors,
-                   const DisplayBitmap& bitmap) {
-    const auto width = static_cast<size_t>(bitmap.width);
+void ComputeColors(Frame<Pixel>& frame, const LevelMapping<Pixel>& levelsOf, const PointOperation<uint8_t> (&tables)[3],
+                   const Part& part, const DisplayBitmap& bitmap) {
+    const size_t width = part.width();
     const ExpandPlanesFn join = Choose(kExpandPlanes);
     const PixelView<Pixel> bands[] = {frame.view(0), frame.view(1), frame.view(2)};
-    const PointOperation<uint8_t> tables[] = {ColorsOf(colors, 0), ColorsOf(colors, 1), ColorsOf(colors, 2)};
     std::vector<uint8_t> levels(3 * width);
-    for (int32_t y = 0; y < bitmap.height; ++y) {
+    for (int32_t y = part.y; y < part.bottom; ++y) {
         for (size_t channel = 0; channel < 3; ++channel) {
             uint8_t* const plane = levels.data() + channel * width;
-            levelsOf(bands[channel].row(y), width, plane);
+            levelsOf(bands[channel].row(y) + part.x, width, plane);
             tables[channel](plane, width);
         }
-        join(reinterpret_cast<uint32_t*>(bitmap.row(y)), levels.data(), levels.data() + width,
+        join(reinterpret_cast<uint32_t*>(bitmap.row(y)) + part.x, levels.data(), levels.data() + width,
              levels.data() + 2 * width, width);
     }
 }
@@ -105,41 +111,53 @@ void DisplayedImage::ContentReplaced() {
     PutDisplayDirty(true);
 }
 
-const DisplayBitmap& DisplayedImage::Display() {
+const DisplayBitmap& DisplayedImage::Bitmap() {
     if (current_ && !DisplayDirty()) return bitmap_;
     if (store().empty() || store().refused()) {
         bitmap_ = DisplayBitmap();
     } else {
-        Compute();
+        const ImageLayout& layout = store().layout();
+        const auto width = static_cast<size_t>(layout.width);
+        const auto height = static_cast<size_t>(layout.height);
+        // At most 4/3 of the size of the image itself, as a colour display needs at least three bands: the product
+        // below does not overflow.
+        const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
+        current_ = false;
+        bitmap_.pixels.Resize(height * rowStride);
+        bitmap_.width = layout.width;
+        bitmap_.height = layout.height;
+        bitmap_.bitsPerPixel = ShowsColor() ? 32 : 8;
+        bitmap_.rowStride = rowStride;
+        stale_.Reset(layout.width, layout.height);
     }
     PutDisplayDirty(false);
     current_ = true;
     return bitmap_;
 }
 
-void DisplayedImage::Compute() {
-    const ImageLayout& layout = store().layout();
-    const auto width = static_cast<size_t>(layout.width);
-    const auto height = static_cast<size_t>(layout.height);
-    // At most 4/3 of the size of the image itself, as a colour display needs at least three bands: the product below
-    // does not overflow.
-    const size_t rowStride = ShowsColor() ? 4 * width : (width + 3) / 4 * 4;
-    current_ = false;
-    bitmap_.pixels.Resize(height * rowStride);
-    bitmap_.width = layout.width;
-    bitmap_.height = layout.height;
-    bitmap_.bitsPerPixel = ShowsColor() ? 32 : 8;
-    bitmap_.rowStride = rowStride;
+void DisplayedImage::Show(const Rectangle& part) {
+    if (Bitmap().bitsPerPixel == 0 || part.empty()) return;
     WithFrame(*typed_, [&]<class Pixel>(Frame<Pixel>& frame) {
         const auto levelsOf = LevelsOf<Pixel>(state_);
-        if (ShowsColor()) return ComputeColors(frame, levelsOf, state_.colors, bitmap_);
-        ComputeLevels(frame.view(ShownBand()), levelsOf, bitmap_);
+        if (!ShowsColor()) {
+            const PixelView<Pixel> view = frame.view(ShownBand());
+            return stale_.Take(part, [&](auto... edges) { ComputeLevels(view, levelsOf, {edges...}, bitmap_); });
+        }
+        const PointOperation<uint8_t> tables[] = {ColorsOf(state_.colors, 0), ColorsOf(state_.colors, 1),
+                                                  ColorsOf(state_.colors, 2)};
+        stale_.Take(part, [&](auto... edges) { ComputeColors(frame, levelsOf, tables, {edges...}, bitmap_); });
     });
 }
 
+const DisplayBitmap& DisplayedImage::Display() {
+    Show({0, 0, Bitmap().width, Bitmap().height});
+    return bitmap_;
+}
+
 std::optional<ShownPixel> DisplayedImage::Shown(int32_t x, int32_t y) {
-    const DisplayBitmap& bitmap = Display();
+    const DisplayBitmap& bitmap = Bitmap();
     if (bitmap.bitsPerPixel == 0) return std::nullopt;
+    Show({x, y, 1, 1});
     const double value =
         WithFrame(*typed_, [&](auto& frame) { return static_cast<double>(frame.view(ShownBand()).row(y)[x]); });
     const uint8_t* const row = bitmap.row(y);

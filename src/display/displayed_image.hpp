@@ -8,6 +8,7 @@
 
 #include "display/display_bitmap.hpp"
 #include "display/display_state.hpp"
+#include "display/stale_tiles.hpp"
 #include "image/changes.hpp"
 #include "process/typed_image.hpp"
 
@@ -22,8 +23,9 @@ struct ShownPixel {
 // The operations are those of IDisplayProcess, which documents them. Notes:
 //  (1) The display range and the colour table survive until the pixel type changes; every creation sets the band to
 //      display anew, like the band to process.
-//  (2) Display() follows every change that is counted in the image's record (image/changes.hpp). Code that writes
-//      pixels through a pointer must report it by PutDisplayDirty().
+//  (2) The bitmap follows every change that is counted in the image's record (image/changes.hpp). Code that writes
+//      pixels through a pointer must report it by PutDisplayDirty(); until then the parts that were shown stay as they
+//      were, and other parts may be computed from the old pixels or the new ones.
 class DisplayedImage {
 public:
     // Null for a type that images cannot have. changes: the record of the image object, which outlives this object.
@@ -35,8 +37,12 @@ public:
     // To be called after every creation.
     void ContentReplaced();
 
-    // The current bitmap, recomputed only when something has changed since the last call. Valid until the next call and
-    // until the image is released. Raises std::bad_alloc.
+    // The bitmap in its current size. Its pixels are current where Show() was called for them since the last change.
+    // Valid until the next call and until the image is released. Raises std::bad_alloc.
+    const DisplayBitmap& Bitmap();
+    // Computes what has changed of a part of the bitmap; empty, or inside it. Raises std::bad_alloc.
+    void Show(const Rectangle& part);
+    // The whole bitmap.
     const DisplayBitmap& Display();
 
     // The pixel of the band shown, or of band 0 where three bands are shown; (x, y) lies on the image. nullopt for an
@@ -68,7 +74,6 @@ public:
 private:
     explicit DisplayedImage(std::unique_ptr<TypedImage> typed);
 
-    void Compute();
     // For an image that is not empty: whether all of its bands are shown and there are at least three. The first three
     // are then shown in colour; otherwise the selected band is shown, or the first.
     bool ShowsColor();
@@ -77,7 +82,8 @@ private:
     std::unique_ptr<TypedImage> typed_;
     DisplayState state_;
     DisplayBitmap bitmap_;
-    bool current_ = false;  // bitmap_ was computed from the state in shown_
+    StaleTiles stale_;      // of bitmap_
+    bool current_ = false;  // bitmap_ and stale_ stand for the state in shown_
     Changes shown_;
 };
 

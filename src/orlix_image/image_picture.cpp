@@ -14,7 +14,9 @@ HRESULT ImagePicture::RenderOnDevice(void* hdcDest, const Rectangle& dest, const
         };
     return renderer_.Render(
         hdcDest, dest,
-        [&](const Rectangle& device) { return DrawingOf(typed.get(), kind, device, core().surround, core().view); },
+        [&](const Rectangle& device, bool kept) {
+            return DrawingOf(typed.get(), kind, device, core().surround, core().view, kept);
+        },
         drawOver);
 }
 

@@ -29,21 +29,41 @@ RenderKind Stretch(const Rectangle& source) {
             }};
 }
 
-const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage) try {
+namespace {
+
+// show() gives the bitmap of an image that is there.
+template <class Show>
+const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage,
+                              const Show& show) try {
     if (!image) throw Failure(noImage);
     if (image->store().refused()) throw Failure(unavailable);
-    const DisplayBitmap& bitmap = image->Display();
+    const DisplayBitmap& bitmap = show();
     if (bitmap.bitsPerPixel < 8) throw Failure(noImage);
     return bitmap;
 } catch (const std::bad_alloc&) {
     throw Failure(unavailable);
 }
 
+}  // namespace
+
+const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage) {
+    return BitmapOf(image, unavailable, noImage, [&]() -> const DisplayBitmap& { return image->Display(); });
+}
+
 std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind& kind, const Rectangle& dest,
-                                        OLE_COLOR surround, View& lastView) {
-    const DisplayBitmap& bitmap = BitmapOf(image, kind.noBitmap, "IPictureEx::Render: No image.");
+                                        OLE_COLOR surround, View& lastView, bool whole) {
+    std::optional<View> view;
+    const DisplayBitmap& bitmap =
+        BitmapOf(image, kind.noBitmap, "IPictureEx::Render: No image.", [&]() -> const DisplayBitmap& {
+            const DisplayBitmap& shown = image->Bitmap();
+            if (shown.bitsPerPixel != 0 && !dest.empty()) {
+                view = kind.view(shown, dest);
+                if (view) image->Show(whole ? Rectangle{0, 0, shown.width, shown.height} : view->source);
+            }
+            return shown;
+        });
     if (dest.empty()) return std::nullopt;
-    PictureDrawing drawing{bitmap, image->displayState().colors, dest, kind.view(bitmap, dest), surround};
+    PictureDrawing drawing{bitmap, image->displayState().colors, dest, view, surround};
     if (drawing.view) lastView = *drawing.view;
     return drawing;
 }

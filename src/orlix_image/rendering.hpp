@@ -27,8 +27,9 @@ RenderKind Stretch(const Rectangle& source);
 // The bitmap of an image that may be missing (null) or empty; either raises its own text.
 const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage);
 
-// nullopt for an empty destination. lastView is set to the view of the drawing, if it has one.
+// nullopt for an empty destination. lastView is set to the view of the drawing, if it has one. Of the bitmap only what
+// is drawn is current, or all of it (whole).
 std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind& kind, const Rectangle& dest,
-                                        OLE_COLOR surround, View& lastView);
+                                        OLE_COLOR surround, View& lastView, bool whole = false);
 
 }  // namespace orlix

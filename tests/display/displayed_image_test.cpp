@@ -43,6 +43,33 @@ TEST(DisplayBitmap, HoldsTheLevelsBottomUpInRowsPaddedWithZeros) {
     EXPECT_EQ((Levels{0, 128, 255, 0}), Row(image->Display(), 1));
 }
 
+// Parts of any place and size, with changes in between, next to an image that is shown as a whole.
+TEST(DisplayBitmap, HoldsThePartsThatAreShown) {
+    std::mt19937 random(1);
+    const auto below = [&](int64_t n) { return static_cast<int64_t>(random() % static_cast<uint32_t>(n)); };
+    for (const LONG bands : {1, 3}) {
+        const auto parts = Bytes(301, 50, bands), whole = Bytes(301, 50, bands);
+        for (int step = 0; step < 300; ++step) {
+            if (below(4) == 0)
+                for (const TestImage* image : {&parts, &whole}) {
+                    (*image)->PutDisplayRange(step % 100, 200);
+                    (*image)->store().base(bands - 1)[step % 301] = static_cast<uint8_t>(step);
+                }
+            Rectangle part{below(301), below(50), 0, 0};
+            part.width = 1 + below(301 - part.x);
+            part.height = 1 + below(50 - part.y);
+            parts->Show(part);
+            const DisplayBitmap &got = parts->Bitmap(), &want = whole->Display();
+            ASSERT_FALSE(parts->DisplayDirty());
+            const auto bytes = static_cast<size_t>(got.bitsPerPixel / 8);
+            for (auto y = static_cast<int32_t>(part.y); y < part.bottom(); ++y)
+                ASSERT_EQ(0, std::memcmp(want.row(y) + static_cast<size_t>(part.x) * bytes,
+                                         got.row(y) + static_cast<size_t>(part.x) * bytes,
+                                         static_cast<size_t>(part.width) * bytes));
+        }
+    }
+}
+
 TEST(DisplayBitmap, IsComputedAnewOnlyAfterAChange) {
     const auto image = Bytes(1, 1, 1);
     uint8_t& pixel = *image->store().base(0);

@@ -99,7 +99,7 @@ HRESULT DeviceRenderer::Render(void* hdcDest, const Rectangle& dest, const MakeD
     const SavedContext saved(context);
     const Rectangle device = ToDevice(context, dest);
     if (kind == OBJ_DC || kind == OBJ_MEMDC) UseDeviceCoordinates(context);
-    const std::optional<PictureDrawing> drawing = makeDrawing(device);
+    const std::optional<PictureDrawing> drawing = makeDrawing(device, kind == OBJ_METADC || kind == OBJ_ENHMETADC);
     if (!drawing) return S_FALSE;
 
     // Taken out of buffer_ meanwhile: drawing the overlay may render again.
