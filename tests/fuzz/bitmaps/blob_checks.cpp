@@ -6,8 +6,6 @@
 #include <limits>
 #include <map>
 #include <numeric>
-#include <tuple>
-#include <type_traits>
 #include <vector>
 
 #include "fuzz/bitmaps/gray_image.hpp"
@@ -15,15 +13,6 @@
 
 namespace orlix::fuzz {
 namespace {
-
-// What a method makes, whose last parameter it is.
-template <class... Parameters, class... Given>
-auto Made(IBlobs* blobs, HRESULT (STDMETHODCALLTYPE IBlobs::*method)(Parameters...), Given... given) {
-    using Out = std::tuple_element_t<sizeof...(Given), std::tuple<Parameters...>>;
-    ComPtr<std::remove_pointer_t<std::remove_pointer_t<Out>>> made;
-    Check((blobs->*method)(given..., made.Out()));
-    return made;
-}
 
 bool Near(double expected, double found) {
     if (std::isnan(expected) || std::isnan(found)) return std::isnan(expected) && std::isnan(found);
@@ -69,12 +58,10 @@ std::vector<std::vector<Place>> HolesOf(const Picture& image, Connectivity conne
 }
 
 // The label image has the number of the place of each blob.
-void CheckLabelImage(const World& world, IBlobs* blobs, const Picture& image,
+void CheckLabelImage(const World& world, const ComPtr<IBlobs>& blobs, const Picture& image,
                      const std::vector<const std::vector<Place>*>& chosen) {
-    LONG count = -1, width = -1, height = -1;
-    Check(blobs->get_Count(&count));
-    Check(blobs->get_Width(&width));
-    Check(blobs->get_Height(&height));
+    const LONG count = Call(blobs, &IBlobs::get_Count), width = Call(blobs, &IBlobs::get_Width),
+               height = Call(blobs, &IBlobs::get_Height);
     world.Require(count == static_cast<LONG>(chosen.size()), "get_Count", static_cast<double>(chosen.size()), count);
     world.Require(width == image.width() && height == image.height(), "size of the blobs", image.width(), width);
     std::vector<uint32_t> expected(static_cast<size_t>(width) * static_cast<size_t>(height));
@@ -85,13 +72,13 @@ void CheckLabelImage(const World& world, IBlobs* blobs, const Picture& image,
             pixels.setBit(x, y, true);
         }
     auto label = expected.begin();
-    const auto labels = Made(blobs, &IBlobs::get_LabelImage);
+    const auto labels = Call(blobs, &IBlobs::get_LabelImage);
     for (const std::span<uint32_t> row : Rows<uint32_t>(labels))
         for (const uint32_t found : row) {
             world.Require(found == *label, "get_LabelImage", *label, found);
             ++label;
         }
-    world.Require(PixelsOf(Made(blobs, &IBlobs::get_Bitmap).get()) == pixels, "get_Bitmap of the blobs");
+    world.Require(PixelsOf(Call(blobs, &IBlobs::get_Bitmap).get()) == pixels, "get_Bitmap of the blobs");
 }
 
 std::vector<const std::vector<Place>*> AllOf(const std::vector<std::vector<Place>>& components) {
@@ -100,7 +87,7 @@ std::vector<const std::vector<Place>*> AllOf(const std::vector<std::vector<Place
     return all;
 }
 
-std::vector<double> ValuesOf(IBlobs* blobs, SingleMeasurementType type, size_t count) {
+std::vector<double> ValuesOf(const ComPtr<IBlobs>& blobs, SingleMeasurementType type, size_t count) {
     std::vector<double> values(count);
     Check(blobs->GetValues(type, 0, static_cast<LONG>(count), values.data()));
     return values;
@@ -209,7 +196,7 @@ void CheckGrayValues(const World& world, const SBlobGrayMeasurements& found, con
 // ----------------------------------------------------------------------------------------------------------- selection
 
 // Some of the blobs, in an order: by a measurement that all of them have.
-void CheckChoice(World& world, IBlobs* blobs, const Picture& image, const SlowComponents& components) {
+void CheckChoice(World& world, const ComPtr<IBlobs>& blobs, const Picture& image, const SlowComponents& components) {
     constexpr SingleMeasurementType kTypes[] = {SMT_PixelCount, SMT_Left,        SMT_YCentroid,    SMT_FilledArea,
                                                 SMT_Perimeter,  SMT_HullArea,    SMT_FeretMinimum, SMT_InscribedRadius,
                                                 SMT_BoxWidth,   SMT_EllipseAngle};
@@ -222,7 +209,7 @@ void CheckChoice(World& world, IBlobs* blobs, const Picture& image, const SlowCo
     if (world.OneIn(2)) {
         const bool descending = world.OneIn(2);
         world.Say("Sort by %d ", static_cast<int>(type));
-        chosen = Made(blobs, &IBlobs::Sort, type, LONG{descending});
+        chosen = Call(blobs, &IBlobs::Sort, type, LONG{descending});
         std::stable_sort(places.begin(), places.end(), [&](size_t a, size_t b) {
             if (std::isnan(values[a]) || std::isnan(values[b])) return !std::isnan(values[a]) && std::isnan(values[b]);
             return descending ? values[a] > values[b] : values[a] < values[b];
@@ -235,26 +222,23 @@ void CheckChoice(World& world, IBlobs* blobs, const Picture& image, const SlowCo
             world.Require(FAILED(blobs->Select(type, lower, upper, chosen.Out())), "Select from NaN on");
             return;
         }
-        chosen = Made(blobs, &IBlobs::Select, type, lower, upper);
+        chosen = Call(blobs, &IBlobs::Select, type, lower, upper);
         std::erase_if(places, [&](size_t i) { return values[i] < lower || values[i] > upper; });
     }
     std::vector<const std::vector<Place>*> expected;
     for (const size_t i : places) expected.push_back(&components.pixels[i]);
-    CheckLabelImage(world, chosen.get(), image, expected);
+    CheckLabelImage(world, chosen, image, expected);
     for (size_t i = 0; i < places.size(); ++i) {
-        LONG label = -1;
-        Check(chosen->get_Label(static_cast<LONG>(i), &label), chosen);
+        const LONG label = Call(chosen, &IBlobs::get_Label, static_cast<LONG>(i));
         world.Require(label == static_cast<LONG>(places[i]), "get_Label of a chosen blob",
                       static_cast<double>(places[i]), label);
     }
 }
 
 // The paths around the pixels' squares enclose the blob with its holes, and each of its holes.
-void CheckOutlines(const World& world, IBlobs* blobs, LONG index, const Alone& alone, double filled) {
+void CheckOutlines(const World& world, const ComPtr<IBlobs>& blobs, LONG index, const Alone& alone, double filled) {
     for (LONG hole = -1; hole < static_cast<LONG>(alone.enclosed.size()); ++hole) {
-        double area = 0;
-        const auto outline = Made(blobs, &IBlobs::get_Outline, index, OT_PixelEdges, hole);
-        Check(outline->get_Area(&area), outline);
+        const double area = Call(Call(blobs, &IBlobs::get_Outline, index, OT_PixelEdges, hole), &IPolygon::get_Area);
         const double expected =
             hole < 0 ? filled
                      : static_cast<double>(
@@ -267,17 +251,17 @@ void CheckOutlines(const World& world, IBlobs* blobs, LONG index, const Alone& a
 
 void CheckLabels(World& world, const KeptBlobs& found) {
     const SlowComponents components(found.foreground, found.connectivity);
-    CheckLabelImage(world, found.blobs.get(), found.foreground, AllOf(components.pixels));
+    CheckLabelImage(world, found.blobs, found.foreground, AllOf(components.pixels));
 }
 
 void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Picture>& region) {
-    IBlobs* const blobs = found.blobs.get();
+    const ComPtr<IBlobs>& blobs = found.blobs;
     const Picture& image = found.foreground;
     const SlowComponents components(image, found.connectivity);
     CheckLabelImage(world, blobs, image, AllOf(components.pixels));
     const auto holes = HolesOf(image, found.connectivity);
-    const auto holeBlobs = Made(blobs, &IBlobs::get_Holes);
-    CheckLabelImage(world, holeBlobs.get(), image, AllOf(holes));
+    const auto holeBlobs = Call(blobs, &IBlobs::get_Holes);
+    CheckLabelImage(world, holeBlobs, image, AllOf(holes));
     const size_t count = components.pixels.size();
     if (count == 0) return;
 
@@ -306,20 +290,18 @@ void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Pictur
             world.Require(Near(expected, value), what.c_str(), expected, value);
         }
         const Shape& shape = shapes[world.choices.Below(shapes.size())];
-        double value = 0;
-        Check(blobs->GetValues(shape.type, index, 1, &value), found.blobs);
+        const double value = Call(blobs, &IBlobs::GetValues, shape.type, index, LONG{1});
         world.Require(value == shape.found, "GetValues", shape.expected, value);
         world.Require(records[i].m_lLabel == index && grays[i].m_lLabel == index, "label of a record", index,
                       records[i].m_lLabel);
         CheckGrayValues(world, grays[i], alone, pixels, gray);
         world.Require(
-            PixelsOf(Made(blobs, &IBlobs::get_Region, index).get(), image.width(), image.height()) == alone.pixels,
+            PixelsOf(Call(blobs, &IBlobs::get_Region, index).get(), image.width(), image.height()) == alone.pixels,
             "get_Region");
         const double filled = std::round(records[i].m_dFilledArea / (sx * sy));
         CheckOutlines(world, blobs, index, alone, filled);
         for (size_t k = 0; k < holes.size(); ++k) {
-            LONG parent = -2;
-            Check(holeBlobs->get_Parent(static_cast<LONG>(k), &parent), holeBlobs);
+            const LONG parent = Call(holeBlobs, &IBlobs::get_Parent, static_cast<LONG>(k));
             world.Require((parent == index) == alone.IsParentOf(holes[k]), "get_Parent of a hole", index, parent);
         }
     }
@@ -327,8 +309,7 @@ void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Pictur
         const size_t k = world.choices.Below(holes.size());
         const Alone alone(holes[k], image, Dual(found.connectivity));
         for (size_t i = 0; i < count; ++i) {
-            LONG parent = -2;
-            Check(blobs->get_Parent(static_cast<LONG>(i), &parent), found.blobs);
+            const LONG parent = Call(blobs, &IBlobs::get_Parent, static_cast<LONG>(i));
             world.Require((parent == static_cast<LONG>(k)) == alone.IsParentOf(components.pixels[i]),
                           "get_Parent of a blob", static_cast<double>(k), parent);
         }

@@ -46,8 +46,7 @@ void Shift(World& world, Canvas& canvas) {
 }
 
 void CountPixels(World& world, Canvas& canvas) {
-    LONG count = -1;
-    Check(canvas.bitmap->get_PixelCount(&count), canvas.bitmap);
+    const LONG count = Call(canvas.bitmap, &IBitmapProcess::get_PixelCount);
     const int64_t expected = canvas.PixelsInRegion().count();
     world.Require(count == expected, "get_PixelCount", static_cast<double>(expected), count);
 }
@@ -267,8 +266,7 @@ void ThresholdLocally(World& world, Canvas& canvas) {
 }
 
 void DistanceMap(World& world, Canvas& canvas) {
-    ComPtr<IImageVPA> map;
-    Check(canvas.bitmap->get_DistanceMap(map.Out()), canvas.bitmap);
+    const auto map = Call(canvas.bitmap, &IBitmapProcess::get_DistanceMap);
     const std::vector<int64_t> squares = SlowDistances(canvas.picture);
     auto square = squares.begin();
     for (const std::span<float> row : Rows<float>(map))

@@ -277,18 +277,13 @@ void World::PutRegion(Canvas& canvas) {
             break;
         default: {
             Say("blob ");
-            ComPtr<IBlobs> blobs;
-            LONG count = 0;
-            const Canvas& from = AnyCanvas();
-            Check(from.bitmap->FindBlobs(CT_8, blobs.Out()), from.bitmap);
-            Check(blobs->get_Count(&count), blobs);
-            if (count > 0) Check(blobs->get_Region(Below(count), region.Out()), blobs);
+            const auto blobs = Call(AnyCanvas().bitmap, &IBitmapProcess::FindBlobs, CT_8);
+            const LONG count = Call(blobs, &IBlobs::get_Count);
+            if (count > 0) region = Call(blobs, &IBlobs::get_Region, Below(count));
         }
     }
     Check(canvas.bitmap->put_RegionOfInterest(region.get()), canvas.bitmap);
-    ComPtr<IRegionOfInterest> answer;
-    Check(canvas.bitmap->get_RegionOfInterest(answer.Out()), canvas.bitmap);
-    Require(answer.get() == region.get(), "region of interest");
+    Require(Call(canvas.bitmap, &IBitmapProcess::get_RegionOfInterest).get() == region.get(), "region of interest");
     canvas.region.reset();
     if (region) canvas.region = PixelsOf(region.get(), canvas.picture.width(), canvas.picture.height());
 }
@@ -299,8 +294,7 @@ void World::Create(Canvas& canvas) {
     Say("Create %d %d ", static_cast<int>(width), static_cast<int>(height));
     Check(canvas.bitmap->Create(width, height, 1), canvas.bitmap);
     canvas.picture = Picture(width, height);
-    ComPtr<IRegionOfInterest> region;
-    Check(canvas.bitmap->get_RegionOfInterest(region.Out()), canvas.bitmap);
+    const auto region = Call(canvas.bitmap, &IBitmapProcess::get_RegionOfInterest);
     if (region) canvas.region = PixelsOf(region.get(), width, height);
 }
 
@@ -334,8 +328,7 @@ void World::Write(Canvas& canvas) {
             return picture.setBit(x, y, how != 0);
         case 4: {
             Say("GetWritePixelPtr %d %d ", static_cast<int>(x), static_cast<int>(y));
-            unsigned char *byte = nullptr, mask = 0;
-            Check(bitmap.GetWritePixelPtr(x, y, &byte, &mask), canvas.bitmap);
+            const auto [byte, mask] = Call(canvas.bitmap, &IBitmapProcess::GetWritePixelPtr, x, y);
             *byte = static_cast<unsigned char>(*byte ^ mask);
             return picture.setBit(x, y, !picture.bit(x, y));
         }
@@ -400,8 +393,7 @@ void World::Step(uint64_t step) {
         }
         for (const Canvas& each : canvases_) Compare(each);
         const LONG x = Below(canvas.picture.width()), y = Below(canvas.picture.height());
-        LONG bit = -1;
-        Check(canvas.bitmap->get_Bit(x, y, &bit), canvas.bitmap);
+        const LONG bit = Call(canvas.bitmap, &IBitmapProcess::get_Bit, x, y);
         Require(bit == canvas.picture.bit(x, y), "get_Bit", canvas.picture.bit(x, y), bit);
     } catch (const Error& error) {
         throw Difference(std::string("a call failed: ") + error.what());
