@@ -27,8 +27,7 @@ TEST_F(ModuleFile, HasABitmapForToolboxesAndTheVersionThatItTells) {
     EXPECT_EQ(std::pair(16L, 15L), std::pair(record.bmWidth, record.bmHeight));
     DeleteObject(bitmap);
 
-    Text version;
-    ASSERT_EQ(S_OK, CreateObject<IModuleInformation>("Orlix.Image")->get_Version(version.Out()));
+    const Text version = Call(CreateObject<IModuleInformation>("Orlix.Image"), &IModuleInformation::get_Version);
     const HRSRC found = FindResourceW(ModuleUnderTest(), MAKEINTRESOURCEW(1), reinterpret_cast<LPCWSTR>(RT_VERSION));
     ASSERT_TRUE(found);
     const auto* resource = static_cast<const wchar_t*>(LockResource(LoadResource(ModuleUnderTest(), found)));
@@ -37,8 +36,7 @@ TEST_F(ModuleFile, HasABitmapForToolboxesAndTheVersionThatItTells) {
 }
 
 TEST_F(ModuleFile, KnowsItsOwnPath) {
-    Text path;
-    ASSERT_EQ(S_OK, CreateObject<IModuleInformation>("Orlix.Image")->get_ModulePath(path.Out()));
+    const Text path = Call(CreateObject<IModuleInformation>("Orlix.Image"), &IModuleInformation::get_ModulePath);
     EXPECT_EQ(ToUtf8(RegisteredModulePath()), path.Utf8());
 }
 

@@ -127,21 +127,12 @@ std::string Type::MethodName(const FUNCDESC& function) const {
     return accessor + (accessor.empty() ? "" : "_") + NameOf(function.memid);
 }
 
-Type Type::Referred(HREFTYPE reference) const {
-    ComPtr<ITypeInfo> referred;
-    Check(info_->GetRefTypeInfo(reference, referred.Out()));
-    return Type(std::move(referred));
-}
+Type Type::Referred(HREFTYPE reference) const { return Type(Call(info_, &ITypeInfo::GetRefTypeInfo, reference)); }
 
-Type Type::Implemented(UINT index) const {
-    HREFTYPE reference = 0;
-    Check(info_->GetRefTypeOfImplType(index, &reference));
-    return Referred(reference);
-}
+Type Type::Implemented(UINT index) const { return Referred(Call(info_, &ITypeInfo::GetRefTypeOfImplType, index)); }
 
 std::string Type::ImplementedFlags(UINT index) const {
-    INT flags = 0;
-    Check(info_->GetImplTypeFlags(index, &flags));
+    const INT flags = Call(info_, &ITypeInfo::GetImplTypeFlags, index);
     return std::string(flags & IMPLTYPEFLAG_FDEFAULT ? "[default] " : "") +
            (flags & IMPLTYPEFLAG_FSOURCE ? "[source] " : "") +
            (flags & IMPLTYPEFLAG_FRESTRICTED ? "[restricted] " : "");
@@ -201,11 +192,7 @@ void Type::EachVariable(const std::function<void(const VARDESC&)>& visit) const 
 
 std::vector<Type> TypesOf(const ComPtr<ITypeLib>& library) {
     std::vector<Type> types;
-    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-        ComPtr<ITypeInfo> info;
-        Check(library->GetTypeInfo(i, info.Out()));
-        types.emplace_back(std::move(info));
-    }
+    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) types.emplace_back(Call(library, &ITypeLib::GetTypeInfo, i));
     return types;
 }
 
