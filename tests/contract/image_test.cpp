@@ -118,11 +118,9 @@ TEST(ImageContract, DescriptionIsCopiedAndAnOwnedStringOfTheCallerIsFreed) {
     ASSERT_EQ(S_OK, image->put_Description(Text("\xC2\xB5m \xF0\x9F\x94\xAC")));
     BSTR text = SysAllocString(OLESTR("the caller's, freed by the call"));
     ASSERT_EQ(S_OK, image->get_Description(&text));
-    EXPECT_EQ("\xC2\xB5m \xF0\x9F\x94\xAC", ToUtf8({text, SysStringLen(text)}));
     text[0] = 'x';  // a copy
-    ASSERT_EQ(S_OK, image->get_Description(&text));
-    EXPECT_EQ(0xB5, text[0]);
     SysFreeString(text);
+    EXPECT_EQ("\xC2\xB5m \xF0\x9F\x94\xAC", TextOf(image, &IImageVPAExPlus::get_Description));
     ASSERT_EQ(S_OK, image->put_Description(nullptr));
     EXPECT_EQ("(null)", TextOf(image, &IImageVPAExPlus::get_Description));
 }

@@ -72,23 +72,17 @@ TEST(AutoThresholds, CutBetweenBins) {
     EXPECT_EQ(51, tails.darkCut);
     EXPECT_EQ(65, tails.brightCut);
 
-    struct Case {
-        std::vector<LONG> counts;
-        ThresholdMethod method;
-        double first, second;
-        AutoThreshold::Status status;
-        bool atLimit;
-    };
-    for (const Case& c : {Case{{0, 7, 0}, MinimizeVariance, 0, 0, OneLevel, false},
-                          {{5, 20, 5, 0, 8, 30, 8}, MinimizeVariance, 0.6, 0.6, FractionsNotLeft, false},
-                          {{5, 20, 5, 0, 8, 30, 8}, MinimizeVariance, 0.5, 0, Found, true},
-                          {{5, 20, 5, 0, 8, 30, 8}, MaximizeEntropy, 0, 0.8, Found, true}}) {
-        SCOPED_TRACE(c.counts.size());
-        const auto histogram = HistogramOf(c.counts, 0, static_cast<double>(c.counts.size() - 1));
-        const AutoThreshold found = FindAutoThreshold(histogram, c.method, c.first, c.second);
-        EXPECT_EQ(c.status, found.status);
-        EXPECT_EQ(c.atLimit, found.atSearchLimit);
-        EXPECT_EQ(c.status == OneLevel, std::isnan(found.darkCut));
+    const auto one = HistogramOf({0, 7, 0}, 0, 2), two = HistogramOf({5, 20, 5, 0, 8, 30, 8}, 0, 6);
+    const std::tuple<ComPtr<IHistogram>, ThresholdMethod, double, double, AutoThreshold::Status, bool> cases[] = {
+        {one, MinimizeVariance, 0, 0, OneLevel, false},
+        {two, MinimizeVariance, 0.6, 0.6, FractionsNotLeft, false},
+        {two, MinimizeVariance, 0.5, 0, Found, true},
+        {two, MaximizeEntropy, 0, 0.8, Found, true}};
+    for (const auto& [histogram, method, first, second, status, atLimit] : cases) {
+        const AutoThreshold found = FindAutoThreshold(histogram, method, first, second);
+        EXPECT_EQ(status, found.status) << second;
+        EXPECT_EQ(atLimit, found.atSearchLimit) << second;
+        EXPECT_EQ(status == OneLevel, std::isnan(found.darkCut)) << second;
     }
     EXPECT_EQ(E_FAIL, ResultOf([&] { FindAutoThreshold(pair, Trim, -1, 0); }));
     EXPECT_EQ(E_INVALIDARG, ResultOf([&] { FindAutoThreshold(pair, static_cast<ThresholdMethod>(99), 0, 0); }));

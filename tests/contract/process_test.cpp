@@ -349,46 +349,36 @@ TEST(LargeImages, GiveWhatTheirRowsGive) {
     }
 }
 
-class RegionsOfOthers : public ::testing::Test {
-protected:
-    RegionsOfOthers() {
-        region->runs = {RunOf(0, 3)};
-        Put();
-    }
-    ~RegionsOfOthers() override { image.process->put_RegionOfInterest(nullptr); }
-    void Put() const { Check(image.process->put_RegionOfInterest(region.get()), image.process); }
-
-    TypedImage<uint8_t> image = NewImage<uint8_t>(4, 3);
-    ComPtr<ForeignRegion> region = MakeCounted<ForeignRegion>();
-};
-
-TEST_F(RegionsOfOthers, ThatFailHalfWayChangeNothing) {
-    region->failingRow = 2;
-    region->runsResult = E_UNEXPECTED;
-    EXPECT_TRUE(FailsSilently(image.process->ScalarEquals(9), E_UNEXPECTED));
-    EXPECT_THAT(image.values(), Each(0));
-    region->boxResult = E_NOTIMPL;
-    IHistogram* histogram = nullptr;
-    EXPECT_TRUE(FailsSilently(image.process->get_Histogram(&histogram), E_NOTIMPL));
-}
-
-TEST_F(RegionsOfOthers, VisitEachPixelOnceWhateverTheRuns) {
+TEST(RegionsOfOthers, AreVisitedOnceForEachPixelOrPassTheirFailureOn) {
+    const auto image = NewImage<uint8_t>(4, 3);
+    const auto region = MakeCounted<ForeignRegion>();
     region->runs = {RunOf(2, 1000), RunOf(3, 1), RunOf(-5, 2)};
+    Check(image.process->put_RegionOfInterest(region.get()), image.process);
     ASSERT_EQ(S_OK, image.process->ScalarPlusEquals(1));
     EXPECT_THAT(image.values(), Each(1));
     EXPECT_EQ(12, Measured(image, 3).m_lPixelCount);
+    region->failingRow = 2;  // half way
+    region->runsResult = E_UNEXPECTED;
+    EXPECT_TRUE(FailsSilently(image.process->ScalarEquals(9), E_UNEXPECTED));
+    EXPECT_THAT(image.values(), Each(1));
+    region->boxResult = E_NOTIMPL;
+    IHistogram* histogram = nullptr;
+    EXPECT_TRUE(FailsSilently(image.process->get_Histogram(&histogram), E_NOTIMPL));
+    Check(image.process->put_RegionOfInterest(nullptr));
 }
 
-TEST_F(RegionsOfOthers, MayReplaceTheImageThatAsksThem) {
+TEST(RegionsOfOthers, MayReplaceTheImageThatAsksThem) {
+    const auto region = MakeCounted<ForeignRegion>();
+    region->runs = {RunOf(0, 3)};
     for (const LONG type : {DT_BYTE, DT_WORD, DT_Double}) {
-        ASSERT_EQ(S_OK, image->Create(4, 3, 1, DT_BYTE, 1));
-        Put();
+        const auto image = NewImage<uint8_t>(4, 3);
+        Check(image.process->put_RegionOfInterest(region.get()), image.process);
         region->onRuns = [&] { image->Create(1, 1, 1, type, 1); };
         image.process->ScalarEquals(1);  // no particular result, and no harm
+        region->onRuns = nullptr;
+        ASSERT_EQ(S_OK, image->Create(4, 3, 1, DT_BYTE, 1));
+        EXPECT_EQ(S_OK, image.process->Invert());
     }
-    region->onRuns = nullptr;
-    ASSERT_EQ(S_OK, image->Create(4, 3, 1, DT_BYTE, 1));
-    EXPECT_EQ(S_OK, image.process->Invert());
 }
 
 // --------------------------------------------------------------------------------------------------------------- table

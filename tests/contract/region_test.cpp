@@ -38,11 +38,9 @@ TEST(RegionContract, ANewRegionHasNoRows) {
     for (const PolarityType each : {PT_Inside, PT_Outside, PT_Frame})
         for (const LONG row : {kLeast, LONG{-1}, LONG{0}, kMost}) {
             region->put_Polarity(each);
-            SRun* begin = reinterpret_cast<SRun*>(8);
-            SRun* end = begin;
+            SRun *begin = reinterpret_cast<SRun*>(8), *end = begin;
             EXPECT_EQ(S_FALSE, region->GetRowRuns(row, &begin, &end));
-            EXPECT_EQ(nullptr, begin);
-            EXPECT_EQ(nullptr, end);
+            EXPECT_TRUE(begin == nullptr && end == nullptr) << each << row;
         }
 }
 
@@ -157,16 +155,17 @@ TEST(RegionContract, OddNumbersAreDefined) {
 TEST(RegionContract, PolarityColourAndDescriptionSurviveANewShape) {
     const auto region = NewRegion();
     const auto overlay = Cast<IGraphicOverlay>(region);
-    EXPECT_EQ(PT_Inside, Get(region, &IShapeRegionOfInterest::get_Polarity));
-    EXPECT_EQ(0x0000FF00u, Get(overlay, &IGraphicOverlay::get_Color));
-    EXPECT_EQ("(null)", TextOf(overlay, &IGraphicOverlay::get_Description));
+    const auto holds = [&](PolarityType polarity, OLE_COLOR color, const char* description) {
+        EXPECT_EQ(polarity, Get(region, &IShapeRegionOfInterest::get_Polarity));
+        EXPECT_EQ(color, Get(overlay, &IGraphicOverlay::get_Color));
+        EXPECT_EQ(description, TextOf(overlay, &IGraphicOverlay::get_Description));
+    };
+    holds(PT_Inside, 0x0000FF00, "(null)");
     EXPECT_EQ(S_OK, overlay->put_Color(0x00112233));
     EXPECT_EQ(S_OK, overlay->put_Description(Text("pore \xE2\x88\x85 3")));
     EXPECT_EQ(S_OK, region->put_Polarity(PT_Frame));
     ASSERT_EQ(S_OK, region->CreateCircle(20, 20, 5, 5, 3));
-    EXPECT_EQ(PT_Frame, Get(region, &IShapeRegionOfInterest::get_Polarity));
-    EXPECT_EQ(0x00112233u, Get(overlay, &IGraphicOverlay::get_Color));
-    EXPECT_EQ("pore \xE2\x88\x85 3", TextOf(overlay, &IGraphicOverlay::get_Description));
+    holds(PT_Frame, 0x00112233, "pore \xE2\x88\x85 3");
     EXPECT_EQ(S_OK, overlay->put_Description(nullptr));
     EXPECT_EQ("(null)", TextOf(overlay, &IGraphicOverlay::get_Description));
 }

@@ -334,8 +334,7 @@ TEST(FloatFit, RefusesPixelsThatAreNoNumbers) {
 
 TEST(FloatFit, OfExtremeValuesIsFinite) {
     const auto image = NewImage<float>(64, 64);
-    const float most = std::numeric_limits<float>::max();
-    image.Fill([=](LONG x, LONG y) { return (x + y) % 2 ? most : -most; });
+    image.Fill([most = std::numeric_limits<float>::max()](LONG x, LONG y) { return (x + y) % 2 ? most : -most; });
     for (const int degree : {1, 2, 3}) {
         const Polynomial surface = Fitted(image, degree);
         EXPECT_EQ(0, surface.average);
