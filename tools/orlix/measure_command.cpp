@@ -152,7 +152,7 @@ std::string LineOf(Json image) {
     return CsvLine(kMeasureColumns, image);
 }
 
-std::string Plain(const Json& m, const std::string& path, int digits = 2) {
+std::string PlainAt(const Json& m, const std::string& path, int digits = 2) {
     const double value = NumberAt(m, path);
     return Rounded(value, value == std::floor(value) ? 0 : digits);
 }
@@ -164,21 +164,21 @@ std::string MeasureText(const Json& m) {
         const std::string kind = Member(m, "flatten.surface.kind");
         const Json& robust = Member(m, "flatten.surface.robust");
         line("flattened", kind + (robust.is_null() ? "" : ", robust with " + Number(robust)) + ", " +
-                              Plain(m, "flatten.clippedPixels") + " pixels clipped");
+                              PlainAt(m, "flatten.clippedPixels") + " pixels clipped");
     }
-    line("grey", "mean " + Plain(m, "grey.mean") + ", deviation " + Plain(m, "grey.standardDeviation") + ", minimum " +
-                     Plain(m, "grey.minimum") + ", maximum " + Plain(m, "grey.maximum"));
-    line("", "median " + Plain(m, "grey.median") + ", mode " + Plain(m, "grey.mode") + ", skew " +
-                 Plain(m, "grey.skew", 3) + ", excess kurtosis " + Plain(m, "grey.excessKurtosis", 3) + ", entropy " +
-                 Plain(m, "grey.entropy", 3));
-    line("", "centroid " + Plain(m, "grey.xCentroid") + ", " + Plain(m, "grey.yCentroid"));
+    line("grey", "mean " + PlainAt(m, "grey.mean") + ", deviation " + PlainAt(m, "grey.standardDeviation") +
+                     ", minimum " + PlainAt(m, "grey.minimum") + ", maximum " + PlainAt(m, "grey.maximum"));
+    line("", "median " + PlainAt(m, "grey.median") + ", mode " + PlainAt(m, "grey.mode") + ", skew " +
+                 PlainAt(m, "grey.skew", 3) + ", excess kurtosis " + PlainAt(m, "grey.excessKurtosis", 3) +
+                 ", entropy " + PlainAt(m, "grey.entropy", 3));
+    line("", "centroid " + PlainAt(m, "grey.xCentroid") + ", " + PlainAt(m, "grey.yCentroid"));
     line("histogram",
          "dip " + Digits(NumberAt(m, "histogram.dip"), 2) +
              (NumberAt(m, "histogram.dip") < NumberAt(m, "histogram.leastDipOfTwoPeaks") ? ": no second peak"
                                                                                          : ": two peaks or more"));
     if (NumberAt(m, "histogram.pixelsOutside") > 0)
-        line("luminance", Plain(m, "luminance.lower") + " to " + Plain(m, "luminance.upper") + ", " +
-                              Plain(m, "histogram.pixelsOutside") + " pixels outside");
+        line("luminance", PlainAt(m, "luminance.lower") + " to " + PlainAt(m, "luminance.upper") + ", " +
+                              PlainAt(m, "histogram.pixelsOutside") + " pixels outside");
     line("thresholds", Padded("", 22, false) + Padded("level", 16) + Padded("dark", 11) + Padded("bright", 11));
     for (const Json& entry : m["thresholds"]) {
         std::string text =
@@ -186,8 +186,8 @@ std::string MeasureText(const Json& m) {
         if (entry.contains("message"))
             text += "    " + entry["message"].get<std::string>();
         else
-            text += Padded(entry.contains("left") ? Plain(entry, "left") + " | " + Plain(entry, "right")
-                                                  : Plain(entry, "threshold"),
+            text += Padded(entry.contains("left") ? PlainAt(entry, "left") + " | " + PlainAt(entry, "right")
+                                                  : PlainAt(entry, "threshold"),
                            16) +
                     Padded(Rounded(100 * NumberAt(entry, "darkFraction"), 2) + " %", 11) +
                     Padded(Rounded(100 * NumberAt(entry, "brightFraction"), 2) + " %", 11);
@@ -199,15 +199,15 @@ std::string MeasureText(const Json& m) {
         return out + WarningsText(m) + "\n";
     }
     const double lower = NumberAt(m, "phase.lower"), upper = NumberAt(m, "phase.upper");
-    line("phase",
-         Member(m, "phase.polarity").get<std::string>() + ", " +
-             (lower > upper ? "no grey level" : "grey " + Plain(m, "phase.lower") + " to " + Plain(m, "phase.upper")));
+    line("phase", Member(m, "phase.polarity").get<std::string>() + ", " +
+                      (lower > upper ? "no grey level"
+                                     : "grey " + PlainAt(m, "phase.lower") + " to " + PlainAt(m, "phase.upper")));
     std::string area = "area fraction " + Rounded(100 * NumberAt(m, "phase.areaFraction"), 3) + " %, " +
-                       Plain(m, "phase.pixels") + " pixels";
-    if (Member(m, "phase.areaSquareMicrons").is_number()) area += ", " + Plain(m, "phase.areaSquareMicrons") + " µm²";
+                       PlainAt(m, "phase.pixels") + " pixels";
+    if (Member(m, "phase.areaSquareMicrons").is_number()) area += ", " + PlainAt(m, "phase.areaSquareMicrons") + " µm²";
     line("", area);
     if (NumberAt(m, "phase.pixels") > 0)
-        line("", "centroid " + Plain(m, "phase.xCentroid") + ", " + Plain(m, "phase.yCentroid"));
+        line("", "centroid " + PlainAt(m, "phase.xCentroid") + ", " + PlainAt(m, "phase.yCentroid"));
     return out + WarningsText(m) + "\n";
 }
 

@@ -1,6 +1,7 @@
 #include "particle_pictures.hpp"
 
 #include "glyphs.hpp"
+#include "label_places.hpp"
 
 #include <orlix/client.hpp>
 
@@ -75,18 +76,18 @@ Picture OutlinesPicture(const Picture& display, const LabelRows& labels,
                 picture.samples.push_back(outline ? kOutline[channel] : grey);
         }
     const int32_t dot = 1 + std::max(display.width, display.height) / 2000;
+    LabelPlaces places(display.width, display.height);
     for (size_t i = 0; i < circles.size(); ++i) {
         const SBinaryMeasurements& of = circles[i];
         const std::string text = std::to_string(i + 1);
-        const int32_t width = LetteringWidth(text, dot), height = (kGlyphHeight - 1) * dot;
-        const auto x = static_cast<int32_t>(std::lround(of.m_dInscribedXCenter)),
-                   y = static_cast<int32_t>(std::lround(of.m_dInscribedYCenter));
-        const int32_t top = of.m_lTop;
-        const bool fits = of.m_lRight - of.m_lLeft >= width + 2 * dot && of.m_lBottom - top >= height + 2 * dot;
-        // Inside the picture in any case.
-        const int32_t left = std::clamp(x - width / 2, dot, std::max(dot, display.width - width - dot));
-        const int32_t wanted = fits ? y - height / 2 : top - height - 2 * dot;
-        DrawWithHalo(picture, left, std::clamp(wanted, dot, std::max(dot, display.height - height - dot)), dot, text);
+        const int32_t width = LetteringWidth(text, dot) + 2 * dot, height = (kGlyphHeight + 1) * dot;  // with the halo
+        const LabelBox particle{static_cast<double>(of.m_lLeft), static_cast<double>(of.m_lTop),
+                                static_cast<double>(of.m_lRight), static_cast<double>(of.m_lBottom)};
+        const bool fits = of.m_lRight - of.m_lLeft > width && of.m_lBottom - of.m_lTop > height;
+        const LabelBox box =
+            places.Take(particle, of.m_dInscribedXCenter, of.m_dInscribedYCenter, fits, width, height, dot);
+        DrawWithHalo(picture, static_cast<int32_t>(std::lround(box.left)) + dot,
+                     static_cast<int32_t>(std::lround(box.top)) + dot, dot, text);
     }
     return picture;
 }

@@ -3,6 +3,7 @@
 #include "drawing.hpp"
 #include "histogram_plot.hpp"
 #include "html_page.hpp"
+#include "label_places.hpp"
 #include "particle_pictures.hpp"
 #include "pictures.hpp"
 #include "size_plot.hpp"
@@ -170,6 +171,7 @@ std::string ParticleMap(const Json& m, const ComPtr<IBlobs>& blobs, const std::v
                       "' x='-0.5' y='-0.5' width='" + whole(width) + "' height='" + whole(height) + "'/>\n";
     const std::vector<SBinaryMeasurements> circles = InscribedCircles(blobs);
     std::string numbers;
+    LabelPlaces places(width, height);
     const double most = std::max(width, height), font = most / 75;
     for (const size_t i : shown) {
         const Json& particle = m["particles"][i];
@@ -177,15 +179,15 @@ std::string ParticleMap(const Json& m, const ComPtr<IBlobs>& blobs, const std::v
         svg += "<path id='p" + number + "' d='" + OutlinePath(blobs, static_cast<LONG>(i), circles[i].m_lHoles) +
                "'><title>" + number + ": diameter " + Digits(NumberAt(particle, "diameter"), 4) + " " +
                m["unit"].get<std::string>() + "</title></path>\n";
-        // On the particle, or above one that the number would cover.
-        const double y = NumberAt(particle, "bottom") - NumberAt(particle, "top") > 2 * font
-                             ? circles[i].m_dInscribedYCenter + 0.36 * font
-                             : NumberAt(particle, "top") - 0.25 * font;
-        const double half = 0.3 * font * static_cast<double>(number.size()) + font / 6;  // of its width
-        numbers += "<text x='" +
-                   Coordinate(std::clamp(circles[i].m_dInscribedXCenter, std::min(half, width / 2.0),
-                                         std::max(width - 1 - half, width / 2.0))) +
-                   "' y='" + Coordinate(std::max(y, 1.1 * font)) + "'>" + number + "</text>\n";
+        const LabelBox box{NumberAt(particle, "left"), NumberAt(particle, "top"), NumberAt(particle, "right"),
+                           NumberAt(particle, "bottom")};
+        const double edge = font / 4;
+        const double wide = 0.6 * font * static_cast<double>(number.size()) + font / 3, high = 0.72 * font + 2 * edge;
+        // Not on a particle that the number would cover.
+        const LabelBox place = places.Take(box, circles[i].m_dInscribedXCenter, circles[i].m_dInscribedYCenter,
+                                           box.bottom - box.top > 2 * font, wide, high, 0);
+        numbers += "<text x='" + Coordinate((place.left + place.right) / 2) + "' y='" +
+                   Coordinate(place.bottom - edge) + "'>" + number + "</text>\n";
     }
     return svg + "<g style='font-size:" + Coordinate(font) + "px;stroke-width:" + Coordinate(font / 6) + "px'>\n" +
            numbers + "</g>\n<circle id='ring' visibility='hidden'/>\n</svg>\n";
