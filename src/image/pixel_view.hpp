@@ -25,6 +25,11 @@ public:
     Pixel* base() const { return base_; }
     const VPAEntry* table() const { return table_; }
 
+    // The same, no larger than given: for those who need no more, whatever size is claimed.
+    PixelView Within(int32_t width, int32_t height) const {
+        return {base_, table_, width < width_ ? width : width_, height < height_ ? height : height_};
+    }
+
     Pixel& at(int32_t x, int32_t y) const { return base_[static_cast<ptrdiff_t>(table_[x].XEntry) + table_[y].YEntry]; }
 
     // Column 0 of row y; row(y)[x] is sample (x, y) for the first AdjacentColumns() columns.

@@ -96,6 +96,7 @@ STDMETHODIMP ImagePixels::CreateFromFile(BSTR fileName) noexcept {
 STDMETHODIMP ImagePixels::CreateFromImage(IImageVPA* image, LONG bandIndex) noexcept {
     return Guarded([&]() -> HRESULT {
         Require(image);
+        const ComPtr<IImageVPA> held(image);  // it may let go of itself when it is asked who it is
         if (AreSame(this, image)) return S_FALSE;
         Copy(image, bandIndex, nullptr);
         return S_OK;

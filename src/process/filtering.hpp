@@ -29,6 +29,7 @@ void FilterFrom(const Selection<Pixel>& at, SourceViews<Pixel> sources, const Op
     for (int32_t band = 0; band < at.bands(); ++band) {
         const auto i = static_cast<size_t>(band);
         PixelView<const Pixel>& from = sources[i];
+        from = from.Within(at.width(), at.height());
         if (!SharesMemory(from, at.view(0).base(), at.end())) continue;
         if (byRows && InPlaceRows<Pixel>::Suit(from, at.view(band))) {
             inPlace[i] = true;

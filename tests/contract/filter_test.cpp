@@ -280,6 +280,20 @@ TEST(FilterOfForeignTable, InTheDestinationGivesWhatACopyGives) {
     EXPECT_EQ(samples, copy.values());
 }
 
+// Neither time nor memory goes into what a source claims to have beyond the destination.
+TEST(FilterOfForeignTable, IsReadAsFarAsTheDestinationOnly) {
+    std::vector<uint8_t> samples = NoisyPlane<uint8_t>(30, 20, 3).pixels;
+    const auto foreign = ForeignImage::Of(30, 20, DT_BYTE, samples.data());
+    const auto want = NewImage<uint8_t>(30, 20), got = NewImage<uint8_t>(30, 20);
+    for (const auto filter : {&IImageProcess::Gaussian3x3, &IImageProcess::Median3x3}) {
+        foreign->width = 30, foreign->height = 20;
+        ASSERT_EQ(S_OK, (want.process.get()->*filter)(foreign.get(), 0));
+        foreign->width = foreign->height = std::numeric_limits<LONG>::max();
+        ASSERT_EQ(S_OK, (got.process.get()->*filter)(foreign.get(), 0));
+        EXPECT_EQ(want.values(), got.values());
+    }
+}
+
 // What another component may hand out: bands interleaved, the picture upside down and reversed, rows that share
 // samples; and a margin that repeats the edge instead of mirroring.
 TYPED_TEST(FilterOf, SourcesOfOtherComponentsAreReadThroughTheirTables) {

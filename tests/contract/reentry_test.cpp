@@ -155,6 +155,16 @@ TEST(AnImage, LivesUntilItsMethodReturnsWhenARegionLetsGoOfIt) {
     }
 }
 
+TEST(ASourceThatIsAskedWhoItIs, MayLetGoOfItsLastReference) {
+    uint8_t samples[] = {1, 2, 3, 4};
+    ComPtr<ForeignImage> source = ForeignImage::Of(2, 2, DT_BYTE, samples);
+    source->onQuery = [&] { source = nullptr; };
+    const auto image = NewImage<uint8_t>(1, 1);
+    EXPECT_EQ(S_OK, image->CreateFromImage(source.get(), 0));
+    EXPECT_EQ(nullptr, source.get());
+    EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4}), image.values());
+}
+
 TEST(ASourceThatAnswersAnyBand, IsAskedOnceForOneThatItDoesNotHave) {
     const Visited image;
     uint16_t samples[12] = {};

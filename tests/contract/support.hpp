@@ -179,15 +179,19 @@ public:
     std::vector<VPAEntry> table;  // margin included
     HRESULT dimensionsResult = S_OK, typeResult = S_OK, vpaResult = S_OK;
     bool nullTable = false;
-    VPAEntry* otherTable = nullptr;  // entry 0 of one that is handed out instead
-    LONG growAfterVpa = 0;           // added to the height once VPA was called
-    std::function<void()> onVpa;
+    VPAEntry* otherTable = nullptr;        // entry 0 of one that is handed out instead
+    LONG growAfterVpa = 0;                 // added to the height once VPA was called
+    std::function<void()> onVpa, onQuery;  // the latter once
 
     // The samples row by row without padding.
     static ComPtr<ForeignImage> Of(LONG width, LONG height, LONG type, void* samples);
     // Offsets of a table of the size, from the given functions of the in-range column and row.
     void SetOffsets(const std::function<LONG(LONG)>& column, const std::function<LONG(LONG)>& row);
 
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+        if (onQuery) std::exchange(onQuery, nullptr)();
+        return CountedObject::QueryInterface(iid, object);
+    }
     STDMETHODIMP Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight) noexcept override;
     STDMETHODIMP DataType(LONG, LONG* outType) noexcept override { return *outType = type, typeResult; }
     STDMETHODIMP VPA(LONG band, void** outBase, VPAEntry** outTable) noexcept override;
