@@ -140,6 +140,13 @@ TEST_F(Measure, DoubtsAreNamed) {
         EXPECT_THAT(Codes(words), Contains(doubt)) << testing::PrintToString(words);
 }
 
+TEST_F(Measure, TailsAreCutAtTheirOwnLevels) {
+    WritePgm("uniform.pgm", 256, 100, 255, [](int x, int) { return x; });
+    for (const auto& [words, share] : {std::pair{"uniform.pgm --threshold trim:0.1,0.2", 0.1},
+                                       {"uniform.pgm --threshold trim:0.1,0.2 --bright", 0.2}})
+        EXPECT_NEAR(share, Measured(words)["phase"]["areaFraction"].get<double>(), 1.0 / 256) << words;
+}
+
 // 96 dots an inch are 3780 pixels a metre: 264.55 microns.
 TEST_F(Measure, ResolutionsOfScreensAndPrintersAreDoubted) {
     Make("a.png");
