@@ -71,34 +71,52 @@ std::vector<Vertex> OuterVertices(Outline outline) {
     return vertices;
 }
 
-// The corners of the hull. (Graham 1972)
-std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
-    if (vertices.empty()) return vertices;
-    const Vertex pivot = *std::max_element(vertices.begin(), vertices.end(), [](const Vertex& a, const Vertex& b) {
-        return a.p.y < b.p.y || (a.p.y == b.p.y && a.p.x < b.p.x);
-    });
-    std::erase_if(vertices, [&](const Vertex& v) { return v.p == pivot.p; });
-
-    // Sorted by angle from (1, 0) over (0, -1) to (-1, 0), then by distance, which grows with -y or, towards (-1, 0),
-    // with -x: the farthest vertex in a direction comes last and replaces the others.
-    std::sort(vertices.begin(), vertices.end(), [&](const Vertex& a, const Vertex& b) {
-        if (const int turn = Turn(pivot.p, a.p, b.p)) return turn < 0;
+// From bottom to top, from right to left, equal ones by their index. Outlines mostly consist of a few stretches that go
+// up or down; these are merged.
+void SortUpwards(std::vector<Vertex>& vertices) {
+    const auto before = [](const Vertex& a, const Vertex& b) {
         if (a.p.y != b.p.y) return a.p.y > b.p.y;
-        if (a.p.x != b.p.x) return a.p.x > b.p.x;
-        return a.index > b.index;
-    });
-
-    std::vector<Vertex> stack = {pivot};
-    for (const Vertex& next : vertices) {
-        while (stack.size() > 1) {
-            const int turn = Turn(stack[stack.size() - 2].p, stack.back().p, next.p);
-            if (turn < 0) break;
-            stack.pop_back();
-            if (turn == 0) break;
+        return a.p.x != b.p.x ? a.p.x > b.p.x : a.index < b.index;
+    };
+    constexpr size_t kMostStretches = 16;
+    std::vector<std::vector<Vertex>::iterator> ends = {vertices.begin()};
+    while (ends.back() != vertices.end() && ends.size() <= kMostStretches) {
+        const auto first = ends.back();
+        auto next = std::is_sorted_until(first, vertices.end(), before);
+        if (next == first + 1) {
+            next = std::is_sorted_until(first, vertices.end(),
+                                        [&](const Vertex& a, const Vertex& b) { return before(b, a); });
+            std::reverse(first, next);
         }
-        stack.push_back(next);
+        ends.push_back(next);
     }
-    return stack;
+    if (ends.back() != vertices.end()) return std::sort(vertices.begin(), vertices.end(), before);
+    for (size_t step = 1; step + 1 < ends.size(); step *= 2)
+        for (size_t k = 0; k + step < ends.size() - 1; k += 2 * step)
+            std::inplace_merge(ends[k], ends[k + step], ends[std::min(k + 2 * step, ends.size() - 1)], before);
+}
+
+// The corners of the hull, from the lowest one (of several the one farthest right) over the right side to the top and
+// back over the left. Of several vertices in one place it is the first. (Andrew 1979)
+std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
+    SortUpwards(vertices);
+    const auto end =
+        std::unique(vertices.begin(), vertices.end(), [](const Vertex& a, const Vertex& b) { return a.p == b.p; });
+    vertices.erase(end, vertices.end());
+    if (vertices.size() < 3) return vertices;
+
+    std::vector<Vertex> corners;
+    size_t start = 0;  // of the chain: its first corner stays
+    const auto add = [&](const Vertex& next) {
+        while (corners.size() > start + 1 && Turn(corners[corners.size() - 2].p, corners.back().p, next.p) >= 0)
+            corners.pop_back();
+        corners.push_back(next);
+    };
+    std::for_each(vertices.begin(), vertices.end(), add);
+    start = corners.size() - 1;
+    std::for_each(vertices.rbegin() + 1, vertices.rend(), add);
+    corners.pop_back();  // the first one again
+    return corners;
 }
 
 // Vertices that can be an end of the diameter, in hull order, each position once.
@@ -146,7 +164,9 @@ std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std:
 // The first of the largest distances. Splits ranges of vertices in half as long as they may hold a larger distance.
 class FarthestPair {
 public:
-    explicit FarthestPair(std::vector<Vertex> vertices) : vertices_(std::move(vertices)) {
+    // extent: the larger side of the vertices' box.
+    FarthestPair(std::vector<Vertex> vertices, double extent)
+        : vertices_(std::move(vertices)), squares_(extent > 1e-120 && extent < 1e120) {
         size_t size = 1;
         while (size * kLeaf < vertices_.size()) size *= 2;
         bulge_.resize(2 * size);
@@ -158,6 +178,7 @@ public:
 
 private:
     static constexpr size_t kLeaf = 4;
+    static constexpr double kRounding = 0x1p-44;  // relative, more than that of a few operations
     struct Row {
         size_t node, first, end;
         bool isLeaf() const { return end - first <= kLeaf; }
@@ -186,9 +207,15 @@ private:
     double Bound(const Row& a, const Row& b) const {
         const Point &a1 = vertices_[a.first].p, &a2 = vertices_[a.end - 1].p;
         const Point &b1 = vertices_[b.first].p, &b2 = vertices_[b.end - 1].p;
-        const double ends =
-            std::max(std::max(Distance(a1, b1), Distance(a1, b2)), std::max(Distance(a2, b1), Distance(a2, b2)));
-        return (ends + bulge_[a.node] + bulge_[b.node]) * (1 + 0x1p-44);
+        const auto largest = [&](const auto& distance) {
+            return std::max(std::max(distance(a1, b1), distance(a1, b2)), std::max(distance(a2, b1), distance(a2, b2)));
+        };
+        const double ends = squares_ ? std::sqrt(largest(&SquareOf)) : largest(&Distance);
+        return (ends + bulge_[a.node] + bulge_[b.node]) * (1 + kRounding);
+    }
+    static double SquareOf(const Point& a, const Point& b) {
+        const double x = a.x - b.x, y = a.y - b.y;
+        return x * x + y * y;
     }
 
     void Search(const Row& a, const Row& b) {
@@ -214,6 +241,7 @@ private:
     }
 
     void Try(const Vertex& a, const Vertex& b) {
+        if (squares_ && SquareOf(a.p, b.p) < best_.length * best_.length * (1 - kRounding)) return;
         const double length = Distance(a.p, b.p);
         if (length < best_.length || length == 0) return;
         const uint32_t i = std::min(a.index, b.index), j = std::max(a.index, b.index);
@@ -228,6 +256,7 @@ private:
     }
 
     std::vector<Vertex> vertices_;
+    const bool squares_;  // are neither too large nor too small for a double
     std::vector<double> bulge_;
     Diameter best_;
 };
@@ -266,7 +295,7 @@ Diameter DiameterOf(Outline outline) {
     }
     const double extent = std::max(right - left, bottom - top);
     if (!(extent > 0)) return {};
-    if (std::isfinite(4 * extent)) return FarthestPair(DiameterEnds(vertices, corners, extent)).result();
+    if (std::isfinite(4 * extent)) return FarthestPair(DiameterEnds(vertices, corners, extent), extent).result();
 
     if (const Diameter first = FirstInfinite(outline, corners); first.length > 0) return first;
     // Very large but finite: scaled by a power of two.
