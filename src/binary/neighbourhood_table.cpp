@@ -91,7 +91,11 @@ TablePasses ApplyTable(BitPlane& plane, const NeighbourhoodTable& table, int32_t
     std::vector<uint64_t> row(words);
     std::vector<uint8_t> changed(static_cast<size_t>(height), 1), changes(changed);
     const auto hasChanged = [&](int32_t y) { return y >= 0 && y < height && changed[static_cast<size_t>(y)]; };
-    const double workOfRow = static_cast<double>(words) * static_cast<double>(program.choices() + 9);
+    // Words are chosen kChoiceWords at a time, however short the row is, and to gather and compare them takes about as
+    // long as some hundred of these choices.
+    constexpr double kWorkBesides = 700;
+    const size_t chosen = (words + kChoiceWords - 1) / kChoiceWords * kChoiceWords;
+    const double workOfRow = static_cast<double>(chosen) * static_cast<double>(program.choices() + 9) + kWorkBesides;
 
     TablePasses done{0, false};
     for (double work = 0; done.passes < times && work < kMostTableWork;) {

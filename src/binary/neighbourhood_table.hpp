@@ -50,9 +50,9 @@ struct TablePasses {
 // pass before. When the plane is the same as two passes before, it goes back and forth for ever; then passes are
 // counted to the end without being made, and stable is false. times <= 0 changes nothing.
 //
-// No pass begins after kMostTableWork choices of words, which take seconds, whatever the client asks for; `passes`
-// tells how many there were.
-constexpr double kMostTableWork = 3e10;
+// No pass begins after kMostTableWork choices of words, which take a second or two, whatever the client asks for;
+// `passes` tells how many there were.
+constexpr double kMostTableWork = 1e10;
 TablePasses ApplyTable(BitPlane& plane, const NeighbourhoodTable& table, int32_t times);
 
 // Hit or miss: the pixels p with p + b in X for all b of `hits`, and p + c not in X for all c of `misses`, offsets that
