@@ -60,9 +60,11 @@ TEST(BitmapLogic, AnOperandInTheBitmapsOwnMemoryIsReadBeforeItIsWritten) {
             Combine(bitmap, how, part, RegionRows(&upper, 40, 10));
             for (int32_t y = 0; y < 10; ++y)
                 for (int32_t x = 0; x < 40; ++x) {
-                    const uint8_t byte = before.Row(0)[c.offset + y * c.rowBytes + x / 8];
-                    const bool want = LogicOf(how, before.Bit(x, y), byte & BitmapStore::MaskOf(x));
-                    ASSERT_EQ(y < 5 ? want : before.Bit(x, y), bitmap.Bit(x, y)) << x << ", " << y;
+                    const auto operand = [&] {
+                        return before.Row(0)[c.offset + y * c.rowBytes + x / 8] & BitmapStore::MaskOf(x);
+                    };
+                    const bool want = y < 5 ? LogicOf(how, before.Bit(x, y), operand()) : before.Bit(x, y);
+                    ASSERT_EQ(want, bitmap.Bit(x, y)) << x << ", " << y;
                 }
         }
 }
