@@ -369,19 +369,5 @@ TEST(FilterContract, FailuresNameTheMethodAndWriteNothing) {
     EXPECT_THAT(one.values(), ::testing::Each(9));
 }
 
-// A source may call back: it replaces the destination, or changes its own type, while it is asked for its pixels.
-TEST(FilterContract, SourcesThatInterfereDoNoHarm) {
-    std::vector<uint8_t> memory(64 * 64);
-    for (const AnyFilter& filter : Filters())
-        for (const bool changesItself : {false, true}) {
-            const auto to = NewImage<uint8_t>(64, 64);
-            const auto foreign = ForeignImage::Of(64, 64, DT_BYTE, memory.data());
-            foreign->onVpa = [&] {
-                changesItself ? void(foreign->type = DT_Double) : void(to->Create(1, 1, 1, DT_BYTE, 1));
-            };
-            EXPECT_TRUE(FailsSilently(Apply(to, filter, foreign.get()))) << filter.name;
-        }
-}
-
 }  // namespace
 }  // namespace orlix::testing

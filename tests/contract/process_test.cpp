@@ -367,20 +367,6 @@ TEST(RegionsOfOthers, AreVisitedOnceForEachPixelOrPassTheirFailureOn) {
     Check(image.process->put_RegionOfInterest(nullptr));
 }
 
-TEST(RegionsOfOthers, MayReplaceTheImageThatAsksThem) {
-    const auto region = MakeCounted<ForeignRegion>();
-    region->runs = {RunOf(0, 3)};
-    for (const LONG type : {DT_BYTE, DT_WORD, DT_Double}) {
-        const auto image = NewImage<uint8_t>(4, 3);
-        Check(image.process->put_RegionOfInterest(region.get()), image.process);
-        region->onRuns = [&] { image->Create(1, 1, 1, type, 1); };
-        image.process->ScalarEquals(1);  // no particular result, and no harm
-        region->onRuns = nullptr;
-        ASSERT_EQ(S_OK, image->Create(4, 3, 1, DT_BYTE, 1));
-        EXPECT_EQ(S_OK, image.process->Invert());
-    }
-}
-
 // --------------------------------------------------------------------------------------------------------------- table
 
 TEST(Table, HoldsConvertedValuesAndIsLookedUp) {

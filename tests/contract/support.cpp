@@ -132,15 +132,14 @@ HRESULT ForeignImage::Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight
     *outBands = bands;
     *outWidth = width;
     *outHeight = height;
-    return dimensionsResult;
+    return S_OK;
 }
 
 HRESULT ForeignImage::VPA(LONG, void** outBase, VPAEntry** outTable) noexcept {
     *outBase = base;
-    *outTable = nullTable ? nullptr : otherTable ? otherTable : table.empty() ? nullptr : table.data() + 200;
-    height += growAfterVpa;
+    *outTable = otherTable ? otherTable : table.empty() ? nullptr : table.data() + 200;
     if (onVpa) onVpa();
-    return vpaResult;
+    return S_OK;
 }
 
 HRESULT ForeignRegion::GetRowRuns(LONG row, SRun** begin, SRun** end) noexcept {

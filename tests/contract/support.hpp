@@ -176,11 +176,8 @@ class ForeignImage final : public CountedObject<IImageVPA> {
 public:
     LONG bands = 1, width = 1, height = 1, type = DT_BYTE;
     void* base = nullptr;
-    std::vector<VPAEntry> table;  // margin included
-    HRESULT dimensionsResult = S_OK, typeResult = S_OK, vpaResult = S_OK;
-    bool nullTable = false;
+    std::vector<VPAEntry> table;           // margin included
     VPAEntry* otherTable = nullptr;        // entry 0 of one that is handed out instead
-    LONG growAfterVpa = 0;                 // added to the height once VPA was called
     std::function<void()> onVpa, onQuery;  // the latter once
 
     // The samples row by row without padding.
@@ -193,7 +190,7 @@ public:
         return CountedObject::QueryInterface(iid, object);
     }
     STDMETHODIMP Dimensions(LONG* outBands, LONG* outWidth, LONG* outHeight) noexcept override;
-    STDMETHODIMP DataType(LONG, LONG* outType) noexcept override { return *outType = type, typeResult; }
+    STDMETHODIMP DataType(LONG, LONG* outType) noexcept override { return *outType = type, S_OK; }
     STDMETHODIMP VPA(LONG band, void** outBase, VPAEntry** outTable) noexcept override;
     STDMETHODIMP GetCoords(TCoordinateMap* map) noexcept override { return *map = {7, 8, {1, 2, 3, 4}}, S_OK; }
     STDMETHODIMP SetCoords(TCoordinateMap) noexcept override { return S_OK; }
