@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fits/hemisphere_fit.hpp"
+#include "fits/hemisphere_sums.hpp"
 #include "numerics/elementary.hpp"
 #include "numerics/linear_system.hpp"
 
@@ -29,46 +30,53 @@ struct Sums {
     double squares = 0;
     Vector gradient = {};
     std::array<Vector, kUnknowns> normal = {};
-
-    void operator+=(const Sums& other) {
-        squares += other.squares;
-        for (size_t i = 0; i < kUnknowns; ++i) {
-            gradient[i] += other.gradient[i];
-            for (size_t j = i; j < kUnknowns; ++j) normal[i][j] += other.normal[i][j];
-        }
-    }
 };
+
+// The columns and rows of a source are `step` apart.
+template <class Source>
+double StepOf(const Source& source) {
+    if constexpr (requires { source.step(); }) return source.step();
+    return 1;
+}
 
 template <class Source>
 Sums SumsOf(const Source& source, const Place& place, const Vector& p) {
-    constexpr double kLeastRoot = 1.0 / 64;
+    const CapSumsFn addTerms = Choose(kCapSums);
+    const double step = StepOf(source), unit = 1 / place.length, c = p[kC], towards = 2 * c;
     Sums total;
     source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t x, int32_t y) {
-        Sums sums;
-        const double yy = (y - place.yMiddle) / place.length;
-        const double dy = yy - p[kB];
-        for (size_t i = 0; i < n; ++i) {
-            const double xx = ((x - place.xMiddle) + static_cast<double>(i)) / place.length;
-            const double dx = xx - p[kA];
-            const double s = dx * dx + dy * dy;
-            const double square = 1 - p[kQ] * s;
-            const bool inside = square > 0;
-            const double root = inside ? std::sqrt(square) : 0.0;
-            const double phi = inside ? s / (1 + root) : 1 / p[kQ];
-            const double steep = root > kLeastRoot ? root : kLeastRoot;
-            const double byS = inside ? 1 / (2 * steep) : 0.0;
-            const double byQ = inside ? s * phi / (2 * steep * (1 + root)) : -phi * phi;
-            const double residual =
-                p[kE] + p[kGx] * xx + p[kGy] * yy - p[kC] * phi - (static_cast<double>(run[i]) - place.z);
-            const double towards = 2 * p[kC] * byS;
-            const Vector d = {towards * dx, towards * dy, -p[kC] * byQ, 1, -phi, xx, yy};
-            sums.squares += residual * residual;
-            for (size_t j = 0; j < kUnknowns; ++j) {
-                sums.gradient[j] += d[j] * residual;
-                for (size_t k = j; k < kUnknowns; ++k) sums.normal[j][k] += d[j] * d[k];
-            }
-        }
-        total += sums;
+        const double yy = (y - place.yMiddle) * unit, dy = yy - p[kB], first = x - place.xMiddle;
+        const double outside = 1 / p[kQ];
+        const CapRow row = {unit,   p[kA], dy * dy, p[kQ], outside, -outside * outside, p[kE] + p[kGy] * yy,
+                            p[kGx], p[kC], place.z};
+        const auto sum = SumsOfRun(addTerms, row, run, n, first, step);
+        const double count = static_cast<double>(n), middle = (first + step * (count - 1) / 2) * unit;
+        const double xSum = count * middle;
+        const double xSquares = xSum * middle + SpreadOfColumns(n, step).squares * (unit * unit);
+
+        // The derivatives of the height: 2 c e d, 2 c e dy, -c m, 1, -phi, X and Y.
+        total.squares += sum[CapRow::kRR];
+        const Vector gradient = {towards * sum[CapRow::kDR], towards * dy * sum[CapRow::kER],
+                                 -c * sum[CapRow::kMR],      sum[CapRow::kR],
+                                 -sum[CapRow::kPhiR],        sum[CapRow::kXR],
+                                 yy * sum[CapRow::kR]};
+        for (size_t i = 0; i < kUnknowns; ++i) total.gradient[i] += gradient[i];
+        const auto add = [&](Unknown i, const auto& entries) {
+            for (size_t k = 0; k < std::size(entries); ++k) total.normal[i][i + k] += entries[k];
+        };
+        add(kA, std::array{towards * towards * sum[CapRow::kDD], towards * towards * dy * sum[CapRow::kDE],
+                           -c * towards * sum[CapRow::kDM], towards * sum[CapRow::kD], -towards * sum[CapRow::kDPhi],
+                           towards * sum[CapRow::kDX], towards * yy * sum[CapRow::kD]});
+        const double towardsY = towards * dy;
+        add(kB, std::array{towardsY * towardsY * sum[CapRow::kEE], -c * towardsY * sum[CapRow::kEM],
+                           towardsY * sum[CapRow::kE], -towardsY * sum[CapRow::kEPhi], towardsY * sum[CapRow::kEX],
+                           towardsY * yy * sum[CapRow::kE]});
+        add(kQ, std::array{c * c * sum[CapRow::kMM], -c * sum[CapRow::kM], c * sum[CapRow::kMPhi],
+                           -c * sum[CapRow::kMX], -c * yy * sum[CapRow::kM]});
+        add(kE, std::array{count, -sum[CapRow::kPhi], xSum, yy * count});
+        add(kC, std::array{sum[CapRow::kPhiPhi], -sum[CapRow::kPhiX], -yy * sum[CapRow::kPhi]});
+        add(kGx, std::array{xSquares, yy * xSum});
+        add(kGy, std::array{yy * yy * count});
     });
     return total;
 }
@@ -192,43 +200,75 @@ Descent Refine(const Source& source, const Place& place, double deviation, const
     return {here.at.p, here.at.squares};
 }
 
-// Every k-th column and row, k = 1, 2, ..., so that no more than about `most` points are left; all points of a region
-// with so few rows or columns that hardly any would be left.
-template <class Source>
-std::vector<SurfacePoint> Thinned(const Source& source, int64_t most) {
-    auto every =
-        static_cast<int32_t>(std::ceil(std::sqrt(static_cast<double>(source.count()) / static_cast<double>(most))));
-    std::vector<SurfacePoint> points;
-    for (;; every = 1) {
-        source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t x, int32_t y) {
-            if (y % every != 0) return;
-            for (auto i = static_cast<size_t>((every - x % every) % every); i < n; i += static_cast<size_t>(every))
-                points.push_back({x + static_cast<int32_t>(i), y, static_cast<double>(run[i])});
-        });
-        if (every == 1 || static_cast<int64_t>(points.size()) >= most / 16) return points;
-        points.clear();
+// Every step-th column and row of a region.
+class ThinnedPixels {
+public:
+    using Pixel = double;
+    // step = 1, 2, ..., so that no more than about `most` pixels are left; all pixels of a region with so few rows or
+    // columns that hardly any would be left.
+    template <class Source>
+    ThinnedPixels(const Source& source, int64_t most)
+        : step_(static_cast<int32_t>(
+              std::ceil(std::sqrt(static_cast<double>(source.count()) / static_cast<double>(most))))) {
+        for (;; step_ = 1) {
+            source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t x, int32_t y) {
+                if (y % step_ != 0) return;
+                const auto first = static_cast<size_t>((step_ - x % step_) % step_), before = values_.size();
+                for (size_t i = first; i < n; i += static_cast<size_t>(step_))
+                    values_.push_back(static_cast<double>(run[i]));
+                if (values_.size() == before) return;
+                runs_.push_back({x + static_cast<int32_t>(first), y, values_.size() - before});
+            });
+            if (step_ == 1 || count() >= most / 16) return;
+            values_.clear();
+            runs_.clear();
+        }
     }
-}
+
+    int64_t count() const { return static_cast<int64_t>(values_.size()); }
+    double step() const { return step_; }
+    // Pixel i of a run is at the column x + step() i.
+    template <class Visit>
+    void ForEachRun(Visit&& visit) const {
+        const double* values = values_.data();
+        for (const RunOfPixels& run : runs_) {
+            visit(values, run.length, run.x, run.y);
+            values += run.length;
+        }
+    }
+
+private:
+    struct RunOfPixels {
+        int32_t x, y;
+        size_t length;
+    };
+    int32_t step_;
+    std::vector<RunOfPixels> runs_;
+    std::vector<double> values_;
+};
 
 // Caps whose rim lies in the region: among circles of a few radii about a grid of centres, those that explain most when
 // height and base follow by linear regression. They only serve as starts; they cost some hundred sums over few points.
 class RimScan {
 public:
-    RimScan(const std::vector<SurfacePoint>& points, const Place& place) {
+    RimScan(const ThinnedPixels& pixels, const Place& place) {
         std::array<double, 9> matrix = {};
         std::array<double, 3> right = {};
-        for (const SurfacePoint& point : points) {
-            const Sample sample = {(point.x - place.xMiddle) / place.length, (point.y - place.yMiddle) / place.length,
-                                   point.z - place.z};
-            const std::array<double, 3> base = {1, sample.x, sample.y};
-            for (size_t i = 0; i < 3; ++i) {
-                right[i] += base[i] * sample.z;
-                for (size_t j = 0; j < 3; ++j) matrix[i * 3 + j] += base[i] * base[j];
+        pixels.ForEachRun([&](const double* run, size_t n, int32_t x, int32_t y) {
+            for (size_t k = 0; k < n; ++k) {
+                const double column = x + pixels.step() * static_cast<double>(k);
+                const Sample sample = {(column - place.xMiddle) / place.length, (y - place.yMiddle) / place.length,
+                                       run[k] - place.z};
+                const std::array<double, 3> base = {1, sample.x, sample.y};
+                for (size_t i = 0; i < 3; ++i) {
+                    right[i] += base[i] * sample.z;
+                    for (size_t j = 0; j < 3; ++j) matrix[i * 3 + j] += base[i] * base[j];
+                }
+                xMost_ = std::max(xMost_, std::fabs(sample.x));
+                yMost_ = std::max(yMost_, std::fabs(sample.y));
+                samples_.push_back(sample);
             }
-            xMost_ = std::max(xMost_, std::fabs(sample.x));
-            yMost_ = std::max(yMost_, std::fabs(sample.y));
-            samples_.push_back(sample);
-        }
+        });
         lu_.emplace(matrix, 3);
         std::array<double, 3> plane;
         lu_->Solve(right, plane);
@@ -293,55 +333,54 @@ Vector StartFrom(const Hemisphere& hemisphere, const Place& place) {
     return p;
 }
 
-// The start from which a few steps on the few points get farthest.
-Vector BestRim(const std::vector<SurfacePoint>& points, const Place& place, double deviation) {
+// The start from which a few steps on the few pixels get farthest.
+Vector BestRim(const ThinnedPixels& pixels, const Place& place, double deviation) {
     std::optional<Descent> best;
-    for (const Vector& start : RimScan(points, place).Starts()) {
-        const Descent descent = Refine(PointRuns(points), place, deviation, start, 12);
+    for (const Vector& start : RimScan(pixels, place).Starts()) {
+        const Descent descent = Refine(pixels, place, deviation, start, 12);
         if (!best || descent.squares < best->squares) best = descent;
     }
     return best->p;
 }
 
-// The smallest of the sums that the starts lead to. In a large region they are followed on a few of its points, and the
-// best continues on all points, as does any other that is nearly as good and distinct.
+// The smallest of the sums that the ends lead to: that of the best one, and of any other that is nearly as good and
+// distinct.
 template <class Source>
-Vector Search(const Source& source, const Place& place, double deviation, const std::vector<Vector>& starts) {
+Vector BestOf(const Source& source, const Place& place, double deviation, const std::vector<Vector>& from) {
     std::vector<Descent> ends;
-    if (source.count() <= kThin) {
-        const double exact = 1e-24 * deviation * deviation * static_cast<double>(source.count());
-        for (const Vector& start : starts) {
-            ends.push_back(Refine(source, place, deviation, start, 200));
-            if (ends.back().squares <= exact) return ends.back().p;
-        }
-    } else {
-        const std::vector<SurfacePoint> points = Thinned(source, kThin);
-        for (const Vector& start : starts) {
-            const Vector p = Refine(PointRuns(points), place, deviation, start, 60).p;
-            ends.push_back({p, SumsOf(source, place, p).squares});
-        }
-    }
+    for (const Vector& p : from) ends.push_back({p, SumsOf(source, place, p).squares});
     const auto least = [](const Descent& a, const Descent& b) { return a.squares < b.squares; };
     std::sort(ends.begin(), ends.end(), least);
-    if (source.count() <= kThin) return ends.front().p;
-
-    const bool large = source.count() >= 4 * kFew;
-    const std::vector<SurfacePoint> few = large ? Thinned(source, kFew) : std::vector<SurfacePoint>();
     std::optional<Descent> best;
     for (const Descent& end : ends) {
         constexpr double kNearly = 1.1, kSame = 0.02;
         const bool same = std::fabs(end.p[kQ] - ends.front().p[kQ]) <= kSame * ends.front().p[kQ];
         if (best && (same || !(end.squares <= kNearly * ends.front().squares))) continue;
-        Descent descent;
-        if (large) {
-            descent.p = Refine(PointRuns(few), place, deviation, end.p, 40).p;
-            descent.squares = SumsOf(source, place, descent.p).squares;
-        } else {
-            descent = Refine(source, place, deviation, end.p, 40);
-        }
+        const Descent descent = Refine(source, place, deviation, end.p, 40);
         if (!best || descent.squares < best->squares) best = descent;
     }
-    return large ? Refine(source, place, deviation, best->p, 40).p : best->p;
+    return best->p;
+}
+
+// The smallest of the sums that the starts lead to. In a large region they are followed on a few of its pixels, and the
+// best continues on more of them, at last on all.
+template <class Source>
+Vector Search(const Source& source, const Place& place, double deviation, const std::vector<Vector>& starts) {
+    if (source.count() <= kThin) {
+        const double exact = 1e-24 * deviation * deviation * static_cast<double>(source.count());
+        std::optional<Descent> best;
+        for (const Vector& start : starts) {
+            const Descent end = Refine(source, place, deviation, start, 200);
+            if (!best || end.squares < best->squares) best = end;
+            if (end.squares <= exact) return end.p;
+        }
+        return best->p;
+    }
+    const ThinnedPixels thin(source, kThin);
+    std::vector<Vector> ends;
+    for (const Vector& start : starts) ends.push_back(Refine(thin, place, deviation, start, 60).p);
+    if (source.count() < 4 * kFew) return BestOf(source, place, deviation, ends);
+    return Refine(source, place, deviation, BestOf(ThinnedPixels(source, kFew), place, deviation, ends), 40).p;
 }
 
 template <class Source>
@@ -357,16 +396,8 @@ Place PlaceOf(const Source& source, double average) {
             0.5 * std::max(double{1} * right - left, double{1} * bottom - top), average};
 }
 
-template <class Source>
-double DeviationOf(const Source& source, double average) {
-    double squares = 0;
-    source.ForEachRun([&](const typename Source::Pixel* run, size_t n, int32_t, int32_t) {
-        for (size_t i = 0; i < n; ++i) {
-            const double d = static_cast<double>(run[i]) - average;
-            squares += d * d;
-        }
-    });
-    return std::sqrt(squares / static_cast<double>(source.count()));
+bool AllFinite(const Hemisphere& h) {
+    return std::isfinite(h.xCenter + h.yCenter + h.zCenter + h.zScale + h.radius + h.alpha + h.beta);
 }
 
 std::optional<Hemisphere> InPixels(const Place& place, const Vector& p) {
@@ -379,9 +410,7 @@ std::optional<Hemisphere> InPixels(const Place& place, const Vector& p) {
     const double angleOf = std::fabs(hemisphere.zScale) / place.length;
     hemisphere.alpha = ArcTangent(p[kGx] * angleOf);
     hemisphere.beta = ArcTangent(p[kGy] * angleOf);
-    const double all = hemisphere.xCenter + hemisphere.yCenter + hemisphere.zCenter + hemisphere.zScale +
-                       hemisphere.radius + hemisphere.alpha + hemisphere.beta;
-    if (!std::isfinite(all)) return std::nullopt;
+    if (!AllFinite(hemisphere)) return std::nullopt;
     return hemisphere;
 }
 
@@ -390,27 +419,29 @@ std::optional<Hemisphere> InPixels(const Place& place, const Vector& p) {
 template <class Source>
 std::optional<Hemisphere> FitAngledHemisphere(const Source& source, double average) {
     if (source.count() < static_cast<int64_t>(kUnknowns)) return std::nullopt;
-    const std::optional<Hemisphere> algebraic = AlgebraicHemisphere(source, average);
+    const std::optional<AlgebraicFit> algebraic = AlgebraicHemisphere(source, average);
     if (!algebraic) return std::nullopt;
     const Place place = PlaceOf(source, average);
-    const double deviation = DeviationOf(source, average);
+    const double deviation = std::sqrt(algebraic->squares / static_cast<double>(source.count()));
 
     std::vector<Vector> starts;
-    if (std::isfinite(algebraic->radius) && algebraic->zScale != 0) starts.push_back(StartFrom(*algebraic, place));
+    const Hemisphere& level = algebraic->hemisphere;
+    if (std::isfinite(level.radius) && level.zScale != 0) starts.push_back(StartFrom(level, place));
     Vector outside = {};
     outside[kQ] = 0.2, outside[kC] = 1;
     starts.push_back(outside);
-    starts.push_back(BestRim(Thinned(source, kScanned), place, deviation));
+    starts.push_back(BestRim(ThinnedPixels(source, kScanned), place, deviation));
     return InPixels(place, Search(source, place, deviation, starts));
 }
 
 std::optional<Hemisphere> AngledHemisphereThrough(std::span<const SurfacePoint> points, double average) {
     const PointRuns runs(points);
     if (points.size() < kUnknowns) return std::nullopt;
-    const std::optional<Hemisphere> algebraic = FitHemisphere(runs, average);
-    if (!algebraic || algebraic->zScale == 0) return std::nullopt;
+    const std::optional<AlgebraicFit> algebraic = AlgebraicHemisphere(runs, average);
+    if (!algebraic || !AllFinite(algebraic->hemisphere) || algebraic->hemisphere.zScale == 0) return std::nullopt;
     const Place place = PlaceOf(runs, average);
-    return InPixels(place, Refine(runs, place, DeviationOf(runs, average), StartFrom(*algebraic, place), 200).p);
+    const double deviation = std::sqrt(algebraic->squares / static_cast<double>(points.size()));
+    return InPixels(place, Refine(runs, place, deviation, StartFrom(algebraic->hemisphere, place), 200).p);
 }
 
 template std::optional<Hemisphere> FitAngledHemisphere(const RegionPixels<uint8_t>&, double);

@@ -22,7 +22,8 @@ namespace orlix {
 //      one to the other, since the derivatives are zero outside the rim. So the starts are: the untilted algebraic fit
 //      (hemisphere_fit.hpp); a cap in the middle whose rim lies outside (q = 0.2); and the best of the circles in the
 //      region, of five radii about a grid of centres. In large regions the starts are followed on some 2048 pixels,
-//      every k-th column and row, and the best continues on all pixels.
+//      every k-th column and row, and the best continues on all pixels; from 2^18 pixels on, which one is the best
+//      shows on some 2^16 of them.
 //  (4) Damping: the diagonal of the normal matrix times lambda. Lambda is 0.001 at first, divided by 10 after a step
 //      that lowers the sum, and multiplied by 10 after any other step (which is undone). Near the rim, where the
 //      surface is vertical, the derivatives are those at a root of 1 / 64. A step reduces q by at most 7 / 8 of its

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "fits/hemisphere_sums.hpp"
 #include "numerics/linear_system.hpp"
 
 namespace orlix {
@@ -23,13 +24,6 @@ struct Moments {
 // A regressed quantity: its products with the regressors, and its square.
 struct Regressed {
     double u = 0, v = 0, t = 0, one = 0, square = 0;
-    void Add(double value, double pu, double pv, double pt) {
-        u += value * pu;
-        v += value * pv;
-        t += value * pt;
-        one += value;
-        square += value * value;
-    }
     void operator+=(const Regressed& r) { u += r.u, v += r.v, t += r.t, one += r.one, square += r.square; }
 };
 
@@ -69,7 +63,7 @@ private:
 }  // namespace
 
 template <class Source>
-std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double average) {
+std::optional<AlgebraicFit> AlgebraicHemisphere(const Source& source, double average) {
     using T = typename Source::Pixel;
     if (source.count() < 5) return std::nullopt;
 
@@ -84,18 +78,26 @@ std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double avera
 
     Moments moments;
     Regressed ofW, ofQ;
+    const AlgebraicSumsFn addTerms = Choose(kAlgebraicSums);
     source.ForEachRun([&](const T* run, size_t length, int32_t x, int32_t y) {
         const double v = y - yMiddle;
+        const auto sums = SumsOfRun(addTerms, AlgebraicRow{v * v, zMiddle}, run, length, x - xMiddle, 1.0);
+        // The columns have closed forms, about the middle of the run; w at the middle is `level`.
+        const auto l = static_cast<double>(length);
+        const double u = (x - xMiddle) + (l - 1) / 2, uu = u * u, level = uu + v * v;
+        const SpreadOfColumns spread(length, 1.0);
         Moments m;
+        m.n = l, m.u = l * u, m.v = v * l, m.t = sums[AlgebraicRow::kT];
+        m.uu = l * uu + spread.squares, m.uv = v * m.u, m.ut = sums[AlgebraicRow::kUT];
+        m.vv = v * m.v, m.vt = v * m.t, m.tt = sums[AlgebraicRow::kQ];
         Regressed w, q;
-        for (size_t i = 0; i < length; ++i) {
-            const double u = (x - xMiddle) + static_cast<double>(i), t = static_cast<double>(run[i]) - zMiddle;
-            m.u += u, m.t += t, m.uu += u * u, m.ut += u * t, m.tt += t * t;
-            w.Add(u * u + v * v, u, v, t);
-            q.Add(t * t, u, v, t);
-        }
-        m.n = static_cast<double>(length);
-        m.v = v * m.n, m.uv = v * m.u, m.vv = v * m.v, m.vt = v * m.t;
+        w.one = l * level + spread.squares;
+        w.u = l * (level * u) + 3 * u * spread.squares;
+        w.v = w.one * v;
+        w.t = sums[AlgebraicRow::kWT];
+        w.square = l * (level * level) + (4 * uu + 2 * level) * spread.squares + spread.fourths;
+        q.u = sums[AlgebraicRow::kQU], q.v = sums[AlgebraicRow::kQ] * v, q.t = sums[AlgebraicRow::kQT],
+        q.one = sums[AlgebraicRow::kQ], q.square = sums[AlgebraicRow::kQQ];
         moments += m, ofW += w, ofQ += q;
     });
     const Regression regression(moments);
@@ -103,15 +105,13 @@ std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double avera
     Four wOn = regression.Solve(ofW), qOn = regression.Solve(ofQ);
 
     Regressed wRest, qRest;
+    const RestSumsFn addRests = Choose(kRestSums);
     source.ForEachRun([&](const T* run, size_t length, int32_t x, int32_t y) {
         const double v = y - yMiddle;
-        Regressed w, q;
-        for (size_t i = 0; i < length; ++i) {
-            const double u = (x - xMiddle) + static_cast<double>(i), t = static_cast<double>(run[i]) - zMiddle;
-            w.Add(u * u + v * v - (wOn[0] * u + wOn[1] * v + wOn[2] * t + wOn[3]), u, v, t);
-            q.Add(t * t - (qOn[0] * u + qOn[1] * v + qOn[2] * t + qOn[3]), u, v, t);
-        }
-        wRest += w, qRest += q;
+        const RestRow row{v * v, zMiddle, wOn[0], wOn[1] * v, wOn[2], wOn[3], qOn[0], qOn[1] * v, qOn[2], qOn[3]};
+        const auto sums = SumsOfRun(addRests, row, run, length, x - xMiddle, 1.0);
+        wRest += {sums[RestRow::kWU], sums[RestRow::kW] * v, sums[RestRow::kWT], sums[RestRow::kW], sums[RestRow::kWW]};
+        qRest += {sums[RestRow::kQU], sums[RestRow::kQ] * v, sums[RestRow::kQT], sums[RestRow::kQ], sums[RestRow::kQQ]};
     });
     const auto correct = [&](Four& on, const Regressed& rest) {
         const Four more = regression.Solve(rest);
@@ -138,26 +138,27 @@ std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double avera
     // The radius refers to the square of zScale, which is 0 instead of the ratio when there is no side.
     if (side == 0) square -= ratio * hemisphere.zCenter * hemisphere.zCenter;
     hemisphere.radius = std::sqrt(square);
-    return hemisphere;
+    return AlgebraicFit{hemisphere, moments.tt};
 }
 
 template <class Source>
 std::optional<Hemisphere> FitHemisphere(const Source& source, double average) {
-    const std::optional<Hemisphere> fit = AlgebraicHemisphere(source, average);
-    if (!fit || !std::isfinite(fit->xCenter + fit->yCenter + fit->zCenter + fit->zScale + fit->radius))
-        return std::nullopt;
-    return fit;
+    const std::optional<AlgebraicFit> fit = AlgebraicHemisphere(source, average);
+    if (!fit) return std::nullopt;
+    const Hemisphere& h = fit->hemisphere;
+    if (!std::isfinite(h.xCenter + h.yCenter + h.zCenter + h.zScale + h.radius)) return std::nullopt;
+    return h;
 }
 
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint8_t>&, double);
-template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<uint8_t>&, double);
+template std::optional<AlgebraicFit> AlgebraicHemisphere(const RegionPixels<uint8_t>&, double);
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint16_t>&, double);
-template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<uint16_t>&, double);
+template std::optional<AlgebraicFit> AlgebraicHemisphere(const RegionPixels<uint16_t>&, double);
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<uint32_t>&, double);
-template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<uint32_t>&, double);
+template std::optional<AlgebraicFit> AlgebraicHemisphere(const RegionPixels<uint32_t>&, double);
 template std::optional<Hemisphere> FitHemisphere(const RegionPixels<float>&, double);
-template std::optional<Hemisphere> AlgebraicHemisphere(const RegionPixels<float>&, double);
+template std::optional<AlgebraicFit> AlgebraicHemisphere(const RegionPixels<float>&, double);
 template std::optional<Hemisphere> FitHemisphere(const PointRuns&, double);
-template std::optional<Hemisphere> AlgebraicHemisphere(const PointRuns&, double);
+template std::optional<AlgebraicFit> AlgebraicHemisphere(const PointRuns&, double);
 
 }  // namespace orlix

@@ -25,13 +25,19 @@ namespace orlix {
 // line, only two different heights, and wherever w or q is a linear function of x, y and z apart from rounding; also
 // where the surface that they determine has no real points.
 //
-// Source: provides count() and ForEachRun() as RegionPixels does; RegionPixels of any pixel type, or PointRuns.
+// Sums over the columns of a run are closed forms; those of a run's pixels are taken in eight lanes, pixel i in lane
+// i % 8 (hemisphere_sums_kernels.hpp), and runs are added one after the other.
+//
 // Source: count() and ForEachRun() as RegionPixels; any of its pixel types, or PointRuns.
 template <class Source>
 std::optional<Hemisphere> FitHemisphere(const Source& source, double average);
 
 // The same surface, even where its radius is not a real number (NaN): the pixels then determine a surface but no cap.
+struct AlgebraicFit {
+    Hemisphere hemisphere;
+    double squares = 0;  // sum of (pixel - average)^2
+};
 template <class Source>
-std::optional<Hemisphere> AlgebraicHemisphere(const Source& source, double average);
+std::optional<AlgebraicFit> AlgebraicHemisphere(const Source& source, double average);
 
 }  // namespace orlix

@@ -13,6 +13,7 @@
 #include "filters/filter_table.hpp"
 #include "fits/correction_kernels.hpp"
 #include "fits/hemisphere_kernels.hpp"
+#include "fits/hemisphere_sums_kernels.hpp"
 #include "fits/moments_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
 #include "measure/counting_kernels.hpp"
@@ -101,6 +102,9 @@ std::vector<KernelInUse> Collect() {
                        {"surfaces, float", ChosenVariant(kFloatMoments<3>).name},
                        {"surface values", ChosenVariant(kShifts).name},
                        {"hemisphere values", ChosenVariant(kHemisphereRow).name},
+                       {"hemisphere sums", ChosenVariant(kAlgebraicSums).name},
+                       {"hemisphere residuals", ChosenVariant(kRestSums).name},
+                       {"tilted hemisphere sums", ChosenVariant(kCapSums).name},
                        {"robust score, 8 bits", ChosenVariant(kClippedSquares<uint8_t>).name},
                        {"robust score, selection, 8 bits", ChosenVariant(kDivideSquares<uint8_t>).name},
                        {"robust score, 16 bits", ChosenVariant(kClippedSquares<uint16_t>).name},

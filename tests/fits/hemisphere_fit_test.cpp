@@ -45,6 +45,12 @@ TEST(HemisphereFit, RecoversCapsFromAnywhere) {
         ASSERT_TRUE(fit && angled);
         EXPECT_LT(std::max(Error(truth, *fit), Error(truth, *angled)), 1e-6) << truth.radius;
     }
+    // Far away from the origin as well.
+    std::vector<SurfacePoint> far = PointsOn(caps[0], 200, 200);
+    for (SurfacePoint& point : far) point.x += 3000000, point.y += 2000000;
+    const auto fitFar = FitHemisphere(PointRuns(far), AverageOf(far));
+    ASSERT_TRUE(fitFar);
+    EXPECT_LT(Error({3000100.3, 2000098.7, 20, 0.5, 80}, *fitFar), 1e-9);
     // Five points determine one.
     const Hemisphere truth{7, 9, 3, -0.25, 20};
     std::vector<SurfacePoint> five;
@@ -97,6 +103,15 @@ TEST(HemisphereFit, NoHemisphereWhereThereIsNone) {
     EXPECT_TRUE(none(RegionPicture<uint8_t>(2, 2, [](int x, int y) { return x * y; })));
     EXPECT_TRUE(none(RegionPicture<uint16_t>(20, 20, [](int x, int y) { return x * x + y * y; })));  // a paraboloid
     EXPECT_TRUE(none(RegionPicture<float>(20, 20, [](int x, int y) { return x == 3 && y == 3 ? kNaN : x * y; })));
+    // Pixels on a diagonal, and a plane in single precision over a slanted region.
+    std::vector<SurfacePoint> diagonal, slanted;
+    for (int32_t i = 0; i < 20; ++i) {
+        diagonal.push_back({i, i, static_cast<double>(i * i % 19)});
+        for (int32_t j = 0; j < 20; ++j)
+            slanted.push_back({i + j, j, double{static_cast<float>(0.6 * (i + j) - 0.9 * j)}});
+    }
+    EXPECT_FALSE(FitHemisphere(PointRuns(diagonal), AverageOf(diagonal)));
+    EXPECT_FALSE(FitHemisphere(PointRuns(slanted), AverageOf(slanted)));
 }
 
 double MeanSquare(const std::vector<SurfacePoint>& points, const Hemisphere& hemisphere) {
@@ -121,13 +136,33 @@ TEST(AngledHemisphereFit, RecoversTiltedCaps) {
     }
 }
 
+// The larger region is searched on a part of its pixels first. All of them decide: pixel by pixel, in an order of
+// summation of its own, the result is the same.
 TEST(AngledHemisphereFit, FindsTheBallOnItsTiltedBase) {
-    NormalNoise noise(8);
-    const Hemisphere truth{70.5, 60.25, 50, 0.5, 45, 0.05, -0.1};  // the base is visible around it
-    const RegionPicture<float> picture(140, 120, [&](int x, int y) { return HeightOf(truth, x, y) + 0.2 * noise(); });
-    const auto fit = FitAngledHemisphere(picture.region(), AverageOf(PointsOf(picture.region())));
-    ASSERT_TRUE(fit);
-    EXPECT_LT(Error(truth, *fit), 2e-3);
+    for (const int by : {1, 5}) {
+        NormalNoise noise(8);
+        // The base is visible around it.
+        const Hemisphere truth{70.5 * by, 60.25 * by, 50, 0.5, 45.0 * by, 0.05, -0.1};
+        const RegionPicture<float> picture(140 * by, 120 * by,
+                                           [&](int x, int y) { return HeightOf(truth, x, y) + 0.2 * noise(); });
+        const std::vector<SurfacePoint> points = PointsOf(picture.region());
+        const auto fit = FitAngledHemisphere(picture.region(), AverageOf(points));
+        const auto slowly = FitAngledHemisphere(PointRuns(points), AverageOf(points));
+        ASSERT_TRUE(fit && slowly);
+        EXPECT_LT(Error(truth, *fit), 2e-3 / by);
+        EXPECT_LT(Error(*slowly, *fit), 1e-8);
+    }
+}
+
+TEST(HemisphereFit, RunsGiveTheSameAsPixelsOneByOne) {
+    NormalNoise noise(4);
+    const Hemisphere truth{700.5, 20.25, 50, 0.5, 2000};
+    const RegionPicture<uint16_t> picture(1300, 40, [&](int x, int y) { return HeightOf(truth, x, y) + noise(); });
+    const std::vector<SurfacePoint> points = PointsOf(picture.region());
+    const auto fit = FitHemisphere(picture.region(), AverageOf(points));
+    const auto slowly = FitHemisphere(PointRuns(points), AverageOf(points));
+    ASSERT_TRUE(fit && slowly);
+    EXPECT_LT(Error(*slowly, *fit), 1e-11);
 }
 
 // Caps cut off by the edges of a rectangle, in whole grey levels. The least sum is no larger than that of the truth,

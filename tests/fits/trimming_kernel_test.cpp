@@ -1,4 +1,5 @@
 #include "fits/hemisphere_kernels.hpp"
+#include "fits/hemisphere_sums_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
 
 #include "support/kernel_testing.hpp"
@@ -81,6 +82,45 @@ TEST(HemisphereRow, EveryVariantEqualsTheDefinition) {
         for (const size_t n : kAwkwardSizes)
             ExpectTheDefinition(kHemisphereRow, std::vector<double>(n),
                                 [&](auto values, double* to) { values(row, 7, n, to); });
+}
+
+// Inside the cap, at its rim, where it is steep, and outside; halves of a column for a rim that is hit exactly.
+TEST(HemisphereSums, EveryVariantEqualsTheDefinition) {
+    const auto expect = [](const auto& table, const auto& row) {
+        using Sums = LaneSums<std::remove_cvref_t<decltype(row)>>;
+        for (const size_t n : kAwkwardSizes)
+            for (const double first : {-80.0, 3.0}) {
+                Guarded<double> values(SurfaceNear<uint8_t>(Noise<uint8_t>(n, 5), 6), n % 4);
+                ExpectTheDefinition(table, std::vector<double>(sizeof(Sums) / sizeof(double), 0.25),
+                                    [&](auto add, double* to) {
+                                        Sums sums;
+                                        std::copy_n(to, std::size(sums.lane) * 8, sums.lane[0]);
+                                        add(row, values.data(), n, first, n % 3 == 0 ? 4.0 : 1.0, sums);
+                                        std::copy_n(sums.lane[0], std::size(sums.lane) * 8, to);
+                                    });
+            }
+    };
+    expect(kAlgebraicSums, AlgebraicRow{49, 128.375});
+    expect(kRestSums, RestRow{49, 128.375, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8});
+    for (const double q : {0.04, 4.0, 1e-9})
+        expect(kCapSums, CapRow{1.0 / 64, 0.25, 0.0625, q, 1 / q, -1 / (q * q), 3.5, 0.75, 120, 7});
+}
+
+// At X = 3 / 4 of a = 0, Y^2 = 7 / 16, q = 3 / 4: s = 1 and the root is 1 / 2. Outside at X = 2.
+TEST(HemisphereSums, TermsWorkedOutByHand) {
+    const CapRow row{0.25, 0, 0.4375, 0.75, 4.0 / 3, -16.0 / 9, 10, 4, 6, 2};
+    for (const bool outside : {false, true}) {
+        LaneSums<CapRow> sums;
+        const double z = 1;
+        CapSums_scalar(row, &z, 1, outside ? 8 : 3, 1, sums);
+        const double x = outside ? 2 : 0.75, phi = outside ? 4.0 / 3 : 2.0 / 3, e = outside ? 0 : 1;
+        const double m = outside ? -16.0 / 9 : 4.0 / 9, r = 10 + 4 * x - 6 * phi - (1 - 2);
+        const double single[] = {e * x, e, m, phi, r}, d = single[0];
+        const double products[] = {d * d,   d * e, e * e,     d * m,   e * m, d * phi, e * phi, d * x,   e * x, m * m,
+                                   m * phi, m * x, phi * phi, phi * x, d * r, e * r,   m * r,   phi * r, x * r, r * r};
+        for (size_t j = 0; j < CapRow::kTerms; ++j)
+            EXPECT_NEAR(j < 5 ? single[j] : products[j - 5], sums.Total(j), 1e-13) << j;
+    }
 }
 
 }  // namespace
