@@ -39,6 +39,8 @@ template <>
 class LevelMapping<uint8_t> {
 public:
     LevelMapping(uint8_t lower, uint8_t upper);
+    // Each pixel is its own level.
+    bool copies() const { return copies_; }
     void operator()(const uint8_t* pixels, size_t n, uint8_t* levels) const;
 
 private:

@@ -23,77 +23,101 @@ __m128i Truncated(__m128d low, __m128d high) {
 }
 __m128i UpperHalf(__m128i v) { return _mm_shuffle_epi32(v, 0xee); }
 
+// Levels of four pixels.
+__m128d Doubles(__m128i turned) { return _mm_add_pd(_mm_cvtepi32_pd(turned), _mm_set1_pd(0x1p31)); }
+__m128i Four(const Line& line, const uint32_t* p) {
+    const __m128i turned = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
+                                         _mm_set1_epi32(static_cast<int>(0x80000000u)));
+    return Truncated(line.Value(line.Clamp(Doubles(turned))), line.Value(line.Clamp(Doubles(UpperHalf(turned)))));
+}
+__m128d Value(const Line& line, __m128d p) { return _mm_and_pd(line.Value(line.Clamp(p)), _mm_cmpord_pd(p, p)); }
+__m128i Four(const Line& line, const float* p) {
+    const __m128 v = _mm_loadu_ps(p);
+    return Truncated(Value(line, _mm_cvtps_pd(v)), Value(line, _mm_cvtps_pd(_mm_movehl_ps(v, v))));
+}
+
+// See FloatLevelLine.
+struct FloatLanes {
+    __m128 least, most, zero, scale;
+    FloatLanes(const LevelRange<float>& range, const FloatLevelLine& line)
+        : least(_mm_set1_ps(range.least)),
+          most(_mm_set1_ps(range.most)),
+          zero(_mm_set1_ps(line.zero)),
+          scale(_mm_set1_ps(line.scale)) {}
+    __m128i Four(const Line& line, const float* pixels) const {
+        const __m128 p = _mm_loadu_ps(pixels);
+        const __m128 c = _mm_min_ps(_mm_max_ps(p, least), most);
+        const __m128 value = _mm_add_ps(_mm_mul_ps(_mm_sub_ps(c, zero), scale), _mm_set1_ps(0.5f));
+        const __m128 over = _mm_sub_ps(value, _mm_cvtepi32_ps(_mm_cvttps_epi32(value)));
+        const __m128 decided = _mm_and_ps(_mm_cmpge_ps(over, _mm_set1_ps(FloatLevelLine::kDoubt)),
+                                          _mm_cmple_ps(over, _mm_set1_ps(1 - FloatLevelLine::kDoubt)));
+        if (_mm_movemask_ps(decided) != 0xf) return orlix::Four(line, pixels);
+        return _mm_cvttps_epi32(_mm_and_ps(value, _mm_cmpord_ps(p, p)));
+    }
+};
+
 // Levels of eight pixels, as 16-bit numbers.
 template <class T>
-struct LevelLanes;
-
-// The clamped pixels are 16-bit numbers: compared as signed numbers after inverting the top bit.
-template <>
-struct LevelLanes<uint16_t> {
-    __m128i turn, least, most;
-    explicit LevelLanes(const LevelRange<uint16_t>& range)
-        : turn(_mm_set1_epi16(static_cast<short>(0x8000))),
-          least(_mm_set1_epi16(static_cast<short>(range.least ^ 0x8000))),
-          most(_mm_set1_epi16(static_cast<short>(range.most ^ 0x8000))) {}
-    __m128i Levels(const Line& line, const uint16_t* p) const {
-        const __m128i keys = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), turn);
-        const __m128i c = _mm_xor_si128(_mm_min_epi16(_mm_max_epi16(keys, least), most), turn);
-        return _mm_packs_epi32(Levels(line, _mm_unpacklo_epi16(c, _mm_setzero_si128())),
-                               Levels(line, _mm_unpackhi_epi16(c, _mm_setzero_si128())));
-    }
-    static __m128i Levels(const Line& line, __m128i c) {
-        return Truncated(line.Value(_mm_cvtepi32_pd(c)), line.Value(_mm_cvtepi32_pd(UpperHalf(c))));
-    }
-};
-
-template <>
-struct LevelLanes<uint32_t> {
-    explicit LevelLanes(const LevelRange<uint32_t>&) {}
-    static __m128d Doubles(__m128i turned) { return _mm_add_pd(_mm_cvtepi32_pd(turned), _mm_set1_pd(0x1p31)); }
-    static __m128i Four(const Line& line, const uint32_t* p) {
-        const __m128i turned = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
-                                             _mm_set1_epi32(static_cast<int>(0x80000000u)));
-        return Truncated(line.Value(line.Clamp(Doubles(turned))), line.Value(line.Clamp(Doubles(UpperHalf(turned)))));
-    }
-    __m128i Levels(const Line& line, const uint32_t* p) const {
-        return _mm_packs_epi32(Four(line, p), Four(line, p + 4));
-    }
-};
-
-template <>
-struct LevelLanes<float> {
-    explicit LevelLanes(const LevelRange<float>&) {}
-    static __m128d Value(const Line& line, __m128d p) {
-        return _mm_and_pd(line.Value(line.Clamp(p)), _mm_cmpord_pd(p, p));
-    }
-    static __m128i Four(const Line& line, const float* p) {
-        const __m128 v = _mm_loadu_ps(p);
-        return Truncated(Value(line, _mm_cvtps_pd(v)), Value(line, _mm_cvtps_pd(_mm_movehl_ps(v, v))));
-    }
-    __m128i Levels(const Line& line, const float* p) const { return _mm_packs_epi32(Four(line, p), Four(line, p + 4)); }
-};
-
-template <class T>
-void Map(const T* pixels, size_t n, const LevelRange<T>& range, uint8_t* levels) {
-    const Line line{LevelLine(range)};
-    const LevelLanes<T> eight(range);
-    size_t i = 0;
-    for (; i + 16 <= n; i += 16)
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(levels + i),
-                         _mm_packus_epi16(eight.Levels(line, pixels + i), eight.Levels(line, pixels + i + 8)));
-    Levels_scalar(pixels + i, n - i, range, levels + i);
+__m128i Eight(const Line& line, const T* p) {
+    return _mm_packs_epi32(Four(line, p), Four(line, p + 4));
 }
+
+// See WordLevelLine.
+struct WordLanes {
+    __m128i flip, offset, length, high, low, half;
+    __m128i shift;
+    static __m128i All(int v) { return _mm_set1_epi16(static_cast<short>(v)); }
+    explicit WordLanes(const WordLevelLine& line)
+        : flip(All(line.flip)),
+          offset(All(line.offset)),
+          length(All(line.length)),
+          high(All(line.high)),
+          low(All(line.low)),
+          half(All(line.half + 1)),
+          shift(_mm_cvtsi32_si128(line.shift)) {}
+    // 8 levels, as 16-bit numbers.
+    __m128i Levels(const uint16_t* pixels) const {
+        const __m128i p = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)), flip);
+        const __m128i above = _mm_subs_epu16(p, offset);
+        const __m128i x = _mm_sll_epi16(_mm_sub_epi16(above, _mm_subs_epu16(above, length)), shift);
+        const __m128i less = _mm_add_epi16(_mm_mulhi_epu16(x, low), All(1));
+        const __m128i sum = _mm_add_epi16(_mm_mullo_epi16(x, high), less);
+        const __m128i fits = _mm_cmpeq_epi16(_mm_subs_epu16(less, sum), _mm_setzero_si128());  // -1 without a carry
+        const __m128i whole = _mm_add_epi16(_mm_add_epi16(_mm_mulhi_epu16(x, high), half), fits);
+        return _mm_srli_epi16(whole, 7);
+    }
+};
 
 }  // namespace
 
 void Levels_sse2(const uint16_t* pixels, size_t n, const LevelRange<uint16_t>& range, uint8_t* levels) {
-    Map(pixels, n, range, levels);
+    const WordLanes lanes{WordLevelLine(range)};
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(levels + i),
+                         _mm_packus_epi16(lanes.Levels(pixels + i), lanes.Levels(pixels + i + 8)));
+    }
+    Levels_scalar(pixels + i, n - i, range, levels + i);
 }
 void Levels_sse2(const uint32_t* pixels, size_t n, const LevelRange<uint32_t>& range, uint8_t* levels) {
-    Map(pixels, n, range, levels);
+    const Line line{LevelLine(range)};
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(levels + i),
+                         _mm_packus_epi16(Eight(line, pixels + i), Eight(line, pixels + i + 8)));
+    Levels_scalar(pixels + i, n - i, range, levels + i);
 }
+
 void Levels_sse2(const float* pixels, size_t n, const LevelRange<float>& range, uint8_t* levels) {
-    Map(pixels, n, range, levels);
+    const LevelLine exact(range);
+    const Line line(exact);
+    const FloatLanes lanes(range, FloatLevelLine(exact));
+    const auto eight = [&](const float* p) { return _mm_packs_epi32(lanes.Four(line, p), lanes.Four(line, p + 4)); };
+    size_t i = 0;
+    for (; i + 16 <= n; i += 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(levels + i),
+                         _mm_packus_epi16(eight(pixels + i), eight(pixels + i + 8)));
+    Levels_scalar(pixels + i, n - i, range, levels + i);
 }
 
 }  // namespace orlix

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "display/raster_kernels.hpp"
 #include "points/point_operations.hpp"
 #include "process/frame.hpp"
+#include "process/look_ahead.hpp"
 #include "process/measurements.hpp"
 
 namespace orlix {
@@ -22,6 +24,15 @@ struct Part {
     size_t width() const { return static_cast<size_t>(end - x); }
 };
 
+// Prefetches a row that will be mapped next. The rows of a part lie apart, and hardware prefetchers detect each of them
+// anew; the second cache is near enough, and takes more requests at a time than the first.
+template <class Pixel>
+void Fetch(const PixelView<Pixel>& view, int32_t y, const Part& part) {
+    if (y >= part.bottom) return;
+    const auto* const bytes = reinterpret_cast<const char*>(view.row(y) + part.x);
+    for (size_t i = 0; i < part.width() * sizeof(Pixel); i += kCacheLine) __builtin_prefetch(bytes + i, 0, 2);
+}
+
 // The levels of a band, with rows padded with zeros.
 template <class Pixel>
 void ComputeLevels(const PixelView<Pixel>& view, const LevelMapping<Pixel>& levelsOf, const Part& part,
@@ -29,37 +40,60 @@ void ComputeLevels(const PixelView<Pixel>& view, const LevelMapping<Pixel>& leve
     const bool last = part.end == bitmap.width;
     for (int32_t y = part.y; y < part.bottom; ++y) {
         uint8_t* const row = bitmap.row(y);
+        Fetch(view, y + 1, part);
         levelsOf(view.row(y) + part.x, part.width(), row + part.x);
         if (last) std::fill(row + part.end, row + bitmap.rowStride, uint8_t{0});
     }
 }
 
-// The component of the colour table for a channel: 0 red, 1 green, 2 blue.
-PointOperation<uint8_t> ColorsOf(const ColorTable& colors, int32_t channel) {
-    uint8_t table[256];
-    std::transform(colors.begin(), colors.end(), table, [&](const PaletteEntry& color) {
-        return channel == 0 ? color.red : channel == 1 ? color.green : color.blue;
-    });
-    return PointOperation<uint8_t>::LookUp(table);
-}
-
+// The levels of three bands as red, green and blue, each looked up in its component of the colour table.
 template <class Pixel>
-void ComputeColors(Frame<Pixel>& frame, const LevelMapping<Pixel>& levelsOf, const PointOperation<uint8_t> (&tables)[3],
-                   const Part& part, const DisplayBitmap& bitmap) {
-    const size_t width = part.width();
-    const ExpandPlanesFn join = Choose(kExpandPlanes);
-    const PixelView<Pixel> bands[] = {frame.view(0), frame.view(1), frame.view(2)};
-    std::vector<uint8_t> levels(3 * width);
-    for (int32_t y = part.y; y < part.bottom; ++y) {
-        for (size_t channel = 0; channel < 3; ++channel) {
-            uint8_t* const plane = levels.data() + channel * width;
-            levelsOf(bands[channel].row(y) + part.x, width, plane);
-            tables[channel](plane, width);
-        }
-        join(reinterpret_cast<uint32_t*>(bitmap.row(y)) + part.x, levels.data(), levels.data() + width,
-             levels.data() + 2 * width, width);
+class ColorLevels {
+public:
+    ColorLevels(const LevelMapping<Pixel>& levelsOf, const ColorTable& colors)
+        : levelsOf_(levelsOf), tables_{TableOf(colors, 0), TableOf(colors, 1), TableOf(colors, 2)} {
+        for (size_t i = 0; i < colors.size(); ++i)
+            grey_ = grey_ && colors[i].red == i && colors[i].green == i && colors[i].blue == i;
     }
-}
+
+    void operator()(Frame<Pixel>& frame, const Part& part, const DisplayBitmap& bitmap) const {
+        const size_t width = part.width();
+        const ExpandPlanesFn join = Choose(kExpandPlanes);
+        const PixelView<Pixel> bands[] = {frame.view(0), frame.view(1), frame.view(2)};
+        std::vector<uint8_t> levels(3 * width);
+        const uint8_t* planes[3];
+        for (int32_t y = part.y; y < part.bottom; ++y) {
+            for (size_t channel = 0; channel < 3; ++channel) {
+                Fetch(bands[channel], y + 1, part);
+                planes[channel] = Plane(bands[channel].row(y) + part.x, width, channel, levels.data());
+            }
+            join(reinterpret_cast<uint32_t*>(bitmap.row(y)) + part.x, planes[0], planes[1], planes[2], width);
+        }
+    }
+
+private:
+    // channel: 0 red, 1 green, 2 blue.
+    static PointOperation<uint8_t> TableOf(const ColorTable& colors, size_t channel) {
+        uint8_t table[256];
+        std::transform(colors.begin(), colors.end(), table, [&](const PaletteEntry& color) {
+            return channel == 0 ? color.red : channel == 1 ? color.green : color.blue;
+        });
+        return PointOperation<uint8_t>::LookUp(table);
+    }
+    // In the memory for three planes, or the pixels themselves where each is its own level and colour.
+    const uint8_t* Plane(const Pixel* pixels, size_t width, size_t channel, uint8_t* memory) const {
+        if constexpr (std::is_same_v<Pixel, uint8_t>)
+            if (grey_ && levelsOf_.copies()) return pixels;
+        uint8_t* const plane = memory + channel * width;
+        levelsOf_(pixels, width, plane);
+        if (!grey_) tables_[channel](plane, width);
+        return plane;
+    }
+
+    const LevelMapping<Pixel>& levelsOf_;
+    PointOperation<uint8_t> tables_[3];
+    bool grey_ = true;  // each entry of the colour table is the grey of its number
+};
 
 template <class Pixel>
 LevelMapping<Pixel> LevelsOf(const DisplayState& state) {
@@ -143,9 +177,8 @@ void DisplayedImage::Show(const Rectangle& part) {
             const PixelView<Pixel> view = frame.view(ShownBand());
             return stale_.Take(part, [&](auto... edges) { ComputeLevels(view, levelsOf, {edges...}, bitmap_); });
         }
-        const PointOperation<uint8_t> tables[] = {ColorsOf(state_.colors, 0), ColorsOf(state_.colors, 1),
-                                                  ColorsOf(state_.colors, 2)};
-        stale_.Take(part, [&](auto... edges) { ComputeColors(frame, levelsOf, tables, {edges...}, bitmap_); });
+        const ColorLevels<Pixel> colorsOf(levelsOf, state_.colors);
+        stale_.Take(part, [&](auto... edges) { colorsOf(frame, {edges...}, bitmap_); });
     });
 }
 
