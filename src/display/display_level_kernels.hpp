@@ -36,8 +36,8 @@ namespace {  // used in files of every instruction set: each keeps its own copy
 
 // Parameters of the vector variants of 32 bits and float, which compute floor((c - zero) scale + half) in double. For
 // integers half is slightly more than 0.5, so that rounding the scale and the product cannot take an exact half below
-// the next integer: every value that is not a half is at least 1 / (2 d) >= 2^-33 away from one, and the rounding errors
-// amount to less than 2^-42.
+// the next integer: every value that is not a half is at least 1 / (2 d) >= 2^-33 away from one, and the rounding
+// errors amount to less than 2^-42.
 struct LevelLine {
     double least, most, zero, scale, half;
     template <class T>
@@ -50,8 +50,8 @@ struct LevelLine {
 };
 
 // The same line in single precision, which decides most levels of float: three roundings of 2^-24 each, of values up to
-// 255, and one of 2^-17 are less than kDoubt. Where a value is that near to an integer, or not finite, it is computed in
-// double.
+// 255, and one of 2^-17 are less than kDoubt. Where a value is that near to an integer, or not finite, it is computed
+// in double.
 struct FloatLevelLine {
     static constexpr float kDoubt = 0x1p-13f;
     float zero, scale;
