@@ -6,6 +6,7 @@
 #include "display/display_level_kernels.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
 #include "filters/filter_table.hpp"
+#include "fits/correction_kernels.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
@@ -130,6 +131,32 @@ void RegisterType() {
     RegisterFilter<T>("ExtremumSharpening 1", std::span(kExtremumSharpening3x3<T>), 1);
 }
 
+template <class T>
+void RegisterCorrections() {
+    const CorrectionParameters<T> parameters{0, static_cast<T>(std::is_same_v<T, uint16_t> ? 65535 : 255), 0.5};
+    const RowPolynomial bicubic = {{-12.3, 0.0101234, 3e-6, -1e-9}};
+    if constexpr (std::is_same_v<T, uint8_t>) {
+        for (const auto& variant : SupportedOnThisCpu(kCorrectRow))
+            for (const auto& [name, row] : {std::pair{"correct plane", RowPolynomial{{-12.3, 0.0101234, 0, 0}}},
+                                            std::pair{"correct bicubic", bicubic}})
+                Register<T>(name, variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {
+                    const auto size = static_cast<size_t>(std::sqrt(static_cast<double>(pixels.size())));
+                    for (auto _ : state)
+                        for (size_t i = 0; i < pixels.size(); i += size)
+                            variant.fn(pixels.data() + i, size, 0.0, row, parameters);
+                });
+    } else {
+        for (const auto& variant : SupportedOnThisCpu(kCorrect<T>))
+            Register<T>("correct", variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {
+                std::vector<double> shifts(512);
+                for (size_t i = 0; i < shifts.size(); ++i) shifts[i] = -12.3 + 0.1 * static_cast<double>(i);
+                for (auto _ : state)
+                    for (size_t i = 0; i < pixels.size(); i += shifts.size())
+                        variant.fn(pixels.data() + i, shifts.data(), shifts.size(), parameters);
+            });
+    }
+}
+
 void RegisterHistograms() {
     const auto way = []<class T>(const char* name, size_t counts, void (*fn)(const T*, size_t, uint32_t*)) {
         Register<T>("histogram", name, [=](benchmark::State& state, std::vector<T>& pixels) {
@@ -164,6 +191,9 @@ int main(int argc, char** argv) {
     RegisterType<uint16_t>();
     RegisterType<float>();
     RegisterHistograms();
+    RegisterCorrections<uint8_t>();
+    RegisterCorrections<uint16_t>();
+    RegisterCorrections<float>();
     PointParameters<uint8_t> parameters;
     for (int i = 0; i < 256; ++i) parameters.table[i] = static_cast<uint8_t>(i * 167 + 13);
     RegisterPoint<uint8_t>("lut", kLookUp, parameters);

@@ -1,6 +1,7 @@
 #include <immintrin.h>
 
-#include "fits/correction_kernels.hpp"
+#include "fits/correction_blocks.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -19,6 +20,59 @@ struct Rounder {
         return _mm256_inserti128_si256(_mm256_castsi128_si256(Four(shifts)), Four(shifts + 4), 1);
     }
 };
+
+constexpr size_t kBlock = 32;
+
+// The polynomial of eight columns t.
+template <int Degree>
+ORLIX_INLINE __m256 Polynomial(const __m256 (&f)[4], const __m256& t) {
+    __m256 g = f[Degree];
+    for (int k = Degree - 1; k >= 0; --k) g = _mm256_fmadd_ps(g, t, f[k]);
+    return g;
+}
+
+template <int Degree>
+size_t CorrectBlocks(uint8_t* pixels, size_t n, const Expansion& expansion, size_t column,
+                     const CorrectionParameters<uint8_t>& parameters) {
+    // Added to a float below 2^22, this leaves the nearest integer in the low bits.
+    const __m256 magic = _mm256_set1_ps(0x1.8p23f), sign = _mm256_set1_ps(-0.0f);
+    const __m256 limit = _mm256_set1_ps(static_cast<float>(0.5 - expansion.error));
+    __m256 f[4];
+    for (int k = 0; k <= Degree; ++k) f[k] = _mm256_set1_ps(static_cast<float>(expansion.a[k]));
+    const __m256i lower = _mm256_set1_epi8(static_cast<char>(parameters.lower));
+    const __m256i upper = _mm256_set1_epi8(static_cast<char>(parameters.upper));
+    // Columns relative to the middle, in the order in which unpacking bytes to words leaves them in each half: the even
+    // ones of eight, then the odd ones.
+    const __m256 start = _mm256_set1_ps(static_cast<float>(column) - static_cast<float>(kMiddle));
+    __m256 even = _mm256_add_ps(start, _mm256_set_ps(22, 20, 18, 16, 6, 4, 2, 0));
+    const __m256 one = _mm256_set1_ps(1), eight = _mm256_set1_ps(8), nine = _mm256_set1_ps(9);
+    const __m256 next = _mm256_set1_ps(kBlock), zero = _mm256_setzero_ps();
+    for (size_t i = 0; i < n; i += kBlock) {
+        __m256 farthest = zero;
+        const auto shifts = [&](const __m256& t) {
+            const __m256 g = Polynomial<Degree>(f, t);
+            const __m256 raised = _mm256_add_ps(g, magic);
+            const __m256 off = _mm256_sub_ps(g, _mm256_sub_ps(raised, magic));
+            farthest = _mm256_max_ps(farthest, _mm256_andnot_ps(sign, off));
+            return _mm256_castps_si256(raised);
+        };
+        // The low words of both.
+        const auto words = [](const __m256i& a, const __m256i& b) {
+            return _mm256_blend_epi16(a, _mm256_slli_epi32(b, 16), 0xaa);
+        };
+        const __m256i low0 = shifts(even), low1 = shifts(_mm256_add_ps(even, one));
+        const __m256i high0 = shifts(_mm256_add_ps(even, eight)), high1 = shifts(_mm256_add_ps(even, nine));
+        even = _mm256_add_ps(even, next);
+        if (_mm256_movemask_ps(_mm256_cmp_ps(farthest, limit, _CMP_NLT_UQ)) != 0) return i;
+
+        __m256i* const at = reinterpret_cast<__m256i*>(pixels + i);
+        const __m256i p = _mm256_loadu_si256(at), none = _mm256_setzero_si256();
+        const __m256i q0 = _mm256_add_epi16(_mm256_unpacklo_epi8(p, none), words(low0, low1));
+        const __m256i q1 = _mm256_add_epi16(_mm256_unpackhi_epi8(p, none), words(high0, high1));
+        _mm256_storeu_si256(at, _mm256_min_epu8(_mm256_max_epu8(_mm256_packus_epi16(q0, q1), lower), upper));
+    }
+    return n;
+}
 
 }  // namespace
 
@@ -88,7 +142,8 @@ void Correct_avx2(float* pixels, const double* shifts, size_t n, const Correctio
 
 void CorrectRow_avx2(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
                      const CorrectionParameters<uint8_t>& parameters) {
-    CorrectInPieces<uint8_t>(&Shifts_avx2, &Correct_avx2, pixels, n, x, row, parameters);
+    CorrectInBlocks({&CorrectBlocks<1>, &CorrectBlocks<2>, &CorrectBlocks<3>}, kBlock, kFusedRounding, &Shifts_avx2,
+                    &Correct_avx2, pixels, n, x, row, parameters);
 }
 
 }  // namespace orlix

@@ -1,8 +1,6 @@
 #include "vectors/intrinsics_avx512.hpp"
 
-#include <cmath>
-
-#include "fits/correction_kernels.hpp"
+#include "fits/correction_blocks.hpp"
 
 namespace orlix {
 namespace {
@@ -23,28 +21,7 @@ struct Rounder {
     }
 };
 
-constexpr size_t kSegment = 1024, kBlock = 64;
-constexpr double kMiddle = 0.5 * (kSegment - 1), kRadius = 0.5 * kSegment;
-
-// Taylor coefficients of a row's polynomial about t. Both the definition and these differ from the true polynomial by
-// less than 2^-46 of the sum of its terms' magnitudes; in single precision, within kRadius, by less than 2^-22 of the
-// sum of the magnitudes of the expansion's terms.
-struct Expansion {
-    double a[4];
-    double error;
-    Expansion(const RowPolynomial& row, double t) {
-        const double(&c)[4] = row.c;
-        const auto magnitude = [](const double(&terms)[4], double at) {
-            return std::fabs(terms[0]) +
-                   at * (std::fabs(terms[1]) + at * (std::fabs(terms[2]) + at * std::fabs(terms[3])));
-        };
-        a[0] = c[0] + t * (c[1] + t * (c[2] + t * c[3]));
-        a[1] = c[1] + t * (2 * c[2] + t * (3 * c[3]));
-        a[2] = c[2] + t * (3 * c[3]);
-        a[3] = c[3];
-        error = 0x1p-22 * magnitude(a, kRadius) + 0x1p-46 * magnitude(c, std::fabs(t) + kRadius) + 0x1p-30;
-    }
-};
+constexpr size_t kBlock = 64;
 
 // Columns of a segment, relative to its middle. In each block of 64, the groups of eight are in the order 0 2 4 6, then
 // 1 3 5 7, as unpacking bytes to words leaves them in two registers.
@@ -61,7 +38,7 @@ constexpr Columns kColumns;
 
 // Processes blocks of 64 pixels up to the first with a value too close to a half; returns the number of pixels done.
 template <int Degree>
-size_t CorrectBlocks(uint8_t* pixels, size_t n, const Expansion& expansion, const float* columns,
+size_t CorrectBlocks(uint8_t* pixels, size_t n, const Expansion& expansion, size_t column,
                      const CorrectionParameters<uint8_t>& parameters) {
     // Added to a float below 2^22, this leaves the nearest integer in the low bits.
     const __m512 magic = _mm512_set1_ps(0x1.8p23f);
@@ -77,7 +54,7 @@ size_t CorrectBlocks(uint8_t* pixels, size_t n, const Expansion& expansion, cons
     for (size_t i = 0; i < n; i += kBlock) {
         __m512 farthest = _mm512_setzero_ps();
         const auto shifts = [&](size_t first) {
-            const __m512 t = _mm512_load_ps(columns + i + first);
+            const __m512 t = _mm512_load_ps(kColumns.t + column + i + first);
             __m512 g;
             if constexpr (Degree == 1) g = _mm512_fmadd_ps(f1, t, f0);
             if constexpr (Degree == 2) g = _mm512_fmadd_ps(_mm512_fmadd_ps(f2, t, f1), t, f0);
@@ -168,35 +145,10 @@ void Correct_avx512(float* pixels, const double* shifts, size_t n, const Correct
     Correct_scalar(pixels + i, shifts + i, n - i, parameters);
 }
 
-// Rounded shifts mostly follow from the polynomial in single precision: expanded about the middle of a segment of 1024
-// pixels, where it has an error of some 2^-16 grey levels, sixteen values at a time. Only where a value comes closer to
-// a half than the bound of that error may the definition round differently; such blocks of 64 pixels are corrected by
-// way of shifts in memory.
 void CorrectRow_avx512(uint8_t* pixels, size_t n, double x, const RowPolynomial& row,
                        const CorrectionParameters<uint8_t>& parameters) {
-    const auto exactly = [&](size_t first, size_t count) {
-        CorrectInPieces<uint8_t>(&Shifts_avx512, &Correct_avx512, pixels + first, count, x + static_cast<double>(first),
-                                 row, parameters);
-    };
-    if (parameters.lower > parameters.upper) return exactly(0, n);
-    size_t i = 0;
-    while (i + kBlock <= n) {
-        const size_t end = n - i < kSegment ? i + (n - i) / kBlock * kBlock : i + kSegment;
-        const Expansion expansion(row, x + static_cast<double>(i) + kMiddle);
-        if (!(expansion.error < 0x1p-6)) {  // also for NaN
-            exactly(i, end - i);
-        } else {
-            const auto blocks = expansion.a[3] != 0   ? &CorrectBlocks<3>
-                                : expansion.a[2] != 0 ? &CorrectBlocks<2>
-                                                      : &CorrectBlocks<1>;
-            for (size_t first = i; first < end; first += kBlock) {
-                first += blocks(pixels + first, end - first, expansion, kColumns.t + (first - i), parameters);
-                if (first < end) exactly(first, kBlock);
-            }
-        }
-        i = end;
-    }
-    exactly(i, n - i);
+    CorrectInBlocks({&CorrectBlocks<1>, &CorrectBlocks<2>, &CorrectBlocks<3>}, kBlock, kFusedRounding, &Shifts_avx512,
+                    &Correct_avx512, pixels, n, x, row, parameters);
 }
 
 }  // namespace orlix

@@ -28,20 +28,14 @@ template <class T>
 void Correct_scalar(T* pixels, const double* shifts, size_t n, const CorrectionParameters<T>& parameters);
 
 Kernel<CorrectFn<uint8_t>> Correct_sse2, Correct_avx2, Correct_avx512;
+Kernel<CorrectFn<uint16_t>> Correct_sse2, Correct_avx2, Correct_avx512;
 Kernel<CorrectFn<float>> Correct_sse2, Correct_avx2, Correct_avx512;
-Kernel<CorrectFn<uint16_t>> Correct_avx2, Correct_avx512;
 
 template <class T>
 inline constexpr Variant<CorrectFn<T>> kCorrect[] = {
     {"avx512", Cpu::Avx512, &Correct_avx512},
     {"avx2", Cpu::Avx2, &Correct_avx2},
     {"sse2", Cpu::Sse2, &Correct_sse2},
-    {"scalar", Cpu::Any, &Correct_scalar},
-};
-template <>
-inline constexpr Variant<CorrectFn<uint16_t>> kCorrect<uint16_t>[] = {
-    {"avx512", Cpu::Avx512, &Correct_avx512},
-    {"avx2", Cpu::Avx2, &Correct_avx2},
     {"scalar", Cpu::Any, &Correct_scalar},
 };
 template <>

@@ -57,6 +57,9 @@ TEST(CorrectRow, EveryVariantEqualsTheDefinition) {
                                   {{12, -0.03125, 0x1p-15, 0}},
                                   {{100, -0.3, 1e-4, 1e-8}},
                                   {{-1e6, 1e3, 0.2, -1e-4}},
+                                  {{40000, 0, 0, 0}},
+                                  {{-16400, 32.03125, 0, 0}},
+                                  {{32700, 0.0625, 0, 0}},
                                   {{1e300, -1e300, 1e300, 1e300}},
                                   {{0, 0, kNaN, 0}}};
     std::vector<size_t> sizes(std::begin(kAwkwardSizes), std::end(kAwkwardSizes));
