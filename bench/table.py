@@ -107,14 +107,18 @@ def robust(rates):
 
 
 def outlines(rates):
-    print("Milliseconds for a million vertices.\n")
-    row("operation", "orlix", "peer")
-    row("---", "--:", "---")
-    for (operation, kind, size, who), rate in rates.items():
-        if who == "orlix":
-            peers = [f"{other} {size / rates[operation, kind, size, other] * 1e3:.1f}" for other in ("opencv", "memcpy")
+    print("Nanoseconds a vertex and, in brackets, how many times as fast as the peer.\n")
+    row("operation", "100", "10^4", "10^6")
+    row("---", "--:", "--:", "--:")
+    for operation, kind in dict.fromkeys(key[:2] for key in rates if key[3] == "orlix"):
+        cells = []
+        for size in (100, 10000, 1000000):
+            rate = rates.get((operation, kind, size, "orlix"))
+            peers = [f"{ratio(rate, rates[operation, kind, size, other])}{suffix}"
+                     for other, suffix in (("opencv", ""), ("memcpy", " x memcpy"))
                      if (operation, kind, size, other) in rates]
-            row(operation, f"{size / rate * 1e3:.1f}", ", ".join(peers) or "-")
+            cells.append(f"{1e9 / rate:.2f} ({', '.join(peers)})" if rate else "-")
+        row(operation, *cells)
 
 
 def raster(rates):

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "numerics/double_pair.hpp"
@@ -63,9 +64,34 @@ DoublePair Quotient(const DoublePair& a, const DoublePair& b) {
     return ExactSumOrdered(first, rest.high / b.high);
 }
 
-// The direction (-1, 0), where angles jump from 180 to -180 degrees, belongs to the upper half.
-bool HasPositiveAngle(const Point& p, const Point& from) { return p.y > from.y || (p.y == from.y && p.x < from.x); }
-bool HasNegativeAngle(const Point& p, const Point& from) { return p.y < from.y; }
+// Twice the signed area, rounded to double, if sums in pairs of doubles leave no doubt what the exact one rounds to.
+std::optional<double> CertainTwiceSignedArea(Outline outline) {
+    if (outline.size() < 3) return {};
+    const OutlineKernels& kernels = *Choose(kOutlineKernels);
+    const Point &first = outline.front(), &last = outline.back();
+    DoublePair twice = ExactProduct(last.x, first.y) - ExactProduct(last.y, first.x);
+    double most = std::max(std::fabs(last.x), std::fabs(last.y)), blocks = 0;
+    for (size_t i = 0; i + 1 < outline.size(); i += kCrossed, ++blocks) {
+        const CrossSums sums = kernels.crossSums(&outline[i], std::min(kCrossed, outline.size() - 1 - i));
+        const DoublePair block = ExactSum(sums.forward.high, -sums.backward.high);
+        twice += ExactSum(block.high, block.low + (sums.forward.low - sums.backward.low));
+        most = std::max(most, sums.most);
+    }
+    if (!(most < 1e150)) return {};
+    // The roundings of both sums of a block, of adding them to the total, and of the exact sum to 100 bits.
+    const auto n = static_cast<double>(outline.size());
+    const double error = most * most * (blocks * (0x1p-78 + n * 0x1p-98) + n * 0x1p-95) + 1e-290;
+    const double rounded = twice.high + (twice.low - error);
+    if (rounded != twice.high + (twice.low + error) || !(std::fabs(rounded) > 1e-280)) return {};
+    return rounded;
+}
+
+// Of coordinates that equal a bound of 0, the first one decides its sign.
+double FirstZero(Outline outline, double Point::*coordinate, double bound) {
+    if (bound != 0) return bound;
+    const auto found = std::find_if(outline.begin(), outline.end(), [=](const Point& p) { return p.*coordinate == 0; });
+    return *found.*coordinate;
+}
 
 // Direction of p as seen from `from`, 0 to 360 degrees; p is not `from`.
 double DegreesOf(const Point& p, const Point& from) {
@@ -77,15 +103,16 @@ double DegreesOf(const Point& p, const Point& from) {
 }  // namespace
 
 double Area(Outline outline) {
+    if (const std::optional<double> certain = CertainTwiceSignedArea(outline)) return std::fabs(*certain) / 2;
     if (!IsFinite(outline)) return kNan;
     const auto [twice, exponent] = TwiceSignedArea(outline);
     return std::ldexp(std::fabs(twice.high), exponent - 1);
 }
 
 double Perimeter(Outline outline) {
-    double sum = 0;
-    ForEachEdge(outline, [&](const Point& a, const Point& b) { sum += Distance(a, b); });
-    return sum;
+    if (outline.empty()) return 0;
+    const double open = Choose(kOutlineKernels)->pathLength(outline.data(), outline.size() - 1, 0);
+    return open + Distance(outline.back(), outline.front());
 }
 
 double PerimeterEquivalentRadius(Outline outline) {
@@ -137,28 +164,42 @@ Point SignedCentroid(Outline outline) {
 }
 
 Bounds BoundsOf(Outline outline) {
-    Bounds bounds = {kLargest, kLargest, -kLargest, -kLargest};
-    for (const Point& p : outline) {
-        if (p.x < bounds.left) bounds.left = p.x;
-        if (p.y < bounds.top) bounds.top = p.y;
-        if (p.x > bounds.right) bounds.right = p.x;
-        if (p.y > bounds.bottom) bounds.bottom = p.y;
-    }
-    return bounds;
+    const Bounds bounds = Choose(kOutlineKernels)->bounds(outline.data(), outline.size());
+    return {FirstZero(outline, &Point::x, bounds.left), FirstZero(outline, &Point::y, bounds.top),
+            FirstZero(outline, &Point::x, bounds.right), FirstZero(outline, &Point::y, bounds.bottom)};
 }
 
+// Squares first: only vertices whose squares are within rounding of the extreme ones of a block are measured, and none
+// in blocks whose squares are clearly not extreme.
 ExtremeDistances DistancesFrom(const Point& point, Outline outline) {
+    constexpr size_t kBlock = 64;
+    constexpr double kMore = 1 + 1e-14, kLess = 1 - 1e-14, kSmall = 1e-290;  // below, squares lose bits
+    const OutlineKernels& kernels = *Choose(kOutlineKernels);
     ExtremeDistances extremes;
     extremes.nearestDistance = kLargest;
-    for (size_t i = 0; i < outline.size(); ++i) {
-        const double distance = Distance(point, outline[i]);
-        if (distance < extremes.nearestDistance) {
-            extremes.nearestDistance = distance;
-            extremes.nearest = static_cast<int64_t>(i);
-        }
-        if (distance > extremes.farthestDistance) {
-            extremes.farthestDistance = distance;
-            extremes.farthest = static_cast<int64_t>(i);
+    for (size_t start = 0; start < outline.size(); start += kBlock) {
+        const Outline block = outline.subspan(start, std::min(kBlock, outline.size() - start));
+        const auto [least, most, areNumbers] = kernels.squares(block.data(), block.size(), point);
+        double &shortest = extremes.nearestDistance, &longest = extremes.farthestDistance;
+        const bool mayBeNear = least <= shortest * shortest * kMore + kSmall || !areNumbers;
+        const bool mayBeFar = most >= longest * longest * kLess - kSmall || !areNumbers;
+        if (!mayBeNear && !mayBeFar) continue;
+        // Squares that overflow tell nothing; distances beyond the numbers do.
+        const bool all = !areNumbers || !(most < kLargest);
+        const double nearest = mayBeNear ? least * kMore + kSmall : -1;
+        const double farthest = mayBeFar ? most * kLess - kSmall : std::numeric_limits<double>::infinity();
+        for (size_t i = 0; i < block.size(); ++i) {
+            const double x = block[i].x - point.x, y = block[i].y - point.y, square = x * x + y * y;
+            if (!all && square > nearest && square < farthest) continue;
+            const double distance = Hypotenuse(x, y);
+            if (distance < shortest) {
+                shortest = distance;
+                extremes.nearest = static_cast<int64_t>(start + i);
+            }
+            if (distance > longest) {
+                longest = distance;
+                extremes.farthest = static_cast<int64_t>(start + i);
+            }
         }
     }
     return extremes;
@@ -167,17 +208,9 @@ ExtremeDistances DistancesFrom(const Point& point, Outline outline) {
 // Around the outline, the raw differences between neighbouring angles sum to 0. Only the corrections into -180..180
 // degrees remain: 360 degrees for each edge that crosses the direction (-1, 0).
 bool Encloses(Outline outline, const Point& point) {
-    if (!IsFinite(point)) return false;
-    int64_t turns = 0;
-    bool finite = true;
-    ForEachEdge(outline, [&](const Point& a, const Point& b) {
-        finite = finite && IsFinite(a);
-        if (HasNegativeAngle(a, point) && HasPositiveAngle(b, point))
-            turns -= finite && IsFinite(b) && Turn(point, a, b) < 0;
-        else if (HasPositiveAngle(a, point) && HasNegativeAngle(b, point))
-            turns += finite && IsFinite(b) && Turn(point, a, b) > 0;
-    });
-    return finite && turns != 0;
+    if (outline.empty() || !IsFinite(point) || !IsFinite(outline.back())) return false;
+    const Turns turns = Choose(kOutlineKernels)->turns(outline.data(), outline.size() - 1, point);
+    return turns.areFinite && turns.count + TurnOf(outline.back(), outline.front(), point) != 0;
 }
 
 double SubtendedAngle(Outline outline, const Point& point) {

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "geometry/outline_kernels.hpp"
 #include "numerics/plane.hpp"
 
 namespace orlix {
@@ -26,9 +27,6 @@ Point SignedCentroid(Outline outline);
 
 // NaN coordinates are ignored. Without any others, the lower bound is the largest double and the upper bound its
 // negative.
-struct Bounds {
-    double left, top, right, bottom;
-};
 Bounds BoundsOf(Outline outline);
 
 // Indices of the nearest and the farthest vertex, the first of equal ones. The nearest must be nearer than the largest

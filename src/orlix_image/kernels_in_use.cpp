@@ -16,6 +16,7 @@
 #include "fits/hemisphere_sums_kernels.hpp"
 #include "fits/moments_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
+#include "geometry/outline_kernels.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
 #include "measure/measuring_kernels.hpp"
@@ -118,6 +119,7 @@ std::vector<KernelInUse> Collect() {
                        {"correct, 16 bits", ChosenVariant(kCorrect<uint16_t>).name},
                        {"correct, 32 bits", ChosenVariant(kCorrect<uint32_t>).name},
                        {"correct, float", ChosenVariant(kCorrect<float>).name},
+                       {"outlines", ChosenVariant(kOutlineKernels).name},
                        {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
                        {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
                        {"display levels, float", ChosenVariant(kLevels<float>).name},

@@ -120,6 +120,113 @@ TEST(Area, IsRoundedOnce) {
     EXPECT_FALSE(std::isfinite(of8.x) || std::isfinite(of8.y));
 }
 
+// Twice the area is 2^53 + 1 + 2^-50, just above the middle of two doubles, between 2^120 and -2^120.
+TEST(Area, IsSummedExactlyWherePairsOfDoublesDoNotDecide) {
+    const double tall = 3002399751580331, tiny = 0x1p-25, huge = 0x1p60;  // 3 tall = 2^53 + 1
+    EXPECT_EQ(0x1p52 + 1, Area(std::vector<Point>{{0, 0},
+                                                  {huge, 0},
+                                                  {huge, huge},
+                                                  {0, 0},
+                                                  {3, 0},
+                                                  {3, tall},
+                                                  {0, 0},
+                                                  {tiny, 0},
+                                                  {tiny, tiny},
+                                                  {0, 0},
+                                                  {huge, huge},
+                                                  {huge, 0}}));
+}
+
+// Random outlines, also very large and very small, with edges and squares of every kind among ordinary ones.
+TEST(OutlineKernels, EveryVariantGivesWhatTheDefinitionGives) {
+    const auto bits = [](double v) { return std::bit_cast<uint64_t>(v); };
+    for (const auto& variant : SupportedOnThisCpu(kOutlineKernels))
+        ForRandomOutlines(12, {1, 2, 3, 4, 5, 8, 9, 16, 17, 31, 257}, [&](const std::vector<Point>& unscaled) {
+            SCOPED_TRACE(variant.name);
+            for (const double size : {1.0, 0x1p-400, 0x1p-540, 0x1p480}) {
+                std::vector<Point> outline = unscaled;
+                for (Point& p : outline) p = {p.x * size, p.y * size};
+                const Point first = outline[0], last = outline.back();
+                for (const double odd : {first.x, last.x, 0.0, 1e-300, 1e300, kInfinity, kNaN}) {
+                    outline[outline.size() / 2].x = odd;
+                    const OutlineKernels &kernels = *variant.fn, &definition = kOutline_scalar;
+                    const Point* const p = outline.data();
+                    const size_t n = outline.size();
+                    EXPECT_EQ(bits(definition.pathLength(p, n - 1, 3)), bits(kernels.pathLength(p, n - 1, 3)));
+                    const Edge edge(first, last);
+                    std::vector<double> expected(n), got(n);
+                    const double largest = definition.roughSquares(p, n, edge, expected.data());
+                    if (edge.square > 1e-140 && std::isfinite(largest) && std::isfinite(odd)) {
+                        EXPECT_EQ(largest, kernels.roughSquares(p, n, edge, got.data()));
+                        EXPECT_EQ(expected, got);
+                    }
+                    const Squares squares = definition.squares(p, n, first), fast = kernels.squares(p, n, first);
+                    EXPECT_EQ((std::tuple{squares.least, squares.most, squares.areNumbers}),
+                              (std::tuple{fast.least, fast.most, fast.areNumbers}));
+                    const Point &a = p[n / 3], &b = p[n > 1 ? n / 3 + 1 : 0];
+                    for (const double part : {0.0, 0.1, 0.3, 1. / 3, 0.5, 0.7, 0.9}) {
+                        const Point from = {a.x + part * (b.x - a.x), a.y + part * (b.y - a.y)};
+                        if (!std::isfinite(from.x + from.y)) continue;
+                        const Turns turns = definition.turns(p, n - 1, from), some = kernels.turns(p, n - 1, from);
+                        EXPECT_EQ(turns.areFinite, some.areFinite);
+                        EXPECT_EQ(std::isfinite(odd) ? turns.count : some.count, some.count);
+                    }
+                    const Bounds box = definition.bounds(p, n), same = kernels.bounds(p, n);
+                    EXPECT_EQ((std::tuple{box.left, box.top, box.right, box.bottom}),
+                              (std::tuple{same.left, same.top, same.right, same.bottom}));
+                    const CrossSums sums = kernels.crossSums(p, n - 1);
+                    if (!(sums.most < 1e150 && std::fabs(odd) < 1e150)) continue;
+                    DoublePair forward = -sums.forward.high, backward = -sums.backward.high;
+                    for (size_t i = 0; i + 1 < n; ++i) {
+                        forward += ExactProduct(p[i].x, p[i + 1].y);
+                        backward += ExactProduct(p[i].y, p[i + 1].x);
+                        EXPECT_GE(sums.most, std::max(std::fabs(p[i].x), std::fabs(p[i].y)));
+                    }
+                    const double error = 0x1p-79 * sums.most * sums.most + 1e-300;
+                    EXPECT_LE(std::fabs(forward.high - sums.forward.low), error + 0x1p-52 * std::fabs(forward.high));
+                    EXPECT_LE(std::fabs(backward.high - sums.backward.low), error + 0x1p-52 * std::fabs(backward.high));
+                }
+            }
+        });
+}
+
+// Zeros of both signs at the edge of the box: the first one decides.
+TEST(Bounds, KeepTheSignOfTheFirstZero) {
+    for (size_t n : {2u, 5u, 40u})
+        for (size_t first = 0; first < n; ++first) {
+            std::vector<Point> outline(n, {0, -0.0});
+            for (size_t i = 0; i < first; ++i) outline[i] = {1, -1};
+            outline[first] = {-0.0, 0};
+            const Bounds bounds = BoundsOf(outline);
+            EXPECT_TRUE(std::signbit(bounds.left) && bounds.left == 0 && bounds.bottom == 0);
+            EXPECT_FALSE(std::signbit(bounds.bottom));
+        }
+}
+
+// Vertices that are equally far, exactly or within rounding, in several blocks, and squares beyond the range.
+TEST(DistancesFrom, TakesTheFirstOfEquallyFarVertices) {
+    std::mt19937 random(13);
+    for (const double size : {1.0, 0x1p-600, 0x1p600, 0x1p-1060})
+        for (const int kind : {0, 1, 3}) {
+            std::vector<Point> outline = RandomOutline(random, kind, 500);
+            for (Point& p : outline) p = {p.x * size, p.y * size};
+            for (const Point from : {Point{0, 0}, outline[7], Point{size, 2 * size}}) {
+                ExtremeDistances expected = {-1, -1, kInfinity, 0};
+                for (size_t i = 0; i < outline.size(); ++i) {
+                    const double d = Distance(from, outline[i]);
+                    if (d < expected.nearestDistance) expected.nearest = int64_t(i), expected.nearestDistance = d;
+                    if (d > expected.farthestDistance) expected.farthest = int64_t(i), expected.farthestDistance = d;
+                }
+                const ExtremeDistances got = DistancesFrom(from, outline);
+                EXPECT_EQ((std::tuple{expected.nearest, expected.farthest}), (std::tuple{got.nearest, got.farthest}));
+                EXPECT_EQ(expected.nearestDistance, got.nearestDistance);
+                EXPECT_EQ(expected.farthestDistance, got.farthestDistance);
+            }
+        }
+    const ExtremeDistances odd = DistancesFrom({0, 0}, std::vector<Point>{{1, 1}, {kNaN, 2}, {kNaN, kInfinity}});
+    EXPECT_EQ((std::tuple{0, 2}), (std::tuple{odd.nearest, odd.farthest}));
+}
+
 TEST(ConvexHull, HoldsTheCornersAndOnlyThemInOneDirection) {
     ForRandomOutlines(3, {1, 2, 3, 4, 7, 30, 90}, [](const std::vector<Point>& outline) {
         const std::vector<uint32_t> hull = ConvexHull(outline);
@@ -258,8 +365,8 @@ std::vector<uint32_t> PlainSimplify(const std::vector<Point>& outline, double to
 TEST(Simplify, KeepsWhatLookingAtEveryVertexKeeps) {
     std::mt19937 random(11);
     std::uniform_real_distribution<double> real(-1, 1);
-    for (int kind = 0; kind < 7; ++kind)
-        for (size_t n : {3u, 10u, 40u, 300u, 1500u}) {
+    for (int kind = 0; kind < 8; ++kind)
+        for (size_t n : {3u, 10u, 40u, 75u, 150u, 300u, 375u, 751u, 1500u}) {
             std::vector<Point> outline;
             if (kind < 4) outline = RandomOutline(random, kind, n);
             Point next;
@@ -269,8 +376,12 @@ TEST(Simplify, KeepsWhatLookingAtEveryVertexKeeps) {
                     next = {k, i % 2 ? k : -k};  // only one vertex splits off at a time
                 else if (kind == 5)
                     next = {next.x + real(random), next.y + real(random)};
-                else
+                else if (kind == 6)
                     next = {k * Cos(k / 20), k * Sin(k / 20)};
+                else {  // on the line y = 3 x or next to it: nearer than the rounding of vertices farther along
+                    next.x = std::ldexp(std::floor(real(random) * 0x1p50), -static_cast<int>(random() % 61));
+                    next.y = i % 4 ? 3 * next.x : std::nextafter(3 * next.x, 0);
+                }
                 outline.push_back(next);
             }
             if (std::all_of(outline.begin(), outline.end(), [&](const Point& p) { return p == outline[0]; })) continue;
