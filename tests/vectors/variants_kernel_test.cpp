@@ -44,7 +44,11 @@ std::set<std::string> KernelNames() {
                                    "neighbourhood tables",
                                    "surface values",
                                    "hemisphere values",
-                                   "correct with a polynomial, 8 bits"};
+                                   "hemisphere sums",
+                                   "hemisphere residuals",
+                                   "tilted hemisphere sums",
+                                   "correct with a polynomial, 8 bits",
+                                   "outlines"};
     const auto add = [&](std::initializer_list<std::string> kernels, std::initializer_list<std::string> kinds) {
         for (const std::string& kernel : kernels)
             for (const std::string& kind : kinds) names.insert(kernel + ", " + kind);
