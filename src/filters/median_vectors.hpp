@@ -14,19 +14,33 @@ struct Column {
     typename Lanes::Vector low, middle, high;
 };
 
+template <class Lanes, class Vector = typename Lanes::Vector>
+ORLIX_INLINE void Order(Vector& a, Vector& b) {
+    if constexpr (requires { Lanes::Order(a, b); }) {
+        Lanes::Order(a, b);
+    } else {
+        const Vector low = Lanes::Min(a, b);
+        b = Lanes::Max(a, b);
+        a = low;
+    }
+}
+
 // The three vertically adjacent pixels at p[0], p[1], p[2], sorted.
 template <class Lanes>
 ORLIX_INLINE Column<Lanes> Sorted(const typename Lanes::Pixel* const* p, ptrdiff_t i) {
-    const auto a = Lanes::Load(p[0] + i), b = Lanes::Load(p[1] + i), c = Lanes::Load(p[2] + i);
-    const auto low = Lanes::Min(a, b), high = Lanes::Max(a, b);
-    const auto rest = Lanes::Min(high, c);
-    return {Lanes::Min(low, rest), Lanes::Max(low, rest), Lanes::Max(high, c)};
+    auto a = Lanes::Load(p[0] + i), b = Lanes::Load(p[1] + i), c = Lanes::Load(p[2] + i);
+    Order<Lanes>(a, b);
+    Order<Lanes>(b, c);
+    Order<Lanes>(a, b);
+    return {a, b, c};
 }
 
 template <class Lanes>
 ORLIX_INLINE typename Lanes::Vector MiddleOf(const typename Lanes::Vector& a, const typename Lanes::Vector& b,
                                              const typename Lanes::Vector& c) {
-    return Lanes::Max(Lanes::Min(a, b), Lanes::Min(Lanes::Max(a, b), c));
+    auto low = a, high = b;
+    Order<Lanes>(low, high);
+    return Lanes::Max(low, Lanes::Min(high, c));
 }
 
 // With sorted columns, the median of nine is the median of the greatest minimum, the median of the middle values and
@@ -49,8 +63,8 @@ ORLIX_INLINE void ShortMedianRow(const T* const* rows, T* to, size_t n) {
 }
 
 // Inside the row each column is sorted once and shifted to its neighbours; at the ends columns are loaded where they
-// are, and the last vector ends with the row. A shift takes SSE2 three instructions, so it loads all columns where they
-// are.
+// are, and the last vector ends with the row. A shift takes SSE2 three instructions, so it loads columns where they are,
+// except those of floats.
 template <class Lanes, class T = typename Lanes::Pixel>
 ORLIX_INLINE void MedianRow(const T* const* rows, T* to, size_t n) {
     constexpr size_t kLanes = Lanes::kLanes;

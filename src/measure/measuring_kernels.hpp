@@ -17,20 +17,14 @@ void Sums_scalar(const T* pixels, size_t n, double origin, PixelSums<T>& sums);
 void AddRest(const float* pixels, size_t first, size_t n, double origin, PixelSums<float>& sums);
 
 Kernel<SumsFn<uint8_t>> Sums_sse2, Sums_avx2, Sums_avx512;
+Kernel<SumsFn<uint16_t>> Sums_sse2, Sums_avx2, Sums_avx512;
 Kernel<SumsFn<float>> Sums_sse2, Sums_avx2, Sums_avx512;
-Kernel<SumsFn<uint16_t>> Sums_avx2, Sums_avx512;
 
 template <class T>
 inline constexpr Variant<SumsFn<T>> kSums[] = {
     {"avx512", Cpu::Avx512, &Sums_avx512},
     {"avx2", Cpu::Avx2, &Sums_avx2},
     {"sse2", Cpu::Sse2, &Sums_sse2},
-    {"scalar", Cpu::Any, &Sums_scalar},
-};
-template <>
-inline constexpr Variant<SumsFn<uint16_t>> kSums<uint16_t>[] = {
-    {"avx512", Cpu::Avx512, &Sums_avx512},
-    {"avx2", Cpu::Avx2, &Sums_avx2},
     {"scalar", Cpu::Any, &Sums_scalar},
 };
 template <>

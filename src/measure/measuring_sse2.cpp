@@ -35,6 +35,46 @@ void Sums_sse2(const uint8_t* pixels, size_t n, double, PixelSums<uint8_t>& sums
     sums.q += sum32(q);
 }
 
+// Blocks of 8 pixels as t = p - 32768, which multiplies as a signed word: p^2 = t^2 + 65536 p - 2^30. The squares of a
+// pair reach 2^31, as an unsigned number. The running totals would exceed 31 bits after 255 blocks.
+void Sums_sse2(const uint16_t* pixels, size_t n, double, PixelSums<uint16_t>& sums) {
+    constexpr size_t kPart = 128 * 8;
+    const __m128i zero = _mm_setzero_si128(), ones = _mm_set1_epi16(1), sign = _mm_set1_epi16(INT16_MIN);
+    const __m128i half = _mm_set_epi32(0, -1, 0, -1), weights = _mm_set_epi16(7, 6, 5, 4, 3, 2, 1, 0);
+    const auto sum32 = [](__m128i v) {  // of signed lanes
+        int32_t lanes[4];
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), v);
+        return static_cast<uint64_t>(int64_t{lanes[0]} + lanes[1] + lanes[2] + lanes[3]);
+    };
+    __m128i q = zero;
+    uint64_t sumT = 0, sumW = 0;  // modulo 2^64, as they may be negative
+    size_t done = 0;
+    while (n - done >= 8) {
+        const size_t part = n - done < kPart ? (n - done) / 8 * 8 : kPart;
+        __m128i s = zero, running = zero, w = zero;
+        for (size_t i = done; i < done + part; i += 8) {
+            const __m128i t = _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels + i)), sign);
+            s = _mm_add_epi32(s, _mm_madd_epi16(t, ones));
+            running = _mm_add_epi32(running, s);
+            w = _mm_add_epi32(w, _mm_madd_epi16(t, weights));
+            const __m128i squares = _mm_madd_epi16(t, t);
+            q = _mm_add_epi64(q, _mm_and_si128(squares, half));
+            q = _mm_add_epi64(q, _mm_srli_epi64(squares, 32));
+        }
+        const uint64_t total = sum32(s);
+        sumT += total;
+        sumW += done * total + 8 * (part / 8 * total - sum32(running)) + sum32(w);
+        done += part;
+    }
+    Sums_scalar(pixels + done, n - done, 0.0, sums);
+    uint64_t squares[2];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(squares), q);
+    const uint64_t blocked = done, s = sumT + 32768 * blocked;
+    sums.w += blocked * sums.s + sumW + 32768 * (blocked * (blocked - 1) / 2);
+    sums.q += squares[0] + squares[1] + 65536 * s - (blocked << 30);
+    sums.s += s;
+}
+
 void Sums_sse2(const float* pixels, size_t n, double origin, PixelSums<float>& sums) {
     const __m128d zero = _mm_setzero_pd();
     const __m128d o = _mm_set1_pd(origin);

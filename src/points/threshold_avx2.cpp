@@ -12,22 +12,20 @@ ORLIX_INLINE __m256i Load(const T* p) {
 }
 
 // Bytes of 0xff for those of 32 pixels that are inside. Each group of eight is reversed, so the sign bits put the first
-// pixel in the most significant bit of each byte. Integers: p - hi and lo - p, saturated at 0, are both 0 inside.
+// pixel in the most significant bit of each byte. Integers, with lo <= hi: inside, p - lo modulo the type's range is at
+// most hi - lo.
 ORLIX_INLINE __m256i Inside(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
     const __m256i reverse =
         _mm256_set_epi64x(0x08090a0b0c0d0e0f, 0x0001020304050607, 0x08090a0b0c0d0e0f, 0x0001020304050607);
-    const __m256i p = _mm256_shuffle_epi8(Load(pixels), reverse);
-    const __m256i above = _mm256_subs_epu8(p, _mm256_set1_epi8(static_cast<char>(hi)));
-    const __m256i below = _mm256_subs_epu8(_mm256_set1_epi8(static_cast<char>(lo)), p);
-    return _mm256_cmpeq_epi8(_mm256_or_si256(above, below), _mm256_setzero_si256());
+    const __m256i d =
+        _mm256_sub_epi8(_mm256_shuffle_epi8(Load(pixels), reverse), _mm256_set1_epi8(static_cast<char>(lo)));
+    return _mm256_cmpeq_epi8(_mm256_min_epu8(d, _mm256_set1_epi8(static_cast<char>(hi - lo))), d);
 }
 
 ORLIX_INLINE __m256i Inside(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
     const auto sixteen = [&](const uint16_t* at) {
-        const __m256i p = Load(at);
-        const __m256i above = _mm256_subs_epu16(p, _mm256_set1_epi16(static_cast<short>(hi)));
-        const __m256i below = _mm256_subs_epu16(_mm256_set1_epi16(static_cast<short>(lo)), p);
-        return _mm256_cmpeq_epi16(_mm256_or_si256(above, below), _mm256_setzero_si256());
+        const __m256i d = _mm256_sub_epi16(Load(at), _mm256_set1_epi16(static_cast<short>(lo)));
+        return _mm256_cmpeq_epi16(_mm256_min_epu16(d, _mm256_set1_epi16(static_cast<short>(hi - lo))), d);
     };
     // Packing leaves groups of eight pixels in the order 0 2 1 3.
     const __m256i packed = _mm256_packs_epi16(sixteen(pixels), sixteen(pixels + 16));
@@ -90,6 +88,11 @@ ORLIX_INLINE void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned fir
 
 template <class T>
 void Integers(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside) {
+    if (lo > hi) {  // nothing is inside: as much as outside of all values
+        lo = 0;
+        hi = static_cast<T>(~T{0});
+        inside = !inside;
+    }
     const uint32_t flip = inside ? 0 : ~uint32_t{0};
     SetBits(pixels, n, bits, firstBit, lo, hi, inside,
             [&](const T* block) { return static_cast<uint32_t>(_mm256_movemask_epi8(Inside(block, lo, hi))) ^ flip; });

@@ -1,28 +1,27 @@
 #include <emmintrin.h>
 
+#include <limits>
+
 #include "points/threshold_kernels.hpp"
 
 namespace orlix {
 namespace {
 
-// 0xff for each of 16 pixels inside, in order. Integers: p - hi and lo - p, saturated at 0, are both 0 inside.
+// 0xff for each of 16 pixels inside, in order. Integers, with lo <= hi: inside, p - lo modulo the type's range is at most
+// hi - lo.
 struct Inside {
     template <class T>
     static __m128i Load(const T* p) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     }
     static __m128i Of(const uint8_t* pixels, uint8_t lo, uint8_t hi) {
-        const __m128i p = Load(pixels);
-        const __m128i above = _mm_subs_epu8(p, _mm_set1_epi8(static_cast<char>(hi)));
-        const __m128i below = _mm_subs_epu8(_mm_set1_epi8(static_cast<char>(lo)), p);
-        return _mm_cmpeq_epi8(_mm_or_si128(above, below), _mm_setzero_si128());
+        const __m128i d = _mm_sub_epi8(Load(pixels), _mm_set1_epi8(static_cast<char>(lo)));
+        return _mm_cmpeq_epi8(_mm_min_epu8(d, _mm_set1_epi8(static_cast<char>(hi - lo))), d);
     }
     static __m128i Of(const uint16_t* pixels, uint16_t lo, uint16_t hi) {
         const auto eight = [&](const uint16_t* at) {
-            const __m128i p = Load(at);
-            const __m128i above = _mm_subs_epu16(p, _mm_set1_epi16(static_cast<short>(hi)));
-            const __m128i below = _mm_subs_epu16(_mm_set1_epi16(static_cast<short>(lo)), p);
-            return _mm_cmpeq_epi16(_mm_or_si128(above, below), _mm_setzero_si128());
+            const __m128i d = _mm_sub_epi16(Load(at), _mm_set1_epi16(static_cast<short>(lo)));
+            return _mm_cmpeq_epi16(_mm_subs_epu16(d, _mm_set1_epi16(static_cast<short>(hi - lo))), _mm_setzero_si128());
         };
         return _mm_packs_epi16(eight(pixels), eight(pixels + 8));
     }
@@ -90,9 +89,14 @@ void SetBits(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, 
 
 template <class T>
 void Integers(const T* pixels, size_t n, uint8_t* bits, unsigned firstBit, T lo, T hi, bool inside) {
-    const __m128i flip = _mm_set1_epi8(inside ? 0 : -1);
+    if (lo > hi) {  // nothing is inside: as much as outside of all values
+        lo = 0;
+        hi = std::numeric_limits<T>::max();
+        inside = !inside;
+    }
+    const uint64_t flip = inside ? 0 : ~uint64_t{0};
     SetBits(pixels, n, bits, firstBit, lo, hi, inside, [&](const T* block) {
-        return BitsOf([&](size_t first) { return _mm_xor_si128(Inside::Of(block + first, lo, hi), flip); });
+        return BitsOf([&](size_t first) { return Inside::Of(block + first, lo, hi); }) ^ flip;
     });
 }
 

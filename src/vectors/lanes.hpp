@@ -9,7 +9,9 @@
 //     static Vector Nearer(p, low, high);      high where p - low >= high - p, else low; low <= p <= high. For floats
 //                                              the quiet NaN where p is NaN, and zeros lose their sign
 //     static Vector Before(a, b), After(b, c); the pixels just before and just after those of b, where a, b, c are
-//                                              adjacent vectors; not with SSE2, where they take three instructions
+//                                              adjacent vectors; not where loading again takes less
+//     static void Order(a, b);                 the smaller and the larger of both; only where that takes less than Min
+//                                              and Max
 //
 // TotallyOrderedLanes are floats in the total order of IEEE 754: negative NaN, -infinity, ..., -0, 0, ..., infinity,
 // NaN. They have neither All nor Nearer.

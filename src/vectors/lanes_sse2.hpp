@@ -74,6 +74,14 @@ struct TotallyOrderedLanes : SignedLanes {
     static Vector Turned(Vector v) { return _mm_xor_si128(v, _mm_srli_epi32(_mm_srai_epi32(v, 31), 1)); }
     static Vector Load(const Pixel* p) { return Turned(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))); }
     static void Store(Pixel* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), Turned(v)); }
+    // Cheaper than loading and turning again.
+    static Vector Before(Vector a, Vector b) { return _mm_or_si128(_mm_srli_si128(a, 12), _mm_slli_si128(b, 4)); }
+    static Vector After(Vector b, Vector c) { return _mm_or_si128(_mm_srli_si128(b, 4), _mm_slli_si128(c, 12)); }
+    static void Order(Vector& a, Vector& b) {
+        const Vector change = _mm_and_si128(_mm_cmpgt_epi32(a, b), _mm_xor_si128(a, b));
+        a = _mm_xor_si128(a, change);
+        b = _mm_xor_si128(b, change);
+    }
 };
 
 template <>
