@@ -35,6 +35,14 @@ public:
     // Column 0 of row y; row(y)[x] is sample (x, y) for the first AdjacentColumns() columns.
     Pixel* row(int32_t y) const { return base_ + (static_cast<ptrdiff_t>(table_[0].XEntry) + table_[y].YEntry); }
 
+    // The first row after y, at most `bottom`, that does not lie directly behind the row before it. y is less than
+    // bottom.
+    int32_t EndOfBlock(int32_t y, int32_t bottom) const {
+        do ++y;
+        while (y < bottom && row(y) == row(y - 1) + width_);
+        return y;
+    }
+
     // The number of adjacent columns from column 0 on: at least 1, at most the width.
     int32_t AdjacentColumns() const {
         const int64_t first = table_[0].XEntry;

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -107,6 +108,19 @@ void CombineRun(const Operation& operation, PixelView<const From> from, int32_t 
     }
 }
 
+// The end of the block of rows from y on that follow each other in memory, in the destination and in the source; y when
+// there is none that can be one run: the source is smaller, or shares some of the block's memory in another place.
+template <class Pixel, class From>
+int32_t EndOfBlock(const PixelView<Pixel>& to, const PixelView<const From>& from, int32_t y) {
+    if (from.width() != to.width() || from.height() < to.height()) return y;
+    const int32_t end = from.EndOfBlock(y, to.EndOfBlock(y, to.height()));
+    const void *const first = to.row(y), *const source = from.row(y);
+    const size_t n = static_cast<size_t>(end - y) * static_cast<size_t>(to.width());
+    const bool apart = std::less_equal<>()(static_cast<const void*>(to.row(y) + n), source) ||
+                       std::less_equal<>()(static_cast<const void*>(from.row(y) + n), first);
+    return apart || (first == source && sizeof(Pixel) == sizeof(From)) ? end : y;
+}
+
 // Calls operation(to, from, n) on the pixels of the selection and the source pixels at the same places.
 template <class Pixel, class From, class Operation>
 void CombineWith(const Selection<Pixel>& at, const SourceViews<From>& sources, const Operation& operation) {
@@ -117,7 +131,13 @@ void CombineWith(const Selection<Pixel>& at, const SourceViews<From>& sources, c
         const int32_t adjacent = from.AdjacentColumns();
         const auto bottom =
             static_cast<int32_t>(std::min<int64_t>(rows.bottom(), int64_t{from.height()} + kTableMargin - 1));
-        for (int32_t y = rows.top(); y <= bottom; ++y)
+        const bool whole = rows.whole() && adjacent >= to.width();
+        for (int32_t y = rows.top(); y <= bottom; ++y) {
+            if (const int32_t end = whole ? EndOfBlock(to, from, y) : y; end > y) {
+                operation(to.row(y), from.row(y), static_cast<size_t>(end - y) * static_cast<size_t>(to.width()));
+                y = end - 1;
+                continue;
+            }
             for (const Run run : rows.row(y)) {
                 if (y < bottom) {
                     FetchStart(to.row(y + 1), run);
@@ -125,6 +145,7 @@ void CombineWith(const Selection<Pixel>& at, const SourceViews<From>& sources, c
                 }
                 CombineRun(operation, from, adjacent, to.row(y), run, y);
             }
+        }
     }
 }
 

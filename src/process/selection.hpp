@@ -63,14 +63,23 @@ public:
     void ForEachRun(const Visit& visit) const {
         for (int32_t band = 0; band < bands(); ++band) ForEachRunOf(view(band), visit);
     }
-    // Calls operation(pixels, n) on all pixels.
+    // Calls operation(pixels, n) on all pixels. Whole rows that follow each other in memory are one run.
     template <class Operation>
     void Apply(Operation&& operation) const {
-        ForEachRun([&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); });
+        const auto visit = [&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); };
+        if (!rows().whole() || LookAhead<Pixel>::Pays(bandBytes())) return ForEachRun(visit);
+        for (int32_t band = 0; band < bands(); ++band)
+            for (int32_t y = 0; y < height();) {
+                const int32_t end = view(band).EndOfBlock(y, height());
+                operation(view(band).row(y), static_cast<size_t>(end - y) * static_cast<size_t>(width()));
+                y = end;
+            }
     }
 
 private:
     friend class Frame<Pixel>;
+
+    size_t bandBytes() const { return bandSamples_ * sizeof(Pixel); }
 
     Selection(Gathered&& gathered, const FrameSettings<Pixel>& settings, PixelView<Pixel> first, size_t bandSize)
         : gathered_(std::move(gathered)), settings_(settings), first_(first), bandSamples_(bandSize / sizeof(Pixel)) {}
@@ -78,7 +87,7 @@ private:
     template <class Visit>
     void ForEachRunOf(const PixelView<Pixel>& view, const Visit& visit) const {
         constexpr int32_t kPart = LookAhead<Pixel>::kPart;
-        LookAhead ahead(rows(), view, bandSamples_ * sizeof(Pixel));
+        LookAhead ahead(rows(), view, bandBytes());
         for (int32_t y = rows().top(); y <= rows().bottom(); ++y)
             for (const Run run : rows().row(y)) {
                 Pixel* const row = view.row(y);

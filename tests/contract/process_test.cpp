@@ -349,6 +349,23 @@ TEST(LargeImages, GiveWhatTheirRowsGive) {
     }
 }
 
+// Rows that follow each other in memory are added as one run, but not where the source's rows are the next ones here.
+TEST(PlusEquals, TakesSourcesInTheSameMemoryRowByRow) {
+    constexpr LONG kWidth = 20, kHeight = 4;
+    for (const bool fromAbove : {false, true}) {
+        std::vector<uint8_t> rows(size_t{kWidth} * (kHeight + 1), 1);
+        std::fill_n(rows.begin(), kWidth, uint8_t{10});
+        const TypedImage<uint8_t> upper, lower;
+        ASSERT_EQ(S_OK, upper->AttachBuffer(rows.data(), kWidth, kHeight, 1, DT_BYTE, 0));
+        ASSERT_EQ(S_OK, lower->AttachBuffer(rows.data() + kWidth, kWidth, kHeight, 1, DT_BYTE, 0));
+        const auto& to = fromAbove ? lower : upper;
+        ASSERT_EQ(S_OK, to.process->PlusEquals((fromAbove ? upper : lower).get(), 0));
+        for (LONG y = 0; y < kHeight; ++y)  // 1 + 10, 1 + 11, ... or 10 + 1, 1 + 1, ...
+            for (LONG x = 0; x < kWidth; ++x)
+                ASSERT_EQ(fromAbove ? 11 + y : y == 0 ? 11 : 2, to.at(x, y)) << x << ' ' << y;
+    }
+}
+
 TEST(RegionsOfOthers, AreVisitedOnceForEachPixelOrPassTheirFailureOn) {
     const auto image = NewImage<uint8_t>(4, 3);
     const auto region = MakeCounted<ForeignRegion>();
