@@ -38,20 +38,32 @@ public:
     // The first row after y, at most `bottom`, that does not lie directly behind the row before it. y is less than
     // bottom.
     int32_t EndOfBlock(int32_t y, int32_t bottom) const {
-        do ++y;
-        while (y < bottom && row(y) == row(y - 1) + width_);
-        return y;
+        return EndOfSteps(y, bottom, width_, [](const VPAEntry& entry) { return entry.YEntry; });
     }
 
     // The number of adjacent columns from column 0 on: at least 1, at most the width.
     int32_t AdjacentColumns() const {
-        const int64_t first = table_[0].XEntry;
-        int32_t x = 1;
-        while (x < width_ && table_[x].XEntry == first + x) ++x;
-        return x;
+        return EndOfSteps(0, width_, 1, [](const VPAEntry& entry) { return entry.XEntry; });
     }
 
 private:
+    // The first index after i, at most `end`, whose offset is not step more than that of the index before it.
+    template <class OffsetOf>
+    int32_t EndOfSteps(int32_t i, int32_t end, int32_t step, const OffsetOf& offsetOf) const {
+        constexpr int32_t kTogether = 32;  // without a branch, so that compilers turn them into vectors
+        int64_t expected = int64_t{offsetOf(table_[i])} + step;
+        for (++i; i <= end - kTogether && expected + int64_t{kTogether} * step <= INT32_MAX; i += kTogether) {
+            const auto first = static_cast<uint32_t>(expected), by = static_cast<uint32_t>(step);
+            uint32_t different = 0;
+            for (uint32_t k = 0; k < kTogether; ++k)
+                different |= static_cast<uint32_t>(offsetOf(table_[i + static_cast<int32_t>(k)])) ^ (first + k * by);
+            if (different) break;
+            expected += int64_t{kTogether} * step;
+        }
+        for (; i < end && offsetOf(table_[i]) == expected; ++i) expected += step;
+        return i;
+    }
+
     Pixel* base_ = nullptr;
     const VPAEntry* table_ = nullptr;
     int32_t width_ = 0;

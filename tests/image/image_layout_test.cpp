@@ -2,10 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <vector>
 
 #include "component/failure.hpp"
+#include "image/pixel_view.hpp"
 
 namespace orlix {
 namespace {
@@ -83,6 +86,25 @@ TEST(OffsetTable, MirrorsOnBothAxesWithoutRepeatingTheEdge) {
             ASSERT_EQ(below[k] * stride, origin[height - 1 + i].YEntry) << i;
         }
     }
+}
+
+// Offsets that leave their steps at one index. Large steps wrap around, which no table of a real image does.
+TEST(PixelView, FindsWhereRowsAndColumnsStopFollowingEachOther) {
+    for (const int32_t step : {1, 7, 1 << 26, 3 << 25})
+        for (const int32_t entries : {1, 2, 31, 32, 33, 34, 64, 65, 100})
+            for (int32_t odd = 1; odd <= entries; ++odd) {
+                std::vector<VPAEntry> table;
+                for (int32_t i = 0; i < entries; ++i) {
+                    const auto offset = static_cast<LONG>(uint32_t(i) * uint32_t(step) + (i >= odd));
+                    table.push_back({offset, offset});
+                }
+                const int32_t last = step == 1 ? odd : std::min(odd, kMaximum / step + 1);
+                EXPECT_EQ(std::min(last, entries),
+                          PixelView<uint8_t>(nullptr, table.data(), step, entries).EndOfBlock(0, entries));
+                if (step == 1) {
+                    EXPECT_EQ(odd, PixelView<uint8_t>(nullptr, table.data(), entries, 1).AdjacentColumns());
+                }
+            }
 }
 
 }  // namespace
