@@ -63,8 +63,8 @@ ORLIX_INLINE void ShortMedianRow(const T* const* rows, T* to, size_t n) {
 }
 
 // Inside the row each column is sorted once and shifted to its neighbours; at the ends columns are loaded where they
-// are, and the last vector ends with the row. A shift takes SSE2 three instructions, so it loads columns where they are,
-// except those of floats.
+// are, and the last vector ends with the row. A shift takes SSE2 three instructions, so it loads all columns where they
+// are, except those of floats.
 template <class Lanes, class T = typename Lanes::Pixel>
 ORLIX_INLINE void MedianRow(const T* const* rows, T* to, size_t n) {
     constexpr size_t kLanes = Lanes::kLanes;

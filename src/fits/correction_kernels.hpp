@@ -56,6 +56,10 @@ inline constexpr Variant<CorrectRowFn> kCorrectRow[] = {
 
 namespace {  // used in files of every instruction set: each keeps its own copy
 
+// The degree to which a row's polynomial must be computed for the same bits: terms of higher degree would add zeros. If
+// the constant is 0 as well, their signs could show.
+inline int DegreeOf(const RowPolynomial& row) { return row.c[3] != 0 || row.c[0] == 0 ? 3 : row.c[2] != 0 ? 2 : 1; }
+
 // Corrects a row by way of shifts in memory, a piece at a time.
 template <class T>
 void CorrectInPieces(ShiftsFn fill, CorrectFn<T> correct, T* pixels, size_t n, double x, const RowPolynomial& row,

@@ -1,6 +1,7 @@
 #include <emmintrin.h>
 
 #include "fits/correction_blocks.hpp"
+#include "vectors/inline.hpp"
 
 namespace orlix {
 namespace {
@@ -65,21 +66,33 @@ size_t CorrectBlocks(uint8_t* pixels, size_t n, const Expansion& expansion, size
     return n;
 }
 
+template <int Degree>
+ORLIX_INLINE size_t FillShifts(double* shifts, size_t n, double x, const RowPolynomial& row) {
+    const __m128d c0 = _mm_set1_pd(row.c[0]), c1 = _mm_set1_pd(row.c[1]);
+    const __m128d c2 = _mm_set1_pd(row.c[2]), c3 = _mm_set1_pd(row.c[3]);
+    const __m128d next = _mm_set1_pd(4.0);
+    // Two vectors in turn: the latency of one that steps along the row would count.
+    __m128d t[2] = {_mm_add_pd(_mm_set1_pd(x), _mm_set_pd(1, 0)), _mm_add_pd(_mm_set1_pd(x), _mm_set_pd(3, 2))};
+    size_t i = 0;
+    for (; i + 4 <= n; i += 4)
+        for (size_t k = 0; k < 2; ++k) {
+            __m128d sum = Degree == 3 ? _mm_add_pd(c2, _mm_mul_pd(t[k], c3)) : c2;
+            if constexpr (Degree >= 2) sum = _mm_add_pd(c1, _mm_mul_pd(t[k], sum));
+            if constexpr (Degree == 1) sum = c1;
+            _mm_storeu_pd(shifts + i + 2 * k, _mm_add_pd(c0, _mm_mul_pd(t[k], sum)));
+            t[k] = _mm_add_pd(t[k], next);
+        }
+    return i;
+}
+
 }  // namespace
 
 void Shifts_sse2(double* shifts, size_t n, double x, const RowPolynomial& row) {
-    const __m128d c0 = _mm_set1_pd(row.c[0]), c1 = _mm_set1_pd(row.c[1]);
-    const __m128d c2 = _mm_set1_pd(row.c[2]), c3 = _mm_set1_pd(row.c[3]);
-    const __m128d two = _mm_set1_pd(2.0);
-    __m128d t = _mm_add_pd(_mm_set1_pd(x), _mm_set_pd(1, 0));
-    size_t i = 0;
-    for (; i + 2 <= n; i += 2) {
-        const __m128d inner = _mm_add_pd(c2, _mm_mul_pd(t, c3));
-        const __m128d middle = _mm_add_pd(c1, _mm_mul_pd(t, inner));
-        _mm_storeu_pd(shifts + i, _mm_add_pd(c0, _mm_mul_pd(t, middle)));
-        t = _mm_add_pd(t, two);
-    }
-    Shifts_scalar(shifts + i, n - i, x + static_cast<double>(i), row);
+    const int degree = DegreeOf(row);
+    const size_t done = degree == 1   ? FillShifts<1>(shifts, n, x, row)
+                        : degree == 2 ? FillShifts<2>(shifts, n, x, row)
+                                      : FillShifts<3>(shifts, n, x, row);
+    Shifts_scalar(shifts + done, n - done, x + static_cast<double>(done), row);
 }
 
 void Correct_sse2(uint8_t* pixels, const double* shifts, size_t n, const CorrectionParameters<uint8_t>& parameters) {

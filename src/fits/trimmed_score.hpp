@@ -131,12 +131,13 @@ private:
         if (!(limit > 0 && limit < kInfinity)) return false;
         const double allowed =
             (bestScore_.sum + static_cast<double>(pixels_.count() - good_) * limit) * (1 + 2 * error_);
-        double sums[8] = {};
+        ClippedSums sums;
         double total = 0;
         ForEachPart(
             surface, [&](const T* run, size_t n) { clip_(run, values_.data(), n, limit, sums); },
             [&] {
-                total = Total(sums);
+                total = 0;
+                for (const double sum : sums.lane) total += sum;
                 return !(total * (1 - 2 * error_) >= allowed);
             });
         return total * (1 - 2 * error_) >= allowed;

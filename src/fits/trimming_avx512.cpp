@@ -24,15 +24,26 @@ ORLIX_INLINE __m512d Square(const T* pixel, const double* surface) {
     return _mm512_mul_pd(r, r);
 }
 
+// A group of eight pixels goes to lanes 8 k to 8 k + 7, k = 0..3 in turn.
 template <class T>
-ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     const __m512d most = _mm512_set1_pd(limit);
-    __m512d sum = _mm512_loadu_pd(sums);
-    size_t i = 0;
+    __m512d sum[4];
+    for (size_t k = 0; k < 4; ++k) sum[k] = _mm512_loadu_pd(sums.lane + 8 * k);
     // The minimum returns its second operand when the first is NaN.
-    for (; i + 8 <= n; i += 8) sum = _mm512_add_pd(sum, _mm512_min_pd(Square(pixels + i, surface + i), most));
-    _mm512_storeu_pd(sums, sum);
-    ClippedSquares_scalar(pixels + i, surface + i, n - i, limit, sums);
+    const auto add = [&](size_t i, size_t k) __attribute__((always_inline)) {
+        sum[k] = _mm512_add_pd(sum[k], _mm512_min_pd(Square(pixels + i, surface + i), most));
+    };
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32)
+        for (size_t k = 0; k < 4; ++k) add(i + 8 * k, k);
+    for (size_t k = 0; k < 3 && i + 8 <= n; ++k, i += 8) add(i, k);
+    for (size_t k = 0; k < 4; ++k) _mm512_storeu_pd(sums.lane + 8 * k, sum[k]);
+    // The rest starts in the lane i % 32, which is not the first.
+    for (; i < n; ++i) {
+        const double r = surface[i] - static_cast<double>(pixels[i]), square = r * r;
+        sums.lane[i % 32] += square < limit ? square : limit;
+    }
 }
 
 template <class T>
@@ -68,16 +79,16 @@ ORLIX_INLINE size_t Divide(const T* pixels, const double* surface, size_t n, dou
 
 }  // namespace
 
-void ClippedSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
-void ClippedSquares_avx512(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_avx512(const uint16_t* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
-void ClippedSquares_avx512(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_avx512(const uint32_t* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
-void ClippedSquares_avx512(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_avx512(const float* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
 size_t DivideSquares_avx512(const uint8_t* pixels, const double* surface, size_t n, double low, double high,

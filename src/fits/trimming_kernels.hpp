@@ -11,9 +11,12 @@ namespace orlix {
 // The residual of pixel p[i] against a surface value f[i] is r = f[i] - p[i], in double, and its square r r. A NaN
 // residual counts as larger than all others. T is uint8_t, uint16_t, uint32_t or float.
 
-// Adds min(r r, limit) to sums[i % 8].
+// Adds min(r r, limit) to lane[i % 32]: one lane after the other, the latency of additions would count.
+struct ClippedSums {
+    double lane[32] = {};
+};
 template <class T>
-using ClippedSquaresFn = void (*)(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+using ClippedSquaresFn = void (*)(const T* pixels, const double* surface, size_t n, double limit, ClippedSums& sums);
 
 // Squares classified by an interval low <= high, either end of which may be infinite.
 struct SquareClasses {
@@ -30,7 +33,7 @@ using DivideSquaresFn = size_t (*)(const T* pixels, const double* surface, size_
                                    SquareClasses& classes, double* middle);
 
 template <class T>
-void ClippedSquares_scalar(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]);
+void ClippedSquares_scalar(const T* pixels, const double* surface, size_t n, double limit, ClippedSums& sums);
 template <class T>
 size_t DivideSquares_scalar(const T* pixels, const double* surface, size_t n, double low, double high,
                             SquareClasses& classes, double* middle);

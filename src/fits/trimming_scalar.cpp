@@ -4,11 +4,11 @@
 namespace orlix {
 
 template <class T>
-void ClippedSquares_scalar(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_scalar(const T* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     for (size_t i = 0; i < n; ++i) {
         const double r = surface[i] - static_cast<double>(pixels[i]);
         const double square = r * r;
-        sums[i % 8] += square < limit ? square : limit;
+        sums.lane[i % 32] += square < limit ? square : limit;
     }
 }
 

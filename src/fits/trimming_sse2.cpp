@@ -49,19 +49,27 @@ ORLIX_INLINE Pairs Squares(const T* pixels, const double* surface) {
     return squares;
 }
 
+// A group of eight pixels goes to lanes 8 k to 8 k + 7, k = 0..3 in turn.
 template <class T>
-ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+ORLIX_INLINE void Clipped(const T* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     const __m128d most = _mm_set1_pd(limit);
-    __m128d sum[4];
-    for (size_t k = 0; k < 4; ++k) sum[k] = _mm_loadu_pd(sums + 2 * k);
-    size_t i = 0;
-    for (; i + 8 <= n; i += 8) {
+    __m128d sum[16];
+    for (size_t k = 0; k < 16; ++k) sum[k] = _mm_loadu_pd(sums.lane + 2 * k);
+    // The minimum returns its second operand when the first is NaN.
+    const auto add = [&](size_t i, size_t k) __attribute__((always_inline)) {
         const Pairs squares = Squares(pixels + i, surface + i);
-        // The minimum returns its second operand when the first is NaN.
-        for (size_t k = 0; k < 4; ++k) sum[k] = _mm_add_pd(sum[k], _mm_min_pd(squares.pair[k], most));
+        for (size_t j = 0; j < 4; ++j) sum[4 * k + j] = _mm_add_pd(sum[4 * k + j], _mm_min_pd(squares.pair[j], most));
+    };
+    size_t i = 0;
+    for (; i + 32 <= n; i += 32)
+        for (size_t k = 0; k < 4; ++k) add(i + 8 * k, k);
+    for (size_t k = 0; k < 3 && i + 8 <= n; ++k, i += 8) add(i, k);
+    for (size_t k = 0; k < 16; ++k) _mm_storeu_pd(sums.lane + 2 * k, sum[k]);
+    // The rest starts in the lane i % 32, which is not the first.
+    for (; i < n; ++i) {
+        const double r = surface[i] - static_cast<double>(pixels[i]), square = r * r;
+        sums.lane[i % 32] += square < limit ? square : limit;
     }
-    for (size_t k = 0; k < 4; ++k) _mm_storeu_pd(sums + 2 * k, sum[k]);
-    ClippedSquares_scalar(pixels + i, surface + i, n - i, limit, sums);
 }
 
 template <class T>
@@ -101,16 +109,16 @@ ORLIX_INLINE size_t Divide(const T* pixels, const double* surface, size_t n, dou
 
 }  // namespace
 
-void ClippedSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
-void ClippedSquares_sse2(const uint16_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_sse2(const uint16_t* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
-void ClippedSquares_sse2(const uint32_t* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_sse2(const uint32_t* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
-void ClippedSquares_sse2(const float* pixels, const double* surface, size_t n, double limit, double (&sums)[8]) {
+void ClippedSquares_sse2(const float* pixels, const double* surface, size_t n, double limit, ClippedSums& sums) {
     Clipped(pixels, surface, n, limit, sums);
 }
 size_t DivideSquares_sse2(const uint8_t* pixels, const double* surface, size_t n, double low, double high,

@@ -7,8 +7,8 @@
 namespace orlix {
 namespace {
 
-// 0xff for each of 16 pixels inside, in order. Integers, with lo <= hi: inside, p - lo modulo the type's range is at most
-// hi - lo.
+// 0xff for each of 16 pixels inside, in order. Integers, with lo <= hi: inside, p - lo modulo the type's range is at
+// most hi - lo.
 struct Inside {
     template <class T>
     static __m128i Load(const T* p) {

@@ -40,11 +40,15 @@ TYPED_TEST(Correcting, EveryVariantEqualsTheDefinition) {
 }
 
 TEST(Shifts, EveryVariantEqualsTheDefinitionBitForBit) {
-    const RowPolynomial row = {{12.3, -0.75, 1e-3, -2e-7}};
-    for (const size_t n : kAwkwardSizes)
-        for (const double x : {0.0, 600.0, 2147483000.0})
-            ExpectTheDefinition(kShifts, std::vector<double>(n, 1.0),
-                                [&](auto shifts, double* to) { shifts(to, n, x, row); });
+    // The last ones have zeros of both signs.
+    for (const RowPolynomial& row :
+         {RowPolynomial{{12.3, -0.75, 1e-3, -2e-7}}, RowPolynomial{{12.3, -0.75, 1e-3, -0.0}},
+          RowPolynomial{{12.3, -0.75, 0, 0}}, RowPolynomial{{12.3, 0, 0, -0.0}}, RowPolynomial{{-0.0, -0.75, 0, 0}},
+          RowPolynomial{{-0.0, -0.0, -0.0, -0.0}}})
+        for (const size_t n : kAwkwardSizes)
+            for (const double x : {0.0, 600.0, 2147483000.0})
+                ExpectTheDefinition(kShifts, std::vector<double>(n, 1.0),
+                                    [&](auto shifts, double* to) { shifts(to, n, x, row); });
 }
 
 // Gentle and steep rows, constants at and beside a half, slopes that pass through halves exactly, and rows beyond all

@@ -1,3 +1,5 @@
+#include <numeric>
+
 #include "fits/hemisphere_kernels.hpp"
 #include "fits/hemisphere_sums_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
@@ -33,10 +35,11 @@ TYPED_TEST(Trimming, EveryVariantEqualsTheDefinition) {
             Guarded<double> surface(SurfaceNear<T>({pixels.data(), n}, 7), offset);
             for (const double low : limits) {
                 SCOPED_TRACE(low);
-                ExpectTheDefinition(kClippedSquares<T>, std::vector<double>(8), [&](auto add, double* to) {
-                    double sums[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+                ExpectTheDefinition(kClippedSquares<T>, std::vector<double>(32), [&](auto add, double* to) {
+                    ClippedSums sums;
+                    std::iota(std::begin(sums.lane), std::end(sums.lane), 1.0);
                     add(pixels.data(), surface.data(), n, low, sums);
-                    std::copy_n(sums, 8, to);
+                    std::copy_n(sums.lane, 32, to);
                 });
                 for (const double high : limits)
                     if (high >= low)
@@ -60,9 +63,9 @@ TYPED_TEST(Trimming, EveryVariantEqualsTheDefinition) {
 TEST(Trimming, KnownSums) {
     const float pixels[] = {5, 5, 5, 5, 5, std::nanf("")};
     const double surface[] = {5, 6, 7, 8, 4, 5};
-    double sums[8] = {};
+    ClippedSums sums;
     ClippedSquares_scalar(pixels, surface, 6, 5.0, sums);
-    for (size_t i = 0; i < 6; ++i) EXPECT_EQ((std::vector<double>{0, 1, 4, 5, 1, 5})[i], sums[i]);
+    for (size_t i = 0; i < 6; ++i) EXPECT_EQ((std::vector<double>{0, 1, 4, 5, 1, 5})[i], sums.lane[i]);
     SquareClasses classes;
     double middle[13];
     EXPECT_EQ(1u, DivideSquares_scalar(pixels, surface, 6, 1.0, 9.0, classes, middle));
