@@ -17,10 +17,11 @@
 #include <orlix/statistics.hpp>
 
 #include <algorithm>
-#include <bit>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <span>
@@ -99,26 +100,57 @@ ComPtr<IRegionOfInterest> RegionOfMask(std::vector<uint8_t> mask, LONG width, LO
 
 // ------------------------------------------------------------------------------------------------------ implementation
 
+namespace implementation {
+
+// Of the bits of a byte that are 1: their number, and the sum of their columns. Bit 7 is the leftmost.
+struct ByteBits {
+    uint8_t count = 0, columns = 0;
+};
+inline constexpr std::array<ByteBits, 256> kByteBits = [] {
+    std::array<ByteBits, 256> table;
+    for (unsigned byte = 0; byte < 256; ++byte)
+        for (unsigned column = 0; column < 8; ++column)
+            if (byte >> (7 - column) & 1) {
+                ++table[byte].count;
+                table[byte].columns = static_cast<uint8_t>(table[byte].columns + column);
+            }
+    return table;
+}();
+
+}  // namespace implementation
+
 inline BinaryMeasurements MeasureBitmap(const ComPtr<IBitmap>& bitmap) {
     LONG width = 0, height = 0;
     Check(bitmap->get_Width(&width), bitmap);
     Check(bitmap->get_Height(&height), bitmap);
     BinaryMeasurements out;
     uint64_t xSum = 0, ySum = 0;
-    const LONG bytes = width / 8 + (width % 8 ? 1 : 0);
+    const size_t bytes = width > 0 ? (static_cast<size_t>(width) + 7) / 8 : 0;
     for (LONG y = 0; y < height && width > 0; ++y) {
         BYTE* row = nullptr;
         Check(bitmap->GetRowPtr(y, &row), bitmap);
         if (!row) throw Error(E_POINTER, "MeasureBitmap: the bitmap has no rows.", {});
         uint64_t inRow = 0;
-        for (LONG i = 0; i < bytes; ++i) {
-            uint32_t byte = row[i];
-            if (i == bytes - 1 && width % 8) byte &= 0xff00u >> (width % 8) & 0xffu;  // padding bits may be set
-            if (byte == 0) continue;
-            inRow += static_cast<uint64_t>(std::popcount(byte));
-            for (; byte; byte &= byte - 1)  // bit 7 is the leftmost pixel
-                xSum += static_cast<uint64_t>(8 * int64_t{i} + 7 - std::countr_zero(byte));
+        const auto add = [&](size_t i, unsigned byte) {
+            const implementation::ByteBits bits = implementation::kByteBits[byte];
+            inRow += bits.count;
+            xSum += uint64_t{8 * i} * bits.count + bits.columns;
+        };
+        const size_t whole = width % 8 ? bytes - 1 : bytes;
+        size_t i = 0;
+        for (; i + 8 <= whole; i += 8) {
+            uint64_t word = 0;
+            std::memcpy(&word, row + i, 8);
+            if (word == 0) continue;
+            if (word == ~uint64_t{0}) {
+                inRow += 64;
+                xSum += uint64_t{8 * i} * 64 + 63 * 64 / 2;
+            } else {
+                for (size_t k = i; k < i + 8; ++k) add(k, row[k]);
+            }
         }
+        for (; i < whole; ++i) add(i, row[i]);
+        if (whole < bytes) add(whole, row[whole] & 0xff00u >> (width % 8) & 0xffu);  // padding bits may be set
         out.pixelCount += static_cast<int64_t>(inRow);
         ySum += inRow * static_cast<uint64_t>(y);
     }

@@ -30,6 +30,21 @@ TEST(MeasureBitmap, CountsBitsAndNotTheirPadding) {
         EXPECT_EQ(25 / 4.0, measurements.xCentroid);
         EXPECT_EQ(1, measurements.yCentroid);
     }
+    // Words of 64 pixels, empty, full and mixed.
+    for (const LONG width : {64, 131, 200}) {
+        const auto bitmap = Cast<IBitmap>(NewBitmap(width, 3));
+        int64_t count = 0, xSum = 0, ySum = 0;
+        for (LONG y = 0; y < 3; ++y)
+            for (LONG x = 0; x < width; ++x)
+                if (y == 0 ? x >= 64 : y == 2 && x * x % 7 < 3) {
+                    Check(bitmap->put_Bit(x, y, 1), bitmap);
+                    ++count, xSum += x, ySum += y;
+                }
+        const BinaryMeasurements measurements = MeasureBitmap(bitmap);
+        EXPECT_EQ(count, measurements.pixelCount);
+        EXPECT_EQ(static_cast<double>(xSum) / static_cast<double>(count), measurements.xCentroid);
+        EXPECT_EQ(static_cast<double>(ySum) / static_cast<double>(count), measurements.yCentroid);
+    }
 }
 
 TEST(RegroupedHistogram, AddsEqualNumbersOfNeighbours) {

@@ -161,9 +161,14 @@ std::string WhyWritingFailed(const std::filesystem::path& path) {
 
 std::string ReadFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
+    const bool opened = file.is_open();
     std::string content;
-    if (file) content.assign(std::istreambuf_iterator<char>(file), {});
-    if (!file || file.bad()) {
+    for (size_t size = 0; opened && file; content.resize(size)) {
+        content.resize(2 * size + 0x10000);
+        file.read(content.data() + size, static_cast<std::streamsize>(content.size() - size));
+        size += static_cast<size_t>(file.gcount());
+    }
+    if (!opened || file.bad()) {
         const std::string reason = WhyNotRead(path);
         throw std::runtime_error("cannot read " + Utf8(path) + (reason.empty() ? "" : ": " + reason));
     }
