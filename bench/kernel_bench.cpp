@@ -134,17 +134,17 @@ void RegisterType() {
 template <class T>
 void RegisterCorrections() {
     const CorrectionParameters<T> parameters{0, static_cast<T>(std::is_same_v<T, uint16_t> ? 65535 : 255), 0.5};
-    const RowPolynomial bicubic = {{-12.3, 0.0101234, 3e-6, -1e-9}};
     if constexpr (std::is_same_v<T, uint8_t>) {
         for (const auto& variant : SupportedOnThisCpu(kCorrectRow))
-            for (const auto& [name, row] : {std::pair{"correct plane", RowPolynomial{{-12.3, 0.0101234, 0, 0}}},
-                                            std::pair{"correct bicubic", bicubic}})
-                Register<T>(name, variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {
-                    const auto size = static_cast<size_t>(std::sqrt(static_cast<double>(pixels.size())));
-                    for (auto _ : state)
-                        for (size_t i = 0; i < pixels.size(); i += size)
-                            variant.fn(pixels.data() + i, size, 0.0, row, parameters);
-                });
+            for (const bool cubic : {false, true})
+                Register<T>(cubic ? "correct bicubic" : "correct plane", variant.name,
+                            [=](benchmark::State& state, std::vector<T>& pixels) {
+                                const RowPolynomial row = {{-12.3, 0.0101234, cubic ? 3e-6 : 0, cubic ? -1e-9 : 0}};
+                                const auto size = static_cast<size_t>(std::sqrt(static_cast<double>(pixels.size())));
+                                for (auto _ : state)
+                                    for (size_t i = 0; i < pixels.size(); i += size)
+                                        variant.fn(pixels.data() + i, size, 0.0, row, parameters);
+                            });
     } else {
         for (const auto& variant : SupportedOnThisCpu(kCorrect<T>))
             Register<T>("correct", variant.name, [=](benchmark::State& state, std::vector<T>& pixels) {

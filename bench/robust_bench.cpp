@@ -24,9 +24,10 @@ namespace {
 
 struct Plane {
     double slope, height;
-    void Values(int32_t x, int32_t, size_t n, double* values) const {
+    RowPolynomial Row(int32_t) const { return {{height, slope}}; }
+    void Values(int32_t x, int32_t y, size_t n, double* values) const {
         static const ShiftsFn row = Choose(kShifts);
-        row(values, n, x, {{height, slope}});
+        row(values, n, x, Row(y));
     }
 };
 

@@ -22,13 +22,12 @@ public:
 
     const SurfacePolynomial& polynomial() const { return polynomial_; }
 
-    void Values(int32_t x, int32_t y, size_t n, double* values) const {
+    RowPolynomial Row(int32_t y) const {
         const auto& k = polynomial_.k;
         const double v = y;
-        const RowPolynomial row = {
-            {k[0] + v * (k[1] + v * (k[3] + v * k[6])), k[2] + v * (k[4] + v * k[7]), k[5] + v * k[8], k[9]}};
-        row_(values, n, x, row);
+        return {{k[0] + v * (k[1] + v * (k[3] + v * k[6])), k[2] + v * (k[4] + v * k[7]), k[5] + v * k[8], k[9]}};
     }
+    void Values(int32_t x, int32_t y, size_t n, double* values) const { row_(values, n, x, Row(y)); }
 
 private:
     SurfacePolynomial polynomial_;

@@ -15,6 +15,7 @@
 #include "fits/hemisphere_kernels.hpp"
 #include "fits/hemisphere_sums_kernels.hpp"
 #include "fits/moments_kernels.hpp"
+#include "fits/quick_sums_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
 #include "geometry/outline_kernels.hpp"
 #include "measure/counting_kernels.hpp"
@@ -106,6 +107,9 @@ std::vector<KernelInUse> Collect() {
                        {"hemisphere sums", ChosenVariant(kAlgebraicSums).name},
                        {"hemisphere residuals", ChosenVariant(kRestSums).name},
                        {"tilted hemisphere sums", ChosenVariant(kCapSums).name},
+                       {"robust score, quick, 8 bits", ChosenVariant(kQuickSums<uint8_t>).name},
+                       {"robust score, quick, 16 bits", ChosenVariant(kQuickSums<uint16_t>).name},
+                       {"robust score, quick, float", ChosenVariant(kQuickSums<float>).name},
                        {"robust score, 8 bits", ChosenVariant(kClippedSquares<uint8_t>).name},
                        {"robust score, selection, 8 bits", ChosenVariant(kDivideSquares<uint8_t>).name},
                        {"robust score, 16 bits", ChosenVariant(kClippedSquares<uint16_t>).name},

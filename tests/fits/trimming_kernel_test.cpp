@@ -2,9 +2,12 @@
 
 #include "fits/hemisphere_kernels.hpp"
 #include "fits/hemisphere_sums_kernels.hpp"
+#include "fits/quick_sums_kernels.hpp"
+#include "fits/trimmed_score.hpp"
 #include "fits/trimming_kernels.hpp"
 
 #include "support/kernel_testing.hpp"
+#include "support/region_picture.hpp"
 #include "support/special_numbers.hpp"
 
 namespace orlix {
@@ -57,6 +60,52 @@ TYPED_TEST(Trimming, EveryVariantEqualsTheDefinition) {
                         });
             }
         }
+}
+
+template <class T>
+class QuickSumming : public testing::Test {};
+using QuickTypes = testing::Types<uint8_t, uint16_t, float>;
+TYPED_TEST_SUITE(QuickSumming, QuickTypes, );
+
+TYPED_TEST(QuickSumming, EveryVariantEqualsTheDefinition) {
+    const QuickRow rows[] = {
+        {{128, 0.25f, 0, 0}, -511.5f}, {{9.1f, 0.3f, 1e-3f, 0}, 3}, {{9.1f, 0, 0, -1e-6f}, -511.5f}};
+    for (const QuickRow& row : rows)
+        for (const size_t n : kAwkwardSizes)
+            for (const float most : {1e-3f, 30.0f, 1e9f}) {
+                const std::vector<TypeParam> pixels = Noise<TypeParam>(n, static_cast<uint32_t>(n));
+                ExpectTheDefinition(kQuickSums<TypeParam>, std::vector<float>(32, 1.5f), [&](auto add, float* to) {
+                    QuickSums sums;
+                    std::copy_n(to, 32, sums.lane);
+                    add(pixels.data(), n, row, most, sums);
+                    std::copy_n(sums.lane, 32, to);
+                });
+            }
+}
+
+// A surface without a slope.
+struct Level {
+    double height;
+    RowPolynomial Row(int32_t) const { return {{height}}; }
+    void Values(int32_t, int32_t, size_t n, double* values) const { std::fill_n(values, n, height); }
+};
+
+// Squares of few sizes and all pixels good: the bound is as good as the score. At 10100 floats are 0.001 apart; a
+// surface that wins by 1e-9 must not lose because single precision takes it for another.
+TEST(TrimmedScore, SinglePrecisionDecidesOnlyWhatItCan) {
+    const RegionPicture<uint16_t> picture(300, 200,
+                                          [](int x, int y) { return 10100 + (x + y) % 2 + (x % 64 == 0 ? 3 : 0); });
+    const RegionPixels<uint16_t> region = picture.region();
+    for (int k = 0; k < 50; ++k) {
+        const double height = 10100.8 + 0.00137 * k;
+        TrimmedScore<uint16_t, Level> score(region, region.count());
+        EXPECT_TRUE(score.Improves({height}));
+        EXPECT_TRUE(score.Improves({height - 1e-9})) << k;
+        EXPECT_FALSE(score.Improves({height})) << k;
+        const int64_t before = score.visits();
+        EXPECT_FALSE(score.Improves({height + 1})) << k;
+        EXPECT_LT(score.visits() - before, region.count() / 2);
+    }
 }
 
 // Residuals 0, 1, 2, 3, -1, NaN.

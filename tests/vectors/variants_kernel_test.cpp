@@ -58,7 +58,8 @@ std::set<std::string> KernelNames() {
         {"8 bits", "16 bits", "32 bits", "float"});
     add({"divide", "display levels"}, {"16 bits", "32 bits", "float"});
     add({"histogram"}, {"32 bits", "float"});
-    add({"add image", "Gaussian 3x3", "Gaussian 5x5", "Laplacian", "low sharpening", "medium sharpening", "Sobel"},
+    add({"robust score, quick", "add image", "Gaussian 3x3", "Gaussian 5x5", "Laplacian", "low sharpening",
+         "medium sharpening", "Sobel"},
         {"8 bits", "16 bits", "float"});
     add({"picture"}, {"greys", "colour table", "colours of planes", "greys of some columns",
                       "colour table of some columns", "pixels of some columns", "rows", "interpolation", "averages"});
