@@ -103,10 +103,10 @@ private:
     z_stream stream_ = NewZlibStream();
 };
 
-// How rows are filtered and compressed. Measured on micrographs: the noise that is left once each row has its best filter
-// holds runs but hardly any matches, whose search takes three times as long and makes the file larger. Height maps that
-// use few of their levels keep their repetitions without a filter, or with one for all rows, as drawings and label
-// images do, and pictures with three channels of nearly the same grey.
+// How rows are filtered and compressed. Measured on micrographs: the noise that is left once each row has its best
+// filter holds runs but hardly any matches, whose search takes three times as long and makes the file larger. Height
+// maps that use few of their levels keep their repetitions without a filter, or with one for all rows, as drawings and
+// label images do, and pictures with three channels of nearly the same grey.
 struct Method {
     int filter;  // one for all rows, or kBestFilter
     int level, strategy;

@@ -1,5 +1,6 @@
 // Convex hull and diameter.
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <unordered_map>
@@ -12,47 +13,24 @@ namespace {
 
 // A polygon of up to eight extreme vertices: those farthest left, right, up, down and along the diagonals. A vertex
 // well inside it is no corner of the hull.
-class Inner {
-public:
-    explicit Inner(Outline outline) {
-        const auto key = [](const Point& p, int direction) {
-            const double keys[] = {p.y, p.y - p.x, -p.x, -p.x - p.y, -p.y, p.x - p.y, p.x, p.x + p.y};
-            return keys[direction];
-        };
-        const Point* farthest[8] = {};
-        for (const Point& p : outline) {
-            if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
-            for (int k = 0; k < 8; ++k)
-                if (!farthest[k] || key(p, k) > key(*farthest[k], k)) farthest[k] = &p;
-        }
-        if (!farthest[0]) return;
-        const double size = std::max(farthest[6]->x - farthest[2]->x, farthest[0]->y - farthest[4]->y);
-        // A cross product of differences has a rounding error below 1e-15 of the square.
-        margin_ = 1e-12 * size * size;
-        if (!std::isnormal(margin_)) return;
-        for (int k = 0; k < 8; ++k) {
-            const Point &a = *farthest[k], &b = *farthest[(k + 1) % 8];
-            if (!(a == b)) edges_[count_++] = {a, {b.x - a.x, b.y - a.y}};
-        }
+InnerPolygon InnerOf(Outline outline, const OutlineKernels& kernels) {
+    InnerPolygon inner;
+    int64_t indices[8];
+    kernels.farthest(outline.data(), outline.size(), indices);
+    if (*std::min_element(indices, indices + 8) < 0) return inner;
+    const auto vertex = [&](int k) -> const Point& { return outline[static_cast<size_t>(indices[k % 8])]; };
+    const double size = std::max(vertex(6).x - vertex(2).x, vertex(0).y - vertex(4).y);
+    // A cross product of differences has a rounding error below 1e-15 of the square.
+    inner.margin = 1e-12 * size * size;
+    if (!std::isnormal(inner.margin)) return inner;
+    for (int k = 0; k < 8; ++k) {
+        const Point &a = vertex(k), &b = vertex(k + 1);
+        if (a == b) continue;
+        inner.from[inner.edges] = a;
+        inner.along[inner.edges++] = {b.x - a.x, b.y - a.y};
     }
-
-    bool Holds(const Point& p) const {
-        if (count_ == 0) return false;
-        for (int k = 0; k < count_; ++k) {
-            const Edge& edge = edges_[k];
-            if (!(edge.along.y * (p.x - edge.from.x) - edge.along.x * (p.y - edge.from.y) < -margin_)) return false;
-        }
-        return true;
-    }
-
-private:
-    struct Edge {
-        Point from, along;
-    };
-    Edge edges_[8];
-    int count_ = 0;
-    double margin_ = 0;
-};
+    return inner;
+}
 
 struct Vertex {
     Point p;
@@ -61,48 +39,61 @@ struct Vertex {
 
 // The vertices that may be corners: all finite ones except those well inside.
 std::vector<Vertex> OuterVertices(Outline outline) {
-    const Inner inner(outline);
+    const OutlineKernels& kernels = *Choose(kOutlineKernels);
+    const InnerPolygon inner = InnerOf(outline, kernels);
     std::vector<Vertex> vertices;
-    for (size_t i = 0; i < outline.size(); ++i) {
-        const Point& p = outline[i];
-        if (std::isfinite(p.x) && std::isfinite(p.y) && !inner.Holds(p))
-            vertices.push_back({p, static_cast<uint32_t>(i)});
+    vertices.reserve(std::min<size_t>(outline.size(), 256));
+    for (size_t start = 0; start < outline.size(); start += 64) {
+        uint64_t outside = kernels.outside(&outline[start], std::min<size_t>(outline.size() - start, 64), inner);
+        for (; outside != 0; outside &= outside - 1) {
+            const size_t i = start + static_cast<size_t>(std::countr_zero(outside));
+            vertices.push_back({outline[i], static_cast<uint32_t>(i)});
+        }
     }
     return vertices;
 }
 
 // From bottom to top, from right to left, equal ones by their index. Outlines mostly consist of a few stretches that go
-// up or down; these are merged.
+// up or down, with several vertices in a row if they follow pixels; these are merged.
 void SortUpwards(std::vector<Vertex>& vertices) {
+    const auto isLower = [](const Vertex& a, const Vertex& b) { return a.p.y > b.p.y; };
+    const auto isHigher = [](const Vertex& a, const Vertex& b) { return a.p.y < b.p.y; };
     const auto before = [](const Vertex& a, const Vertex& b) {
         if (a.p.y != b.p.y) return a.p.y > b.p.y;
         return a.p.x != b.p.x ? a.p.x > b.p.x : a.index < b.index;
     };
-    constexpr size_t kMostStretches = 16;
+    constexpr size_t kMostStretches = 64;
     std::vector<std::vector<Vertex>::iterator> ends = {vertices.begin()};
     while (ends.back() != vertices.end() && ends.size() <= kMostStretches) {
         const auto first = ends.back();
-        auto next = std::is_sorted_until(first, vertices.end(), before);
-        if (next == first + 1) {
-            next = std::is_sorted_until(first, vertices.end(),
-                                        [&](const Vertex& a, const Vertex& b) { return before(b, a); });
-            std::reverse(first, next);
-        }
-        ends.push_back(next);
+        const auto up = std::is_sorted_until(first, vertices.end(), isLower);
+        const auto down = std::is_sorted_until(first, vertices.end(), isHigher);
+        if (down > up) std::reverse(first, down);
+        ends.push_back(std::max(up, down));
     }
     if (ends.back() != vertices.end()) return std::sort(vertices.begin(), vertices.end(), before);
     for (size_t step = 1; step + 1 < ends.size(); step *= 2)
         for (size_t k = 0; k + step < ends.size() - 1; k += 2 * step)
-            std::inplace_merge(ends[k], ends[k + step], ends[std::min(k + 2 * step, ends.size() - 1)], before);
+            std::inplace_merge(ends[k], ends[k + step], ends[std::min(k + 2 * step, ends.size() - 1)], isLower);
+    for (auto first = vertices.begin(); first != vertices.end();) {
+        const auto end = std::find_if(first + 1, vertices.end(), [&](const Vertex& v) { return v.p.y != first->p.y; });
+        if (!std::is_sorted(first, end, before)) std::sort(first, end, before);
+        first = end;
+    }
 }
 
-// The corners of the hull, from the lowest one (of several the one farthest right) over the right side to the top and
-// back over the left. Of several vertices in one place it is the first. (Andrew 1979)
-std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
+std::vector<Vertex> EachPlaceOnce(std::vector<Vertex> vertices) {
     SortUpwards(vertices);
     const auto end =
         std::unique(vertices.begin(), vertices.end(), [](const Vertex& a, const Vertex& b) { return a.p == b.p; });
     vertices.erase(end, vertices.end());
+    return vertices;
+}
+
+// The corners of the hull, from the lowest one (of several the one farthest right) over the right side to the top and
+// back over the left. Of several vertices in one place it is the first. (Andrew 1979)
+std::vector<Vertex> CornersOf(std::vector<Vertex> all) {
+    std::vector<Vertex> vertices = EachPlaceOnce(std::move(all));
     if (vertices.size() < 3) return vertices;
 
     std::vector<Vertex> corners;
@@ -119,15 +110,41 @@ std::vector<Vertex> CornersOf(std::vector<Vertex> vertices) {
     return corners;
 }
 
+constexpr std::pair<int, int> kNeighbours[] = {{0, 0},   {-1, 0}, {1, 0},  {0, -1}, {0, 1},
+                                               {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
+
+// The vertices in the cells of the corners and those around them, with one in thirty of the others: a bit tells whether
+// one of the cells that share it is such a cell. (Bloom 1970)
+template <class KeyOf>
+std::vector<Vertex> NearCells(const std::vector<Vertex>& vertices, const std::vector<Vertex>& corners,
+                              const KeyOf& keyOf) {
+    const int logarithm = static_cast<int>(std::bit_width(corners.size())) + 8;
+    std::vector<uint64_t> marks(size_t{1} << (logarithm - 6), 0);
+    const auto place = [&](int64_t key) {
+        return static_cast<size_t>(static_cast<uint64_t>(key) * 0x9e3779b97f4a7c15 >> (64 - logarithm));
+    };
+    for (const Vertex& corner : corners)
+        for (const auto& [right, down] : kNeighbours) {
+            const size_t bit = place(keyOf(corner.p, right, down));
+            marks[bit / 64] |= uint64_t{1} << bit % 64;
+        }
+    std::vector<Vertex> found;
+    for (const Vertex& vertex : vertices) {
+        const size_t bit = place(keyOf(vertex.p, 0, 0));
+        if (marks[bit / 64] >> bit % 64 & 1) found.push_back(vertex);
+    }
+    return found;
+}
+
 // Vertices that can be an end of the diameter, in hull order, each position once.
 //
 // Distances are rounded and the first of equal distances wins, so a pair within rounding of the largest distance M may
 // win although its vertices are no corners. But each of them is close to a corner: the line from one vertex through the
 // other leaves the hull at once, through an edge whose ends are both within M of the first vertex; the point where it
 // leaves is less than 1.5e-7 M from one of these ends.
-std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std::vector<Vertex>& corners,
-                                 double extent) {
-    if (corners.size() == vertices.size()) return corners;
+std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& all, const std::vector<Vertex>& corners, double extent) {
+    if (corners.size() == all.size()) return corners;
+    if (extent < 1e-290) return EachPlaceOnce(all);  // a cell would have no size
 
     const double cell = 3e-7 * extent;  // M is at most 1.42 times the extent
     Point origin = corners[0].p;
@@ -137,11 +154,13 @@ std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& vertices, const std:
         const auto row = static_cast<int64_t>((p.y - origin.y) / cell) + down;
         return column * 0x100000000 + row;  // both are below 2^24
     };
+    const std::vector<Vertex> vertices = NearCells(all, corners, keyOf);
+    if (vertices.size() == corners.size()) return corners;
+
     std::unordered_map<int64_t, std::vector<Vertex>> cells;
     for (const Vertex& corner : corners) cells[keyOf(corner.p, 0, 0)];
     for (const Vertex& vertex : vertices)
-        for (const auto& [right, down] :
-             {std::pair{0, 0}, {-1, 0}, {1, 0}, {0, -1}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}})
+        for (const auto& [right, down] : kNeighbours)
             if (const auto found = cells.find(keyOf(vertex.p, right, down)); found != cells.end()) {
                 found->second.push_back(vertex);
                 break;
@@ -172,7 +191,7 @@ public:
         bulge_.resize(2 * size);
         BuildBulge(1, 0, vertices_.size());
         const Row all = {1, 0, vertices_.size()};
-        Search(all, all);
+        Search(all, all, Bound(all, all));
     }
     const Diameter& result() const { return best_; }
 
@@ -210,7 +229,8 @@ private:
         const auto largest = [&](const auto& distance) {
             return std::max(std::max(distance(a1, b1), distance(a1, b2)), std::max(distance(a2, b1), distance(a2, b2)));
         };
-        const double ends = squares_ ? std::sqrt(largest(&SquareOf)) : largest(&Distance);
+        const double ends = squares_ ? std::sqrt(largest([](const Point& p, const Point& q) { return SquareOf(p, q); }))
+                                     : largest([](const Point& p, const Point& q) { return Distance(p, q); });
         return (ends + bulge_[a.node] + bulge_[b.node]) * (1 + kRounding);
     }
     static double SquareOf(const Point& a, const Point& b) {
@@ -218,15 +238,14 @@ private:
         return x * x + y * y;
     }
 
-    void Search(const Row& a, const Row& b) {
-        if (Bound(a, b) < best_.length) return;
+    void Search(const Row& a, const Row& b, double bound) {
+        if (bound < best_.length) return;
         if (a.isLeaf() && b.isLeaf()) {
             for (size_t i = a.first; i < a.end; ++i)
                 for (size_t j = b.first; j < b.end; ++j) Try(vertices_[i], vertices_[j]);
         } else if (a.node == b.node) {
-            Search(a.Half(0), a.Half(1));
-            Search(a.Half(0), a.Half(0));
-            Search(a.Half(1), a.Half(1));
+            for (const auto& [one, other] : {std::pair{0, 1}, {0, 0}, {1, 1}})
+                Search(a.Half(one), a.Half(other), Bound(a.Half(one), a.Half(other)));
         } else if (b.isLeaf() || (!a.isLeaf() && a.end - a.first >= b.end - b.first)) {
             SearchBetter(a.Half(0), b, a.Half(1), b);
         } else {
@@ -235,9 +254,10 @@ private:
     }
     // The more promising pair first.
     void SearchBetter(const Row& a, const Row& b, const Row& c, const Row& d) {
-        const bool firstIsBetter = Bound(a, b) >= Bound(c, d);
-        Search(firstIsBetter ? a : c, firstIsBetter ? b : d);
-        Search(firstIsBetter ? c : a, firstIsBetter ? d : b);
+        const double first = Bound(a, b), second = Bound(c, d);
+        if (first >= second) Search(a, b, first);
+        Search(c, d, second);
+        if (first < second) Search(a, b, first);
     }
 
     void Try(const Vertex& a, const Vertex& b) {
@@ -248,11 +268,12 @@ private:
         if (length > best_.length || i < best_.i || (i == best_.i && j < best_.j)) best_ = {i, j, length};
     }
 
-    static double DistanceToSegment(const Point& p, const Point& a, const Point& b) {
+    double DistanceToSegment(const Point& p, const Point& a, const Point& b) const {
         const double x = b.x - a.x, y = b.y - a.y, square = x * x + y * y, px = p.x - a.x, py = p.y - a.y;
         double t = square > 0 ? (px * x + py * y) / square : 0;
         t = t > 0 ? std::min(t, 1.0) : 0.0;
-        return Hypotenuse(px - t * x, py - t * y);
+        const double dx = px - t * x, dy = py - t * y;
+        return squares_ ? std::sqrt(dx * dx + dy * dy) : Hypotenuse(dx, dy);
     }
 
     std::vector<Vertex> vertices_;

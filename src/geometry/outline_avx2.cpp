@@ -31,6 +31,9 @@ struct Avx2Doubles {
     ORLIX_INLINE static Vector And(const Vector& a, const Vector& b) { return _mm256_and_pd(a, b); }
     ORLIX_INLINE static Vector Or(const Vector& a, const Vector& b) { return _mm256_or_pd(a, b); }
     ORLIX_INLINE static Vector AndNot(const Vector& a, const Vector& b) { return _mm256_andnot_pd(b, a); }
+    ORLIX_INLINE static Vector Select(const Vector& mask, const Vector& a, const Vector& b) {
+        return _mm256_blendv_pd(b, a, mask);
+    }
     ORLIX_INLINE static unsigned Bits(const Vector& v) { return static_cast<unsigned>(_mm256_movemask_pd(v)); }
     ORLIX_INLINE static Vector Missing(const Vector& a, const Vector& b, const Vector& product) {
         return _mm256_fmsub_pd(a, b, product);

@@ -36,6 +36,9 @@ struct Avx512Doubles {
     ORLIX_INLINE static Vector And(const Vector& a, const Vector& b) { return _mm512_and_pd(a, b); }
     ORLIX_INLINE static Vector Or(const Vector& a, const Vector& b) { return _mm512_or_pd(a, b); }
     ORLIX_INLINE static Vector AndNot(const Vector& a, const Vector& b) { return _mm512_andnot_pd(b, a); }
+    ORLIX_INLINE static Vector Select(const Vector& mask, const Vector& a, const Vector& b) {
+        return _mm512_mask_blend_pd(_mm512_movepi64_mask(_mm512_castpd_si512(mask)), b, a);
+    }
     ORLIX_INLINE static unsigned Bits(const Vector& v) { return _mm512_movepi64_mask(_mm512_castpd_si512(v)); }
     ORLIX_INLINE static Vector Missing(const Vector& a, const Vector& b, const Vector& product) {
         return _mm512_fmsub_pd(a, b, product);

@@ -37,6 +37,13 @@ struct Turns {
     bool areFinite;  // otherwise a vertex before the last is not finite and the count means nothing
 };
 
+// A convex polygon of up to eight vertices. None of them: nothing is inside.
+struct InnerPolygon {
+    Point from[8], along[8];
+    int edges = 0;
+    double margin = 0;
+};
+
 // A path is n edges between n + 1 vertices.
 struct OutlineKernels {
     // Adds the lengths of the edges by Distance() to the sum, one after the other.
@@ -50,6 +57,10 @@ struct OutlineKernels {
     Turns (*turns)(const Point* path, size_t n, const Point& from);
     // See BoundsOf(). A bound of 0 may have either sign.
     Bounds (*bounds)(const Point* vertices, size_t n);
+    // Indices of finite vertices with the largest y, y - x, -x, -x - y, -y, x - y, x, and x + y; -1 for none.
+    void (*farthest)(const Point* vertices, size_t n, int64_t (&indices)[8]);
+    // Bit i, for n <= 64: vertex i is finite, and not inside the polygon by cross products that exceed the margin.
+    uint64_t (*outside)(const Point* vertices, size_t n, const InnerPolygon& polygon);
 };
 
 constexpr size_t kCrossed = 256;
@@ -77,6 +88,14 @@ ORLIX_INLINE double RoughSquare(const Edge& edge, const Point& p) {
     const bool afterFirst = along > 0;
     const double x = afterFirst ? bx : ax, y = afterFirst ? by : ay;
     return afterFirst && along < edge.square ? cross * cross * edge.perSquare : x * x + y * y;
+}
+
+ORLIX_INLINE bool IsOutside(const InnerPolygon& polygon, const Point& p) {
+    for (int k = 0; k < polygon.edges; ++k) {
+        const Point &from = polygon.from[k], &along = polygon.along[k];
+        if (!(along.y * (p.x - from.x) - along.x * (p.y - from.y) < -polygon.margin)) return true;
+    }
+    return polygon.edges == 0;
 }
 
 ORLIX_INLINE bool HasNegativeAngle(const Point& p, const Point& from) { return p.y < from.y; }

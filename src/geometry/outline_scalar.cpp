@@ -73,6 +73,33 @@ Bounds BoundsOf(const Point* vertices, size_t n) {
     return bounds;
 }
 
+bool IsFinite(const Point& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+void Farthest(const Point* vertices, size_t n, int64_t (&indices)[8]) {
+    double largest[8];
+    for (int k = 0; k < 8; ++k) {
+        indices[k] = -1;
+        largest[k] = -std::numeric_limits<double>::infinity();
+    }
+    for (size_t i = 0; i < n; ++i) {
+        const Point& p = vertices[i];
+        if (!IsFinite(p)) continue;
+        const double keys[] = {p.y, p.y - p.x, -p.x, -p.x - p.y, -p.y, p.x - p.y, p.x, p.x + p.y};
+        for (int k = 0; k < 8; ++k)
+            if (keys[k] > largest[k]) {
+                largest[k] = keys[k];
+                indices[k] = static_cast<int64_t>(i);
+            }
+    }
+}
+
+uint64_t Outside(const Point* vertices, size_t n, const InnerPolygon& polygon) {
+    uint64_t bits = 0;
+    for (size_t i = 0; i < n; ++i)
+        if (IsFinite(vertices[i]) && IsOutside(polygon, vertices[i])) bits |= uint64_t{1} << i;
+    return bits;
+}
+
 }  // namespace
 
 CrossSums Together(CrossSums sums, const double* high, const double* low, const double* most, size_t lanes) {
@@ -83,6 +110,7 @@ CrossSums Together(CrossSums sums, const double* high, const double* low, const 
     return sums;
 }
 
-const OutlineKernels kOutline_scalar = {&PathLength, &Sum, &RoughSquares, &SquaresFrom, &CountTurns, &BoundsOf};
+const OutlineKernels kOutline_scalar = {&PathLength, &Sum,      &RoughSquares, &SquaresFrom,
+                                        &CountTurns, &BoundsOf, &Farthest,     &Outside};
 
 }  // namespace orlix

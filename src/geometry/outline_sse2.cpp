@@ -30,6 +30,9 @@ struct Sse2Doubles {
     ORLIX_INLINE static Vector And(const Vector& a, const Vector& b) { return _mm_and_pd(a, b); }
     ORLIX_INLINE static Vector Or(const Vector& a, const Vector& b) { return _mm_or_pd(a, b); }
     ORLIX_INLINE static Vector AndNot(const Vector& a, const Vector& b) { return _mm_andnot_pd(b, a); }
+    ORLIX_INLINE static Vector Select(const Vector& mask, const Vector& a, const Vector& b) {
+        return Or(And(mask, a), AndNot(b, mask));
+    }
     ORLIX_INLINE static unsigned Bits(const Vector& v) { return static_cast<unsigned>(_mm_movemask_pd(v)); }
     // From the upper 26 and the lower 27 bits: only the product of the lower ones may be rounded.
     ORLIX_INLINE static Vector Missing(const Vector& a, const Vector& b, const Vector& product) {

@@ -13,6 +13,7 @@
 //     static Vector IsNan(v);
 //     static Vector And(a, b), Or(a, b);          of bits
 //     static Vector AndNot(a, b);                 the bits of a that b has not
+//     static Vector Select(mask, a, b);           a where the mask has all bits, b where it has none
 //     static unsigned Bits(v);                    the sign bits of the lanes
 //     static Vector Missing(a, b, product);       a b - product, where product is a b rounded: within 2^-105 |a b|
 //
@@ -95,8 +96,8 @@ struct OutlineVectors {
             const Vector afterFirst = Lanes::Less(Lanes::Zero(), along);
             const Vector inside = Lanes::And(afterFirst, Lanes::Less(along, square));
             const Vector fromFirst = ax * ax + ay * ay, fromLast = bx * bx + by * by;
-            const Vector fromEnd = Select(afterFirst, fromLast, fromFirst);
-            const Vector rough = Select(inside, cross * cross * perSquare, fromEnd);
+            const Vector fromEnd = Lanes::Select(afterFirst, fromLast, fromFirst);
+            const Vector rough = Lanes::Select(inside, cross * cross * perSquare, fromEnd);
             Lanes::StoreInOrder(squares + i, rough);
             largest = Lanes::Max(rough, largest);
         };
@@ -182,12 +183,73 @@ struct OutlineVectors {
         return bounds;
     }
 
-    static constexpr OutlineKernels kAll = {&PathLength, &Sum, &RoughSquares, &SquaresFrom, &CountTurns, &BoundsOf};
+    static void Farthest(const Point* vertices, size_t n, int64_t (&indices)[8]) {
+        if (n < kLanes) return kOutline_scalar.farthest(vertices, n, indices);
+        Vector largest[8], places[8];  // places: the step, which is a small whole number
+        for (int k = 0; k < 8; ++k) {
+            largest[k] = Lanes::All(-kInfinite);
+            places[k] = Lanes::All(-1);
+        }
+        const Vector one = Lanes::All(1), zero = Lanes::Zero();
+        Vector step = zero;
+        const auto take = [&](const Point* p) {
+            Vector x, y;
+            Lanes::Split(p, x, y);
+            const Vector odd = (x - x) + (y - y);  // NaN unless the vertex is finite
+            x = x + odd;
+            y = y + odd;
+            const Vector sum = x + y, difference = x - y;
+            const Vector keys[] = {y, zero - difference, zero - x, zero - sum, zero - y, difference, x, sum};
+            for (int k = 0; k < 8; ++k) {
+                places[k] = Lanes::Select(Lanes::Less(largest[k], keys[k]), step, places[k]);
+                largest[k] = Lanes::Max(keys[k], largest[k]);
+            }
+            step = step + one;
+        };
+        size_t steps = 0;
+        for (; (steps + 1) * kLanes <= n; ++steps) take(vertices + steps * kLanes);
+        take(vertices + n - kLanes);
+        for (int k = 0; k < 8; ++k) {
+            double keys[kLanes], found[kLanes];
+            Lanes::StoreInOrder(keys, largest[k]);
+            Lanes::StoreInOrder(found, places[k]);
+            size_t lane = 0;
+            for (size_t i = 1; i < kLanes; ++i) lane = keys[i] > keys[lane] ? i : lane;
+            const auto at = static_cast<int64_t>(found[lane]);
+            const auto last = static_cast<int64_t>(steps), first = static_cast<int64_t>(at == last ? n - kLanes : 0);
+            indices[k] =
+                at < 0 ? -1 : first + (at == last ? 0 : at * static_cast<int64_t>(kLanes)) + static_cast<int64_t>(lane);
+        }
+    }
+
+    static uint64_t Outside(const Point* vertices, size_t n, const InnerPolygon& polygon) {
+        if (n < kLanes) return kOutline_scalar.outside(vertices, n, polygon);
+        const Vector zero = Lanes::Zero(), margin = zero - Lanes::All(polygon.margin);
+        uint64_t bits = 0;
+        const auto take = [&](size_t i) {
+            Vector x, y;
+            Lanes::Split(vertices + i, x, y);
+            const Vector isFinite = Lanes::Equal((x - x) + (y - y), zero);
+            Vector outside = polygon.edges == 0 ? isFinite : zero;
+            for (int k = 0; k < polygon.edges; ++k) {
+                const Point &from = polygon.from[k], &along = polygon.along[k];
+                const Vector cross =
+                    Lanes::All(along.y) * (x - Lanes::All(from.x)) - Lanes::All(along.x) * (y - Lanes::All(from.y));
+                outside = Lanes::Or(outside, Lanes::AndNot(isFinite, Lanes::Less(cross, margin)));
+            }
+            double lanes[kLanes];
+            Lanes::StoreInOrder(lanes, outside);
+            bits |= uint64_t{Lanes::Bits(Lanes::Load(lanes))} << i;
+        };
+        for (size_t i = 0; i + kLanes <= n; i += kLanes) take(i);
+        take(n - kLanes);
+        return bits;
+    }
+
+    static constexpr OutlineKernels kAll = {&PathLength, &Sum,      &RoughSquares, &SquaresFrom,
+                                            &CountTurns, &BoundsOf, &Farthest,     &Outside};
 
 private:
-    ORLIX_INLINE static Vector Select(const Vector& mask, const Vector& a, const Vector& b) {
-        return Lanes::Or(Lanes::And(mask, a), Lanes::AndNot(b, mask));
-    }
     ORLIX_INLINE static double Largest(const Vector& v) {
         double lanes[kLanes];
         Lanes::Store(lanes, v);

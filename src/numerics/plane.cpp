@@ -114,13 +114,10 @@ bool IsExactDifference(double a, double b) {
 
 }  // namespace
 
-int Turn(const Point& a, const Point& b, const Point& c) {
+int TurnWithoutRounding(const Point& a, const Point& b, const Point& c) {
     const double bx = b.x - a.x, by = b.y - a.y, cx = c.x - a.x, cy = c.y - a.y;
     const double left = bx * cy, right = by * cx, turn = left - right;
     const double size = std::fabs(left) + std::fabs(right);
-    // Four roundings of half a unit each, relative to the products; and products too small to have all their bits.
-    constexpr double kRounding = 3.4e-16, kSmall = 1e-280;
-    if (std::fabs(turn) > kRounding * size + kSmall) return SignOf(turn);
     // Pixel coordinates: nothing has been rounded.
     if (size < 0x1p53 && std::trunc(left) == left && std::trunc(right) == right && std::trunc(bx) == bx &&
         std::trunc(by) == by && std::trunc(cx) == cx && std::trunc(cy) == cy && IsExactDifference(b.x, a.x) &&

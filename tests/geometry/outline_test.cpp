@@ -174,6 +174,26 @@ TEST(OutlineKernels, EveryVariantGivesWhatTheDefinitionGives) {
                     const Bounds box = definition.bounds(p, n), same = kernels.bounds(p, n);
                     EXPECT_EQ((std::tuple{box.left, box.top, box.right, box.bottom}),
                               (std::tuple{same.left, same.top, same.right, same.bottom}));
+                    int64_t farthest[8], others[8];
+                    definition.farthest(p, n, farthest);
+                    kernels.farthest(p, n, others);
+                    InnerPolygon inner;
+                    for (size_t k = 0; k < 8; ++k) {
+                        const auto key = [&](int64_t i) {
+                            if (i < 0) return kNaN;
+                            const Point& q = p[static_cast<size_t>(i)];
+                            const double keys[] = {q.y, q.y - q.x, -q.x, -q.x - q.y, -q.y, q.x - q.y, q.x, q.x + q.y};
+                            return keys[k];
+                        };
+                        EXPECT_TRUE(key(farthest[k]) == key(others[k]) || (farthest[k] < 0 && others[k] < 0)) << k;
+                        inner.from[k] = {0.1 * first.x, 0.1 * first.y};
+                        inner.along[k] = {Cos(0.8 * static_cast<double>(k)), Sin(0.8 * static_cast<double>(k))};
+                    }
+                    for (const int edges : {0, 1, 8}) {
+                        inner.edges = edges;
+                        const size_t part = std::min<size_t>(n, 64);
+                        EXPECT_EQ(definition.outside(p, part, inner), kernels.outside(p, part, inner)) << edges;
+                    }
                     const CrossSums sums = kernels.crossSums(p, n - 1);
                     if (!(sums.most < 1e150 && std::fabs(odd) < 1e150)) continue;
                     DoublePair forward = -sums.forward.high, backward = -sums.backward.high;
@@ -255,6 +275,25 @@ TEST(Diameter, IsTheFirstOfEqualPairsAsAllPairsTell) {
         if (outline.size() > 2) outline[outline.size() / 2] = {kNaN, 0};
         ExpectTheDiameter(outline);
     });
+}
+
+// Rows of pixels, up and down in more stretches than are merged, and outlines too small for cells.
+TEST(Diameter, AndHullOfRowsOfPixelsAreWhatAllPairsTell) {
+    std::mt19937 random(14);
+    for (const int teeth : {1, 3, 90})
+        for (const double size : {1.0, 5e-324}) {
+            std::vector<Point> outline;
+            for (int k = 0; k < 4 * teeth; ++k)
+                for (int step = 0; step < 4; ++step) {
+                    const double y = k % 2 ? 3 - step : step, x = k + static_cast<double>(random() % 3);
+                    outline.push_back({x * size, y * size});
+                    outline.push_back({(x + 1) * size, y * size});
+                }
+            ExpectTheDiameter(outline);
+            const std::vector<uint32_t> hull = ConvexHull(outline);
+            for (uint32_t k = 0; size == 1 && teeth < 90 && k < outline.size(); ++k)
+                EXPECT_EQ(IsCorner(outline, k), std::count(hull.begin(), hull.end(), k) == 1) << k;
+        }
 }
 
 // Next to the ends lie vertices that are no corners, yet equally far apart once distances are rounded.
