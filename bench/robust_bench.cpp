@@ -139,6 +139,7 @@ void RegisterType() {
                 const RegionPixels<T> region = scene.region();
                 const double average = AverageOf(region);
                 for (auto _ : state) benchmark::DoNotOptimize(fit(region, average));
+                state.SetItemsProcessed(state.iterations() * int64_t{size} * size);
             });
         };
         const auto hemisphere = [](const RegionPixels<T>& region, double average) {

@@ -28,9 +28,9 @@ namespace orlix {
 //  (3) No surface improves on a score of 0, so the search ends at once when it is reached: for instance for K = 0,
 //      where the first surface wins.
 //  (4) For a small p, N is unbounded. The search also ends when it has computed 2^35 residuals in all, where each trial
-//      counts as 2^15 more, but not before 200 trials; that takes half a minute. A trial that is far from the best
-//      computes few residuals. The worst case is pure noise: 4096 x 4096 pixels of it get 2500 trials, 1024 x 1024
-//      pixels 38000.
+//      counts as 2^15 more, but not before 200 trials; that takes up to half a minute. A trial that is far from the
+//      best computes few residuals. The worst case is pure noise: 4096 x 4096 pixels of it get 2500 trials, 1024 x
+//      1024 pixels 38000.
 //  (5) The average is that of all pixels except NaN and infinite ones.
 // nullopt for fewer than k pixels, and when no trial has found a surface.
 template <class T>

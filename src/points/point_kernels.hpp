@@ -44,7 +44,7 @@ Kernel<PointFn<uint32_t>> Ramp_sse2, Ramp_avx2, Ramp_avx512;
 // twice the digits, so double rounding cannot change a sum or a quotient of floats.
 Kernel<PointFn<float>> Sum_sse2, Sum_avx2, Sum_avx512;
 Kernel<PointFn<float>> Quotient_sse2, Quotient_avx2, Quotient_avx512;
-Kernel<PointFn<uint16_t>> Quotient_avx2, Quotient_avx512;
+Kernel<PointFn<uint16_t>> Quotient_sse2, Quotient_avx2, Quotient_avx512;
 Kernel<PointFn<uint32_t>> Quotient_avx2, Quotient_avx512;
 Kernel<PointFn<uint8_t>> LookUp_avx2, LookUp_avx512;
 
@@ -90,6 +90,13 @@ template <class T>
 inline constexpr Variant<PointFn<T>> kQuotient[] = {
     {"avx512", Cpu::Avx512, &Quotient_avx512},
     {"avx2", Cpu::Avx2, &Quotient_avx2},
+    {"scalar", Cpu::Any, &Quotient_scalar},
+};
+template <>
+inline constexpr Variant<PointFn<uint16_t>> kQuotient<uint16_t>[] = {
+    {"avx512", Cpu::Avx512, &Quotient_avx512},
+    {"avx2", Cpu::Avx2, &Quotient_avx2},
+    {"sse2", Cpu::Sse2, &Quotient_sse2},
     {"scalar", Cpu::Any, &Quotient_scalar},
 };
 template <>

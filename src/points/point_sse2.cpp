@@ -123,4 +123,25 @@ void Quotient_sse2(float* pixels, size_t n, const PointParameters<float>& parame
     Quotient_scalar(pixels + i, n - i, parameters);
 }
 
+void Quotient_sse2(uint16_t* pixels, size_t n, const PointParameters<uint16_t>& parameters) {
+    const __m128d value = _mm_set1_pd(parameters.value), most = _mm_set1_pd(65535.0), half = _mm_set1_pd(0.5);
+    const __m128i zero = _mm_setzero_si128(), about = _mm_set1_epi32(0x8000), turn = _mm_set1_epi16(INT16_MIN);
+    // Two quotients in the low half, minus 2^15 for packing. The maximum is 0 where the quotient is NaN; truncation is
+    // floor from there on.
+    const auto two = [&](__m128i p) {
+        const __m128d q = _mm_div_pd(_mm_cvtepi32_pd(p), value);
+        const __m128d kept = _mm_min_pd(_mm_max_pd(q, _mm_setzero_pd()), most);
+        return _mm_sub_epi32(_mm_cvttpd_epi32(_mm_add_pd(kept, half)), about);
+    };
+    const auto four = [&](__m128i p) { return _mm_unpacklo_epi64(two(p), two(_mm_unpackhi_epi64(p, p))); };
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        __m128i* const at = reinterpret_cast<__m128i*>(pixels + i);
+        const __m128i p = _mm_loadu_si128(at);
+        const __m128i low = four(_mm_unpacklo_epi16(p, zero)), high = four(_mm_unpackhi_epi16(p, zero));
+        _mm_storeu_si128(at, _mm_xor_si128(_mm_packs_epi32(low, high), turn));
+    }
+    Quotient_scalar(pixels + i, n - i, parameters);
+}
+
 }  // namespace orlix
