@@ -36,10 +36,11 @@ ORLIX_INLINE void TermsOf(const RestRow& row, const V& u, const V& z, V (&term)[
     term[RestRow::kQQ] = rq * rq;
 }
 
-// With root = sqrt(1 - q s): phi = s / (1 + root), e = 1 / (2 root), m = s phi / (2 root (1 + root)), all from one
-// quotient. Near the rim, e and m are those at a root of 1 / 64; outside, phi is 1 / q.
+// The first terms, and X. With root = sqrt(1 - q s): phi = s / (1 + root), E = 1 / (2 root), M = s phi / (2 root (1 +
+// root)), all from one quotient. Near the rim, E and M are those at a root of 1 / 64; outside, phi is 1 / q.
+constexpr size_t kCapX = 5, kCapFactors = 6;
 template <class D, class V = typename D::Vector>
-ORLIX_INLINE void TermsOf(const CapRow& row, const V& u, const V& z, V (&term)[CapRow::kTerms]) {
+ORLIX_INLINE void FactorsOf(const CapRow& row, const V& u, const V& z, V (&factor)[kCapFactors]) {
     const V zero = D::All(0.0), one = D::All(1.0);
     const V x = u * D::All(row.perUnit), d = x - D::All(row.a);
     const V s = d * d + D::All(row.squareOfY), square = one - D::All(row.q) * s;
@@ -47,34 +48,30 @@ ORLIX_INLINE void TermsOf(const CapRow& row, const V& u, const V& z, V (&term)[C
     const V steep = D::Larger(root, D::All(1.0 / 64)), twice = steep + steep;
     const V quotient = one / (twice * more);
     const V phi = D::WherePositive(square, s * (twice * quotient), D::All(row.phiOutside));
-    const V e = D::WherePositive(square, more * quotient, zero), eD = e * d;
-    const V m = D::WherePositive(square, s * phi * quotient, D::All(row.mOutside));
-    const V r = ((D::All(row.base) + D::All(row.slope) * x) - D::All(row.c) * phi) - (z - D::All(row.z));
-    term[CapRow::kD] = eD;
-    term[CapRow::kE] = e;
-    term[CapRow::kM] = m;
-    term[CapRow::kPhi] = phi;
-    term[CapRow::kR] = r;
-    term[CapRow::kDD] = eD * eD;
-    term[CapRow::kDE] = eD * e;
-    term[CapRow::kEE] = e * e;
-    term[CapRow::kDM] = eD * m;
-    term[CapRow::kEM] = e * m;
-    term[CapRow::kDPhi] = eD * phi;
-    term[CapRow::kEPhi] = e * phi;
-    term[CapRow::kDX] = eD * x;
-    term[CapRow::kEX] = e * x;
-    term[CapRow::kMM] = m * m;
-    term[CapRow::kMPhi] = m * phi;
-    term[CapRow::kMX] = m * x;
-    term[CapRow::kPhiPhi] = phi * phi;
-    term[CapRow::kPhiX] = phi * x;
-    term[CapRow::kDR] = eD * r;
-    term[CapRow::kER] = e * r;
-    term[CapRow::kMR] = m * r;
-    term[CapRow::kPhiR] = phi * r;
-    term[CapRow::kXR] = x * r;
-    term[CapRow::kRR] = r * r;
+    const V e = D::WherePositive(square, more * quotient, zero);
+    factor[CapRow::kD] = e * d;
+    factor[CapRow::kE] = e;
+    factor[CapRow::kM] = D::WherePositive(square, s * phi * quotient, D::All(row.mOutside));
+    factor[CapRow::kPhi] = phi;
+    factor[CapRow::kR] = ((D::All(row.base) + D::All(row.slope) * x) - D::All(row.c) * phi) - (z - D::All(row.z));
+    factor[kCapX] = x;
+}
+
+// The factors of the terms from kDD on.
+constexpr size_t kCapPairs[][2] = {
+    {CapRow::kD, CapRow::kD},     {CapRow::kD, CapRow::kE},   {CapRow::kE, CapRow::kE},   {CapRow::kD, CapRow::kM},
+    {CapRow::kE, CapRow::kM},     {CapRow::kD, CapRow::kPhi}, {CapRow::kE, CapRow::kPhi}, {CapRow::kD, kCapX},
+    {CapRow::kE, kCapX},          {CapRow::kM, CapRow::kM},   {CapRow::kM, CapRow::kPhi}, {CapRow::kM, kCapX},
+    {CapRow::kPhi, CapRow::kPhi}, {CapRow::kPhi, kCapX},      {CapRow::kD, CapRow::kR},   {CapRow::kE, CapRow::kR},
+    {CapRow::kM, CapRow::kR},     {CapRow::kPhi, CapRow::kR}, {kCapX, CapRow::kR},        {CapRow::kR, CapRow::kR}};
+
+template <class D, class V = typename D::Vector>
+ORLIX_INLINE void TermsOf(const CapRow& row, const V& u, const V& z, V (&term)[CapRow::kTerms]) {
+    V factor[kCapFactors];
+    FactorsOf<D>(row, u, z, factor);
+    for (size_t j = 0; j < CapRow::kDD; ++j) term[j] = factor[j];
+    for (size_t j = CapRow::kDD; j < CapRow::kTerms; ++j)
+        term[j] = factor[kCapPairs[j - CapRow::kDD][0]] * factor[kCapPairs[j - CapRow::kDD][1]];
 }
 
 // Whole groups of eight pixels, with kLanes of them in a vector; returns their number.
@@ -102,6 +99,61 @@ ORLIX_INLINE size_t AddTerms(const Row& row, const double* values, size_t n, dou
     for (size_t k = 0; k < kParts; ++k)
 #pragma GCC unroll 32
         for (size_t j = 0; j < Row::kTerms; ++j) D::Store(sums.lane[j] + k * D::kLanes, sum[k][j]);
+    return i;
+}
+
+// Adds the terms Begin <= j < End of the pixels to the lanes from `part` on, as many as a vector has.
+template <class D, size_t Begin, size_t End>
+ORLIX_INLINE void AddCapTerms(const double (&factors)[kCapFactors][128], size_t part, size_t pixels,
+                              LaneSums<CapRow>& sums) {
+    using V = typename D::Vector;
+    V sum[End - Begin];
+#pragma GCC unroll 32
+    for (size_t j = Begin; j < End; ++j) sum[j - Begin] = D::Load(sums.lane[j] + part);
+    for (size_t i = part; i < pixels; i += 8) {
+        V factor[kCapFactors];
+#pragma GCC unroll 8
+        for (size_t f = 0; f < kCapFactors; ++f) factor[f] = D::Load(factors[f] + i);
+#pragma GCC unroll 32
+        for (size_t j = Begin; j < End; ++j)
+            if (j < CapRow::kDD)
+                sum[j - Begin] = sum[j - Begin] + factor[j];
+            else
+                sum[j - Begin] =
+                    sum[j - Begin] + factor[kCapPairs[j - CapRow::kDD][0]] * factor[kCapPairs[j - CapRow::kDD][1]];
+    }
+#pragma GCC unroll 32
+    for (size_t j = Begin; j < End; ++j) D::Store(sums.lane[j] + part, sum[j - Begin]);
+}
+
+// In two steps, 128 pixels at a time: the factors, where each root and quotient would keep what depends on them waiting;
+// then their products, no more sums at once than there are registers.
+template <class D>
+ORLIX_INLINE size_t AddTerms(const CapRow& row, const double* values, size_t n, double first, double step,
+                             LaneSums<CapRow>& sums) {
+    using V = typename D::Vector;
+    alignas(16) double factors[kCapFactors][128];
+    V at = D::All(first) + D::Counting() * D::All(step);
+    const V next = D::All(static_cast<double>(D::kLanes) * step);
+    size_t i = 0;
+    while (i + 8 <= n) {
+        const size_t pixels = n - i < 128 ? (n - i) / 8 * 8 : 128;
+        for (size_t k = 0; k < pixels; k += D::kLanes) {
+            V factor[kCapFactors];
+            FactorsOf<D>(row, at, D::Load(values + i + k), factor);
+            for (size_t f = 0; f < kCapFactors; ++f) D::Store(factors[f] + k, factor[f]);
+            at = at + next;
+        }
+        for (size_t part = 0; part < 8; part += D::kLanes)
+            if constexpr (D::kLanes == 8) {
+                AddCapTerms<D, 0, 25>(factors, part, pixels, sums);
+            } else {
+                AddCapTerms<D, 0, 9>(factors, part, pixels, sums);
+                AddCapTerms<D, 9, 17>(factors, part, pixels, sums);
+                AddCapTerms<D, 17, 25>(factors, part, pixels, sums);
+            }
+        i += pixels;
+    }
     return i;
 }
 

@@ -46,11 +46,11 @@ TEST(HemisphereFit, RecoversCapsFromAnywhere) {
         EXPECT_LT(std::max(Error(truth, *fit), Error(truth, *angled)), 1e-6) << truth.radius;
     }
     // Far away from the origin as well.
-    std::vector<SurfacePoint> far = PointsOn(caps[0], 200, 200);
-    for (SurfacePoint& point : far) point.x += 3000000, point.y += 2000000;
-    const auto fitFar = FitHemisphere(PointRuns(far), AverageOf(far));
-    ASSERT_TRUE(fitFar);
-    EXPECT_LT(Error({3000100.3, 2000098.7, 20, 0.5, 80}, *fitFar), 1e-9);
+    std::vector<SurfacePoint> distant = PointsOn(caps[0], 200, 200);
+    for (SurfacePoint& point : distant) point.x += 3000000, point.y += 2000000;
+    const auto distantFit = FitHemisphere(PointRuns(distant), AverageOf(distant));
+    ASSERT_TRUE(distantFit);
+    EXPECT_LT(Error({3000100.3, 2000098.7, 20, 0.5, 80}, *distantFit), 1e-9);
     // Five points determine one.
     const Hemisphere truth{7, 9, 3, -0.25, 20};
     std::vector<SurfacePoint> five;
