@@ -126,8 +126,8 @@ ORLIX_INLINE void AddCapTerms(const double (&factors)[kCapFactors][128], size_t 
     for (size_t j = Begin; j < End; ++j) D::Store(sums.lane[j] + part, sum[j - Begin]);
 }
 
-// In two steps, 128 pixels at a time: the factors, where each root and quotient would keep what depends on them waiting;
-// then their products, no more sums at once than there are registers.
+// In two steps, 128 pixels at a time: the factors, because roots and quotients would keep their products waiting; then
+// the products, no more sums at once than there are registers.
 template <class D>
 ORLIX_INLINE size_t AddTerms(const CapRow& row, const double* values, size_t n, double first, double step,
                              LaneSums<CapRow>& sums) {

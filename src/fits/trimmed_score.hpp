@@ -168,7 +168,10 @@ private:
                     const size_t part = std::min(n - done, kSegment);
                     const Expansion expansion(row, (x + static_cast<double>(done)) + kMiddle, kRounding);
                     const double off = expansion.error + 0x1p-22 * most;
-                    useless = useless || !(off < most / 16);
+                    if (!(off < most / 16)) {
+                        useless = true;
+                        return;
+                    }
                     QuickRow quick = {{}, static_cast<float>(-kMiddle)};
                     for (size_t k = 0; k < 4; ++k) quick.c[k] = static_cast<float>(expansion.a[k]);
                     QuickSums sums;
