@@ -40,7 +40,7 @@ std::vector<Point> Vertices(Kind kind, int count) {
                 const double off = row + 0.5 - radius, half = std::sqrt(radius * radius - off * off);
                 const double depth = row % 2 ? 0 : static_cast<double>(1 + random() % 3);
                 // Neighbouring rows never end in one column.
-                const double x = 2100.5 + sign * 2 * (std::floor(half) - depth + 0.5 * (row % 2));
+                const double x = 2100.5 + sign * 2 * (std::floor(half) + 4 - depth + 0.5 * (row % 2));
                 const double top = 1999.5 - rows / 2 + row;
                 vertices.push_back({x, sign > 0 ? top : top + 1});
                 vertices.push_back({x, sign > 0 ? top + 1 : top});

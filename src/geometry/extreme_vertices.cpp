@@ -113,25 +113,28 @@ std::vector<Vertex> CornersOf(std::vector<Vertex> all) {
 constexpr std::pair<int, int> kNeighbours[] = {{0, 0},   {-1, 0}, {1, 0},  {0, -1}, {0, 1},
                                                {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
 
-// The vertices in the cells of the corners and those around them, with one in thirty of the others: a bit tells whether
-// one of the cells that share it is such a cell. (Bloom 1970)
+// The vertices in the cells of the corners and those around them, with one in two hundred of the others: two bits tell
+// whether cells that share them are such cells. (Bloom 1970)
 template <class KeyOf>
 std::vector<Vertex> NearCells(const std::vector<Vertex>& vertices, const std::vector<Vertex>& corners,
                               const KeyOf& keyOf) {
-    const int logarithm = static_cast<int>(std::bit_width(corners.size())) + 8;
+    const int logarithm = std::min(static_cast<int>(std::bit_width(corners.size())) + 8, 30);
     std::vector<uint64_t> marks(size_t{1} << (logarithm - 6), 0);
-    const auto place = [&](int64_t key) {
-        return static_cast<size_t>(static_cast<uint64_t>(key) * 0x9e3779b97f4a7c15 >> (64 - logarithm));
+    const auto forBits = [&](int64_t key, const auto& visit) {
+        const uint64_t mixed = static_cast<uint64_t>(key) * 0x9e3779b97f4a7c15;
+        for (const int shift : {64 - logarithm, 64 - 2 * logarithm}) {
+            const uint64_t bit = mixed >> shift & ((uint64_t{1} << logarithm) - 1);
+            visit(marks[static_cast<size_t>(bit / 64)], uint64_t{1} << bit % 64);
+        }
     };
     for (const Vertex& corner : corners)
-        for (const auto& [right, down] : kNeighbours) {
-            const size_t bit = place(keyOf(corner.p, right, down));
-            marks[bit / 64] |= uint64_t{1} << bit % 64;
-        }
+        for (const auto& [right, down] : kNeighbours)
+            forBits(keyOf(corner.p, right, down), [](uint64_t& word, uint64_t mark) { word |= mark; });
     std::vector<Vertex> found;
     for (const Vertex& vertex : vertices) {
-        const size_t bit = place(keyOf(vertex.p, 0, 0));
-        if (marks[bit / 64] >> bit % 64 & 1) found.push_back(vertex);
+        bool isMarked = true;
+        forBits(keyOf(vertex.p, 0, 0), [&](uint64_t& word, uint64_t mark) { isMarked &= (word & mark) != 0; });
+        if (isMarked) found.push_back(vertex);
     }
     return found;
 }
@@ -154,7 +157,7 @@ std::vector<Vertex> DiameterEnds(const std::vector<Vertex>& all, const std::vect
         const auto row = static_cast<int64_t>((p.y - origin.y) / cell) + down;
         return column * 0x100000000 + row;  // both are below 2^24
     };
-    const std::vector<Vertex> vertices = NearCells(all, corners, keyOf);
+    const std::vector<Vertex> vertices = EachPlaceOnce(NearCells(all, corners, keyOf));
     if (vertices.size() == corners.size()) return corners;
 
     std::unordered_map<int64_t, std::vector<Vertex>> cells;
@@ -196,7 +199,7 @@ public:
     const Diameter& result() const { return best_; }
 
 private:
-    static constexpr size_t kLeaf = 4;
+    static constexpr size_t kLeaf = 8;
     static constexpr double kRounding = 0x1p-44;  // relative, more than that of a few operations
     struct Row {
         size_t node, first, end;

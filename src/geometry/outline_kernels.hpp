@@ -11,12 +11,12 @@ struct Bounds {
     double left, top, right, bottom;
 };
 
-// An edge between two vertices.
+// An edge between two vertices, and the square of its length, or 1 where that is 0.
 struct Edge {
     Edge(const Point& first, const Point& last)
-        : a(first), b(last), x(b.x - a.x), y(b.y - a.y), square(x * x + y * y), perSquare(1 / square) {}
+        : a(first), b(last), x(b.x - a.x), y(b.y - a.y), square(x * x + y * y), scale(square > 0 ? square : 1) {}
     Point a, b;
-    double x, y, square, perSquare;
+    double x, y, square, scale;
 };
 
 // Sums of products over the edges (a, b) of a path: of a.x b.y, and of a.y b.x. The lower parts may be larger than half
@@ -80,14 +80,15 @@ inline constexpr Variant<const OutlineKernels*> kOutlineKernels[] = {
 
 namespace {
 
-// The square of the distance of a vertex from the edge with a relative error below 5e-15, if edge.square is 0 or
-// above 1e-140, the result is above 1e-160, and the vertex does not lie on the line exactly.
+// The square of the distance of a vertex from the edge times edge.scale, with a relative error below 5e-15 unless the
+// vertex lies on the line exactly. That holds if the scale is above 1e-140 and the result above 1e-280 and 1e-280
+// times the scale.
 ORLIX_INLINE double RoughSquare(const Edge& edge, const Point& p) {
     const double ax = p.x - edge.a.x, ay = p.y - edge.a.y, bx = p.x - edge.b.x, by = p.y - edge.b.y;
     const double along = ax * edge.x + ay * edge.y, cross = ax * edge.y - ay * edge.x;
     const bool afterFirst = along > 0;
     const double x = afterFirst ? bx : ax, y = afterFirst ? by : ay;
-    return afterFirst && along < edge.square ? cross * cross * edge.perSquare : x * x + y * y;
+    return afterFirst && along < edge.square ? cross * cross : (x * x + y * y) * edge.scale;
 }
 
 ORLIX_INLINE bool IsOutside(const InnerPolygon& polygon, const Point& p) {

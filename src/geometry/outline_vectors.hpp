@@ -86,7 +86,7 @@ struct OutlineVectors {
         const Vector firstX = Lanes::All(edge.a.x), firstY = Lanes::All(edge.a.y);
         const Vector lastX = Lanes::All(edge.b.x), lastY = Lanes::All(edge.b.y);
         const Vector edgeX = Lanes::All(edge.x), edgeY = Lanes::All(edge.y);
-        const Vector square = Lanes::All(edge.square), perSquare = Lanes::All(edge.perSquare);
+        const Vector square = Lanes::All(edge.square), scale = Lanes::All(edge.scale);
         Vector largest = Lanes::Zero();
         const auto take = [&](size_t i) {
             Vector x, y;
@@ -97,7 +97,7 @@ struct OutlineVectors {
             const Vector inside = Lanes::And(afterFirst, Lanes::Less(along, square));
             const Vector fromFirst = ax * ax + ay * ay, fromLast = bx * bx + by * by;
             const Vector fromEnd = Lanes::Select(afterFirst, fromLast, fromFirst);
-            const Vector rough = Lanes::Select(inside, cross * cross * perSquare, fromEnd);
+            const Vector rough = Lanes::Select(inside, cross * cross, fromEnd * scale);
             Lanes::StoreInOrder(squares + i, rough);
             largest = Lanes::Max(rough, largest);
         };

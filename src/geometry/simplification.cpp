@@ -11,7 +11,7 @@ namespace orlix {
 namespace {
 
 double DistanceTo(const Edge& edge, const Point& p) {
-    const auto& [a, b, x, y, square, perSquare] = edge;
+    const auto& [a, b, x, y, square, scale] = edge;
     const double along = (p.x - a.x) * x + (p.y - a.y) * y;
     if (!(along > 0)) return Distance(p, a);
     if (along >= square) return Distance(p, b);
@@ -61,10 +61,10 @@ private:
                 largest = std::max(largest, blocks_.back());
             }
         }
-        const double square = tolerance * tolerance;
-        const bool isRough = (edge.square == 0 || edge.square > 1e-140) && largest < std::numeric_limits<double>::max();
-        if (isRough && largest <= 1e-160 && tolerance > 1e-60) return end;
-        if (isRough && largest > 1e-160) {
+        const double square = tolerance * tolerance * edge.scale;
+        const bool isRough = edge.scale > 1e-140 && largest < std::numeric_limits<double>::max();
+        if (isRough && largest <= 1e-280 && tolerance > 1e-60) return end;
+        if (isRough && largest > 1e-280 && largest > 1e-280 * edge.scale) {
             if (largest * kMore < square) return end;
             const double least = largest * kLess;
             const auto forCandidates = [&](const auto& visit) {
@@ -82,14 +82,15 @@ private:
                 candidates += isOne;
                 last = isOne ? i : last;
             });
-            const bool isOff = largest > 1e-24 * edge.square;  // the line, by more than the rounding of Turn()
+            const bool isOff =
+                largest > 1e-24 * edge.scale * edge.scale;  // the line, by more than the rounding of Turn()
             if (isOff && candidates == 1 && least > square) return last;
             Farthest farthest = {end, 0};
             forCandidates([&](uint32_t i, bool isOne) {
                 if (isOne) farthest.Take(i, DistanceTo(edge, outline_[i]));
             });
             // Unless the roughly farthest vertices turned out to lie on the line, all others are nearer.
-            if (farthest.distance * farthest.distance > largest * (1 - 0.8e-14))
+            if (farthest.distance * farthest.distance * edge.scale > largest * (1 - 0.8e-14))
                 return farthest.distance > tolerance ? farthest.index : end;
         }
         Farthest farthest = {end, tolerance};
@@ -225,6 +226,7 @@ std::vector<uint32_t> Simplify(Outline given, double tolerance) {
     const auto at = [&](uint32_t i) -> const Point& { return outline[i == n ? 0 : i]; };
     std::vector<uint8_t> stays(n, 0);
     stays[0] = stays[opposite] = 1;
+    size_t kept = 2;
     FarthestFromEdge farthestFromEdge(outline);
     std::vector<std::pair<uint32_t, uint32_t>> parts = {{0, opposite}, {opposite, n}};
     while (!parts.empty()) {
@@ -233,10 +235,12 @@ std::vector<uint32_t> Simplify(Outline given, double tolerance) {
         const uint32_t split = farthestFromEdge.Find(first + 1, last, {at(first), at(last)}, tolerance);
         if (split == last) continue;
         stays[split] = 1;
+        ++kept;
         if (split - first > 1) parts.emplace_back(first, split);
         if (last - split > 1) parts.emplace_back(split, last);
     }
     std::vector<uint32_t> left;
+    left.reserve(kept);
     for (uint32_t i = 0; i < n; ++i)
         if (stays[i]) left.push_back(i);
     return left;
