@@ -1,16 +1,19 @@
 // The raster surface, compared with a plain copy of the same number of 32-bit pixels and with OpenCV's resize where
 // installed, on one thread: a window of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit
-// pixels by its colour conversion.
+// pixels by its colour conversion. "live": images shown 1:1, as they were or after a change.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
 #include <functional>
+#include <memory>
 
 #ifdef ORLIX_BENCH_OPENCV
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #endif
 
+#include "display/displayed_image.hpp"
+#include "display/memory_surface.hpp"
 #include "display/raster_surface.hpp"
 #include "image/pixel_buffer.hpp"
 #include "pictures.hpp"
@@ -101,6 +104,37 @@ void RegisterRaster() {
     }
 }
 
+template <class T>
+void RegisterLive(LONG dataType) {
+    for (const LONG bands : {1, 3})
+        for (const bool changes : {false, true}) {
+            const std::string operation = std::string(bands == 1 ? "live " : "live colour ") + NameOf<T>() +
+                                          (changes ? " changed" : " unchanged");
+            benchmark::RegisterBenchmark(
+                Name<uint8_t>(operation, kSize, "orlix").c_str(), [=](benchmark::State& state) {
+                    Changes counts;
+                    const std::unique_ptr<DisplayedImage> image = DisplayedImage::Make(dataType, counts);
+                    image->store().Create(kSize, kSize, bands, dataType, true);
+                    for (LONG band = 0; band < bands; ++band)
+                        std::memcpy(image->store().base(band), Picture<T>(kSize).data(),
+                                    Picture<T>(kSize).size() * sizeof(T));
+                    image->ContentReplaced();
+                    if (bands == 3) image->PutBandToDisplay(BI_AllBands);
+                    image->PutDisplayRange(0, std::is_same_v<T, uint16_t> ? 65535 : 255);
+                    std::vector<uint32_t> pixels(size_t{kWidth} * kHeight);
+                    MemorySurface surface(RasterSurface(pixels.data(), kWidth, kWidth, kHeight), Scaling::Nearest);
+                    const Rectangle shown = {1000, 1500, kWidth, kHeight};
+                    for (auto _ : state) {
+                        if (changes) image->PutDisplayDirty(true);
+                        const DisplayBitmap& bitmap = image->Bitmap();
+                        image->Show(shown);
+                        surface.Draw(bitmap, image->displayState().colors, shown, {0, 0, kWidth, kHeight});
+                    }
+                    state.SetItemsProcessed(state.iterations() * int64_t{kWidth} * kHeight);
+                });
+        }
+}
+
 }  // namespace
 }  // namespace orlix::bench
 
@@ -108,5 +142,8 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     orlix::bench::RegisterRaster();
+    orlix::bench::RegisterLive<uint8_t>(DT_BYTE);
+    orlix::bench::RegisterLive<uint16_t>(DT_WORD);
+    orlix::bench::RegisterLive<float>(DT_Float);
     benchmark::RunSpecifiedBenchmarks();
 }
