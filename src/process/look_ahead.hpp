@@ -33,11 +33,8 @@ public:
     // Operations should split runs at columns that are a multiple of this: short enough to stay close behind.
     static constexpr int32_t kPart = static_cast<int32_t>(2048 / sizeof(Pixel));
 
-    // Whether an image of that many bytes is beyond the caches.
-    static bool Pays(size_t bytes) { return bytes > kCached; }
-
     LookAhead(const RegionRows& rows, const PixelView<Pixel>& view, size_t bytes)
-        : rows_(rows), view_(view), y_(rows.top()), active_(Pays(bytes)) {}
+        : rows_(rows), view_(view), y_(rows.top()), active_(bytes > kCached) {}
 
     bool active() const { return active_; }
 

@@ -63,11 +63,12 @@ public:
     void ForEachRun(const Visit& visit) const {
         for (int32_t band = 0; band < bands(); ++band) ForEachRunOf(view(band), visit);
     }
-    // Calls operation(pixels, n) on all pixels. Whole rows that follow each other in memory are one run.
+    // Calls operation(pixels, n) on all pixels. Whole rows that follow each other in memory are one run,
+    // in which hardware prefetchers need no help.
     template <class Operation>
     void Apply(Operation&& operation) const {
         const auto visit = [&](Pixel* pixels, size_t n, auto...) { operation(pixels, n); };
-        if (!rows().whole() || LookAhead<Pixel>::Pays(bandBytes())) return ForEachRun(visit);
+        if (!rows().whole()) return ForEachRun(visit);
         for (int32_t band = 0; band < bands(); ++band)
             for (int32_t y = 0; y < height();) {
                 const int32_t end = view(band).EndOfBlock(y, height());
