@@ -13,7 +13,8 @@ constexpr char kStyle[] = R"(
 @media(prefers-color-scheme:dark){:root{--page:#14171c;--card:#1d2229;--ink:#e6e9ee;--muted:#98a2b1;--grid:#2f3640;
 --fill:#7b8798;--phase:#ff7a1f;--accent:#ff9447;--line:#2f3640;--soft:#2b2420;--region:#2cc4f2}}
 *{box-sizing:border-box}
-body{margin:0;background:var(--page);color:var(--ink);font:15px/1.5 system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",
+body{margin:0;background:var(--page);color:var(--ink);
+font:15px/1.5 system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",
 Arial,"Liberation Sans",sans-serif}
 main{max-width:1120px;margin:0 auto;padding:28px 24px 48px}
 header{display:flex;flex-wrap:wrap;gap:4px 24px;align-items:baseline;justify-content:space-between;margin-bottom:16px}
@@ -23,7 +24,8 @@ h2{font-size:16px;margin:0 0 12px;font-weight:650}
 .cards{display:grid;grid-template-columns:repeat(auto-fit,minmax(180px,1fr));gap:14px;margin:0 0 16px}
 .card,section{background:var(--card);border:1px solid var(--line);border-radius:10px}
 .card{padding:13px 16px}
-.card b{display:block;white-space:nowrap;font-size:20px;line-height:1.3;font-weight:650;font-variant-numeric:tabular-nums}
+.card b{display:block;white-space:nowrap;
+font-size:20px;line-height:1.3;font-weight:650;font-variant-numeric:tabular-nums}
 .card span{color:var(--muted);font-size:13px}
 .card.main{border-color:var(--phase);background:var(--soft)}
 .card.main b{color:var(--accent)}
@@ -34,7 +36,8 @@ figure img{display:block;width:100%;height:auto;border-radius:6px;border:1px sol
 figcaption{color:var(--muted);font-size:13px;margin-top:7px}
 .key{display:inline-block;width:11px;height:11px;border-radius:3px;margin-right:6px;vertical-align:-1px}
 svg.histogram,svg.profile,svg.map{display:block;width:100%;height:auto}
-svg text{font:12.5px system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",Arial,"Liberation Sans",sans-serif;fill:var(--ink)}
+svg text{
+font:12.5px system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",Arial,"Liberation Sans",sans-serif;fill:var(--ink)}
 svg .tick,svg .axis{fill:var(--muted);font-size:12px}
 svg .chosen{fill:var(--accent);font-weight:700}
 table{border-collapse:collapse;width:100%;font-variant-numeric:tabular-nums}
@@ -47,7 +50,8 @@ tr.chosen td:first-child{box-shadow:inset 3px 0 var(--phase)}
 td small{color:var(--muted);font-weight:400;font-size:13px}
 .two{display:grid;grid-template-columns:1fr 1fr;gap:0 40px;align-items:start}
 .two th{width:50%}
-.bar{position:relative;height:8px;border-radius:4px;background:var(--grid);min-width:90px;margin-top:8px;overflow:hidden}
+.bar{position:relative;height:8px;
+border-radius:4px;background:var(--grid);min-width:90px;margin-top:8px;overflow:hidden}
 .bar i{position:absolute;inset:0 auto 0 0;background:var(--phase)}
 .thumb img{width:96px;border-radius:4px;display:block}
 .batch td{vertical-align:middle}
@@ -59,8 +63,10 @@ a{color:var(--accent)}
 footer{color:var(--muted);font-size:13px}
 .scroll{overflow-x:auto}
 @media(max-width:760px){.pictures,.two{grid-template-columns:1fr}main{padding:18px 12px}}
-@media print{:root{--page:#fff;--card:#fff;--ink:#000;--muted:#444;--grid:#ddd;--fill:#8a8f98;--phase:#f06400;--accent:#a64200;
---line:#ccc;--soft:#fff;color-scheme:light}body{font-size:11px;print-color-adjust:exact;-webkit-print-color-adjust:exact}
+@media print{:root{
+--page:#fff;--card:#fff;--ink:#000;--muted:#444;--grid:#ddd;--fill:#8a8f98;--phase:#f06400;--accent:#a64200;
+--line:#ccc;--soft:#fff;color-scheme:light}
+body{font-size:11px;print-color-adjust:exact;-webkit-print-color-adjust:exact}
 main{max-width:none;padding:0}section,.card,figure,tr{break-inside:avoid}section{padding:10px 12px;margin-bottom:10px}
 .card b{font-size:18px}h1{font-size:19px}@page{margin:14mm}}
 )";

@@ -223,7 +223,8 @@ std::string ZshCompletion(const Synopsis& program) {
            R"(() {
     local context state state_descr line
     typeset -A opt_args
-    _arguments -C '(- *)--help[Print help]' '(- *)--version[Print the version]' '1:command:->command' '*::argument:->argument'
+    _arguments -C '(- *)--help[Print help]' '(- *)--version[Print the version]' \
+        '1:command:->command' '*::argument:->argument'
     case $state in
         command)
             local -a commands=(
