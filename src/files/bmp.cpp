@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "component/failure.hpp"
-#include "files/byte_order.hpp"
-#include "files/palette.hpp"
+#include "image/byte_order.hpp"
+#include "image/palette.hpp"
 
 namespace orlix {
 namespace {

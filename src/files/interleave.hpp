@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "files/byte_order.hpp"
 #include "files/file_types.hpp"
+#include "image/byte_order.hpp"
 
 namespace orlix {
 

@@ -7,13 +7,13 @@
 #include <utility>
 
 #include "component/failure.hpp"
-#include "files/byte_order.hpp"
 #include "files/inflater.hpp"
-#include "files/palette.hpp"
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
 #include "files/png_format.hpp"
 #include "files/png_text.hpp"
+#include "image/byte_order.hpp"
+#include "image/palette.hpp"
 
 namespace orlix {
 namespace {

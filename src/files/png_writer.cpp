@@ -6,13 +6,13 @@
 #include <new>
 #include <stdexcept>
 
-#include "files/byte_order.hpp"
 #include "files/interleave.hpp"
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
 #include "files/png_format.hpp"
 #include "files/png_text.hpp"
 #include "files/zlib_memory.hpp"
+#include "image/byte_order.hpp"
 
 namespace orlix {
 namespace {

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "component/failure.hpp"
-#include "files/byte_order.hpp"
 #include "files/pnm.hpp"
+#include "image/byte_order.hpp"
 
 namespace orlix {
 namespace {

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string>
 
-#include "files/byte_order.hpp"
 #include "files/memory_image.hpp"
+#include "image/byte_order.hpp"
 
 namespace orlix::test {
 namespace {

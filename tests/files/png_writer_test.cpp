@@ -1,8 +1,8 @@
 #include <limits>
 
-#include "files/byte_order.hpp"
 #include "files/png_filter.hpp"
 #include "files/reading.hpp"
+#include "image/byte_order.hpp"
 
 namespace orlix::test {
 namespace {
