@@ -1,106 +1,55 @@
 #include "files/bmp.hpp"
 
-#include <algorithm>
-#include <cstring>
 #include <limits>
 
 #include "component/failure.hpp"
+#include "dib/dib_pixels.hpp"
 #include "image/byte_order.hpp"
-#include "image/palette.hpp"
 
 namespace orlix {
 namespace {
 
 // "BM", size of the file (often wrong, not used), 4 reserved bytes, start of the pixels.
 constexpr size_t kFileHeader = 14;
-constexpr uint32_t kCoreHeader = 12;  // OS/2 1.x: sizes of 16 bits, palette entries of 3 bytes
-constexpr uint32_t kInfoHeader = 40;  // longer headers begin with the same fields
-constexpr uint32_t kUncompressed = 0;
 
-[[noreturn]] void BadBmpHeader() {
-    throw Failure("IImageVPAEx::CreateFromBmp: problems reading bmp header", DISP_E_EXCEPTION);
-}
-
-struct BmpLayout {
-    int32_t width = 0, height = 0;
-    bool topDown = false;
-    uint64_t stride = 0;  // bytes of a row, a multiple of 4
-    uint64_t pixels = 0;  // where the first stored row starts
-    double micronsX = 0.0, micronsY = 0.0;
-    Palette palette;
-};
-
-// For an image without a palette: its indices are the grey levels.
-Palette GreyRamp() {
-    Palette ramp;
-    ramp.count = 256;
-    for (auto& level : ramp.level)
-        for (size_t i = 0; i < 256; ++i) level[i] = static_cast<uint8_t>(i);
-    return ramp;
-}
-
-// The palette lies between the header and the pixels. Entries are stored blue first; writers may omit the last ones.
-Palette ReadPalette(std::span<const uint8_t> bytes, size_t entry, uint32_t declared) {
-    const size_t present = std::min<size_t>({bytes.size() / entry, declared == 0 ? 256 : declared, 256});
-    if (present == 0) return GreyRamp();
-    Palette palette;
-    palette.count = static_cast<int32_t>(present);
-    for (size_t i = 0; i < present; ++i)
-        for (size_t colour = 0; colour < 3; ++colour) palette.level[2 - colour][i] = bytes[i * entry + colour];
-    return palette;
-}
-
-BmpLayout ReadLayout(std::span<const uint8_t> bytes) {
-    if (bytes.size() < kFileHeader + 4) BadBmpHeader();
-    const uint8_t* header = bytes.data() + kFileHeader;
-    const uint32_t headerSize = LittleEndian32(header);
-    const bool core = headerSize == kCoreHeader;
-    if ((!core && headerSize < kInfoHeader) || headerSize > bytes.size() - kFileHeader) BadBmpHeader();
-
-    int64_t width = 0, height = 0;
-    uint16_t planes = 0, bits = 0;
-    uint32_t compression = kUncompressed, colours = 0;
-    BmpLayout layout;
-    if (core) {
-        width = LittleEndian16(header + 4);
-        height = LittleEndian16(header + 6);
-        planes = LittleEndian16(header + 8);
-        bits = LittleEndian16(header + 10);
-    } else {
-        width = static_cast<int32_t>(LittleEndian32(header + 4));
-        height = static_cast<int32_t>(LittleEndian32(header + 8));
-        planes = LittleEndian16(header + 12);
-        bits = LittleEndian16(header + 14);
-        compression = LittleEndian32(header + 16);
-        const auto perMetreX = static_cast<int32_t>(LittleEndian32(header + 24));
-        const auto perMetreY = static_cast<int32_t>(LittleEndian32(header + 28));
-        colours = LittleEndian32(header + 32);
-        if (perMetreX > 0 && perMetreY > 0) {
-            layout.micronsX = 1e6 / perMetreX;
-            layout.micronsY = 1e6 / perMetreY;
-        }
+const char* TextOf(DibFault fault) {
+    switch (fault) {
+        case DibFault::Depth:
+            return "IImageVPAEx::CreateFromBmp: unknown number of bits per pixel.";
+        case DibFault::Compression:
+            return "IImageVPAEx::CreateFromBmp: unknown compression.";
+        case DibFault::Masks:
+            return "IImageVPAEx::CreateFromBmp: invalid colour masks.";
+        case DibFault::TooShort:
+            return "IImageVPAEx::CreateFromBmp: the file is too short for its image.";
+        case DibFault::Runs:
+            return "IImageVPAEx::CreateFromBmp: the run lengths leave the image.";
+        case DibFault::Palette:
+            return "IImageVPAEx::CreateFromBmp: a pixel is outside the palette.";
+        case DibFault::Header:
+            break;
     }
-    layout.topDown = height < 0;
-    if (layout.topDown) height = -height;
-    if (width <= 0 || height == 0 || height > std::numeric_limits<int32_t>::max() || planes != 1) BadBmpHeader();
-    if (bits != 8)
+    return "IImageVPAEx::CreateFromBmp: problems reading bmp header";
+}
+
+DibView ReadView(std::span<const uint8_t> bytes, bool any) {
+    if (bytes.size() < kFileHeader) throw DibFailure(DibFault::Header);
+    const std::span<const uint8_t> header = bytes.subspan(kFileHeader);
+    const DibFields fields = ReadDibFields(header);
+    if (!any && fields.bits != 8)
         throw Failure("IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported.",
                       DISP_E_EXCEPTION);
-    if (compression != kUncompressed)
+    if (!any && fields.compression != kPlain)
         throw Failure("IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported.", DISP_E_EXCEPTION);
-
-    layout.width = static_cast<int32_t>(width);
-    layout.height = static_cast<int32_t>(height);
-    layout.stride = (static_cast<uint64_t>(width) + 3) / 4 * 4;
-    layout.pixels = LittleEndian32(bytes.data() + 10);
-    const size_t paletteStart = kFileHeader + headerSize;
-    if (layout.pixels < paletteStart) BadBmpHeader();
-    // The last row may lack its padding. Fewer than 2^31 rows of at most 2^31 bytes do not overflow.
-    if (layout.pixels + layout.stride * static_cast<uint64_t>(height - 1) + static_cast<uint64_t>(width) > bytes.size())
-        throw Failure("IImageVPAEx::CreateFromBmp: the file is too short for its image.", DISP_E_EXCEPTION);
-    layout.palette = ReadPalette(bytes.subspan(paletteStart, static_cast<size_t>(layout.pixels) - paletteStart),
-                                 core ? 3 : 4, colours);
-    return layout;
+    DibView dib{ReadDibLayout(fields, header), {}, {}};
+    const size_t pixels = LittleEndian32(bytes.data() + 10);
+    const size_t palette = kFileHeader + dib.layout.paletteStart;
+    if (pixels < palette) throw DibFailure(DibFault::Header);
+    if (pixels > bytes.size()) throw DibFailure(DibFault::TooShort);
+    dib.pixels = bytes.subspan(pixels);
+    RequirePixels(dib);
+    if (dib.layout.hasPalette()) dib.palette = ReadDibPalette(dib.layout, bytes.subspan(palette, pixels - palette));
+    return dib;
 }
 
 }  // namespace
@@ -109,38 +58,56 @@ bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept {
     return bytes.size() >= 2 && bytes[0] == 'B' && bytes[1] == 'M';
 }
 
-FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
-    const BmpLayout layout = ReadLayout(bytes);
-    const auto width = static_cast<size_t>(layout.width);
-    const auto row = [&](int32_t y) {
-        const int32_t stored = layout.topDown ? y : layout.height - 1 - y;
-        return bytes.subspan(static_cast<size_t>(layout.pixels + layout.stride * static_cast<uint64_t>(stored)), width);
-    };
-
-    UsedIndices used{};
-    for (int32_t y = 0; y < layout.height; ++y)
-        for (const uint8_t index : row(y)) used[index] = true;
-    if (!Covers(layout.palette, used))
-        throw Failure("IImageVPAEx::CreateFromBmp: a pixel is outside the palette.", DISP_E_EXCEPTION);
-
+FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit, bool any) try {
+    const DibView dib = ReadView(bytes, any);
     FileProperties properties;
-    properties.width = layout.width;
-    properties.height = layout.height;
-    properties.bands = IsGrey(layout.palette, used) ? 1 : 3;
+    properties.width = dib.layout.width;
+    properties.height = dib.layout.height;
     properties.bits = 8;
-    properties.micronsX = layout.micronsX;
-    properties.micronsY = layout.micronsY;
+    properties.micronsX = dib.layout.micronsX;
+    properties.micronsY = dib.layout.micronsY;
+    // Which bands there are shows in the pixels only, and run lengths can hold many more of these than bytes.
+    if (dib.layout.compressed()) RequireWithin(limit, properties.width, properties.height, 1);
+    properties.bands = DibBands(dib);
     RequireWithin(limit, properties.width, properties.height, properties.bands);
     sink.Begin(properties);
-
-    for (int32_t band = 0; band < properties.bands; ++band) {
-        const auto& level = layout.palette.level[static_cast<size_t>(band)];
-        for (int32_t y = 0; y < layout.height; ++y) {
-            auto* out = static_cast<uint8_t*>(sink.Row(band, y));
-            for (const uint8_t index : row(y)) *out++ = level[index];
-        }
-    }
+    ReadDibSamples(dib, properties.bands,
+                   [&](int32_t band, int32_t y) { return static_cast<uint8_t*>(sink.Row(band, y)); });
     return properties;
+} catch (const DibFailure& failure) {
+    throw Failure(TextOf(failure.fault()), DISP_E_EXCEPTION);
+}
+
+std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& source) {
+    DibFields fields;
+    fields.width = properties.width;
+    fields.height = properties.height;
+    fields.bits = properties.bands == 1 ? 8 : 24;
+    fields.micronsX = properties.micronsX;
+    fields.micronsY = properties.micronsY;
+    const std::vector<uint8_t> header = MakeDibHeader(fields);
+    const auto width = static_cast<size_t>(properties.width), bands = static_cast<size_t>(properties.bands);
+    const uint64_t start = kFileHeader + header.size(), stride = (uint64_t{width} * bands + 3) / 4 * 4;
+    const auto height = static_cast<uint64_t>(properties.height);
+    // Below 2^31 rows of less than 2^33 bytes.
+    if (const uint64_t size = start + stride * height;
+        size > UINT32_MAX || size > std::numeric_limits<ptrdiff_t>::max())
+        throw Failure("IImageFile::SaveToFile: the image is too large for the format.");
+
+    std::vector<uint8_t> bytes(static_cast<size_t>(start + stride * height));
+    bytes[0] = 'B';
+    bytes[1] = 'M';
+    PutLittleEndian32(&bytes[2], static_cast<uint32_t>(bytes.size()));
+    PutLittleEndian32(&bytes[10], static_cast<uint32_t>(start));
+    std::copy(header.begin(), header.end(), bytes.begin() + kFileHeader);
+    uint8_t* row = bytes.data() + start;
+    for (int32_t y = properties.height - 1; y >= 0; --y, row += stride)
+        for (size_t band = 0; band < bands; ++band) {
+            const auto* const in = static_cast<const uint8_t*>(source.Row(static_cast<int32_t>(band), y));
+            uint8_t* const out = row + (bands - 1 - band);  // blue first
+            for (size_t x = 0; x < width; ++x) out[x * bands] = in[x];
+        }
+    return bytes;
 }
 
 }  // namespace orlix

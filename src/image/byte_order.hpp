@@ -22,5 +22,13 @@ constexpr void PutBigEndian32(uint8_t* p, uint32_t value) {
     PutBigEndian16(p, static_cast<uint16_t>(value >> 16));
     PutBigEndian16(p + 2, static_cast<uint16_t>(value));
 }
+constexpr void PutLittleEndian16(uint8_t* p, uint16_t value) {
+    p[0] = static_cast<uint8_t>(value);
+    p[1] = static_cast<uint8_t>(value >> 8);
+}
+constexpr void PutLittleEndian32(uint8_t* p, uint32_t value) {
+    PutLittleEndian16(p, static_cast<uint16_t>(value));
+    PutLittleEndian16(p + 2, static_cast<uint16_t>(value >> 16));
+}
 
 }  // namespace orlix

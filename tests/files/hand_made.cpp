@@ -137,8 +137,9 @@ Bytes MakeBmp(const BmpFile& file) {
     else
         header = header + Little32(static_cast<uint32_t>(file.width)) + Little32(static_cast<uint32_t>(file.height)) +
                  Little16(file.planes) + Little16(file.bits) + Little32(file.compression) + Little32(0) +
-                 Little32(file.perMetreX) + Little32(file.perMetreY) + Little32(file.coloursUsed) + Little32(0);
-    header.resize(file.headerSize);
+                 Little32(file.perMetreX) + Little32(file.perMetreY) + Little32(file.coloursUsed) + Little32(0) +
+                 file.masks;
+    header.resize(std::max<size_t>(file.headerSize, file.headerSize == 40 ? header.size() : 0));
     const size_t pixels = 14 + header.size() + file.palette.size();
     return FromText("BM") + Little32(static_cast<uint32_t>(pixels + file.rows.size())) + Little32(0) +
            Little32(static_cast<uint32_t>(pixels)) + header + file.palette + file.rows;

@@ -79,6 +79,7 @@ struct BmpFile {
     int32_t width = 1, height = 1;
     uint32_t planes = 1, bits = 8, compression = 0;
     uint32_t perMetreX = 0, perMetreY = 0, coloursUsed = 0;
+    Bytes masks = {};    // from the 40th byte of the header on; behind a header of 40 bytes
     Bytes palette = {};  // blue, green, red, 0; without the 0 behind the header of 12 bytes
     Bytes rows = {};     // as stored
 };
