@@ -182,11 +182,6 @@ void DisplayedImage::Show(const Rectangle& part) {
     });
 }
 
-const DisplayBitmap& DisplayedImage::Display() {
-    Show({0, 0, Bitmap().width, Bitmap().height});
-    return bitmap_;
-}
-
 std::optional<ShownPixel> DisplayedImage::Shown(int32_t x, int32_t y) {
     const DisplayBitmap& bitmap = Bitmap();
     if (bitmap.bitsPerPixel == 0) return std::nullopt;

@@ -8,17 +8,12 @@
 
 #include "display/display_bitmap.hpp"
 #include "display/display_state.hpp"
+#include "display/picture_source.hpp"
 #include "display/stale_tiles.hpp"
 #include "image/changes.hpp"
 #include "process/typed_image.hpp"
 
 namespace orlix {
-
-// A pixel of an image and the colour that shows it, 0x00BBGGRR.
-struct ShownPixel {
-    double value;
-    OLE_COLOR color;
-};
 
 // The operations are those of IDisplayProcess, which documents them. Notes:
 //  (1) The display range and the colour table survive until the pixel type changes; every creation sets the band to
@@ -26,7 +21,7 @@ struct ShownPixel {
 //  (2) The bitmap follows every change that is counted in the image's record (image/changes.hpp). Code that writes
 //      pixels through a pointer must report it by PutDisplayDirty(); until then the parts that were shown stay as they
 //      were, and other parts may be computed from the old pixels or the new ones.
-class DisplayedImage {
+class DisplayedImage final : public PictureSource {
 public:
     // Null for a type that images cannot have. changes: the record of the image object, which outlives this object.
     static std::unique_ptr<DisplayedImage> Make(LONG dataType, Changes& changes);
@@ -37,17 +32,12 @@ public:
     // To be called after every creation.
     void ContentReplaced();
 
-    // The bitmap in its current size. Its pixels are current where Show() was called for them since the last change.
-    // Valid until the next call and until the image is released. Raises std::bad_alloc.
-    const DisplayBitmap& Bitmap();
-    // Computes what has changed of a part of the bitmap; empty, or inside it. Raises std::bad_alloc.
-    void Show(const Rectangle& part);
-    // The whole bitmap.
-    const DisplayBitmap& Display();
-
-    // The pixel of the band shown, or of band 0 where three bands are shown; (x, y) lies on the image. nullopt for an
-    // image whose pixels may not be accessed.
-    std::optional<ShownPixel> Shown(int32_t x, int32_t y);
+    bool Refused() const override { return typed_->store().refused(); }
+    const DisplayBitmap& Bitmap() override;
+    void Show(const Rectangle& part) override;
+    const ColorTable& Colors() const override { return state_.colors; }
+    // The pixel of the band shown, or of band 0 where three bands are shown.
+    std::optional<ShownPixel> Shown(int32_t x, int32_t y) override;
 
     // For streams. band is BI_AllBands or below the number of bands.
     const DisplayState& displayState() const { return state_; }

@@ -6,28 +6,18 @@
 #include <functional>
 #include <memory>
 
-#include "component/connection_point.hpp"
-#include "component/object.hpp"
 #include "display/displayed_image.hpp"
-#include "display/graphics_use.hpp"
-#include "display/view_geometry.hpp"
-#include "display/zoom_state.hpp"
 #include "files/sample_limit.hpp"
 #include "image/changes.hpp"
+#include "pictures/picture_core.hpp"
 #include "process/frame.hpp"
 
 namespace orlix {
 
-class ImageCore {
+class ImageCore final : public PictureCore {
 public:
     ImageCore(ObjectLife& life, IConnectionPointContainer& container) noexcept
-        : events(container, __uuidof(IPictureExEvents)), life_(life) {}
-
-    // Object::Guarded, made available to the parts.
-    template <class I, class Body>
-    HRESULT Guarded(Body& body, const char* method) noexcept {
-        return life_.Guarded<I>(__uuidof(OrlixImage), body, method);
-    }
+        : PictureCore(life, __uuidof(OrlixImage), container) {}
 
     // The typed image; throws NoImage when there is none. Shared: a client's region or source may call back and make
     // this object take another typed image while the current one is in use.
@@ -47,17 +37,16 @@ public:
     // IImageVPAEx::AttachBuffer, which pictures offer too.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
+    std::shared_ptr<PictureSource> Source() const override { return typed_; }
+    void AttachPicture(void* buffer, LONG width, LONG height, LONG bitsPerPixel) override {
+        Attach(buffer, width, height, 1, bitsPerPixel == 8 ? DT_BYTE : DT_WORD, false);
+    }
+
     Changes changes;
-    Changes saved;  // the changes that a stream was loaded or saved with
-    ZoomState zoom;
-    View view;  // of the last rendering
-    OLE_COLOR surround = 0;
-    ConnectionPoint events;
+    Changes saved;                               // the changes that a stream was loaded or saved with
     LONG sampleLimit = SampleLimit::kInitially;  // for loading, see files/sample_limit.hpp
 
 private:
-    ObjectLife& life_;
-    GraphicsShare graphics_;
     std::shared_ptr<DisplayedImage> typed_;
 };
 

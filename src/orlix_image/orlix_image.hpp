@@ -8,16 +8,16 @@
 #include "orlix_image/image_core.hpp"
 #include "orlix_image/image_display.hpp"
 #include "orlix_image/image_entries.hpp"
-#include "orlix_image/image_events.hpp"
 #include "orlix_image/image_files.hpp"
-#include "orlix_image/image_memory_pictures.hpp"
 #include "orlix_image/image_module.hpp"
 #include "orlix_image/image_pixels.hpp"
 #include "orlix_image/image_streams.hpp"
 #include "orlix_image/image_surfaces.hpp"
-#include "orlix_image/image_zoom.hpp"
+#include "pictures/memory_picture.hpp"
+#include "pictures/picture_events.hpp"
+#include "pictures/zoom_picture.hpp"
 #ifdef _WIN32
-#include "orlix_image/windows/image_scripts.hpp"
+#include "pictures/windows/picture_scripts.hpp"
 #endif
 
 class OrlixImage final
@@ -28,11 +28,11 @@ class OrlixImage final
                            orlix::Part<orlix::ImageStreams, IPersistStreamInitEx, IPersistStreamInit, IPersist>,
                            orlix::Part<orlix::ImageSurfaces, IOrlixImageProcess, IImageProcess, IImageProcessBase>,
                            orlix::Part<orlix::ImageDisplay, IDisplayProcess>,  //
-                           orlix::Part<orlix::ImageZoom, IPictureExZoom, IPictureEx>,
-                           orlix::Part<orlix::ImageMemoryPictures, IPictureMemory>,
-                           orlix::Part<orlix::ImageEvents, IConnectionPointContainer>,
+                           orlix::Part<orlix::ZoomPicture, IPictureExZoom, IPictureEx>,
+                           orlix::Part<orlix::MemoryPicture, IPictureMemory>,
+                           orlix::Part<orlix::PictureEvents, IConnectionPointContainer>,
 #ifdef _WIN32
-                           orlix::Part<orlix::ImageScripts, IPictureExZoomDisp, IDispatch>,
+                           orlix::Part<orlix::PictureScripts, IPictureExZoomDisp, IDispatch>,
 #endif
                            orlix::Part<orlix::ImageModule, IModuleInformation>,  //
                            orlix::Part<orlix::ImageAccess, IPixelAccess>> {
@@ -45,6 +45,7 @@ public:
 
 private:
     orlix::ImageCore& core() noexcept override { return core_; }
+    orlix::PictureCore& picture() noexcept override { return core_; }
 
     orlix::ImageCore core_{life(), *this};
 };

@@ -59,7 +59,7 @@ def layers():
     """The folders that each folder of src may include besides itself: the drawing in docs/architecture.md."""
     section = (ROOT / "docs/architecture.md").read_text("utf-8").split("\n## Layers\n")[1].split("\n## ")[0]
     drawing = {}
-    for line in re.findall(r"^    (.*)$", section, re.M):
+    for line in re.findall(r"^    (.*)$", re.sub(r"\n {5,}", " ", section), re.M):
         folder, *below = re.findall(r"\w+", line)
         assert all(other in drawing for other in below), (
             f"docs/architecture.md: {folder} stands on a folder named after it")

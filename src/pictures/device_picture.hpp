@@ -1,14 +1,14 @@
-// The image as a picture on devices.
+// The picture on devices.
 #pragma once
 
-#include "orlix_image/image_core.hpp"
+#include "pictures/picture_core.hpp"
 
 #include "display/device_renderer.hpp"
-#include "orlix_image/rendering.hpp"
+#include "pictures/rendering.hpp"
 
 namespace orlix {
 
-class ImagePicture : public ImagePart<IPictureExZoom> {
+class DevicePicture : public PicturePart<IPictureExZoom> {
 public:
     STDMETHODIMP get_DestToPixelCoords(TCoordinateMap* map) noexcept override;
     STDMETHODIMP get_PixelToDestCoords(TCoordinateMap* map) noexcept override;

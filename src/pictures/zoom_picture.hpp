@@ -1,11 +1,11 @@
 // The part of the image that the picture shows.
 #pragma once
 
-#include "orlix_image/image_picture.hpp"
+#include "pictures/device_picture.hpp"
 
 namespace orlix {
 
-class ImageZoom : public ImagePicture {
+class ZoomPicture : public DevicePicture {
 public:
     STDMETHODIMP get_ZoomFactor(double* factor) noexcept override;
     STDMETHODIMP put_ZoomFactor(double factor) noexcept override;

@@ -1,11 +1,11 @@
 // The zoom for scripts.
 #pragma once
 
-#include "orlix_image/image_core.hpp"
+#include "pictures/picture_core.hpp"
 
 namespace orlix {
 
-class ImageScripts : public ImagePart<IPictureExZoomDisp> {
+class PictureScripts : public PicturePart<IPictureExZoomDisp> {
 public:
     STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override;
     STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override;

@@ -1,4 +1,4 @@
-#include "orlix_image/windows/image_scripts.hpp"
+#include "pictures/windows/picture_scripts.hpp"
 
 // The zoom for scripts: IPictureExZoomDisp.
 
@@ -73,13 +73,13 @@ HRESULT ExceptionOf(HRESULT result, EXCEPINFO* exception) {
 
 }  // namespace
 
-STDMETHODIMP ImageScripts::GetTypeInfoCount(UINT* count) noexcept {
+STDMETHODIMP PictureScripts::GetTypeInfoCount(UINT* count) noexcept {
     if (!count) return E_POINTER;
     *count = 1;
     return S_OK;
 }
 
-STDMETHODIMP ImageScripts::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
+STDMETHODIMP PictureScripts::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept {
     if (!info) return E_POINTER;
     *info = nullptr;
     if (index != 0) return DISP_E_BADINDEX;
@@ -90,7 +90,7 @@ STDMETHODIMP ImageScripts::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexc
     });
 }
 
-STDMETHODIMP ImageScripts::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
+STDMETHODIMP PictureScripts::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!names || !ids) return E_POINTER;
     bool all = true;
@@ -106,8 +106,8 @@ STDMETHODIMP ImageScripts::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count
     return all ? S_OK : DISP_E_UNKNOWNNAME;
 }
 
-STDMETHODIMP ImageScripts::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
-                                  EXCEPINFO* exception, UINT* badArgument) noexcept {
+STDMETHODIMP PictureScripts::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
+                                    EXCEPINFO* exception, UINT* badArgument) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!arguments) return E_POINTER;
     // Numbers are set by value: DISPATCH_PROPERTYPUTREF is not supported.
@@ -120,13 +120,13 @@ STDMETHODIMP ImageScripts::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPP
             if (badArgument) *badArgument = 0;
             return changed;
         }
-        return ExceptionOf(Guarded([&] { return PutProperty(core().zoom, id, number.dblVal); }), exception);
+        return ExceptionOf(Guarded([&] { return PutProperty(picture().zoom, id, number.dblVal); }), exception);
     }
     if (!(flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD))) return DISP_E_MEMBERNOTFOUND;
     if (arguments->cArgs != 0) return DISP_E_BADPARAMCOUNT;
     VARIANT value;
     VariantInit(&value);
-    const HRESULT got = Guarded([&] { return GetProperty(core().zoom, id, value); });
+    const HRESULT got = Guarded([&] { return GetProperty(picture().zoom, id, value); });
     if (SUCCEEDED(got) && result) *result = value;
     return ExceptionOf(got, exception);
 }

@@ -1,6 +1,8 @@
-#include "orlix_image/rendering.hpp"
+#include "pictures/rendering.hpp"
 
 #include <new>
+
+#include "component/failure.hpp"
 
 namespace orlix {
 
@@ -33,10 +35,10 @@ namespace {
 
 // show() gives the bitmap of an image that is there.
 template <class Show>
-const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage,
+const DisplayBitmap& BitmapOf(PictureSource* image, const char* unavailable, const char* noImage,
                               const Show& show) try {
     if (!image) throw Failure(noImage);
-    if (image->store().refused()) throw Failure(unavailable);
+    if (image->Refused()) throw Failure(unavailable);
     const DisplayBitmap& bitmap = show();
     if (bitmap.bitsPerPixel < 8) throw Failure(noImage);
     return bitmap;
@@ -46,11 +48,11 @@ const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, co
 
 }  // namespace
 
-const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage) {
+const DisplayBitmap& BitmapOf(PictureSource* image, const char* unavailable, const char* noImage) {
     return BitmapOf(image, unavailable, noImage, [&]() -> const DisplayBitmap& { return image->Display(); });
 }
 
-std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind& kind, const Rectangle& dest,
+std::optional<PictureDrawing> DrawingOf(PictureSource* image, const RenderKind& kind, const Rectangle& dest,
                                         OLE_COLOR surround, View& lastView, bool whole) {
     std::optional<View> view;
     const DisplayBitmap& bitmap =
@@ -63,7 +65,7 @@ std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind&
             return shown;
         });
     if (dest.empty()) return std::nullopt;
-    PictureDrawing drawing{bitmap, image->displayState().colors, dest, view, surround};
+    PictureDrawing drawing{bitmap, image->Colors(), dest, view, surround};
     if (drawing.view) lastView = *drawing.view;
     return drawing;
 }

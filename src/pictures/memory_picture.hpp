@@ -1,13 +1,13 @@
-// The image as a picture in the client's memory.
+// The picture in the client's memory.
 #pragma once
 
-#include "orlix_image/image_core.hpp"
+#include "pictures/picture_core.hpp"
 
-#include "orlix_image/rendering.hpp"
+#include "pictures/rendering.hpp"
 
 namespace orlix {
 
-class ImageMemoryPictures : public ImagePart<IPictureMemory> {
+class MemoryPicture : public PicturePart<IPictureMemory> {
 public:
     STDMETHODIMP RenderToMemory(SPictureMemory* memory, LONG x, LONG y, LONG width, LONG height) noexcept override;
     STDMETHODIMP RenderTopLeftToMemory(SPictureMemory* memory, LONG x, LONG y, LONG width,

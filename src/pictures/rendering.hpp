@@ -6,8 +6,8 @@
 #include <functional>
 #include <optional>
 
-#include "display/displayed_image.hpp"
 #include "display/picture_drawing.hpp"
+#include "display/picture_source.hpp"
 #include "display/view_geometry.hpp"
 #include "display/zoom_state.hpp"
 
@@ -25,11 +25,11 @@ RenderKind Blt(LONG sourceX, LONG sourceY);
 RenderKind Stretch(const Rectangle& source);
 
 // The bitmap of an image that may be missing (null) or empty; either raises its own text.
-const DisplayBitmap& BitmapOf(DisplayedImage* image, const char* unavailable, const char* noImage);
+const DisplayBitmap& BitmapOf(PictureSource* image, const char* unavailable, const char* noImage);
 
 // nullopt for an empty destination. lastView is set to the view of the drawing, if it has one. Of the bitmap only what
 // is drawn is current, or all of it (whole).
-std::optional<PictureDrawing> DrawingOf(DisplayedImage* image, const RenderKind& kind, const Rectangle& dest,
+std::optional<PictureDrawing> DrawingOf(PictureSource* image, const RenderKind& kind, const Rectangle& dest,
                                         OLE_COLOR surround, View& lastView, bool whole = false);
 
 }  // namespace orlix

@@ -1,11 +1,11 @@
 // Where clients connect to the events of the picture.
 #pragma once
 
-#include "orlix_image/image_core.hpp"
+#include "pictures/picture_core.hpp"
 
 namespace orlix {
 
-class ImageEvents : public ImagePart<IConnectionPointContainer> {
+class PictureEvents : public PicturePart<IConnectionPointContainer> {
 public:
     STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override;
     STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) noexcept override;
