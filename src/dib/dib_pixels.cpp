@@ -141,9 +141,9 @@ DibColours::DibColours(const DibLayout& layout) : bits_(layout.bits) {
 
 uint8_t DibColours::Channel::operator()(uint32_t pixel) const {
     if (mask == 0) return 0;
-    const uint64_t value = (pixel & mask) >> shift;
+    const uint32_t value = (pixel & mask) >> shift;
     if (!level.empty()) return level[value];
-    return static_cast<uint8_t>((510 * value + most) / (2 * most));
+    return static_cast<uint8_t>((510 * uint64_t{value} + most) / (2 * most));
 }
 
 void DibColours::operator()(const uint8_t* row, size_t first, size_t n, uint8_t* red, uint8_t* green,
