@@ -129,7 +129,7 @@ void PutHead(Output& output, LONG type, const ImageContent& content, uint32_t co
 }
 
 template <class Output>
-void PutTail(Output& output, LONG type, const ImageProperties& properties, const StreamSettings& settings) {
+void PutTail(Output& output, LONG type, const ImageProperties& properties, const ImageSettings& settings) {
     PutString(output, properties.description);
     PutSample(output, type, settings.luminanceLower);
     PutSample(output, type, settings.luminanceUpper);
@@ -319,8 +319,8 @@ int32_t ReadBand(Reader& reader, int32_t bands) {
     return band;
 }
 
-StreamSettings ReadSettings(Reader& reader, LONG type, int32_t bands) {
-    StreamSettings settings;
+ImageSettings ReadSettings(Reader& reader, LONG type, int32_t bands) {
+    ImageSettings settings;
     settings.luminanceLower = reader.Sample(type);
     settings.luminanceUpper = reader.Sample(type);
     settings.bandToProcess = ReadBand(reader, bands);
@@ -366,7 +366,7 @@ void ReadEntries(Reader& reader, ImageProperties& properties) {
 
 }  // namespace
 
-StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings) {
+StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const ImageSettings& settings) {
     StreamBytes stream;
     stream.pixels = Compress({content.data, content.layout.totalSize});
     ByteAppender head(stream.head);
@@ -376,7 +376,7 @@ StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const S
     return stream;
 }
 
-uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings) {
+uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const ImageSettings& settings) {
     ByteCounter counter;
     PutHead(counter, dataType, content, 0);
     PutTail(counter, dataType, content.properties, settings);

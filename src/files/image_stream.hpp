@@ -27,25 +27,12 @@
 #include <span>
 #include <vector>
 
+#include "files/image_settings.hpp"
 #include "files/sample_limit.hpp"
 #include "image/image_store.hpp"
 #include "platform/file_io.hpp"
 
 namespace orlix {
-
-// The settings of an image in a stream. Ranges are values of the pixel type. From a reader, the band to process and the
-// band to display exist or are BI_AllBands, and the pixel type allows the number of bins.
-struct StreamSettings {
-    double luminanceLower = 0;
-    double luminanceUpper = 0;
-    int32_t bandToProcess = 0;
-    int32_t numberOfBins = 256;
-    double displayLower = 0;
-    double displayUpper = 0;
-    int32_t bandToDisplay = 0;
-    std::array<uint8_t, 1024> palette{};       // blue, green, red, reserved
-    std::array<uint8_t, 28> displaySetting{};  // as in the stream
-};
 
 // ------------------------------------------------------------------------------------------------------------- writing
 
@@ -60,11 +47,11 @@ struct StreamBytes {
 
 // The pixels of the content must be readable. "IPersistStreamInit::Save: the image is too large for a stream." if they
 // take 2^32 bytes or more, compressed or not.
-StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings);
+StreamBytes WriteImageStream(LONG dataType, const ImageContent& content, const ImageSettings& settings);
 
 // An upper bound of the size of WriteImageStream()'s stream: exact but for the compressed pixels, which count with the
 // size of their buffer, ceil(1.001 size) + 12 bytes.
-uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const StreamSettings& settings);
+uint64_t LargestImageStream(LONG dataType, const ImageContent& content, const ImageSettings& settings);
 
 // ------------------------------------------------------------------------------------------------------------- reading
 
@@ -79,7 +66,7 @@ public:
 struct StreamImage {
     LONG dataType = 0;
     ImageContent content;
-    StreamSettings settings;
+    ImageSettings settings;
 };
 
 // Reads up to the end of the record and no byte beyond it. No number of the stream is trusted. Memory grows with the

@@ -57,7 +57,7 @@ TEST(ImageStream, IsReadFieldByField) {
     ASSERT_EQ(1u, properties.binaries.size());
     EXPECT_EQ(OLESTR("Profile"), properties.binaries[0].keyword);
     EXPECT_EQ((Bytes{1, 0, 255}), properties.binaries[0].bytes);
-    const StreamSettings& settings = image.settings;
+    const ImageSettings& settings = image.settings;
     EXPECT_EQ(std::tuple(7, 200, BI_AllBands, 256), std::tuple(settings.luminanceLower, settings.luminanceUpper,
                                                                settings.bandToProcess, settings.numberOfBins));
     EXPECT_EQ(std::tuple(9, 8, 0, 4u * 3, 77),
