@@ -309,7 +309,7 @@ typedef enum EqualizationType : LONG {
     ET_UpperTriangular = 2
 } EqualizationType;
 
-// Image file formats. BMP is read only.
+// Image file formats.
 typedef enum ImageFileFormat : LONG {
     IFF_ByExtension = 0,
     IFF_PNG = 1,
@@ -317,7 +317,11 @@ typedef enum ImageFileFormat : LONG {
     IFF_PlainPGM = 3,
     IFF_PPM = 4,
     IFF_PlainPPM = 5,
-    IFF_BMP = 6
+    IFF_BMP = 6,
+    IFF_TIFF = 7,
+    IFF_JPEG = 8,
+    IFF_PFM = 9,
+    IFF_PAM = 10
 } ImageFileFormat;
 
 // Offsets of column i (XEntry) and of row i (YEntry), in samples of the image's type. Sample (x, y) of a band is
@@ -720,13 +724,10 @@ MIDL_INTERFACE("f7aa9c93-839b-4c96-9cbd-bd0efc09c235") IImageVPAExPlus : public 
     virtual HRESULT STDMETHODCALLTYPE CreateFromSubImage(IImageVPA* Image, LONG BandIndex, LONG Left, LONG Top,
         LONG Right, LONG Bottom) = 0;
 
-    // Loads PNG, BMP (8 bits, uncompressed), PGM and PPM (plain and raw), recognised by their content. Grey stays
-    // grey with 8 or 16 bits; colour becomes three bands (red, green, blue); an alpha channel is dropped; gamma and
-    // colour profiles are not applied. PNG grey of 1, 2 and 4 bits is scaled to 0..255; PGM and PPM values are kept
-    // as they are, whatever maximum the file declares. A palette is applied; it gives one band if all entries in
-    // use are grey. Pixels per metre (PNG, BMP) become the pixel size. See IImageFile and IImageEntries for what
-    // else is kept. A damaged or incomplete file fails, and a failed load leaves the image as it was. Memory is
-    // allocated as pixels are decoded, never for more than IImageFile::SampleLimit allows.
+    // Loads the first page of an image file as IImageFile::LoadFromFile does.
+    // Of BMP files it takes only uncompressed ones of 8 bits. A damaged or incomplete file fails, and a failed load
+    // leaves the image as it was. Memory is allocated as pixels are decoded, never for more than
+    // IImageFile::SampleLimit allows.
     //   "IImageVPAEx::CreateFromFile: failed to open file."
     //   "IImageVPAEx::CreateFromFile: unknown file format." and the texts of the readers, each under its own name
     virtual HRESULT STDMETHODCALLTYPE CreateFromFile(BSTR FileName) = 0;
@@ -744,11 +745,15 @@ DEFINE_GUID(IID_IImageVPAExPlus, 0xf7aa9c93, 0x839b, 0x4c96, 0x9c,0xbd, 0xbd,0x0
 __CRT_UUID_DECL(IImageVPAExPlus, 0xf7aa9c93, 0x839b, 0x4c96, 0x9c,0xbd, 0xbd,0x0e,0xfc,0x09,0xc2,0x35)
 #endif
 
-// Saves image files, and holds the pixel size and the limit of what may be loaded.
+// Loads and saves image files, and holds the pixel size and the limit of what may be loaded.
 MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnknown {
     // Saves the image. IFF_ByExtension chooses by the file name (.png .pgm .ppm, any case). PNG takes 8- and 16-bit
     // images of one band (grey) or three (colour); PGM one band, PPM three, 8 or 16 bits. The file is written next
     // to its final place and then moved there, so a failure leaves an older file of that name as it was.
+    // PNG keeps all that streams keep (IPersistStreamInit), and chunks of other programs that came with a loaded
+    // PNG file and may be copied although the pixels have changed. Samples of fewer significant bits than their
+    // type has (see SignificantBits) are scaled to the type's range, as other programs expect them, and scaled back
+    // exactly when the file is loaded.
     //   "IImageFile::SaveToFile: no image."
     //   "IImageFile::SaveToFile: unknown file format."
     //   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."
@@ -760,7 +765,7 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     virtual HRESULT STDMETHODCALLTYPE GetMicronsPerPixel(double* X, double* Y) = 0;
 
     // Sets the physical size of a pixel in microns: finite values above 0, or 0, 0 for unknown.
-    // PNG files keep it (in whole pixels per metre, so to about one part in a million for pixels of a micron).
+    // PNG files keep it exactly; other programs read it from there in whole pixels per metre.
     // "IImageFile::PutMicronsPerPixel: the pixel size must be positive."
     virtual HRESULT STDMETHODCALLTYPE PutMicronsPerPixel(double X, double Y) = 0;
 
@@ -789,18 +794,60 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     //   "IImageVPAEx::CreateFromFile: the image has 20000000 rows or columns, more than the limit of 16777216."
     // IPersistStreamInit::Load reports the same under its own name (E_FAIL).
     virtual HRESULT STDMETHODCALLTYPE put_SampleLimit(LONG newVal) = 0;
+
+    // Loads a page of an image file, which its content recognises: PNG, BMP, PGM and PPM (plain and raw). Page
+    // counts from 0; all formats but TIFF have one page.
+    // Grey stays grey with 8 or 16 bits; colour becomes three bands (red, green, blue); an alpha channel is
+    // dropped; gamma and colour profiles are not applied. PNG grey of 1, 2 and 4 bits is scaled to 0..255; PGM and
+    // PPM values are kept as they are, whatever maximum the file declares. A palette is applied; it gives one band
+    // if all entries in use are grey. Pixels per metre (PNG, BMP) become the pixel size. A PNG file that this
+    // library has saved gives back all that streams keep: with the coordinate map, the texts and the bytes also
+    // the luminance range, the number of bins, the band to process and the settings of the display; of other files
+    // these stay as they are. A failure leaves the image as it was.
+    //   "IImageVPAEx::CreateFromFile: failed to open file."
+    //   "IImageVPAEx::CreateFromFile: unknown file format." and the texts of the readers, each under its own name
+    //   "IImageFile::LoadFromFile: the file has no such page."
+    virtual HRESULT STDMETHODCALLTYPE LoadFromFile(BSTR FileName, LONG Page) = 0;
+
+    // Number of images in a file. Reads what the format needs to count them, and changes nothing.
+    // Failures as of LoadFromFile.
+    virtual HRESULT STDMETHODCALLTYPE GetNumberOfPages(BSTR FileName, LONG* hVal) = 0;
+
+    // Number of low bits of a sample that are in use, 0 if that is not known.
+    // Cameras of 10, 12 and 14 bits use so many of 16. Creating an image sets it to 0; loading a file sets it where
+    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of
+    // 8 and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
+    virtual HRESULT STDMETHODCALLTYPE get_SignificantBits(LONG* hVal) = 0;
+
+    // Number of low bits of a sample that are in use, 0 if that is not known.
+    // Cameras of 10, 12 and 14 bits use so many of 16. Creating an image sets it to 0; loading a file sets it where
+    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of
+    // 8 and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
+    virtual HRESULT STDMETHODCALLTYPE put_SignificantBits(LONG newVal) = 0;
+
+    // Where the pixel size comes from, for people: "PNG pHYs chunk", "stream", "client" and so on.
+    // Null when the pixel size is not known. The caller frees the string.
+    virtual HRESULT STDMETHODCALLTYPE get_CalibrationSource(BSTR* hVal) = 0;
+
+    // Quality of JPEG files that are saved, 1 (smallest) to 100 (best); initially 90.
+    //   "IImageFile::put_Quality: the quality must be 1 to 100."
+    virtual HRESULT STDMETHODCALLTYPE get_Quality(LONG* hVal) = 0;
+
+    // Quality of JPEG files that are saved, 1 (smallest) to 100 (best); initially 90.
+    //   "IImageFile::put_Quality: the quality must be 1 to 100."
+    virtual HRESULT STDMETHODCALLTYPE put_Quality(LONG newVal) = 0;
 };
 DEFINE_GUID(IID_IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc);
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc)
 #endif
 
-// Texts and bytes that travel with the image under keywords. Streams keep all of them. PNG files keep the texts
-// whose keyword the format can hold: 1 to 79 Latin-1 characters without leading, trailing or double blanks. Other
-// keywords, empty texts and several entries of one keyword come from streams only; putting an entry changes the
-// first one of its keyword, and the entries keep their order. An index below 0 or beyond the last entry:
-// "IImageEntries::GetTextEntry: Index is out of range.", with the name of the method. A keyword that PNG files
-// cannot hold: "IImageEntries::PutTextEntry: invalid keyword.", and likewise from PutBinaryEntry.
+// Texts and bytes that travel with the image under keywords. Streams and PNG files keep all of them. Keywords have
+// 1 to 79 Latin-1 characters without leading, trailing or double blanks, so that other programs find the texts in
+// PNG files. Other keywords, empty texts and several entries of one keyword come from streams and files only;
+// putting an entry changes the first one of its keyword, and the entries keep their order. An index below 0 or
+// beyond the last entry: "IImageEntries::GetTextEntry: Index is out of range.", with the name of the method.
+// Another keyword: "IImageEntries::PutTextEntry: invalid keyword.", and likewise from PutBinaryEntry.
 MIDL_INTERFACE("ea41b692-ea17-4aad-afe0-f80368ec9549") IImageEntries : public IUnknown {
     // Number of text entries.
     virtual HRESULT STDMETHODCALLTYPE get_NumberOfTextEntries(LONG* hVal) = 0;

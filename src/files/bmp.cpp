@@ -58,18 +58,17 @@ bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept {
     return bytes.size() >= 2 && bytes[0] == 'B' && bytes[1] == 'M';
 }
 
-FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit, bool any) try {
-    const DibView dib = ReadView(bytes, any);
+FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options) try {
+    const DibView dib = ReadView(bytes, options.anyBitmap);
     FileProperties properties;
     properties.width = dib.layout.width;
     properties.height = dib.layout.height;
-    properties.bits = 8;
-    properties.micronsX = dib.layout.micronsX;
-    properties.micronsY = dib.layout.micronsY;
+    if (dib.layout.micronsX > 0)
+        properties.kept.PutMicrons(dib.layout.micronsX, dib.layout.micronsY, "BMP pixels per metre");
     // Which bands there are shows in the pixels only, and run lengths can hold many more of these than bytes.
-    if (dib.layout.compressed()) RequireWithin(limit, properties.width, properties.height, 1);
+    if (dib.layout.compressed()) RequireWithin(options.limit, properties.width, properties.height, 1);
     properties.bands = DibBands(dib);
-    RequireWithin(limit, properties.width, properties.height, properties.bands);
+    RequireWithin(options.limit, properties.width, properties.height, properties.bands);
     sink.Begin(properties);
     ReadDibSamples(dib, properties.bands,
                    [&](int32_t band, int32_t y) { return static_cast<uint8_t*>(sink.Row(band, y)); });
@@ -78,13 +77,13 @@ FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const Sa
     throw Failure(TextOf(failure.fault()), DISP_E_EXCEPTION);
 }
 
-std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& source) {
+std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
     DibFields fields;
     fields.width = properties.width;
     fields.height = properties.height;
     fields.bits = properties.bands == 1 ? 8 : 24;
-    fields.micronsX = properties.micronsX;
-    fields.micronsY = properties.micronsY;
+    fields.micronsX = properties.kept.micronsX;
+    fields.micronsY = properties.kept.micronsY;
     const std::vector<uint8_t> header = MakeDibHeader(fields);
     const auto width = static_cast<size_t>(properties.width), bands = static_cast<size_t>(properties.bands);
     const uint64_t start = kFileHeader + header.size(), stride = (uint64_t{width} * bands + 3) / 4 * 4;

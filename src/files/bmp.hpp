@@ -11,21 +11,21 @@ namespace orlix {
 
 bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept;
 
-// Reads uncompressed bitmaps of 8 bits, and with `any` all others. Failures, in the order of the checks:
+// Reads uncompressed bitmaps of 8 bits, and with options.anyBitmap all others. Failures, in the order of the checks:
 //   "IImageVPAEx::CreateFromBmp: problems reading bmp header": truncated, an unknown header, no width or height
-//   "IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported." (not with `any`)
-//   "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported." (not with `any`)
+//   "IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported." (not with anyBitmap)
+//   "IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported." (not with anyBitmap)
 //   "IImageVPAEx::CreateFromBmp: unknown number of bits per pixel.": other than 1, 4, 8, 16, 24, 32
 //   "IImageVPAEx::CreateFromBmp: unknown compression.": also one that does not go with the number of bits
 //   "IImageVPAEx::CreateFromBmp: invalid colour masks.": cut off, with gaps, or none for any colour
 //   "IImageVPAEx::CreateFromBmp: the file is too short for its image."
 //   "IImageVPAEx::CreateFromBmp: the run lengths leave the image."
 //   "IImageVPAEx::CreateFromBmp: a pixel is outside the palette."
-FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit, bool any);
+FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options);
 
 // Bottom-up, with a header of 40 bytes: one band as 8 bits with a palette of grey levels, three as 24 bits. The size of
 // a pixel is kept in whole pixels per metre. Failure:
 //   "IImageFile::SaveToFile: the image is too large for the format.": 4 GB, the size that the header can hold
-std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& source);
+std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& source, const WriteOptions& options);
 
 }  // namespace orlix

@@ -56,43 +56,51 @@ bool Contains(std::span<const int32_t> values, int32_t value) {
     return std::ranges::find(values, value) != values.end();
 }
 
+const char* OtherTypesText(const FileFormat& format) {
+    const auto largest = format.types.empty() ? DT_Float : *std::ranges::max_element(format.types);
+    return largest == DT_BYTE   ? "IImageFile::SaveToFile: the format holds 8-bit images only."
+           : largest == DT_WORD ? "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."
+                                : "IImageFile::SaveToFile: the format does not hold this type of pixels.";
+}
+
 }  // namespace
 
-FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
-    return FormatOfContent(bytes).read(bytes, sink, limit);
+FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options) {
+    const FileFormat& format = FormatOfContent(bytes);
+    // Readers that know pages of their own refuse the others.
+    if (options.page < 0 || (options.page > 0 && !format.pages))
+        throw Failure("IImageFile::LoadFromFile: the file has no such page.", DISP_E_EXCEPTION);
+    return format.read(bytes, sink, options);
 }
 
-FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const SampleLimit& limit) {
+FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const ReadOptions& options) {
     // A look at the start saves reading a huge file that is no image.
     FormatOfContent(Load(path, kLooksLikeBytes).bytes());
-    return ReadImageFile(Load(path, std::numeric_limits<size_t>::max()).bytes(), sink, limit);
+    return ReadImageFile(Load(path, std::numeric_limits<size_t>::max()).bytes(), sink, options);
 }
 
-std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties& properties, PixelSource& source) {
+int32_t PagesOfImageFile(WideStringView path) {
+    const FileContent start = Load(path, kLooksLikeBytes);
+    const FileFormat& format = FormatOfContent(start.bytes());
+    return format.pages ? format.pages(Load(path, std::numeric_limits<size_t>::max()).bytes()) : 1;
+}
+
+std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties& properties, PixelSource& source,
+                                    const WriteOptions& options) {
     if (properties.width <= 0 || properties.height <= 0) throw Failure("IImageFile::SaveToFile: no image.");
     const FileFormat* row = FindFormat([&](const FileFormat& known) { return known.code == format && known.write; });
     if (!row) throw Failure("IImageFile::SaveToFile: unknown file format.");
-    if (!Contains(row->bits, properties.bits))
-        throw Failure("IImageFile::SaveToFile: the format holds 8- and 16-bit images only.");
-    if (!Contains(row->bands, properties.bands))
+    if (std::ranges::find(row->types, properties.dataType) == row->types.end()) throw Failure(OtherTypesText(*row));
+    if (!row->bands.empty() && !Contains(row->bands, properties.bands))
         throw Failure("IImageFile::SaveToFile: the format does not hold this number of bands.");
-    return row->write(properties, source);
+    return row->write(properties, source, options);
 }
 
-void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source) {
+void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source,
+                   const WriteOptions& options) {
     if (format == IFF_ByExtension) format = FormatOfPath(path);
-    if (!WriteWholeFile(path, WriteImageFile(format, properties, source)))
+    if (!WriteWholeFile(path, WriteImageFile(format, properties, source, options)))
         throw Failure("IImageFile::SaveToFile: failed to write file.");
-}
-
-bool IsFileKeyword(WideStringView keyword) noexcept {
-    if (keyword.empty() || keyword.size() > 79 || keyword.front() == ' ' || keyword.back() == ' ') return false;
-    for (size_t i = 0; i < keyword.size(); ++i) {
-        const OLECHAR c = keyword[i];
-        if (!(c >= 32 && c < 127) && !(c > 160 && c < 256)) return false;
-        if (c == ' ' && keyword[i - 1] == ' ') return false;  // not the first, see above
-    }
-    return true;
 }
 
 }  // namespace orlix

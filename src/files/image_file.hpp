@@ -2,6 +2,7 @@
 //
 // What a file becomes. Grey stays one band, colour becomes three (red, green, blue). Samples of up to 8 bits become 8
 // bits, wider ones 16.
+//   All   IImageFile::LoadFromFile says what is kept besides the pixels.
 //   PNG   Every colour type and depth, interlaced or not. Grey of 1, 2 and 4 bits is scaled to 0..255 (times 255, 85,
 //         17); 8 and 16 bits are unchanged. A palette is applied. An alpha channel and transparent colours are dropped:
 //         the stored samples count, visible or not. Gamma and colour profiles are not applied.
@@ -37,26 +38,31 @@ namespace orlix {
 //   "IImageVPAEx::CreateFromFile: unknown file format."
 //   "IImageVPAEx::CreateFromFile: problems reading pgm header", and so on: the header of each reader lists its texts
 //   "IImageVPAEx::CreateFromFile: the image has N samples, more than the limit of M.", see SampleLimit
+//   "IImageFile::LoadFromFile: the file has no such page."
 // Exceptions of the sink pass through. After a failure the sink may have been begun and partly filled.
-FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit = {});
+FileProperties ReadImageFile(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options = {});
 
 // Reads the file at a path. Fails like ReadImageFile() and with:
 //   "IImageVPAEx::CreateFromFile: failed to open file."   also for what is not a regular file (folder, device, pipe)
 //   "IImageVPAEx::CreateFromFile: failed to read file."
-FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const SampleLimit& limit = {});
+FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const ReadOptions& options = {});
 
-// The bytes of a file of the given format. PNG keeps the texts, and the pixel size in whole pixels per metre (left out
-// where that number is not in 1 .. 2^31 - 1). PGM and PPM keep the pixels only. Failures, in the order of the checks:
+// The number of images in the file at a path. Fails like LoadImageFile().
+int32_t PagesOfImageFile(WideStringView path);
+
+// The bytes of a file of the given format. PNG keeps all properties. PGM and PPM keep the pixels only, and the number of
+// significant bits as the declared maximum. Failures, in the order of the checks:
 //   "IImageFile::SaveToFile: no image."              no width or no height
 //   "IImageFile::SaveToFile: unknown file format."   also for IFF_ByExtension and formats that are read only
-//   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."
+//   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only.", or "8-bit images only.", or, of other
+//   formats, "IImageFile::SaveToFile: the format does not hold this type of pixels."
 //   "IImageFile::SaveToFile: the format does not hold this number of bands."
-// Empty texts and texts whose keyword IsFileKeyword() refuses are left out. A text ends before its first character 0;
-// half a surrogate pair becomes U+FFFD.
-std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties& properties, PixelSource& source);
+std::vector<uint8_t> WriteImageFile(ImageFileFormat format, const FileProperties& properties, PixelSource& source,
+                                    const WriteOptions& options = {});
 
 // Writes the file at a path. IFF_ByExtension chooses the format by the extension, in upper or lower case. A file that
 // exists is replaced only once the new one is complete: "IImageFile::SaveToFile: failed to write file."
-void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source);
+void SaveImageFile(WideStringView path, ImageFileFormat format, const FileProperties& properties, PixelSource& source,
+                   const WriteOptions& options = {});
 
 }  // namespace orlix

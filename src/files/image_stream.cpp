@@ -339,10 +339,8 @@ bool TakeMicrons(const BinaryEntry& entry, ImageProperties& properties) {
     if (entry.keyword != kMicronsKeyword || entry.bytes.size() != kMicronsSize) return false;
     double microns[2];
     std::memcpy(microns, entry.bytes.data(), sizeof microns);
-    for (const double value : microns)
-        if (!(value > 0 && std::isfinite(value))) return false;
-    properties.micronsX = microns[0];
-    properties.micronsY = microns[1];
+    if (!IsPixelSize(microns[0], microns[1])) return false;
+    properties.PutMicrons(microns[0], microns[1], "stream");
     return true;
 }
 

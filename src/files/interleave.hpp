@@ -10,8 +10,10 @@
 
 namespace orlix {
 
-constexpr size_t SampleBytes(const FileProperties& properties) { return properties.bits == 16 ? 2 : 1; }
-constexpr size_t PixelBytes(const FileProperties& properties) {
+inline size_t SampleBytes(const FileProperties& properties) {
+    return static_cast<size_t>(BytesPerSample(properties.dataType));
+}
+inline size_t PixelBytes(const FileProperties& properties) {
     return static_cast<size_t>(properties.bands) * SampleBytes(properties);
 }
 
@@ -22,7 +24,7 @@ inline void InterleaveRow(PixelSource& source, const FileProperties& properties,
     for (int32_t band = 0; band < properties.bands; ++band) {
         const void* row = source.Row(band, y);
         uint8_t* at = out + static_cast<size_t>(band) * SampleBytes(properties);
-        if (properties.bits == 16) {
+        if (properties.dataType == DT_WORD) {
             const auto* in = static_cast<const uint16_t*>(row);
             for (size_t x = 0; x < width; ++x) PutBigEndian16(at + x * step, in[x]);
         } else {

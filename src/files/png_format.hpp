@@ -22,6 +22,7 @@ constexpr uint32_t kHeader = ChunkType("IHDR");
 constexpr uint32_t kPalette = ChunkType("PLTE");
 constexpr uint32_t kPixels = ChunkType("IDAT");
 constexpr uint32_t kEnd = ChunkType("IEND");
+constexpr uint32_t kSignificantBits = ChunkType("sBIT");
 constexpr uint32_t kPixelSize = ChunkType("pHYs");
 constexpr uint32_t kText = ChunkType("tEXt");
 constexpr uint32_t kCompressedText = ChunkType("zTXt");
@@ -29,6 +30,16 @@ constexpr uint32_t kInternationalText = ChunkType("iTXt");
 
 // A small first letter marks chunks that a reader may skip.
 constexpr bool IsOptional(uint32_t type) { return (type >> 24 & 0x20) != 0; }
+
+// Whether a program that does not know the chunk may copy it into a file with other pixels: four letters, the first and
+// the last small, the third a capital.
+constexpr bool IsSafeToCopy(uint32_t type) {
+    for (int shift = 0; shift < 32; shift += 8) {
+        const auto letter = static_cast<char>(type >> shift | 0x20);
+        if (letter < 'a' || letter > 'z') return false;
+    }
+    return IsOptional(type) && (type >> 8 & 0x20) == 0 && (type & 0x20) != 0;
+}
 
 constexpr size_t kHeaderSize = 13;    // width, height, depth, colour type, compression, filter method, interlace
 constexpr size_t kPixelSizeSize = 9;  // pixels per unit in x and y, unit

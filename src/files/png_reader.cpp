@@ -11,9 +11,12 @@
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
 #include "files/png_format.hpp"
+#include "files/png_samples.hpp"
 #include "files/png_text.hpp"
+#include "files/private_chunks.hpp"
 #include "image/byte_order.hpp"
 #include "image/palette.hpp"
+#include "image/pixel_size.hpp"
 
 namespace orlix {
 namespace {
@@ -57,8 +60,9 @@ struct PngFile {
     Palette palette;
     std::vector<std::span<const uint8_t>> pixels;  // the pieces of the compressed stream
     uint64_t compressedSize = 0;
-    double micronsX = 0.0, micronsY = 0.0;
-    std::vector<FileText> texts;
+    int32_t perMetreX = 0, perMetreY = 0;  // 0 for none
+    int32_t significantBits = 0;           // of all colour channels; 0 for those of the file
+    FileProperties properties;             // the number of bands may still become 3, by the palette
 };
 
 bool IsDepth(uint8_t colourType, uint8_t depth) {
@@ -108,8 +112,33 @@ void ParsePixelSize(std::span<const uint8_t> data, PngFile& file) {
     if (data.size() != kPixelSizeSize || data[8] != kMetre) return;
     const uint32_t perMetreX = BigEndian32(data.data()), perMetreY = BigEndian32(data.data() + 4);
     if (perMetreX == 0 || perMetreX > kLargestNumber || perMetreY == 0 || perMetreY > kLargestNumber) return;
-    file.micronsX = 1e6 / perMetreX;
-    file.micronsY = 1e6 / perMetreY;
+    file.perMetreX = static_cast<int32_t>(perMetreX);
+    file.perMetreY = static_cast<int32_t>(perMetreY);
+}
+
+void ParseSignificantBits(std::span<const uint8_t> data, PngFile& file) {
+    const PngHeader& header = file.header;
+    if (header.depth < 8 || header.colourType == kIndexed || data.size() != static_cast<size_t>(header.Samples()))
+        return;
+    const auto channels = data.first(header.HasColour() ? 3 : 1);
+    const uint8_t bits = channels.front();
+    if (bits == 0 || bits >= header.depth || std::ranges::count(channels, bits) != std::ssize(channels)) return;
+    file.significantBits = bits;
+}
+
+// The exact pixel size of the calibration chunk is still that of the image unless another program has changed the size
+// that all programs know.
+void ChoosePixelSize(PngFile& file) {
+    ImageProperties& kept = file.properties.kept;
+    if (file.perMetreX == 0 || (kept.micronsX > 0 && PixelsPerMetre(kept.micronsX) == file.perMetreX &&
+                                PixelsPerMetre(kept.micronsY) == file.perMetreY))
+        return;
+    kept.PutMicrons(1e6 / file.perMetreX, 1e6 / file.perMetreY, "PNG pHYs chunk");
+}
+
+void KeepForeign(uint32_t type, std::span<const uint8_t> data, PngFile& file) {
+    if (IsSafeToCopy(type))
+        file.properties.kept.chunks.push_back({type, !file.pixels.empty(), {data.begin(), data.end()}});
 }
 
 struct Chunk {
@@ -139,6 +168,10 @@ PngFile ParseFile(std::span<const uint8_t> bytes) {
     const Chunk first = TakeChunk(bytes);
     if (first.type != kHeader) BadPngHeader();
     file.header = ParseHeader(first.data);
+    file.properties.width = static_cast<int32_t>(file.header.width);
+    file.properties.height = static_cast<int32_t>(file.header.height);
+    file.properties.bands = file.header.HasColour() ? 3 : 1;
+    file.properties.dataType = file.header.depth == 16 ? DT_WORD : DT_BYTE;
     size_t textBudget = kTextBudget;
     for (uint32_t previous = kHeader;;) {
         const auto [type, data] = TakeChunk(bytes);
@@ -157,18 +190,23 @@ PngFile ParseFile(std::span<const uint8_t> bytes) {
             case kEnd:
                 if (file.pixels.empty()) BadOrder();
                 if (file.header.colourType == kIndexed && file.palette.count == 0) BadPalette();
+                ChoosePixelSize(file);
                 return file;
+            case kSignificantBits:
+                ParseSignificantBits(data, file);
+                break;
             case kPixelSize:
                 ParsePixelSize(data, file);
                 break;
             case kText:
             case kCompressedText:
             case kInternationalText:
-                if (auto text = ReadText(type, data, textBudget)) file.texts.push_back(std::move(*text));
+                if (auto text = ReadText(type, data, textBudget)) file.properties.kept.Keep(std::move(*text));
                 break;
             default:
                 if (!IsOptional(type))
                     BadPng("IImageVPAEx::CreateFromPng: the file needs a chunk that is not supported.");
+                if (!TakePrivateChunk(type, data, "PNG caLB chunk", file.properties)) KeepForeign(type, data, file);
         }
         previous = type;
     }
@@ -328,6 +366,36 @@ void ReadSamples(const PngFile& file, int32_t bands, PixelSink& sink) {
     });
 }
 
+// Turns samples that were scaled from fewer bits into what they were, if all of them have the bits that scaling gives,
+// or zeros behind theirs; otherwise they stay.
+template <class Sample>
+bool UnscaleSamples(int32_t bits, const FileProperties& properties, PixelSink& sink) {
+    constexpr int32_t kDepth = 8 * sizeof(Sample);
+    const int32_t shift = kDepth - bits;
+    const std::vector<uint16_t> scaled = ScaledSamples(bits, kDepth);
+    bool repeated = true, padded = true;
+    const auto forRows = [&](const auto& use) {
+        for (int32_t band = 0; band < properties.bands; ++band)
+            for (int32_t y = 0; y < properties.height && (repeated || padded); ++y)
+                use(std::span(static_cast<Sample*>(sink.Row(band, y)), static_cast<size_t>(properties.width)));
+    };
+    forRows([&](std::span<const Sample> row) {
+        for (const Sample sample : row) {
+            repeated &= sample == scaled[sample >> shift];
+            padded &= static_cast<Sample>(sample >> shift << shift) == sample;
+        }
+    });
+    forRows([&](std::span<Sample> row) {
+        for (Sample& sample : row) sample = static_cast<Sample>(sample >> shift);
+    });
+    return repeated || padded;
+}
+
+bool Unscale(int32_t bits, const FileProperties& properties, PixelSink& sink) {
+    return properties.dataType == DT_WORD ? UnscaleSamples<uint16_t>(bits, properties, sink)
+                                          : UnscaleSamples<uint8_t>(bits, properties, sink);
+}
+
 template <size_t kPixels>
 void ReadPacked(const PngFile& file, const Palette& palette, int32_t bands, PixelSink& sink) {
     std::vector<ByteLevels<kPixels>> levels;
@@ -386,36 +454,33 @@ bool LooksLikePng(std::span<const uint8_t> bytes) noexcept {
     return bytes.size() >= 4 && std::equal(kSignature.begin(), kSignature.begin() + 4, bytes.begin());
 }
 
-FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
+FileProperties ReadPng(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options) {
     PngFile file = ParseFile(bytes);
     RequireEnoughBytes(file);
 
-    FileProperties properties;
-    properties.width = static_cast<int32_t>(file.header.width);
-    properties.height = static_cast<int32_t>(file.header.height);
-    properties.bits = file.header.depth == 16 ? 16 : 8;
-    properties.micronsX = file.micronsX;
-    properties.micronsY = file.micronsY;
-    properties.texts = std::move(file.texts);
-    properties.bands = file.header.HasColour() ? 3 : 1;
-    RequireWithin(limit, properties.width, properties.height, properties.bands);
+    FileProperties& properties = file.properties;
+    RequireWithin(options.limit, properties.width, properties.height, properties.bands);
     if (file.header.colourType == kIndexed) {
         // The number of bands depends on the entries in use, so the pixels are decoded twice. Files with palettes are
         // small.
         const UsedIndices used = FindUsed(file);
         if (!Covers(file.palette, used)) BadPng("IImageVPAEx::CreateFromPng: a pixel is outside the palette.");
         properties.bands = IsGrey(file.palette, used) ? 1 : 3;
-        RequireWithin(limit, properties.width, properties.height, properties.bands);
+        RequireWithin(options.limit, properties.width, properties.height, properties.bands);
+        DropUnfitSettings(properties);
         sink.Begin(properties);
         ReadIndices(file, file.palette, properties.bands, sink);
     } else {
+        DropUnfitSettings(properties);
         sink.Begin(properties);
         if (file.header.depth < 8)
             ReadIndices(file, GreyLevels(file.header.depth), properties.bands, sink);
         else
             ReadSamples(file, properties.bands, sink);
+        if (file.significantBits > 0 && Unscale(file.significantBits, properties, sink))
+            properties.kept.significantBits = file.significantBits;
     }
-    return properties;
+    return std::move(properties);
 }
 
 }  // namespace orlix

@@ -44,10 +44,10 @@ bool IsPlain(WideStringView text) {
 
 }  // namespace
 
-std::optional<FileText> ReadText(uint32_t type, Bytes data, size_t& budget) {
+std::optional<TextEntry> ReadText(uint32_t type, Bytes data, size_t& budget) {
     const auto keyword = TakeString(data);
     if (!keyword) return std::nullopt;
-    FileText entry{FromLatin1(*keyword), {}};
+    TextEntry entry{FromLatin1(*keyword), {}};
     if (!IsFileKeyword(entry.keyword)) return std::nullopt;
 
     bool compressed = type == kCompressedText;
@@ -73,14 +73,15 @@ std::optional<FileText> ReadText(uint32_t type, Bytes data, size_t& budget) {
     return entry;
 }
 
-std::optional<TextChunk> WriteText(const FileText& entry) {
-    WideStringView text = entry.text;
-    text = text.substr(0, text.find(OLECHAR{0}));
-    if (text.empty() || !IsFileKeyword(entry.keyword)) return std::nullopt;
+std::optional<TextChunk> WriteText(const TextEntry& entry) {
+    const WideStringView text = entry.text;
+    if (text.empty() || text.find(OLECHAR{0}) != text.npos || !IsFileKeyword(entry.keyword)) return std::nullopt;
     const std::string keyword = ToLatin1(entry.keyword) + '\0';
     if (IsPlain(text)) return TextChunk{kText, keyword + ToLatin1(text)};
+    const std::string utf8 = ToUtf8Bytes(text);
+    if (FromUtf8({reinterpret_cast<const uint8_t*>(utf8.data()), utf8.size()}) != text) return std::nullopt;
     // Not compressed, no language, no translated keyword.
-    return TextChunk{kInternationalText, keyword + std::string(4, '\0') + ToUtf8Bytes(text)};
+    return TextChunk{kInternationalText, keyword + std::string(4, '\0') + utf8};
 }
 
 }  // namespace orlix::png

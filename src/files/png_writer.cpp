@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -10,9 +9,12 @@
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
 #include "files/png_format.hpp"
+#include "files/png_samples.hpp"
 #include "files/png_text.hpp"
+#include "files/private_chunks.hpp"
 #include "files/zlib_memory.hpp"
 #include "image/byte_order.hpp"
+#include "image/pixel_size.hpp"
 
 namespace orlix {
 namespace {
@@ -34,26 +36,73 @@ void AppendHeader(std::vector<uint8_t>& bytes, const FileProperties& properties)
     std::array<uint8_t, kHeaderSize> data{};
     PutBigEndian32(&data[0], static_cast<uint32_t>(properties.width));
     PutBigEndian32(&data[4], static_cast<uint32_t>(properties.height));
-    data[8] = static_cast<uint8_t>(properties.bits);
+    data[8] = properties.dataType == DT_WORD ? 16 : 8;
     data[9] = properties.bands == 3 ? kColour : kGrey;
     AppendChunk(bytes, kHeader, data);
 }
 
-// Whole pixels per metre, or 0 if the format cannot hold the number.
-uint32_t PerMetre(double microns) {
-    const double pixels = std::floor(1e6 / microns + 0.5);
-    return microns > 0 && pixels >= 1 && pixels <= kLargestNumber ? static_cast<uint32_t>(pixels) : 0;
-}
-
 void AppendPixelSize(std::vector<uint8_t>& bytes, const FileProperties& properties) {
-    const uint32_t x = PerMetre(properties.micronsX), y = PerMetre(properties.micronsY);
+    const int32_t x = PixelsPerMetre(properties.kept.micronsX), y = PixelsPerMetre(properties.kept.micronsY);
     if (x == 0 || y == 0) return;
     std::array<uint8_t, kPixelSizeSize> data{};
-    PutBigEndian32(&data[0], x);
-    PutBigEndian32(&data[4], y);
+    PutBigEndian32(&data[0], static_cast<uint32_t>(x));
+    PutBigEndian32(&data[4], static_cast<uint32_t>(y));
     data[8] = kMetre;
     AppendChunk(bytes, kPixelSize, data);
 }
+
+// The original number of bits of all channels, which are scaled to those of the file.
+void AppendSignificantBits(std::vector<uint8_t>& bytes, const FileProperties& properties, int32_t bits) {
+    const std::vector<uint8_t> data(static_cast<size_t>(properties.bands), static_cast<uint8_t>(bits));
+    AppendChunk(bytes, kSignificantBits, data);
+}
+
+void AppendTexts(std::vector<uint8_t>& bytes, const FileProperties& properties) {
+    for (const TextEntry& entry : properties.kept.AllTexts()) {
+        if (const auto chunk = WriteText(entry)) {
+            AppendChunk(bytes, chunk->type, {reinterpret_cast<const uint8_t*>(chunk->data.data()), chunk->data.size()});
+        } else {
+            const PrivateChunk whole = TextEntryChunk(entry);
+            AppendChunk(bytes, whole.type, whole.data);
+        }
+    }
+}
+
+void AppendForeign(std::vector<uint8_t>& bytes, const FileProperties& properties, bool behindPixels) {
+    for (const ForeignChunk& chunk : properties.kept.chunks)
+        if (chunk.behindPixels == behindPixels) AppendChunk(bytes, chunk.type, chunk.bytes);
+}
+
+// Samples of fewer bits, scaled to all bits of their type.
+class ScaledSource final : public PixelSource {
+public:
+    ScaledSource(const FileProperties& properties, PixelSource& source, int32_t bits)
+        : source_(source),
+          width_(static_cast<size_t>(properties.width)),
+          words_(properties.dataType == DT_WORD),
+          scaled_(ScaledSamples(bits, words_ ? 16 : 8)),
+          row_(width_ * (words_ ? 2 : 1)) {}
+
+    const void* Row(int32_t band, int32_t y) override {
+        const void* row = source_.Row(band, y);
+        words_ ? Scale<uint16_t>(row) : Scale<uint8_t>(row);
+        return row_.data();
+    }
+
+private:
+    template <class Sample>
+    void Scale(const void* from) {
+        const auto* in = static_cast<const Sample*>(from);
+        auto* out = reinterpret_cast<Sample*>(row_.data());
+        for (size_t x = 0; x < width_; ++x) out[x] = static_cast<Sample>(scaled_[in[x]]);
+    }
+
+    PixelSource& source_;
+    size_t width_;
+    bool words_;
+    std::vector<uint16_t> scaled_;
+    std::vector<uint8_t> row_;
+};
 
 // Writes a compressed stream as a sequence of pixel chunks.
 class Compressor {
@@ -201,14 +250,22 @@ void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties,
 
 }  // namespace
 
-std::vector<uint8_t> WritePng(const FileProperties& properties, PixelSource& source) {
+std::vector<uint8_t> WritePng(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
     std::vector<uint8_t> bytes(kSignature.begin(), kSignature.end());
     AppendHeader(bytes, properties);
+    const int32_t depth = properties.dataType == DT_WORD ? 16 : 8, bits = BitsInUse(properties, source);
+    if (bits < depth) AppendSignificantBits(bytes, properties, bits);
     AppendPixelSize(bytes, properties);
-    for (const FileText& text : properties.texts)
-        if (const auto chunk = WriteText(text))
-            AppendChunk(bytes, chunk->type, {reinterpret_cast<const uint8_t*>(chunk->data.data()), chunk->data.size()});
-    AppendPixels(bytes, properties, source);
+    for (const PrivateChunk& chunk : PrivateChunks(properties)) AppendChunk(bytes, chunk.type, chunk.data);
+    AppendTexts(bytes, properties);
+    AppendForeign(bytes, properties, false);
+    if (bits < depth) {
+        ScaledSource scaled(properties, source, bits);
+        AppendPixels(bytes, properties, scaled);
+    } else {
+        AppendPixels(bytes, properties, source);
+    }
+    AppendForeign(bytes, properties, true);
     AppendChunk(bytes, kEnd, {});
     return bytes;
 }

@@ -22,11 +22,11 @@ bool LooksLikePlainPpm(std::span<const uint8_t> bytes) noexcept;
 //   "IImageVPAEx::CreateFromFile: the pgm file is too short for its image."
 //   "IImageVPAEx::CreateFromFile: a pgm value is above the declared maximum."
 //   "IImageVPAEx::CreateFromFile: problems reading pgm values"
-FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit);
+FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options);
 
-// One band gives PGM, three give PPM; 8 or 16 bits. The maximum is 255 or 65535. Plain files have lines of at most 70
-// characters, and every row starts on a new line.
-std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& source);
-std::vector<uint8_t> WritePlainPnm(const FileProperties& properties, PixelSource& source);
+// One band gives PGM, three give PPM; 8 or 16 bits. The maximum is 255 or 65535, or that of fewer significant bits.
+// Plain files have lines of at most 70 characters, and every row starts on a new line.
+std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& source, const WriteOptions& options);
+std::vector<uint8_t> WritePlainPnm(const FileProperties& properties, PixelSource& source, const WriteOptions& options);
 
 }  // namespace orlix

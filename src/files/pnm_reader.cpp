@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <limits>
 
 #include "component/failure.hpp"
@@ -99,7 +100,9 @@ PnmHeader ReadHeader(std::span<const uint8_t> bytes, Scanner& scanner, const Pnm
     header.properties.width = static_cast<int32_t>(width);
     header.properties.height = static_cast<int32_t>(height);
     header.properties.bands = bytes[1] == '3' || bytes[1] == '6' ? 3 : 1;
-    header.properties.bits = header.maximum <= 255 ? 8 : 16;
+    header.properties.dataType = header.maximum <= 255 ? DT_BYTE : DT_WORD;
+    if (std::has_single_bit(header.maximum + 1) && header.maximum != 255 && header.maximum != 65535)
+        header.properties.kept.significantBits = std::countr_one(header.maximum);
     return header;
 }
 
@@ -174,14 +177,14 @@ bool LooksLikePpm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(b
 bool LooksLikePlainPgm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(bytes, '2'); }
 bool LooksLikePlainPpm(std::span<const uint8_t> bytes) noexcept { return BeginsWith(bytes, '3'); }
 
-FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const SampleLimit& limit) {
+FileProperties ReadPnm(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options) {
     const PnmTexts& texts = bytes[1] == '3' || bytes[1] == '6' ? kPpmTexts : kPgmTexts;
     Scanner scanner(bytes.subspan(2));
     const PnmHeader header = ReadHeader(bytes, scanner, texts);
-    const bool wide = header.properties.bits == 16;
+    const bool wide = header.properties.dataType == DT_WORD;
     const std::span<const uint8_t> values = scanner.Rest();
     const auto begin = [&] {
-        RequireWithin(limit, header.properties.width, header.properties.height, header.properties.bands);
+        RequireWithin(options.limit, header.properties.width, header.properties.height, header.properties.bands);
         sink.Begin(header.properties);
     };
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <limits>
@@ -41,16 +42,18 @@ size_t RowBytes(const FileProperties& properties) {
 }
 
 // `grey` and `colour` are the magic numbers.
-std::string Header(const FileProperties& properties, const char* grey, const char* colour) {
+std::string Header(const FileProperties& properties, PixelSource& source, const char* grey, const char* colour) {
+    // A smaller maximum than 256 would make bytes of words.
+    const int32_t bits = BitsInUse(properties, source), least = properties.dataType == DT_WORD ? 9 : 1;
     return std::string(properties.bands == 3 ? colour : grey) + "\n" + std::to_string(properties.width) + " " +
-           std::to_string(properties.height) + (properties.bits == 16 ? "\n65535\n" : "\n255\n");
+           std::to_string(properties.height) + "\n" + std::to_string((1 << std::max(bits, least)) - 1) + "\n";
 }
 
 }  // namespace
 
-std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& source) {
+std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
     const size_t rowBytes = RowBytes(properties);
-    const std::string header = Header(properties, "P5", "P6");
+    const std::string header = Header(properties, source, "P5", "P6");
     std::vector<uint8_t> bytes(header.begin(), header.end());
     bytes.resize(header.size() + rowBytes * static_cast<size_t>(properties.height));
     for (int32_t y = 0; y < properties.height; ++y)
@@ -58,9 +61,9 @@ std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& 
     return bytes;
 }
 
-std::vector<uint8_t> WritePlainPnm(const FileProperties& properties, PixelSource& source) {
+std::vector<uint8_t> WritePlainPnm(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
     std::vector<uint8_t> row(RowBytes(properties));
-    const std::string header = Header(properties, "P2", "P3");
+    const std::string header = Header(properties, source, "P2", "P3");
     std::vector<uint8_t> bytes(header.begin(), header.end());
     for (int32_t y = 0; y < properties.height; ++y) {
         InterleaveRow(source, properties, y, row.data());

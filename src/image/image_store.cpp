@@ -7,6 +7,19 @@
 
 namespace orlix {
 
+void ImageProperties::Keep(TextEntry&& entry) {
+    if (hasDescription || entry.keyword != kDescriptionKeyword) return texts.push_back(std::move(entry));
+    description = std::move(entry.text);
+    hasDescription = true;
+}
+
+std::vector<TextEntry> ImageProperties::AllTexts() const {
+    std::vector<TextEntry> all;
+    if (hasDescription) all.push_back({WideString(kDescriptionKeyword), description});
+    all.insert(all.end(), texts.begin(), texts.end());
+    return all;
+}
+
 void ImageStore::Create(LONG width, LONG height, LONG bands, LONG dataType, bool zero) {
     if (width <= 0) throw Failure("IImageVPAEx::Create: Width must be positive.", DISP_E_EXCEPTION);
     if (height <= 0) throw Failure("IImageVPAEx::Create: Height must be positive.", DISP_E_EXCEPTION);

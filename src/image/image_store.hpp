@@ -4,6 +4,7 @@
 
 #include <orlix/orlix.h>
 
+#include <cmath>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -35,15 +36,44 @@ struct BinaryEntry {
     std::vector<uint8_t> bytes;
 };
 
+// A chunk of a PNG file that another program wrote and that may be copied although the pixels have changed.
+struct ForeignChunk {
+    uint32_t type = 0;
+    bool behindPixels = false;
+    std::vector<uint8_t> bytes;
+};
+
 // The properties that files and streams store in addition to the pixels.
 struct ImageProperties {
     WideString description;
     bool hasDescription = false;  // an empty description is not the same as none
-    double micronsX = 0;          // size of a pixel; both 0 when unknown
+    double micronsX = 0;          // size of a pixel; both above 0, or both 0 when unknown
     double micronsY = 0;
+    const char* micronsFrom = "";  // for people: where the size comes from
+    int32_t significantBits = 0;   // of a sample of 8 or 16 bits; 0 when unknown
     std::vector<TextEntry> texts;
     std::vector<BinaryEntry> binaries;
+    std::vector<ForeignChunk> chunks;
+
+    // A size that IsPixelSize() accepts; where it comes from as a literal.
+    void PutMicrons(double x, double y, const char* from) {
+        micronsX = x;
+        micronsY = y;
+        micronsFrom = from;
+    }
+    // Adds a text of a file: the first one under kDescriptionKeyword is the description.
+    void Keep(TextEntry&& entry);
+    // The description, if there is one, and the texts.
+    std::vector<TextEntry> AllTexts() const;
 };
+
+// Whether these can be the size of a pixel: both finite and above 0.
+inline bool IsPixelSize(double x, double y) { return x > 0 && y > 0 && std::isfinite(x) && std::isfinite(y); }
+
+// Whether samples of this type can have that number of significant bits, or it is 0 for unknown.
+constexpr bool CanBeSignificant(LONG bits, LONG dataType) {
+    return bits == 0 || ((dataType == DT_BYTE || dataType == DT_WORD) && bits > 0 && bits < dataType);
+}
 
 // The content that creating an image replaces as a whole. Notes:
 //  (1) data points into owned or to a client's buffer of layout.totalSize bytes; null while the image is empty;
@@ -107,12 +137,10 @@ public:
         return content_.layout == layout && content_.data && content_.data == content_.owned.data();
     }
     // For an image that owns its samples and has just been given others: all else of a new content of the same layout.
-    void SamplesReplaced(std::vector<VPAEntry> table, const TCoordinateMap& coordinates, double micronsX,
-                         double micronsY) {
+    void SamplesReplaced(std::vector<VPAEntry> table, const TCoordinateMap& coordinates, ImageProperties properties) {
         Reset(content_.layout, std::move(table));
         content_.coordinates = coordinates;
-        content_.properties.micronsX = micronsX;
-        content_.properties.micronsY = micronsY;
+        content_.properties = std::move(properties);
     }
 
     // Base address of a band, 0 <= band < bands, and entry 0 of the table. The address of a refused buffer may be

@@ -75,11 +75,15 @@ TCoordinateMap SourceImage::Coordinates() const {
     return map;
 }
 
-void SourceImage::GetMicronsPerPixel(double& x, double& y) const {
-    x = y = 0;
+ImageProperties SourceImage::Kept() const {
+    ImageProperties kept;
     const ComPtr<IImageFile> file = image_.As<IImageFile>();
-    if (!file) return;
-    if (file->GetMicronsPerPixel(&x, &y) != S_OK || !(x > 0) || !(y > 0)) x = y = 0;
+    if (!file) return kept;
+    double x = 0, y = 0;
+    if (file->GetMicronsPerPixel(&x, &y) == S_OK && IsPixelSize(x, y)) kept.PutMicrons(x, y, "source image");
+    LONG bits = 0;
+    if (file->get_SignificantBits(&bits) == S_OK && CanBeSignificant(bits, type_)) kept.significantBits = bits;
+    return kept;
 }
 
 SourceImage::Address SourceImage::Locate(int32_t band) const {

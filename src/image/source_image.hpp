@@ -48,8 +48,8 @@ public:
     int32_t bands() const { return bands_; }
     LONG type() const { return type_; }
     TCoordinateMap Coordinates() const;
-    // Calibration when the image implements IImageFile, otherwise zeros.
-    void GetMicronsPerPixel(double& x, double& y) const;
+    // What a copy keeps, when the image implements IImageFile: the pixel size and the number of significant bits.
+    ImageProperties Kept() const;
 
     // For a band that does not exist, fails as the image itself reports it, with E_FAIL if the image reports nothing.
     void RequireBand(int32_t band) const { Locate(band); }

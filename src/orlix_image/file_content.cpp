@@ -3,6 +3,8 @@
 #include <cstring>
 #include <utility>
 
+#include "orlix_image/settings.hpp"
+
 namespace orlix {
 
 namespace {
@@ -11,19 +13,7 @@ namespace {
 class ContentSink final : public PixelSink {
 public:
     void Begin(const FileProperties& file) override {
-        type_ = file.bits == 16 ? DT_WORD : DT_BYTE;
-        content_ = MakeContent(type_, file.width, file.height, file.bands, Samples::Unset);
-        ImageProperties& properties = content_.properties;
-        properties.micronsX = file.micronsX;
-        properties.micronsY = file.micronsY;
-        for (const FileText& entry : file.texts) {
-            if (entry.keyword != kDescriptionKeyword || properties.hasDescription) {
-                properties.texts.push_back({entry.keyword, entry.text});
-            } else {
-                properties.description = entry.text;
-                properties.hasDescription = true;
-            }
-        }
+        content_ = MakeContent(file.dataType, file.width, file.height, file.bands, Samples::Unset);
     }
     // The rows are uninitialised, so their padding is set to 0 here.
     void* Row(int32_t band, int32_t y) override {
@@ -35,11 +25,9 @@ public:
         return row;
     }
 
-    LONG type() const { return type_; }
     ImageContent& content() { return content_; }
 
 private:
-    LONG type_ = DT_BYTE;
     ImageContent content_;
 };
 
@@ -54,29 +42,29 @@ private:
     const ImageStore& store_;
 };
 
-int32_t BitsOf(LONG type) { return type == DT_BYTE ? 8 : type == DT_WORD ? 16 : 32; }
-
 }  // namespace
 
-LoadedImage LoadImage(WideStringView fileName, const SampleLimit& limit) {
+LoadedImage LoadImage(WideStringView fileName, const ReadOptions& options) {
     ContentSink sink;
-    LoadImageFile(fileName, sink, limit);
-    return {sink.type(), std::move(sink.content())};
+    FileProperties file = LoadImageFile(fileName, sink, options);
+    LoadedImage image{file.dataType, std::move(sink.content()), file.settings};
+    image.content.properties = std::move(file.kept);
+    image.content.coordinates = file.coordinates.value_or(kIdentityMap);
+    return image;
 }
 
-void SaveImage(WideStringView fileName, ImageFileFormat format, const ImageStore& image) {
-    const ImageProperties& properties = image.properties();
+void SaveImage(WideStringView fileName, ImageFileFormat format, DisplayedImage& image, const WriteOptions& options) {
+    const ImageStore& store = image.store();
     FileProperties file;
-    file.width = image.layout().width;
-    file.height = image.layout().height;
-    file.bands = image.layout().bands;
-    file.bits = BitsOf(image.dataType());
-    file.micronsX = properties.micronsX;
-    file.micronsY = properties.micronsY;
-    if (properties.hasDescription) file.texts.push_back({WideString(kDescriptionKeyword), properties.description});
-    for (const TextEntry& entry : properties.texts) file.texts.push_back({entry.keyword, entry.text});
-    StoreSource source(image);
-    SaveImageFile(fileName, format, file, source);
+    file.width = store.layout().width;
+    file.height = store.layout().height;
+    file.bands = store.layout().bands;
+    file.dataType = store.dataType();
+    file.kept = store.properties();
+    file.coordinates = store.coordinates();
+    file.settings = SettingsOf(image);
+    StoreSource source(store);
+    SaveImageFile(fileName, format, file, source, options);
 }
 
 }  // namespace orlix

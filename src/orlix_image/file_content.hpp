@@ -3,8 +3,10 @@
 
 #include <orlix/orlix.h>
 
+#include <optional>
+
+#include "display/displayed_image.hpp"
 #include "files/image_file.hpp"
-#include "files/sample_limit.hpp"
 #include "image/image_store.hpp"
 #include "text/wide_string.hpp"
 
@@ -13,11 +15,12 @@ namespace orlix {
 struct LoadedImage {
     LONG dataType;  // determined by the file
     ImageContent content;
+    std::optional<ImageSettings> settings;
 };
 
 // Failures are those of LoadImageFile and SaveImageFile.
-LoadedImage LoadImage(WideStringView fileName, const SampleLimit& limit);
+LoadedImage LoadImage(WideStringView fileName, const ReadOptions& options);
 // The image must not be empty, and its pixels must be accessible.
-void SaveImage(WideStringView fileName, ImageFileFormat format, const ImageStore& image);
+void SaveImage(WideStringView fileName, ImageFileFormat format, DisplayedImage& image, const WriteOptions& options);
 
 }  // namespace orlix

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "orlix_image/file_content.hpp"
+#include "orlix_image/settings.hpp"
+
 namespace orlix {
 
 std::shared_ptr<DisplayedImage> ImageCore::Typed() const {
@@ -33,6 +36,23 @@ void ImageCore::CreateTyped(LONG dataType, const std::function<void(ImageStore&)
     }
     target->ContentReplaced();
     Take(target);
+}
+
+std::shared_ptr<DisplayedImage> ImageCore::Adopt(LONG dataType, ImageContent&& content, const ImageSettings* settings) {
+    std::shared_ptr<DisplayedImage> former = typed_, target = typed_;
+    if (!target || target->store().dataType() != dataType) target = DisplayedImage::Make(dataType, changes);
+    target->store().Replace(std::move(content));
+    target->ContentReplaced();
+    if (settings) PutSettings(*settings, *target);
+    Take(std::move(target));
+    return former;
+}
+
+void ImageCore::LoadFile(WideStringView fileName, ReadOptions options) {
+    options.limit = SampleLimit(sampleLimit);
+    LoadedImage loaded = LoadImage(fileName, options);
+    const auto former =
+        Adopt(loaded.dataType, std::move(loaded.content), loaded.settings ? &*loaded.settings : nullptr);
 }
 
 void ImageCore::Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero) {

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "display/displayed_image.hpp"
-#include "files/sample_limit.hpp"
+#include "files/file_types.hpp"
 #include "image/changes.hpp"
 #include "pictures/picture_core.hpp"
 #include "process/frame.hpp"
@@ -34,6 +34,14 @@ public:
     // (out of memory) the old image remains.
     void CreateTyped(LONG dataType, const std::function<void(ImageStore&)>& creation);
 
+    // Takes a content that is complete, of a type that images can have, and its settings if there are any (of that type,
+    // checked). Returns the former image, which the caller releases last: this may call back.
+    [[nodiscard]] std::shared_ptr<DisplayedImage> Adopt(LONG dataType, ImageContent&& content,
+                                                        const ImageSettings* settings);
+
+    // Loads a file, see IImageFile::LoadFromFile.
+    void LoadFile(WideStringView fileName, ReadOptions options);
+
     // IImageVPAEx::AttachBuffer, which pictures offer too.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
 
@@ -45,6 +53,7 @@ public:
     Changes changes;
     Changes saved;                               // the changes that a stream was loaded or saved with
     LONG sampleLimit = SampleLimit::kInitially;  // for loading, see files/sample_limit.hpp
+    LONG quality = WriteOptions().quality;       // for saving
 
 private:
     std::shared_ptr<DisplayedImage> typed_;

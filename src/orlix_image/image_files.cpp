@@ -1,7 +1,5 @@
 #include "orlix_image/image_files.hpp"
 
-#include <cmath>
-
 #include "component/strings.hpp"
 #include "orlix_image/file_content.hpp"
 
@@ -26,7 +24,25 @@ STDMETHODIMP ImageFiles::SaveToFile(BSTR fileName, ImageFileFormat format) noexc
         const std::shared_ptr<DisplayedImage>& typed = core().typed();
         if (!typed || typed->store().empty()) throw Failure("IImageFile::SaveToFile: no image.");
         if (typed->store().refused()) throw NoImage();
-        SaveImage(ToView(fileName), format, typed->store());
+        WriteOptions options;
+        options.quality = core().quality;
+        SaveImage(ToView(fileName), format, *typed, options);
+    });
+}
+
+STDMETHODIMP ImageFiles::LoadFromFile(BSTR fileName, LONG page) noexcept {
+    return Guarded([&] {
+        ReadOptions options;
+        options.page = page;
+        core().LoadFile(ToView(fileName), options);
+    });
+}
+
+STDMETHODIMP ImageFiles::GetNumberOfPages(BSTR fileName, LONG* pages) noexcept {
+    return Guarded([&] {
+        Require(pages);
+        *pages = 0;
+        *pages = PagesOfImageFile(ToView(fileName));
     });
 }
 
@@ -44,11 +60,48 @@ STDMETHODIMP ImageFiles::PutMicronsPerPixel(double x, double y) noexcept {
     return Guarded<IImageFile>([&] {
         ImageStore& store = Typed()->store();
         const bool unknown = x == 0 && y == 0;
-        if (!unknown && !(x > 0 && y > 0 && std::isfinite(x) && std::isfinite(y)))
+        if (!unknown && !IsPixelSize(x, y))
             throw Failure("IImageFile::PutMicronsPerPixel: the pixel size must be positive.");
-        ImageProperties& properties = store.ChangeProperties();
-        properties.micronsX = unknown ? 0 : x;
-        properties.micronsY = unknown ? 0 : y;
+        unknown ? store.ChangeProperties().PutMicrons(0, 0, "") : store.ChangeProperties().PutMicrons(x, y, "client");
+    });
+}
+
+STDMETHODIMP ImageFiles::get_CalibrationSource(BSTR* source) noexcept {
+    return Guarded<IImageFile>([&] {
+        Require(source);
+        *source = nullptr;
+        const ImageProperties& properties = Typed()->store().properties();
+        if (properties.micronsX > 0) *source = Text(properties.micronsFrom).Detach();
+    });
+}
+
+STDMETHODIMP ImageFiles::get_SignificantBits(LONG* bits) noexcept {
+    return Guarded<IImageFile>([&] {
+        Require(bits);
+        *bits = Typed()->store().properties().significantBits;
+    });
+}
+
+STDMETHODIMP ImageFiles::put_SignificantBits(LONG bits) noexcept {
+    return Guarded<IImageFile>([&] {
+        ImageStore& store = Typed()->store();
+        if (!CanBeSignificant(bits, store.dataType()))
+            throw Failure("IImageFile::put_SignificantBits: the number of bits must be below that of the samples.");
+        store.ChangeProperties().significantBits = bits;
+    });
+}
+
+STDMETHODIMP ImageFiles::get_Quality(LONG* quality) noexcept {
+    return Guarded([&] {
+        Require(quality);
+        *quality = core().quality;
+    });
+}
+
+STDMETHODIMP ImageFiles::put_Quality(LONG quality) noexcept {
+    return Guarded([&] {
+        if (quality < 1 || quality > 100) throw Failure("IImageFile::put_Quality: the quality must be 1 to 100.");
+        core().quality = quality;
     });
 }
 

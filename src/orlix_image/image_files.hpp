@@ -1,4 +1,4 @@
-// Saving to files, pixel size and the limit of loading.
+// Loading and saving files, pixel size and the limit of loading.
 #pragma once
 
 #include "orlix_image/image_core.hpp"
@@ -12,6 +12,13 @@ public:
     STDMETHODIMP PutMicronsPerPixel(double x, double y) noexcept override;
     STDMETHODIMP get_SampleLimit(LONG* limit) noexcept override;
     STDMETHODIMP put_SampleLimit(LONG limit) noexcept override;
+    STDMETHODIMP LoadFromFile(BSTR fileName, LONG page) noexcept override;
+    STDMETHODIMP GetNumberOfPages(BSTR fileName, LONG* pages) noexcept override;
+    STDMETHODIMP get_SignificantBits(LONG* bits) noexcept override;
+    STDMETHODIMP put_SignificantBits(LONG bits) noexcept override;
+    STDMETHODIMP get_CalibrationSource(BSTR* source) noexcept override;
+    STDMETHODIMP get_Quality(LONG* quality) noexcept override;
+    STDMETHODIMP put_Quality(LONG quality) noexcept override;
 };
 
 }  // namespace orlix

@@ -88,8 +88,9 @@ STDMETHODIMP ImagePixels::AttachBuffer(void* buffer, LONG width, LONG height, LO
 
 STDMETHODIMP ImagePixels::CreateFromFile(BSTR fileName) noexcept {
     return Guarded([&] {
-        LoadedImage loaded = LoadImage(ToView(fileName), SampleLimit(core().sampleLimit));
-        core().CreateTyped(loaded.dataType, [&](ImageStore& store) { store.Replace(std::move(loaded.content)); });
+        ReadOptions options;
+        options.anyBitmap = false;
+        core().LoadFile(ToView(fileName), options);
     });
 }
 
@@ -132,13 +133,13 @@ void ImagePixels::Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle) 
         if (width > INT32_MAX || height > INT32_MAX) throw FailedResult(E_FAIL);
         const auto columns = static_cast<LONG>(std::max<int64_t>(width, 0));
         const auto rows = static_cast<LONG>(std::max<int64_t>(height, 0));
-        const auto properties = [&](TCoordinateMap& coordinates, double& micronsX, double& micronsY) {
-            coordinates = source.Coordinates();
+        const auto map = [&] {
+            TCoordinateMap coordinates = source.Coordinates();
             if (rectangle) {
                 coordinates.OrgX = -static_cast<double>(left);
                 coordinates.OrgY = -static_cast<double>(top);
             }
-            source.GetMicronsPerPixel(micronsX, micronsY);
+            return coordinates;
         };
         const auto x = static_cast<int32_t>(left), y = static_cast<int32_t>(top);
         if (columns > 0 && rows > 0) {
@@ -147,15 +148,15 @@ void ImagePixels::Copy(IImageVPA* image, LONG bandIndex, const RECT* rectangle) 
             constexpr size_t kOverwriteFrom = 1 << 16;
             if (layout.totalSize >= kOverwriteFrom && store.Owns(layout)) {
                 std::vector<VPAEntry> table = MakeOffsetTable(layout);
-                TCoordinateMap coordinates;
-                double micronsX = 0, micronsY = 0;
-                properties(coordinates, micronsX, micronsY);
+                const TCoordinateMap coordinates = map();
+                ImageProperties kept = source.Kept();
                 if (OverwriteSamples(source, bands, x, y, layout, table, store))
-                    return store.SamplesReplaced(std::move(table), coordinates, micronsX, micronsY);
+                    return store.SamplesReplaced(std::move(table), coordinates, std::move(kept));
             }
         }
         ImageContent content = MakeContent(source.type(), columns, rows, bands.count());
-        properties(content.coordinates, content.properties.micronsX, content.properties.micronsY);
+        content.coordinates = map();
+        content.properties = source.Kept();
         CopySamples(source, bands, x, y, content);
         store.Replace(std::move(content));
     });

@@ -44,15 +44,9 @@ void WriteTo(IStream* stream, std::span<const uint8_t> bytes) {
 void ImageStreams::LoadFrom(IStream* stream) {
     StreamSource source(stream);
     StreamImage image = ReadImageStream(source, SampleLimit(core().sampleLimit));
-    std::shared_ptr<DisplayedImage> target = core().typed();
-    if (!target || target->store().dataType() != image.dataType)
-        target = DisplayedImage::Make(image.dataType, core().changes);
-    target->store().Replace(std::move(image.content));
-    target->ContentReplaced();
-    PutSettings(image.settings, *target);
+    const auto former = core().Adopt(image.dataType, std::move(image.content), &image.settings);
     core().saved = core().changes;
     initialised_ = true;
-    core().Take(target);
 }
 
 STDMETHODIMP ImageStreams::GetClassID(CLSID* clsid) noexcept {

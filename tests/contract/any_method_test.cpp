@@ -92,8 +92,10 @@ Need NeedOf(const Method& method) {
         "get_BandToProcess", "put_BandToProcess", "get_RegionOfInterest", "put_RegionOfInterest",
         "GetLuminanceRange", "get_NumberOfBins",  "put_NumberOfBins",     "PutLuminanceRange",
         "get_Table",         "put_Table"};
-    constexpr std::string_view none[] = {"SaveToFile",      "get_SampleLimit", "put_SampleLimit",
-                                         "get_LocalMaxima", "get_LocalMinima", "LocalBackgroundCorrect"};
+    constexpr std::string_view none[] = {"SaveToFile",      "get_SampleLimit",  "put_SampleLimit",
+                                         "get_LocalMaxima", "get_LocalMinima",  "LocalBackgroundCorrect",
+                                         "LoadFromFile",    "GetNumberOfPages", "get_Quality",
+                                         "put_Quality"};
     const std::string_view owner = method.name.substr(0, method.name.find(':'));
     const std::string_view name = method.name.substr(method.name.rfind(':') + 1);
     if (Contains(none, name)) return Need::Nothing;

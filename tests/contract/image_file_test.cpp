@@ -151,7 +151,7 @@ TEST_F(ImageFiles, RefusedSavesLeaveTheOldFileAsItWas) {
         std::string text;
     } cases[] = {{Image(), "old.png", IFF_PNG, "no image."},
                  {NewImage<uint8_t>(1, 1), "old.jpeg", IFF_ByExtension, "unknown file format."},
-                 {NewImage<uint8_t>(1, 1), "old.png", IFF_BMP, "unknown file format."},
+                 {NewImage<uint16_t>(1, 1), "old.png", IFF_BMP, "the format holds 8-bit images only."},
                  {NewImage<float>(1, 1), "old.png", IFF_PNG, types},
                  {NewImage<uint32_t>(1, 1), "old.png", IFF_PGM, types},
                  {NewImage<uint8_t>(1, 1, 2), "old.png", IFF_PNG, bands},

@@ -122,6 +122,19 @@ std::string StateOf(const Image& image) {
     return out.str();
 }
 
+// The image from a file that it was saved to.
+Image ThroughFile(const Image& image, const char* extension) {
+    const auto path = std::filesystem::temp_directory_path() /
+                      ("orlix-" + std::to_string(Get(image, &IImageVPA::DataType, 0)) + extension);
+    const Text name(path.string());
+    Image loaded;
+    Check(image.file->SaveToFile(name, IFF_ByExtension), image.file);
+    const HRESULT result = loaded.file->LoadFromFile(name, 0);
+    std::filesystem::remove(path);
+    Check(result, loaded.file);
+    return loaded;
+}
+
 template <class Pixel>
 class ImageStreams : public ::testing::Test {};
 TYPED_TEST_SUITE(ImageStreams, PixelTypes);
@@ -143,6 +156,9 @@ TYPED_TEST(ImageStreams, KeepEverything) {
         for (LONG band = 0; band < bands; ++band) EXPECT_EQ(image.values(band), loaded.values(band));
         EXPECT_EQ(1, Get(loaded.display, &IDisplayProcess::get_DisplayDirty));
         EXPECT_EQ(bytes, Saved(loaded));
+        if (sizeof(TypeParam) <= 2) {
+            EXPECT_EQ(bytes, Saved(ThroughFile(image, ".png")));
+        }
     }
 }
 

@@ -1,10 +1,11 @@
 #include "files/corpus.hpp"
 
-#include <cmath>
+#include <algorithm>
 #include <cstring>
 #include <string>
 
 #include "files/memory_image.hpp"
+#include "files/private_chunks.hpp"
 #include "image/byte_order.hpp"
 
 namespace orlix::test {
@@ -25,12 +26,10 @@ public:
     void Begin(const FileProperties& given) override {
         Rule(given.width > 0 && given.height > 0, "positive size");
         Rule(given.bands == 1 || given.bands == 3, "one band or three");
-        Rule(given.bits == 8 || given.bits == 16, "8 or 16 bits");
-        Rule(std::isfinite(given.micronsX) && std::isfinite(given.micronsY) &&
-                 (given.micronsX > 0) == (given.micronsY > 0) && given.micronsX >= 0 && given.micronsY >= 0,
+        Rule(given.dataType == DT_BYTE || given.dataType == DT_WORD, "8 or 16 bits");
+        const ImageProperties& kept = given.kept;
+        Rule(IsPixelSize(kept.micronsX, kept.micronsY) || (kept.micronsX == 0 && kept.micronsY == 0),
              "both pixel sizes or none");
-        for (const FileText& text : given.texts)
-            Rule(IsFileKeyword(text.keyword) && !text.text.empty(), "texts with keywords");
         // The best compression is 1032 to 1; a bit can become three bytes through a palette.
         Rule(SamplesOf(given) <= uint64_t{fileSize_} * 1032 * 8 * 3, "size that the file can fill");
         Rule(SamplesOf(given) <= static_cast<uint64_t>(kMostSamples), "no more samples than asked for");
@@ -47,26 +46,34 @@ private:
     uint8_t fill_;
 };
 
-bool SameTexts(const FileProperties& left, const FileProperties& right) {
-    if (left.texts.size() != right.texts.size()) return false;
-    for (size_t i = 0; i < left.texts.size(); ++i)
-        if (left.texts[i].keyword != right.texts[i].keyword || left.texts[i].text != right.texts[i].text) return false;
-    return true;
+bool SameEntries(const ImageProperties& left, const ImageProperties& right) {
+    const auto same = [](const auto& one, const auto& other) {
+        return std::ranges::equal(one, other, [](const auto& a, const auto& b) {
+            if constexpr (requires { a.text; })
+                return a.keyword == b.keyword && a.text == b.text;
+            else if constexpr (requires { a.keyword; })
+                return a.keyword == b.keyword && a.bytes == b.bytes;
+            else
+                return a.type == b.type && a.behindPixels == b.behindPixels && a.bytes == b.bytes;
+        });
+    };
+    return same(left.AllTexts(), right.AllTexts()) && same(left.binaries, right.binaries) &&
+           same(left.chunks, right.chunks);
 }
 
-// A text is kept up to its first 0.
-FileProperties WithTextsAsKept(FileProperties properties) {
-    std::erase_if(properties.texts, [](FileText& text) {
-        text.text = text.text.substr(0, text.text.find(OLECHAR{0}));
-        return text.text.empty();
-    });
-    return properties;
+bool SameSettings(const FileProperties& left, const FileProperties& right) {
+    // Their chunks, because they hold NaN.
+    const auto leftChunks = PrivateChunks(left), rightChunks = PrivateChunks(right);
+    return std::ranges::equal(leftChunks, rightChunks,
+                              [](const PrivateChunk& a, const PrivateChunk& b) { return a.data == b.data; });
 }
 
 // False for what is no image, or too large a one.
 bool ReadInto(std::span<const uint8_t> bytes, CheckedSink& sink) {
     try {
-        ReadImageFile(bytes, sink, SampleLimit(kMostSamples));
+        ReadOptions options;
+        options.limit = SampleLimit(kMostSamples);
+        sink.image.properties = ReadImageFile(bytes, sink, options);
         return true;
     } catch (const Failure& failure) {
         Rule(std::strncmp(failure.what(), "IImageVPAEx::CreateFrom", 23) == 0, "a text that names the reader");
@@ -92,12 +99,11 @@ void CheckWriting(std::span<const uint8_t> bytes) {
     const bool colour = properties.bands == 3;
     for (const ImageFileFormat format : {IFF_PNG, colour ? IFF_PPM : IFF_PGM, colour ? IFF_PlainPPM : IFF_PlainPGM}) {
         MemoryImage back;
-        ReadImageFile(Written(format, sink.image), back);
+        back.properties = ReadImageFile(Written(format, sink.image), back);
         Rule(back.SamePixels(sink.image), "the same pixels after writing");
         if (format != IFF_PNG) continue;
-        Rule(SameTexts(back.properties, WithTextsAsKept(properties)), "the same texts after writing");
-        Rule(back.properties.micronsX == properties.micronsX && back.properties.micronsY == properties.micronsY,
-             "the same pixel size after writing");
+        Rule(SameEntries(back.properties.kept, properties.kept), "the same entries after writing");
+        Rule(SameSettings(back.properties, properties), "the same calibration and settings after writing");
     }
 }
 

@@ -28,7 +28,7 @@ TEST(FileFormats, EachImageComesBackAsItWas) {
     int written = 0;
     for (const FileFormat& format : FileFormats())
         for (const int32_t bands : format.bands)
-            for (const int32_t bits : format.bits)
+            for (const LONG bits : format.types)
                 for (const Content& content : kContents)
                     for (const auto& [width, height] : {std::pair{1, 1},
                                                         {1, 7},
@@ -54,7 +54,7 @@ TEST(FileFormats, EachImageComesBackAsItWas) {
                             EXPECT_EQ(&other == &format, other.looksLike(start)) << other.name;
                         ++written;
                     }
-    EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6), written);  // PNG has grey and colour
+    EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6) + 2 * 4 * 9, written);  // PNG and BMP have grey and colour
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ public:
     void Begin(const FileProperties& given) override {
         if (begun) throw std::logic_error("begun twice");
         begun = true;
-        Allocate(given.width, given.height, given.bands, given.bits);
+        Allocate(given.width, given.height, given.bands, given.dataType);
         properties = given;
     }
     void* Row(int32_t band, int32_t y) override {
@@ -41,16 +41,16 @@ public:
         const size_t index =
             (static_cast<size_t>(band) * static_cast<size_t>(properties.height) + static_cast<size_t>(y)) *
             static_cast<size_t>(properties.width);
-        return properties.bits == 8 ? static_cast<void*>(&bytes[index]) : static_cast<void*>(&words[index]);
+        return properties.dataType == DT_BYTE ? static_cast<void*>(&bytes[index]) : static_cast<void*>(&words[index]);
     }
     // Band by band, row by row.
     std::vector<uint32_t> Levels() const {
-        return properties.bits == 8 ? std::vector<uint32_t>(bytes.begin(), bytes.end())
-                                    : std::vector<uint32_t>(words.begin(), words.end());
+        return properties.dataType == DT_BYTE ? std::vector<uint32_t>(bytes.begin(), bytes.end())
+                                              : std::vector<uint32_t>(words.begin(), words.end());
     }
     bool SamePixels(const MemoryImage& other) const {
         return properties.width == other.properties.width && properties.height == other.properties.height &&
-               properties.bands == other.properties.bands && properties.bits == other.properties.bits &&
+               properties.bands == other.properties.bands && properties.dataType == other.properties.dataType &&
                bytes == other.bytes && words == other.words;
     }
 
@@ -64,7 +64,7 @@ private:
         properties.width = width;
         properties.height = height;
         properties.bands = bands;
-        properties.bits = bits;
+        properties.dataType = bits;  // the codes of unsigned types are their bits
         const size_t samples = static_cast<size_t>(width) * static_cast<size_t>(height) * static_cast<size_t>(bands);
         bits == 8 ? bytes.resize(samples) : words.resize(samples);
     }
@@ -76,7 +76,7 @@ public:
     explicit FleetingSource(MemoryImage& image) : image_(image) {}
     const void* Row(int32_t band, int32_t y) override {
         const auto width = static_cast<size_t>(image_.properties.width);
-        const size_t size = width * static_cast<size_t>(image_.properties.bits / 8);
+        const size_t size = width * static_cast<size_t>(image_.properties.dataType / 8);
         const auto* row = static_cast<const uint8_t*>(image_.Row(band, y));
         row_.assign((size + 1) / 2, 0xDEAD);
         std::copy(row, row + size, reinterpret_cast<uint8_t*>(row_.data()));
@@ -94,9 +94,13 @@ inline std::vector<uint8_t> Written(ImageFileFormat format, MemoryImage& image) 
 }
 
 // The text of the failure that reading these bytes gives, "" when they can be read.
-inline std::string FailureOfReading(std::span<const uint8_t> bytes, MemoryImage& image, const SampleLimit& limit = {}) {
+inline std::string FailureOfReading(std::span<const uint8_t> bytes, MemoryImage& image, const SampleLimit& limit = {},
+                                    bool anyBitmap = false) {
     try {
-        ReadImageFile(bytes, image, limit);
+        ReadOptions options;
+        options.limit = limit;
+        options.anyBitmap = anyBitmap;
+        image.properties = ReadImageFile(bytes, image, options);
         return "";
     } catch (const Failure& failure) {
         if (failure.result() != DISP_E_EXCEPTION) return std::string("wrong result: ") + failure.what();

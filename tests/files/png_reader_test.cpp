@@ -1,4 +1,5 @@
 #include "files/png_filter.hpp"
+#include "files/private_chunks.hpp"
 #include "files/reading.hpp"
 
 namespace orlix::test {
@@ -47,7 +48,7 @@ TEST(PngReader, EveryColourTypeDepthFilterAndInterlaceGivesItsPixels) {
                 const bool indexed = colourType == 3, colour = colourType == 2 || colourType == 6 || indexed;
                 const MemoryImage image = Read(MakePng({width, height, depth, colourType, interlaced, value},
                                                        indexed ? PaletteChunk(1u << depth) : Bytes{}));
-                ASSERT_EQ(depth == 16 ? 16 : 8, image.properties.bits);
+                ASSERT_EQ(depth == 16 ? DT_WORD : DT_BYTE, image.properties.dataType);
                 const uint32_t scale = indexed || depth >= 8 ? 1 : depth == 1 ? 255 : depth == 2 ? 85 : 17;
                 std::vector<uint32_t> levels;
                 for (uint32_t band = 0; band < (colour ? 3u : 1u); ++band)
@@ -207,7 +208,77 @@ TEST(PngReader, ThePixelSizeBecomesMicrons) {
                                        {Big32(1000000) + Big32(0x80000000u) + Bytes{1}, unknown},
                                        {Big32(1000000) + Bytes{1}, unknown}}) {
         const FileProperties properties = Read(MakePng(Tiny(), PngChunk("pHYs", data))).properties;
-        EXPECT_EQ(wanted, std::pair(properties.micronsX, properties.micronsY));
+        EXPECT_EQ(wanted, std::pair(properties.kept.micronsX, properties.kept.micronsY));
+    }
+}
+
+// 12 bits, scaled to 16 as the format has it (their first bits again) or with zeros behind them. One sample that is
+// neither, channels that differ, or an impossible number leave the samples as they are.
+TEST(PngReader, SamplesScaledFromFewerBitsAreScaledBackIfThatLosesNothing) {
+    struct Case {
+        uint32_t colourType, depth;
+        Bytes bits;
+        std::vector<uint32_t> stored, wanted;
+        int32_t significant;
+    };
+    for (const Case& c : {Case{0, 16, {12}, {0x0000, 0xFFFF, 0x1231, 0xABCA}, {0, 0xFFF, 0x123, 0xABC}, 12},
+                          {0, 16, {12}, {0x0000, 0xFFF0, 0x1230, 0xABC0}, {0, 0xFFF, 0x123, 0xABC}, 12},
+                          {0, 16, {12}, {0x0000, 0xFFFF, 0x1230, 0xABC0}, {0, 0xFFFF, 0x1230, 0xABC0}, 0},
+                          {0, 16, {5}, {0x0000, 0xFFFF, 0x8421, 0x0842}, {0, 31, 16, 1}, 5},
+                          {0, 8, {3}, {0, 0xFF, 0xB6, 0x24}, {0, 7, 5, 1}, 3},
+                          {0, 16, {16}, {1, 2, 3, 4}, {1, 2, 3, 4}, 0},
+                          {0, 16, {0}, {0, 0, 0, 0}, {0, 0, 0, 0}, 0},
+                          {0, 16, {12, 12}, {0, 0, 0, 0}, {0, 0, 0, 0}, 0},
+                          {4, 16, {12, 16}, {0x0000, 0xFFFF, 0x1231, 0xABCA}, {0, 0xFFF, 0x123, 0xABC}, 12}}) {
+        const PngPicture picture = {
+            2,       2,
+            c.depth, c.colourType,
+            false,   [&](uint32_t x, uint32_t y, uint32_t sample) { return sample ? 0 : c.stored[2 * y + x]; }};
+        const MemoryImage image = Read(MakePng(picture, PngChunk("sBIT", c.bits)));
+        EXPECT_EQ(c.wanted, image.Levels());
+        EXPECT_EQ(c.significant, image.properties.kept.significantBits);
+    }
+    const PngPicture colour = {1, 1, 8, 2, false, [](uint32_t, uint32_t, uint32_t) { return 0; }};
+    EXPECT_EQ(0, Read(MakePng(colour, PngChunk("sBIT", {5, 6, 5}))).properties.kept.significantBits);
+    EXPECT_EQ(5, Read(MakePng(colour, PngChunk("sBIT", {5, 5, 5}))).properties.kept.significantBits);
+}
+
+// Of a chunk of this library that is cut off, too long or of another version nothing is taken.
+TEST(PngReader, DamagedPrivateChunksAreSkipped) {
+    FileProperties whole;
+    whole.kept.PutMicrons(0.1, 0.2, "");
+    whole.kept.binaries = {{OLESTR("key"), {1, 2, 3}}};
+    whole.settings.emplace();
+    for (size_t i = 0; i < 1024; ++i) whole.settings->palette[i] = static_cast<uint8_t>(i % 4 == 3 ? 0 : i / 4);
+    whole.settings->luminanceUpper = whole.settings->displayUpper = 255;
+    const auto read = [](std::string_view type, const Bytes& data) {
+        const FileProperties got = Read(MakePng(Tiny(), PngChunk(type, data))).properties;
+        return std::tuple(got.kept.micronsX, got.kept.binaries.size(), got.settings.has_value());
+    };
+    const std::vector<PrivateChunk> chunks = PrivateChunks(whole);
+    ASSERT_EQ(3u, chunks.size());
+    const auto [calibration, settings, entry] = std::tie(chunks[0].data, chunks[1].data, chunks[2].data);
+    EXPECT_EQ(std::tuple(0.1, 0u, false), read("caLB", calibration));
+    EXPECT_EQ(std::tuple(0.0, 0u, true), read("seTT", settings));
+    EXPECT_EQ(std::tuple(0.0, 1u, false), read("biNe", entry));
+    const std::tuple nothing(0.0, size_t{0}, false);
+    for (const auto& [type, data] : {std::pair{"caLB", calibration}, {"seTT", settings}}) {
+        for (size_t size = 0; size < data.size(); ++size) EXPECT_EQ(nothing, read(type, Part(data, 0, size)));
+        EXPECT_EQ(nothing, read(type, data + Bytes{0}));
+        Bytes other = data;
+        other[5] = 2;
+        EXPECT_EQ(nothing, read(type, other));
+    }
+    for (size_t size = 0; size < 16; ++size) EXPECT_EQ(nothing, read("biNe", Part(entry, 0, size)));
+    // Settings that an image of bytes with one band cannot have.
+    for (const auto& spoil : std::vector<std::function<void(ImageSettings&)>>{
+             [](ImageSettings& s) { s.bandToProcess = 1; }, [](ImageSettings& s) { s.bandToDisplay = -2; },
+             [](ImageSettings& s) { s.numberOfBins = 255; }, [](ImageSettings& s) { s.luminanceUpper = 256; },
+             [](ImageSettings& s) { s.luminanceLower = 0.5; }, [](ImageSettings& s) { s.displayLower = -1; }}) {
+        FileProperties spoiled;
+        spoiled.settings = whole.settings;
+        spoil(*spoiled.settings);
+        EXPECT_EQ(nothing, read("seTT", PrivateChunks(spoiled)[0].data));
     }
 }
 
@@ -235,7 +306,7 @@ TEST(PngReader, TextsOfAllThreeKindsAreKeptInOrderAndOddOnesSkipped) {
                                                           {OLESTR("Plain"), OLESTR("\u00B5\u20AC\U0001D11E\uFFFDz")},
                                                           {OLESTR("Small"), OLESTR("\u00E9")},
                                                           {OLESTR("Title"), OLESTR("behind")}};
-    const auto texts = Read(file).properties.texts;
+    const auto texts = Read(file).properties.kept.texts;
     ASSERT_EQ(std::size(expected), texts.size());
     for (size_t i = 0; i < texts.size(); ++i)
         EXPECT_TRUE(expected[i] == std::pair(texts[i].keyword, texts[i].text)) << i;
@@ -246,13 +317,14 @@ TEST(PngReader, ATextThatDecompressesToMoreThanAMebibyteIsSkippedAndAllOfThemTog
         return PngChunk("zTXt", FromText(keyword) + Bytes{0, 0} + PackedStream(Bytes(size, 'x')));
     };
     const size_t mebibyte = size_t{1} << 20;
-    const auto texts = Read(MakePng(Tiny(), packed("Large", mebibyte + 1) + packed("Most", mebibyte))).properties.texts;
+    const auto texts =
+        Read(MakePng(Tiny(), packed("Large", mebibyte + 1) + packed("Most", mebibyte))).properties.kept.texts;
     ASSERT_EQ(1u, texts.size());
     EXPECT_EQ(mebibyte, texts[0].text.size());
 
     Bytes many;
     for (int i = 0; i < 20; ++i) many = many + packed("Many", mebibyte);
-    EXPECT_EQ(16u, Read(MakePng(Tiny(), many)).properties.texts.size());
+    EXPECT_EQ(16u, Read(MakePng(Tiny(), many)).properties.kept.texts.size());
 }
 
 }  // namespace

@@ -8,7 +8,8 @@ using namespace std::string_view_literals;
 TEST(Pnm, PlainAndRawFilesGiveTheirValues) {
     const struct {
         std::string_view file;
-        int32_t width, height, bands, bits;
+        int32_t width, height, bands;
+        LONG bits;
         std::vector<uint32_t> levels;
     } cases[] = {
         {"P2\n2 2\n255\n1 2\n3 255\n", 2, 2, 1, 8, {1, 2, 3, 255}},
@@ -28,7 +29,7 @@ TEST(Pnm, PlainAndRawFilesGiveTheirValues) {
         SCOPED_TRACE(c.file);
         const MemoryImage image = Read(FromText(c.file));
         const FileProperties& p = image.properties;
-        EXPECT_EQ(std::tuple(c.width, c.height, c.bands, c.bits), std::tuple(p.width, p.height, p.bands, p.bits));
+        EXPECT_EQ(std::tuple(c.width, c.height, c.bands, c.bits), std::tuple(p.width, p.height, p.bands, p.dataType));
         EXPECT_EQ(c.levels, image.Levels());
     }
 }

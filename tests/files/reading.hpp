@@ -12,7 +12,7 @@ namespace orlix::test {
 
 inline MemoryImage Read(std::span<const uint8_t> file) {
     MemoryImage image;
-    EXPECT_EQ("", FailureOfReading(file, image));
+    EXPECT_EQ("", FailureOfReading(file, image, {}, true));
     return image;
 }
 

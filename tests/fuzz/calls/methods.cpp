@@ -175,6 +175,17 @@ Argument<BSTR> FileName(World& world) {
 
 ORLIX_SPECIAL(IImageVPAExPlus, CreateFromFile) { call(FileName(world).get()); }
 
+ORLIX_SPECIAL(IImageFile, LoadFromFile) {
+    const Argument<BSTR> name = FileName(world);
+    call(name.get(), world.choices().Chance(32) ? world.Long() : 0);
+}
+
+ORLIX_SPECIAL(IImageFile, GetNumberOfPages) {
+    const Argument<BSTR> name = FileName(world);
+    Argument<LONG*> pages(world);
+    call(name.get(), pages.get());
+}
+
 ORLIX_SPECIAL(IImageFile, SaveToFile) {
     const Argument<BSTR> name = FileName(world);
     call(name.get(), Argument<ImageFileFormat>(world).get());
