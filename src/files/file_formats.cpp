@@ -9,6 +9,7 @@ namespace {
 
 constexpr LONG kBytes[] = {DT_BYTE};
 constexpr LONG kBytesAndWords[] = {DT_BYTE, DT_WORD};
+constexpr LONG kFloats[] = {DT_Float};
 constexpr int32_t kGreyOrColourBands[] = {1, 3};
 constexpr int32_t kGreyBands[] = {1};
 constexpr int32_t kColourBands[] = {3};
@@ -20,6 +21,8 @@ constexpr FileFormat kFileFormats[] = {
     {"PPM", ".ppm", IFF_PPM, &LooksLikePpm, &ReadPnm, &WriteRawPnm, kColourBands, kBytesAndWords},
     {"plain PGM", "", IFF_PlainPGM, &LooksLikePlainPgm, &ReadPnm, &WritePlainPnm, kGreyBands, kBytesAndWords},
     {"plain PPM", "", IFF_PlainPPM, &LooksLikePlainPpm, &ReadPnm, &WritePlainPnm, kColourBands, kBytesAndWords},
+    {"PAM", ".pam", IFF_PAM, &LooksLikePam, &ReadPam, &WritePam, kGreyOrColourBands, kBytesAndWords},
+    {"PFM", ".pfm", IFF_PFM, &LooksLikePfm, &ReadPfm, &WritePfm, kGreyOrColourBands, kFloats},
 };
 
 }  // namespace

@@ -10,7 +10,8 @@
 //         the indices are the grey levels.
 //   PNM   Plain and raw PGM and PPM (P2, P5, P3, P6). Values are kept as they are, whatever the declared maximum (a
 //         12-bit camera has levels 0..4095, and its user measures in those). A maximum up to 255 gives 8 bits, a larger
-//         one 16. Of several images in a file the first is read.
+//         one 16. PAM (P7) likewise, but for black and white, which become 0 and 255; alpha is dropped. PFM (Pf, PF)
+//         gives floats, bit by bit. Of several images in a file the first is read.
 // A palette gives one band if every entry that a pixel uses is grey (so a grey ramp with some reserved colours is a
 // grey image), and three bands otherwise.
 //
@@ -50,8 +51,9 @@ FileProperties LoadImageFile(WideStringView path, PixelSink& sink, const ReadOpt
 // The number of images in the file at a path. Fails like LoadImageFile().
 int32_t PagesOfImageFile(WideStringView path);
 
-// The bytes of a file of the given format. PNG keeps all properties. PGM and PPM keep the pixels only, and the number of
-// significant bits as the declared maximum. Failures, in the order of the checks:
+// The bytes of a file of the given format. PNG keeps all properties. PGM, PPM and PAM keep the pixels only, and the
+// number of significant bits as the declared maximum; PFM keeps the pixels and the text "PFM scale". Failures, in the
+// order of the checks:
 //   "IImageFile::SaveToFile: no image."              no width or no height
 //   "IImageFile::SaveToFile: unknown file format."   also for IFF_ByExtension and formats that are read only
 //   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only.", or "8-bit images only.", or, of other

@@ -41,24 +41,40 @@ size_t RowBytes(const FileProperties& properties) {
     return static_cast<size_t>(rowBytes);
 }
 
-// `grey` and `colour` are the magic numbers.
-std::string Header(const FileProperties& properties, PixelSource& source, const char* grey, const char* colour) {
+int32_t Maximum(const FileProperties& properties, PixelSource& source) {
     // A smaller maximum than 256 would make bytes of words.
     const int32_t bits = BitsInUse(properties, source), least = properties.dataType == DT_WORD ? 9 : 1;
-    return std::string(properties.bands == 3 ? colour : grey) + "\n" + std::to_string(properties.width) + " " +
-           std::to_string(properties.height) + "\n" + std::to_string((1 << std::max(bits, least)) - 1) + "\n";
+    return (1 << std::max(bits, least)) - 1;
 }
 
-}  // namespace
+// `grey` and `colour` are the magic numbers.
+std::string Header(const FileProperties& properties, PixelSource& source, const char* grey, const char* colour) {
+    return std::string(properties.bands == 3 ? colour : grey) + "\n" + std::to_string(properties.width) + " " +
+           std::to_string(properties.height) + "\n" + std::to_string(Maximum(properties, source)) + "\n";
+}
 
-std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
+// The rows of all samples in binary form, behind the header.
+std::vector<uint8_t> RawFile(const std::string& header, const FileProperties& properties, PixelSource& source) {
     const size_t rowBytes = RowBytes(properties);
-    const std::string header = Header(properties, source, "P5", "P6");
     std::vector<uint8_t> bytes(header.begin(), header.end());
     bytes.resize(header.size() + rowBytes * static_cast<size_t>(properties.height));
     for (int32_t y = 0; y < properties.height; ++y)
         InterleaveRow(source, properties, y, bytes.data() + header.size() + rowBytes * static_cast<size_t>(y));
     return bytes;
+}
+
+}  // namespace
+
+std::vector<uint8_t> WriteRawPnm(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
+    return RawFile(Header(properties, source, "P5", "P6"), properties, source);
+}
+
+std::vector<uint8_t> WritePam(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
+    const std::string header = "P7\nWIDTH " + std::to_string(properties.width) + "\nHEIGHT " +
+                               std::to_string(properties.height) + "\nDEPTH " + std::to_string(properties.bands) +
+                               "\nMAXVAL " + std::to_string(Maximum(properties, source)) + "\nTUPLTYPE " +
+                               (properties.bands == 3 ? "RGB" : "GRAYSCALE") + "\nENDHDR\n";
+    return RawFile(header, properties, source);
 }
 
 std::vector<uint8_t> WritePlainPnm(const FileProperties& properties, PixelSource& source, const WriteOptions&) {

@@ -26,7 +26,9 @@ public:
     void Begin(const FileProperties& given) override {
         Rule(given.width > 0 && given.height > 0, "positive size");
         Rule(given.bands == 1 || given.bands == 3, "one band or three");
-        Rule(given.dataType == DT_BYTE || given.dataType == DT_WORD, "8 or 16 bits");
+        Rule(given.dataType == DT_BYTE || given.dataType == DT_WORD || given.dataType == DT_DWORD ||
+                 given.dataType == DT_Float,
+             "a type of images");
         const ImageProperties& kept = given.kept;
         Rule(IsPixelSize(kept.micronsX, kept.micronsY) || (kept.micronsX == 0 && kept.micronsY == 0),
              "both pixel sizes or none");
@@ -36,6 +38,7 @@ public:
         image.Begin(given);
         std::fill(image.bytes.begin(), image.bytes.end(), fill_);
         std::fill(image.words.begin(), image.words.end(), static_cast<uint16_t>(fill_ * 257));
+        std::fill(image.dwords.begin(), image.dwords.end(), fill_ * 0x01010101u);
     }
     void* Row(int32_t band, int32_t y) override { return image.Row(band, y); }
 
@@ -97,7 +100,10 @@ void CheckWriting(std::span<const uint8_t> bytes) {
     if (!ReadInto(bytes, sink) || SamplesOf(sink.image.properties) > kMostSamplesWritten) return;
     const FileProperties& properties = sink.image.properties;
     const bool colour = properties.bands == 3;
-    for (const ImageFileFormat format : {IFF_PNG, colour ? IFF_PPM : IFF_PGM, colour ? IFF_PlainPPM : IFF_PlainPGM}) {
+    std::vector<ImageFileFormat> formats = {IFF_PFM};
+    if (properties.dataType == DT_BYTE || properties.dataType == DT_WORD)
+        formats = {IFF_PNG, IFF_PAM, colour ? IFF_PPM : IFF_PGM, colour ? IFF_PlainPPM : IFF_PlainPGM};
+    for (const ImageFileFormat format : formats) {
         MemoryImage back;
         back.properties = ReadImageFile(Written(format, sink.image), back);
         Rule(back.SamePixels(sink.image), "the same pixels after writing");

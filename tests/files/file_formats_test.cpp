@@ -54,7 +54,8 @@ TEST(FileFormats, EachImageComesBackAsItWas) {
                             EXPECT_EQ(&other == &format, other.looksLike(start)) << other.name;
                         ++written;
                     }
-    EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6) + 2 * 4 * 9, written);  // PNG and BMP have grey and colour
+    // PNG, BMP, PAM and PFM have grey and colour; PFM has one type.
+    EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6 + 4 * 6 + 2 * 6) + 2 * 4 * 9, written);
 }
 
 }  // namespace

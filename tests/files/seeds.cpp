@@ -58,7 +58,11 @@ void AddPnm(std::vector<Seed>& seeds) {
     for (const std::string_view text :
          {"P2\n# c\n3 2\n255\n1 2 3\n4 5 255\n"sv, "P2 2 1 65535 1 65535"sv, "P3 1 2 15 1 2 3 4 5 15"sv,
           "P5 3 2 255\nabcdef"sv, "P5#c\n2 1\n1023\n\x03\xFF\x00\x01"sv, "P6 2 1 255\nabcdef"sv,
-          "P6 1 1 65535\n\x01\x02\x03\x04\x05\x06"sv, "P2 1 1 255 5 P2 1 1 255 6"sv})
+          "P6 1 1 65535\n\x01\x02\x03\x04\x05\x06"sv, "P2 1 1 255 5 P2 1 1 255 6"sv,
+          "P7\nWIDTH 2\nHEIGHT 1\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\nabcdefgh"sv,
+          "P7\n# c\nWIDTH 3\nHEIGHT 1\nDEPTH 1\nMAXVAL 1\nTUPLTYPE BLACKANDWHITE\nENDHDR\n\0\1\1"sv,
+          "P7\nMAXVAL 4095\nDEPTH 2\nWIDTH 1\nHEIGHT 2\nENDHDR\n\1\2\3\4\1\2\3\4"sv, "Pf 2 1 -2.5\nabcdefgh"sv,
+          "PF\n1 1\n1e-3\nabcdefghijkl"sv})
         seeds.push_back({"pnm-" + std::to_string(number++), FromText(text)});
 }
 

@@ -1,5 +1,6 @@
 // The fuzzer of a reader: ORLIX_FORMAT is png, bmp, pnm or stream.
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "files/corpus.hpp"
@@ -14,13 +15,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     // Spares the fuzzer the search for the signature.
-    constexpr uint8_t kKinds[] = {'2', '3', '5', '6'};
+    constexpr uint8_t kKinds[] = {'2', '3', '5', '6', '7', 'f', 'F'};
     const Bytes signature = kFormat == "png"   ? PngSignature()
                             : kFormat == "bmp" ? FromText("BM")
-                                               : Bytes{'P', kKinds[size > 1 ? data[1] % 4 : 0]};
+                                               : Bytes{'P', kKinds[size > 1 ? data[1] % std::size(kKinds) : 0]};
     std::copy_n(signature.begin(), std::min(signature.size(), size), file.begin());
     if (kFormat == "png") file = WithRightChecksums(file);
     CheckReading(file);
-    if (kFormat == "png") CheckWriting(file);
+    if (kFormat == "png" || kFormat == "pnm") CheckWriting(file);
     return 0;
 }
