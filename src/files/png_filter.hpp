@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "vectors/variants.hpp"
+
 namespace orlix::png {
 
 enum Filter : uint8_t { kNone = 0, kSub = 1, kUp = 2, kAverage = 3, kPaeth = 4 };
@@ -22,14 +24,47 @@ constexpr uint8_t Paeth(int a, int b, int c) {
     return static_cast<uint8_t>(t <= low ? high : upper);
 }
 
-// Undoes a filter in place. `above` is the row above, already undone, or zeros. `pixel` is the number of bytes of a
-// pixel: 1, 2, 3, 4, 6 or 8 (1 for pixels smaller than a byte). `size`, the bytes of a row, is a multiple of it.
-// Returns false and does nothing for an unknown filter.
-bool Unfilter(uint8_t filter, uint8_t* row, const uint8_t* above, size_t size, size_t pixel);
+// The prediction of a byte, by its definition.
+constexpr uint8_t Predict(Filter filter, int a, int b, int c) {
+    switch (filter) {
+        case kSub:
+            return static_cast<uint8_t>(a);
+        case kUp:
+            return static_cast<uint8_t>(b);
+        case kAverage:
+            return static_cast<uint8_t>((a + b) >> 1);
+        case kPaeth:
+            return Paeth(a, b, c);
+        default:
+            return 0;
+    }
+}
+
+// In both kernels `pixel` is the number of bytes of a pixel: 1, 2, 3, 4, 6 or 8 (1 for pixels smaller than a byte), and
+// `size`, the bytes of a row, is a multiple of it.
+//
+// Undoes the filters of rows in place. Each row stands behind the byte that names its filter, one of the five; the next
+// one follows at once. `above` is the row above the first, already undone, or zeros.
+using UnfilterFn = void (*)(uint8_t* rows, size_t count, const uint8_t* above, size_t size, size_t pixel);
 
 // Applies a filter. `filtered` must not overlap the rows. Returns the sum of the absolute differences, taken as signed
 // bytes: a row with a smaller sum usually compresses better.
-uint64_t ApplyFilter(Filter filter, const uint8_t* row, const uint8_t* above, size_t size, size_t pixel,
-                     uint8_t* filtered);
+using ApplyFilterFn = uint64_t (*)(Filter filter, const uint8_t* row, const uint8_t* above, size_t size, size_t pixel,
+                                   uint8_t* filtered);
+
+Kernel<UnfilterFn> Unfilter_scalar, Unfilter_sse2;
+Kernel<ApplyFilterFn> ApplyFilter_scalar, ApplyFilter_sse2, ApplyFilter_avx2;
+
+// A byte waits for the one before it, so vectors hold bytes of sixteen rows, and wider ones would need more rows than
+// fit into a block.
+inline constexpr Variant<UnfilterFn> kUnfilter[] = {
+    {"sse2", Cpu::Sse2, &Unfilter_sse2},
+    {"scalar", Cpu::Any, &Unfilter_scalar},
+};
+inline constexpr Variant<ApplyFilterFn> kApplyFilter[] = {
+    {"avx2", Cpu::Avx2, &ApplyFilter_avx2},
+    {"sse2", Cpu::Sse2, &ApplyFilter_sse2},
+    {"scalar", Cpu::Any, &ApplyFilter_scalar},
+};
 
 }  // namespace orlix::png

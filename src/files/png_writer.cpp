@@ -202,8 +202,8 @@ public:
 private:
     uint64_t FilterInto(std::vector<uint8_t>& stored, uint8_t filter) {
         stored[0] = filter;
-        return ApplyFilter(static_cast<Filter>(filter), row_.data(), above_.data(), rowBytes_, pixelBytes_,
-                           stored.data() + 1);
+        return apply_(static_cast<Filter>(filter), row_.data(), above_.data(), rowBytes_, pixelBytes_,
+                      stored.data() + 1);
     }
     void FilterBest() {
         uint64_t least = FilterInto(best_, kNone);
@@ -217,6 +217,7 @@ private:
 
     const FileProperties& properties_;
     PixelSource& source_;
+    ApplyFilterFn apply_ = Choose(kApplyFilter);
     size_t pixelBytes_;
     size_t rowBytes_ = 0;
     std::vector<uint8_t> above_, row_;   // unfiltered, in the format's order

@@ -9,6 +9,7 @@
 #include "binary/plane_kernels.hpp"
 #include "display/display_level_kernels.hpp"
 #include "display/raster_kernels.hpp"
+#include "files/png_filter.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
 #include "filters/filter_table.hpp"
 #include "fits/correction_kernels.hpp"
@@ -127,6 +128,8 @@ std::vector<KernelInUse> Collect() {
                        {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
                        {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
                        {"display levels, float", ChosenVariant(kLevels<float>).name},
+                       {"PNG filters", ChosenVariant(png::kApplyFilter).name},
+                       {"PNG filters, undone", ChosenVariant(png::kUnfilter).name},
                        {"picture, greys", ChosenVariant(kExpandGrey).name},
                        {"picture, colour table", ChosenVariant(kExpandLevels).name},
                        {"picture, colours of planes", ChosenVariant(kExpandPlanes).name},

@@ -18,20 +18,53 @@ TEST(PngWriter, FilteringIsUndoneForEveryFilterPixelAndLength) {
     for (const size_t pixel : {1u, 2u, 3u, 4u, 6u, 8u})
         for (const size_t pixels : {1u, 2u, 3u, 15u, 16u, 17u, 100u})
             for (uint8_t filter = 0; filter < png::kFilters; ++filter) {
-                Bytes row(pixel * pixels), above(row.size()), filtered(row.size());
+                Bytes row(pixel * pixels), above(row.size());
                 for (auto* bytes : {&row, &above})
                     for (auto& byte : *bytes) byte = static_cast<uint8_t>(noise());
-                const uint64_t sum = png::ApplyFilter(static_cast<png::Filter>(filter), row.data(), above.data(),
-                                                      row.size(), pixel, filtered.data());
-                uint64_t expected = 0;
-                for (const uint8_t byte : filtered)
-                    expected += static_cast<uint64_t>(std::abs(int{static_cast<int8_t>(byte)}));
-                EXPECT_EQ(expected, sum);
-                ASSERT_TRUE(png::Unfilter(filter, filtered.data(), above.data(), row.size(), pixel));
-                EXPECT_EQ(row, filtered) << "filter " << int{filter} << " pixel " << pixel << " of " << pixels;
+                for (const auto& apply : SupportedOnThisCpu(png::kApplyFilter)) {
+                    SCOPED_TRACE(testing::Message()
+                                 << apply.name << " filter " << int{filter} << " pixel " << pixel << " of " << pixels);
+                    Bytes filtered(1 + row.size(), filter);
+                    const uint64_t sum = apply.fn(static_cast<png::Filter>(filter), row.data(), above.data(),
+                                                  row.size(), pixel, filtered.data() + 1);
+                    uint64_t expected = 0;
+                    for (size_t i = 0; i < row.size(); ++i) {
+                        const int a = i < pixel ? 0 : row[i - pixel], b = above[i],
+                                  c = i < pixel ? 0 : above[i - pixel];
+                        const int predictions[] = {0, a, b, (a + b) / 2, PaethByDefinition(a, b, c)};
+                        const auto difference = static_cast<int8_t>(row[i] - predictions[filter]);
+                        ASSERT_EQ(static_cast<uint8_t>(difference), filtered[1 + i]);
+                        expected += static_cast<uint64_t>(std::abs(int{difference}));
+                    }
+                    EXPECT_EQ(expected, sum);
+                    png::Unfilter_scalar(filtered.data(), 1, above.data(), row.size(), pixel);
+                    EXPECT_EQ(row, Part(filtered, 1));
+                }
             }
-    uint8_t byte = 1;
-    EXPECT_FALSE(png::Unfilter(5, &byte, &byte, 1, 1));
+}
+
+// Rows of any filters in turn, around the sixteen that vectors take at once.
+TEST(PngWriter, RowsAreUndoneTogetherAsOneByOne) {
+    Noise noise(7);
+    for (const size_t pixel : {1u, 2u, 3u, 4u, 6u, 8u})
+        for (const size_t pixels : {1u, 15u, 16u, 17u, 32u, 33u, 100u})
+            for (const size_t rows : {1u, 15u, 16u, 17u, 33u})
+                for (const uint32_t filters : {1u, 2u, 3u, 4u, 5u}) {
+                    const size_t size = pixel * pixels;
+                    Bytes stored(rows * (1 + size)), above(size);
+                    for (auto* bytes : {&stored, &above})
+                        for (auto& byte : *bytes) byte = static_cast<uint8_t>(noise());
+                    for (size_t i = 0; i < rows; ++i)
+                        stored[i * (1 + size)] = static_cast<uint8_t>(5 - filters + noise.below(filters));
+                    Bytes one = stored;
+                    png::Unfilter_scalar(one.data(), rows, above.data(), size, pixel);
+                    for (const auto& unfilter : SupportedOnThisCpu(png::kUnfilter)) {
+                        Bytes together = stored;
+                        unfilter.fn(together.data(), rows, above.data(), size, pixel);
+                        ASSERT_EQ(one, together) << unfilter.name << ' ' << rows << " rows of " << pixels
+                                                 << " pixels of " << pixel << " bytes, " << filters << " filters";
+                    }
+                }
 }
 
 TEST(PngWriter, TheFileIsASignatureAndChunksInOrderWithTheirProperties) {

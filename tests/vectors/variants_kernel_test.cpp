@@ -48,7 +48,9 @@ std::set<std::string> KernelNames() {
                                    "hemisphere residuals",
                                    "tilted hemisphere sums",
                                    "correct with a polynomial, 8 bits",
-                                   "outlines"};
+                                   "outlines",
+                                   "PNG filters",
+                                   "PNG filters, undone"};
     const auto add = [&](std::initializer_list<std::string> kernels, std::initializer_list<std::string> kinds) {
         for (const std::string& kernel : kernels)
             for (const std::string& kind : kinds) names.insert(kernel + ", " + kind);

@@ -5,11 +5,9 @@
 namespace orlix::png {
 namespace {
 
-constexpr auto PredictNone = [](int, int, int) { return uint8_t{0}; };
-constexpr auto PredictSub = [](int a, int, int) { return static_cast<uint8_t>(a); };
-constexpr auto PredictUp = [](int, int b, int) { return static_cast<uint8_t>(b); };
-constexpr auto PredictAverage = [](int a, int b, int) { return static_cast<uint8_t>((a + b) >> 1); };
-constexpr auto PredictPaeth = [](int a, int b, int c) { return Paeth(a, b, c); };
+// Constants, so that each filter has loops of its own.
+template <Filter kFilter>
+constexpr auto kPredict = [](int a, int b, int c) { return Predict(kFilter, a, b, c); };
 
 void UndoUp(uint8_t* row, const uint8_t* above, size_t size) {
     for (size_t i = 0; i < size; ++i) row[i] = static_cast<uint8_t>(row[i] + above[i]);
@@ -67,40 +65,42 @@ uint64_t Apply(const uint8_t* row, const uint8_t* above, size_t size, size_t pix
 
 }  // namespace
 
-bool Unfilter(uint8_t filter, uint8_t* row, const uint8_t* above, size_t size, size_t pixel) {
-    switch (filter) {
-        case kNone:
-            return true;
-        case kSub:
-            Undo(row, above, size, pixel, PredictSub);
-            return true;
-        case kUp:
-            UndoUp(row, above, size);
-            return true;
-        case kAverage:
-            Undo(row, above, size, pixel, PredictAverage);
-            return true;
-        case kPaeth:
-            Undo(row, above, size, pixel, PredictPaeth);
-            return true;
-        default:
-            return false;
+void Unfilter_scalar(uint8_t* rows, size_t count, const uint8_t* above, size_t size, size_t pixel) {
+    for (; count > 0; --count, rows += 1 + size) {
+        uint8_t* const row = rows + 1;
+        switch (rows[0]) {
+            case kSub:
+                Undo(row, above, size, pixel, kPredict<kSub>);
+                break;
+            case kUp:
+                UndoUp(row, above, size);
+                break;
+            case kAverage:
+                Undo(row, above, size, pixel, kPredict<kAverage>);
+                break;
+            case kPaeth:
+                Undo(row, above, size, pixel, kPredict<kPaeth>);
+                break;
+            default:
+                break;
+        }
+        above = row;
     }
 }
 
-uint64_t ApplyFilter(Filter filter, const uint8_t* row, const uint8_t* above, size_t size, size_t pixel,
-                     uint8_t* filtered) {
+uint64_t ApplyFilter_scalar(Filter filter, const uint8_t* row, const uint8_t* above, size_t size, size_t pixel,
+                            uint8_t* filtered) {
     switch (filter) {
         case kSub:
-            return Apply(row, above, size, pixel, filtered, PredictSub);
+            return Apply(row, above, size, pixel, filtered, kPredict<kSub>);
         case kUp:
-            return Apply(row, above, size, pixel, filtered, PredictUp);
+            return Apply(row, above, size, pixel, filtered, kPredict<kUp>);
         case kAverage:
-            return Apply(row, above, size, pixel, filtered, PredictAverage);
+            return Apply(row, above, size, pixel, filtered, kPredict<kAverage>);
         case kPaeth:
-            return Apply(row, above, size, pixel, filtered, PredictPaeth);
+            return Apply(row, above, size, pixel, filtered, kPredict<kPaeth>);
         default:
-            return Apply(row, above, size, pixel, filtered, PredictNone);
+            return Apply(row, above, size, pixel, filtered, kPredict<kNone>);
     }
 }
 

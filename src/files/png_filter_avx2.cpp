@@ -1,0 +1,40 @@
+#include <immintrin.h>
+
+#include "files/png_filter.hpp"
+#include "files/png_filter_vectors.hpp"
+
+namespace orlix::png {
+namespace {
+
+struct WideBytes {
+    using Vector = __m256i;
+    static constexpr size_t kLanes = 32;
+    static Vector Load(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+    static void Store(uint8_t* p, Vector v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+    static Vector Zero() { return _mm256_setzero_si256(); }
+    static Vector One() { return _mm256_set1_epi8(1); }
+    static Vector AddSaturated(Vector a, Vector b) { return _mm256_adds_epu8(a, b); }
+    static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi8(a, b); }
+    static Vector Min(Vector a, Vector b) { return _mm256_min_epu8(a, b); }
+    static Vector Max(Vector a, Vector b) { return _mm256_max_epu8(a, b); }
+    static Vector Equal(Vector a, Vector b) { return _mm256_cmpeq_epi8(a, b); }
+    static Vector And(Vector a, Vector b) { return _mm256_and_si256(a, b); }
+    static Vector Xor(Vector a, Vector b) { return _mm256_xor_si256(a, b); }
+    static Vector Select(Vector mask, Vector yes, Vector no) { return _mm256_blendv_epi8(no, yes, mask); }
+    static Vector MeanUp(Vector a, Vector b) { return _mm256_avg_epu8(a, b); }
+    static Vector AddUp(Vector sums, Vector v) { return _mm256_add_epi64(sums, _mm256_sad_epu8(v, Zero())); }
+    static uint64_t Total(Vector sums) {
+        alignas(32) uint64_t parts[4];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(parts), sums);
+        return parts[0] + parts[1] + parts[2] + parts[3];
+    }
+};
+
+}  // namespace
+
+uint64_t ApplyFilter_avx2(Filter filter, const uint8_t* row, const uint8_t* above, size_t size, size_t pixel,
+                          uint8_t* filtered) {
+    return ApplyIn<WideBytes>(filter, row, above, size, pixel, filtered);
+}
+
+}  // namespace orlix::png
