@@ -155,7 +155,8 @@ private:
 // How rows are filtered and compressed. Measured on micrographs: the noise that is left once each row has its best
 // filter holds runs but hardly any matches, whose search takes three times as long and makes the file larger. Height
 // maps that use few of their levels keep their repetitions without a filter, or with one for all rows, as drawings and
-// label images do, and pictures with three channels of nearly the same grey.
+// label images do, and pictures with three channels of nearly the same grey. Dim 16-bit pictures, whose upper bytes hardly
+// change, are the exception: there the search gains 4 %.
 struct Method {
     int filter;  // one for all rows, or kBestFilter
     int level, strategy;
@@ -164,10 +165,8 @@ struct Method {
 constexpr int kBestFilter = -1;
 // Faster methods first.
 constexpr Method kMethods[] = {
-    {kNone, 6, Z_RLE, 100},
-    {kBestFilter, 6, Z_RLE, 97},
-    {kNone, 1, Z_DEFAULT_STRATEGY, 97},
-    {kUp, 1, Z_DEFAULT_STRATEGY, 97},
+    {kNone, 6, Z_RLE, 100},           {kBestFilter, 6, Z_RLE, 97},      {kNone, 1, Z_DEFAULT_STRATEGY, 97},
+    {kUp, 1, Z_DEFAULT_STRATEGY, 97}, {kBestFilter, 5, Z_FILTERED, 99},
 };
 // For what has become less than an eighth: label images and drawings lose up to 40 % more by a longer search. In noisy
 // pictures it takes seven times as long and finds little.
