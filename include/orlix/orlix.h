@@ -815,14 +815,16 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
 
     // Number of low bits of a sample that are in use, 0 if that is not known.
     // Cameras of 10, 12 and 14 bits use so many of 16. Creating an image sets it to 0; loading a file sets it where
-    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of
-    // 8 and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
+    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It
+    // describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of 8
+    // and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
     virtual HRESULT STDMETHODCALLTYPE get_SignificantBits(LONG* hVal) = 0;
 
     // Number of low bits of a sample that are in use, 0 if that is not known.
     // Cameras of 10, 12 and 14 bits use so many of 16. Creating an image sets it to 0; loading a file sets it where
-    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of
-    // 8 and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
+    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It
+    // describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of 8
+    // and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
     virtual HRESULT STDMETHODCALLTYPE put_SignificantBits(LONG newVal) = 0;
 
     // Where the pixel size comes from, for people: "PNG pHYs chunk", "stream", "client" and so on.

@@ -14,8 +14,8 @@ namespace orlix {
 bool LooksLikePng(std::span<const uint8_t> bytes) noexcept;
 
 // The structure is checked first, from the signature to the end chunk: length, type, order and checksum of every chunk.
-// Texts (plain, compressed, international), the pixel size and the private chunks of private_chunks.hpp are read wherever
-// they stand. Texts are skipped if their contents are invalid, IsFileKeyword() refuses the keyword, the text is empty,
+// Texts (plain, compressed, international), the pixel size and the chunks of private_chunks.hpp are read wherever they
+// stand. Texts are skipped if their contents are invalid, IsFileKeyword() refuses the keyword, the text is empty,
 // or it decompresses to more than 1 MiB (16 MiB for all texts together). Of the chunks that are not known here those
 // that may be copied are kept. Samples of 8 and 16 bits that sBIT announces as scaled from fewer bits are scaled back
 // where that loses nothing. Failures:

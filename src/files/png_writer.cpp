@@ -155,8 +155,8 @@ private:
 // How rows are filtered and compressed. Measured on micrographs: the noise that is left once each row has its best
 // filter holds runs but hardly any matches, whose search takes three times as long and makes the file larger. Height
 // maps that use few of their levels keep their repetitions without a filter, or with one for all rows, as drawings and
-// label images do, and pictures with three channels of nearly the same grey. Dim 16-bit pictures, whose upper bytes hardly
-// change, are the exception: there the search gains 4 %.
+// label images do, and pictures with three channels of nearly the same grey. Dim 16-bit pictures, whose upper bytes
+// hardly change, are the exception: there the search gains 4 %.
 struct Method {
     int filter;  // one for all rows, or kBestFilter
     int level, strategy;
