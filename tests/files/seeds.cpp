@@ -30,6 +30,18 @@ void AddPng(std::vector<Seed>& seeds) {
                       text("iTXt", Bytes{1, 0, 'e', 'n', 0, 't', 0} + StoredStream({0xE2, 0x82, 0xAC})) +
                       PngChunk("IDAT", {0x78}) + PngChunk("IDAT", {}) +
                       PngChunk("IDAT", Part(StoredStream({0, 1, 2, 3}, 2), 1)) + PngEnd() + FromText("behind"));
+    const auto ours = [](std::string_view type, const Bytes& rest) {
+        return PngChunk(type, FromText("Orlix") + Bytes{1} + rest);
+    };
+    const Bytes one = {0x3F, 0xF0, 0, 0, 0, 0, 0, 0}, none(8);
+    const Bytes range = none + Bytes{0x40, 0x6F, 0xE0, 0, 0, 0, 0, 0};  // 0 and 255
+    add("private", PngSignature() + PngHeader(3, 1, 8, 0) + PngChunk("sBIT", {4}) +
+                       PngChunk("pHYs", Big32(1000000) + Big32(1000000) + Bytes{1}) +
+                       ours("caLB", one + one + none + none + one + none + none + one + Bytes{4}) +
+                       ours("seTT", range + Big32(0) + Big32(256) + range + Big32(0xFFFFFFFFu) + Bytes(28)) +
+                       ours("biNe", Big32(1) + Bytes{0, 'k', 1, 2, 3}) +
+                       ours("teXe", Big32(1) + Bytes{0, 'k', 0xD8, 0x34}) + PngChunk("heRe", {1, 2}) +
+                       PngChunk("IDAT", StoredStream({0, 0x11, 0x22, 0xFF})) + PngEnd());
     // Some bytes of the file for many pixels, in one band and in three.
     for (const uint8_t blue : {uint8_t{9}, uint8_t{10}})
         add(blue == 9 ? "wide-grey" : "wide-colour",
