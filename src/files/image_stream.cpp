@@ -27,6 +27,7 @@ constexpr size_t kFirstStep = size_t{1} << 16;  // bytes allocated before any ha
 
 constexpr WideStringView kMicronsKeyword = OLESTR("MicronsPerPixel");
 constexpr size_t kMicronsSize = 2 * sizeof(double);
+constexpr WideStringView kBitsKeyword = OLESTR("SignificantBits");
 
 [[noreturn]] void Damaged() { throw Failure("IPersistStreamInit::Load: the stream is damaged."); }
 
@@ -147,13 +148,18 @@ void PutTail(Output& output, LONG type, const ImageProperties& properties, const
         PutString(output, entry.keyword);
         PutString(output, entry.text);
     }
-    const bool calibrated = properties.micronsX > 0;
-    PutNumber(output, static_cast<uint32_t>(properties.binaries.size() + (calibrated ? 1 : 0)));
+    const bool calibrated = properties.micronsX > 0, bitsKnown = properties.significantBits > 0;
+    PutNumber(output, static_cast<uint32_t>(properties.binaries.size() + calibrated + bitsKnown));
     if (calibrated) {
         const double microns[] = {properties.micronsX, properties.micronsY};
         std::array<uint8_t, kMicronsSize> bytes;
         std::memcpy(bytes.data(), microns, sizeof microns);
         PutBinary(output, kMicronsKeyword, bytes);
+    }
+    if (bitsKnown) {
+        std::array<uint8_t, sizeof(int32_t)> bytes;
+        std::memcpy(bytes.data(), &properties.significantBits, bytes.size());
+        PutBinary(output, kBitsKeyword, bytes);
     }
     for (const BinaryEntry& entry : properties.binaries) PutBinary(output, entry.keyword, entry.bytes);
 }
@@ -344,7 +350,17 @@ bool TakeMicrons(const BinaryEntry& entry, ImageProperties& properties) {
     return true;
 }
 
-void ReadEntries(Reader& reader, ImageProperties& properties) {
+// The same for the number of significant bits.
+bool TakeBits(const BinaryEntry& entry, LONG type, ImageProperties& properties) {
+    int32_t bits = 0;
+    if (entry.keyword != kBitsKeyword || entry.bytes.size() != sizeof bits) return false;
+    std::memcpy(&bits, entry.bytes.data(), sizeof bits);
+    if (bits == 0 || !CanBeSignificant(bits, type)) return false;
+    properties.significantBits = bits;
+    return true;
+}
+
+void ReadEntries(Reader& reader, LONG type, ImageProperties& properties) {
     for (uint32_t left = reader.Count(); left > 0; --left) {
         RequireVersion(reader.Number<double>(), kEntryVersion);
         TextEntry entry;
@@ -358,7 +374,10 @@ void ReadEntries(Reader& reader, ImageProperties& properties) {
         BinaryEntry entry;
         entry.keyword = reader.Elements<WideString>();
         entry.bytes = reader.Elements<std::vector<uint8_t>>();
-        if (i != 0 || !TakeMicrons(entry, properties)) properties.binaries.push_back(std::move(entry));
+        const bool taken =
+            (i == 0 && TakeMicrons(entry, properties)) ||
+            (properties.significantBits == 0 && properties.binaries.empty() && TakeBits(entry, type, properties));
+        if (!taken) properties.binaries.push_back(std::move(entry));
     }
 }
 
@@ -404,7 +423,7 @@ StreamImage ReadImageStream(ByteSource& source, const SampleLimit& limit) {
     properties.description = reader.Elements<WideString>();
     properties.hasDescription = !properties.description.empty();
     image.settings = ReadSettings(reader, image.dataType, layout.bands);
-    ReadEntries(reader, properties);
+    ReadEntries(reader, image.dataType, properties);
     return image;
 }
 

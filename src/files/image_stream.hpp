@@ -16,7 +16,7 @@
 //            Z, then Z binary entries: double 1.0, keyword, number of bytes, bytes
 //
 // If the size of a pixel is known, the first binary entry holds it in microns: keyword "MicronsPerPixel", 16 bytes, x
-// and y as doubles.
+// and y as doubles. If the number of significant bits is known, the next one holds that: "SignificantBits".
 #pragma once
 
 #include <orlix/orlix.h>

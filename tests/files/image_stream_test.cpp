@@ -232,8 +232,15 @@ TEST(ImageStream, LongBlocksAreReadToTheirLastByteAndNoFurther) {
         EXPECT_EQ(outcome, Outcome(start + Little32(static_cast<uint32_t>(block.size())) + block + tail)) << what;
 }
 
-TEST(ImageStream, SizeOfAPixelIsAnEntryOnlyWhereItCanBeOne) {
-    HandMadeStream stream;
+TEST(ImageStream, SizeOfAPixelAndSignificantBitsAreEntriesOnlyWhereTheyCanBe) {
+    HandMadeStream stream;  // of bytes
+    for (const uint32_t bits : {0u, 7u, 8u, 0xFFFFFFFFu}) {
+        const Bytes entry = Double(1) + LittleString(OLESTR("SignificantBits")) + Little32(4) + Little32(bits);
+        stream.binaries = Little32(2) + entry + entry;
+        const ImageProperties properties = ReadBack(stream.Whole()).content.properties;
+        EXPECT_EQ(bits == 7 ? 7 : 0, properties.significantBits);
+        EXPECT_EQ(bits == 7 ? 1u : 2u, properties.binaries.size());
+    }
     for (const double bad : {0.0, -1.0, std::numeric_limits<double>::infinity(), 0.0 / 0.0}) {
         stream.binaries =
             Little32(1) + Double(1) + LittleString(OLESTR("MicronsPerPixel")) + Little32(16) + Double(1) + Double(bad);
