@@ -54,10 +54,10 @@ std::vector<uint8_t> WritePam(const FileProperties& properties, PixelSource& sou
 // Pf (grey) and PF (colour), followed by a blank.
 bool LooksLikePfm(std::span<const uint8_t> bytes) noexcept;
 
-// The header holds width, height and scale, and exactly one blank follows it. The rows go from the bottom up; a negative
-// scale says that samples are little-endian. The bits of all samples are kept, those of NaN too. The scale's absolute
-// value is the unit of the samples, which are not multiplied by it: unless it is 1, it is kept in the header's digits as
-// the text "PFM scale". Failures:
+// The header holds width, height and scale, and exactly one blank follows it. The rows go from the bottom up; a
+// negative scale says that samples are little-endian. The bits of all samples are kept, those of NaN too. The scale's
+// absolute value is the unit of the samples, which are not multiplied by it: unless it is 1, it is kept in the header's
+// digits as the text "PFM scale". Failures:
 //   "IImageVPAEx::CreateFromFile: problems reading pfm header"   also for a scale that is 0, infinite or no number
 //   "IImageVPAEx::CreateFromFile: the pfm file is too short for its image."
 FileProperties ReadPfm(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options);

@@ -168,7 +168,7 @@ Command AddFilter(CLI::App& program) {
     names.emplace_back(kExtremumSharpening);
     command.Add("NAME", options->filter, "Filter; see below").Required().OneOf(names);
     command.Add("IMAGE", options->files, kImageFiles).Required();
-    options->load.Add(command);
+    options->load.AddPages(command);
     command.Add("-o,--output", options->file, "File to write, for one image; - is standard output").Named("FILE");
     command.Add("--out", options->folder, "Folder to write to").Named("DIR");
     command.AddFlag("--force", options->force, "Replace the image itself, or other files in the folder");

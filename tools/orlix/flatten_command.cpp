@@ -318,7 +318,7 @@ Command AddFlatten(CLI::App& program) {
     const auto options = std::make_shared<FlattenOptions>();
     Subcommand command(program, "flatten", "Remove a fitted surface; roughness before and after", kFlattenFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
-    options->load.Add(command);
+    options->load.AddPages(command);
     command.Add("--surface", options->surface, SurfaceList()).Required().OneOf(SurfaceNames()).Named("SURFACE");
     command.Add("--robust", options->robust, "Probability that a pixel belongs to the surface, up to 1").Named("P");
     options->subject.AddRegion(command);

@@ -2,6 +2,7 @@
 
 #include "console.hpp"
 #include "interruption.hpp"
+#include "raw_image.hpp"
 #include "subcommand.hpp"
 #include "warnings.hpp"
 
@@ -13,6 +14,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 
 namespace tool {
 
@@ -68,19 +70,51 @@ void WriteThrough(const std::string& file, const std::function<void(const std::s
 
 namespace {
 
-// The image files that the library writes, as IFF_ByExtension knows them.
-struct OutputFormat {
-    std::string_view extension;
-    bool holdsProperties;  // pixel size and texts
-};
-constexpr OutputFormat kOutputFormats[] = {{".png", true}, {".pgm", false}, {".ppm", false}};
+// What files of a format hold besides the pixels.
+enum class Holds { Pixels, PixelSize, All };
 
-const OutputFormat* FormatOfName(std::string_view file) {
-    const auto found = std::ranges::find(kOutputFormats, Extension(file), &OutputFormat::extension);
-    return found == std::end(kOutputFormats) ? nullptr : found;
+// The formats of the library, for help texts and warnings.
+struct ImageFormat {
+    std::string_view name;
+    std::string_view extension;  // as IFF_ByExtension knows it
+    Holds holds;
+};
+constexpr ImageFormat kFormats[] = {
+    {"PNG", ".png", Holds::All},    {"BMP", ".bmp", Holds::PixelSize}, {"PGM", ".pgm", Holds::Pixels},
+    {"PPM", ".ppm", Holds::Pixels}, {"PAM", ".pam", Holds::Pixels},    {"PFM", ".pfm", Holds::Pixels},
+};
+
+const ImageFormat* FormatOfName(std::string_view file) {
+    const auto found = std::ranges::find(kFormats, Extension(file), &ImageFormat::extension);
+    return found == std::end(kFormats) ? nullptr : found;
+}
+
+std::string FormatNames(const char* noun) {
+    std::string names;
+    for (const ImageFormat& format : kFormats)
+        names += std::string(&format == kFormats                 ? ""
+                             : &format == std::end(kFormats) - 1 ? " or "
+                                                                 : ", ") +
+                 std::string(format.name);
+    return names + " " + noun + "; - is standard input";
+}
+
+std::string Extensions() {
+    std::string extensions;
+    for (const ImageFormat& format : kFormats)
+        extensions += (extensions.empty() ? "" : " ") + std::string(format.extension);
+    return extensions;
+}
+
+// Whether the map is that of an image, or of a rectangle cut out of one, without a frame of its own.
+bool IsPlain(const TCoordinateMap& map) {
+    const TMatrix& matrix = map.Matrix;
+    return matrix.A11 == 1 && matrix.A12 == 0 && matrix.A21 == 0 && matrix.A22 == 1;
 }
 
 }  // namespace
+
+const std::string kImageFile = FormatNames("file"), kImageFiles = FormatNames("files"), kOutputNames = Extensions();
 
 bool IsImageName(std::string_view file) { return FormatOfName(file) != nullptr; }
 
@@ -97,6 +131,17 @@ void LoadOptions::Add(Subcommand& command) {
         .NotNegative();
 }
 
+void LoadOptions::AddPages(Subcommand& command) {
+    Add(command);
+    command.Add("--page", page, "Image of a file with several, from 0").NotNegative();
+    command
+        .Add("--raw", raw,
+             "Read files without a header: " + std::string(RawLayout::kForm) + ", TYPE one of " +
+                 RawLayout::TypeNames() + "; OFFSET and ROWBYTES (-: bottom row first) in bytes")
+        .Named("LAYOUT")
+        .Checked([](const std::string& layout) { RawLayout{layout}; });
+}
+
 ComPtr<IImageVPAExPlus> LoadOptions::NewImage() const {
     auto image = CreateObject<IImageVPAExPlus>("Orlix.Image");
     if (maxSamples) {
@@ -106,9 +151,45 @@ ComPtr<IImageVPAExPlus> LoadOptions::NewImage() const {
     return image;
 }
 
-ComPtr<IImageVPAExPlus> LoadOptions::Load(const std::string& file) const {
+void LoadOptions::LoadRaw(const std::string& file, const ComPtr<IImageVPAExPlus>& image, int64_t* pages) const {
+    const RawLayout layout(raw);
+    const auto imageFile = Cast<IImageFile>(image);
+    LONG limit = 0;
+    Check(imageFile->get_SampleLimit(&limit), imageFile);
+    if (limit > 0 && layout.pixels() > limit)
+        throw std::runtime_error("the image has " + std::to_string(layout.pixels()) +
+                                 " samples, more than the limit of " + std::to_string(limit));
+    const auto read = [&](std::istream& stream) {
+        layout.Read(stream, page, image);
+        stream.clear();
+        if (pages) *pages = static_cast<int64_t>(layout.Frames(SizeOf(stream)));
+    };
+    if (file == "-") {
+        std::istringstream stream(ReadInput(file));
+        read(stream);
+    } else {
+        const std::string reason = WhyNotRead(Path(file));
+        if (!reason.empty()) throw std::runtime_error("cannot read " + file + ": " + reason);
+        std::ifstream stream(Path(file), std::ios::binary);
+        read(stream);
+    }
+}
+
+ComPtr<IImageVPAExPlus> LoadOptions::Load(const std::string& file, int64_t* pages) const {
     auto image = NewImage();
-    ReadThrough(file, [&](const std::string& path) { Check(image->CreateFromFile(Text(path)), image); });
+    if (!raw.empty()) {
+        LoadRaw(file, image, pages);
+        return image;
+    }
+    ReadThrough(file, [&](const std::string& path) {
+        const auto imageFile = Cast<IImageFile>(image);
+        Check(imageFile->LoadFromFile(Text(path), page), imageFile);
+        LONG count = 0;
+        if (pages) {
+            Check(imageFile->GetNumberOfPages(Text(path), &count), imageFile);
+            *pages = count;
+        }
+    });
     return image;
 }
 
@@ -139,20 +220,25 @@ void SaveImage(const ComPtr<IImageVPAExPlus>& image, const std::string& file, Im
 }
 
 void WarnOfLosses(const ComPtr<IImageVPAExPlus>& image, const std::string& file, Json& document) {
-    if (const OutputFormat* format = FormatOfName(file); !format || format->holdsProperties) return;
+    const ImageFormat* const format = FormatOfName(file);
+    if (!format || format->holds == Holds::All) return;
+    const auto warn = [&](std::string_view code, const std::string& what, const char* them) {
+        Warn(document, code,
+             file + " does not hold " + what + ": " + std::string(format->name) + " has no place for " + them +
+                 ", PNG has");
+    };
     const auto imageFile = Cast<IImageFile>(image);
     double x = 0, y = 0;
-    if (Check(imageFile->GetMicronsPerPixel(&x, &y), imageFile) == S_OK)
-        Warn(document, "calibration-lost",
-             file + " does not hold the pixel size (" + Number(x) + " x " + Number(y) +
-                 " µm): PGM and PPM have no place for it, PNG has");
+    if (format->holds == Holds::Pixels && Check(imageFile->GetMicronsPerPixel(&x, &y), imageFile) == S_OK)
+        warn("calibration-lost", "the pixel size (" + Number(x) + " x " + Number(y) + " µm)", "it");
+    TCoordinateMap map = {};
+    Check(image->GetCoords(&map), image);
+    if (!IsPlain(map)) warn("coordinates-lost", "the image's coordinate map", "it");
     const auto entries = Cast<IImageEntries>(image);
     LONG texts = 0;
     Check(entries->get_NumberOfTextEntries(&texts), entries);
     if (texts > 0)
-        Warn(document, "texts-lost",
-             file + " does not hold the image's " + std::to_string(texts) + (texts == 1 ? " text" : " texts") +
-                 ": PGM and PPM have no place for them, PNG has");
+        warn("texts-lost", "the image's " + std::to_string(texts) + (texts == 1 ? " text" : " texts"), "them");
 }
 
 void CheckOutput(const std::string& output, const std::vector<std::string>& inputs, bool force) {

@@ -40,26 +40,33 @@ void WriteThrough(const std::string& file, const std::function<void(const std::s
 
 std::string ReadInput(const std::string& file);  // the bytes of a file or of standard input
 
-// What help texts say of the image files that a command reads.
-constexpr char kImageFile[] = "PNG, BMP, PGM or PPM file; - is standard input";
-constexpr char kImageFiles[] = "PNG, BMP, PGM or PPM files; - is standard input";
+// What help texts say of the image files that a command reads, and of the names of those that it writes.
+extern const std::string kImageFile, kImageFiles;  // "PNG, BMP, ... file; - is standard input"
+extern const std::string kOutputNames;             // ".png .bmp ..."
 
-// Whether the library writes a file of that name as an image: .png, .pgm or .ppm.
+// Whether the library writes a file of that name as an image, as PNG or otherwise.
 bool IsImageName(std::string_view file);
 
 // The options with which a command loads its images.
 struct LoadOptions {
     std::optional<LONG> maxSamples;  // 0 for no limit; the library's own limit if not given
+    LONG page = 0;
+    std::string raw = {};  // see RawLayout; empty for files of the formats that the library knows
 
-    void Add(Subcommand& command);
+    void Add(Subcommand& command);       // --max-samples
+    void AddPages(Subcommand& command);  // this, --page and --raw
     orlix::ComPtr<IImageVPAExPlus> NewImage() const;
-    orlix::ComPtr<IImageVPAExPlus> Load(const std::string& file) const;
+    // If `pages` is not null, it receives the number of images in the file.
+    orlix::ComPtr<IImageVPAExPlus> Load(const std::string& file, int64_t* pages = nullptr) const;
+
+private:
+    void LoadRaw(const std::string& file, const orlix::ComPtr<IImageVPAExPlus>& image, int64_t* pages) const;
 };
 
 // IFF_ByExtension means PNG on standard output. Throws like WriteThrough.
 void SaveImage(const orlix::ComPtr<IImageVPAExPlus>& image, const std::string& file, ImageFileFormat format);
 
-// Warns of properties of the image that a file of that name cannot hold: pixel size and texts in PGM and PPM.
+// Warns of properties of the image that a file of that name cannot hold: pixel size, coordinate map and texts.
 void WarnOfLosses(const orlix::ComPtr<IImageVPAExPlus>& image, const std::string& file, Json& document);
 
 // Marks and recognises results of this program, by the text "Software" of PNG files and the generator of pages, so that

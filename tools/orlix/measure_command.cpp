@@ -320,7 +320,7 @@ Command AddMeasure(CLI::App& program) {
     Subcommand command(program, "measure", "Measure images: grey statistics, thresholds, area of a phase",
                        std::string(kWhatIsMeasured) + "\n" + kThresholdHelp + kMeasureFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
-    options->load.Add(command);
+    options->load.AddPages(command);
     options->phase.Add(command);
     command.Add("--out", options->out, "Folder for pictures and reports").Named("DIR");
     command.AddFlag("--force", options->force, "Replace other files there that have the names of results");

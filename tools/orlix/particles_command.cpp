@@ -451,7 +451,7 @@ Command AddParticles(CLI::App& program) {
     Subcommand command(program, "particles", "Count and measure particles, pores or grains",
                        std::string(kParticleSteps) + kThresholdHelp + kParticlesFooter);
     command.Add("IMAGE", options->files, kImageFiles).Required();
-    options->load.Add(command);
+    options->load.AddPages(command);
     command.Add("--filter", options->filters, "Filter of orlix filter, perhaps several times; before the threshold")
         .Repeated("NAME[:TIMES]");
     options->phase.Add(command);

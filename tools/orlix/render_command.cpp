@@ -199,7 +199,7 @@ Command AddRender(CLI::App& program) {
     const auto options = std::make_shared<RenderOptions>();
     Subcommand command(program, "render", "Draw a view of an image, zoomed, in its display colours", kRenderFooter);
     command.Add("IMAGE", options->file, kImageFile).Required();
-    options->load.Add(command);
+    options->load.AddPages(command);
     command.Add("-o,--output", options->output, "PNG file to write; - is standard output").Required().Named("FILE");
     command.AddFlag("--force", options->force, "Replace the image itself");
     command.Add("--size", options->size, "Of the view, in pixels").Pair("W H").Required();

@@ -24,8 +24,7 @@ Example:
 
 constexpr char kLoadFooter[] = R"(
 STREAM is what 'orlix save' or a program has written with IPersistStreamInit. The format follows the
-name of OUT: .png (grey or colour), .pgm (grey), .ppm (colour), 8 or 16 bits; with any other name OUT
-becomes a stream again.
+name of OUT, as of 'orlix convert'; with any other name OUT becomes a stream again.
 
 Example:
   orlix load section.orlix section.png)";
@@ -72,7 +71,6 @@ int Load(const Files& files, const Subcommand& command) {
 }
 
 void AddOptions(Subcommand& command, Files& files) {
-    files.load.Add(command);
     command.AddFlag("--force", files.force, "Replace the input itself");
     command.AddFlag("--json", files.json, "Warnings as JSON");
 }
@@ -84,6 +82,7 @@ Command AddSave(CLI::App& program) {
     Subcommand command(program, "save", "Save an image as a stream, with its settings", kSaveFooter);
     command.Add("IMAGE", files->in, kImageFile).Required();
     command.Add("OUT", files->out, "File to write, or - for standard output").Required();
+    files->load.AddPages(command);
     AddOptions(command, *files);
     return [files, command] { return Save(*files, command); };
 }
@@ -93,6 +92,7 @@ Command AddLoad(CLI::App& program) {
     Subcommand command(program, "load", "Make an image file of a stream", kLoadFooter);
     command.Add("STREAM", files->in, "Stream of an image, or - for standard input").Required();
     command.Add("OUT", files->out, "File to write, or - for standard output").Required();
+    files->load.Add(command);
     AddOptions(command, *files);
     return [files, command] { return Load(*files, command); };
 }

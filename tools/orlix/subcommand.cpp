@@ -1,5 +1,6 @@
 #include "subcommand.hpp"
 
+#include "console.hpp"
 #include "synopsis.hpp"
 
 #include <CLI/CLI.hpp>
@@ -90,6 +91,18 @@ const Parameter& Parameter::Between(int least, int greatest) const {
 
 const Parameter& Parameter::NotNegative() const {
     option_->check(CLI::NonNegativeNumber);
+    return *this;
+}
+
+const Parameter& Parameter::Checked(const std::function<void(const std::string& value)>& check) const {
+    option_->check([check](const std::string& value) -> std::string {
+        try {
+            check(value);
+            return {};
+        } catch (const UsageError& error) {
+            return error.what();
+        }
+    });
     return *this;
 }
 

@@ -24,6 +24,7 @@ public:
     const Parameter& OneOf(const std::vector<int>& numbers) const;
     const Parameter& Between(int least, int greatest) const;
     const Parameter& NotNegative() const;
+    const Parameter& Checked(const std::function<void(const std::string& value)>& check) const;  // throws UsageError
     const Parameter& Positive() const;
     const Parameter& Pair(const char* names) const;      // two values
     const Parameter& Named(const char* value) const;     // in the help
