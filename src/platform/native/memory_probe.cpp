@@ -1,10 +1,14 @@
 #include "platform/memory_probe.hpp"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -45,7 +49,6 @@ private:
     int write_ = -1;
 };
 
-// One line of the kernel's list of mappings: "from-to perm offset device inode path".
 struct Mapping {
     uintptr_t from = 0;
     uintptr_t to = 0;
@@ -54,6 +57,32 @@ struct Mapping {
     bool file = false;
 };
 
+// What kernels from 6.11 on answer to a question about one address (PROCMAP_QUERY, struct procmap_query), in a tenth of
+// the time that the list takes.
+struct MappingQuery {
+    uint64_t size = sizeof(MappingQuery);
+    uint64_t flags = 0;
+    uint64_t address = 0;
+    uint64_t from = 0, to = 0;
+    uint64_t permissions = 0;  // 1: readable, 2: writable
+    uint64_t pageSize = 0, offset = 0, inode = 0;
+    uint32_t device[2] = {}, nameSize = 0, buildIdSize = 0;
+    uint64_t name = 0, buildId = 0;
+};
+static_assert(sizeof(MappingQuery) == 104);
+
+// The mapping that holds the address; one of no bytes if none does. No answer from older kernels.
+std::optional<Mapping> MappingAt(int maps, uintptr_t address) {
+    MappingQuery query;
+    query.address = address;
+    if (ioctl(maps, _IOWR('f', 17, MappingQuery), &query) == 0)
+        return Mapping{static_cast<uintptr_t>(query.from), static_cast<uintptr_t>(query.to),
+                       (query.permissions & 1) != 0, (query.permissions & 2) != 0, query.inode != 0};
+    if (errno == ENOENT) return Mapping();
+    return std::nullopt;
+}
+
+// One line of the kernel's list of mappings: "from-to perm offset device inode path".
 bool Parse(std::string_view line, Mapping& mapping) {
     const char* const end = line.data() + line.size();
     auto [dash, first] = std::from_chars(line.data(), end, mapping.from, 16);
@@ -80,14 +109,27 @@ bool Accessible(const void* memory, size_t size, bool forWriting) {
 
     const Descriptor maps(open("/proc/self/maps", O_RDONLY | O_CLOEXEC));
     const uintptr_t page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
-    const PageProbe probe;
     const auto probeTo = [&](uintptr_t stop) {
+        const PageProbe probe;
         for (;; next = (next | (page - 1)) + 1) {
             if (!probe.Accessible(next, forWriting)) return false;
             if ((next | (page - 1)) >= stop) return true;
         }
     };
     if (!maps) return probeTo(last);
+
+    // The answer, if the mapping that holds `next` settles it.
+    const auto settled = [&](const Mapping& mapping) -> std::optional<bool> {
+        if (mapping.from > next || mapping.to <= next) return false;
+        if (!mapping.readable || (forWriting && !mapping.writable)) return false;
+        const uintptr_t stop = std::min(last, mapping.to - 1);
+        if (mapping.file && !probeTo(stop)) return false;
+        if (stop == last) return true;
+        next = mapping.to;
+        return std::nullopt;
+    };
+    while (const auto mapping = MappingAt(maps.number(), next))
+        if (const auto answer = settled(*mapping)) return *answer;
 
     std::string text;
     char block[4096];
@@ -101,11 +143,7 @@ bool Accessible(const void* memory, size_t size, bool forWriting) {
             Mapping mapping;
             if (!Parse(std::string_view(text).substr(start, newline - start), mapping)) return false;
             if (mapping.to <= next) continue;
-            if (mapping.from > next || !mapping.readable || (forWriting && !mapping.writable)) return false;
-            const uintptr_t stop = std::min(last, mapping.to - 1);
-            if (mapping.file && !probeTo(stop)) return false;
-            if (stop == last) return true;
-            next = mapping.to;
+            if (const auto answer = settled(mapping)) return *answer;
         }
         text.erase(0, start);
     }
