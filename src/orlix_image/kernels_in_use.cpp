@@ -18,6 +18,8 @@
 #include "fits/moments_kernels.hpp"
 #include "fits/quick_sums_kernels.hpp"
 #include "fits/trimming_kernels.hpp"
+#include "frames/mosaic_kernels.hpp"
+#include "frames/unpacking_kernels.hpp"
 #include "geometry/outline_kernels.hpp"
 #include "measure/counting_kernels.hpp"
 #include "measure/extremes_kernels.hpp"
@@ -139,6 +141,17 @@ std::vector<KernelInUse> Collect() {
                        {"picture, rows", ChosenVariant(kWeighRows).name},
                        {"picture, interpolation", ChosenVariant(kInterpolate).name},
                        {"picture, averages", ChosenVariant(kAverage).name},
+                       {"frames, words of 10 bits", ChosenVariant(kUnpack<Packing::Words10>).name},
+                       {"frames, words of 12 bits", ChosenVariant(kUnpack<Packing::Words12>).name},
+                       {"frames, words of 14 bits", ChosenVariant(kUnpack<Packing::Words14>).name},
+                       {"frames, words of 16 bits", ChosenVariant(kUnpack<Packing::Words16>).name},
+                       {"frames, 10p", ChosenVariant(kUnpack<Packing::Lsb10>).name},
+                       {"frames, 12p", ChosenVariant(kUnpack<Packing::Lsb12>).name},
+                       {"frames, 10Packed", ChosenVariant(kUnpack<Packing::Pairs10>).name},
+                       {"frames, 12Packed", ChosenVariant(kUnpack<Packing::Pairs12>).name},
+                       {"frames, colours", ChosenVariant(kSplitColours).name},
+                       {"frames, mosaics of 8 bits", ChosenVariant(kMosaic<uint8_t>).name},
+                       {"frames, mosaics of 16 bits", ChosenVariant(kMosaic<uint16_t>).name},
                    });
     return kernels;
 }

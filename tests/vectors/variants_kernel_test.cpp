@@ -65,6 +65,8 @@ std::set<std::string> KernelNames() {
         {"8 bits", "16 bits", "float"});
     add({"picture"}, {"greys", "colour table", "colours of planes", "greys of some columns",
                       "colour table of some columns", "pixels of some columns", "rows", "interpolation", "averages"});
+    add({"frames"}, {"words of 10 bits", "words of 12 bits", "words of 14 bits", "words of 16 bits", "10p", "12p",
+                     "10Packed", "12Packed", "colours", "mosaics of 8 bits", "mosaics of 16 bits"});
     return names;
 }
 
