@@ -144,6 +144,15 @@ def streams(rates):
             row(operation, kind, str(size), f"{rate / 1e9:.2f}", ratio(rates[operation, kind, size, "zlib"], rate))
 
 
+def frames(rates):
+    print("Rates in 10^9 pixels a second; *x memcpy*: bytes read and written against those of memcpy.\n")
+    row("frame", "size", "rate", "x memcpy")
+    row("---", "--:", "--:", "--:")
+    for (frame, kind, size, who), rate in rates.items():
+        if who == "frame":
+            row(frame, str(size), f"{rate / 1e9:.2f}", ratio(rate, rates.get((frame, kind, size, "memcpy"))))
+
+
 def binary(rates):
     print("Rates in GB of bits a second. *x copy*: against memcpy of the bits. Others: how many times as fast.\n")
     row("operation", "who", "rate", "x copy", "x OpenCV", "x Leptonica")
@@ -166,6 +175,8 @@ def main():
         robust(rates)
     elif any(key[3] == "zlib" for key in rates):
         streams(rates)
+    elif any(key[3] == "frame" for key in rates):
+        frames(rates)
     elif any(key[3] == "orlix" for key in rates):
         outlines(rates)
     elif any(key[0] == "window" for key in rates):

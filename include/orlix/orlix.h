@@ -55,6 +55,7 @@ struct IImageVPAEx;
 struct IImageVPAExPlus;
 struct IImageFile;
 struct IImageEntries;
+struct IImageFrames;
 struct IHistogram;
 struct IBitmap;
 struct IBitmapProcess;
@@ -323,6 +324,71 @@ typedef enum ImageFileFormat : LONG {
     IFF_PFM = 9,
     IFF_PAM = 10
 } ImageFileFormat;
+
+// Pixel formats of camera frames, by the names and codes of the GenICam standard (PFNC).
+// The number is that of the bits in a sample. A frame gives 8-bit images for 8 bits, 16-bit images of the same
+// numbers for more (10 bits: 0..1023). Layouts, with the bytes b0, b1, ... of a group:
+//   8               a byte for each sample
+//   10 12 14 16     a sample is b0 + 256 b1; bits above those of the format are dropped
+//   10p             4 samples in 5 bytes, sample k is bits 10 k to 10 k + 9, counted from the lowest bit of b0
+//   12p             2 samples in 3 bytes, likewise
+//   10Packed        2 samples in 3 bytes: 4 b0 + (b1 & 3) and 4 b2 + (b1 >> 4 & 3)
+//   12Packed        2 samples in 3 bytes: 16 b0 + (b1 & 15) and 16 b2 + (b1 >> 4)
+//   RGB8, BGR8      3 bytes for each pixel; RGB8_Planar: a plane for each colour; they give red, green, blue
+// Bayer formats name the colour filters of the first two samples in the first row: below RG lies GB, below GR BG.
+typedef enum FramePixelFormat : LONG {
+    PF_Mono8 = 0x1080001,
+    PF_Mono10 = 0x1100003,
+    PF_Mono10p = 0x10a0046,
+    PF_Mono10Packed = 0x10c0004,
+    PF_Mono12 = 0x1100005,
+    PF_Mono12p = 0x10c0047,
+    PF_Mono12Packed = 0x10c0006,
+    PF_Mono14 = 0x1100025,
+    PF_Mono16 = 0x1100007,
+    PF_BayerRG8 = 0x1080009,
+    PF_BayerRG10 = 0x110000d,
+    PF_BayerRG10p = 0x10a0058,
+    PF_BayerRG10Packed = 0x10c0027,
+    PF_BayerRG12 = 0x1100011,
+    PF_BayerRG12p = 0x10c0059,
+    PF_BayerRG12Packed = 0x10c002b,
+    PF_BayerRG16 = 0x110002f,
+    PF_BayerGB8 = 0x108000a,
+    PF_BayerGB10 = 0x110000e,
+    PF_BayerGB10p = 0x10a0054,
+    PF_BayerGB10Packed = 0x10c0028,
+    PF_BayerGB12 = 0x1100012,
+    PF_BayerGB12p = 0x10c0055,
+    PF_BayerGB12Packed = 0x10c002c,
+    PF_BayerGB16 = 0x1100030,
+    PF_BayerGR8 = 0x1080008,
+    PF_BayerGR10 = 0x110000c,
+    PF_BayerGR10p = 0x10a0056,
+    PF_BayerGR10Packed = 0x10c0026,
+    PF_BayerGR12 = 0x1100010,
+    PF_BayerGR12p = 0x10c0057,
+    PF_BayerGR12Packed = 0x10c002a,
+    PF_BayerGR16 = 0x110002e,
+    PF_BayerBG8 = 0x108000b,
+    PF_BayerBG10 = 0x110000f,
+    PF_BayerBG10p = 0x10a0052,
+    PF_BayerBG10Packed = 0x10c0029,
+    PF_BayerBG12 = 0x1100013,
+    PF_BayerBG12p = 0x10c0053,
+    PF_BayerBG12Packed = 0x10c002d,
+    PF_BayerBG16 = 0x1100031,
+    PF_RGB8 = 0x2180014,
+    PF_BGR8 = 0x2180015,
+    PF_RGB8_Planar = 0x2180021
+} FramePixelFormat;
+
+// What becomes of a frame with colour filters: the samples as they are, grey, or three bands.
+typedef enum FrameMosaic : LONG {
+    FM_Keep = 0,
+    FM_Grey = 1,
+    FM_Bands = 2
+} FrameMosaic;
 
 // Offsets of column i (XEntry) and of row i (YEntry), in samples of the image's type. Sample (x, y) of a band is
 // the element [table[x].XEntry + table[y].YEntry] counted from the band's base. See IImageVPA::VPA.
@@ -885,6 +951,62 @@ MIDL_INTERFACE("ea41b692-ea17-4aad-afe0-f80368ec9549") IImageEntries : public IU
 DEFINE_GUID(IID_IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,0x68,0xec,0x95,0x49);
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IImageEntries, 0xea41b692, 0xea17, 0x4aad, 0xaf,0xe0, 0xf8,0x03,0x68,0xec,0x95,0x49)
+#endif
+
+// A frame in the memory of a camera's driver.
+typedef struct SFrame {
+    // the first byte of the row that comes first in memory
+    unsigned char* m_pBuffer;
+    // of the buffer in bytes
+    LONGLONG m_llSize;
+    // in pixels
+    LONG m_lWidth;
+    LONG m_lHeight;
+    // a FramePixelFormat
+    LONG m_lPixelFormat;
+    // in bytes, from a row to the next; 0: the rows are one stream
+    LONG m_lRowPitch;
+    // not 0: the row that comes first in memory is the bottom row
+    LONG m_lBottomUp;
+    // a FrameMosaic, for formats with colour filters; else it does not matter
+    LONG m_lMosaic;
+} SFrame;
+
+// Makes images from the frames of cameras.
+MIDL_INTERFACE("d4df8416-867f-45a9-adae-63504077b677") IImageFrames : public IUnknown {
+    // Replaces the image by a frame, converted from the layout of its pixel format.
+    // What else the image holds is replaced as by IImageVPAExPlus::Create, and IImageFile::SignificantBits becomes
+    // 10, 12 or 14, or 0 for formats of 8 and 16 bits. The buffer is read during the call only.
+    // An image that already has this size, type and number of bands keeps its memory, so that a stream of frames
+    // takes none.
+    //
+    // Rows. With a pitch each row begins in a new byte, m_lRowPitch behind the one before it; bytes after the last
+    // sample of a row are not read. With 0 nothing lies between the last sample of a row and the first of the next,
+    // as cameras send frames without padding of lines: where a row of a packed format does not fill its last byte
+    // or group, the next row begins within it. A driver that starts every row in a new byte has to give its pitch.
+    // Planes follow one another, each of m_lHeight rows.
+    //
+    // Mosaics of colour filters, whose order is that of the first two rows in memory. FM_Keep keeps the samples.
+    // FM_Grey is the binomial mean of 3x3 samples, weights (1 2 1) along both axes, over 16 and rounded down, which
+    // is IImageProcess::Gaussian3x3: red and blue weigh 1/4 and green 1/2 at every pixel, and edges stay in place.
+    // FM_Bands gives red, green and blue by the linear filters of Malvar, He and Cutler (2004): sums of 5x5 samples
+    // with integer weights over 16, floor((sum + 8) / 16), limited to the range of the format. Outside samples are
+    // mirrored without repeating the edge.
+    //
+    // Fails in this order, always with E_FAIL, and the image stays as it was:
+    //   "IImageFrames::CreateFromFrame: no buffer."
+    //   "IImageFrames::CreateFromFrame: unknown pixel format."
+    //   "IImageFrames::CreateFromFrame: a mosaic is kept, or becomes grey or bands." (Bayer formats)
+    //   "IImageFrames::CreateFromFrame: width and height must be positive."
+    //   without a text: more than 2^31 - 1 samples in a band, or more memory than there is
+    //   "IImageFrames::CreateFromFrame: the row pitch is shorter than a row."
+    //   "IImageFrames::CreateFromFrame: the buffer is shorter than the frame." (m_llSize, up to the last sample)
+    //   "IImageFrames::CreateFromFrame: the buffer cannot be read." (so says the operating system)
+    virtual HRESULT STDMETHODCALLTYPE CreateFromFrame(SFrame* Frame) = 0;
+};
+DEFINE_GUID(IID_IImageFrames, 0xd4df8416, 0x867f, 0x45a9, 0xad,0xae, 0x63,0x50,0x40,0x77,0xb6,0x77);
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IImageFrames, 0xd4df8416, 0x867f, 0x45a9, 0xad,0xae, 0x63,0x50,0x40,0x77,0xb6,0x77)
 #endif
 
 // Counts over [Left, Right]. Statistics are computed on bin indices and mapped to locations (the caller's units) at

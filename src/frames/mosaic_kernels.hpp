@@ -8,10 +8,10 @@
 
 namespace orlix {
 
-// Completes n pixels of a row of a Bayer mosaic by the linear filters of Malvar, He and Cutler (2004). Every other pixel
-// of the row has its colour (red or blue), the rest are green; `own` is the first of these colours, `other` the one of
-// the rows above and below. With c the sample of the pixel itself, e and ee the sums of its two neighbours 1 and 2 away
-// in the row, n and nn in the column, and d the sum of the four diagonal ones:
+// Completes n pixels of a row of a Bayer mosaic by the linear filters of Malvar, He and Cutler (2004). Every other
+// pixel of the row has its colour (red or blue), the rest are green; `own` is the first of these colours, `other` the
+// one of the rows above and below. With c the sample of the pixel itself, e and ee the sums of its two neighbours 1 and
+// 2 away in the row, n and nn in the column, and d the sum of the four diagonal ones:
 //                  own                            green                        other
 //     own pixel    c                              8c + 4(e + n) - 2(ee + nn)   12c + 4d - 3(ee + nn)
 //     green pixel  10c + 8e - 2ee - 2d + nn       c                            10c + 8n - 2nn - 2d + ee

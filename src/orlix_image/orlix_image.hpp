@@ -9,6 +9,7 @@
 #include "orlix_image/image_display.hpp"
 #include "orlix_image/image_entries.hpp"
 #include "orlix_image/image_files.hpp"
+#include "orlix_image/image_frames.hpp"
 #include "orlix_image/image_module.hpp"
 #include "orlix_image/image_pixels.hpp"
 #include "orlix_image/image_streams.hpp"
@@ -25,6 +26,7 @@ class OrlixImage final
                            orlix::Part<orlix::ImagePixels, IImageVPAExPlus, IImageVPAEx, IImageVPA>,
                            orlix::Part<orlix::ImageFiles, IImageFile>,       //
                            orlix::Part<orlix::ImageEntries, IImageEntries>,  //
+                           orlix::Part<orlix::ImageFrames, IImageFrames>,    //
                            orlix::Part<orlix::ImageStreams, IPersistStreamInitEx, IPersistStreamInit, IPersist>,
                            orlix::Part<orlix::ImageSurfaces, IOrlixImageProcess, IImageProcess, IImageProcessBase>,
                            orlix::Part<orlix::ImageDisplay, IDisplayProcess>,  //

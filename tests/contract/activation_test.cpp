@@ -28,16 +28,18 @@ std::vector<Creatable> Creatables() {
         {"Orlix.ShapeRegionOfInterest",
          __uuidof(OrlixShapeRegionOfInterest),
          {__uuidof(IShapeRegionOfInterest), __uuidof(IRegionOfInterest), __uuidof(IGraphicOverlay)}},
-        {"Orlix.Image",
-         __uuidof(OrlixImage),
-         {__uuidof(IImageVPAEx), __uuidof(IImageVPA), __uuidof(IImageVPAExPlus), __uuidof(IImageFile),
-          __uuidof(IImageEntries), __uuidof(IPersist), __uuidof(IPersistStreamInit), __uuidof(IPersistStreamInitEx),
-          __uuidof(IImageProcessBase), __uuidof(IImageProcess), __uuidof(IOrlixImageProcess), __uuidof(IDisplayProcess),
-          __uuidof(IPictureExZoom), __uuidof(IPictureEx), __uuidof(IPictureMemory), __uuidof(IConnectionPointContainer),
+        {"Orlix.Image", __uuidof(OrlixImage), {__uuidof(IImageVPAEx),        __uuidof(IImageVPA),
+                                               __uuidof(IImageVPAExPlus),    __uuidof(IImageFile),
+                                               __uuidof(IImageEntries),      __uuidof(IPersist),
+                                               __uuidof(IPersistStreamInit), __uuidof(IPersistStreamInitEx),
+                                               __uuidof(IImageProcessBase),  __uuidof(IImageProcess),
+                                               __uuidof(IOrlixImageProcess), __uuidof(IDisplayProcess),
+                                               __uuidof(IPictureExZoom),     __uuidof(IPictureEx),
+                                               __uuidof(IPictureMemory),     __uuidof(IConnectionPointContainer),
 #ifdef _WIN32
-          __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
+                                               __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
 #endif
-          __uuidof(IModuleInformation)}},
+                                               __uuidof(IImageFrames),       __uuidof(IModuleInformation)}},
     };
 }
 

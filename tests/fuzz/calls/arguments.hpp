@@ -190,4 +190,40 @@ private:
     std::unique_ptr<SPictureMemory> memory_;
 };
 
+// A frame in memory that is as large as it says, in memory of anybody's, or beyond.
+template <>
+class Argument<SFrame*> {
+public:
+    explicit Argument(World& world) {
+        Choices& choices = world.choices();
+        if (choices.Chance(6)) return;
+        constexpr LONG kFormats[] = {PF_Mono8,           PF_Mono10p,         PF_Mono12Packed, PF_Mono14,
+                                     PF_BayerRG8,        PF_BayerGB10p,      PF_BayerGR12,    PF_BayerBG16,
+                                     PF_BayerRG10Packed, PF_BayerBG12Packed, PF_RGB8,         PF_RGB8_Planar};
+        const auto below = [&](size_t n) { return static_cast<LONG>(choices.Below(n)); };
+        buffer_.resize(choices.Below(3000), choices.Byte());
+        frame_ = std::make_unique<SFrame>();
+        *frame_ = {buffer_.data(), static_cast<LONGLONG>(buffer_.size()), below(40), below(24), 0, 0, below(2),
+                   below(3)};
+        frame_->m_lPixelFormat = kFormats[choices.Below(std::size(kFormats))];
+        if (choices.Chance(96)) frame_->m_lRowPitch = below(120);
+        if (choices.Chance(32))
+            for (const std::span<uint8_t> memory : world.memories())
+                *frame_ = {memory.data(),          static_cast<LONGLONG>(memory.size()),
+                           frame_->m_lWidth,       frame_->m_lHeight,
+                           frame_->m_lPixelFormat, frame_->m_lRowPitch,
+                           frame_->m_lBottomUp,    frame_->m_lMosaic};
+        if (choices.Chance(6)) frame_->m_pBuffer = static_cast<unsigned char*>(HostileAddress(choices.Byte()));
+        for (LONG SFrame::*const member :
+             {&SFrame::m_lWidth, &SFrame::m_lHeight, &SFrame::m_lPixelFormat, &SFrame::m_lRowPitch, &SFrame::m_lMosaic})
+            if (choices.Chance(6)) frame_.get()->*member = world.Long();
+    }
+    SFrame* get() const { return frame_.get(); }
+    void Done(World&) {}
+
+private:
+    std::vector<unsigned char> buffer_;
+    std::unique_ptr<SFrame> frame_;
+};
+
 }  // namespace orlix::fuzz
