@@ -58,6 +58,13 @@ public:
         const uint64_t first = InFrame(y) * width();
         unpack_(bytes_ + first / group.samples * group.bytes, first % group.samples, width(), row);
     }
+    // Whether the rows follow each other from the top of the image on, without anything between them.
+    bool Together() const {
+        const bool whole = frame_.rowPitch == RowBytes(frame_) && width() % GroupOf(frame_.format).samples == 0;
+        return !frame_.bottomUp && (frame_.rowPitch == 0 || whole);
+    }
+    void ReadAll(uint8_t* samples) const { std::memcpy(samples, bytes_, Samples()); }
+    void ReadAll(uint16_t* samples) const { unpack_(bytes_, 0, Samples(), samples); }
     void ReadPlane(size_t plane, int32_t y, uint8_t* row) const {
         const uint64_t pitch = frame_.rowPitch > 0 ? frame_.rowPitch : width();
         std::memcpy(row, bytes_ + (plane * PlaneBytes(frame_) + InFrame(y) * pitch), width());
@@ -67,6 +74,8 @@ public:
     }
 
 private:
+    size_t Samples() const { return width() * static_cast<size_t>(frame_.height); }
+
     const CameraFrame& frame_;
     const uint8_t* bytes_;
     UnpackFn unpack_;
@@ -82,6 +91,7 @@ public:
         return reinterpret_cast<T*>(samples_ + static_cast<size_t>(band) * layout_.bandSize +
                                     static_cast<size_t>(y) * static_cast<size_t>(layout_.rowStride));
     }
+    bool HasPadding() const { return layout_.rowStride != int64_t{layout_.width} * static_cast<int64_t>(sizeof(T)); }
     void ClearPadding(int32_t band, int32_t y) const {
         const auto width = static_cast<size_t>(layout_.width);
         std::memset(row(band, y) + width, 0, static_cast<size_t>(layout_.rowStride) - width * sizeof(T));
@@ -163,6 +173,7 @@ void ConvertGrey(const CameraFrame& frame, const FrameRows& from, const ImageRow
         if (frame.mosaic == FM_Grey) return ConvertToGrey(from, to);
         return ConvertToBands(frame.format, from, to);
     }
+    if (from.Together() && !to.HasPadding()) return from.ReadAll(to.row(0, 0));
     for (int32_t y = 0; y < frame.height; ++y) {
         from.Read(y, to.row(0, y));
         to.ClearPadding(0, y);

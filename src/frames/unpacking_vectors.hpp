@@ -8,6 +8,8 @@
 //     };
 #pragma once
 
+#include <cstring>
+
 #include "frames/unpacking_kernels.hpp"
 #include "vectors/inline.hpp"
 
@@ -17,7 +19,7 @@ namespace {
 template <Packing kPacking>
 struct Block;
 
-// The samples of a group that has begun, blocks, and what is left.
+// The samples of a group that has begun, blocks, and the rest.
 template <Packing kPacking>
 ORLIX_INLINE void UnpackInBlocks(const uint8_t* groups, size_t first, size_t n, uint16_t* samples) {
     using B = Block<kPacking>;
@@ -40,7 +42,14 @@ ORLIX_INLINE void UnpackInBlocks(const uint8_t* groups, size_t first, size_t n, 
         groups += kBlockBytes;
         samples += B::kSamples;
     }
-    Unpack_scalar<kPacking>(groups, 0, n, samples);
+    // Fewer samples than two blocks, in a copy behind which a block may read.
+    constexpr size_t kBlocks = 2;
+    static_assert(kNeeded <= kBlocks * B::kSamples);
+    uint8_t copy[kBlockBytes + B::kReads] = {};
+    uint16_t unpacked[kBlocks * B::kSamples];
+    std::memcpy(copy, groups, (n * kGroup.bytes + kGroup.samples - 1) / kGroup.samples);
+    for (size_t i = 0; i < kBlocks; ++i) B::Unpack(copy + i * kBlockBytes, unpacked + i * B::kSamples);
+    std::memcpy(samples, unpacked, n * sizeof(uint16_t));
 }
 
 }  // namespace
