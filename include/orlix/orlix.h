@@ -813,13 +813,16 @@ __CRT_UUID_DECL(IImageVPAExPlus, 0xf7aa9c93, 0x839b, 0x4c96, 0x9c,0xbd, 0xbd,0x0
 
 // Loads and saves image files, and holds the pixel size and the limit of what may be loaded.
 MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnknown {
-    // Saves the image. IFF_ByExtension chooses by the file name (.png .pgm .ppm, any case). PNG takes 8- and 16-bit
-    // images of one band (grey) or three (colour); PGM one band, PPM three, 8 or 16 bits. The file is written next
-    // to its final place and then moved there, so a failure leaves an older file of that name as it was.
+    // Saves the image. IFF_ByExtension chooses by the file name (.png .bmp .pgm .ppm .pam .pfm .tif .tiff .jpg
+    // .jpeg, any case). PNG and PAM take 8- and 16-bit images of one band (grey) or three (colour); PGM one band,
+    // PPM three, 8 or 16 bits; BMP and JPEG 8 bits, PFM floating point, with one band or three; TIFF every image.
+    // The file is written next to its final place and then moved there, so a failure leaves an older file of that
+    // name as it was. TIFF files are compressed without losses (deflate).
     // PNG keeps all that streams keep (IPersistStreamInit), and chunks of other programs that came with a loaded
     // PNG file and may be copied although the pixels have changed. Samples of fewer significant bits than their
     // type has (see SignificantBits) are scaled to the type's range, as other programs expect them, and scaled back
-    // exactly when the file is loaded.
+    // exactly when the file is loaded. TIFF and JPEG keep the same, but for the chunks, in a tag and in segments of
+    // their own, and the pixel size also as the resolution that other programs read.
     //   "IImageFile::SaveToFile: no image."
     //   "IImageFile::SaveToFile: unknown file format."
     //   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."
@@ -861,8 +864,9 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     // IPersistStreamInit::Load reports the same under its own name (E_FAIL).
     virtual HRESULT STDMETHODCALLTYPE put_SampleLimit(LONG newVal) = 0;
 
-    // Loads a page of an image file, which its content recognises: PNG, BMP, PGM and PPM (plain and raw). Page
-    // counts from 0; all formats but TIFF have one page.
+    // Loads a page of an image file, whose content shows the format, into this object.
+    // PNG, BMP, PGM and PPM (plain and raw), PAM, PFM, TIFF and JPEG; on Windows also GIF, ICO, EMF and WMF, by the
+    // system's loader. Page counts from 0; all formats but TIFF have one page.
     // Grey stays grey with 8 or 16 bits; colour becomes three bands (red, green, blue); an alpha channel is
     // dropped; gamma and colour profiles are not applied. PNG grey of 1, 2 and 4 bits is scaled to 0..255; PGM and
     // PPM values are kept as they are, whatever maximum the file declares. A palette is applied; it gives one band
@@ -870,6 +874,12 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     // library has saved gives back all that streams keep: with the coordinate map, the texts and the bytes also
     // the luminance range, the number of bins, the band to process and the settings of the display; of other files
     // these stay as they are. A failure leaves the image as it was.
+    // TIFF: unsigned integers of 8, 16 and 32 bits and floating point of 32 keep their type, 1, 2 and 4 bits are
+    // scaled to 0..255, 9 to 15 bits keep their values in 16; signed integers of 8 and 16 bits become floating
+    // point. White as zero is inverted. Further samples of a grey pixel are bands unless they are transparency. The
+    // resolution becomes the pixel size; before it, OME-XML and the unit of ImageJ count. JPEG colour all of whose
+    // pixels are grey becomes one band. The rotation that a file asks of displays is not applied.
+    //   "IImageVPAEx::CreateFromFile: this format is loaded on Windows only."
     //   "IImageVPAEx::CreateFromFile: failed to open file."
     //   "IImageVPAEx::CreateFromFile: unknown file format." and the texts of the readers, each under its own name
     //   "IImageFile::LoadFromFile: the file has no such page."

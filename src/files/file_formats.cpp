@@ -1,8 +1,11 @@
 #include "files/file_formats.hpp"
 
 #include "files/bmp.hpp"
+#include "files/jpeg.hpp"
+#include "files/platform_picture.hpp"
 #include "files/png.hpp"
 #include "files/pnm.hpp"
+#include "files/tiff.hpp"
 
 namespace orlix {
 namespace {
@@ -10,6 +13,7 @@ namespace {
 constexpr LONG kBytes[] = {DT_BYTE};
 constexpr LONG kBytesAndWords[] = {DT_BYTE, DT_WORD};
 constexpr LONG kFloats[] = {DT_Float};
+constexpr LONG kAllTypes[] = {DT_BYTE, DT_WORD, DT_DWORD, DT_Float};
 constexpr int32_t kGreyOrColourBands[] = {1, 3};
 constexpr int32_t kGreyBands[] = {1};
 constexpr int32_t kColourBands[] = {3};
@@ -23,6 +27,12 @@ constexpr FileFormat kFileFormats[] = {
     {"plain PPM", "", IFF_PlainPPM, &LooksLikePlainPpm, &ReadPnm, &WritePlainPnm, kColourBands, kBytesAndWords},
     {"PAM", ".pam", IFF_PAM, &LooksLikePam, &ReadPam, &WritePam, kGreyOrColourBands, kBytesAndWords},
     {"PFM", ".pfm", IFF_PFM, &LooksLikePfm, &ReadPfm, &WritePfm, kGreyOrColourBands, kFloats},
+    {"TIFF", ".tif .tiff", IFF_TIFF, &LooksLikeTiff, &ReadTiff, &WriteTiff, {}, kAllTypes, &CountTiffPages},
+    {"JPEG", ".jpg .jpeg", IFF_JPEG, &LooksLikeJpeg, &ReadJpeg, &WriteJpeg, kGreyOrColourBands, kBytes},
+    {"GIF", "", IFF_ByExtension, &LooksLikeGif, &ReadPlatformPicture},
+    {"icon", "", IFF_ByExtension, &LooksLikeIcon, &ReadPlatformPicture},
+    {"EMF", "", IFF_ByExtension, &LooksLikeEnhancedMetafile, &ReadPlatformPicture},
+    {"WMF", "", IFF_ByExtension, &LooksLikeWindowsMetafile, &ReadPlatformPicture},
 };
 
 }  // namespace

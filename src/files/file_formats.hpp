@@ -12,9 +12,9 @@
 namespace orlix {
 
 struct FileFormat {
-    std::string_view name;       // "PNG"
-    std::string_view extension;  // chosen for paths that end with it: lower case, with the dot; empty for none
-    ImageFileFormat code;        // chosen by clients
+    std::string_view name;        // "PNG"
+    std::string_view extensions;  // chosen for paths that end with one: lower case, with the dot, a blank between two
+    ImageFileFormat code;         // chosen by clients; IFF_ByExtension for formats that are read only
 
     // From the first kLooksLikeBytes bytes of a file, or all of a shorter one. At most one format answers true.
     bool (*looksLike)(std::span<const uint8_t> start) noexcept;

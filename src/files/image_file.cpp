@@ -46,9 +46,17 @@ bool EndsWith(WideStringView text, std::string_view lowerCase) {
                       [](OLECHAR c, char wanted) { return (c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c) == wanted; });
 }
 
+bool EndsWithAny(WideStringView path, std::string_view extensions) {
+    while (!extensions.empty()) {
+        const std::string_view first = extensions.substr(0, extensions.find(' '));
+        if (EndsWith(path, first)) return true;
+        extensions.remove_prefix(std::min(first.size() + 1, extensions.size()));
+    }
+    return false;
+}
+
 ImageFileFormat FormatOfPath(WideStringView path) {
-    const FileFormat* format = FindFormat(
-        [&](const FileFormat& known) { return !known.extension.empty() && EndsWith(path, known.extension); });
+    const FileFormat* format = FindFormat([&](const FileFormat& known) { return EndsWithAny(path, known.extensions); });
     return format ? format->code : IFF_ByExtension;
 }
 

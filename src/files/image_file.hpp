@@ -1,7 +1,7 @@
 // Images in files, of all formats of the table in file_formats.hpp.
 //
 // What a file becomes. Grey stays one band, colour becomes three (red, green, blue). Samples of up to 8 bits become 8
-// bits, wider ones 16.
+// bits, wider ones 16; TIFF has more types.
 //   All   IImageFile::LoadFromFile says what is kept besides the pixels.
 //   PNG   Every colour type and depth, interlaced or not. Grey of 1, 2 and 4 bits is scaled to 0..255 (times 255, 85,
 //         17); 8 and 16 bits are unchanged. A palette is applied. An alpha channel and transparent colours are dropped:
@@ -12,6 +12,9 @@
 //         12-bit camera has levels 0..4095, and its user measures in those). A maximum up to 255 gives 8 bits, a larger
 //         one 16. PAM (P7) likewise, but for black and white, which become 0 and 255; alpha is dropped. PFM (Pf, PF)
 //         gives floats, bit by bit. Of several images in a file the first is read.
+//   TIFF  tiff.hpp says it. 32-bit integers and floating point stay what they are.
+//   JPEG  Grey and colour of 8 bits. Colour all of whose pixels are grey becomes one band.
+//   GIF, ICO, EMF, WMF   On Windows, by the system's loader: the first picture, with 8 bits.
 // A palette gives one band if every entry that a pixel uses is grey (so a grey ramp with some reserved colours is a
 // grey image), and three bands otherwise.
 //

@@ -74,6 +74,12 @@ WideString FromUtf8(std::span<const uint8_t> bytes) {
     return text;
 }
 
+WideString FromUtf8OrLatin1(std::span<const uint8_t> bytes) {
+    WideString text = FromUtf8(bytes);
+    // U+FFFD stands for what is malformed (or for itself, which nobody writes).
+    return text.find(OLECHAR{0xFFFD}) == WideString::npos ? text : FromLatin1(bytes);
+}
+
 std::string ToLatin1(WideStringView text) {
     std::string bytes;
     bytes.reserve(text.size());

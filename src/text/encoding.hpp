@@ -17,6 +17,9 @@ WideString FromUtf8(std::span<const uint8_t> bytes);
 // The same into memory for bytes.size() units, without a terminator. Returns the number of units written.
 size_t FromUtf8(std::span<const uint8_t> bytes, OLECHAR* to) noexcept;
 
+// UTF-8 where all of it is well-formed, otherwise Latin-1: for formats that do not say which they hold.
+WideString FromUtf8OrLatin1(std::span<const uint8_t> bytes);
+
 // Precondition: every character is below 256.
 std::string ToLatin1(WideStringView text);
 

@@ -97,7 +97,7 @@ TEST_F(ImageFiles, FailedLoadsLeaveTheImageAsItWas) {
     Write("cut.png", whole.substr(0, whole.size() - 20));
     Write("header.pgm", "P5\nten 10\n255\n");
     Write("header.ppm", "P6\n10\n");
-    Write("unknown.png", "GIF89a and more");
+    Write("unknown.png", "no image at all");
     Write("empty.png", "");
     std::string bmp = "BM" + std::string(52, '\0');
     bmp[14] = 40, bmp[18] = 1, bmp[22] = 1, bmp[26] = 1, bmp[28] = 24;

@@ -25,15 +25,15 @@ public:
 
     void Begin(const FileProperties& given) override {
         Rule(given.width > 0 && given.height > 0, "positive size");
-        Rule(given.bands == 1 || given.bands == 3, "one band or three");
+        Rule(given.bands > 0, "a band");
         Rule(given.dataType == DT_BYTE || given.dataType == DT_WORD || given.dataType == DT_DWORD ||
                  given.dataType == DT_Float,
              "a type of images");
         const ImageProperties& kept = given.kept;
         Rule(IsPixelSize(kept.micronsX, kept.micronsY) || (kept.micronsX == 0 && kept.micronsY == 0),
              "both pixel sizes or none");
-        // The best compression is 1032 to 1; a bit can become three bytes through a palette.
-        Rule(SamplesOf(given) <= uint64_t{fileSize_} * 1032 * 8 * 3, "size that the file can fill");
+        // The best compression is 2730 to 1 (LZW); a bit can become three bytes through a palette.
+        Rule(SamplesOf(given) <= uint64_t{fileSize_} * 2730 * 8 * 3, "size that the file can fill");
         Rule(SamplesOf(given) <= static_cast<uint64_t>(kMostSamples), "no more samples than asked for");
         image.Begin(given);
         std::fill(image.bytes.begin(), image.bytes.end(), fill_);
@@ -49,7 +49,7 @@ private:
     uint8_t fill_;
 };
 
-bool SameEntries(const ImageProperties& left, const ImageProperties& right) {
+bool SameEntries(ImageFileFormat format, const ImageProperties& left, const ImageProperties& right) {
     const auto same = [](const auto& one, const auto& other) {
         return std::ranges::equal(one, other, [](const auto& a, const auto& b) {
             if constexpr (requires { a.text; })
@@ -61,7 +61,7 @@ bool SameEntries(const ImageProperties& left, const ImageProperties& right) {
         });
     };
     return same(left.AllTexts(), right.AllTexts()) && same(left.binaries, right.binaries) &&
-           same(left.chunks, right.chunks);
+           (format != IFF_PNG || same(left.chunks, right.chunks));
 }
 
 bool SameSettings(const FileProperties& left, const FileProperties& right) {
@@ -99,16 +99,18 @@ void CheckWriting(std::span<const uint8_t> bytes) {
     CheckedSink sink(bytes.size(), 0);
     if (!ReadInto(bytes, sink) || SamplesOf(sink.image.properties) > kMostSamplesWritten) return;
     const FileProperties& properties = sink.image.properties;
-    const bool colour = properties.bands == 3;
-    std::vector<ImageFileFormat> formats = {IFF_PFM};
-    if (properties.dataType == DT_BYTE || properties.dataType == DT_WORD)
-        formats = {IFF_PNG, IFF_PAM, colour ? IFF_PPM : IFF_PGM, colour ? IFF_PlainPPM : IFF_PlainPGM};
+    const bool narrow = properties.dataType == DT_BYTE || properties.dataType == DT_WORD;
+    std::vector<ImageFileFormat> formats = {IFF_TIFF};
+    if (narrow && properties.bands == 1) formats = {IFF_TIFF, IFF_PNG, IFF_PAM, IFF_PGM, IFF_PlainPGM};
+    if (narrow && properties.bands == 3) formats = {IFF_TIFF, IFF_PNG, IFF_PAM, IFF_PPM, IFF_PlainPPM};
+    if (properties.dataType == DT_Float && (properties.bands == 1 || properties.bands == 3))
+        formats = {IFF_TIFF, IFF_PFM};
     for (const ImageFileFormat format : formats) {
         MemoryImage back;
         back.properties = ReadImageFile(Written(format, sink.image), back);
         Rule(back.SamePixels(sink.image), "the same pixels after writing");
-        if (format != IFF_PNG) continue;
-        Rule(SameEntries(back.properties.kept, properties.kept), "the same entries after writing");
+        if (format != IFF_PNG && format != IFF_TIFF) continue;
+        Rule(SameEntries(format, back.properties.kept, properties.kept), "the same entries after writing");
         Rule(SameSettings(back.properties, properties), "the same calibration and settings after writing");
     }
 }

@@ -43,7 +43,7 @@ void CheckStreamReading(std::span<const uint8_t> bytes);
 Bytes WithSoundPixels(std::span<const uint8_t> bytes);
 
 struct Seed {
-    std::string name;  // a file name: png-..., bmp-..., pnm-..., stream-...
+    std::string name;  // a file name: png-..., bmp-..., pnm-..., tiff-..., jpeg-..., stream-...
     Bytes bytes;
 };
 std::vector<Seed> MakeSeeds();

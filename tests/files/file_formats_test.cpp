@@ -26,8 +26,9 @@ constexpr Content kContents[] = {
 
 TEST(FileFormats, EachImageComesBackAsItWas) {
     int written = 0;
-    for (const FileFormat& format : FileFormats())
-        for (const int32_t bands : format.bands)
+    for (const FileFormat& format : FileFormats()) {
+        const int32_t some[] = {1, 2, 3, 5};  // of formats that hold any number
+        for (const int32_t bands : format.bands.empty() ? std::span<const int32_t>(some) : format.bands)
             for (const LONG bits : format.types)
                 for (const Content& content : kContents)
                     for (const auto& [width, height] : {std::pair{1, 1},
@@ -39,6 +40,7 @@ TEST(FileFormats, EachImageComesBackAsItWas) {
                                                         {300, 70},
                                                         {1000, 300},
                                                         {70000, 2}}) {
+                        if (format.code == IFF_JPEG) continue;                // has losses
                         if (format.code != IFF_PNG && width > 100) continue;  // rows that need several buffers
                         SCOPED_TRACE(testing::Message() << format.name << ' ' << bands << ' ' << bits << ' '
                                                         << content.name << ' ' << width << 'x' << height);
@@ -54,8 +56,9 @@ TEST(FileFormats, EachImageComesBackAsItWas) {
                             EXPECT_EQ(&other == &format, other.looksLike(start)) << other.name;
                         ++written;
                     }
-    // PNG, BMP, PAM and PFM have grey and colour; PFM has one type.
-    EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6 + 4 * 6 + 2 * 6) + 2 * 4 * 9, written);
+    }
+    // PNG, BMP, PAM and PFM have grey and colour; PFM has one type. TIFF: four numbers of bands and four types.
+    EXPECT_EQ(6 * (4 * 9 + 4 * 2 * 6 + 4 * 6 + 2 * 6) + 2 * 4 * 9 + 6 * 6 * 4 * 4, written);
 }
 
 }  // namespace

@@ -107,7 +107,7 @@ TEST_F(ImageFile, WhatCannotBeOpenedOrIsNoImageIsSaidSo) {
           here + WideString(1, 0) + OLECHAR{'x'}, PathOf("x") + OLECHAR{0xD800}, WideString(OLESTR("/dev/zero")),
           WideString(OLESTR("/dev/null")), WideString(OLESTR("NUL"))})
         ExpectNotLoaded("IImageVPAEx::CreateFromFile: failed to open file.", path);
-    for (const char* content : {"", "B", "P", "hello, world", "GIF89a..."}) {
+    for (const char* content : {"", "B", "P", "hello, world", "GIF9..."}) {
         ASSERT_TRUE(WriteWholeFile(here, FromText(content)));
         ExpectNotLoaded("IImageVPAEx::CreateFromFile: unknown file format.", here);
     }

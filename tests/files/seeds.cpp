@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "files/hand_made_jpeg.hpp"
+#include "files/hand_made_tiff.hpp"
+
 namespace orlix::test {
 namespace {
 
@@ -78,6 +81,55 @@ void AddPnm(std::vector<Seed>& seeds) {
         seeds.push_back({"pnm-" + std::to_string(number++), FromText(text)});
 }
 
+void AddTiff(std::vector<Seed>& seeds) {
+    const auto value = [](uint32_t x, uint32_t y, uint32_t s) { return 37 * x + 11 * y * y + 91 * s; };
+    const auto add = [&](const std::string& name, TiffPage page, bool bigEndian = false, bool large = false) {
+        page.value = value;
+        seeds.push_back({"tiff-" + name, MakeTiff(TiffFile{{bigEndian}, large, {page}})});
+    };
+    for (const uint32_t bits : {1u, 4u, 8u, 12u, 16u, 32u})
+        add(std::to_string(bits), {.width = 9, .height = 6, .bits = bits}, bits == 16, bits == 12);
+    add("lzw-predictor", {.width = 9, .height = 6, .bits = 16, .compression = kTiffLzw, .predictor = 2});
+    add("deflate-float", {.width = 9,
+                          .height = 6,
+                          .bits = 32,
+                          .format = 3,
+                          .compression = kTiffDeflate,
+                          .predictor = 3,
+                          .rowsPerStrip = 2});
+    add("packbits-colour", {.width = 9, .height = 6, .samples = 3, .photometric = 2, .compression = kTiffPackBits});
+    add("planar-white", {.width = 9, .height = 6, .samples = 2, .photometric = 0, .planar = true}, true);
+    add("tiles", {.width = 20, .height = 18, .compression = kTiffDeflate, .tileWidth = 16, .tileHeight = 16});
+    Bytes colours;
+    for (uint32_t i = 0; i < 48; ++i) colours = colours + Little16(i * 1300);
+    add("palette", {.width = 9, .height = 6, .bits = 4, .photometric = 3, .more = {{320, 3, 48, colours}}});
+    add("texts", {.more = {TiffAscii(270, "ImageJ=1\nunit=micron\n"),
+                           TiffAscii(315, "me"),
+                           TiffShort(296, 1),
+                           {282, 5, 1, LittleRational(4, 1)},
+                           {283, 5, 1, LittleRational(8, 3)}}});
+    add("ome", {.more = {TiffAscii(270, "<OME><Pixels PhysicalSizeX='1' PhysicalSizeXUnit='nm' PhysicalSizeY='2'>")}});
+    seeds.push_back({"tiff-pages", MakeTiff(TiffFile{.pages = {{}, {.width = 2}}})});
+}
+
+void AddJpeg(std::vector<Seed>& seeds) {
+    const auto level = [](uint32_t i, uint32_t column, uint32_t row) {
+        return static_cast<int>((40 * column + 90 * row + 120 * i) % 256);
+    };
+    int number = 0;
+    for (const auto& [components, frame] : {std::pair{1u, 0xC0u}, {3u, 0xC0u}, {1u, 0xC2u}, {3u, 0xC2u}})
+        seeds.push_back({"jpeg-" + std::to_string(number++),
+                         MakeJpeg({.width = 21,
+                                   .height = 13,
+                                   .components = components,
+                                   .frame = frame,
+                                   .segments = JfifSegment(2, 20000, 10000) + JpegSegment(0xFE, FromText("text")),
+                                   .level = level})});
+    const Bytes exif = FromText("II") + Little16(42) + Little32(8) + Little16(1) + Little16(282) + Little16(5) +
+                       Little32(1) + Little32(26) + Little32(0) + LittleRational(50, 2);
+    seeds.push_back({"jpeg-exif", MakeJpeg({.segments = ExifSegment(exif)})});
+}
+
 }  // namespace
 
 std::vector<Seed> MakeSeeds() {
@@ -85,6 +137,8 @@ std::vector<Seed> MakeSeeds() {
     AddPng(seeds);
     AddBmp(seeds);
     AddPnm(seeds);
+    AddTiff(seeds);
+    AddJpeg(seeds);
     return seeds;
 }
 

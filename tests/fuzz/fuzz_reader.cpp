@@ -1,4 +1,4 @@
-// The fuzzer of a reader: ORLIX_FORMAT is png, bmp, pnm or stream.
+// The fuzzer of a reader: ORLIX_FORMAT is png, bmp, pnm, tiff, jpeg or stream.
 #include <algorithm>
 #include <iterator>
 #include <string_view>
@@ -16,12 +16,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     // Spares the fuzzer the search for the signature.
     constexpr uint8_t kKinds[] = {'2', '3', '5', '6', '7', 'f', 'F'};
-    const Bytes signature = kFormat == "png"   ? PngSignature()
-                            : kFormat == "bmp" ? FromText("BM")
-                                               : Bytes{'P', kKinds[size > 1 ? data[1] % std::size(kKinds) : 0]};
+    const uint8_t version = size > 3 && ((data[2] | data[3]) & 1) != 0 ? 43 : 42;
+    const Bytes signature = kFormat == "png"    ? PngSignature()
+                            : kFormat == "bmp"  ? FromText("BM")
+                            : kFormat == "jpeg" ? Bytes{0xFF, 0xD8, 0xFF}
+                            : kFormat == "pnm"  ? Bytes{'P', kKinds[size > 1 ? data[1] % std::size(kKinds) : 0]}
+                            : size > 0 && data[0] == 'M' ? Bytes{'M', 'M', 0, version}
+                                                         : Bytes{'I', 'I', version, 0};
     std::copy_n(signature.begin(), std::min(signature.size(), size), file.begin());
     if (kFormat == "png") file = WithRightChecksums(file);
     CheckReading(file);
-    if (kFormat == "png" || kFormat == "pnm") CheckWriting(file);
+    if (kFormat == "png" || kFormat == "pnm" || kFormat == "tiff") CheckWriting(file);
     return 0;
 }

@@ -1,4 +1,4 @@
-// make_seeds FOLDER FORMAT: writes the seeds of a format (png, bmp, pnm, stream) into a folder.
+// make_seeds FOLDER FORMAT: writes the seeds of a format (png, bmp, pnm, tiff, jpeg, stream) into a folder.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -7,7 +7,7 @@
 
 int main(int count, char** arguments) {
     if (count != 3) {
-        std::fprintf(stderr, "usage: make_seeds FOLDER png|bmp|pnm|stream\n");
+        std::fprintf(stderr, "usage: make_seeds FOLDER png|bmp|pnm|tiff|jpeg|stream\n");
         return 2;
     }
     const std::filesystem::path folder = arguments[1];

@@ -76,16 +76,21 @@ enum class Holds { Pixels, PixelSize, All };
 // The formats of the library, for help texts and warnings.
 struct ImageFormat {
     std::string_view name;
-    std::string_view extension;  // as IFF_ByExtension knows it
+    std::string_view extensions;  // as IFF_ByExtension knows them, a blank between two
     Holds holds;
 };
 constexpr ImageFormat kFormats[] = {
-    {"PNG", ".png", Holds::All},    {"BMP", ".bmp", Holds::PixelSize}, {"PGM", ".pgm", Holds::Pixels},
-    {"PPM", ".ppm", Holds::Pixels}, {"PAM", ".pam", Holds::Pixels},    {"PFM", ".pfm", Holds::Pixels},
+    {"PNG", ".png", Holds::All},        {"BMP", ".bmp", Holds::PixelSize},  {"PGM", ".pgm", Holds::Pixels},
+    {"PPM", ".ppm", Holds::Pixels},     {"PAM", ".pam", Holds::Pixels},     {"PFM", ".pfm", Holds::Pixels},
+    {"TIFF", ".tif .tiff", Holds::All}, {"JPEG", ".jpg .jpeg", Holds::All},
 };
 
 const ImageFormat* FormatOfName(std::string_view file) {
-    const auto found = std::ranges::find(kFormats, Extension(file), &ImageFormat::extension);
+    const std::string wanted = Extension(file);
+    const auto found = std::ranges::find_if(kFormats, [&](const ImageFormat& format) {
+        const std::string known = " " + std::string(format.extensions) + " ";
+        return !wanted.empty() && known.find(" " + wanted + " ") != std::string::npos;
+    });
     return found == std::end(kFormats) ? nullptr : found;
 }
 
@@ -102,7 +107,7 @@ std::string FormatNames(const char* noun) {
 std::string Extensions() {
     std::string extensions;
     for (const ImageFormat& format : kFormats)
-        extensions += (extensions.empty() ? "" : " ") + std::string(format.extension);
+        extensions += (extensions.empty() ? "" : " ") + std::string(format.extensions);
     return extensions;
 }
 
