@@ -56,7 +56,7 @@ public:
         const PackedGroup group = GroupOf(frame_.format);
         if (frame_.rowPitch > 0) return unpack_(bytes_ + InFrame(y) * frame_.rowPitch, 0, width(), row);
         const uint64_t first = InFrame(y) * width();
-        unpack_(bytes_ + first / group.samples * group.bytes, first % group.samples, width(), row);
+        unpack_(bytes_ + first / group.samples * group.bytes, static_cast<size_t>(first % group.samples), width(), row);
     }
     // Whether the rows follow each other from the top of the image on, without anything between them.
     bool Together() const {

@@ -62,7 +62,8 @@ TEST(CameraFrame, EveryFormatIsReadBitByBit) {
                     const int32_t height = 3;
                     CameraFrame frame = {FormatOf(code), width, height, 0, bottomUp, FM_Keep};
                     if (pitched) frame.rowPitch = RowBytes(frame) + static_cast<uint64_t>(width % 3);
-                    const auto bytes = Noise<uint8_t>(FrameBytes(frame), static_cast<uint32_t>(width));
+                    const auto bytes =
+                        Noise<uint8_t>(static_cast<size_t>(FrameBytes(frame)), static_cast<uint32_t>(width));
                     std::vector<uint16_t> want;
                     for (int32_t y = 0; y < height; ++y)
                         for (int32_t x = 0; x < width; ++x) {
@@ -71,8 +72,8 @@ TEST(CameraFrame, EveryFormatIsReadBitByBit) {
                                 static_cast<size_t>(x) + (pitched ? 0 : row * static_cast<size_t>(width));
                             unsigned value = 0;
                             for (size_t b = 0; b < bits; ++b) {
-                                const size_t bit =
-                                    BitOf(layout, bits, sample, b) + (pitched ? 8 * row * frame.rowPitch : 0);
+                                const size_t bit = BitOf(layout, bits, sample, b) +
+                                                   (pitched ? 8 * row * static_cast<size_t>(frame.rowPitch) : 0);
                                 value |= (bytes[bit / 8] >> bit % 8 & 1u) << b;
                             }
                             want.push_back(static_cast<uint16_t>(value));
