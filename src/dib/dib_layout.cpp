@@ -118,26 +118,50 @@ Palette ReadDibPalette(const DibLayout& layout, std::span<const uint8_t> entries
     return palette;
 }
 
-std::vector<uint8_t> MakeDibHeader(const DibFields& fields) {
-    const size_t colours = fields.bits <= 8 ? size_t{1} << fields.bits : 0;
-    const uint64_t stride = (static_cast<uint64_t>(fields.width) * fields.bits + 31) / 32 * 4;
-    const uint64_t size = stride * static_cast<uint64_t>(fields.height);
-    const int32_t perMetreX = PixelsPerMetre(fields.micronsX), perMetreY = PixelsPerMetre(fields.micronsY);
+DibLayout PlainDibLayout(int32_t width, int32_t height, bool topDown, uint32_t bits) {
+    DibFields fields;
+    fields.size = kInfoHeader;
+    fields.width = width;
+    fields.height = height;
+    fields.topDown = topDown;
+    fields.bits = bits;
+    return ReadDibLayout(fields, {});
+}
+
+std::vector<uint8_t> GreyDibEntries(uint32_t bits) {
+    std::vector<uint8_t> entries(bits <= 8 ? size_t{4} << bits : 0);
+    for (size_t i = 0; i < entries.size(); ++i)
+        if (i % 4 != 3) entries[i] = static_cast<uint8_t>(255 * (i / 4) / ((size_t{1} << bits) - 1));
+    return entries;
+}
+
+std::vector<uint8_t> MakeDibHeader(const DibLayout& layout, std::span<const uint8_t> entries, DibHeaderKind kind) {
+    constexpr size_t kColourSpaceAt = 56, kIntentAt = 108;
+    constexpr uint32_t kSrgb = 0x73524742, kPictures = 4;
+    const auto size = static_cast<uint32_t>(kind);
+    const bool masked = layout.masks != PlainDibLayout(1, 1, false, layout.bits).masks;
+    const uint64_t pixels = layout.stride * static_cast<uint64_t>(layout.height);
+    const int32_t perMetreX = PixelsPerMetre(layout.micronsX), perMetreY = PixelsPerMetre(layout.micronsY);
     const bool known = perMetreX != 0 && perMetreY != 0;
-    std::vector<uint8_t> bytes(kInfoHeader + 4 * colours);
+    std::vector<uint8_t> bytes(masked ? std::max(size, kHeaderWithMasks) : size);
     uint8_t* const header = bytes.data();
-    PutLittleEndian32(header, kInfoHeader);
-    PutLittleEndian32(header + 4, static_cast<uint32_t>(fields.width));
-    PutLittleEndian32(header + 8, static_cast<uint32_t>(fields.topDown ? -fields.height : fields.height));
+    PutLittleEndian32(header, size);
+    PutLittleEndian32(header + 4, static_cast<uint32_t>(layout.width));
+    PutLittleEndian32(header + 8, static_cast<uint32_t>(layout.topDown ? -layout.height : layout.height));
     PutLittleEndian16(header + 12, 1);  // planes
-    PutLittleEndian16(header + 14, static_cast<uint16_t>(fields.bits));
-    PutLittleEndian32(header + 16, kPlain);
-    PutLittleEndian32(header + 20, size > UINT32_MAX ? 0 : static_cast<uint32_t>(size));
+    PutLittleEndian16(header + 14, static_cast<uint16_t>(layout.bits));
+    PutLittleEndian32(header + 16, masked ? kMasks : kPlain);
+    PutLittleEndian32(header + 20, pixels > UINT32_MAX ? 0 : static_cast<uint32_t>(pixels));
     PutLittleEndian32(header + 24, known ? static_cast<uint32_t>(perMetreX) : 0);
     PutLittleEndian32(header + 28, known ? static_cast<uint32_t>(perMetreY) : 0);
-    PutLittleEndian32(header + 32, static_cast<uint32_t>(colours));
-    for (size_t i = 0; i < colours; ++i)
-        std::fill_n(header + kInfoHeader + 4 * i, 3, static_cast<uint8_t>(255 * i / (colours - 1)));
+    PutLittleEndian32(header + 32, static_cast<uint32_t>(entries.size() / 4));
+    for (size_t i = 0; masked && i < layout.masks.size(); ++i)
+        PutLittleEndian32(header + kInfoHeader + 4 * i, layout.masks[i]);
+    if (kind == DibHeaderKind::V5) {
+        PutLittleEndian32(header + kColourSpaceAt, kSrgb);
+        PutLittleEndian32(header + kIntentAt, kPictures);
+    }
+    bytes.insert(bytes.end(), entries.begin(), entries.end());
     return bytes;
 }
 

@@ -81,9 +81,20 @@ DibLayout ReadDibLayout(const DibFields& fields, std::span<const uint8_t> bytes)
 // the pixels are grey levels: 0 and 255, multiples of 17, or all 256.
 Palette ReadDibPalette(const DibLayout& layout, std::span<const uint8_t> entries);
 
-// BITMAPINFOHEADER and, up to 8 bits, a palette of grey levels as above, all entries declared. width and height are
-// positive, bits 1, 4, 8, 16 (5 for each colour), 24 or 32. The size of a pixel becomes whole pixels per metre, or 0
-// where one of them is not in 1 .. 2^31 - 1. A size of the pixels of 2^32 or more is stored as 0.
-std::vector<uint8_t> MakeDibHeader(const DibFields& fields);
+// An uncompressed bitmap behind a header of 40 bytes. width and height are positive, bits 1, 4, 8, 16 (5 for each
+// colour), 24 or 32.
+DibLayout PlainDibLayout(int32_t width, int32_t height, bool topDown, uint32_t bits);
+
+// The grey levels above as entries of 4 bytes; none for more than 8 bits.
+std::vector<uint8_t> GreyDibEntries(uint32_t bits);
+
+// Headers that others read: BITMAPINFOHEADER and BITMAPV5HEADER (sRGB).
+enum class DibHeaderKind : uint8_t { Info = 40, V5 = 124 };
+
+// The header of uncompressed pixels of this layout, masks where they are not those of a plain layout, and the palette:
+// `entries` of 4 bytes. The size of a pixel becomes whole pixels per metre, or 0 where one of them is not in
+// 1 .. 2^31 - 1. A size of the pixels of 2^32 or more is stored as 0.
+std::vector<uint8_t> MakeDibHeader(const DibLayout& layout, std::span<const uint8_t> entries,
+                                   DibHeaderKind kind = DibHeaderKind::Info);
 
 }  // namespace orlix

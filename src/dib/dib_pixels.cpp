@@ -67,7 +67,7 @@ private:
     }
     void Copy(size_t n) {
         const size_t size = (n * layout_.bits + 7) / 8;
-        ExpandIndices(Next(size), layout_.bits, n, Pixels(n));
+        ExpandIndices(Next(size), layout_.bits, 0, n, Pixels(n));
         if (size % 2 != 0 && !bytes_.empty()) bytes_ = bytes_.subspan(1);  // to whole words
     }
     void FinishRow() {
@@ -96,13 +96,13 @@ void RequirePixels(const DibView& dib) {
     if (!enough) throw DibFailure(DibFault::TooShort);
 }
 
-void ExpandIndices(const uint8_t* row, uint32_t bits, size_t width, uint8_t* indices) {
+void ExpandIndices(const uint8_t* row, uint32_t bits, size_t first, size_t n, uint8_t* indices) {
     if (bits == 8) {
-        std::memcpy(indices, row, width);
+        std::memcpy(indices, row + first, n);
     } else if (bits == 4) {
-        for (size_t x = 0; x < width; ++x) indices[x] = x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 15;
+        for (size_t x = first; x < first + n; ++x) *indices++ = x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 15;
     } else {
-        for (size_t x = 0; x < width; ++x) indices[x] = row[x / 8] >> (7 - x % 8) & 1;
+        for (size_t x = first; x < first + n; ++x) *indices++ = row[x / 8] >> (7 - x % 8) & 1;
     }
 }
 
@@ -112,7 +112,7 @@ void ReadIndices(const DibView& dib, const TakeIndices& take) {
     std::vector<uint8_t> indices(layout.bits == 8 ? 0 : static_cast<size_t>(layout.width));
     for (int32_t y = 0; y < layout.height; ++y) {
         const uint8_t* const row = RowOf(dib, y);
-        if (layout.bits != 8) ExpandIndices(row, layout.bits, indices.size(), indices.data());
+        if (layout.bits != 8) ExpandIndices(row, layout.bits, 0, indices.size(), indices.data());
         take(y, layout.bits == 8 ? row : indices.data());
     }
 }

@@ -29,8 +29,8 @@ void RequirePixels(const DibView& dib);
 using TakeIndices = std::function<void(int32_t y, const uint8_t* indices)>;
 void ReadIndices(const DibView& dib, const TakeIndices& take);
 
-// Expands a row of 1, 4 or 8 bits per pixel, leftmost pixel in the highest bits.
-void ExpandIndices(const uint8_t* row, uint32_t bits, size_t width, uint8_t* indices);
+// Expands the pixels first .. first + n - 1 of a row of 1, 4 or 8 bits per pixel, leftmost pixel in the highest bits.
+void ExpandIndices(const uint8_t* row, uint32_t bits, size_t first, size_t n, uint8_t* indices);
 
 // The colours of 16, 24 and 32 bits. A channel of n bits is scaled to floor(255 v / (2^n - 1) + 0.5).
 class DibColours {

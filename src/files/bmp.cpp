@@ -1,16 +1,13 @@
 #include "files/bmp.hpp"
 
+#include <algorithm>
 #include <limits>
 
 #include "component/failure.hpp"
-#include "dib/dib_pixels.hpp"
 #include "image/byte_order.hpp"
 
 namespace orlix {
 namespace {
-
-// "BM", size of the file (often wrong, not used), 4 reserved bytes, start of the pixels.
-constexpr size_t kFileHeader = 14;
 
 const char* TextOf(DibFault fault) {
     switch (fault) {
@@ -32,24 +29,10 @@ const char* TextOf(DibFault fault) {
     return "IImageVPAEx::CreateFromBmp: problems reading bmp header";
 }
 
-DibView ReadView(std::span<const uint8_t> bytes, bool any) {
-    if (bytes.size() < kFileHeader) throw DibFailure(DibFault::Header);
-    const std::span<const uint8_t> header = bytes.subspan(kFileHeader);
-    const DibFields fields = ReadDibFields(header);
-    if (!any && fields.bits != 8)
-        throw Failure("IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported.",
-                      DISP_E_EXCEPTION);
-    if (!any && fields.compression != kPlain)
-        throw Failure("IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported.", DISP_E_EXCEPTION);
-    DibView dib{ReadDibLayout(fields, header), {}, {}};
-    const size_t pixels = LittleEndian32(bytes.data() + 10);
-    const size_t palette = kFileHeader + dib.layout.paletteStart;
-    if (pixels < palette) throw DibFailure(DibFault::Header);
-    if (pixels > bytes.size()) throw DibFailure(DibFault::TooShort);
-    dib.pixels = bytes.subspan(pixels);
-    RequirePixels(dib);
-    if (dib.layout.hasPalette()) dib.palette = ReadDibPalette(dib.layout, bytes.subspan(palette, pixels - palette));
-    return dib;
+// "BM", size of the file (often wrong, not used), 4 reserved bytes, start of the pixels; then the DIB's header.
+std::span<const uint8_t> BehindFileHeader(std::span<const uint8_t> bytes) {
+    if (bytes.size() < kBmpFileHeader) throw DibFailure(DibFault::Header);
+    return bytes.subspan(kBmpFileHeader);
 }
 
 }  // namespace
@@ -58,8 +41,39 @@ bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept {
     return bytes.size() >= 2 && bytes[0] == 'B' && bytes[1] == 'M';
 }
 
+DibView ReadBmpView(std::span<const uint8_t> bytes) {
+    const std::span<const uint8_t> header = BehindFileHeader(bytes);
+    const DibFields fields = ReadDibFields(header);
+    DibView dib{ReadDibLayout(fields, header), {}, {}};
+    const size_t pixels = LittleEndian32(bytes.data() + 10);
+    const size_t palette = kBmpFileHeader + dib.layout.paletteStart;
+    if (pixels < palette) throw DibFailure(DibFault::Header);
+    if (pixels > bytes.size()) throw DibFailure(DibFault::TooShort);
+    dib.pixels = bytes.subspan(pixels);
+    RequirePixels(dib);
+    if (dib.layout.hasPalette()) dib.palette = ReadDibPalette(dib.layout, bytes.subspan(palette, pixels - palette));
+    return dib;
+}
+
+void PutBmpFileHeader(uint8_t* header, uint64_t fileSize, uint64_t pixelsAt) {
+    header[0] = 'B';
+    header[1] = 'M';
+    PutLittleEndian32(header + 2, static_cast<uint32_t>(fileSize));
+    PutLittleEndian32(header + 6, 0);
+    PutLittleEndian32(header + 10, static_cast<uint32_t>(pixelsAt));
+}
+
 FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options) try {
-    const DibView dib = ReadView(bytes, options.anyBitmap);
+    if (!options.anyBitmap) {
+        const DibFields fields = ReadDibFields(BehindFileHeader(bytes));
+        if (fields.bits != 8)
+            throw Failure("IImageVPAEx::CreateFromBmp: only bitmaps with eight bits per pixel are currently supported.",
+                          DISP_E_EXCEPTION);
+        if (fields.compression != kPlain)
+            throw Failure("IImageVPAEx::CreateFromBmp: compressed bitmaps are not currently supported.",
+                          DISP_E_EXCEPTION);
+    }
+    const DibView dib = ReadBmpView(bytes);
     FileProperties properties;
     properties.width = dib.layout.width;
     properties.height = dib.layout.height;
@@ -78,15 +92,12 @@ FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const Re
 }
 
 std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& source, const WriteOptions&) {
-    DibFields fields;
-    fields.width = properties.width;
-    fields.height = properties.height;
-    fields.bits = properties.bands == 1 ? 8 : 24;
-    fields.micronsX = properties.kept.micronsX;
-    fields.micronsY = properties.kept.micronsY;
-    const std::vector<uint8_t> header = MakeDibHeader(fields);
+    DibLayout layout = PlainDibLayout(properties.width, properties.height, false, properties.bands == 1 ? 8 : 24);
+    layout.micronsX = properties.kept.micronsX;
+    layout.micronsY = properties.kept.micronsY;
+    const std::vector<uint8_t> header = MakeDibHeader(layout, GreyDibEntries(layout.bits));
     const auto width = static_cast<size_t>(properties.width), bands = static_cast<size_t>(properties.bands);
-    const uint64_t start = kFileHeader + header.size(), stride = (uint64_t{width} * bands + 3) / 4 * 4;
+    const uint64_t start = kBmpFileHeader + header.size(), stride = layout.stride;
     const auto height = static_cast<uint64_t>(properties.height);
     // Below 2^31 rows of less than 2^33 bytes.
     if (const uint64_t size = start + stride * height;
@@ -94,11 +105,8 @@ std::vector<uint8_t> WriteBmp(const FileProperties& properties, PixelSource& sou
         throw Failure("IImageFile::SaveToFile: the image is too large for the format.");
 
     std::vector<uint8_t> bytes(static_cast<size_t>(start + stride * height));
-    bytes[0] = 'B';
-    bytes[1] = 'M';
-    PutLittleEndian32(&bytes[2], static_cast<uint32_t>(bytes.size()));
-    PutLittleEndian32(&bytes[10], static_cast<uint32_t>(start));
-    std::copy(header.begin(), header.end(), bytes.begin() + kFileHeader);
+    PutBmpFileHeader(bytes.data(), bytes.size(), start);
+    std::copy(header.begin(), header.end(), bytes.begin() + kBmpFileHeader);
     uint8_t* row = bytes.data() + start;
     for (int32_t y = properties.height - 1; y >= 0; --y, row += stride)
         for (size_t band = 0; band < bands; ++band) {

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "dib/dib_pixels.hpp"
 #include "files/file_types.hpp"
 
 namespace orlix {
@@ -22,6 +23,13 @@ bool LooksLikeBmp(std::span<const uint8_t> bytes) noexcept;
 //   "IImageVPAEx::CreateFromBmp: the run lengths leave the image."
 //   "IImageVPAEx::CreateFromBmp: a pixel is outside the palette."
 FileProperties ReadBmp(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options);
+
+// The bitmap of a file, whose bytes must outlive it; of any kind. Raises DibFailure.
+DibView ReadBmpView(std::span<const uint8_t> bytes);
+
+// The 14 bytes at the start of a file, of which the last ones are the pixels. Both numbers are below 2^32.
+constexpr size_t kBmpFileHeader = 14;
+void PutBmpFileHeader(uint8_t* header, uint64_t fileSize, uint64_t pixelsAt);
 
 // Bottom-up, with a header of 40 bytes: one band as 8 bits with a palette of grey levels, three as 24 bits. The size of
 // a pixel is kept in whole pixels per metre. Failure:

@@ -64,7 +64,30 @@ void AddBmp(std::vector<Seed>& seeds) {
         seeds.push_back({name, MakeBmp(file)});
         file.palette[1] = 99;
         seeds.push_back({name + "-colour", MakeBmp(file)});
+        for (const uint32_t bits : {1u, 4u, 24u, 32u}) {
+            if (headerSize == 12 && bits == 32) continue;
+            file.bits = bits;
+            file.rows.resize(60);
+            seeds.push_back({name + "-" + std::to_string(bits), MakeBmp(file)});
+        }
     }
+    BmpFile masked{
+        .width = 2, .bits = 16, .compression = 3, .masks = Little32(0xF800) + Little32(0x7E0) + Little32(0x1F)};
+    masked.rows = {1, 2, 3, 4};
+    seeds.push_back({"bmp-565", MakeBmp(masked)});
+    masked.bits = 32;
+    masked.compression = 6;
+    masked.masks = masked.masks + Little32(0xFF000000);
+    masked.rows.resize(8);
+    seeds.push_back({"bmp-alpha", MakeBmp(masked)});
+    BmpFile runs{.width = 6, .height = 3, .compression = 1, .palette = GreyRampPalette()};
+    runs.rows = {3, 7, 0, 3, 1, 2, 3, 0, 0, 0, 1, 9, 0, 2, 2, 1, 1, 8, 0, 1};
+    seeds.push_back({"bmp-runs-8", MakeBmp(runs)});
+    runs.bits = 4;
+    runs.rows = {3, 7, 0, 3, 0x12, 0x30, 0, 0, 1, 9, 0, 2, 2, 1, 1, 8, 0, 1};
+    runs.compression = 2;
+    runs.palette.resize(64);
+    seeds.push_back({"bmp-runs-4", MakeBmp(runs)});
 }
 
 void AddPnm(std::vector<Seed>& seeds) {
