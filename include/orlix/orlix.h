@@ -75,10 +75,10 @@ struct IStructuringElement;
 struct IBlobs;
 struct IDisplayProcess;
 struct IModuleInformation;
+struct IDIBImage;
 struct ILineGraphicOverlay;
 struct ICircleGraphicOverlay;
 struct ITextGraphicOverlay;
-struct IDIBImage;
 struct ISplineImage;
 struct IVBHelper;
 struct IHistogramDialog;
@@ -2574,6 +2574,133 @@ DEFINE_GUID(IID_IModuleInformation, 0x421066d7, 0xa5e1, 0x4d31, 0x9b,0x61, 0x7c,
 __CRT_UUID_DECL(IModuleInformation, 0x421066d7, 0xa5e1, 0x4d31, 0x9b,0x61, 0x7c,0x24,0x1f,0x76,0x91,0xe7)
 #endif
 
+// A device-independent bitmap (DIB) in memory: a header, a palette and rows of pixels.
+// Cameras and the clipboard hand them over. OrlixBuffer implements this interface, and with it:
+//   IImageVPA       for a bitmap of 8 bits whose palette entries are the greys of their numbers. Any other bitmap,
+//                   and none: "IImageVPA: the bitmap does not have 8 bits and a grey palette." CreateImage makes an
+//                   image of every bitmap.
+//   IPictureExZoom  and IPictureMemory, with the events of IPictureExEvents. A rendering shows the pixels and the
+//                   palette as they are at that moment. The value of GetPixelInfo is what is stored, up to 8 bits,
+//                   and the red level of deeper pixels. AttachBuffer makes a top-down bitmap of the client's pixels
+//                   under a header of its own: 8 bits in grey, or 16. A refused buffer leaves the bitmap as it was.
+// Rules:
+//  (1) Rows are multiples of 4 bytes, bottom row first unless the bitmap is top-down. Pixels have 1, 4 or 8 bits
+//      (entries of the palette; the leftmost pixel has the highest bits), 16 or 32 (masks; 5 or 8 bits for each
+//      colour where the header has none), or 24 (blue, green, red). The value v under a mask of n bits is the level
+//      floor(255 v / (2^n - 1) + 0.5). Alpha is kept and not applied; colour spaces are not applied.
+//  (2) A bitmap of the object's own is one block of memory: BITMAPINFOHEADER, masks if rule 1 does not give them,
+//      palette, pixels. Reading expands run lengths; the pixels that they leave out are 0.
+//  (3) "IDIBImage::GetPacked: no image." is the failure of a method that needs a bitmap where there is none.
+//  (4) A bitmap with 2^31 bytes of pixels or more is refused: "IDIBImage::Create: the bitmap is too large." Methods
+//      that read one report, each under its own name:
+//        "IDIBImage::PutPacked: problems reading the header."
+//        "IDIBImage::PutPacked: unknown number of bits per pixel."
+//        "IDIBImage::PutPacked: unknown compression."
+//        "IDIBImage::PutPacked: invalid colour masks."
+//        "IDIBImage::PutPacked: fewer bytes than the pixels need."
+//        "IDIBImage::PutPacked: the run lengths leave the image."
+//  (5) A failed creation leaves the bitmap as it was. A creation resets the coordinate map of IImageVPA.
+MIDL_INTERFACE("5db69631-7b1a-481a-aaef-380113828dd8") IDIBImage : public IUnknown {
+    // Creates a bitmap whose pixels are 0.
+    // Height is negative for a top-down bitmap. The palette is grey: 0 and 255, multiples of 17, or all 256 levels.
+    //   "IDIBImage::Create: Width must be positive."
+    //   "IDIBImage::Create: Height must not be 0."
+    //   "IDIBImage::Create: the bitmap must have 1, 4, 8, 16, 24 or 32 bits per pixel."
+    virtual HRESULT STDMETHODCALLTYPE Create(LONG Width, LONG Height, LONG BitsPerPixel) = 0;
+
+    // Uses the client's header, palette and pixels as the bitmap, without a copy.
+    // Header is the address of a BITMAPCOREHEADER, BITMAPINFOHEADER, or one of 52 bytes and more; masks and palette
+    // follow it. Null for Bits: the pixels follow the palette (a packed bitmap). Size, depth and masks are read
+    // once; the palette and the pixels are read and written in place, and resolution is written there. The memory
+    // must outlive the object or its next creation. Texts of rule 4, and
+    //   "IDIBImage::Attach: compressed bitmaps cannot be attached."
+    //   "IDIBImage::Attach: the system does not allow to read and write the header."
+    //   "IDIBImage::Attach: the system does not allow to read and write the pixels."
+    // Memory of the bitmap that the attachment would free is refused like that, too.
+    virtual HRESULT STDMETHODCALLTYPE Attach(void* Header, void* Bits) = 0;
+
+    // Makes a bottom-up bitmap of an image: one band gives 8 bits and a grey palette, three bands 24 bits.
+    // The image's pixel size is kept, its coordinate map is not.
+    //   "IDIBImage::CreateFromImage: the image must have 8 bits and one band or three."
+    virtual HRESULT STDMETHODCALLTYPE CreateFromImage(IImageVPA* Image) = 0;
+
+    // A new OrlixImage (DT_BYTE) with the pixels and the pixel size of the bitmap.
+    // One band if all palette entries in use are grey, otherwise three (red, green, blue). *Image is null after a
+    // failure: "IDIBImage::CreateImage: a pixel is outside the palette."
+    virtual HRESULT STDMETHODCALLTYPE CreateImage(IImageVPAEx** Image) = 0;
+
+    // Width, height and bits per pixel; zeros without a bitmap.
+    // Height is negative for a top-down bitmap.
+    virtual HRESULT STDMETHODCALLTYPE GetFormat(LONG* Width, LONG* Height, LONG* BitsPerPixel) = 0;
+
+    // Address of the header, BITMAPINFO; null without a bitmap.
+    // It stays valid until the next creation or the release of the object. For reading: changes of size and depth
+    // have no effect, and those of the palette take effect at once.
+    virtual HRESULT STDMETHODCALLTYPE get_Header(void** hVal) = 0;
+
+    // Address of the first row in memory, and the distance in bytes from a row to the next one there.
+    // The bottom row of a bottom-up bitmap. Rows can be written. Null and 0 without a bitmap; valid like Header.
+    virtual HRESULT STDMETHODCALLTYPE GetBits(void** Bits, LONG* RowStride) = 0;
+
+    // Number of entries of the palette; 0 for more than 8 bits and without a bitmap.
+    virtual HRESULT STDMETHODCALLTYPE get_NumberOfColors(LONG* hVal) = 0;
+
+    // An entry of the palette, 0x00BBGGRR.
+    // "IDIBImage: color table entry is out of range."
+    virtual HRESULT STDMETHODCALLTYPE get_ColorTable(LONG Entry, OLE_COLOR* hVal) = 0;
+
+    // An entry of the palette, 0x00BBGGRR.
+    // "IDIBImage: color table entry is out of range."
+    virtual HRESULT STDMETHODCALLTYPE put_ColorTable(LONG Entry, OLE_COLOR newVal) = 0;
+
+    // Physical size of a pixel in microns. S_FALSE and zeros when it is not known.
+    virtual HRESULT STDMETHODCALLTYPE GetMicronsPerPixel(double* X, double* Y) = 0;
+
+    // Sets the physical size of a pixel in microns: finite values above 0, or 0, 0 for unknown.
+    // The header receives whole pixels per metre, 0 where it cannot hold them. BITMAPCOREHEADER has no place for
+    // them. "IDIBImage::PutMicronsPerPixel: the pixel size must be positive."
+    virtual HRESULT STDMETHODCALLTYPE PutMicronsPerPixel(double X, double Y) = 0;
+
+    // Copies the packed bitmap into the caller's memory: header, masks, palette, pixels.
+    // HeaderSize is 40 for BITMAPINFOHEADER, the clipboard's CF_DIB, or 124 for BITMAPV5HEADER, CF_DIBV5. *Needed
+    // is the number of bytes. Nothing is copied when Size is less (S_FALSE); for Size 0 Bytes may be null.
+    //   "IDIBImage::GetPacked: the header must have 40 or 124 bytes."
+    //   "IDIBImage::GetPacked: Size must not be negative."
+    virtual HRESULT STDMETHODCALLTYPE GetPacked(LONG HeaderSize, LONG Size, unsigned char* Bytes, LONG* Needed) = 0;
+
+    // Makes the bitmap a copy of a packed one, with any header that Attach takes, or run lengths.
+    // Texts of rule 4, and "IDIBImage::PutPacked: Size must not be negative."
+    virtual HRESULT STDMETHODCALLTYPE PutPacked(LONG Size, unsigned char* Bytes) = 0;
+
+    // Loads a BMP file of any kind, with its depth, palette and pixel size.
+    // Texts of rule 4, and
+    //   "IDIBImage::LoadFromFile: failed to open file."
+    //   "IDIBImage::LoadFromFile: failed to read file."
+    //   "IDIBImage::LoadFromFile: not a BMP file."
+    virtual HRESULT STDMETHODCALLTYPE LoadFromFile(BSTR FileName) = 0;
+
+    // Saves the bitmap as a BMP file, with its depth and palette.
+    // A failure leaves an older file of that name as it was: "IDIBImage::SaveToFile: failed to write file."
+    virtual HRESULT STDMETHODCALLTYPE SaveToFile(BSTR FileName) = 0;
+
+    // Makes the bitmap a copy of a system bitmap (HBITMAP), in the depth that it has.
+    // IPictureEx makes system bitmaps (CreateHBITMAP, CreateDIBSection). Off Windows: E_NOTIMPL.
+    //   "IDIBImage::CreateFromHBITMAP: invalid HBITMAP"
+    virtual HRESULT STDMETHODCALLTYPE CreateFromHBITMAP(void* Bitmap) = 0;
+
+    // Makes the bitmap a copy of the one on the clipboard; S_FALSE where there is none.
+    // Off Windows: E_NOTIMPL. Texts of rule 4, and "IDIBImage::CreateFromClipboard: the clipboard is in use."
+    virtual HRESULT STDMETHODCALLTYPE CreateFromClipboard() = 0;
+
+    // Puts a copy of the bitmap on the clipboard, in place of what is there (CF_DIB).
+    // Off Windows: E_NOTIMPL. "IDIBImage::CopyToClipboard: the clipboard is in use."
+    virtual HRESULT STDMETHODCALLTYPE CopyToClipboard() = 0;
+};
+DEFINE_GUID(IID_IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13,0x82,0x8d,0xd8);
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13,0x82,0x8d,0xd8)
+#endif
+
 // Not built yet: no slots until its class is built.
 // Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
 MIDL_INTERFACE("ac6239fd-350e-4ff0-845e-2c639e5b62ae") ILineGraphicOverlay : public IGraphicOverlay {
@@ -2599,15 +2726,6 @@ MIDL_INTERFACE("1308ae7d-bd0a-46c5-b65e-c5cf62251797") ITextGraphicOverlay : pub
 DEFINE_GUID(IID_ITextGraphicOverlay, 0x1308ae7d, 0xbd0a, 0x46c5, 0xb6,0x5e, 0xc5,0xcf,0x62,0x25,0x17,0x97);
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(ITextGraphicOverlay, 0x1308ae7d, 0xbd0a, 0x46c5, 0xb6,0x5e, 0xc5,0xcf,0x62,0x25,0x17,0x97)
-#endif
-
-// Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
-MIDL_INTERFACE("5db69631-7b1a-481a-aaef-380113828dd8") IDIBImage : public IUnknown {
-};
-DEFINE_GUID(IID_IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13,0x82,0x8d,0xd8);
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13,0x82,0x8d,0xd8)
 #endif
 
 // Not built yet: no slots until its class is built.
@@ -2713,7 +2831,7 @@ DEFINE_GUID(CLSID_OrlixCircleGraphicOverlay, 0xcec08100, 0xa391, 0x41c1, 0x8f,0x
 __CRT_UUID_DECL(OrlixCircleGraphicOverlay, 0xcec08100, 0xa391, 0x41c1, 0x8f,0xb8, 0xd3,0x00,0x57,0x26,0x84,0xfd)
 #endif
 
-// Not built yet: creating it answers CLASS_E_CLASSNOTAVAILABLE.
+// A device-independent bitmap in memory, as a picture and an image.
 class DECLSPEC_UUID("bc38c191-d432-4762-b996-3d15755da2fd") OrlixBuffer;
 DEFINE_GUID(CLSID_OrlixBuffer, 0xbc38c191, 0xd432, 0x4762, 0xb9,0x96, 0x3d,0x15,0x75,0x5d,0xa2,0xfd);
 #ifdef __CRT_UUID_DECL

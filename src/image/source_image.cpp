@@ -77,9 +77,14 @@ TCoordinateMap SourceImage::Coordinates() const {
 
 ImageProperties SourceImage::Kept() const {
     ImageProperties kept;
-    const ComPtr<IImageFile> file = image_.As<IImageFile>();
-    if (!file) return kept;
     double x = 0, y = 0;
+    const ComPtr<IImageFile> file = image_.As<IImageFile>();
+    if (!file) {
+        const ComPtr<IDIBImage> bitmap = image_.As<IDIBImage>();
+        if (bitmap && bitmap->GetMicronsPerPixel(&x, &y) == S_OK && IsPixelSize(x, y))
+            kept.PutMicrons(x, y, "source image");
+        return kept;
+    }
     if (file->GetMicronsPerPixel(&x, &y) == S_OK && IsPixelSize(x, y)) kept.PutMicrons(x, y, "source image");
     LONG bits = 0;
     if (file->get_SignificantBits(&bits) == S_OK && CanBeSignificant(bits, type_)) kept.significantBits = bits;

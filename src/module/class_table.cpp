@@ -5,6 +5,7 @@
 #include "geometry/orlix_structuring_element.hpp"
 #include "histogram/orlix_histogram.hpp"
 #include "orlix_bitmap/orlix_bitmap.hpp"
+#include "orlix_buffer/orlix_buffer.hpp"
 #include "orlix_image/orlix_image.hpp"
 
 namespace orlix {
@@ -18,7 +19,7 @@ constexpr ClassRow kClasses[kNumberOfClasses] = {
     {&__uuidof(OrlixStructuringElement), 105, &OrlixStructuringElement::CreateInstance},
     {&__uuidof(OrlixLineGraphicOverlay), 106, nullptr},
     {&__uuidof(OrlixCircleGraphicOverlay), 109, nullptr},
-    {&__uuidof(OrlixBuffer), 110, nullptr},
+    {&__uuidof(OrlixBuffer), 110, &OrlixBuffer::CreateInstance},
     {&__uuidof(OrlixSplineImage), 111, nullptr},
     {&__uuidof(OrlixShapeRegionOfInterest), 113, &OrlixShapeRegionOfInterest::CreateInstance},
     {&__uuidof(OrlixVBHelper), 114, nullptr},

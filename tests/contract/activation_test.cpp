@@ -40,6 +40,13 @@ std::vector<Creatable> Creatables() {
                                                __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
 #endif
                                                __uuidof(IImageFrames),       __uuidof(IModuleInformation)}},
+        {"Orlix.OrlixBuffer",
+         __uuidof(OrlixBuffer),
+         {__uuidof(IDIBImage), __uuidof(IImageVPA), __uuidof(IPictureExZoom), __uuidof(IPictureEx),
+#ifdef _WIN32
+          __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
+#endif
+          __uuidof(IPictureMemory), __uuidof(IConnectionPointContainer)}},
     };
 }
 

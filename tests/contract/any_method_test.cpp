@@ -134,15 +134,12 @@ TEST(NoImage, IsNamedByEachMethodThatNeedsOne) {
 // ------------------------------------------------------------------------------------------------------- null pointers
 
 // Methods for which a null pointer has a meaning, or another result; their own tests have them.
-constexpr std::string_view kNullIsSpecial[] = {"AttachBuffer",     "put_RegionOfInterest",
-                                               "get_LocalMaxima",  "get_LocalMinima",
-                                               "Advise",           "HitOrMiss",
-                                               "Create",           "get_LevelOutline",
-                                               "Render",           "RenderTopLeft",
-                                               "RenderBlt",        "RenderStretch",
-                                               "Invoke",           "GetIDsOfNames",
-                                               "CreateHBITMAP",    "GetTypeInfo",
-                                               "GetTypeInfoCount", "GetLevelMeasurements"};
+constexpr std::string_view kNullIsSpecial[] = {
+    "AttachBuffer",    "put_RegionOfInterest", "Attach",           "CreateFromHBITMAP",
+    "get_LocalMaxima", "get_LocalMinima",      "Advise",           "HitOrMiss",
+    "Create",          "get_LevelOutline",     "Render",           "RenderTopLeft",
+    "RenderBlt",       "RenderStretch",        "Invoke",           "GetIDsOfNames",
+    "CreateHBITMAP",   "GetTypeInfo",          "GetTypeInfoCount", "GetLevelMeasurements"};
 
 // Before any other test, and nothing is written.
 TEST(NullPointers, AreRefusedOneByOne) {
@@ -155,7 +152,8 @@ TEST(NullPointers, AreRefusedOneByOne) {
                                         Cast<IUnknown>(Get(bitmap, &IBitmapProcess::FindBlobs, CT_8)),
                                         Cast<IUnknown>(NewRegion()),
                                         CreateObject<IUnknown>("orlix.StructuringElement"),
-                                        CreateObject<IUnknown>("Orlix.Polygon")};
+                                        CreateObject<IUnknown>("Orlix.Polygon"),
+                                        CreateObject<IUnknown>("Orlix.OrlixBuffer")};
     for (const auto& object : objects)
         for (const Method& method : MethodsOf(object.get()))
             for (const size_t position : method.pointers) {

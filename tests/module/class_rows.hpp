@@ -24,7 +24,7 @@ inline constexpr ClassFacts kClassFacts[] = {
     {"OrlixStructuringElement", "{0A872D7F-8E99-44D0-91CF-E008F8FB3092}", "orlix.StructuringElement", 105, true},
     {"OrlixLineGraphicOverlay", "{31A46664-0854-4433-88AA-EB0F8CEE1204}", "Orlix.LineGraphicOverlay", 106},
     {"OrlixCircleGraphicOverlay", "{CEC08100-A391-41C1-8FB8-D300572684FD}", "Orlix.CircleGraphicOverlay", 109},
-    {"OrlixBuffer", "{BC38C191-D432-4762-B996-3D15755DA2FD}", "Orlix.OrlixBuffer", 110},
+    {"OrlixBuffer", "{BC38C191-D432-4762-B996-3D15755DA2FD}", "Orlix.OrlixBuffer", 110, true},
     {"OrlixSplineImage", "{DB2CB075-8206-40E3-8FCA-CFC5003943D6}", "Orlix.SplineImage", 111},
     {"OrlixShapeRegionOfInterest", "{BC786B12-4454-4230-86D9-B49519E208BF}", "Orlix.ShapeRegionOfInterest", 113, true},
     {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", 114},

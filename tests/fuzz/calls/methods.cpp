@@ -191,6 +191,67 @@ ORLIX_SPECIAL(IImageFile, SaveToFile) {
     call(name.get(), Argument<ImageFileFormat>(world).get());
 }
 
+// A bitmap behind a header of 40 bytes, which may say something else than what is there.
+void FillBitmap(World& world, std::span<uint8_t> memory) {
+    Choices& choices = world.choices();
+    constexpr uint8_t kDepths[] = {1, 4, 8, 16, 24, 32};
+    constexpr size_t kFields[] = {0, 4, 8, 14, 16, 32};
+    for (uint8_t& byte : memory) byte = static_cast<uint8_t>(&byte - memory.data());
+    std::fill_n(memory.begin(), 40, uint8_t{0});
+    memory[0] = 40;
+    memory[4] = static_cast<uint8_t>(1 + choices.Below(24));
+    memory[8] = static_cast<uint8_t>(1 + choices.Below(24));
+    if (choices.Chance(96)) {  // top-down
+        memory[8] = static_cast<uint8_t>(-memory[8]);
+        memory[9] = memory[10] = memory[11] = 0xFF;
+    }
+    memory[12] = 1;
+    memory[14] = kDepths[choices.Below(std::size(kDepths))];
+    memory[16] = static_cast<uint8_t>(choices.Chance(96) ? choices.Below(4) : 0);
+    if (choices.Chance(24)) memory[kFields[choices.Below(std::size(kFields))]] = choices.Byte();
+}
+constexpr size_t kBitmapSize = 40 + 1024 + 24 * 24 * 4;
+
+ORLIX_SPECIAL(IDIBImage, Create) {
+    const Size size(world);
+    constexpr LONG kDepths[] = {1, 4, 8, 16, 24, 32};
+    const LONG bits = world.choices().Chance(16) ? world.Long() : kDepths[world.choices().Below(std::size(kDepths))];
+    call(size.width, world.choices().Chance(96) && size.height > 0 ? -size.height : size.height, bits);
+}
+
+ORLIX_SPECIAL(IDIBImage, Attach) {
+    if (world.choices().Chance(24)) {
+        void* const header = HostileAddress(world.choices().Byte());
+        call(header, HostileAddress(world.choices().Byte()));
+        return;
+    }
+    const std::span<uint8_t> memory = world.Memory(2 * kBitmapSize);
+    FillBitmap(world, memory.first(kBitmapSize));
+    void* bits = world.choices().Chance(128) ? nullptr : memory.data() + kBitmapSize;
+    if (world.choices().Chance(16)) bits = HostileAddress(world.choices().Byte());
+    call(memory.data(), bits);
+}
+
+ORLIX_SPECIAL(IDIBImage, GetPacked) {
+    const LONG header = world.choices().Chance(16) ? world.Long() : world.choices().Chance(128) ? 40 : 124;
+    const LONG size = std::min(world.choices().Chance(32) ? world.Long() : LONG{2 * kBitmapSize}, LONG{1} << 20);
+    Bytes bytes(static_cast<size_t>(std::max(size, LONG{1})));
+    LONG needed = 0;
+    call(header, size, world.choices().Chance(6) ? nullptr : bytes.data(),
+         world.choices().Chance(6) ? nullptr : &needed);
+}
+
+ORLIX_SPECIAL(IDIBImage, PutPacked) {
+    Bytes bytes(world.choices().Chance(128) ? kBitmapSize : 40 + 4 * world.choices().Below(100));
+    FillBitmap(world, bytes);
+    const LONG size = world.choices().Chance(6) ? -1 - world.choices().Byte() : static_cast<LONG>(bytes.size());
+    call(size, world.choices().Chance(6) ? nullptr : bytes.data());
+}
+
+ORLIX_SPECIAL(IDIBImage, LoadFromFile) { call(FileName(world).get()); }
+
+ORLIX_SPECIAL(IDIBImage, SaveToFile) { call(FileName(world).get()); }
+
 ORLIX_SPECIAL(IImageEntries, ReadBinaryEntry) {
     const LONG index = world.Long(), offset = world.Long(), size = world.Long();
     // The caller's memory is as large as the size says, except for sizes that no entry has.
@@ -393,6 +454,16 @@ size_t ReadAll(Object* object, HRESULT (STDMETHODCALLTYPE I::*number)(LONG*), co
     if (!elements.pointer() || (object->*number)(&count) != S_OK) return 0;
     Read(elements.pointer(), static_cast<size_t>(count) * sizeof *elements.pointer());
     return static_cast<size_t>(count);
+}
+
+ORLIX_AFTER(IDIBImage, GetBits, const auto& bits, const auto& stride) {
+    LONG width = 0, height = 0, depth = 0;
+    if (!bits.pointer() || !stride.get() || object->GetFormat(&width, &height, &depth) != S_OK) return;
+    const size_t row = (static_cast<size_t>(width) * static_cast<size_t>(depth) + 7) / 8;
+    const size_t rows = static_cast<size_t>(height < 0 ? -height : height);
+    const size_t size = static_cast<size_t>(*stride.get()) * (rows - 1) + row;
+    Read(bits.pointer(), size);
+    static_cast<uint8_t*>(bits.pointer())[world.choices().Below(size)] = world.choices().Byte();
 }
 
 ORLIX_AFTER(IHistogram, get_Bins, const auto& bins) {

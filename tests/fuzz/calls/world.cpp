@@ -31,9 +31,9 @@ constexpr size_t kMostReferences = 24;
 constexpr int kMostDepth = 4;
 constexpr int kMostCallbacks = 24;  // of a step
 
-const CLSID* const kClasses[] = {&__uuidof(OrlixImage),   &__uuidof(OrlixShapeRegionOfInterest),
-                                 &__uuidof(OrlixBitmap),  &__uuidof(OrlixHistogram),
-                                 &__uuidof(OrlixPolygon), &__uuidof(OrlixStructuringElement)};
+const CLSID* const kClasses[] = {
+    &__uuidof(OrlixImage),   &__uuidof(OrlixShapeRegionOfInterest), &__uuidof(OrlixBitmap), &__uuidof(OrlixHistogram),
+    &__uuidof(OrlixPolygon), &__uuidof(OrlixStructuringElement),    &__uuidof(OrlixBuffer)};
 
 ComPtr<IUnknown> New(const CLSID& clsid, const IID& iid) {
     ComPtr<IClassFactory> factory;
