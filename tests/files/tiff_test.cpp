@@ -268,7 +268,7 @@ TEST(Tiff, WhatIsWrongWithAFileIsNamed) {
          kTiffHeaderText},
         {"wide",
          [](TiffPage& p) {
-             p.more = {{256, 4, 1, Little32(INT32_MAX)}};
+             p.more = {{256, 4, 1, Little32(1 << 26)}};
          },
          kTiffShortText},
         {"beyond 2^31",
@@ -344,14 +344,6 @@ TEST(Tiff, TheLimitOfSamplesIsCheckedBeforeTheSinkIsBegun) {
 
 // ------------------------------------------------------------------------------------------------------------- writing
 
-MemoryImage ImageOfStrips(int32_t bands, LONG type) {
-    // Several strips of 256 KiB, the last one shorter.
-    return {500, 400, bands, type, [&](int32_t band, int32_t x, int32_t y) {
-                return SomeTiffSample(static_cast<uint32_t>(x / 3), static_cast<uint32_t>(y),
-                                      static_cast<uint32_t>(band));
-            }};
-}
-
 // Everything that an image keeps; sizes that no rational holds exactly.
 void KeepAllInTiff(FileProperties& properties) {
     ImageProperties& kept = properties.kept;
@@ -412,6 +404,14 @@ TEST(Tiff, ASizeThatTheDescriptionContradictsComesBack) {
 }
 
 #ifndef _WIN32
+MemoryImage ImageOfStrips(int32_t bands, LONG type) {
+    // Several strips of 256 KiB, the last one shorter.
+    return {500, 400, bands, type, [&](int32_t band, int32_t x, int32_t y) {
+                return SomeTiffSample(static_cast<uint32_t>(x / 3), static_cast<uint32_t>(y),
+                                      static_cast<uint32_t>(band));
+            }};
+}
+
 // libtiff's own programs read what the writer writes and store it in other ways.
 TEST(Tiff, ProgramsOfLibtiffReadTheFilesAndConvertThem) {
     if (std::system("tiffcp -h > /dev/null 2>&1; test $? != 127") != 0) GTEST_SKIP() << "there is no tiffcp";
