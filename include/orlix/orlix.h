@@ -110,7 +110,8 @@ struct IBlobs;
 //     Z; Z binary entries: double 1.0, keyword, S, S bytes
 // Little-endian; integers have 4 bytes; a string is the number of its UTF-16 units, then the units. A description
 // without units means none. If the pixel size in microns is known, it is the first binary entry: "MicronsPerPixel", 16
-// bytes, X and Y as doubles. (Such an entry put by a client becomes the pixel size on loading.)
+// bytes, X and Y as doubles. The next one is the number of significant bits, if that is known: "SignificantBits", an
+// integer. (Such entries put by a client become the pixel size and that number on loading.)
 //
 // GetClassID     The class of OrlixImage.
 // IsDirty        S_OK when something that a stream keeps has changed since the object was made, loaded, or saved with
@@ -826,6 +827,8 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     //   "IImageFile::SaveToFile: no image."
     //   "IImageFile::SaveToFile: unknown file format."
     //   "IImageFile::SaveToFile: the format holds 8- and 16-bit images only."
+    //   "IImageFile::SaveToFile: the format holds 8-bit images only."
+    //   "IImageFile::SaveToFile: the format does not hold this type of pixels."
     //   "IImageFile::SaveToFile: the format does not hold this number of bands."
     //   "IImageFile::SaveToFile: failed to write file."
     virtual HRESULT STDMETHODCALLTYPE SaveToFile(BSTR FileName, ImageFileFormat Format) = 0;
@@ -868,12 +871,14 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     // PNG, BMP, PGM and PPM (plain and raw), PAM, PFM, TIFF and JPEG; on Windows also GIF, ICO, EMF and WMF, by the
     // system's loader. Page counts from 0; all formats but TIFF have one page.
     // Grey stays grey with 8 or 16 bits; colour becomes three bands (red, green, blue); an alpha channel is
-    // dropped; gamma and colour profiles are not applied. PNG grey of 1, 2 and 4 bits is scaled to 0..255; PGM and
-    // PPM values are kept as they are, whatever maximum the file declares. A palette is applied; it gives one band
-    // if all entries in use are grey. Pixels per metre (PNG, BMP) become the pixel size. A PNG file that this
-    // library has saved gives back all that streams keep: with the coordinate map, the texts and the bytes also
-    // the luminance range, the number of bins, the band to process and the settings of the display; of other files
-    // these stay as they are. A failure leaves the image as it was.
+    // dropped; gamma and colour profiles are not applied. PNG grey of 1, 2 and 4 bits is scaled to 0..255; PGM, PPM
+    // and PAM values are kept as they are, whatever maximum the file declares, but black and white of PAM become 0
+    // and 255. PFM gives floats with all their bits, and its unit, which is not applied, as the text "PFM scale",
+    // from which saving takes it. A palette is applied; it gives one band if all entries in use are grey. Pixels
+    // per metre (PNG, BMP) become the pixel size. A PNG file that this library has saved gives back all that
+    // streams keep: with the coordinate map, the texts and the bytes also the luminance range, the number of bins,
+    // the band to process and the settings of the display; of other files these stay as they are. A failure leaves
+    // the image as it was.
     // TIFF: unsigned integers of 8, 16 and 32 bits and floating point of 32 keep their type, 1, 2 and 4 bits are
     // scaled to 0..255, 9 to 15 bits keep their values in 16; signed integers of 8 and 16 bits become floating
     // point. White as zero is inverted. Further samples of a grey pixel are bands unless they are transparency. The
@@ -891,14 +896,14 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
 
     // Number of low bits of a sample that are in use, 0 if that is not known.
     // Cameras of 10, 12 and 14 bits use so many of 16. Creating an image sets it to 0; loading a file sets it where
-    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It
+    // the file says so (sBIT of PNG, the maximum of PGM, PPM and PAM), and copies have that of their source. It
     // describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of 8
     // and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
     virtual HRESULT STDMETHODCALLTYPE get_SignificantBits(LONG* hVal) = 0;
 
     // Number of low bits of a sample that are in use, 0 if that is not known.
     // Cameras of 10, 12 and 14 bits use so many of 16. Creating an image sets it to 0; loading a file sets it where
-    // the file says so (sBIT of PNG, the maximum of PGM and PPM), and copies have that of their source. It
+    // the file says so (sBIT of PNG, the maximum of PGM, PPM and PAM), and copies have that of their source. It
     // describes the samples and is not enforced: saving ignores it if a larger sample exists. Only for images of 8
     // and 16 bits: "IImageFile::put_SignificantBits: the number of bits must be below that of the samples."
     virtual HRESULT STDMETHODCALLTYPE put_SignificantBits(LONG newVal) = 0;

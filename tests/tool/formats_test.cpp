@@ -50,6 +50,11 @@ TEST_F(Formats, FilesWithoutAHeaderAreReadAsTheCommandLineSays) {
         {"1x1:u32be", "\1\2\3\4", {0x1020304}},
         {"2x1:f32le", "\0\0\x80\x3f\0\0\0\xc0"s, {1, -2}},
         {"1x1:f32be", "\xbf\0\0\0"s, {-0.5}},
+        // Mono12p: low bits first, so 0x321 and 0x654. Mono12Packed: high bytes outside, so 0x214 and 0x653; the rows
+        // are one stream, or begin in new bytes.
+        {"1x2:Mono12p", "\x21\x43\x65", {0x321, 0x654}},
+        {"1x2:Mono12Packed:1:-2", "h\x21\x04\x65\x03", {0x653, 0x214}},
+        {"2x1:Mono14", "\1\2\3\4", {0x201, 0x403}},
     };
     for (const auto& [layout, bytes, levels] : cases) {
         SCOPED_TRACE(layout);
@@ -64,6 +69,10 @@ TEST_F(Formats, FilesWithoutAHeaderAreReadAsTheCommandLineSays) {
         EXPECT_EQ(rounded, Levels("a." + std::string(integer ? "png" : "pfm")));
     }
     WriteFile(Path("dump"), "h\1\2\3\4\5\6x");
+    const Json colour = ImageOf("info dump --raw 2x2:BayerRG8:1");
+    EXPECT_EQ(3, colour["bands"]);
+    EXPECT_EQ(12, ImageOf("info dump --raw 1x1:Mono12p")["significantBits"]);
+    EXPECT_EQ(kFailed, Orlix("info dump --raw 2x2:BayerRG8 --max-samples 11").code);
     for (int page = 0; page < 3; ++page) {
         const Words raw = {"--raw", "2x1:u8:1", "--page", std::to_string(page)};
         const Json info = ImageOf(Words("info dump") + raw);

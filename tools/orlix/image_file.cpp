@@ -161,8 +161,8 @@ void LoadOptions::LoadRaw(const std::string& file, const ComPtr<IImageVPAExPlus>
     const auto imageFile = Cast<IImageFile>(image);
     LONG limit = 0;
     Check(imageFile->get_SampleLimit(&limit), imageFile);
-    if (limit > 0 && layout.pixels() > limit)
-        throw std::runtime_error("the image has " + std::to_string(layout.pixels()) +
+    if (limit > 0 && layout.samples() > limit)
+        throw std::runtime_error("the image has " + std::to_string(layout.samples()) +
                                  " samples, more than the limit of " + std::to_string(limit));
     const auto read = [&](std::istream& stream) {
         layout.Read(stream, page, image);

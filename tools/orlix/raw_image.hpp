@@ -1,4 +1,5 @@
-// Images in files without a header, as cameras and programs dump them.
+// Images in files without a header, as cameras and programs dump them, and their pixel formats by the names that GenICam
+// gives to them ("Mono12Packed").
 #pragma once
 
 #include <orlix/com_ptr.hpp>
@@ -12,11 +13,11 @@ namespace tool {
 
 // WIDTHxHEIGHT:TYPE[:OFFSET[:ROWBYTES]]. The file holds frames of HEIGHT rows from OFFSET on, one after the other. A
 // row takes ROWBYTES bytes, those of its pixels if that is not given; a leading minus says that the last row comes
-// first.
+// first. In packed camera formats without ROWBYTES the rows are one stream, in which a row may end within a byte.
 class RawLayout {
 public:
     static constexpr char kForm[] = "WxH:TYPE[:OFFSET[:ROWBYTES]]";
-    static std::string TypeNames();  // "u8, u16le, ..."
+    static std::string TypeNames();  // "u8, u16le, ..., Mono10p, ..."
 
     explicit RawLayout(std::string_view text);  // throws UsageError
 
@@ -28,24 +29,30 @@ public:
     // too short, before memory is taken.
     void Read(std::istream& file, LONG frame, const orlix::ComPtr<IImageVPAExPlus>& image) const;
 
-    int64_t pixels() const { return int64_t{width_} * height_; }
+    int64_t samples() const;  // of all bands
 
 private:
     struct Type {
         std::string_view name;
-        LONG dataType;
-        uint64_t bytes;
-        bool bigEndian;
+        LONG dataType;     // of the image; 0 for camera formats
+        LONG frameFormat;  // FramePixelFormat; 0 for others
+        bool bigEndian = false;
+
+        uint64_t bits() const;  // of a pixel
+        bool isMosaic() const { return name.starts_with("Bayer"); }
     };
     static const Type kTypes[];
 
     template <class Sample>
     void ReadRows(std::istream& file, const orlix::ComPtr<IImageVPAExPlus>& image) const;
+    void ReadFrame(std::istream& file, const orlix::ComPtr<IImageVPAExPlus>& image) const;
 
     std::string text_;
     const Type* type_ = nullptr;
     LONG width_ = 0, height_ = 0;
-    uint64_t offset_ = 0, rowBytes_ = 0, pixelBytes_ = 0;  // pixelBytes_: of a row without padding
+    // pixelBytes_: of a row without padding. rowBytes_: 0 for rows that are one stream. frameBytes_: up to the last
+    // sample. frameStep_: from one frame to the next.
+    uint64_t offset_ = 0, pixelBytes_ = 0, rowBytes_ = 0, frameBytes_ = 0, frameStep_ = 0;
     bool bottomUp_ = false;
 };
 
