@@ -176,6 +176,12 @@ TEST_F(Formats, WhatAnImageCarriesSurvivesWhereTheFormatHasAPlaceForIt) {
           "description", "texts", "binaries"},
          {},
          1},
+        {"convert a.png x.tif",
+         "convert x.tif b.png",
+         {"significantBits", "micronsPerPixel", "coordinates", "luminanceRange", "displayRange", "colourTable",
+          "description", "texts", "binaries"},
+         {},
+         1},
         {"convert a.png x.pgm",
          "convert x.pgm b.png",
          {"significantBits"},
@@ -214,6 +220,16 @@ TEST_F(Formats, WhatAnImageCarriesSurvivesWhereTheFormatHasAPlaceForIt) {
     EXPECT_EQ(1e6 / 8100000, size["x"]);
     EXPECT_EQ(0.25, size["y"]);
     EXPECT_THAT(std::string(size["source"]), HasSubstr("BMP"));
+}
+
+TEST_F(Formats, QualityDecidesTheSizeOfJpegFiles) {
+    Make("a.png");
+    for (const char* quality : {"20", "90", "99"})
+        EXPECT_EQ(kDone, Orlix({"convert", "a.png", quality + ".jpg"s, "--quality", quality}).code);
+    EXPECT_EQ(kDone, Orlix("convert a.png usual.jpg").code);
+    EXPECT_LT(2 * std::filesystem::file_size("20.jpg"), std::filesystem::file_size("90.jpg"));
+    EXPECT_LT(std::filesystem::file_size("90.jpg"), std::filesystem::file_size("99.jpg"));
+    EXPECT_EQ(ReadFile("90.jpg"), ReadFile("usual.jpg"));
 }
 
 TEST_F(Formats, ConvertedImagesCarryAllThatTheyCan) {

@@ -27,10 +27,10 @@ namespace {
 constexpr char kConvertFooter[] = R"(
 The format follows the name of OUT: )";
 constexpr char kConvertExamples[] = R"(.
-PNG, PGM, PPM and PAM hold 8 and 16 bits, BMP 8, PFM floating point; PGM is grey, PPM in colour. With -
-as IN or OUT the image comes from standard input or goes to standard output, as PNG. What the image
-carries (pixel size, texts, bytes, coordinate map, settings) goes along where the format holds it: all
-of it in PNG.
+PNG, PGM, PPM and PAM hold 8 and 16 bits, BMP and JPEG 8, PFM floating point, TIFF every image; PGM is
+grey, PPM in colour. With - as IN or OUT the image comes from standard input or goes to standard
+output, as PNG. What the image carries (pixel size, texts, bytes, coordinate map, settings) goes along
+where the format holds it: all of it in PNG, TIFF and JPEG.
 
 Changing the number of bits spreads the grey levels that --range names over all levels of the new
 type: full (default; all levels of the old type), data (smallest to largest pixel) or LOW,HIGH.
