@@ -34,8 +34,8 @@ public:
     // (out of memory) the old image remains.
     void CreateTyped(LONG dataType, const std::function<void(ImageStore&)>& creation);
 
-    // Takes a content that is complete, of a type that images can have, and its settings if there are any (of that type,
-    // checked). Returns the former image, which the caller releases last: this may call back.
+    // Takes a content that is complete, of a type that images can have, and its settings if there are any (of that
+    // type, checked). Returns the former image, which the caller releases last: this may call back.
     [[nodiscard]] std::shared_ptr<DisplayedImage> Adopt(LONG dataType, ImageContent&& content,
                                                         const ImageSettings* settings);
 

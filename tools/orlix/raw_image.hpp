@@ -1,5 +1,5 @@
-// Images in files without a header, as cameras and programs dump them, and their pixel formats by the names that GenICam
-// gives to them ("Mono12Packed").
+// Images in files without a header, as cameras and programs dump them. Pixel formats of cameras have their GenICam
+// names ("Mono12Packed").
 #pragma once
 
 #include <orlix/com_ptr.hpp>
