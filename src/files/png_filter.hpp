@@ -52,12 +52,13 @@ using UnfilterFn = void (*)(uint8_t* rows, size_t count, const uint8_t* above, s
 using ApplyFilterFn = uint64_t (*)(Filter filter, const uint8_t* row, const uint8_t* above, size_t size, size_t pixel,
                                    uint8_t* filtered);
 
-Kernel<UnfilterFn> Unfilter_scalar, Unfilter_sse2;
+Kernel<UnfilterFn> Unfilter_scalar, Unfilter_sse2, Unfilter_avx2;
 Kernel<ApplyFilterFn> ApplyFilter_scalar, ApplyFilter_sse2, ApplyFilter_avx2;
 
-// A byte waits for the one before it, so vectors hold bytes of sixteen rows, and wider ones would need more rows than
-// fit into a block.
+// A byte waits for the one before it, so vectors hold bytes of different rows: kUnfilterRows of them at most.
+inline constexpr size_t kUnfilterRows = 32;
 inline constexpr Variant<UnfilterFn> kUnfilter[] = {
+    {"avx2", Cpu::Avx2, &Unfilter_avx2},
     {"sse2", Cpu::Sse2, &Unfilter_sse2},
     {"scalar", Cpu::Any, &Unfilter_scalar},
 };

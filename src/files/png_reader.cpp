@@ -14,6 +14,7 @@
 #include "files/png_samples.hpp"
 #include "files/png_text.hpp"
 #include "files/private_chunks.hpp"
+#include "frames/unpacking_kernels.hpp"
 #include "image/byte_order.hpp"
 #include "image/palette.hpp"
 #include "image/pixel_size.hpp"
@@ -250,9 +251,9 @@ void RequireEnoughBytes(const PngFile& file) {
 // Decompresses and unfilters all rows, and calls row(pass, y in the image, pixels of the row, bytes) for each.
 template <class RowFunction>
 void DecodeRows(const PngFile& file, RowFunction&& row) {
-    // Decompressing many rows at a time is faster, and undoing filters takes sixteen of them; the block is small enough
-    // to stay in the cache.
-    constexpr uint64_t kBlock = 128 * 1024, kLargestBlock = 8 * kBlock, kGroup = 16;
+    // Decompressing many rows at a time is faster, and so is undoing their filters; the block is small enough to stay
+    // in the cache.
+    constexpr uint64_t kBlock = 128 * 1024, kLargestBlock = 8 * kBlock, kGroup = kUnfilterRows;
     const uint64_t longest = 1 + file.header.RowBytes(file.header.width);
     const uint64_t blockRows = kGroup * longest <= kLargestBlock ? std::max(kGroup, kBlock / longest / kGroup * kGroup)
                                                                  : std::max<uint64_t>(1, kBlock / longest);
@@ -336,12 +337,12 @@ void Separate(const uint8_t* bytes, uint32_t width, const Pass& pass, const std:
             for (size_t band = 0; band < kBands; ++band)
                 out[band][x * step] = SampleAt<Sample>(bytes + (x * kSamples + band) * sizeof(Sample));
     };
-    if (sizeof(Sample) == 1 && kSamples == 1 && pass.dx == 1)
-        std::memcpy(out[0], bytes, width);
-    else if (pass.dx == 1)
-        copy(1);
-    else
-        copy(pass.dx);
+    if constexpr (sizeof(Sample) == 1 && kSamples == 1) {
+        if (pass.dx == 1) return void(std::memcpy(out[0], bytes, width));
+    } else if constexpr (sizeof(Sample) == 1 && kSamples == 3) {
+        if (pass.dx == 1) return Choose(kSplitColours)(bytes, width, out[0], out[1], out[2]);
+    }
+    pass.dx == 1 ? copy(1) : copy(pass.dx);
 }
 
 template <class Sample>
