@@ -150,7 +150,7 @@ TEST_F(ImageFiles, RefusedSavesLeaveTheOldFileAsItWas) {
         ImageFileFormat format;
         std::string text;
     } cases[] = {{Image(), "old.png", IFF_PNG, "no image."},
-                 {NewImage<uint8_t>(1, 1), "old.jpeg", IFF_ByExtension, "unknown file format."},
+                 {NewImage<uint8_t>(1, 1), "old.doc", IFF_ByExtension, "unknown file format."},
                  {NewImage<uint16_t>(1, 1), "old.png", IFF_BMP, "the format holds 8-bit images only."},
                  {NewImage<float>(1, 1), "old.png", IFF_PNG, types},
                  {NewImage<uint32_t>(1, 1), "old.png", IFF_PGM, types},
