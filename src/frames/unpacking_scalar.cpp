@@ -6,7 +6,7 @@ namespace {
 
 template <Packing kPacking>
 unsigned SampleOf(const uint8_t* group, size_t k) {
-    const auto word = [&](size_t byte) { return unsigned{group[byte]} + 256u * group[byte + 1]; };
+    const auto word = [&](size_t at) { return unsigned{group[at]} + 256u * group[at + 1]; };
     switch (kPacking) {
         case Packing::Words10:
             return word(0) & 0x3ff;
