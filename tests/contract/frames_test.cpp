@@ -111,8 +111,8 @@ TEST(ImageFrames, RefusalsLeaveTheImageAsItWas) {
         refused("the buffer is shorter than the frame.", [&](SFrame& f) { f.m_llSize = size; });
     refused("the buffer is shorter than the frame.", [&](SFrame& f) { f.m_lRowPitch = 5; });
     refused("the buffer is shorter than the frame.", [](SFrame& f) {
-        f.m_lRowPitch = kMost, f.m_lHeight = 1 << 28, f.m_lPixelFormat = PF_RGB8_Planar, f.m_lWidth = 1;
-        f.m_llSize = (LONGLONG{kMost} * 3 << 28) - kMost;
+        f.m_lRowPitch = kMost, f.m_lHeight = 1 << 26, f.m_lPixelFormat = PF_RGB8_Planar, f.m_lWidth = 1;
+        f.m_llSize = (LONGLONG{kMost} * 3 << 26) - kMost;
     });
 
     Pages pages(3);

@@ -227,8 +227,10 @@ TEST_F(Formats, QualityDecidesTheSizeOfJpegFiles) {
     for (const char* quality : {"20", "90", "99"})
         EXPECT_EQ(kDone, Orlix({"convert", "a.png", quality + ".jpg"s, "--quality", quality}).code);
     EXPECT_EQ(kDone, Orlix("convert a.png usual.jpg").code);
+#ifndef _WIN32  // there the system writes them, and Wine's takes no notice of the quality
     EXPECT_LT(2 * std::filesystem::file_size("20.jpg"), std::filesystem::file_size("90.jpg"));
     EXPECT_LT(std::filesystem::file_size("90.jpg"), std::filesystem::file_size("99.jpg"));
+#endif
     EXPECT_EQ(ReadFile("90.jpg"), ReadFile("usual.jpg"));
 }
 
