@@ -10,7 +10,6 @@
 namespace orlix {
 namespace {
 
-constexpr uint32_t kCoreHeader = 12;
 constexpr uint32_t kInfoHeader = 40;
 constexpr uint32_t kHeaderWithMasks = 52;  // and all longer ones, except:
 constexpr uint32_t kOs2Header = 64;        // OS/2 2.x: other fields in the place of the masks
