@@ -67,8 +67,8 @@ set(generated ${PROJECT_BINARY_DIR}/libtiff)
 orlix_configure_tiff(${generated})
 
 set(files "")
-foreach(part aux close codec color compress dir dirinfo dirread dirwrite dumpmode error extension flush getimage hash_set
-        lzw open packbits predict print read strip swab tile version warning win32 write zip)
+foreach(part aux close codec color compress dir dirinfo dirread dirwrite dumpmode error extension flush getimage
+        hash_set lzw open packbits predict print read strip swab tile version warning win32 write zip)
     list(APPEND files ${source}/tif_${part}.c)
 endforeach()
 add_library(orlix_tiff STATIC EXCLUDE_FROM_ALL ${files})

@@ -13,11 +13,15 @@ const uint8_t* RowOf(const DibView& dib, int32_t y) {
     return dib.pixels.data() + dib.layout.stride * static_cast<uint64_t>(dib.layout.StoredRow(y));
 }
 
-// Run lengths, a command of two bytes at a time.
+// Run lengths, a command of two bytes at a time. Runs may go on into the pixels that fill a row to whole words of 32
+// bits: some writers encode rows with their padding.
 class RunReader {
 public:
     RunReader(const DibView& dib, const TakeIndices& take)
-        : layout_(dib.layout), take_(take), bytes_(dib.pixels), row_(static_cast<size_t>(layout_.width)) {}
+        : layout_(dib.layout), take_(take), bytes_(dib.pixels), width_(static_cast<size_t>(layout_.width)) {
+        const size_t inWord = 32 / layout_.bits;
+        row_.resize((width_ + inWord - 1) / inWord * inWord);
+    }
 
     void Read() {
         while (!Complete()) {
@@ -44,7 +48,7 @@ public:
 private:
     static constexpr uint8_t kEndOfRow = 0, kEndOfImage = 1, kMove = 2;
 
-    bool Complete() const { return stored_ == layout_.height || (stored_ == layout_.height - 1 && x_ == row_.size()); }
+    bool Complete() const { return stored_ == layout_.height || (stored_ == layout_.height - 1 && x_ >= width_); }
     const uint8_t* Next(size_t n) {
         if (n > bytes_.size()) throw DibFailure(DibFault::TooShort);
         const uint8_t* const next = bytes_.data();
@@ -79,6 +83,7 @@ private:
     const DibLayout& layout_;
     const TakeIndices& take_;
     std::span<const uint8_t> bytes_;
+    size_t width_;
     std::vector<uint8_t> row_;
     int32_t stored_ = 0;  // rows that are complete
     size_t x_ = 0;

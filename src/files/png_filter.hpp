@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "vectors/inline.hpp"
 #include "vectors/variants.hpp"
 
 namespace orlix::png {
@@ -16,7 +17,7 @@ constexpr uint8_t kFilters = 5;
 // With low = min(a, b) and high = max(a, b), that is: high if c lies below low or is at least twice as near to low as
 // to high; low if c lies above high or is at least twice as near to high; c otherwise. Both conditions are linear in t
 // = 3 c - (a + b). This form compiles to conditional moves, which matters because each byte waits for the one before.
-constexpr uint8_t Paeth(int a, int b, int c) {
+ORLIX_INLINE constexpr uint8_t Paeth(int a, int b, int c) {
     const int low = a < b ? a : b;
     const int high = a < b ? b : a;
     const int t = 3 * c - (a + b);
@@ -25,7 +26,7 @@ constexpr uint8_t Paeth(int a, int b, int c) {
 }
 
 // The prediction of a byte, by its definition.
-constexpr uint8_t Predict(Filter filter, int a, int b, int c) {
+ORLIX_INLINE constexpr uint8_t Predict(Filter filter, int a, int b, int c) {
     switch (filter) {
         case kSub:
             return static_cast<uint8_t>(a);

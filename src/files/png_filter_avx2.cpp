@@ -2,23 +2,17 @@
 
 #include "files/png_filter.hpp"
 #include "files/png_filter_vectors.hpp"
+#include "vectors/lanes_avx2.hpp"
 
 namespace orlix::png {
 namespace {
 
-struct WideBytes {
-    using Vector = __m256i;
-    static constexpr size_t kLanes = 32;
-    static Vector Load(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
-    static void Store(uint8_t* p, Vector v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+struct WideBytes : PixelLanes<uint8_t> {
     static Vector Zero() { return _mm256_setzero_si256(); }
     static Vector One() { return _mm256_set1_epi8(1); }
-    static Vector All(uint8_t byte) { return _mm256_set1_epi8(static_cast<char>(byte)); }
     static Vector Add(Vector a, Vector b) { return _mm256_add_epi8(a, b); }
     static Vector AddSaturated(Vector a, Vector b) { return _mm256_adds_epu8(a, b); }
     static Vector Sub(Vector a, Vector b) { return _mm256_sub_epi8(a, b); }
-    static Vector Min(Vector a, Vector b) { return _mm256_min_epu8(a, b); }
-    static Vector Max(Vector a, Vector b) { return _mm256_max_epu8(a, b); }
     static Vector Equal(Vector a, Vector b) { return _mm256_cmpeq_epi8(a, b); }
     static Vector And(Vector a, Vector b) { return _mm256_and_si256(a, b); }
     static Vector Or(Vector a, Vector b) { return _mm256_or_si256(a, b); }

@@ -2,23 +2,17 @@
 
 #include "files/png_filter.hpp"
 #include "files/png_filter_vectors.hpp"
+#include "vectors/lanes_sse2.hpp"
 
 namespace orlix::png {
 namespace {
 
-struct Bytes {
-    using Vector = __m128i;
-    static constexpr size_t kLanes = 16;
-    static Vector Load(const uint8_t* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-    static void Store(uint8_t* p, Vector v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+struct Bytes : PixelLanes<uint8_t> {
     static Vector Zero() { return _mm_setzero_si128(); }
-    static Vector All(uint8_t byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
     static Vector One() { return _mm_set1_epi8(1); }
     static Vector Add(Vector a, Vector b) { return _mm_add_epi8(a, b); }
     static Vector AddSaturated(Vector a, Vector b) { return _mm_adds_epu8(a, b); }
     static Vector Sub(Vector a, Vector b) { return _mm_sub_epi8(a, b); }
-    static Vector Min(Vector a, Vector b) { return _mm_min_epu8(a, b); }
-    static Vector Max(Vector a, Vector b) { return _mm_max_epu8(a, b); }
     static Vector Equal(Vector a, Vector b) { return _mm_cmpeq_epi8(a, b); }
     static Vector And(Vector a, Vector b) { return _mm_and_si128(a, b); }
     static Vector Or(Vector a, Vector b) { return _mm_or_si128(a, b); }

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "process/frame.hpp"
+
 namespace orlix {
 
 ImageSettings SettingsOf(DisplayedImage& image) {

@@ -253,8 +253,10 @@ TEST(AnyBmp, RunLengthsAreExpanded) {
         {"a move to the right", 8, 4, 1, {1, 5, 0, 2, 2, 0, 1, 6}, {5, 0, 0, 6}},
         {"a move up", 8, 3, 3, {1, 5, 0, 2, 1, 2, 1, 6, 0, 1}, {0, 0, 6, 0, 0, 0, 5, 0, 0}},
         {"a move behind the last row", 8, 1, 2, {1, 5, 0, 2, 0, 2}, {0, 5}},
+        {"rows with their padding", 8, 3, 2, {4, 5, 0, 0, 4, 6, 0, 0, 0, 1}, {6, 6, 6, 5, 5, 5}},
         {"4 bits, two colours in turn", 4, 5, 1, {5, 0x1F}, {1, 15, 1, 15, 1}},
         {"4 bits, copied in whole words", 4, 7, 1, {0, 5, 0x12, 0x34, 0x50, 99, 2, 0x67}, {1, 2, 3, 4, 5, 6, 7}},
+        {"4 bits, a row with its padding", 4, 3, 1, {8, 0x12}, {1, 2, 1}},
         {"4 bits, a copy whose bytes are even", 4, 5, 1, {0, 4, 0x12, 0x34, 1, 0x90}, {1, 2, 3, 4, 9}},
     };
     for (const auto& [name, bits, width, height, runs, levels] : cases) {
@@ -296,9 +298,9 @@ TEST(AnyBmp, WhatIsWrongIsNamedAndTheSinkNotBegun) {
         {tooShort, {.width = 3, .bits = 24, .rows = Bytes(8)}},
         {tooShort, {.width = 33, .bits = 1, .rows = Bytes(4)}},
         {tooShort, {.width = INT32_MAX, .height = INT32_MAX, .bits = 32, .rows = Bytes(4)}},
-        {leaves, runs(3, 1, {4, 7})},
-        {leaves, runs(3, 1, {1, 7, 0, 3, 1, 2, 3, 0})},
-        {leaves, runs(3, 2, {0, 2, 4, 0, 1, 7})},
+        {leaves, runs(3, 1, {5, 7})},
+        {leaves, runs(3, 1, {2, 7, 0, 3, 1, 2, 3, 0})},
+        {leaves, runs(3, 2, {0, 2, 5, 0, 1, 7})},
         {leaves, runs(3, 2, {0, 2, 0, 3})},
         {tooShort, runs(3, 2, {3, 7})},
         {tooShort, runs(3, 1, {0, 3, 1, 2})},

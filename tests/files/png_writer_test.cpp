@@ -143,8 +143,7 @@ TEST(PngWriter, FewerSignificantBitsAreScaledForOtherProgramsAndComeBack) {
         for (size_t value = 0; value < scaled.size(); ++value)
             EXPECT_NEAR(static_cast<double>(value) * factor, scaled[value], 0.999) << bits << " of " << depth;
         // A sample beyond them: nothing is scaled.
-        (depth == 8 ? image.bytes[0] : reinterpret_cast<uint8_t&>(image.words[0])) = 0xFF;
-        if (depth == 16) image.words[0] = 0xFFFF;
+        depth == 8 ? void(image.bytes[0] = 0xFF) : void(image.words[0] = 0xFFFF);
         EXPECT_TRUE(Read(Written(IFF_PNG, image)).SamePixels(image));
     }
 }

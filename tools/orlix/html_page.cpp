@@ -36,8 +36,8 @@ figure img{display:block;width:100%;height:auto;border-radius:6px;border:1px sol
 figcaption{color:var(--muted);font-size:13px;margin-top:7px}
 .key{display:inline-block;width:11px;height:11px;border-radius:3px;margin-right:6px;vertical-align:-1px}
 svg.histogram,svg.profile,svg.map{display:block;width:100%;height:auto}
-svg text{
-font:12.5px system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",Arial,"Liberation Sans",sans-serif;fill:var(--ink)}
+svg text{fill:var(--ink);
+font:12.5px system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",Arial,"Liberation Sans",sans-serif}
 svg .tick,svg .axis{fill:var(--muted);font-size:12px}
 svg .chosen{fill:var(--accent);font-weight:700}
 table{border-collapse:collapse;width:100%;font-variant-numeric:tabular-nums}
