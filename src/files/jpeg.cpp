@@ -21,6 +21,7 @@ namespace {
 using namespace std::string_view_literals;
 
 [[noreturn]] void BadJpeg(const char* text) { throw Failure(text, DISP_E_EXCEPTION); }
+constexpr auto kJpegTooShort = "IImageVPAEx::CreateFromJpeg: the file is too short for its image.";
 [[noreturn]] void BadJpegHeader() { BadJpeg("IImageVPAEx::CreateFromJpeg: problems reading jpeg header"); }
 
 constexpr uint8_t kJpegStart = 0xD8, kJpegEnd = 0xD9, kJpegScan = 0xDA, kJpegComment = 0xFE;
@@ -31,6 +32,8 @@ constexpr auto kJfif = "JFIF\0"sv, kExif = "Exif\0\0"sv, kPrivate = "Orlix\0"sv;
 constexpr size_t kLargestSegment = 0xFFFF - 2;
 
 // ------------------------------------------------------------------------------------------------------------ segments
+
+bool IsRestart(uint8_t marker) { return (marker & 0xF8) == 0xD0; }
 
 struct JpegSegment {
     uint8_t marker = 0;
@@ -47,7 +50,7 @@ JpegSegment SegmentAt(std::span<const uint8_t> bytes, size_t at) {
     if (bytes[at] != 0xFF) BadJpegHeader();
     while (bytes[at + 1] == 0xFF) need(++at + 2);  // fill bytes
     const uint8_t marker = bytes[at + 1];
-    const bool alone = marker == 0x01 || (marker >= 0xD0 && marker <= kJpegEnd);
+    const bool alone = marker == 0x01 || IsRestart(marker) || marker == kJpegStart || marker == kJpegEnd;
     if (alone) return {marker, {}, at + 2};
     need(at + 4);
     const size_t size = BigEndian16(&bytes[at + 2]);
@@ -71,6 +74,7 @@ struct JpegHeader {
     std::span<const uint8_t> jfif, exif;
     std::vector<uint8_t> kept;  // of the private segments
     WideString comment;
+    size_t end = 0;  // of the segment that begins the first scan
 };
 
 bool IsFrame(uint8_t marker) {
@@ -94,7 +98,10 @@ JpegHeader ReadJpegHeader(std::span<const uint8_t> bytes) {
     for (size_t at = 2;;) {
         const JpegSegment segment = SegmentAt(bytes, at);
         at = segment.end;
-        if (segment.marker == kJpegScan) break;
+        if (segment.marker == kJpegScan) {
+            header.end = at;
+            break;
+        }
         if (segment.marker == kJpegStart || segment.marker == kJpegEnd) BadJpegHeader();
         if (IsFrame(segment.marker)) {
             ReadFrame(segment, header);
@@ -112,6 +119,29 @@ JpegHeader ReadJpegHeader(std::span<const uint8_t> bytes) {
     }
     if (header.size.width == 0) BadJpegHeader();
     return header;
+}
+
+[[noreturn]] void BadJpegPixels() { BadJpeg("IImageVPAEx::CreateFromJpeg: problems reading jpeg pixels"); }
+
+// Goes from the first scan's data to the end marker. What was cut off has none, which not every codec tells. Every scan
+// of a progressive file passes over all of the image, however short the scan: a small file could take minutes.
+void RequireJpegEnd(std::span<const uint8_t> bytes, size_t at) {
+    constexpr int kMostScans = 100;
+    for (int scans = 1; scans <= kMostScans;) {
+        const auto escape = std::find(bytes.begin() + static_cast<ptrdiff_t>(at), bytes.end(), uint8_t{0xFF});
+        at = static_cast<size_t>(escape - bytes.begin());
+        if (at + 2 > bytes.size()) BadJpeg(kJpegTooShort);
+        const uint8_t marker = bytes[at + 1];
+        if (marker == kJpegEnd) return;
+        if (marker == kJpegScan) ++scans;
+        if (marker == 0xFF)
+            ++at;  // a fill byte
+        else if (marker == 0 || IsRestart(marker))
+            at += 2;  // is data
+        else
+            at = SegmentAt(bytes, at).end;
+    }
+    BadJpegPixels();
 }
 
 // The resolution of the header: version, unit (1: inch, 2: centimetre), then pixels in it.
@@ -136,8 +166,6 @@ void ReadJpegKept(const JpegHeader& header, FileProperties& properties) {
     if (!kept.hasDescription && !header.comment.empty()) kept.Keep({WideString(kDescriptionKeyword), header.comment});
     KeepTexts(exif, kept);
 }
-
-[[noreturn]] void BadJpegPixels() { BadJpeg("IImageVPAEx::CreateFromJpeg: problems reading jpeg pixels"); }
 
 bool IsGreyJpeg(std::span<const uint8_t> bytes, const JpegSize& size) {
     bool grey = true;
@@ -248,7 +276,8 @@ FileProperties ReadJpeg(std::span<const uint8_t> bytes, PixelSink& sink, const R
     // the most, whatever the sampling factors.
     constexpr uint64_t kMostPixels = 4 * 8 * 64;  // for a byte
     if (static_cast<uint64_t>(size.width) * static_cast<uint64_t>(size.height) > kMostPixels * bytes.size())
-        BadJpeg("IImageVPAEx::CreateFromJpeg: the file is too short for its image.");
+        BadJpeg(kJpegTooShort);
+    RequireJpegEnd(bytes, header.end);
     RequireWithin(options.limit, size.width, size.height, 1);
 
     FileProperties properties;

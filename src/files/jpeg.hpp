@@ -21,9 +21,9 @@ bool LooksLikeJpeg(std::span<const uint8_t> bytes) noexcept;
 //   "IImageVPAEx::CreateFromJpeg: problems reading jpeg header"
 //   "IImageVPAEx::CreateFromJpeg: the kind of compression is not supported."    lossless, arithmetic, 12 bits
 //   "IImageVPAEx::CreateFromJpeg: images in CMYK are not supported."            four components
-//   "IImageVPAEx::CreateFromJpeg: the file is too short for its image."
-//   "IImageVPAEx::CreateFromJpeg: problems reading jpeg pixels"    damaged (as far as the system's codec tells); more
-//                                                                  than 100 scans; no codec
+//   "IImageVPAEx::CreateFromJpeg: the file is too short for its image."         also without its end marker
+//   "IImageVPAEx::CreateFromJpeg: problems reading jpeg pixels"    more than 100 scans; damaged (as far as the system's
+//                                                                  codec tells); no codec
 FileProperties ReadJpeg(std::span<const uint8_t> bytes, PixelSink& sink, const ReadOptions& options);
 
 // One band or three of 8 bits, up to 65500 rows and columns. Writes a JFIF header with the resolution in whole pixels

@@ -1,6 +1,7 @@
 #include "files/hand_made_tiff.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 
 namespace orlix::test {

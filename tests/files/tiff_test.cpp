@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 #include "files/hand_made_tiff.hpp"
 #include "files/reading.hpp"

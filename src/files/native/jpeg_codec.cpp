@@ -26,15 +26,12 @@ JpegErrors& ErrorsOf(j_common_ptr info) { return *reinterpret_cast<JpegErrors*>(
 
 [[noreturn]] void Jump(j_common_ptr info) { std::longjmp(ErrorsOf(info).jump, 1); }
 
-// libjpeg goes on after damage, with grey for what is missing. Data that end too early are damage; a missing end marker
-// behind complete data is none, unless more scans could follow.
+// libjpeg goes on after damage, with grey for what is missing.
 void NoteWarning(j_common_ptr info, int level) {
     if (level >= 0) return;
     const int code = info->err->msg_code;
-    const bool harmless =
-        code == JWRN_EXTRANEOUS_DATA || code == JWRN_ADOBE_XFORM || code == JWRN_JFIF_MAJOR ||
-        (code == JWRN_JPEG_EOF && info->is_decompressor && !reinterpret_cast<j_decompress_ptr>(info)->progressive_mode);
-    if (!harmless) ErrorsOf(info).damaged = true;
+    if (code != JWRN_EXTRANEOUS_DATA && code != JWRN_ADOBE_XFORM && code != JWRN_JFIF_MAJOR)
+        ErrorsOf(info).damaged = true;
 }
 
 void Prepare(JpegErrors& errors) {
@@ -42,13 +39,6 @@ void Prepare(JpegErrors& errors) {
     errors.manager.error_exit = &Jump;
     errors.manager.emit_message = &NoteWarning;
     errors.damaged = false;
-}
-
-// Every scan of a progressive file passes over all of the image, however short the scan.
-constexpr int kMostScans = 100;
-
-void CheckScans(j_common_ptr info) {
-    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMostScans) Jump(info);
 }
 
 class JpegDecompressor {
@@ -63,8 +53,6 @@ public:
         if (setjmp(errors_.jump)) return false;
         jpeg_create_decompress(&info_);
         info_.err = &errors_.manager;
-        info_.progress = &progress_;
-        progress_.progress_monitor = &CheckScans;
         jpeg_mem_src(&info_, bytes, static_cast<unsigned long>(size));
         if (jpeg_read_header(&info_, TRUE) != JPEG_HEADER_OK) return false;
         info_.do_block_smoothing = FALSE;  // invents details that progressive files do not hold
@@ -80,7 +68,6 @@ public:
 
 private:
     JpegErrors errors_{};
-    jpeg_progress_mgr progress_{};
     jpeg_decompress_struct info_{};
 };
 
