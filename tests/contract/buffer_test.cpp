@@ -432,7 +432,7 @@ TEST(Buffer, IsCopiedInOnePiece) {
         {tooShort, PackedOf(1, 1, 8, 0, Octets(1024), {})},
         {tooShort, PackedOf(1, 1, 1, 0, Octets(7), {})},
         {tooShort, PackedOf(1, 1, 24, 0, {}, Octets(99), kMost)},
-        {"the run lengths leave the image.", PackedOf(3, 1, 8, 1, Octets(1024), {4, 7})},
+        {"the run lengths leave the image.", PackedOf(3, 1, 8, 1, Octets(1024), {5, 7})},
         {tooShort, PackedOf(3, 1, 8, 1, Octets(1024), {2, 7})}};
     for (const auto& [text, bytes] : refused) EXPECT_TRUE(BufferFails(buffer.Put(bytes), name + text));
     uint8_t byte = 0;

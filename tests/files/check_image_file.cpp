@@ -105,6 +105,7 @@ void CheckWriting(std::span<const uint8_t> bytes) {
     if (narrow && properties.bands == 3) formats = {IFF_TIFF, IFF_PNG, IFF_PAM, IFF_PPM, IFF_PlainPPM};
     if (properties.dataType == DT_Float && (properties.bands == 1 || properties.bands == 3))
         formats = {IFF_TIFF, IFF_PFM};
+    if (properties.dataType == DT_BYTE && (properties.bands == 1 || properties.bands == 3)) formats.push_back(IFF_BMP);
     for (const ImageFileFormat format : formats) {
         MemoryImage back;
         back.properties = ReadImageFile(Written(format, sink.image), back);
