@@ -71,7 +71,7 @@ TEST(FuzzCorpus, TheSeedsAreImagesAndMutationsOfThemBreakNoRule) {
 }
 
 TEST(FuzzCorpus, StreamsAndTheirMutationsBreakNoRule) {
-    ExpectSound(MakeStreamSeeds(), 300, Noise(20250411), [](const Bytes& bytes) {
+    ExpectSound(MakeStreamSeeds(), 80, Noise(20250411), [](const Bytes& bytes) {
         CheckStreamReading(bytes);
         CheckStreamReading(WithSoundPixels(bytes));
     });

@@ -170,9 +170,8 @@ TEST(OtherPrograms, WriteFilesThatTheLibraryReads) {
                                            {"-colors 16 ", {"bmp3:-"}},
                                            {"-type bilevel ", {"bmp3:-", "pam:-"}}})
         for (const char* format : formats) ExpectSeenAlike(make(options + std::string(format)), format, ppm);
-    // Its run lengths cover the padding of rows, too, so the rows have none here.
-    MemoryImage wide = NoiseImage(20, 9, 3, DT_BYTE);
-    ExpectSeenAlike(make("-colors 200 -compress RLE bmp3:-"), "bmp3:-", Written(IFF_PPM, wide));
+    // Its run lengths cover the padding of rows, too.
+    ExpectSeenAlike(make("-colors 200 -compress RLE bmp3:-"), "bmp3:-", ppm);
 }
 
 TEST(OtherPrograms, WriteTextsAndResolutionsThatTheLibraryReads) {

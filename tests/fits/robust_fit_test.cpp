@@ -145,12 +145,10 @@ void ExpectPlainResults(int32_t width, int32_t height, double probability) {
 }
 
 TEST(RobustFit, EqualsThePlainSearch) {
-    for (const double probability : {0.5, 0.8}) {
-        ExpectPlainResults<uint8_t>(7, 5, probability);
-        ExpectPlainResults<uint16_t>(20, 13, probability);
-        ExpectPlainResults<uint32_t>(11, 1, probability);
-        ExpectPlainResults<float>(3, 20, probability);
-    }
+    ExpectPlainResults<uint8_t>(7, 5, 0.5);
+    ExpectPlainResults<uint16_t>(20, 13, 0.7);
+    ExpectPlainResults<uint32_t>(11, 1, 0.8);
+    ExpectPlainResults<float>(3, 20, 0.8);
     ExpectPlainResults<float>(50, 40, 0.9);
     ExpectPlainResults<uint8_t>(70, 61, 0.9);
     for (const int32_t few : {1, 2, 3, 5, 7, 9, 10}) ExpectPlainResults<uint8_t>(few, 1, 0.7);
