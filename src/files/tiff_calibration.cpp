@@ -5,6 +5,8 @@
 #include <cmath>
 #include <string>
 
+#include "text/encoding.hpp"
+
 namespace orlix {
 namespace {
 
@@ -74,7 +76,11 @@ std::optional<std::string_view> PixelsElement(std::string_view description) {
     // The element may have a prefix ("OME:OME", "ome:Pixels").
     if (description.substr(0, 4096).find("OME") == std::string_view::npos) return std::nullopt;
     for (auto rest = Behind(description, "Pixels"); rest; rest = Behind(*rest, "Pixels"))
-        if (rest->find_first_of(kBlanks) == 0) return rest->substr(0, rest->find('>'));
+        if (rest->find_first_of(kBlanks) == 0) {
+            const size_t end = rest->find('>');
+            if (end == std::string_view::npos) return std::nullopt;  // an attribute may be cut off
+            return rest->substr(0, end);
+        }
     return std::nullopt;
 }
 
@@ -95,9 +101,9 @@ std::optional<PixelSize> Both(std::optional<double> x, std::optional<double> y, 
     return PixelSize{*x, *y, from};
 }
 
-std::string_view DescriptionOf(const TiffDirectory& directory) {
-    const auto bytes = directory.Find(tiff::kImageDescription, tiff::kAscii);
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+// As it is kept: what is found in it is found again when it has been written.
+std::string DescriptionOf(const TiffDirectory& directory) {
+    return ToUtf8Bytes(directory.Text(tiff::kImageDescription));
 }
 
 }  // namespace
@@ -145,7 +151,8 @@ std::optional<PixelSize> FindResolution(const TiffDirectory& directory, const ch
 }
 
 std::optional<PixelSize> FindPixelSize(const TiffDirectory& directory, const char* name) {
-    if (const auto pixels = PixelsElement(DescriptionOf(directory)))
+    const std::string description = DescriptionOf(directory);
+    if (const auto pixels = PixelsElement(description))
         if (const auto size = Both(PhysicalSize(*pixels, "PhysicalSizeX", "PhysicalSizeXUnit"),
                                    PhysicalSize(*pixels, "PhysicalSizeY", "PhysicalSizeYUnit"), "OME PhysicalSizeX"))
             return size;

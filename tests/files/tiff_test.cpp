@@ -207,7 +207,7 @@ TEST(Tiff, TheSizeOfAPixelComesFromTheMostExactSource) {
         {"OME",
          with(resolution(3, r4, r8),
               "<?xml version='1.0'?><OME xmlns='x'><Image ID='PhysicalSizeX=\"3\"'><Pixels\n"
-              "SizeX=\"4\" PhysicalSizeX = \"0.1\" XPhysicalSizeY=\"3\" PhysicalSizeY='0.2'"),
+              "SizeX=\"4\" PhysicalSizeX = \"0.1\" XPhysicalSizeY=\"3\" PhysicalSizeY='0.2'>"),
          0.1, 0.2, "OME PhysicalSizeX"},
         {"OME, units",
          with({},
@@ -216,6 +216,10 @@ TEST(Tiff, TheSizeOfAPixelComesFromTheMostExactSource) {
          0.1, 2, "OME PhysicalSizeX"},
         {"OME, micro sign", with({}, "<OME:OME><OME:Pixels PhysicalSizeXUnit=\"\xC2\xB5m\" PhysicalSizeX=\"0.5\">"),
          0.5, 0.5, "OME PhysicalSizeX"},
+        {"OME, Latin-1", with({}, "<OME><Pixels PhysicalSizeXUnit='\xC5' PhysicalSizeX='20'>"), 0.002, 0.002,
+         "OME PhysicalSizeX"},
+        {"OME, cut off", with(resolution(3, r4, r8), "<OME><Pixels PhysicalSizeX='20' PhysicalSizeXUnit='n"), 2500,
+         1250, tiff},
         {"OME, no size", with(resolution(3, r4, r8), "<OME><Pixels PhysicalSizeX=\"-1\" PhysicalSizeY=\"nan\">"), 2500,
          1250, tiff},
     };

@@ -1,6 +1,7 @@
 // The fuzzer of a reader: ORLIX_FORMAT is png, bmp, pnm, tiff, jpeg or stream.
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <string_view>
 
 #include "files/corpus.hpp"
@@ -26,6 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::copy_n(signature.begin(), std::min(signature.size(), size), file.begin());
     if (kFormat == "png") file = WithRightChecksums(file);
     CheckReading(file);
-    if (kFormat == "png" || kFormat == "pnm" || kFormat == "tiff") CheckWriting(file);
+    // Writing takes some ten times as long: one file in eight.
+    const bool writes = std::accumulate(file.begin(), file.end(), size_t{0}) % 8 == 0;
+    if (writes && kFormat != "jpeg") CheckWriting(file);
     return 0;
 }
