@@ -16,7 +16,7 @@ inline void Rule(bool holds, const char* rule) {
     if (!holds) throw std::logic_error(rule);
 }
 
-constexpr int32_t kMostSamples = 1 << 24;
+constexpr int32_t kMostSamples = 1 << 14;
 
 // Both throw std::logic_error with the rule that is broken. Images of more than kMostSamples are not looked at.
 //  (1) A reader gives an image, or a Failure whose text names the reader and whose result is DISP_E_EXCEPTION.
