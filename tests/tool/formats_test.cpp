@@ -84,6 +84,33 @@ TEST_F(Formats, FilesWithoutAHeaderAreReadAsTheCommandLineSays) {
     }
 }
 
+TEST_F(Formats, ThePagesOfATiffFileAreChosenByNumber) {
+    const auto little = [](uint32_t value, int bytes) {
+        std::string text;
+        for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> 8 * i);
+        return text;
+    };
+    // One pixel each, 5 and 9, behind the header.
+    std::string file = "II*" + little(0, 1) + little(10, 4) + "\5\11";
+    for (uint32_t page = 0; page < 2; ++page) {
+        file += little(9, 2);
+        for (const auto& [tag, value] : std::vector<std::pair<uint32_t, uint32_t>>{
+                 {256, 1}, {257, 1}, {258, 8}, {259, 1}, {262, 1}, {273, 8 + page}, {277, 1}, {278, 1}, {279, 1}})
+            file += little(tag, 2) + little(4, 2) + little(1, 4) + little(value, 4);
+        file += little(page == 0 ? static_cast<uint32_t>(file.size()) + 4 : 0, 4);
+    }
+    WriteFile(Path("pages.tif"), file);
+    for (int page = 0; page < 2; ++page) {
+        const Words words = {"--page", std::to_string(page)};
+        EXPECT_EQ(2, ImageOf(Words("info pages.tif") + words)["pages"]);
+        EXPECT_EQ(kDone, Orlix(Words("convert pages.tif a.pgm") + words).code);
+        EXPECT_THAT(Levels("a.pgm"), ElementsAre(page == 0 ? 5 : 9));
+    }
+    const Result result = Orlix("convert pages.tif a.pgm --page 2");
+    EXPECT_EQ(kFailed, result.code);
+    EXPECT_THAT(result.err, HasSubstr("IImageFile::LoadFromFile: the file has no such page."));
+}
+
 TEST_F(Formats, LevelsAreSpreadBetweenAllTypes) {
     WriteFile(Path("f"), "\0\0\x80\x3f\0\0\xc0\x7f\0\0\x80\x40\0\0\x40\x40\0\0\x80\xff"s);  // 1, NaN, 4, 3, -infinity
     const Words raw = {"--raw", "5x1:f32le"};
