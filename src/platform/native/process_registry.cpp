@@ -19,8 +19,11 @@ WideString Below(WideStringView key) { return WideString(key) + u'\\'; }
 }  // namespace
 
 bool ProcessRegistry::IgnoringCase::operator()(WideStringView a, WideStringView b) const noexcept {
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [](OLECHAR x, OLECHAR y) { return Folded(x) < Folded(y); });
+    // Most characters are equal in the same case: paths begin alike.
+    const size_t shared = std::min(a.size(), b.size());
+    for (size_t i = 0; i < shared; ++i)
+        if (a[i] != b[i] && Folded(a[i]) != Folded(b[i])) return Folded(a[i]) < Folded(b[i]);
+    return a.size() < b.size();
 }
 
 ProcessRegistry& ProcessRegistry::OfThisProcess() {
