@@ -1,6 +1,8 @@
 // Logic of bytes for any vector type. Included by the files of one instruction set each, after its BitLanes.
 #pragma once
 
+#include <cstring>
+
 #include "binary/logic_kernels.hpp"
 #include "vectors/bit_lanes.hpp"
 
@@ -44,38 +46,61 @@ ORLIX_INLINE void CombineBytes(uint8_t* to, const uint8_t* with, size_t bytes) {
 
 template <class Lanes>
 ORLIX_INLINE void MoveRowsOf(const MovedRows& rows) {
+    using Vector = typename Lanes::Vector;
+    using Seam = typename Lanes::Seam;
     constexpr auto k = static_cast<ptrdiff_t>(Lanes::kBytes);
-    const ptrdiff_t bytes = rows.bytes, skipped = rows.skipped;
+    const ptrdiff_t bytes = rows.bytes, skipped = rows.skipped, rowBytes = rows.rowBytes;
     const int bits = rows.bits;
-    // Bytes to which two move, neither of them the last; those at the ends take the rest of the first or last.
-    const ptrdiff_t first = skipped < 0 ? 0 : skipped + 1, end = skipped <= 0 ? bytes + skipped - 1 : bytes;
+    const uint8_t lastMask = rows.lastMask;
+    // Bytes to which whole ones move, and into the first of them background, if the first of the row does.
+    const ptrdiff_t first = skipped < 0 ? 0 : skipped,
+                    end = skipped > 0 || (skipped == 0 && lastMask == 0xff) ? bytes : bytes + skipped - 1;
     for (int32_t y = 0; y < rows.count; ++y) {
-        const uint8_t* const from = rows.from + y * rows.rowBytes;
-        uint8_t* const to = rows.to + y * rows.rowBytes;
+        const uint8_t* const from = rows.from + y * rowBytes;
+        uint8_t* const to = rows.to + y * rowBytes;
         const auto move = [&](ptrdiff_t i) {
             const auto at = [&](ptrdiff_t n) {
-                return n < 0 || n >= bytes ? 0u : n + 1 == bytes ? unsigned{from[n]} & rows.lastMask : from[n];
+                return n < 0 || n >= bytes ? 0u : n + 1 == bytes ? unsigned{from[n]} & lastMask : from[n];
             };
             to[i] = static_cast<uint8_t>(at(i - skipped) >> bits | at(i - skipped - 1) << (8 - bits));
         };
-        const auto some = [&](ptrdiff_t i, ptrdiff_t n) __attribute__((always_inline)) {
-            const auto count = static_cast<size_t>(n);
-            const auto before = Lanes::LoadSome(from + i - skipped - 1, count);
-            Lanes::StoreSome(to + i, Lanes::Right(before, Lanes::LoadSome(from + i - skipped, count), bits), count);
+        const auto vector = [&](ptrdiff_t i) __attribute__((always_inline)) {
+            const Vector before = Lanes::Load(from + (i - skipped - 1));
+            Lanes::Store(to + i, Lanes::Right(before, Lanes::Load(from + (i - skipped)), bits));
         };
-        // A few bytes first, so that the vectors written lie within cache lines.
-        ptrdiff_t i = first;
-        if (end - first >= 4 * k) {
-            i += static_cast<ptrdiff_t>((0 - reinterpret_cast<uintptr_t>(to + first)) % Lanes::kBytes);
-            some(first, i - first);
+        const auto begin = [&]() __attribute__((always_inline)) {
+            if (skipped < 0) return vector(0);
+            const Vector v = Lanes::Load(from);
+            const Vector before = Lanes::template BytesBehind<1>(Seam(Lanes::All(0), v), v);
+            Lanes::Store(to + first, Lanes::Right(before, v, bits));
+        };
+        if (end - first > k) {
+            // Vectors within cache lines; the first and the last one overlap them. Rows that are visited upwards are
+            // moved from their end on: memory that is read in one direction is fetched in time.
+            const ptrdiff_t start =
+                first + k - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(to + first) % Lanes::kBytes);
+            const ptrdiff_t whole = (end - start) / k;
+            if (rowBytes < 0) {
+                vector(end - k);
+                for (ptrdiff_t n = whole; n-- > 0;) vector(start + n * k);
+                begin();
+            } else {
+                begin();
+                for (ptrdiff_t n = 0; n < whole; ++n) vector(start + n * k);
+                vector(end - k);
+            }
+        } else if (first < end) {
+            const auto count = static_cast<size_t>(end - first - 1);
+            const Vector before = Lanes::LoadSome(from + (first - skipped), count);
+            Lanes::StoreSome(to + first + 1,
+                             Lanes::Right(before, Lanes::LoadSome(from + (first - skipped + 1), count), bits), count);
+            move(first);
         }
-        for (; i + k <= end; i += k) {
-            const auto before = Lanes::Load(from + i - skipped - 1);
-            Lanes::Store(to + i, Lanes::Right(before, Lanes::Load(from + i - skipped), bits));
-        }
-        if (i < end) some(i, end - i);
-        for (ptrdiff_t n = 0; n < first && n < bytes; ++n) move(n);
-        for (ptrdiff_t n = end < first ? first : end; n < bytes; ++n) move(n);
+        if (first > 0) std::memset(to, 0, static_cast<size_t>(first));
+        if (end == bytes) continue;
+        const ptrdiff_t rest = end < 0 ? 0 : end;
+        for (ptrdiff_t i = rest; i < bytes && i < end + 2; ++i) move(i);
+        if (end + 2 < bytes) std::memset(to + end + 2, 0, static_cast<size_t>(bytes - end - 2));
     }
 }
 

@@ -9,8 +9,16 @@
 //     static void StoreSome(p, v, n);             the first n bytes
 //     static Vector And(a, b), Or(a, b), Xor(a, b), AndNot(a, b);       AndNot: a and not b
 //     static Vector And(a, b, c), Or(a, b, c);
+//     static Vector Full(v);                      of each byte all pixels if all are set, else none
+//     static Vector AllBefore(v), AllAfter(v);    pixels for which all before (after) them in their byte are set
+//     struct Seam(a, b);                          what neighbours need of two vectors that follow each other
+//     static Vector BytesAhead<n>(a, seam);       for each byte of a the one n after it, 1 <= n <= 7
+//     static Vector BytesBehind<n>(seam, b);      for each byte of b the one n before it
 //     static Vector Right(before, v, n);          the pixels of v moved to the right by 0 <= n <= 8, those of the bytes
 //                                                 before moving in
+//     static Vector Ordered(v);                   each byte with its pixels in the order of PixelAhead and PixelBehind;
+//                                                 its own inverse
+//     static Vector PixelAhead(a, seam), PixelBehind(seam, b);          for each pixel the one after (before) it
 //     static Vector Words(v);                     each 64-bit word with its pixels in an order in which shifts move
 //                                                 them across bytes; its own inverse
 // and, for vectors of such words:

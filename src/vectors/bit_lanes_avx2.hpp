@@ -39,6 +39,41 @@ struct BitLanes {
         return Or(And(_mm256_srl_epi16(v, _mm_cvtsi32_si128(n)), stay),
                   AndNot(_mm256_sll_epi16(before, _mm_cvtsi32_si128(8 - n)), stay));
     }
+    ORLIX_INLINE static Vector Full(const Vector& v) { return _mm256_cmpeq_epi8(v, All(0xff)); }
+    // The first four pixels of a byte decide, and if they are set the others.
+    ORLIX_INLINE static Vector AllBefore(const Vector& v) {
+        const Vector low = All(0x0f);
+        const __m128i first =
+            _mm_set_epi8(-1, -16, -32, -32, -64, -64, -64, -64, -128, -128, -128, -128, -128, -128, -128, -128);
+        const __m128i rest = _mm_set_epi8(-1, -1, -2, -2, -4, -4, -4, -4, -8, -8, -8, -8, -8, -8, -8, -8);
+        return And(_mm256_shuffle_epi8(_mm256_broadcastsi128_si256(first), And(_mm256_srli_epi16(v, 4), low)),
+                   _mm256_shuffle_epi8(_mm256_broadcastsi128_si256(rest), And(v, low)));
+    }
+    ORLIX_INLINE static Vector AllAfter(const Vector& v) { return Xor(v, _mm256_sub_epi8(v, All(0xff))); }
+    struct Seam {
+        Vector middle;  // the second half of a, the first of b
+        Seam() = default;
+        ORLIX_INLINE Seam(const Vector& a, const Vector& b) : middle(_mm256_permute2x128_si256(a, b, 0x21)) {}
+    };
+    template <int n>
+    ORLIX_INLINE static Vector BytesAhead(const Vector& a, const Seam& seam) {
+        return _mm256_alignr_epi8(seam.middle, a, n);
+    }
+    template <int n>
+    ORLIX_INLINE static Vector BytesBehind(const Seam& seam, const Vector& b) {
+        return _mm256_alignr_epi8(b, seam.middle, 16 - n);
+    }
+    // Sums and means share no units with exchanges of bytes. Twice a byte, and 1 where the highest bit of the next is.
+    ORLIX_INLINE static Vector Ordered(const Vector& v) { return v; }
+    ORLIX_INLINE static Vector PixelAhead(const Vector& a, const Seam& seam) {
+        return _mm256_sub_epi8(_mm256_add_epi8(a, a),
+                               _mm256_cmpgt_epi8(_mm256_setzero_si256(), BytesAhead<1>(a, seam)));
+    }
+    // The mean of an even byte and 255, rounded up, is half of it and 128.
+    ORLIX_INLINE static Vector PixelBehind(const Seam& seam, const Vector& b) {
+        const Vector one = All(1), odd = And(BytesBehind<1>(seam, b), one);
+        return _mm256_avg_epu8(AndNot(b, one), _mm256_cmpeq_epi8(odd, one));
+    }
     // The first pixel becomes the highest bit.
     ORLIX_INLINE static Vector Words(const Vector& v) {
         const __m128i reversed = _mm_set_epi8(8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7);

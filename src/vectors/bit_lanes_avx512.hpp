@@ -38,6 +38,26 @@ struct BitLanes {
         return Select(All(static_cast<uint8_t>(0xff >> n)), _mm512_srl_epi16(v, _mm_cvtsi32_si128(n)),
                       _mm512_sll_epi16(before, _mm_cvtsi32_si128(8 - n)));
     }
+    ORLIX_INLINE static Vector Full(const Vector& v) { return _mm512_movm_epi8(_mm512_cmpeq_epi8_mask(v, All(0xff))); }
+    // A sum carries towards the highest bit, which is the first pixel.
+    ORLIX_INLINE static Vector AllBefore(const Vector& v) { return Words(AllAfter(Words(v))); }
+    ORLIX_INLINE static Vector AllAfter(const Vector& v) { return Xor(v, _mm512_sub_epi8(v, All(0xff))); }
+    struct Seam {
+        Vector next, previous;  // words after those of a, before those of b
+        Seam() = default;
+        ORLIX_INLINE Seam(const Vector& a, const Vector& b) : next(Next(a, b)), previous(Previous(a, b)) {}
+    };
+    template <int n>
+    ORLIX_INLINE static Vector BytesAhead(const Vector& a, const Seam& seam) {
+        return Ahead<8 * n>(a, seam.next);
+    }
+    template <int n>
+    ORLIX_INLINE static Vector BytesBehind(const Seam& seam, const Vector& b) {
+        return Behind<8 * n>(seam.previous, b);
+    }
+    ORLIX_INLINE static Vector Ordered(const Vector& v) { return Words(v); }
+    ORLIX_INLINE static Vector PixelAhead(const Vector& a, const Seam& seam) { return Ahead<1>(a, seam.next); }
+    ORLIX_INLINE static Vector PixelBehind(const Seam& seam, const Vector& b) { return Behind<1>(seam.previous, b); }
     // The first pixel becomes the lowest bit: multiplication with the mirrored unit matrix reverses those of a byte.
     ORLIX_INLINE static Vector Words(const Vector& v) {
         return _mm512_gf2p8affine_epi64_epi8(v, _mm512_set1_epi64(static_cast<long long>(0x8040201008040201)), 0);

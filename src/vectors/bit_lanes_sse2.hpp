@@ -37,6 +37,38 @@ struct BitLanes {
         return Or(And(_mm_srl_epi16(v, _mm_cvtsi32_si128(n)), stay),
                   AndNot(_mm_sll_epi16(before, _mm_cvtsi32_si128(8 - n)), stay));
     }
+    static Vector Full(Vector v) { return _mm_cmpeq_epi8(v, All(0xff)); }
+    // Each pixel that is not set clears those after it.
+    static Vector AllBefore(Vector v) {
+        Vector clear = And(_mm_srli_epi16(Xor(v, All(0xff)), 1), All(0x7f));
+        clear = Or(clear, And(_mm_srli_epi16(clear, 1), All(0x7f)));
+        clear = Or(clear, And(_mm_srli_epi16(clear, 2), All(0x3f)));
+        return Xor(Or(clear, And(_mm_srli_epi16(clear, 4), All(0x0f))), All(0xff));
+    }
+    static Vector AllAfter(Vector v) { return Xor(v, _mm_sub_epi8(v, All(0xff))); }
+    struct Seam {
+        Vector a, b;
+        Seam() = default;
+        Seam(Vector first, Vector second) : a(first), b(second) {}
+    };
+    template <int n>
+    static Vector BytesAhead(Vector a, const Seam& seam) {
+        return Or(_mm_srli_si128(a, n), _mm_slli_si128(seam.b, 16 - n));
+    }
+    template <int n>
+    static Vector BytesBehind(const Seam& seam, Vector b) {
+        return Or(_mm_slli_si128(b, n), _mm_srli_si128(seam.a, 16 - n));
+    }
+    // Twice a byte, and 1 where the highest bit of the next is.
+    static Vector Ordered(Vector v) { return v; }
+    static Vector PixelAhead(Vector a, const Seam& seam) {
+        return _mm_sub_epi8(_mm_add_epi8(a, a), _mm_cmplt_epi8(BytesAhead<1>(a, seam), _mm_setzero_si128()));
+    }
+    // The mean of an even byte and 255, rounded up, is half of it and 128.
+    static Vector PixelBehind(const Seam& seam, Vector b) {
+        const Vector one = All(1), odd = And(BytesBehind<1>(seam, b), one);
+        return _mm_avg_epu8(AndNot(b, one), _mm_cmpeq_epi8(odd, one));
+    }
     // The first pixel becomes the highest bit.
     static Vector Words(Vector v) {
         v = Or(_mm_srli_epi16(v, 8), _mm_slli_epi16(v, 8));
