@@ -5,7 +5,7 @@ namespace orlix {
 
 template <bool dilate, bool eight>
 void Square_avx2(const MorphologyRows& rows, uint8_t* scratch) {
-    SquareRows<BitLanes, dilate, eight>(rows, scratch);
+    Squares<BitLanes, dilate, eight>(rows, scratch);
 }
 template Kernel<SquareFn> Square_avx2<false, false>;
 template Kernel<SquareFn> Square_avx2<false, true>;

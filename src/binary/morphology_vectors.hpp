@@ -47,18 +47,19 @@ struct LastVector {
 };
 
 // Two rows at a time, from left to right: what a vector of them becomes is known when the next one has been read, so
-// rows can be written where they were read. The row above is kept in scratch as it was.
-template <class Lanes, bool dilate, bool eight>
+// rows can be written where they were read. Then the row above is kept in scratch as it was.
+template <class Lanes, bool dilate, bool eight, bool inPlace>
 ORLIX_INLINE void SquareRows(const MorphologyRows& rows, uint8_t* scratch) {
     using Vector = typename Lanes::Vector;
+    using Seam = typename Lanes::Seam;
     constexpr size_t k = Lanes::kBytes;
     constexpr uint8_t kOutside = dilate ? 0x00 : 0xff;
     const size_t full = (rows.bytes - 1) / k * k;
     const LastVector<Lanes, dilate> last(rows.bytes - full, rows.lastMask);
-    uint8_t* const above = scratch;
+    uint8_t* const kept = scratch;
     uint8_t* const nothing = scratch + rows.bytes;
     uint8_t* const unused = scratch + 2 * rows.bytes;
-    std::memset(above, kOutside, 2 * rows.bytes);
+    std::memset(kept, kOutside, 2 * rows.bytes);
 
     // What the pixels of a vector become without their neighbours in the row, and the vector whose neighbours count.
     struct Pending {
@@ -69,57 +70,68 @@ ORLIX_INLINE void SquareRows(const MorphologyRows& rows, uint8_t* scratch) {
         const uint8_t* const first = rows.from + y * rows.fromRow;
         const uint8_t* const second = y + 1 < rows.height ? first + rows.fromRow : nothing;
         const uint8_t* const below = y + 2 < rows.height ? second + rows.fromRow : nothing;
+        const uint8_t* const above = inPlace || y == 0 ? kept : first - rows.fromRow;
         uint8_t* const toFirst = rows.to + y * rows.toRow;
         uint8_t* const toSecond = y + 1 < rows.height ? toFirst + rows.toRow : unused;
 
-        Vector before[2] = {Lanes::All(kOutside), Lanes::All(kOutside)};
-        Pending now[2], next[2];
         const auto read = [&](Pending * to, const Vector& a, const Vector& b, const Vector& c, const Vector& d)
             __attribute__((always_inline)) {
             const Vector middle = Extreme<Lanes, dilate>(b, c);
-            to[0].extreme = Lanes::Words(Extreme<Lanes, dilate>(a, middle));
-            to[1].extreme = Lanes::Words(Extreme<Lanes, dilate>(middle, d));
-            to[0].centre = eight ? to[0].extreme : Lanes::Words(b);
-            to[1].centre = eight ? to[1].extreme : Lanes::Words(c);
+            to[0].extreme = Lanes::Ordered(Extreme<Lanes, dilate>(a, middle));
+            to[1].extreme = Lanes::Ordered(Extreme<Lanes, dilate>(middle, d));
+            to[0].centre = eight ? to[0].extreme : Lanes::Ordered(b);
+            to[1].centre = eight ? to[1].extreme : Lanes::Ordered(c);
         };
         const auto readFull = [&](Pending * to, size_t i) __attribute__((always_inline)) {
             const Vector c = Lanes::Load(second + i);
             read(to, Lanes::Load(above + i), Lanes::Load(first + i), c, Lanes::Load(below + i));
-            Lanes::Store(above + i, c);
+            if (inPlace) Lanes::Store(kept + i, c);
         };
         const auto readLast = [&](Pending * to) __attribute__((always_inline)) {
             const Vector c = last.Load(second + full);
             read(to, last.Load(above + full), last.Load(first + full), c, last.Load(below + full));
-            last.Store(above + full, c);
+            if (inPlace) last.Store(kept + full, c);
         };
-        const auto result = [&](int row, const Vector& after) __attribute__((always_inline)) {
-            const Vector& v = now[row].centre;
-            return Lanes::Words(Extreme<Lanes, dilate>(now[row].extreme,
-                                                       Lanes::template Behind<1>(Lanes::Previous(before[row], v), v),
-                                                       Lanes::template Ahead<1>(v, Lanes::Next(v, after))));
+        const auto result = [&](const Pending& now, const Seam& before, const Seam& after)
+            __attribute__((always_inline)) {
+            return Lanes::Ordered(Extreme<Lanes, dilate>(now.extreme, Lanes::PixelBehind(before, now.centre),
+                                                         Lanes::PixelAhead(now.centre, after)));
         };
-        const auto writeFull = [&](size_t i) __attribute__((always_inline)) {
-            Lanes::Store(toFirst + i, result(0, next[0].centre));
-            Lanes::Store(toSecond + i, result(1, next[1].centre));
+        const Vector outside = Lanes::All(kOutside);
+        Pending now[2];
+        if (full > 0)
+            readFull(now, 0);
+        else
+            readLast(now);
+        Seam before[2] = {Seam(outside, now[0].centre), Seam(outside, now[1].centre)};
+        const auto write = [&](size_t i, const Pending* next) __attribute__((always_inline)) {
+            const Seam after[2] = {Seam(now[0].centre, next[0].centre), Seam(now[1].centre, next[1].centre)};
+            Lanes::Store(toFirst + i, result(now[0], before[0], after[0]));
+            Lanes::Store(toSecond + i, result(now[1], before[1], after[1]));
             for (int row = 0; row < 2; ++row) {
-                before[row] = now[row].centre;
+                before[row] = after[row];
                 now[row] = next[row];
             }
         };
         if (full > 0) {
-            readFull(now, 0);
+            Pending next[2];
             for (size_t i = k; i < full; i += k) {
                 readFull(next, i);
-                writeFull(i - k);
+                write(i - k, next);
             }
             readLast(next);
-            writeFull(full - k);
-        } else {
-            readLast(now);
+            write(full - k, next);
         }
-        last.Store(toFirst + full, result(0, Lanes::All(kOutside)));
-        last.Store(toSecond + full, result(1, Lanes::All(kOutside)));
+        last.Store(toFirst + full, result(now[0], before[0], Seam(now[0].centre, outside)));
+        last.Store(toSecond + full, result(now[1], before[1], Seam(now[1].centre, outside)));
     }
+}
+template <class Lanes, bool dilate, bool eight>
+ORLIX_INLINE void Squares(const MorphologyRows& rows, uint8_t* scratch) {
+    if (rows.from == rows.to)
+        SquareRows<Lanes, dilate, eight, true>(rows, scratch);
+    else
+        SquareRows<Lanes, dilate, eight, false>(rows, scratch);
 }
 
 // A row of vectors, of which the last one ends with it.
@@ -141,6 +153,20 @@ struct RowShape {
         else
             last.Store(row + full, last.Clean(v));
     }
+    // Calls work(i, load) for each vector; load(row) is that of a row.
+    template <class Work>
+    ORLIX_INLINE void ForVectors(const Work& work) const {
+        for (size_t i = 0; i < full; i += Lanes::kBytes) work(i, InRow{i});
+        work(full, AtEnd{*this});
+    }
+    struct InRow {
+        size_t i;
+        ORLIX_INLINE Vector operator()(const uint8_t* row) const { return Lanes::Load(row + i); }
+    };
+    struct AtEnd {
+        const RowShape& shape;
+        ORLIX_INLINE Vector operator()(const uint8_t* row) const { return shape.last.Load(row + shape.full); }
+    };
     // Stores vector(i) for each of the row.
     template <class MakeVector>
     ORLIX_INLINE void ForEach(uint8_t* row, const MakeVector& vector) const {
@@ -149,7 +175,7 @@ struct RowShape {
     }
 };
 
-// Windows of columns of rows whose vectors row(i) gives, each once and from right to left.
+// Windows of columns of rows whose vectors row(i) gives, each once and in order, from left to right or back.
 template <class Lanes, bool dilate>
 class ColumnWindow {
     using Vector = typename Lanes::Vector;
@@ -165,6 +191,8 @@ public:
         while (window.after >= int64_t{1} << steps_) ++steps_;
         if (window.before > 0 && steps_ == 0) steps_ = 1;
         if (window.before > 63 || window.after > 63) steps_ = kLong;
+        if (window.before == window.after && window.after % 8 == 7 && window.after <= 31)
+            steps_ = kBytes + window.after / 8;
         if (steps_ == kLong) {
             // Each between as many set pixels as a window may reach.
             const size_t stride = shape.stride(), words = stride / 64 + 8;
@@ -177,30 +205,106 @@ public:
         }
     }
 
-    template <class Row>
-    ORLIX_INLINE void operator()(const Row& row, uint8_t* to) const {
+    // Whether it takes two rows at a time as well: then row(i, v) gives the vectors of all.
+    bool takesTwo() const { return steps_ >= kBytes; }
+
+    template <size_t count, class Row>
+    ORLIX_INLINE void operator()(const Row& row, uint8_t* const (&to)[count]) const {
         switch (steps_) {
-            case 0:
-                return shape_.ForEach(to, row);
-            case 1:
-                return Steps<1>(row, to);
-            case 2:
-                return Steps<2>(row, to);
-            case 3:
-                return Steps<3>(row, to);
-            case 4:
-                return Steps<4>(row, to);
-            case 5:
-                return Steps<5>(row, to);
-            case 6:
-                return Steps<6>(row, to);
+            case kBytes:
+                return Bytes<0>(row, to);
+            case kBytes + 1:
+                return Bytes<1>(row, to);
+            case kBytes + 2:
+                return Bytes<2>(row, to);
+            case kBytes + 3:
+                return Bytes<3>(row, to);
             default:
-                return Long(row, to);
+                break;
+        }
+        if constexpr (count == 1) {
+            const auto one = [&](size_t i) __attribute__((always_inline)) {
+                Vector v[1];
+                if (i < shape_.full)
+                    row(i, typename Shape::InRow{i}, v);
+                else
+                    row(i, typename Shape::AtEnd{shape_}, v);
+                return v[0];
+            };
+            switch (steps_) {
+                case 0:
+                    return shape_.ForEach(to[0], one);
+                case 1:
+                    return Steps<1>(one, to[0]);
+                case 2:
+                    return Steps<2>(one, to[0]);
+                case 3:
+                    return Steps<3>(one, to[0]);
+                case 4:
+                    return Steps<4>(one, to[0]);
+                case 5:
+                    return Steps<5>(one, to[0]);
+                case 6:
+                    return Steps<6>(one, to[0]);
+                default:
+                    return Long(one, to[0]);
+            }
         }
     }
 
 private:
-    static constexpr int kLong = 7;
+    static constexpr int kLong = 7, kBytes = 8;
+
+    // An erosion, or that of the pixels as they are not. Windows of 8 n + 7 pixels in either direction: of each byte's
+    // pixels all reach over n bytes on both sides, and then as far into the next byte as their place in their own.
+    template <int n, size_t count, class Row>
+    ORLIX_INLINE void Bytes(const Row& row, uint8_t* const (&to)[count]) const {
+        using Seam = typename Lanes::Seam;
+        const Shape shape = shape_;
+        const Vector flip = Lanes::All(dilate ? 0xff : 0x00), outside = Lanes::All(0xff);
+        const auto read = [&](size_t i, const auto& load, Vector(&v)[count]) __attribute__((always_inline)) {
+            row(i, load, v);
+            for (Vector& each : v) each = Lanes::Xor(each, flip);
+        };
+        const auto result = [&](const Seam& before, const Vector& v, const Seam& after) __attribute__((always_inline)) {
+            Vector whole = v;
+            [&]<int... m>(std::integer_sequence<int, m...>) __attribute__((always_inline)) {
+                ((whole = Lanes::And(whole, Lanes::template BytesBehind<m + 1>(before, v),
+                                     Lanes::template BytesAhead<m + 1>(v, after))),
+                 ...);
+            }
+            (std::make_integer_sequence<int, n>());
+            return Lanes::Xor(
+                Lanes::And(Lanes::Full(whole), Lanes::AllAfter(Lanes::template BytesBehind<n + 1>(before, v)),
+                           Lanes::AllBefore(Lanes::template BytesAhead<n + 1>(v, after))),
+                flip);
+        };
+        Vector v[count], next[count];
+        Seam before[count];
+        const typename Shape::AtEnd atEnd{shape};
+        const auto write = [&](size_t i) __attribute__((always_inline)) {
+            for (size_t y = 0; y < count; ++y) {
+                const Seam after(v[y], next[y]);
+                Lanes::Store(to[y] + i, result(before[y], v[y], after));
+                before[y] = after;
+                v[y] = next[y];
+            }
+        };
+        if (shape.full > 0)
+            read(0, typename Shape::InRow{0}, v);
+        else
+            read(0, atEnd, v);
+        for (size_t y = 0; y < count; ++y) before[y] = Seam(outside, v[y]);
+        if (shape.full > 0) {
+            for (size_t i = k; i < shape.full; i += k) {
+                read(i, typename Shape::InRow{i}, next);
+                write(i - k);
+            }
+            read(shape.full, atEnd, next);
+            write(shape.full - k);
+        }
+        for (size_t y = 0; y < count; ++y) shape.Store(to[y], shape.full, result(before[y], v[y], Seam(v[y], outside)));
+    }
 
     // At most 63 pixels in either direction: extremes of 1, 2, 4 ... pixels from each one on, at last of `after` + 1,
     // then those joined with the ones that lie `before` pixels before. What lies behind a vector stays in registers.
@@ -329,34 +433,66 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
     int64_t ends = 0;  // rows of the block before
     for (int64_t block = 0; block - window.after < rows.height; block += length) {
         const int64_t rest = rows.height - block, here = rest < 0 ? 0 : rest < length ? rest : length;
+        const auto rowAt = [&](int64_t i) {
+            return i < here ? rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow : nothing;
+        };
         const uint8_t* next = nothing;
-        for (int64_t i = here - 1; i >= 0; --i) {
-            const uint8_t* const row = rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow;
+        for (int64_t i = here; i > 0;) {  // mostly two at a time: what lies below is read once
+            const uint8_t *const below = next, *const lower = rowAt(--i);
             uint8_t* const end = now + static_cast<size_t>(i) * stride;
-            const uint8_t* const below = next;
-            for (size_t x = 0; x <= shape.full; x += Lanes::kBytes)
-                Lanes::Store(end + x, Extreme<Lanes, dilate>(shape.Load(row, x), Lanes::Load(below + x)));
             next = end;
+            if (i == 0) {
+                shape.ForVectors([&](size_t x, const auto& load) __attribute__((always_inline)) {
+                    Lanes::Store(end + x, Extreme<Lanes, dilate>(load(lower), Lanes::Load(below + x)));
+                });
+                break;
+            }
+            const uint8_t* const upper = rowAt(--i);
+            uint8_t* const upperEnd = end - stride;
+            next = upperEnd;
+            shape.ForVectors([&](size_t x, const auto& load) __attribute__((always_inline)) {
+                const Vector v = Extreme<Lanes, dilate>(load(lower), Lanes::Load(below + x));
+                Lanes::Store(end + x, v);
+                Lanes::Store(upperEnd + x, Extreme<Lanes, dilate>(load(upper), v));
+            });
         }
         std::memset(start, kOutside, stride);
-        for (int64_t i = 0; i < length && block + i - window.after < rows.height; ++i) {
-            const uint8_t* const row =
-                i < here ? rows.from + static_cast<ptrdiff_t>(block + i) * rows.fromRow : nothing;
-            const auto started = [&](size_t x) __attribute__((always_inline)) {
-                const Vector v = Extreme<Lanes, dilate>(Lanes::Load(start + x), shape.Load(row, x));
-                Lanes::Store(start + x, v);
-                return v;
-            };
-            const int64_t y = block + i - window.after;
-            if (y < 0) {
-                for (size_t x = 0; x <= shape.full; x += Lanes::kBytes) started(x);
-                continue;
+        const auto endAt = [&](int64_t i) {
+            return i + 1 < ends ? before + static_cast<size_t>(i + 1) * stride : nothing;
+        };
+        const auto toAt = [&](int64_t i) {
+            return rows.to + static_cast<ptrdiff_t>(block + i - window.after) * rows.toRow;
+        };
+        const int64_t stop = length < rows.height + window.after - block ? length : rows.height + window.after - block;
+        for (int64_t i = 0; i < stop; ++i) {
+            if (block + i < window.after) {
+                const uint8_t* const row = rowAt(i);
+                shape.ForVectors([&](size_t x, const auto& load) __attribute__((always_inline)) {
+                    Lanes::Store(start + x, Extreme<Lanes, dilate>(Lanes::Load(start + x), load(row)));
+                });
+            } else if (columns.takesTwo() && i + 1 < stop) {
+                const uint8_t *const first = rowAt(i), *const second = rowAt(i + 1), *const firstEnd = endAt(i),
+                                     *const secondEnd = endAt(i + 1);
+                columns(
+                    [&](size_t x, const auto& load, Vector(&v)[2]) __attribute__((always_inline)) {
+                        const Vector one = Extreme<Lanes, dilate>(Lanes::Load(start + x), load(first));
+                        const Vector two = Extreme<Lanes, dilate>(one, load(second));
+                        Lanes::Store(start + x, two);
+                        v[0] = Extreme<Lanes, dilate>(one, Lanes::Load(firstEnd + x));
+                        v[1] = Extreme<Lanes, dilate>(two, Lanes::Load(secondEnd + x));
+                    },
+                    {toAt(i), toAt(i + 1)});
+                ++i;
+            } else {
+                const uint8_t *const row = rowAt(i), *const end = endAt(i);
+                columns(
+                    [&](size_t x, const auto& load, Vector(&v)[1]) __attribute__((always_inline)) {
+                        const Vector one = Extreme<Lanes, dilate>(Lanes::Load(start + x), load(row));
+                        Lanes::Store(start + x, one);
+                        v[0] = Extreme<Lanes, dilate>(one, Lanes::Load(end + x));
+                    },
+                    {toAt(i)});
             }
-            const uint8_t* const end = i + 1 < ends ? before + static_cast<size_t>(i + 1) * stride : nothing;
-            columns(
-                [&](size_t x)
-                    __attribute__((always_inline)) { return Extreme<Lanes, dilate>(started(x), Lanes::Load(end + x)); },
-                rows.to + static_cast<ptrdiff_t>(y) * rows.toRow);
         }
         uint8_t* const swap = before;
         before = now;
@@ -387,6 +523,7 @@ ORLIX_INLINE void ThreeRows(const MorphologyRows& rows, const RowShape<Lanes, di
 
 template <class Lanes, bool dilate>
 ORLIX_INLINE void Rectangles(const MorphologyRows& rows, const MorphologyRectangle& window, uint8_t* scratch) {
+    using Vector = typename Lanes::Vector;
     scratch += (0 - reinterpret_cast<uintptr_t>(scratch)) % Lanes::kBytes;
     const RowShape<Lanes, dilate> shape(rows);
     if (window.columns.length() == 1 && window.rows.before == 1 && window.rows.after == 1)
@@ -395,8 +532,8 @@ ORLIX_INLINE void Rectangles(const MorphologyRows& rows, const MorphologyRectang
     if (window.rows.length() > 1) return RowWindows<Lanes, dilate>(rows, window.rows, shape, columns, scratch);
     for (int32_t y = 0; y < rows.height; ++y) {
         const uint8_t* const from = rows.from + y * rows.fromRow;
-        columns(
-            [&](size_t i) __attribute__((always_inline)) { return shape.Load(from, i); }, rows.to + y * rows.toRow);
+        columns([&](size_t, const auto& load, Vector(&v)[1]) __attribute__((always_inline)) { v[0] = load(from); },
+                {rows.to + y * rows.toRow});
     }
 }
 
