@@ -223,17 +223,18 @@ public:
                 break;
         }
         if constexpr (count == 1) {
+            const Shape shape = shape_;
             const auto one = [&](size_t i) __attribute__((always_inline)) {
                 Vector v[1];
-                if (i < shape_.full)
+                if (i < shape.full)
                     row(i, typename Shape::InRow{i}, v);
                 else
-                    row(i, typename Shape::AtEnd{shape_}, v);
+                    row(i, typename Shape::AtEnd{shape}, v);
                 return v[0];
             };
             switch (steps_) {
                 case 0:
-                    return shape_.ForEach(to[0], one);
+                    return shape.ForEach(to[0], one);
                 case 1:
                     return Steps<1>(one, to[0]);
                 case 2:
