@@ -15,9 +15,11 @@
 // Names of ours that its headers take.
 #define IFF_BMP LEPTONICA_IFF_BMP
 #define IFF_PNG LEPTONICA_IFF_PNG
+#define IFF_TIFF LEPTONICA_IFF_TIFF
 #include <leptonica/allheaders.h>
 #undef IFF_BMP
 #undef IFF_PNG
+#undef IFF_TIFF
 #endif
 
 #include "binary/area_filter.hpp"
@@ -155,6 +157,7 @@ int main(int argc, char** argv) {
     AddOurs("ultimate points", [](const BitPlane& image) { return UltimatePoints(image, kEight); });
     AddOurs("split", [](const BitPlane& image) { return WatershedSplit(image, kEight, {1, 0}); });
     AddOurs("skeleton", [](const BitPlane& image) { return Skeleton(image, kEight); });
+    AddOurs("thin 10", [](const BitPlane& image) { return Thin(image, kEight, 10); });
     AddOurs("prune 10", [](const BitPlane& image) { return Prune(image, kEight, 10); });
     AddOurs("thicken 10", [](const BitPlane& image) { return Thicken(image, kEight, 10); });
 #ifdef ORLIX_BENCH_LEPTONICA
@@ -167,6 +170,7 @@ int main(int argc, char** argv) {
     });
     AddLeptonica("fill holes", [](Pix* pix) { return pixHolesByFilling(pix, 4); });
     AddLeptonica("skeleton", [](Pix* pix) { return pixThinConnected(pix, L_THIN_FG, 8, 0); });
+    AddLeptonica("thin 10", [](Pix* pix) { return pixThinConnected(pix, L_THIN_FG, 8, 10); });
 #endif
 #ifdef ORLIX_BENCH_OPENCV
     cv::setNumThreads(1);
