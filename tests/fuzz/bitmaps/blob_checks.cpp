@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <complex>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -10,6 +11,8 @@
 
 #include "fuzz/bitmaps/gray_image.hpp"
 #include "fuzz/bitmaps/world.hpp"
+#include "support/slow_skeleton_length.hpp"
+#include "support/slow_thinning.hpp"
 
 namespace orlix::fuzz {
 namespace {
@@ -150,6 +153,180 @@ std::vector<Shape> ShapesOf(const SBinaryMeasurements& found, const Alone& alone
             {SMT_MajorAxis, 4 * std::sqrt(mean + half), found.m_dMajorAxis},
             {SMT_ImageBorderPixels, atEdge, double(found.m_lImageBorderPixels)},
             {SMT_RegionBorderPixels, atRegion, double(found.m_lRegionBorderPixels)}};
+}
+
+// ------------------------------------------------------------------------------------------------------------ geometry
+
+using Vector = std::complex<double>;  // in the plane of the calibration
+constexpr double kPi = 3.14159265358979323846;
+
+// a x b
+double Cross(const Vector& a, const Vector& b) { return (std::conj(a) * b).imag(); }
+
+// The corners of the hull of points, around it (Andrew 1979).
+std::vector<Vector> HullOf(std::vector<Vector> points) {
+    const auto less = [](const Vector& a, const Vector& b) {
+        return a.real() != b.real() ? a.real() < b.real() : a.imag() < b.imag();
+    };
+    std::sort(points.begin(), points.end(), less);
+    std::vector<Vector> hull;
+    for (int side = 0; side < 2; ++side, std::reverse(points.begin(), points.end())) {
+        const size_t first = hull.size();
+        for (const Vector& p : points) {
+            while (hull.size() >= first + 2 && Cross(hull.back() - *(hull.end() - 2), p - hull.back()) <= 1e-9)
+                hull.pop_back();
+            hull.push_back(p);
+        }
+        hull.pop_back();
+    }
+    return hull;
+}
+
+// By the shares of directions nearest to each of eight: half of the angles to the ones before and after it.
+double SlowCrofton(const Picture& blob, const std::vector<Place>& pixels, double sx, double sy) {
+    std::vector<std::pair<double, Place>> directions;
+    for (const Place& v : {Place{1, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 1}, {-1, 2}, {-1, 1}, {-2, 1}})
+        directions.push_back({std::atan2(v.y * sy, v.x * sx), v});
+    double sum = 0;
+    for (size_t k = 0; k < 8; ++k) {
+        const auto& [angle, v] = directions[k];
+        const double before = k > 0 ? directions[k - 1].first : directions[7].first - kPi;
+        const double after = k < 7 ? directions[k + 1].first : kPi;
+        const auto leaving = std::ranges::count_if(
+            pixels, [&, step = v](const Place& at) { return !IsSet(blob, at.x + step.x, at.y + step.y); });
+        sum += (after - before) / 2 * static_cast<double>(leaving) / std::hypot(v.x * sx, v.y * sy);
+    }
+    return sum * sx * sy;
+}
+
+void CheckGeometry(const World& world, const SBinaryMeasurements& found, const Alone& alone,
+                   const std::vector<Place>& pixels, double sx, double sy) {
+    const auto expect = [&](const char* name, double expected, double value, double scale = 0) {
+        world.Require(std::fabs(expected - value) <= 1e-10 * std::max({1.0, scale, std::fabs(expected)}), name,
+                      expected, value);
+    };
+    std::vector<Vector> corners;
+    for (const auto& [x, y] : pixels)
+        for (int i = 0; i < 4; ++i) corners.push_back({(x - 0.5 + i % 2) * sx, (y - 0.5 + i / 2) * sy});
+    const std::vector<Vector> hull = HullOf(corners);
+    double area = 0, perimeter = 0, narrowest = 1e300;
+    for (size_t i = 0; i < hull.size(); ++i) {
+        const Vector a = hull[i], side = hull[(i + 1) % hull.size()] - a;
+        double width = 0;
+        for (const Vector& p : hull) width = std::max(width, Cross(side, p - a) / std::abs(side));
+        area += Cross(a - hull[0], side) / 2;
+        perimeter += std::abs(side);
+        narrowest = std::min(narrowest, width);
+    }
+    expect("HullArea", area, found.m_dHullArea);
+    expect("HullPerimeter", perimeter, found.m_dHullPerimeter);
+    expect("FeretMinimum", narrowest, found.m_dFeretMinimum);
+    expect("CroftonPerimeter", SlowCrofton(alone.pixels, pixels, sx, sy), found.m_dCroftonPerimeter);
+
+    // The smallest circle holds all corners, and those on it lie on no half of it alone.
+    const Vector centre(found.m_dEnclosingXCenter * sx, found.m_dEnclosingYCenter * sy);
+    const double radius = found.m_dEnclosingRadius;
+    std::vector<double> angles;
+    for (const Vector& p : hull) {
+        world.Require(std::abs(p - centre) <= radius * (1 + 1e-11), "EnclosingRadius", std::abs(p - centre), radius);
+        if (std::abs(p - centre) >= radius * (1 - 1e-11)) angles.push_back(std::arg(p - centre));
+    }
+    world.Require(!angles.empty(), "corners on the enclosing circle");
+    std::sort(angles.begin(), angles.end());
+    for (size_t i = 0; i < angles.size(); ++i) {
+        const double next = i + 1 < angles.size() ? angles[i + 1] : angles[0] + 2 * kPi;
+        world.Require(next - angles[i] <= kPi + 1e-4, "half of the enclosing circle", kPi, next - angles[i]);
+    }
+
+    // The pixels around the blob bound the largest circle in it.
+    std::vector<Place> around;
+    for (const auto& [x, y] : pixels)
+        for (const auto& [dx, dy] : StepsOf(Connectivity::Eight))
+            if (!IsSet(alone.pixels, x + dx, y + dy)) around.push_back({x + dx, y + dy});
+    const auto room = [&](double x, double y) {
+        double least = 1e300;
+        for (const Place& at : around)
+            least = std::min(least, std::hypot(std::max(std::fabs(x - at.x) - 0.5, 0.0) * sx,
+                                               std::max(std::fabs(y - at.y) - 0.5, 0.0) * sy));
+        return least;
+    };
+    double largest = 0;
+    for (const auto& [x, y] : pixels)
+        for (int i = 0; i < 9; ++i) largest = std::max(largest, room(x + i % 3 / 2.0 - 0.5, y + i / 3 / 2.0 - 0.5));
+    expect("InscribedRadius", largest, found.m_dInscribedRadius);
+    expect("room about the inscribed circle's centre", largest,
+           room(found.m_dInscribedXCenter, found.m_dInscribedYCenter));
+
+    static constexpr int kP[] = {0, 1, 0, 2, 1, 0, 3, 2, 1, 0}, kQ[] = {0, 0, 1, 0, 1, 2, 0, 1, 2, 3};
+    for (size_t k = 0; k < 10; ++k) {
+        long double raw = 0, central = 0, size = 0;
+        for (const auto& [x, y] : pixels) {
+            const auto power = [&](long double left, long double top) {
+                return std::pow((x - left) * sx, kP[k]) * std::pow((y - top) * sy, kQ[k]) * sx * sy;
+            };
+            raw += power(0, 0);
+            central += power(found.m_dXCentroid, found.m_dYCentroid);
+            size += std::fabs(power(0, 0));
+        }
+        expect("RawMoments", static_cast<double>(raw), found.m_dRawMoments[k]);
+        if (k >= 3)
+            expect("CentralMoments", static_cast<double>(central), found.m_dCentralMoments[k - 3],
+                   static_cast<double>(size));
+    }
+    // The invariants of complex moments (Flusser 2000): c_pq = sum of (x + i y)^p (x - i y)^q.
+    std::array<double, 7> n;
+    for (size_t k = 0; k < 7; ++k) {
+        n[k] = found.m_dCentralMoments[k] / std::pow(found.m_dArea, k < 3 ? 2 : 2.5);
+        expect("NormalizedMoments", n[k], found.m_dNormalizedMoments[k]);
+    }
+    const Vector c20(n[0] - n[2], 2 * n[1]), c30(n[3] - 3 * n[5], 3 * n[4] - n[6]), c12(n[3] + n[5], -n[4] - n[6]);
+    const Vector fifth = c30 * c12 * c12 * c12;
+    const double hu[] = {n[0] + n[2],  std::norm(c20),           std::norm(c30), std::norm(c12),
+                         fifth.real(), (c20 * c12 * c12).real(), fifth.imag()};
+    const double third = std::fabs(n[3]) + 3 * std::fabs(n[4]) + 3 * std::fabs(n[5]) + std::fabs(n[6]);
+    for (size_t k = 0; k < 7; ++k)
+        expect("HuMoments", hu[k], found.m_dHuMoments[k], std::pow(third, 4) + hu[0] * hu[0] + hu[0] * third * third);
+    expect("SkeletonLength",
+           SlowSkeletonLength(alone.pixels, SlowThin(alone.pixels, Connectivity::Eight, 1 << 20), sx, sy).Length(),
+           found.m_dSkeletonLength);
+}
+
+// The outlines at a level pass once between each pixel of the blob and each neighbour that is not in it, and from each
+// such place to one in the same square of four pixel centres.
+void CheckLevelOutline(World& world, const ComPtr<IBlobs>& blobs, LONG index, const Alone& alone,
+                       const std::vector<Place>& pixels, const GrayImage& gray) {
+    const double level = world.choices.Byte() + 0.5;
+    std::vector<std::pair<double, double>> expected, found;
+    for (const auto& [x, y] : pixels)
+        for (const auto& [dx, dy] : StepsOf(Connectivity::Four)) {
+            if (IsSet(alone.pixels, x + dx, y + dy)) continue;
+            double t = 0.5;
+            if (IsInside(alone.pixels, x + dx, y + dy)) {
+                const double here = gray.At(x, y), there = gray.At(x + dx, y + dy);
+                if ((here > level) != (there > level)) t = (level - here) / (there - here);
+            }
+            expected.push_back({x + t * dx, y + t * dy});
+        }
+    for (LONG hole = -1; hole < static_cast<LONG>(alone.enclosed.size()); ++hole) {
+        const auto outline = Call(blobs, &IBlobs::get_LevelOutline, index, gray.image.get(), LONG{0}, level, hole);
+        const auto count = static_cast<size_t>(Call(outline, &IPolygon::get_NumberOfVertices));
+        const SVertice* const vertices = Call(outline, &IPolygon::get_Vertices);
+        for (size_t i = 0; i < count; ++i) {
+            const SVertice &a = vertices[i], &b = vertices[(i + 1) % count];
+            found.push_back({a.m_dX, a.m_dY});
+            world.Require(std::floor(std::min(a.m_dX, b.m_dX)) + 1 >= std::max(a.m_dX, b.m_dX) &&
+                              std::floor(std::min(a.m_dY, b.m_dY)) + 1 >= std::max(a.m_dY, b.m_dY),
+                          "step of a level outline");
+        }
+    }
+    std::sort(expected.begin(), expected.end());
+    std::sort(found.begin(), found.end());
+    world.Require(expected.size() == found.size(), "vertices of the level outlines",
+                  static_cast<double>(expected.size()), static_cast<double>(found.size()));
+    for (size_t i = 0; i < expected.size(); ++i)
+        world.Require(std::fabs(expected[i].first - found[i].first) <= 1e-12 &&
+                          std::fabs(expected[i].second - found[i].second) <= 1e-12,
+                      "place of a level outline", expected[i].first, found[i].first);
 }
 
 // --------------------------------------------------------------------------------------------------------- grey values
@@ -295,6 +472,8 @@ void CheckBlobs(World& world, const KeptBlobs& found, const std::optional<Pictur
         world.Require(records[i].m_lLabel == index && grays[i].m_lLabel == index, "label of a record", index,
                       records[i].m_lLabel);
         CheckGrayValues(world, grays[i], alone, pixels, gray);
+        CheckGeometry(world, records[i], alone, pixels, sx, sy);
+        CheckLevelOutline(world, blobs, index, alone, pixels, gray);
         world.Require(
             PixelsOf(Call(blobs, &IBlobs::get_Region, index).get(), image.width(), image.height()) == alone.pixels,
             "get_Region");
