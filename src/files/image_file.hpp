@@ -5,8 +5,8 @@
 //   PNG   Every colour type and depth, interlaced or not. Grey of 1, 2 and 4 bits is scaled to 0..255 (times 255, 85,
 //         17); 8 and 16 bits are unchanged. A palette is applied. An alpha channel and transparent colours are dropped:
 //         the stored samples count, visible or not. Gamma and colour profiles are not applied.
-//   BMP   1, 4, 8, 16, 24 and 32 bits, run lengths, bottom-up or top-down, with every header since OS/2 1.x. The palette
-//         is applied; without one the indices are the grey levels.
+//   BMP   1, 4, 8, 16, 24 and 32 bits, run lengths, bottom-up or top-down, every header since OS/2 1.x. The palette is
+//         applied; without one the indices are the grey levels.
 //   PNM   Plain and raw PGM and PPM (P2, P5, P3, P6). Values are kept as they are, whatever the declared maximum (a
 //         12-bit camera has levels 0..4095, and its user measures in those). A maximum up to 255 gives 8 bits, a larger
 //         one 16. PAM (P7) likewise, but for black and white, which become 0 and 255; alpha is dropped. PFM (Pf, PF)
