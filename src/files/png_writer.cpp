@@ -242,10 +242,14 @@ void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties,
     for (const Method& method : kMethods) attempt(method);
     if (least.size() * 8 < static_cast<size_t>(count) * rows.StoredRowBytes())
         for (const Method& method : kThoroughMethods) attempt(method);
-    if (count == properties.height)
+    if (count == properties.height) {
         bytes.insert(bytes.end(), least.begin(), least.end());
-    else
-        rows.Write(0, properties.height, best, bytes);
+        return;
+    }
+    // Memory that grows is copied. The estimate costs nothing where it is too much: pages are taken as they are written.
+    const size_t strips = static_cast<size_t>(properties.height) / static_cast<size_t>(count) + 1;
+    bytes.reserve(bytes.size() + least.size() * strips + least.size() * strips / 16);
+    rows.Write(0, properties.height, best, bytes);
 }
 
 }  // namespace
