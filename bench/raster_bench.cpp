@@ -1,6 +1,6 @@
 // The raster surface, compared with a plain copy of the same number of 32-bit pixels and with OpenCV's resize where
 // installed, on one thread: a window of 1920 x 1080 onto a picture of 4096 x 4096. OpenCV's results are made 32-bit
-// pixels by its colour conversion. "live": images shown 1:1, as they were or after a change; "read": as they were, after
+// pixels by its colour conversion. "live": images shown 1:1, as they were or after a change; "read": as they were, but
 // the pixels that are shown have been copied into the first cache, a row at a time, as a change costs at least.
 #include <benchmark/benchmark.h>
 

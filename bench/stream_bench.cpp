@@ -1,5 +1,5 @@
-// Saving to and loading from a stream in memory, and PNG files in a folder for temporary files, compared with zlib alone
-// on the same bytes ("zlib" compresses into an existing buffer and decompresses into existing memory).
+// Saving to and loading from a stream in memory, and PNG files in a temporary folder, compared with zlib alone on the
+// same bytes ("zlib" compresses into an existing buffer and decompresses into existing memory).
 #include <benchmark/benchmark.h>
 #include <zlib.h>
 #include <orlix/client.hpp>

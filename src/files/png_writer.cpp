@@ -246,7 +246,7 @@ void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties,
         bytes.insert(bytes.end(), least.begin(), least.end());
         return;
     }
-    // Memory that grows is copied. The estimate costs nothing where it is too much: pages are taken as they are written.
+    // Memory that grows is copied. An estimate that is too high costs nothing: pages are taken as they are written.
     const size_t strips = static_cast<size_t>(properties.height) / static_cast<size_t>(count) + 1;
     bytes.reserve(bytes.size() + least.size() * strips + least.size() * strips / 16);
     rows.Write(0, properties.height, best, bytes);
