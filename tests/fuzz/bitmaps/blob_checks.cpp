@@ -260,9 +260,9 @@ void CheckGeometry(const World& world, const SBinaryMeasurements& found, const A
     static constexpr int kP[] = {0, 1, 0, 2, 1, 0, 3, 2, 1, 0}, kQ[] = {0, 0, 1, 0, 1, 2, 0, 1, 2, 3};
     for (size_t k = 0; k < 10; ++k) {
         long double raw = 0, central = 0, size = 0;
-        for (const auto& [x, y] : pixels) {
+        for (const Place& at : pixels) {
             const auto power = [&](long double left, long double top) {
-                return std::pow((x - left) * sx, kP[k]) * std::pow((y - top) * sy, kQ[k]) * sx * sy;
+                return std::pow((at.x - left) * sx, kP[k]) * std::pow((at.y - top) * sy, kQ[k]) * sx * sy;
             };
             raw += power(0, 0);
             central += power(found.m_dXCentroid, found.m_dYCentroid);
