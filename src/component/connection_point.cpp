@@ -6,7 +6,7 @@
 
 #include <orlix/counted_object.hpp>
 
-#include "component/module_lock.hpp"
+#include "platform/module_lock.hpp"
 
 namespace orlix {
 namespace {

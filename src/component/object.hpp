@@ -22,7 +22,7 @@
 #include <orlix/com_ptr.hpp>
 
 #include "component/guard.hpp"
-#include "component/module_lock.hpp"
+#include "platform/module_lock.hpp"
 
 namespace orlix {
 

@@ -4,8 +4,8 @@
 #include <span>
 #include <utility>
 
-#include "component/module_lock.hpp"
 #include "module/class_table.hpp"
+#include "platform/module_lock.hpp"
 
 namespace orlix {
 namespace {

@@ -1,7 +1,7 @@
 #include <orlix/orlix.h>
 
-#include "component/module_lock.hpp"
 #include "module/class_factory.hpp"
+#include "platform/module_lock.hpp"
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** factory) {
     return orlix::GetClassFactory(clsid, iid, factory);

@@ -4,9 +4,9 @@
 
 #include <orlix/client.hpp>
 
-#include "component/module_lock.hpp"
 #include "module/class_factory.hpp"
 #include "module/class_rows.hpp"
+#include "platform/module_lock.hpp"
 
 namespace orlix {
 namespace {

@@ -8,9 +8,9 @@
 #include <limits>
 #include <utility>
 
-#include "component/module_lock.hpp"
 #include "fuzz/calls/clients.hpp"
 #include "module/class_factory.hpp"
+#include "platform/module_lock.hpp"
 #include "support/special_numbers.hpp"
 
 #ifdef _WIN32

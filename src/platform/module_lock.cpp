@@ -1,4 +1,4 @@
-#include "component/module_lock.hpp"
+#include "platform/module_lock.hpp"
 
 #include <atomic>
 
