@@ -25,6 +25,7 @@ class Declaration:
     line: int  # where it begins, from 0
     comment: list
     introductions: list = field(default_factory=list)  # the comments that introduce what begins here
+    text: str = ""  # its code, in one line; of what has members, up to the brace
 
     def __str__(self):
         return f"{self.owner}::{self.name}" if self.owner else self.name
@@ -76,7 +77,7 @@ class Contract:
             def declare(kind, name, inside=""):
                 nonlocal comment, introductions, shared
                 shared = [text.strip()] if text.strip() else comment or shared
-                self.declarations.append(Declaration(kind, name, inside, start, shared, introductions))
+                self.declarations.append(Declaration(kind, name, inside, start, shared, introductions, statement))
                 if kind == "member" or text.strip():
                     shared = []
                 comment, introductions = [], []

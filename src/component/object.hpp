@@ -7,7 +7,8 @@
 //     Answers<I, Parents...>     the same, and QueryInterface also answers these base interfaces of I
 //     Part<Base, I, Parents...>  the same, where Base, which derives from I alone, implements the methods of I
 //
-// The class has the name of the contract's coclass, so __uuidof(Class) is its CLSID. Notes:
+// The class has the name of the contract's coclass, so __uuidof(Class) is its CLSID. On Windows scripts can call the
+// methods of its interfaces (IDispatch). Notes:
 //  (1) An object stays alive while one of its methods runs, even when a client called by the method gives back the last
 //      reference. So a method may use its object after calling foreign code.
 //  (2) When the last reference is gone, the object first releases what belongs to clients (LetGo) while it is still
@@ -23,6 +24,9 @@
 
 #include "component/guard.hpp"
 #include "platform/module_lock.hpp"
+#ifdef _WIN32
+#include "automation/windows/scripted.hpp"
+#endif
 
 namespace orlix {
 
@@ -104,12 +108,14 @@ struct Part {};
 template <class Entry>
 struct InterfaceEntry {
     using Interface = Entry;
+    using Answered = Entry;
     static bool Covers(REFIID iid) noexcept { return iid == __uuidof(Entry); }
 };
 
 template <class I, class... Parents>
 struct InterfaceEntry<Answers<I, Parents...>> {
     using Interface = I;
+    using Answered = I;
     static bool Covers(REFIID iid) noexcept { return iid == __uuidof(I) || (... || (iid == __uuidof(Parents))); }
 };
 
@@ -118,8 +124,18 @@ struct InterfaceEntry<Part<Base, I, Parents...>> : InterfaceEntry<Answers<I, Par
     using Interface = Base;
 };
 
+#ifdef _WIN32
+using LateBinding = automation::Scripted;
+#else
+// There are no scripts.
+class LateBinding {
+protected:
+    static void* AsDispatch(REFIID) noexcept { return nullptr; }
+};
+#endif
+
 template <class Class, class... Entries>
-class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErrorInfo {
+class Object : public InterfaceEntry<Entries>::Interface..., public ISupportErrorInfo, public LateBinding {
 public:
     // For class factories. With an outer object the client may request only IUnknown, and gets the inner object's own
     // IUnknown.
@@ -151,7 +167,7 @@ public:
     STDMETHODIMP_(ULONG) Release() noexcept override { return controlling_->Release(); }
 
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) noexcept override {
-        return (... || InterfaceEntry<Entries>::Covers(iid)) ? S_OK : S_FALSE;
+        return (... || InterfaceEntry<Entries>::Covers(iid)) || AsDispatch(iid) ? S_OK : S_FALSE;
     }
 
     Object(const Object&) = delete;
@@ -197,14 +213,23 @@ private:
         Object& owner_;
     };
 
+    // Late binding asks for interfaces by it too.
     void* Find(REFIID iid) noexcept {
         void* found = nullptr;
         (void)(... || (InterfaceEntry<Entries>::Covers(iid)
                            ? (found = static_cast<typename InterfaceEntry<Entries>::Interface*>(this), true)
                            : false));
         if (!found && iid == __uuidof(ISupportErrorInfo)) found = static_cast<ISupportErrorInfo*>(this);
-        return found;
+        return found ? found : AsDispatch(iid);
     }
+
+#ifdef _WIN32
+    const automation::ClassMembers& Members() const override {
+        static const IID* const interfaces[] = {&__uuidof(typename InterfaceEntry<Entries>::Answered)...};
+        static const automation::ClassMembers members(interfaces);
+        return members;
+    }
+#endif
 
     Inner inner_;
     IUnknown* controlling_ = &inner_;  // an outer object is not counted: it owns this one

@@ -10,18 +10,12 @@
 #include "pictures/memory_picture.hpp"
 #include "pictures/picture_events.hpp"
 #include "pictures/zoom_picture.hpp"
-#ifdef _WIN32
-#include "pictures/windows/picture_scripts.hpp"
-#endif
 
 class OrlixBuffer final
     : public orlix::Object<OrlixBuffer,  //
                            orlix::Part<orlix::BufferBitmap, IDIBImage>, orlix::Part<orlix::BufferPixels, IImageVPA>,
                            orlix::Part<orlix::ZoomPicture, IPictureExZoom, IPictureEx>,
                            orlix::Part<orlix::MemoryPicture, IPictureMemory>,
-#ifdef _WIN32
-                           orlix::Part<orlix::PictureScripts, IPictureExZoomDisp, IDispatch>,
-#endif
                            orlix::Part<orlix::PictureEvents, IConnectionPointContainer>> {
 public:
     // Called by Object.

@@ -17,9 +17,6 @@
 #include "pictures/memory_picture.hpp"
 #include "pictures/picture_events.hpp"
 #include "pictures/zoom_picture.hpp"
-#ifdef _WIN32
-#include "pictures/windows/picture_scripts.hpp"
-#endif
 
 class OrlixImage final
     : public orlix::Object<OrlixImage,  //
@@ -33,9 +30,6 @@ class OrlixImage final
                            orlix::Part<orlix::ZoomPicture, IPictureExZoom, IPictureEx>,
                            orlix::Part<orlix::MemoryPicture, IPictureMemory>,
                            orlix::Part<orlix::PictureEvents, IConnectionPointContainer>,
-#ifdef _WIN32
-                           orlix::Part<orlix::PictureScripts, IPictureExZoomDisp, IDispatch>,
-#endif
                            orlix::Part<orlix::ImageModule, IModuleInformation>,  //
                            orlix::Part<orlix::ImageAccess, IPixelAccess>> {
 public:

@@ -20,7 +20,7 @@ struct Creatable {
 };
 
 std::vector<Creatable> Creatables() {
-    return {
+    std::vector<Creatable> all = {
         {"Orlix.Histogram", __uuidof(OrlixHistogram), {__uuidof(IHistogram)}},
         {"Orlix.Bitmap", __uuidof(OrlixBitmap), {__uuidof(IBitmap), __uuidof(IBitmapProcess)}},
         {"Orlix.Polygon", __uuidof(OrlixPolygon), {__uuidof(IPolygon)}},
@@ -28,26 +28,28 @@ std::vector<Creatable> Creatables() {
         {"Orlix.ShapeRegionOfInterest",
          __uuidof(OrlixShapeRegionOfInterest),
          {__uuidof(IShapeRegionOfInterest), __uuidof(IRegionOfInterest), __uuidof(IGraphicOverlay)}},
-        {"Orlix.Image", __uuidof(OrlixImage), {__uuidof(IImageVPAEx),        __uuidof(IImageVPA),
-                                               __uuidof(IImageVPAExPlus),    __uuidof(IImageFile),
-                                               __uuidof(IImageEntries),      __uuidof(IPersist),
-                                               __uuidof(IPersistStreamInit), __uuidof(IPersistStreamInitEx),
-                                               __uuidof(IImageProcessBase),  __uuidof(IImageProcess),
-                                               __uuidof(IOrlixImageProcess), __uuidof(IDisplayProcess),
-                                               __uuidof(IPictureExZoom),     __uuidof(IPictureEx),
-                                               __uuidof(IPictureMemory),     __uuidof(IConnectionPointContainer),
+        {"Orlix.Image",
+         __uuidof(OrlixImage),
+         {__uuidof(IImageVPAEx), __uuidof(IImageVPA), __uuidof(IImageVPAExPlus), __uuidof(IImageFile),
+          __uuidof(IImageEntries), __uuidof(IPersist), __uuidof(IPersistStreamInit), __uuidof(IPersistStreamInitEx),
+          __uuidof(IImageProcessBase), __uuidof(IImageProcess), __uuidof(IOrlixImageProcess), __uuidof(IDisplayProcess),
+          __uuidof(IPictureExZoom), __uuidof(IPictureEx), __uuidof(IPictureMemory), __uuidof(IConnectionPointContainer),
 #ifdef _WIN32
-                                               __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
+          __uuidof(IPictureExZoomDisp),
 #endif
-                                               __uuidof(IImageFrames),       __uuidof(IModuleInformation)}},
+          __uuidof(IImageFrames), __uuidof(IModuleInformation)}},
         {"Orlix.OrlixBuffer",
          __uuidof(OrlixBuffer),
          {__uuidof(IDIBImage), __uuidof(IImageVPA), __uuidof(IPictureExZoom), __uuidof(IPictureEx),
 #ifdef _WIN32
-          __uuidof(IPictureExZoomDisp), __uuidof(IDispatch),
+          __uuidof(IPictureExZoomDisp),
 #endif
           __uuidof(IPictureMemory), __uuidof(IConnectionPointContainer)}},
     };
+#ifdef _WIN32
+    for (Creatable& creatable : all) creatable.interfaces.push_back(__uuidof(IDispatch));
+#endif
+    return all;
 }
 
 // Every interface of the contract that some class answers.
