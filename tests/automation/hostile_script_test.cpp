@@ -1,0 +1,203 @@
+// Calls that make no sense, and what the scripting host makes of the library.
+#include <cstdio>
+#include <cstring>
+#include <random>
+
+#include "automation/script.hpp"
+
+namespace orlix::testing {
+namespace {
+
+// Those that scripts have besides the methods of the contract.
+constexpr const char* kOthers[] = {"GetPixels", "PutPixels", "Item", "_NewEnum", "GetVertex", "Alpha", "Area", "Width"};
+
+// Random calls of all members of all objects, also of those that calls return. Another seed makes other calls
+// (--gtest_random_seed).
+class RandomScript {
+public:
+    explicit RandomScript(unsigned seed) : random_(seed) {
+        for (const char* const progId :
+             {"Orlix.Image", "Orlix.Bitmap", "Orlix.Histogram", "Orlix.Polygon", "Orlix.StructuringElement",
+              "Orlix.ShapeRegionOfInterest", "Orlix.OrlixBuffer"})
+            Adopt(CreateObject<IDispatch>(progId));
+    }
+
+    void Call() {
+        const ComPtr<IDispatch> object = objects_[Below(objects_.size())];
+        std::string_view name = Below(8) ? kContractMethods[Below(std::size(kContractMethods))] : kOthers[Below(8)];
+        // They write files and use the desktop's clipboard.
+        if (name == "SaveToFile" || name.find("Clipboard") != name.npos) return;
+        if (name.starts_with("get_") || name.starts_with("put_")) name.remove_prefix(4);
+        std::basic_string<OLECHAR> wide = ToUtf16(name);
+        LPOLESTR names[] = {wide.data()};
+        DISPID id = 0;
+        const bool known = SUCCEEDED(object->GetIDsOfNames(IID_NULL, names, 1, 0, &id));
+        if (!known && Below(16) != 0) return;
+        small_ = name.starts_with("Create");
+        std::vector<Variant> variables(12), arguments;
+        for (size_t count = Below(Below(4) ? 4 : 9); arguments.size() < count;)
+            arguments.push_back(Any(variables[arguments.size()]));
+        DISPID ids[3] = {static_cast<DISPID>(Below(4)), static_cast<DISPID>(Below(4)),
+                         static_cast<DISPID>(Below(9)) - 4};
+        if (Below(3) == 0) ids[0] = DISPID_PROPERTYPUT;
+        const UINT named = Below(3) == 0 ? static_cast<UINT>(Below(4)) : ids[0] == DISPID_PROPERTYPUT ? 1 : 0;
+        DISPPARAMS given = {arguments.data(), ids, static_cast<UINT>(arguments.size()), named};
+        Variant result;
+        EXCEPINFO exception = {};
+        UINT bad = 0;
+        constexpr WORD kFlags[] = {3, 1, 2, 4, 8, 0, 12, 15, 3, 3};
+        const HRESULT called =
+            object->Invoke(id, IID_NULL, LOCALE_INVARIANT, kFlags[Below(std::size(kFlags))], &given,
+                           Below(9) ? &result : nullptr, Below(9) ? &exception : nullptr, Below(9) ? &bad : nullptr);
+        for (const BSTR text : {exception.bstrDescription, exception.bstrSource, exception.bstrHelpFile})
+            SysFreeString(text);
+        successes += called == S_OK;
+        failures += called != S_OK;
+        if (result.vt == VT_DISPATCH && result.pdispVal) Adopt(ComPtr<IDispatch>(result.pdispVal));
+    }
+
+    int successes = 0, failures = 0;
+
+private:
+    size_t Below(size_t limit) { return random_() % limit; }
+
+    void Adopt(ComPtr<IDispatch> object) {
+        if (objects_.size() < 24)
+            objects_.push_back(std::move(object));
+        else
+            objects_[7 + Below(objects_.size() - 7)] = std::move(object);
+    }
+
+    // With no reference to the variable it is the argument itself.
+    Variant Any(Variant& variable) {
+        constexpr LONG kNumbers[] = {0, 1, 2, 3, 5, 8, 16, -1, INT32_MAX, INT32_MIN};
+        constexpr double kReals[] = {0, 1, 2.5, 7, -1, 100, 1e300, -1e300};
+        constexpr VARTYPE kTypes[] = {VT_EMPTY,
+                                      VT_NULL,
+                                      VT_UI1,
+                                      VT_I2,
+                                      VT_R4,
+                                      VT_BOOL,
+                                      VT_ERROR,
+                                      VT_CY,
+                                      VT_DATE,
+                                      VT_UI8,
+                                      VT_BYREF | VT_I4,
+                                      VT_BYREF | VT_VARIANT,
+                                      VT_BYREF | VT_DISPATCH,
+                                      VT_DISPATCH,
+                                      VT_ARRAY | VT_UI1,
+                                      VT_BYREF | VT_RECORD,
+                                      0x7fff,
+                                      VT_BYREF | VT_ARRAY | VT_VARIANT,
+                                      VT_VECTOR};
+        Variant value;
+        switch (Below(9)) {
+            case 0:
+            case 1:
+            case 2:
+                value = static_cast<int>(kNumbers[Below(small_ ? 8 : std::size(kNumbers))]);
+                break;
+            case 3:
+                value = kReals[Below(small_ ? 6 : std::size(kReals))];
+                break;
+            case 4:
+                value = Below(2) ? "3" : "text";
+                break;
+            case 5:
+                value = objects_[Below(objects_.size())];
+                break;
+            case 6:
+                value = Variant::Array<uint8_t>(VT_UI1, Below(2) ? std::vector<ULONG>{8} : std::vector<ULONG>{4, 2},
+                                                {1, 2});
+                break;
+            case 7:
+                value = Variant::Missing();
+                break;
+            default:
+                value = Variant::Of(kTypes[Below(std::size(kTypes))]);
+                value.llVal = 0;
+        }
+        if (Below(4) != 0) return value;
+        variable = std::move(value);
+        return Variant::To(variable);
+    }
+
+    std::mt19937 random_;
+    std::vector<ComPtr<IDispatch>> objects_;
+    bool small_ = false;
+};
+
+TEST(HostileScripts, AnyCallHasAResultAndLeavesNothingBehind) {
+    ASSERT_TRUE(ModuleUnderTest()) << "is the module registered?";
+    {
+        RandomScript script(static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed()));
+        while (script.successes + script.failures < 100000) script.Call();
+        EXPECT_GT(script.successes, 1000);
+        EXPECT_GT(script.failures, 1000);
+    }
+    EXPECT_TRUE(ModuleIsUnlocked());
+}
+
+// What a program of the system prints.
+std::string OutputOf(const std::wstring& command) {
+    std::string output;
+    FILE* const pipe = _wpopen(command.c_str(), L"rt");
+    EXPECT_TRUE(pipe);
+    char part[256];
+    while (pipe && std::fgets(part, sizeof part, pipe)) output += part;
+    if (pipe) _pclose(pipe);
+    return output;
+}
+
+TEST(ScriptingHost, RunsVBScript) {
+    ASSERT_TRUE(ModuleUnderTest()) << "is the module registered?";
+    constexpr char kScript[] = R"(
+Set image = CreateObject("Orlix.Image")
+image.Create 8, 4
+image.ScalarEquals 7
+WScript.Echo image.Dimensions.Width & " x " & image.Height & ", " & image.GrayMeasurements.GrayAverage
+Set bitmap = image.Threshold(5, 9, True)
+bitmap.Bit(2, 3) = 0
+For Each blob In bitmap.FindBlobs(4)
+  WScript.Echo "area " & blob.Area & ", moment " & blob.RawMoments(0)
+Next
+Dim bands, width, height
+image.Dimensions bands, width, height
+WScript.Echo bands & " " & width & " " & height
+Class Surface
+  Public Average
+  Public Alpha
+  Public Beta
+  Public Gamma
+End Class
+Set plane = New Surface
+plane.Average = 0: plane.Alpha = 1: plane.Beta = 0: plane.Gamma = 0
+image.CorrectPlanar plane
+WScript.Echo image.Histogram.Bins(7) & " " & image.PlanarFit.Alpha
+Dim corners(5)
+corners(0) = 0: corners(1) = 0: corners(2) = 4: corners(3) = 0: corners(4) = 4: corners(5) = 3
+Set polygon = CreateObject("Orlix.Polygon")
+polygon.Create corners
+WScript.Echo polygon.Area
+On Error Resume Next
+image.Create 0, 4
+WScript.Echo Err.Source & ": " & Err.Description
+)";
+    wchar_t folder[MAX_PATH];
+    ASSERT_TRUE(GetTempPathW(MAX_PATH, folder));
+    const std::wstring path = folder + std::to_wstring(GetCurrentProcessId()) + L".vbs";
+    FILE* const file = _wfopen(path.c_str(), L"wb");
+    ASSERT_TRUE(file);
+    std::fwrite(kScript, 1, std::strlen(kScript), file);
+    std::fclose(file);
+    const std::string output = OutputOf(L"cscript //nologo \"" + path + L"\" 2>&1");
+    DeleteFileW(path.c_str());
+    EXPECT_EQ(
+        "8 x 4, 7\narea 31, moment 31\n1 8 4\n4 -1\n6\n"
+        "Orlix.Image.1: IImageVPAEx::Create: Width must be positive.\n",
+        output);
+}
+
+}  // namespace
+}  // namespace orlix::testing
