@@ -1,4 +1,4 @@
-"""Reads orlix.idl: what it declares, and the comment that belongs to each declaration.
+"""Reads interface descriptions: what they declare, and the comment that belongs to each declaration.
 
 A comment belongs to the declarations below it, up to the next comment or empty line, or to the one in front of it on
 its line. A comment followed by an empty line belongs to none: it introduces those that come next. The first sentence of
@@ -38,6 +38,7 @@ class Declaration:
 
 class Contract:
     def __init__(self, path=IDL):
+        self.name = path.name
         self.lines = path.read_text("utf-8").splitlines()
         self.head = []  # the comment at the top of the file
         self.declarations = []
@@ -110,7 +111,7 @@ class Contract:
     def _check(self):
         problems = []
         for declaration in self.declarations:
-            place = f"{IDL.name}:{declaration.line + 1}: {declaration}"
+            place = f"{self.name}:{declaration.line + 1}: {declaration}"
             if declaration.kind == "member":
                 continue
             if not declaration.comment:

@@ -17,13 +17,7 @@
 #include "platform/module_lock.hpp"
 
 namespace orlix::automation {
-
 namespace {
-
-constexpr LONG kAll = INT32_MIN;      // a count that was left out: to the end
-constexpr LONG kNoIndex = INT32_MIN;  // an index that was left out: all elements, as an array
-
-// ------------------------------------------------------------------------------------------------------- numbers
 
 // Counts of a histogram: all of them, or one.
 HRESULT Counts(IHistogram* histogram, HRESULT (STDMETHODCALLTYPE IHistogram::*get)(LONG**), LONG index,
@@ -34,7 +28,7 @@ HRESULT Counts(IHistogram* histogram, HRESULT (STDMETHODCALLTYPE IHistogram::*ge
     if (SUCCEEDED(result)) result = (histogram->*get)(&bins);
     if (FAILED(result)) return result;
     const auto size = static_cast<size_t>(bins ? std::max<LONG>(number, 0) : 0);
-    if (index != kNoIndex) {
+    if (index != kAll) {
         if (index < 0 || static_cast<size_t>(index) >= size) return DISP_E_BADINDEX;
         *counts = NumberValue(bins[index]);
         return S_OK;
@@ -44,95 +38,6 @@ HRESULT Counts(IHistogram* histogram, HRESULT (STDMETHODCALLTYPE IHistogram::*ge
     *counts = array.Detach();
     return result;
 }
-
-HRESULT Bins(IHistogram* histogram, LONG index, VARIANT* counts) {
-    return Counts(histogram, &IHistogram::get_Bins, index, counts);
-}
-HRESULT DetailBins(IHistogram* histogram, LONG index, VARIANT* counts) {
-    return Counts(histogram, &IHistogram::get_DetailBins, index, counts);
-}
-HRESULT SmoothBins(IHistogram* histogram, LONG index, VARIANT* counts) {
-    return Counts(histogram, &IHistogram::get_SmoothBins, index, counts);
-}
-
-// ------------------------------------------------------------------------------------------------------ geometry
-
-// Pairs of numbers, as an array of n x 2 or x and y in turn.
-HRESULT CreatePolygon(IPolygon* polygon, const GivenValue* vertices) {
-    const GivenArray array(*vertices->value, vertices->locale);
-    const bool isTable = array.dimensions() == 2;
-    if (isTable ? array.size(1) != 2 && array.count() > 0 : array.count() % 2 != 0) throw BadValue{DISP_E_TYPEMISMATCH};
-    const size_t number = array.count() / 2;
-    if (number > INT32_MAX) throw BadValue{DISP_E_OVERFLOW};
-    std::vector<SVertice> points(number);
-    for (size_t i = 0; i < number; ++i) {
-        points[i].m_dX = array.Real(isTable ? i : 2 * i);
-        points[i].m_dY = array.Real(isTable ? number + i : 2 * i + 1);
-    }
-    SVertice none = {};
-    return polygon->Create(static_cast<LONG>(number), number > 0 ? points.data() : &none);
-}
-
-HRESULT Vertices(IPolygon* polygon, VARIANT* vertices) {
-    LONG number = 0;
-    SVertice* points = nullptr;
-    HRESULT result = polygon->get_NumberOfVertices(&number);
-    if (SUCCEEDED(result)) result = polygon->get_Vertices(&points);
-    if (FAILED(result)) return result;
-    const auto size = static_cast<size_t>(points ? std::max<LONG>(number, 0) : 0);
-    NewArray array(VT_R8, size, 2);
-    for (size_t i = 0; i < size; ++i) {
-        array.data<double>()[i] = points[i].m_dX;
-        array.data<double>()[size + i] = points[i].m_dY;
-    }
-    *vertices = array.Detach();
-    return result;
-}
-
-HRESULT Vertex(IPolygon* polygon, LONG index, double* x, double* y) {
-    LONG number = 0;
-    SVertice* points = nullptr;
-    HRESULT result = polygon->get_NumberOfVertices(&number);
-    if (SUCCEEDED(result)) result = polygon->get_Vertices(&points);
-    if (FAILED(result)) return result;
-    if (!points || index < 0 || index >= number) return DISP_E_BADINDEX;
-    *x = points[index].m_dX;
-    *y = points[index].m_dY;
-    return S_OK;
-}
-
-HRESULT Elements(IStructuringElement* element, VARIANT* elements) {
-    LONG number = 0;
-    SElement* pixels = nullptr;
-    HRESULT result = element->get_NumberOfElements(&number);
-    if (SUCCEEDED(result)) result = element->get_Elements(&pixels);
-    if (FAILED(result)) return result;
-    const auto size = static_cast<size_t>(pixels ? std::max<LONG>(number, 0) : 0);
-    NewArray array(VT_I4, size, 2);
-    for (size_t i = 0; i < size; ++i) {
-        array.data<LONG>()[i] = pixels[i].m_lX;
-        array.data<LONG>()[size + i] = pixels[i].m_lY;
-    }
-    *elements = array.Detach();
-    return result;
-}
-
-// First and last column of each run.
-HRESULT RowRuns(IRegionOfInterest* region, LONG row, VARIANT* runs) {
-    SRun *begin = nullptr, *end = nullptr;
-    const HRESULT result = region->GetRowRuns(row, &begin, &end);
-    if (FAILED(result)) return result;
-    const size_t size = begin && end > begin ? static_cast<size_t>(end - begin) : 0;
-    NewArray array(VT_I4, size, 2);
-    for (size_t i = 0; i < size; ++i) {
-        array.data<LONG>()[i] = begin[i].m_lStart;
-        array.data<LONG>()[size + i] = begin[i].m_lStop;
-    }
-    *runs = array.Detach();
-    return result;
-}
-
-// --------------------------------------------------------------------------------------------------------- bytes
 
 VARIANT BytesValue(const std::vector<uint8_t>& bytes, size_t size) {
     NewArray array(VT_UI1, size);
@@ -145,69 +50,6 @@ LONG CheckedSize(const std::vector<uint8_t>& bytes) {
     return static_cast<LONG>(bytes.size());
 }
 
-HRESULT ReadEntry(IImageEntries* entries, LONG index, LONG offset, LONG size, VARIANT* bytes) {
-    BSTR keyword = nullptr;
-    LONG all = 0;
-    const HRESULT found = entries->GetBinaryEntry(index, &keyword, &all);
-    SysFreeString(keyword);
-    if (FAILED(found)) return found;
-    if (size == kAll && offset >= 0 && offset <= all) size = all - offset;
-    // What does not exist is refused before anything is copied.
-    std::vector<uint8_t> content(static_cast<size_t>(std::clamp<LONG>(size, 0, all)) + 1);
-    const HRESULT read = entries->ReadBinaryEntry(index, offset, size == kAll ? 0 : size, content.data());
-    if (FAILED(read)) return read;
-    *bytes = BytesValue(content, content.size() - 1);
-    return read;
-}
-
-HRESULT PutEntry(IImageEntries* entries, BSTR keyword, const GivenValue* bytes) {
-    std::vector<uint8_t> content = ReadBytes(*bytes->value, bytes->locale);
-    return entries->PutBinaryEntry(keyword, CheckedSize(content), content.data());
-}
-
-HRESULT GetPackedBytes(IDIBImage* bitmap, LONG headerSize, VARIANT* bytes) {
-    LONG needed = 0;
-    HRESULT result = bitmap->GetPacked(headerSize, 0, nullptr, &needed);
-    if (FAILED(result)) return result;
-    std::vector<uint8_t> content(static_cast<size_t>(std::max<LONG>(needed, 0)));
-    result = bitmap->GetPacked(headerSize, needed, content.data(), &needed);
-    if (FAILED(result)) return result;
-    *bytes = BytesValue(content, content.size());
-    return result;
-}
-
-HRESULT PutPackedBytes(IDIBImage* bitmap, const GivenValue* bytes) {
-    std::vector<uint8_t> content = ReadBytes(*bytes->value, bytes->locale);
-    const LONG size = CheckedSize(content);
-    content.resize(std::max<size_t>(content.size(), 1));  // no null pointer
-    return bitmap->PutPacked(size, content.data());
-}
-
-HRESULT ApplyNeighbourhoods(IBitmapProcess* bitmap, const GivenValue* table, LONG times, LONG* passes) {
-    std::vector<uint8_t> entries = ReadBytes(*table->value, table->locale);
-    if (entries.size() != 512) throw BadValue{DISP_E_TYPEMISMATCH};
-    return bitmap->ApplyTable(entries.data(), times, passes);
-}
-
-HRESULT CreateFromFrameBytes(IImageFrames* image, const GivenValue* bytes, LONG width, LONG height, LONG pixelFormat,
-                             LONG rowPitch, LONG bottomUp, LONG mosaic) {
-    const GivenArray array(*bytes->value, bytes->locale);
-    if (array.dimensions() != 1 || array.type() != VT_UI1) throw BadValue{DISP_E_TYPEMISMATCH};
-    uint8_t none = 0;  // an empty buffer is too short, not missing
-    SFrame frame = {};
-    frame.m_pBuffer = array.count() > 0 ? const_cast<uint8_t*>(static_cast<const uint8_t*>(array.data())) : &none;
-    frame.m_llSize = static_cast<LONGLONG>(array.count());
-    frame.m_lWidth = width;
-    frame.m_lHeight = height;
-    frame.m_lPixelFormat = pixelFormat;
-    frame.m_lRowPitch = rowPitch;
-    frame.m_lBottomUp = bottomUp;
-    frame.m_lMosaic = mosaic;
-    return image->CreateFromFrame(&frame);
-}
-
-// --------------------------------------------------------------------------------------------------------- blobs
-
 // Replaces a count that was left out, and says how many elements the method may write: none of those that it refuses.
 HRESULT FindRange(IBlobs* blobs, LONG first, LONG& count, size_t& written) {
     LONG all = 0;
@@ -216,17 +58,6 @@ HRESULT FindRange(IBlobs* blobs, LONG first, LONG& count, size_t& written) {
     if (count == kAll) count = first >= 0 && first <= all ? all - first : 0;
     written = static_cast<size_t>(first >= 0 && count > 0 && first <= all && count <= all - first ? count : 0);
     return S_OK;
-}
-
-HRESULT BlobValues(IBlobs* blobs, SingleMeasurementType type, LONG first, LONG count, VARIANT* values) {
-    size_t written = 0;
-    HRESULT result = FindRange(blobs, first, count, written);
-    if (FAILED(result)) return result;
-    NewArray array(VT_R8, written);
-    double none = 0;
-    result = blobs->GetValues(type, first, count, written > 0 ? array.data<double>() : &none);
-    if (SUCCEEDED(result)) *values = array.Detach();
-    return result;
 }
 
 // An array of objects, one for each record that `measure` fills.
@@ -245,34 +76,6 @@ HRESULT BlobRecords(IBlobs* blobs, LONG first, LONG count, VARIANT* records, con
     return result;
 }
 
-HRESULT BinaryRecords(IBlobs* blobs, LONG desired, LONG first, LONG count, VARIANT* records) {
-    return BlobRecords<SBinaryMeasurements>(blobs, first, count, records, [&](LONG number, SBinaryMeasurements* into) {
-        return blobs->GetBinaryMeasurements(desired, first, number, into);
-    });
-}
-
-HRESULT GrayRecords(IBlobs* blobs, LONG first, LONG count, VARIANT* records) {
-    return BlobRecords<SBlobGrayMeasurements>(
-        blobs, first, count, records,
-        [&](LONG number, SBlobGrayMeasurements* into) { return blobs->GetGrayMeasurements(first, number, into); });
-}
-
-HRESULT LevelRecords(IBlobs* blobs, IImageVPA* image, LONG band, double level, LONG first, LONG count,
-                     VARIANT* records) {
-    return BlobRecords<SLevelMeasurements>(blobs, first, count, records, [&](LONG number, SLevelMeasurements* into) {
-        return blobs->GetLevelMeasurements(image, band, level, first, number, into);
-    });
-}
-
-// All measurements of a blob's shape.
-HRESULT BlobItem(IBlobs* blobs, LONG index, VARIANT* record) {
-    const RecordMemory memory = NewRecords(RecordOf<SBinaryMeasurements>(), 1);
-    const HRESULT result =
-        blobs->GetBinaryMeasurements(BEMT_All, index, 1, reinterpret_cast<SBinaryMeasurements*>(memory.get()));
-    if (SUCCEEDED(result)) *record = ObjectValue(ShowRecord(RecordOf<SBinaryMeasurements>(), memory).Detach());
-    return result;
-}
-
 // For Each: the items from the first to the last.
 class BlobItems final : public CountedObject<IEnumVARIANT> {
 public:
@@ -285,7 +88,7 @@ public:
         try {
             for (; given < count && next_ < Count(); ++given) {
                 VariantInit(&items[given]);
-                const HRESULT result = BlobItem(blobs_.get(), next_, &items[given]);
+                const HRESULT result = Added<IBlobs>::get_Item(blobs_.get(), next_, &items[given]);
                 if (FAILED(result)) return TakeBack(items, given, result);
                 ++next_;
             }
@@ -332,115 +135,202 @@ private:
     LONG next_;
 };
 
-HRESULT EnumerateBlobs(IBlobs* blobs, VARIANT* items) {
-    *items = ObjectValue(new BlobItems(ComPtr<IBlobs>(blobs), 0));
+}  // namespace
+
+// ------------------------------------------------------------------------------------------------------- numbers
+
+HRESULT Added<IHistogram>::get_Bins(IHistogram* histogram, LONG index, VARIANT* counts) {
+    return Counts(histogram, &IHistogram::get_Bins, index, counts);
+}
+HRESULT Added<IHistogram>::get_DetailBins(IHistogram* histogram, LONG index, VARIANT* counts) {
+    return Counts(histogram, &IHistogram::get_DetailBins, index, counts);
+}
+HRESULT Added<IHistogram>::get_SmoothBins(IHistogram* histogram, LONG index, VARIANT* counts) {
+    return Counts(histogram, &IHistogram::get_SmoothBins, index, counts);
+}
+
+// ------------------------------------------------------------------------------------------------------ geometry
+
+HRESULT Added<IPolygon>::Create(IPolygon* polygon, const GivenValue* vertices) {
+    const GivenArray array(*vertices->value, vertices->locale);
+    const bool isTable = array.dimensions() == 2;
+    if (isTable ? array.size(1) != 2 && array.count() > 0 : array.count() % 2 != 0) throw BadValue{DISP_E_TYPEMISMATCH};
+    const size_t number = array.count() / 2;
+    if (number > INT32_MAX) throw BadValue{DISP_E_OVERFLOW};
+    std::vector<SVertice> points(number);
+    for (size_t i = 0; i < number; ++i) {
+        points[i].m_dX = array.Real(isTable ? i : 2 * i);
+        points[i].m_dY = array.Real(isTable ? number + i : 2 * i + 1);
+    }
+    SVertice none = {};
+    return polygon->Create(static_cast<LONG>(number), number > 0 ? points.data() : &none);
+}
+
+HRESULT Added<IPolygon>::get_Vertices(IPolygon* polygon, VARIANT* vertices) {
+    LONG number = 0;
+    SVertice* points = nullptr;
+    HRESULT result = polygon->get_NumberOfVertices(&number);
+    if (SUCCEEDED(result)) result = polygon->get_Vertices(&points);
+    if (FAILED(result)) return result;
+    const auto size = static_cast<size_t>(points ? std::max<LONG>(number, 0) : 0);
+    NewArray array(VT_R8, size, 2);
+    for (size_t i = 0; i < size; ++i) {
+        array.data<double>()[i] = points[i].m_dX;
+        array.data<double>()[size + i] = points[i].m_dY;
+    }
+    *vertices = array.Detach();
+    return result;
+}
+
+HRESULT Added<IPolygon>::GetVertex(IPolygon* polygon, LONG index, double* x, double* y) {
+    LONG number = 0;
+    SVertice* points = nullptr;
+    HRESULT result = polygon->get_NumberOfVertices(&number);
+    if (SUCCEEDED(result)) result = polygon->get_Vertices(&points);
+    if (FAILED(result)) return result;
+    if (!points || index < 0 || index >= number) return DISP_E_BADINDEX;
+    *x = points[index].m_dX;
+    *y = points[index].m_dY;
     return S_OK;
 }
 
-// ---------------------------------------------------------------------------------------------------------- rows
-
-template <auto function, size_t index>
-consteval Parameter In(const char* name) {
-    return ParameterRow<function, index, kIn>(name);
-}
-template <auto function, size_t index>
-consteval Parameter Optional(const char* name, int32_t omitted) {
-    return ParameterRow<function, index, kIn | kOptional>(name, omitted);
-}
-template <auto function, size_t index>
-consteval Parameter Result() {
-    return ParameterRow<function, index, kOut | kResult>("hVal");
-}
-template <auto function>
-consteval Method Row(const char* name, Access access, int number, std::span<const Parameter> parameters) {
-    return MethodRow<function>(name, access, kFirstAddedSlot + number, parameters);
+HRESULT Added<IStructuringElement>::get_Elements(IStructuringElement* element, VARIANT* elements) {
+    LONG number = 0;
+    SElement* pixels = nullptr;
+    HRESULT result = element->get_NumberOfElements(&number);
+    if (SUCCEEDED(result)) result = element->get_Elements(&pixels);
+    if (FAILED(result)) return result;
+    const auto size = static_cast<size_t>(pixels ? std::max<LONG>(number, 0) : 0);
+    NewArray array(VT_I4, size, 2);
+    for (size_t i = 0; i < size; ++i) {
+        array.data<LONG>()[i] = pixels[i].m_lX;
+        array.data<LONG>()[size + i] = pixels[i].m_lY;
+    }
+    *elements = array.Detach();
+    return result;
 }
 
-constexpr Parameter kBins[] = {Optional<&Bins, 0>("Index", kNoIndex), Result<&Bins, 1>()};
-constexpr Method kOfHistogram[] = {Row<&Bins>("Bins", kGet, 0, kBins), Row<&DetailBins>("DetailBins", kGet, 1, kBins),
-                                   Row<&SmoothBins>("SmoothBins", kGet, 2, kBins)};
+HRESULT Added<IRegionOfInterest>::GetRowRuns(IRegionOfInterest* region, LONG row, VARIANT* runs) {
+    SRun *begin = nullptr, *end = nullptr;
+    const HRESULT result = region->GetRowRuns(row, &begin, &end);
+    if (FAILED(result)) return result;
+    const size_t size = begin && end > begin ? static_cast<size_t>(end - begin) : 0;
+    NewArray array(VT_I4, size, 2);
+    for (size_t i = 0; i < size; ++i) {
+        array.data<LONG>()[i] = begin[i].m_lStart;
+        array.data<LONG>()[size + i] = begin[i].m_lStop;
+    }
+    *runs = array.Detach();
+    return result;
+}
 
-constexpr Parameter kCreatePolygon[] = {In<&CreatePolygon, 0>("Vertices")};
-constexpr Parameter kVertices[] = {Result<&Vertices, 0>()};
-constexpr Parameter kVertex[] = {In<&Vertex, 0>("Index"), ParameterRow<&Vertex, 1, kOut>("X"),
-                                 ParameterRow<&Vertex, 2, kOut>("Y")};
-constexpr Method kOfPolygon[] = {Row<&CreatePolygon>("Create", kCall, 0, kCreatePolygon),
-                                 Row<&Vertices>("Vertices", kGet, 1, kVertices),
-                                 Row<&Vertex>("GetVertex", kCall, 2, kVertex)};
+// --------------------------------------------------------------------------------------------------------- bytes
 
-constexpr Parameter kElements[] = {Result<&Elements, 0>()};
-constexpr Method kOfElement[] = {Row<&Elements>("Elements", kGet, 0, kElements)};
+HRESULT Added<IImageEntries>::ReadBinaryEntry(IImageEntries* entries, LONG index, LONG offset, LONG size,
+                                              VARIANT* bytes) {
+    BSTR keyword = nullptr;
+    LONG all = 0;
+    const HRESULT found = entries->GetBinaryEntry(index, &keyword, &all);
+    SysFreeString(keyword);
+    if (FAILED(found)) return found;
+    if (size == kAll && offset >= 0 && offset <= all) size = all - offset;
+    // What does not exist is refused before anything is copied.
+    std::vector<uint8_t> content(static_cast<size_t>(std::clamp<LONG>(size, 0, all)) + 1);
+    const HRESULT read = entries->ReadBinaryEntry(index, offset, size == kAll ? 0 : size, content.data());
+    if (FAILED(read)) return read;
+    *bytes = BytesValue(content, content.size() - 1);
+    return read;
+}
 
-constexpr Parameter kRowRuns[] = {In<&RowRuns, 0>("Row"), Result<&RowRuns, 1>()};
-constexpr Method kOfRegion[] = {Row<&RowRuns>("GetRowRuns", kCall, 0, kRowRuns)};
+HRESULT Added<IImageEntries>::PutBinaryEntry(IImageEntries* entries, BSTR keyword, const GivenValue* bytes) {
+    std::vector<uint8_t> content = ReadBytes(*bytes->value, bytes->locale);
+    return entries->PutBinaryEntry(keyword, CheckedSize(content), content.data());
+}
 
-constexpr Parameter kReadEntry[] = {In<&ReadEntry, 0>("Index"), Optional<&ReadEntry, 1>("Offset", 0),
-                                    Optional<&ReadEntry, 2>("Size", kAll), Result<&ReadEntry, 3>()};
-constexpr Parameter kPutEntry[] = {In<&PutEntry, 0>("Keyword"), In<&PutEntry, 1>("Bytes")};
-constexpr Method kOfEntries[] = {Row<&ReadEntry>("ReadBinaryEntry", kCall, 0, kReadEntry),
-                                 Row<&PutEntry>("PutBinaryEntry", kCall, 1, kPutEntry)};
+HRESULT Added<IDIBImage>::GetPacked(IDIBImage* bitmap, LONG headerSize, VARIANT* bytes) {
+    LONG needed = 0;
+    HRESULT result = bitmap->GetPacked(headerSize, 0, nullptr, &needed);
+    if (FAILED(result)) return result;
+    std::vector<uint8_t> content(static_cast<size_t>(std::max<LONG>(needed, 0)));
+    result = bitmap->GetPacked(headerSize, needed, content.data(), &needed);
+    if (FAILED(result)) return result;
+    *bytes = BytesValue(content, content.size());
+    return result;
+}
 
-constexpr Parameter kGetPacked[] = {Optional<&GetPackedBytes, 0>("HeaderSize", 40), Result<&GetPackedBytes, 1>()};
-constexpr Parameter kPutPacked[] = {In<&PutPackedBytes, 0>("Bytes")};
-constexpr Method kOfBuffer[] = {Row<&GetPackedBytes>("GetPacked", kCall, 0, kGetPacked),
-                                Row<&PutPackedBytes>("PutPacked", kCall, 1, kPutPacked)};
+HRESULT Added<IDIBImage>::PutPacked(IDIBImage* bitmap, const GivenValue* bytes) {
+    std::vector<uint8_t> content = ReadBytes(*bytes->value, bytes->locale);
+    const LONG size = CheckedSize(content);
+    content.resize(std::max<size_t>(content.size(), 1));  // no null pointer
+    return bitmap->PutPacked(size, content.data());
+}
 
-constexpr Parameter kApplyTable[] = {In<&ApplyNeighbourhoods, 0>("Table"),
-                                     Optional<&ApplyNeighbourhoods, 1>("Times", 1), Result<&ApplyNeighbourhoods, 2>()};
-constexpr Parameter kPutBitmapPixels[] = {In<&PutBitmapPixels, 0>("Pixels")};
-constexpr Method kOfBitmapProcess[] = {Row<&ApplyNeighbourhoods>("ApplyTable", kCall, 0, kApplyTable),
-                                       Row<&PutBitmapPixels>("PutPixels", kCall, 1, kPutBitmapPixels)};
-constexpr Parameter kGetBitmapPixels[] = {Result<&GetBitmapPixels, 0>()};
-constexpr Method kOfBitmap[] = {Row<&GetBitmapPixels>("GetPixels", kCall, 0, kGetBitmapPixels)};
+HRESULT Added<IBitmapProcess>::ApplyTable(IBitmapProcess* bitmap, const GivenValue* table, LONG times, LONG* passes) {
+    std::vector<uint8_t> entries = ReadBytes(*table->value, table->locale);
+    if (entries.size() != 512) throw BadValue{DISP_E_TYPEMISMATCH};
+    return bitmap->ApplyTable(entries.data(), times, passes);
+}
 
-constexpr Parameter kGetImagePixels[] = {Optional<&GetImagePixels, 0>("BandIndex", 0), Result<&GetImagePixels, 1>()};
-constexpr Parameter kPutImagePixels[] = {In<&PutImagePixels, 0>("BandIndex"), In<&PutImagePixels, 1>("Pixels")};
-constexpr Method kOfImage[] = {Row<&GetImagePixels>("GetPixels", kCall, 0, kGetImagePixels),
-                               Row<&PutImagePixels>("PutPixels", kCall, 1, kPutImagePixels)};
+HRESULT Added<IImageFrames>::CreateFromFrame(IImageFrames* image, const GivenValue* bytes, LONG width, LONG height,
+                                             LONG pixelFormat, LONG rowPitch, LONG bottomUp, LONG mosaic) {
+    const GivenArray array(*bytes->value, bytes->locale);
+    if (array.dimensions() != 1 || array.type() != VT_UI1) throw BadValue{DISP_E_TYPEMISMATCH};
+    uint8_t none = 0;  // an empty buffer is too short, not missing
+    SFrame frame = {};
+    frame.m_pBuffer = array.count() > 0 ? const_cast<uint8_t*>(static_cast<const uint8_t*>(array.data())) : &none;
+    frame.m_llSize = static_cast<LONGLONG>(array.count());
+    frame.m_lWidth = width;
+    frame.m_lHeight = height;
+    frame.m_lPixelFormat = pixelFormat;
+    frame.m_lRowPitch = rowPitch;
+    frame.m_lBottomUp = bottomUp;
+    frame.m_lMosaic = mosaic;
+    return image->CreateFromFrame(&frame);
+}
 
-constexpr Parameter kCreateFromFrame[] = {
-    In<&CreateFromFrameBytes, 0>("Buffer"),
-    In<&CreateFromFrameBytes, 1>("Width"),
-    In<&CreateFromFrameBytes, 2>("Height"),
-    In<&CreateFromFrameBytes, 3>("PixelFormat"),
-    Optional<&CreateFromFrameBytes, 4>("RowPitch", 0),
-    Optional<&CreateFromFrameBytes, 5>("BottomUp", 0),
-    Optional<&CreateFromFrameBytes, 6>("Mosaic", FM_Keep),
-};
-constexpr Method kOfFrames[] = {Row<&CreateFromFrameBytes>("CreateFromFrame", kCall, 0, kCreateFromFrame)};
+// --------------------------------------------------------------------------------------------------------- blobs
 
-constexpr Parameter kBlobValues[] = {In<&BlobValues, 0>("Type"), Optional<&BlobValues, 1>("First", 0),
-                                     Optional<&BlobValues, 2>("Count", kAll), Result<&BlobValues, 3>()};
-constexpr Parameter kBinaryRecords[] = {Optional<&BinaryRecords, 0>("Desired", BEMT_All),
-                                        Optional<&BinaryRecords, 1>("First", 0),
-                                        Optional<&BinaryRecords, 2>("Count", kAll), Result<&BinaryRecords, 3>()};
-constexpr Parameter kGrayRecords[] = {Optional<&GrayRecords, 0>("First", 0), Optional<&GrayRecords, 1>("Count", kAll),
-                                      Result<&GrayRecords, 2>()};
-constexpr Parameter kLevelRecords[] = {In<&LevelRecords, 0>("Image"),
-                                       Optional<&LevelRecords, 1>("BandIndex", BI_AllBands),
-                                       In<&LevelRecords, 2>("Level"),
-                                       Optional<&LevelRecords, 3>("First", 0),
-                                       Optional<&LevelRecords, 4>("Count", kAll),
-                                       Result<&LevelRecords, 5>()};
-constexpr Parameter kBlobItem[] = {In<&BlobItem, 0>("Index"), Result<&BlobItem, 1>()};
-constexpr Parameter kBlobItems[] = {Result<&EnumerateBlobs, 0>()};
-constexpr Method kOfBlobs[] = {Row<&BlobValues>("GetValues", kCall, 0, kBlobValues),
-                               Row<&BinaryRecords>("GetBinaryMeasurements", kCall, 1, kBinaryRecords),
-                               Row<&GrayRecords>("GetGrayMeasurements", kCall, 2, kGrayRecords),
-                               Row<&LevelRecords>("GetLevelMeasurements", kCall, 3, kLevelRecords),
-                               Row<&BlobItem>("Item", kGet, 4, kBlobItem),
-                               Row<&EnumerateBlobs>("_NewEnum", kGet, 5, kBlobItems)};
+HRESULT Added<IBlobs>::GetValues(IBlobs* blobs, SingleMeasurementType type, LONG first, LONG count, VARIANT* values) {
+    size_t written = 0;
+    HRESULT result = FindRange(blobs, first, count, written);
+    if (FAILED(result)) return result;
+    NewArray array(VT_R8, written);
+    double none = 0;
+    result = blobs->GetValues(type, first, count, written > 0 ? array.data<double>() : &none);
+    if (SUCCEEDED(result)) *values = array.Detach();
+    return result;
+}
 
-constexpr std::span<const Method> kAdded[] = {kOfHistogram, kOfPolygon, kOfElement,       kOfRegion,
-                                              kOfEntries,   kOfBuffer,  kOfBitmapProcess, kOfBitmap,
-                                              kOfImage,     kOfFrames,  kOfBlobs};
+HRESULT Added<IBlobs>::GetBinaryMeasurements(IBlobs* blobs, LONG desired, LONG first, LONG count, VARIANT* records) {
+    return BlobRecords<SBinaryMeasurements>(blobs, first, count, records, [&](LONG number, SBinaryMeasurements* into) {
+        return blobs->GetBinaryMeasurements(desired, first, number, into);
+    });
+}
 
-}  // namespace
+HRESULT Added<IBlobs>::GetGrayMeasurements(IBlobs* blobs, LONG first, LONG count, VARIANT* records) {
+    return BlobRecords<SBlobGrayMeasurements>(
+        blobs, first, count, records,
+        [&](LONG number, SBlobGrayMeasurements* into) { return blobs->GetGrayMeasurements(first, number, into); });
+}
 
-std::span<const Method> AddedMethods(const IID& iid) noexcept {
-    for (const std::span<const Method>& methods : kAdded)
-        if (*methods.front().iid == iid) return methods;
-    return {};
+HRESULT Added<IBlobs>::GetLevelMeasurements(IBlobs* blobs, IImageVPA* image, LONG band, double level, LONG first,
+                                            LONG count, VARIANT* records) {
+    return BlobRecords<SLevelMeasurements>(blobs, first, count, records, [&](LONG number, SLevelMeasurements* into) {
+        return blobs->GetLevelMeasurements(image, band, level, first, number, into);
+    });
+}
+
+HRESULT Added<IBlobs>::get_Item(IBlobs* blobs, LONG index, VARIANT* record) {
+    const RecordMemory memory = NewRecords(RecordOf<SBinaryMeasurements>(), 1);
+    const HRESULT result =
+        blobs->GetBinaryMeasurements(BEMT_All, index, 1, reinterpret_cast<SBinaryMeasurements*>(memory.get()));
+    if (SUCCEEDED(result)) *record = ObjectValue(ShowRecord(RecordOf<SBinaryMeasurements>(), memory).Detach());
+    return result;
+}
+
+HRESULT Added<IBlobs>::get__NewEnum(IBlobs* blobs, VARIANT* items) {
+    *items = ObjectValue(new BlobItems(ComPtr<IBlobs>(blobs), 0));
+    return S_OK;
 }
 
 }  // namespace orlix::automation

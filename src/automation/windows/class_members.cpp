@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "automation/windows/added_methods.hpp"
 #include "automation/windows/script_values.hpp"
 
 namespace orlix::automation {
@@ -27,6 +26,8 @@ ClassMembers::ClassMembers(std::span<const IID* const> interfaces) {
     for (const IID* iid : interfaces)
         for (const Interface* row : kInterfaces)
             if (*row->iid == *iid) Add(*row);
+    for (const ScriptClass& row : kScriptClasses)
+        if (std::is_permutation(row.interfaces.begin(), row.interfaces.end(), of_.begin(), of_.end())) class_ = &row;
     for (const Dispinterface& numbered : kDispinterfaces) {
         if (std::find(of_.begin(), of_.end(), numbered.of) == of_.end()) continue;
         dispinterface_ = &numbered;
@@ -45,7 +46,6 @@ void ClassMembers::Add(const Interface& row) {
     if (row.base) Add(*row.base);
     of_.push_back(&row);
     for (const Method& method : row.methods) Add(row, method);
-    for (const Method& method : AddedMethods(*row.iid)) Add(row, method);
 }
 
 void ClassMembers::Add(const Interface& row, const Method& method) {

@@ -33,17 +33,19 @@ public:
     bool empty() const noexcept { return members_.empty(); }
     const Member* Find(std::string_view smallLetters) const noexcept;
     const Member* Find(DISPID id) const noexcept;
-    // The dispatch interface that numbers members of this class; null for most classes.
+    // The dispatch interfaces that have the class's members: that of the type library, and that of the contract which
+    // numbers some of them. Null where there is none.
+    const ScriptClass* scriptClass() const noexcept { return class_; }
     const Dispinterface* dispinterface() const noexcept { return dispinterface_; }
 
 private:
     void Add(const Interface& row);
-
     void Add(const Interface& row, const Method& method);
 
     std::map<std::string, Member, std::less<>> members_;  // by their names in small letters
     std::map<DISPID, const Member*> byId_;
     std::vector<const Interface*> of_;  // the interfaces whose methods are members
+    const ScriptClass* class_ = nullptr;
     const Dispinterface* dispinterface_ = nullptr;
 };
 

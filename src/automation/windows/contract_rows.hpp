@@ -1,5 +1,5 @@
-// What scripts can call, as tables: idl/make_dispatch.py writes the rows of the contract, added_methods.cpp those of
-// methods that exist for scripts only. The types of parameters and fields come from the compiler.
+// What scripts can call, as tables, which idl/make_dispatch.py writes. The types of parameters and fields come from the
+// compiler.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -78,10 +78,9 @@ struct Method {
     CallFn call;
     std::span<const Parameter> parameters;
     Access access;
-    uint8_t slot;  // in the interface's table; from kFirstAddedSlot on for methods that are added
+    uint8_t slot;  // in the interface's table; from 128 on for methods that are added
 };
 
-inline constexpr int kFirstAddedSlot = 128;
 inline constexpr size_t kMostParameters = 10;
 
 struct Interface {
@@ -103,8 +102,15 @@ struct Dispinterface {
     std::span<const NumberedMember> members;
 };
 
+// What the objects of a class answer, and their dispatch interface in the type library.
+struct ScriptClass {
+    IID iid;
+    std::span<const Interface* const> interfaces;  // each behind its base
+};
+
 extern const std::span<const Interface* const> kInterfaces;  // each behind its base
 extern const std::span<const Dispinterface> kDispinterfaces;
+extern const std::span<const ScriptClass> kScriptClasses;
 
 // The row of a record.
 template <class T>

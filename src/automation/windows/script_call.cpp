@@ -118,28 +118,34 @@ VARIANT ScriptCall::Cell::TakeResult(const Parameter& parameter) {
     return result;
 }
 
+Parameters::Parameters(const Method& method) noexcept {
+    for (size_t i = 0; i < method.parameters.size(); ++i) {
+        if (method.parameters[i].flags & kResult) continue;
+        all_[allCount_++] = static_cast<uint8_t>(i);
+        if (!(method.parameters[i].flags & kOut)) numbered_[inputCount_++] = static_cast<uint8_t>(i);
+    }
+    size_t number = inputCount_;
+    for (size_t i = 0; i < allCount_; ++i)
+        if (method.parameters[all_[i]].flags & kOut) numbered_[number++] = all_[i];
+}
+
 // Positions count the parameters that are no results, if there are not more arguments than those; else all.
 void ScriptCall::Assign(const DISPPARAMS& arguments) {
-    const std::span<const Parameter> parameters = method_.parameters;
-    std::array<size_t, kMostParameters> inputs{}, all{};
-    size_t inputCount = 0, allCount = 0;
-    for (size_t i = 0; i < parameters.size(); ++i) {
-        if (parameters[i].flags & kIn) inputs[inputCount++] = i;
-        if (!(parameters[i].flags & kResult)) all[allCount++] = i;
-    }
+    const Parameters parameters(method_);
     for (UINT i = 0; i < arguments.cNamedArgs; ++i) {
         const DISPID name = arguments.rgdispidNamedArgs[i];
         const bool isValue = name == DISPID_PROPERTYPUT && method_.access == kPut;
-        const size_t parameter = isValue ? parameters.size() - 1 : static_cast<size_t>(name);
-        if (name < 0 && !isValue) throw BadCall{DISP_E_PARAMNOTFOUND, i};
-        if (parameter >= parameters.size() || (parameters[parameter].flags & kResult) || given_[parameter])
-            throw BadCall{DISP_E_PARAMNOTFOUND, i};
+        const size_t number = isValue ? parameters.numbered().size() - 1 : static_cast<size_t>(name);
+        if ((name < 0 && !isValue) || number >= parameters.numbered().size()) throw BadCall{DISP_E_PARAMNOTFOUND, i};
+        const size_t parameter = parameters.numbered()[number];
+        if (given_[parameter]) throw BadCall{DISP_E_PARAMNOTFOUND, i};
         given_[parameter] = &arguments.rgvarg[i];
         places_[parameter] = i;
     }
     const UINT positional = arguments.cArgs - arguments.cNamedArgs;
-    if (positional > allCount) throw BadCall{DISP_E_BADPARAMCOUNT};
-    const auto& order = positional > inputCount ? all : inputs;
+    const std::span<const uint8_t> inputs = parameters.inputs(), all = parameters.all();
+    if (positional > all.size()) throw BadCall{DISP_E_BADPARAMCOUNT};
+    const std::span<const uint8_t> order = positional > inputs.size() ? all : inputs;
     for (UINT i = 0; i < positional; ++i) {
         const UINT place = arguments.cArgs - 1 - i;
         if (given_[order[i]]) throw BadCall{DISP_E_BADPARAMCOUNT};

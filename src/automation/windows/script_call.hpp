@@ -4,7 +4,10 @@
 #include <orlix/orlix.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <span>
 
 #include "automation/windows/contract_rows.hpp"
 #include "automation/windows/named_values.hpp"
@@ -15,6 +18,22 @@ namespace orlix::automation {
 struct BadCall {
     HRESULT result;
     UINT argument = 0;
+};
+
+// The parameters of a method, by their indices.
+class Parameters {
+public:
+    explicit Parameters(const Method& method) noexcept;
+
+    std::span<const uint8_t> inputs() const noexcept { return {numbered_.data(), inputCount_}; }
+    // All but the result: in the order of the method, and in that of the numbers that names have. There the outputs,
+    // which type information does not show, come behind.
+    std::span<const uint8_t> all() const noexcept { return {all_.data(), allCount_}; }
+    std::span<const uint8_t> numbered() const noexcept { return {numbered_.data(), allCount_}; }
+
+private:
+    std::array<uint8_t, kMostParameters> all_{}, numbered_{};
+    size_t allCount_ = 0, inputCount_ = 0;
 };
 
 class ScriptCall {
@@ -62,7 +81,6 @@ private:
     };
 
     void Assign(const DISPPARAMS& arguments);
-    void Put(size_t parameter, const DISPPARAMS& arguments, UINT argument, HRESULT problem);
 
     const Method& method_;
     LCID locale_;

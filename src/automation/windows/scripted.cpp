@@ -29,12 +29,14 @@ const Method* Chosen(const Member& member, WORD flags) noexcept {
     return flags & DISPATCH_METHOD ? member.methods[kCall] : nullptr;
 }
 
-// The number of a parameter, from 0.
+// The number of a parameter.
 DISPID ParameterOf(const Member& member, std::string_view smallLetters) noexcept {
-    for (const Method* method : member.methods)
-        for (size_t i = 0; method && i < method->parameters.size(); ++i)
-            if (!(method->parameters[i].flags & kResult) && IsNamed(method->parameters[i].name, smallLetters))
-                return static_cast<DISPID>(i);
+    for (const Method* method : member.methods) {
+        if (!method) continue;
+        const Parameters parameters(*method);
+        for (size_t i = 0; i < parameters.numbered().size(); ++i)
+            if (IsNamed(method->parameters[parameters.numbered()[i]].name, smallLetters)) return static_cast<DISPID>(i);
+    }
     return DISPID_UNKNOWN;
 }
 
@@ -56,11 +58,14 @@ HRESULT ExceptionOf(HRESULT result, EXCEPINFO* exception) noexcept {
 void* Scripted::AsDispatch(REFIID iid) noexcept {
     bool isDispatch = iid == __uuidof(IDispatch);
     for (const Dispinterface& row : kDispinterfaces) isDispatch = isDispatch || *row.iid == iid;
+    for (const ScriptClass& row : kScriptClasses) isDispatch = isDispatch || row.iid == iid;
     if (!isDispatch) return nullptr;
     try {
         const ClassMembers& members = Members();
-        const Dispinterface* const row = members.dispinterface();
-        const bool answers = iid == __uuidof(IDispatch) ? !members.empty() : row && *row->iid == iid;
+        const bool answers = iid == __uuidof(IDispatch)
+                                 ? !members.empty()
+                                 : (members.scriptClass() && members.scriptClass()->iid == iid) ||
+                                       (members.dispinterface() && *members.dispinterface()->iid == iid);
         return answers ? static_cast<IDispatch*>(this) : nullptr;
     } catch (const std::bad_alloc&) {
         return nullptr;
@@ -71,7 +76,7 @@ STDMETHODIMP Scripted::GetTypeInfoCount(UINT* count) noexcept {
     if (!count) return E_POINTER;
     *count = 0;
     try {
-        *count = Members().dispinterface() ? 1 : 0;
+        *count = Members().scriptClass() ? 1 : 0;
         return S_OK;
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
@@ -82,17 +87,17 @@ STDMETHODIMP Scripted::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept 
     if (!info) return E_POINTER;
     *info = nullptr;
     try {
-        const Dispinterface* const row = Members().dispinterface();
+        const ScriptClass* const row = Members().scriptClass();
         if (index != 0 || !row) return DISP_E_BADINDEX;
         ComPtr<ITypeLib> library;
         const HRESULT loaded = LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.Out());
-        return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(*row->iid, info);
+        return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(row->iid, info);
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     }
 }
 
-// The first name is a member's, the others those of its parameters, which are numbered from 0.
+// The first name is a member's, the others those of its parameters.
 STDMETHODIMP Scripted::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (!names || !ids) return E_POINTER;

@@ -12,14 +12,14 @@ list(TRANSFORM stdole REPLACE "/stdole2.tlb$" "")
 find_path(ORLIX_TYPE_LIBRARY_IMPORTS stdole2.tlb
     PATHS ${stdole} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 
-# The library says what each method does, in the first sentence of its comment.
+# The library says what each method does, in the first sentence of its comment, and what scripts see.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(described ${CMAKE_CURRENT_BINARY_DIR}/described.idl)
-set(scripts ${PROJECT_SOURCE_DIR}/idl/add_help.py ${PROJECT_SOURCE_DIR}/idl/contract.py)
+list(TRANSFORM ORLIX_SCRIPT_DESCRIPTION PREPEND ${PROJECT_SOURCE_DIR}/idl/ OUTPUT_VARIABLE description)
 add_custom_command(OUTPUT ${described}
-    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/idl/add_help.py ${described}
-    DEPENDS ${idl} ${scripts}
-    COMMENT "Help strings" VERBATIM)
+    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/idl/make_type_library.py ${described}
+    DEPENDS ${description} ${PROJECT_SOURCE_DIR}/idl/make_type_library.py
+    COMMENT "Help strings and dispatch interfaces" VERBATIM)
 
 math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
 set(widl ${ORLIX_WIDL} -m${bits} -I ${ORLIX_IDL_IMPORTS} -L ${ORLIX_TYPE_LIBRARY_IMPORTS}

@@ -142,7 +142,8 @@ std::string Type::Describe(const TYPEDESC& type) const {
     static constexpr std::pair<VARTYPE, const char*> kNames[] = {
         {VT_I4, "long"},           {VT_R8, "double"},         {VT_UI1, "unsigned char"}, {VT_UI2, "unsigned short"},
         {VT_UINT, "unsigned int"}, {VT_UI4, "unsigned long"}, {VT_BSTR, "BSTR"},         {VT_VOID, "void"},
-        {VT_UNKNOWN, "IUnknown*"}, {VT_HRESULT, "HRESULT"},   {VT_I8, "long long"}};
+        {VT_UNKNOWN, "IUnknown*"}, {VT_HRESULT, "HRESULT"},   {VT_I8, "long long"},      {VT_DISPATCH, "IDispatch*"},
+        {VT_VARIANT, "VARIANT"}};
     if (type.vt == VT_PTR) return Describe(*type.lptdesc) + "*";
     if (type.vt == VT_USERDEFINED) return Referred(type.hreftype).Name();
     return NameIn<VARTYPE>(kNames, type.vt);
