@@ -34,6 +34,7 @@ class Reference:
             found = next(entry for entry in scripts.classes if entry.name == name)
             self.class_of |= {interface: name for interface in scripts.all_interfaces(found)}
         self.class_of["IRegionOfInterest"] = "OrlixShapeRegionOfInterest"
+        self.returned = {("IBlobs", "LabelImage"): "OrlixPlaneImage", ("IBlobs", "Region"): "OrlixRunRegion"}
 
     def type_of(self, kind):
         name = kind.rstrip("*")
@@ -51,6 +52,9 @@ class Reference:
             return "[SBinaryMeasurements](#sbinarymeasurements)"
         outputs = method.outputs()
         result = [parameter for parameter in outputs if parameter.is_result] or outputs
+        if (method.interface, method.name) in self.returned:
+            name = self.returned[method.interface, method.name]
+            return f"[{name}](#{anchor(name)})"
         if len(result) > 1:
             return "{" + ", ".join(parameter.name for parameter in result) + "}"
         return self.type_of(result[0].value_type) if result else ""
@@ -86,12 +90,12 @@ class Reference:
             yield from (self.row(member) for member in members)
 
     def records(self):
-        yield "\n## Records\n\nObjects with these fields; `m_lSize` sets itself. Names with their prefix (`m_dAlpha`) work too."
+        yield "\n## Records\n\nObjects with these fields. Their names in the contract, with a prefix (`m_dAlpha`), work too."
         for name, fields in self.scripts.records.items():
             known = [found for found in self.scripts.contract.declarations if found.name == name]
-            brief = f" {known[0].brief()}" if known else ""
-            shown = ", ".join(f"`{re.sub(r'^m_[a-z]+(?=[A-Z])', '', field)}`" for field in fields if field != "m_lSize")
-            yield f"\n### {name}\n\n{brief.strip()} {shown}".rstrip()
+            brief = known[0].brief() if known else ""
+            shown = ", ".join(f"`{re.sub('^m_[a-z]+(?=[A-Z])', '', field)}`" for field in fields if field != "m_lSize")
+            yield f"\n### {name}\n\n{brief} {shown}".replace("\n ", "\n")
 
     def constants(self):
         yield "\n## Constants\n\nLanguages that do not read the type library need the numbers."

@@ -2,8 +2,10 @@
 
 import argparse
 import concurrent.futures
+import csv
 import fnmatch
 import json
+import math
 import os
 import re
 import shutil
@@ -390,6 +392,62 @@ class Wine:
         return run([*self.command, "reg", "query", f"HKEY_CLASSES_ROOT\\{progid}\\CLSID"]).status == 0
 
 
+def rows_of(text):
+    """The rows of a table with names in its first line; what is a number is one."""
+    def value(cell):
+        try:
+            return float(cell)
+        except ValueError:
+            return cell
+    return [{name: value(cell) for name, cell in row.items()} for row in csv.DictReader(text.splitlines())]
+
+
+def agree(found, wanted):
+    """Whether the rows have the values of the wanted ones, to the 12 digits that scripts print at least."""
+    return len(found) == len(wanted) and all(
+        row.get(name) == value or
+        isinstance(row.get(name), float) and math.isclose(row[name], value, rel_tol=1e-12)
+        for row, known in zip(found, wanted) for name, value in known.items())
+
+
+def example_scripts(tally, wine):
+    """The scripts of examples/scripts do what the command line does, with the same numbers."""
+    folder = BUILD / f"examples{wine.bits}"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    specimen = folder / "specimen.png"
+    tool = [*wine.command, BUILD / f"win{wine.bits}/tools/orlix/orlix.exe"]
+
+    def script(name, *arguments):
+        return [*wine.command, "cscript.exe", "//nologo", windows_path(ROOT / "examples/scripts" / name),
+                *map(windows_path, arguments)]
+
+    def check(what, holds, outcome):
+        tally.check(what, "" if holds else f"{outcome.output}\n{outcome.ending()}")
+
+    tally.check("the tool writes a specimen for scripts", problem_of([*tool, "specimen", windows_path(specimen)]))
+    particles = rows_of(run([*tool, "particles", windows_path(specimen), "--min-area", "12", "--csv"]).output)
+    columns = ("number", "x", "y", "pixels", "diameter")
+    particles = [{name: row[name] for name in columns} for row in particles]
+    for language in "vbs", "js":
+        outcome = run(script(f"count_particles.{language}", specimen))
+        check(f"count_particles.{language} finds the 70 particles of the command line",
+              len(particles) == 70 and agree(rows_of(outcome.output), particles), outcome)
+        flat = folder / f"flat_{language}.png"
+        outcome = run(script(f"flatten.{language}", specimen, flat))
+        check(f"flatten.{language} takes the slope out of an image and saves it",
+              outcome.status == 0 and "flattened" in run([*tool, "info", windows_path(flat)]).output, outcome)
+        outcome = run(script(f"errors.{language}"))
+        check(f"errors.{language} shows the texts of failures", outcome.status == 0 and re.match(
+            r"failed.*: IImageVPAEx::CreateFromFile: failed to open file\..*\n"
+            r"failed.*: IImageProcess::Invert: no image\.", outcome.output) is not None, outcome)
+    images = sorted(folder.glob("*.png"))
+    measured = rows_of(run(script("measure_images.js", *images)).output)
+    outcome = run(script("measure_folder.vbs", folder))
+    by_name = sorted(rows_of(outcome.output), key=lambda row: row["image"])
+    check("measure_folder.vbs agrees with measure_images.js", len(measured) == 3 and agree(by_name, measured), outcome)
+
+
 def windows(tally, bits):
     library = build_windows(bits, *programs(f"win{bits}"))
     with Wine(bits) as wine:
@@ -397,6 +455,8 @@ def windows(tally, bits):
         registration.check("regsvr32 registers orlix.dll", wine.register(library))
         registration.check("its classes are known then", "" if wine.knows("Orlix.Image") else "Orlix.Image is not")
         run_tests(tally, f"win{bits}", wine.command)
+        if not choice:
+            example_scripts(tally, wine)
         registration.check("regsvr32 unregisters orlix.dll", wine.register(library, "/u"))
         registration.check("its classes are unknown then", "Orlix.Image is known" if wine.knows("Orlix.Image") else "")
         if choice:

@@ -187,5 +187,41 @@ TEST_F(ScriptArrays, BlobsAreACollectionOfTheirMeasurements) {
     EXPECT_EQ(1u, level.size(0));
 }
 
+TEST(ScriptPixels, OneByOneInEveryType) {
+    const struct {
+        int type;
+        double given, kept, tooLarge;
+    } types[] = {{DT_BYTE, 254.6, 255, 255.5},
+                 {DT_WORD, 65535, 65535, 65536},
+                 {DT_DWORD, 4294967295.0, 4294967295.0, 4294967296.0},
+                 {DT_Float, 0.1, static_cast<double>(0.1f), 1e39}};
+    for (const auto& [type, given, kept, tooLarge] : types) {
+        const Script image = NewScriptImage(3, 2, 2, type);
+        image.Put("Pixel", {2, 1, given});
+        image.Put("Pixel", {0, 1, 1, 7});
+        EXPECT_EQ(kept, image("Pixel", {2, 1}).number());
+        EXPECT_EQ(7, image("Pixel", {0, 1, 1}).number());
+        EXPECT_EQ(0, image("Pixel", {0, 1}).number()) << "of another band";
+        EXPECT_EQ(DISP_E_OVERFLOW, image.Try("Pixel", {2, 1, tooLarge}, DISPATCH_PROPERTYPUT).result);
+        EXPECT_EQ(kept, image("Pixel", {2, 1}).number());
+        for (const auto& [x, y] : {std::pair{-1, 0}, {3, 0}, {0, -1}, {0, 2}}) {
+            EXPECT_EQ(DISP_E_BADINDEX, image.Try("Pixel", {x, y}).scode);
+            EXPECT_EQ(DISP_E_BADINDEX, image.Try("Pixel", {x, y, 1}, DISPATCH_PROPERTYPUT).scode);
+        }
+        EXPECT_EQ("IImageVPA::VPA: BandIndex is out of range", image.Try("Pixel", {0, 0, 2}).text);
+    }
+    EXPECT_EQ(DISP_E_BADINDEX, Script("Orlix.Image").Try("Pixel", {0, 0}).scode) << "without pixels";
+    const Script bitmap("Orlix.Bitmap");
+    bitmap("Create", {11, 2});
+    bitmap.Put("Pixel", {9, 1, -3});
+    bitmap.Put("Pixel", {8, 1, 1});
+    bitmap.Put("Pixel", {8, 1, 0});
+    EXPECT_EQ(1, bitmap("PixelCount").number());
+    EXPECT_EQ(1, bitmap("Pixel", {9, 1}).number());
+    EXPECT_EQ(0, bitmap("Pixel", {8, 1}).number());
+    for (const auto& [x, y] : {std::pair{11, 0}, {0, 2}, {-1, 0}})
+        EXPECT_EQ(DISP_E_BADINDEX, bitmap.Try("Pixel", {x, y}).scode);
+}
+
 }  // namespace
 }  // namespace orlix::testing

@@ -23,7 +23,9 @@ from portable_executable import TOOLS, PortableExecutable
 ROOT = Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "idl"))
 import make_header
+import make_scripting_reference
 from contract import Contract
+from scripts import ScriptContract
 
 GENERATED = "include/orlix/orlix.h"
 
@@ -185,6 +187,7 @@ def check_sources():
     check("each method of the contract goes through the boundary", outside_the_boundary())
     check("the texts that the contract quotes are the library's", unknown_texts())
     check("each kernel with variants is tested and listed", forgotten_kernels())
+    check("docs/scripting-reference.md is what the descriptions of the contract give", reference_problems())
     check("folders of src stand on lower ones only, clients on the installed headers only", wrong_includes())
 
     marks = re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b")
@@ -337,6 +340,12 @@ def check_windows(bits, build):
         check(f"{bits}-bit {tool.name} imports libraries of the system only",
               sorted(f"imports {entry}" for entry in PortableExecutable(tool).imports
                      if entry.lower() not in SYSTEM_LIBRARIES))
+
+
+def reference_problems():
+    page = "docs/scripting-reference.md"
+    found, wanted = (ROOT / page).read_text("utf-8"), make_scripting_reference.text_of(ScriptContract())
+    return [] if found == wanted else [f"{page} is not what idl/make_scripting_reference.py writes"]
 
 
 def check_contract(build):

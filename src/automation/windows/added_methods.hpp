@@ -56,17 +56,21 @@ template <>
 struct Added<IBitmapProcess> {
     static HRESULT ApplyTable(IBitmapProcess* bitmap, const GivenValue* table, LONG times, LONG* passes);
     static constexpr auto PutPixels = &PutBitmapPixels;
+    static constexpr auto put_Pixel = &PutBitmapPixel;
 };
 
 template <>
 struct Added<IBitmap> {
     static constexpr auto GetPixels = &GetBitmapPixels;
+    static constexpr auto get_Pixel = &GetBitmapPixel;
 };
 
 template <>
 struct Added<IImageVPA> {
     static constexpr auto GetPixels = &GetImagePixels;
     static constexpr auto PutPixels = &PutImagePixels;
+    static constexpr auto get_Pixel = &GetImagePixel;
+    static constexpr auto put_Pixel = &PutImagePixel;
 };
 
 template <>

@@ -111,6 +111,41 @@ std::vector<uint8_t> Converted(const GivenArray& array, VARTYPE type) {
     return type == VT_UI4 ? ConvertedPixels<uint32_t>(array) : ConvertedPixels<float>(array);
 }
 
+// Calls `use` with a pixel's address and a value of its type.
+template <class Use>
+HRESULT AtPixel(IImageVPA* image, LONG x, LONG y, LONG band, bool (*mayAccess)(const void*, size_t), const Use& use) {
+    BandMemory memory;
+    const HRESULT found = FindBand(image, band, memory);
+    if (FAILED(found)) return found;
+    if (found != S_OK || x < 0 || y < 0 || static_cast<size_t>(x) >= memory.width ||
+        static_cast<size_t>(y) >= memory.height)
+        return DISP_E_BADINDEX;
+    uint8_t* const at = memory.row(static_cast<size_t>(y)) + static_cast<size_t>(x) * memory.sampleSize;
+    if (!mayAccess(at, memory.sampleSize)) return E_FAIL;
+    if (memory.type == VT_UI1) {
+        use(at, uint8_t{});
+    } else if (memory.type == VT_UI2) {
+        use(at, uint16_t{});
+    } else if (memory.type == VT_UI4) {
+        use(at, uint32_t{});
+    } else {
+        use(at, float{});
+    }
+    return S_OK;
+}
+
+void TellPicture(IImageVPA* image) {
+    if (const auto display = ComPtr<IImageVPA>(image).As<IDisplayProcess>()) display->put_DisplayDirty(1);
+}
+
+bool IsInside(IBitmap* bitmap, LONG x, LONG y) {
+    LONG width = 0, height = 0;
+    return SUCCEEDED(bitmap->get_Width(&width)) && SUCCEEDED(bitmap->get_Height(&height)) && x >= 0 && x < width &&
+           y >= 0 && y < height;
+}
+
+uint8_t BitOf(LONG x) { return static_cast<uint8_t>(0x80 >> x % 8); }
+
 }  // namespace
 
 HRESULT GetImagePixels(IImageVPA* image, LONG band, VARIANT* pixels) {
@@ -142,8 +177,24 @@ HRESULT PutImagePixels(IImageVPA* image, LONG band, const GivenValue* pixels) {
     const auto* source = converted.empty() ? static_cast<const uint8_t*>(array.data()) : converted.data();
     const size_t bytes = memory.width * memory.sampleSize;
     for (size_t y = 0; y < memory.height; ++y) std::memcpy(memory.row(y), source + y * bytes, bytes);
-    if (const auto display = ComPtr<IImageVPA>(image).As<IDisplayProcess>()) display->put_DisplayDirty(1);
+    TellPicture(image);
     return S_OK;
+}
+
+HRESULT GetImagePixel(IImageVPA* image, LONG x, LONG y, LONG band, double* value) {
+    return AtPixel(image, x, y, band, &IsReadable, [&](const uint8_t* at, auto pixel) {
+        std::memcpy(&pixel, at, sizeof pixel);
+        *value = pixel;
+    });
+}
+
+HRESULT PutImagePixel(IImageVPA* image, LONG x, LONG y, LONG band, double value) {
+    const HRESULT result = AtPixel(image, x, y, band, &IsWritable, [&](uint8_t* at, auto pixel) {
+        pixel = AsPixel<decltype(pixel)>(value);
+        std::memcpy(at, &pixel, sizeof pixel);
+    });
+    if (SUCCEEDED(result)) TellPicture(image);
+    return result;
 }
 
 HRESULT GetBitmapPixels(IBitmap* bitmap, VARIANT* pixels) {
@@ -193,6 +244,22 @@ HRESULT PutBitmapPixels(IBitmapProcess* bitmap, const GivenValue* pixels) {
         }
     }
     return S_OK;
+}
+
+HRESULT GetBitmapPixel(IBitmap* bitmap, LONG x, LONG y, LONG* value) {
+    if (!IsInside(bitmap, x, y)) return DISP_E_BADINDEX;
+    unsigned char* row = nullptr;
+    const HRESULT result = bitmap->GetRowPtr(y, &row);
+    if (SUCCEEDED(result)) *value = row[x / 8] & BitOf(x) ? 1 : 0;
+    return result;
+}
+
+HRESULT PutBitmapPixel(IBitmapProcess* bitmap, LONG x, LONG y, LONG value) {
+    if (!IsInside(bitmap, x, y)) return DISP_E_BADINDEX;
+    unsigned char* row = nullptr;
+    const HRESULT result = bitmap->GetWriteRowPtr(y, &row);
+    if (SUCCEEDED(result)) row[x / 8] = static_cast<uint8_t>(value ? row[x / 8] | BitOf(x) : row[x / 8] & ~BitOf(x));
+    return result;
 }
 
 }  // namespace orlix::automation

@@ -1,5 +1,5 @@
-// Pixels as arrays of two dimensions: the first index is the column, the second the row, as the contract names pixels
-// (x, y). In memory the first index runs fastest, so a row of the array is a row of the image.
+// Pixels, one by one and as arrays of two dimensions. Of these the first index is the column, the second the row, as
+// the contract names pixels (x, y). In memory the first index runs fastest: a row of the array is a row of the image.
 #pragma once
 
 #include <orlix/orlix.h>
@@ -15,10 +15,15 @@ HRESULT GetImagePixels(IImageVPA* image, LONG band, VARIANT* pixels);
 // Writes a band. The array has the size of the image and either that type or numbers that are converted (BadValue with
 // DISP_E_OVERFLOW where one is out of range; nothing is written then). The picture of an image is told of the change.
 HRESULT PutImagePixels(IImageVPA* image, LONG band, const GivenValue* pixels);
+// A single pixel, by the same rules. DISP_E_BADINDEX beyond the image.
+HRESULT GetImagePixel(IImageVPA* image, LONG x, LONG y, LONG band, double* value);
+HRESULT PutImagePixel(IImageVPA* image, LONG x, LONG y, LONG band, double value);
 
 // VT_UI1, 0 and 1.
 HRESULT GetBitmapPixels(IBitmap* bitmap, VARIANT* pixels);
 // Every number but 0 sets the pixel.
 HRESULT PutBitmapPixels(IBitmapProcess* bitmap, const GivenValue* pixels);
+HRESULT GetBitmapPixel(IBitmap* bitmap, LONG x, LONG y, LONG* value);
+HRESULT PutBitmapPixel(IBitmapProcess* bitmap, LONG x, LONG y, LONG value);
 
 }  // namespace orlix::automation
