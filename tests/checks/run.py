@@ -300,6 +300,8 @@ def resource_problems(library, build):
     wanted = {("REGISTRY", int(script.name.split("_")[0])): script.read_bytes() for script in scripts}
     libraries = sorted(build.rglob("orlix.tlb"))
     wanted["TYPELIB", 1] = libraries[0].read_bytes() if libraries else b""
+    manifests = sorted(build.rglob("orlix.manifest"))
+    wanted[24, 1] = manifests[0].read_bytes() if manifests else b""
     for key, content in wanted.items():
         if resources.get(key) != content:
             yield f"{key[0]} {key[1]}: {'has another content' if key in resources else 'missing'}"

@@ -30,6 +30,15 @@ add_custom_command(OUTPUT ${ORLIX_TYPE_LIBRARY}
     DEPENDS ${described} ${PROJECT_SOURCE_DIR}/cmake/RunWidl.cmake
     COMMENT "Type library" VERBATIM)
 
+# The classes without the registry, for programs that have the library in their folder.
+set(ORLIX_MANIFEST ${CMAKE_CURRENT_BINARY_DIR}/orlix.manifest)
+set(make_manifest ${CMAKE_CURRENT_SOURCE_DIR}/module/windows/make_manifest.py)
+add_custom_command(OUTPUT ${ORLIX_MANIFEST}
+    COMMAND ${Python3_EXECUTABLE} ${make_manifest} ${ORLIX_MANIFEST} ${PROJECT_VERSION}.0 ${bits}
+            ${registration_scripts}
+    DEPENDS ${make_manifest} ${registration_scripts}
+    COMMENT "Manifest" VERBATIM)
+
 set(ORLIX_SCRIPT_RESOURCES "")
 foreach(script IN LISTS registration_scripts)
     get_filename_component(name ${script} NAME)
@@ -38,7 +47,7 @@ foreach(script IN LISTS registration_scripts)
 endforeach()
 configure_file(${CMAKE_CURRENT_SOURCE_DIR}/module/windows/orlix.rc.in ${CMAKE_CURRENT_BINARY_DIR}/orlix.rc @ONLY)
 set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/orlix.rc PROPERTIES
-    OBJECT_DEPENDS "${ORLIX_TYPE_LIBRARY};${registration_scripts}")
+    OBJECT_DEPENDS "${ORLIX_TYPE_LIBRARY};${ORLIX_MANIFEST};${registration_scripts}")
 
 enable_language(RC)
 target_sources(orlix PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/orlix.rc ${CMAKE_CURRENT_SOURCE_DIR}/module/windows/orlix.def)
