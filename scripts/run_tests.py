@@ -397,7 +397,7 @@ def rows_of(text):
     def value(cell):
         try:
             return float(cell)
-        except ValueError:
+        except (TypeError, ValueError):  # None where a line has too few cells
             return cell
     return [{name: value(cell) for name, cell in row.items()} for row in csv.DictReader(text.splitlines())]
 
@@ -448,6 +448,32 @@ def example_scripts(tally, wine):
     check("measure_folder.vbs agrees with measure_images.js", len(measured) == 3 and agree(by_name, measured), outcome)
 
 
+def package(tally, wine):
+    """The zip file for Windows works where a user unpacks it: its programs at once, its scripts after install.cmd."""
+    folder = BUILD / "package" / "für Prüfer"
+    shutil.rmtree(folder.parent, ignore_errors=True)
+    archive = BUILD / "orlix-windows.zip"
+    tally.check("scripts/package windows", problem_of([ROOT / "scripts/package", "windows", archive], 1200))
+    shutil.unpack_archive(archive, folder)
+    unpacked = next(folder.iterdir())
+    specimen = folder / "specimen.png"
+    with Wine(32) as other:
+        for running, name in ((other, "x86"), (wine, "x64")):
+            tool = [*running.command, unpacked / name / "orlix.exe"]
+            run([*tool, "specimen", windows_path(specimen)])
+            outcome = run([*tool, "particles", windows_path(specimen), "--min-area", "12", "--csv"])
+            tally.check(f"the package's {name} program counts without registration",
+                        "" if len(rows_of(outcome.output)) == 70 else f"{outcome.output}\n{outcome.ending()}")
+    for script, knows in ("install.cmd", True), ("uninstall.cmd", False):
+        problem = problem_of([*wine.command, "cmd", "/c", windows_path(unpacked / script)])
+        tally.check(f"the package's {script}", problem or ("" if wine.knows("Orlix.Image") == knows else script))
+        if knows:
+            outcome = run([*wine.command, "cscript.exe", "//nologo",
+                           windows_path(unpacked / "examples/scripts/count_particles.vbs"), windows_path(specimen)])
+            tally.check("the package's scripts count after that",
+                        "" if len(rows_of(outcome.output)) == 70 else f"{outcome.output}\n{outcome.ending()}")
+
+
 def windows(tally, bits):
     library = build_windows(bits, *programs(f"win{bits}"))
     with Wine(bits) as wine:
@@ -459,6 +485,8 @@ def windows(tally, bits):
             example_scripts(tally, wine)
         registration.check("regsvr32 unregisters orlix.dll", wine.register(library, "/u"))
         registration.check("its classes are unknown then", "Orlix.Image is known" if wine.knows("Orlix.Image") else "")
+        if bits == 64 and not choice:  # when both libraries are built
+            package(tally, wine)
         if choice:
             tally.failed += registration.failed
 
