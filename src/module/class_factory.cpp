@@ -4,6 +4,7 @@
 #include <span>
 #include <utility>
 
+#include "component/error_report.hpp"
 #include "module/class_table.hpp"
 #include "platform/module_lock.hpp"
 
@@ -15,7 +16,8 @@ class ClassFactory final : public IClassFactory {
 public:
     explicit ClassFactory(const ClassRow& row) noexcept : row_(row) {}
 
-    bool Makes(REFCLSID clsid) const noexcept { return row_.create && *row_.clsid == clsid; }
+    bool IsOf(REFCLSID clsid) const noexcept { return *row_.clsid == clsid; }
+    bool isBuilt() const noexcept { return row_.create != nullptr; }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
         if (!object) return E_POINTER;
@@ -61,8 +63,11 @@ std::span<ClassFactory> Factories(std::index_sequence<Row...>) noexcept {
 HRESULT GetClassFactory(REFCLSID clsid, REFIID iid, void** factory) noexcept {
     if (!factory) return E_POINTER;
     *factory = nullptr;
-    for (ClassFactory& candidate : Factories(std::make_index_sequence<kNumberOfClasses>()))
-        if (candidate.Makes(clsid)) return candidate.QueryInterface(iid, factory);
+    for (ClassFactory& candidate : Factories(std::make_index_sequence<kNumberOfClasses>())) {
+        if (!candidate.IsOf(clsid)) continue;
+        if (candidate.isBuilt()) return candidate.QueryInterface(iid, factory);
+        return ReportError(clsid, "This class is not built yet.", __uuidof(IClassFactory), CLASS_E_CLASSNOTAVAILABLE);
+    }
     return CLASS_E_CLASSNOTAVAILABLE;
 }
 

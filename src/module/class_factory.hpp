@@ -5,7 +5,8 @@
 
 namespace orlix {
 
-// CLASS_E_CLASSNOTAVAILABLE for a class that is not in the table or not built.
+// CLASS_E_CLASSNOTAVAILABLE for a class that is not in the table, and for one that is not built, which is reported:
+// "This class is not built yet."
 HRESULT GetClassFactory(REFCLSID clsid, REFIID iid, void** factory) noexcept;
 
 }  // namespace orlix

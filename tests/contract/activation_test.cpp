@@ -114,6 +114,13 @@ TEST(Activation, AllFourteenNamesLeadToTheirClassesAndBackBuiltOrNot) {
         EXPECT_TRUE(Refuses(kClassNotAvailable, [&](void** object) {
             return CoCreateInstance(want, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), object);
         }));
+        ComPtr<IErrorInfo> info;
+        ASSERT_EQ(S_OK, GetErrorInfo(0, info.Out()));
+        Text text, source;
+        info->GetDescription(text.Out());
+        info->GetSource(source.Out());
+        EXPECT_EQ("This class is not built yet.", text.Utf8());
+        EXPECT_EQ(versioned, source.Utf8());
     }
 }
 
