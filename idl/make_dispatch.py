@@ -11,7 +11,7 @@ import sys
 import uuid
 from pathlib import Path
 
-from scripts import ScriptContract
+from scripts import ScriptContract, uuid_of
 
 
 def record_rows(scripts):
@@ -85,7 +85,10 @@ def class_rows(scripts):
         yield f"constexpr const Interface* k{found.name}Interfaces[] = {{"
         yield from (f"    &k{name}Row," for name in scripts.all_interfaces(found))
         yield "};"
-        rows.append(f"    {{{identifier(found.uuid)}, k{found.name}Interfaces}},")
+        coclass = f"&__uuidof({found.name})" if found.name in scripts.coclasses else "nullptr"
+        events = "&kPictureEvents" if scripts.raises_events(found) else "nullptr"
+        rows.append(f"    {{{identifier(found.uuid)}, k{found.name}Interfaces, {coclass}, {events}}},")
+    yield f"constinit const IID kPictureEvents = {identifier(uuid_of(scripts.events))};"
     yield from ["constexpr ScriptClass kScriptClassRows[] = {", *rows, "};"]
 
 

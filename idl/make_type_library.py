@@ -11,7 +11,7 @@ import re
 import sys
 from pathlib import Path
 
-from scripts import ScriptContract
+from scripts import ScriptContract, uuid_of
 
 
 def help_string(declaration):
@@ -97,10 +97,20 @@ def dispatch_interfaces(scripts):
         yield from ["    };", ""]
 
 
+def events(scripts):
+    found = scripts.events
+    yield f"    [uuid({uuid_of(found)}), {help_string(found)}]"
+    yield from [f"    dispinterface {found.name}", "    {", "        properties:", "        methods:"]
+    for event in scripts.added.declarations:
+        if event.owner == found.name:
+            yield f"            {event.text.replace(']', f', {help_string(event)}]', 1)}"
+    yield from ["    };", ""]
+
+
 def text_of(scripts):
     lines = with_help(scripts.contract)
-    classes = [found for found in scripts.contract.declarations if found.kind == "coclass"]
-    known = {found.name for found in scripts.classes}
+    classes = list(scripts.coclasses.values())
+    known = {found.name: found for found in scripts.classes}
     for found in classes:
         if found.name in known:
             opening = found.line
@@ -108,12 +118,14 @@ def text_of(scripts):
                 opening += 1
             first, default = re.match(r"(.*\{)(.*)", lines[opening]).groups()
             listed = f" dispinterface {found.name}Disp;"
+            if scripts.raises_events(known[found.name]):
+                listed += f" [source] dispinterface {scripts.events.name};"
             if default:
                 lines[opening] = first + default.replace(" };", listed + " };")
             else:
                 lines[opening + 1] += listed
     above = classes[0].line - len(classes[0].comment)
-    return "\n".join([*lines[:above], *dispatch_interfaces(scripts), *lines[above:], ""])
+    return "\n".join([*lines[:above], *dispatch_interfaces(scripts), *events(scripts), *lines[above:], ""])
 
 
 def main():

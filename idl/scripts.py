@@ -136,6 +136,8 @@ class ScriptContract:
                 self.records[found.name] = [member.name for member in declared if member.owner == found.name]
         self.methods = {name: list(self._methods(name)) for name in self.interfaces}
         self.classes = [self._class(found) for found in self.added.declarations if found.kind == "coclass"]
+        self.coclasses = {found.name: found for found in declared if found.kind == "coclass"}
+        self.events = next(found for found in self.added.declarations if found.kind == "dispinterface")
 
     # ------------------------------------------------------------------------------------------------- questions
 
@@ -183,6 +185,9 @@ class ScriptContract:
                 if get and get.interface in self.line_of(interface):
                     members[name.lower()].id = number
         return list(members.values())
+
+    def raises_events(self, script_class):
+        return "IPictureExZoom" in script_class.interfaces
 
     def number(self, expression):
         """The value of a sum of enumerators and numbers."""
@@ -237,8 +242,8 @@ class ScriptContract:
                 parameters = list(parameters_of(found.text))
                 memory = contract is self.contract and (interface, name) in WITH_ARRAYS
                 if not memory and all(self._is_for_scripts(name, parameter) for parameter in parameters):
-                    method = Method(interface, name, found.name, {"get_": "kGet", "put_": "kPut", None: "kCall"}[access],
-                                    parameters, slot, found)
+                    method = Method(interface, name, found.name,
+                                    {"get_": "kGet", "put_": "kPut", None: "kCall"}[access], parameters, slot, found)
                     for parameter in parameters:
                         parameter.omitted = self._omitted(method, parameter)
                     yield method

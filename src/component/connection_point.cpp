@@ -7,9 +7,21 @@
 #include <orlix/counted_object.hpp>
 
 #include "platform/module_lock.hpp"
+#ifdef _WIN32
+#include "automation/windows/script_sink.hpp"
+#endif
 
 namespace orlix {
 namespace {
+
+#ifdef _WIN32
+using automation::ConnectScript;
+using automation::IsEventsForScripts;
+#else
+// There are no scripts.
+bool IsEventsForScripts(REFIID, REFIID) { return false; }
+ComPtr<IUnknown> ConnectScript(IUnknown*, REFIID) { return {}; }
+#endif
 
 // The system's result codes for connection points. The header that declares them is available on Windows only.
 constexpr auto kNoConnection = static_cast<HRESULT>(0x80040200), kCannotConnect = static_cast<HRESULT>(0x80040202);
@@ -97,7 +109,7 @@ HRESULT ConnectionPoint::EnumPoints(IEnumConnectionPoints** points) noexcept {
 
 HRESULT ConnectionPoint::FindPoint(REFIID iid, IConnectionPoint** point) noexcept {
     if (!point) return E_POINTER;
-    *point = iid == source_ ? this : nullptr;
+    *point = iid == source_ || IsEventsForScripts(iid, source_) ? this : nullptr;
     if (!*point) return kNoConnection;
     AddRef();
     return S_OK;
@@ -130,8 +142,9 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
     if (!sink) return E_POINTER;
     const ComPtr<IConnectionPoint> alive(this);
     ComPtr<IUnknown> source;
-    if (FAILED(sink->QueryInterface(source_, source.OutVoid())) || !source || closed_) return kCannotConnect;
     try {
+        if (FAILED(sink->QueryInterface(source_, source.OutVoid()))) source = ConnectScript(sink, source_);
+        if (!source || closed_) return kCannotConnect;
         connections_.push_back(std::make_shared<const Connection>(Connection{lastCookie_ + 1, std::move(source)}));
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;

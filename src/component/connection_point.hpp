@@ -16,7 +16,8 @@ namespace orlix {
 //  (2) Connecting or disconnecting during an event takes effect with the next one.
 class ConnectionPoint final : public IConnectionPoint {
 public:
-    // source: the interface that connecting clients must implement.
+    // source: the interface that connecting clients must implement. On Windows scripts connect by a dispatch interface
+    // in its place (automation/windows/script_sink.hpp); EnumConnections has an object of the library for each of them.
     ConnectionPoint(IConnectionPointContainer& container, REFIID source) noexcept
         : container_(container), source_(source) {}
 

@@ -81,8 +81,8 @@ std::string OfTheLibrary(const ComPtr<ITypeLib>& library) {
     for (const Type& type : TypesOf(library)) {
         const std::string name = type.Name();
         const TYPEATTR& attributes = type.attributes();
-        // The system's record, and the dispatch interfaces of classes, which C++ does not need.
-        if (name == "tagRECT" || (attributes.typekind == TKIND_DISPATCH && name.starts_with("Orlix"))) continue;
+        // The system's record, and the dispatch interfaces of scripts, which C++ does not need.
+        if (name == "tagRECT" || (attributes.typekind == TKIND_DISPATCH && !name.starts_with('I'))) continue;
         if (attributes.typekind == TKIND_RECORD) {
             lines.push_back(name + " of size " + std::to_string(attributes.cbSizeInstance));
         } else if (attributes.typekind != TKIND_ENUM) {

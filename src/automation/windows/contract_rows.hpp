@@ -106,11 +106,14 @@ struct Dispinterface {
 struct ScriptClass {
     IID iid;
     std::span<const Interface* const> interfaces;  // each behind its base
+    const CLSID* coclass;                          // null where methods return the objects
+    const IID* events;                             // the dispatch interface of the events; null where there are none
 };
 
 extern const std::span<const Interface* const> kInterfaces;  // each behind its base
 extern const std::span<const Dispinterface> kDispinterfaces;
 extern const std::span<const ScriptClass> kScriptClasses;
+extern const IID kPictureEvents;  // PictureEventsDisp
 
 // The row of a record.
 template <class T>

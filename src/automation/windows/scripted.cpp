@@ -53,19 +53,29 @@ HRESULT ExceptionOf(HRESULT result, EXCEPINFO* exception) noexcept {
     return DISP_E_EXCEPTION;
 }
 
+// A type of the module's type library. May throw std::bad_alloc.
+HRESULT FindType(REFGUID guid, ITypeInfo** info) {
+    ComPtr<ITypeLib> library;
+    const HRESULT loaded = LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.Out());
+    return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(guid, info);
+}
+
 }  // namespace
 
 void* Scripted::AsDispatch(REFIID iid) noexcept {
+    const bool isClassInfo = iid == __uuidof(IProvideClassInfo) || iid == __uuidof(IProvideClassInfo2);
     bool isDispatch = iid == __uuidof(IDispatch);
     for (const Dispinterface& row : kDispinterfaces) isDispatch = isDispatch || *row.iid == iid;
     for (const ScriptClass& row : kScriptClasses) isDispatch = isDispatch || row.iid == iid;
-    if (!isDispatch) return nullptr;
+    if (!isDispatch && !isClassInfo) return nullptr;
     try {
         const ClassMembers& members = Members();
+        const ScriptClass* const row = members.scriptClass();
+        if (isClassInfo) return row && row->coclass ? static_cast<IProvideClassInfo2*>(this) : nullptr;
+        const Dispinterface* const numbered = members.dispinterface();
         const bool answers = iid == __uuidof(IDispatch)
                                  ? !members.empty()
-                                 : (members.scriptClass() && members.scriptClass()->iid == iid) ||
-                                       (members.dispinterface() && *members.dispinterface()->iid == iid);
+                                 : (row && row->iid == iid) || (numbered && *numbered->iid == iid);
         return answers ? static_cast<IDispatch*>(this) : nullptr;
     } catch (const std::bad_alloc&) {
         return nullptr;
@@ -89,9 +99,30 @@ STDMETHODIMP Scripted::GetTypeInfo(UINT index, LCID, ITypeInfo** info) noexcept 
     try {
         const ScriptClass* const row = Members().scriptClass();
         if (index != 0 || !row) return DISP_E_BADINDEX;
-        ComPtr<ITypeLib> library;
-        const HRESULT loaded = LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.Out());
-        return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(row->iid, info);
+        return FindType(row->iid, info);
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+STDMETHODIMP Scripted::GetClassInfo(ITypeInfo** info) noexcept {
+    if (!info) return E_POINTER;
+    *info = nullptr;
+    try {
+        return FindType(*Members().scriptClass()->coclass, info);  // others do not answer this interface
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
+STDMETHODIMP Scripted::GetGUID(DWORD kind, GUID* guid) noexcept {
+    if (!guid) return E_POINTER;
+    *guid = GUID_NULL;
+    if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
+    try {
+        const IID* const events = Members().scriptClass()->events;
+        if (events) *guid = *events;
+        return events ? S_OK : E_NOTIMPL;
     } catch (const std::bad_alloc&) {
         return E_OUTOFMEMORY;
     }

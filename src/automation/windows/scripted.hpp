@@ -13,19 +13,23 @@ namespace orlix::automation {
 //      are an object with a field for each.
 //  (2) Parameters that have a value for it may be left out (idl/make_dispatch.py); others must not.
 //  (3) Methods report as ever; a failure becomes DISP_E_EXCEPTION, whose record has result, text and source.
-class Scripted : public IDispatch {
+//  (4) Objects of classes that clients create say which class they are and what its events are.
+class Scripted : public IDispatch, public IProvideClassInfo2 {
 public:
     STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override;
     STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override;
     STDMETHODIMP GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) noexcept override;
     STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments, VARIANT* result,
                         EXCEPINFO* exception, UINT* badArgument) noexcept override;
+    STDMETHODIMP GetClassInfo(ITypeInfo** info) noexcept override;
+    // GUIDKIND_DEFAULT_SOURCE_DISP_IID only: E_INVALIDARG for other kinds, E_NOTIMPL for a class without events.
+    STDMETHODIMP GetGUID(DWORD kind, GUID* guid) noexcept override;
 
 protected:
     ~Scripted() = default;
 
-    // This base as IDispatch or as the dispatch interface of the class; null for other interfaces, and where scripts
-    // cannot call anything.
+    // This base as IDispatch or as the dispatch interface of the class, or as IProvideClassInfo(2); null for other
+    // interfaces, and where scripts cannot call anything.
     void* AsDispatch(REFIID iid) noexcept;
 
 private:
