@@ -11,7 +11,7 @@ import sys
 import uuid
 from pathlib import Path
 
-from scripts import ScriptContract, uuid_of
+from scripts import NO_TEXT, ScriptContract, uuid_of
 
 
 def record_rows(scripts):
@@ -35,7 +35,8 @@ def parameter_row(symbol, index, parameter):
     omitted = ""
     if parameter.omitted:
         flags.append("kOptional")
-        omitted = f", {parameter.omitted}"
+        if parameter.omitted != NO_TEXT:
+            omitted = f", {parameter.omitted}"
     return f'    ParameterRow<{symbol}, {index}, {" | ".join(flags)}>("{parameter.name}"{omitted}),'
 
 

@@ -45,7 +45,7 @@ class Reference:
         if name in self.scripts.enums:
             return f"[{name}](#{anchor(name)})"
         return {"long": "integer", "double": "number", "BSTR": "text", "OLE_COLOR": "colour", "void": "handle",
-                "VARIANT": "array", "IStream": "stream"}[name]
+                "VARIANT": "array", "IStream": "stream", "IUnknown": "stream"}[name]
 
     def result(self, method):
         if method.name in ("Item", "_NewEnum"):
@@ -90,7 +90,8 @@ class Reference:
             yield from (self.row(member) for member in members)
 
     def records(self):
-        yield "\n## Records\n\nObjects with these fields. Their names in the contract, with a prefix (`m_dAlpha`), work too."
+        yield ("\n## Records\n\n"
+               "Objects with these fields. Their names in the contract, with a prefix (`m_dAlpha`), work too.")
         for name, fields in self.scripts.records.items():
             known = [found for found in self.scripts.contract.declarations if found.name == name]
             brief = known[0].brief() if known else ""

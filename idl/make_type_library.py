@@ -11,7 +11,7 @@ import re
 import sys
 from pathlib import Path
 
-from scripts import ScriptContract, uuid_of
+from scripts import NO_TEXT, SYSTEM_OBJECTS, ScriptContract, uuid_of
 
 
 def help_string(declaration):
@@ -41,7 +41,7 @@ def automation_type(scripts, kind):
     name, stars = kind.rstrip("*"), kind.count("*")
     if name == "void":
         return "VARIANT"  # a handle, as wide as a pointer
-    if name == "IStream":
+    if name in SYSTEM_OBJECTS:
         return "IUnknown*"
     if name in scripts.interfaces or name in scripts.records:
         return "IDispatch*"
@@ -69,7 +69,8 @@ def arguments(scripts, method):
             attributes += ", optional"
             # The interface compiler cannot write values of other types.
             if parameter.type != "double":
-                attributes += f", defaultvalue({scripts.number(parameter.omitted)})"
+                value = NO_TEXT if parameter.omitted == NO_TEXT else scripts.number(parameter.omitted)
+                attributes += f", defaultvalue({value})"
         yield f"[{attributes}] {automation_type(scripts, parameter.value_type)} {parameter.name}"
 
 

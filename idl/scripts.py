@@ -13,7 +13,7 @@ from contract import Contract, Declaration
 SCRIPTS = Path(__file__).resolve().parent / "scripts.idl"
 
 # Slots of the interfaces that those of the contract derive from.
-SYSTEM_SLOTS = {"IUnknown": 3, "IPersistStreamInit": 9}
+SYSTEM_SLOTS = {"IUnknown": 3, "IDispatch": 7, "IPersistStreamInit": 9}
 # Methods of scripts.idl have numbers from here on (kFirstAddedSlot).
 FIRST_ADDED_SLOT = 128
 
@@ -25,10 +25,15 @@ HANDLES = {"hdc", "hdcDest", "CreateHBITMAP hVal", "CreateFromHBITMAP Bitmap"}
 # Methods that take the first element of an array.
 WITH_ARRAYS = {("IPolygon", "Create")}
 
+# Objects of the system.
+SYSTEM_OBJECTS = {"IStream", "IUnknown"}
+
 # The system's records have no declaration in the contract.
 SYSTEM_RECORDS = {"RECT": ["left", "top", "right", "bottom"]}
 
-# Parameters of orlix.idl that may be left out: by name, or by method and name.
+NO_TEXT = '""'  # the value of a text that is left out
+
+# Parameters of orlix.idl that may be left out, but for those that say so there: by name, or by method and name.
 OMITTED = {
     "BandIndex": "BI_AllBands", "SourceBandToProcess": "BI_AllBands",
     "Bands": "1", "DataType": "DT_BYTE", "Zero": "1", "bZero": "1",
@@ -42,7 +47,7 @@ OMITTED = {
                            "GEMT_GrayVolume",
     "Descending": "0", "Outline Type": "OT_PixelEdges", "Hole": "-1",
     "MaximumArea": "0", "KeepArea MaximumArea": "2147483647",
-    "Offset": "0", "Bright": "1", "Hit": "0", "Miss": "0",
+    "Offset": "0", "Bright": "1", "Hit": "0", "Miss": "0", "SaveToStream Format": "IFF_PNG",
 }
 ALL = "INT32_MIN"  # of counts and indices, which scripts.idl calls ALL
 
@@ -154,11 +159,12 @@ class ScriptContract:
         return found
 
     def dispinterfaces(self):
-        """Dispatch interfaces of orlix.idl: the numbers of their members, which are an interface's."""
+        """Dispatch interfaces of orlix.idl, and dual ones: the numbers of their members, which are an interface's."""
         for found in self.contract.declarations:
             numbers = {}
+            numbered = found.kind == "dispinterface" or re.search(r"\bdual\b", found.text)
             for member in self.contract.declarations:
-                if found.kind == "dispinterface" and member.owner == found.name:
+                if numbered and member.owner == found.name:
                     name = re.sub("^(get|put)_", "", member.name)
                     numbers[name] = int(re.search(r"id\((\d+)\)", member.text).group(1))
             if numbers:
@@ -181,8 +187,9 @@ class ScriptContract:
             if interface not in self.all_interfaces(script_class):
                 continue
             for name, number in numbers.items():
-                get = members[name.lower()].methods.get("kGet")
-                if get and get.interface in self.line_of(interface):
+                methods = members[name.lower()].methods
+                method = methods.get("kGet") or methods.get("kCall")
+                if method and method.interface in self.line_of(interface):
                     members[name.lower()].id = number
         return list(members.values())
 
@@ -226,7 +233,7 @@ class ScriptContract:
         if kind == "void":
             handle = parameter.name in HANDLES or f"{method} {parameter.name}" in HANDLES
             return handle and stars == (2 if written else 1)
-        if kind in self.interfaces or kind == "IStream":
+        if kind in self.interfaces or kind in SYSTEM_OBJECTS:
             return stars == (2 if written else 1)
         if kind in self.records:
             return stars == 1 or not written
@@ -252,9 +259,9 @@ class ScriptContract:
     def _omitted(self, method, parameter):
         if parameter.is_output:
             return ""
-        if method.is_added:
-            given = [re.fullmatch(r"defaultvalue\((.*)\)", attribute) for attribute in parameter.attributes]
-            value = next((found.group(1) for found in given if found), "")
+        given = [re.fullmatch(r"defaultvalue\((.*)\)", attribute) for attribute in parameter.attributes]
+        value = next((found.group(1) for found in given if found), "")
+        if value or method.is_added:
             return ALL if value == "ALL" else value
         if method.access == "kPut":
             return ""

@@ -442,6 +442,19 @@ def example_scripts(tally, wine):
             r"failed.*: IImageVPAEx::CreateFromFile: failed to open file\..*\n"
             r"failed.*: IImageProcess::Invert: no image\.", outcome.output) is not None, outcome)
     images = sorted(folder.glob("*.png"))
+    deep = folder / "deep.pgm"
+    run([*tool, "specimen", windows_path(deep), "--bits", "16"])
+    columns = {"mean": "grey.mean", "deviation": "grey.standardDeviation", "median": "grey.median",
+               "dip": "histogram.dip", "threshold": "minimize-variance.threshold", "dark": "phase.areaFraction",
+               "pixels": "phase.pixels", "x": "phase.xCentroid", "y": "phase.yCentroid"}
+    wanted = rows_of(run([*tool, "measure", *map(windows_path, [*images, deep]), "--csv"]).output)
+    wanted = [{name: row[column] for name, column in columns.items()} for row in wanted]
+    for language in "vbs", "js":
+        table = folder / f"table_{language}.csv"
+        outcome = run(script(f"measure_table.{language}", table, *images, deep))
+        found = rows_of(table.read_text("utf-8")) if table.exists() else []
+        check(f"measure_table.{language} has the figures of the command line",
+              len(found) == 4 and agree(found, wanted), outcome)
     measured = rows_of(run(script("measure_images.js", *images)).output)
     outcome = run(script("measure_folder.vbs", folder))
     by_name = sorted(rows_of(outcome.output), key=lambda row: row["image"])

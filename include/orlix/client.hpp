@@ -41,7 +41,7 @@ namespace orlix {
 
 // A failed call: its result, and the text and source (ProgID) that the object reported, both empty without a report.
 // what() is the text or, without one, `subject` and the name of the result:
-//     "Orlix.VBHelper.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"
+//     "Orlix.ImageView.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"
 class Error : public std::runtime_error {
 public:
     Error(HRESULT result, const std::string& message, std::string source, std::string_view subject = {});

@@ -56,6 +56,7 @@ struct IImageVPAExPlus;
 struct IImageFile;
 struct IImageEntries;
 struct IImageFrames;
+struct IVBHelper;
 struct IHistogram;
 struct IBitmap;
 struct IBitmapProcess;
@@ -80,7 +81,6 @@ struct ILineGraphicOverlay;
 struct ICircleGraphicOverlay;
 struct ITextGraphicOverlay;
 struct ISplineImage;
-struct IVBHelper;
 struct IHistogramDialog;
 struct IHistogramDialogEvents;
 struct IImageViewDisp;
@@ -383,6 +383,32 @@ typedef enum FramePixelFormat : LONG {
     PF_BGR8 = 0x2180015,
     PF_RGB8_Planar = 0x2180021
 } FramePixelFormat;
+
+// What a script does with a file that it opens as a stream.
+//   FSM_Read     reads a file that exists
+//   FSM_Create   writes and reads a new file, or an old one after emptying it
+//   FSM_Update   writes and reads a file that exists
+typedef enum FileStreamMode : LONG {
+    FSM_Read = 0,
+    FSM_Create = 1,
+    FSM_Update = 2
+} FileStreamMode;
+
+// An automatic threshold of IHistogram, with the parameters that the command line gives it.
+//   TM_MinimizeVariance   AutoThresholdMinimizeVariance, 0 and 0
+//   TM_Trim               AutoThresholdTrim, 0.05 and 0.05
+//   TM_SearchForMinimum   AutoThresholdSearchForMinimum, 0.005 and 0.005
+//   TM_GaussianMixture    AutoThresholdGaussianMixture, 0.005 and 0.005
+//   TM_MaximizeEntropy    AutoThresholdMaximizeEntropy, 0.005 and 0.005
+//   TM_Exponential        AutoThresholdExponential, 0.05
+typedef enum AutoThresholdType : LONG {
+    TM_MinimizeVariance = 0,
+    TM_Trim = 1,
+    TM_SearchForMinimum = 2,
+    TM_GaussianMixture = 3,
+    TM_MaximizeEntropy = 4,
+    TM_Exponential = 5
+} AutoThresholdType;
 
 // What becomes of a frame with colour filters: the samples as they are, grey, or three bands.
 typedef enum FrameMosaic : LONG {
@@ -701,6 +727,51 @@ typedef struct SLevelMeasurements {
     double m_dLevelShare;
 } SLevelMeasurements;
 
+// What IVBHelper::MeasureFile finds in an image file: the figures of the command line's measure.
+// m_lSize belongs to the caller and is not written. Figures that do not apply are NaN.
+//   Width, Height, Bands, DataType    of the file
+//   MicronsPerPixelX, Y               0 when the pixel size is not known
+//   PixelCount                        pixels of the band
+//   GrayAverage to GrayYCentroid      of these; excess kurtosis is 0 for a normal distribution
+//   Dip, LeastDipOfTwoPeaks           Hartigan's dip of the histogram, and from where on it shows a second peak
+//   ThresholdFound                    1, or 0 where the method finds none; the figures below are NaN then
+//   Threshold                         the last dark level; of TM_Trim the first level above its dark tail
+//   DarkFraction, BrightFraction      of the pixels, on either side
+//   PhasePixels to PhaseYCentroid     of the side that was asked for; PhaseArea in square microns, NaN when the
+//                                     pixel size is not known
+typedef struct SFileMeasurements {
+    LONG m_lSize;
+    LONG m_lWidth;
+    LONG m_lHeight;
+    LONG m_lBands;
+    LONG m_lDataType;
+    LONG m_lPixelCount;
+    LONG m_lThresholdFound;
+    LONG m_lPhasePixels;
+    double m_dMicronsPerPixelX;
+    double m_dMicronsPerPixelY;
+    double m_dGrayAverage;
+    double m_dGrayStandardDeviation;
+    double m_dGrayMinimum;
+    double m_dGrayMaximum;
+    double m_dGrayMedian;
+    double m_dGrayMode;
+    double m_dGraySkew;
+    double m_dGrayExcessKurtosis;
+    double m_dGrayEntropy;
+    double m_dGrayXCentroid;
+    double m_dGrayYCentroid;
+    double m_dDip;
+    double m_dLeastDipOfTwoPeaks;
+    double m_dThreshold;
+    double m_dDarkFraction;
+    double m_dBrightFraction;
+    double m_dPhaseFraction;
+    double m_dPhaseArea;
+    double m_dPhaseXCentroid;
+    double m_dPhaseYCentroid;
+} SFileMeasurements;
+
 // A vertex of a polygon; x is the column, y the row.
 typedef struct SVertice {
     double m_dX;
@@ -919,6 +990,18 @@ MIDL_INTERFACE("dade9363-84f7-4ecb-b68f-534b9d51e5dc") IImageFile : public IUnkn
     // Quality of JPEG files that are saved, 1 (smallest) to 100 (best); initially 90.
     //   "IImageFile::put_Quality: the quality must be 1 to 100."
     virtual HRESULT STDMETHODCALLTYPE put_Quality(LONG newVal) = 0;
+
+    // Writes the image into a stream as an image file, PNG for instance, from the stream's position on.
+    // As SaveToFile, with its texts; IFF_ByExtension is an unknown format. The file is complete before the first
+    // byte is written. Stream is an object with IStream; E_NOINTERFACE for others. Results of the stream are passed
+    // on; STG_E_CANTSAVE when it stores too little. (IPersistStreamInit saves in a form of its own, which holds
+    // every type of pixels.)
+    virtual HRESULT STDMETHODCALLTYPE SaveToStream(IUnknown* Stream, ImageFileFormat Format) = 0;
+
+    // Loads a page of the image file that a stream holds from its position to its end.
+    // As LoadFromFile, with its texts. The stream is read completely before anything changes; E_FAIL for more than
+    // 2^31 - 1 bytes. Results of the stream are passed on.
+    virtual HRESULT STDMETHODCALLTYPE LoadFromStream(IUnknown* Stream, LONG Page) = 0;
 };
 DEFINE_GUID(IID_IImageFile, 0xdade9363, 0x84f7, 0x4ecb, 0xb6,0x8f, 0x53,0x4b,0x9d,0x51,0xe5,0xdc);
 #ifdef __CRT_UUID_DECL
@@ -1022,6 +1105,97 @@ MIDL_INTERFACE("d4df8416-867f-45a9-adae-63504077b677") IImageFrames : public IUn
 DEFINE_GUID(IID_IImageFrames, 0xd4df8416, 0x867f, 0x45a9, 0xad,0xae, 0x63,0x50,0x40,0x77,0xb6,0x77);
 #ifdef __CRT_UUID_DECL
 __CRT_UUID_DECL(IImageFrames, 0xd4df8416, 0x867f, 0x45a9, 0xad,0xae, 0x63,0x50,0x40,0x77,0xb6,0x77)
+#endif
+
+// What scripts need of the system: streams, the clipboard, a dialog for folders, names; and one measurement.
+// Dual: compiled languages with variants call it early bound, scripts by name. (A dual interface has to stand above
+// the first dispatch interface, or the interface compiler declares the system's IDispatch twice.) Rules:
+//  (1) A stream is any object with IStream, of this object or another; E_NOINTERFACE for others.
+//  (2) Results of streams are passed on. Positions and sizes are in bytes.
+//  (3) An array of bytes is a VARIANT. One that is given may be of any type of numbers: DISP_E_TYPEMISMATCH for
+//      what is no array, DISP_E_OVERFLOW for an element beyond 0..255. Off Windows there are no arrays of this
+//      kind: E_NOTIMPL.
+//  (4) The clipboard and the dialog are Windows': E_NOTIMPL elsewhere. Methods of the clipboard fail, each under
+//      its name, with "IVBHelper::CopyImage: the clipboard is in use."
+MIDL_INTERFACE("ab13b9e0-d78d-40ad-9a27-cc82a8a736f6") IVBHelper : public IDispatch {
+    // Opens a file as a stream.
+    // For FSM_Read others may read the file too, otherwise nobody else may open it.
+    //   "IVBHelper::OpenFileStream: unknown mode."
+    // A file that cannot be opened gives the system's result, STG_E_FILENOTFOUND for instance, without a text.
+    virtual HRESULT STDMETHODCALLTYPE OpenFileStream(BSTR FileName, FileStreamMode Mode, IUnknown** hVal) = 0;
+
+    // Creates an empty stream in memory.
+    virtual HRESULT STDMETHODCALLTYPE CreateMemoryStream(IUnknown** hVal) = 0;
+
+    // Where the next byte of a stream is read or written; counted from 0.
+    // "IVBHelper::put_StreamPosition: the position must be a whole number of bytes." (also below 0, beyond 2^53)
+    virtual HRESULT STDMETHODCALLTYPE get_StreamPosition(IUnknown* Stream, double* hVal) = 0;
+
+    // Where the next byte of a stream is read or written; counted from 0.
+    // "IVBHelper::put_StreamPosition: the position must be a whole number of bytes." (also below 0, beyond 2^53)
+    virtual HRESULT STDMETHODCALLTYPE put_StreamPosition(IUnknown* Stream, double newVal) = 0;
+
+    // Number of bytes in a stream.
+    virtual HRESULT STDMETHODCALLTYPE get_StreamSize(IUnknown* Stream, double* hVal) = 0;
+
+    // Reads the rest of a stream as text: UTF-8, or UTF-16 behind a byte order mark.
+    // A byte order mark at the start is left out. Bytes that are no UTF-8 become U+FFFD. E_FAIL for more than
+    // 2^31 - 1 bytes.
+    virtual HRESULT STDMETHODCALLTYPE ReadText(IUnknown* Stream, BSTR* hVal) = 0;
+
+    // Writes a text into a stream, as UTF-8 without a byte order mark.
+    virtual HRESULT STDMETHODCALLTYPE WriteText(IUnknown* Stream, BSTR Text) = 0;
+
+    // Reads bytes of a stream as an array of VT_UI1: up to Size of them, or with -1 all that are left.
+    // At the end the array is shorter, or empty. E_FAIL for more than 2^31 - 1 bytes.
+    //   "IVBHelper::ReadBytes: Size must not be below -1."
+    virtual HRESULT STDMETHODCALLTYPE ReadBytes(IUnknown* Stream, LONG Size, VARIANT* hVal) = 0;
+
+    // Writes an array of bytes into a stream.
+    virtual HRESULT STDMETHODCALLTYPE WriteBytes(IUnknown* Stream, VARIANT Bytes) = 0;
+
+    // The text on the clipboard; empty where there is none.
+    // Setting it replaces everything that is there.
+    virtual HRESULT STDMETHODCALLTYPE get_ClipboardText(BSTR* hVal) = 0;
+
+    // The text on the clipboard; empty where there is none.
+    // Setting it replaces everything that is there.
+    virtual HRESULT STDMETHODCALLTYPE put_ClipboardText(BSTR newVal) = 0;
+
+    // Puts an image on the clipboard, in place of what is there: as PNG and as a bitmap (CF_DIB).
+    // The PNG file is what IImageFile::SaveToFile writes; images that the format does not hold go without it. The
+    // bitmap has the levels of 8-bit images with one band or three, and the picture that is shown of others.
+    //   "IVBHelper::CopyImage: no image."
+    virtual HRESULT STDMETHODCALLTYPE CopyImage(IImageVPA* Image) = 0;
+
+    // A new image from the clipboard, from its PNG file or else from its bitmap; null (S_FALSE) without either.
+    // Failures as of IImageFile::LoadFromFile and IDIBImage::CreateImage.
+    virtual HRESULT STDMETHODCALLTYPE PasteImage(IImageVPA** hVal) = 0;
+
+    // Lets the user choose a folder in the system's dialog; an empty text (S_FALSE) when the dialog is cancelled.
+    // StartFolder is chosen at first; empty for none. The thread must belong to a single-threaded apartment.
+    virtual HRESULT STDMETHODCALLTYPE BrowseForFolder(BSTR Title, BSTR StartFolder, BSTR* hVal) = 0;
+
+    // The folder for temporary files, with a separator behind it.
+    virtual HRESULT STDMETHODCALLTYPE get_TemporaryFolder(BSTR* hVal) = 0;
+
+    // The name of a file in that folder which does not exist, with an extension such as ".png".
+    // The file is not created. "IVBHelper::TemporaryName: the extension must not hold a folder."
+    virtual HRESULT STDMETHODCALLTYPE TemporaryName(BSTR Extension, BSTR* hVal) = 0;
+
+    // Loads an image file and measures a band of it, as the command line does without further options.
+    // The grey levels of all pixels, an automatic threshold, and the dark phase or, unless Bright is 0, the bright
+    // one. Of 8-bit images the histogram has 256 bins. That of others reaches from the smallest to the largest
+    // level; for the threshold its bins are added up to at most 1024.
+    //   "IVBHelper::MeasureFile: unknown threshold."
+    //   "IVBHelper::MeasureFile: the image has no such band."
+    // and the texts of IImageFile::LoadFromFile and of the histogram's methods.
+    virtual HRESULT STDMETHODCALLTYPE MeasureFile(BSTR FileName, AutoThresholdType Threshold, LONG Bright,
+        LONG BandIndex, SFileMeasurements* hVal) = 0;
+};
+DEFINE_GUID(IID_IVBHelper, 0xab13b9e0, 0xd78d, 0x40ad, 0x9a,0x27, 0xcc,0x82,0xa8,0xa7,0x36,0xf6);
+#ifdef __CRT_UUID_DECL
+__CRT_UUID_DECL(IVBHelper, 0xab13b9e0, 0xd78d, 0x40ad, 0x9a,0x27, 0xcc,0x82,0xa8,0xa7,0x36,0xf6)
 #endif
 
 // Counts over [Left, Right]. Statistics are computed on bin indices and mapped to locations (the caller's units) at
@@ -2707,7 +2881,7 @@ __CRT_UUID_DECL(IDIBImage, 0x5db69631, 0x7b1a, 0x481a, 0xaa,0xef, 0x38,0x01,0x13
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("ac6239fd-350e-4ff0-845e-2c639e5b62ae") ILineGraphicOverlay : public IGraphicOverlay {
 };
 DEFINE_GUID(IID_ILineGraphicOverlay, 0xac6239fd, 0x350e, 0x4ff0, 0x84,0x5e, 0x2c,0x63,0x9e,0x5b,0x62,0xae);
@@ -2716,7 +2890,7 @@ __CRT_UUID_DECL(ILineGraphicOverlay, 0xac6239fd, 0x350e, 0x4ff0, 0x84,0x5e, 0x2c
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("2dcd674c-8f2a-4e33-9eb4-93c94f9d0078") ICircleGraphicOverlay : public IGraphicOverlay {
 };
 DEFINE_GUID(IID_ICircleGraphicOverlay, 0x2dcd674c, 0x8f2a, 0x4e33, 0x9e,0xb4, 0x93,0xc9,0x4f,0x9d,0x00,0x78);
@@ -2725,7 +2899,7 @@ __CRT_UUID_DECL(ICircleGraphicOverlay, 0x2dcd674c, 0x8f2a, 0x4e33, 0x9e,0xb4, 0x
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("1308ae7d-bd0a-46c5-b65e-c5cf62251797") ITextGraphicOverlay : public IGraphicOverlay {
 };
 DEFINE_GUID(IID_ITextGraphicOverlay, 0x1308ae7d, 0xbd0a, 0x46c5, 0xb6,0x5e, 0xc5,0xcf,0x62,0x25,0x17,0x97);
@@ -2734,7 +2908,7 @@ __CRT_UUID_DECL(ITextGraphicOverlay, 0x1308ae7d, 0xbd0a, 0x46c5, 0xb6,0x5e, 0xc5
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("1cc42abb-1f60-40b9-a4de-1da89d85341f") ISplineImage : public IUnknown {
 };
 DEFINE_GUID(IID_ISplineImage, 0x1cc42abb, 0x1f60, 0x40b9, 0xa4,0xde, 0x1d,0xa8,0x9d,0x85,0x34,0x1f);
@@ -2743,16 +2917,7 @@ __CRT_UUID_DECL(ISplineImage, 0x1cc42abb, 0x1f60, 0x40b9, 0xa4,0xde, 0x1d,0xa8,0
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
-MIDL_INTERFACE("ab13b9e0-d78d-40ad-9a27-cc82a8a736f6") IVBHelper : public IUnknown {
-};
-DEFINE_GUID(IID_IVBHelper, 0xab13b9e0, 0xd78d, 0x40ad, 0x9a,0x27, 0xcc,0x82,0xa8,0xa7,0x36,0xf6);
-#ifdef __CRT_UUID_DECL
-__CRT_UUID_DECL(IVBHelper, 0xab13b9e0, 0xd78d, 0x40ad, 0x9a,0x27, 0xcc,0x82,0xa8,0xa7,0x36,0xf6)
-#endif
-
-// Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("3f465cc3-a580-4097-a039-a37e4cca840e") IHistogramDialog : public IUnknown {
 };
 DEFINE_GUID(IID_IHistogramDialog, 0x3f465cc3, 0xa580, 0x4097, 0xa0,0x39, 0xa3,0x7e,0x4c,0xca,0x84,0x0e);
@@ -2761,7 +2926,7 @@ __CRT_UUID_DECL(IHistogramDialog, 0x3f465cc3, 0xa580, 0x4097, 0xa0,0x39, 0xa3,0x
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("f6694e07-b1ae-407b-b44e-4ec08e6d66a7") IHistogramDialogEvents : public IUnknown {
 };
 DEFINE_GUID(IID_IHistogramDialogEvents, 0xf6694e07, 0xb1ae, 0x407b, 0xb4,0x4e, 0x4e,0xc0,0x8e,0x6d,0x66,0xa7);
@@ -2770,7 +2935,7 @@ __CRT_UUID_DECL(IHistogramDialogEvents, 0xf6694e07, 0xb1ae, 0x407b, 0xb4,0x4e, 0
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("e40f3b84-ec19-4ab2-8849-db88568efb83") IImageViewDisp : public IDispatch {
 };
 DEFINE_GUID(DIID_IImageViewDisp, 0xe40f3b84, 0xec19, 0x4ab2, 0x88,0x49, 0xdb,0x88,0x56,0x8e,0xfb,0x83);
@@ -2779,7 +2944,7 @@ __CRT_UUID_DECL(IImageViewDisp, 0xe40f3b84, 0xec19, 0x4ab2, 0x88,0x49, 0xdb,0x88
 #endif
 
 // Not built yet: no slots until its class is built.
-// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE.
+// Creating a class that is not built answers CLASS_E_CLASSNOTAVAILABLE and reports "This class is not built yet."
 MIDL_INTERFACE("f25ed9d9-bb5d-416d-afdc-5e1baa4b2f08") IImageViewEventsDisp : public IDispatch {
 };
 DEFINE_GUID(DIID_IImageViewEventsDisp, 0xf25ed9d9, 0xbb5d, 0x416d, 0xaf,0xdc, 0x5e,0x1b,0xaa,0x4b,0x2f,0x08);
@@ -2857,7 +3022,7 @@ DEFINE_GUID(CLSID_OrlixShapeRegionOfInterest, 0xbc786b12, 0x4454, 0x4230, 0x86,0
 __CRT_UUID_DECL(OrlixShapeRegionOfInterest, 0xbc786b12, 0x4454, 0x4230, 0x86,0xd9, 0xb4,0x95,0x19,0xe2,0x08,0xbf)
 #endif
 
-// Not built yet: creating it answers CLASS_E_CLASSNOTAVAILABLE.
+// Help for scripts: streams, clipboard, folders, and a measurement in one call.
 class DECLSPEC_UUID("d591cc7c-7192-4253-8485-458fee38fe75") OrlixVBHelper;
 DEFINE_GUID(CLSID_OrlixVBHelper, 0xd591cc7c, 0x7192, 0x4253, 0x84,0x85, 0x45,0x8f,0xee,0x38,0xfe,0x75);
 #ifdef __CRT_UUID_DECL

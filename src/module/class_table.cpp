@@ -7,6 +7,7 @@
 #include "orlix_bitmap/orlix_bitmap.hpp"
 #include "orlix_buffer/orlix_buffer.hpp"
 #include "orlix_image/orlix_image.hpp"
+#include "orlix_vb_helper/orlix_vb_helper.hpp"
 
 namespace orlix {
 namespace {
@@ -22,7 +23,7 @@ constexpr ClassRow kClasses[kNumberOfClasses] = {
     {&__uuidof(OrlixBuffer), 110, &OrlixBuffer::CreateInstance},
     {&__uuidof(OrlixSplineImage), 111, nullptr},
     {&__uuidof(OrlixShapeRegionOfInterest), 113, &OrlixShapeRegionOfInterest::CreateInstance},
-    {&__uuidof(OrlixVBHelper), 114, nullptr},
+    {&__uuidof(OrlixVBHelper), 114, &OrlixVBHelper::CreateInstance},
     {&__uuidof(OrlixImageView), 116, nullptr},
     {&__uuidof(OrlixTextGraphicOverlay), 117, nullptr},
     {&__uuidof(OrlixHistogramDialog), 120, nullptr},

@@ -10,6 +10,7 @@
 #include "image/byte_order.hpp"
 #include "image/image_store.hpp"
 #include "image/source_image.hpp"
+#include "orlix_buffer/clipboard.hpp"
 #include "orlix_buffer/device_bitmaps.hpp"
 #include "orlix_image/orlix_image.hpp"
 #include "platform/file_io.hpp"
@@ -321,7 +322,7 @@ STDMETHODIMP BufferBitmap::CreateFromHBITMAP(void* bitmap) noexcept {
 
 STDMETHODIMP BufferBitmap::CreateFromClipboard() noexcept {
     return Guarded<IDIBImage>([&]() -> HRESULT {
-        const auto packed = PackedClipboardBitmap();
+        const auto packed = FromClipboard(ClipboardFormat::Bitmap);
         if (!packed) return S_FALSE;
         CopyPacked(*packed);
         return S_OK;
@@ -329,7 +330,11 @@ STDMETHODIMP BufferBitmap::CreateFromClipboard() noexcept {
 }
 
 STDMETHODIMP BufferBitmap::CopyToClipboard() noexcept {
-    return Guarded<IDIBImage>([&] { PutOnClipboard(Packed(core().Bitmap()->dib(), DibHeaderKind::Info, 0)); });
+    return Guarded<IDIBImage>([&] {
+        const std::vector<uint8_t> packed = Packed(core().Bitmap()->dib(), DibHeaderKind::Info, 0);
+        const ClipboardItem items[] = {{ClipboardFormat::Bitmap, packed}};
+        ToClipboard(items);
+    });
 }
 
 }  // namespace orlix

@@ -42,18 +42,14 @@ private:
     const ImageStore& store_;
 };
 
-}  // namespace
-
-LoadedImage LoadImage(WideStringView fileName, const ReadOptions& options) {
-    ContentSink sink;
-    FileProperties file = LoadImageFile(fileName, sink, options);
+LoadedImage Loaded(FileProperties file, ContentSink& sink) {
     LoadedImage image{file.dataType, std::move(sink.content()), file.settings};
     image.content.properties = std::move(file.kept);
     image.content.coordinates = file.coordinates.value_or(kIdentityMap);
     return image;
 }
 
-void SaveImage(WideStringView fileName, ImageFileFormat format, DisplayedImage& image, const WriteOptions& options) {
+FileProperties PropertiesOf(DisplayedImage& image) {
     const ImageStore& store = image.store();
     FileProperties file;
     file.width = store.layout().width;
@@ -63,8 +59,29 @@ void SaveImage(WideStringView fileName, ImageFileFormat format, DisplayedImage& 
     file.kept = store.properties();
     file.coordinates = store.coordinates();
     file.settings = SettingsOf(image);
-    StoreSource source(store);
-    SaveImageFile(fileName, format, file, source, options);
+    return file;
+}
+
+}  // namespace
+
+LoadedImage LoadImage(WideStringView fileName, const ReadOptions& options) {
+    ContentSink sink;
+    return Loaded(LoadImageFile(fileName, sink, options), sink);
+}
+
+LoadedImage LoadImage(std::span<const uint8_t> bytes, const ReadOptions& options) {
+    ContentSink sink;
+    return Loaded(ReadImageFile(bytes, sink, options), sink);
+}
+
+std::vector<uint8_t> ImageBytes(ImageFileFormat format, DisplayedImage& image, const WriteOptions& options) {
+    StoreSource source(image.store());
+    return WriteImageFile(format, PropertiesOf(image), source, options);
+}
+
+void SaveImage(WideStringView fileName, ImageFileFormat format, DisplayedImage& image, const WriteOptions& options) {
+    StoreSource source(image.store());
+    SaveImageFile(fileName, format, PropertiesOf(image), source, options);
 }
 
 }  // namespace orlix

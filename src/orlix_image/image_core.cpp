@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "orlix_image/file_content.hpp"
 #include "orlix_image/settings.hpp"
 
 namespace orlix {
@@ -50,7 +49,15 @@ std::shared_ptr<DisplayedImage> ImageCore::Adopt(LONG dataType, ImageContent&& c
 
 void ImageCore::LoadFile(WideStringView fileName, ReadOptions options) {
     options.limit = SampleLimit(sampleLimit);
-    LoadedImage loaded = LoadImage(fileName, options);
+    Adopt(LoadImage(fileName, options));
+}
+
+void ImageCore::LoadBytes(std::span<const uint8_t> bytes, ReadOptions options) {
+    options.limit = SampleLimit(sampleLimit);
+    Adopt(LoadImage(bytes, options));
+}
+
+void ImageCore::Adopt(LoadedImage&& loaded) {
     const auto former =
         Adopt(loaded.dataType, std::move(loaded.content), loaded.settings ? &*loaded.settings : nullptr);
 }

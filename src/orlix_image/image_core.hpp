@@ -3,12 +3,15 @@
 
 #include <orlix/orlix.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 
 #include "display/displayed_image.hpp"
 #include "files/file_types.hpp"
 #include "image/changes.hpp"
+#include "orlix_image/file_content.hpp"
 #include "pictures/picture_core.hpp"
 #include "process/frame.hpp"
 
@@ -41,6 +44,8 @@ public:
 
     // Loads a file, see IImageFile::LoadFromFile.
     void LoadFile(WideStringView fileName, ReadOptions options);
+    // The same from the bytes of a file.
+    void LoadBytes(std::span<const uint8_t> bytes, ReadOptions options);
 
     // IImageVPAEx::AttachBuffer, which pictures offer too.
     void Attach(void* buffer, LONG width, LONG height, LONG bands, LONG dataType, bool zero);
@@ -56,6 +61,8 @@ public:
     LONG quality = WriteOptions().quality;       // for saving
 
 private:
+    void Adopt(LoadedImage&& loaded);
+
     std::shared_ptr<DisplayedImage> typed_;
 };
 

@@ -1,9 +1,25 @@
 #include "orlix_image/image_files.hpp"
 
+#include <limits>
+#include <utility>
+
+#include "component/stream_bytes.hpp"
 #include "component/strings.hpp"
 #include "orlix_image/file_content.hpp"
 
 namespace orlix {
+
+std::shared_ptr<DisplayedImage> ImageFiles::Saved() {
+    std::shared_ptr<DisplayedImage> typed = Typed();
+    if (typed->store().empty() || typed->store().refused()) throw NoImage();
+    return typed;
+}
+
+WriteOptions ImageFiles::Options() {
+    WriteOptions options;
+    options.quality = core().quality;
+    return options;
+}
 
 STDMETHODIMP ImageFiles::get_SampleLimit(LONG* limit) noexcept {
     return Guarded([&] {
@@ -21,12 +37,28 @@ STDMETHODIMP ImageFiles::put_SampleLimit(LONG limit) noexcept {
 
 STDMETHODIMP ImageFiles::SaveToFile(BSTR fileName, ImageFileFormat format) noexcept {
     return Guarded<IImageFile>([&] {
-        const std::shared_ptr<DisplayedImage>& typed = core().typed();
-        if (!typed || typed->store().empty()) throw Failure("IImageFile::SaveToFile: no image.");
-        if (typed->store().refused()) throw NoImage();
-        WriteOptions options;
-        options.quality = core().quality;
-        SaveImage(ToView(fileName), format, *typed, options);
+        const std::shared_ptr<DisplayedImage> typed = Saved();
+        SaveImage(ToView(fileName), format, *typed, Options());
+    });
+}
+
+STDMETHODIMP ImageFiles::SaveToStream(IUnknown* object, ImageFileFormat format) noexcept {
+    return Guarded<IImageFile>([&] {
+        Require(object);
+        const std::vector<uint8_t> bytes = ImageBytes(format, *Saved(), Options());
+        WriteTo(StreamOf(object).get(), bytes);
+    });
+}
+
+STDMETHODIMP ImageFiles::LoadFromStream(IUnknown* object, LONG page) noexcept {
+    return Guarded([&] {
+        const ComPtr<IStream> stream = StreamOf(object);
+        constexpr size_t kLargest = std::numeric_limits<int32_t>::max();
+        const std::vector<uint8_t> bytes = ReadRest(stream.get(), kLargest + 1);
+        if (bytes.size() > kLargest) throw FailedResult(E_FAIL);
+        ReadOptions options;
+        options.page = page;
+        core().LoadBytes(bytes, options);
     });
 }
 

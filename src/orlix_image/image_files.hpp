@@ -1,6 +1,8 @@
 // Loading and saving files, pixel size and the limit of loading.
 #pragma once
 
+#include <memory>
+
 #include "orlix_image/image_core.hpp"
 
 namespace orlix {
@@ -19,6 +21,13 @@ public:
     STDMETHODIMP get_CalibrationSource(BSTR* source) noexcept override;
     STDMETHODIMP get_Quality(LONG* quality) noexcept override;
     STDMETHODIMP put_Quality(LONG quality) noexcept override;
+    STDMETHODIMP SaveToStream(IUnknown* stream, ImageFileFormat format) noexcept override;
+    STDMETHODIMP LoadFromStream(IUnknown* stream, LONG page) noexcept override;
+
+private:
+    // The image that is saved; throws NoImage.
+    std::shared_ptr<DisplayedImage> Saved();
+    WriteOptions Options();
 };
 
 }  // namespace orlix

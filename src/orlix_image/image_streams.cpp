@@ -1,7 +1,6 @@
 #include "orlix_image/image_streams.hpp"
 
-#include <algorithm>
-
+#include "component/stream_bytes.hpp"
 #include "files/image_stream.hpp"
 #include "orlix_image/settings.hpp"
 
@@ -9,35 +8,14 @@ namespace orlix {
 
 namespace {
 
-constexpr size_t kLargestTransfer = size_t{1} << 30;
-
-// Returned by a write that stores too little. (The system's headers call this number STG_E_CANTSAVE.)
-constexpr HRESULT kShortWrite = static_cast<HRESULT>(0x80030103);
-
 class StreamSource final : public ByteSource {
 public:
     explicit StreamSource(IStream* stream) : stream_(stream) {}
-    size_t Read(uint8_t* bytes, size_t size) override {
-        const auto wanted = static_cast<ULONG>(std::min(size, kLargestTransfer));
-        ULONG read = 0;
-        PassOn(stream_->Read(bytes, wanted, &read));
-        if (read > wanted) throw FailedResult(E_FAIL);
-        return read;
-    }
+    size_t Read(uint8_t* bytes, size_t size) override { return ReadFrom(stream_.get(), bytes, size); }
 
 private:
     ComPtr<IStream> stream_;
 };
-
-void WriteTo(IStream* stream, std::span<const uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const auto step = static_cast<ULONG>(std::min(bytes.size(), kLargestTransfer));
-        ULONG written = 0;
-        PassOn(stream->Write(bytes.data(), step, &written));
-        if (written != step) throw FailedResult(kShortWrite);
-        bytes = bytes.subspan(step);
-    }
-}
 
 }  // namespace
 

@@ -18,15 +18,17 @@ public:
     explicit RandomScript(unsigned seed) : random_(seed) {
         for (const char* const progId :
              {"Orlix.Image", "Orlix.Bitmap", "Orlix.Histogram", "Orlix.Polygon", "Orlix.StructuringElement",
-              "Orlix.ShapeRegionOfInterest", "Orlix.OrlixBuffer"})
+              "Orlix.ShapeRegionOfInterest", "Orlix.OrlixBuffer", "Orlix.VBHelper"})
             Adopt(CreateObject<IDispatch>(progId));
     }
 
     void Call() {
         const ComPtr<IDispatch> object = objects_[Below(objects_.size())];
         std::string_view name = Below(8) ? kContractMethods[Below(std::size(kContractMethods))] : kOthers[Below(8)];
-        // They write files and use the desktop's clipboard.
-        if (name == "SaveToFile" || name.find("Clipboard") != name.npos) return;
+        // They write files, use the desktop's clipboard, wait for a user.
+        for (const std::string_view others : {"SaveToFile", "OpenFileStream", "CopyImage", "BrowseForFolder"})
+            if (name == others) return;
+        if (name.find("Clipboard") != name.npos) return;
         if (name.starts_with("get_") || name.starts_with("put_")) name.remove_prefix(4);
         std::basic_string<OLECHAR> wide = ToUtf16(name);
         LPOLESTR names[] = {wide.data()};

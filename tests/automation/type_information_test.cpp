@@ -23,6 +23,7 @@ std::vector<Script> AllObjects() {
             Script("Orlix.StructuringElement"),
             Script("Orlix.OrlixBuffer"),
             Script("Orlix.ShapeRegionOfInterest"),
+            Script("Orlix.VBHelper"),
             blobs,
             Script(blobs("Region", {0})),
             Script(blobs("LabelImage"))};
@@ -42,7 +43,9 @@ void ExpectSameParameters(const FUNCDESC& function, const Method& method) {
         EXPECT_TRUE(isOptional || !mayBeLeftOut) << "optional parameters come last";
         EXPECT_TRUE(!isOptional || (parameter.flags & kOptional)) << parameter.name;
         mayBeLeftOut = isOptional;
-        if (shown.wParamFlags & PARAMFLAG_FHASDEFAULT) {
+        if ((shown.wParamFlags & PARAMFLAG_FHASDEFAULT) && parameter.kind == Kind::Text) {
+            EXPECT_EQ(0u, SysStringLen(shown.pparamdescex->varDefaultValue.bstrVal)) << parameter.name;
+        } else if (shown.wParamFlags & PARAMFLAG_FHASDEFAULT) {
             EXPECT_EQ(parameter.omitted, shown.pparamdescex->varDefaultValue.lVal) << parameter.name;
         } else {
             EXPECT_TRUE(!isOptional || parameter.kind == Kind::Real) << parameter.name;

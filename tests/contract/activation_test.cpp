@@ -45,6 +45,7 @@ std::vector<Creatable> Creatables() {
           __uuidof(IPictureExZoomDisp),
 #endif
           __uuidof(IPictureMemory), __uuidof(IConnectionPointContainer)}},
+        {"Orlix.VBHelper", __uuidof(OrlixVBHelper), {__uuidof(IVBHelper)}},
     };
 #ifdef _WIN32
     for (Creatable& creatable : all) creatable.interfaces.push_back(__uuidof(IDispatch));
@@ -148,8 +149,8 @@ TEST(Client, NamesWhatFailedWithoutAText) {
     } cases[] = {
         {[] { CreateObject<IUnknown>("Orlix.SplineImage.1"); }, kClassNotAvailable,
          "Orlix.SplineImage.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"},
-        {[] { CreateObject<IUnknown>(__uuidof(OrlixVBHelper)); }, kClassNotAvailable,
-         "Orlix.VBHelper.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"},
+        {[] { CreateObject<IUnknown>(__uuidof(OrlixImageView)); }, kClassNotAvailable,
+         "Orlix.ImageView.1: CLASS_E_CLASSNOTAVAILABLE (the class is not built)"},
         {[] { CreateObject<IUnknown>(__uuidof(IBitmap)); }, kClassNotRegistered,
          "{AE6999A0-D64B-4593-9D8D-FA914CD4FA65}: REGDB_E_CLASSNOTREG (the class is not registered)"},
         {[&] { Cast<IPolygon>(bitmap); }, E_NOINTERFACE,

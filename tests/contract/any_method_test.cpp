@@ -95,7 +95,7 @@ Need NeedOf(const Method& method) {
     constexpr std::string_view none[] = {"SaveToFile",      "get_SampleLimit",  "put_SampleLimit",
                                          "get_LocalMaxima", "get_LocalMinima",  "LocalBackgroundCorrect",
                                          "LoadFromFile",    "GetNumberOfPages", "get_Quality",
-                                         "put_Quality"};
+                                         "put_Quality",     "LoadFromStream"};
     const std::string_view owner = method.name.substr(0, method.name.find(':'));
     const std::string_view name = method.name.substr(method.name.rfind(':') + 1);
     if (Contains(none, name)) return Need::Nothing;
@@ -153,7 +153,8 @@ TEST(NullPointers, AreRefusedOneByOne) {
                                         Cast<IUnknown>(NewRegion()),
                                         CreateObject<IUnknown>("orlix.StructuringElement"),
                                         CreateObject<IUnknown>("Orlix.Polygon"),
-                                        CreateObject<IUnknown>("Orlix.OrlixBuffer")};
+                                        CreateObject<IUnknown>("Orlix.OrlixBuffer"),
+                                        CreateObject<IUnknown>("Orlix.VBHelper")};
     for (const auto& object : objects)
         for (const Method& method : MethodsOf(object.get()))
             for (const size_t position : method.pointers) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "contract/support.hpp"
@@ -372,6 +373,65 @@ TEST(ImageEntries, AreChecked) {
     ASSERT_EQ(S_OK, entries->RemoveBinaryEntry(0));
     ASSERT_EQ(S_OK, entries->GetBinaryEntry(0, keyword.Out(), &number));
     EXPECT_EQ("b", keyword.Utf8());
+}
+
+// ------------------------------------------------------------------------------------------- files inside of streams
+
+TEST(ImageFileInStream, HasTheBytesOfTheFile) {
+    const auto path = std::filesystem::temp_directory_path() / "orlix-in-stream";
+    const Text name(path.string());
+    for (const ImageFileFormat format : {IFF_PNG, IFF_PGM, IFF_BMP, IFF_TIFF, IFF_JPEG}) {
+        SCOPED_TRACE(format);
+        const auto image = FurnishedImage<uint8_t>(1);
+        ASSERT_EQ(S_OK, image.file->SaveToFile(name, format));
+        std::ifstream file(path, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        const auto stream = ClientStream::Make("before");
+        ASSERT_EQ(S_OK, image.file->SaveToStream(stream.get(), format));
+        EXPECT_EQ("before" + bytes, stream->bytes);
+
+        stream->at = 6;
+        stream->piece = format == IFF_PNG ? 1 : 100;
+        const Image loaded, other;
+        ASSERT_EQ(S_OK, loaded.file->LoadFromStream(stream.get(), 0));
+        ASSERT_EQ(S_OK, other.file->LoadFromFile(name, 0));
+        EXPECT_EQ(StateOf(other), StateOf(loaded));
+        EXPECT_EQ(PixelsOf<uint8_t>(other), PixelsOf<uint8_t>(loaded));
+    }
+    std::filesystem::remove(path);
+}
+
+TEST(ImageFileInStream, ReportsWhatGoesWrongAndChangesNothing) {
+    const auto image = ImageOf<uint8_t>(2, {1, 2, 3, 4});
+    const auto good = ClientStream::Make();
+    ASSERT_EQ(S_OK, image.file->SaveToStream(good.get(), IFF_PNG));
+    const auto load = [&](const ComPtr<ClientStream>& stream, LONG page = 0) {
+        return image.file->LoadFromStream(stream.get(), page);
+    };
+    const auto stream = [&](const std::string& bytes) { return ClientStream::Make(bytes); };
+    EXPECT_TRUE(Raises(load(stream("")), "IImageVPAEx::CreateFromFile: unknown file format."));
+    EXPECT_TRUE(Raises(load(stream(good->bytes.substr(0, good->bytes.size() - 1))),
+                       "IImageVPAEx::CreateFromPng: the file is truncated."));
+    EXPECT_TRUE(Raises(load(stream(good->bytes), 1), "IImageFile::LoadFromFile: the file has no such page."));
+    const auto failing = stream(good->bytes);
+    failing->failingCall = 1;
+    EXPECT_TRUE(FailsSilently(load(failing), kStreamFailure));
+    const auto boasting = stream(good->bytes);
+    boasting->claimedTooMuch = 100'000;
+    EXPECT_TRUE(FailsSilently(load(boasting)));
+    const auto full = ClientStream::Make();
+    full->shortWrite = 0;
+    EXPECT_TRUE(FailsSilently(image.file->SaveToStream(full.get(), IFF_PNG), kShortWrite));
+    EXPECT_TRUE(
+        Fails(image.file->SaveToStream(good.get(), IFF_ByExtension), "IImageFile::SaveToFile: unknown file format."));
+    EXPECT_TRUE(Fails(Image().file->SaveToStream(good.get(), IFF_PNG), "IImageFile::SaveToStream: no image."));
+    EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4}), image.values());
+
+    // A stream that puts another image in place while it is read: the file's comes last.
+    const auto calling = stream(good->bytes);
+    calling->onCall = [&] { Check(image->Create(1, 1, 1, DT_Float, 1), image); };
+    ASSERT_EQ(S_OK, load(calling));
+    EXPECT_EQ((std::vector<uint8_t>{1, 2, 3, 4}), image.values());
 }
 
 }  // namespace

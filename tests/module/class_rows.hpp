@@ -27,7 +27,7 @@ inline constexpr ClassFacts kClassFacts[] = {
     {"OrlixBuffer", "{BC38C191-D432-4762-B996-3D15755DA2FD}", "Orlix.OrlixBuffer", 110, true},
     {"OrlixSplineImage", "{DB2CB075-8206-40E3-8FCA-CFC5003943D6}", "Orlix.SplineImage", 111},
     {"OrlixShapeRegionOfInterest", "{BC786B12-4454-4230-86D9-B49519E208BF}", "Orlix.ShapeRegionOfInterest", 113, true},
-    {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", 114},
+    {"OrlixVBHelper", "{D591CC7C-7192-4253-8485-458FEE38FE75}", "Orlix.VBHelper", 114, true},
     {"OrlixImageView", "{C35E3781-66F8-4DEE-B487-451882355339}", "Orlix.ImageView", 116},
     {"OrlixTextGraphicOverlay", "{D51CC6A3-98FA-44AE-9505-778148FED93C}", "Orlix.TextGraphicOverlay", 117},
     {"OrlixHistogramDialog", "{BC6A61F4-18F5-48FE-BA43-C9B34EB702B0}", "Orlix.HistogramDialog", 120},

@@ -33,17 +33,6 @@ void Smooth(const ComPtr<IHistogram>& histogram, LONG weights) {
     if (weights == 9) Check(histogram->Smooth9(), histogram);
 }
 
-// The pixels up to the cut, or those above it.
-ComPtr<IBitmap> SideOf(const ComPtr<IImageProcess>& process, LONG type, double cut, bool bright) {
-    const double least = TypeMinimum(type);
-    ComPtr<IBitmap> bits;
-    if (!(cut >= least))  // all pixels are above the cut
-        Check(process->Threshold(least, TypeMaximum(type), bright, bits.Out()), process);
-    else
-        Check(process->Threshold(least, cut, !bright, bits.Out()), process);
-    return bits;
-}
-
 // The phase from `lower` to `upper`, with its ends moved outwards. `above`: `lower` is a cut, which is below the phase.
 MovedPhase MovePhase(const ComPtr<IImageProcess>& process, LONG type, double lower, double upper, bool above,
                      double shift) {
@@ -166,8 +155,9 @@ private:
         for (const NamedThreshold& method : ThresholdMethods()) {
             const bool chosen = settings_.threshold.method == &method;
             if (!chosen && !method.always) continue;
-            const ThresholdResult found = FindThreshold(histogram_, type_ != DT_Float, largest_, method,
-                                                        chosen ? settings_.threshold.parameters : method.defaults);
+            const ThresholdResult found =
+                FindThreshold(histogram_, type_ != DT_Float, largest_, method,
+                              chosen ? settings_.threshold.parameters : UsualParameters(method.method));
             if (chosen) chosen_ = found;
             Json entry;
             entry["method"] = method.id;

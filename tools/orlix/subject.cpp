@@ -253,11 +253,6 @@ const char* TypeName(LONG dataType) {
 
 std::string TypePhrase(LONG type) { return std::string(type == DT_BYTE ? "an " : "a ") + TypeName(type) + " image"; }
 
-double TypeMinimum(LONG type) { return type == DT_Float ? -std::numeric_limits<double>::infinity() : 0; }
-double TypeMaximum(LONG type) {
-    return type == DT_Float ? std::numeric_limits<double>::infinity() : std::ldexp(1.0, static_cast<int>(type)) - 1;
-}
-
 void PutLuminance(const Subject& subject, double lower, double upper) {
     if (lower < TypeMinimum(subject.type) || upper > TypeMaximum(subject.type))
         throw std::runtime_error("the luminance range does not lie within the grey levels of " +

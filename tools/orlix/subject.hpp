@@ -74,10 +74,6 @@ orlix::ComPtr<IImageVPAExPlus> Luma(const orlix::ComPtr<IImageVPAExPlus>& image)
 
 const char* TypeName(LONG dataType);    // "8-bit", "16-bit", ...
 std::string TypePhrase(LONG dataType);  // "an 8-bit image", "a 16-bit image", ...
-// Least and greatest value of a pixel type; infinite for float.
-double TypeMinimum(LONG type);
-double TypeMaximum(LONG type);
-
 // Sets the luminance range. Throws std::runtime_error if the pixel type cannot hold it.
 void PutLuminance(const Subject& subject, double lower, double upper);
 

@@ -14,15 +14,14 @@ namespace {
 
 using Method = ThresholdMethod;
 constexpr std::array kSmallest = {"minimumLeft", "minimumRight"}, kTrimmed = {"trimLeft", "trimRight"};
-// Half a per cent of the counts is more than a few hot or dead pixels and less than any phase worth measuring.
 constexpr NamedThreshold kMethods[] = {
-    {Method::MinimizeVariance, "minimize-variance", "otsu", "Otsu", kSmallest, {0.0, 0.0}, true, true},
-    {Method::Trim, "trim", "percentile", "Trim", kTrimmed, {0.05, 0.05}, true, false},
-    {Method::SearchForMinimum, "search-for-minimum", "minimum", "Minimum", kTrimmed, {0.005, 0.005}, true, true},
-    {Method::GaussianMixture, "gaussian-mixture", "mixture", "Gaussian mixture", kSmallest, {0.005, 0.005}, true, true},
-    {Method::MaximizeEntropy, "maximize-entropy", "entropy", "Entropy", kSmallest, {0.005, 0.005}, true, false},
+    {Method::MinimizeVariance, "minimize-variance", "otsu", "Otsu", kSmallest, true, true},
+    {Method::Trim, "trim", "percentile", "Trim", kTrimmed, true, false},
+    {Method::SearchForMinimum, "search-for-minimum", "minimum", "Minimum", kTrimmed, true, true},
+    {Method::GaussianMixture, "gaussian-mixture", "mixture", "Gaussian mixture", kSmallest, true, true},
+    {Method::MaximizeEntropy, "maximize-entropy", "entropy", "Entropy", kSmallest, true, false},
     // For histograms that start at black and have a tail; in most images it lies above all levels.
-    {Method::Exponential, "exponential", "exp", "Exponential", {"trimRight", ""}, {0.05, 0.0}, false, false},
+    {Method::Exponential, "exponential", "exp", "Exponential", {"trimRight", ""}, false, false},
 };
 
 }  // namespace
@@ -36,7 +35,7 @@ ThresholdChoice ParseThreshold(std::string_view text) {
     for (const NamedThreshold& method : kMethods) {
         if (text.substr(0, colon) != method.id && text.substr(0, colon) != method.alias) continue;
         choice.method = &method;
-        choice.parameters = method.defaults;
+        choice.parameters = UsualParameters(method.method);
         if (colon == text.size()) return choice;
         const auto numbers = ParseNumbers(text.substr(colon + 1), text);
         const size_t most = *method.parameters[1] ? 2 : 1;

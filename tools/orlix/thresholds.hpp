@@ -20,9 +20,8 @@ struct NamedThreshold {
     const char* alias;                      // a shorter or better known name
     const char* label;                      // for people
     std::array<const char*, 2> parameters;  // names; "" for a missing one
-    std::array<double, 2> defaults;
-    bool always;     // shown even if another method is chosen
-    bool twoPeaked;  // meaningful only if the histogram has two peaks
+    bool always;                            // shown even if another method is chosen
+    bool twoPeaked;                         // meaningful only if the histogram has two peaks
 };
 
 std::span<const NamedThreshold> ThresholdMethods();

@@ -325,7 +325,19 @@ __CRT_UUID_DECL(IConnectionPointContainer, 0xb196b284, 0xbab4, 0x101a, 0xb6, 0x9
 struct DISPPARAMS;
 struct EXCEPINFO;
 struct ITypeInfo;
-struct VARIANT;
+
+// A value of a script. Nothing here makes or reads one.
+struct VARIANT {
+    uint16_t vt;
+    uint16_t wReserved1, wReserved2, wReserved3;
+    union {
+        LONG lVal;
+        double dblVal;
+        BSTR bstrVal;
+        IUnknown* punkVal;
+        void* byref;
+    };
+};
 struct IDispatch : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* pctinfo) = 0;
     virtual HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT iTInfo, LCID lcid, ITypeInfo** ppTInfo) = 0;

@@ -271,6 +271,14 @@ HRESULT Added<IBitmapProcess>::ApplyTable(IBitmapProcess* bitmap, const GivenVal
     return bitmap->ApplyTable(entries.data(), times, passes);
 }
 
+HRESULT Added<IPersistStreamInitEx>::Save(IPersistStreamInitEx* image, IStream* stream, LONG clearDirty) {
+    return image->Save(stream, clearDirty != 0);
+}
+
+HRESULT Added<IPersistStreamInitEx>::Load(IPersistStreamInitEx* image, IStream* stream) {
+    return image->ReLoad(stream);
+}
+
 HRESULT Added<IImageFrames>::CreateFromFrame(IImageFrames* image, const GivenValue* bytes, LONG width, LONG height,
                                              LONG pixelFormat, LONG rowPitch, LONG bottomUp, LONG mosaic) {
     const GivenArray array(*bytes->value, bytes->locale);

@@ -74,6 +74,12 @@ struct Added<IImageVPA> {
 };
 
 template <>
+struct Added<IPersistStreamInitEx> {
+    static HRESULT Save(IPersistStreamInitEx* image, IStream* stream, LONG clearDirty);
+    static HRESULT Load(IPersistStreamInitEx* image, IStream* stream);
+};
+
+template <>
 struct Added<IImageFrames> {
     static HRESULT CreateFromFrame(IImageFrames* image, const GivenValue* bytes, LONG width, LONG height,
                                    LONG pixelFormat, LONG rowPitch, LONG bottomUp, LONG mosaic);

@@ -34,8 +34,9 @@ ClassMembers::ClassMembers(std::span<const IID* const> interfaces) {
         for (const NumberedMember& number : numbered.members) {
             const auto member = members_.find(InSmallLetters(number.name));
             if (member == members_.end()) continue;
-            const Method* const get = member->second.methods[kGet];
-            if (get && DerivesFrom(numbered.of, *get->iid)) member->second.id = number.id;
+            const auto& methods = member->second.methods;
+            const Method* const method = methods[kGet] ? methods[kGet] : methods[kCall];
+            if (method && DerivesFrom(numbered.of, *method->iid)) member->second.id = number.id;
         }
     }
     for (const auto& [name, member] : members_) byId_[member.id] = &member;

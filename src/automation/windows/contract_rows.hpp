@@ -21,7 +21,7 @@ enum class Kind : uint8_t {
     Handle,  // of the system; an integer for scripts
     Object,  // an interface
     Record,  // a structure
-    Value,   // GivenValue of an added method, and its result, a VARIANT
+    Value,   // VARIANT; what is given for it is a GivenValue, which added methods get as it is
 };
 
 enum ParameterFlag : uint8_t { kIn = 1, kOut = 2, kResult = 4, kOptional = 8 };
@@ -176,6 +176,8 @@ T ArgumentAs(const Argument& argument) noexcept {
         return argument.real;
     } else if constexpr (std::is_same_v<T, OLE_COLOR>) {
         return argument.color;
+    } else if constexpr (std::is_same_v<T, VARIANT>) {
+        return *static_cast<const GivenValue*>(argument.pointer)->value;
     } else if constexpr (std::is_pointer_v<T>) {
         return static_cast<T>(argument.pointer);
     } else if constexpr (std::is_class_v<T>) {

@@ -6,8 +6,4 @@ namespace orlix {
 
 std::optional<std::vector<uint8_t>> PackedSystemBitmap(void*) { throw FailedResult(E_NOTIMPL); }
 
-std::optional<std::vector<uint8_t>> PackedClipboardBitmap() { throw FailedResult(E_NOTIMPL); }
-
-void PutOnClipboard(std::span<const uint8_t>) { throw FailedResult(E_NOTIMPL); }
-
 }  // namespace orlix

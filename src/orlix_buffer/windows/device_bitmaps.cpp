@@ -3,40 +3,12 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
+#include <iterator>
 
 #include "component/failure.hpp"
 #include "dib/dib_memory.hpp"
 
 namespace orlix {
-namespace {
-
-// The clipboard, open for the lifetime of this object. A window must own what is put there.
-class OpenedClipboard {
-public:
-    OpenedClipboard()
-        : window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
-        if (window_ && OpenClipboard(window_)) return;
-        if (window_) DestroyWindow(window_);
-        throw MethodFailure("the clipboard is in use.");
-    }
-    ~OpenedClipboard() {
-        CloseClipboard();
-        DestroyWindow(window_);
-    }
-    OpenedClipboard(const OpenedClipboard&) = delete;
-    OpenedClipboard& operator=(const OpenedClipboard&) = delete;
-
-private:
-    HWND window_;
-};
-
-struct FreeGlobal {
-    void operator()(void* memory) const { GlobalFree(memory); }
-};
-
-}  // namespace
 
 std::optional<std::vector<uint8_t>> PackedSystemBitmap(void* bitmap) {
     BITMAP found = {};
@@ -59,27 +31,6 @@ std::optional<std::vector<uint8_t>> PackedSystemBitmap(void* bitmap) {
     ReleaseDC(nullptr, screen);
     if (rows != height) throw FailedResult(E_FAIL);
     return packed;
-}
-
-std::optional<std::vector<uint8_t>> PackedClipboardBitmap() {
-    const OpenedClipboard clipboard;
-    const HANDLE memory = GetClipboardData(CF_DIB);
-    if (!memory) return std::nullopt;
-    const auto* const bytes = static_cast<const uint8_t*>(GlobalLock(memory));
-    if (!bytes) throw FailedResult(E_FAIL);
-    const std::unique_ptr<void, decltype(&GlobalUnlock)> unlock(memory, &GlobalUnlock);
-    return std::vector<uint8_t>(bytes, bytes + GlobalSize(memory));
-}
-
-void PutOnClipboard(std::span<const uint8_t> packed) {
-    std::unique_ptr<void, FreeGlobal> memory(GlobalAlloc(GMEM_MOVEABLE, packed.size()));
-    void* const bytes = memory ? GlobalLock(memory.get()) : nullptr;
-    if (!bytes) throw std::bad_alloc();
-    std::memcpy(bytes, packed.data(), packed.size());
-    GlobalUnlock(memory.get());
-    const OpenedClipboard clipboard;
-    if (!EmptyClipboard() || !SetClipboardData(CF_DIB, memory.get())) throw FailedResult(E_FAIL);
-    memory.release();  // the system's now
 }
 
 }  // namespace orlix

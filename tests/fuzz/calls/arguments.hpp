@@ -34,6 +34,8 @@ T ValueFrom(World& world) {
         return world.Double();
     else if constexpr (std::is_same_v<T, TCoordinateMap>)
         return {world.Double(), world.Double(), {world.Double(), world.Double(), world.Double(), world.Double()}};
+    else if constexpr (std::is_same_v<T, VARIANT>)  // nothing: arrays are tested with scripts
+        return VARIANT{};
     else if constexpr (std::is_same_v<T, const IID&>)
         return world.Identifier();
     else if constexpr (std::is_same_v<T, void*>)

@@ -186,6 +186,24 @@ ORLIX_SPECIAL(IImageFile, GetNumberOfPages) {
     call(name.get(), pages.get());
 }
 
+ORLIX_SPECIAL(IVBHelper, OpenFileStream) {
+    const Argument<BSTR> name = FileName(world);
+    const Argument<FileStreamMode> mode(world);
+    Argument<IUnknown**> stream(world);
+    call(name.get(), mode.get(), stream.get());
+    stream.Done(world);
+}
+
+ORLIX_SPECIAL(IVBHelper, MeasureFile) {
+    const Argument<BSTR> name = FileName(world);
+    const Argument<AutoThresholdType> threshold(world);
+    Argument<SFileMeasurements*> measurements(world);
+    call(name.get(), threshold.get(), world.Long(), world.choices().Chance(32) ? world.Long() : 0, measurements.get());
+}
+
+// The dialog would wait for somebody.
+ORLIX_SPECIAL(IVBHelper, BrowseForFolder) { call(nullptr, nullptr, nullptr); }
+
 ORLIX_SPECIAL(IImageFile, SaveToFile) {
     const Argument<BSTR> name = FileName(world);
     call(name.get(), Argument<ImageFileFormat>(world).get());

@@ -33,7 +33,7 @@ constexpr int kMostCallbacks = 24;  // of a step
 
 const CLSID* const kClasses[] = {
     &__uuidof(OrlixImage),   &__uuidof(OrlixShapeRegionOfInterest), &__uuidof(OrlixBitmap), &__uuidof(OrlixHistogram),
-    &__uuidof(OrlixPolygon), &__uuidof(OrlixStructuringElement),    &__uuidof(OrlixBuffer)};
+    &__uuidof(OrlixPolygon), &__uuidof(OrlixStructuringElement),    &__uuidof(OrlixBuffer), &__uuidof(OrlixVBHelper)};
 
 ComPtr<IUnknown> New(const CLSID& clsid, const IID& iid) {
     ComPtr<IClassFactory> factory;

@@ -193,7 +193,10 @@ void Type::EachVariable(const std::function<void(const VARDESC&)>& visit) const 
 
 std::vector<Type> TypesOf(const ComPtr<ITypeLib>& library) {
     std::vector<Type> types;
-    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) types.emplace_back(Call(library, &ITypeLib::GetTypeInfo, i));
+    for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
+        Type type(Call(library, &ITypeLib::GetTypeInfo, i));
+        types.push_back(type.IsDual() ? type.ForCompiledClients() : std::move(type));
+    }
     return types;
 }
 

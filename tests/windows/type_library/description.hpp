@@ -23,6 +23,12 @@ public:
 
     const TYPEATTR& attributes() const { return *attributes_; }
 
+    // The dispatch interface that a dual interface is for scripts, and what it is for compiled clients.
+    bool IsDual() const {
+        return attributes_->typekind == TKIND_DISPATCH && (attributes_->wTypeFlags & TYPEFLAG_FDUAL);
+    }
+    Type ForCompiledClients() const { return Implemented(static_cast<UINT>(-1)); }
+
     std::string Name() const { return NameOf(MEMBERID_NIL); }
     std::string NameOf(MEMBERID member) const;
     std::string HelpOf(MEMBERID member) const;
@@ -46,7 +52,7 @@ private:
     TYPEATTR* attributes_ = nullptr;
 };
 
-// In the order of the library.
+// In the order of the library. Dual interfaces are what compiled clients see.
 std::vector<Type> TypesOf(const ComPtr<ITypeLib>& library);
 
 // What the library says, without help strings and without the sizes and offsets of records, which depend on the bit
