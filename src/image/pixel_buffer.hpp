@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -22,7 +23,7 @@ public:
         Swap(other);
         return *this;
     }
-    ~PixelBuffer() { ::operator delete(bytes_, AlignmentOf(capacity_)); }
+    ~PixelBuffer() { Release(); }
 
     uint8_t* data() const { return bytes_; }
     size_t size() const { return size_; }
@@ -36,41 +37,58 @@ public:
     // A buffer of uninitialised bytes.
     static PixelBuffer Unset(size_t size) {
         PixelBuffer buffer;
-        buffer.bytes_ = Allocate(size);
-        buffer.size_ = buffer.capacity_ = size;
+        buffer.Allocate(size);
+        buffer.size_ = size;
         return buffer;
     }
 
     void Resize(size_t size) {
         if (size > capacity_) {
-            uint8_t* const bytes = Allocate(size);
-            if (size_) std::memcpy(bytes, bytes_, size_);
-            ::operator delete(bytes_, AlignmentOf(capacity_));
-            bytes_ = bytes;
-            capacity_ = size;
+            PixelBuffer larger = Unset(size);
+            if (size_) std::memcpy(larger.bytes_, bytes_, size_);
+            larger.size_ = size_;
+            Swap(larger);
         }
         if (size > size_) std::memset(bytes_ + size_, 0, size - size_);
         size_ = size;
     }
 
 private:
-    static std::align_val_t AlignmentOf(size_t capacity) {
-        return std::align_val_t{capacity >= kLargeBlock ? kLargeBlockAlignment : 64};
+    static constexpr std::align_val_t kAlignment{64};
+
+    // For a buffer without memory. A large block begins within a larger one, because operator new for so large an
+    // alignment would give the bytes around it to others: once they are in use, the freed block is too short for its
+    // equal, and a program that loads one image after the other takes more and more memory.
+    void Allocate(size_t size) {
+        if (size < kLargeBlock) {
+            memory_ = ::operator new(size, kAlignment, std::nothrow);
+            if (!memory_) throw std::bad_alloc();
+            bytes_ = static_cast<uint8_t*>(memory_);
+        } else {
+            size_t room = size + kLargeBlockAlignment;
+            void* start = memory_ = room > size ? ::operator new(room, std::nothrow) : nullptr;
+            if (!memory_) throw std::bad_alloc();
+            bytes_ = static_cast<uint8_t*>(std::align(kLargeBlockAlignment, size, start, room));
+            AskForLargePages(bytes_, size);
+        }
+        capacity_ = size;
     }
-    static uint8_t* Allocate(size_t size) {
-        auto* const bytes = static_cast<uint8_t*>(::operator new(size, AlignmentOf(size), std::nothrow));
-        if (!bytes) throw std::bad_alloc();
-        if (size >= kLargeBlock) AskForLargePages(bytes, size);
-        return bytes;
+    void Release() {
+        if (capacity_ < kLargeBlock)  // not as an expression: clang 14 would evaluate both of its branches
+            ::operator delete(memory_, kAlignment);
+        else
+            ::operator delete(memory_);
     }
 
     void Swap(PixelBuffer& other) noexcept {
+        std::swap(memory_, other.memory_);
         std::swap(bytes_, other.bytes_);
         std::swap(size_, other.size_);
         std::swap(capacity_, other.capacity_);
     }
 
-    uint8_t* bytes_ = nullptr;
+    void* memory_ = nullptr;
+    uint8_t* bytes_ = nullptr;  // within the memory
     size_t size_ = 0;
     size_t capacity_ = 0;
 };
