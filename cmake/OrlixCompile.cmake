@@ -43,7 +43,7 @@ function(orlix_instruction_sets)
     foreach(file IN LISTS ARGN)
         if(file MATCHES "_avx2\\.cpp$")
             set_source_files_properties(${file} PROPERTIES SKIP_PRECOMPILE_HEADERS ON
-                COMPILE_OPTIONS "-mavx2;-mfma;-mbmi;-mbmi2;-mpopcnt")
+                COMPILE_OPTIONS "-mavx2;-mfma;-mbmi;-mbmi2;-mpopcnt;-mpclmul")
         elseif(file MATCHES "_avx512\\.cpp$")
             # VBMI and GFNI came with the processors that the variant is chosen on (Ice Lake, Zen 4 and later).
             string(CONCAT options "-mavx512f;-mavx512bw;-mavx512vl;-mavx512dq;-mavx512vbmi;-mgfni;"

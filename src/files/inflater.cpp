@@ -13,6 +13,7 @@ constexpr size_t kLargestTransfer = size_t{1} << 30;
 
 Inflater::Inflater(std::span<const std::span<const uint8_t>> pieces) : pieces_(pieces) {
     if (::inflateInit(&stream_) != Z_OK) throw std::bad_alloc();
+    ::inflateValidate(&stream_, 0);  // zlib would compute the checksum more slowly
 }
 
 // Decompresses until the input at hand is used up or the output is full. Without input there may still be output, from
@@ -28,8 +29,15 @@ void Inflater::Step() {
         stream_.avail_in = static_cast<uInt>(step);
         piece_ = piece_.subspan(step);
     }
+    const Bytef* const input = stream_.next_in;
+    const Bytef* const output = stream_.next_out;
     state_ = ::inflate(&stream_, Z_NO_FLUSH);
     if (state_ == Z_MEM_ERROR) throw std::bad_alloc();
+
+    checksum_ = adler32_(checksum_, output, static_cast<size_t>(stream_.next_out - output));
+    for (auto left = std::min<ptrdiff_t>(stream_.next_in - input, 4); left > 0; --left)
+        lastBytes_ = lastBytes_ << 8 | stream_.next_in[-left];
+    if (state_ == Z_STREAM_END && lastBytes_ != checksum_) state_ = Z_DATA_ERROR;
 }
 
 size_t Inflater::Read(std::span<uint8_t> output) {

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "files/checksums.hpp"
 #include "files/zlib_memory.hpp"
 
 namespace orlix {
@@ -43,6 +44,9 @@ private:
     std::span<const std::span<const uint8_t>> pieces_;
     std::span<const uint8_t> piece_;  // the part of the current piece that zlib has not been given yet
     int state_ = Z_OK;                // anything else means the end, or damage
+    ChecksumFn adler32_ = Choose(kAdler32);
+    uint32_t checksum_ = 1;   // of the output
+    uint32_t lastBytes_ = 0;  // the last four of the input, big-endian: at the end, the checksum of the stream
 };
 
 // Decompresses a whole stream; false if it is damaged or holds more than `maximum` bytes.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "component/failure.hpp"
+#include "files/checksums.hpp"
 #include "files/inflater.hpp"
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
@@ -155,7 +156,7 @@ Chunk TakeChunk(std::span<const uint8_t>& bytes) {
     const auto checked = bytes.subspan(4, 4 + length);
     const uint32_t checksum = BigEndian32(bytes.data() + 8 + length);
     bytes = bytes.subspan(kChunkFrame + length);
-    if (::crc32_z(0, checked.data(), checked.size()) != checksum)
+    if (Choose(kCrc32)(0, checked.data(), checked.size()) != checksum)
         BadPng("IImageVPAEx::CreateFromPng: a checksum is wrong.");
     return {BigEndian32(checked.data()), checked.subspan(4)};
 }

@@ -9,6 +9,7 @@
 #include "binary/plane_kernels.hpp"
 #include "display/display_level_kernels.hpp"
 #include "display/raster_kernels.hpp"
+#include "files/checksums.hpp"
 #include "files/png_filter.hpp"
 #include "filters/extremum_sharpening_kernels.hpp"
 #include "filters/filter_table.hpp"
@@ -130,6 +131,8 @@ std::vector<KernelInUse> Collect() {
                        {"display levels, 16 bits", ChosenVariant(kLevels<uint16_t>).name},
                        {"display levels, 32 bits", ChosenVariant(kLevels<uint32_t>).name},
                        {"display levels, float", ChosenVariant(kLevels<float>).name},
+                       {"checksums, CRC-32", ChosenVariant(kCrc32).name},
+                       {"checksums, Adler-32", ChosenVariant(kAdler32).name},
                        {"PNG filters", ChosenVariant(png::kApplyFilter).name},
                        {"PNG filters, undone", ChosenVariant(png::kUnfilter).name},
                        {"picture, greys", ChosenVariant(kExpandGrey).name},

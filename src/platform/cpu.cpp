@@ -23,7 +23,8 @@ Cpu Detect() noexcept {
     constexpr uint64_t kYmm = 0x6, kZmm = 0xe6;  // SSE and AVX state; with it the mask registers and both parts of zmm
     const uint64_t saved = SavedState();
     unsigned a = 0, b = 0, c = 0, d = 0;
-    if ((saved & kYmm) != kYmm || !__get_cpuid(1, &a, &b, &c, &d) || !HasAll(c, bit_AVX | bit_FMA | bit_POPCNT))
+    if ((saved & kYmm) != kYmm || !__get_cpuid(1, &a, &b, &c, &d) ||
+        !HasAll(c, bit_AVX | bit_FMA | bit_POPCNT | bit_PCLMUL))
         return Cpu::Sse2;
     if (!__get_cpuid_count(7, 0, &a, &b, &c, &d) || !HasAll(b, bit_AVX2 | bit_BMI | bit_BMI2)) return Cpu::Sse2;
     if ((saved & kZmm) != kZmm || !HasAll(b, bit_AVX512F | bit_AVX512BW | bit_AVX512VL | bit_AVX512DQ | bit_AVX512CD) ||

@@ -49,6 +49,8 @@ std::set<std::string> KernelNames() {
                                    "tilted hemisphere sums",
                                    "correct with a polynomial, 8 bits",
                                    "outlines",
+                                   "checksums, CRC-32",
+                                   "checksums, Adler-32",
                                    "PNG filters",
                                    "PNG filters, undone"};
     const auto add = [&](std::initializer_list<std::string> kernels, std::initializer_list<std::string> kinds) {
