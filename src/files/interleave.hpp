@@ -26,7 +26,10 @@ inline void InterleaveRow(PixelSource& source, const FileProperties& properties,
         uint8_t* at = out + static_cast<size_t>(band) * SampleBytes(properties);
         if (properties.dataType == DT_WORD) {
             const auto* in = static_cast<const uint16_t*>(row);
-            for (size_t x = 0; x < width; ++x) PutBigEndian16(at + x * step, in[x]);
+            if (step == 2)  // a constant, for vectors
+                for (size_t x = 0; x < width; ++x) PutBigEndian16(at + x * 2, in[x]);
+            else
+                for (size_t x = 0; x < width; ++x) PutBigEndian16(at + x * step, in[x]);
         } else {
             const auto* in = static_cast<const uint8_t*>(row);
             if (step == 1)

@@ -2,9 +2,11 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 #include <stdexcept>
 
+#include "files/checksums.hpp"
 #include "files/interleave.hpp"
 #include "files/png.hpp"
 #include "files/png_filter.hpp"
@@ -23,13 +25,16 @@ using namespace png;
 
 void AppendChunk(std::vector<uint8_t>& bytes, uint32_t type, std::span<const uint8_t> data) {
     if (data.size() > kLargestNumber) throw std::length_error("PNG chunk");
-    const size_t start = bytes.size();
-    bytes.resize(start + kChunkFrame + data.size());
-    uint8_t* chunk = bytes.data() + start;
-    PutBigEndian32(chunk, static_cast<uint32_t>(data.size()));
-    PutBigEndian32(chunk + 4, type);
-    if (!data.empty()) std::memcpy(chunk + 8, data.data(), data.size());
-    PutBigEndian32(chunk + 8 + data.size(), static_cast<uint32_t>(::crc32_z(0, chunk + 4, 4 + data.size())));
+    const auto put = [&](uint32_t number) {
+        std::array<uint8_t, 4> stored;
+        PutBigEndian32(stored.data(), number);
+        bytes.insert(bytes.end(), stored.begin(), stored.end());
+    };
+    put(static_cast<uint32_t>(data.size()));
+    const size_t checked = bytes.size();
+    put(type);
+    bytes.insert(bytes.end(), data.begin(), data.end());
+    put(Choose(kCrc32)(0, bytes.data() + checked, bytes.size() - checked));
 }
 
 void AppendHeader(std::vector<uint8_t>& bytes, const FileProperties& properties) {
@@ -104,37 +109,55 @@ private:
     std::vector<uint8_t> row_;
 };
 
-// Writes a compressed stream as a sequence of pixel chunks.
+// Writes compressed streams, one after the other, each as a sequence of pixel chunks.
 class Compressor {
 public:
-    Compressor(std::vector<uint8_t>& bytes, int level, int strategy) : bytes_(bytes), buffer_(kPiece) {
-        constexpr int kWindowBits = 15, kMemory = 9;
-        if (::deflateInit2(&stream_, level, Z_DEFLATED, kWindowBits, kMemory, strategy) != Z_OK) throw std::bad_alloc();
-        Renew();
+    Compressor() {
+        // Without zlib's own frame, whose checksum it would compute more slowly.
+        if (::deflateInit2(&stream_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, -kWindowBits, kMemory, Z_RLE) != Z_OK)
+            throw std::bad_alloc();
     }
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
     ~Compressor() { ::deflateEnd(&stream_); }
 
+    // Chunks are appended to the bytes until the stream is finished.
+    void Start(std::vector<uint8_t>& bytes, int level, int strategy) {
+        bytes_ = &bytes;
+        checksum_ = 1;
+        ::deflateReset(&stream_);
+        Renew();
+        ::deflateParams(&stream_, level, strategy);
+        const int effort = strategy >= Z_HUFFMAN_ONLY || level < 2 ? 0 : level < 6 ? 1 : level == 6 ? 2 : 3;
+        const int start = (kWindowBits - 8) << 12 | Z_DEFLATED << 8 | effort << 6;
+        PutBigEndian<2>(static_cast<uint32_t>(start + 31 - start % 31));
+    }
     void Append(std::span<const uint8_t> data) {
         while (!data.empty()) {
             const size_t step = std::min(data.size(), kLargestTransfer);
+            checksum_ = adler32_(checksum_, data.data(), step);
             Run(data.first(step), Z_NO_FLUSH);
             data = data.subspan(step);
         }
     }
     void Finish() {
         Run({}, Z_FINISH);
-        AppendChunk(bytes_, kPixels, std::span(buffer_).first(buffer_.size() - stream_.avail_out));
+        PutBigEndian<4>(checksum_);
+        AppendChunk(*bytes_, kPixels, {buffer_.get(), kPiece - stream_.avail_out});
     }
 
 private:
+    static constexpr int kWindowBits = 15, kMemory = 9;
     static constexpr size_t kPiece = 256 * 1024;
     static constexpr size_t kLargestTransfer = size_t{1} << 30;
 
     void Renew() {
-        stream_.next_out = buffer_.data();
-        stream_.avail_out = static_cast<uInt>(buffer_.size());
+        stream_.next_out = buffer_.get();
+        stream_.avail_out = kPiece;
+    }
+    void AppendPiece() {
+        AppendChunk(*bytes_, kPixels, {buffer_.get(), kPiece});
+        Renew();
     }
     void Run(std::span<const uint8_t> data, int flush) {
         stream_.next_in = const_cast<Bytef*>(data.data());
@@ -142,35 +165,43 @@ private:
         for (;;) {
             const int state = ::deflate(&stream_, flush);
             if (stream_.avail_out > 0 && (flush == Z_NO_FLUSH || state == Z_STREAM_END)) return;
-            AppendChunk(bytes_, kPixels, buffer_);
-            Renew();
+            AppendPiece();
+        }
+    }
+    template <int kBytes>
+    void PutBigEndian(uint32_t number) {
+        for (int shift = 8 * (kBytes - 1); shift >= 0; shift -= 8) {
+            *stream_.next_out++ = static_cast<uint8_t>(number >> shift);
+            if (--stream_.avail_out == 0) AppendPiece();
         }
     }
 
-    std::vector<uint8_t>& bytes_;
-    std::vector<uint8_t> buffer_;
+    std::unique_ptr<uint8_t[]> buffer_ = std::make_unique_for_overwrite<uint8_t[]>(kPiece);
+    std::vector<uint8_t>* bytes_ = nullptr;
     z_stream stream_ = NewZlibStream();
+    ChecksumFn adler32_ = Choose(kAdler32);
+    uint32_t checksum_ = 1;  // of what was appended
 };
 
 // How rows are filtered and compressed. Measured on micrographs: the noise that is left once each row has its best
 // filter holds runs but hardly any matches, whose search takes three times as long and makes the file larger. Height
 // maps that use few of their levels keep their repetitions without a filter, or with one for all rows, as drawings and
 // label images do, and pictures with three channels of nearly the same grey. Dim 16-bit pictures, whose upper bytes
-// hardly change, are the exception: there the search gains 4 %.
+// hardly change, are the exception: there the search gains 4 %, of which the strip of a trial shows a fifth.
 struct Method {
     int filter;  // one for all rows, or kBestFilter
     int level, strategy;
-    size_t atMost;  // percent of the size by the best method before it
+    size_t atMost;  // thousandths of the size by the best method before it
 };
 constexpr int kBestFilter = -1;
 // Faster methods first.
 constexpr Method kMethods[] = {
-    {kNone, 6, Z_RLE, 100},           {kBestFilter, 6, Z_RLE, 97},      {kNone, 1, Z_DEFAULT_STRATEGY, 97},
-    {kUp, 1, Z_DEFAULT_STRATEGY, 97}, {kBestFilter, 5, Z_FILTERED, 99},
+    {kNone, 6, Z_RLE, 1000},           {kBestFilter, 6, Z_RLE, 990},      {kNone, 1, Z_DEFAULT_STRATEGY, 970},
+    {kUp, 1, Z_DEFAULT_STRATEGY, 970}, {kBestFilter, 5, Z_FILTERED, 995},
 };
 // For what has become less than an eighth: label images and drawings lose up to 40 % more by a longer search. In noisy
 // pictures it takes seven times as long and finds little.
-constexpr Method kThoroughMethods[] = {{kNone, 6, Z_DEFAULT_STRATEGY, 80}, {kUp, 6, Z_DEFAULT_STRATEGY, 80}};
+constexpr Method kThoroughMethods[] = {{kNone, 6, Z_DEFAULT_STRATEGY, 800}, {kUp, 6, Z_DEFAULT_STRATEGY, 800}};
 
 class RowWriter {
 public:
@@ -187,15 +218,15 @@ public:
 
     // Appends the rows [first, end) as one stream.
     void Write(int32_t first, int32_t end, const Method& method, std::vector<uint8_t>& bytes) {
-        Compressor compressor(bytes, method.level, method.strategy);
+        compressor_.Start(bytes, method.level, method.strategy);
         std::fill(above_.begin(), above_.end(), uint8_t{0});
         for (int32_t y = first; y < end; ++y) {
             InterleaveRow(source_, properties_, y, row_.data());
             method.filter == kBestFilter ? FilterBest() : (void)FilterInto(best_, static_cast<uint8_t>(method.filter));
-            compressor.Append(best_);
+            compressor_.Append(best_);
             above_.swap(row_);
         }
-        compressor.Finish();
+        compressor_.Finish();
     }
 
 private:
@@ -221,35 +252,53 @@ private:
     size_t rowBytes_ = 0;
     std::vector<uint8_t> above_, row_;   // unfiltered, in the format's order
     std::vector<uint8_t> best_, trial_;  // filtered, behind the byte that names the filter
+    Compressor compressor_;
 };
 
-// Appends the pixels by the method that makes a strip of rows in the middle smallest, or nearly so in less time.
-void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties, PixelSource& source) {
-    constexpr size_t kStrip = 64 * 1024;
-    RowWriter rows(properties, source);
-    const auto count = static_cast<int32_t>(
-        std::clamp<size_t>(kStrip / rows.StoredRowBytes(), 1, static_cast<size_t>(properties.height)));
-    const int32_t first = (properties.height - count) / 2;
-    std::vector<uint8_t> least;
+// The method that makes a strip of rows in the middle smallest, or nearly so in less time.
+struct Trial {
+    int32_t rows;
+    size_t stored;  // bytes of the rows
     Method best = kMethods[0];
+    std::vector<uint8_t> least = {};  // the rows by that method
+};
+
+Trial Try(RowWriter& rows, int32_t height, size_t strip) {
+    const auto count =
+        static_cast<int32_t>(std::clamp<size_t>(strip / rows.StoredRowBytes(), 1, static_cast<size_t>(height)));
+    const int32_t first = (height - count) / 2;
+    Trial trial{count, static_cast<size_t>(count) * rows.StoredRowBytes()};
     const auto attempt = [&](const Method& method) {
-        std::vector<uint8_t> strip;
-        rows.Write(first, first + count, method, strip);
-        if (!least.empty() && strip.size() * 100 > least.size() * method.atMost) return;
-        least.swap(strip);
-        best = method;
+        std::vector<uint8_t> bytes;
+        rows.Write(first, first + count, method, bytes);
+        if (!trial.least.empty() && bytes.size() * 1000 > trial.least.size() * method.atMost) return;
+        trial.least.swap(bytes);
+        trial.best = method;
     };
     for (const Method& method : kMethods) attempt(method);
-    if (least.size() * 8 < static_cast<size_t>(count) * rows.StoredRowBytes())
+    if (trial.least.size() * 8 < trial.stored)
         for (const Method& method : kThoroughMethods) attempt(method);
-    if (count == properties.height) {
-        bytes.insert(bytes.end(), least.begin(), least.end());
+    return trial;
+}
+
+void AppendPixels(std::vector<uint8_t>& bytes, const FileProperties& properties, PixelSource& source) {
+    // A sixteenth of the image, because a trial takes six times as long as the rows in the file. Where little is left,
+    // a trial is fast, and repetitions are found in long strips only.
+    constexpr size_t kShort = 8 * 1024, kLong = 32 * 1024, kLongest = 64 * 1024;
+    RowWriter rows(properties, source);
+    const int32_t height = properties.height;
+    const auto share = static_cast<size_t>(
+        std::clamp<uint64_t>(uint64_t{rows.StoredRowBytes()} * static_cast<size_t>(height) / 16, kShort, kLong));
+    Trial trial = Try(rows, height, share);
+    if (trial.least.size() * 4 < trial.stored && trial.rows < height) trial = Try(rows, height, kLongest);
+    if (trial.rows == height) {
+        bytes.insert(bytes.end(), trial.least.begin(), trial.least.end());
         return;
     }
     // Memory that grows is copied. An estimate that is too high costs nothing: pages are taken as they are written.
-    const size_t strips = static_cast<size_t>(properties.height) / static_cast<size_t>(count) + 1;
-    bytes.reserve(bytes.size() + least.size() * strips + least.size() * strips / 16);
-    rows.Write(0, properties.height, best, bytes);
+    const size_t strips = static_cast<size_t>(height / trial.rows) + 1;
+    bytes.reserve(bytes.size() + trial.least.size() * strips + trial.least.size() * strips / 16);
+    rows.Write(0, height, trial.best, bytes);
 }
 
 }  // namespace
