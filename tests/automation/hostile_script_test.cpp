@@ -1,6 +1,4 @@
-// Calls that make no sense, and what the scripting host makes of the library.
-#include <cstdio>
-#include <cstring>
+// Calls that make no sense.
 #include <random>
 
 #include "automation/script.hpp"
@@ -139,66 +137,6 @@ TEST(HostileScripts, AnyCallHasAResultAndLeavesNothingBehind) {
         EXPECT_GT(script.failures, 1000);
     }
     EXPECT_TRUE(ModuleIsUnlocked());
-}
-
-// What a program of the system prints.
-std::string OutputOf(const std::wstring& command) {
-    std::string output;
-    FILE* const pipe = _wpopen(command.c_str(), L"rt");
-    EXPECT_TRUE(pipe);
-    char part[256];
-    while (pipe && std::fgets(part, sizeof part, pipe)) output += part;
-    if (pipe) _pclose(pipe);
-    return output;
-}
-
-TEST(ScriptingHost, RunsVBScript) {
-    ASSERT_TRUE(ModuleUnderTest()) << "is the module registered?";
-    constexpr char kScript[] = R"(
-Set image = CreateObject("Orlix.Image")
-image.Create 8, 4
-image.ScalarEquals 7
-WScript.Echo image.Dimensions.Width & " x " & image.Height & ", " & image.GrayMeasurements.GrayAverage
-Set bitmap = image.Threshold(5, 9, True)
-bitmap.Bit(2, 3) = 0
-For Each blob In bitmap.FindBlobs(4)
-  WScript.Echo "area " & blob.Area & ", moment " & blob.RawMoments(0)
-Next
-Dim bands, width, height
-image.Dimensions bands, width, height
-WScript.Echo bands & " " & width & " " & height
-Class Surface
-  Public Average
-  Public Alpha
-  Public Beta
-  Public Gamma
-End Class
-Set plane = New Surface
-plane.Average = 0: plane.Alpha = 1: plane.Beta = 0: plane.Gamma = 0
-image.CorrectPlanar plane
-WScript.Echo image.Histogram.Bins(7) & " " & image.PlanarFit.Alpha
-Dim corners(5)
-corners(0) = 0: corners(1) = 0: corners(2) = 4: corners(3) = 0: corners(4) = 4: corners(5) = 3
-Set polygon = CreateObject("Orlix.Polygon")
-polygon.Create corners
-WScript.Echo polygon.Area
-On Error Resume Next
-image.Create 0, 4
-WScript.Echo Err.Source & ": " & Err.Description
-)";
-    wchar_t folder[MAX_PATH];
-    ASSERT_TRUE(GetTempPathW(MAX_PATH, folder));
-    const std::wstring path = folder + std::to_wstring(GetCurrentProcessId()) + L".vbs";
-    FILE* const file = _wfopen(path.c_str(), L"wb");
-    ASSERT_TRUE(file);
-    std::fwrite(kScript, 1, std::strlen(kScript), file);
-    std::fclose(file);
-    const std::string output = OutputOf(L"cscript //nologo \"" + path + L"\" 2>&1");
-    DeleteFileW(path.c_str());
-    EXPECT_EQ(
-        "8 x 4, 7\narea 31, moment 31\n1 8 4\n4 -1\n6\n"
-        "Orlix.Image.1: IImageVPAEx::Create: Width must be positive.\n",
-        output);
 }
 
 }  // namespace
