@@ -68,6 +68,7 @@ TEST_F(Manifest, MakesEveryClassKnownToAProgramBesideTheLibrary) {
         SCOPED_TRACE(row.progId);
         CLSID clsid = {};
         ASSERT_EQ(S_OK, CLSIDFromString(ToUtf16(row.clsid).c_str(), &clsid));
+        EXPECT_EQ(std::string(row.progId) + ".1", NameOf(clsid)) << "the source of errors";
         // The system may make up an identifier for a name in a manifest.
         for (const CLSID& known : {clsid, ClassOf(row.progId), ClassOf(std::string(row.progId) + ".1")}) {
             ComPtr<IDispatch> object;

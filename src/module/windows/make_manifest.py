@@ -32,10 +32,10 @@ def value(script, name):
 def class_of(script):
     clsid, title = re.search(r"ForceRemove (\{[-0-9A-F]{36}\}) = s '([^']*)'", script).groups()
     facts = {"clsid": clsid, "description": title, "threadingModel": value(script, "ThreadingModel"),
-             "tlbid": value(script, "TypeLib"), "progid": value(script, "VersionIndependentProgID")}
+             "tlbid": value(script, "TypeLib"), "progid": value(script, "ProgID")}
     attributes = " ".join(f"{name}={quoteattr(text)}" for name, text in facts.items())
     return f"""        <comClass {attributes}>
-            <progid>{value(script, "ProgID")}</progid>
+            <progid>{value(script, "VersionIndependentProgID")}</progid>
         </comClass>
 """
 
