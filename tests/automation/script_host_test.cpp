@@ -171,6 +171,19 @@ TEST(ScriptHost, WrongCallsOfWScriptHaveTheirErrors) {
     EXPECT_TRUE(ModuleIsUnlocked());
 }
 
+TEST(ScriptHost, MessagesAreDispatchedWhileAScriptSleeps) {
+    static int ticks = 0;
+    struct Timer {
+        static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) { ++ticks; }
+    };
+    const UINT_PTR timer = SetTimer(nullptr, 0, 10, &Timer::Tick);
+    const ULONGLONG begun = GetTickCount64();
+    EXPECT_TRUE(Play("JScript", "WScript.Sleep(100)").succeeded);
+    EXPECT_GE(GetTickCount64() - begun, 100u);
+    EXPECT_GT(ticks, 0);
+    KillTimer(nullptr, timer);
+}
+
 TEST(ScriptHost, ErrorsHaveTheirPlace) {
     constexpr struct {
         const char *engine, *text, *error;

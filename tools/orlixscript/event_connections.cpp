@@ -32,7 +32,7 @@ public:
     STDMETHODIMP Invoke(DISPID id, REFIID, LCID locale, WORD, DISPPARAMS* given, VARIANT* result, EXCEPINFO*,
                         UINT*) noexcept override {
         if (result) VariantInit(result);
-        if (!given) return E_INVALIDARG;
+        if (!given || (given->cArgs && !given->rgvarg)) return E_INVALIDARG;
         try {
             // The function may disconnect.
             const orlix::ComPtr<EventSink> alive(this);
@@ -105,10 +105,11 @@ void EventConnections::Connect(const orlix::ComPtr<IUnknown>& object, std::strin
     IID events = {};
     if (!classInfo || !container || FAILED(classInfo->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &events)))
         HasNoEvents();
-    auto names = NamesOf(classInfo, events);
+    const auto names = NamesOf(classInfo, events);
     orlix::ComPtr<IConnectionPoint> point;
     if (!names || FAILED(container->FindConnectionPoint(events, point.Out())) || !point) HasNoEvents();
-    auto sink = orlix::MakeCounted<EventSink>(events, std::move(names), prefix, functions, failed_);
+    lastNames_ = names;
+    auto sink = orlix::MakeCounted<EventSink>(events, names, prefix, functions, failed_);
     auto connection = std::make_unique<Connection>();
     connection->object = object.As<IUnknown>();
     connection->point = std::move(point);

@@ -33,6 +33,7 @@ private:
 
     std::function<void(HRESULT, const EXCEPINFO&)> failed_;
     std::vector<std::unique_ptr<Connection>> connections_;
+    orlix::ComPtr<ITypeInfo> lastNames_;  // keeps a type library in memory, because loading takes milliseconds
 };
 
 }  // namespace script_host

@@ -58,7 +58,7 @@ int main() try {
         script, std::move(arguments),
         {[](std::string_view text) { Write(stdout, text); }, [](std::string_view text) { Write(stderr, text); },
          [](int code) { ExitProcess(static_cast<UINT>(code)); }});
-    return succeeded ? kDone : kFailed;
+    return succeeded && !std::ferror(stdout) ? kDone : kFailed;  // a full disk is not success
 } catch (const std::exception& error) {
     Write(stderr, std::string("orlixscript: ") + error.what() + "\r\n");
     return kNotBegun;

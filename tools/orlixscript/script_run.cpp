@@ -120,18 +120,19 @@ Script ReadScript(const std::string& path) {
     const std::string extension = tool::Extension(path);
     if (extension != ".vbs" && extension != ".js")
         throw NoScript(path + ": scripts are files .vbs (VBScript) and .js (JScript).");
+    constexpr uintmax_t kMost = uintmax_t{1} << 26;
+    std::error_code failed;
+    const uintmax_t size = std::filesystem::file_size(tool::Path(path), failed);
+    if (!failed && size > kMost) throw NoScript(path + ": larger than 64 MB.");
     std::string bytes;
     try {
         bytes = tool::ReadFile(tool::Path(path));
     } catch (const std::runtime_error& error) {
         throw NoScript(error.what());
     }
-    constexpr size_t kMost = size_t{1} << 26;
-    if (bytes.size() > kMost) throw NoScript(path + ": larger than 64 MB.");
     std::wstring text = TextOf(bytes);
     // Engines read up to it.
     if (text.find(L'\0') != text.npos) throw NoScript(path + ": not a text, it has null characters.");
-    std::error_code failed;
     const std::filesystem::path full = std::filesystem::absolute(tool::Path(path), failed);
     return {failed ? path : orlix::ToUtf8(full.native()), extension == ".js" ? "JScript" : "VBScript", std::move(text)};
 }

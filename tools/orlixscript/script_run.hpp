@@ -25,9 +25,9 @@ struct Script {
 // otherwise in the code page of the system. Throws NoScript.
 Script ReadScript(const std::string& path);
 
-// Runs it to its end in an apartment of the thread, with the object WScript, whose description is in wscript.hpp. Errors
-// are reported as "FILE(LINE, COLUMN) SOURCE: DESCRIPTION"; those of functions that events call do not end the script.
-// Returns whether there was none. Throws NoScript.
+// Runs it to its end, with the object WScript (wscript.hpp); the thread must be in an apartment. Errors are reported as
+// "FILE(LINE, COLUMN) SOURCE: DESCRIPTION"; those of functions that events call do not end the script. Returns whether
+// there was none. Throws NoScript.
 bool Run(const Script& script, std::vector<std::string> arguments, Surroundings surroundings);
 
 }  // namespace script_host
