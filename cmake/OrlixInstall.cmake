@@ -20,6 +20,9 @@ if(TARGET orlix_tool)
     file(RELATIVE_PATH from_tool_to_library ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
     set_target_properties(orlix_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${from_tool_to_library}")
     install(TARGETS orlix_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    if(WIN32)
+        install(TARGETS orlixscript RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    endif()
 endif()
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orlix DESTINATION ${headers}

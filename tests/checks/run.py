@@ -340,7 +340,11 @@ def check_windows(bits, build):
     check(f"{name} carries its type library, registration scripts and version", resource_problems(library, build))
     check(f"{name} does not rely on the alignment of the stack", aligned_stack_moves(f"{TOOLS[bits]}-objdump", file))
     check(f"{bits}-bit Windows: code for newer processors stays in its functions", foreign_templates(build))
-    for tool in sorted([*build.rglob("orlix.exe"), *build.rglob("viewer.exe")]):
+    host = build / "tools/orlixscript/orlixscript.exe"
+    wanted = {(24, 1): host.with_suffix(".manifest").read_bytes()}
+    found = {key: content for key, content in PortableExecutable(host).resources().items() if key[0] == 24}
+    check(f"{bits}-bit {host.name} carries its manifest", [] if found == wanted else [f"it has {sorted(found)}"])
+    for tool in sorted([*build.rglob("orlix.exe"), *build.rglob("viewer.exe"), host]):
         check(f"{bits}-bit {tool.name} imports libraries of the system only",
               sorted(f"imports {entry}" for entry in PortableExecutable(tool).imports
                      if entry.lower() not in SYSTEM_LIBRARIES))
