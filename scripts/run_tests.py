@@ -465,7 +465,7 @@ def endings_of_scripts(tally, host, folder):
     cases = (("run.vbs", 'x = 1\nCreateObject("Orlix.Image").Invert', 1,
               r"{}\(2, 1\) Orlix\.Image\.1: IImageProcess::Invert: no image\.\n"),
              ("compile.js", "var x = 1;\n  x = = 3;", 1, r"{}\(2, 7\) Microsoft JScript compilation error: .+\n"),
-             ("recursion.vbs", "Sub Deeper(n)\n  Deeper n + 1\nEnd Sub\nDeeper 1", 1, r"(.*: [Oo]ut of stack space\n)?"),
+             ("recursion.vbs", "Sub Deep(n)\n  Deep n + 1\nEnd Sub\nDeep 1", 1, r"(.*: [Oo]ut of stack space\n)?"),
              ("quit.vbs", 'On Error Resume Next\nWScript.Quit 7\nWScript.Echo "still"', 7, ""),
              ("unknown.txt", "", 2, r"orlixscript: {}: scripts are files \.vbs \(VBScript\) and \.js \(JScript\)\.\n"),
              ("missing.js", None, 2, r"orlixscript: cannot read .*/missing\.js: no such file\n"))
@@ -480,8 +480,8 @@ def endings_of_scripts(tally, host, folder):
 
 
 def package(tally, wine):
-    """The zip file for Windows works where a user unpacks it: its programs and their scripts at once, the scripts of the
-    system's host after install.cmd."""
+    """The zip file for Windows works where a user unpacks it: its programs and their scripts at once, the scripts of
+    the system's host after install.cmd."""
     folder = BUILD / "package" / "für Prüfer"
     shutil.rmtree(folder.parent, ignore_errors=True)
     archive = BUILD / "orlix-windows.zip"

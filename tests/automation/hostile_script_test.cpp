@@ -1,13 +1,18 @@
 // Calls that make no sense.
+#include <memory>
 #include <random>
 
 #include "automation/script.hpp"
+#include "wscript.hpp"
 
 namespace orlix::testing {
 namespace {
 
 // Those that scripts have besides the methods of the contract.
-constexpr const char* kOthers[] = {"GetPixels", "PutPixels", "Item", "_NewEnum", "GetVertex", "Alpha", "Area", "Width"};
+constexpr const char* kOthers[] = {"GetPixels", "PutPixels", "Item", "_NewEnum", "GetVertex", "Alpha", "Area", "Width",
+                                   // and those of WScript
+                                   "Arguments", "ConnectObject", "CreateObject", "DisconnectObject", "Echo", "Quit",
+                                   "StdOut", "WriteLine"};
 
 // Random calls of all members of all objects, also of those that calls return. Another seed makes other calls
 // (--gtest_random_seed).
@@ -18,11 +23,20 @@ public:
              {"Orlix.Image", "Orlix.Bitmap", "Orlix.Histogram", "Orlix.Polygon", "Orlix.StructuringElement",
               "Orlix.ShapeRegionOfInterest", "Orlix.OrlixBuffer", "Orlix.VBHelper"})
             Adopt(CreateObject<IDispatch>(progId));
+        const std::shared_ptr<script_host::RunningScript> host(
+            new script_host::RunningScript{"C:\\script.vbs",
+                                           {"1"},
+                                           {[](auto) {}, [](auto) {}, [](int) {}},
+                                           script_host::EventConnections(nullptr),
+                                           nullptr});
+        Adopt(script_host::MakeWScript(host));
+        kept_ = objects_.size();
     }
 
     void Call() {
         const ComPtr<IDispatch> object = objects_[Below(objects_.size())];
-        std::string_view name = Below(8) ? kContractMethods[Below(std::size(kContractMethods))] : kOthers[Below(8)];
+        std::string_view name =
+            Below(8) ? kContractMethods[Below(std::size(kContractMethods))] : kOthers[Below(std::size(kOthers))];
         // They write files, use the desktop's clipboard, wait for a user.
         for (const std::string_view others : {"SaveToFile", "OpenFileStream", "CopyImage", "BrowseForFolder"})
             if (name == others) return;
@@ -65,7 +79,7 @@ private:
         if (objects_.size() < 24)
             objects_.push_back(std::move(object));
         else
-            objects_[7 + Below(objects_.size() - 7)] = std::move(object);
+            objects_[kept_ + Below(objects_.size() - kept_)] = std::move(object);
     }
 
     // With no reference to the variable it is the argument itself.
@@ -125,6 +139,7 @@ private:
 
     std::mt19937 random_;
     std::vector<ComPtr<IDispatch>> objects_;
+    size_t kept_ = 0;  // the first ones are never replaced
     bool small_ = false;
 };
 

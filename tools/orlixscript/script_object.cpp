@@ -5,10 +5,20 @@
 
 namespace script_host {
 
+namespace {
+
+// The system's conversions trust others: a null array or record, a type that does not exist.
+bool IsConvertible(VARTYPE type) { return type <= VT_UINT && type != VT_VARIANT && type != VT_DECIMAL + 1; }
+
+}  // namespace
+
 Value Arguments::Plain(UINT index) const {
+    VARIANT* argument = &given_.rgvarg[given_.cArgs - 1 - index];  // the last one comes first
+    if (argument->vt == (VT_BYREF | VT_VARIANT)) argument = argument->pvarVal;
+    if (!argument || ((argument->vt & VT_BYREF) && !argument->byref)) throw BadArgument{E_INVALIDARG, index};
+    if (!IsConvertible(argument->vt & static_cast<VARTYPE>(~VT_BYREF))) throw BadArgument{DISP_E_TYPEMISMATCH, index};
     Value value;
-    // The last argument comes first.
-    const HRESULT copied = VariantCopyInd(value.get(), &given_.rgvarg[given_.cArgs - 1 - index]);
+    const HRESULT copied = VariantCopyInd(value.get(), argument);
     if (FAILED(copied)) throw BadArgument{copied, index};
     return value;
 }
