@@ -154,5 +154,53 @@ TEST(HostileScripts, AnyCallHasAResultAndLeavesNothingBehind) {
     EXPECT_TRUE(ModuleIsUnlocked());
 }
 
+// What the process holds of the system: graphics and window objects, handles, and bytes of its own memory.
+struct Holdings {
+    DWORD graphics = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    DWORD windows = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    DWORD handles = 0;
+    size_t bytes = 0;
+
+    Holdings() {
+        GetProcessHandleCount(GetCurrentProcess(), &handles);
+        PROCESS_HEAP_ENTRY entry = {};
+        const HANDLE heap = GetProcessHeap();
+        HeapLock(heap);
+        while (HeapWalk(heap, &entry))
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
+        HeapUnlock(heap);
+    }
+};
+
+// What the examples do, over and over, with failures and with bitmaps of the system.
+TEST(HostileScripts, NothingGrowsOverAThousandCycles) {
+    ASSERT_TRUE(ModuleUnderTest()) << "is the module registered?";
+    const auto cycle = [] {
+        const Script image = NewScriptImage(24, 16);
+        image.Put("Pixel", {3, 4, 200});
+        const Variant level = Script(image("Histogram"))("AutoThresholdMinimizeVariance", {0, 0});
+        const Script particles(Script(image("Threshold", {0, level}))("FindBlobs"));
+        EXPECT_EQ(383, Script(particles("Item", {0}))("PixelCount").number());
+        image("CorrectPlanar", {image("PlanarFit")});
+        EXPECT_TRUE(DeleteObject(reinterpret_cast<HGDIOBJ>(static_cast<intptr_t>(image("CreateHBITMAP", {0}).lVal))));
+        EXPECT_NE(S_OK, image.Try("CreateFromFile", {"none.png"}).result);
+        EXPECT_NE(S_OK, image.Try("Threshold", {0, image}).result);
+        const Script helper("Orlix.VBHelper");
+        const Variant stream = helper("CreateMemoryStream");
+        image("Save", {stream});
+        helper.Put("StreamPosition", {stream, 0});
+        helper("ReadBytes", {stream});
+    };
+    for (int i = 0; i < 100; ++i) cycle();
+    const Holdings before;
+    for (int i = 0; i < 1000 && !::testing::Test::HasFailure(); ++i) cycle();
+    const Holdings after;
+    EXPECT_EQ(before.graphics, after.graphics);
+    EXPECT_EQ(before.windows, after.windows);
+    EXPECT_EQ(before.handles, after.handles);
+    constexpr size_t kOfTheSystem = 16'000;  // 16 bytes a cycle would be as much
+    EXPECT_LT(after.bytes, before.bytes + kOfTheSystem);
+}
+
 }  // namespace
 }  // namespace orlix::testing

@@ -177,7 +177,7 @@ TEST(ScriptHost, WrongCallsOfWScriptHaveTheirErrors) {
         {"WScript.CreateObject", "450 "},
         {"WScript.CreateObject \"No.Such\"",
          "-2147221005 No.Such: CO_E_CLASSSTRING (no class of this name is registered)"},
-        {"WScript.CreateObject \"Orlix.VBHelper\"", "-2147221231 Orlix.VBHelper: This class is not built yet."},
+        {"WScript.CreateObject \"Orlix.ImageView\"", "-2147221231 Orlix.ImageView: This class is not built yet."},
         {"WScript.CreateObject \"Orlix.Polygon\", \"x_\"", "-2147467262 the object has no events for scripts."},
         {"WScript.ConnectObject WScript, \"x_\"", "-2147467262 the object has no events for scripts."},
         {"WScript.ConnectObject Nothing, \"x_\"", "13 "},
