@@ -1,5 +1,5 @@
-// What late binding costs, on Windows: calls by number (IDispatch::Invoke) beside direct ones, and pixels of a 4096x4096
-// image to and from an array beside memcpy. Medians of 9 runs, interleaved.
+// What late binding costs, on Windows: calls by number (IDispatch::Invoke) beside direct ones, and pixels of an image
+// of 4096x4096 to and from an array beside memcpy. Medians of 9 runs, interleaved.
 #include <orlix/client.hpp>
 
 #include <algorithm>
