@@ -734,7 +734,7 @@ typedef struct SLevelMeasurements {
 //   PixelCount                        pixels of the band
 //   GrayAverage to GrayYCentroid      of these; excess kurtosis is 0 for a normal distribution
 //   Dip, LeastDipOfTwoPeaks           Hartigan's dip of the histogram, and from where on it shows a second peak
-//   ThresholdFound                    1, or 0 where the method finds none; the figures below are NaN then
+//   ThresholdFound                    1, or 0 where the method finds none: those below are NaN then, PhasePixels 0
 //   Threshold                         the last dark level; of TM_Trim the first level above its dark tail
 //   DarkFraction, BrightFraction      of the pixels, on either side
 //   PhasePixels to PhaseYCentroid     of the side that was asked for; PhaseArea in square microns, NaN when the
@@ -1119,7 +1119,7 @@ __CRT_UUID_DECL(IImageFrames, 0xd4df8416, 0x867f, 0x45a9, 0xad,0xae, 0x63,0x50,0
 //      its name, with "IVBHelper::CopyImage: the clipboard is in use."
 MIDL_INTERFACE("ab13b9e0-d78d-40ad-9a27-cc82a8a736f6") IVBHelper : public IDispatch {
     // Opens a file as a stream.
-    // For FSM_Read others may read the file too, otherwise nobody else may open it.
+    // On Windows others may read the file meanwhile for FSM_Read, and otherwise not open it.
     //   "IVBHelper::OpenFileStream: unknown mode."
     // A file that cannot be opened gives the system's result, STG_E_FILENOTFOUND for instance, without a text.
     virtual HRESULT STDMETHODCALLTYPE OpenFileStream(BSTR FileName, FileStreamMode Mode, IUnknown** hVal) = 0;
@@ -1164,7 +1164,7 @@ MIDL_INTERFACE("ab13b9e0-d78d-40ad-9a27-cc82a8a736f6") IVBHelper : public IDispa
 
     // Puts an image on the clipboard, in place of what is there: as PNG and as a bitmap (CF_DIB).
     // The PNG file is what IImageFile::SaveToFile writes; images that the format does not hold go without it. The
-    // bitmap has the levels of 8-bit images with one band or three, and the picture that is shown of others.
+    // bitmap has the levels of 8-bit images with one or three bands; others go from the least level to the largest.
     //   "IVBHelper::CopyImage: no image."
     virtual HRESULT STDMETHODCALLTYPE CopyImage(IImageVPA* Image) = 0;
 

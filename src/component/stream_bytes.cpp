@@ -1,6 +1,7 @@
 #include "component/stream_bytes.hpp"
 
 #include <algorithm>
+#include <limits>
 
 #include "component/failure.hpp"
 
@@ -31,7 +32,7 @@ size_t ReadFrom(IStream* stream, uint8_t* bytes, size_t size) {
     return read;
 }
 
-std::vector<uint8_t> ReadRest(IStream* stream, size_t most) {
+std::vector<uint8_t> ReadUpTo(IStream* stream, size_t most) {
     constexpr size_t kFirst = 64 * 1024, kLargest = 16 * 1024 * 1024;
     std::vector<uint8_t> bytes;
     for (size_t done = 0; done < most;) {
@@ -43,6 +44,13 @@ std::vector<uint8_t> ReadRest(IStream* stream, size_t most) {
             break;
         }
     }
+    return bytes;
+}
+
+std::vector<uint8_t> ReadRest(IStream* stream) {
+    constexpr size_t kMost = std::numeric_limits<int32_t>::max();
+    std::vector<uint8_t> bytes = ReadUpTo(stream, kMost + 1);
+    if (bytes.size() > kMost) throw FailedResult(E_FAIL);
     return bytes;
 }
 

@@ -18,7 +18,9 @@ ComPtr<IStream> StreamOf(IUnknown* object);
 size_t ReadFrom(IStream* stream, uint8_t* bytes, size_t size);
 
 // Reads up to `most` bytes, in as many calls as the stream needs, until it has no more. Memory grows with what arrives.
-std::vector<uint8_t> ReadRest(IStream* stream, size_t most);
+std::vector<uint8_t> ReadUpTo(IStream* stream, size_t most);
+// All that is left; E_FAIL for more than 2^31 - 1 bytes.
+std::vector<uint8_t> ReadRest(IStream* stream);
 
 // Writes all bytes; STG_E_CANTSAVE for a stream that stores less.
 void WriteTo(IStream* stream, std::span<const uint8_t> bytes);

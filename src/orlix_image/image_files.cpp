@@ -1,6 +1,5 @@
 #include "orlix_image/image_files.hpp"
 
-#include <limits>
 #include <utility>
 
 #include "component/stream_bytes.hpp"
@@ -53,9 +52,7 @@ STDMETHODIMP ImageFiles::SaveToStream(IUnknown* object, ImageFileFormat format) 
 STDMETHODIMP ImageFiles::LoadFromStream(IUnknown* object, LONG page) noexcept {
     return Guarded([&] {
         const ComPtr<IStream> stream = StreamOf(object);
-        constexpr size_t kLargest = std::numeric_limits<int32_t>::max();
-        const std::vector<uint8_t> bytes = ReadRest(stream.get(), kLargest + 1);
-        if (bytes.size() > kLargest) throw FailedResult(E_FAIL);
+        const std::vector<uint8_t> bytes = ReadRest(stream.get());
         ReadOptions options;
         options.page = page;
         core().LoadBytes(bytes, options);

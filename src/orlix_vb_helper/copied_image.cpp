@@ -18,12 +18,11 @@ ComPtr<I> NewObject() {
     return ComPtr<I>(Class::Make().get());
 }
 
-// Null where the format does not hold the image.
 std::vector<uint8_t> PngOf(const ComPtr<IImageFile>& file) {
     const ComPtr<IStream> stream = CreateMemoryStream();
-    if (FAILED(file->SaveToStream(stream.get(), IFF_PNG))) return {};
+    Check(file->SaveToStream(stream.get(), IFF_PNG), file);
     SeekStart(stream);
-    return ReadRest(stream.get(), std::numeric_limits<int32_t>::max());
+    return ReadRest(stream.get());
 }
 
 // The picture of an image that no bitmap holds as it is.
@@ -55,18 +54,23 @@ std::vector<uint8_t> Packed(const ComPtr<IDIBImage>& bitmap) {
 }  // namespace
 
 CopiedImage CopyOfImage(IImageVPA* client) {
+    LONG bands = 0, width = 0, height = 0, type = 0;
+    if (FAILED(client->Dimensions(&bands, &width, &height)) || width <= 0 || height <= 0)
+        throw MethodFailure("no image.");
     const auto image = NewObject<IImageVPAExPlus, OrlixImage>();
     Check(image->CreateFromImage(client, BI_AllBands), image);
-    LONG bands = 0, width = 0, height = 0, type = 0;
     Check(image->Dimensions(&bands, &width, &height), image);
-    if (width <= 0 || height <= 0) throw MethodFailure("no image.");
     Check(image->DataType(0, &type), image);
 
     CopiedImage copy;
-    ComPtr<IImageFile> file;  // the client's has the texts too
-    if (FAILED(client->QueryInterface(__uuidof(IImageFile), file.OutVoid())) || !file) file = Cast<IImageFile>(image);
-    copy.png = PngOf(file);
-    if (type == DT_BYTE && (bands == 1 || bands == 3)) {
+    const bool isPicture = bands == 1 || bands == 3;
+    if (isPicture && (type == DT_BYTE || type == DT_WORD)) {
+        ComPtr<IImageFile> file;  // the client's has the texts too
+        if (FAILED(client->QueryInterface(__uuidof(IImageFile), file.OutVoid())) || !file)
+            file = Cast<IImageFile>(image);
+        copy.png = PngOf(file);
+    }
+    if (isPicture && type == DT_BYTE) {
         const auto bitmap = NewObject<IDIBImage, OrlixBuffer>();
         Check(bitmap->CreateFromImage(image.get()), bitmap);
         copy.bitmap = Packed(bitmap);

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstring>
 #include <initializer_list>
-#include <limits>
 #include <optional>
 #include <random>
 #include <vector>
@@ -29,13 +28,6 @@ namespace {
 
 constexpr double kLargestPosition = 9007199254740992.0;           // 2^53: all whole numbers up to it are doubles
 constexpr auto kFileNotFound = static_cast<HRESULT>(0x80030002);  // STG_E_FILENOTFOUND
-constexpr size_t kMostBytes = std::numeric_limits<int32_t>::max();
-
-std::vector<uint8_t> BytesOfRest(IStream* stream) {
-    std::vector<uint8_t> bytes = ReadRest(stream, kMostBytes + 1);
-    if (bytes.size() > kMostBytes) throw FailedResult(E_FAIL);
-    return bytes;
-}
 
 bool BeginsWith(std::span<const uint8_t> bytes, std::initializer_list<uint8_t> mark) {
     return bytes.size() >= mark.size() && std::equal(mark.begin(), mark.end(), bytes.begin());
@@ -142,7 +134,7 @@ STDMETHODIMP OrlixVBHelper::ReadText(IUnknown* stream, BSTR* text) noexcept {
     return Guarded([&] {
         Require(stream), Require(text);
         *text = nullptr;
-        *text = CopyToBstr(TextOf(BytesOfRest(StreamOf(stream).get())));
+        *text = CopyToBstr(TextOf(ReadRest(StreamOf(stream).get())));
     });
 }
 
@@ -160,7 +152,7 @@ STDMETHODIMP OrlixVBHelper::ReadBytes(IUnknown* stream, LONG size, VARIANT* byte
         ClearArray(*bytes);
         const ComPtr<IStream> from = StreamOf(stream);
         if (size < -1) throw MethodFailure("Size must not be below -1.");
-        PutArray(size < 0 ? BytesOfRest(from.get()) : ReadRest(from.get(), static_cast<size_t>(size)), *bytes);
+        PutArray(size < 0 ? ReadRest(from.get()) : ReadUpTo(from.get(), static_cast<size_t>(size)), *bytes);
     });
 }
 

@@ -46,7 +46,7 @@ ComPtr<IUnknown> ConnectScript(IUnknown* sink, REFIID source) {
     if (source != __uuidof(IPictureExEvents) || FAILED(sink->QueryInterface(kPictureEvents, script.OutVoid())) ||
         !script)
         return {};
-    return ComPtr<IUnknown>::Attach(new PictureEventsOfScript(std::move(script)));
+    return MakeCounted<PictureEventsOfScript>(std::move(script)).As<IUnknown>();
 }
 
 }  // namespace orlix::automation
