@@ -419,6 +419,8 @@ TEST(ImageFileInStream, ReportsWhatGoesWrongAndChangesNothing) {
     const auto boasting = stream(good->bytes);
     boasting->claimedTooMuch = 100'000;
     EXPECT_TRUE(FailsSilently(load(boasting)));
+    EXPECT_TRUE(FailsSilently(image.file->LoadFromStream(image.get(), 0), E_NOINTERFACE));
+    EXPECT_TRUE(FailsSilently(image.file->SaveToStream(image.get(), IFF_PNG), E_NOINTERFACE));
     const auto full = ClientStream::Make();
     full->shortWrite = 0;
     EXPECT_TRUE(FailsSilently(image.file->SaveToStream(full.get(), IFF_PNG), kShortWrite));
