@@ -34,9 +34,12 @@ Bytes WithRightChecksums(std::span<const uint8_t> bytes);
 // Throws std::logic_error with the rule that is broken:
 //  (1) A reader gives an image, or one of the documented failures.
 //  (2) It asks for no more than twice of what has arrived (or 64 KiB), and its pixels can come out of that many bytes.
-//  (3) What it gives is consistent; written, it takes no more bytes than announced; read again and written again, it
-//      gives the same bytes.
+//  (3) What it gives is consistent.
 void CheckStreamReading(std::span<const uint8_t> bytes);
+
+//  (4) It is read by these rules; written, it takes no more bytes than announced; read again and written again, it
+//      gives the same bytes. Slower.
+void CheckStreamWriting(std::span<const uint8_t> bytes);
 
 // A stream that is sound up to its pixels: a small image whose type and geometry are taken from the first bytes, and
 // then the rest. So damage reaches the fields behind the pixels.
