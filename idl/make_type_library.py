@@ -3,8 +3,9 @@
     make_type_library.py OUTPUT
 
 A help string is the first sentence of a comment. (The interface compiler takes none for members of enumerations and
-records. Classes have their own, which are part of the contract.) Each class for scripts has a dispatch interface, which
-its objects answer and return as their type information; it is listed by the class.
+records. Classes have their own, which are part of the contract.) Methods that give addresses of memory are restricted:
+Visual Basic neither shows nor calls them. Each class for scripts has a dispatch interface, which its objects answer and
+return as their type information, and which has arrays in place of addresses; it is listed by the class.
 """
 
 import re
@@ -19,12 +20,21 @@ def help_string(declaration):
     return f'helpstring("{text}")'
 
 
-def with_help(contract):
+def gives_addresses(contract, declaration):
+    """Whether a method gives the address of memory, which few languages but C++ can read."""
+    interfaces = {found.name for found in contract.declarations if found.kind == "interface"} | {"IUnknown"}
+    pointed = re.findall(r"(\w+)\*\*", declaration.text)
+    return declaration.kind == "method" and any(name not in interfaces for name in pointed)
+
+
+def with_attributes(contract):
     lines = list(contract.lines)
     for declaration in contract.declarations:
         if declaration.kind in ("member", "coclass"):
             continue
         attribute = help_string(declaration)
+        if gives_addresses(contract, declaration):
+            attribute = f"restricted, {attribute}"
         line = lines[declaration.line]
         if declaration.kind in ("enum", "struct"):
             line = line.replace("typedef ", f"typedef [{attribute}] ", 1)
@@ -41,6 +51,8 @@ def automation_type(scripts, kind):
     name, stars = kind.rstrip("*"), kind.count("*")
     if name == "void":
         return "VARIANT"  # a handle, as wide as a pointer
+    if name == "OLE_COLOR":
+        return "long"  # Visual Basic has no unsigned integers
     if name in SYSTEM_OBJECTS:
         return "IUnknown*"
     if name in scripts.interfaces or name in scripts.records:
@@ -109,7 +121,7 @@ def events(scripts):
 
 
 def text_of(scripts):
-    lines = with_help(scripts.contract)
+    lines = with_attributes(scripts.contract)
     classes = list(scripts.coclasses.values())
     known = {found.name: found for found in scripts.classes}
     for found in classes:

@@ -1,5 +1,7 @@
 // The helper object as scripts use it, by name and through the type library.
+#include <atomic>
 #include <string>
+#include <thread>
 
 #include "automation/script.hpp"
 #include "support/objects.hpp"
@@ -63,6 +65,44 @@ TEST_F(VBHelperScript, MeasuresAFileInOneCall) {
     EXPECT_EQ(1, bright("PhasePixels").number());
     EXPECT_EQ(3, bright("PhaseXCentroid").number());
     EXPECT_EQ("IImageVPAEx::CreateFromFile: failed to open file.", helper.Try("MeasureFile", {name}).text);
+}
+
+// Presses a button of the next dialog of the thread that makes it.
+class DialogUser {
+public:
+    explicit DialogUser(WPARAM button) : thread_([this, button, of = GetCurrentThreadId()] { Press(button, of); }) {}
+    ~DialogUser() {
+        gaveUp_ = true;
+        thread_.join();
+    }
+
+private:
+    void Press(WPARAM button, DWORD thread) const {
+        for (HWND dialog = nullptr; !gaveUp_ && !dialog; Sleep(10)) {
+            EnumThreadWindows(thread, &FindDialog, reinterpret_cast<LPARAM>(&dialog));
+            if (dialog) PostMessageW(dialog, WM_COMMAND, button, 0);
+        }
+    }
+    static BOOL CALLBACK FindDialog(HWND window, LPARAM found) {
+        if (GetClassLongPtrW(window, GCW_ATOM) != kDialogClass || !IsWindowVisible(window)) return TRUE;
+        *reinterpret_cast<HWND*>(found) = window;
+        return FALSE;
+    }
+    static constexpr ULONG_PTR kDialogClass = 32770;
+
+    std::atomic<bool> gaveUp_ = false;
+    std::thread thread_;
+};
+
+TEST_F(VBHelperScript, AsksForAFolder) {
+    const Script helper("Orlix.VBHelper");
+    const std::string folder = helper("TemporaryFolder").text(), start = folder.substr(0, folder.size() - 1);
+    {
+        const DialogUser agrees(IDOK);
+        EXPECT_EQ(start, helper("BrowseForFolder", {"Where are the images?", start.c_str()}).text());
+    }
+    const DialogUser cancels(IDCANCEL);
+    EXPECT_EQ("", helper("BrowseForFolder", {"Where are the images?", start.c_str()}).text());
 }
 
 // Languages that bind early call the interface's methods as the type library describes them.

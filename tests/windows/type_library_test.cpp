@@ -132,6 +132,45 @@ TEST_F(TypeLibrary, SaysWhatEachTypeAndMethodIs) {
     EXPECT_EQ("Threshold of greatest variance between the classes (Otsu 1979).", otsu);
 }
 
+// Types that Visual Basic for Applications, Delphi, C# and Python can all call with.
+bool IsOfAutomation(const Type& type, const TYPEDESC& description) {
+    constexpr VARTYPE kKnown[] = {VT_VOID, VT_HRESULT, VT_I4, VT_R8, VT_BSTR, VT_VARIANT, VT_DISPATCH, VT_UNKNOWN};
+    if (description.vt == VT_USERDEFINED)
+        return type.Referred(description.hreftype).attributes().typekind == TKIND_ENUM;
+    return std::find(std::begin(kKnown), std::end(kKnown), description.vt) != std::end(kKnown);
+}
+
+// A pointer to a pointer, but for those that return objects.
+bool IsAddressOfMemory(const Type& type, const TYPEDESC& description) {
+    if (description.vt != VT_PTR || description.lptdesc->vt != VT_PTR) return false;
+    const TYPEDESC& target = *description.lptdesc->lptdesc;
+    return target.vt != VT_USERDEFINED || type.Referred(target.hreftype).attributes().typekind != TKIND_INTERFACE;
+}
+
+TEST_F(TypeLibrary, OffersNoLanguageWhatItCannotCall) {
+    int restricted = 0;
+    for (const Type& type : TypesOf(library_))
+        type.EachFunction([&](const FUNCDESC& function) {
+            const std::string method = type.Name() + "::" + type.MethodName(function);
+            const bool isRestricted = function.wFuncFlags & FUNCFLAG_FRESTRICTED;
+            bool givesAddress = false;
+            for (SHORT i = 0; i < function.cParams; ++i) {
+                const TYPEDESC& parameter = function.lprgelemdescParam[i].tdesc;
+                givesAddress = givesAddress || IsAddressOfMemory(type, parameter);
+                if (function.funckind == FUNC_DISPATCH) {
+                    EXPECT_TRUE(IsOfAutomation(type, parameter)) << method << ", parameter " << i;
+                }
+            }
+            if (function.funckind == FUNC_DISPATCH) {
+                EXPECT_TRUE(IsOfAutomation(type, function.elemdescFunc.tdesc)) << method;
+            } else {
+                EXPECT_EQ(givesAddress, isRestricted) << method;
+                restricted += isRestricted;
+            }
+        });
+    EXPECT_EQ(16, restricted);
+}
+
 TEST_F(TypeLibrary, HasTheClassesInTheOrderOfTheClassTable) {
     std::vector<std::string> classes, facts;
     for (const Type& type : TypesOf(library_))

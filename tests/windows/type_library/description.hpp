@@ -38,6 +38,7 @@ public:
     // An interface's base, a class's interfaces.
     Type Implemented(UINT index) const;
     std::string ImplementedFlags(UINT index) const;  // "[default] [source] "
+    Type Referred(HREFTYPE reference) const;
 
     std::string Describe(const TYPEDESC& type) const;
     std::string Describe(const FUNCDESC& function) const;
@@ -46,8 +47,6 @@ public:
     void EachVariable(const std::function<void(const VARDESC&)>& visit) const;
 
 private:
-    Type Referred(HREFTYPE reference) const;
-
     ComPtr<ITypeInfo> info_;
     TYPEATTR* attributes_ = nullptr;
 };
