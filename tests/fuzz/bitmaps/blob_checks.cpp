@@ -243,19 +243,23 @@ void CheckGeometry(const World& world, const SBinaryMeasurements& found, const A
     for (const auto& [x, y] : pixels)
         for (const auto& [dx, dy] : StepsOf(Connectivity::Eight))
             if (!IsSet(alone.pixels, x + dx, y + dy)) around.push_back({x + dx, y + dy});
-    const auto room = [&](double x, double y) {
+    // The distance from the pixels around it, or any smaller one than `enough`.
+    const auto room = [&](double x, double y, double enough) {
         double least = 1e300;
-        for (const Place& at : around)
-            least = std::min(least, std::hypot(std::max(std::fabs(x - at.x) - 0.5, 0.0) * sx,
-                                               std::max(std::fabs(y - at.y) - 0.5, 0.0) * sy));
-        return least;
+        for (size_t i = 0; i < around.size() && least > enough * enough; ++i) {
+            const double across = std::max(std::fabs(x - around[i].x) - 0.5, 0.0) * sx;
+            const double down = std::max(std::fabs(y - around[i].y) - 0.5, 0.0) * sy;
+            least = std::min(least, across * across + down * down);
+        }
+        return std::sqrt(least);
     };
     double largest = 0;
     for (const auto& [x, y] : pixels)
-        for (int i = 0; i < 9; ++i) largest = std::max(largest, room(x + i % 3 / 2.0 - 0.5, y + i / 3 / 2.0 - 0.5));
+        for (int i = 0; i < 9; ++i)
+            largest = std::max(largest, room(x + i % 3 / 2.0 - 0.5, y + i / 3 / 2.0 - 0.5, largest));
     expect("InscribedRadius", largest, found.m_dInscribedRadius);
     expect("room about the inscribed circle's centre", largest,
-           room(found.m_dInscribedXCenter, found.m_dInscribedYCenter));
+           room(found.m_dInscribedXCenter, found.m_dInscribedYCenter, 0));
 
     static constexpr int kP[] = {0, 1, 0, 2, 1, 0, 3, 2, 1, 0}, kQ[] = {0, 0, 1, 0, 1, 2, 0, 1, 2, 3};
     for (size_t k = 0; k < 10; ++k) {
