@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <span>
 
 #include "component/failure.hpp"
 
@@ -48,52 +49,45 @@ VPAEntry OffsetTableEntry(const ImageLayout& layout, int64_t index) {
 
 namespace {
 
-// The entries of one axis in ascending order, without a division for each: a small image is created in the time that
-// its margins take.
+// The entries of one axis in ascending order. They repeat after 2(n - 1), so that those of a small image, which are
+// nearly all margin, are copies: it is created in the time that a few copies take.
 class Axis {
 public:
     Axis(int64_t length, int64_t step)
         : last_(length - 1),
           step_(static_cast<LONG>(step)),
           rest_(length + 2 * kTableMargin),
-          position_(MirroredIndex(-kTableMargin, length)),
-          rising_(MirroredIndex(1 - kTableMargin, length) > position_) {
-        Turn();
-    }
+          phase_(last_ == 0 ? 0 : (2 * last_ - kTableMargin % (2 * last_)) % (2 * last_)) {}
 
-    LONG entry() const { return entry_; }
-    LONG change() const { return change_; }     // from entry to entry, `steady()` times
-    int64_t steady() const { return steady_; }  // at least 1
-
-    // n <= steady()
-    void Advance(int64_t n) {
-        rest_ -= n;
-        steady_ -= n;
-        position_ += rising_ ? n : -n;
-        if (steady_ == 0) {
-            rising_ = !rising_;
-            Turn();
-        } else {
-            entry_ += static_cast<LONG>(n) * change_;
+    void Fill(std::span<LONG> to) {
+        // Beyond the margin entries are 0, as are all of an axis of one entry.
+        const int64_t entries = last_ == 0 ? 0 : std::min(rest_, static_cast<int64_t>(to.size()));
+        const auto count = static_cast<size_t>(entries);
+        rest_ -= entries;
+        std::fill(to.begin() + static_cast<ptrdiff_t>(count), to.end(), 0);
+        if (count == 0) return;
+        const auto first = static_cast<size_t>(std::min(entries, 2 * last_));
+        const int64_t start = phase_;
+        for (size_t i = 0; i < first;) {
+            const bool rising = phase_ < last_;
+            const int64_t n = std::min<int64_t>((rising ? last_ : 2 * last_) - phase_, static_cast<int64_t>(first - i));
+            const auto entry = static_cast<LONG>((rising ? phase_ : 2 * last_ - phase_) * step_);
+            const LONG change = rising ? step_ : -step_;
+            // Sums beyond the last entry of the piece could overflow, so the steps are multiplied.
+            for (LONG k = 0; k < n; ++k) to[i + static_cast<size_t>(k)] = entry + k * change;
+            i += static_cast<size_t>(n);
+            phase_ = phase_ + n == 2 * last_ ? 0 : phase_ + n;
         }
+        for (size_t done = first; done < count; done *= 2)
+            std::copy_n(to.begin(), std::min(done, count - done), to.begin() + static_cast<ptrdiff_t>(done));
+        phase_ = (start + entries) % (2 * last_);
     }
 
 private:
-    void Turn() {
-        const bool constant = last_ == 0 || rest_ <= 0;  // beyond the margin entries have no meaning
-        entry_ = constant ? 0 : static_cast<LONG>(position_ * step_);
-        change_ = constant ? 0 : rising_ ? step_ : -step_;
-        steady_ = rest_ <= 0 ? kEndless : constant ? rest_ : std::min(rest_, rising_ ? last_ - position_ : position_);
-    }
-
-    static constexpr int64_t kEndless = std::numeric_limits<int64_t>::max();
     int64_t last_;
     LONG step_;
-    int64_t rest_;  // entries to come
-    int64_t position_;
-    bool rising_;
-    LONG entry_ = 0, change_ = 0;
-    int64_t steady_ = 0;
+    int64_t rest_;   // entries to come that have a meaning
+    int64_t phase_;  // of the next one, 0 to 2(n - 1) - 1: that of an index inside the axis is the index
 };
 
 }  // namespace
@@ -103,14 +97,13 @@ std::vector<VPAEntry> MakeOffsetTable(const ImageLayout& layout) {
     if (static_cast<uint64_t>(size) > std::vector<VPAEntry>().max_size()) throw FailedResult(E_FAIL);
     std::vector<VPAEntry> table(static_cast<size_t>(size));
     Axis x(layout.width, 1), y(layout.height, layout.rowStride / layout.bytesPerSample);
-    VPAEntry* to = table.data();
-    for (VPAEntry* const end = to + size; to < end;) {
-        const int64_t n = std::min({x.steady(), y.steady(), int64_t{end - to}});
-        // Sums beyond the last entry of the piece could overflow, so the steps are multiplied.
-        for (LONG i = 0; i < n; ++i) to[i] = {x.entry() + i * x.change(), y.entry() + i * y.change()};
-        to += n;
-        x.Advance(n);
-        y.Advance(n);
+    constexpr size_t kBlock = 1024;
+    LONG columns[kBlock], rows[kBlock];
+    for (size_t first = 0; first < table.size(); first += kBlock) {
+        const size_t n = std::min(kBlock, table.size() - first);
+        x.Fill({columns, n});
+        y.Fill({rows, n});
+        for (size_t i = 0; i < n; ++i) table[first + i] = {columns[i], rows[i]};
     }
     return table;
 }

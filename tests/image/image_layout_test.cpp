@@ -66,8 +66,16 @@ std::vector<LONG> Walk(int32_t length, int32_t steps, int32_t direction) {
 }
 
 TEST(OffsetTable, MirrorsOnBothAxesWithoutRepeatingTheEdge) {
-    for (const auto& [width, height] :
-         {std::pair{1, 1}, {1, 7}, {2, 1}, {2, 2}, {3, 500}, {199, 200}, {201, 202}, {1000, 3}}) {
+    for (const auto& [width, height] : {std::pair{1, 1},
+                                        {1, 7},
+                                        {2, 1},
+                                        {2, 2},
+                                        {3, 500},
+                                        {199, 200},
+                                        {201, 202},
+                                        {1000, 3},
+                                        {30, 2999},
+                                        {5000, 700}}) {
         SCOPED_TRACE(::testing::Message() << width << " x " << height);
         const ImageLayout layout = MakeLayout(width, height, 1, DT_WORD);
         const std::vector<VPAEntry> table = MakeOffsetTable(layout);
