@@ -53,11 +53,11 @@ private:
         constexpr double kMore = 1 + 1e-14, kLess = 1 - 1e-14;
         double squares[kBlock], largest = 0;
         if (end - first <= kBlock) {
-            largest = kernels_.roughSquares(&outline_[first], end - first, edge, squares);
+            largest = kernels_.roughSquares(outline_.data() + first, end - first, edge, squares);
         } else {
             blocks_.clear();
             for (uint32_t i = first; i < end; i += kBlock) {
-                blocks_.push_back(kernels_.roughSquares(&outline_[i], std::min(kBlock, end - i), edge, squares));
+                blocks_.push_back(kernels_.roughSquares(outline_.data() + i, std::min(kBlock, end - i), edge, squares));
                 largest = std::max(largest, blocks_.back());
             }
         }
@@ -72,7 +72,7 @@ private:
                     const uint32_t count = std::min(kBlock, end - from);
                     if (end - first > kBlock) {
                         if (blocks_[(from - first) / kBlock] < least) continue;
-                        kernels_.roughSquares(&outline_[from], count, edge, squares);
+                        kernels_.roughSquares(outline_.data() + from, count, edge, squares);
                     }
                     for (uint32_t i = 0; i < count; ++i) visit(from + i, squares[i] >= least);
                 }
