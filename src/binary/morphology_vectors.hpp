@@ -224,7 +224,7 @@ public:
         }
         if constexpr (count == 1) {
             const Shape shape = shape_;
-            const auto one = [&](size_t i) __attribute__((always_inline)) {
+            const auto one = [ row, shape ](size_t i) __attribute__((always_inline)) {
                 Vector v[1];
                 if (i < shape.full)
                     row(i, typename Shape::InRow{i}, v);
@@ -259,7 +259,7 @@ private:
     // An erosion, or that of the pixels as they are not. Windows of 8 n + 7 pixels in either direction: of each byte's
     // pixels all reach over n bytes on both sides, and then as far into the next byte as their place in their own.
     template <int n, size_t count, class Row>
-    ORLIX_INLINE void Bytes(const Row& row, uint8_t* const (&to)[count]) const {
+    ORLIX_INLINE_PART void Bytes(const Row row, uint8_t* const (&to)[count]) const {
         using Seam = typename Lanes::Seam;
         const Shape shape = shape_;
         const Vector flip = Lanes::All(dilate ? 0xff : 0x00), outside = Lanes::All(0xff);
@@ -310,7 +310,7 @@ private:
     // At most 63 pixels in either direction: extremes of 1, 2, 4 ... pixels from each one on, at last of `after` + 1,
     // then those joined with the ones that lie `before` pixels before. What lies behind a vector stays in registers.
     template <int steps, class Row>
-    ORLIX_INLINE void Steps(const Row& row, uint8_t* to) const {
+    ORLIX_INLINE_PART void Steps(const Row row, uint8_t* to) const {
         const Shape shape = shape_;
         const Count lastStep(window_.after + 1 - (1 << (steps - 1))), before(window_.before);
         const auto result = [&](const Vector& left, const Vector& v) __attribute__((always_inline)) {
@@ -350,7 +350,7 @@ private:
     //  (2) the same from the start of a word to the end of the window;
     //  (3) the words -q + 1 ... t - 1 are full: a bit for each word, conjunctions by doubling.
     template <class Row>
-    ORLIX_INLINE void Long(const Row& row, uint8_t* to) const {
+    ORLIX_INLINE_PART void Long(const Row row, uint8_t* to) const {
         constexpr size_t kWords = k / 8;
         // Copies: the compiler takes bytes that are stored for members that may change.
         const Shape shape = shape_;
@@ -475,7 +475,7 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
                 const uint8_t *const first = rowAt(i), *const second = rowAt(i + 1), *const firstEnd = endAt(i),
                                      *const secondEnd = endAt(i + 1);
                 columns(
-                    [&](size_t x, const auto& load, Vector(&v)[2]) __attribute__((always_inline)) {
+                    [=](size_t x, const auto& load, Vector(&v)[2]) __attribute__((always_inline)) {
                         const Vector one = Extreme<Lanes, dilate>(Lanes::Load(start + x), load(first));
                         const Vector two = Extreme<Lanes, dilate>(one, load(second));
                         Lanes::Store(start + x, two);
@@ -487,7 +487,7 @@ ORLIX_INLINE void RowWindows(const MorphologyRows& rows, const MorphologyWindow&
             } else {
                 const uint8_t *const row = rowAt(i), *const end = endAt(i);
                 columns(
-                    [&](size_t x, const auto& load, Vector(&v)[1]) __attribute__((always_inline)) {
+                    [=](size_t x, const auto& load, Vector(&v)[1]) __attribute__((always_inline)) {
                         const Vector one = Extreme<Lanes, dilate>(Lanes::Load(start + x), load(row));
                         Lanes::Store(start + x, one);
                         v[0] = Extreme<Lanes, dilate>(one, Lanes::Load(end + x));
@@ -533,7 +533,7 @@ ORLIX_INLINE void Rectangles(const MorphologyRows& rows, const MorphologyRectang
     if (window.rows.length() > 1) return RowWindows<Lanes, dilate>(rows, window.rows, shape, columns, scratch);
     for (int32_t y = 0; y < rows.height; ++y) {
         const uint8_t* const from = rows.from + y * rows.fromRow;
-        columns([&](size_t, const auto& load, Vector(&v)[1]) __attribute__((always_inline)) { v[0] = load(from); },
+        columns([=](size_t, const auto& load, Vector(&v)[1]) __attribute__((always_inline)) { v[0] = load(from); },
                 {rows.to + y * rows.toRow});
     }
 }
