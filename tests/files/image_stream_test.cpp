@@ -248,6 +248,13 @@ TEST(ImageStream, SizeOfAPixelAndSignificantBitsAreEntriesOnlyWhereTheyCanBe) {
         EXPECT_EQ(0, image.content.properties.micronsX);
         EXPECT_EQ(1u, image.content.properties.binaries.size());
     }
+    for (const auto& [keyword, size] : {std::pair(OLESTR("Micron"), 16u), {OLESTR("MicronsPerPixel"), 24u}}) {
+        const Bytes entry = LittleString(keyword) + Little32(size) + Part(Double(1) + Double(1) + Double(1), 0, size);
+        stream.binaries = Little32(1) + Double(1) + entry;
+        const ImageProperties properties = ReadBack(stream.Whole()).content.properties;
+        EXPECT_EQ(0, properties.micronsX);
+        EXPECT_EQ(1u, properties.binaries.size()) << "another keyword, another size";
+    }
 }
 
 }  // namespace
