@@ -66,21 +66,20 @@ public:
         rest_ -= entries;
         std::fill(to.begin() + static_cast<ptrdiff_t>(count), to.end(), 0);
         if (count == 0) return;
-        const auto first = static_cast<size_t>(std::min(entries, 2 * last_));
-        const int64_t start = phase_;
-        for (size_t i = 0; i < first;) {
-            const bool rising = phase_ < last_;
-            const int64_t n = std::min<int64_t>((rising ? last_ : 2 * last_) - phase_, static_cast<int64_t>(first - i));
-            const auto entry = static_cast<LONG>((rising ? phase_ : 2 * last_ - phase_) * step_);
+        const int64_t period = 2 * last_, first = std::min(entries, period);
+        for (int64_t i = 0, phase = phase_; i < first; phase %= period) {
+            const bool rising = phase < last_;
+            const int64_t n = std::min((rising ? last_ : period) - phase, first - i);
+            const auto entry = static_cast<LONG>((rising ? phase : period - phase) * step_);
             const LONG change = rising ? step_ : -step_;
             // Sums beyond the last entry of the piece could overflow, so the steps are multiplied.
-            for (LONG k = 0; k < n; ++k) to[i + static_cast<size_t>(k)] = entry + k * change;
-            i += static_cast<size_t>(n);
-            phase_ = phase_ + n == 2 * last_ ? 0 : phase_ + n;
+            for (LONG k = 0; k < n; ++k) to[static_cast<size_t>(i + k)] = entry + k * change;
+            i += n;
+            phase += n;
         }
-        for (size_t done = first; done < count; done *= 2)
+        for (size_t done = static_cast<size_t>(first); done < count; done *= 2)
             std::copy_n(to.begin(), std::min(done, count - done), to.begin() + static_cast<ptrdiff_t>(done));
-        phase_ = (start + entries) % (2 * last_);
+        phase_ = (phase_ + entries) % period;
     }
 
 private:
